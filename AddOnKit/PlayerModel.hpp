@@ -1,0 +1,75 @@
+// What the card shows: the one observable model that turns each player state into the few values
+// that are drawn, and carries the user's edits until the main application confirms them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "QuorvaneKit/QuorvanePlayerState.hpp"
+#include "drawing/Image.hpp"
+#include "platform/Clock.hpp"
+#include "platform/Observable.hpp"
+
+namespace quorvane {
+
+// Main thread only. Every observable is written only when its value changes.
+class PlayerModel {
+public:
+    struct TrackText {
+        std::string title;
+        std::string artist;
+        bool operator==(const TrackText&) const = default;
+    };
+    struct Change {
+        std::string summary;
+        std::optional<TrackText>
+            newTrack;  // only when the update switched to another, present track
+        bool operator==(const Change&) const = default;
+    };
+
+    PlayerModel(WallClock now, DecodeImage decodeImage);
+
+    // Nothing when nothing that is summarised has changed.
+    std::optional<Change> apply(const QuorvanePlayerState& state);
+    // Empties the card. Nothing when there was nothing to clear.
+    std::optional<std::string> clear();
+    // The extrapolated playback position in seconds.
+    double position(WallTime date) const;
+
+    void togglePlayPause();
+    void toggleLove();
+    void setVolume(std::int64_t value);  // clamped to 0...100
+    void beginVolumeDrag();
+    void endVolumeDrag();
+
+    // Calls the listener after any of the observed fields has changed.
+    std::vector<Handle> observe(const std::function<void()>& listener);
+
+    Observable<bool> isVisible{false};
+    Observable<std::string> title;
+    Observable<std::string> artist;
+    Observable<ImageRef> artwork;
+    Observable<std::int64_t> artworkID{0};  // +1 each time the artwork's bytes change
+    Observable<std::string> trackID;
+    Observable<bool> isPlaying{false};
+    Observable<bool> showsHeart{false};
+    Observable<bool> isLoved{false};
+    Observable<std::optional<double>>
+        duration;  // seconds; nothing for live streams and unknown lengths
+    Observable<bool> isLiveStream{false};
+    Observable<std::int64_t> volume{50};  // percent
+    Observable<bool> isDraggingVolume{false};
+
+private:
+    double anchorPosition_ = 0;  // seconds, at anchorDate_
+    WallTime anchorDate_ = kDistantPast;
+    WallTime lovedGraceUntil_ = kDistantPast;
+    WallTime volumeGraceUntil_ = kDistantPast;
+    std::optional<SharedBytes> lastArtworkData_;
+    WallClock now_;
+    DecodeImage decodeImage_;
+};
+
+}  // namespace quorvane

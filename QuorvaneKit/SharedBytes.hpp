@@ -1,0 +1,27 @@
+// Immutable bytes that are passed on by reference: artwork travels from the wire to the card
+// without a copy.
+#pragma once
+
+#include <algorithm>
+#include <memory>
+
+#include "platform/Bytes.hpp"
+
+namespace quorvane {
+
+// Compares by contents; the same object is equal at once.
+class SharedBytes {
+public:
+    explicit SharedBytes(Bytes bytes) : bytes_(std::make_shared<const Bytes>(std::move(bytes))) {}
+
+    ByteView view() const { return *bytes_; }
+    std::size_t size() const { return bytes_->size(); }
+    bool operator==(const SharedBytes& other) const {
+        return bytes_ == other.bytes_ || std::ranges::equal(*bytes_, *other.bytes_);
+    }
+
+private:
+    std::shared_ptr<const Bytes> bytes_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,111 @@
+// The windows that cards stand in, and the stages that show a card inside them. Main thread only.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "drawing/Canvas.hpp"
+#include "drawing/Geometry.hpp"
+#include "drawing/Scene.hpp"
+#include "drawing/Screens.hpp"
+#include "drawing/Spring.hpp"
+
+namespace quorvane {
+
+struct PointerEvent {
+    enum class Kind { down, dragged, up, cancelled };  // of the primary button
+    Kind kind;
+    Point location;  // points inside the card, origin at its top left, y growing downward
+};
+
+// What assistive technology asks of a control.
+enum class AccessibilityAction { press, increment, decrement };
+
+// What a card's content hears from its stage. All of it is called on the main thread, never inside
+// a call to the stage.
+struct StageEvents {
+    std::function<void(const PointerEvent&)> pointer;
+    std::function<void(SceneControl::ID, AccessibilityAction)> accessibility;
+};
+
+// How the card and its shadow look. Lengths are points; the shadow's offset grows downward.
+struct CardStyle {
+    Size card;
+    double shadowMargin = 0;  // the stage is the card grown by this on every side
+    double cornerRadius = 0;
+    std::int64_t glassStyle = 0;  // the system's raw style value
+    double shadowOpacity = 0;
+    double shadowRadius = 0;
+    double shadowOffset = 0;
+};
+
+// The view that carries glass, shadow and content; hidden when made. What is animated, hidden and
+// faded.
+class CardStage {
+public:
+    virtual ~CardStage() = default;
+    virtual void setHidden(bool hidden) = 0;
+    // Ends running animations of the stage and leaves its transform at identity.
+    virtual void removeAnimations() = 0;
+    // Animates the stage's transform from `start` to identity over the spring's settling duration.
+    // `start` is in stage coordinates with y growing downward.
+    virtual void springFrom(const Transform& start, const Spring& spring) = 0;
+    // Shows the scene from now on, on top of the glass.
+    virtual void setScene(const Scene& scene) = 0;
+    virtual void setEvents(StageEvents events) = 0;
+};
+
+struct WindowSettings {
+    Rect frame;  // global points, y growing upward
+    std::uint64_t styleMask = 0;
+    bool becomesKeyOnlyIfNeeded = true;
+    bool isOpaque = false;
+    bool hasShadow = false;
+    bool hasDarkAppearance = true;
+    std::int64_t level = 0;
+    std::uint64_t collectionBehavior = 0;
+    bool isReleasedWhenClosed = false;
+    bool hidesOnDeactivate = false;
+    bool acceptsMouseMovedEvents = true;
+    double alpha = 0;
+    bool ignoresMouseEvents = true;
+};
+
+// One window of the system. It never becomes key or main and never takes the keyboard.
+class CardSystemWindow {
+public:
+    virtual ~CardSystemWindow() = default;
+    virtual long number() const = 0;  // the window server's number; -1 while it has none
+    virtual bool isVisible() const = 0;
+    virtual unsigned long occlusionState() const = 0;
+    virtual void setIgnoresMouseEvents(bool ignores) = 0;
+    virtual void setContent(std::shared_ptr<CardStage> stage) = 0;  // null: no content
+    virtual void setFrame(const Rect& frame) = 0;
+    virtual void orderFrontRegardless() = 0;
+    virtual void orderOut() = 0;
+    virtual void close() = 0;
+    // Sets the alpha at once, ending a fade.
+    virtual void setAlpha(double alpha) = 0;
+    // Fades to `alpha`. The completion runs on the main thread when the fade ends or a later one
+    // replaces it.
+    virtual void animateAlpha(double alpha, Duration duration,
+                              std::function<void()> completion) = 0;
+    // Called for each primary button press on the window, before it is handled, with its place in
+    // window coordinates.
+    virtual void setMouseDownObserver(std::function<void(Point)> observer) = 0;
+};
+
+struct CardWindows {
+    // Null when the system cannot make one now; the reason is logged by the platform.
+    std::function<std::unique_ptr<CardSystemWindow>(const WindowSettings&, const Screen&)>
+        makeWindow;
+    std::function<std::shared_ptr<CardStage>(const CardStyle&)> makeStage;
+    // Moves the window above the lock screen, for systems where that is one operation of the window
+    // system.
+    std::function<void(CardSystemWindow&)> liftAboveLock;
+    std::function<bool()> reducesMotion;
+    MeasureText measureText;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,136 @@
+// What the card looks like at one moment, as a value: a flat list of things to draw from back to
+// front, the controls that can be pressed, and when the scene would next differ. Coordinates are
+// points inside the card, origin at its top left, y growing downward.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "drawing/Geometry.hpp"
+#include "drawing/Image.hpp"
+#include "platform/Clock.hpp"
+
+namespace quorvane {
+
+struct Color {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+    double alpha = 1;
+
+    static constexpr Color white(double alpha = 1) { return {1, 1, 1, alpha}; }
+    static constexpr Color black(double alpha = 1) { return {0, 0, 0, alpha}; }
+    constexpr bool operator==(const Color&) const = default;
+};
+
+struct FontStyle {
+    enum class Weight { regular, medium, semibold, bold };
+    double size = 13;
+    Weight weight = Weight::regular;
+    bool hasTabularDigits = false;  // every digit as wide as the widest
+
+    constexpr bool operator==(const FontStyle&) const = default;
+};
+
+enum class TextAlignment {
+    leading,
+    center,
+    trailing
+};  // leading is the right edge in a right-to-left scene
+
+// A filled rectangle, rounded when the radius is above 0; half the shorter side makes its ends
+// round.
+struct ShapeNode {
+    Rect frame;
+    double cornerRadius = 0;
+    Color fill;
+    bool operator==(const ShapeNode&) const = default;
+};
+
+// Fills its frame, cropped about the middle where the shapes differ.
+struct ImageNode {
+    Rect frame;
+    double cornerRadius = 0;
+    ImageRef image;
+    bool operator==(const ImageNode&) const = default;
+};
+
+// One line. Text wider than its frame is cut off with an ellipsis at its trailing end, unless
+// `scroll` is set.
+struct TextNode {
+    // The text moved `offset` points toward the leading edge, a copy following after `gap` points,
+    // both ends of the frame fading over `fade` points.
+    struct Scroll {
+        double offset = 0;
+        double gap = 0;
+        double fade = 0;
+        bool operator==(const Scroll&) const = default;
+    };
+
+    Rect frame;  // the line is centred in its height
+    std::string text;
+    FontStyle font;
+    Color color;
+    TextAlignment alignment = TextAlignment::leading;
+    std::optional<Scroll> scroll;
+    bool operator==(const TextNode&) const = default;
+};
+
+// A symbol of the system by name, centred in its frame.
+struct SymbolNode {
+    Rect frame;
+    std::string_view name;  // a literal, "play.fill" and its kin
+    double pointSize = 0;
+    Color color;
+    bool operator==(const SymbolNode&) const = default;
+};
+
+// Everything up to the matching GroupEnd is drawn with this transform, opacity and clip. Groups
+// nest.
+struct GroupBegin {
+    Transform transform;
+    double opacity = 1;
+    std::optional<Rect> clip;
+    double clipCornerRadius = 0;
+    bool operator==(const GroupBegin&) const = default;
+};
+struct GroupEnd {
+    bool operator==(const GroupEnd&) const = default;
+};
+
+using SceneNode = std::variant<ShapeNode, ImageNode, TextNode, SymbolNode, GroupBegin, GroupEnd>;
+
+// What a person can act on or a screen reader can read.
+struct SceneControl {
+    enum class ID { previous, playPause, next, love, volume, title, artist, artwork, progress };
+    enum class Role { button, slider, text, image, progress };
+
+    ID id;
+    Role role;
+    Rect frame;         // the area that takes presses; for texts and images, where they stand
+    std::string label;  // localised
+    std::string value;  // localised; empty when it has none
+    double number = 0;  // of sliders and progress, between the two below
+    double minimum = 0;
+    double maximum = 0;
+    bool operator==(const SceneControl&) const = default;
+};
+
+struct Scene {
+    std::vector<SceneNode> nodes;
+    std::vector<SceneControl> controls;
+    bool isRightToLeft = false;
+    // How long this scene stays as it is while nothing else happens; nothing: for good. Not part of
+    // what is drawn.
+    std::optional<Duration> nextChange;
+
+    bool operator==(const Scene& other) const {
+        return nodes == other.nodes && controls == other.controls &&
+               isRightToLeft == other.isRightToLeft;
+    }
+};
+
+}  // namespace quorvane

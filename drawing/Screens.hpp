@@ -1,0 +1,32 @@
+// The screens, in global points with y growing upward and the origin at the first screen's
+// bottom-left corner.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "drawing/Geometry.hpp"
+#include "platform/Handle.hpp"
+
+namespace quorvane {
+
+struct Screen {
+    Rect frame;          // points
+    double scale = 1.0;  // pixels a point
+    // Areas that the lock screen itself needs on this screen, same coordinates as `frame`. Empty
+    // where the system keeps such areas free by itself.
+    std::vector<Rect> keepClear;
+
+    bool operator==(const Screen&) const = default;
+};
+
+// Main thread only. `observeChanges` reports a changed set of screens or scales, several notices
+// may arrive for one reconfiguration. `observeKeepClear` reports that only keep-clear areas
+// changed.
+struct Screens {
+    std::function<std::vector<Screen>()> list;
+    std::function<Handle(std::function<void()> handler)> observeChanges;
+    std::function<Handle(std::function<void()> handler)> observeKeepClear;
+};
+
+}  // namespace quorvane

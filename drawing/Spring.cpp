@@ -1,0 +1,60 @@
+#include "drawing/Spring.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace quorvane {
+namespace {
+
+// x'' + 2 * damping * x' + frequency^2 * x = 0 for the distance x that is left, from x = 1 at rest.
+struct Oscillator {
+    double frequency;
+    double damping;
+
+    explicit Oscillator(const Spring& spring)
+        : frequency(2 * std::numbers::pi / spring.perceptualDuration),
+          damping((1 - std::clamp(spring.bounce, 0.0, 1.0)) * frequency) {}
+
+    double distance(double t) const {
+        if (damping >= frequency) return (1 + frequency * t) * std::exp(-frequency * t);
+        const double swing = std::sqrt(frequency * frequency - damping * damping);
+        return std::exp(-damping * t) *
+               (std::cos(swing * t) + damping / swing * std::sin(swing * t));
+    }
+};
+
+}  // namespace
+
+double Spring::progress(double elapsed) const {
+    return elapsed <= 0 ? 0 : 1 - Oscillator{*this}.distance(elapsed);
+}
+
+double Spring::settlingDuration() const {
+    // The envelope falls as exp(-damping t); without any damping the spring is ended after ten
+    // swings.
+    const double damping = Oscillator{*this}.damping;
+    const double limit = 10 * perceptualDuration;
+    return damping <= 0 ? limit : std::min(limit, std::log(1000.0) / damping);
+}
+
+double easeInOut(double t) {
+    // The cubic curve through (0.42, 0) and (0.58, 1), solved for its parameter by bisection.
+    const double x = std::clamp(t, 0.0, 1.0);
+    double low = 0;
+    double high = 1;
+    for (int i = 0; i < 30; ++i) {
+        const double s = (low + high) / 2;
+        const double at = 3 * (1 - s) * (1 - s) * s * 0.42 + 3 * (1 - s) * s * s * 0.58 + s * s * s;
+        (at < x ? low : high) = s;
+    }
+    const double s = (low + high) / 2;
+    return s * s * (3 - 2 * s);
+}
+
+double easeOut(double t) {
+    const double left = 1 - std::clamp(t, 0.0, 1.0);
+    return 1 - left * left * left;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,44 @@
+// Byte buffers. Growing one does not zero the new bytes: replies of a megabyte are read straight
+// in.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace quorvane {
+
+// std::allocator, except that value-less construction leaves the memory as it is.
+template <typename T>
+struct UninitializedAllocator : std::allocator<T> {
+    template <typename U>
+    struct rebind {
+        using other = UninitializedAllocator<U>;
+    };
+    template <typename U>
+    void construct(U* place) noexcept {
+        ::new (static_cast<void*>(place)) U;
+    }
+    template <typename U, typename... Arguments>
+    void construct(U* place, Arguments&&... arguments) {
+        ::new (static_cast<void*>(place)) U(std::forward<Arguments>(arguments)...);
+    }
+};
+
+using Bytes = std::vector<std::byte, UninitializedAllocator<std::byte>>;
+using ByteView = std::span<const std::byte>;
+
+inline ByteView bytesOf(std::string_view text) {
+    return std::as_bytes(std::span{text.data(), text.size()});
+}
+
+inline std::string_view textOf(ByteView bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+inline Bytes copyOf(ByteView bytes) { return {bytes.begin(), bytes.end()}; }
+
+}  // namespace quorvane

@@ -1,0 +1,33 @@
+// Time as the core sees it: a monotonic clock with one-shot timers, and wall time where a date is
+// meant.
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include "platform/Handle.hpp"
+
+namespace quorvane {
+
+using Duration = std::chrono::nanoseconds;
+using Instant = std::chrono::time_point<std::chrono::steady_clock, Duration>;
+using WallTime = std::chrono::sys_time<Duration>;
+
+// Earlier than every date that is met in practice, far enough from the type's end to subtract from.
+inline constexpr WallTime kDistantPast{std::chrono::seconds{-7'000'000'000}};
+
+// Main thread only. `after` calls its action once, on the main thread, never before it has
+// returned, unless the timer is dropped first. A delay of zero or less fires on the next turn of
+// the main loop.
+struct Clock {
+    std::function<Instant()> now;
+    std::function<Timer(Duration delay, std::function<void()> action)> after;
+};
+
+using WallClock = std::function<WallTime()>;
+
+inline double secondsBetween(WallTime from, WallTime to) {
+    return std::chrono::duration<double>(to - from).count();
+}
+
+}  // namespace quorvane

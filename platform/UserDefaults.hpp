@@ -1,0 +1,23 @@
+// A persistent store of one preferences domain or suite.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/PlatformError.hpp"
+#include "platform/PropertyValue.hpp"
+
+namespace quorvane {
+
+// Main thread only. Writes are seen by `get` at once and by other processes after `synchronize` at
+// the latest.
+struct UserDefaults {
+    std::function<std::optional<PropertyValue>(const std::string& key)> get;
+    // Nothing removes the key.
+    std::function<void(const std::string& key, std::optional<PropertyValue> value)> set;
+    std::function<void()> removeDomain;
+    std::function<Result<void>()> synchronize;
+};
+
+}  // namespace quorvane

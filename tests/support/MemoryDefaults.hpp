@@ -1,0 +1,33 @@
+// User defaults in memory, their state open to tests.
+#pragma once
+
+#include "platform/UserDefaults.hpp"
+
+namespace quorvane {
+
+struct MemoryDefaults {
+    PropertyDictionary values;
+    int synchronizations = 0;
+
+    UserDefaults table() {
+        return {.get = [this](const std::string& key) -> std::optional<PropertyValue> {
+                    const auto entry = values.find(key);
+                    if (entry == values.end()) return std::nullopt;
+                    return entry->second;
+                },
+                .set =
+                    [this](const std::string& key, std::optional<PropertyValue> value) {
+                        if (value)
+                            values.insert_or_assign(key, *std::move(value));
+                        else
+                            values.erase(key);
+                    },
+                .removeDomain = [this] { values.clear(); },
+                .synchronize = [this]() -> Result<void> {
+                    ++synchronizations;
+                    return {};
+                }};
+    }
+};
+
+}  // namespace quorvane
