@@ -1,0 +1,56 @@
+// The connection to the X server that the lock watcher, the screens and the card windows share. An
+// interface, because the drawing module is loaded later and reaches the connection through it.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "drawing/Geometry.hpp"
+#include "drawing/Screens.hpp"
+#include "platform/Handle.hpp"
+
+namespace quorvane {
+
+// A locker's full-screen window that stands now. Root coordinates in pixels, y growing downward.
+struct LockerWindow {
+    xcb_window_t window = XCB_WINDOW_NONE;
+    Rect frame;
+    bool operator==(const LockerWindow&) const = default;
+};
+
+// A raw event of the pointer, delivered while lockers hold it grabbed. Root coordinates in pixels.
+struct RawPointerEvent {
+    enum class Kind { down, moved, up };
+    Kind kind;
+    unsigned button = 0;  // of down and up: 1 is the primary one
+    Point position;
+};
+
+// Main thread only. Handlers run from the main loop; dropping the handle ends the observation.
+class X11Session {
+public:
+    virtual ~X11Session() = default;
+    virtual xcb_connection_t* connection() = 0;
+    virtual const xcb_screen_t& screen() = 0;
+    virtual xcb_atom_t atom(const char* name) = 0;
+    // Every core event that is reported on this window. The window's event mask is the caller's.
+    virtual Handle observeWindow(xcb_window_t window,
+                                 std::function<void(const xcb_generic_event_t&)> handler) = 0;
+    // Primary and other buttons; `moved` only while `observePointer` is held and a button is down.
+    // Selected on the server only while somebody observes. Keyboard events are never selected.
+    virtual Handle observePointer(std::function<void(const RawPointerEvent&)> handler) = 0;
+    // The locker windows that stand now, top one first, and their changes.
+    virtual std::vector<LockerWindow> lockerWindows() = 0;
+    virtual Handle observeLockerWindows(std::function<void()> handler) = 0;
+    // The monitor's area of a screen of the Screens table in root pixels.
+    virtual Rect pixelFrame(const Screen& screen) = 0;
+    // Windows of ours inside a locker's window, so that they are not taken for the locker's own.
+    virtual void noteOwnWindow(xcb_window_t window, bool exists) = 0;
+    // Sends what is buffered.
+    virtual void flush() = 0;
+};
+
+}  // namespace quorvane
