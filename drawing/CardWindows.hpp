@@ -81,7 +81,9 @@ public:
     virtual unsigned long occlusionState() const = 0;
     virtual void setIgnoresMouseEvents(bool ignores) = 0;
     virtual void setContent(std::shared_ptr<CardStage> stage) = 0;  // null: no content
-    virtual void setFrame(const Rect& frame) = 0;
+    // Moves it. The screen's keep-clear areas are cut out of the window from now on, as they are
+    // when it is made.
+    virtual void setFrame(const Rect& frame, const Screen& screen) = 0;
     virtual void orderFrontRegardless() = 0;
     virtual void orderOut() = 0;
     virtual void close() = 0;
@@ -97,7 +99,9 @@ public:
 };
 
 struct CardWindows {
-    // Null when the system cannot make one now; the reason is logged by the platform.
+    // Null when the system cannot make one now; the reason is logged by the platform. The window
+    // never covers any of the screen's keep-clear areas: where its shadow margin reaches into one,
+    // that part is cut out of its shape.
     std::function<std::unique_ptr<CardSystemWindow>(const WindowSettings&, const Screen&)>
         makeWindow;
     std::function<std::shared_ptr<CardStage>(const CardStyle&)> makeStage;
