@@ -1,0 +1,52 @@
+// What can happen to the presentation of the card. Pure values.
+#pragma once
+
+#include <variant>
+
+namespace quorvane {
+
+namespace event {
+
+// Whether the main application lets the card be shown has changed.
+struct Link {
+    bool allowsPlayer;
+    bool operator==(const Link&) const = default;
+};
+// Whether there is music to show has changed.
+struct Music {
+    bool isPlaying;
+    bool operator==(const Music&) const = default;
+};
+// The machine has woken; notices may have been missed while it slept.
+struct Woke {
+    bool isLockedNow;
+    bool operator==(const Woke&) const = default;
+};
+struct Locked {
+    bool operator==(const Locked&) const = default;
+};
+struct Unlocked {
+    bool operator==(const Unlocked&) const = default;
+};
+// The reveal delay has run out.
+struct DelayElapsed {
+    bool operator==(const DelayElapsed&) const = default;
+};
+// The main application is terminating.
+struct QuorVaneQuit {
+    bool operator==(const QuorVaneQuit&) const = default;
+};
+struct LockUIShown {
+    bool operator==(const LockUIShown&) const = default;
+};
+struct LockUIHidden {
+    bool operator==(const LockUIHidden&) const = default;
+};
+
+}  // namespace event
+
+using PresentationEvent =
+    std::variant<event::Link, event::Music, event::Woke, event::Locked, event::Unlocked,
+                 event::DelayElapsed, event::QuorVaneQuit, event::LockUIShown, event::LockUIHidden>;
+
+}  // namespace quorvane
