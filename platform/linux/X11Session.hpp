@@ -42,6 +42,9 @@ public:
     // Primary and other buttons; `moved` only while `observePointer` is held and a button is down.
     // Selected on the server only while somebody observes. Keyboard events are never selected.
     virtual Handle observePointer(std::function<void(const RawPointerEvent&)> handler) = 0;
+    // Every movement of the pointer, also with no button down. Each one wakes the process: held only
+    // while a card shows a pointer of its own.
+    virtual Handle observePointerMoves(std::function<void(Point)> handler) = 0;
     // The locker windows that stand now, top one first, and their changes.
     virtual std::vector<LockerWindow> lockerWindows() = 0;
     virtual Handle observeLockerWindows(std::function<void()> handler) = 0;
