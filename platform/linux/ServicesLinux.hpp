@@ -1,17 +1,26 @@
 // What stands behind the live tables of this edition. LiveServices::owner points to one of these.
 #pragma once
 
-#include <memory>
+#include <functional>
+#include <string>
 
 #include "platform/LivePlatform.hpp"
 #include "platform/linux/EventLoop.hpp"
+#include "platform/linux/LocalNotices.hpp"
 #include "platform/linux/SessionBus.hpp"
 
 namespace quorvane {
 
+// Lines of the adapters themselves are logged under this subsystem.
+inline constexpr char kPlatformSubsystem[] = "example.quillon.Quorvane.Platform";
+
 struct ServicesLinux {
+    explicit ServicesLinux(const LogSink& log);
+
     EventLoop loop;
     SessionBus sessionBus;
+    // The lock watcher delivers the notices of the lock here.
+    LocalNotices localNotices;
     // Ends the main loop with this status after the orderly termination: the system went away.
     std::function<void(int status)> fail;
 

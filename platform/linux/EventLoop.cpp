@@ -1,0 +1,131 @@
+#include "platform/linux/EventLoop.hpp"
+
+#include <sys/epoll.h>
+
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "platform/linux/PostQueue.hpp"
+#include "platform/linux/TimerQueue.hpp"
+
+namespace quorvane {
+
+struct EventLoop::State {
+    sd_event* event = nullptr;
+    std::shared_ptr<TimerQueue> timers = std::make_shared<TimerQueue>();
+    std::shared_ptr<PostQueue> posts = std::make_shared<PostQueue>();
+    sd_event_source* postSource = nullptr;
+    std::map<std::uint64_t, std::function<void()>> sleepers;
+    std::uint64_t sleepersMade = 0;
+    std::optional<int> status;
+
+    State();
+    ~State();
+    bool attach();
+    void goToSleep();
+};
+
+EventLoop::State::State() {
+    if (sd_event_new(&event) >= 0 && attach()) return;
+    event = sd_event_unref(event);
+}
+
+EventLoop::State::~State() {
+    posts->close();
+    sd_event_source_disable_unref(postSource);
+    timers.reset();
+    sd_event_unref(event);
+}
+
+bool EventLoop::State::attach() {
+    const auto onPosted = [](sd_event_source*, int, std::uint32_t, void* self) {
+        static_cast<State*>(self)->posts->run();
+        return 0;
+    };
+    const auto onPrepare = [](sd_event_source*, void* self) {
+        static_cast<State*>(self)->goToSleep();
+        return 0;
+    };
+    return timers->attach(event) >= 0 &&
+           sd_event_add_io(event, &postSource, posts->descriptor(), EPOLLIN, onPosted, this) >= 0 &&
+           sd_event_source_set_prepare(postSource, onPrepare) >= 0;
+}
+
+void EventLoop::State::goToSleep() {
+    // By number: an action may drop any handle or add one.
+    for (auto entry = sleepers.begin(); entry != sleepers.end();) {
+        const auto number = entry->first;
+        const auto action = entry->second;
+        action();
+        entry = sleepers.upper_bound(number);
+    }
+}
+
+EventLoop::EventLoop() : state_(std::make_shared<State>()) {}
+EventLoop::~EventLoop() = default;
+
+sd_event* EventLoop::event() const { return state_->event; }
+
+Clock EventLoop::clock() {
+    return {.now = &TimerQueue::now,
+            .after = [weak = std::weak_ptr{state_->timers}](Duration delay,
+                                                            std::function<void()> action) {
+                const auto timers = weak.lock();
+                return timers ? timers->after(delay, std::move(action)) : Timer{};
+            }};
+}
+
+MainThread EventLoop::mainThread() {
+    return {.post = [weak = std::weak_ptr{state_->posts}](std::function<void()> action) {
+        if (const auto posts = weak.lock()) posts->post(std::move(action));
+    }};
+}
+
+Handle EventLoop::watch(int descriptor, std::uint32_t events,
+                        std::function<void(std::uint32_t)> handler) {
+    struct Watch {
+        std::function<void(std::uint32_t)> handler;
+        sd_event_source* source = nullptr;
+    };
+    const auto callback = [](sd_event_source*, int, std::uint32_t happened, void* self) {
+        // A copy: the handler may drop its own handle.
+        const auto action = static_cast<Watch*>(self)->handler;
+        action(happened);
+        return 0;
+    };
+    auto watch = std::make_unique<Watch>(Watch{std::move(handler)});
+    const int result =
+        sd_event_add_io(state_->event, &watch->source, descriptor, events, callback, watch.get());
+    if (result < 0) return {};
+    return Handle{[owned = watch.release()] {
+        sd_event_source_disable_unref(owned->source);
+        delete owned;
+    }};
+}
+
+Handle EventLoop::beforeSleep(std::function<void()> action) {
+    const auto number = state_->sleepersMade++;
+    state_->sleepers.emplace(number, std::move(action));
+    return Handle{[number, weak = std::weak_ptr{state_}] {
+        if (const auto state = weak.lock()) state->sleepers.erase(number);
+    }};
+}
+
+int EventLoop::run() {
+    State& state = *state_;
+    while (!state.status) {
+        const int result = sd_event_run(state.event, UINT64_MAX);
+        // The loop itself has broken, which leaves no way to be called again.
+        if (result < 0) quit(EXIT_FAILURE);
+    }
+    return *std::exchange(state.status, std::nullopt);
+}
+
+void EventLoop::quit(int status) {
+    if (!state_->status) state_->status = status;
+    state_->posts->stopRunning();
+    state_->timers->stopRunning();
+}
+
+}  // namespace quorvane

@@ -1,0 +1,78 @@
+#include "platform/linux/TimerQueue.hpp"
+
+#include <time.h>
+
+#include <algorithm>
+
+namespace quorvane {
+namespace {
+
+// Left to itself the loop delays a timer by up to a quarter of a second to save wake-ups; the card
+// has few timers and needs them on time.
+constexpr std::uint64_t kAccuracyMicroseconds = 1;
+
+// Rounded up: a timer never fires early.
+std::uint64_t microsecondsUpTo(Instant instant) {
+    const auto time = std::chrono::ceil<std::chrono::microseconds>(instant.time_since_epoch());
+    return static_cast<std::uint64_t>(std::max<std::int64_t>(time.count(), 0));
+}
+
+}  // namespace
+
+TimerQueue::~TimerQueue() { sd_event_source_disable_unref(source_); }
+
+int TimerQueue::attach(sd_event* event) {
+    const auto callback = [](sd_event_source*, std::uint64_t, void* self) {
+        static_cast<TimerQueue*>(self)->runDue();
+        return 0;
+    };
+    const int result = sd_event_add_time(event, &source_, CLOCK_BOOTTIME, 0, kAccuracyMicroseconds,
+                                         callback, this);
+    if (result < 0) return result;
+    return sd_event_source_set_enabled(source_, SD_EVENT_OFF);
+}
+
+Instant TimerQueue::now() {
+    timespec time{};
+    clock_gettime(CLOCK_BOOTTIME, &time);
+    return Instant{std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec}};
+}
+
+Timer TimerQueue::after(Duration delay, std::function<void()> action) {
+    const Instant start = now();
+    delay = std::clamp(delay, Duration{}, Instant::max() - start);
+    const Place place{start + delay, made_++};
+    timers_.emplace(place, std::move(action));
+    arm();
+    return Handle{[place, weak = weak_from_this()] {
+        const auto self = weak.lock();
+        if (self && self->timers_.erase(place) > 0) self->arm();
+    }};
+}
+
+void TimerQueue::arm() {
+    if (timers_.empty()) {
+        sd_event_source_set_enabled(source_, SD_EVENT_OFF);
+        return;
+    }
+    sd_event_source_set_time(source_, microsecondsUpTo(timers_.begin()->first.first));
+    sd_event_source_set_enabled(source_, SD_EVENT_ONESHOT);
+}
+
+void TimerQueue::runDue() {
+    const Instant time = now();
+    // A timer made by one of these actions waits for the next turn, even with no delay, so that
+    // descriptors get their turn too.
+    const std::uint64_t end = made_;
+    isStopped_ = false;
+    while (!isStopped_ && !timers_.empty()) {
+        const auto first = timers_.begin();
+        if (first->first.first > time || first->first.second >= end) break;
+        const auto action = std::move(first->second);
+        timers_.erase(first);
+        action();
+    }
+    arm();
+}
+
+}  // namespace quorvane
