@@ -1,0 +1,52 @@
+// A private folder that is gone with its object, whatever a test has put in.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace quorvane {
+
+// Move-only. Mode 0700. Its path is short enough for the name of a socket in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string pattern = std::filesystem::temp_directory_path() / "quorvane-XXXXXX";
+        if (mkdtemp(pattern.data()) == nullptr) std::abort();
+        path_ = pattern;
+    }
+    TemporaryFolder(TemporaryFolder&& other) noexcept : path_(std::exchange(other.path_, {})) {}
+    TemporaryFolder& operator=(TemporaryFolder&& other) noexcept {
+        path_.swap(other.path_);
+        return *this;
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+    }
+
+    const std::filesystem::path& path() const { return path_; }
+    std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+
+    // A file in it, overwritten in place.
+    std::filesystem::path write(std::string_view name, std::string_view contents) const {
+        const auto file = path_ / name;
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream{file, std::ios::binary | std::ios::trunc} << contents;
+        return file;
+    }
+    // The file's contents, "" when there is none.
+    std::string read(std::string_view name) const {
+        std::ifstream stream{path_ / name, std::ios::binary};
+        return {std::istreambuf_iterator<char>{stream}, {}};
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+}  // namespace quorvane
