@@ -4,6 +4,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -39,11 +40,14 @@ public:
     // Every core event that is reported on this window. The window's event mask is the caller's.
     virtual Handle observeWindow(xcb_window_t window,
                                  std::function<void(const xcb_generic_event_t&)> handler) = 0;
+    // Every event of one type of an extension: its first event plus the extension's own number.
+    virtual Handle observeEvents(std::uint8_t type,
+                                 std::function<void(const xcb_generic_event_t&)> handler) = 0;
     // Primary and other buttons; `moved` only while `observePointer` is held and a button is down.
     // Selected on the server only while somebody observes. Keyboard events are never selected.
     virtual Handle observePointer(std::function<void(const RawPointerEvent&)> handler) = 0;
-    // Every movement of the pointer, also with no button down. Each one wakes the process: held only
-    // while a card shows a pointer of its own.
+    // Every movement of the pointer, also with no button down. Each one wakes the process: held
+    // only while a card shows a pointer of its own.
     virtual Handle observePointerMoves(std::function<void(Point)> handler) = 0;
     // The locker windows that stand now, top one first, and their changes.
     virtual std::vector<LockerWindow> lockerWindows() = 0;
