@@ -63,6 +63,17 @@ public:
     Observable<bool> isDraggingVolume{false};
 
 private:
+    using Notes = std::vector<std::string>;  // what an update has changed, in a few words each
+
+    // The steps of apply, in their order.
+    TrackText switchTrack(const XPCTrack* track, const std::string& identity, Notes& notes);
+    void applyArtwork(const XPCTrack* track, Notes& notes);
+    void applyHeart(const QuorvanePlayerState& state, Notes& notes);
+    void applyLoved(const QuorvanePlayerState& state, Notes& notes);
+    void applyVolume(std::int64_t reported, Notes& notes);
+    void applyLength(const XPCTrack* track);
+    void applyPosition(const QuorvanePlayerState& state, bool wentOnPlaying);
+
     double anchorPosition_ = 0;  // seconds, at anchorDate_
     WallTime anchorDate_ = kDistantPast;
     WallTime lovedGraceUntil_ = kDistantPast;

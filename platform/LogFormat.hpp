@@ -89,7 +89,7 @@ public:
         LogPlaceholder placeholder;
         std::size_t from = 0;
         bool fits = true;
-        const auto take = [&]<typename T>() {
+        [[maybe_unused]] const auto take = [&]<typename T>() {
             fits = fits && nextPlaceholder(text_, from, placeholder) &&
                    fitsPlaceholder<T>(placeholder.kind);
             from = placeholder.end;

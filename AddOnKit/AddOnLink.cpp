@@ -1,0 +1,110 @@
+#include "AddOnKit/AddOnLink.hpp"
+
+#include <chrono>
+#include <utility>
+
+#include "QuorvaneKit/Identifiers.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr Duration kHelloInterval = std::chrono::seconds{60};
+constexpr std::int64_t kProtocolVersion = 1;
+
+// Every real answer names a version that the main application accepts; what stands for "no answer
+// came" is the record as it is made.
+bool isAnswer(const LockScreenAddOnConfiguration& result) {
+    return result != LockScreenAddOnConfiguration{};
+}
+
+}  // namespace
+
+AddOnLink::AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
+                     std::function<void()> onRemovalRequested, LogSink log)
+    : identity_(std::move(identity)),
+      sendHello_(std::move(sendHello)),
+      clock_(std::move(clock)),
+      onRemovalRequested_(std::move(onRemovalRequested)),
+      log_(std::move(log), kAddOnBundleIdentifier, "app") {}
+
+void AddOnLink::start() {
+    if (loop_ || loopAwaitsAnswer_) return;
+    sayHelloOfLoop();
+}
+
+void AddOnLink::sayHello() {
+    // The removal flag counts before the stop that follows it: its observers come in between.
+    if (isStopped_.get() || configuration_.get().removalRequested) return;
+    if (inFlight_) {
+        followUpRequested_ = true;
+        return;
+    }
+    const std::uint64_t number = ++helloCount_;
+    inFlight_ = number;
+    const auto send = sendHello_;
+    send(hello(), [this, number, life = life_.watch()](LockScreenAddOnConfiguration result) {
+        if (!life.isOver() && inFlight_ == number) helloEnded(result);
+    });
+}
+
+void AddOnLink::stop() {
+    loop_.reset();
+    loopAwaitsAnswer_ = false;
+    inFlight_.reset();
+    followUpRequested_ = false;
+    isStopped_.set(true);
+}
+
+bool AddOnLink::allowsPlayer() const {
+    return !isStopped_.get() && configuration_.get().isEnabled &&
+           !configuration_.get().removalRequested && identity_.supportsThisMacOS;
+}
+
+void AddOnLink::sayHelloOfLoop() {
+    loopAwaitsAnswer_ = !isStopped_.get();
+    sayHello();
+}
+
+void AddOnLink::helloEnded(const LockScreenAddOnConfiguration& result) {
+    inFlight_.reset();
+    const bool followUp = std::exchange(followUpRequested_, false);
+    const auto life = life_.watch();
+    if (isAnswer(result)) {
+        identity_.supersedeOnce.consume();
+        apply(result);
+    }
+    // What was told of the answer may have said hello itself: then that one is the follow-up.
+    if (life.isOver() || isStopped_.get() || inFlight_) return;
+    if (followUp) {
+        sayHello();
+    } else if (std::exchange(loopAwaitsAnswer_, false)) {
+        loop_ = clock_.after(kHelloInterval, [this] {
+            loop_.reset();
+            sayHelloOfLoop();
+        });
+    }
+}
+
+void AddOnLink::apply(const LockScreenAddOnConfiguration& answer) {
+    if (answer == configuration_.get()) return;
+    log_.info("Configuration: enabled %{bool}d, removal %{bool}d, minimum %{public}s",
+              answer.isEnabled, answer.removalRequested, answer.minimumAddOnVersion);
+    const auto life = life_.watch();
+    configuration_.set(answer);
+    if (life.isOver() || !answer.removalRequested) return;
+    log_.standard("Quorvane asked for removal; no more hellos");
+    stop();
+    if (life.isOver()) return;
+    if (const auto action = onRemovalRequested_) action();
+}
+
+LockScreenAddOnHello AddOnLink::hello() const {
+    return {.protocolVersion = kProtocolVersion,
+            .addOnVersion = identity_.addOnVersion,
+            .macOSVersion = identity_.macOSVersion,
+            .supportsThisMacOS = identity_.supportsThisMacOS,
+            .installID = identity_.installID,
+            .supersedesRemoval = identity_.supersedeOnce.isPending()};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,98 @@
+#include "Quorvane_Lock_Screen/LockMonitor.hpp"
+
+#include <cstdint>
+#include <utility>
+
+#include "QuorvaneKit/Identifiers.hpp"
+
+namespace quorvane {
+
+LockMonitor::LockMonitor(DistributedNotices notices, LockSources sources, LogSink log)
+    : notices_(std::move(notices)),
+      sources_(std::move(sources)),
+      log_(std::move(log), kAddOnBundleIdentifier, "presenter") {}
+
+void LockMonitor::start() {
+    if (isStarted_) return;
+    isStarted_ = true;
+    observe("com.apple.screenIsLocked", &LockMonitor::screenLocked);
+    observe("com.apple.screenIsUnlocked", &LockMonitor::screenUnlocked);
+    observe("com.apple.screenLockUIIsShown", &LockMonitor::lockUIShown);
+    observe("com.apple.screenLockUIIsHidden", &LockMonitor::lockUIHidden);
+    wakeObserver_ = sources_.observeWake([this] { woke(); });
+    log_.info("lock monitor started; locked now %{bool}d", isScreenLockedNow());
+    logSharedLockUIState();
+}
+
+void LockMonitor::stop() {
+    if (!isStarted_) return;
+    isStarted_ = false;
+    noticeObservers_.clear();
+    wakeObserver_.reset();
+}
+
+bool LockMonitor::isScreenLockedNow() const {
+    const auto session = sources_.sessionDictionary();
+    const auto* const dictionary = session ? session->as<PropertyDictionary>() : nullptr;
+    if (dictionary == nullptr) return false;
+    const bool* const isLocked = find<bool>(*dictionary, "CGSSessionScreenIsLocked");
+    return isLocked != nullptr && *isLocked;
+}
+
+void LockMonitor::observe(const std::string& name, void (LockMonitor::*handler)()) {
+    noticeObservers_.push_back(
+        notices_.observe(name, [this, handler](const PropertyDictionary&) { (this->*handler)(); }));
+}
+
+void LockMonitor::screenLocked() {
+    log_.info("lock: com.apple.screenIsLocked");
+    emit(event::Locked{});
+}
+
+void LockMonitor::screenUnlocked() {
+    log_.info("unlock: com.apple.screenIsUnlocked");
+    emit(event::Unlocked{});
+}
+
+void LockMonitor::lockUIShown() {
+    log_.info("lockui: shown");
+    emit(event::LockUIShown{});
+}
+
+void LockMonitor::lockUIHidden() {
+    log_.info("lockui: hidden");
+    emit(event::LockUIHidden{});
+}
+
+// A sleeping machine can miss notices; what is so now repairs what was not heard.
+void LockMonitor::woke() {
+    const bool lockedNow = isScreenLockedNow();
+    log_.info("wake: locked now %{bool}d", lockedNow);
+    logSharedLockUIState();
+    emit(event::Woke{.isLockedNow = lockedNow});
+}
+
+// For the log only: this state is the system's private matter, so nothing depends on it.
+void LockMonitor::logSharedLockUIState() const {
+    int token = 0;
+    const std::uint32_t registered =
+        sources_.notifyRegisterCheck("com.apple.sessionagent.screenLockUIIsShowing", token);
+    if (registered != 0) {
+        log_.info("lockui: shared state unavailable (register %u)", registered);
+        return;
+    }
+    std::uint64_t state = 0;
+    const std::uint32_t got = sources_.notifyGetState(token, state);
+    if (got != 0)
+        log_.info("lockui: shared state unreadable (get %u)", got);
+    else
+        log_.info("lockui: shared state %llu", state);
+    sources_.notifyCancel(token);
+}
+
+// Always the last thing a handler does. The listener is a copy, since it may destroy the monitor.
+void LockMonitor::emit(const PresentationEvent& event) const {
+    if (const auto listener = onEvent) listener(event);
+}
+
+}  // namespace quorvane

@@ -1,0 +1,50 @@
+// Turns the system's notices about the lock screen, and its waking, into presentation events. It
+// decides nothing: each notice is passed on as it arrives.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "AddOnKit/PresentationEvent.hpp"
+#include "platform/DistributedNotices.hpp"
+#include "platform/LockSources.hpp"
+#include "platform/Log.hpp"
+
+namespace quorvane {
+
+// Main thread only. Owned by the coordinator. The listener may stop or destroy the monitor.
+class LockMonitor {
+public:
+    LockMonitor(DistributedNotices notices, LockSources sources, LogSink log);
+
+    // Either may be called again without effect, and the monitor may be started again.
+    void start();
+    void stop();
+
+    // Read afresh on every call. Whatever cannot be read counts as unlocked.
+    bool isScreenLockedNow() const;
+
+    // While it is empty, notices are logged and go nowhere.
+    std::function<void(const PresentationEvent&)> onEvent;
+
+private:
+    void observe(const std::string& name, void (LockMonitor::*handler)());
+    void screenLocked();
+    void screenUnlocked();
+    void lockUIShown();
+    void lockUIHidden();
+    void woke();
+    void logSharedLockUIState() const;
+    void emit(const PresentationEvent& event) const;
+
+    DistributedNotices notices_;
+    LockSources sources_;
+    Logger log_;
+    std::vector<Handle> noticeObservers_;
+    Handle wakeObserver_;
+    bool isStarted_ = false;
+};
+
+}  // namespace quorvane
