@@ -15,7 +15,7 @@ struct Screen {
     double scale = 1.0;  // pixels a point
     // Areas that the lock screen itself needs on this screen, same coordinates as `frame`. Empty
     // where the system keeps such areas free by itself.
-    std::vector<Rect> keepClear;
+    std::vector<Rect> keepClear = {};
 
     bool operator==(const Screen&) const = default;
 };

@@ -1,0 +1,170 @@
+#include "Quorvane_Lock_Screen/CardWindowController.hpp"
+
+#include <algorithm>
+
+#include "QuorvaneKit/Identifiers.hpp"
+#include "Quorvane_Lock_Screen/CardPlacement.hpp"
+
+namespace quorvane {
+namespace {
+
+using CardAppearance = CardWindowSync::CardAppearance;
+
+// User-initiated work that lets the system sleep when idle.
+constexpr std::uint64_t kActivityOptions = 0x00EF'FFFF;
+
+template <typename... Cases>
+struct Overloaded : Cases... {
+    using Cases::operator()...;
+};
+
+}  // namespace
+
+CardWindowController::CardWindowController(MakeContent makeContent, Services services)
+    : makeContent_(std::move(makeContent)),
+      services_(std::move(services)),
+      log_(services_.log, kAddOnBundleIdentifier, "presenter"),
+      screenObserver_(services_.screens.observeChanges([this] { screensChanged(); })),
+      keepClearObserver_(services_.screens.observeKeepClear([this] { keepClearChanged(); })) {}
+
+CardWindowController::~CardWindowController() = default;
+
+void CardWindowController::present(const PresentationState& state) {
+    const PresentationState previous = std::exchange(*state_, state);
+    apply(CardWindowSync::steps(previous, state, standing()), "state");
+}
+
+CardWindowSync::Standing CardWindowController::standing() const {
+    return {.windowCount = entries_.size(),
+            .isActivityActive = static_cast<bool>(activity_),
+            .screenCount = services_.screens.list().size()};
+}
+
+void CardWindowController::apply(const std::vector<CardWindowSync::Step>& steps,
+                                 std::string_view reason) {
+    for (const CardWindowSync::Step& step : steps)
+        std::visit(
+            Overloaded{[&](CardWindowSync::Build build) { this->build(build.appearance, reason); },
+                       [&](CardWindowSync::SetCardVisible set) { setCardVisible(set.isVisible); },
+                       [&](CardWindowSync::CloseAll) { closeAll(reason); },
+                       [&](CardWindowSync::BeginActivity) { beginActivity(); },
+                       [&](CardWindowSync::EndActivity) { activity_.reset(); }},
+            step);
+}
+
+void CardWindowController::build(CardAppearance appearance, std::string_view reason) {
+    const std::vector<Screen> screens = services_.screens.list();
+    log_.info("windows: building %ld (%{public}s), card %{bool}d",
+              static_cast<long>(screens.size()), reason, state_->cardShown());
+    long index = 0;
+    for (const Screen& screen : screens) buildWindow(screen, ++index, appearance);
+    if (appearance != CardAppearance::hidden) scheduleShow(appearance);
+}
+
+void CardWindowController::buildWindow(const Screen& screen, long index,
+                                       CardAppearance appearance) {
+    const auto frame = CardPlacement::windowFrame(screen.frame, screen.keepClear);
+    if (!frame) {
+        log_.info("screen %ld %{public}s: no room beside what the lock screen needs", index,
+                  describe(screen.frame));
+        return;
+    }
+    auto card = std::make_shared<GlassCardView>(services_.windows.makeStage(GlassCardView::style()),
+                                                makeContent_(), services_.windows.reducesMotion,
+                                                services_.log);
+    auto system = services_.windows.makeWindow(CardWindow::settings(*frame), screen);
+    if (system == nullptr) return;  // the platform has said why
+    auto window = std::make_unique<CardWindow>(std::move(system), services_.log);
+    window->system().setContent(card->stage());
+    card->setWindow(&window->system());
+    window->system().setIgnoresMouseEvents(appearance == CardAppearance::hidden);
+    window->system().orderFrontRegardless();
+    log_.info("window %ld on screen %ld %{public}s at %{public}s", window->number(), index,
+              describe(screen.frame), describe(*frame));
+    services_.liftAboveLock(window->system());
+    entries_.push_back({screen, std::move(window), std::move(card)});
+}
+
+// After the current pass of the main loop, so that the windows are on screen before their cards
+// come in.
+void CardWindowController::scheduleShow(CardAppearance appearance) {
+    std::vector<std::weak_ptr<GlassCardView>> cards;
+    for (const Entry& entry : entries_) cards.push_back(entry.card);
+    services_.mainThread.post(
+        [state = std::weak_ptr{state_}, cards = std::move(cards), appearance] {
+            const auto current = state.lock();
+            if (current == nullptr || !current->cardShown()) return;
+            for (const auto& weak : cards) {
+                const auto card = weak.lock();
+                if (card == nullptr || !card->hasWindow()) continue;
+                if (appearance == CardAppearance::entrance)
+                    card->runEntrance();
+                else
+                    card->showImmediately();
+            }
+        });
+}
+
+void CardWindowController::setCardVisible(bool visible) {
+    log_.info("card: %{public}s on %ld window(s)", visible ? "fading in" : "fading out",
+              static_cast<long>(entries_.size()));
+    for (const Entry& entry : entries_) {
+        // A hidden card lets clicks through to the lock screen.
+        entry.window->system().setIgnoresMouseEvents(!visible);
+        if (visible && !entry.card->isShown()) entry.card->runEntrance();
+        if (!visible && entry.card->isShown()) entry.card->runExit();
+    }
+}
+
+void CardWindowController::closeAll(std::string_view reason) {
+    log_.info("windows: closing %ld (%{public}s)", static_cast<long>(entries_.size()), reason);
+    // Closing may call back in; by then the entries are no longer there.
+    const std::vector<Entry> closing = std::exchange(entries_, {});
+    for (const Entry& entry : closing) {
+        entry.window->system().orderOut();
+        entry.window->system().setContent(nullptr);
+        entry.card->setWindow(nullptr);
+        entry.window->system().close();
+    }
+}
+
+void CardWindowController::beginActivity() {
+    if (entries_.empty() || activity_) return;
+    activity_ =
+        services_.beginActivity(kActivityOptions, "Showing the Quorvane player on the lock screen");
+}
+
+void CardWindowController::screensChanged() {
+    log_.info("screens changed: %ld screen(s), %ld window(s), windows wanted %{bool}d",
+              static_cast<long>(services_.screens.list().size()),
+              static_cast<long>(entries_.size()), state_->windowsWanted());
+    apply(CardWindowSync::rebuildSteps(*state_, standing()), "screens changed");
+}
+
+// The windows move out of the way of a prompt, and back. Where a card finds or loses its only
+// place, all are built anew.
+void CardWindowController::keepClearChanged() {
+    if (!state_->windowsWanted()) return;
+    const std::vector<Screen> screens = services_.screens.list();
+    std::vector<std::pair<Entry*, const Screen*>> moves;
+    std::size_t placed = 0;
+    for (const Screen& screen : screens) {
+        const auto entry = std::ranges::find(entries_, screen.frame,
+                                             [](const Entry& each) { return each.screen.frame; });
+        const bool hasPlace =
+            CardPlacement::windowFrame(screen.frame, screen.keepClear).has_value();
+        placed += hasPlace;
+        if (hasPlace && entry != entries_.end()) moves.emplace_back(&*entry, &screen);
+    }
+    if (moves.size() != placed || moves.size() != entries_.size()) {
+        apply(CardWindowSync::rebuildSteps(*state_, standing()), "keep clear");
+        return;
+    }
+    for (const auto& [entry, screen] : moves) {
+        entry->screen = *screen;
+        entry->window->system().setFrame(
+            *CardPlacement::windowFrame(screen->frame, screen->keepClear), *screen);
+    }
+}
+
+}  // namespace quorvane

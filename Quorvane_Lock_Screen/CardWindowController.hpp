@@ -1,0 +1,69 @@
+// Owns the card windows, one for each screen: carries out the plans of CardWindowSync, and plans
+// anew when the screens change.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "AddOnKit/CardWindowSync.hpp"
+#include "AddOnKit/PresentationState.hpp"
+#include "Quorvane_Lock_Screen/CardWindow.hpp"
+#include "Quorvane_Lock_Screen/GlassCardView.hpp"
+#include "drawing/Screens.hpp"
+#include "platform/MainThread.hpp"
+#include "platform/ProcessInfo.hpp"
+
+namespace quorvane {
+
+// Main thread only. Owned by the coordinator.
+class CardWindowController {
+public:
+    struct Services {
+        LogSink log;
+        CardWindows windows;
+        Screens screens;
+        MainThread mainThread;
+        BeginActivity beginActivity;
+        // Moves a window above the lock screen.
+        std::function<void(CardSystemWindow&)> liftAboveLock;
+    };
+    using MakeContent = std::function<std::unique_ptr<CardContent>()>;
+
+    CardWindowController(MakeContent makeContent, Services services);
+    ~CardWindowController();
+
+    // Plans the way from the last state to this one, and walks it.
+    void present(const PresentationState& state);
+
+private:
+    struct Entry {
+        Screen screen;
+        std::unique_ptr<CardWindow> window;
+        std::shared_ptr<GlassCardView> card;
+    };
+
+    CardWindowSync::Standing standing() const;
+    void apply(const std::vector<CardWindowSync::Step>& steps, std::string_view reason);
+    void build(CardWindowSync::CardAppearance appearance, std::string_view reason);
+    void buildWindow(const Screen& screen, long index, CardWindowSync::CardAppearance appearance);
+    void scheduleShow(CardWindowSync::CardAppearance appearance);
+    void setCardVisible(bool visible);
+    void closeAll(std::string_view reason);
+    void beginActivity();
+    void screensChanged();
+    void keepClearChanged();
+
+    MakeContent makeContent_;
+    Services services_;
+    Logger log_;
+    std::vector<Entry> entries_;  // in screen order
+    // Shared only so that a deferred show can tell whether the controller is still there.
+    std::shared_ptr<PresentationState> state_ = std::make_shared<PresentationState>();
+    Handle activity_;
+    Handle screenObserver_;
+    Handle keepClearObserver_;
+};
+
+}  // namespace quorvane

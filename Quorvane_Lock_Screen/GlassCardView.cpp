@@ -1,0 +1,90 @@
+#include "Quorvane_Lock_Screen/GlassCardView.hpp"
+
+#include "AddOnKit/PresentationTiming.hpp"
+#include "QuorvaneKit/Identifiers.hpp"
+#include "Quorvane_Lock_Screen/CardPlacement.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr std::int64_t kClearGlass = 1;
+
+// Where the entrance begins: a little smaller about the stage's middle and a little lower.
+Transform entranceStart() {
+    const double width = kCardSize.width + 2 * kCardShadowMargin;
+    const double height = kCardSize.height + 2 * kCardShadowMargin;
+    return {.scale = PresentationTiming::kEntranceStartScale,
+            .centre = {width / 2, height / 2},
+            .offset = {0, PresentationTiming::kEntranceStartOffset}};
+}
+
+}  // namespace
+
+CardStyle GlassCardView::style() {
+    return {.card = kCardSize,
+            .shadowMargin = kCardShadowMargin,
+            .cornerRadius = kCardCornerRadius,
+            .glassStyle = kClearGlass,
+            .shadowOpacity = 0.25,
+            .shadowRadius = 22,
+            .shadowOffset = 8};
+}
+
+GlassCardView::GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<CardContent> content,
+                             std::function<bool()> reducesMotion, const LogSink& log)
+    : stage_(std::move(stage)),
+      content_(std::move(content)),
+      reducesMotion_(std::move(reducesMotion)),
+      log_(log, kAddOnBundleIdentifier, "presenter") {
+    content_->attach(stage_);
+}
+
+void GlassCardView::setShown(bool shown) {
+    isShown_ = shown;
+    if (shown) content_->setShown(true);
+}
+
+void GlassCardView::runEntrance() {
+    const bool reduceMotion = reducesMotion_();
+    setShown(true);
+    stage_->setHidden(false);
+    log_.info("entrance: window %ld, reduce motion %{bool}d", windowNumber(), reduceMotion);
+    stage_->removeAnimations();
+    if (!reduceMotion)
+        stage_->springFrom(
+            entranceStart(),
+            Spring{.perceptualDuration = PresentationTiming::kEntrancePerceptualDuration,
+                   .bounce = PresentationTiming::kEntranceBounce});
+    if (window_ == nullptr) return;
+    window_->setAlpha(0);
+    window_->animateAlpha(
+        1, reduceMotion ? PresentationTiming::kFadeInReducedMotion : PresentationTiming::kFadeIn,
+        nullptr);
+}
+
+void GlassCardView::showImmediately() {
+    setShown(true);
+    stage_->setHidden(false);
+    stage_->removeAnimations();
+    if (window_ != nullptr) window_->setAlpha(1);
+}
+
+void GlassCardView::runExit() {
+    setShown(false);
+    log_.info("exit: window %ld", windowNumber());
+    if (window_ == nullptr) {
+        hideIfStillNotShown();
+        return;
+    }
+    window_->animateAlpha(0, PresentationTiming::kFadeOut, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->hideIfStillNotShown();
+    });
+}
+
+void GlassCardView::hideIfStillNotShown() {
+    if (isShown_) return;
+    stage_->setHidden(true);
+    content_->setShown(false);
+}
+
+}  // namespace quorvane
