@@ -1,0 +1,50 @@
+# Sourced by the commands: where things are, plain messages, and the packages that a command needs.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+say() { printf '==> %s\n' "$*"; }
+fail() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+packages_of() {
+    awk -v groups=" $* " '/^[^#]/ && NF == 2 && index(groups, " " $1 " ") { print $2 }' "$root/tools/packages.txt"
+}
+
+is_installed() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
+
+# install GROUP...: installs what is missing of these groups.
+install() {
+    local missing=() package
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        say "no apt here: these packages' equivalents must be installed: $(packages_of "$@" | tr '\n' ' ')"
+        return 0
+    fi
+    for package in $(packages_of "$@"); do
+        is_installed "$package" || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    say "installing ${#missing[@]} packages: ${missing[*]}"
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || fail "run as root once: apt-get install ${missing[*]}"
+        as_root=(sudo)
+    fi
+    "${as_root[@]}" apt-get update -q >/dev/null || fail "the package lists could not be fetched"
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}" \
+        >"${TMPDIR:-/tmp}/quorvane-install.$$.log" 2>&1 ||
+        fail "installing failed; see ${TMPDIR:-/tmp}/quorvane-install.$$.log"
+    rm -f "${TMPDIR:-/tmp}/quorvane-install.$$.log"
+}
+
+# build PRESET [TARGET...]: configures when needed and builds, showing progress.
+build() {
+    local preset=$1
+    shift
+    say "building ($preset)"
+    (cd "$root" && cmake --preset "$preset" >"$root/build/$preset.configure.log" 2>&1) ||
+        { tail -20 "$root/build/$preset.configure.log" >&2; fail "configuring failed"; }
+    (cd "$root" && cmake --build --preset "$preset" ${1:+--target "$@"}) || fail "building failed"
+}
+mkdir -p "$root/build"
