@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "QuorvaneKit/SharedBytes.hpp"
 #include "platform/Clock.hpp"
@@ -17,6 +18,12 @@ enum class XPCPlayerType { appleMusic, spotify };  // coded as these names
 
 // Numbered from 1 on purpose: 0 is not a repeat mode.
 enum class XPCRepeatMode : std::int64_t { all = 1, one = 2, off = 3 };
+
+// Nothing for a raw value that names no case.
+std::optional<XPCPlayerState> xpcPlayerState(std::int64_t rawValue);
+std::optional<XPCPlayerType> xpcPlayerType(std::string_view rawValue);
+std::optional<XPCRepeatMode> xpcRepeatMode(std::int64_t rawValue);
+std::string rawValue(XPCPlayerType type);
 
 struct XPCPlayerCapabilities {
     bool canLove = false;

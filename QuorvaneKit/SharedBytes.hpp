@@ -2,7 +2,6 @@
 // without a copy.
 #pragma once
 
-#include <algorithm>
 #include <memory>
 
 #include "platform/Bytes.hpp"
@@ -16,8 +15,10 @@ public:
 
     ByteView view() const { return *bytes_; }
     std::size_t size() const { return bytes_->size(); }
+    bool isSameObject(const SharedBytes& other) const { return bytes_ == other.bytes_; }
     bool operator==(const SharedBytes& other) const {
-        return bytes_ == other.bytes_ || std::ranges::equal(*bytes_, *other.bytes_);
+        // As text, because then the comparison is one of whole blocks of memory.
+        return bytes_ == other.bytes_ || textOf(*bytes_) == textOf(*other.bytes_);
     }
 
 private:

@@ -1,0 +1,12 @@
+// The place of a desktop widget as the shared defaults keep it.
+#pragma once
+
+namespace quorvane {
+
+struct CodablePoint {
+    double x = 0;
+    double y = 0;
+    bool operator==(const CodablePoint&) const = default;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,39 @@
+// Writes JSON text, without white space.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "platform/Bytes.hpp"
+
+namespace quorvane {
+
+// Appends to `text`, which must outlive it. The caller keeps the order of keys and values.
+class JSONWriter {
+public:
+    explicit JSONWriter(Bytes& text);
+    ~JSONWriter();
+    JSONWriter(const JSONWriter&) = delete;
+    JSONWriter& operator=(const JSONWriter&) = delete;
+
+    void beginObject();
+    void endObject();
+    void key(std::string_view name);
+    void boolean(bool value);
+    void integer(std::int64_t value);
+    // False, and nothing is written, for a number that is not finite.
+    [[nodiscard]] bool number(double value);
+    // False, and nothing is written, for text that is not UTF-8.
+    [[nodiscard]] bool string(std::string_view value);
+    // A string whose letters `append` adds to the text itself; none of them needs an escape.
+    void plainString(const std::function<void(Bytes& text)>& append);
+
+private:
+    struct Writer;
+    Bytes& text_;
+    std::unique_ptr<Writer> writer_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,103 @@
+#include "QuorvaneKit/PlayerStateDecoder.hpp"
+
+#include "QuorvaneKit/Base64.hpp"
+#include "QuorvaneKit/RecordCoding.hpp"
+
+namespace quorvane {
+namespace {
+
+// The key as encoders without white space write it, and the quote that opens its value.
+constexpr std::string_view kArtworkOpening = "\"artworkData\":\"";
+
+// Place behind the first opening that is not inside a string; npos if there is none.
+//
+// In text that is JSON an opening whose first quote follows no backslash is the key: were that
+// quote the end of a string, a letter after it would not be JSON. An opening that does follow one
+// is inside a string, or the text is no JSON either way.
+std::size_t findArtworkText(std::string_view reply) {
+    std::size_t place = reply.find(kArtworkOpening);
+    while (place != std::string_view::npos && place > 0 && reply[place - 1] == '\\')
+        place = reply.find(kArtworkOpening, place + 1);
+    return place == std::string_view::npos ? place : place + kArtworkOpening.size();
+}
+
+Bytes without(std::string_view reply, std::size_t begin, std::size_t length) {
+    const ByteView bytes = bytesOf(reply);
+    Bytes rest;
+    rest.reserve(bytes.size() - length + 64);
+    rest.insert(rest.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(begin));
+    rest.insert(rest.end(), bytes.begin() + static_cast<std::ptrdiff_t>(begin + length),
+                bytes.end());
+    return rest;
+}
+
+}  // namespace
+
+// Artwork taken out of a reply's text before the rest is parsed: it is nearly all of the text, and
+// looking at it once is enough.
+struct PlayerStateDecoder::Lifted {
+    std::size_t begin;  // of the text between its quotes
+    std::size_t length;
+    SharedBytes bytes;
+    bool isLast;
+};
+
+CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes reply) {
+    const auto lifted = liftArtwork(textOf(reply));
+    auto state = lifted ? decodeAround(*lifted, std::move(reply)) : decodeWhole(std::move(reply));
+    if (state && !(state->track && state->track->artworkData)) last_.reset();
+    return state;
+}
+
+// Nothing when the reply has no artwork, or has it in a form that the parser must see.
+std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
+    std::string_view reply) const {
+    const std::size_t begin = findArtworkText(reply);
+    if (begin == std::string_view::npos) return std::nullopt;
+    const std::string_view text = reply.substr(begin);
+    if (last_ && last_->form == TextForm::inReply && text.starts_with(last_->text) &&
+        text.substr(last_->text.size()).starts_with('"'))
+        return Lifted{begin, last_->text.size(), last_->bytes, true};
+    // What decodes has no escape but "\/" in it, hence the first quote is where the string ends.
+    const std::size_t length = text.find('"');
+    if (length == std::string_view::npos) return std::nullopt;
+    auto bytes = decodeBase64(text.substr(0, length), Base64Form::escapedSolidus);
+    if (!bytes) return std::nullopt;
+    return Lifted{begin, length, SharedBytes{*std::move(bytes)}, false};
+}
+
+CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeAround(const Lifted& lifted,
+                                                                   Bytes reply) {
+    JSONText rest{without(textOf(reply), lifted.begin, lifted.length)};
+    const char* const place = rest.data() + lifted.begin;
+    bool isInTrack = false;
+    auto state = coding::readRecord<QuorvanePlayerState>(rest, [&](std::string_view text) {
+        // The key may have stood elsewhere, in an object that is not asked for.
+        if (text.data() != place) return readBase64(text);
+        isInTrack = true;
+        return std::optional{lifted.bytes};
+    });
+    if (state && isInTrack && !lifted.isLast) {
+        const std::string_view text = textOf(reply).substr(lifted.begin, lifted.length);
+        last_ = Artwork{std::move(reply), text, TextForm::inReply, lifted.bytes};
+    }
+    return state;
+}
+
+CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeWhole(Bytes reply) {
+    JSONText json{std::move(reply)};
+    std::string_view artworkText;
+    std::optional<SharedBytes> artwork;
+    auto state = coding::readRecord<QuorvanePlayerState>(json, [&](std::string_view text) {
+        artworkText = text;
+        const bool isLast = last_ && last_->form == TextForm::parsed && last_->text == text;
+        artwork = isLast ? std::optional{last_->bytes} : readBase64(text);
+        return artwork;
+    });
+    const bool isNew = artwork && !(last_ && last_->bytes.isSameObject(*artwork));
+    if (state && isNew)
+        last_ = Artwork{std::move(json).takeBytes(), artworkText, TextForm::parsed, *artwork};
+    return state;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,39 @@
+// Decodes player states as they come from poll to poll, most of them with the artwork of the last.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "QuorvaneKit/CodingError.hpp"
+#include "QuorvaneKit/QuorvanePlayerState.hpp"
+#include "platform/Bytes.hpp"
+
+namespace quorvane {
+
+// Decodes exactly as XPCCodableHelpers does. Artwork whose text is that of the last good reply is
+// handed out as the same object, neither decoded nor copied again. For that the decoder keeps the
+// reply in which the artwork came, until one comes with another or with none. One thread at a time.
+class PlayerStateDecoder {
+public:
+    CodingResult<QuorvanePlayerState> decode(Bytes reply);
+
+private:
+    // Where the text of the artwork was found. `inReply`: between its quotes, escapes and all;
+    // `parsed`: as the JSON reader gave it. A text of the one form is no text of the other.
+    enum class TextForm { inReply, parsed };
+    struct Artwork {
+        Bytes reply;
+        std::string_view text;  // within `reply`
+        TextForm form = TextForm::inReply;
+        SharedBytes bytes;
+    };
+    struct Lifted;
+
+    std::optional<Lifted> liftArtwork(std::string_view reply) const;
+    CodingResult<QuorvanePlayerState> decodeAround(const Lifted& lifted, Bytes reply);
+    CodingResult<QuorvanePlayerState> decodeWhole(Bytes reply);
+
+    std::optional<Artwork> last_;
+};
+
+}  // namespace quorvane
