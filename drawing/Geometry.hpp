@@ -56,8 +56,8 @@ std::string describe(Point point);
 // Scaling about `centre`, then moving by `offset`.
 struct Transform {
     double scale = 1;
-    Point centre;
-    Point offset;
+    Point centre{};
+    Point offset{};
 
     static constexpr Transform identity() { return {}; }
     constexpr Point apply(Point point) const {

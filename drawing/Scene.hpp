@@ -1,6 +1,7 @@
 // What the card looks like at one moment, as a value: a flat list of things to draw from back to
 // front, the controls that can be pressed, and when the scene would next differ. Coordinates are
-// points inside the card, origin at its top left, y growing downward.
+// points inside the card, origin at its top left, y growing downward. Nothing is painted outside a
+// node's frame.
 #pragma once
 
 #include <optional>
@@ -44,17 +45,17 @@ enum class TextAlignment {
 // A filled rectangle, rounded when the radius is above 0; half the shorter side makes its ends
 // round.
 struct ShapeNode {
-    Rect frame;
+    Rect frame{};
     double cornerRadius = 0;
-    Color fill;
+    Color fill{};
     bool operator==(const ShapeNode&) const = default;
 };
 
 // Fills its frame, cropped about the middle where the shapes differ.
 struct ImageNode {
-    Rect frame;
+    Rect frame{};
     double cornerRadius = 0;
-    ImageRef image;
+    ImageRef image{};
     bool operator==(const ImageNode&) const = default;
 };
 
@@ -70,30 +71,30 @@ struct TextNode {
         bool operator==(const Scroll&) const = default;
     };
 
-    Rect frame;  // the line is centred in its height
-    std::string text;
-    FontStyle font;
-    Color color;
+    Rect frame{};  // the line is centred in its height
+    std::string text{};
+    FontStyle font{};
+    Color color{};
     TextAlignment alignment = TextAlignment::leading;
-    std::optional<Scroll> scroll;
+    std::optional<Scroll> scroll{};
     bool operator==(const TextNode&) const = default;
 };
 
 // A symbol of the system by name, centred in its frame.
 struct SymbolNode {
-    Rect frame;
-    std::string_view name;  // a literal, "play.fill" and its kin
+    Rect frame{};
+    std::string_view name{};  // a literal, "play.fill" and its kin
     double pointSize = 0;
-    Color color;
+    Color color{};
     bool operator==(const SymbolNode&) const = default;
 };
 
 // Everything up to the matching GroupEnd is drawn with this transform, opacity and clip. Groups
 // nest.
 struct GroupBegin {
-    Transform transform;
+    Transform transform{};
     double opacity = 1;
-    std::optional<Rect> clip;
+    std::optional<Rect> clip{};
     double clipCornerRadius = 0;
     bool operator==(const GroupBegin&) const = default;
 };
@@ -110,10 +111,10 @@ struct SceneControl {
 
     ID id;
     Role role;
-    Rect frame;         // the area that takes presses; for texts and images, where they stand
-    std::string label;  // localised
-    std::string value;  // localised; empty when it has none
-    double number = 0;  // of sliders and progress, between the two below
+    Rect frame{};         // the area that takes presses; for texts and images, where they stand
+    std::string label{};  // localised
+    std::string value{};  // localised; empty when it has none
+    double number = 0;    // of sliders and progress, between the two below
     double minimum = 0;
     double maximum = 0;
     bool operator==(const SceneControl&) const = default;
