@@ -1,0 +1,92 @@
+// Sees to it that only one copy of the add-on draws cards: a starting copy waits for older ones to
+// go, asks them to, and gives up itself if they won't.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <variant>
+#include <vector>
+
+#include "platform/Clock.hpp"
+
+namespace quorvane {
+
+// Main thread only. Destroying it ends the handover without an outcome.
+class InstanceHandover {
+public:
+    struct RunningCopy {
+        std::int32_t pid = 0;
+        std::optional<WallTime> launchDate;
+        bool operator==(const RunningCopy&) const = default;
+    };
+
+    using PIDs = std::vector<std::int32_t>;
+    struct OldestCopy {
+        PIDs newer;
+        bool operator==(const OldestCopy&) const = default;
+    };
+    struct OthersExited {
+        Duration after;
+        bool operator==(const OthersExited&) const = default;
+    };
+    struct TimedOut {
+        PIDs stillRunning;
+        bool operator==(const TimedOut&) const = default;
+    };
+    struct Terminated {
+        PIDs asked;
+        bool operator==(const Terminated&) const = default;
+    };
+    struct StillRunningAfterTermination {
+        PIDs stillRunning;
+        bool operator==(const StillRunningAfterTermination&) const = default;
+    };
+    struct Alone {
+        bool operator==(const Alone&) const = default;
+    };
+    using Outcome = std::variant<OldestCopy, OthersExited, TimedOut, Terminated,
+                                 StillRunningAfterTermination, Alone>;
+
+    static constexpr Duration kWait = std::chrono::seconds{10};
+    static constexpr Duration kPoll = std::chrono::milliseconds{250};
+    static constexpr Duration kGrace = std::chrono::seconds{2};
+
+    struct Operations {
+        std::function<std::vector<RunningCopy>()> running;
+        std::function<void(const PIDs&)> terminate;  // asks each to quit
+        Clock clock;
+    };
+    struct Timing {
+        Duration wait = kWait;
+        Duration poll = kPoll;
+        Duration grace = kGrace;
+    };
+
+    InstanceHandover(RunningCopy me, Operations operations, Timing timing);
+
+    // Ends in exactly one outcome, inside the call or later.
+    void resolve(std::function<void(Outcome)> completion);
+    // The same, but it only waits: copies that are left are told, not asked.
+    void waitOnly(std::function<void(Outcome)> completion);
+
+private:
+    bool isOlder(const RunningCopy& copy) const;
+    PIDs olderCopies() const;
+    void begin();
+    void waitOn();
+    void ask();
+    void giveGrace();
+    void finish(Outcome outcome);
+
+    RunningCopy me_;
+    Operations operations_;
+    Timing timing_;
+    bool asks_ = true;
+    Duration elapsed_{};
+    PIDs asked_;
+    std::function<void(Outcome)> completion_;
+    Timer timer_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,47 @@
+// Removes the add-on from the user's account: its login item, its files, its preferences. A flag
+// written before the first deletion lets the next launch finish what was interrupted.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "AddOnKit/LoginItem.hpp"
+#include "platform/Log.hpp"
+#include "platform/UserDefaults.hpp"
+
+namespace quorvane {
+
+// Main thread only.
+struct FileManagerClient {
+    static constexpr int kNoSuchFile = 4;  // the code, in the cocoa domain, of what is not there
+
+    std::function<Result<void>(const std::filesystem::path&)> removeItem;  // with all below it
+    std::function<bool(const std::filesystem::path&)> fileExists;
+    // The identifier of the bundle at a place; nothing when it cannot be read.
+    std::function<std::optional<std::string>(const std::filesystem::path&)> identity;
+};
+
+// Run by a process that does nothing else; it ends with `terminate` in every case.
+struct SelfRemoval {
+    UserDefaults defaults;
+    LoginItemClient loginItem;
+    FileManagerClient fileManager;
+    std::filesystem::path bundle;            // the running add-on's own
+    std::filesystem::path supportDirectory;  // where it is installed
+    std::function<void()> terminate;
+    Logger log;  // category "removal"
+
+    void perform() const;
+
+private:
+    void markPending() const;
+    bool removeLoginItem() const;
+    bool removeSupportDirectory() const;
+    bool removeBundle() const;  // whether it is gone
+    bool remove(const std::filesystem::path& path, const char* label) const;
+    void clearPreferences() const;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,165 @@
+#include "AddOnKit/SelfRemoval.hpp"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/RecordingLog.hpp"
+
+namespace quorvane {
+namespace {
+
+const std::string kOwn = "example.quillon.Quorvane.LockScreenAddOn";
+const std::filesystem::path kSupport = "/home/me/share/" + kOwn;
+const std::filesystem::path kBundle = kSupport / "Quorvane Lock Screen.app";
+
+// A tree of paths, a login item and preferences, each of which can refuse.
+struct SelfRemovalTest : testing::Test {
+    SelfRemoval removal() {
+        return {
+            .defaults = defaults.table(),
+            .loginItem = {.status = [this] { return loginItem; },
+                          .registerItem = [this] { return change(1); },
+                          .unregisterItem = [this] { return change(0); }},
+            .fileManager = {.removeItem = [this](const auto& path) { return removeItem(path); },
+                            .fileExists = [this](const auto& path) { return paths.contains(path); },
+                            .identity = [this](const auto& path) -> std::optional<std::string> {
+                                if (!paths.contains(path)) return std::nullopt;
+                                return identity;
+                            }},
+            .bundle = bundle,
+            .supportDirectory = support,
+            .terminate =
+                [this] {
+                    ++terminations;
+                    pendingAtEnd = defaults.values.contains("removalPending");
+                },
+            .log = Logger{log.sink(), kOwn, "removal"}};
+    }
+    Result<void> change(std::int64_t status) {
+        if (loginItemRefuses)
+            return std::unexpected{PlatformError{.code = 1, .description = "no agent"}};
+        loginItem = status;
+        return {};
+    }
+    Result<void> removeItem(const std::filesystem::path& path) {
+        EXPECT_TRUE(defaults.values.contains("removalPending"))
+            << "deleted before the flag was written";
+        if (!paths.contains(path))
+            return std::unexpected{PlatformError{PlatformError::Domain::cocoa, 4, "no such file"}};
+        if (filesRefuse) return std::unexpected{PlatformError{.code = 13, .description = "denied"}};
+        std::erase_if(paths, [&](const std::filesystem::path& each) {
+            return each.string().starts_with(path.string());
+        });
+        return {};
+    }
+
+    MemoryDefaults defaults;
+    std::int64_t loginItem = LoginItemClient::kEnabled;
+    bool loginItemRefuses = false;
+    bool filesRefuse = false;
+    std::filesystem::path bundle = kBundle;
+    std::filesystem::path support = kSupport;
+    std::set<std::filesystem::path> paths{kSupport, kBundle, "/home/me/share"};
+    std::string identity = kOwn;
+    int terminations = 0;
+    bool pendingAtEnd = false;
+    RecordingLog log;
+};
+
+TEST_F(SelfRemovalTest, RemovesEverythingOfItsOwnAndQuits) {
+    defaults.values = {{"installID", PropertyValue{kOwn}}};
+    removal().perform();
+    EXPECT_EQ(paths, (std::set<std::filesystem::path>{"/home/me/share"}));
+    EXPECT_EQ(loginItem, LoginItemClient::kNotRegistered);
+    EXPECT_TRUE(defaults.values.empty());
+    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(log.take(),
+              (std::vector<std::string>{"removal: starting", "removal: login item unregistered",
+                                        "removal: deleted the support folder",
+                                        "removal: the bundle was already gone",
+                                        "removal: finished; quitting"}));
+}
+
+TEST_F(SelfRemovalTest, ABundleElsewhereIsDeletedOnlyWhenItIsTheAddOn) {
+    bundle = "/opt/Quorvane Lock Screen.app";
+    paths.insert(bundle);
+    removal().perform();
+    EXPECT_FALSE(paths.contains(bundle));
+    EXPECT_TRUE(log.contains("removal: deleted the bundle"));
+
+    const auto refuses = [this](const char* place, const char* owner) {
+        bundle = place;
+        identity = owner;
+        paths.insert(bundle);
+        log.take();
+        removal().perform();
+        EXPECT_TRUE(paths.contains(bundle));
+        EXPECT_TRUE(pendingAtEnd);
+        EXPECT_TRUE(log.contains("removal: refusing to delete " + bundle.string() +
+                                 ": not the add-on's bundle"));
+        EXPECT_TRUE(
+            log.contains("removal: the bundle is still there; keeping removalPending so the next "
+                         "launch finishes it; "
+                         "quitting"));
+    };
+    refuses("/opt/build/Contents", kOwn.c_str());
+    refuses("/opt/Other.app", "another.Bundle");
+    EXPECT_EQ(terminations, 3);
+}
+
+TEST_F(SelfRemovalTest, AFolderOfAnotherNameIsNeverDeleted) {
+    support = "/home/me/share";
+    bundle = "/home/me/share/gone.app";
+    removal().perform();
+    EXPECT_TRUE(paths.contains("/home/me/share"));
+    const auto lines = log.take();
+    EXPECT_EQ(lines[2],
+              "removal: refusing to delete /home/me/share: not the add-on's support folder");
+    EXPECT_EQ(
+        lines[4],
+        "removal: an earlier step failed, but the bundle is gone; clearing preferences anyway");
+    EXPECT_FALSE(pendingAtEnd);
+}
+
+TEST_F(SelfRemovalTest, WhatRefusesIsReportedAndTriedAgainAtTheNextLaunch) {
+    loginItemRefuses = filesRefuse = true;
+    removal().perform();
+    EXPECT_TRUE(pendingAtEnd);
+    EXPECT_EQ(*find<std::string>(defaults.values, "removalBundleIdentity"), kOwn);
+    EXPECT_TRUE(log.contains("removal: unregister() failed: no agent"));
+    EXPECT_TRUE(log.contains("removal: deleting the support folder failed: denied"));
+    filesRefuse = false;
+    log.take();
+    removal().perform();
+    EXPECT_FALSE(pendingAtEnd);
+    EXPECT_EQ(paths, (std::set<std::filesystem::path>{"/home/me/share"}));
+    EXPECT_TRUE(log.contains(
+        "removal: an earlier step failed, but the bundle is gone; clearing preferences anyway"));
+}
+
+TEST_F(SelfRemovalTest, TheLoginItemIsRegisteredUnlessTheUserSaidNo) {
+    const Logger logger{log.sink(), kOwn, "app"};
+    const auto after = [&](std::int64_t status) {
+        loginItem = status;
+        ensureLoginItemIsRegistered(removal().loginItem, logger);
+        return loginItem;
+    };
+    EXPECT_EQ(after(1), 1);
+    EXPECT_TRUE(log.lines().empty());
+    EXPECT_EQ(after(0), 1);
+    EXPECT_EQ(after(3), 1);
+    EXPECT_EQ(after(2), 2);
+    EXPECT_EQ(after(7), 7);
+    loginItemRefuses = true;
+    EXPECT_EQ(after(0), 0);
+    EXPECT_EQ(log.take(), (std::vector<std::string>{
+                              "login item: registered (now 1)", "login item: registered (now 1)",
+                              "login item: awaiting approval in Login Items; leaving it alone",
+                              "login item: unknown status 7; leaving it alone",
+                              "login item: register() failed: no agent"}));
+}
+
+}  // namespace
+}  // namespace quorvane

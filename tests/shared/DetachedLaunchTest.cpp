@@ -1,0 +1,38 @@
+#include "shared/DetachedLaunch.hpp"
+
+#include <gtest/gtest.h>
+
+namespace quorvane {
+namespace {
+
+TEST(DetachedLaunch, AsksForANewBackgroundInstance) {
+    std::vector<std::string> asked;
+    const DetachedLaunch open{.runOpen = [&](const std::vector<std::string>& arguments) {
+        asked = arguments;
+        return Result<DetachedLaunch::Ended>{DetachedLaunch::Ended{}};
+    }};
+    EXPECT_TRUE(open.launch("/a b/X.app", {}));
+    EXPECT_EQ(asked, (std::vector<std::string>{"-n", "-g", "/a b/X.app"}));
+    EXPECT_TRUE(open.launch("/X.app", {"--installed", "--args"}));
+    EXPECT_EQ(asked,
+              (std::vector<std::string>{"-n", "-g", "/X.app", "--args", "--installed", "--args"}));
+}
+
+TEST(DetachedLaunch, TellsItsFailuresApart) {
+    Result<DetachedLaunch::Ended> answer = DetachedLaunch::Ended{3, ""};
+    const DetachedLaunch open{.runOpen = [&](const auto&) { return answer; }};
+    auto failed = open.launch("/X.app", {});
+    ASSERT_FALSE(failed);
+    EXPECT_EQ(std::get<DetachedLaunch::Failure>(failed.error()).description(),
+              "open exited with status 3");
+    answer = DetachedLaunch::Ended{1, "no such application"};
+    failed = open.launch("/X.app", {});
+    EXPECT_EQ(std::get<DetachedLaunch::Failure>(failed.error()).description(),
+              "no such application");
+    answer = std::unexpected{PlatformError{.code = 2, .description = "not found"}};
+    failed = open.launch("/X.app", {});
+    EXPECT_EQ(std::get<PlatformError>(failed.error()).code, 2);
+}
+
+}  // namespace
+}  // namespace quorvane
