@@ -113,6 +113,12 @@ private:
 }  // namespace
 
 JSONText::JSONText(Bytes text) : bytes_(std::move(text)), size_(bytes_.size()) {
+    if (bytes_.capacity() < size_ + kRoomBehindText) {
+        Bytes roomy;
+        roomy.reserve(size_ + kRoomBehindText);
+        append(roomy, bytes_);
+        bytes_ = std::move(roomy);
+    }
     bytes_.resize(size_ + kRoomBehindText, std::byte{0});
 }
 

@@ -22,12 +22,12 @@ std::size_t findArtworkText(std::string_view reply) {
 }
 
 Bytes without(std::string_view reply, std::size_t begin, std::size_t length) {
+    constexpr std::size_t kRoomForTheReader = 64;
     const ByteView bytes = bytesOf(reply);
     Bytes rest;
-    rest.reserve(bytes.size() - length + 64);
-    rest.insert(rest.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(begin));
-    rest.insert(rest.end(), bytes.begin() + static_cast<std::ptrdiff_t>(begin + length),
-                bytes.end());
+    rest.reserve(bytes.size() - length + kRoomForTheReader);
+    append(rest, bytes.first(begin));
+    append(rest, bytes.subspan(begin + length));
     return rest;
 }
 

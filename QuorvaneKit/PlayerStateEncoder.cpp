@@ -19,7 +19,7 @@ CodingResult<Bytes> PlayerStateEncoder::encode(const QuorvanePlayerState& state)
             appendBase64(base64, artwork.view());
             last_ = Artwork{artwork, std::move(base64)};
         }
-        out.insert(out.end(), last_->text.begin(), last_->text.end());
+        append(out, last_->text);
     });
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -39,6 +40,18 @@ inline std::string_view textOf(ByteView bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-inline Bytes copyOf(ByteView bytes) { return {bytes.begin(), bytes.end()}; }
+// In one block. The vector's own copying goes byte by byte, because of its allocator.
+inline void append(Bytes& bytes, ByteView more) {
+    if (more.empty()) return;
+    const std::size_t before = bytes.size();
+    bytes.resize(before + more.size());
+    std::memcpy(bytes.data() + before, more.data(), more.size());
+}
+
+inline Bytes copyOf(ByteView bytes) {
+    Bytes copy;
+    append(copy, bytes);
+    return copy;
+}
 
 }  // namespace quorvane
