@@ -1,0 +1,37 @@
+// Owners of the drawing libraries' objects.
+#pragma once
+
+#include <cairo.h>
+#include <glib-object.h>
+
+#include <memory>
+
+namespace quorvane {
+
+template <auto release>
+struct ReleaseWith {
+    template <typename T>
+    void operator()(T* object) const {
+        release(object);
+    }
+};
+
+using CairoContext = std::unique_ptr<cairo_t, ReleaseWith<cairo_destroy>>;
+using CairoSurface = std::unique_ptr<cairo_surface_t, ReleaseWith<cairo_surface_destroy>>;
+using CairoPattern = std::unique_ptr<cairo_pattern_t, ReleaseWith<cairo_pattern_destroy>>;
+template <typename T>
+using GObjectOwner = std::unique_ptr<T, ReleaseWith<g_object_unref>>;
+
+// Saves the context's state and restores it at the end of the scope.
+class CairoState {
+public:
+    explicit CairoState(cairo_t* cairo) : cairo_(cairo) { cairo_save(cairo_); }
+    ~CairoState() { cairo_restore(cairo_); }
+    CairoState(const CairoState&) = delete;
+    CairoState& operator=(const CairoState&) = delete;
+
+private:
+    cairo_t* cairo_;
+};
+
+}  // namespace quorvane

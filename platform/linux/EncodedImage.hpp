@@ -1,0 +1,18 @@
+// A picture as the bytes it came in. A canvas decodes it when it first draws it, at the size that
+// is shown.
+#pragma once
+
+#include "drawing/Image.hpp"
+
+namespace quorvane {
+
+class EncodedImage final : public Image {
+public:
+    explicit EncodedImage(Bytes bytes) : bytes_(std::move(bytes)) {}
+    ByteView bytes() const { return bytes_; }
+
+private:
+    const Bytes bytes_;
+};
+
+}  // namespace quorvane

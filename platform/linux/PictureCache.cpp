@@ -1,0 +1,61 @@
+#include "platform/linux/PictureCache.hpp"
+
+#include <algorithm>
+
+#include "platform/linux/EncodedImage.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr std::size_t kKeptPictures = 4;  // the present and the last one, on two scales
+
+CairoSurface decode(const Image& image, PixelSize size) {
+    const auto* const encoded = dynamic_cast<const EncodedImage*>(&image);
+    return encoded ? decodePicture(encoded->bytes(), size) : nullptr;
+}
+
+}  // namespace
+
+PictureCache::PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainThread,
+                           std::function<void()> arrived)
+    : mainThread_(std::move(mainThread)),
+      arrived_(std::make_shared<std::function<void()>>(std::move(arrived))),
+      queue_(std::move(queue)) {}
+
+void PictureCache::Entry::settle(CairoSurface decoded) {
+    surface = std::move(decoded);
+    state = surface ? Picture::State::ready : Picture::State::undecodable;
+}
+
+PictureCache::Picture PictureCache::picture(const ImageRef& image, PixelSize size) {
+    std::erase_if(recent_, [](const auto& entry) { return entry->image.expired(); });
+    auto found = std::ranges::find_if(recent_, [&](const auto& entry) {
+        return entry->size == size && entry->image.lock() == image;
+    });
+    if (found == recent_.end()) {
+        found = recent_.insert(recent_.begin(), std::make_shared<Entry>(Entry{image, size}));
+        start(*found, image);
+        if (recent_.size() > kKeptPictures) recent_.pop_back();
+    }
+    recent_.splice(recent_.begin(), recent_, found);
+    const Entry& entry = *recent_.front();
+    return {entry.state, entry.surface.get()};
+}
+
+void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& image) {
+    if (!queue_) return entry->settle(decode(*image, entry->size));
+    queue_->async([image, size = entry->size, waiting = std::weak_ptr{entry},
+                   mainThread = mainThread_, arrived = std::weak_ptr{arrived_}] {
+        // A function object can only carry what is copied, hence the shared owner.
+        const auto decoded = std::make_shared<CairoSurface>(decode(*image, size));
+        mainThread.post([decoded, waiting, arrived] {
+            const auto target = waiting.lock();
+            const auto listener = arrived.lock();
+            if (!target || !listener) return;
+            target->settle(std::move(*decoded));
+            if (*listener) (*listener)();
+        });
+    });
+}
+
+}  // namespace quorvane

@@ -1,0 +1,52 @@
+// Pictures decoded at the sizes they are shown in.
+#pragma once
+
+#include <functional>
+#include <list>
+#include <memory>
+
+#include "drawing/Image.hpp"
+#include "platform/MainThread.hpp"
+#include "platform/SerialQueue.hpp"
+#include "platform/linux/PictureDecoder.hpp"
+
+namespace quorvane {
+
+// Main thread only. Holds few pictures and only as many pixels as are shown; the encoded bytes
+// belong to the image and go with it.
+class PictureCache {
+public:
+    // With a queue pictures are decoded there and are still on their way when first asked for;
+    // `arrived` is then called on the main thread. Without one they are decoded at once.
+    PictureCache() = default;
+    PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainThread,
+                 std::function<void()> arrived);
+
+    struct Picture {
+        enum class State { arriving, ready, undecodable };
+        State state = State::arriving;
+        cairo_surface_t* surface = nullptr;  // when ready, until the next call
+    };
+    Picture picture(const ImageRef& image, PixelSize size);
+
+private:
+    struct Entry {
+        std::weak_ptr<const Image> image;
+        PixelSize size;
+        Picture::State state = Picture::State::arriving;
+        CairoSurface surface{};
+
+        void settle(CairoSurface decoded);
+    };
+    using Entries = std::list<std::shared_ptr<Entry>>;
+
+    void start(const std::shared_ptr<Entry>& entry, const ImageRef& image);
+
+    Entries recent_;  // the last used one first
+    MainThread mainThread_;
+    // Shared so that a picture that arrives late finds whether anybody still waits.
+    std::shared_ptr<std::function<void()>> arrived_;
+    std::unique_ptr<SerialQueue> queue_;  // last: its running action ends before the rest goes
+};
+
+}  // namespace quorvane

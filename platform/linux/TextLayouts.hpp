@@ -1,0 +1,54 @@
+// Lines of text, laid out with the system's fonts and kept for the next scene.
+#pragma once
+
+#include <pango/pango.h>
+
+#include <list>
+#include <optional>
+#include <string>
+
+#include "drawing/Canvas.hpp"
+#include "drawing/Scene.hpp"
+#include "platform/linux/CairoHandles.hpp"
+
+namespace quorvane {
+
+// One laid-out line. Lengths are points and the same at every scale.
+struct TextLine {
+    GObjectOwner<PangoLayout> layout;
+    double width = 0;
+    double ascent = 0;  // of the font, not of these letters: lines of one font share a baseline
+    double descent = 0;
+};
+
+// Main thread only. References stay valid until the next call.
+class TextLayouts {
+public:
+    // A list of font families in order of preference, as fontconfig takes it.
+    explicit TextLayouts(std::string families = kSystemFont);
+
+    // The line as long as it is, or cut off with an ellipsis where it is wider than `fit` points.
+    const TextLine& line(const std::string& text, const FontStyle& font,
+                         std::optional<double> fit = std::nullopt);
+
+    static constexpr char kSystemFont[] = "system-ui,sans";
+
+private:
+    struct Entry {
+        std::string text;
+        FontStyle font;
+        std::optional<double> fit;
+        TextLine line;
+    };
+    TextLine layOut(const std::string& text, const FontStyle& font,
+                    std::optional<double> fit) const;
+
+    std::string families_;
+    GObjectOwner<PangoContext> context_;
+    std::list<Entry> recent_;  // the last used one first
+};
+
+// Measures with layouts of its own.
+MeasureText makeMeasureText(std::string families = TextLayouts::kSystemFont);
+
+}  // namespace quorvane
