@@ -2,11 +2,16 @@
 // Field names are the keys on the wire.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace quorvane {
+
+// What the add-on of this source speaks, and how often it says hello of itself.
+inline constexpr std::int64_t kLockScreenHelloProtocolVersion = 1;
+inline constexpr std::chrono::seconds kLockScreenHelloInterval{60};
 
 struct LockScreenAddOnHello {
     std::int64_t protocolVersion = 0;
