@@ -11,7 +11,7 @@
 
 namespace quorvane {
 
-// Lines of the adapters themselves are logged under this subsystem.
+// The adapters' own lines are logged under this subsystem.
 inline constexpr char kPlatformSubsystem[] = "example.quillon.Quorvane.Platform";
 
 struct ServicesLinux {

@@ -1,0 +1,20 @@
+// Errors of system calls in the seam's form.
+#pragma once
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+#include "platform/PlatformError.hpp"
+
+namespace quorvane {
+
+// `what` names the call or the file that failed.
+inline std::unexpected<PlatformError> posixError(const std::string& what, int code = errno) {
+    return std::unexpected{
+        PlatformError{.domain = PlatformError::Domain::posix,
+                      .code = code,
+                      .description = what + ": " + std::system_category().message(code)}};
+}
+
+}  // namespace quorvane

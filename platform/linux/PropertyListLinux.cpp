@@ -1,0 +1,222 @@
+#include "platform/linux/PropertyListLinux.hpp"
+
+#include <locale.h>
+#include <plist/plist.h>
+
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+#include "platform/linux/PosixError.hpp"
+#include "platform/linux/PropertyListLimits.hpp"
+
+// Newer versions of the library have other names for dates, which the oldest supported one lacks.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace quorvane {
+namespace {
+
+struct NodeDeleter {
+    void operator()(void* node) const { plist_free(node); }
+};
+using Node = std::unique_ptr<void, NodeDeleter>;
+
+struct MemoryDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+using Text = std::unique_ptr<char, MemoryDeleter>;
+
+// The library reads and writes real numbers with the decimal sign of the current locale.
+class PlainNumbers {
+public:
+    PlainNumbers()
+        : plain_(newlocale(LC_NUMERIC_MASK, "C", duplocale(uselocale(nullptr)))),
+          before_(plain_ ? uselocale(plain_) : nullptr) {}
+    PlainNumbers(const PlainNumbers&) = delete;
+    PlainNumbers& operator=(const PlainNumbers&) = delete;
+    ~PlainNumbers() {
+        if (!plain_) return;
+        uselocale(before_);
+        freelocale(plain_);
+    }
+
+private:
+    locale_t plain_;
+    locale_t before_;
+};
+
+// The library's dates count from 2001.
+constexpr WallTime kReferenceDate{std::chrono::seconds{978'307'200}};
+
+std::unexpected<PlatformError> malformed(const char* why) { return posixError(why, EINVAL); }
+
+// The functions that hand out a copy differ only in their names.
+template <typename Getter>
+Text textFrom(plist_t node, Getter getter) {
+    char* text = nullptr;
+    getter(node, &text);
+    return Text{text};
+}
+
+Result<PropertyValue> valueOf(plist_t node, int depth);
+
+Result<PropertyValue> arrayOf(plist_t node, int depth) {
+    PropertyArray array;
+    plist_array_iter place = nullptr;
+    plist_array_new_iter(node, &place);
+    const std::unique_ptr<void, MemoryDeleter> owner{place};
+    plist_t item = nullptr;
+    for (plist_array_next_item(node, place, &item); item;
+         plist_array_next_item(node, place, &item)) {
+        auto value = valueOf(item, depth + 1);
+        if (!value) return value;
+        array.push_back(*std::move(value));
+    }
+    return PropertyValue{std::move(array)};
+}
+
+Result<PropertyValue> dictionaryOf(plist_t node, int depth) {
+    PropertyDictionary dictionary;
+    plist_dict_iter place = nullptr;
+    plist_dict_new_iter(node, &place);
+    const std::unique_ptr<void, MemoryDeleter> owner{place};
+    while (true) {
+        char* key = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(node, place, &key, &item);
+        const Text ownedKey{key};
+        if (!key || !item) break;
+        auto value = valueOf(item, depth + 1);
+        if (!value) return value;
+        dictionary.insert_or_assign(key, *std::move(value));
+    }
+    return PropertyValue{std::move(dictionary)};
+}
+
+Result<PropertyValue> dateOf(plist_t node) {
+    std::int32_t seconds = 0;
+    std::int32_t microseconds = 0;
+    plist_get_date_val(node, &seconds, &microseconds);
+    return PropertyValue{kReferenceDate + std::chrono::seconds{seconds} +
+                         std::chrono::microseconds{microseconds}};
+}
+
+Result<PropertyValue> dataOf(plist_t node) {
+    char* data = nullptr;
+    std::uint64_t size = 0;
+    plist_get_data_val(node, &data, &size);
+    const Text owner{data};
+    return PropertyValue{copyOf(bytesOf({data, data ? size : 0}))};
+}
+
+Result<PropertyValue> valueOf(plist_t node, int depth) {
+    if (depth > kDeepestList) return malformed("property list nests too deep");
+    std::uint8_t flag = 0;
+    std::uint64_t number = 0;
+    double real = 0;
+    switch (plist_get_node_type(node)) {
+        case PLIST_BOOLEAN: plist_get_bool_val(node, &flag); return PropertyValue{flag != 0};
+        case PLIST_UINT:
+            plist_get_uint_val(node, &number);
+            return PropertyValue{static_cast<std::int64_t>(number)};
+        case PLIST_REAL: plist_get_real_val(node, &real); return PropertyValue{real};
+        case PLIST_STRING: {
+            const Text text = textFrom(node, plist_get_string_val);
+            return PropertyValue{std::string{text ? text.get() : ""}};
+        }
+        case PLIST_DATE: return dateOf(node);
+        case PLIST_DATA: return dataOf(node);
+        case PLIST_ARRAY: return arrayOf(node, depth);
+        case PLIST_DICT: return dictionaryOf(node, depth);
+        default: return malformed("property list of an unknown type");
+    }
+}
+
+// Newer versions write what `plist_new_uint` is given as unsigned and have a second function for
+// signed numbers; older ones write it as signed. A template, so that the missing name is no error.
+template <typename Integer>
+plist_t integerNode(Integer number) {
+    if constexpr (requires { plist_new_int(number); })
+        return plist_new_int(number);
+    else
+        return plist_new_uint(static_cast<std::uint64_t>(number));
+}
+
+Result<Node> nodeOf(const PropertyValue& value);
+
+struct MakeNode {
+    Result<Node> operator()(bool flag) const { return Node{plist_new_bool(flag)}; }
+    Result<Node> operator()(std::int64_t number) const { return Node{integerNode(number)}; }
+    Result<Node> operator()(double real) const { return Node{plist_new_real(real)}; }
+    Result<Node> operator()(const std::string& text) const {
+        if (text.find('\0') != text.npos) return malformed("text with a NUL");
+        return Node{plist_new_string(text.c_str())};
+    }
+    Result<Node> operator()(WallTime date) const {
+        using Limits = std::numeric_limits<std::int32_t>;
+        const auto seconds =
+            std::chrono::floor<std::chrono::seconds>(date - kReferenceDate).count();
+        if (seconds < Limits::min() || seconds > Limits::max())
+            return posixError("date", EOVERFLOW);
+        return Node{plist_new_date(static_cast<std::int32_t>(seconds), 0)};
+    }
+    Result<Node> operator()(const Bytes& data) const {
+        return Node{plist_new_data(textOf(data).data(), data.size())};
+    }
+    Result<Node> operator()(const PropertyArray& array) const {
+        Node node{plist_new_array()};
+        for (const PropertyValue& element : array) {
+            auto item = nodeOf(element);
+            if (!item) return item;
+            plist_array_append_item(node.get(), item->release());
+        }
+        return node;
+    }
+    Result<Node> operator()(const PropertyDictionary& dictionary) const {
+        Node node{plist_new_dict()};
+        for (const auto& [key, element] : dictionary) {
+            if (key.find('\0') != key.npos) return malformed("key with a NUL");
+            auto item = nodeOf(element);
+            if (!item) return item;
+            plist_dict_set_item(node.get(), key.c_str(), item->release());
+        }
+        return node;
+    }
+};
+
+Result<Node> nodeOf(const PropertyValue& value) { return std::visit(MakeNode{}, value.value); }
+
+}  // namespace
+
+Result<PropertyValue> parsePropertyList(ByteView contents) {
+    if (contents.size() > std::numeric_limits<std::int32_t>::max())
+        return malformed("property list too large");
+    const PlainNumbers plainNumbers;
+    const auto size = static_cast<std::uint32_t>(contents.size());
+    const char* text = textOf(contents).data();
+    plist_t parsed = nullptr;
+    if (isBinaryList(contents)) {
+        if (!binaryListIsModest(contents)) return malformed("malformed binary property list");
+        plist_from_bin(text, size, &parsed);
+    } else {
+        if (!xmlListIsModest(contents)) return malformed("property list with too many values");
+        plist_from_xml(text, size, &parsed);
+    }
+    const Node node{parsed};
+    if (!node) return malformed("malformed property list");
+    return valueOf(node.get(), 0);
+}
+
+Result<Bytes> xmlPropertyList(const PropertyValue& value) {
+    const PlainNumbers plainNumbers;
+    const auto node = nodeOf(value);
+    if (!node) return std::unexpected{node.error()};
+    char* text = nullptr;
+    std::uint32_t size = 0;
+    plist_to_xml(node->get(), &text, &size);
+    const Text owner{text};
+    if (!text) return malformed("property list not written");
+    return copyOf(bytesOf({text, size}));
+}
+
+}  // namespace quorvane
