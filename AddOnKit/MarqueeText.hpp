@@ -1,0 +1,39 @@
+// One line of text that scrolls round when it is too long for its field, resting at the start of
+// every cycle.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "drawing/Scene.hpp"
+
+namespace quorvane {
+
+// A view value. Which way the text moves follows the direction of the scene it is drawn in.
+struct MarqueeText {
+    std::string text;
+    FontStyle font;
+    Color color;
+    bool reduceMotion = false;
+    std::optional<double> frozenTime;          // draws this moment of the cycle, in seconds
+    std::optional<bool> reduceMotionOverride;  // instead of reduceMotion when set
+    double textWidth = 0;
+    double fieldWidth = 0;
+    std::optional<Instant> start;  // of the first cycle
+
+    // How far a text of this width has moved after `elapsed` seconds.
+    static double offset(double elapsed, double width);
+    // How long one round of it takes, in seconds.
+    static double cycle(double width);
+
+    bool scrolls() const;
+    // A text that scrolls fades outside its field, so that nothing of it is dimmed while it rests.
+    TextNode node(const Rect& field, Instant now) const;
+    // How long until it moves by another pixel; nothing while it stands still for good.
+    std::optional<Duration> nextChange(Instant now, double scale) const;
+
+private:
+    double elapsed(Instant now) const;
+};
+
+}  // namespace quorvane

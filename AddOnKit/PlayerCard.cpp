@@ -1,0 +1,198 @@
+#include "AddOnKit/PlayerCard.hpp"
+
+#include <algorithm>
+
+#include "AddOnKit/PlayerView.hpp"
+#include "AddOnKit/PressHighlightStyle.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr Duration kArtworkFade = std::chrono::milliseconds{350};
+
+}  // namespace
+
+PlayerCard::PlayerCard(PlayerModel& model, PlayerActions actions, PlayerCardEnvironment environment)
+    : model_(model), actions_(std::move(actions)), environment_(std::move(environment)) {}
+
+PlayerCard::~PlayerCard() {
+    setShown(false);
+    if (stage_) stage_->setEvents({});
+}
+
+void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
+    if (stage_) stage_->setEvents({});
+    stage_ = std::move(stage);
+    if (!stage_) return;
+    stage_->setEvents(
+        {.pointer =
+             [this](const PointerEvent& event) {
+                 if (!isShown_) return;
+                 switch (event.kind) {
+                     case PointerEvent::Kind::down: return pointerDown(event.location);
+                     case PointerEvent::Kind::dragged: return pointerDragged(event.location);
+                     case PointerEvent::Kind::up: return pointerUp(event.location);
+                     case PointerEvent::Kind::cancelled: return endPress();
+                 }
+             },
+         .accessibility = [this](SceneControl::ID id,
+                                 AccessibilityAction action) { accessibility(id, action); }});
+    if (!isShown_) return;
+    scene_ = {};
+    draw();
+}
+
+void PlayerCard::setShown(bool shown) {
+    if (shown == isShown_) return;
+    if (shown) {
+        isShown_ = true;
+        observations_ = model_.observe([this] { drawSoon(); });
+        scene_ = {};
+        draw();
+        return;
+    }
+    isShown_ = false;
+    observations_.clear();
+    endPress();
+    nextDraw_.reset();
+    // What moved has long settled when the card comes back; its marquees go on from their starts.
+    interaction_ = {.titleStart = interaction_.titleStart, .artistStart = interaction_.artistStart};
+    artworkID_.reset();
+    artwork_.reset();
+}
+
+PlayerEnvironment PlayerCard::viewEnvironment() const {
+    const PlayerCardEnvironment& e = environment_;
+    return {.localized = e.localized ? e.localized : [](const std::string& key) { return key; },
+            .measureText = e.measureText ? e.measureText
+                                         : [](const std::string&, const FontStyle&) { return 0.0; },
+            .isRightToLeft = e.isRightToLeft && e.isRightToLeft(),
+            .reduceMotion = e.reducesMotion && e.reducesMotion(),
+            .scale = e.scale,
+            .playerFrozenDate = e.playerFrozenDate,
+            .marqueeFrozenTime = e.marqueeFrozenTime,
+            .marqueeReduceMotion = e.marqueeReduceMotion};
+}
+
+void PlayerCard::draw() {
+    if (!stage_) return;
+    const Instant now = environment_.clock.now();
+    followTexts(now);
+    followArtwork(now);
+    VolumeSlider::thicken(interaction_.thickening, model_.isDraggingVolume.get(), now);
+
+    const PlayerEnvironment environment = viewEnvironment();
+    Scene scene =
+        PlayerView{model_, environment}.scene(interaction_, {now, environment_.wallClock()});
+    const bool isNew = !(scene == scene_);
+    scene_ = std::move(scene);
+    nextDraw_.reset();
+    if (scene_.nextChange)
+        nextDraw_ = environment_.clock.after(*scene_.nextChange, [this] { draw(); });
+    if (isNew) stage_->setScene(scene_);
+}
+
+// One drawing for all changes of a pass of the main loop.
+void PlayerCard::drawSoon() {
+    nextDraw_ = environment_.clock.after({}, [this] { draw(); });
+}
+
+void PlayerCard::followTexts(Instant now) {
+    const auto follow = [now](std::optional<std::string>& last, const std::string& present,
+                              std::optional<Instant>& start) {
+        if (last == present) return;
+        last = present;
+        start = now;
+    };
+    follow(title_, model_.title.get(), interaction_.titleStart);
+    follow(artist_, model_.artist.get(), interaction_.artistStart);
+}
+
+void PlayerCard::followArtwork(Instant now) {
+    if (artworkID_ && artworkID_ != model_.artworkID.get() && artwork_ != model_.artwork.get()) {
+        interaction_.oldArtwork = artwork_;
+        interaction_.artworkChange = Transition{0};
+        interaction_.artworkChange.moveTo(1, Transition::Curve::easeInOut, kArtworkFade, now);
+    }
+    artworkID_ = model_.artworkID.get();
+    artwork_ = model_.artwork.get();
+    if (!interaction_.artworkChange.isMoving(now)) interaction_.oldArtwork.reset();
+}
+
+const SceneControl* PlayerCard::control(SceneControl::ID id) const {
+    const auto found = std::ranges::find(scene_.controls, id, &SceneControl::id);
+    return found == scene_.controls.end() ? nullptr : &*found;
+}
+
+void PlayerCard::pointerDown(Point location) {
+    endPress();
+    const auto found = std::ranges::find_if(scene_.controls, [&](const SceneControl& candidate) {
+        const bool reacts = candidate.role == SceneControl::Role::button ||
+                            candidate.role == SceneControl::Role::slider;
+        return reacts && candidate.frame.contains(location);
+    });
+    if (found == scene_.controls.end()) return;
+    pressed_ = found->id;
+    pointerDragged(location);
+}
+
+void PlayerCard::pointerDragged(Point location) {
+    const SceneControl* const target = pressed_ ? control(*pressed_) : nullptr;
+    if (!target) return;
+    if (target->role == SceneControl::Role::slider)
+        slider().dragChanged(location.x - target->frame.x, target->frame.width);
+    else
+        highlight(target->frame.contains(location));
+}
+
+void PlayerCard::pointerUp(Point location) {
+    const SceneControl* const target = pressed_ ? control(*pressed_) : nullptr;
+    const bool fires =
+        target && target->role == SceneControl::Role::button && target->frame.contains(location);
+    const std::optional<SceneControl::ID> id = pressed_;
+    endPress();
+    if (fires) fire(*id);
+}
+
+// Ends the press without the button's action. A drag ends at the volume it has come to.
+void PlayerCard::endPress() {
+    if (!pressed_) return;
+    if (pressed_ == SceneControl::ID::volume) {
+        pressed_.reset();
+        slider().dragEnded();
+        return;
+    }
+    highlight(false);
+    pressed_.reset();
+}
+
+void PlayerCard::highlight(bool isHighlighted) {
+    Transition* const press = interaction_.press(*pressed_);
+    if (!press || (press->target() > 0) == isHighlighted) return;
+    PressHighlightStyle::turn(*press, isHighlighted, environment_.clock.now());
+    drawSoon();
+}
+
+void PlayerCard::accessibility(SceneControl::ID id, AccessibilityAction action) {
+    const SceneControl* const target = isShown_ ? control(id) : nullptr;
+    if (!target) return;
+    if (target->role == SceneControl::Role::slider) return slider().adjust(action);
+    if (action == AccessibilityAction::press) fire(id);
+}
+
+// Last in everything that calls it: the action may change or end anything.
+void PlayerCard::fire(SceneControl::ID id) {
+    const std::function<void()>* action = nullptr;
+    switch (id) {
+        case SceneControl::ID::previous: action = &actions_.previous; break;
+        case SceneControl::ID::playPause: action = &actions_.playPause; break;
+        case SceneControl::ID::next: action = &actions_.next; break;
+        case SceneControl::ID::love: action = &actions_.toggleLove; break;
+        default: break;
+    }
+    if (!action || !*action) return;
+    const std::function<void()> copy = *action;
+    copy();
+}
+
+}  // namespace quorvane

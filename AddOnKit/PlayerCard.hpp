@@ -1,0 +1,83 @@
+// The content of one card window: it draws the player's model, follows presses and drags, and calls
+// the card's actions.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "AddOnKit/CardContent.hpp"
+#include "AddOnKit/PlayerActions.hpp"
+#include "AddOnKit/PlayerEnvironment.hpp"
+#include "AddOnKit/PlayerInteraction.hpp"
+#include "AddOnKit/PlayerModel.hpp"
+#include "AddOnKit/VolumeSlider.hpp"
+
+namespace quorvane {
+
+struct PlayerCardEnvironment {
+    Clock clock;
+    WallClock wallClock;
+    Localized localized;  // unset: the keys themselves
+    MeasureText measureText;
+    std::function<bool()> reducesMotion;
+    std::function<bool()> isRightToLeft;
+    double scale = 1;  // pixels a point of the card's screen
+    std::optional<WallTime> playerFrozenDate;
+    std::optional<double> marqueeFrozenTime;
+    std::optional<bool> marqueeReduceMotion;
+};
+
+// Main thread only. The model outlives it. While shown it draws when the model has changed, when it
+// is touched, and when its scene says so; while not shown it keeps no timer and no subscription. A
+// button's action may end in the card's destruction.
+class PlayerCard final : public CardContent {
+public:
+    PlayerCard(PlayerModel& model, PlayerActions actions, PlayerCardEnvironment environment);
+    ~PlayerCard() override;
+    PlayerCard(const PlayerCard&) = delete;
+    PlayerCard& operator=(const PlayerCard&) = delete;
+
+    void attach(std::shared_ptr<CardStage> stage) override;
+    void setShown(bool shown) override;
+
+private:
+    PlayerEnvironment viewEnvironment() const;
+    void draw();
+    void drawSoon();
+    void followTexts(Instant now);
+    void followArtwork(Instant now);
+
+    void pointerDown(Point location);
+    void pointerDragged(Point location);
+    void pointerUp(Point location);
+    void endPress();
+    void highlight(bool isHighlighted);
+    void accessibility(SceneControl::ID id, AccessibilityAction action);
+    void fire(SceneControl::ID id);
+    const SceneControl* control(SceneControl::ID id) const;
+    VolumeSlider slider() const { return {model_, actions_, scene_.isRightToLeft}; }
+
+    PlayerModel& model_;
+    const PlayerActions actions_;
+    const PlayerCardEnvironment environment_;
+    std::shared_ptr<CardStage> stage_;
+    bool isShown_ = false;
+    Scene scene_;
+    PlayerInteraction interaction_;
+    std::optional<SceneControl::ID> pressed_;
+
+    // What was drawn last, to notice what has changed.
+    std::optional<std::string> title_;
+    std::optional<std::string> artist_;
+    std::optional<std::int64_t> artworkID_;
+    ImageRef artwork_;
+
+    // Last: their ends may not find a half-destroyed card.
+    std::vector<Handle> observations_;
+    Timer nextDraw_;
+};
+
+}  // namespace quorvane

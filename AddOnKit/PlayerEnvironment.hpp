@@ -1,0 +1,29 @@
+// What the card's views read besides the model, as values.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "drawing/Canvas.hpp"
+#include "platform/Clock.hpp"
+
+namespace quorvane {
+
+// The text for a key in the user's language.
+using Localized = std::function<std::string(const std::string& key)>;
+
+struct PlayerEnvironment {
+    Localized localized;
+    MeasureText measureText;
+    bool isRightToLeft = false;
+    bool reduceMotion = false;  // the system's setting
+    double scale = 1;           // pixels a point on this screen
+
+    // For still renderings: the view as of this date, the marquees at this time of their cycle.
+    std::optional<WallTime> playerFrozenDate;
+    std::optional<double> marqueeFrozenTime;  // seconds
+    std::optional<bool> marqueeReduceMotion;  // replaces the system's setting
+};
+
+}  // namespace quorvane

@@ -1,0 +1,31 @@
+// A number on its way from one value to another.
+#pragma once
+
+#include "platform/Clock.hpp"
+
+namespace quorvane {
+
+// A plain value; at rest it stays where it is. Turning round in the middle continues from there.
+class Transition {
+public:
+    enum class Curve { easeOut, easeInOut, spring };
+
+    Transition() = default;
+    explicit Transition(double value) : from_(value), to_(value) {}
+
+    // For a spring `duration` is its perceptual duration; it has no bounce.
+    void moveTo(double value, Curve curve, Duration duration, Instant now);
+    double at(Instant now) const;
+    double target() const { return to_; }
+    bool isMoving(Instant now) const { return now < end_; }
+
+private:
+    double from_ = 0;
+    double to_ = 0;
+    Curve curve_ = Curve::easeOut;
+    Duration duration_{};
+    Instant start_{};
+    Instant end_{};
+};
+
+}  // namespace quorvane

@@ -1,0 +1,73 @@
+#include "AddOnKit/VolumeSlider.hpp"
+
+#include <algorithm>
+
+#include "AddOnKit/FilledTrack.hpp"
+#include "AddOnKit/PlayerStrings.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr std::int64_t kStep = 5;  // of assistive technology
+constexpr double kFullVolume = 100;
+constexpr double kThickness = 6;
+constexpr double kDraggedThickness = 10;
+constexpr double kFillOpacity = 0.8;
+constexpr double kDraggedFillOpacity = 0.95;
+constexpr double kSmallestTarget = 34;  // the track alone would be hard to hit
+constexpr Duration kThickeningResponse = std::chrono::milliseconds{250};
+
+}  // namespace
+
+std::int64_t VolumeSlider::value(double x, double width, bool isRightToLeft) {
+    const double fraction = std::clamp(width > 1 ? x / width : x, 0.0, 1.0);
+    return static_cast<std::int64_t>((isRightToLeft ? 1 - fraction : fraction) * kFullVolume);
+}
+
+void VolumeSlider::dragChanged(double x, double width) const {
+    if (!model.isDraggingVolume.get()) model.beginVolumeDrag();
+    const std::int64_t volume = value(x, width, isRightToLeft);
+    if (volume == model.volume.get()) return;
+    model.volume.set(volume);
+    if (actions.setVolume) actions.setVolume(volume);
+}
+
+void VolumeSlider::dragEnded() const {
+    model.endVolumeDrag();
+    if (actions.endVolume) actions.endVolume();
+}
+
+void VolumeSlider::adjust(AccessibilityAction step) const {
+    if (step == AccessibilityAction::press) return;
+    const std::int64_t change = step == AccessibilityAction::increment ? kStep : -kStep;
+    const std::int64_t volume = std::clamp<std::int64_t>(model.volume.get() + change, 0, 100);
+    model.setVolume(volume);
+    if (actions.setVolume) actions.setVolume(volume);
+}
+
+void VolumeSlider::draw(Scene& scene, const Rect& frame, const PlayerModel& model,
+                        double thickening) {
+    const double thickness = kThickness + (kDraggedThickness - kThickness) * thickening;
+    const Rect track{frame.x, frame.midY() - thickness / 2, frame.width, thickness};
+    const double filled = frame.width * static_cast<double>(model.volume.get()) / kFullVolume;
+    drawFilledTrack(scene, track, filled,
+                    model.isDraggingVolume.get() ? kDraggedFillOpacity : kFillOpacity);
+}
+
+SceneControl VolumeSlider::control(const Rect& frame, const PlayerModel& model,
+                                   const Localized& localized) {
+    const double growth = std::max(kSmallestTarget - frame.height, 0.0);
+    return {.id = SceneControl::ID::volume,
+            .role = SceneControl::Role::slider,
+            .frame = {frame.x, frame.y - growth / 2, frame.width, frame.height + growth},
+            .label = localized(PlayerStrings::kVolume.key),
+            .value = std::to_string(model.volume.get()),
+            .number = static_cast<double>(model.volume.get()),
+            .maximum = kFullVolume};
+}
+
+void VolumeSlider::thicken(Transition& thickening, bool isDragging, Instant now) {
+    thickening.moveTo(isDragging ? 1 : 0, Transition::Curve::spring, kThickeningResponse, now);
+}
+
+}  // namespace quorvane
