@@ -6,6 +6,7 @@
 #include "platform/Clock.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
+#include "platform/SerialQueue.hpp"
 #include "platform/linux/X11Session.hpp"
 
 namespace quorvane {
@@ -15,6 +16,7 @@ struct CardModuleServices {
     Clock clock;
     MainThread mainThread;
     LogSink log;
+    MakeSerialQueue makeSerialQueue{};  // for decoding pictures; without it that is done at once
 };
 
 // The module's one exported function, under the name below. It fills `makeWindow`, `makeStage` and
