@@ -16,9 +16,9 @@ using WallTime = std::chrono::sys_time<Duration>;
 // Earlier than every date that is met in practice, far enough from the type's end to subtract from.
 inline constexpr WallTime kDistantPast{std::chrono::seconds{-7'000'000'000}};
 
-// Main thread only. `after` calls its action once, on the main thread, never before it has
-// returned, unless the timer is dropped first. A delay of zero or less fires on the next turn of
-// the main loop.
+// Main thread only, but for `now`, which any thread may ask. `after` calls its action once, on the
+// main thread, never before it has returned, unless the timer is dropped first. A delay of zero or
+// less fires on the next turn of the main loop.
 struct Clock {
     std::function<Instant()> now;
     std::function<Timer(Duration delay, std::function<void()> action)> after;

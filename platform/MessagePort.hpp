@@ -25,7 +25,7 @@ enum PortStatus : std::int32_t {
 
 struct PortRequest {
     std::int32_t messageID = 0;
-    ByteView body;
+    ByteView body{};
     Duration sendTimeout{};
     Duration receiveTimeout{};  // not looked at when no reply is awaited
     bool awaitsReply = false;
@@ -33,7 +33,7 @@ struct PortRequest {
 
 struct PortReply {
     std::int32_t status = kPortSuccess;
-    std::optional<Bytes> body;  // absent when none came; a server's empty reply is absent too
+    std::optional<Bytes> body{};  // absent when none came; a server's empty reply is absent too
 };
 
 // The sending end of one port. One thread at a time. A waiting send on the main thread may run the
