@@ -1,0 +1,78 @@
+// One client of a local port: what it has sent of a request, and what it has not yet taken of a
+// reply.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "platform/MessagePort.hpp"
+#include "platform/linux/FileDescriptor.hpp"
+#include "platform/linux/FrameBuffer.hpp"
+
+namespace quorvane {
+
+// What long requests and waiting replies of all clients of a port may amount to.
+class BodyBudget {
+public:
+    bool take(std::size_t size) {
+        if (size > left_) return false;
+        left_ -= size;
+        return true;
+    }
+    void giveBack(std::size_t size) { left_ += size; }
+
+private:
+    static constexpr std::size_t kTotal = 128 * 1024 * 1024;
+    std::size_t left_ = kTotal;
+};
+
+// Never blocks. Owned by its port, on the port's thread.
+class PortConnection {
+public:
+    PortConnection(FileDescriptor socket, BodyBudget& budget);
+    ~PortConnection();
+
+    // Reads what there is, answers what is complete and writes what can be taken. False when the
+    // connection is over.
+    bool serve(const PortHandler& handler);
+
+    int socket() const { return socket_.get(); }
+    std::int32_t peer() const { return peer_; }
+    // While a reply waits to be taken, nothing is read.
+    bool isWriting() const { return output_.has_value(); }
+    // When what has been begun must be complete; nothing between requests.
+    std::optional<Instant> deadline() const { return deadline_; }
+
+    std::uint64_t lastUse = 0;  // the owner's count of events
+    std::size_t place = 0;      // in the owner's list
+    std::uint32_t watched = 0;  // the events that the owner waits for
+
+private:
+    struct Output {
+        FrameHeader header;
+        Bytes body;
+        std::size_t sent = 0;
+    };
+
+    bool read();
+    bool readBody();
+    bool answerComplete(const PortHandler& handler);
+    bool beginBody(std::size_t length);
+    bool answer(const PortHandler& handler, std::span<std::byte> body);
+    bool write(Output output);
+    bool writeRest();
+    void dropBody();
+
+    FileDescriptor socket_;
+    BodyBudget& budget_;
+    std::int32_t peer_ = 0;
+    FrameBuffer buffer_;
+    std::optional<RequestHeader> request_;  // read, its body not yet complete
+    Bytes body_;                            // of a request that does not fit the buffer
+    std::size_t bodyFilled_ = 0;
+    std::uint64_t sequence_ = 0;
+    std::optional<Output> output_;
+    std::optional<Instant> deadline_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,44 @@
+// The sending end of a port: one connection to the process that serves the name.
+#pragma once
+
+#include <memory>
+
+#include "platform/MessagePort.hpp"
+#include "platform/linux/FileDescriptor.hpp"
+#include "platform/linux/FrameBuffer.hpp"
+#include "platform/linux/PortFolder.hpp"
+
+namespace quorvane {
+
+// A waiting send blocks its thread and runs nothing meanwhile. A connection that died stays dead.
+class RemotePortLinux final : public RemotePort {
+public:
+    // Nothing when nobody of this user serves the name. Never waits.
+    static std::unique_ptr<RemotePort> connect(const PortFolder& folder, const std::string& name);
+
+    PortReply send(const PortRequest& request) override;
+
+private:
+    enum class Received { something, timedOut, closed };
+
+    explicit RemotePortLinux(FileDescriptor socket) : socket_(std::move(socket)) {}
+
+    std::int32_t sendFrame(const PortRequest& request);
+    bool waitForRoom(Instant deadline) const;
+    PortReply receiveReply(Duration timeout);
+    PortReply receiveBody(std::size_t length, Instant deadline);
+    PortReply failure(Received received);
+    PortReply brokenRules();
+    Received fill(Instant deadline);
+    Received skipStale(Instant deadline);
+    Received receive(std::span<std::byte> place, int flags, Instant deadline, std::size_t& count);
+    void limitReceiving(Duration limit);
+
+    FileDescriptor socket_;
+    FrameBuffer buffer_;
+    std::uint64_t sequence_ = 0;
+    std::size_t staleBytes_ = 0;            // of a late reply's body, still to be skipped
+    std::optional<Duration> receiveLimit_;  // as the socket has it; it begins with none
+};
+
+}  // namespace quorvane
