@@ -11,6 +11,7 @@
 #include <string>
 
 #include "QuorvaneKit/MessageType.hpp"
+#include "QuorvaneKit/PortNames.hpp"
 #include "QuorvaneKit/QuorvaneAction.hpp"
 #include "QuorvaneKit/QuorvanePlayerState.hpp"
 #include "platform/Clock.hpp"
@@ -27,8 +28,8 @@ namespace quorvane {
 struct QueryOutcome {
     enum class Kind { sent, notSent, expiredInQueue };
     Kind kind = Kind::notSent;
-    std::int32_t status = 0;     // of `sent`: the port's send status
-    std::optional<Bytes> reply;  // of `sent`: absent when none came
+    std::int32_t status = 0;       // of `sent`: the port's send status
+    std::optional<Bytes> reply{};  // of `sent`: absent when none came
     bool operator==(const QueryOutcome&) const = default;
 };
 
@@ -56,7 +57,7 @@ public:
 
     // `secret` reads the connection secret afresh; it is called on the main thread and on the
     // slots' queues.
-    MessagePortClient(std::string portBaseName, std::function<std::optional<Bytes>()> secret,
+    MessagePortClient(std::string_view portBaseName, std::function<std::optional<Bytes>()> secret,
                       Services services,
                       std::optional<MessagePortLocalResponder> localResponder = std::nullopt);
     ~MessagePortClient();
@@ -64,13 +65,30 @@ public:
     // Connects and listens for "playerStateChanged". Calling it again while disconnected tries to
     // connect again.
     void start();
+    // Disconnects and listens no more.
     void stop();
     void connect();
     void disconnect();
-    // Blocks for at most the send and receive timeouts, one second each.
+    // Blocks for at most the send and receive timeouts, one second each. Asked for from inside a
+    // request's own wait, one more request follows on a later turn of the main loop.
     void requestStateUpdate();
 
     void perform(QuorvaneAction action);
+    void playPause() { perform(QuorvaneAction::playPause); }
+    void nextTrack() { perform(QuorvaneAction::nextTrack); }
+    void previousTrack() { perform(QuorvaneAction::previousTrack); }
+    void increaseVolume() { perform(QuorvaneAction::increaseVolume); }
+    void decreaseVolume() { perform(QuorvaneAction::decreaseVolume); }
+    void toggleMute() { perform(QuorvaneAction::toggleMute); }
+    void toggleLove() { perform(QuorvaneAction::toggleLove); }
+    void toggleDislike() { perform(QuorvaneAction::toggleDislike); }
+    void increaseRating() { perform(QuorvaneAction::increaseRating); }
+    void decreaseRating() { perform(QuorvaneAction::decreaseRating); }
+    void removeRating() { perform(QuorvaneAction::removeRating); }
+    void toggleShuffle() { perform(QuorvaneAction::toggleShuffle); }
+    void toggleRepeat() { perform(QuorvaneAction::toggleRepeat); }
+    void activatePlayer() { perform(QuorvaneAction::activatePlayer); }
+    void switchPlayer() { perform(QuorvaneAction::switchPlayer); }
     void setVolume(std::int64_t value);  // sent as 0...255
     void setRating(std::int64_t value);  // sent as 0...255
 
@@ -81,7 +99,7 @@ public:
 
     const Observable<bool>& isConnected() const;
     Observable<bool>& isConnected();
-    // Why the last attempt to reach the main application failed; empty while connected.
+    // Why the last attempt to reach the main application failed; empty when it did not.
     const std::string& unreachableReason() const;
     const std::optional<QuorvanePlayerState>& playerState() const;
     std::int64_t portAttempts() const;

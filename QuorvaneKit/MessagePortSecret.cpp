@@ -1,0 +1,48 @@
+#include "QuorvaneKit/MessagePortSecret.hpp"
+
+#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/MessagePortWire.hpp"
+#include "platform/Wipe.hpp"
+
+namespace quorvane {
+namespace {
+
+std::optional<std::filesystem::path> secretFile(const FileStore& files) {
+    const auto container = files.containerOfGroup(std::string{kAppGroup});
+    if (!container) return std::nullopt;
+    return *container / MessagePortSecret::kFileName;
+}
+
+}  // namespace
+
+std::optional<Bytes> MessagePortSecret::make(const FillRandom& fillRandom, const FileStore& files,
+                                             const LogSink& sink) {
+    const Logger log{sink, kKitLogSubsystem, "MessagePortSecret"};
+    Bytes secret(MessagePortWire::kSecretLength);
+    if (const auto filled = fillRandom(secret); !filled) {
+        log.error("Failed to generate IPC secret (SecRandomCopyBytes status %d)", filled.error());
+        return std::nullopt;
+    }
+    const auto file = secretFile(files);
+    if (!file) {
+        log.error("App Group container unavailable; cannot persist IPC secret");
+        wipe(secret);
+        return std::nullopt;
+    }
+    if (const auto written = files.writeAtomically(*file, secret); !written) {
+        log.error("Failed to write IPC secret: %s", written.error().description);
+        wipe(secret);
+        return std::nullopt;
+    }
+    return secret;
+}
+
+std::optional<Bytes> MessagePortSecret::read(const FileStore& files) {
+    const auto file = secretFile(files);
+    if (!file) return std::nullopt;
+    auto contents = files.read(*file);
+    if (!contents) return std::nullopt;
+    return *std::move(contents);
+}
+
+}  // namespace quorvane

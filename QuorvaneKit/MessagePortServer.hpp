@@ -1,0 +1,56 @@
+// The main application's end of the link: it serves the main port and the four query ports, each
+// on a thread of its own, and routes what comes with the right secret to its handlers.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "QuorvaneKit/MessagePortHandlers.hpp"
+#include "QuorvaneKit/PortNames.hpp"
+#include "QuorvaneKit/RequestRouter.hpp"
+#include "QuorvaneKit/WaitFlag.hpp"
+#include "platform/Log.hpp"
+#include "platform/MessagePort.hpp"
+
+namespace quorvane {
+
+// Made, started, stopped and destroyed on one thread that is none of its ports'. When a name is
+// taken by another process, its port waits and tries again until the name is free.
+class MessagePortServer {
+public:
+    using Endpoint = PortEndpoint;
+
+    struct Services {
+        LogSink log;
+        OpenPort openPort;
+        // Names the calling thread as debuggers show it; may be unset.
+        std::function<void(const std::string& name)> nameCurrentThread;
+        MakeWaitFlag makeWaitFlag = &quorvane::makeWaitFlag;
+    };
+
+    explicit MessagePortServer(Services services,
+                               std::string_view portBaseName = kMessagePortBaseName);
+    // Stops.
+    ~MessagePortServer();
+
+    // To be set before `start` and left alone until `stop` has returned. Without a secret every
+    // request is dropped.
+    MessagePortHandlers handlers;
+    std::optional<Bytes> expectedSecret;
+
+    // Returns when every port is open, or after at most two seconds for each that is not; such a
+    // port goes on trying.
+    void start();
+    // Returns when all threads have ended and the names are free again; a handler that is still
+    // awaited is not waited for.
+    void stop();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,25 @@
+// The framing of a request: the connection secret, then the payload. Pure functions, any thread.
+#pragma once
+
+#include <optional>
+
+#include "platform/Bytes.hpp"
+
+namespace quorvane {
+
+struct MessagePortWire {
+    static constexpr std::size_t kSecretLength = 32;
+
+    // Nothing when the secret has another length. Whoever sends the result wipes it with
+    // `wipeSecret` afterwards.
+    static std::optional<Bytes> wrap(ByteView payload, ByteView secret);
+
+    // The payload, a part of `framed`; nothing when the secret in front of it is not the expected
+    // one, or either is of a wrong length. Takes the same time wherever the first difference lies.
+    static std::optional<ByteView> unwrap(ByteView framed, ByteView expectedSecret);
+
+    // Overwrites the secret in front of a wrapped payload.
+    static void wipeSecret(Bytes& framed);
+};
+
+}  // namespace quorvane
