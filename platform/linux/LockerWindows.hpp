@@ -1,0 +1,48 @@
+// The lockers' windows that stand on the X server now, and the areas that they need.
+#pragma once
+
+#include <vector>
+
+#include "platform/linux/KeepClearZones.hpp"
+#include "platform/linux/Listeners.hpp"
+#include "platform/linux/LockerRules.hpp"
+#include "platform/linux/MonitorsLinux.hpp"
+#include "platform/linux/TopLevels.hpp"
+#include "platform/linux/X11Connection.hpp"
+#include "platform/linux/X11Session.hpp"
+
+namespace quorvane {
+
+// Main thread only. Gathers what the rules want to know, and asks the server no more than that:
+// while no window covers a screen, events are counted up without a single request.
+class LockerWindows {
+public:
+    LockerWindows(X11Connection& x11, MonitorsLinux& monitors);
+
+    const std::vector<LockerWindow>& windows() const { return windows_; }
+    Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
+    // Root pixels.
+    const std::vector<Rect>& zones() const { return zones_; }
+    Handle observeZones(std::function<void()> handler) {
+        return zoneListeners_.add(std::move(handler));
+    }
+    void noteOwnWindow(xcb_window_t window, bool exists);
+
+private:
+    void evaluate();
+    LockFacts gather();
+    void describeClients(LockFacts& facts);
+    LockScene sceneOf(const LockFacts& facts, const std::vector<FoundLocker>& found);
+
+    MonitorsLinux& monitors_;
+    TopLevels topLevels_;
+    bool isStale_ = true;
+    std::vector<LockerWindow> windows_;
+    std::vector<Rect> zones_;
+    Listeners<> listeners_;
+    Listeners<> zoneListeners_;
+    Handle quiet_;
+    Handle monitorChanges_;
+};
+
+}  // namespace quorvane

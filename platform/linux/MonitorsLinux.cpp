@@ -1,0 +1,102 @@
+#include "platform/linux/MonitorsLinux.hpp"
+
+#include <xcb/randr.h>
+
+#include <cstdlib>
+#include <utility>
+
+#include "platform/linux/XcbReply.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr std::uint32_t kMonitorsMajor = 1;
+constexpr std::uint32_t kMonitorsMinor = 5;
+constexpr char kScaleVariable[] = "QUORVANE_SCALE";
+constexpr double kMillimetersPerInch = 25.4;
+
+bool isAtLeast(const xcb_randr_query_version_reply_t& version, std::uint32_t major,
+               std::uint32_t minor) {
+    return std::pair{version.major_version, version.minor_version} >= std::pair{major, minor};
+}
+
+}  // namespace
+
+MonitorsLinux::MonitorsLinux(X11Connection& x11) : x11_(x11) {
+    observeServer();
+    readLayout();
+}
+
+void MonitorsLinux::observeServer() {
+    const auto markStale = [this](const xcb_generic_event_t&) { isStale_ = true; };
+    observations_.push_back(x11_.observeWindow(x11_.root(), [this](const auto& event) {
+        if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY) return;
+        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        // A changed monitor definition is announced only as a new configuration of the root.
+        if (change.window == x11_.root()) isStale_ = true;
+    }));
+    observations_.push_back(x11_.observeQuiet([this] {
+        if (std::exchange(isStale_, false)) refresh();
+    }));
+    const auto* extension = x11_.extension(xcb_randr_id);
+    if (!extension) return;
+    const auto version =
+        xcbReply(xcb_randr_query_version_reply, x11_.connection(),
+                 xcb_randr_query_version(x11_.connection(), kMonitorsMajor, kMonitorsMinor));
+    hasMonitorsRequest_ = version && isAtLeast(*version, kMonitorsMajor, kMonitorsMinor);
+    xcb_randr_select_input(x11_.connection(), x11_.root(),
+                           XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    for (const int type : {XCB_RANDR_SCREEN_CHANGE_NOTIFY, XCB_RANDR_NOTIFY})
+        observations_.push_back(x11_.observeEvents(
+            static_cast<std::uint8_t>(extension->first_event + type), markStale));
+}
+
+void MonitorsLinux::refresh() {
+    const ScreenLayout before = layout_;
+    readLayout();
+    if (layout_ != before) listeners_.call();
+}
+
+void MonitorsLinux::readLayout() {
+    const auto monitors = withoutRepeats(readMonitors());
+    if (monitors.empty()) return;  // the server is going; what was known serves until the end
+    const auto demand = std::getenv(kScaleVariable);
+    const auto userDotsPerInch = numberResource(
+        textProperty(x11_.connection(), x11_.root(), XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING),
+        "Xft.dpi");
+    layout_ = {monitors, scaleFor(demand ? std::optional<std::string_view>{demand} : std::nullopt,
+                                  userDotsPerInch)};
+    const auto& screen = x11_.screen();
+    const double physical =
+        screen.height_in_millimeters == 0
+            ? 0
+            : screen.height_in_pixels * kMillimetersPerInch / screen.height_in_millimeters;
+    dotsPerInch_ = userDotsPerInch.value_or(physical);
+}
+
+std::vector<Rect> MonitorsLinux::readMonitors() {
+    std::vector<Rect> frames;
+    const auto monitors =
+        hasMonitorsRequest_ ? xcbReply(xcb_randr_get_monitors_reply, x11_.connection(),
+                                       xcb_randr_get_monitors(x11_.connection(), x11_.root(), true))
+                            : nullptr;
+    if (monitors)
+        for (auto each = xcb_randr_get_monitors_monitors_iterator(monitors.get()); each.rem > 0;
+             xcb_randr_monitor_info_next(&each)) {
+            const auto& monitor = *each.data;
+            const Rect frame{static_cast<double>(monitor.x), static_cast<double>(monitor.y),
+                             static_cast<double>(monitor.width),
+                             static_cast<double>(monitor.height)};
+            frames.insert(monitor.primary ? frames.begin() : frames.end(), frame);
+        }
+    if (!frames.empty()) return frames;
+    const auto root = xcbReply(xcb_get_geometry_reply, x11_.connection(),
+                               xcb_get_geometry(x11_.connection(), x11_.root()));
+    if (root)
+        frames.push_back(
+            {0, 0, static_cast<double>(root->width), static_cast<double>(root->height)});
+    return frames;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,49 @@
+// The children of one window in their stacking order, kept up to date from its substructure
+// events, so that the server need not be asked again after each of them.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <span>
+#include <vector>
+
+#include "drawing/Geometry.hpp"
+
+namespace quorvane {
+
+class WindowStack {
+public:
+    struct Entry {
+        xcb_window_t window = XCB_WINDOW_NONE;
+        Rect frame;  // in the parent's pixels, borders included
+        bool isMapped = false;
+        bool isOverrideRedirect = false;
+    };
+
+    explicit WindowStack(xcb_window_t parent = XCB_WINDOW_NONE) : parent_(parent) {}
+
+    xcb_window_t parent() const { return parent_; }
+    // Bottom one first.
+    std::span<const Entry> entries() const { return entries_; }
+    const Entry* find(xcb_window_t window) const;
+
+    // Puts the window on top, or replaces what is known of it.
+    void put(const Entry& entry);
+    // Takes in an event that was reported on the parent. Whether it changed anything.
+    bool apply(const xcb_generic_event_t& event);
+
+private:
+    using Place = std::vector<Entry>::iterator;
+
+    Place placeOf(xcb_window_t window);
+    bool remove(xcb_window_t window);
+    bool setMapped(xcb_window_t window, bool isMapped);
+    bool configure(const xcb_configure_notify_event_t& event);
+    bool reparent(const xcb_reparent_notify_event_t& event);
+    bool circulate(const xcb_circulate_notify_event_t& event);
+
+    xcb_window_t parent_;
+    std::vector<Entry> entries_;
+};
+
+}  // namespace quorvane

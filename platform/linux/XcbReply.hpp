@@ -1,0 +1,43 @@
+// Replies of the X server, freed with their owner.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+namespace quorvane {
+
+struct FreeDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+template <typename T>
+using XcbReply = std::unique_ptr<T, FreeDeleter>;
+
+// Waits for the reply of a request, for example xcbReply(xcb_get_geometry_reply, connection,
+// cookie). Null when the request failed, which for a window of somebody else is nothing unusual, or
+// when the connection is lost.
+template <typename Reply, typename Cookie>
+XcbReply<Reply> xcbReply(Reply* (*wait)(xcb_connection_t*, Cookie, xcb_generic_error_t**),
+                         xcb_connection_t* connection, Cookie cookie) {
+    xcb_generic_error_t* error = nullptr;
+    XcbReply<Reply> reply{wait(connection, cookie, &error)};
+    std::free(error);
+    return reply;
+}
+
+// A property of text, "" when there is none of that type.
+inline std::string textProperty(xcb_connection_t* connection, xcb_window_t window,
+                                xcb_atom_t property, xcb_atom_t type) {
+    constexpr std::uint32_t kMostWords = 1u << 18;
+    const auto reply =
+        xcbReply(xcb_get_property_reply, connection,
+                 xcb_get_property(connection, false, window, property, type, 0, kMostWords));
+    if (!reply || reply->type != type || reply->format != 8) return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+}  // namespace quorvane
