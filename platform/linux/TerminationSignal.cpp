@@ -23,14 +23,14 @@ TerminationSignal::~TerminationSignal() {
 }
 
 void TerminationSignal::watch() const {
-    if (!signal_->wait()) return;
-    action_();
-    signal(SIGTERM, SIG_DFL);
     // Whoever started this process may have left the signal blocked; it must get through somewhere.
     sigset_t only;
     sigemptyset(&only);
     sigaddset(&only, SIGTERM);
     pthread_sigmask(SIG_UNBLOCK, &only, nullptr);
+    if (!signal_->wait()) return;
+    action_();
+    signal(SIGTERM, SIG_DFL);
     kill(getpid(), SIGTERM);
     while (true) pause();
 }

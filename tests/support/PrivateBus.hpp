@@ -3,13 +3,13 @@
 #pragma once
 
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <string>
 
 #include "tests/support/ChildProcess.hpp"
+#include "tests/support/ReadLine.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace quorvane {
@@ -56,17 +56,6 @@ private:
                "<allow send_destination=\"*\" eavesdrop=\"true\"/>"
                "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy>"
                "<limit name=\"max_completed_connections\">64</limit></busconfig>";
-    }
-
-    static std::string readLine(int descriptor) {
-        std::string line;
-        char character = 0;
-        pollfd entry{descriptor, POLLIN, 0};
-        while (poll(&entry, 1, 30'000) > 0 && read(descriptor, &character, 1) == 1) {
-            if (character == '\n') return line;
-            line.push_back(character);
-        }
-        return {};
     }
 
     TemporaryFolder folder_;
