@@ -50,6 +50,8 @@ struct LiveServices {
     MakeSerialQueue makeSerialQueue;
     ConnectPort connectPort;
     OpenPort openPort;
+    // Names the calling thread as debuggers show it.
+    std::function<void(const std::string& name)> nameCurrentThread{};
     DistributedNotices distributedNotices;
     DarwinNotices darwinNotices;
     FileStore files;
