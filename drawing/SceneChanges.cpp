@@ -1,0 +1,122 @@
+#include "drawing/SceneChanges.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace quorvane {
+namespace {
+
+// A node that paints, with the groups around it from the outermost in.
+struct Leaf {
+    const SceneNode* node;
+    std::vector<const GroupBegin*> groups;
+
+    bool looksLike(const Leaf& other) const {
+        return *node == *other.node &&
+               std::ranges::equal(groups, other.groups,
+                                  [](const auto* one, const auto* two) { return *one == *two; });
+    }
+};
+
+std::vector<Leaf> leavesOf(const Scene& scene) {
+    std::vector<Leaf> leaves;
+    std::vector<const GroupBegin*> groups;
+    for (const SceneNode& node : scene.nodes) {
+        if (const auto* begin = std::get_if<GroupBegin>(&node))
+            groups.push_back(begin);
+        else if (!std::holds_alternative<GroupEnd>(node))
+            leaves.push_back({&node, groups});
+        else if (!groups.empty())
+            groups.pop_back();
+    }
+    return leaves;
+}
+
+struct FrameOf {
+    template <typename Node>
+    Rect operator()(const Node& node) const {
+        if constexpr (requires { node.frame; })
+            return node.frame;
+        else
+            return {};
+    }
+};
+
+Rect areaOf(const Leaf& leaf) {
+    const Rect frame = std::visit(FrameOf{}, *leaf.node);
+    Point low{frame.minX(), frame.minY()};
+    Point high{frame.maxX(), frame.maxY()};
+    for (auto group = leaf.groups.rbegin(); group != leaf.groups.rend(); ++group) {
+        low = (*group)->transform.apply(low);
+        high = (*group)->transform.apply(high);
+    }
+    // A clip only makes it smaller and is left out.
+    return {std::min(low.x, high.x), std::min(low.y, high.y), std::abs(high.x - low.x),
+            std::abs(high.y - low.y)};
+}
+
+Rect unionOf(const Rect& one, const Rect& two) {
+    const double left = std::min(one.minX(), two.minX());
+    const double top = std::min(one.minY(), two.minY());
+    return {left, top, std::max(one.maxX(), two.maxX()) - left,
+            std::max(one.maxY(), two.maxY()) - top};
+}
+
+// Keeps the areas apart: what overlaps becomes one.
+class Areas {
+public:
+    void add(const Leaf& leaf) {
+        Rect area = areaOf(leaf);
+        if (area.isEmpty()) return;
+        // Growing may bring it upon one that was passed already.
+        for (auto other = areas_.begin(); other != areas_.end();) {
+            if (!other->intersects(area)) {
+                ++other;
+                continue;
+            }
+            area = unionOf(area, *other);
+            areas_.erase(other);
+            other = areas_.begin();
+        }
+        areas_.push_back(area);
+    }
+    std::vector<Rect> take() { return std::move(areas_); }
+
+private:
+    std::vector<Rect> areas_;
+};
+
+}  // namespace
+
+std::vector<Rect> changedAreas(const Scene& from, const Scene& to) {
+    const std::vector<Leaf> before = leavesOf(from);
+    const std::vector<Leaf> after = leavesOf(to);
+    // Which edge is the leading one shows nowhere in the nodes.
+    const auto isSame = [mirrored = from.isRightToLeft != to.isRightToLeft](const Leaf& one,
+                                                                            const Leaf& two) {
+        return !mirrored && one.looksLike(two);
+    };
+    std::size_t begin = 0;
+    std::size_t beforeEnd = before.size();
+    std::size_t afterEnd = after.size();
+    // Something that came or went moves all that follows to another place of the list.
+    if (beforeEnd != afterEnd) {
+        while (begin < std::min(beforeEnd, afterEnd) && isSame(before[begin], after[begin]))
+            ++begin;
+        while (beforeEnd > begin && afterEnd > begin &&
+               isSame(before[beforeEnd - 1], after[afterEnd - 1])) {
+            --beforeEnd;
+            --afterEnd;
+        }
+    }
+    const bool isPairwise = beforeEnd == afterEnd;
+    Areas areas;
+    for (std::size_t i = begin; i < beforeEnd; ++i)
+        if (!isPairwise || !isSame(before[i], after[i])) areas.add(before[i]);
+    for (std::size_t i = begin; i < afterEnd; ++i)
+        if (!isPairwise || !isSame(before[i], after[i])) areas.add(after[i]);
+    return areas.take();
+}
+
+}  // namespace quorvane
