@@ -1,0 +1,45 @@
+#include "platform/linux/CardModule.hpp"
+
+#include "platform/linux/CardStageX11.hpp"
+#include "platform/linux/CardWindowX11.hpp"
+#include "platform/linux/TextLayouts.hpp"
+
+namespace quorvane {
+namespace {
+
+std::shared_ptr<CardResources> makeResources(const CardModuleServices& services) {
+    std::shared_ptr<CardResources> resources{new CardResources{
+        .x11 = services.x11,
+        .clock = services.clock,
+        .mainThread = services.mainThread,
+        .log = Logger{services.log, "example.quillon.Quorvane.LockScreenAddOn", "presenter"}}};
+    if (!services.makeSerialQueue) {
+        resources->pictures = std::make_shared<PictureCache>();
+        return resources;
+    }
+    resources->pictures = std::make_shared<PictureCache>(
+        services.makeSerialQueue("example.quillon.Quorvane.LockScreenAddOn.pictures"),
+        services.mainThread, [weak = std::weak_ptr{resources}] {
+            if (const auto held = weak.lock()) held->picturesArrived.call();
+        });
+    return resources;
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeCardWindows(
+    const CardModuleServices& services) {
+    const auto resources = makeResources(services);
+    CardWindows windows;
+    windows.makeWindow = [resources](const WindowSettings& settings,
+                                     const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
+        return CardWindowX11::make(resources, settings, screen);
+    };
+    windows.makeStage = [clock = services.clock](const CardStyle& style) {
+        return std::make_shared<CardStageX11>(style, clock);
+    };
+    windows.measureText = makeMeasureText();
+    return windows;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,88 @@
+#include "platform/linux/CardPointer.hpp"
+
+#include <xcb/xfixes.h>
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+#include "platform/linux/XcbReply.hpp"
+
+namespace quorvane {
+
+CardPointer::CardPointer(X11Session& x11, LockerChild& child, const CardStyle& style, double scale,
+                         Listener listener)
+    : x11_(x11),
+      child_(child),
+      style_(style),
+      shape_(style.card, style.cornerRadius),
+      scale_(scale),
+      listener_(std::move(listener)) {
+    presses_ = x11_.observePointer([this](const RawPointerEvent& event) { handle(event); });
+    moves_ = x11_.observePointerMoves([this](Point point) { moved(point); });
+}
+
+CardPointer::~CardPointer() {
+    report(press_.cancel());
+    if (showsArrow_) listener_.arrow(std::nullopt);
+}
+
+// In card coordinates.
+Point CardPointer::locationOf(Point rootPoint) const {
+    const Point origin = child_.origin();
+    // A pixel is pointed at by its middle.
+    return {(rootPoint.x + 0.5 - origin.x) / scale_ - style_.shadowMargin,
+            (rootPoint.y + 0.5 - origin.y) / scale_ - style_.shadowMargin};
+}
+
+bool CardPointer::isOnCard(Point rootPoint) const {
+    return shape_.contains(locationOf(rootPoint)) && child_.isOnTopAt(rootPoint);
+}
+
+void CardPointer::handle(const RawPointerEvent& event) {
+    const Point location = locationOf(event.position);
+    switch (event.kind) {
+        case RawPointerEvent::Kind::down: {
+            const bool mayBegin = !press_.isPressed() && event.button == 1;
+            return report(
+                press_.down(event.button, location, mayBegin && isOnCard(event.position)));
+        }
+        case RawPointerEvent::Kind::moved: return report(press_.moved(location));
+        case RawPointerEvent::Kind::up: return report(press_.up(event.button, location));
+    }
+}
+
+void CardPointer::moved(Point rootPoint) {
+    const bool isOver = isOnCard(rootPoint);
+    // The locker's pointer is looked at once for each visit.
+    const bool shows = isOver && (isOver_ ? showsArrow_ : lockerHidesPointer());
+    isOver_ = isOver;
+    const bool didShow = std::exchange(showsArrow_, shows);
+    if (!shows && !didShow) return;
+    const Point location = locationOf(rootPoint);
+    listener_.arrow(shows ? std::optional<Point>{{location.x + style_.shadowMargin,
+                                                  location.y + style_.shadowMargin}}
+                          : std::nullopt);
+}
+
+void CardPointer::report(const std::optional<PointerEvent>& event) {
+    if (event) listener_.event(*event);
+}
+
+// A locker that hides the pointer holds it grabbed with an empty picture.
+bool CardPointer::lockerHidesPointer() {
+    xcb_connection_t* connection = x11_.connection();
+    const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (!extension || !extension->present) return false;
+    const auto versionRequest = xcb_xfixes_query_version(connection, 5, 0);
+    const auto imageRequest = xcb_xfixes_get_cursor_image(connection);
+    xcbReply(xcb_xfixes_query_version_reply, connection, versionRequest);
+    const auto image = xcbReply(xcb_xfixes_get_cursor_image_reply, connection, imageRequest);
+    if (!image) return false;
+    const std::span pixels{
+        xcb_xfixes_get_cursor_image_cursor_image(image.get()),
+        static_cast<std::size_t>(xcb_xfixes_get_cursor_image_cursor_image_length(image.get()))};
+    return std::ranges::none_of(pixels, [](std::uint32_t pixel) { return pixel >> 24 != 0; });
+}
+
+}  // namespace quorvane

@@ -1,0 +1,59 @@
+// The stage of a card on X11: what it shows and how it moves. It draws nothing itself; the window
+// that it stands in does.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "drawing/CardWindows.hpp"
+#include "platform/Clock.hpp"
+
+namespace quorvane {
+
+// What a stage tells the window that it stands in.
+class StageHost {
+public:
+    virtual ~StageHost() = default;
+    // These parts of the scene look different now; card coordinates.
+    virtual void sceneChanged(const std::vector<Rect>& areas) = 0;
+    // Whether it is hidden, or how it moves, has changed.
+    virtual void stageChanged() = 0;
+};
+
+// Main thread only.
+class CardStageX11 final : public CardStage {
+public:
+    CardStageX11(const CardStyle& style, Clock clock) : style_(style), clock_(std::move(clock)) {}
+
+    void setHidden(bool hidden) override;
+    void removeAnimations() override;
+    void springFrom(const Transform& start, const Spring& spring) override;
+    void setScene(const Scene& scene) override;
+    void setEvents(StageEvents events) override { events_ = std::move(events); }
+
+    // For the window. The host outlives its standing there: it takes itself away.
+    void setHost(StageHost* host) { host_ = host; }
+    const CardStyle& style() const { return style_; }
+    const Scene& scene() const { return scene_; }
+    bool isHidden() const { return isHidden_; }
+    bool isMoving(Instant now) const;
+    Transform transformAt(Instant now) const;
+    void deliver(const PointerEvent& event) const;
+
+private:
+    struct Movement {
+        Transform start;
+        Spring spring;
+        Instant begin;
+    };
+
+    CardStyle style_;
+    Clock clock_;
+    Scene scene_;
+    StageEvents events_;
+    bool isHidden_ = true;
+    std::optional<Movement> movement_;
+    StageHost* host_ = nullptr;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,54 @@
+// What a card window shows, in memory that the X server reads straight from.
+#pragma once
+
+#include <xcb/shm.h>
+#include <xcb/xcb.h>
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+#include "platform/linux/CairoHandles.hpp"
+#include "platform/linux/Pixels.hpp"
+
+namespace quorvane {
+
+// Main thread only. Without shared memory (a server on another machine) the pixels are sent through
+// the connection. Requests about a window that has gone are without effect.
+class WindowBuffer {
+public:
+    // Null when there is no memory for it. `depth` is the window's, 24 or 32.
+    static std::unique_ptr<WindowBuffer> make(xcb_connection_t* connection, xcb_window_t window,
+                                              int width, int height, std::uint8_t depth);
+    ~WindowBuffer();
+    WindowBuffer(const WindowBuffer&) = delete;
+    WindowBuffer& operator=(const WindowBuffer&) = delete;
+
+    // The picture to draw into. Asking for it waits until the server has read what was shown
+    // last, or half a drawing might be seen.
+    cairo_surface_t* surface();
+    // Brings these parts into the window.
+    void show(std::span<const PixelRect> parts);
+    PixelRect bounds() const { return {0, 0, width_, height_}; }
+
+private:
+    WindowBuffer(xcb_connection_t* connection, xcb_window_t window, int width, int height,
+                 std::uint8_t depth);
+    bool share();
+    bool allocate();
+    void send(const PixelRect& part);
+
+    xcb_connection_t* connection_;
+    xcb_window_t window_;
+    int width_;
+    int height_;
+    std::uint8_t depth_;
+    xcb_gcontext_t context_;
+    xcb_shm_seg_t segment_ = XCB_NONE;
+    std::byte* memory_ = nullptr;  // mapped when there is a segment, else of `own_`
+    std::unique_ptr<std::byte[]> own_;
+    CairoSurface surface_;
+    bool isBeingRead_ = false;
+};
+
+}  // namespace quorvane
