@@ -37,29 +37,29 @@ struct XPCPlayerCapabilities {
 struct XPCTrack {
     std::string title;
     std::string artist;
-    std::optional<std::string> album;
-    std::optional<std::string> albumArtist;
-    std::optional<double> duration;          // seconds
-    std::optional<SharedBytes> artworkData;  // an encoded picture; base64 on the wire
-    std::optional<bool> isLoved;
+    std::optional<std::string> album{};
+    std::optional<std::string> albumArtist{};
+    std::optional<double> duration{};          // seconds
+    std::optional<SharedBytes> artworkData{};  // an encoded picture; base64 on the wire
+    std::optional<bool> isLoved{};
     bool isAdvertisement = false;
     bool isLiveStream = false;
-    std::optional<std::string> motionArtworkLoopID;
+    std::optional<std::string> motionArtworkLoopID{};
     bool operator==(const XPCTrack&) const = default;
 };
 
 struct QuorvanePlayerState {
-    std::optional<XPCTrack> track;  // absent when nothing is loaded
+    std::optional<XPCTrack> track{};  // absent when nothing is loaded
     XPCPlayerState playerState = XPCPlayerState::unknown;
-    std::optional<XPCPlayerType> playerType;
-    XPCPlayerCapabilities capabilities;
+    std::optional<XPCPlayerType> playerType{};
+    XPCPlayerCapabilities capabilities{};
     std::int64_t volume = 0;  // as the player reports it
     bool isMuted = false;
     bool shuffleEnabled = false;
-    std::optional<XPCRepeatMode> repeatMode;
-    std::optional<std::int64_t> rating;
-    std::optional<bool> isLoved;
-    std::optional<bool> isDisliked;
+    std::optional<XPCRepeatMode> repeatMode{};
+    std::optional<std::int64_t> rating{};
+    std::optional<bool> isLoved{};
+    std::optional<bool> isDisliked{};
     double playerPosition = 0;  // seconds, at the moment of `timestamp`
     WallTime timestamp{};       // whole seconds on the wire
     bool operator==(const QuorvanePlayerState&) const = default;

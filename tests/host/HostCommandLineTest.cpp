@@ -1,0 +1,69 @@
+#include "host/HostCommandLine.hpp"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace quorvane {
+namespace {
+
+using Command = HostCommandLine::Command;
+using Player = HostCommandLine::Player;
+using Arguments = std::vector<std::string>;
+
+TEST(HostCommandLine, Understands) {
+    const std::pair<Arguments, HostCommandLine> rows[] = {
+        {{}, {}},
+        {{"run"}, {}},
+        {{"--player", "mpris"}, {}},
+        {{"status"}, {.command = Command::status}},
+        {{"enable"}, {.command = Command::enable}},
+        {{"disable"}, {.command = Command::disable}},
+        {{"run", "--only", "mpv"}, {.onlyPlayer = "mpv"}},
+        {{"--script", "a b.json"}, {.player = Player::scripted, .script = "a b.json"}},
+        {{"--script=x=y.json", "run"}, {.player = Player::scripted, .script = "x=y.json"}},
+        {{"--player=scripted", "--script=-x"}, {.player = Player::scripted, .script = "-x"}},
+        {{"nonsense", "-h"}, {.command = Command::help}},
+        {{"status", "--help"}, {.command = Command::help}},
+        {{"--version"}, {.command = Command::version}},
+        {{"-V"}, {.command = Command::version}},
+    };
+    for (const auto& [arguments, expected] : rows) {
+        const auto line = HostCommandLine::parse(arguments);
+        ASSERT_TRUE(line) << line.error();
+        EXPECT_EQ(*line, expected) << testing::PrintToString(arguments);
+    }
+}
+
+TEST(HostCommandLine, ExplainsWhatIsWrong) {
+    const std::pair<Arguments, std::string> rows[] = {
+        {{"sing"}, "unknown command 'sing'"},
+        {{""}, "unknown command ''"},
+        {{"run", "status"}, "one command at a time: 'status' is too much"},
+        {{"--loud"}, "unknown option '--loud'"},
+        {{"-x"}, "unknown option '-x'"},
+        {{"--loud=1"}, "unknown option '--loud'"},
+        {{"--script"}, "--script needs a value: --script FILE"},
+        {{"--script="}, "--script needs a value: --script FILE"},
+        {{"--script", "--only", "x"}, "--script needs a value: --script FILE"},
+        {{"--player", "spinet"}, "--player is mpris or scripted, not 'spinet'"},
+        {{"--player", "scripted"}, "--player scripted needs --script FILE"},
+        {{"--player", "mpris", "--script", "x"}, "--script does not go with --player mpris"},
+        {{"--script", "x", "--only", "y"}, "--only does not go with a scripted player"},
+        {{"status", "--only", "x"}, "--only is an option of 'run' only"},
+    };
+    for (const auto& [arguments, expected] : rows) {
+        const auto line = HostCommandLine::parse(arguments);
+        ASSERT_FALSE(line) << testing::PrintToString(arguments);
+        EXPECT_EQ(line.error(), expected);
+    }
+}
+
+TEST(HostCommandLine, HelpNamesEveryWord) {
+    for (const char* word : {"run", "status", "enable", "disable", "--player KIND", "--script FILE",
+                             "--only NAME", "--help", "--version", "Exit status"})
+        EXPECT_NE(HostCommandLine::help().find(word), std::string::npos) << word;
+}
+
+}  // namespace
+}  // namespace quorvane

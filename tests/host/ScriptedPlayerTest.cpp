@@ -1,0 +1,193 @@
+#include "host/ScriptedPlayer.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "tests/support/ManualClock.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+class ScriptedPlayerTest : public testing::Test {
+protected:
+    static Script threeTracks() {
+        Script script;
+        for (const char* title : {"one", "two", "three"})
+            script.tracks.push_back({.track = {.title = title, .artist = "A", .duration = 100}});
+        script.capabilities = {.canLove = true,
+                               .canDislike = true,
+                               .canRate = true,
+                               .canAddToLibrary = false,
+                               .hasThreeStateRepeat = true};
+        return script;
+    }
+
+    void start(Script script) {
+        player.emplace(std::move(script), clock.clock());
+        player->onChanged = [this] { ++changes; };
+    }
+    QuorvanePlayerState state() const { return player->snapshot().state; }
+    std::string title() const { return state().track->title; }
+    double position() { return player->snapshot().anchor.secondsAt(clock.clock().now()); }
+    void act(QuorvaneAction action) { player->perform(action); }
+
+    ManualClock clock;
+    std::optional<ScriptedPlayer> player;
+    int changes = 0;
+};
+
+TEST_F(ScriptedPlayerTest, PlaysThroughAndStops) {
+    Script script = threeTracks();
+    script.startPosition = 40;
+    start(std::move(script));
+    EXPECT_EQ(state().playerState, XPCPlayerState::playing);
+    clock.advance(59s);
+    EXPECT_EQ(title(), "one");
+    EXPECT_DOUBLE_EQ(position(), 99);
+    EXPECT_EQ(changes, 0);
+    clock.advance(2s);
+    EXPECT_EQ(title(), "two");
+    EXPECT_DOUBLE_EQ(position(), 1);
+    EXPECT_EQ(changes, 1);
+    clock.advance(200s);
+    EXPECT_EQ(state().playerState, XPCPlayerState::stopped);
+    EXPECT_EQ(title(), "one");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    act(QuorvaneAction::playPause);
+    clock.advance(3s);
+    EXPECT_DOUBLE_EQ(position(), 3);
+}
+
+TEST_F(ScriptedPlayerTest, PausesWhereItIs) {
+    start(threeTracks());
+    clock.advance(30s);
+    act(QuorvaneAction::playPause);
+    EXPECT_EQ(state().playerState, XPCPlayerState::paused);
+    clock.advance(1000s);
+    EXPECT_DOUBLE_EQ(position(), 30);
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    act(QuorvaneAction::playPause);
+    clock.advance(71s);
+    EXPECT_EQ(title(), "two");
+    EXPECT_DOUBLE_EQ(position(), 1);
+}
+
+TEST_F(ScriptedPlayerTest, GoesForthAndBack) {
+    start(threeTracks());
+    act(QuorvaneAction::nextTrack);
+    clock.advance(4s);
+    act(QuorvaneAction::previousTrack);
+    EXPECT_EQ(title(), "two") << "after three seconds, back to the track's start";
+    EXPECT_DOUBLE_EQ(position(), 0);
+    clock.advance(2s);
+    act(QuorvaneAction::previousTrack);
+    EXPECT_EQ(title(), "one");
+    player->seek(250);
+    EXPECT_DOUBLE_EQ(position(), 100) << "within the track";
+    player->seek(95);
+    clock.advance(6s);
+    EXPECT_EQ(title(), "two") << "the track's end follows the seek";
+    // A paused player stays paused over a change of tracks.
+    act(QuorvaneAction::playPause);
+    act(QuorvaneAction::nextTrack);
+    clock.advance(500s);
+    EXPECT_EQ(title(), "three");
+    EXPECT_EQ(state().playerState, XPCPlayerState::paused);
+}
+
+TEST_F(ScriptedPlayerTest, Repeats) {
+    Script script = threeTracks();
+    script.repeatMode = XPCRepeatMode::one;
+    script.startTrack = 2;
+    start(std::move(script));
+    clock.advance(101s);
+    EXPECT_EQ(title(), "three");
+    EXPECT_DOUBLE_EQ(position(), 1);
+    act(QuorvaneAction::nextTrack);
+    EXPECT_EQ(title(), "one") << "asked for, the next track comes all the same";
+
+    std::vector<XPCRepeatMode> modes;
+    for (int i = 0; i < 3; ++i) {
+        act(QuorvaneAction::toggleRepeat);
+        modes.push_back(*state().repeatMode);
+    }
+    EXPECT_EQ(modes, (std::vector{XPCRepeatMode::off, XPCRepeatMode::all, XPCRepeatMode::one}));
+}
+
+TEST_F(ScriptedPlayerTest, ShufflesWithoutLosingATrack) {
+    Script script = threeTracks();
+    for (int i = 0; i < 20; ++i) {
+        script.tracks.push_back(script.tracks[0]);
+        script.tracks.back().track.title = std::to_string(i);
+    }
+    script.startTrack = 1;
+    start(std::move(script));
+    act(QuorvaneAction::toggleShuffle);
+    EXPECT_TRUE(state().shuffleEnabled);
+    EXPECT_EQ(title(), "two") << "the playing track goes on";
+    std::vector<std::string> order;
+    for (int i = 0; i < 23; ++i, act(QuorvaneAction::nextTrack)) order.push_back(title());
+    EXPECT_EQ(std::set<std::string>(order.begin(), order.end()).size(), 23u);
+    EXPECT_FALSE(std::ranges::is_sorted(order));
+    act(QuorvaneAction::toggleShuffle);
+    EXPECT_EQ(title(), "two");
+    act(QuorvaneAction::nextTrack);
+    EXPECT_EQ(title(), "three") << "the order of the script again";
+}
+
+TEST_F(ScriptedPlayerTest, VolumeLoveAndRating) {
+    start(threeTracks());
+    act(QuorvaneAction::increaseVolume);
+    EXPECT_EQ(state().volume, 55);
+    player->setVolume(250);
+    EXPECT_EQ(state().volume, 100);
+    act(QuorvaneAction::toggleMute);
+    EXPECT_EQ(state().volume, 0);
+    EXPECT_TRUE(state().isMuted);
+    act(QuorvaneAction::toggleMute);
+    EXPECT_EQ(state().volume, 100);
+
+    act(QuorvaneAction::toggleDislike);
+    act(QuorvaneAction::toggleLove);
+    EXPECT_EQ(state().isLoved, true);
+    EXPECT_EQ(state().isDisliked, false) << "loved and disliked at once";
+    act(QuorvaneAction::increaseRating);
+    act(QuorvaneAction::increaseRating);
+    act(QuorvaneAction::decreaseRating);
+    EXPECT_EQ(state().rating, 20);
+    act(QuorvaneAction::nextTrack);
+    EXPECT_EQ(state().isLoved, std::nullopt);
+    act(QuorvaneAction::previousTrack);
+    EXPECT_EQ(state().isLoved, true) << "kept with its track";
+    EXPECT_EQ(state().rating, 20);
+}
+
+TEST_F(ScriptedPlayerTest, IgnoresWhatItCannotDo) {
+    Script script = threeTracks();
+    script.capabilities = {};
+    start(std::move(script));
+    const auto before = state();
+    for (const auto action :
+         {QuorvaneAction::toggleLove, QuorvaneAction::toggleDislike, QuorvaneAction::increaseRating,
+          QuorvaneAction::activatePlayer, QuorvaneAction::switchPlayer})
+        act(action);
+    EXPECT_EQ(state(), before);
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(ScriptedPlayerTest, ALiveStreamHasNoEnd) {
+    Script script = threeTracks();
+    script.tracks[0].track.isLiveStream = true;
+    start(std::move(script));
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    clock.advance(5000s);
+    EXPECT_EQ(title(), "one");
+    EXPECT_DOUBLE_EQ(position(), 5000);
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,52 @@
+// Files in memory for what reads files that others name.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "platform/RegularFiles.hpp"
+
+namespace quorvane {
+
+class MemoryFiles {
+public:
+    int reads = 0;
+
+    void put(const std::filesystem::path& path, std::string_view contents) {
+        files_[path] = {FileStamp{.file = ++writes_, .size = contents.size()},
+                        copyOf(bytesOf(contents))};
+    }
+    void remove(const std::filesystem::path& path) { files_.erase(path); }
+
+    RegularFiles table() {
+        return {.stamp = [this](const std::filesystem::path& path) -> Result<FileStamp> {
+                    const auto file = files_.find(path);
+                    if (file == files_.end()) return missing(path);
+                    return file->second.stamp;
+                },
+                .read = [this](const std::filesystem::path& path,
+                               std::uint64_t limit) -> Result<StampedFile> {
+                    ++reads;
+                    const auto file = files_.find(path);
+                    if (file == files_.end()) return missing(path);
+                    if (file->second.contents.size() > limit)
+                        return failure(path, "File too large");
+                    return file->second;
+                }};
+    }
+
+private:
+    static std::unexpected<PlatformError> failure(const std::filesystem::path& path,
+                                                  const std::string& reason) {
+        return std::unexpected{
+            PlatformError{.code = 1, .description = path.string() + ": " + reason}};
+    }
+    static std::unexpected<PlatformError> missing(const std::filesystem::path& path) {
+        return failure(path, "No such file or directory");
+    }
+
+    std::map<std::filesystem::path, StampedFile> files_;
+    std::uint64_t writes_ = 0;
+};
+
+}  // namespace quorvane
