@@ -1,6 +1,7 @@
 #include "QuorvaneKit/RecordValues.hpp"
 
 #include <charconv>
+#include <cmath>
 #include <locale>
 #include <sstream>
 #include <utility>
@@ -24,9 +25,9 @@ std::optional<double> doubleFrom(std::string_view text) {
     stream.imbue(std::locale::classic());
     double value = 0;
     stream >> value;
-    // Too great for a double, or not read to its end.
-    if (stream.fail() || stream.peek() != std::istringstream::traits_type::eof())
-        return std::nullopt;
+    // Too great for a double, which is refused, or too small for one, which some libraries report
+    // too although they have rounded it.
+    if (stream.fail() && !(std::abs(value) < 1)) return std::nullopt;
     return value;
 }
 

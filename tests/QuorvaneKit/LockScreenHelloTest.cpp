@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include "QuorvaneKit/LockScreenAddOnStatus.hpp"
+#include "QuorvaneKit/LockScreenConfigurationBuilder.hpp"
+#include "QuorvaneKit/LockScreenHelloAnswer.hpp"
+#include "QuorvaneKit/LockScreenHelloClient.hpp"
+#include "QuorvaneKit/XPCCodableHelpers.hpp"
+#include "platform/MessagePort.hpp"
+#include "tests/support/ManualClock.hpp"
+#include "tests/support/RecordingLog.hpp"
+
+namespace quorvane {
+namespace {
+
+using Outcome = LockScreenHelloOutcome;
+using Kind = QueryOutcome::Kind;
+
+const LockScreenAddOnHello kHello{1, "1.2.3", "26.1.0", true, "A", false};
+
+TEST(LockScreenHello, OutcomeAndAnswerFollowThePendingRemoval) {
+    using Removal = std::optional<LockScreenPendingRemoval>;
+    using ID = std::optional<std::string>;
+    struct Row {
+        Removal pending;
+        ID helloID;
+        bool supersedes;
+        Outcome outcome;
+    };
+    const Removal none;
+    const Removal forAnyone = LockScreenPendingRemoval{};
+    const Removal forA = LockScreenPendingRemoval{"A"};
+    for (const auto& [pending, helloID, supersedes, outcome] : {
+             Row{none, "A", false, Outcome::answer},
+             Row{none, ID{}, true, Outcome::answer},
+             Row{forA, "A", true, Outcome::supersedeRemoval},
+             Row{forAnyone, "A", true, Outcome::supersedeRemoval},
+             Row{forA, "A", false, Outcome::deliverRemoval},
+             Row{forAnyone, "A", false, Outcome::deliverRemoval},
+             Row{forA, ID{}, false, Outcome::deliverRemoval},
+             Row{forAnyone, ID{}, false, Outcome::deliverRemoval},
+             Row{forA, "B", false, Outcome::supersedeRemoval},
+             Row{forA, "", false, Outcome::supersedeRemoval},
+         }) {
+        LockScreenAddOnHello hello = kHello;
+        hello.installID = helloID;
+        hello.supersedesRemoval = supersedes;
+        for (const bool isEnabled : {false, true}) {
+            const auto answer =
+                answerLockScreenHello(*XPCCodableHelpers::encode(hello), isEnabled, pending);
+            const bool removes = outcome == Outcome::deliverRemoval;
+            EXPECT_EQ(answer.outcome, outcome);
+            EXPECT_EQ(answer.hello, hello);
+            EXPECT_EQ(answer.configuration,
+                      (LockScreenAddOnConfiguration{isEnabled && !removes, removes, "1.0.0"}));
+            EXPECT_EQ(XPCCodableHelpers::decode<LockScreenAddOnConfiguration>(answer.reply),
+                      answer.configuration);
+        }
+    }
+}
+
+TEST(LockScreenHello, WhatIsNoHelloIsAnsweredLockedWithoutRemoval) {
+    for (const std::string_view request : {"", "{}", "null", "\xFF"}) {
+        const auto answer =
+            answerLockScreenHello(copyOf(bytesOf(request)), true, LockScreenPendingRemoval{});
+        EXPECT_FALSE(answer.hello || answer.outcome);
+        EXPECT_EQ(textOf(answer.reply),
+                  R"({"isEnabled":false,"removalRequested":false,"minimumAddOnVersion":"1.0.0"})");
+    }
+}
+
+TEST(LockScreenHello, BuilderLetsARemovalSwitchTheCardOff) {
+    for (const bool isEnabled : {false, true}) {
+        EXPECT_EQ((LockScreenConfigurationBuilder{isEnabled, false}.build()),
+                  (LockScreenAddOnConfiguration{isEnabled, false, "1.0.0"}));
+        EXPECT_EQ((LockScreenConfigurationBuilder{isEnabled, true}.build()),
+                  (LockScreenAddOnConfiguration{false, true, "1.0.0"}));
+    }
+}
+
+TEST(LockScreenHelloClient, EveryFailureEndsInTheFailureConfiguration) {
+    const LockScreenAddOnConfiguration failure{false, false, "0"};
+    const LockScreenAddOnConfiguration good{true, true, "1.0.0"};
+    const Bytes reply = *XPCCodableHelpers::encode(good);
+    const auto received = [](const QueryOutcome& outcome) {
+        std::vector<LockScreenAddOnConfiguration> results;
+        const SendQuery sendQuery = [&](MessageType type, const Bytes& payload, Duration timeout,
+                                        const std::function<void(QueryOutcome)>& completion) {
+            EXPECT_EQ(type, MessageType::lockScreenHello);
+            EXPECT_EQ(XPCCodableHelpers::decode<LockScreenAddOnHello>(payload), kHello);
+            EXPECT_EQ(timeout, kLockScreenHelloReceiveTimeout);
+            completion(outcome);
+        };
+        sendLockScreenHello(kHello, sendQuery, Logger{},
+                            [&](const auto& result) { results.push_back(result); });
+        return results;
+    };
+    using Results = std::vector<LockScreenAddOnConfiguration>;
+    EXPECT_EQ(received({Kind::sent, kPortSuccess, reply}), Results{good});
+    for (const QueryOutcome& outcome :
+         {QueryOutcome{Kind::notSent, 0, {}}, QueryOutcome{Kind::notSent, 0, reply},
+          QueryOutcome{Kind::expiredInQueue, 0, reply}, QueryOutcome{Kind::sent, 0, {}},
+          QueryOutcome{Kind::sent, kPortReceiveTimeout, reply},
+          QueryOutcome{Kind::sent, 0, Bytes{}}, QueryOutcome{Kind::sent, 0, copyOf(bytesOf("{}"))}})
+        EXPECT_EQ(received(outcome), Results{failure});
+}
+
+TEST(LockScreenHelloClient, AHelloThatDoesNotEncodeIsLoggedAndNotSent) {
+    RecordingLog log;
+    LockScreenAddOnHello hello = kHello;
+    hello.macOSVersion = "\xFF";
+    std::optional<LockScreenAddOnConfiguration> result;
+    sendLockScreenHello(
+        hello, [](auto&&...) { FAIL() << "was sent"; }, Logger{log.sink(), "QuorvaneKit", "test"},
+        [&](const auto& configuration) { result = configuration; });
+    EXPECT_EQ(log.take(),
+              std::vector<std::string>{"Lock-screen hello not sent: it did not encode"});
+    EXPECT_EQ(result, (LockScreenAddOnConfiguration{false, false, "0"}));
+}
+
+TEST(LockScreenAddOnStatus, FollowsVersionSupportAndAge) {
+    constexpr WallTime now = ManualClock::kStart;
+    using std::chrono::seconds;
+    const auto status = [&](std::string version, bool supports, seconds age) {
+        LockScreenAddOnHello hello = kHello;
+        hello.addOnVersion = std::move(version);
+        hello.supportsThisMacOS = supports;
+        return lockScreenAddOnStatus(sightingOf(hello, now - age), now);
+    };
+    const LockScreenAddOnStatus waiting = LockScreenAddOnWaitingForUpdate{"26.1.0"};
+    EXPECT_EQ(lockScreenAddOnStatus({}, now), LockScreenAddOnStatus{LockScreenAddOnNotInstalled{}});
+    for (const seconds age : {seconds{0}, seconds{150}, seconds{-150}})
+        EXPECT_EQ(status("1.0", true, age), LockScreenAddOnStatus{LockScreenAddOnConnected{"1.0"}});
+    for (const seconds age : {seconds{151}, seconds{-151}, seconds{90'000}})
+        EXPECT_EQ(status("1.0.1", true, age),
+                  (LockScreenAddOnStatus{LockScreenAddOnNotConnected{"1.0.1", now - age}}));
+    EXPECT_EQ(status("9.0.0", false, seconds{0}), waiting);
+    EXPECT_EQ(status("0.9.9", true, seconds{0}), waiting);
+    EXPECT_EQ(status("0", true, seconds{500}), waiting);
+}
+
+TEST(LockScreenAddOnStatus, VersionsCompareNumberByNumber) {
+    for (const auto& [older, newer] : {std::pair{"1.9.9", "1.10.0"},
+                                       {"1.0.0", "1.0.0.1"},
+                                       {"", "0.0.1"},
+                                       {"x", "1"},
+                                       {"0.99999999999999999999", "1"},
+                                       {"2.0", "99999999999999999999"},
+                                       {".9", "1"}}) {
+        EXPECT_TRUE(isOlderVersion(older, newer)) << older;
+        EXPECT_FALSE(isOlderVersion(newer, older)) << older;
+    }
+    EXPECT_FALSE(isOlderVersion("1", "1.0.0") || isOlderVersion("1.0.0", "1"));
+}
+
+}  // namespace
+}  // namespace quorvane
