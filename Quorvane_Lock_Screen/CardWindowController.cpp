@@ -70,8 +70,8 @@ void CardWindowController::buildWindow(const Screen& screen, long index,
         return;
     }
     auto card = std::make_shared<GlassCardView>(services_.windows.makeStage(GlassCardView::style()),
-                                                makeContent_(), services_.windows.reducesMotion,
-                                                services_.log);
+                                                makeContent_(screen),
+                                                services_.windows.reducesMotion, services_.log);
     auto system = services_.windows.makeWindow(CardWindow::settings(*frame), screen);
     if (system == nullptr) return;  // the platform has said why
     auto window = std::make_unique<CardWindow>(std::move(system), services_.log);

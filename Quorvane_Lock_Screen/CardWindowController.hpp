@@ -29,7 +29,7 @@ public:
         // Moves a window above the lock screen.
         std::function<void(CardSystemWindow&)> liftAboveLock;
     };
-    using MakeContent = std::function<std::unique_ptr<CardContent>()>;
+    using MakeContent = std::function<std::unique_ptr<CardContent>(const Screen&)>;
 
     CardWindowController(MakeContent makeContent, Services services);
     ~CardWindowController();

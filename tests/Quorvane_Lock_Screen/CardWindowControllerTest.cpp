@@ -35,7 +35,7 @@ protected:
         screens_.list = {{.frame = {0, 0, 1920, 1080}},
                          {.frame = {1920, 0, 1280, 1024}, .scale = 2}};
         controller_.emplace(
-            [this] { return std::make_unique<FakeContent>(shownContents_); },
+            [this](const Screen&) { return std::make_unique<FakeContent>(shownContents_); },
             CardWindowController::Services{.log = log_.sink(),
                                            .windows = windows_.table(),
                                            .screens = screens_.table(),

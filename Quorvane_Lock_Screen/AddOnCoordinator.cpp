@@ -1,0 +1,307 @@
+#include "Quorvane_Lock_Screen/AddOnCoordinator.hpp"
+
+#include "AddOnKit/PlayerCard.hpp"
+#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/LockScreenHelloClient.hpp"
+#include "QuorvaneKit/MessagePortSecret.hpp"
+#include "QuorvaneKit/PortNames.hpp"
+#include "QuorvaneKit/QuorvaneDarwinNotification.hpp"
+
+namespace quorvane {
+namespace {
+
+std::string shortVersion(const ProcessInfo& process) {
+    const auto* version = find<std::string>(process.bundleProperties, "CFBundleShortVersionString");
+    return version == nullptr ? "-" : *version;
+}
+
+MessagePortClient::Services clientServices(const LiveServices& services) {
+    return {.log = services.log,
+            .connectPort = services.connectPort,
+            .makeSerialQueue = services.makeSerialQueue,
+            .mainThread = services.mainThread,
+            .clock = services.clock,
+            .darwinNotices = services.darwinNotices};
+}
+
+}  // namespace
+
+std::shared_ptr<AddOnCoordinator> AddOnCoordinator::make(const LivePlatform& platform) {
+    return std::shared_ptr<AddOnCoordinator>{new AddOnCoordinator{platform}};
+}
+
+AddOnCoordinator::AddOnCoordinator(const LivePlatform& platform)
+    : platform_(platform),
+      log_(platform.services.log, kAddOnBundleIdentifier, "app"),
+      playerLog_(platform.services.log, kAddOnBundleIdentifier, "player"),
+      client_(
+          kMessagePortBaseName,
+          [files = platform.services.files] { return MessagePortSecret::read(files); },
+          clientServices(platform.services)),
+      model_(platform.services.wallClock, platform.decodeImage),
+      driver_(platform.services.clock, platform.services.log),
+      monitor_(platform.services.distributedNotices, platform.lockSources, platform.services.log) {}
+
+template <typename... Parameters>
+std::function<void(Parameters...)> AddOnCoordinator::weakly(
+    void (AddOnCoordinator::*member)(Parameters...)) {
+    return [weak = weak_from_this(), member](Parameters... parameters) {
+        if (const auto self = weak.lock()) (self.get()->*member)(parameters...);
+    };
+}
+
+void AddOnCoordinator::start() {
+    log_.info("launch: %{public}s, pid %d", shortVersion(platform_.services.process),
+              platform_.services.process.pid);
+    startClient();
+    makeLink();
+    makeRefresher();
+    makeVolumeSender();
+    makeController();
+    listenToPresentation();
+    startInstallerSignals();
+    observe();
+    listenToNotices();
+    monitor_.start();
+    link_->start();
+    if (monitor_.isScreenLockedNow()) driver_.handle(event::Locked{});
+}
+
+void AddOnCoordinator::startClient() {
+    client_.onStateChanged = weakly(&AddOnCoordinator::stateReceived);
+    client_.start();
+}
+
+void AddOnCoordinator::makeLink() {
+    const auto sendHello = [weak = weak_from_this()](LockScreenAddOnHello hello,
+                                                     AddOnLink::HelloCompletion done) {
+        const auto self = weak.lock();
+        if (self == nullptr) return;
+        sendLockScreenHello(
+            hello,
+            [weak](MessageType type, Bytes payload, Duration timeout,
+                   std::function<void(QueryOutcome)> completion) {
+                if (const auto alive = weak.lock())
+                    alive->client_.sendQuery(type, std::move(payload), timeout,
+                                             std::move(completion));
+            },
+            self->log_, std::move(done));
+    };
+    const LiveServices& services = platform_.services;
+    link_.emplace(
+        AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID),
+        sendHello, services.clock, weakly(&AddOnCoordinator::removalRequested), services.log);
+    const AddOnIdentity& identity = link_->identity();
+    log_.info("link: add-on %{public}s, macOS %{public}s, supported %{bool}d, install %{public}s",
+              identity.addOnVersion, identity.macOSVersion, identity.supportsThisMacOS,
+              identity.installID);
+}
+
+void AddOnCoordinator::makeRefresher() {
+    refresher_.emplace(platform_.services.clock, weakly(&AddOnCoordinator::refresh));
+}
+
+void AddOnCoordinator::makeVolumeSender() {
+    volume_.emplace(platform_.services.clock, weakly(&AddOnCoordinator::sendVolume));
+}
+
+void AddOnCoordinator::makeController() {
+    std::function<void(CardSystemWindow&)> lift = platform_.cardWindows.liftAboveLock;
+    if (platform_.windowServerLoader) {
+        skyLight_.emplace(*platform_.windowServerLoader, platform_.services.log);
+        lift = [this](CardSystemWindow& window) { skyLight_->put(window); };
+    }
+    controller_.emplace([this](const Screen& screen) { return makeContent(screen); },
+                        CardWindowController::Services{.log = platform_.services.log,
+                                                       .windows = platform_.cardWindows,
+                                                       .screens = platform_.screens,
+                                                       .mainThread = platform_.services.mainThread,
+                                                       .beginActivity = platform_.beginActivity,
+                                                       .liftAboveLock = std::move(lift)});
+}
+
+void AddOnCoordinator::listenToPresentation() {
+    driver_.onChange = weakly(&AddOnCoordinator::present);
+    driver_.onLocked = weakly(&AddOnCoordinator::sayHelloSoon);
+    monitor_.onEvent = weakly(&AddOnCoordinator::lockEvent);
+}
+
+void AddOnCoordinator::startInstallerSignals() {
+    installerSignals_.emplace(link_->identity().addOnVersion, platform_.services.distributedNotices,
+                              weakly(&AddOnCoordinator::quitRequested), platform_.services.log);
+    installerSignals_->start();
+}
+
+// What has changed before somebody listened is handed on as well: the driver ignores what it knows.
+void AddOnCoordinator::observe() {
+    observations_.push_back(
+        link_->configuration().subscribe(weakly(&AddOnCoordinator::linkChanged)));
+    observations_.push_back(link_->isStopped().subscribe(weakly(&AddOnCoordinator::linkChanged)));
+    observations_.push_back(
+        client_.isConnected().subscribe(weakly(&AddOnCoordinator::connectionChanged)));
+    observations_.push_back(model_.isVisible.subscribe(weakly(&AddOnCoordinator::musicChanged)));
+    linkChanged();
+    connectionChanged();
+    musicChanged();
+}
+
+void AddOnCoordinator::listenToNotices() {
+    const DarwinNotices& notices = platform_.services.darwinNotices;
+    const auto add = [&](QuorvaneDarwinNotification name, void (AddOnCoordinator::*member)()) {
+        auto observer = std::make_unique<DarwinNotificationObserver>(
+            notices, std::string{rawValue(name)}, weakly(member));
+        observer->start();
+        darwinObservers_.push_back(std::move(observer));
+    };
+    add(QuorvaneDarwinNotification::lockScreenConfigurationChanged,
+        &AddOnCoordinator::configurationNotice);
+    add(QuorvaneDarwinNotification::mainAppWillTerminate,
+        &AddOnCoordinator::mainAppWillTerminateNotice);
+}
+
+void AddOnCoordinator::lockEvent(const PresentationEvent& event) { driver_.handle(event); }
+
+void AddOnCoordinator::linkChanged() { driver_.handle(event::Link{link_->allowsPlayer()}); }
+
+void AddOnCoordinator::connectionChanged() {
+    installerSignals_->setConnected(client_.isConnected().get());
+}
+
+void AddOnCoordinator::musicChanged() { driver_.handle(event::Music{model_.isVisible.get()}); }
+
+void AddOnCoordinator::present(const PresentationState& state) {
+    if (isRemoving_) return;
+    controller_->present(state);
+    refresher_->setActive(state.windowsWanted());
+}
+
+// As a task of its own: the lock event is handled to its end first.
+void AddOnCoordinator::sayHelloSoon() {
+    platform_.services.mainThread.post(weakly(&AddOnCoordinator::sayHello));
+}
+
+void AddOnCoordinator::sayHello() { link_->sayHello(); }
+
+void AddOnCoordinator::configurationNotice() {
+    log_.standard("notice: lockScreenConfigurationChanged; saying hello");
+    link_->sayHello();
+}
+
+void AddOnCoordinator::mainAppWillTerminateNotice() {
+    log_.standard("notice: mainAppWillTerminate; hiding the card");
+    model_.clear();
+    driver_.handle(event::QuorVaneQuit{});
+    log_.standard("state: %{public}s", describe(driver_.state()));
+}
+
+void AddOnCoordinator::stateReceived(const QuorvanePlayerState& state) {
+    const auto change = model_.apply(state);
+    if (!change) return;
+    playerLog_.info("state: %{public}s", change->summary);
+    if (change->newTrack)
+        playerLog_.info("state: now '%{private}s' — '%{private}s'", change->newTrack->title,
+                        change->newTrack->artist);
+}
+
+void AddOnCoordinator::connectIfNeeded() {
+    if (!client_.isConnected().get()) client_.start();
+}
+
+void AddOnCoordinator::refresh() {
+    connectIfNeeded();
+    client_.requestStateUpdate();
+    if (client_.isConnected().get()) return;
+    if (const auto summary = model_.clear())
+        playerLog_.info("state: Quorvane unreachable; %{public}s", *summary);
+}
+
+void AddOnCoordinator::command(QuorvaneAction action) {
+    log_.standard("command: %{public}s", name(action));
+    connectIfNeeded();
+    client_.perform(action);
+    refresher_->nudge();
+}
+
+void AddOnCoordinator::playPause() {
+    if (isRemoving_) return;
+    model_.togglePlayPause();
+    command(QuorvaneAction::playPause);
+}
+
+void AddOnCoordinator::next() {
+    if (!isRemoving_) command(QuorvaneAction::nextTrack);
+}
+
+void AddOnCoordinator::previous() {
+    if (!isRemoving_) command(QuorvaneAction::previousTrack);
+}
+
+void AddOnCoordinator::toggleLove() {
+    if (isRemoving_) return;
+    model_.toggleLove();
+    command(QuorvaneAction::toggleLove);
+}
+
+void AddOnCoordinator::setVolume(std::int64_t level) {
+    log_.standard("volume: step to %ld", level);
+    model_.setVolume(level);
+    volume_->submit(level);
+}
+
+void AddOnCoordinator::endVolume() {
+    log_.standard("volume: drag ended at %ld", model_.volume.get());
+    model_.endVolumeDrag();
+    volume_->flush();
+}
+
+void AddOnCoordinator::sendVolume(std::int64_t level) {
+    if (isRemoving_) return;
+    connectIfNeeded();
+    client_.setVolume(level);
+}
+
+PlayerActions AddOnCoordinator::playerActions() {
+    return {.playPause = weakly(&AddOnCoordinator::playPause),
+            .next = weakly(&AddOnCoordinator::next),
+            .previous = weakly(&AddOnCoordinator::previous),
+            .toggleLove = weakly(&AddOnCoordinator::toggleLove),
+            .setVolume = weakly(&AddOnCoordinator::setVolume),
+            .endVolume = weakly(&AddOnCoordinator::endVolume)};
+}
+
+std::unique_ptr<CardContent> AddOnCoordinator::makeContent(const Screen& screen) {
+    return std::make_unique<PlayerCard>(
+        model_, playerActions(),
+        PlayerCardEnvironment{.clock = platform_.services.clock,
+                              .wallClock = platform_.services.wallClock,
+                              .localized = platform_.localized,
+                              .measureText = platform_.cardWindows.measureText,
+                              .reducesMotion = platform_.cardWindows.reducesMotion,
+                              .isRightToLeft = platform_.isRightToLeft,
+                              .scale = screen.scale});
+}
+
+void AddOnCoordinator::removalRequested() {
+    if (isRemoving_) return;
+    isRemoving_ = true;
+    log_.standard("removal: closing the windows");
+    installerSignals_->stop();
+    refresher_->stop();
+    volume_->cancel();
+    observations_.clear();
+    monitor_.stop();
+    controller_->present(PresentationState{});
+    client_.stop();
+}
+
+void AddOnCoordinator::quitRequested() {
+    log_.standard("installer: quitting");
+    platform_.services.application.terminate();
+}
+
+void AddOnCoordinator::willTerminate() {
+    if (refresher_) refresher_->stop();
+    if (controller_) controller_->present(PresentationState{});
+}
+
+}  // namespace quorvane

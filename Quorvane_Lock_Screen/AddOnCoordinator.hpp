@@ -1,0 +1,100 @@
+// The add-on's one long-lived object: it owns every part and joins their callbacks. It decides
+// nothing but the order of start and stop and where each event goes.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "AddOnKit/AddOnLink.hpp"
+#include "AddOnKit/InstallerSignals.hpp"
+#include "AddOnKit/PlayerActions.hpp"
+#include "AddOnKit/PlayerModel.hpp"
+#include "AddOnKit/PresentationDriver.hpp"
+#include "AddOnKit/StateRefresher.hpp"
+#include "AddOnKit/VolumeSender.hpp"
+#include "QuorvaneKit/DarwinNotificationObserver.hpp"
+#include "QuorvaneKit/MessagePortClient.hpp"
+#include "Quorvane_Lock_Screen/CardWindowController.hpp"
+#include "Quorvane_Lock_Screen/LockMonitor.hpp"
+#include "Quorvane_Lock_Screen/SkyLight.hpp"
+#include "platform/LivePlatform.hpp"
+
+namespace quorvane {
+
+// Main thread only. Created with the application's delegate and kept for the life of the process;
+// shared only so that callbacks can hold it weakly.
+class AddOnCoordinator : public std::enable_shared_from_this<AddOnCoordinator> {
+public:
+    // `platform` outlives the coordinator. Nothing is started here.
+    static std::shared_ptr<AddOnCoordinator> make(const LivePlatform& platform);
+
+    // Once, when this copy of the add-on may run.
+    void start();
+    // The orderly end of the process: no window outlives it.
+    void willTerminate();
+
+private:
+    explicit AddOnCoordinator(const LivePlatform& platform);
+
+    // An action that calls a member function while the coordinator lives and does nothing
+    // afterwards.
+    template <typename... Parameters>
+    std::function<void(Parameters...)> weakly(void (AddOnCoordinator::*member)(Parameters...));
+
+    // start(), in its order
+    void startClient();
+    void makeLink();
+    void makeRefresher();
+    void makeVolumeSender();
+    void makeController();
+    void listenToPresentation();
+    void startInstallerSignals();
+    void observe();
+    void listenToNotices();
+
+    void stateReceived(const QuorvanePlayerState& state);
+    void refresh();
+    void command(QuorvaneAction action);
+    void playPause();
+    void next();
+    void previous();
+    void toggleLove();
+    void setVolume(std::int64_t level);
+    void endVolume();
+    void sendVolume(std::int64_t level);
+    void present(const PresentationState& state);
+    void lockEvent(const PresentationEvent& event);
+    void sayHelloSoon();
+    void sayHello();
+    void configurationNotice();
+    void mainAppWillTerminateNotice();
+    void linkChanged();
+    void connectionChanged();
+    void musicChanged();
+    void removalRequested();
+    void quitRequested();
+
+    void connectIfNeeded();
+    PlayerActions playerActions();
+    std::unique_ptr<CardContent> makeContent(const Screen& screen);
+
+    const LivePlatform& platform_;
+    Logger log_;
+    Logger playerLog_;
+    MessagePortClient client_;
+    PlayerModel model_;
+    PresentationDriver driver_;
+    LockMonitor monitor_;
+    std::optional<AddOnLink> link_;
+    std::optional<InstallerSignals> installerSignals_;
+    std::optional<SkyLight> skyLight_;
+    std::optional<CardWindowController> controller_;
+    std::optional<StateRefresher> refresher_;
+    std::optional<VolumeSender> volume_;
+    std::vector<std::unique_ptr<DarwinNotificationObserver>> darwinObservers_;
+    std::vector<Handle> observations_;
+    bool isRemoving_ = false;  // set once, never cleared
+};
+
+}  // namespace quorvane

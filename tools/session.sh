@@ -1,0 +1,90 @@
+# Sourced by ./run: a session of its own. X server, bus and folders are private; all that was started here is ended here.
+
+session_pids=()
+
+# background NAME COMMAND...: starts it with its output in $session/NAME.log; its process in $started.
+background() {
+    local name=$1
+    shift
+    "$@" >"$session/$name.log" 2>&1 &
+    started=$!
+    session_pids+=("$started")
+}
+
+# end PID: ends what was started, and waits.
+end() {
+    kill "$1" 2>/dev/null || return 0
+    wait "$1" 2>/dev/null || true
+}
+
+end_session() {
+    local index
+    for ((index = ${#session_pids[@]} - 1; index >= 0; index--)); do end "${session_pids[index]}"; done
+    [ -z "${session:-}" ] || rm -rf "$session"
+}
+
+# wait_for NAME TEXT [SECONDS]: until the text stands in that log, after the lines that earlier calls have passed.
+declare -A passed
+wait_for() {
+    local file=$session/$1.log text=$2 deadline=$((SECONDS + ${3:-30})) line
+    while [ $SECONDS -lt $deadline ]; do
+        line=$(tail -n +$((${passed[$1]:-0} + 1)) "$file" 2>/dev/null | grep -n -m 1 -F -- "$text" | cut -d: -f1) || true
+        if [ -n "$line" ]; then
+            passed[$1]=$((${passed[$1]:-0} + line))
+            return 0
+        fi
+        sleep 0.1
+    done
+    return 1
+}
+
+# begin_session WIDTH HEIGHT: an X server (in a window where there is a display), a bus, folders.
+begin_session() {
+    session=$(mktemp -d "${TMPDIR:-/tmp}/quorvane-XXXXXX")
+    chmod 700 "$session"
+    trap end_session EXIT
+    trap 'exit 130' INT TERM
+    mkdir -p "$session"/{home,run,config,data}
+    chmod 700 "$session/run"
+
+    local size=$1x$2 display_file=$session/display
+    if [ -n "${DISPLAY:-}" ]; then
+        background x Xephyr -screen "$size" -title "Quorvane Lock Screen" -resizeable -displayfd 9 9>"$display_file"
+    else
+        background x Xvfb -screen 0 "${size}x24" -noreset -nolisten tcp -displayfd 9 9>"$display_file"
+    fi
+    local deadline=$((SECONDS + 20))
+    until [ -s "$display_file" ]; do
+        [ $SECONDS -lt $deadline ] || fail "the X server did not start: $(cat "$session/x.log")"
+        sleep 0.1
+    done
+    export DISPLAY=":$(cat "$display_file")"
+    unset WAYLAND_DISPLAY XAUTHORITY
+    export HOME=$session/home XDG_RUNTIME_DIR=$session/run XDG_CONFIG_HOME=$session/config
+    export XDG_DATA_HOME=$session/data
+
+    background bus dbus-daemon --session --nofork --nopidfile --address="unix:path=$session/run/bus" \
+        --print-address
+    wait_for bus "unix:path" 20 || fail "the message bus did not start: $(cat "$session/bus.log")"
+    export DBUS_SESSION_BUS_ADDRESS="unix:path=$session/run/bus"
+    export QUORVANE_LOG=stderr
+}
+
+# start_locker NAME: the locker's process in $locker.
+start_locker() {
+    case $1 in
+        i3lock) background locker i3lock -n -i "$root/tools/demo/wallpaper.png" ;;
+        xsecurelock)
+            background locker env XSECURELOCK_SAVER=saver_blank XSECURELOCK_NO_COMPOSITE=1 xsecurelock
+            ;;
+        xscreensaver)
+            background xscreensaver xscreensaver --no-splash
+            wait_for xscreensaver "" 2 || true
+            background locker sh -c 'until xscreensaver-command -time >/dev/null 2>&1; do sleep 0.2; done
+                                     xscreensaver-command -lock; exec sleep 100000'
+            ;;
+        *) command -v "$1" >/dev/null || fail "no locker named '$1' is installed"
+           background locker "$1" ;;
+    esac
+    locker=$started
+}
