@@ -1,0 +1,102 @@
+// The tables of this edition that need the X11 session.
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/LivePlatform.hpp"
+#include "platform/linux/CardModuleLoader.hpp"
+#include "platform/linux/EncodedImage.hpp"
+#include "platform/linux/LockWatcherLinux.hpp"
+#include "platform/linux/MotionSetting.hpp"
+#include "platform/linux/PictureHeader.hpp"
+#include "platform/linux/ServicesLinux.hpp"
+#include "platform/linux/UserLanguage.hpp"
+#include "platform/linux/X11SessionLinux.hpp"
+
+namespace quorvane {
+namespace {
+
+bool isSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value && *value;
+}
+
+std::filesystem::path moduleFile() {
+    std::error_code error;
+    const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+    return executable.parent_path() / kCardModuleFile;
+}
+
+// In the order in which they are made; the later ones refer to the earlier ones.
+struct PlatformLinux {
+    PlatformLinux(const LiveServices& services, std::unique_ptr<X11SessionLinux> session)
+        : x11(std::move(session)),
+          watcher(ServicesLinux::of(services), *x11, {services.log, kPlatformSubsystem, "lock"}),
+          motion(ServicesLinux::of(services).sessionBus),
+          cards(moduleFile(), {.x11 = *x11,
+                               .clock = services.clock,
+                               .mainThread = services.mainThread,
+                               .log = services.log,
+                               .makeSerialQueue = services.makeSerialQueue}),
+          motionRefreshes(watcher.observeLocking([this] { motion.refresh(); })) {}
+
+    std::unique_ptr<X11SessionLinux> x11;
+    LockWatcherLinux watcher;
+    MotionSetting motion;
+    CardModuleLoader cards;
+    Handle motionRefreshes;
+};
+
+Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& services) {
+    const Logger log{services.log, kPlatformSubsystem, "x11"};
+    // Those protocols let no other program above a locker.
+    if (!isSet("DISPLAY") && isSet("WAYLAND_DISPLAY"))
+        return std::unexpected(PlatformError{
+            PlatformError::Domain::service, 0,
+            "this is a Wayland session, whose lock screen lets no other program above it; the card "
+            "needs an X11 session"});
+    if (isSet("WAYLAND_DISPLAY"))
+        log.error("x11: this is a Wayland session: the card shows over X11 lockers only");
+    auto& state = ServicesLinux::of(services);
+    return X11SessionLinux::open(state.loop, "", [&state, log] {
+        log.error("x11: the X server has gone away");
+        state.fail(EXIT_FAILURE);
+    });
+}
+
+ImageRef decodeImage(ByteView encoded) {
+    // The bytes are decoded when they are first drawn: until then the drawing libraries are not
+    // loaded.
+    const auto size = readPictureSize(encoded);
+    if (!size || !isDecodable(*size)) return nullptr;
+    return std::make_shared<EncodedImage>(copyOf(encoded));
+}
+
+}  // namespace
+
+Result<LivePlatform> makeLivePlatform(LiveServices services) {
+    auto session = openSession(services);
+    if (!session) return std::unexpected(std::move(session).error());
+    const auto owner = std::make_shared<PlatformLinux>(services, *std::move(session));
+    LivePlatform platform;
+    platform.lockSources = owner->watcher.sources();
+    platform.screens = owner->x11->screens();
+    platform.cardWindows = owner->cards.windows();
+    // A card's window is made inside the locker's own; nothing is left to lift.
+    platform.cardWindows.liftAboveLock = [](CardSystemWindow&) {};
+    platform.cardWindows.reducesMotion = [state = owner.get()] {
+        return state->motion.isReduced();
+    };
+    platform.decodeImage = decodeImage;
+    // Nothing here slows down or suspends a process that has no window in front; the handle only
+    // has to exist while it is held.
+    platform.beginActivity = [](std::uint64_t, const std::string&) { return Handle{[] {}}; };
+    platform.localized = [](const std::string& key) { return key; };
+    platform.isRightToLeft = [] { return isRightToLeftLocale(localeOfMessages()); };
+    platform.services = std::move(services);
+    platform.owner = owner;
+    return platform;
+}
+
+}  // namespace quorvane

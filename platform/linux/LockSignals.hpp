@@ -1,0 +1,41 @@
+// From what this system shows of a lock to the four notices of the lock. Pure values.
+#pragma once
+
+#include <vector>
+
+namespace quorvane {
+
+inline constexpr char kScreenIsLocked[] = "com.apple.screenIsLocked";
+inline constexpr char kScreenIsUnlocked[] = "com.apple.screenIsUnlocked";
+inline constexpr char kScreenLockUIIsShown[] = "com.apple.screenLockUIIsShown";
+inline constexpr char kScreenLockUIIsHidden[] = "com.apple.screenLockUIIsHidden";
+
+struct LockSignals {
+    bool hasLockerWindow = false;      // a locker covers the screens
+    bool screenSaverIsActive = false;  // a desktop's screen-saver service says so
+    bool sessionSaysLocked = false;    // the login manager's hint
+
+    // Any of the three: a locker may announce nothing, and an announcement may come without a
+    // window that could be seen here.
+    constexpr bool isLocked() const {
+        return hasLockerWindow || screenSaverIsActive || sessionSaysLocked;
+    }
+    // Only what can be seen has room for a card.
+    constexpr bool isLockUIShown() const { return hasLockerWindow; }
+
+    constexpr bool operator==(const LockSignals&) const = default;
+};
+
+// The notices that lead from one state to the next, in the order in which they are true: the screen
+// is locked before the lock's face shows, and that goes before the screen is unlocked.
+constexpr std::vector<const char*> noticesBetween(const LockSignals& before,
+                                                  const LockSignals& after) {
+    std::vector<const char*> notices;
+    if (!before.isLocked() && after.isLocked()) notices.push_back(kScreenIsLocked);
+    if (!before.isLockUIShown() && after.isLockUIShown()) notices.push_back(kScreenLockUIIsShown);
+    if (before.isLockUIShown() && !after.isLockUIShown()) notices.push_back(kScreenLockUIIsHidden);
+    if (before.isLocked() && !after.isLocked()) notices.push_back(kScreenIsUnlocked);
+    return notices;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,46 @@
+// Everything that tells of the lock on this system, brought together into the notices of the lock
+// and the lock's other sources.
+#pragma once
+
+#include <functional>
+
+#include "platform/LockSources.hpp"
+#include "platform/Log.hpp"
+#include "platform/linux/Listeners.hpp"
+#include "platform/linux/LockSignals.hpp"
+#include "platform/linux/LogindLinux.hpp"
+#include "platform/linux/ScreenSaverSignals.hpp"
+#include "platform/linux/ServicesLinux.hpp"
+#include "platform/linux/X11Session.hpp"
+
+namespace quorvane {
+
+// Main thread only. Delivers the four notices to this process's own observers.
+class LockWatcherLinux {
+public:
+    LockWatcherLinux(ServicesLinux& services, X11Session& x11, const Logger& log);
+
+    // Refers to the watcher.
+    LockSources sources();
+    // Called when the screen has become locked, before the notice is delivered.
+    Handle observeLocking(std::function<void()> handler) {
+        return lockingListeners_.add(std::move(handler));
+    }
+
+private:
+    void update();
+    LockSignals read() const;
+    Handle observeWake(std::function<void()> handler);
+
+    LocalNotices& notices_;
+    X11Session& x11_;
+    Listeners<> wakeListeners_;
+    Listeners<> lockingListeners_;
+    ScreenSaverSignals screenSavers_;
+    LogindLinux logind_;
+    LockSignals signals_;
+    int tokensMade_ = 0;
+    Handle lockerObservation_;
+};
+
+}  // namespace quorvane
