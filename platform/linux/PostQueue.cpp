@@ -46,6 +46,11 @@ void PostQueue::run() {
     signal();
 }
 
+void PostQueue::stopRunning() {
+    isStopped_ = true;
+    signal();
+}
+
 void PostQueue::close() {
     std::deque<std::function<void()>> dropped;  // ends after the lock: its captures may post
     const std::lock_guard guard{mutex_};

@@ -20,8 +20,8 @@ public:
     void post(std::function<void()> action);
     // Runs what waits now; what that posts in turn waits for the next call.
     void run();
-    // Leaves what still waits for later.
-    void stopRunning() { isStopped_ = true; }
+    // Leaves what still waits for later, and keeps the loop from sleeping once.
+    void stopRunning();
     // Drops what waits and what is posted from now on.
     void close();
 

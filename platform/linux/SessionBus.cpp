@@ -39,7 +39,7 @@ struct SessionBus::State : std::enable_shared_from_this<State> {
     Logger log;
     sd_bus* bus = nullptr;
     // Once its slots are gone a lost connection is of no use any more.
-    sd_bus_slot* connectedSlot = nullptr;
+    sd_bus_slot* answerSlot = nullptr;
     sd_bus_slot* disconnectedSlot = nullptr;
     std::map<std::uint64_t, std::unique_ptr<Match>> matches;
     std::map<std::uint64_t, std::function<void()>> reconnectionHandlers;
@@ -65,7 +65,7 @@ struct SessionBus::State : std::enable_shared_from_this<State> {
 
 SessionBus::State::~State() {
     for (auto& [number, match] : matches) sd_bus_slot_unref(match->slot);
-    sd_bus_slot_unref(connectedSlot);
+    sd_bus_slot_unref(answerSlot);
     sd_bus_slot_unref(disconnectedSlot);
     sd_bus_flush_close_unref(bus);
 }
@@ -93,12 +93,13 @@ int SessionBus::State::open() {
     return 0;
 }
 
-// The library itself makes these two signals; the bus is not asked for them.
 int SessionBus::State::watchConnection() {
     constexpr char kLocal[] = "org.freedesktop.DBus.Local";
-    constexpr char kLocalPath[] = "/org/freedesktop/DBus/Local";
-    const auto onConnected = [](sd_bus_message*, void* self, sd_bus_error*) {
-        static_cast<State*>(self)->established();
+    constexpr char kBus[] = "org.freedesktop.DBus";
+    // A connection stands long before anybody has answered on it.
+    const auto onAnswer = [](sd_bus_message* answer, void* self, sd_bus_error*) {
+        if (!sd_bus_message_is_method_error(answer, nullptr))
+            static_cast<State*>(self)->established();
         return 0;
     };
     // Later: a connection is not dropped from inside its own call.
@@ -110,12 +111,12 @@ int SessionBus::State::watchConnection() {
         });
         return 0;
     };
-    int result = sd_bus_set_connected_signal(bus, 1);
+    const int result =
+        sd_bus_call_method_async(bus, &answerSlot, kBus, "/org/freedesktop/DBus",
+                                 "org.freedesktop.DBus.Peer", "Ping", onAnswer, this, nullptr);
     if (result < 0) return result;
-    result = sd_bus_match_signal(bus, &connectedSlot, kLocal, kLocalPath, kLocal, "Connected",
-                                 onConnected, this);
-    if (result < 0) return result;
-    return sd_bus_match_signal(bus, &disconnectedSlot, kLocal, kLocalPath, kLocal, "Disconnected",
+    // The library itself makes this signal; the bus is not asked for it.
+    return sd_bus_match_signal(bus, &disconnectedSlot, kLocal, nullptr, kLocal, "Disconnected",
                                onDisconnected, this);
 }
 
@@ -165,7 +166,7 @@ void SessionBus::State::lost() {
 
 void SessionBus::State::drop() {
     for (auto& [number, match] : matches) match->slot = sd_bus_slot_unref(match->slot);
-    connectedSlot = sd_bus_slot_unref(connectedSlot);
+    answerSlot = sd_bus_slot_unref(answerSlot);
     disconnectedSlot = sd_bus_slot_unref(disconnectedSlot);
     bus = sd_bus_close_unref(bus);
 }
