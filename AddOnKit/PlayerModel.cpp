@@ -34,10 +34,7 @@ std::string name(XPCPlayerState state) {
     std::unreachable();
 }
 
-std::string name(std::optional<XPCPlayerType> type) {
-    if (!type) return "unknown";
-    return *type == XPCPlayerType::appleMusic ? "appleMusic" : "spotify";
-}
+std::string name(std::optional<XPCPlayerType> type) { return type ? rawValue(*type) : "unknown"; }
 
 std::int64_t percent(std::int64_t value) { return std::clamp<std::int64_t>(value, 0, 100); }
 

@@ -44,8 +44,7 @@ void StateRefresher::stop() {
 void StateRefresher::refreshAndPollOn() {
     const auto life = life_.watch();
     refresh();
-    // The refresh may have ended the polling, or ended it and begun it anew.
-    if (life.isOver() || !isPolling_ || poll_) return;
+    if (life.isOver() || !isPolling_) return;  // the refresh may have ended the polling
     poll_ = clock_.after(kPollPeriod, [this] {
         poll_.reset();
         refreshAndPollOn();
