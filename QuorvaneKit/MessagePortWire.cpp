@@ -19,12 +19,13 @@ bool isSameSecret(ByteView left, ByteView right) {
 
 }  // namespace
 
-std::optional<Bytes> MessagePortWire::wrap(ByteView payload, ByteView secret) {
+std::optional<Bytes> MessagePortWire::wrap(ByteView payload, ByteView secret, Bytes buffer) {
     if (secret.size() != kSecretLength) return std::nullopt;
-    Bytes framed(kSecretLength + payload.size());
-    std::ranges::copy(secret, framed.begin());
-    std::ranges::copy(payload, framed.begin() + kSecretLength);
-    return framed;
+    buffer.clear();
+    buffer.reserve(kSecretLength + payload.size());
+    append(buffer, secret);
+    append(buffer, payload);
+    return buffer;
 }
 
 std::optional<ByteView> MessagePortWire::unwrap(ByteView framed, ByteView expectedSecret) {

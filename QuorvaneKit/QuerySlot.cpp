@@ -27,7 +27,8 @@ QueryPort::QueryPort(std::size_t index, std::string name, Services services)
 
 std::optional<Bytes> QueryPort::frame(MessageType type, ByteView payload) {
     auto secret = services_.secret();
-    auto framed = secret ? MessagePortWire::wrap(payload, *secret) : std::nullopt;
+    auto framed =
+        secret ? MessagePortWire::wrap(payload, *secret, std::move(framed_)) : std::nullopt;
     if (secret) wipe(*secret);
     if (!framed)
         services_.log.error("Query %d not sent: IPC connection secret unavailable",
@@ -59,6 +60,7 @@ QueryOutcome QueryPort::send(MessageType type, ByteView payload, Duration timeou
                                          .receiveTimeout = timeout,
                                          .awaitsReply = true});
     MessagePortWire::wipeSecret(*framed);
+    framed_ = *std::move(framed);
     if (reply.status != kPortSuccess)
         services_.log.error("Query %d on query port %ld failed, status: %d", identifier, portNumber,
                             reply.status);

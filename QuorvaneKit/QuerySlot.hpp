@@ -40,6 +40,7 @@ private:
     const std::string name_;
     const Services services_;
     std::unique_ptr<RemotePort> remotePort_;
+    Bytes framed_;  // the last query's memory, for the next one
 };
 
 // Lives on the main thread. Queries go out one at a time, in order.

@@ -109,8 +109,9 @@ bool PortConnection::answerComplete(const PortHandler& handler) {
 // before it arrives.
 bool PortConnection::beginBody(std::size_t length) {
     if (length <= buffer_.filled().size() + buffer_.room().size()) return true;
-    if (!budget_.take(length)) return false;
-    body_.resize(length);
+    auto buffer = budget_.takeBuffer(length);
+    if (!buffer) return false;
+    body_ = *std::move(buffer);
     const auto early = buffer_.filled();
     std::ranges::copy(early, body_.begin());
     bodyFilled_ = early.size();
@@ -120,9 +121,9 @@ bool PortConnection::beginBody(std::size_t length) {
 }
 
 void PortConnection::dropBody() {
+    if (body_.empty()) return;
     wipeStart(body_);
-    budget_.giveBack(body_.size());
-    body_ = Bytes{};
+    budget_.giveBackBuffer(std::exchange(body_, {}));
     bodyFilled_ = 0;
 }
 

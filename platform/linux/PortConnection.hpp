@@ -11,7 +11,9 @@
 
 namespace quorvane {
 
-// What long requests and waiting replies of all clients of a port may amount to.
+// What long requests and waiting replies of all clients of a port may amount to, and one spare
+// buffer for the next long request: memory fresh from the system costs more than what is read into
+// it.
 class BodyBudget {
 public:
     bool take(std::size_t size) {
@@ -21,9 +23,23 @@ public:
     }
     void giveBack(std::size_t size) { left_ += size; }
 
+    // The bytes of a buffer count until it is given back.
+    std::optional<Bytes> takeBuffer(std::size_t size) {
+        if (!take(size)) return std::nullopt;
+        Bytes buffer = std::exchange(spare_, {});
+        buffer.resize(size);
+        return buffer;
+    }
+    void giveBackBuffer(Bytes buffer) {
+        giveBack(buffer.size());
+        if (buffer.capacity() <= kLargestSpare) spare_ = std::move(buffer);
+    }
+
 private:
     static constexpr std::size_t kTotal = 128 * 1024 * 1024;
+    static constexpr std::size_t kLargestSpare = 2 * 1024 * 1024;
     std::size_t left_ = kTotal;
+    Bytes spare_;
 };
 
 // Never blocks. Owned by its port, on the port's thread.
@@ -68,7 +84,7 @@ private:
     std::int32_t peer_ = 0;
     FrameBuffer buffer_;
     std::optional<RequestHeader> request_;  // read, its body not yet complete
-    Bytes body_;                            // of a request that does not fit the buffer
+    Bytes body_;                            // of a request that does not fit the small buffer
     std::size_t bodyFilled_ = 0;
     std::uint64_t sequence_ = 0;
     std::optional<Output> output_;
