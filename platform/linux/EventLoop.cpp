@@ -2,10 +2,10 @@
 
 #include <sys/epoll.h>
 
-#include <map>
 #include <optional>
 #include <utility>
 
+#include "platform/linux/Listeners.hpp"
 #include "platform/linux/PostQueue.hpp"
 #include "platform/linux/TimerQueue.hpp"
 
@@ -16,14 +16,12 @@ struct EventLoop::State {
     std::shared_ptr<TimerQueue> timers = std::make_shared<TimerQueue>();
     std::shared_ptr<PostQueue> posts = std::make_shared<PostQueue>();
     sd_event_source* postSource = nullptr;
-    std::map<std::uint64_t, std::function<void()>> sleepers;
-    std::uint64_t sleepersMade = 0;
+    Listeners<> sleepers;
     std::optional<int> status;
 
     State();
     ~State();
     bool attach();
-    void goToSleep();
 };
 
 EventLoop::State::State() {
@@ -44,7 +42,7 @@ bool EventLoop::State::attach() {
         return 0;
     };
     const auto onPrepare = [](sd_event_source*, void* self) {
-        static_cast<State*>(self)->goToSleep();
+        static_cast<State*>(self)->sleepers.call();
         return 0;
     };
     return timers->attach(event) >= 0 &&
@@ -52,17 +50,7 @@ bool EventLoop::State::attach() {
            sd_event_source_set_prepare(postSource, onPrepare) >= 0;
 }
 
-void EventLoop::State::goToSleep() {
-    // By number: an action may drop any handle or add one.
-    for (auto entry = sleepers.begin(); entry != sleepers.end();) {
-        const auto number = entry->first;
-        const auto action = entry->second;
-        action();
-        entry = sleepers.upper_bound(number);
-    }
-}
-
-EventLoop::EventLoop() : state_(std::make_shared<State>()) {}
+EventLoop::EventLoop() : state_(std::make_unique<State>()) {}
 EventLoop::~EventLoop() = default;
 
 sd_event* EventLoop::event() const { return state_->event; }
@@ -105,11 +93,7 @@ Handle EventLoop::watch(int descriptor, std::uint32_t events,
 }
 
 Handle EventLoop::beforeSleep(std::function<void()> action) {
-    const auto number = state_->sleepersMade++;
-    state_->sleepers.emplace(number, std::move(action));
-    return Handle{[number, weak = std::weak_ptr{state_}] {
-        if (const auto state = weak.lock()) state->sleepers.erase(number);
-    }};
+    return state_->sleepers.add(std::move(action));
 }
 
 int EventLoop::run() {

@@ -40,7 +40,7 @@ public:
 
 private:
     struct State;
-    std::shared_ptr<State> state_;  // shared only for the weak pointers of handles and tables
+    std::unique_ptr<State> state_;
 };
 
 }  // namespace quorvane

@@ -2,7 +2,6 @@
 // notices of the lock. They never travel over the bus: nobody there can forge a lock.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,6 +9,7 @@
 #include "platform/DistributedNotices.hpp"
 #include "platform/Handle.hpp"
 #include "platform/MainThread.hpp"
+#include "platform/linux/Listeners.hpp"
 
 namespace quorvane {
 
@@ -27,9 +27,11 @@ public:
     Handle observe(const std::string& name, DistributedNotices::Handler handler);
 
 private:
-    struct State;
+    using Observers = Listeners<const std::string&, const PropertyDictionary&>;
+
     MainThread mainThread_;
-    std::shared_ptr<State> state_;  // shared only for the handles' weak pointers
+    // Shared only for the weak pointers of what is on its way.
+    std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
 };
 
 }  // namespace quorvane

@@ -7,6 +7,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/linux/Listeners.hpp"
+
 namespace quorvane {
 namespace {
 
@@ -42,8 +44,8 @@ struct SessionBus::State : std::enable_shared_from_this<State> {
     sd_bus_slot* answerSlot = nullptr;
     sd_bus_slot* disconnectedSlot = nullptr;
     std::map<std::uint64_t, std::unique_ptr<Match>> matches;
-    std::map<std::uint64_t, std::function<void()>> reconnectionHandlers;
-    std::uint64_t handlesMade = 0;
+    std::uint64_t matchesMade = 0;
+    Listeners<> reconnections;
     bool isEstablished = false;   // the bus has answered on this connection
     bool wasEstablished = false;  // on this or an earlier one
     bool hasSaidUnavailable = false;
@@ -146,12 +148,7 @@ void SessionBus::State::established() {
     retry.reset();
     if (!std::exchange(wasEstablished, true)) return;
     log.standard("bus: connected again");
-    for (auto entry = reconnectionHandlers.begin(); entry != reconnectionHandlers.end();) {
-        const auto number = entry->first;
-        const auto handler = entry->second;
-        handler();
-        entry = reconnectionHandlers.upper_bound(number);
-    }
+    reconnections.call();
 }
 
 void SessionBus::State::lost() {
@@ -188,7 +185,7 @@ sd_bus* SessionBus::connection() { return state_->usable(); }
 Handle SessionBus::match(const std::string& rule, std::function<void(sd_bus_message*)> handler) {
     State& state = *state_;
     sd_bus* bus = state.usable();
-    const auto number = state.handlesMade++;
+    const auto number = state.matchesMade++;
     auto& match = *state.matches
                        .emplace(number, std::make_unique<State::Match>(
                                             State::Match{&state, rule, std::move(handler)}))
@@ -204,11 +201,7 @@ Handle SessionBus::match(const std::string& rule, std::function<void(sd_bus_mess
 }
 
 Handle SessionBus::observeReconnection(std::function<void()> handler) {
-    const auto number = state_->handlesMade++;
-    state_->reconnectionHandlers.emplace(number, std::move(handler));
-    return Handle{[number, weak = std::weak_ptr{state_}] {
-        if (const auto owner = weak.lock()) owner->reconnectionHandlers.erase(number);
-    }};
+    return state_->reconnections.add(std::move(handler));
 }
 
 }  // namespace quorvane
