@@ -89,9 +89,8 @@ private:
             if (form_ == Base64Form::escapedSolidus && end_ - next_ >= 2 && next_[0] == '\\' &&
                 next_[1] == '/')
                 ++next_;
-            if (next_ == end_) return 0;
+            if (next_ == end_ || *next_ == '=') break;
             const auto character = static_cast<unsigned char>(*next_);
-            if (character == '=') break;
             group |= kGroupTables[letters][character];
             ++next_;
         }

@@ -7,19 +7,11 @@ namespace quorvane {
 namespace {
 
 // The key as encoders without white space write it, and the quote that opens its value.
-constexpr std::string_view kArtworkOpening = "\"artworkData\":\"";
-
-// Place behind the first opening that is not inside a string; npos if there is none.
 //
-// In text that is JSON an opening whose first quote follows no backslash is the key: were that
-// quote the end of a string, a letter after it would not be JSON. An opening that does follow one
-// is inside a string, or the text is no JSON either way.
-std::size_t findArtworkText(std::string_view reply) {
-    std::size_t place = reply.find(kArtworkOpening);
-    while (place != std::string_view::npos && place > 0 && reply[place - 1] == '\\')
-        place = reply.find(kArtworkOpening, place + 1);
-    return place == std::string_view::npos ? place : place + kArtworkOpening.size();
-}
+// Wherever this stands in text that is JSON, its last quote opens a value: its first quote either
+// opens the key or, escaped, is part of one that its second quote closes. Were the first quote the
+// end of a string, the letter after it would not be JSON, with or without the value.
+constexpr std::string_view kArtworkOpening = "\"artworkData\":\"";
 
 Bytes without(std::string_view reply, std::size_t begin, std::size_t length) {
     constexpr std::size_t kRoomForTheReader = 64;
@@ -52,11 +44,11 @@ CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes reply) {
 // Nothing when the reply has no artwork, or has it in a form that the parser must see.
 std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
     std::string_view reply) const {
-    const std::size_t begin = findArtworkText(reply);
-    if (begin == std::string_view::npos) return std::nullopt;
+    const std::size_t opening = reply.find(kArtworkOpening);
+    if (opening == std::string_view::npos) return std::nullopt;
+    const std::size_t begin = opening + kArtworkOpening.size();
     const std::string_view text = reply.substr(begin);
-    if (last_ && last_->form == TextForm::inReply && text.starts_with(last_->text) &&
-        text.substr(last_->text.size()).starts_with('"'))
+    if (last_ && text.starts_with(last_->text) && text.substr(last_->text.size()).starts_with('"'))
         return Lifted{begin, last_->text.size(), last_->bytes, true};
     // What decodes has no escape but "\/" in it, hence the first quote is where the string ends.
     const std::size_t length = text.find('"');
@@ -79,7 +71,7 @@ CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeAround(const Lifted&
     });
     if (state && isInTrack && !lifted.isLast) {
         const std::string_view text = textOf(reply).substr(lifted.begin, lifted.length);
-        last_ = Artwork{std::move(reply), text, TextForm::inReply, lifted.bytes};
+        last_ = Artwork{std::move(reply), text, lifted.bytes};
     }
     return state;
 }
@@ -90,13 +82,14 @@ CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeWhole(Bytes reply) {
     std::optional<SharedBytes> artwork;
     auto state = coding::readRecord<QuorvanePlayerState>(json, [&](std::string_view text) {
         artworkText = text;
-        const bool isLast = last_ && last_->form == TextForm::parsed && last_->text == text;
+        // Escapes that are in the text after parsing were no escapes before it, but strangers.
+        const bool isLast =
+            last_ && text.size() == base64Length(last_->bytes.size()) && text == last_->text;
         artwork = isLast ? std::optional{last_->bytes} : readBase64(text);
         return artwork;
     });
     const bool isNew = artwork && !(last_ && last_->bytes.isSameObject(*artwork));
-    if (state && isNew)
-        last_ = Artwork{std::move(json).takeBytes(), artworkText, TextForm::parsed, *artwork};
+    if (state && isNew) last_ = Artwork{std::move(json).takeBytes(), artworkText, *artwork};
     return state;
 }
 

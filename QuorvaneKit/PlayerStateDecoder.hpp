@@ -18,13 +18,9 @@ public:
     CodingResult<QuorvanePlayerState> decode(Bytes reply);
 
 private:
-    // Where the text of the artwork was found. `inReply`: between its quotes, escapes and all;
-    // `parsed`: as the JSON reader gave it. A text of the one form is no text of the other.
-    enum class TextForm { inReply, parsed };
     struct Artwork {
         Bytes reply;
-        std::string_view text;  // within `reply`
-        TextForm form = TextForm::inReply;
+        std::string_view text;  // base64, within `reply`; maybe with its slashes still escaped
         SharedBytes bytes;
     };
     struct Lifted;

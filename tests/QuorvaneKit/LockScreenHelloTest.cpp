@@ -36,7 +36,7 @@ TEST(LockScreenHello, OutcomeAndAnswerFollowThePendingRemoval) {
              Row{forAnyone, "A", true, Outcome::supersedeRemoval},
              Row{forA, "A", false, Outcome::deliverRemoval},
              Row{forAnyone, "A", false, Outcome::deliverRemoval},
-             Row{forA, ID{}, false, Outcome::deliverRemoval},
+             Row{LockScreenPendingRemoval{"B"}, ID{}, false, Outcome::deliverRemoval},
              Row{forAnyone, ID{}, false, Outcome::deliverRemoval},
              Row{forA, "B", false, Outcome::supersedeRemoval},
              Row{forA, "", false, Outcome::supersedeRemoval},

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 
 #include "QuorvaneKit/DarwinNotificationCenter.hpp"
@@ -16,11 +17,13 @@ namespace {
 struct FakeNotices {
     std::vector<std::string> posted;
     std::multimap<std::string, std::function<void()>> observers;
+    int registrations = 0;
 
     DarwinNotices table() {
         return {.post = [this](const std::string& name) { posted.push_back(name); },
                 .observe =
                     [this](const std::string& name, std::function<void()> handler) {
+                        ++registrations;
                         const auto place = observers.emplace(name, std::move(handler));
                         return Handle{[this, place] { observers.erase(place); }};
                     }};
@@ -36,6 +39,7 @@ TEST(DarwinNotification, ObserverRegistersOnceAndLeavesWhenItStopsOrGoes) {
         observer.start();
         observer.start();
         ASSERT_EQ(notices.observers.size(), 1u);
+        EXPECT_EQ(notices.registrations, 1);
         EXPECT_TRUE(observer.isObserving());
         notices.observers.find("name")->second();
         EXPECT_EQ(calls, 1);
@@ -99,6 +103,11 @@ TEST(SharedDefaults, KeepsTheLockScreensValuesUnderTheirKeys) {
     const SharedDefaults again{memory.table()};
     EXPECT_TRUE(again.lockScreenEnabled());
     EXPECT_EQ(again.lockScreenPendingRemoval(), LockScreenPendingRemoval{"A"});
+    EXPECT_EQ(again.lockScreenAddOnLastSeen(), kSighting);
+
+    LockScreenAddOnSighting unwritable = kSighting;
+    unwritable.addOnVersion = "\xFF";
+    EXPECT_TRUE(defaults.setLockScreenAddOnLastSeen(unwritable));
     EXPECT_EQ(again.lockScreenAddOnLastSeen(), kSighting);
 
     // A removal for anyone must not inherit the target of the one before.

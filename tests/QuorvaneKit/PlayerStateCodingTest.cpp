@@ -73,6 +73,9 @@ TEST(PlayerStateDecoder, AgreesWithThePlainDecoderOnEveryText) {
         replaced(kSampleText, "//4g", "\n//4g"),
         std::string{kSampleText} + artwork,
         artwork,
+        // The text that the reply before had, but here the backslashes are meant.
+        kForms[2],
+        replaced(kForms[1], "//4g", R"(\\/\\/4g)"),
     };
     for (const std::string& form : kForms) {
         const std::size_t begin = form.find("artworkData") - 3;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "QuorvaneKit/JSONReader.hpp"
+#include "QuorvaneKit/UTF8.hpp"
 #include "tests/QuorvaneKit/SampleRecords.hpp"
 
 namespace quorvane {
@@ -184,8 +185,8 @@ TEST(RecordDecoding, RefusesWhatIsNotOneJSONObject) {
 TEST(RecordDecoding, RefusesTextThatIsNotUTF8WhereverItStands) {
     for (const std::string_view bad :
          {"\x80", "\xC3", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80", "\xF0\x80\x80\xAF",
-          "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF", "\xE5\xA4", "\\udc00", "\\ud800",
-          "\\ud800\\u0041"}) {
+          "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF", "\xE5\xA4", "\xE5\xA4\x41",
+          "\xF0\x9F\x41\xB5", "\xF0\x9F\x8E\x41", "\\udc00", "\\ud800", "\\ud800\\u0041"}) {
         const std::string letter{bad};
         for (const std::string& text :
              {replaced(kSampleText, "loop-7", letter),
@@ -195,6 +196,14 @@ TEST(RecordDecoding, RefusesTextThatIsNotUTF8WhereverItStands) {
               replaced(kSampleText, R"("volume")", '"' + letter + R"(":1,"volume")")})
             EXPECT_EQ(decodeState(text), std::unexpected(CodingError{})) << text;
     }
+}
+
+TEST(RecordDecoding, UTF8IsLookedAtNoFartherThanItReaches) {
+    const std::string_view notes = "\U0001F3B5\u591C\u00E9";
+    for (std::size_t length = 0; length <= notes.size(); ++length)
+        EXPECT_EQ(isValidUTF8(notes.substr(0, length)),
+                  length == 0 || length == 4 || length == 7 || length == 9)
+            << length;
 }
 
 TEST(RecordDecoding, NestingIsBounded) {
