@@ -19,8 +19,10 @@ constexpr double kArtistMiddle = kTop + 33;
 constexpr double kTimeFieldHeight = 20;
 constexpr double kTimeFieldWidth = 80;
 constexpr double kTimeSpacing = 12;  // from the bar to the middle of the times
+constexpr double kHeartSpacing = 6;  // beside what its button keeps free around the symbol
 constexpr double kButtonSpacing = 26;
-constexpr double kTransportMiddle = 148;
+constexpr double kQuietSpeakerWidth = 10;  // it has no waves
+constexpr double kTransportMiddle = 150;
 
 constexpr Rect centred(double x, double y, double width, double height) {
     return {x - width / 2, y - height / 2, width, height};
@@ -37,9 +39,10 @@ PlayerGeometry PlayerGeometry::make(bool showsHeart, bool isRightToLeft) {
     const double heartMiddle = kRight - kHeartSymbolSize / 2;
     g.heart =
         centred(heartMiddle, (kTitleMiddle + kArtistMiddle) / 2, kSideButtonSide, kSideButtonSide);
-    const double textRight = showsHeart ? g.heart.x : kRight;
+    const double textRight = showsHeart ? g.heart.x - kHeartSpacing : kRight;
     const double textWidth = textRight - textLeft;
     g.title = {textLeft, kTitleMiddle - kTrackFieldHeight / 2, textWidth, kTrackFieldHeight};
+    g.lonelyTitle = g.title.movedBy(0, (kArtistMiddle - kTitleMiddle) / 2);
     g.artist = {textLeft, kArtistMiddle - kTrackFieldHeight / 2, textWidth, kTrackFieldHeight};
 
     g.progress = {textLeft, g.artwork.maxY() - kProgressThickness, kRight - textLeft,
@@ -49,15 +52,15 @@ PlayerGeometry PlayerGeometry::make(bool showsHeart, bool isRightToLeft) {
     g.remaining = {kRight - kTimeFieldWidth, timeTop, kTimeFieldWidth, kTimeFieldHeight};
 
     const double volumeMiddle = kBottom - kVolumeRowHeight / 2;
-    g.quietSpeaker = {kLeft, volumeMiddle - kSpeakerWidth / 2, kSpeakerWidth, kSpeakerWidth};
-    g.loudSpeaker = g.quietSpeaker.movedBy(kRight - kLeft - kSpeakerWidth, 0);
+    g.quietSpeaker = {kLeft, volumeMiddle - kSpeakerWidth / 2, kQuietSpeakerWidth, kSpeakerWidth};
+    g.loudSpeaker = {kRight - kSpeakerWidth, g.quietSpeaker.y, kSpeakerWidth, kSpeakerWidth};
     const double sliderLeft = g.quietSpeaker.maxX() + kSpeakerSpacing;
     g.volume = {sliderLeft, kBottom - kVolumeRowHeight,
                 g.loudSpeaker.x - kSpeakerSpacing - sliderLeft, kVolumeRowHeight};
 
     if (isRightToLeft)
-        for (Rect* rect : {&g.artwork, &g.title, &g.artist, &g.heart, &g.progress, &g.elapsed,
-                           &g.remaining, &g.quietSpeaker, &g.volume, &g.loudSpeaker})
+        for (Rect* rect : {&g.artwork, &g.title, &g.lonelyTitle, &g.artist, &g.heart, &g.progress,
+                           &g.elapsed, &g.remaining, &g.quietSpeaker, &g.volume, &g.loudSpeaker})
             rect->x = kCardWidth - rect->maxX();
 
     constexpr double kMiddle = kCardWidth / 2;

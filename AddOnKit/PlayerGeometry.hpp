@@ -7,7 +7,8 @@ namespace quorvane {
 
 struct PlayerGeometry {
     Rect artwork;
-    Rect title;  // of the texts: the line's field
+    Rect title;        // of the texts: the line's field
+    Rect lonelyTitle;  // without an artist below it
     Rect artist;
     Rect heart;
     Rect progress;

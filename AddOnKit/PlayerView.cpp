@@ -108,10 +108,14 @@ private:
     }
 
     void texts() {
-        text(SceneControl::ID::title, geometry_.title, model_.title.get(),
-             FontStyle::Weight::semibold, Color::white(), interaction_.titleStart);
-        text(SceneControl::ID::artist, geometry_.artist, model_.artist.get(),
-             FontStyle::Weight::regular, Color::white(kSecondaryOpacity), interaction_.artistStart);
+        const bool hasArtist = !model_.artist.get().empty();
+        text(SceneControl::ID::title, hasArtist ? geometry_.title : geometry_.lonelyTitle,
+             model_.title.get(), FontStyle::Weight::semibold, Color::white(),
+             interaction_.titleStart);
+        if (hasArtist)
+            text(SceneControl::ID::artist, geometry_.artist, model_.artist.get(),
+                 FontStyle::Weight::regular, Color::white(kSecondaryOpacity),
+                 interaction_.artistStart);
     }
 
     void button(SceneControl::ID id, const Rect& frame, const Transition& press,

@@ -35,24 +35,25 @@ void triangle(cairo_t* cairo, double x, double length, double halfHeight) {
 
 void drawPlay(cairo_t* cairo) {
     // Right of the middle of its bounds: a triangle's weight lies at its base.
-    triangle(cairo, -0.25, 0.62, 0.365);
+    triangle(cairo, -0.25, 0.63, 0.365);
 }
 
 void drawPause(cairo_t* cairo) {
-    for (const double x : {-0.25, 0.13}) {
-        cairo_rectangle(cairo, x, -0.33, 0.12, 0.66);
+    // At 34 points the bars are 7 wide and 6 apart: whole pixels.
+    for (const double x : {-0.234, 0.148}) {
+        cairo_rectangle(cairo, x, -0.322, 0.086, 0.644);
         fillRounded(cairo);
     }
 }
 
 void drawForward(cairo_t* cairo) {
-    triangle(cairo, -0.51, 0.44, 0.3);
-    triangle(cairo, 0.03, 0.44, 0.3);
+    triangle(cairo, -0.61, 0.52, 0.36);
+    triangle(cairo, 0.03, 0.52, 0.36);
 }
 
 void drawBackward(cairo_t* cairo) {
-    triangle(cairo, 0.51, -0.44, 0.3);
-    triangle(cairo, -0.03, -0.44, 0.3);
+    triangle(cairo, 0.61, -0.52, 0.36);
+    triangle(cairo, -0.03, -0.52, 0.36);
 }
 
 void heartPath(cairo_t* cairo) {
@@ -79,46 +80,45 @@ void drawFilledHeart(cairo_t* cairo) {
 
 void drawNote(cairo_t* cairo) {
     cairo_save(cairo);
-    cairo_translate(cairo, -0.14, 0.33);
+    cairo_translate(cairo, -0.13, 0.32);
     cairo_rotate(cairo, -0.35);
     cairo_scale(cairo, 1, 0.76);
-    cairo_arc(cairo, 0, 0, 0.19, 0, 2 * std::numbers::pi);
+    cairo_arc(cairo, 0, 0, 0.21, 0, 2 * std::numbers::pi);
     cairo_restore(cairo);
     cairo_fill(cairo);
-    cairo_move_to(cairo, 0.0, 0.29);
-    cairo_line_to(cairo, 0.0, -0.42);
+    cairo_move_to(cairo, 0.03, 0.28);
+    cairo_line_to(cairo, 0.03, -0.44);
     strokeLine(cairo);
-    cairo_move_to(cairo, 0, -0.42);
-    cairo_curve_to(cairo, 0.06, -0.26, 0.3, -0.22, 0.3, 0.02);
-    cairo_curve_to(cairo, 0.3, 0.07, 0.29, 0.1, 0.27, 0.13);
-    cairo_curve_to(cairo, 0.23, -0.04, 0.1, -0.1, 0, -0.13);
+    cairo_move_to(cairo, 0.03, -0.44);
+    cairo_curve_to(cairo, 0.06, -0.29, 0.36, -0.24, 0.28, 0.06);
+    cairo_curve_to(cairo, 0.26, -0.08, 0.15, -0.17, 0.03, -0.2);
     cairo_close_path(cairo);
     fillRounded(cairo, kPen / 2);
 }
 
 // The cone's mouth is at x = 0.
 void speakerBody(cairo_t* cairo) {
-    cairo_move_to(cairo, -0.4, -0.11);
-    cairo_line_to(cairo, -0.24, -0.11);
-    cairo_line_to(cairo, -0.05, -0.28);
-    cairo_line_to(cairo, -0.05, 0.28);
-    cairo_line_to(cairo, -0.24, 0.11);
-    cairo_line_to(cairo, -0.4, 0.11);
+    cairo_move_to(cairo, -0.45, -0.13);
+    cairo_line_to(cairo, -0.27, -0.13);
+    cairo_line_to(cairo, -0.05, -0.34);
+    cairo_line_to(cairo, -0.05, 0.34);
+    cairo_line_to(cairo, -0.27, 0.13);
+    cairo_line_to(cairo, -0.45, 0.13);
     cairo_close_path(cairo);
     fillRounded(cairo, 0.05);
 }
 
 void drawSpeaker(cairo_t* cairo) {
-    cairo_translate(cairo, 0.225, 0);
+    cairo_translate(cairo, 0.25, 0);
     speakerBody(cairo);
 }
 
 void drawLoudSpeaker(cairo_t* cairo) {
-    cairo_translate(cairo, -0.07, 0);
+    cairo_translate(cairo, -0.13, 0);
     speakerBody(cairo);
-    constexpr double kSpread = 0.7;  // of each wave, to both sides of straight ahead
-    for (const double radius : {0.24, 0.42, 0.6}) {
-        cairo_arc(cairo, -0.04, 0, radius, -kSpread, kSpread);
+    constexpr double kSpread = 0.72;  // of each wave, to both sides of straight ahead
+    for (const double radius : {0.28, 0.49, 0.7}) {
+        cairo_arc(cairo, -0.02, 0, radius, -kSpread, kSpread);
         strokeLine(cairo);
     }
 }

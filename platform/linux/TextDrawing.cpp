@@ -1,8 +1,9 @@
 #include "platform/linux/TextDrawing.hpp"
 
-#include <pango/pangocairo.h>
-
+#include <algorithm>
 #include <cmath>
+
+#include "platform/linux/TextRuns.hpp"
 
 namespace quorvane {
 namespace {
@@ -17,11 +18,6 @@ Point snapped(cairo_t* cairo, Point point) {
     point = {std::round(point.x), std::round(point.y)};
     cairo_device_to_user(cairo, &point.x, &point.y);
     return point;
-}
-
-void showLine(cairo_t* cairo, const TextLine& line, Point start) {
-    cairo_move_to(cairo, start.x, start.y);
-    pango_cairo_show_layout_line(cairo, pango_layout_get_line_readonly(line.layout.get(), 0));
 }
 
 double baseline(const Rect& frame, const TextLine& line) {
@@ -41,7 +37,7 @@ void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLay
     constexpr double kTolerance = 0.5;
     if (line->width > node.frame.width + kTolerance)
         line = &texts.line(node.text, node.font, node.frame.width);
-    showLine(cairo, *line,
+    fillLine(cairo, *line,
              snapped(cairo,
                      {alignedLeft(node, line->width, isRightToLeft), baseline(node.frame, *line)}));
 }
@@ -58,6 +54,45 @@ CairoPattern fadeMask(const Rect& frame, double fade) {
     return mask;
 }
 
+constexpr double kPictureMargin = 8;     // points around the line, for what reaches out of it
+constexpr double kWidestPicture = 8192;  // pixels
+
+// Filling a line's outlines anew for each of its steps would cost more than all the rest of them.
+// Null for a line too long to be kept as a picture.
+const TextPicture* pictureOf(const TextLine& line, const Color& color, double scale) {
+    TextPicture& picture = line.picture;
+    if (picture.surface && picture.color == color && picture.scale == scale) return &picture;
+    const double width = std::ceil((line.width + 2 * kPictureMargin) * scale);
+    const double height = std::ceil((line.ascent + line.descent + 2 * kPictureMargin) * scale);
+    if (width > kWidestPicture) return nullptr;
+    picture = {CairoSurface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(width),
+                                                       static_cast<int>(height))},
+               color, scale};
+    const CairoContext cairo{cairo_create(picture.surface.get())};
+    cairo_scale(cairo.get(), scale, scale);
+    cairo_set_source_rgba(cairo.get(), color.red, color.green, color.blue, color.alpha);
+    // The baseline lies on whole pixels, as it will where the picture is put.
+    const double baseline = std::round((kPictureMargin + line.ascent) * scale) / scale;
+    fillLine(cairo.get(), line, {kPictureMargin, baseline});
+    return &picture;
+}
+
+// `start` is on whole pixels.
+void showMoved(cairo_t* cairo, const TextLine& line, const Color& color, Point start) {
+    cairo_matrix_t matrix{};
+    cairo_get_matrix(cairo, &matrix);
+    const TextPicture* const picture = pictureOf(line, color, matrix.xx);
+    if (!picture) return fillLine(cairo, line, start);
+    const CairoState state{cairo};
+    const double scale = picture->scale;
+    cairo_translate(cairo, start.x, start.y);
+    cairo_scale(cairo, 1 / scale, 1 / scale);
+    cairo_set_source_surface(cairo, picture->surface.get(), -std::round(kPictureMargin * scale),
+                             -std::round((kPictureMargin + line.ascent) * scale));
+    cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_NEAREST);
+    cairo_paint(cairo);
+}
+
 void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
     const TextNode::Scroll& scroll = *node.scroll;
     const TextLine& line = texts.line(node.text, node.font);
@@ -71,7 +106,7 @@ void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, Tex
     for (double way = scroll.offset; way > -node.frame.width; way -= distance) {
         const Point moved = snapped(cairo, {start.x + direction * way, start.y});
         if (moved.x < node.frame.maxX() && moved.x + line.width > node.frame.x)
-            showLine(cairo, line, moved);
+            showMoved(cairo, line, node.color, moved);
     }
 }
 

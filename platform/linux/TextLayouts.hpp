@@ -13,12 +13,20 @@
 
 namespace quorvane {
 
+// A line drawn once, to be moved across the screen: its own pixels in its own colour.
+struct TextPicture {
+    CairoSurface surface{};
+    Color color{};
+    double scale = 0;  // pixels a point
+};
+
 // One laid-out line. Lengths are points and the same at every scale.
 struct TextLine {
     GObjectOwner<PangoLayout> layout;
     double width = 0;
     double ascent = 0;  // of the font, not of these letters: lines of one font share a baseline
     double descent = 0;
+    mutable TextPicture picture{};  // kept by whoever draws the line, as long as the line is
 };
 
 // Main thread only. References stay valid until the next call.

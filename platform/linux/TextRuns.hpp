@@ -1,0 +1,14 @@
+// Puts the letters of a laid-out line on a picture.
+#pragma once
+
+#include <cairo.h>
+
+#include "platform/linux/TextLayouts.hpp"
+
+namespace quorvane {
+
+// With the context's source, the line's left end and baseline at `start`. Letters stand exactly
+// where they were laid out, between pixels too.
+void fillLine(cairo_t* cairo, const TextLine& line, Point start);
+
+}  // namespace quorvane
