@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "platform/linux/PosixError.hpp"
-#include "platform/linux/PropertyListLimits.hpp"
+#include "platform/linux/PropertyListSafety.hpp"
 
 // Newer versions of the library have other names for dates, which the oldest supported one lacks.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -29,20 +29,18 @@ using Text = std::unique_ptr<char, MemoryDeleter>;
 // The library reads and writes real numbers with the decimal sign of the current locale.
 class PlainNumbers {
 public:
-    PlainNumbers()
-        : plain_(newlocale(LC_NUMERIC_MASK, "C", duplocale(uselocale(nullptr)))),
-          before_(plain_ ? uselocale(plain_) : nullptr) {}
+    PlainNumbers() : before_(uselocale(plain())) {}
     PlainNumbers(const PlainNumbers&) = delete;
     PlainNumbers& operator=(const PlainNumbers&) = delete;
-    ~PlainNumbers() {
-        if (!plain_) return;
-        uselocale(before_);
-        freelocale(plain_);
-    }
+    ~PlainNumbers() { uselocale(before_); }
 
 private:
-    locale_t plain_;
-    locale_t before_;
+    static locale_t plain() {
+        static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+        return locale;
+    }
+
+    const locale_t before_;
 };
 
 // The library's dates count from 2001.
@@ -196,10 +194,11 @@ Result<PropertyValue> parsePropertyList(ByteView contents) {
     const char* text = textOf(contents).data();
     plist_t parsed = nullptr;
     if (isBinaryList(contents)) {
-        if (!binaryListIsModest(contents)) return malformed("malformed binary property list");
+        if (!binaryListIsSafe(contents)) return malformed("malformed binary property list");
         plist_from_bin(text, size, &parsed);
     } else {
-        if (!xmlListIsModest(contents)) return malformed("property list with too many values");
+        if (!xmlListIsSafe(contents))
+            return malformed("property list with a NUL or too many values");
         plist_from_xml(text, size, &parsed);
     }
     const Node node{parsed};

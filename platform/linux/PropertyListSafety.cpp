@@ -1,4 +1,4 @@
-#include "platform/linux/PropertyListLimits.hpp"
+#include "platform/linux/PropertyListSafety.hpp"
 
 #include <cstdint>
 #include <optional>
@@ -14,7 +14,7 @@ class BinaryWalk {
 public:
     explicit BinaryWalk(ByteView contents) : contents_(contents) {}
 
-    bool isModest() {
+    bool isSafe() {
         if (contents_.size() < kBinaryStart.size() + kTrailerSize) return false;
         const std::size_t trailer = contents_.size() - kTrailerSize;
         offsetSize_ = *number(trailer + 6, 1);
@@ -36,7 +36,7 @@ private:
         return value;
     }
 
-    // The count of a container at `place`, which is moved to its first reference.
+    // The count of a text's units or a container's values at `place`, which is moved behind it.
     std::optional<std::uint64_t> count(std::uint64_t& place, std::uint64_t marker) const {
         ++place;
         if ((marker & 0xF) != 0xF) return marker & 0xF;
@@ -54,14 +54,30 @@ private:
         const auto place = number(table_ + object * offsetSize_, offsetSize_);
         const auto marker = place ? number(*place, 1) : std::nullopt;
         if (!marker) return false;
-        const auto kind = *marker >> 4;
-        if (kind < 0xA) return true;  // no container
-        std::uint64_t reference = *place;
-        auto references = count(reference, *marker);
-        if (!references || *references > kMostListValues) return false;
-        if (kind == 0xD) *references *= 2;  // the keys, then the values
-        for (std::uint64_t index = 0; index < *references; ++index) {
-            const auto next = number(reference + index * referenceSize_, referenceSize_);
+        switch (*marker >> 4) {
+            case 0x5: return isText(*place, *marker, 1);
+            case 0x6: return isText(*place, *marker, 2);
+            case 0xA:
+            case 0xB:
+            case 0xC: return visitAll(*place, *marker, 1, depth);
+            case 0xD: return visitAll(*place, *marker, 2, depth);  // the keys, then the values
+            default: return true;
+        }
+    }
+
+    bool isText(std::uint64_t place, std::uint64_t marker, std::uint64_t unitSize) const {
+        const auto units = count(place, marker);
+        if (!units || *units > contents_.size()) return false;
+        for (std::uint64_t unit = 0; unit < *units; ++unit)
+            if (number(place + unit * unitSize, unitSize).value_or(0) == 0) return false;
+        return true;
+    }
+
+    bool visitAll(std::uint64_t place, std::uint64_t marker, std::uint64_t each, int depth) {
+        const auto values = count(place, marker);
+        if (!values || *values > kMostListValues) return false;
+        for (std::uint64_t index = 0; index < *values * each; ++index) {
+            const auto next = number(place + index * referenceSize_, referenceSize_);
             if (!next || !visit(*next, depth + 1)) return false;
         }
         return true;
@@ -76,10 +92,11 @@ private:
 
 bool isBinaryList(ByteView contents) { return textOf(contents).starts_with(kBinaryStart); }
 
-bool binaryListIsModest(ByteView contents) { return BinaryWalk{contents}.isModest(); }
+bool binaryListIsSafe(ByteView contents) { return BinaryWalk{contents}.isSafe(); }
 
-bool xmlListIsModest(ByteView contents) {
+bool xmlListIsSafe(ByteView contents) {
     const std::string_view text = textOf(contents);
+    if (text.find('\0') != text.npos) return false;
     std::size_t values = 0;
     for (auto place = text.find('<'); place != text.npos; place = text.find('<', place + 1)) {
         const std::string_view tag = text.substr(place + 1);
