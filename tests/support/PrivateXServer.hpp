@@ -5,7 +5,9 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <string>
+#include <vector>
 
 #include "tests/support/ChildProcess.hpp"
 
@@ -22,6 +24,8 @@ public:
                                            "-screen",  "0",          geometry,
                                            "-noreset", "-nolisten",  "tcp"};
         arguments.insert(arguments.end(), more.begin(), more.end());
+        // It complains about every display that is taken.
+        arguments.insert(arguments.begin(), {"sh", "-c", "exec \"$@\" 2>/dev/null", "sh"});
         process_ = ChildProcess{arguments, {}, ends[1]};
         close(ends[1]);
         const std::string number = readLine(ends[0]);
@@ -33,7 +37,26 @@ public:
     std::string environment() const { return "DISPLAY=" + display_; }
     ChildProcess& process() { return process_; }
 
+    // Adds a monitor; the first one that is primary takes the place of the server's own. Returns
+    // when the server has it.
+    void setMonitor(const std::string& name, int width, int height, int x, int y,
+                    bool isPrimary = false) {
+        const auto part = [](int length) { return std::to_string(length) + "/100"; };
+        runXrandr(
+            {"--setmonitor", (isPrimary ? "*" : "") + name,
+             part(width) + "x" + part(height) + "+" + std::to_string(x) + "+" + std::to_string(y),
+             isPrimary ? "screen" : "none"});
+    }
+    void deleteMonitor(const std::string& name) { runXrandr({"--delmonitor", name}); }
+
 private:
+    void runXrandr(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"xrandr", "--display", display_});
+        // It lists what it did.
+        arguments.insert(arguments.begin(), {"sh", "-c", "exec \"$@\" >/dev/null", "sh"});
+        ChildProcess{arguments}.wait(std::chrono::seconds{20});
+    }
+
     static std::string readLine(int descriptor) {
         std::string line;
         char character = 0;

@@ -1,0 +1,110 @@
+// A private X server, the session under test on it, and what the lock watcher tells.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/linux/LockWatcherLinux.hpp"
+#include "platform/linux/X11SessionLinux.hpp"
+#include "tests/support/LoopRunner.hpp"
+#include "tests/support/PrivateXServer.hpp"
+#include "tests/support/RecordingLog.hpp"
+#include "tests/support/X11Client.hpp"
+
+namespace quorvane {
+
+inline constexpr Rect kLeftMonitor{0, 0, 800, 900};
+inline constexpr Rect kRightMonitor{800, 0, 800, 900};
+inline constexpr Rect kBothMonitors{0, 0, 1600, 900};
+
+class LockFixture : public testing::Test {
+protected:
+    LockFixture() {
+        // Neither bus is there, as in a bare session.
+        setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+        setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+        unsetenv("QUORVANE_SCALE");
+    }
+
+    void SetUp() override {
+        ASSERT_NE(server.display(), "") << "Xvfb did not come up";
+        client = std::make_unique<X11Client>(server.display());
+        services = std::make_unique<ServicesLinux>(log.sink());
+    }
+    void TearDown() override { stopWatching(); }
+
+    void useTwoMonitors() {
+        server.setMonitor("left", 800, 900, 0, 0, true);
+        server.setMonitor("right", 800, 900, 800, 0);
+    }
+    void watch() {
+        auto opened = X11SessionLinux::open(loop(), server.display(), [this] { ++timesLost; });
+        ASSERT_TRUE(opened) << opened.error().description;
+        session = *std::move(opened);
+        watcher = std::make_unique<LockWatcherLinux>(*services, *session, Logger{});
+        sources = watcher->sources();
+        for (const char* name :
+             {kScreenIsLocked, kScreenIsUnlocked, kScreenLockUIIsShown, kScreenLockUIIsHidden})
+            observations.push_back(
+                services->localNotices.observe(name, [this, name](const PropertyDictionary&) {
+                    notices.push_back(name + std::string{"com.apple.screen"}.size());
+                }));
+        observations.push_back(sources.observeWake([this] { ++wakes; }));
+    }
+    void stopWatching() {
+        observations.clear();
+        watcher.reset();
+        session.reset();
+    }
+
+    EventLoop& loop() { return services->loop; }
+    // Everything that the other client has done so far has been seen.
+    void settle() {
+        client->sync();
+        std::free(xcb_get_input_focus_reply(session->connection(),
+                                            xcb_get_input_focus(session->connection()), nullptr));
+        runOnce(loop());
+    }
+    // The notices without their common beginning, and forgets them.
+    std::vector<std::string> take() { return std::exchange(notices, {}); }
+    std::vector<std::string> takeSettled() {
+        settle();
+        return take();
+    }
+    bool waitForNotices(std::size_t count) {
+        return runUntil(loop(), [&] { return notices.size() >= count; });
+    }
+    bool isLocked() {
+        const auto root = sources.sessionDictionary();
+        const auto* dictionary = root ? root->as<PropertyDictionary>() : nullptr;
+        return dictionary && find<bool>(*dictionary, "CGSSessionScreenIsLocked");
+    }
+    std::vector<Rect> zones() {
+        std::vector<Rect> all;
+        for (const Screen& screen : session->screens().list())
+            all.insert(all.end(), screen.keepClear.begin(), screen.keepClear.end());
+        return all;
+    }
+
+    using Notices = std::vector<std::string>;
+    const Notices kLockedAndShown{"IsLocked", "LockUIIsShown"};
+    const Notices kHiddenAndUnlocked{"LockUIIsHidden", "IsUnlocked"};
+
+    PrivateXServer server{"1600x900x24"};
+    RecordingLog log;
+    std::unique_ptr<X11Client> client;
+    std::unique_ptr<ServicesLinux> services;
+    std::unique_ptr<X11SessionLinux> session;
+    std::unique_ptr<LockWatcherLinux> watcher;
+    LockSources sources;
+    std::vector<Handle> observations;
+    Notices notices;
+    int wakes = 0;
+    int timesLost = 0;
+};
+
+}  // namespace quorvane

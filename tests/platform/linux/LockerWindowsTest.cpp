@@ -1,0 +1,322 @@
+// Which windows on a real X server are taken for lockers, and what the watcher tells of them.
+#include <xcb/xinput.h>
+
+#include <random>
+
+#include "platform/linux/TopLevels.hpp"
+#include "platform/linux/XcbReply.hpp"
+#include "tests/platform/linux/LockFixture.hpp"
+
+namespace quorvane {
+namespace {
+
+class LockerWindows : public LockFixture {
+protected:
+    xcb_window_t standLocker(const Rect& frame = kBothMonitors, const char* name = "i3lock") {
+        const xcb_window_t window = client->makeWindow(frame);
+        if (*name) client->setClass(window, name, name);
+        client->map(window);
+        return window;
+    }
+};
+
+TEST_F(LockerWindows, TellOfAKnownLockerAsItComesAndGoes) {
+    useTwoMonitors();
+    watch();
+    EXPECT_FALSE(isLocked());
+    const xcb_window_t window = standLocker();
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    EXPECT_TRUE(isLocked());
+    EXPECT_EQ(session->lockerWindows(), (std::vector<LockerWindow>{{window, kBothMonitors}}));
+
+    client->unmap(window);
+    EXPECT_EQ(takeSettled(), kHiddenAndUnlocked);
+    EXPECT_FALSE(isLocked());
+    client->map(window);
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    client->destroy(window);
+    EXPECT_EQ(takeSettled(), kHiddenAndUnlocked);
+
+    standLocker();
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    client->disconnect();
+    EXPECT_TRUE(waitForNotices(2));
+    EXPECT_EQ(take(), kHiddenAndUnlocked);
+    EXPECT_TRUE(session->lockerWindows().empty());
+}
+
+TEST_F(LockerWindows, AreFoundWhenTheyStandAlready) {
+    standLocker();
+    client->sync();
+    watch();
+    EXPECT_TRUE(isLocked());
+    EXPECT_EQ(session->lockerWindows().size(), 1u);
+    // The lock is a state that is asked for; its face is announced to whoever comes late.
+    EXPECT_EQ(takeSettled(), (Notices{"LockUIIsShown"}));
+    client->disconnect();
+    EXPECT_TRUE(waitForNotices(2));
+    EXPECT_EQ(take(), kHiddenAndUnlocked);
+}
+
+TEST_F(LockerWindows, AnswerForTheSharedStateOfTheLocksFace) {
+    watch();
+    int token = 0;
+    std::uint64_t state = 7;
+    EXPECT_NE(sources.notifyRegisterCheck("com.apple.something", token), 0u);
+    ASSERT_EQ(sources.notifyRegisterCheck("com.apple.sessionagent.screenLockUIIsShowing", token),
+              0u);
+    EXPECT_EQ(sources.notifyGetState(token, state), 0u);
+    EXPECT_EQ(state, 0u);
+    standLocker();
+    settle();
+    EXPECT_EQ(sources.notifyGetState(token, state), 0u);
+    EXPECT_EQ(state, 1u);
+    sources.notifyCancel(token);
+}
+
+TEST_F(LockerWindows, AreKnownByAClassThatIsSetAfterMapping) {
+    watch();
+    const xcb_window_t window = standLocker(kBothMonitors, "");
+    EXPECT_EQ(takeSettled(), Notices{});
+    client->setClass(window, "i3lock", "i3lock");
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+}
+
+TEST_F(LockerWindows, OfAnUnknownClientNeedTheKeyboard) {
+    useTwoMonitors();
+    watch();
+    const xcb_window_t window = standLocker(kBothMonitors, "");
+    EXPECT_EQ(takeSettled(), Notices{}) << "an overlay is no locker";
+    ASSERT_TRUE(client->grabKeyboard());
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    client->ungrabKeyboard();
+    EXPECT_EQ(takeSettled(), kHiddenAndUnlocked);
+
+    client->unmap(window);
+    ASSERT_TRUE(client->grabKeyboard());
+    EXPECT_EQ(takeSettled(), Notices{}) << "the grab came before the window";
+    client->map(window);
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+}
+
+TEST_F(LockerWindows, OfAnUnknownClientAreToldFromWindowsThatOnlyCoverMuch) {
+    useTwoMonitors();
+    watch();
+    X11Client desktop{server.display()};
+    ASSERT_TRUE(desktop.grabKeyboard());
+    const xcb_window_t onOne = standLocker(kLeftMonitor, "");
+    EXPECT_EQ(takeSettled(), Notices{}) << "one monitor is open";
+    client->destroy(onOne);
+
+    const xcb_window_t wallpaper = standLocker(kBothMonitors, "");
+    client->restack(wallpaper, XCB_STACK_MODE_BELOW);
+    const xcb_window_t ordinary = client->makeWindow({50, 50, 300, 200}, {false, false});
+    client->map(ordinary);
+    desktop.ungrabKeyboard();
+    ASSERT_TRUE((desktop.sync(), desktop.grabKeyboard()));
+    EXPECT_EQ(takeSettled(), Notices{}) << "an ordinary window stands above";
+    client->destroy(wallpaper);
+
+    // The compositor's own window covers everything, whatever keys the desktop grabs.
+    const xcb_window_t output = desktop.makeWindow(kBothMonitors);
+    xcb_set_selection_owner(desktop.connection(), output, desktop.atom("_NET_WM_CM_S0"),
+                            XCB_CURRENT_TIME);
+    desktop.map(output);
+    desktop.sync();
+    EXPECT_EQ(takeSettled(), Notices{}) << "it is the compositor's";
+}
+
+TEST_F(LockerWindows, OfSeveralPartsCountTogether) {
+    useTwoMonitors();
+    watch();
+    ASSERT_TRUE(client->grabKeyboard());
+    const xcb_window_t left = standLocker(kLeftMonitor, "");
+    const xcb_window_t right = standLocker(kRightMonitor, "");
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    EXPECT_EQ(session->lockerWindows(),
+              (std::vector<LockerWindow>{{right, kRightMonitor}, {left, kLeftMonitor}}));
+}
+
+TEST_F(LockerWindows, StayWhenAMonitorGrowsBeforeThem) {
+    server.setMonitor("only", 800, 600, 0, 0, true);
+    watch();
+    const xcb_window_t window = standLocker({0, 0, 800, 600});
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    server.deleteMonitor("only");
+    EXPECT_EQ(takeSettled(), Notices{});
+    client->configure(window, kBothMonitors);
+    EXPECT_EQ(takeSettled(), Notices{});
+    EXPECT_EQ(session->lockerWindows().front().frame, kBothMonitors);
+}
+
+TEST_F(LockerWindows, OfXscreensaverCountOnlyWhileItSaysLocked) {
+    watch();
+    const auto say = [this](const char* status) {
+        client->setRootNumber("_SCREENSAVER_STATUS", XCB_ATOM_INTEGER, client->atom(status));
+    };
+    ASSERT_TRUE(client->grabKeyboard());
+    say("BLANK");
+    const xcb_window_t saver = client->makeWindow(kBothMonitors);
+    client->setClass(saver, "xscreensaver", "XScreenSaver");
+    const xcb_window_t fade = client->makeWindow(kBothMonitors);
+    client->map(fade);
+    client->map(saver);
+    EXPECT_EQ(takeSettled(), Notices{}) << "blank, and its fade has no class";
+    say("LOCK");
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    ASSERT_EQ(session->lockerWindows().size(), 1u);
+    EXPECT_EQ(session->lockerWindows().front().window, saver);
+    // The process that guards the screen ends; the one that draws stays.
+    client->ungrabKeyboard();
+    EXPECT_EQ(takeSettled(), kHiddenAndUnlocked);
+}
+
+TEST_F(LockerWindows, KeepTheAreasOfTheirPromptsClear) {
+    watch();
+    int changes = 0;
+    const Handle observation = session->screens().observeKeepClear([&] { ++changes; });
+    const xcb_window_t window = client->makeWindow(kBothMonitors);
+    client->setClass(window, "background", "xsecurelock");
+    client->map(window);
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    EXPECT_EQ(zones(), std::vector<Rect>{});
+    EXPECT_EQ(changes, 0);
+
+    const xcb_window_t prompt = client->makeWindow({600, 400, 300, 100}, {false, false}, window);
+    settle();
+    EXPECT_EQ(zones(), std::vector<Rect>{}) << "not mapped yet";
+    client->map(prompt);
+    settle();
+    EXPECT_EQ(zones(), (std::vector<Rect>{{600, 400, 300, 100}}));
+    client->configure(prompt, {610, 380, 300, 100});
+    settle();
+    EXPECT_EQ(zones(), (std::vector<Rect>{{610, 420, 300, 100}}));
+    const xcb_window_t dialog = client->makeWindow({10, 20, 200, 100});
+    client->map(dialog);
+    settle();
+    EXPECT_EQ(zones(), (std::vector<Rect>{{610, 420, 300, 100}, {10, 780, 200, 100}}));
+    client->destroy(prompt);
+    client->destroy(dialog);
+    settle();
+    EXPECT_EQ(zones(), std::vector<Rect>{});
+    EXPECT_GE(changes, 4);
+}
+
+TEST_F(LockerWindows, AreNotMistakenForOurs) {
+    watch();
+    const xcb_window_t window = standLocker(kBothMonitors, "XLock");
+    settle();
+    const auto before = zones();
+    // A card made over the session's own connection, and one that was noted.
+    xcb_connection_t* own = session->connection();
+    const xcb_window_t card = xcb_generate_id(own);
+    xcb_create_window(own, XCB_COPY_FROM_PARENT, card, window, 20, 20, 200, 100, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(own, card);
+    const xcb_window_t noted = client->makeWindow({300, 20, 200, 100}, {true, false}, window);
+    session->noteOwnWindow(noted, true);
+    client->map(noted);
+    settle();
+    EXPECT_EQ(zones(), before);
+    session->noteOwnWindow(noted, false);
+    settle();
+    EXPECT_EQ(zones().size(), before.size() + 1);
+}
+
+TEST_F(LockerWindows, AreWatchedWithoutAnyKeyOrGrab) {
+    watch();
+    standLocker();
+    const Handle pointer = session->observePointer([](const RawPointerEvent&) {});
+    settle();
+    xcb_connection_t* own = session->connection();
+    const auto attributes = xcbReply(xcb_get_window_attributes_reply, own,
+                                     xcb_get_window_attributes(own, session->screen().root));
+    ASSERT_TRUE(attributes);
+    EXPECT_EQ(attributes->your_event_mask &
+                  (XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE |
+                   XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT),
+              0u);
+    const auto selected = xcbReply(xcb_input_xi_get_selected_events_reply, own,
+                                   xcb_input_xi_get_selected_events(own, session->screen().root));
+    ASSERT_TRUE(selected);
+    auto masks = xcb_input_xi_get_selected_events_masks_iterator(selected.get());
+    ASSERT_EQ(masks.rem, 1);
+    EXPECT_EQ(xcb_input_event_mask_mask(masks.data)[0],
+              unsigned{XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS |
+                       XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE});
+    // Both are free for others.
+    EXPECT_TRUE(client->grabKeyboard());
+    EXPECT_TRUE(client->grabPointer());
+}
+
+// The stack is followed from events alone; after any history it must be what the server lists.
+TEST_F(LockerWindows, AreStackedAsTheServerSays) {
+    watch();
+    TopLevels* followed = nullptr;
+    auto x11 = X11Connection::open(loop(), server.display(), [] {});
+    ASSERT_TRUE(x11);
+    TopLevels topLevels{**x11, [] {}};
+    followed = &topLevels;
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::minstd_rand random{seed};
+    const auto pick = [&](std::size_t count) { return random() % count; };
+    std::vector<xcb_window_t> made;
+    for (int step = 0; step < 400; ++step) {
+        const Rect frame{double(pick(500)), double(pick(500)), double(1 + pick(900)),
+                         double(1 + pick(900))};
+        const std::size_t action = pick(8);
+        if (action < 2 || made.empty()) {
+            made.push_back(client->makeWindow(frame, {pick(2) == 0, false}));
+            continue;
+        }
+        const std::size_t index = pick(made.size());
+        const xcb_window_t window = made[index];
+        switch (action) {
+            case 2: client->map(window); break;
+            case 3: client->unmap(window); break;
+            case 4: client->configure(window, frame); break;
+            case 5: client->restack(window, std::uint32_t(pick(5))); break;
+            case 6:
+                xcb_circulate_window(client->connection(), std::uint8_t(pick(2)), client->root());
+                break;
+            case 7:
+                if (pick(2) == 0) {
+                    xcb_reparent_window(client->connection(), window, made[pick(made.size())], 3,
+                                        4);
+                    xcb_reparent_window(client->connection(), window, client->root(), 5, 6);
+                    break;
+                }
+                client->destroy(window);
+                made.erase(made.begin() + std::ptrdiff_t(index));
+                break;
+        }
+    }
+    settle();
+    std::free(xcb_get_input_focus_reply((*x11)->connection(),
+                                        xcb_get_input_focus((*x11)->connection()), nullptr));
+    runOnce(loop());
+    const auto tree = xcbReply(xcb_query_tree_reply, client->connection(),
+                               xcb_query_tree(client->connection(), client->root()));
+    ASSERT_TRUE(tree);
+    const auto windows = followed->windows();
+    const int count = xcb_query_tree_children_length(tree.get());
+    ASSERT_EQ(windows.size(), std::size_t(count));
+    for (int i = 0; i < count; ++i) {
+        const auto& entry = windows[std::size_t(count - 1 - i)];
+        ASSERT_EQ(entry.window, xcb_query_tree_children(tree.get())[i]) << "at place " << i;
+        const auto geometry = xcbReply(xcb_get_geometry_reply, client->connection(),
+                                       xcb_get_geometry(client->connection(), entry.window));
+        const auto attributes =
+            xcbReply(xcb_get_window_attributes_reply, client->connection(),
+                     xcb_get_window_attributes(client->connection(), entry.window));
+        ASSERT_TRUE(geometry && attributes);
+        EXPECT_EQ(entry.frame, (Rect{double(geometry->x), double(geometry->y),
+                                     double(geometry->width), double(geometry->height)}));
+        EXPECT_EQ(entry.isMapped, attributes->map_state != XCB_MAP_STATE_UNMAPPED);
+        EXPECT_EQ(entry.isOverrideRedirect, attributes->override_redirect != 0);
+    }
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,136 @@
+// Another client of the X server: it plays lockers, overlays and the user's hand.
+#pragma once
+
+#include <xcb/xcb.h>
+#include <xcb/xtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "drawing/Geometry.hpp"
+
+namespace quorvane {
+
+class X11Client {
+public:
+    explicit X11Client(const std::string& display)
+        : connection_(xcb_connect(display.c_str(), nullptr)),
+          screen_(xcb_setup_roots_iterator(xcb_get_setup(connection_)).data) {}
+    ~X11Client() { disconnect(); }
+    X11Client(const X11Client&) = delete;
+    X11Client& operator=(const X11Client&) = delete;
+
+    xcb_connection_t* connection() const { return connection_; }
+    xcb_window_t root() const { return screen_->root; }
+    Rect screen() const {
+        return {0, 0, double(screen_->width_in_pixels), double(screen_->height_in_pixels)};
+    }
+
+    // What the process's end, by whatever signal, looks like to the server.
+    void disconnect() {
+        if (connection_) xcb_disconnect(std::exchange(connection_, nullptr));
+    }
+    // Returns when the server has carried out everything up to now.
+    void sync() const {
+        std::free(
+            xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    }
+
+    struct Look {
+        bool isOverrideRedirect = true;
+        bool isInputOnly = false;
+    };
+    // Not mapped. `parent` is the root when left out.
+    xcb_window_t makeWindow(const Rect& frame, Look look = {true, false},
+                            xcb_window_t parent = XCB_WINDOW_NONE) const {
+        const xcb_window_t window = xcb_generate_id(connection_);
+        const std::uint32_t values[] = {look.isOverrideRedirect ? 1u : 0u};
+        xcb_create_window(
+            connection_, XCB_COPY_FROM_PARENT, window, parent == XCB_WINDOW_NONE ? root() : parent,
+            std::int16_t(frame.x), std::int16_t(frame.y), std::uint16_t(frame.width),
+            std::uint16_t(frame.height), 0,
+            look.isInputOnly ? XCB_WINDOW_CLASS_INPUT_ONLY : XCB_WINDOW_CLASS_INPUT_OUTPUT,
+            XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, values);
+        return window;
+    }
+    void setClass(xcb_window_t window, std::string_view instance, std::string_view name) const {
+        const std::string both = std::string{instance} + '\0' + std::string{name} + '\0';
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
+                            XCB_ATOM_STRING, 8, std::uint32_t(both.size()), both.data());
+    }
+    void map(xcb_window_t window) const { xcb_map_window(connection_, window); }
+    void unmap(xcb_window_t window) const { xcb_unmap_window(connection_, window); }
+    void destroy(xcb_window_t window) const { xcb_destroy_window(connection_, window); }
+    void configure(xcb_window_t window, const Rect& frame) const {
+        const std::uint32_t values[] = {std::uint32_t(int(frame.x)), std::uint32_t(int(frame.y)),
+                                        std::uint32_t(frame.width), std::uint32_t(frame.height)};
+        xcb_configure_window(connection_, window,
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                                 XCB_CONFIG_WINDOW_HEIGHT,
+                             values);
+    }
+    void restack(xcb_window_t window, std::uint32_t mode) const {
+        xcb_configure_window(connection_, window, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
+    }
+
+    bool grabKeyboard() const {
+        auto* reply =
+            xcb_grab_keyboard_reply(connection_,
+                                    xcb_grab_keyboard(connection_, true, root(), XCB_CURRENT_TIME,
+                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                    nullptr);
+        const bool isGrabbed = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+        std::free(reply);
+        return isGrabbed;
+    }
+    void ungrabKeyboard() const { xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME); }
+    bool grabPointer() const {
+        auto* reply = xcb_grab_pointer_reply(
+            connection_,
+            xcb_grab_pointer(connection_, false, root(), 0, XCB_GRAB_MODE_ASYNC,
+                             XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, XCB_CURSOR_NONE,
+                             XCB_CURRENT_TIME),
+            nullptr);
+        const bool isGrabbed = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+        std::free(reply);
+        return isGrabbed;
+    }
+
+    xcb_atom_t atom(std::string_view name) const {
+        auto* reply = xcb_intern_atom_reply(
+            connection_,
+            xcb_intern_atom(connection_, false, std::uint16_t(name.size()), name.data()), nullptr);
+        const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+        std::free(reply);
+        return atom;
+    }
+    void setRootNumber(std::string_view property, xcb_atom_t type, std::uint32_t value) const {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root(), atom(property), type, 32, 1,
+                            &value);
+    }
+    void setResources(std::string_view text) const {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root(), XCB_ATOM_RESOURCE_MANAGER,
+                            XCB_ATOM_STRING, 8, std::uint32_t(text.size()), text.data());
+    }
+    // The user's hand, through the server's test extension.
+    void movePointer(int x, int y) const {
+        xcb_test_fake_input(connection_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root(),
+                            std::int16_t(x), std::int16_t(y), 0);
+    }
+    void button(unsigned number, bool isDown) const {
+        xcb_test_fake_input(connection_, isDown ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE,
+                            std::uint8_t(number), XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+    }
+    void key(unsigned code, bool isDown) const {
+        xcb_test_fake_input(connection_, isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE,
+                            std::uint8_t(code), XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+    }
+
+private:
+    xcb_connection_t* connection_;
+    const xcb_screen_t* screen_;
+};
+
+}  // namespace quorvane
