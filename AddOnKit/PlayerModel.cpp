@@ -92,7 +92,8 @@ PlayerModel::TrackText PlayerModel::switchTrack(const XPCTrack* track, const std
 }
 
 void PlayerModel::applyArtwork(const XPCTrack* track, Notes& notes) {
-    const auto data = track == nullptr ? std::nullopt : track->artworkData;
+    static const std::optional<SharedBytes> kNone;
+    const std::optional<SharedBytes>& data = track == nullptr ? kNone : track->artworkData;
     if (data == lastArtworkData_) return;
     // Views tell covers apart by this number; starting over would make two of them one.
     if (artworkID.get() == std::numeric_limits<std::int64_t>::max()) std::abort();

@@ -151,8 +151,12 @@ TEST(LockMonitor, ObservesInOrderWhileStarted) {
         EXPECT_EQ(f.wake, nullptr);
     }
     f.monitor->start();
-    f.monitor->onEvent = [&](const PresentationEvent&) { f.monitor.reset(); };
-    f.post("com.apple.screenIsLocked");  // the listener destroys the monitor
+    f.monitor->onEvent = [&](const PresentationEvent& event) {
+        f.monitor.reset();
+        f.events.push_back(event);  // the listener is still whole
+    };
+    f.post("com.apple.screenIsLocked");
+    EXPECT_EQ(f.events, std::vector<PresentationEvent>{event::Locked{}});
     EXPECT_TRUE(f.notices.empty());
     EXPECT_EQ(f.wake, nullptr);
 }
