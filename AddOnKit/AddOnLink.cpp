@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/LockScreenHelloClient.hpp"
 
 namespace quorvane {
 namespace {
@@ -11,10 +12,10 @@ namespace {
 constexpr Duration kHelloInterval = std::chrono::seconds{60};
 constexpr std::int64_t kProtocolVersion = 1;
 
-// Every real answer names a version that the main application accepts; what stands for "no answer
-// came" is the record as it is made.
+// Every real answer names a version that the main application accepts, so none looks like a
+// failure.
 bool isAnswer(const LockScreenAddOnConfiguration& result) {
-    return result != LockScreenAddOnConfiguration{};
+    return result != failureConfiguration();
 }
 
 }  // namespace

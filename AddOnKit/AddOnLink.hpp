@@ -20,7 +20,7 @@ namespace quorvane {
 class AddOnLink {
 public:
     // Sends one hello. The completion runs once, on the main thread, inside the call or later; with
-    // the default configuration when no answer came.
+    // the failure configuration when no answer came.
     using HelloCompletion = std::function<void(LockScreenAddOnConfiguration)>;
     using SendHello = std::function<void(LockScreenAddOnHello, HelloCompletion completion)>;
 
