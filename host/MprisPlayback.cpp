@@ -9,8 +9,7 @@ namespace {
 // Players that do not know their position say 0 whenever they are asked. Their own reckoning is
 // better than a card that jumps back to the start.
 bool knowsNoPosition(const MprisPlayback& before, const MediaPlayer& player) {
-    return before.heardAt != Instant{} && before.heard == 0 && player.position == 0 &&
-           before.anchor.isPlaying;
+    return before.heardAt && before.heard == 0 && player.position == 0 && before.anchor.isPlaying;
 }
 
 }  // namespace
@@ -25,12 +24,11 @@ MprisPlayback MprisPlayback::following(const std::optional<MprisPlayback>& befor
                        .heard = player.position};
     const bool isSameTrack =
         before && before->player == next.player && before->trackKey == next.trackKey;
-    const bool isFresh =
-        player.positionAt != Instant{} &&
-        (!before || before->player != next.player || before->heardAt != player.positionAt);
+    const bool isFresh = player.positionAt && !(before && before->player == next.player &&
+                                                before->heardAt == player.positionAt);
     if (isFresh && !(isSameTrack && knowsNoPosition(*before, player))) {
         next.anchor.seconds = static_cast<double>(player.position) / 1e6;
-        next.anchor.at = player.positionAt;
+        next.anchor.at = *player.positionAt;
     } else if (isSameTrack) {
         next.anchor = before->anchor.movedTo(now);
     }

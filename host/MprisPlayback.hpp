@@ -15,8 +15,8 @@ struct MprisPlayback {
     std::string player;
     std::string trackKey;
     PlaybackAnchor anchor;
-    Instant heardAt{};       // when the player last told its position
-    std::int64_t heard = 0;  // what it told, in microseconds
+    std::optional<Instant> heardAt{};  // when the player last told its position
+    std::int64_t heard = 0;            // what it told, in microseconds
 
     // The playback after the player has said something; `before` is empty at first.
     static MprisPlayback following(const std::optional<MprisPlayback>& before,

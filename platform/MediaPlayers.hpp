@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,8 @@ struct MediaPlayer {
     std::string busName;     // "org.mpris.MediaPlayer2.…", unique while the player lives
     std::string identity{};  // "Identity" of the player, "" when it has none
     PropertyDictionary properties{};
-    std::int64_t position = 0;  // microseconds, as the player said at `positionAt`
-    Instant positionAt{};       // the epoch of the clock while it has said nothing
+    std::int64_t position = 0;            // microseconds, as the player said at `positionAt`
+    std::optional<Instant> positionAt{};  // nothing while it has not said so
 };
 
 // Main thread only. Nothing here waits for a player: each says when it likes what it is asked, and

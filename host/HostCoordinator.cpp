@@ -1,0 +1,157 @@
+#include "host/HostCoordinator.hpp"
+
+#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/MessagePortSecret.hpp"
+#include "QuorvaneKit/MessagePortWire.hpp"
+
+namespace quorvane {
+
+namespace {
+
+// A change of track comes as a handful of changes in quick succession, the artwork last. The add-on
+// hears of them once.
+constexpr Duration kCoalescing = std::chrono::milliseconds{50};
+constexpr std::size_t kPortCount = kQueryPortCount + 1;
+
+}  // namespace
+
+// What the handlers on the ports' threads reach. `host` is empty once the coordinator is gone; it
+// is looked at on the main thread only.
+struct HostCoordinator::Link {
+    PublishedState state;
+    MainThread mainThread;
+    std::function<Instant()> now;
+    WallClock wallClock;
+    HostCoordinator* host = nullptr;
+
+    // Runs the action on the main thread, soon, if the coordinator is still there.
+    static void post(const std::shared_ptr<Link>& link,
+                     std::function<void(HostCoordinator&)> action) {
+        link->mainThread.post([weak = std::weak_ptr{link}, action = std::move(action)] {
+            const auto held = weak.lock();
+            if (held && held->host) action(*held->host);
+        });
+    }
+};
+
+HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource> player)
+    : services_(std::move(services)),
+      log_(services_.log, kIdentifierPrefix, "host"),
+      player_(std::move(player)),
+      defaults_(services_.sharedSuite),
+      desk_(defaults_, services_.wallClock, log_),
+      notices_(services_.darwinNotices),
+      link_(std::make_shared<Link>()) {
+    link_->mainThread = services_.mainThread;
+    link_->now = services_.clock.now;
+    link_->wallClock = services_.wallClock;
+    link_->host = this;
+}
+
+HostCoordinator::~HostCoordinator() {
+    stop();
+    link_->host = nullptr;
+}
+
+bool HostCoordinator::start() {
+    player_->onChanged = [this] { playerChanged(); };
+    playerChanged();
+    waits_ = EndableWaits{};
+    server_.emplace(MessagePortServer::Services{.log = services_.log,
+                                                .openPort = countingOpenPort(),
+                                                .nameCurrentThread = services_.nameCurrentThread,
+                                                .makeWaitFlag = waits_.make()});
+    server_->handlers = makeHandlers();
+    server_->expectedSecret = secret();
+    const bool hasSecret = server_->expectedSecret.has_value();
+    starting_ = services_.makeSerialQueue("example.quillon.Quorvane.host");
+    starting_->async([server = &*server_, link = link_] {
+        server->start();
+        Link::post(link, [](HostCoordinator& host) { host.starting_.reset(); });
+    });
+    return hasSecret;
+}
+
+void HostCoordinator::stop() {
+    if (!server_) return;
+    player_->onChanged = nullptr;
+    announcement_.reset();
+    waits_.end();
+    starting_.reset();
+    server_.reset();
+    if (isServing()) {
+        log_.info("host: ending");
+        notices_.post(QuorvaneDarwinNotification::mainAppWillTerminate);
+    }
+    openPorts_ = 0;
+}
+
+bool HostCoordinator::isServing() const { return openPorts_ == kPortCount; }
+
+// One secret serves as long as the container does: the add-on may read it at any time.
+std::optional<Bytes> HostCoordinator::secret() const {
+    auto known = MessagePortSecret::read(services_.files);
+    if (known && known->size() == MessagePortWire::kSecretLength) return known;
+    return MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
+}
+
+OpenPort HostCoordinator::countingOpenPort() const {
+    return [openPort = services_.openPort, link = link_](const std::string& name,
+                                                         PortHandler handler) {
+        auto port = openPort(name, std::move(handler));
+        if (port) Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
+        return port;
+    };
+}
+
+void HostCoordinator::portOpened() {
+    ++openPorts_;
+    if (!isServing()) return;
+    log_.info("host: serving");
+    // Whoever was here before us is gone: the add-on connects anew and says who it is.
+    notices_.post(QuorvaneDarwinNotification::playerStateChanged);
+    notices_.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    if (onServing) onServing();
+}
+
+MessagePortHandlers HostCoordinator::makeHandlers() const {
+    MessagePortHandlers handlers;
+    handlers.onStateRequested = [link = link_] {
+        Link::post(link, [](HostCoordinator& host) { host.player_->freshen(); });
+        return std::optional{stateAt(link->state.snapshot(), link->now(), link->wallClock())};
+    };
+    handlers.onActionReceived = [link = link_](QuorvaneAction action) {
+        Link::post(link, [action](HostCoordinator& host) {
+            host.log_.info("host: %{public}s", name(action));
+            host.player_->perform(action);
+        });
+    };
+    handlers.onVolumeChangeReceived = [link = link_](std::int64_t volume) {
+        Link::post(link, [volume](HostCoordinator& host) { host.player_->setVolume(volume); });
+    };
+    handlers.onRatingChangeReceived = [link = link_](std::int64_t rating) {
+        Link::post(link, [rating](HostCoordinator& host) { host.player_->setRating(rating); });
+    };
+    handlers.onLockScreenHelloReceived = [link = link_](Bytes request,
+                                                        MessagePortHandlers::Answer answer) {
+        Link::post(link, [request = std::move(request), answer = std::move(answer)](
+                             HostCoordinator& host) { answer(host.desk_.answer(request)); });
+    };
+    return handlers;
+}
+
+void HostCoordinator::playerChanged() {
+    link_->state.publish(player_->snapshot());
+    if (announcement_) return;
+    announcement_ = services_.clock.after(kCoalescing, [this] { announce(); });
+}
+
+void HostCoordinator::announce() {
+    announcement_.reset();
+    PlayerSnapshot now = player_->snapshot();
+    if (announced_ && !isNews(*announced_, now, services_.clock.now())) return;
+    announced_ = std::move(now);
+    if (isServing()) notices_.post(QuorvaneDarwinNotification::playerStateChanged);
+}
+
+}  // namespace quorvane

@@ -1,0 +1,79 @@
+// The main application's side of the link, as a whole: it owns the player, the ports' server and
+// what is said to the add-on.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "QuorvaneKit/DarwinNotificationCenter.hpp"
+#include "QuorvaneKit/MessagePortServer.hpp"
+#include "QuorvaneKit/SharedDefaults.hpp"
+#include "host/EndableWaits.hpp"
+#include "host/LockScreenDesk.hpp"
+#include "host/PlayerSource.hpp"
+#include "host/PublishedState.hpp"
+#include "platform/FileStore.hpp"
+#include "platform/MainThread.hpp"
+#include "platform/SerialQueue.hpp"
+
+namespace quorvane {
+
+// Main thread only. What the ports' threads need is shared with them; everything else they post
+// here.
+class HostCoordinator {
+public:
+    struct Services {
+        LogSink log;
+        OpenPort openPort;
+        std::function<void(const std::string& name)> nameCurrentThread;  // may be unset
+        FileStore files;
+        FillRandom fillRandom;
+        MainThread mainThread;
+        MakeSerialQueue makeSerialQueue;
+        Clock clock;
+        WallClock wallClock;
+        DarwinNotices darwinNotices;
+        std::optional<UserDefaults> sharedSuite;
+    };
+
+    HostCoordinator(Services services, std::unique_ptr<PlayerSource> player);
+    ~HostCoordinator();
+
+    // Serves from now on, or from when whoever else holds the ports' names has ended. False when
+    // there is no connection secret, which has been logged: everything that comes is then dropped.
+    bool start();
+    // Tells the add-on, if it was served. The names are free afterwards.
+    void stop();
+
+    // Whether all ports are open.
+    bool isServing() const;
+    // Called when that has become so.
+    std::function<void()> onServing;
+
+private:
+    struct Link;
+
+    std::optional<Bytes> secret() const;
+    OpenPort countingOpenPort() const;
+    MessagePortHandlers makeHandlers() const;
+    void portOpened();
+    void playerChanged();
+    void announce();
+
+    Services services_;
+    Logger log_;
+    std::unique_ptr<PlayerSource> player_;
+    SharedDefaults defaults_;
+    LockScreenDesk desk_;
+    DarwinNotificationCenter notices_;
+    std::shared_ptr<Link> link_;  // shared with the ports' threads
+    EndableWaits waits_;
+    std::optional<MessagePortServer> server_;
+    // Starts the server, which may take as long as another host lives. Destroyed before it.
+    std::unique_ptr<SerialQueue> starting_;
+    std::size_t openPorts_ = 0;
+    std::optional<PlayerSnapshot> announced_;
+    Timer announcement_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,68 @@
+#include "host/HostStatusQuery.hpp"
+
+#include "QuorvaneKit/MessagePortSecret.hpp"
+#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/MessageType.hpp"
+#include "QuorvaneKit/PortNames.hpp"
+#include "QuorvaneKit/SharedDefaults.hpp"
+#include "QuorvaneKit/XPCCodableHelpers.hpp"
+#include "platform/Wipe.hpp"
+
+namespace quorvane {
+
+namespace {
+
+constexpr Duration kHostTimeout = std::chrono::seconds{1};
+constexpr Duration kAddOnTimeout = std::chrono::milliseconds{500};
+
+}  // namespace
+
+void HostStatusQuery::start(std::function<void(HostStatus)> done) {
+    done_ = std::move(done);
+    readDefaults();
+    askHost();
+    observation_ = services_.distributedNotices.observe(
+        AddOnSignals::kStatus, [this](const PropertyDictionary& userInfo) {
+            const auto answer = AddOnSignals::Status::fromUserInfo(userInfo);
+            if (!answer) return;
+            status_.addOn = answer;
+            finish();
+        });
+    timeout_ = services_.clock.after(kAddOnTimeout, [this] { finish(); });
+    services_.distributedNotices.post(AddOnSignals::kStatusRequest, {});
+}
+
+void HostStatusQuery::readDefaults() {
+    const SharedDefaults defaults{services_.sharedSuite};
+    status_.hasSharedDefaults = services_.sharedSuite.has_value();
+    status_.isEnabled = defaults.lockScreenEnabled();
+    status_.pendingRemoval = defaults.lockScreenPendingRemoval();
+    status_.lastSeen = defaults.lockScreenAddOnLastSeen();
+}
+
+void HostStatusQuery::askHost() {
+    const auto port = services_.connectPort(std::string{kMessagePortBaseName});
+    status_.isServed = port != nullptr;
+    auto secret = MessagePortSecret::read(services_.files);
+    if (!port || !secret) return;
+    auto request = MessagePortWire::wrap({}, *secret);
+    wipe(*secret);
+    if (!request) return;
+    PortReply reply = port->send({.messageID = static_cast<std::int32_t>(MessageType::requestState),
+                                  .body = *request,
+                                  .sendTimeout = kHostTimeout,
+                                  .receiveTimeout = kHostTimeout,
+                                  .awaitsReply = true});
+    wipe(*request);
+    if (reply.status != kPortSuccess || !reply.body) return;
+    auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*std::move(reply.body));
+    if (state) status_.state = *std::move(state);
+}
+
+void HostStatusQuery::finish() {
+    observation_.reset();
+    timeout_.reset();
+    if (const auto done = std::exchange(done_, nullptr)) done(status_);
+}
+
+}  // namespace quorvane

@@ -1,0 +1,145 @@
+// The entry of quorvane-host: makes the live tables and carries the command out.
+
+#include <cstdio>
+#include <memory>
+
+#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/PortNames.hpp"
+#include "host/CardSwitch.hpp"
+#include "host/HostCommandLine.hpp"
+#include "host/HostCoordinator.hpp"
+#include "host/HostStatusQuery.hpp"
+#include "host/MprisPlayer.hpp"
+#include "host/ScriptedPlayer.hpp"
+#include "platform/LivePlatform.hpp"
+
+namespace quorvane {
+namespace {
+
+using Command = HostCommandLine::Command;
+
+void print(const std::string& text) { std::fputs(text.c_str(), stdout); }
+
+int fail(const std::string& reason) {
+    std::fprintf(stderr, "quorvane-host: %s\n", reason.c_str());
+    return kHostFailed;
+}
+
+void say(const char* sentence) { std::fprintf(stderr, "quorvane-host: %s\n", sentence); }
+
+std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
+    return services.openSuite(std::string{kAppGroup});
+}
+
+std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostCommandLine& line,
+                                                                     const LiveServices& services) {
+    if (line.player == HostCommandLine::Player::scripted) {
+        auto script = readScript(*line.script, makeLiveRegularFiles());
+        if (!script) return std::unexpected{script.error()};
+        return std::make_unique<ScriptedPlayer>(*std::move(script), services.clock);
+    }
+    return std::make_unique<MprisPlayer>(
+        MprisPlayer::Services{.players = makeLiveMediaPlayers(services),
+                              .files = makeLiveRegularFiles(),
+                              .clock = services.clock,
+                              .mainThread = services.mainThread,
+                              .makeSerialQueue = services.makeSerialQueue,
+                              .log = services.log},
+        line.onlyPlayer);
+}
+
+HostCoordinator::Services coordinatorServices(const LiveServices& services) {
+    return {.log = services.log,
+            .openPort = services.openPort,
+            .nameCurrentThread = services.nameCurrentThread,
+            .files = services.files,
+            .fillRandom = services.fillRandom,
+            .mainThread = services.mainThread,
+            .makeSerialQueue = services.makeSerialQueue,
+            .clock = services.clock,
+            .wallClock = services.wallClock,
+            .darwinNotices = services.darwinNotices,
+            .sharedSuite = sharedSuite(services)};
+}
+
+// On the signal's thread, before the signal ends the process: the add-on is told if the main thread
+// is not held up.
+void stopInTime(HostCoordinator& host, const MainThread& mainThread) {
+    const std::shared_ptr<WaitFlag> stopped = makeWaitFlag();
+    mainThread.post([&host, stopped] {
+        host.stop();
+        stopped->raise();
+    });
+    stopped->waitFor(std::chrono::seconds{2});
+}
+
+int run(const HostCommandLine& line, const LiveServices& services) {
+    auto player = makePlayer(line, services);
+    if (!player) return fail(player.error());
+    HostCoordinator host{coordinatorServices(services), *std::move(player)};
+    host.onServing = [] { say("serving; end with Ctrl-C"); };
+    services.application.handleTerminationSignal(
+        [&host, mainThread = services.mainThread] { stopInTime(host, mainThread); });
+    return services.application.run(
+        [&] {
+            if (services.connectPort(std::string{kMessagePortBaseName}))
+                say("another quorvane-host serves this login; waiting for it to end");
+            if (!SharedDefaults{sharedSuite(services)}.lockScreenEnabled())
+                say("the card is off; turn it on with: quorvane-host enable");
+            if (!host.start()) say("without a connection secret no add-on can connect");
+        },
+        [&] { host.stop(); });
+}
+
+int tellStatus(const LiveServices& services) {
+    HostStatusQuery query{{.connectPort = services.connectPort,
+                           .files = services.files,
+                           .clock = services.clock,
+                           .distributedNotices = services.distributedNotices,
+                           .sharedSuite = sharedSuite(services)}};
+    bool isRunning = false;
+    const auto tell = [&](const HostStatus& status) {
+        print(status.text(services.wallClock()));
+        isRunning = status.state.has_value();
+        services.application.terminate();
+    };
+    const int status = services.application.run([&] { query.start(tell); }, [] {});
+    return status == 0 && isRunning ? kHostDone : kHostFailed;
+}
+
+int switchCard(bool isEnabled, const LiveServices& services) {
+    const auto done = CardSwitch{.connectPort = services.connectPort,
+                                 .darwinNotices = services.darwinNotices,
+                                 .sharedSuite = sharedSuite(services)}
+                          .set(isEnabled);
+    if (!done) return fail(done.error());
+    print(*done);
+    return kHostDone;
+}
+
+int main(int argumentCount, char** arguments) {
+    const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
+    const auto line = HostCommandLine::parse(words);
+    if (!line) {
+        fail(line.error() + "\nTry: quorvane-host --help");
+        return kHostMisused;
+    }
+    if (line->command == Command::help) return print(HostCommandLine::help()), kHostDone;
+    if (line->command == Command::version)
+        return print("quorvane-host " QUORVANE_VERSION "\n"), kHostDone;
+
+    const auto services =
+        makeLiveServices(argumentCount, arguments, std::string{kIdentifierPrefix});
+    if (!services) return fail(services.error().description);
+    switch (line->command) {
+        case Command::status: return tellStatus(*services);
+        case Command::enable: return switchCard(true, *services);
+        case Command::disable: return switchCard(false, *services);
+        default: return run(*line, *services);
+    }
+}
+
+}  // namespace
+}  // namespace quorvane
+
+int main(int argumentCount, char** arguments) { return quorvane::main(argumentCount, arguments); }

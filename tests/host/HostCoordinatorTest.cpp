@@ -1,0 +1,320 @@
+#include "host/HostCoordinator.hpp"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <thread>
+
+#include "QuorvaneKit/MessagePortSecret.hpp"
+#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/XPCCodableHelpers.hpp"
+#include "tests/host/ServedPorts.hpp"
+#include "tests/support/FakeNotices.hpp"
+#include "tests/support/ManualClock.hpp"
+#include "tests/support/ManualMainThread.hpp"
+#include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/RecordingLog.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+const std::string kMainPort{kMessagePortBaseName};
+const std::string kQueryPort = queryPortName(kMessagePortBaseName, 2);
+
+struct FakePlayer : PlayerSource {
+    PlayerSnapshot snapshot() const override { return value; }
+    void perform(QuorvaneAction action) override { heard.push_back(std::string{name(action)}); }
+    void setVolume(std::int64_t v) override { heard.push_back("volume " + std::to_string(v)); }
+    void setRating(std::int64_t v) override { heard.push_back("rating " + std::to_string(v)); }
+    void freshen() override { heard.push_back("freshen"); }
+
+    PlayerSnapshot value;
+    std::vector<std::string> heard;
+};
+
+// One thread a queue, as the real ones.
+struct ThreadQueue : SerialQueue {
+    ~ThreadQueue() override {
+        if (thread.joinable()) thread.join();
+    }
+    void async(std::function<void()> action) override { thread = std::thread{std::move(action)}; }
+    std::thread thread;
+};
+
+class HostCoordinatorTest : public testing::Test {
+protected:
+    HostCoordinatorTest() {
+        auto owned = std::make_unique<FakePlayer>();
+        player = owned.get();
+        player->value.state.track = XPCTrack{.title = "Title", .artist = "Artist"};
+        host.emplace(
+            HostCoordinator::Services{
+                .log = log.sink(),
+                .openPort = ports.openPort(),
+                .nameCurrentThread = {},
+                .files = fileStore(),
+                .fillRandom = [this](std::span<std::byte> bytes) -> std::expected<void, int> {
+                    ++secretsMade;
+                    if (!hasRandom) return std::unexpected{7};
+                    std::ranges::fill(bytes, std::byte{0x5A});
+                    return {};
+                },
+                .mainThread = main.mainThread(),
+                .makeSerialQueue =
+                    [](const std::string&) { return std::make_unique<ThreadQueue>(); },
+                .clock = clock.clock(),
+                .wallClock = clock.wallClock(),
+                .darwinNotices = notices.darwin(),
+                .sharedSuite = defaults.table()},
+            std::move(owned));
+        for (const char* notice :
+             {"playerStateChanged", "lockScreenConfigurationChanged", "mainAppWillTerminate"})
+            observations.push_back(
+                notices.darwin().observe(std::string{"example.quillon.Quorvane."} + notice,
+                                         [this, notice] { heardNotices.push_back(notice); }));
+    }
+
+    FileStore fileStore() {
+        return {.containerOfGroup =
+                    [](const std::string& group) {
+                        return std::optional<std::filesystem::path>{"/" + group};
+                    },
+                .read = [this](const std::filesystem::path& path) -> Result<Bytes> {
+                    const auto file = files.find(path);
+                    if (file == files.end()) return std::unexpected{PlatformError{}};
+                    return file->second;
+                },
+                .writeAtomically = [this](const std::filesystem::path& path,
+                                          ByteView bytes) -> Result<void> {
+                    files[path] = copyOf(bytes);
+                    return {};
+                }};
+    }
+
+    void serve() {
+        EXPECT_TRUE(host->start());
+        waitUntilServing();
+        heardNotices.clear();
+    }
+    void waitUntilServing() {
+        while (!host->isServing())
+            if (main.run() == 0) std::this_thread::yield();
+    }
+    Bytes request(std::string_view payload = {}) {
+        return *MessagePortWire::wrap(bytesOf(payload), secret());
+    }
+    Bytes secret() { return files.at(kSecretFile); }
+
+    // A query is answered by the main thread while the port's thread waits.
+    Bytes query(std::int32_t messageID, const Bytes& body) {
+        auto answer =
+            std::async(std::launch::async, [&] { return ports.ask(kQueryPort, messageID, body); });
+        while (answer.wait_for(0s) != std::future_status::ready)
+            if (main.run() == 0) std::this_thread::yield();
+        return answer.get();
+    }
+    LockScreenAddOnConfiguration hello(const LockScreenAddOnHello& hello) {
+        const Bytes payload = *XPCCodableHelpers::encode(hello);
+        return configuration(query(14, request(textOf(payload))));
+    }
+    static LockScreenAddOnConfiguration configuration(Bytes reply) {
+        const auto decoded =
+            XPCCodableHelpers::decode<LockScreenAddOnConfiguration>(std::move(reply));
+        EXPECT_TRUE(decoded);
+        return decoded.value_or(LockScreenAddOnConfiguration{});
+    }
+    QuorvanePlayerState state() {
+        auto decoded =
+            XPCCodableHelpers::decode<QuorvanePlayerState>(ports.ask(kMainPort, 1, request()));
+        EXPECT_TRUE(decoded);
+        return decoded.value_or(QuorvanePlayerState{});
+    }
+    void change() { player->onChanged(); }
+    std::vector<std::string> takeHeard() { return std::exchange(player->heard, {}); }
+    std::vector<std::string> takeNotices() { return std::exchange(heardNotices, {}); }
+
+    using Texts = std::vector<std::string>;
+    static constexpr char kSecretFile[] = "/group.example.quillon.Quorvane/ipc-secret";
+    RecordingLog log;
+    ServedPorts ports;
+    ManualClock clock;
+    ManualMainThread main;
+    FakeNotices notices;
+    MemoryDefaults defaults;
+    std::map<std::filesystem::path, Bytes> files;
+    int secretsMade = 0;
+    bool hasRandom = true;
+    Texts heardNotices;
+    std::vector<Handle> observations;
+    FakePlayer* player = nullptr;
+    std::optional<HostCoordinator> host;
+};
+
+LockScreenAddOnConfiguration answered(bool isEnabled, bool removalRequested) {
+    return {isEnabled, removalRequested, "1.0.0"};
+}
+
+TEST_F(HostCoordinatorTest, MakesOneSecretAndKeepsIt) {
+    serve();
+    EXPECT_EQ(secret(), Bytes(32, std::byte{0x5A}));
+    host->stop();
+    EXPECT_TRUE(host->start());
+    EXPECT_EQ(secretsMade, 1);
+    host->stop();
+    files[kSecretFile] = Bytes(31);
+    EXPECT_TRUE(host->start());
+    EXPECT_EQ(secretsMade, 2) << "one that no add-on can use";
+}
+
+TEST_F(HostCoordinatorTest, WithoutASecretEverythingIsDropped) {
+    hasRandom = false;
+    EXPECT_FALSE(host->start());
+    ports.waitUntilServed(5);
+    EXPECT_TRUE(ports.ask(kMainPort, 1, Bytes(32)).empty());
+    EXPECT_TRUE(log.contains("Failed to generate IPC secret (SecRandomCopyBytes status 7)"));
+}
+
+TEST_F(HostCoordinatorTest, AnswersOnlyToTheSecret) {
+    serve();
+    Bytes wrong = request();
+    wrong[31] ^= std::byte{1};
+    EXPECT_TRUE(ports.ask(kMainPort, 1, wrong).empty());
+    wrong.push_back(std::byte{1});
+    EXPECT_TRUE(ports.ask(kMainPort, 2, wrong).empty());
+    main.run();
+    EXPECT_TRUE(takeHeard().empty());
+    EXPECT_TRUE(
+        log.contains("IPC: dropped message with missing/mismatched connection secret (type 2)"));
+    EXPECT_EQ(state().track->title, "Title");
+}
+
+TEST_F(HostCoordinatorTest, HandsOutTheStateOfTheMoment) {
+    player->value.state.playerState = XPCPlayerState::playing;
+    player->value.anchor = {.seconds = 40, .at = clock.clock().now(), .isPlaying = true};
+    serve();
+    clock.advance(12s);
+    const auto answer = state();
+    EXPECT_EQ(answer.timestamp, ManualClock::kStart + 12s);
+    EXPECT_DOUBLE_EQ(answer.playerPosition, 52) << "without the main thread's doing";
+    EXPECT_TRUE(takeHeard().empty());
+    main.run();
+    EXPECT_EQ(takeHeard(), Texts{"freshen"});
+}
+
+TEST_F(HostCoordinatorTest, CommandsReachThePlayerOnTheMainThread) {
+    serve();
+    ports.ask(kMainPort, 2, request("\x01"));
+    ports.ask(kMainPort, 2, request("\x03"));  // no action
+    ports.ask(kMainPort, 3, request("\x40"));
+    ports.ask(kMainPort, 4, request("\xFF"));
+    EXPECT_TRUE(takeHeard().empty());
+    main.run();
+    EXPECT_EQ(takeHeard(), (Texts{"nextTrack", "volume 64", "rating 255"}));
+    ports.ask(kMainPort, 2, request("\x01"));
+    host.reset();
+    EXPECT_GT(main.run(), 0) << "what arrives after the end goes nowhere";
+}
+
+TEST_F(HostCoordinatorTest, AnnouncesNewsOnceAndOnlyNews) {
+    serve();
+    clock.advance(1s);
+    takeNotices();
+    for (int i = 0; i < 5; ++i) {
+        player->value.state.volume += 1;
+        change();
+        clock.advance(5ms);
+    }
+    EXPECT_TRUE(takeNotices().empty());
+    EXPECT_EQ(state().volume, 5) << "handed out at once all the same";
+    clock.advance(1s);
+    EXPECT_EQ(takeNotices(), Texts{"playerStateChanged"});
+    change();
+    clock.advance(1s);
+    EXPECT_TRUE(takeNotices().empty());
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
+TEST_F(HostCoordinatorTest, SaysWhenItComesAndGoes) {
+    bool isServing = false;
+    host->onServing = [&] { isServing = true; };
+    host->start();
+    waitUntilServing();
+    EXPECT_TRUE(isServing);
+    EXPECT_EQ(takeNotices(), (Texts{"playerStateChanged", "lockScreenConfigurationChanged"}));
+    clock.advance(1s);
+    takeNotices();
+    host->stop();
+    EXPECT_EQ(takeNotices(), Texts{"mainAppWillTerminate"});
+    EXPECT_FALSE(ports.isServed(kMainPort));
+    host->stop();
+    EXPECT_TRUE(takeNotices().empty());
+}
+
+TEST_F(HostCoordinatorTest, WaitingForAnotherHostItIsSilentAndEndsAtOnce) {
+    ports.take();
+    host->start();
+    change();
+    clock.advance(1s);
+    const auto before = std::chrono::steady_clock::now();
+    host->stop();
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 5s) << "not after the ports' waits";
+    main.run();
+    EXPECT_TRUE(takeNotices().empty());
+}
+
+TEST_F(HostCoordinatorTest, AnswersHelloAndRemembersIt) {
+    defaults.values["lockScreenEnabled"] = {true};
+    serve();
+    clock.advance(3s);
+    const LockScreenAddOnHello fromA{.protocolVersion = 1,
+                                     .addOnVersion = "1.2.3",
+                                     .macOSVersion = "26.1.0",
+                                     .supportsThisMacOS = true,
+                                     .installID = "A",
+                                     .supersedesRemoval = false};
+    EXPECT_EQ(hello(fromA), answered(true, false));
+    const SharedDefaults stored{defaults.table()};
+    EXPECT_EQ(stored.lockScreenAddOnLastSeen(), sightingOf(fromA, ManualClock::kStart + 3s));
+    defaults.values["lockScreenEnabled"] = {false};
+    EXPECT_EQ(hello(fromA), answered(false, false)) << "as the defaults are now";
+}
+
+TEST_F(HostCoordinatorTest, DeliversARemovalToItsTargetOnly) {
+    defaults.values["lockScreenEnabled"] = {true};
+    serve();
+    struct Row {
+        std::optional<std::string> target, speaker;
+        bool supersedes, isDelivered;
+    };
+    const Row rows[] = {{"A", "A", false, true},          {"A", {}, false, true},
+                        {std::nullopt, "B", false, true}, {"A", "B", false, false},
+                        {"A", "A", true, false},          {std::nullopt, {}, true, false}};
+    SharedDefaults stored{defaults.table()};
+    for (const auto& [target, speaker, supersedes, isDelivered] : rows) {
+        ASSERT_TRUE(stored.setLockScreenPendingRemoval(LockScreenPendingRemoval{target}));
+        const LockScreenAddOnHello speaking{.protocolVersion = 1,
+                                            .addOnVersion = "1.0.0",
+                                            .macOSVersion = "26.0.0",
+                                            .supportsThisMacOS = true,
+                                            .installID = speaker,
+                                            .supersedesRemoval = supersedes};
+        EXPECT_EQ(hello(speaking), answered(!isDelivered, isDelivered));
+        EXPECT_EQ(stored.lockScreenPendingRemoval().has_value(), isDelivered);
+    }
+}
+
+TEST_F(HostCoordinatorTest, AHelloItCannotReadKeepsTheCardOff) {
+    defaults.values["lockScreenEnabled"] = {true};
+    serve();
+    for (const char* text : {"", "{", "{\"protocolVersion\":1}"}) {
+        log.take();
+        EXPECT_EQ(configuration(query(14, request(text))), answered(false, false));
+        EXPECT_TRUE(log.contains("Lock-screen hello undecodable: answering locked"));
+    }
+    EXPECT_FALSE(defaults.values.contains("lockScreenAddOnLastSeen"));
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,196 @@
+#include "host/HostStatus.hpp"
+
+#include <gtest/gtest.h>
+
+#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/SharedDefaults.hpp"
+#include "QuorvaneKit/XPCCodableHelpers.hpp"
+#include "host/CardSwitch.hpp"
+#include "host/HostStatusQuery.hpp"
+#include "tests/support/FakeNotices.hpp"
+#include "tests/support/ManualClock.hpp"
+#include "tests/support/MemoryDefaults.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr WallTime kNow = ManualClock::kStart;
+
+std::string lineOf(const HostStatus& status, const std::string& head) {
+    const std::string text = status.text(kNow);
+    const auto begin = text.find(head);
+    return begin == std::string::npos ? "" : text.substr(begin, text.find('\n', begin) - begin);
+}
+
+TEST(HostStatus, TellsWhatTheHostPlays) {
+    HostStatus status;
+    EXPECT_EQ(lineOf(status, "Host"), "Host:    not running; start it with: quorvane-host run");
+    status.isServed = true;
+    EXPECT_EQ(lineOf(status, "Host"), "Host:    its ports are taken, but nobody answers there");
+    status.state.emplace();
+    EXPECT_EQ(lineOf(status, "Host"), "Host:    running, nothing to play");
+    status.state->track = XPCTrack{.title = "A\x1b[2J\u009b1mB", .artist = ""};
+    status.state->playerState = XPCPlayerState::paused;
+    status.state->playerPosition = 61.9;
+    status.state->timestamp = kNow - 10s;
+    EXPECT_EQ(lineOf(status, "Host"), "Host:    running, paused \"A?[2J?1mB\" (1:01)");
+    status.state->playerState = XPCPlayerState::playing;
+    status.state->track = XPCTrack{.title = "A\u00e9", .artist = "B", .duration = 600};
+    EXPECT_EQ(lineOf(status, "Host"), "Host:    running, playing \"A\u00e9\" by B (1:11 of 10:00)");
+}
+
+TEST(HostStatus, TellsOfCardAndAddOn) {
+    HostStatus status;
+    EXPECT_EQ(lineOf(status, "Card"), "Card:    unknown: the shared settings cannot be opened");
+    status.hasSharedDefaults = true;
+    EXPECT_EQ(lineOf(status, "Card"), "Card:    off; turn it on with: quorvane-host enable");
+    status.isEnabled = true;
+    EXPECT_EQ(lineOf(status, "Card"), "Card:    on");
+    status.pendingRemoval.emplace();
+    EXPECT_EQ(lineOf(status, "Card"), "Card:    off; the add-on has been asked to remove itself");
+
+    EXPECT_EQ(lineOf(status, "Add-on"), "Add-on:  not running, and never seen");
+    status.lastSeen = LockScreenAddOnSighting{.addOnVersion = "1.2.0",
+                                              .macOSVersion = "26.1.0",
+                                              .supportsThisMacOS = true,
+                                              .date = kNow - 24h,
+                                              .installID = {}};
+    EXPECT_EQ(lineOf(status, "Add-on"),
+              "Add-on:  not running; version 1.2.0 was last seen 2025-12-31T00:00:00Z");
+    status.lastSeen->date = kNow - 5s;
+    EXPECT_EQ(lineOf(status, "Add-on"),
+              "Add-on:  does not answer; version 1.2.0 said hello just now");
+    status.addOn = AddOnSignals::Status{true, "1.2.1"};
+    EXPECT_EQ(lineOf(status, "Add-on"), "Add-on:  running, version 1.2.1, connected");
+    status.addOn->isConnected = false;
+    status.lastSeen->supportsThisMacOS = false;
+    EXPECT_EQ(lineOf(status, "Add-on"),
+              "Add-on:  running, version 1.2.1, not connected; waits for an update that draws on "
+              "system 26.1.0");
+    status.addOn.reset();
+    EXPECT_EQ(lineOf(status, "Add-on"),
+              "Add-on:  not running; waits for an update that draws on system 26.1.0");
+}
+
+// A host's main port that gives one reply.
+struct OneReplyPort : RemotePort {
+    explicit OneReplyPort(PortReply itsReply) : reply(std::move(itsReply)) {}
+    PortReply send(const PortRequest& request) override {
+        EXPECT_EQ(request.messageID, 1);
+        EXPECT_EQ(copyOf(request.body), Bytes(MessagePortWire::kSecretLength, std::byte{9}));
+        return reply;
+    }
+    PortReply reply;
+};
+
+class HostStatusQueryTest : public testing::Test {
+protected:
+    HostStatus ask() {
+        HostStatusQuery query{
+            {.connectPort = [this](const std::string&) -> std::unique_ptr<RemotePort> {
+                 return reply ? std::make_unique<OneReplyPort>(*reply) : nullptr;
+             },
+             .files = {
+                 .containerOfGroup =
+                     [](const std::string&) { return std::optional<std::filesystem::path>{"/"}; },
+                 .read = [](const std::filesystem::path&) -> Result<Bytes> {
+                     return Bytes(MessagePortWire::kSecretLength, std::byte{9});
+                 },
+                 .writeAtomically = {}},
+             .clock = clock.clock(),
+             .distributedNotices = notices.distributed(),
+             .sharedSuite = defaults.table()}};
+        std::vector<HostStatus> answers;
+        query.start([&](HostStatus status) { answers.push_back(std::move(status)); });
+        if (addOnSays) notices.deliver(AddOnSignals::kStatus, *addOnSays);
+        EXPECT_EQ(answers.size(), answersAtOnce ? 1u : 0u);
+        clock.advance(500ms);
+        notices.deliver(AddOnSignals::kStatus, AddOnSignals::Status{true, "late"}.userInfo());
+        EXPECT_EQ(answers.size(), 1u);
+        return answers.empty() ? HostStatus{} : answers.front();
+    }
+
+    ManualClock clock;
+    FakeNotices notices;
+    MemoryDefaults defaults;
+    std::optional<PortReply> reply;
+    std::optional<PropertyDictionary> addOnSays;
+    bool answersAtOnce = false;
+};
+
+TEST_F(HostStatusQueryTest, NobodyAnswers) {
+    const HostStatus status = ask();
+    EXPECT_FALSE(status.isServed);
+    EXPECT_FALSE(status.isEnabled);
+    EXPECT_TRUE(status.hasSharedDefaults);
+    EXPECT_FALSE(status.addOn);
+    ASSERT_EQ(notices.posted.size(), 1u);
+    EXPECT_EQ(notices.posted[0].first, AddOnSignals::kStatusRequest);
+}
+
+TEST_F(HostStatusQueryTest, EverybodyAnswers) {
+    defaults.values["lockScreenEnabled"] = {true};
+    const QuorvanePlayerState state{.track = XPCTrack{.title = "T", .artist = "A"}};
+    reply = PortReply{kPortSuccess, *XPCCodableHelpers::encode(state)};
+    addOnSays = AddOnSignals::Status{true, "1.0.0"}.userInfo();
+    answersAtOnce = true;
+    const HostStatus status = ask();
+    EXPECT_TRUE(status.isServed);
+    EXPECT_TRUE(status.isEnabled);
+    EXPECT_EQ(status.state, state);
+    EXPECT_EQ(status.addOn, (AddOnSignals::Status{true, "1.0.0"}));
+}
+
+TEST_F(HostStatusQueryTest, AnswersThatAreNone) {
+    addOnSays = PropertyDictionary{{"version", {std::string{"1"}}}};
+    const PortReply replies[] = {{kPortReceiveTimeout, std::nullopt},
+                                 {kPortSuccess, std::nullopt},
+                                 {kPortSuccess, copyOf(bytesOf("{}"))}};
+    for (const PortReply& each : replies) {
+        reply = each;
+        const HostStatus status = ask();
+        EXPECT_TRUE(status.isServed);
+        EXPECT_FALSE(status.state);
+        EXPECT_FALSE(status.addOn);
+    }
+}
+
+TEST(CardSwitch, WritesPostsAndSaysWhatItDid) {
+    MemoryDefaults defaults;
+    FakeNotices notices;
+    bool isServed = false;
+    int posts = 0;
+    const Handle observation =
+        notices.darwin().observe("example.quillon.Quorvane.lockScreenConfigurationChanged", [&] {
+            ++posts;
+            EXPECT_GT(defaults.synchronizations, 0) << "who is told must find it written";
+        });
+    CardSwitch card{.connectPort = [&](const std::string&) -> std::unique_ptr<RemotePort> {
+                        return isServed ? std::make_unique<OneReplyPort>(PortReply{}) : nullptr;
+                    },
+                    .darwinNotices = notices.darwin(),
+                    .sharedSuite = defaults.table()};
+    EXPECT_EQ(card.set(true),
+              "The card is on.\n"
+              "No host is running: it takes effect with the next quorvane-host run.\n");
+    isServed = true;
+    EXPECT_EQ(card.set(true), "The card is already on.\n");
+    EXPECT_TRUE(SharedDefaults{defaults.table()}.lockScreenEnabled());
+    EXPECT_EQ(card.set(false), "The card is off.\n");
+    EXPECT_FALSE(SharedDefaults{defaults.table()}.lockScreenEnabled());
+    EXPECT_EQ(posts, 3);
+
+    card.sharedSuite->synchronize = []() -> Result<void> {
+        return std::unexpected{PlatformError{.description = "Read-only file system"}};
+    };
+    EXPECT_EQ(card.set(true).error(),
+              "the shared settings cannot be written: Read-only file system");
+    card.sharedSuite.reset();
+    EXPECT_EQ(card.set(true).error(), "the shared settings cannot be opened");
+    EXPECT_EQ(posts, 3);
+}
+
+}  // namespace
+}  // namespace quorvane
