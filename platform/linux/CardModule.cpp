@@ -35,8 +35,8 @@ extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeCardWi
                                      const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
         return CardWindowX11::make(resources, settings, screen);
     };
-    windows.makeStage = [clock = services.clock](const CardStyle& style) {
-        return std::make_shared<CardStageX11>(style, clock);
+    windows.makeStage = [](const CardStyle& style) {
+        return std::make_shared<CardStageX11>(style);
     };
     windows.measureText = makeMeasureText();
     return windows;

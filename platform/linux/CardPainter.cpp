@@ -52,7 +52,7 @@ void CardPainter::draw(cairo_surface_t* target, const StageLook& look,
     if (look.isResting()) {
         moving_.reset();
         drawStage(cairo, look.scene);
-    } else if (look.alpha > 0) {
+    } else {
         drawMoving(cairo, look);
     }
     if (look.pointer)

@@ -57,12 +57,10 @@ void CardPointer::moved(Point rootPoint) {
     // The locker's pointer is looked at once for each visit.
     const bool shows = isOver && (isOver_ ? showsArrow_ : lockerHidesPointer());
     isOver_ = isOver;
-    const bool didShow = std::exchange(showsArrow_, shows);
-    if (!shows && !didShow) return;
-    const Point location = locationOf(rootPoint);
-    listener_.arrow(shows ? std::optional<Point>{{location.x + style_.shadowMargin,
-                                                  location.y + style_.shadowMargin}}
-                          : std::nullopt);
+    if (!std::exchange(showsArrow_, shows) && !shows) return;
+    if (!shows) return listener_.arrow(std::nullopt);
+    const Point origin = child_.origin();
+    listener_.arrow(Point{(rootPoint.x - origin.x) / scale_, (rootPoint.y - origin.y) / scale_});
 }
 
 void CardPointer::report(const std::optional<PointerEvent>& event) {

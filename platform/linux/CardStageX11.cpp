@@ -20,7 +20,7 @@ void CardStageX11::removeAnimations() {
 }
 
 void CardStageX11::springFrom(const Transform& start, const Spring& spring) {
-    movement_ = Movement{start, spring, clock_.now()};
+    movement_ = Movement{start, spring, std::nullopt};
     if (host_) host_->stageChanged();
 }
 
@@ -30,14 +30,20 @@ void CardStageX11::setScene(const Scene& scene) {
     if (!areas.empty() && host_) host_->sceneChanged(areas);
 }
 
+void CardStageX11::beginMovement(Instant now) {
+    if (movement_ && !movement_->begin) movement_->begin = now;
+}
+
 bool CardStageX11::isMoving(Instant now) const {
-    return movement_ && secondsOf(now - movement_->begin) < movement_->spring.settlingDuration();
+    return movement_ && (!movement_->begin ||
+                         secondsOf(now - *movement_->begin) < movement_->spring.settlingDuration());
 }
 
 Transform CardStageX11::transformAt(Instant now) const {
     if (!isMoving(now)) return Transform::identity();
     const Transform& start = movement_->start;
-    const double left = 1 - movement_->spring.progress(secondsOf(now - movement_->begin));
+    const double elapsed = movement_->begin ? secondsOf(now - *movement_->begin) : 0;
+    const double left = 1 - movement_->spring.progress(elapsed);
     return {.scale = 1 + (start.scale - 1) * left,
             .centre = start.centre,
             .offset = {start.offset.x * left, start.offset.y * left}};

@@ -23,7 +23,7 @@ public:
 // Main thread only.
 class CardStageX11 final : public CardStage {
 public:
-    CardStageX11(const CardStyle& style, Clock clock) : style_(style), clock_(std::move(clock)) {}
+    explicit CardStageX11(const CardStyle& style) : style_(style) {}
 
     void setHidden(bool hidden) override;
     void removeAnimations() override;
@@ -36,6 +36,8 @@ public:
     const CardStyle& style() const { return style_; }
     const Scene& scene() const { return scene_; }
     bool isHidden() const { return isHidden_; }
+    // A movement begins with the first frame that shows it, however long that took to draw.
+    void beginMovement(Instant now);
     bool isMoving(Instant now) const;
     Transform transformAt(Instant now) const;
     void deliver(const PointerEvent& event) const;
@@ -44,11 +46,10 @@ private:
     struct Movement {
         Transform start;
         Spring spring;
-        Instant begin;
+        std::optional<Instant> begin;
     };
 
     CardStyle style_;
-    Clock clock_;
     Scene scene_;
     StageEvents events_;
     bool isHidden_ = true;

@@ -87,7 +87,7 @@ void CardWindowX11::close() {
     endFade();
     if (stage_) stage_->setHost(nullptr);
     stage_.reset();
-    child_->destroy();
+    if (child_) child_->destroy();
 }
 
 void CardWindowX11::setAlpha(double alpha) {
@@ -102,7 +102,7 @@ void CardWindowX11::animateAlpha(double alpha, Duration duration,
     const double from = alphaAt(now);
     endFade();
     alpha_ = alpha;
-    fade_ = Fade{from, alpha, now, duration, std::move(completion)};
+    fade_ = Fade{from, alpha, std::nullopt, duration, std::move(completion)};
     if (!child_->isStanding()) endFade();
     updateSoon();
 }
@@ -119,7 +119,8 @@ void CardWindowX11::endFade() {
 
 double CardWindowX11::alphaAt(Instant now) const {
     if (!fade_) return alpha_;
-    const auto elapsed = std::chrono::duration<double>(now - fade_->begin);
+    if (!fade_->begin) return fade_->from;
+    const auto elapsed = std::chrono::duration<double>(now - *fade_->begin);
     const auto whole = std::chrono::duration<double>(fade_->duration);
     const double share = whole.count() > 0 ? elapsed / whole : 1;
     return fade_->from + (fade_->to - fade_->from) * easeInOut(share);
@@ -152,19 +153,33 @@ void CardWindowX11::update() {
     const Instant now = resources_->clock.now();
     nextFrame_.reset();
     finishFade(now);
-    if (!isToBeSeen()) return hide();
-    if (!display_ && !show()) return;
+    if (!isToBeSeen()) {
+        hide();
+        // A fade that nobody sees takes its time too.
+        beginAnimations(now);
+        if (fade_) updateAfter(*fade_->begin + fade_->duration - now);
+        return;
+    }
+    if (!display_ && !show()) return endFade();
     draw(now);
     syncPointer();
-    if (!isMoving(now)) return;
+    const Instant drawn = resources_->clock.now();
+    beginAnimations(drawn);
     // The next frame counts from this one's time, however long its drawing took.
-    const Duration taken = resources_->clock.now() - now;
-    nextFrame_ =
-        resources_->clock.after(std::max(Duration{}, kFrame - taken), [this] { update(); });
+    if (isMoving(now)) updateAfter(kFrame - (drawn - now));
+}
+
+void CardWindowX11::updateAfter(Duration delay) {
+    nextFrame_ = resources_->clock.after(std::max(Duration{}, delay), [this] { update(); });
+}
+
+void CardWindowX11::beginAnimations(Instant now) {
+    if (fade_ && !fade_->begin) fade_->begin = now;
+    if (stage_) stage_->beginMovement(now);
 }
 
 void CardWindowX11::finishFade(Instant now) {
-    if (fade_ && now - fade_->begin >= fade_->duration) endFade();
+    if (fade_ && fade_->begin && now - *fade_->begin >= fade_->duration) endFade();
 }
 
 bool CardWindowX11::show() {

@@ -55,7 +55,7 @@ private:
     struct Fade {
         double from;
         double to;
-        Instant begin;
+        std::optional<Instant> begin;  // of the first frame that shows it
         Duration duration;
         std::function<void()> completion;
     };
@@ -70,6 +70,8 @@ private:
     void update();
     void finishFade(Instant now);
     void endFade();
+    void beginAnimations(Instant now);
+    void updateAfter(Duration delay);
     bool isMoving(Instant now) const;
     bool isToBeSeen() const;
     bool show();

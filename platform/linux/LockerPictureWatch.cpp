@@ -43,21 +43,26 @@ bool LockerPictureWatch::begin(xcb_window_t locker) {
     region_ = xcb_generate_id(connection);
     damage_ = xcb_generate_id(connection);
     xcb_xfixes_create_region(connection, region_, 0, nullptr);
-    xcb_damage_create(connection, damage_, locker, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
-    // A new object begins with the whole window damaged.
-    xcb_damage_subtract(connection, damage_, XCB_NONE, XCB_NONE);
+    xcb_damage_create(connection, damage_, locker, XCB_DAMAGE_REPORT_LEVEL_BOUNDING_BOX);
+    // A new object begins with the whole window damaged, which the server tells of at once.
+    const unsigned beginning =
+        xcb_damage_subtract(connection, damage_, XCB_NONE, XCB_NONE).sequence;
     events_ = x11_.observeEvents(
         static_cast<std::uint8_t>(extension->first_event + XCB_DAMAGE_NOTIFY),
-        [this](const xcb_generic_event_t& event) {
+        [this, beginning](const xcb_generic_event_t& event) {
             const auto& notice = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
-            if (notice.damage == damage_) noticed();
+            const PixelRect box{notice.area.x, notice.area.y, notice.area.width,
+                                notice.area.height};
+            const bool isNews = event.full_sequence >= beginning && !area_.contains(box);
+            if (notice.damage == damage_ && isNews) noticed();
         });
     return true;
 }
 
-// The server says nothing more until the damage is taken, so a look that is put off gathers all
-// that happens meanwhile.
+// The server tells when the damage reaches farther than before, so our own drawing is heard of once
+// and no more. A look that is put off takes in all that happens meanwhile.
 void LockerPictureWatch::noticed() {
+    if (nextLook_) return;
     const Duration left = kPause - (clock_.now() - lastLook_);
     if (left <= Duration{})
         look();
@@ -66,6 +71,7 @@ void LockerPictureWatch::noticed() {
 }
 
 void LockerPictureWatch::look() {
+    nextLook_.reset();
     lastLook_ = clock_.now();
     if (lockerHasDrawn()) changed_();
 }
