@@ -19,7 +19,7 @@ double phase(double elapsed, double width) {
 }
 
 Duration durationOf(double seconds) {
-    return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds));
+    return std::chrono::ceil<Duration>(std::chrono::duration<double>(seconds));
 }
 
 }  // namespace
@@ -51,11 +51,11 @@ TextNode MarqueeText::node(const Rect& field, Instant now) const {
 std::optional<Duration> MarqueeText::nextChange(Instant now, double scale) const {
     if (!scrolls() || frozenTime) return std::nullopt;
     const double moved = phase(elapsed(now), textWidth) - kRest;
-    if (moved < 0) return durationOf(-moved);
     // Frames fall on whole pixels of the way, always the same number of them apart: the text moves
     // evenly, and a frame that comes a little late still shows the pixel that it was meant for.
     const double pixel = 1 / (kSpeed * scale);
     const double step = pixel * std::ceil(kShortestFrame / pixel);
+    if (moved < 0) return durationOf(step - moved);
     const double wait = step - std::fmod(moved, step);
     return durationOf(wait < step / 2 ? wait + step : wait);
 }

@@ -12,14 +12,14 @@ namespace quorvane {
 // A view value. Which way the text moves follows the direction of the scene it is drawn in.
 struct MarqueeText {
     std::string text;
-    FontStyle font;
-    Color color;
+    FontStyle font{};
+    Color color{};
     bool reduceMotion = false;
-    std::optional<double> frozenTime;          // draws this moment of the cycle, in seconds
-    std::optional<bool> reduceMotionOverride;  // instead of reduceMotion when set
+    std::optional<double> frozenTime{};          // draws this moment of the cycle, in seconds
+    std::optional<bool> reduceMotionOverride{};  // instead of reduceMotion when set
     double textWidth = 0;
     double fieldWidth = 0;
-    std::optional<Instant> start;  // of the first cycle
+    std::optional<Instant> start{};  // of the first cycle
 
     // How far a text of this width has moved after `elapsed` seconds.
     static double offset(double elapsed, double width);

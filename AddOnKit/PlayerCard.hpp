@@ -20,14 +20,14 @@ namespace quorvane {
 struct PlayerCardEnvironment {
     Clock clock;
     WallClock wallClock;
-    Localized localized;  // unset: the keys themselves
-    MeasureText measureText;
-    std::function<bool()> reducesMotion;
-    std::function<bool()> isRightToLeft;
+    Localized localized{};  // unset: the keys themselves
+    MeasureText measureText{};
+    std::function<bool()> reducesMotion{};
+    std::function<bool()> isRightToLeft{};
     double scale = 1;  // pixels a point of the card's screen
-    std::optional<WallTime> playerFrozenDate = {};
-    std::optional<double> marqueeFrozenTime = {};
-    std::optional<bool> marqueeReduceMotion = {};
+    std::optional<WallTime> playerFrozenDate{};
+    std::optional<double> marqueeFrozenTime{};
+    std::optional<bool> marqueeReduceMotion{};
 };
 
 // Main thread only. The model outlives it. While shown it draws when the model has changed, when it

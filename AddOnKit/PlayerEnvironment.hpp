@@ -21,9 +21,9 @@ struct PlayerEnvironment {
     double scale = 1;           // pixels a point on this screen
 
     // For still renderings: the view as of this date, the marquees at this time of their cycle.
-    std::optional<WallTime> playerFrozenDate;
-    std::optional<double> marqueeFrozenTime;  // seconds
-    std::optional<bool> marqueeReduceMotion;  // replaces the system's setting
+    std::optional<WallTime> playerFrozenDate{};
+    std::optional<double> marqueeFrozenTime{};  // seconds
+    std::optional<bool> marqueeReduceMotion{};  // replaces the system's setting
 };
 
 }  // namespace quorvane
