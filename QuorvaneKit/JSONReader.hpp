@@ -18,7 +18,6 @@ inline constexpr std::size_t kRootObject = SIZE_MAX;
 struct JSONField {
     std::string_view key;
     std::size_t parent = kRootObject;
-    bool isBase64 = false;  // text whose letters its reader checks: not checked as UTF-8
 };
 
 struct JSONValue {
@@ -39,8 +38,6 @@ public:
 
     char* data() { return reinterpret_cast<char*>(bytes_.data()); }
     std::size_t size() const { return size_; }
-    // Views into the text stay good as long as the bytes live.
-    Bytes takeBytes() && { return std::move(bytes_); }
 
 private:
     Bytes bytes_;

@@ -1,17 +1,32 @@
 #include "QuorvaneKit/PlayerStateDecoder.hpp"
 
+#include <algorithm>
+
 #include "QuorvaneKit/Base64.hpp"
 #include "QuorvaneKit/RecordCoding.hpp"
+#include "QuorvaneKit/XPCCodableHelpers.hpp"
 
 namespace quorvane {
 namespace {
 
-// The key as encoders without white space write it, and the quote that opens its value.
+// The place behind the quote that opens the artwork's text; npos if there is none.
 //
-// Wherever this stands in text that is JSON, its last quote opens a value: its first quote either
-// opens the key or, escaped, is part of one that its second quote closes. Were the first quote the
-// end of a string, the letter after it would not be JSON, with or without the value.
-constexpr std::string_view kArtworkOpening = "\"artworkData\":\"";
+// Wherever the key, a colon and a quote stand in text that is JSON, that last quote opens a value:
+// the key's first quote either opens the key or, escaped, is part of one that the second quote
+// closes. Were the first quote the end of a string, the letter after it would not be JSON, with or
+// without the value.
+std::size_t findArtworkText(std::string_view reply) {
+    constexpr std::string_view kKey = "\"artworkData\"";
+    const auto skipSpace = [&](std::size_t place) {
+        return std::min(reply.find_first_not_of(" \t\n\r", place), reply.size());
+    };
+    const std::size_t key = reply.find(kKey);
+    if (key == std::string_view::npos) return key;
+    const std::size_t colon = skipSpace(key + kKey.size());
+    if (!reply.substr(colon).starts_with(':')) return std::string_view::npos;
+    const std::size_t quote = skipSpace(colon + 1);
+    return reply.substr(quote).starts_with('"') ? quote + 1 : std::string_view::npos;
+}
 
 Bytes without(std::string_view reply, std::size_t begin, std::size_t length) {
     constexpr std::size_t kRoomForTheReader = 64;
@@ -36,17 +51,18 @@ struct PlayerStateDecoder::Lifted {
 
 CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes reply) {
     const auto lifted = liftArtwork(textOf(reply));
-    auto state = lifted ? decodeAround(*lifted, std::move(reply)) : decodeWhole(std::move(reply));
+    auto state = lifted ? decodeAround(*lifted, std::move(reply))
+                        : XPCCodableHelpers::decode<QuorvanePlayerState>(std::move(reply));
     if (state && !(state->track && state->track->artworkData)) last_.reset();
     return state;
 }
 
-// Nothing when the reply has no artwork, or has it in a form that the parser must see.
+// Nothing when the reply has no artwork, or has it with other escapes than "\/", which are the
+// parser's to read.
 std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
     std::string_view reply) const {
-    const std::size_t opening = reply.find(kArtworkOpening);
-    if (opening == std::string_view::npos) return std::nullopt;
-    const std::size_t begin = opening + kArtworkOpening.size();
+    const std::size_t begin = findArtworkText(reply);
+    if (begin == std::string_view::npos) return std::nullopt;
     const std::string_view text = reply.substr(begin);
     if (last_ && text.starts_with(last_->text) && text.substr(last_->text.size()).starts_with('"'))
         return Lifted{begin, last_->text.size(), last_->bytes, true};
@@ -73,23 +89,6 @@ CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeAround(const Lifted&
         const std::string_view text = textOf(reply).substr(lifted.begin, lifted.length);
         last_ = Artwork{std::move(reply), text, lifted.bytes};
     }
-    return state;
-}
-
-CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeWhole(Bytes reply) {
-    JSONText json{std::move(reply)};
-    std::string_view artworkText;
-    std::optional<SharedBytes> artwork;
-    auto state = coding::readRecord<QuorvanePlayerState>(json, [&](std::string_view text) {
-        artworkText = text;
-        // Escapes that are in the text after parsing were no escapes before it, but strangers.
-        const bool isLast =
-            last_ && text.size() == base64Length(last_->bytes.size()) && text == last_->text;
-        artwork = isLast ? std::optional{last_->bytes} : readBase64(text);
-        return artwork;
-    });
-    const bool isNew = artwork && !(last_ && last_->bytes.isSameObject(*artwork));
-    if (state && isNew) last_ = Artwork{std::move(json).takeBytes(), artworkText, *artwork};
     return state;
 }
 

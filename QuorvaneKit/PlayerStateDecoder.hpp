@@ -20,14 +20,13 @@ public:
 private:
     struct Artwork {
         Bytes reply;
-        std::string_view text;  // base64, within `reply`; maybe with its slashes still escaped
+        std::string_view text;  // within `reply`, between its quotes
         SharedBytes bytes;
     };
     struct Lifted;
 
     std::optional<Lifted> liftArtwork(std::string_view reply) const;
     CodingResult<QuorvanePlayerState> decodeAround(const Lifted& lifted, Bytes reply);
-    CodingResult<QuorvanePlayerState> decodeWhole(Bytes reply);
 
     std::optional<Artwork> last_;
 };

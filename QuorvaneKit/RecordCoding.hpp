@@ -49,7 +49,7 @@ constexpr std::size_t listFields(std::span<JSONField> fields, std::size_t place,
                                  std::size_t parent) {
     const auto list = [&]<typename Member>(const RecordField<Record, Member>& field) {
         const std::size_t self = place++;
-        fields[self] = {field.key, parent, std::same_as<Inner<Member>, SharedBytes>};
+        fields[self] = {field.key, parent};
         if constexpr (kIsRecord<Inner<Member>>)
             place = listFields<Inner<Member>>(fields, place, self);
     };

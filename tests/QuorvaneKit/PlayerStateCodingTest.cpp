@@ -18,7 +18,8 @@ const SharedBytes& artworkOf(const CodingResult<QuorvanePlayerState>& state) {
 
 // The sample's text, as written without white space and as written with it.
 const std::string kForms[] = {
-    std::string{kSampleText}, replaced(kSampleText, R"("artworkData":)", R"("artworkData": )"),
+    std::string{kSampleText},
+    replaced(kSampleText, R"("artworkData":)", "\"artworkData\"\n\t\r : "),
     replaced(kSampleText, "//4g", R"(\/\/4g)"), replaced(kSampleText, "//4g", R"(\u002f/4g)")};
 
 TEST(PlayerStateDecoder, UnchangedArtworkIsTheSameObject) {
@@ -29,9 +30,11 @@ TEST(PlayerStateDecoder, UnchangedArtworkIsTheSameObject) {
         // The rest of the state may differ, and move the artwork's place in the text.
         const auto second = decode(decoder, replaced(text, "Several", "Several others"));
         EXPECT_EQ(second->track->albumArtist, "Several others");
-        EXPECT_TRUE(artworkOf(second).isSameObject(artworkOf(first))) << text;
+        // Other escapes than these are the parser's to read, and nobody's to write.
+        const bool isKept = text.find("\\u002f") == std::string::npos;
+        EXPECT_EQ(artworkOf(second).isSameObject(artworkOf(first)), isKept) << text;
         EXPECT_EQ(decode(decoder, "no state"), std::unexpected(CodingError{}));
-        EXPECT_TRUE(artworkOf(decode(decoder, text)).isSameObject(artworkOf(first))) << text;
+        EXPECT_EQ(artworkOf(decode(decoder, text)).isSameObject(artworkOf(first)), isKept);
 
         for (const auto& [part, by] : {std::pair{"ZT8=", "ZT9="},
                                        {"ZT8=", "ZT8=AAAA"},
@@ -76,6 +79,13 @@ TEST(PlayerStateDecoder, AgreesWithThePlainDecoderOnEveryText) {
         // The text that the reply before had, but here the backslashes are meant.
         kForms[2],
         replaced(kForms[1], "//4g", R"(\\/\\/4g)"),
+        replaced(kForms[1], " : ", "  "),
+        replaced(kForms[1], " : ", " : : "),
+        replaced(kForms[1], " : ", " :"),
+        replaced(kForms[1], " : ", " : 1"),
+        replaced(kSampleText, R"("Several")", R"("artworkData")"),
+        R"({"track":{"artworkData")",
+        R"({"track":{"artworkData" : )",
     };
     for (const std::string& form : kForms) {
         const std::size_t begin = form.find("artworkData") - 3;

@@ -182,6 +182,16 @@ TEST(RecordDecoding, RefusesWhatIsNotOneJSONObject) {
         EXPECT_EQ(decodeState(text), std::unexpected(CodingError{Kind::typeMismatch, ""})) << text;
 }
 
+TEST(RecordDecoding, RefusesControlCharactersWhereverTheyStand) {
+    // A parser that looks at sixteen letters at a time may judge by the place.
+    for (std::size_t room = 0; room < 32; ++room)
+        for (char character = 0; character < ' '; ++character) {
+            const std::string text =
+                replaced(kSampleText, "Several", std::string(room, ' ') + character + "Several");
+            EXPECT_EQ(decodeState(text), std::unexpected(CodingError{})) << text;
+        }
+}
+
 TEST(RecordDecoding, RefusesTextThatIsNotUTF8WhereverItStands) {
     for (const std::string_view bad :
          {"\x80", "\xC3", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80", "\xF0\x80\x80\xAF",
