@@ -13,7 +13,6 @@
 namespace quorvane {
 namespace {
 
-constexpr std::size_t kMostConnections = 128;
 constexpr int kBacklog = 128;
 constexpr int kMostAcceptedAtOnce = 64;
 constexpr Duration kAcceptPause = std::chrono::milliseconds{250};
@@ -23,23 +22,25 @@ Instant now() { return std::chrono::steady_clock::now(); }
 }  // namespace
 
 std::unique_ptr<LocalPort> LocalPortLinux::open(PortFolder folder, const std::string& name,
-                                                PortHandler handler) {
+                                                PortHandler handler, const PortLimits& limits) {
     auto lock = folder.lock(name);
     if (!lock) return nullptr;
     std::unique_ptr<LocalPortLinux> port{
-        new LocalPortLinux{std::move(folder), name, *std::move(lock), std::move(handler)}};
+        new LocalPortLinux{std::move(folder), name, *std::move(lock), std::move(handler), limits}};
     if (!port->listen()) return nullptr;
     return port;
 }
 
 LocalPortLinux::LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock,
-                               PortHandler handler)
+                               PortHandler handler, const PortLimits& limits)
     : folder_(std::move(folder)),
       name_(std::move(name)),
       lock_(std::move(lock)),
       handler_(std::move(handler)),
+      limits_(limits),
       epoll_(epoll_create1(EPOLL_CLOEXEC)),
-      wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+      wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      budget_(limits.bodyBytes) {}
 
 // The socket's file goes before the lock: a successor's file is never removed.
 LocalPortLinux::~LocalPortLinux() {
@@ -122,8 +123,8 @@ void LocalPortLinux::pauseListening() {
 }
 
 void LocalPortLinux::add(FileDescriptor socket) {
-    if (connections_.size() >= kMostConnections) dropFromGreediest();
-    auto connection = std::make_unique<PortConnection>(std::move(socket), budget_);
+    if (connections_.size() >= limits_.connections) dropFromGreediest();
+    auto connection = std::make_unique<PortConnection>(std::move(socket), limits_, budget_);
     connection->place = connections_.size();
     connection->lastUse = ++uses_;
     connection->watched = EPOLLIN;

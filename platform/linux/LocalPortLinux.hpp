@@ -19,14 +19,15 @@ class LocalPortLinux final : public LocalPort {
 public:
     // Nothing when the name is taken, or the folder is not fit for it.
     static std::unique_ptr<LocalPort> open(PortFolder folder, const std::string& name,
-                                           PortHandler handler);
+                                           PortHandler handler, const PortLimits& limits);
     ~LocalPortLinux() override;
 
     void run() override;
     void stop() override;
 
 private:
-    LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock, PortHandler handler);
+    LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock, PortHandler handler,
+                   const PortLimits& limits);
 
     bool listen();
     bool watch(int descriptor, std::uint32_t events, void* tag, int operation);
@@ -44,6 +45,7 @@ private:
     const std::string name_;
     const FileDescriptor lock_;
     const PortHandler handler_;
+    const PortLimits limits_;
     FileDescriptor listener_;
     FileDescriptor epoll_;
     FileDescriptor wake_;

@@ -24,12 +24,12 @@ ConnectPort makeConnectPortLinux(std::filesystem::path path) {
     };
 }
 
-OpenPort makeOpenPortLinux(std::filesystem::path path) {
-    return [path = std::move(path)](const std::string& name,
-                                    PortHandler handler) -> std::unique_ptr<LocalPort> {
+OpenPort makeOpenPortLinux(std::filesystem::path path, PortLimits limits) {
+    return [path = std::move(path), limits](const std::string& name,
+                                            PortHandler handler) -> std::unique_ptr<LocalPort> {
         auto folder = PortFolder::open(path, PortFolder::Purpose::serve);
         if (!folder) return nullptr;
-        return LocalPortLinux::open(*std::move(folder), name, std::move(handler));
+        return LocalPortLinux::open(*std::move(folder), name, std::move(handler), limits);
     };
 }
 

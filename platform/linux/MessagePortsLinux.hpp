@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "platform/MessagePort.hpp"
+#include "platform/linux/PortLimits.hpp"
 
 namespace quorvane {
 
@@ -13,6 +14,6 @@ namespace quorvane {
 std::filesystem::path portFolderOfUser();
 
 ConnectPort makeConnectPortLinux(std::filesystem::path folder);
-OpenPort makeOpenPortLinux(std::filesystem::path folder);
+OpenPort makeOpenPortLinux(std::filesystem::path folder, PortLimits limits = {});
 
 }  // namespace quorvane

@@ -10,8 +10,6 @@
 namespace quorvane {
 namespace {
 
-constexpr Duration kRequestTime = std::chrono::seconds{5};
-constexpr Duration kReplyTime = std::chrono::seconds{10};
 // Requests begin with a secret, which stays in memory no longer than they are handled.
 constexpr std::size_t kWipedBytes = 32;
 
@@ -37,8 +35,11 @@ std::optional<std::size_t> receiveNow(int socket, std::span<std::byte> place) {
 
 }  // namespace
 
-PortConnection::PortConnection(FileDescriptor socket, BodyBudget& budget)
-    : socket_(std::move(socket)), budget_(budget), peer_(peerProcess(socket_.get())) {}
+PortConnection::PortConnection(FileDescriptor socket, const PortLimits& limits, BodyBudget& budget)
+    : socket_(std::move(socket)),
+      limits_(limits),
+      budget_(budget),
+      peer_(peerProcess(socket_.get())) {}
 
 PortConnection::~PortConnection() {
     dropBody();
@@ -61,7 +62,7 @@ bool PortConnection::serve(const PortHandler& handler) {
     else if (isIdle)
         deadline_.reset();
     else if (!deadline_)
-        deadline_ = now() + kRequestTime;
+        deadline_ = now() + limits_.requestTime;
     return true;
 }
 
@@ -145,7 +146,7 @@ bool PortConnection::write(Output output) {
     output_ = std::move(output);
     deadline_.reset();
     if (!writeRest()) return false;
-    if (output_) deadline_ = now() + kReplyTime;
+    if (output_) deadline_ = now() + limits_.replyTime;
     return true;
 }
 

@@ -8,6 +8,7 @@
 #include "platform/MessagePort.hpp"
 #include "platform/linux/FileDescriptor.hpp"
 #include "platform/linux/FrameBuffer.hpp"
+#include "platform/linux/PortLimits.hpp"
 
 namespace quorvane {
 
@@ -16,6 +17,8 @@ namespace quorvane {
 // it.
 class BodyBudget {
 public:
+    explicit BodyBudget(std::size_t total) : left_(total) {}
+
     bool take(std::size_t size) {
         if (size > left_) return false;
         left_ -= size;
@@ -27,6 +30,7 @@ public:
     std::optional<Bytes> takeBuffer(std::size_t size) {
         if (!take(size)) return std::nullopt;
         Bytes buffer = std::exchange(spare_, {});
+        if (buffer.capacity() < size) return Bytes(size);
         buffer.resize(size);
         return buffer;
     }
@@ -36,16 +40,15 @@ public:
     }
 
 private:
-    static constexpr std::size_t kTotal = 128 * 1024 * 1024;
     static constexpr std::size_t kLargestSpare = 2 * 1024 * 1024;
-    std::size_t left_ = kTotal;
+    std::size_t left_;
     Bytes spare_;
 };
 
 // Never blocks. Owned by its port, on the port's thread.
 class PortConnection {
 public:
-    PortConnection(FileDescriptor socket, BodyBudget& budget);
+    PortConnection(FileDescriptor socket, const PortLimits& limits, BodyBudget& budget);
     ~PortConnection();
 
     // Reads what there is, answers what is complete and writes what can be taken. False when the
@@ -80,6 +83,7 @@ private:
     void dropBody();
 
     FileDescriptor socket_;
+    const PortLimits& limits_;
     BodyBudget& budget_;
     std::int32_t peer_ = 0;
     FrameBuffer buffer_;

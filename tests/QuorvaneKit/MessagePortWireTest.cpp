@@ -1,0 +1,158 @@
+// Message numbers, the framing of requests, and the secret's making and reading.
+#include "QuorvaneKit/MessagePortWire.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "QuorvaneKit/MessagePortSecret.hpp"
+#include "QuorvaneKit/MessageType.hpp"
+#include "QuorvaneKit/PortNames.hpp"
+#include "tests/support/RecordingLog.hpp"
+
+namespace quorvane {
+namespace {
+
+Bytes numbered(std::size_t length) {
+    Bytes bytes(length);
+    std::uint8_t next = 1;
+    for (std::byte& byte : bytes) byte = std::byte{next++};
+    return bytes;
+}
+
+TEST(MessageType, NumbersAndPorts) {
+    const std::set<std::int32_t> toMain{1, 2, 3, 4, 5};
+    const std::set<std::int32_t> queries{10, 11, 12, 13, 14};
+    for (std::int32_t identifier = -2; identifier < 300; ++identifier) {
+        const auto type = messageType(identifier);
+        EXPECT_EQ(type.has_value(), toMain.contains(identifier) || queries.contains(identifier));
+        if (!type) continue;
+        EXPECT_EQ(isQuery(*type), queries.contains(identifier)) << identifier;
+        EXPECT_EQ(std::to_underlying(*type), identifier);
+    }
+    EXPECT_FALSE(messageType(256 + 1));
+    EXPECT_EQ(queryPortName(kMessagePortBaseName, 3),
+              "group.example.quillon.Quorvane.messageport.query.3");
+    EXPECT_EQ(queryPortThreadName(0), "example.quillon.Quorvane.messageport.query.0");
+    EXPECT_EQ(queryClientQueueLabel(2), "example.quillon.Quorvane.messageport.query-client.2");
+}
+
+TEST(MessagePortWire, FramesBehindASecretOfThirtyTwoBytesOnly) {
+    const Bytes payload = numbered(5);
+    for (std::size_t length = 0; length < 70; ++length) {
+        const Bytes secret = numbered(length);
+        const auto framed = MessagePortWire::wrap(payload, secret);
+        ASSERT_EQ(framed.has_value(), length == 32) << length;
+        EXPECT_EQ(MessagePortWire::unwrap(numbered(length), secret).has_value(), length == 32);
+        if (!framed) continue;
+        EXPECT_TRUE(std::ranges::equal(ByteView{*framed}.first(32), secret));
+        EXPECT_TRUE(std::ranges::equal(ByteView{*framed}.subspan(32), payload));
+    }
+    // The secret alone is a request without a payload.
+    EXPECT_TRUE(MessagePortWire::unwrap(numbered(32), numbered(32))->empty());
+}
+
+TEST(MessagePortWire, UnwrapsOnlyTheExactSecret) {
+    const Bytes secret = numbered(32);
+    const Bytes payload = numbered(3);
+    const Bytes framed = *MessagePortWire::wrap(payload, secret);
+    for (std::size_t length = 0; length <= framed.size(); ++length) {
+        const auto unwrapped = MessagePortWire::unwrap(ByteView{framed}.first(length), secret);
+        ASSERT_EQ(unwrapped.has_value(), length >= 32) << length;
+        if (!unwrapped) continue;
+        EXPECT_TRUE(std::ranges::equal(*unwrapped, ByteView{payload}.first(length - 32)));
+    }
+    for (std::size_t bit = 0; bit < 32 * 8; ++bit) {
+        Bytes changed = framed;
+        changed[bit / 8] ^= std::byte{1} << (bit % 8);
+        EXPECT_FALSE(MessagePortWire::unwrap(changed, secret)) << "bit " << bit;
+    }
+    EXPECT_FALSE(MessagePortWire::unwrap(framed, {}));
+}
+
+TEST(MessagePortWire, UsesABufferAgainAndWipesOnlyTheSecret) {
+    Bytes framed = *MessagePortWire::wrap(numbered(100), numbered(32));
+    const std::byte* const memory = framed.data();
+    framed = *MessagePortWire::wrap(numbered(4), numbered(32), std::move(framed));
+    EXPECT_EQ(framed.data(), memory);
+    EXPECT_EQ(framed.size(), 36U);
+    MessagePortWire::wipeSecret(framed);
+    EXPECT_EQ(std::ranges::count(framed, std::byte{0}), 32);
+    EXPECT_TRUE(std::ranges::equal(ByteView{framed}.subspan(32), numbered(4)));
+}
+
+// What the secret's maker touches; each part can fail.
+struct SecretWorld {
+    std::optional<int> randomStatus;
+    std::optional<std::filesystem::path> container = "/container";
+    std::optional<std::string> writeFailure;
+    std::map<std::filesystem::path, Bytes> files;
+    RecordingLog log;
+
+    FillRandom fillRandom() {
+        return [this](std::span<std::byte> place) -> std::expected<void, int> {
+            if (randomStatus) return std::unexpected{*randomStatus};
+            std::ranges::copy(numbered(place.size()), place.begin());
+            return {};
+        };
+    }
+    FileStore fileStore() {
+        return {
+            .containerOfGroup =
+                [this](const std::string& group) {
+                    EXPECT_EQ(group, "group.example.quillon.Quorvane");
+                    return container;
+                },
+            .read = [this](const std::filesystem::path& path) -> Result<Bytes> {
+                if (!files.contains(path))
+                    return std::unexpected{PlatformError{.code = 2, .description = "missing"}};
+                return files.at(path);
+            },
+            .writeAtomically = [this](const std::filesystem::path& path,
+                                      ByteView bytes) -> Result<void> {
+                if (writeFailure)
+                    return std::unexpected{PlatformError{.code = 28, .description = *writeFailure}};
+                files[path] = copyOf(bytes);
+                return {};
+            }};
+    }
+    std::optional<Bytes> make() {
+        return MessagePortSecret::make(fillRandom(), fileStore(), log.sink());
+    }
+};
+
+TEST(MessagePortSecret, IsMadeKeptAndRead) {
+    SecretWorld world;
+    EXPECT_FALSE(MessagePortSecret::read(world.fileStore()));
+    EXPECT_EQ(world.make(), numbered(32));
+    EXPECT_EQ(world.files.at("/container/ipc-secret"), numbered(32));
+    EXPECT_EQ(MessagePortSecret::read(world.fileStore()), numbered(32));
+    world.files["/container/ipc-secret"] = numbered(33);  // judged where it is used
+    EXPECT_EQ(MessagePortSecret::read(world.fileStore())->size(), 33U);
+    world.container.reset();
+    EXPECT_FALSE(MessagePortSecret::read(world.fileStore()));
+    EXPECT_TRUE(world.log.lines().empty());
+}
+
+TEST(MessagePortSecret, EveryFailureIsLoggedAndLeavesNone) {
+    SecretWorld world;
+    world.randomStatus = -50;
+    EXPECT_FALSE(world.make());
+    world.randomStatus.reset();
+    world.container.reset();
+    EXPECT_FALSE(world.make());
+    world.container = "/container";
+    world.writeFailure = "disk full";
+    EXPECT_FALSE(world.make());
+    EXPECT_TRUE(world.files.empty());
+    for (const auto& line : world.log.lines()) EXPECT_EQ(line.level, LogLevel::error);
+    EXPECT_EQ(world.log.take(), (std::vector<std::string>{
+                                    "Failed to generate IPC secret (SecRandomCopyBytes status -50)",
+                                    "App Group container unavailable; cannot persist IPC secret",
+                                    "Failed to write IPC secret: disk full"}));
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,60 @@
+// Serial queues whose actions run when a test says so, on the test's thread.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+
+#include "platform/SerialQueue.hpp"
+
+namespace quorvane {
+
+class ManualSerialQueues {
+public:
+    MakeSerialQueue make() {
+        return [this](std::string label) { return std::make_unique<Queue>(*this, label); };
+    }
+
+    // Runs the next action of the queue with this label; false when none waits.
+    bool runNext(const std::string& label) {
+        auto& actions = actions_[label];
+        if (actions.empty()) return false;
+        const auto action = std::move(actions.front());
+        actions.pop_front();
+        action();
+        return true;
+    }
+    // Runs everything, one queue after the other.
+    void runAll() {
+        for (const auto& label : labels())
+            while (runNext(label)) {
+            }
+    }
+    std::vector<std::string> labels() const {
+        std::vector<std::string> labels;
+        for (const auto& [label, actions] : actions_) labels.push_back(label);
+        return labels;
+    }
+    std::size_t waiting(const std::string& label) { return actions_[label].size(); }
+
+private:
+    class Queue final : public SerialQueue {
+    public:
+        Queue(ManualSerialQueues& owner, std::string label)
+            : owner_(owner), label_(std::move(label)) {
+            owner_.actions_[label_];
+        }
+        ~Queue() override { owner_.actions_[label_].clear(); }
+        void async(std::function<void()> action) override {
+            owner_.actions_[label_].push_back(std::move(action));
+        }
+
+    private:
+        ManualSerialQueues& owner_;
+        const std::string label_;
+    };
+
+    std::map<std::string, std::deque<std::function<void()>>> actions_;
+};
+
+}  // namespace quorvane
