@@ -12,6 +12,7 @@
 #include "platform/linux/NoticesLinux.hpp"
 #include "platform/linux/ProcessInfoLinux.hpp"
 #include "platform/linux/SerialQueueLinux.hpp"
+#include "platform/linux/ThreadNameLinux.hpp"
 
 namespace quorvane {
 namespace {
@@ -78,6 +79,7 @@ Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
     services.wallClock = [] { return WallTime{std::chrono::system_clock::now()}; };
     services.mainThread = owner->loop.mainThread();
     services.makeSerialQueue = makeSerialQueuesLinux();
+    services.nameCurrentThread = nameCurrentThread;
     services.distributedNotices =
         makeDistributedNotices(owner->sessionBus, owner->localNotices, busLog);
     services.darwinNotices = makeDarwinNotices(owner->sessionBus, busLog);
