@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/BusCall.hpp"
+#include "platform/linux/BusQuestion.hpp"
 #include "platform/linux/BusValues.hpp"
 
 namespace quorvane {
@@ -88,9 +88,9 @@ int LogindLinux::observe() {
 }
 
 void LogindLinux::askForHint() {
-    const auto call = newBusCall(bus_, kService, sessionPath_, kProperties, "Get");
+    const auto call = newBusQuestion(bus_, kService, sessionPath_, kProperties, "Get");
     if (call) sd_bus_message_append(call.get(), "ss", kSession, kLockedHint);
-    question_ = sendBusCall(bus_, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    question_ = askBus(bus_, call, kAnswerDeadline, [this](sd_bus_message* reply) {
         int isLocked = 0;
         if (reply && sd_bus_message_read(reply, "v", "b", &isLocked) >= 0) setLocked(isLocked != 0);
     });

@@ -1,6 +1,6 @@
 #include "platform/linux/MotionSetting.hpp"
 
-#include "platform/linux/BusCall.hpp"
+#include "platform/linux/BusQuestion.hpp"
 #include "platform/linux/BusValues.hpp"
 
 namespace quorvane {
@@ -17,9 +17,9 @@ constexpr auto kAnswerDeadline = std::chrono::seconds{2};
 
 void MotionSetting::refresh() {
     sd_bus* bus = bus_.connection();
-    const auto call = newBusCall(bus, kPortal, kPortalPath, kSettings, "ReadAll");
+    const auto call = newBusQuestion(bus, kPortal, kPortalPath, kSettings, "ReadAll");
     if (call) sd_bus_message_append(call.get(), "as", 2, kAppearance, kGnomeInterface);
-    question_ = sendBusCall(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    question_ = askBus(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
         PropertyDictionary settings;
         if (reply && readBusDictionary(reply, settings) < 0) settings.clear();
         isReduced_ = reducesMotion(settings);
