@@ -11,7 +11,7 @@ namespace {
 // has few timers and needs them on time.
 constexpr std::uint64_t kAccuracyMicroseconds = 1;
 
-// Rounded up: a timer never fires early.
+// Rounded up: woken a moment too early, the loop would have to sleep again.
 std::uint64_t microsecondsUpTo(Instant instant) {
     const auto time = std::chrono::ceil<std::chrono::microseconds>(instant.time_since_epoch());
     return static_cast<std::uint64_t>(std::max<std::int64_t>(time.count(), 0));
@@ -61,13 +61,12 @@ void TimerQueue::arm() {
 
 void TimerQueue::runDue() {
     const Instant time = now();
-    // A timer made by one of these actions waits for the next turn, even with no delay, so that
-    // descriptors get their turn too.
-    const std::uint64_t end = made_;
     isStopped_ = false;
+    // A timer made by one of these actions is due later than `time`, even with no delay, so that
+    // descriptors get their turn too.
     while (!isStopped_ && !timers_.empty()) {
         const auto first = timers_.begin();
-        if (first->first.first > time || first->first.second >= end) break;
+        if (first->first.first > time) break;
         const auto action = std::move(first->second);
         timers_.erase(first);
         action();

@@ -178,8 +178,12 @@ TEST_F(NoticesTest, NobodyOnTheBusForgesALock) {
         once.reset();
         trail.push_back("once");
     });
+    Handle travels = notices.bus.match(std::string{"type='signal',arg0='"} + kLocked + "'",
+                                       [&](sd_bus_message*) { trail.push_back("travels"); });
     notices.distributed.post(kLocked, {});
-    PropertyDictionary none;
+    notices.settle();
+    EXPECT_TRUE(trail.empty());
+    travels.reset();
     sd_bus_emit_signal(notices.bus.connection(), kNoticePath, kNoticeInterface, "Notice", "sa{sv}",
                        kLocked, 0);
     notices.settle();
