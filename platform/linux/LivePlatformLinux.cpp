@@ -48,14 +48,18 @@ struct PlatformLinux {
     Handle motionRefreshes;
 };
 
+const char* noDisplay() {
+    // The protocols there let no other program above a locker.
+    return isSet("WAYLAND_DISPLAY")
+               ? "this is a Wayland session, whose lock screen lets no other program above it: the "
+                 "card needs an X11 session"
+               : "there is no X11 session to show a card in: DISPLAY is not set";
+}
+
 Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& services) {
     const Logger log{services.log, kPlatformSubsystem, "x11"};
-    // Those protocols let no other program above a locker.
-    if (!isSet("DISPLAY") && isSet("WAYLAND_DISPLAY"))
-        return std::unexpected(PlatformError{
-            PlatformError::Domain::service, 0,
-            "this is a Wayland session, whose lock screen lets no other program above it; the card "
-            "needs an X11 session"});
+    if (!isSet("DISPLAY"))
+        return std::unexpected(PlatformError{PlatformError::Domain::service, 0, noDisplay()});
     if (isSet("WAYLAND_DISPLAY"))
         log.error("x11: this is a Wayland session: the card shows over X11 lockers only");
     auto& state = ServicesLinux::of(services);

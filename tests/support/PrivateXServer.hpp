@@ -37,8 +37,8 @@ public:
     std::string environment() const { return "DISPLAY=" + display_; }
     ChildProcess& process() { return process_; }
 
-    // Adds a monitor; the first one that is primary takes the place of the server's own. Returns
-    // when the server has it.
+    // Adds a monitor of a new name; the first one that is primary takes the place of the server's
+    // own. Returns when the server has it.
     void setMonitor(const std::string& name, int width, int height, int x, int y,
                     bool isPrimary = false) {
         const auto part = [](int length) { return std::to_string(length) + "/100"; };

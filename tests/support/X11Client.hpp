@@ -1,6 +1,7 @@
 // Another client of the X server: it plays lockers, overlays and the user's hand.
 #pragma once
 
+#include <sys/epoll.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
@@ -10,6 +11,7 @@
 #include <string_view>
 
 #include "drawing/Geometry.hpp"
+#include "platform/linux/EventLoop.hpp"
 
 namespace quorvane {
 
@@ -114,6 +116,16 @@ public:
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root(), XCB_ATOM_RESOURCE_MANAGER,
                             XCB_ATOM_STRING, 8, std::uint32_t(text.size()), text.data());
     }
+    // As long as it is held, the loop wakes when somebody writes to the root window.
+    Handle wakeOnRootProperties(EventLoop& loop) const {
+        const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &mask);
+        xcb_flush(connection_);
+        return loop.watch(xcb_get_file_descriptor(connection_), EPOLLIN, [this](std::uint32_t) {
+            while (auto* event = xcb_poll_for_event(connection_)) std::free(event);
+        });
+    }
+
     // The user's hand, through the server's test extension.
     void movePointer(int x, int y) const {
         xcb_test_fake_input(connection_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root(),

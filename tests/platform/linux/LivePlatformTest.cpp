@@ -1,0 +1,154 @@
+// The tables as the entry gets them.
+#include "platform/LivePlatform.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+#include <string>
+
+#include "platform/linux/CardModuleLoader.hpp"
+#include "platform/linux/EncodedImage.hpp"
+#include "platform/linux/UserLanguage.hpp"
+#include "platform/linux/X11SessionLinux.hpp"
+#include "tests/support/PrivateXServer.hpp"
+#include "tests/support/RecordingLog.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace quorvane {
+namespace {
+
+class LivePlatformLinux : public testing::Test {
+protected:
+    LivePlatformLinux() {
+        setenv("HOME", folder.path().c_str(), 1);
+        setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
+        setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+        setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+        unsetenv("DISPLAY");
+        unsetenv("WAYLAND_DISPLAY");
+    }
+    Result<LivePlatform> make() {
+        char name[] = "test";
+        char* arguments[] = {name, nullptr};
+        auto services = makeLiveServices(1, arguments, "example.quillon.Quorvane.Test");
+        if (!services) return std::unexpected(services.error());
+        services->log = log.sink();
+        return makeLivePlatform(*std::move(services));
+    }
+
+    TemporaryFolder folder;
+    RecordingLog log;
+};
+
+TEST_F(LivePlatformLinux, SaysPlainlyWhyThereIsNone) {
+    auto none = make();
+    ASSERT_FALSE(none);
+    EXPECT_EQ(none.error().description,
+              "there is no X11 session to show a card in: DISPLAY is not set");
+    setenv("DISPLAY", ":4711", 1);
+    none = make();
+    ASSERT_FALSE(none);
+    EXPECT_EQ(none.error().description,
+              "cannot open the display \":4711\": no X server answers there");
+    setenv("DISPLAY", ":nothing", 1);
+    none = make();
+    ASSERT_FALSE(none);
+    EXPECT_EQ(none.error().description,
+              "cannot open the display \":nothing\": the display's name makes no sense");
+    unsetenv("DISPLAY");
+    setenv("WAYLAND_DISPLAY", "wayland-0", 1);
+    none = make();
+    ASSERT_FALSE(none);
+    EXPECT_NE(none.error().description.find("Wayland"), std::string::npos);
+}
+
+TEST_F(LivePlatformLinux, EndsWithTheServer) {
+    PrivateXServer server;
+    setenv("DISPLAY", server.display().c_str(), 1);
+    auto platform = make();
+    ASSERT_TRUE(platform) << platform.error().description;
+    bool hasTerminated = false;
+    const int status = platform->services.application.run([&] { server.process().signal(SIGKILL); },
+                                                          [&] { hasTerminated = true; });
+    EXPECT_EQ(status, EXIT_FAILURE);
+    EXPECT_TRUE(hasTerminated) << "the end is an orderly one";
+    EXPECT_TRUE(log.contains("x11: the X server has gone away"));
+}
+
+TEST_F(LivePlatformLinux, FillsEveryTable) {
+    PrivateXServer server;
+    setenv("DISPLAY", server.display().c_str(), 1);
+    setenv("LANG", "he_IL.UTF-8", 1);
+    unsetenv("LC_ALL");
+    unsetenv("LC_MESSAGES");
+    auto made = make();
+    ASSERT_TRUE(made) << made.error().description;
+    LivePlatform& platform = *made;
+    EXPECT_TRUE(platform.isRightToLeft());
+    EXPECT_EQ(platform.localized("Play"), "Play");
+    EXPECT_FALSE(platform.windowServerLoader);
+    EXPECT_FALSE(platform.cardWindows.reducesMotion());
+    EXPECT_TRUE(platform.beginActivity(1, "a card stands"));
+    EXPECT_EQ(platform.screens.list().size(), 1u);
+    EXPECT_EQ(platform.lockSources.sessionDictionary(), (PropertyValue{PropertyDictionary{}}));
+
+    const std::string picture{"GIF89a\x10\0\x20\0", 10};
+    EXPECT_FALSE(platform.decodeImage(bytesOf("no picture")));
+    EXPECT_FALSE(platform.decodeImage(bytesOf(std::string{"GIF89a\0\0\x20\0", 10})));
+    const ImageRef held = platform.decodeImage(bytesOf(picture));
+    const auto* image = dynamic_cast<const EncodedImage*>(held.get());
+    ASSERT_TRUE(image);
+    EXPECT_EQ(textOf(image->bytes()), picture);
+
+    // The module is not beside this program.
+    EXPECT_FALSE(platform.cardWindows.makeWindow({}, platform.screens.list().front()));
+    EXPECT_FALSE(platform.cardWindows.makeStage({}));
+    const auto lines = log.lines();
+    EXPECT_EQ(std::ranges::count(lines, LogLevel::error, &RecordingLog::Line::level), 2);
+    EXPECT_TRUE(lines.back().text.starts_with("card: the drawing module cannot be loaded"));
+}
+
+// Whether the program has a library of this name in its memory.
+bool hasLoaded(const std::string& name) {
+    std::ifstream maps{"/proc/self/maps"};
+    for (std::string line; std::getline(maps, line);)
+        if (line.find("/" + name) != std::string::npos) return true;
+    return false;
+}
+
+TEST_F(LivePlatformLinux, LeavesTheDrawingLibrariesAloneUntilTheFirstWindow) {
+    PrivateXServer server;
+    EventLoop loop;
+    auto session = X11SessionLinux::open(loop, server.display(), [] {});
+    ASSERT_TRUE(session);
+    CardModuleLoader loader{QUORVANE_CARD_MODULE,
+                            {**session, loop.clock(), loop.mainThread(), log.sink(), nullptr}};
+    const CardWindows windows = loader.windows();
+    EXPECT_FALSE(hasLoaded("libcairo.so"));
+    EXPECT_FALSE(hasLoaded("libpango-1.0.so"));
+    const auto stage = windows.makeStage({.card = {400, 222}});
+    EXPECT_TRUE(stage) << (log.lines().empty() ? "" : log.lines().front().text);
+    EXPECT_TRUE(hasLoaded("libcairo.so"));
+}
+
+TEST(UserLanguages, HaveTheirDirection) {
+    for (const char* locale : {"ar", "ar_EG.UTF-8", "he_IL", "iw_IL", "fa_IR@persian", "ur_PK",
+                               "ckb_IQ.UTF-8", "ks_IN@arabic", "pa_PK@arabic"})
+        EXPECT_TRUE(isRightToLeftLocale(locale)) << locale;
+    for (const char* locale : {"", "C", "C.UTF-8", "en_US.UTF-8", "de_DE@euro", "az_AZ", "arn_CL",
+                               "sd_IN@devanagari", "hebrew"})
+        EXPECT_FALSE(isRightToLeftLocale(locale)) << locale;
+    setenv("LANG", "de_DE", 1);
+    unsetenv("LC_MESSAGES");
+    setenv("LC_ALL", "", 1);
+    EXPECT_EQ(localeOfMessages(), "de_DE");
+    setenv("LC_MESSAGES", "ar_EG", 1);
+    EXPECT_EQ(localeOfMessages(), "ar_EG");
+    setenv("LC_ALL", "C", 1);
+    EXPECT_EQ(localeOfMessages(), "C");
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,95 @@
+// Screens as a real X server arranges them, and the end of the server.
+#include "tests/platform/linux/LockFixture.hpp"
+
+namespace quorvane {
+namespace {
+
+class ScreensLinux : public LockFixture {
+protected:
+    std::vector<Rect> frames() {
+        std::vector<Rect> list;
+        for (const Screen& screen : session->screens().list()) list.push_back(screen.frame);
+        return list;
+    }
+};
+
+TEST_F(ScreensLinux, FollowTheMonitors) {
+    watch();
+    int changes = 0;
+    const Screens screens = session->screens();
+    const Handle observation = screens.observeChanges([&] { ++changes; });
+    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 1600, 900}}));
+
+    server.setMonitor("right", 800, 700, 800, 0, true);
+    settle();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 700}}));
+    server.setMonitor("left", 800, 900, 0, 0);
+    settle();
+    EXPECT_EQ(changes, 2);
+    // The primary one first, wherever it is; its bottom-left corner is the origin.
+    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 700}, {-800, -200, 800, 900}}));
+    EXPECT_EQ(session->pixelFrame(screens.list()[1]), (Rect{0, 0, 800, 900}));
+    server.deleteMonitor("left");
+    settle();
+    EXPECT_EQ(changes, 3);
+    EXPECT_EQ(frames().size(), 1u);
+    server.setMonitor("mirror", 800, 700, 800, 0);
+    settle();
+    EXPECT_EQ(changes, 3) << "the same picture once more";
+}
+
+TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
+    client->setResources("Xft.dpi:\t144\n");
+    client->sync();
+    watch();
+    EXPECT_EQ(session->screens().list().front().scale, 1.5);
+    client->setResources("Xft.dpi:\t192\n");
+    const xcb_window_t window = client->makeWindow(kBothMonitors);
+    client->setClass(window, "i3lock", "i3lock");
+    client->map(window);
+    settle();
+    const Screen screen = session->screens().list().front();
+    EXPECT_EQ(screen, (Screen{{0, 0, 800, 450}, 2, {{305, 130, 190, 190}}}));
+    EXPECT_EQ(session->pixelFrame(screen), kBothMonitors);
+}
+
+TEST_F(ScreensLinux, ObeyTheUsersScale) {
+    setenv("QUORVANE_SCALE", "2", 1);
+    watch();
+    unsetenv("QUORVANE_SCALE");
+    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 450}}));
+}
+
+TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {
+    PrivateXServer plain{"1024x768x24", {"-extension", "RANDR", "-extension", "XInputExtension"}};
+    auto opened = X11SessionLinux::open(loop(), plain.display(), [] {});
+    ASSERT_TRUE(opened) << opened.error().description;
+    EXPECT_EQ((*opened)->screens().list(), (std::vector<Screen>{{{0, 0, 1024, 768}, 1, {}}}));
+    // Nor are there raw events.
+    const Handle pointer = (*opened)->observePointer([](const RawPointerEvent&) {});
+    runOnce(loop());
+}
+
+TEST_F(ScreensLinux, SurviveTheEndOfTheServer) {
+    watch();
+    const xcb_window_t window = client->makeWindow(kBothMonitors);
+    client->setClass(window, "i3lock", "i3lock");
+    client->map(window);
+    settle();
+    take();
+    server.process().end(SIGKILL);
+    ASSERT_TRUE(runUntil(loop(), [this] { return timesLost > 0; }));
+    // Everything still answers, out of what was known, and nothing is told a second time.
+    const Handle pointer = session->observePointer([](const RawPointerEvent&) {});
+    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 1600, 900}}));
+    EXPECT_EQ(session->lockerWindows().size(), 1u);
+    EXPECT_EQ(session->atom("_A_NEW_NAME"), xcb_atom_t{XCB_ATOM_NONE});
+    session->noteOwnWindow(window, true);
+    session->flush();
+    runOnce(loop());
+    EXPECT_EQ(timesLost, 1);
+}
+
+}  // namespace
+}  // namespace quorvane
