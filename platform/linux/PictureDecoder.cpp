@@ -51,7 +51,8 @@ GObjectOwner<GdkPixbuf> load(ByteView encoded, PixelSize size) {
     Sizing sizing{size};
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(sizePrepared), &sizing);
     const bool isFed = feed(loader.get(), encoded, sizing);
-    // A loader has to be closed; a picture that breaks off is no picture.
+    // A loader has to be closed, whatever came before. Of a picture that breaks off the rest is
+    // grey.
     if (!gdk_pixbuf_loader_close(loader.get(), nullptr) || !isFed) return nullptr;
     GdkPixbuf* const pixbuf = gdk_pixbuf_loader_get_pixbuf(loader.get());
     if (!pixbuf) return nullptr;

@@ -42,12 +42,13 @@ void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLay
                      {alignedLeft(node, line->width, isRightToLeft), baseline(node.frame, *line)}));
 }
 
-// Full strength between the two fades, which rise slowly at both their ends.
+// Full strength between the two fades, which rise late: next to a picture the text is all but gone.
 CairoPattern fadeMask(const Rect& frame, double fade) {
     CairoPattern mask{cairo_pattern_create_linear(frame.x, 0, frame.maxX(), 0)};
     const double share = std::min(fade / frame.width, 0.5);
-    for (const double t : {0.0, 0.25, 0.5, 0.75, 1.0}) {
-        const double alpha = t * t * (3 - 2 * t);
+    for (const double t : {0.0, 0.2, 0.4, 0.6, 0.8, 1.0}) {
+        const double rise = t * t * (3 - 2 * t);
+        const double alpha = rise * rise;
         cairo_pattern_add_color_stop_rgba(mask.get(), share * t, 0, 0, 0, alpha);
         cairo_pattern_add_color_stop_rgba(mask.get(), 1 - share * t, 0, 0, 0, alpha);
     }
