@@ -1,0 +1,131 @@
+#include "tools/CardStill.hpp"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "AddOnKit/PlayerLayout.hpp"
+#include "AddOnKit/PlayerView.hpp"
+#include "platform/linux/CardChrome.hpp"
+#include "platform/linux/EncodedImage.hpp"
+#include "tools/Files.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr CardStyle kStyle{.card = PlayerLayout::kCardSize,
+                           .shadowMargin = 52,
+                           .cornerRadius = PlayerLayout::kCardCornerRadius,
+                           .glassStyle = 1,
+                           .shadowOpacity = 0.25,
+                           .shadowRadius = 22,
+                           .shadowOffset = 8};
+
+ImageRef decodeImage(ByteView encoded) {
+    if (!decodePicture(encoded, {1, 1})) return nullptr;
+    return std::make_shared<EncodedImage>(copyOf(encoded));
+}
+
+WallTime later(WallTime date, double seconds) {
+    return date + std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds));
+}
+
+std::expected<Pixels, std::string> makeBackdrop(const std::string& what, PixelSize size) {
+    Pixels pixels{size.width, size.height};
+    if (what.starts_with("#")) {
+        char* end = nullptr;
+        const unsigned long color = std::strtoul(what.c_str() + 1, &end, 16);
+        if (what.size() != 7 || *end != '\0')
+            return std::unexpected{"the backdrop \"" + what + "\" is no colour like #20242c"};
+        std::ranges::fill(pixels.values, kOpaqueBlack | static_cast<std::uint32_t>(color));
+        return pixels;
+    }
+    const auto bytes = readFile(what);
+    if (!bytes) return std::unexpected{bytes.error()};
+    const CairoSurface picture = decodePicture(*bytes, size);
+    if (!picture) return std::unexpected{what + ": is no picture that can be decoded"};
+    for (int y = 0; y < size.height; ++y)
+        std::copy_n(reinterpret_cast<const std::uint32_t*>(
+                        cairo_image_surface_get_data(picture.get()) +
+                        std::ptrdiff_t{y} * cairo_image_surface_get_stride(picture.get())),
+                    size.width, pixels.row(y));
+    return pixels;
+}
+
+// Borrows the pixels.
+CairoSurface surfaceOver(Pixels& pixels) {
+    return CairoSurface{cairo_image_surface_create_for_data(
+        reinterpret_cast<unsigned char*>(pixels.values.data()), CAIRO_FORMAT_ARGB32, pixels.width,
+        pixels.height, pixels.width * 4)};
+}
+
+void paint(cairo_t* cairo, Pixels& pixels) {
+    const CairoSurface surface = surfaceOver(pixels);
+    cairo_set_source_surface(cairo, surface.get(), 0, 0);
+    cairo_paint(cairo);
+    cairo_set_source_rgb(cairo, 0, 0, 0);  // lets go of the surface
+}
+
+PixelSize pixelSize(Size size, double scale) {
+    return {static_cast<int>(std::lround(size.width * scale)),
+            static_cast<int>(std::lround(size.height * scale))};
+}
+
+}  // namespace
+
+std::expected<std::unique_ptr<CardStill>, std::string> CardStill::make(
+    const QuorvanePlayerState& state, const CardRenderOptions& options) {
+    std::unique_ptr<CardStill> still{new CardStill{state, options}};
+    if (options.backdrop == "none") return still;
+    const Size stage{kStyle.card.width + 2 * kStyle.shadowMargin,
+                     kStyle.card.height + 2 * kStyle.shadowMargin};
+    auto backdrop = makeBackdrop(options.backdrop, pixelSize(stage, options.scale));
+    if (!backdrop) return std::unexpected{backdrop.error()};
+    still->backdrop_ = *std::move(backdrop);
+    still->chrome_ = makeCardChrome(still->backdrop_, kStyle, options.scale);
+    return still;
+}
+
+CardStill::CardStill(const QuorvanePlayerState& state, const CardRenderOptions& options)
+    : options_(options),
+      date_(later(state.timestamp, options.at)),
+      model_([date = date_] { return date; }, decodeImage),
+      canvas_(options.scale, nullptr,
+              options.fonts.empty() ? TextLayouts::kSystemFont : options.fonts) {
+    model_.apply(state);
+    environment_ = {.localized = [](const std::string& key) { return key; },
+                    .measureText = makeMeasureText(options.fonts.empty() ? TextLayouts::kSystemFont
+                                                                         : options.fonts),
+                    .isRightToLeft = options.isRightToLeft,
+                    .reduceMotion = options.reducesMotion,
+                    .scale = options.scale};
+    if (options.pressed == SceneControl::ID::volume) {
+        model_.beginVolumeDrag();
+        interaction_.thickening = Transition{1};
+    } else if (options.pressed) {
+        *interaction_.press(*options.pressed) = Transition{1};
+    }
+}
+
+CairoSurface CardStill::draw(double elapsed) {
+    environment_.playerFrozenDate = later(date_, elapsed);
+    environment_.marqueeFrozenTime = options_.marquee + elapsed;
+    const Scene scene = PlayerView{model_, environment_}.scene(interaction_, {{}, date_});
+
+    const bool hasChrome = !chrome_.isEmpty();
+    const PixelSize size = hasChrome ? PixelSize{chrome_.width, chrome_.height}
+                                     : pixelSize(kStyle.card, options_.scale);
+    CairoSurface picture{cairo_image_surface_create(
+        hasChrome ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32, size.width, size.height)};
+    const CairoContext cairo{cairo_create(picture.get())};
+    if (hasChrome) {
+        paint(cairo.get(), backdrop_);
+        paint(cairo.get(), chrome_);
+    }
+    cairo_scale(cairo.get(), options_.scale, options_.scale);
+    if (hasChrome) cairo_translate(cairo.get(), kStyle.shadowMargin, kStyle.shadowMargin);
+    canvas_.drawOn(cairo.get(), scene);
+    cairo_surface_flush(picture.get());
+    return picture;
+}
+
+}  // namespace quorvane
