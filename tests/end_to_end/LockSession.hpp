@@ -1,0 +1,129 @@
+// A whole session of a test's own: X server, bus and folders, in which the add-on, its host and a
+// real locker run as processes.
+#pragma once
+
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "AddOnKit/PlayerGeometry.hpp"
+#include "tests/end_to_end/LoggedProcess.hpp"
+#include "tests/end_to_end/ScreenProbe.hpp"
+#include "tests/support/PrivateBus.hpp"
+#include "tests/support/PrivateXServer.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace quorvane {
+
+// One card's window, as the add-on's log tells of it.
+struct CardOnScreen {
+    xcb_window_t window = XCB_WINDOW_NONE;
+    Rect frame;  // root pixels, shadow margin included
+
+    // The middle of a control, at scale 1.
+    Point middleOf(const Rect& control) const {
+        return {frame.x + 52 + control.midX(), frame.y + 52 + control.midY()};
+    }
+};
+
+class LockSession {
+public:
+    explicit LockSession(const std::string& geometry = "1920x1080x24") : x_(geometry) {
+        unsetenv("WAYLAND_DISPLAY");  // lockers of X servers refuse to start beside it, even when
+                                      // it is empty
+    }
+
+    std::vector<std::string> environment() const {
+        return {x_.environment(),
+                bus_.environment(),
+                "HOME=" + (folder_ / "home").string(),
+                "XDG_RUNTIME_DIR=" + folder_.path().string(),
+                "XDG_CONFIG_HOME=" + (folder_ / "config").string(),
+                "XDG_DATA_HOME=" + (folder_ / "data").string(),
+                "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent",
+                "QUORVANE_LOG=stderr",
+                "QUORVANE_LOG_PRIVATE=1",
+                "LC_ALL=C.UTF-8"};
+    }
+
+    LoggedProcess start(const std::vector<std::string>& arguments) {
+        return LoggedProcess{arguments, environment()};
+    }
+    // Serving when this returns.
+    LoggedProcess startHost(const std::string& script = DEMO_SCRIPT) {
+        return startHostWith({"--player", "scripted", "--script", script});
+    }
+    LoggedProcess startHostWith(const std::vector<std::string>& options) {
+        std::vector<std::string> arguments{HOST_PROGRAM, "run"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        start({HOST_PROGRAM, "enable"}).process().wait(std::chrono::seconds{20});
+        LoggedProcess host = start(arguments);
+        // Main and query ports each say it.
+        for (int port = 0; port < 5; ++port) host.says("started on dedicated thread");
+        return host;
+    }
+    // Watching the lock when this returns.
+    LoggedProcess startAddOn() {
+        LoggedProcess addOn = start({ADDON_PROGRAM});
+        addOn.says("lock monitor started");
+        return addOn;
+    }
+    LoggedProcess startLocker(const std::string& colour = "336699") {
+        return start({"i3lock", "-n", "-c", colour});
+    }
+
+    // The card that the add-on says next to have built. The place on the log's screen is turned
+    // into root pixels.
+    static CardOnScreen nextCard(LoggedProcess& addOn) {
+        const std::string line = addOn.next(" on screen ");
+        CardOnScreen card;
+        double screenX = 0;
+        double screenY = 0;
+        double screenWidth = 0;
+        double screenHeight = 0;
+        long screen = 0;
+        unsigned long window = 0;
+        const std::size_t at = line.find("window ");
+        if (at == std::string::npos) return card;
+        std::sscanf(line.c_str() + at,
+                    "window %lu on screen %ld {{%lf, %lf}, {%lf, %lf}} at {{%lf, %lf}, {%lf, %lf}}",
+                    &window, &screen, &screenX, &screenY, &screenWidth, &screenHeight,
+                    &card.frame.x, &card.frame.y, &card.frame.width, &card.frame.height);
+        card.window = static_cast<xcb_window_t>(window);
+        card.frame.y = screenY + screenHeight - card.frame.maxY();
+        return card;
+    }
+
+    // What the X server shows a moment after the log has told of it.
+    static bool eventually(const std::function<bool()>& condition) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds{20};
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            poll(nullptr, 0, 20);
+        }
+        return true;
+    }
+
+    // Clicks until the card has felt it: a press in the first milliseconds of its entrance may come
+    // before the add-on listens to the pointer.
+    static bool click(ScreenProbe& probe, LoggedProcess& addOn, Point at) {
+        for (int attempt = 0; attempt < 20; ++attempt) {
+            probe.click(at);
+            if (addOn.says("mouse down at", std::chrono::milliseconds{500})) return true;
+        }
+        return false;
+    }
+
+    ScreenProbe probe() const { return ScreenProbe{x_.display()}; }
+    PrivateXServer& x() { return x_; }
+    PrivateBus& bus() { return bus_; }
+    const TemporaryFolder& folder() const { return folder_; }
+
+private:
+    TemporaryFolder folder_;
+    PrivateXServer x_;
+    PrivateBus bus_;
+};
+
+}  // namespace quorvane

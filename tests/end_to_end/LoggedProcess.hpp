@@ -1,0 +1,97 @@
+// A real program whose standard error is read line by line.
+#pragma once
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/ChildProcess.hpp"
+
+namespace quorvane {
+
+class LoggedProcess {
+public:
+    LoggedProcess() = default;
+    LoggedProcess(const std::vector<std::string>& arguments,
+                  const std::vector<std::string>& environment) {
+        int ends[2] = {-1, -1};
+        if (pipe2(ends, O_CLOEXEC) != 0) return;
+        // Plain shells know descriptors of one digit only.
+        std::vector<std::string> command{
+            "sh", "-c", "exec \"$@\" 2>/proc/self/fd/" + std::to_string(ends[1]), "sh"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        process_ = ChildProcess{command, environment, ends[1]};
+        ::close(ends[1]);
+        output_ = ends[0];
+    }
+    LoggedProcess(LoggedProcess&& other) noexcept { *this = std::move(other); }
+    LoggedProcess& operator=(LoggedProcess&& other) noexcept {
+        std::swap(process_, other.process_);
+        std::swap(output_, other.output_);
+        std::swap(text_, other.text_);
+        std::swap(seen_, other.seen_);
+        return *this;
+    }
+    ~LoggedProcess() {
+        if (output_ >= 0) ::close(output_);
+    }
+
+    ChildProcess& process() { return process_; }
+
+    // The next line that holds the text, after those that earlier calls have returned; "" when none
+    // comes in time.
+    std::string next(std::string_view text,
+                     std::chrono::milliseconds patience = std::chrono::seconds{30}) {
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        while (true) {
+            for (std::size_t end = text_.find('\n', seen_); end != std::string::npos;
+                 end = text_.find('\n', seen_)) {
+                const std::string line = text_.substr(seen_, end - seen_);
+                seen_ = end + 1;
+                if (line.find(text) != std::string::npos) return line;
+            }
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+                deadline - std::chrono::steady_clock::now());
+            if (!readMore(std::max(left, std::chrono::milliseconds{0}))) return {};
+        }
+    }
+    bool says(std::string_view text,
+              std::chrono::milliseconds patience = std::chrono::seconds{30}) {
+        return !next(text, patience).empty();
+    }
+    // How often the text has been said so far, in all that was read.
+    int count(std::string_view text) {
+        while (readMore(std::chrono::milliseconds{0})) {
+        }
+        int times = 0;
+        for (std::size_t at = text_.find(text); at != std::string::npos;
+             at = text_.find(text, at + 1))
+            ++times;
+        return times;
+    }
+    const std::string& log() const { return text_; }
+
+private:
+    bool readMore(std::chrono::milliseconds patience) {
+        pollfd entry{output_, POLLIN, 0};
+        if (poll(&entry, 1, static_cast<int>(patience.count())) <= 0) return false;
+        char buffer[65536];
+        const ssize_t length = read(output_, buffer, sizeof buffer);
+        if (length <= 0) return false;
+        text_.append(buffer, static_cast<std::size_t>(length));
+        return true;
+    }
+
+    ChildProcess process_;
+    int output_ = -1;
+    std::string text_;
+    std::size_t seen_ = 0;
+};
+
+}  // namespace quorvane
