@@ -62,12 +62,17 @@ protected:
     }
 
     EventLoop& loop() { return services->loop; }
-    // Everything that the other client has done so far has been seen.
+    // Everything that the other client has done so far has been seen, and what the session asked of
+    // the server upon it is done: the server takes its clients' requests in no certain order.
     void settle() {
         client->sync();
-        std::free(xcb_get_input_focus_reply(session->connection(),
-                                            xcb_get_input_focus(session->connection()), nullptr));
+        syncSession();
         runOnce(loop());
+        syncSession();
+    }
+    void syncSession() {
+        xcb_connection_t* own = session->connection();
+        std::free(xcb_get_input_focus_reply(own, xcb_get_input_focus(own), nullptr));
     }
     // The notices without their common beginning, and forgets them.
     std::vector<std::string> take() { return std::exchange(notices, {}); }
