@@ -8,11 +8,11 @@
 #include "QuorvaneKit/MessagePortSecret.hpp"
 #include "QuorvaneKit/MessagePortWire.hpp"
 #include "QuorvaneKit/XPCCodableHelpers.hpp"
-#include "tests/host/ServedPorts.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/MemoryPorts.hpp"
 #include "tests/support/RecordingLog.hpp"
 
 namespace quorvane {
@@ -107,10 +107,23 @@ protected:
     }
     Bytes secret() { return files.at(kSecretFile); }
 
+    // Nothing in the reply stands for an empty one.
+    Bytes ask(const std::string& port, std::int32_t messageID, const Bytes& body) {
+        const auto remote = ports.connectPort()(port);
+        EXPECT_TRUE(remote);
+        PortReply reply = remote ? remote->send({.messageID = messageID,
+                                                 .body = body,
+                                                 .sendTimeout = 20s,
+                                                 .receiveTimeout = 20s,
+                                                 .awaitsReply = true})
+                                 : PortReply{};
+        EXPECT_EQ(reply.status, kPortSuccess);
+        return std::move(reply.body).value_or(Bytes{});
+    }
     // A query is answered by the main thread while the port's thread waits.
     Bytes query(std::int32_t messageID, const Bytes& body) {
         auto answer =
-            std::async(std::launch::async, [&] { return ports.ask(kQueryPort, messageID, body); });
+            std::async(std::launch::async, [&] { return ask(kQueryPort, messageID, body); });
         while (answer.wait_for(0s) != std::future_status::ready)
             if (main.run() == 0) std::this_thread::yield();
         return answer.get();
@@ -126,8 +139,7 @@ protected:
         return decoded.value_or(LockScreenAddOnConfiguration{});
     }
     QuorvanePlayerState state() {
-        auto decoded =
-            XPCCodableHelpers::decode<QuorvanePlayerState>(ports.ask(kMainPort, 1, request()));
+        auto decoded = XPCCodableHelpers::decode<QuorvanePlayerState>(ask(kMainPort, 1, request()));
         EXPECT_TRUE(decoded);
         return decoded.value_or(QuorvanePlayerState{});
     }
@@ -138,7 +150,7 @@ protected:
     using Texts = std::vector<std::string>;
     static constexpr char kSecretFile[] = "/group.example.quillon.Quorvane/ipc-secret";
     RecordingLog log;
-    ServedPorts ports;
+    MemoryPorts ports;
     ManualClock clock;
     ManualMainThread main;
     FakeNotices notices;
@@ -171,8 +183,8 @@ TEST_F(HostCoordinatorTest, MakesOneSecretAndKeepsIt) {
 TEST_F(HostCoordinatorTest, WithoutASecretEverythingIsDropped) {
     hasRandom = false;
     EXPECT_FALSE(host->start());
-    ports.waitUntilServed(5);
-    EXPECT_TRUE(ports.ask(kMainPort, 1, Bytes(32)).empty());
+    waitUntilServing();
+    EXPECT_TRUE(ask(kMainPort, 1, Bytes(32)).empty());
     EXPECT_TRUE(log.contains("Failed to generate IPC secret (SecRandomCopyBytes status 7)"));
 }
 
@@ -180,9 +192,9 @@ TEST_F(HostCoordinatorTest, AnswersOnlyToTheSecret) {
     serve();
     Bytes wrong = request();
     wrong[31] ^= std::byte{1};
-    EXPECT_TRUE(ports.ask(kMainPort, 1, wrong).empty());
+    EXPECT_TRUE(ask(kMainPort, 1, wrong).empty());
     wrong.push_back(std::byte{1});
-    EXPECT_TRUE(ports.ask(kMainPort, 2, wrong).empty());
+    EXPECT_TRUE(ask(kMainPort, 2, wrong).empty());
     main.run();
     EXPECT_TRUE(takeHeard().empty());
     EXPECT_TRUE(
@@ -205,14 +217,14 @@ TEST_F(HostCoordinatorTest, HandsOutTheStateOfTheMoment) {
 
 TEST_F(HostCoordinatorTest, CommandsReachThePlayerOnTheMainThread) {
     serve();
-    ports.ask(kMainPort, 2, request("\x01"));
-    ports.ask(kMainPort, 2, request("\x03"));  // no action
-    ports.ask(kMainPort, 3, request("\x40"));
-    ports.ask(kMainPort, 4, request("\xFF"));
+    ask(kMainPort, 2, request("\x01"));
+    ask(kMainPort, 2, request("\x03"));  // no action
+    ask(kMainPort, 3, request("\x40"));
+    ask(kMainPort, 4, request("\xFF"));
     EXPECT_TRUE(takeHeard().empty());
     main.run();
     EXPECT_EQ(takeHeard(), (Texts{"nextTrack", "volume 64", "rating 255"}));
-    ports.ask(kMainPort, 2, request("\x01"));
+    ask(kMainPort, 2, request("\x01"));
     host.reset();
     EXPECT_GT(main.run(), 0) << "what arrives after the end goes nowhere";
 }
@@ -247,13 +259,16 @@ TEST_F(HostCoordinatorTest, SaysWhenItComesAndGoes) {
     takeNotices();
     host->stop();
     EXPECT_EQ(takeNotices(), Texts{"mainAppWillTerminate"});
-    EXPECT_FALSE(ports.isServed(kMainPort));
+    EXPECT_FALSE(ports.connectPort()(kMainPort));
     host->stop();
     EXPECT_TRUE(takeNotices().empty());
 }
 
 TEST_F(HostCoordinatorTest, WaitingForAnotherHostItIsSilentAndEndsAtOnce) {
-    ports.take();
+    std::vector<Handle> others;
+    others.push_back(ports.serve(kMainPort, {}));
+    for (std::size_t i = 0; i < kQueryPortCount; ++i)
+        others.push_back(ports.serve(queryPortName(kMessagePortBaseName, i), {}));
     host->start();
     change();
     clock.advance(1s);

@@ -5,6 +5,7 @@
 #include "platform/Observable.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
+#include "tests/support/ManualSerialQueues.hpp"
 #include "tests/support/MemoryFiles.hpp"
 
 namespace quorvane {
@@ -12,15 +13,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr char kQueue[] = "example.quillon.Quorvane.artwork";
 constexpr char kMpv[] = "org.mpris.MediaPlayer2.mpv";
 constexpr char kVlc[] = "org.mpris.MediaPlayer2.vlc";
-
-// Runs what it is given when the test says so.
-struct ManualQueue : SerialQueue {
-    explicit ManualQueue(std::deque<std::function<void()>>& waiting) : actions(waiting) {}
-    void async(std::function<void()> action) override { actions.push_back(std::move(action)); }
-    std::deque<std::function<void()>>& actions;
-};
 
 class MprisPlayerTest : public testing::Test {
 protected:
@@ -50,10 +45,7 @@ protected:
                                              .files = files.table(),
                                              .clock = clock.clock(),
                                              .mainThread = main.mainThread(),
-                                             .makeSerialQueue =
-                                                 [this](const std::string&) {
-                                                     return std::make_unique<ManualQueue>(reading);
-                                                 },
+                                             .makeSerialQueue = queues.make(),
                                              .log = {}},
                        std::move(onlyNamed));
         player->onChanged = [this] { ++changes; };
@@ -85,12 +77,7 @@ protected:
     void announce() { revision.set(revision.get() + 1); }
     // Lets the queue read and the main thread hear of it.
     void read() {
-        while (!reading.empty()) {
-            auto action = std::move(reading.front());
-            reading.pop_front();
-            action();
-            main.run();
-        }
+        while (queues.runNext(kQueue)) main.run();
     }
 
     std::string title() const {
@@ -108,7 +95,7 @@ protected:
     ManualClock clock;
     ManualMainThread main;
     MemoryFiles files;
-    std::deque<std::function<void()>> reading;
+    ManualSerialQueues queues;
     std::vector<MediaPlayer> players;
     Observable<int> revision{0};
     std::vector<std::string> said;
@@ -255,9 +242,8 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     start();
     play(mpv, "next song", "file:///two.png");
     announce();
-    ASSERT_EQ(reading.size(), 1u) << "one look at a time";
-    reading.front()();
-    reading.pop_front();
+    ASSERT_EQ(queues.waiting(kQueue), 1u) << "one look at a time";
+    queues.runNext(kQueue);
     main.run();
     EXPECT_EQ(artwork(), "") << "the answer was for the song before";
     read();
@@ -279,7 +265,7 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
 TEST_F(MprisPlayerTest, MayGoWhileArtworkIsRead) {
     add(kMpv, "Playing", "song", "file:///one.png");
     start();
-    reading.front()();
+    queues.runNext(kQueue);
     player.reset();
     EXPECT_EQ(main.run(), 1);
 }
