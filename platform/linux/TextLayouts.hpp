@@ -39,7 +39,9 @@ public:
     const TextLine& line(const std::string& text, const FontStyle& font,
                          std::optional<double> fit = std::nullopt);
 
-    static constexpr char kSystemFont[] = "system-ui,sans";
+    // The desktop's interface font where fontconfig knows one, then the one the card was drawn
+    // with.
+    static constexpr char kSystemFont[] = "system-ui,Inter,sans";
 
 private:
     struct Entry {
