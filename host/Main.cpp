@@ -62,15 +62,24 @@ HostCoordinator::Services coordinatorServices(const LiveServices& services) {
             .sharedSuite = sharedSuite(services)};
 }
 
-// On the signal's thread, before the signal ends the process: the add-on is told if the main thread
-// is not held up.
-void stopInTime(HostCoordinator& host, const MainThread& mainThread) {
-    const std::shared_ptr<WaitFlag> stopped = makeWaitFlag();
-    mainThread.post([&host, stopped] {
+// Runs on the signal's thread, before the signal ends the process: the main thread says goodbye, if
+// it is not held up. What it says has reached the bus when it comes back from there.
+void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
+    struct Goodbye {
+        std::unique_ptr<WaitFlag> isSaid = makeWaitFlag();
+        Handle echo;
+    };
+    const auto goodbye = std::make_shared<Goodbye>();
+    services.mainThread.post([&host, goodbye, notices = services.darwinNotices] {
+        const bool isServing = host.isServing();
+        goodbye->echo =
+            notices.observe(std::string{rawValue(QuorvaneDarwinNotification::mainAppWillTerminate)},
+                            // Holds what holds it: it must not end on the signal's thread.
+                            [goodbye] { goodbye->isSaid->raise(); });
         host.stop();
-        stopped->raise();
+        if (!isServing) goodbye->isSaid->raise();
     });
-    stopped->waitFor(std::chrono::seconds{2});
+    goodbye->isSaid->waitFor(std::chrono::seconds{1});
 }
 
 int run(const HostCommandLine& line, const LiveServices& services) {
@@ -79,7 +88,7 @@ int run(const HostCommandLine& line, const LiveServices& services) {
     HostCoordinator host{coordinatorServices(services), *std::move(player)};
     host.onServing = [] { say("serving; end with Ctrl-C"); };
     services.application.handleTerminationSignal(
-        [&host, mainThread = services.mainThread] { stopInTime(host, mainThread); });
+        [&host, &services] { sayGoodbye(host, services); });
     return services.application.run(
         [&] {
             if (services.connectPort(std::string{kMessagePortBaseName}))
