@@ -1,0 +1,145 @@
+// What shows around and through a card: the locker's own picture, also when it changes.
+#include <array>
+#include <tuple>
+
+#include "tests/platform/linux/CardFixture.hpp"
+
+namespace quorvane {
+namespace {
+
+using std::chrono::milliseconds;
+
+// Of the margin, beyond the shadow's reach.
+constexpr Point kCorner{kWindowX + 1, kWindowY + 1};
+
+// A locker that shows a picture of many colours, by its background or by drawing over it.
+void showPicture(const X11Client& locker, xcb_window_t window, bool isBackground) {
+    xcb_connection_t* connection = locker.connection();
+    const xcb_pixmap_t picture = xcb_generate_id(connection);
+    xcb_create_pixmap(connection, 24, picture, window, 1000, 700);
+    const xcb_gcontext_t context = xcb_generate_id(connection);
+    xcb_create_gc(connection, context, window, 0, nullptr);
+    for (int i = 0; i < 70; ++i) {
+        const std::uint32_t color = 0x030201u * static_cast<std::uint32_t>(i);
+        xcb_change_gc(connection, context, XCB_GC_FOREGROUND, &color);
+        const xcb_rectangle_t stripe{0, static_cast<std::int16_t>(i * 10), 1000, 10};
+        xcb_poly_fill_rectangle(connection, isBackground ? picture : window, context, 1, &stripe);
+    }
+    if (!isBackground) return;
+    xcb_change_window_attributes(connection, window, XCB_CW_BACK_PIXMAP, &picture);
+    xcb_clear_area(connection, false, window, 0, 0, 0, 0);
+}
+
+class CardBackdrop : public CardFixture {
+protected:
+    // Outside the card's shadow the window looks like what is behind it.
+    void expectMarginsLike(const Screenshot& before, int windowX, int windowY) {
+        const Screenshot now = look();
+        for (const auto& [x, y] : {std::pair{0, 0}, {503, 0}, {0, 325}, {503, 325}})
+            EXPECT_EQ(now.at(windowX + x, windowY + y), before.at(windowX + x, windowY + y))
+                << x << ", " << y;
+    }
+};
+
+class CardBackdropOfEachKind : public CardBackdrop, public testing::WithParamInterface<bool> {};
+
+TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
+    lock();
+    showPicture(*locker, lockerWindow, GetParam());
+    const Screenshot before = look();
+    makeCard();
+    showCard();
+    expectMarginsLike(before, kWindowX, kWindowY);
+    // Partly onto where it was, and back.
+    window->setFrame(settings(200, 260).frame, screen());
+    expectMarginsLike(before, 200, 260);
+    EXPECT_NE(look().at(400, 400), before.at(400, 400)) << "the card";
+    // As lockers do when the server asks them to repair what is open again.
+    showPicture(*locker, lockerWindow, GetParam());
+    settle();
+    window->setFrame(settings(kWindowX, kWindowY).frame, screen());
+    expectMarginsLike(before, kWindowX, kWindowY);
+}
+
+INSTANTIATE_TEST_SUITE_P(Drawn, CardBackdropOfEachKind, testing::Bool(), [](const auto& about) {
+    return about.param ? "AsBackground" : "OverTheBackground";
+});
+
+TEST_F(CardBackdrop, FollowsTheLockersBackgroundNotTooOften) {
+    lock();
+    makeCard();
+    showCard();
+    const std::uint32_t glass = pixelAt(500, 250);
+    const auto corner = [this] { return pixelAt(int(kCorner.x), int(kCorner.y)); };
+    ASSERT_EQ(corner(), kLockerColor);
+    clock.advance(milliseconds{600});
+    setBackground(lockerWindow, 0xff902010);
+    EXPECT_EQ(corner(), 0xff902010) << "at once after a rest";
+    EXPECT_NE(pixelAt(500, 250), glass);
+    setBackground(lockerWindow, 0xff109020);
+    EXPECT_EQ(corner(), 0xff902010);
+    advance(milliseconds{500});
+    EXPECT_EQ(corner(), 0xff109020);
+
+    // Our own drawing is no news.
+    for (int i = 0; i < 5; ++i) {
+        advance(milliseconds{500});
+        stage->setScene(sceneOf({{{20.0 * i, 20, 30, 30}, 0, Color::white()}}));
+        settle();
+    }
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
+TEST_F(CardBackdrop, IsReadAnewEachTimeTheCardComes) {
+    lock();
+    makeCard();
+    showCard();
+    stage->setHidden(true);
+    settle();
+    showPicture(*locker, lockerWindow, false);
+    const Screenshot before = look();
+    stage->setHidden(false);
+    expectMarginsLike(before, kWindowX, kWindowY);
+}
+
+TEST_F(CardBackdrop, OutsideOfTheScreenDoesNoHarm) {
+    lock();
+    makeCard(700, -80);
+    showCard();
+    EXPECT_EQ(pixelAt(705, 240), kLockerColor);
+    EXPECT_NE(pixelAt(900, 100), kLockerColor);
+    window->setFrame(settings(2000, 2000).frame, screen());
+    EXPECT_EQ(pixelAt(900, 100), kLockerColor);
+}
+
+// The same card on servers that lack what makes it fast or lets it follow.
+class CardWithout : public CardBackdrop, public testing::WithParamInterface<const char*> {
+protected:
+    CardWithout() { server = PrivateXServer{"1000x700x24", {"-extension", GetParam()}}; }
+};
+
+TEST_P(CardWithout, IsDrawnAllTheSame) {
+    lock();
+    showPicture(*locker, lockerWindow, true);
+    const Screenshot before = look();
+    makeCard();
+    stage->setScene(sceneOf({{{100, 100, 20, 20}, 0, {0, 1, 0, 1}}}));
+    showCard();
+    EXPECT_EQ(std::ranges::count(look().pixels, 0xff00ff00), 20 * 20);
+    expectMarginsLike(before, kWindowX, kWindowY);
+    window->setFrame(settings(200, 260).frame, screen());
+    expectMarginsLike(before, 200, 260);
+    window->close();
+    EXPECT_EQ(look(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Extension, CardWithout,
+                         testing::Values("MIT-SHM", "Composite", "DAMAGE", "XFIXES", "SHAPE"),
+                         [](const auto& about) {
+                             std::string name = about.param;
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+}  // namespace
+}  // namespace quorvane
