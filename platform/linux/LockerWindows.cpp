@@ -67,6 +67,14 @@ void LockerWindows::describeClients(LockFacts& facts) {
         topLevels_.watchClosely(window.window);
         if (window.isMapped) clients.insert(window.client);
     }
+    describeWindows(facts, clients);
+    const bool hasScreenSaver = std::ranges::find(facts.windows, kScreenSaverClass,
+                                                  &WindowFacts::className) != facts.windows.end();
+    topLevels_.followScreenSaver(hasScreenSaver);
+    facts.screenSaverIsLocked = hasScreenSaver && topLevels_.screenSaverIsLocked();
+}
+
+void LockerWindows::describeWindows(LockFacts& facts, const std::set<std::uint32_t>& clients) {
     if (clients.empty()) return;
     // Whose windows these are matters only to clients that are told by their hold of the keyboard.
     const auto desktop = facts.keyboard == KeyboardHold::isHeld ? topLevels_.desktopClients()
@@ -80,9 +88,6 @@ void LockerWindows::describeClients(LockFacts& facts) {
         window.instance = details->instance;
         window.className = details->className;
     }
-    if (std::ranges::find(facts.windows, kScreenSaverClass, &WindowFacts::className) !=
-        facts.windows.end())
-        facts.screenSaverIsLocked = topLevels_.screenSaverIsLocked();
 }
 
 LockScene LockerWindows::sceneOf(const LockFacts& facts, const std::vector<FoundLocker>& found) {

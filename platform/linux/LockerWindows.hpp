@@ -1,6 +1,8 @@
 // The lockers' windows that stand on the X server now, and the areas that they need.
 #pragma once
 
+#include <cstdint>
+#include <set>
 #include <vector>
 
 #include "platform/linux/KeepClearZones.hpp"
@@ -32,6 +34,7 @@ private:
     void evaluate();
     LockFacts gather();
     void describeClients(LockFacts& facts);
+    void describeWindows(LockFacts& facts, const std::set<std::uint32_t>& clients);
     LockScene sceneOf(const LockFacts& facts, const std::vector<FoundLocker>& found);
 
     MonitorsLinux& monitors_;

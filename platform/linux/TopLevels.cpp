@@ -209,10 +209,12 @@ std::set<std::uint32_t> TopLevels::desktopClients() {
     return clients;
 }
 
+void TopLevels::followScreenSaver(bool follows) {
+    if (std::exchange(followsScreenSaver_, follows) != follows)
+        select(x11_.root(), follows ? kRootMask | XCB_EVENT_MASK_PROPERTY_CHANGE : kRootMask);
+}
+
 bool TopLevels::screenSaverIsLocked() {
-    // Not before it is needed: status bars write to the root window every second.
-    if (!std::exchange(followsScreenSaver_, true))
-        select(x11_.root(), kRootMask | XCB_EVENT_MASK_PROPERTY_CHANGE);
     const auto status =
         xcbReply(xcb_get_property_reply, x11_.connection(),
                  xcb_get_property(x11_.connection(), false, x11_.root(),

@@ -46,7 +46,9 @@ public:
     std::vector<Rect> mappedChildren(xcb_window_t parent, const Rect& frame);
     // The clients that manage the desktop: window manager and compositor.
     std::set<std::uint32_t> desktopClients();
-    // What xscreensaver publishes. The first call begins to follow it.
+    // What xscreensaver publishes. While it is followed its changes are changes too; otherwise the
+    // root window's properties are left alone, to which status bars write every second.
+    void followScreenSaver(bool follows);
     bool screenSaverIsLocked();
 
     // Windows that this process made over another connection.
