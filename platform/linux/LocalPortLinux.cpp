@@ -40,7 +40,7 @@ LocalPortLinux::LocalPortLinux(PortFolder folder, std::string name, FileDescript
       limits_(limits),
       epoll_(epoll_create1(EPOLL_CLOEXEC)),
       wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      budget_(limits.bodyBytes) {}
+      memory_(limits.bodyBytes) {}
 
 // The socket's file goes before the lock: a successor's file is never removed.
 LocalPortLinux::~LocalPortLinux() {
@@ -124,7 +124,7 @@ void LocalPortLinux::pauseListening() {
 
 void LocalPortLinux::add(FileDescriptor socket) {
     if (connections_.size() >= limits_.connections) dropFromGreediest();
-    auto connection = std::make_unique<PortConnection>(std::move(socket), limits_, budget_);
+    auto connection = std::make_unique<PortConnection>(std::move(socket), limits_, memory_);
     connection->place = connections_.size();
     connection->lastUse = ++uses_;
     connection->watched = EPOLLIN;
@@ -144,6 +144,9 @@ void LocalPortLinux::serve(PortConnection& connection) {
 }
 
 void LocalPortLinux::drop(PortConnection& connection) {
+    // Closing alone does not end the watch while a child of this process, forked but not yet
+    // another program, holds the socket too; the next event would then name what is gone.
+    watch(connection.socket(), 0, nullptr, EPOLL_CTL_DEL);
     const std::size_t place = connection.place;
     std::swap(connections_[place], connections_.back());
     connections_[place]->place = place;

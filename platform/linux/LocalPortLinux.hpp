@@ -51,7 +51,7 @@ private:
     FileDescriptor wake_;
     std::atomic<bool> isStopped_ = false;
 
-    BodyBudget budget_;  // before the connections, which give back to it
+    PortMemory memory_;  // before the connections, which give back to it
     std::vector<std::unique_ptr<PortConnection>> connections_;
     std::uint64_t uses_ = 0;
     std::optional<Instant> nextDeadline_;  // not after the first that is due

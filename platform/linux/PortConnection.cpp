@@ -35,15 +35,15 @@ std::optional<std::size_t> receiveNow(int socket, std::span<std::byte> place) {
 
 }  // namespace
 
-PortConnection::PortConnection(FileDescriptor socket, const PortLimits& limits, BodyBudget& budget)
+PortConnection::PortConnection(FileDescriptor socket, const PortLimits& limits, PortMemory& memory)
     : socket_(std::move(socket)),
       limits_(limits),
-      budget_(budget),
+      memory_(memory),
       peer_(peerProcess(socket_.get())) {}
 
 PortConnection::~PortConnection() {
     dropBody();
-    if (output_) budget_.giveBack(output_->body.size());
+    dropOutput();
     wipeStart(buffer_.filled());
 }
 
@@ -110,7 +110,7 @@ bool PortConnection::answerComplete(const PortHandler& handler) {
 // before it arrives.
 bool PortConnection::beginBody(std::size_t length) {
     if (length <= buffer_.filled().size() + buffer_.room().size()) return true;
-    auto buffer = budget_.takeBuffer(length);
+    auto buffer = memory_.takeBuffer(length);
     if (!buffer) return false;
     body_ = *std::move(buffer);
     const auto early = buffer_.filled();
@@ -124,7 +124,7 @@ bool PortConnection::beginBody(std::size_t length) {
 void PortConnection::dropBody() {
     if (body_.empty()) return;
     wipeStart(body_);
-    budget_.giveBackBuffer(std::exchange(body_, {}));
+    memory_.giveBackBuffer(std::exchange(body_, {}));
     bodyFilled_ = 0;
 }
 
@@ -142,12 +142,13 @@ bool PortConnection::answer(const PortHandler& handler, std::span<std::byte> bod
 }
 
 bool PortConnection::write(Output output) {
-    if (!budget_.take(output.body.size())) return false;
     output_ = std::move(output);
     deadline_.reset();
     if (!writeRest()) return false;
-    if (output_) deadline_ = now() + limits_.replyTime;
-    return true;
+    if (!output_) return true;
+    output_->isCounted = memory_.replies.take(output_->body.size());
+    deadline_ = now() + limits_.replyTime;
+    return output_->isCounted;
 }
 
 bool PortConnection::writeRest() {
@@ -158,9 +159,13 @@ bool PortConnection::writeRest() {
         if (count < 0) return errno == EAGAIN;
         output_->sent += static_cast<std::size_t>(count);
     }
-    budget_.giveBack(output_->body.size());
-    output_.reset();
+    dropOutput();
     return true;
+}
+
+void PortConnection::dropOutput() {
+    if (output_ && output_->isCounted) memory_.replies.giveBack(output_->body.size());
+    output_.reset();
 }
 
 }  // namespace quorvane

@@ -12,9 +12,7 @@
 
 namespace quorvane {
 
-// What long requests and waiting replies of all clients of a port may amount to, and one spare
-// buffer for the next long request: memory fresh from the system costs more than what is read into
-// it.
+// Memory that all clients of a port may take up together.
 class BodyBudget {
 public:
     explicit BodyBudget(std::size_t total) : left_(total) {}
@@ -26,29 +24,42 @@ public:
     }
     void giveBack(std::size_t size) { left_ += size; }
 
-    // The bytes of a buffer count until it is given back.
+private:
+    std::size_t left_;
+};
+
+// What the clients of a port share. Apart for requests and replies: anybody can begin a long
+// request, but only who knows the secret gets a long reply.
+class PortMemory {
+public:
+    explicit PortMemory(std::size_t bodyBytes) : replies(bodyBytes), requests_(bodyBytes) {}
+
+    // For a long request; counts until it is given back. One spare buffer is kept: memory fresh
+    // from the system costs more than what is read into it.
     std::optional<Bytes> takeBuffer(std::size_t size) {
-        if (!take(size)) return std::nullopt;
+        if (!requests_.take(size)) return std::nullopt;
         Bytes buffer = std::exchange(spare_, {});
         if (buffer.capacity() < size) return Bytes(size);
         buffer.resize(size);
         return buffer;
     }
     void giveBackBuffer(Bytes buffer) {
-        giveBack(buffer.size());
+        requests_.giveBack(buffer.size());
         if (buffer.capacity() <= kLargestSpare) spare_ = std::move(buffer);
     }
 
+    BodyBudget replies;  // those that wait to be taken
+
 private:
     static constexpr std::size_t kLargestSpare = 2 * 1024 * 1024;
-    std::size_t left_;
+    BodyBudget requests_;
     Bytes spare_;
 };
 
 // Never blocks. Owned by its port, on the port's thread.
 class PortConnection {
 public:
-    PortConnection(FileDescriptor socket, const PortLimits& limits, BodyBudget& budget);
+    PortConnection(FileDescriptor socket, const PortLimits& limits, PortMemory& memory);
     ~PortConnection();
 
     // Reads what there is, answers what is complete and writes what can be taken. False when the
@@ -71,6 +82,7 @@ private:
         FrameHeader header;
         Bytes body;
         std::size_t sent = 0;
+        bool isCounted = false;  // in the memory that waiting replies share
     };
 
     bool read();
@@ -81,10 +93,11 @@ private:
     bool write(Output output);
     bool writeRest();
     void dropBody();
+    void dropOutput();
 
     FileDescriptor socket_;
     const PortLimits& limits_;
-    BodyBudget& budget_;
+    PortMemory& memory_;
     std::int32_t peer_ = 0;
     FrameBuffer buffer_;
     std::optional<RequestHeader> request_;  // read, its body not yet complete

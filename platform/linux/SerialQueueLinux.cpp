@@ -44,13 +44,7 @@ public:
         : work_(std::make_shared<QueueWork>(std::move(label))) {}
 
     ~SerialQueueLinux() override {
-        std::deque<std::function<void()>> dropped;
-        {
-            const std::lock_guard guard{work_->mutex};
-            work_->isClosed = true;
-            dropped.swap(work_->actions);
-        }
-        work_->changed.notify_one();
+        close();
         if (!thread_.joinable()) return;
         if (thread_.get_id() == std::this_thread::get_id())
             thread_.detach();
@@ -59,15 +53,23 @@ public:
     }
 
     void async(std::function<void()> action) override {
-        {
-            const std::lock_guard guard{work_->mutex};
-            work_->actions.push_back(std::move(action));
-            if (!thread_.joinable()) thread_ = std::thread{[work = work_] { work->run(); }};
-        }
+        // Up to the last line, for the action may end the queue.
+        const std::lock_guard guard{work_->mutex};
+        work_->actions.push_back(std::move(action));
+        if (!thread_.joinable()) thread_ = std::thread{[work = work_] { work->run(); }};
         work_->changed.notify_one();
     }
 
 private:
+    // What waits is dropped at once, and outside the lock.
+    void close() {
+        std::deque<std::function<void()>> dropped;
+        const std::lock_guard guard{work_->mutex};
+        work_->isClosed = true;
+        dropped.swap(work_->actions);
+        work_->changed.notify_one();
+    }
+
     // Shared, because an action that destroys its own queue leaves the thread behind.
     const std::shared_ptr<QueueWork> work_;
     std::thread thread_;  // begun under the mutex
