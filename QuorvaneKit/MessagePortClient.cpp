@@ -39,10 +39,6 @@ void MessagePortClient::sendQuery(MessageType type, Bytes payload, Duration time
 const Observable<bool>& MessagePortClient::isConnected() const { return state_->isConnected; }
 Observable<bool>& MessagePortClient::isConnected() { return state_->isConnected; }
 
-const std::string& MessagePortClient::unreachableReason() const {
-    return state_->unreachableReason;
-}
-
 const std::optional<QuorvanePlayerState>& MessagePortClient::playerState() const {
     return state_->playerState;
 }

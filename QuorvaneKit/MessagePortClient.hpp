@@ -99,8 +99,6 @@ public:
 
     const Observable<bool>& isConnected() const;
     Observable<bool>& isConnected();
-    // Why the last attempt to reach the main application failed; empty when it did not.
-    const std::string& unreachableReason() const;
     const std::optional<QuorvanePlayerState>& playerState() const;
     std::int64_t portAttempts() const;
 

@@ -51,15 +51,18 @@ void MessagePortClient::State::start() {
         return;
     }
     log.info("Starting message port client");
+    isStopped = false;
     const std::weak_ptr alive = weak_from_this();
     connect();
-    if (alive.expired()) return;
+    // Stopped inside the wait: it stays so.
+    if (alive.expired() || isStopped) return;
     stateChangedObserver.start();
 }
 
 // A client that was stopped is not brought back by a notice.
 void MessagePortClient::State::stop() {
     log.info("Stopping message port client");
+    isStopped = true;
     stateChangedObserver.stop();
     disconnect();
 }
@@ -69,14 +72,12 @@ void MessagePortClient::State::connect() {
     if (localResponder) return;
     auto port = services.connectPort(portBaseName);
     if (port == nullptr) {
-        unreachableReason = "message port not available";
         log.error("Message port not available");
         return;
     }
     const std::weak_ptr alive = weak_from_this();
     const std::uint64_t mine = ++connection;
     remotePort = std::move(port);
-    unreachableReason.clear();
     isConnected.set(true);
     if (alive.expired()) return;
     log.info("Connected to message port");
@@ -107,7 +108,6 @@ void MessagePortClient::State::stateChangedNotice() {
 std::optional<Bytes> MessagePortClient::State::frame(ByteView payload) {
     auto bytes = secret();
     if (!bytes) {
-        unreachableReason = "IPC connection secret unavailable";
         log.error(
             "IPC connection secret unavailable (App Group container unreadable); cannot send to "
             "main app");
@@ -116,7 +116,6 @@ std::optional<Bytes> MessagePortClient::State::frame(ByteView payload) {
     auto framed = MessagePortWire::wrap(payload, *bytes);
     wipe(*bytes);
     if (!framed) {
-        unreachableReason = "IPC connection secret malformed";
         log.error("IPC connection secret malformed; cannot send");
     }
     return framed;
@@ -160,12 +159,10 @@ void MessagePortClient::State::requestOnce() {
 
 void MessagePortClient::State::receive(PortReply reply) {
     if (reply.status != kPortSuccess) {
-        unreachableReason = "status " + std::to_string(reply.status);
         log.error("Message port disconnected, status: %d", reply.status);
         disconnect();
         return;
     }
-    unreachableReason.clear();
     if (!reply.body) return;
     auto decoded = stateDecoder.decode(*std::move(reply.body));
     if (!decoded) return;
@@ -192,7 +189,6 @@ void MessagePortClient::State::sendCommand(MessageType type, std::int64_t value)
         {.messageID = std::to_underlying(type), .body = *framed, .sendTimeout = kSendTimeout});
     MessagePortWire::wipeSecret(*framed);
     if (reply.status == kPortSuccess || alive.expired() || connection != mine) return;
-    unreachableReason = "status " + std::to_string(reply.status);
     log.error("Failed to send message, status: %d", reply.status);
     disconnect();
 }

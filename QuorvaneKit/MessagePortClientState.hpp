@@ -46,11 +46,11 @@ struct MessagePortClient::State : std::enable_shared_from_this<MessagePortClient
     PlayerStateDecoder stateDecoder;
     std::optional<QuorvanePlayerState> playerState;
     Observable<bool> isConnected{false};
-    std::string unreachableReason;
     std::int64_t portAttempts = 0;
 
     std::unique_ptr<RemotePort> remotePort;
     std::uint64_t connection = 0;  // counts the ports held and dropped
+    bool isStopped = false;        // since the last start
     bool isRequesting = false;
     bool requestsAgain = false;  // asked for while a request was under way
 
