@@ -125,7 +125,9 @@ const SceneControl* PlayerCard::control(SceneControl::ID id) const {
 }
 
 void PlayerCard::pointerDown(Point location) {
-    endPress();
+    const auto life = life_.watch();
+    endPress();  // of a press whose end was never told
+    if (life.isOver()) return;
     const auto found = std::ranges::find_if(scene_.controls, [&](const SceneControl& candidate) {
         const bool reacts = candidate.role == SceneControl::Role::button ||
                             candidate.role == SceneControl::Role::slider;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "AddOnKit/CardContent.hpp"
+#include "AddOnKit/LifeToken.hpp"
 #include "AddOnKit/PlayerActions.hpp"
 #include "AddOnKit/PlayerEnvironment.hpp"
 #include "AddOnKit/PlayerInteraction.hpp"
@@ -74,6 +75,7 @@ private:
     std::optional<std::string> artist_;
     std::optional<std::int64_t> artworkID_;
     ImageRef artwork_;
+    LifeToken life_;
 
     // Last: their ends may not find a half-destroyed card.
     std::vector<Handle> observations_;
