@@ -42,7 +42,11 @@ CardWindowSync::Standing CardWindowController::standing() const {
 
 void CardWindowController::apply(const std::vector<CardWindowSync::Step>& steps,
                                  std::string_view reason) {
-    for (const CardWindowSync::Step& step : steps)
+    // Closing ends a drag, whose last volume may wait for its send: what comes in meanwhile plans
+    // from what then stands, and the rest of this plan would be carried out against a newer state.
+    const std::uint64_t plan = ++planCount_;
+    for (const CardWindowSync::Step& step : steps) {
+        if (plan != planCount_) return;
         std::visit(
             Overloaded{[&](CardWindowSync::Build build) { this->build(build.appearance, reason); },
                        [&](CardWindowSync::SetCardVisible set) { setCardVisible(set.isVisible); },
@@ -50,6 +54,7 @@ void CardWindowController::apply(const std::vector<CardWindowSync::Step>& steps,
                        [&](CardWindowSync::BeginActivity) { beginActivity(); },
                        [&](CardWindowSync::EndActivity) { activity_.reset(); }},
             step);
+    }
 }
 
 void CardWindowController::build(CardAppearance appearance, std::string_view reason) {

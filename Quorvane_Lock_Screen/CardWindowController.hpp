@@ -2,6 +2,7 @@
 // anew when the screens change.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -61,6 +62,7 @@ private:
     std::vector<Entry> entries_;  // in screen order
     // Shared only so that a deferred show can tell whether the controller is still there.
     std::shared_ptr<PresentationState> state_ = std::make_shared<PresentationState>();
+    std::uint64_t planCount_ = 0;
     Handle activity_;
     Handle screenObserver_;
     Handle keepClearObserver_;
