@@ -1,0 +1,385 @@
+#include "Quorvane_Lock_Screen/AddOnCoordinator.hpp"
+
+#include <gtest/gtest.h>
+
+#include "Quorvane_Lock_Screen/AddOnApp.hpp"
+#include "shared/AddOnSignals.hpp"
+#include "tests/support/FakePlatform.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+using Lines = std::vector<std::string>;
+using ID = SceneControl::ID;
+using Kind = PointerEvent::Kind;
+
+constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
+constexpr char kConfigurationChanged[] = "example.quillon.Quorvane.lockScreenConfigurationChanged";
+constexpr char kMainAppQuits[] = "example.quillon.Quorvane.mainAppWillTerminate";
+
+class AddOnCoordinatorTest : public testing::Test {
+protected:
+    void start() {
+        coordinator->start();
+        platform.settle();
+    }
+    void lockAndShow() {
+        start();
+        platform.lock();
+        platform.pass(800ms);
+        ASSERT_TRUE(platform.isCardSeen());
+        platform.log.take();
+    }
+    long count(const std::string& text) {
+        return std::ranges::count(platform.log.lines(), text, &RecordingLog::Line::text);
+    }
+
+    FakePlatform platform;
+    std::shared_ptr<AddOnCoordinator> coordinator = AddOnCoordinator::make(platform.live);
+};
+
+TEST_F(AddOnCoordinatorTest, StartsInItsStatedOrder) {
+    start();
+    EXPECT_EQ(platform.log.take(),
+              (Lines{"launch: 1.2.3, pid 4711", "Starting message port client",
+                     "Connected to message port",
+                     "State received - track: none -> Reed, position: 0.000000s",
+                     "state: track changed, playing, card visible, artwork 13 B, heart shown",
+                     "state: now 'Reed' — 'Marsh'",
+                     "link: add-on 1.2.3, macOS 26.1.0, supported true, install 0F0E0D0C",
+                     "installer: connected true; posting the status",
+                     "state: locked false, lockui false, delay false, allowed false, music true → "
+                     "windows false, card false",
+                     "lock monitor started; locked now false", "lockui: shared state 0",
+                     "Configuration: enabled true, removal false, minimum 1.0.0",
+                     "state: locked false, lockui false, delay false, allowed true, music true → "
+                     "windows false, card false"}));
+}
+
+TEST_F(AddOnCoordinatorTest, OneLockFromItsNoticeToTheUnlock) {
+    start();
+    platform.log.take();
+    platform.lock();
+    EXPECT_TRUE(platform.windows.open().empty());
+    platform.pass(800ms);
+    EXPECT_TRUE(platform.isCardSeen());
+    EXPECT_EQ(platform.windows.lifted, (std::vector<long>{101}));
+    EXPECT_EQ(platform.activities, 1);
+    EXPECT_EQ(platform.log.take(),
+              (Lines{"lock: com.apple.screenIsLocked",
+                     "state: locked true, lockui false, delay false, allowed true, music true → "
+                     "windows false, card false",
+                     "lockui: shown",
+                     "state: locked true, lockui true, delay false, allowed true, music true → "
+                     "windows false, card false",
+                     "state: locked true, lockui true, delay true, allowed true, music true → "
+                     "windows true, card true",
+                     "windows: building 1 (state), card true",
+                     "window 101 on screen 1 {{0, 0}, {1920, 1080}} at {{708, 482}, {504, 326}}",
+                     "State received - track: Reed -> Reed, position: 0.000000s",
+                     "entrance: window 101, reduce motion false"}));
+    platform.tap(ID::next);
+    platform.mainApp.play("Rush", "Sedge");
+    EXPECT_EQ(platform.mainApp.commands, (Lines{"nextTrack"}));
+    platform.pass(790ms);
+    EXPECT_EQ(platform.log.take(), (Lines{"command: nextTrack"}));
+    platform.pass(10ms);
+    EXPECT_EQ(platform.log.take(),
+              (Lines{"State received - track: Reed -> Rush, position: 0.000000s",
+                     "state: track changed, artwork 13 B", "state: now 'Rush' — 'Sedge'"}));
+    platform.unlock();
+    EXPECT_EQ(platform.log.take(),
+              (Lines{"lockui: hidden",
+                     "state: locked true, lockui false, delay false, allowed true, music true → "
+                     "windows false, card false",
+                     "windows: closing 1 (state)", "unlock: com.apple.screenIsUnlocked",
+                     "state: locked false, lockui false, delay false, allowed true, music true → "
+                     "windows false, card false"}));
+    EXPECT_TRUE(platform.windows.open().empty());
+    EXPECT_EQ(platform.activities, 0);
+    const int requests = platform.mainApp.stateRequests;
+    platform.pass(10s);
+    EXPECT_EQ(platform.mainApp.stateRequests, requests);
+    EXPECT_EQ(platform.mainApp.strangers, 0);
+}
+
+TEST_F(AddOnCoordinatorTest, AScreenThatIsLockedAtTheStartNeedsNoLockNotice) {
+    platform.isLocked = true;
+    start();
+    platform.notice("com.apple.screenLockUIIsShown");
+    platform.pass(800ms);
+    EXPECT_TRUE(platform.isCardSeen());
+    EXPECT_EQ(platform.mainApp.hellos.size(), 2u);  // the link's own and that of the lock
+    EXPECT_EQ(platform.mainApp.hellos[0].installID, "0F0E0D0C");
+}
+
+TEST_F(AddOnCoordinatorTest, ARemovalClosesTheWindowsAtOnceAndForGood) {
+    lockAndShow();
+    const auto stage = platform.stage();
+    const auto area = *platform.frame(ID::volume);
+    platform.pointer(Kind::down, {area.x, area.midY()});
+    platform.mainApp.configuration.removalRequested = true;
+    platform.notice(kConfigurationChanged);
+    EXPECT_TRUE(platform.windows.open().empty());
+    EXPECT_EQ(platform.activities, 0);
+    EXPECT_EQ(count("removal: closing the windows"), 1);
+    EXPECT_EQ(platform.log.lines().back().text, "Stopping message port client");
+
+    const std::size_t sent = platform.ports.sent.size();
+    if (stage->events.pointer) stage->events.pointer({Kind::up, {area.midX(), area.midY()}});
+    EXPECT_EQ(platform.notice(AddOnSignals::kStatusRequest), 0);
+    EXPECT_EQ(platform.notice(AddOnSignals::kQuit), 0);
+    EXPECT_EQ(platform.notice(kStateChanged), 0);
+    platform.mainApp.configuration.removalRequested = false;
+    platform.notice(kConfigurationChanged);
+    platform.notice(kMainAppQuits);
+    platform.unlock();
+    platform.lock();
+    platform.pass(100s);
+    EXPECT_EQ(platform.ports.sent.size(), sent);
+    EXPECT_EQ(platform.windows.windows.size(), 1u);
+    EXPECT_EQ(platform.terminations, 0);
+    coordinator->willTerminate();
+    EXPECT_EQ(count("removal: closing the windows"), 1);
+}
+
+// A removal that comes while a refresh connects anew and waits: the client is stopped by then.
+TEST_F(AddOnCoordinatorTest, ARemovalInsideAWaitingSendIsNotUndoneByIt) {
+    lockAndShow();
+    platform.ports.failures[std::string{kMessagePortBaseName}] = kPortBecameInvalid;
+    platform.pass(2s);  // the poll that finds the port dead
+    platform.ports.failures.clear();
+    platform.mainApp.configuration.removalRequested = true;
+    platform.notices.deliver(kConfigurationChanged);  // the hello waits in its queue
+    platform.ports.duringSend = [&] {
+        platform.ports.duringSend = nullptr;
+        platform.settle();
+    };
+    platform.clock.advance(2s);
+    EXPECT_EQ(count("removal: closing the windows"), 1);
+    EXPECT_EQ(platform.notice(kStateChanged), 0);
+    EXPECT_EQ(platform.notices.posted.back().first, AddOnSignals::kStatus);
+    const std::size_t sent = platform.ports.sent.size();
+    platform.pass(10s);
+    EXPECT_EQ(platform.ports.sent.size(), sent);
+}
+
+TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgain) {
+    lockAndShow();
+    platform.notice(kMainAppQuits);
+    EXPECT_FALSE(platform.isCardSeen());
+    EXPECT_EQ(platform.windows.open().size(), 1u);
+    const Lines lines = platform.log.take();
+    EXPECT_EQ(lines.front(), "notice: mainAppWillTerminate; hiding the card");
+    EXPECT_EQ(lines.back(),
+              "state: locked true, lockui true, delay true, allowed true, music false");
+    platform.mainApp.quit();
+    platform.pass(10s);
+    EXPECT_FALSE(platform.isCardSeen());
+    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
+                    "hidden"),
+              0);  // the quit has cleared it already
+
+    platform.mainApp.launch();
+    platform.notice(kStateChanged);
+    EXPECT_TRUE(platform.isCardSeen());
+    EXPECT_EQ(platform.windows.windows.size(), 1u);
+
+    platform.mainApp.quit();  // without a word
+    platform.pass(10s);
+    EXPECT_FALSE(platform.isCardSeen());
+    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
+                    "hidden"),
+              1);
+}
+
+TEST_F(AddOnCoordinatorTest, AnswersThatAreNoRecordsChangeNothing) {
+    lockAndShow();
+    platform.mainApp.lies = true;
+    platform.notice(kStateChanged);
+    platform.notice(kConfigurationChanged);
+    platform.pass(70s);
+    EXPECT_TRUE(platform.isCardSeen());
+    EXPECT_EQ(platform.windows.windows.size(), 1u);
+    EXPECT_GT(platform.mainApp.hellos.size(), 3u);
+}
+
+TEST_F(AddOnCoordinatorTest, TheConfigurationTurnsTheCardOffAndOn) {
+    lockAndShow();
+    platform.mainApp.configuration.isEnabled = false;
+    platform.notice(kConfigurationChanged);
+    EXPECT_TRUE(platform.windows.open().empty());
+    const int requests = platform.mainApp.stateRequests;
+    platform.pass(10s);
+    EXPECT_EQ(platform.mainApp.stateRequests, requests);
+    platform.mainApp.configuration.isEnabled = true;
+    platform.notice(kConfigurationChanged);
+    EXPECT_TRUE(platform.isCardSeen());
+    EXPECT_EQ(platform.mainApp.stateRequests, requests + 1);
+}
+
+TEST_F(AddOnCoordinatorTest, TheInstallerIsToldTheStatusAndObeyed) {
+    start();
+    const auto statusOf = [&](std::size_t index) {
+        EXPECT_EQ(platform.notices.posted.at(index).first, AddOnSignals::kStatus);
+        return AddOnSignals::Status::fromUserInfo(platform.notices.posted[index].second);
+    };
+    platform.notice(AddOnSignals::kStatusRequest);
+    ASSERT_FALSE(platform.notices.posted.empty());
+    const std::size_t answers = platform.notices.posted.size();
+    EXPECT_EQ(statusOf(answers - 1),
+              (AddOnSignals::Status{.isConnected = true, .version = "1.2.3"}));
+    platform.mainApp.quit();
+    platform.notice(kStateChanged);  // finds the port dead
+    ASSERT_EQ(platform.notices.posted.size(), answers + 1);
+    EXPECT_EQ(statusOf(answers), (AddOnSignals::Status{.isConnected = false, .version = "1.2.3"}));
+    platform.notice(AddOnSignals::kQuit);
+    EXPECT_EQ(platform.terminations, 1);
+    EXPECT_EQ(platform.log.lines().back().text, "installer: quitting");
+}
+
+TEST_F(AddOnCoordinatorTest, AnOrderlyEndClosesTheWindows) {
+    AddOnApp app{platform.live};
+    app.applicationWillTerminate();  // before it has started
+    app.applicationDidFinishLaunching();
+    platform.settle();
+    platform.lock();
+    platform.pass(800ms);
+    EXPECT_TRUE(platform.isCardSeen());
+    app.applicationWillTerminate();
+    EXPECT_TRUE(platform.windows.open().empty());
+    EXPECT_EQ(platform.activities, 0);
+    const int requests = platform.mainApp.stateRequests;
+    platform.pass(10s);
+    EXPECT_EQ(platform.mainApp.stateRequests, requests);
+}
+
+TEST_F(AddOnCoordinatorTest, ADragSendsTwelveVolumesASecondAndItsLast) {
+    lockAndShow();
+    const auto area = *platform.frame(ID::volume);
+    const auto at = [&](int volume) {
+        return Point{area.x + area.width * (volume + 0.5) / 100, area.midY()};
+    };
+    platform.pointer(Kind::down, at(99));
+    for (int volume = 98; volume >= 1; --volume) {
+        platform.pass(10ms);
+        platform.pointer(Kind::dragged, at(volume));
+    }
+    EXPECT_EQ(platform.mainApp.commands.size(), 12u);
+    EXPECT_EQ(platform.mainApp.commands.front(), "volume 99");
+    platform.pointer(Kind::up, at(1));
+    EXPECT_EQ(platform.mainApp.commands.size(), 13u);
+    EXPECT_EQ(platform.mainApp.commands.back(), "volume 1");
+    EXPECT_EQ(count("volume: drag ended at 1"), 1);
+    platform.pass(1s);
+    EXPECT_EQ(platform.mainApp.commands.size(), 13u);
+}
+
+TEST_F(AddOnCoordinatorTest, AWakeFindsOutWhatNoNoticeTold) {
+    lockAndShow();
+    platform.isLocked = false;
+    platform.wake();
+    EXPECT_TRUE(platform.windows.open().empty());
+    EXPECT_EQ(count("wake: the screen is unlocked but no unlock notice arrived"), 1);
+    platform.isLocked = true;
+    platform.wake();
+    platform.notice("com.apple.screenLockUIIsShown");
+    platform.pass(800ms);
+    EXPECT_TRUE(platform.isCardSeen());
+    EXPECT_EQ(platform.mainApp.hellos.size(), 3u);  // at the start and at each lock
+}
+
+TEST_F(AddOnCoordinatorTest, EveryScreenHasACardAsScreensComeAndGo) {
+    lockAndShow();
+    platform.screens.list.push_back({.frame = {1920, 0, 1280, 1024}, .scale = 2});
+    platform.screens.changed();
+    platform.settle();
+    ASSERT_EQ(platform.windows.open().size(), 2u);
+    EXPECT_TRUE(platform.isCardSeen(0) && platform.isCardSeen(1));
+    platform.tap(ID::playPause);
+    EXPECT_EQ(platform.mainApp.commands, (Lines{"playPause"}));
+    platform.screens.list.clear();
+    platform.screens.changed();
+    EXPECT_TRUE(platform.windows.open().empty());
+    EXPECT_EQ(platform.activities, 0);
+}
+
+TEST_F(AddOnCoordinatorTest, NoticesInsideAWaitingSendMakeOneMoreRequest) {
+    lockAndShow();
+    const int requests = platform.mainApp.stateRequests;
+    platform.ports.duringSend = [&] {
+        for (int i = 0; i < 3; ++i) platform.notices.deliver(kStateChanged);
+        platform.mainApp.play("Rush", "Sedge");
+        platform.tap(ID::love);
+    };
+    platform.notices.deliver(kStateChanged);
+    EXPECT_EQ(platform.mainApp.stateRequests, requests + 1);
+    EXPECT_EQ(platform.mainApp.commands, (Lines{"toggleLove"}));
+    platform.settle();
+    EXPECT_EQ(platform.mainApp.stateRequests, requests + 2);
+    EXPECT_TRUE(platform.isCardSeen());
+}
+
+// A drag's end sends, and with a connection that must be made anew it waits. What comes in
+// meanwhile has the last word over the windows.
+TEST_F(AddOnCoordinatorTest, WhatComesInWhileADragEndsHasTheLastWord) {
+    enum class Within { unlock, screensChange, unlockUnderPress };
+    for (const Within within : {Within::unlock, Within::screensChange, Within::unlockUnderPress}) {
+        lockAndShow();
+        const auto area = *platform.frame(ID::volume);
+        const Point quarter{area.x + area.width / 4, area.midY()};
+        platform.pointer(Kind::down, quarter);
+        platform.ports.failures[std::string{kMessagePortBaseName}] = kPortSendTimeout;
+        platform.notice(kStateChanged);  // disconnects
+        platform.ports.failures.clear();
+        platform.ports.duringSend = [&] {
+            if (within == Within::screensChange)
+                platform.screens.changed();
+            else
+                platform.unlock();
+        };
+        if (within == Within::unlockUnderPress)
+            platform.pointer(Kind::down, quarter);
+        else
+            platform.screens.changed();
+        EXPECT_FALSE(platform.ports.duringSend);
+        platform.settle();
+        EXPECT_EQ(platform.windows.open().size(), within == Within::screensChange ? 1u : 0u);
+        platform.unlock();
+        EXPECT_TRUE(platform.windows.open().empty());
+        EXPECT_EQ(platform.activities, 0);
+        coordinator = AddOnCoordinator::make(platform.live);
+    }
+}
+
+TEST_F(AddOnCoordinatorTest, NothingHappensAfterItsDestruction) {
+    lockAndShow();
+    platform.notices.deliver(kConfigurationChanged);       // a query waits in its queue
+    platform.notices.deliver("com.apple.screenIsLocked");  // a hello waits for the main thread
+    platform.tap(ID::next);
+    const auto stage = platform.stage();
+    const auto requests = platform.ports.sent.size();
+    coordinator.reset();
+    platform.log.take();
+    EXPECT_EQ(platform.notices.observerCount(), 0u);
+    EXPECT_EQ(platform.clock.pendingTimers(), 0u);
+    EXPECT_FALSE(platform.wake || platform.screens.changed || stage->events.pointer);
+    platform.settle();
+    platform.pass(100s);
+    EXPECT_EQ(platform.ports.sent.size(), requests);
+    EXPECT_TRUE(platform.log.take().empty());
+}
+
+TEST_F(AddOnCoordinatorTest, AnAnswerOnItsWayFindsNobody) {
+    start();
+    platform.notices.deliver(kConfigurationChanged);
+    platform.queues.runAll();  // answered, and posted to the main thread
+    coordinator.reset();
+    platform.log.take();
+    EXPECT_GT(platform.mainThread.run(), 0);
+    EXPECT_TRUE(platform.log.take().empty());
+}
+
+}  // namespace
+}  // namespace quorvane
