@@ -48,33 +48,24 @@ constexpr WallTime kReferenceDate{std::chrono::seconds{978'307'200}};
 
 std::unexpected<PlatformError> malformed(const char* why) { return posixError(why, EINVAL); }
 
-// The functions that hand out a copy differ only in their names.
-template <typename Getter>
-Text textFrom(plist_t node, Getter getter) {
-    char* text = nullptr;
-    getter(node, &text);
-    return Text{text};
-}
+// The readers fill a value in its place.
+using Storage = PropertyValue::Storage;
 
-Result<PropertyValue> valueOf(plist_t node, int depth);
+Result<void> readNode(plist_t node, int depth, Storage& value);
 
-Result<PropertyValue> arrayOf(plist_t node, int depth) {
-    PropertyArray array;
+Result<void> readArray(plist_t node, int depth, PropertyArray& array) {
     plist_array_iter place = nullptr;
     plist_array_new_iter(node, &place);
     const std::unique_ptr<void, MemoryDeleter> owner{place};
     plist_t item = nullptr;
     for (plist_array_next_item(node, place, &item); item;
          plist_array_next_item(node, place, &item)) {
-        auto value = valueOf(item, depth + 1);
-        if (!value) return value;
-        array.push_back(*std::move(value));
+        if (auto read = readNode(item, depth + 1, array.emplace_back().value); !read) return read;
     }
-    return PropertyValue{std::move(array)};
+    return {};
 }
 
-Result<PropertyValue> dictionaryOf(plist_t node, int depth) {
-    PropertyDictionary dictionary;
+Result<void> readDictionary(plist_t node, int depth, PropertyDictionary& dictionary) {
     plist_dict_iter place = nullptr;
     plist_dict_new_iter(node, &place);
     const std::unique_ptr<void, MemoryDeleter> owner{place};
@@ -83,49 +74,52 @@ Result<PropertyValue> dictionaryOf(plist_t node, int depth) {
         plist_t item = nullptr;
         plist_dict_next_item(node, place, &key, &item);
         const Text ownedKey{key};
-        if (!key || !item) break;
-        auto value = valueOf(item, depth + 1);
-        if (!value) return value;
-        dictionary.insert_or_assign(key, *std::move(value));
+        if (!key || !item) return {};
+        if (auto read = readNode(item, depth + 1, dictionary[key].value); !read) return read;
     }
-    return PropertyValue{std::move(dictionary)};
 }
 
-Result<PropertyValue> dateOf(plist_t node) {
+WallTime dateOf(plist_t node) {
     std::int32_t seconds = 0;
     std::int32_t microseconds = 0;
     plist_get_date_val(node, &seconds, &microseconds);
-    return PropertyValue{kReferenceDate + std::chrono::seconds{seconds} +
-                         std::chrono::microseconds{microseconds}};
+    return kReferenceDate + std::chrono::seconds{seconds} + std::chrono::microseconds{microseconds};
 }
 
-Result<PropertyValue> dataOf(plist_t node) {
+Bytes dataOf(plist_t node) {
     char* data = nullptr;
     std::uint64_t size = 0;
     plist_get_data_val(node, &data, &size);
     const Text owner{data};
-    return PropertyValue{copyOf(bytesOf({data, data ? size : 0}))};
+    return copyOf(bytesOf({data, data ? size : 0}));
 }
 
-Result<PropertyValue> valueOf(plist_t node, int depth) {
+std::string stringOf(plist_t node) {
+    char* text = nullptr;
+    plist_get_string_val(node, &text);
+    const Text owner{text};
+    return text ? text : "";
+}
+
+Result<void> readNode(plist_t node, int depth, Storage& value) {
     if (depth > kDeepestList) return malformed("property list nests too deep");
     std::uint8_t flag = 0;
     std::uint64_t number = 0;
-    double real = 0;
     switch (plist_get_node_type(node)) {
-        case PLIST_BOOLEAN: plist_get_bool_val(node, &flag); return PropertyValue{flag != 0};
+        case PLIST_ARRAY: return readArray(node, depth, value.emplace<PropertyArray>());
+        case PLIST_DICT: return readDictionary(node, depth, value.emplace<PropertyDictionary>());
+        case PLIST_BOOLEAN:
+            plist_get_bool_val(node, &flag);
+            value.emplace<bool>(flag != 0);
+            return {};
         case PLIST_UINT:
             plist_get_uint_val(node, &number);
-            return PropertyValue{static_cast<std::int64_t>(number)};
-        case PLIST_REAL: plist_get_real_val(node, &real); return PropertyValue{real};
-        case PLIST_STRING: {
-            const Text text = textFrom(node, plist_get_string_val);
-            return PropertyValue{std::string{text ? text.get() : ""}};
-        }
-        case PLIST_DATE: return dateOf(node);
-        case PLIST_DATA: return dataOf(node);
-        case PLIST_ARRAY: return arrayOf(node, depth);
-        case PLIST_DICT: return dictionaryOf(node, depth);
+            value.emplace<std::int64_t>(static_cast<std::int64_t>(number));
+            return {};
+        case PLIST_REAL: plist_get_real_val(node, &value.emplace<double>()); return {};
+        case PLIST_STRING: value.emplace<std::string>(stringOf(node)); return {};
+        case PLIST_DATE: value.emplace<WallTime>(dateOf(node)); return {};
+        case PLIST_DATA: value.emplace<Bytes>(dataOf(node)); return {};
         default: return malformed("property list of an unknown type");
     }
 }
@@ -203,7 +197,10 @@ Result<PropertyValue> parsePropertyList(ByteView contents) {
     }
     const Node node{parsed};
     if (!node) return malformed("malformed property list");
-    return valueOf(node.get(), 0);
+    Result<PropertyValue> value{std::in_place};
+    if (auto read = readNode(node.get(), 0, value->value); !read)
+        return std::unexpected{std::move(read).error()};
+    return value;
 }
 
 Result<Bytes> xmlPropertyList(const PropertyValue& value) {
