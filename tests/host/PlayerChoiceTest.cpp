@@ -74,6 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
               {{{{"a", kPlaying}, {"b", kPlaying}, {"c", kPaused}}, "a"},
                switching("b"),
                {{{"a", kPlaying}, {"b", kPlaying}, {"c", kPlaying}}, "b"},
+               {{{"a", kPlaying}, {"b", kPaused}, {"c", kPlaying}}, "b"},
                {{{"a", kPlaying}, {"c", kPlaying}}, "c"}}}),
     [](const auto& story) { return story.param.name; });
 

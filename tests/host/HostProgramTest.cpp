@@ -1,0 +1,143 @@
+// The program itself, as processes with a bus and folders of their own.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <regex>
+
+#include "platform/linux/NoticesLinux.hpp"
+#include "tests/end_to_end/LoggedProcess.hpp"
+#include "tests/support/LoopRunner.hpp"
+#include "tests/support/PrivateBus.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::string_view kScript =
+    R"({"startPosition": 30, "autoplay": false,
+        "tracks": [{"title": "Low Tide", "artist": "The Quiet Harbour", "duration": 214}]})";
+
+class HostProgramTest : public testing::Test {
+protected:
+    HostProgramTest() {
+        bus.useHere();
+        script = folder.write("script.json", kScript);
+    }
+
+    std::vector<std::string> environment() const {
+        return {bus.environment(),
+                "HOME=" + folder.path().string(),
+                "XDG_RUNTIME_DIR=" + folder.path().string(),
+                "XDG_CONFIG_HOME=" + (folder / "config").string(),
+                "XDG_DATA_HOME=" + (folder / "data").string(),
+                "QUORVANE_LOG=stderr"};
+    }
+    LoggedProcess startHost() {
+        return LoggedProcess{{HOST_PROGRAM, "run", "--script", script.string()}, environment()};
+    }
+    struct Run {
+        int status;
+        std::string text;  // both of its outputs
+    };
+    Run run(std::vector<std::string> arguments) {
+        std::vector<std::string> command{"sh", "-c", "exec \"$@\" >\"$0\" 2>&1",
+                                         (folder / "out").string(), HOST_PROGRAM};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        ChildProcess child{command, environment()};
+        const int status = child.wait(20s).value_or(-1);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("out")};
+    }
+
+    PrivateBus bus;
+    TemporaryFolder folder;
+    std::filesystem::path script;
+};
+
+TEST_F(HostProgramTest, ExplainsMistakes) {
+    Run result = run({"sing"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.text, "quorvane-host: unknown command 'sing'\nTry: quorvane-host --help\n");
+    result = run({"--script", (folder / "absent.json").string()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.text.ends_with("absent.json: No such file or directory\n")) << result.text;
+    result = run({"--help"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(result.text.starts_with("Usage: quorvane-host")) << result.text;
+    EXPECT_TRUE(std::regex_match(run({"--version"}).text,
+                                 std::regex{"quorvane-host \\d+\\.\\d+\\.\\d+\n"}));
+}
+
+TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
+    Run result = run({"status"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.text.starts_with("Host:    not running")) << result.text;
+    LoggedProcess host = startHost();
+    ASSERT_TRUE(host.says("the card is off; turn it on with"));
+    ASSERT_TRUE(host.says("serving;"));
+    result = run({"enable"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.text, "The card is on.\n");
+    result = run({"status"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.text,
+              "Host:    running, paused \"Low Tide\" by The Quiet Harbour (0:30 of 3:34)\n"
+              "Card:    on\n"
+              "Add-on:  not running, and never seen\n");
+    struct stat secret {};
+    ASSERT_EQ(stat((folder / "data/group.example.quillon.Quorvane/ipc-secret").c_str(), &secret),
+              0);
+    EXPECT_EQ(secret.st_mode & 07777, 0600u);
+    EXPECT_EQ(secret.st_size, 32);
+
+    // A host that hangs is there, and `status` does not wait for it for long.
+    host.process().signal(SIGSTOP);
+    result = run({"status"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.text.starts_with("Host:    its ports are taken, but nobody answers"))
+        << result.text;
+}
+
+TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
+    LoggedProcess first = startHost();
+    ASSERT_TRUE(first.says("serving;"));
+    LoggedProcess impatient = startHost();
+    ASSERT_TRUE(impatient.says("another quorvane-host serves this login; waiting for it to end"));
+    ASSERT_TRUE(impatient.says("busy (attempt 1)"));
+    impatient.process().signal(SIGINT);
+    // Without being held up by the two seconds that each port is waited for.
+    const auto status = impatient.process().wait(5s);
+    ASSERT_TRUE(status);
+    EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 0);
+    EXPECT_EQ(impatient.count("host: ending"), 0) << "it has served nobody";
+
+    LoggedProcess second = startHost();
+    ASSERT_TRUE(second.says("busy (attempt 1)"));
+    first.process().end(SIGKILL);
+    EXPECT_TRUE(second.says("serving;", 5s)) << second.log();
+}
+
+TEST_F(HostProgramTest, SaysGoodbyeHoweverItIsAskedToEnd) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        EventLoop loop;
+        SessionBus connection{loop, Logger{}};
+        const DarwinNotices notices = makeDarwinNotices(connection, Logger{});
+        bool isOver = false;
+        const Handle observation = notices.observe("example.quillon.Quorvane.mainAppWillTerminate",
+                                                   [&] { isOver = true; });
+        LoggedProcess host = startHost();
+        ASSERT_TRUE(host.says("serving;"));
+        host.process().signal(signal);
+        EXPECT_TRUE(runUntil(loop, [&] { return isOver; })) << signal;
+        const auto status = host.process().wait(20s);
+        ASSERT_TRUE(status);
+        if (signal == SIGINT)
+            EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 0);
+        else
+            EXPECT_TRUE(WIFSIGNALED(*status) && WTERMSIG(*status) == SIGTERM);
+    }
+}
+
+}  // namespace
+}  // namespace quorvane
