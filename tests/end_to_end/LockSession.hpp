@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -103,6 +104,14 @@ public:
             poll(nullptr, 0, 20);
         }
         return true;
+    }
+
+    // Whether more stands in the area than the one colour of a plain lock screen.
+    static bool isDrawnOn(ScreenProbe& probe, const Rect& area) {
+        return eventually([&] {
+            const auto pixels = probe.pixels(area);
+            return std::set(pixels.begin(), pixels.end()).size() > 100;
+        });
     }
 
     // Clicks until the card has felt it: a press in the first milliseconds of its entrance may come

@@ -33,7 +33,7 @@ public:
         press(at);
         release(at);
     }
-    // A letter, as if typed.
+    // A key, as if typed.
     void typeKey(std::uint8_t keycode) {
         fake(XCB_KEY_PRESS, keycode, {});
         fake(XCB_KEY_RELEASE, keycode, {});
@@ -72,6 +72,28 @@ public:
         return {static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
                 static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
     }
+
+    // The other windows inside the same window that stand on the screen, from the bottom up.
+    std::vector<xcb_window_t> siblings(xcb_window_t window) {
+        const auto own =
+            take(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
+        if (own == nullptr) return {};
+        const auto parent = take(
+            xcb_query_tree_reply(connection_, xcb_query_tree(connection_, own->parent), nullptr));
+        if (parent == nullptr) return {};
+        const xcb_window_t* const children = xcb_query_tree_children(parent.get());
+        std::vector<xcb_window_t> others;
+        for (int i = 0; i < xcb_query_tree_children_length(parent.get()); ++i)
+            if (children[i] != window && isViewable(children[i])) others.push_back(children[i]);
+        return others;
+    }
+    // The events of a window that any program has asked for; all of them when it is gone.
+    std::uint32_t eventsAskedFor(xcb_window_t window) {
+        const auto reply = take(xcb_get_window_attributes_reply(
+            connection_, xcb_get_window_attributes(connection_, window), nullptr));
+        return reply == nullptr ? ~0U : reply->all_event_masks;
+    }
+    xcb_window_t root() const { return root_; }
 
 private:
     template <typename Reply>
