@@ -2,7 +2,6 @@
 #pragma once
 
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/ChildProcess.hpp"
+#include "tests/support/ReadLine.hpp"
 
 namespace quorvane {
 
@@ -55,17 +55,6 @@ private:
         // It lists what it did.
         arguments.insert(arguments.begin(), {"sh", "-c", "exec \"$@\" >/dev/null", "sh"});
         ChildProcess{arguments}.wait(std::chrono::seconds{20});
-    }
-
-    static std::string readLine(int descriptor) {
-        std::string line;
-        char character = 0;
-        pollfd entry{descriptor, POLLIN, 0};
-        while (poll(&entry, 1, 30'000) > 0 && read(descriptor, &character, 1) == 1) {
-            if (character == '\n') return line;
-            line.push_back(character);
-        }
-        return {};
     }
 
     ChildProcess process_;
