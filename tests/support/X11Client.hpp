@@ -116,7 +116,8 @@ public:
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root(), XCB_ATOM_RESOURCE_MANAGER,
                             XCB_ATOM_STRING, 8, std::uint32_t(text.size()), text.data());
     }
-    // As long as it is held, the loop wakes when somebody writes to the root window.
+    // As long as it is held, the loop wakes when somebody writes to the root window. For a client
+    // that does nothing else: waiting for a reply would take the events in unseen.
     Handle wakeOnRootProperties(EventLoop& loop) const {
         const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
         xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &mask);

@@ -89,6 +89,17 @@ TEST_F(LockerWindows, AreKnownByAClassThatIsSetAfterMapping) {
     EXPECT_EQ(takeSettled(), kLockedAndShown);
 }
 
+TEST_F(LockerWindows, AreKnownByAClassThatIsSetWhileTheyAreSmall) {
+    watch();
+    standLocker(kBothMonitors, "");
+    const xcb_window_t small = client->makeWindow({0, 0, 10, 10});
+    client->map(small);
+    settle();  // it has been looked at, as a window of that client
+    client->setClass(small, "i3lock", "i3lock");
+    client->configure(small, kBothMonitors);
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+}
+
 TEST_F(LockerWindows, OfAnUnknownClientNeedTheKeyboard) {
     useTwoMonitors();
     watch();
@@ -164,9 +175,11 @@ TEST_F(LockerWindows, OfXscreensaverCountOnlyWhileItSaysLocked) {
     ASSERT_TRUE(client->grabKeyboard());
     say("BLANK");
     const xcb_window_t saver = client->makeWindow(kBothMonitors);
-    client->setClass(saver, "xscreensaver", "XScreenSaver");
     const xcb_window_t fade = client->makeWindow(kBothMonitors);
     client->map(fade);
+    EXPECT_EQ(takeSettled(), kLockedAndShown) << "nothing tells yet whose windows these are";
+    client->setClass(saver, "xscreensaver", "XScreenSaver");
+    EXPECT_EQ(takeSettled(), kHiddenAndUnlocked);
     client->map(saver);
     EXPECT_EQ(takeSettled(), Notices{}) << "blank, and its fade has no class";
     say("LOCK");
@@ -293,6 +306,7 @@ TEST_F(LockerWindows, AreStackedAsTheServerSays) {
                 if (pick(2) == 0) {
                     xcb_reparent_window(client->connection(), window, made[pick(made.size())], 3,
                                         4);
+                    if (pick(3) == 0) break;  // it stays there
                     xcb_reparent_window(client->connection(), window, client->root(), 5, 6);
                     break;
                 }

@@ -102,8 +102,13 @@ TEST_F(RawPointerEvents, AreSelectedOnlyAsFarAsTheyAreWanted) {
     ASSERT_FALSE(moves.empty());
     EXPECT_EQ(moves.back(), (Point{199, 50}));
     EXPECT_LT(moves.size(), 200u) << "many moves at once are reported once";
+    const Handle third = record();
+    seen.clear();
+    act([&] { client->movePointer(70, 80); });
+    EXPECT_EQ(moves.back(), (Point{70, 80}));
+    EXPECT_TRUE(seen.empty()) << "no button is down";
     moving.reset();
-    EXPECT_EQ(selected(), 0u);
+    EXPECT_EQ(selected(), kButtons);
 }
 
 TEST_F(RawPointerEvents, MayEndTheirOwnObservation) {

@@ -102,7 +102,8 @@ protected:
                                         (locks ? "True\n" : "False\n"));
         std::vector<std::string> owned{"chown", "-R", "games", home.path()};
         if (geteuid() == 0) start(owned).wait(std::chrono::seconds{10});
-        const Handle properties = client->wakeOnRootProperties(loop());
+        const X11Client bell{server.display()};
+        const Handle properties = bell.wakeOnRootProperties(loop());
         daemon = start(asUser({"xscreensaver", "--no-splash"}));
         ASSERT_TRUE(runUntil(loop(), [this] { return status() >= 0; }));
     }

@@ -11,6 +11,12 @@ protected:
         for (const Screen& screen : session->screens().list()) list.push_back(screen.frame);
         return list;
     }
+    // Whether the loop comes to rest: nothing wakes it any more.
+    bool isQuiet() {
+        for (int turn = 0; turn < 100; ++turn)
+            if (sd_event_run(loop().event(), 0) == 0) return true;
+        return false;
+    }
 };
 
 TEST_F(ScreensLinux, FollowTheMonitors) {
@@ -20,23 +26,22 @@ TEST_F(ScreensLinux, FollowTheMonitors) {
     const Handle observation = screens.observeChanges([&] { ++changes; });
     EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 1600, 900}}));
 
+    // Two steps: a monitor without an output, then one that takes the server's only output.
+    server.setMonitor("left", 800, 900, 0, 0);
     server.setMonitor("right", 800, 700, 800, 0, true);
     settle();
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 700}}));
-    server.setMonitor("left", 800, 900, 0, 0);
-    settle();
-    EXPECT_EQ(changes, 2);
+    EXPECT_GE(changes, 1);
     // The primary one first, wherever it is; its bottom-left corner is the origin.
     EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 700}, {-800, -200, 800, 900}}));
     EXPECT_EQ(session->pixelFrame(screens.list()[1]), (Rect{0, 0, 800, 900}));
+    changes = 0;
     server.deleteMonitor("left");
     settle();
-    EXPECT_EQ(changes, 3);
-    EXPECT_EQ(frames().size(), 1u);
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 700}}));
     server.setMonitor("mirror", 800, 700, 800, 0);
     settle();
-    EXPECT_EQ(changes, 3) << "the same picture once more";
+    EXPECT_EQ(changes, 1) << "the same picture once more";
 }
 
 TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
@@ -49,6 +54,7 @@ TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
     client->setClass(window, "i3lock", "i3lock");
     client->map(window);
     settle();
+    EXPECT_TRUE(isQuiet()) << "a standing lock is no work";
     const Screen screen = session->screens().list().front();
     EXPECT_EQ(screen, (Screen{{0, 0, 800, 450}, 2, {{305, 130, 190, 190}}}));
     EXPECT_EQ(session->pixelFrame(screen), kBothMonitors);
@@ -87,7 +93,7 @@ TEST_F(ScreensLinux, SurviveTheEndOfTheServer) {
     EXPECT_EQ(session->atom("_A_NEW_NAME"), xcb_atom_t{XCB_ATOM_NONE});
     session->noteOwnWindow(window, true);
     session->flush();
-    runOnce(loop());
+    EXPECT_TRUE(isQuiet()) << "a dead connection is always readable";
     EXPECT_EQ(timesLost, 1);
 }
 
