@@ -94,7 +94,7 @@ void showMoved(cairo_t* cairo, const TextLine& line, const Color& color, Point s
     cairo_paint(cairo);
 }
 
-void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
+void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
     const TextNode::Scroll& scroll = *node.scroll;
     const TextLine& line = texts.line(node.text, node.font);
     const double distance = line.width + scroll.gap;
@@ -111,6 +111,29 @@ void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, Tex
     }
 }
 
+// Masks take far longer than plain copies, so only the two ends are drawn through one. They meet
+// the middle on whole pixels, or a seam would show.
+void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
+    const Rect& frame = node.frame;
+    const double fade = std::min(node.scroll->fade, frame.width / 2);
+    const double left = snapped(cairo, {frame.x + fade, 0}).x;
+    const double right = snapped(cairo, {frame.maxX() - fade, 0}).x;
+    const auto drawBetween = [&](double begin, double end, bool isMasked) {
+        if (end <= begin) return;
+        const CairoState state{cairo};
+        cairo_rectangle(cairo, begin, frame.y, end - begin, frame.height);
+        cairo_clip(cairo);
+        if (isMasked) cairo_push_group(cairo);
+        drawCopies(cairo, node, isRightToLeft, texts);
+        if (!isMasked) return;
+        cairo_pop_group_to_source(cairo);
+        cairo_mask(cairo, fadeMask(frame, fade).get());
+    };
+    drawBetween(frame.x, left, true);
+    drawBetween(left, right, false);
+    drawBetween(right, frame.maxX(), true);
+}
+
 }  // namespace
 
 void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
@@ -119,16 +142,11 @@ void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayo
     cairo_rectangle(cairo, frame.x, frame.y, frame.width, frame.height);
     cairo_clip(cairo);
     const Color& color = node.color;
-    const bool fades = node.scroll && node.scroll->fade > 0;
-    if (fades) cairo_push_group(cairo);
     cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
     if (node.scroll)
         drawScrolling(cairo, node, isRightToLeft, texts);
     else
         drawStill(cairo, node, isRightToLeft, texts);
-    if (!fades) return;
-    cairo_pop_group_to_source(cairo);
-    cairo_mask(cairo, fadeMask(frame, node.scroll->fade).get());
 }
 
 }  // namespace quorvane
