@@ -11,9 +11,11 @@ namespace quorvane {
 namespace {
 
 constexpr double kShadowPointsAValue = 4;
-constexpr double kEdgeWidth = 1;  // points, never less than a pixel
+constexpr double kEdgeWidth = 0.75;  // points, never less than a pixel
 constexpr float kEdgeTop = 0.30F;
 constexpr float kEdgeBottom = 0.12F;
+
+double edgePixels(double scale) { return std::max(1.0, kEdgeWidth * scale); }
 
 // How much of a pixel lies inside an outline this many pixels away from its centre.
 float coverage(double distance) { return static_cast<float>(std::clamp(0.5 - distance, 0.0, 1.0)); }
@@ -76,7 +78,7 @@ struct Painter {
     GlassPicture glass;
     Shadow shadow{style};
     CardShape shape{style.card, style.cornerRadius};
-    double edge = std::max(1.0, kEdgeWidth* scale);
+    double edge = edgePixels(scale);
     std::vector<std::uint32_t> glassRow{};
     std::vector<float> shadowLine{};
 

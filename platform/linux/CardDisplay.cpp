@@ -80,7 +80,8 @@ void CardDisplay::moveTo(const PixelRect& place) {
 void CardDisplay::draw(const StageLook& look) {
     if (!buffer_) return;
     const PixelRect whole[] = {buffer_->bounds()};
-    painter_.draw(buffer_->surface(), look, whole);
+    buffer_->waitUntilRead();
+    painter_.draw(buffer_->surface(), look);
     buffer_->show(whole);
     x11_.flush();
 }
@@ -93,7 +94,7 @@ void CardDisplay::drawParts(const StageLook& look, const std::vector<Rect>& card
         if (!part.isEmpty()) parts.push_back(part);
     }
     if (parts.empty()) return;
-    painter_.draw(buffer_->surface(), look, parts);
+    painter_.drawParts(buffer_->surface(), look, parts);
     buffer_->show(parts);
     x11_.flush();
 }

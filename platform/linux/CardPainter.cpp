@@ -41,13 +41,25 @@ PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
         .intersection(backdrop_.bounds());
 }
 
-void CardPainter::draw(cairo_surface_t* target, const StageLook& look,
-                       std::span<const PixelRect> parts) {
+void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
+    drawLook(CairoContext{cairo_create(target)}.get(), look);
+}
+
+void CardPainter::drawParts(cairo_surface_t* target, const StageLook& look,
+                            std::span<const PixelRect> parts) {
     const CairoContext context{cairo_create(target)};
     cairo_t* cairo = context.get();
     for (const PixelRect& part : parts)
         cairo_rectangle(cairo, part.x, part.y, part.width, part.height);
     cairo_clip(cairo);
+    cairo_push_group(cairo);
+    drawLook(cairo, look);
+    cairo_pop_group_to_source(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_SOURCE);
+    cairo_paint(cairo);
+}
+
+void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
     copyFrom(cairo, backdropSurface_.get());
     if (look.isResting()) {
         moving_.reset();

@@ -35,12 +35,17 @@ public:
     // The scene looks different somewhere.
     void forgetScene() { moving_.reset(); }
 
-    // Draws these parts, in pixels of the stage, and leaves the others alone.
-    void draw(cairo_surface_t* target, const StageLook& look, std::span<const PixelRect> parts);
+    // Draws all of it.
+    void draw(cairo_surface_t* target, const StageLook& look);
+    // Draws these parts, in pixels of the stage, and leaves the others alone. They turn from the
+    // old look to the new one without a step between, for a target that is being read meanwhile.
+    void drawParts(cairo_surface_t* target, const StageLook& look,
+                   std::span<const PixelRect> parts);
     // The whole pixels of the stage under an area of the card.
     PixelRect pixelsOf(const Rect& cardArea) const;
 
 private:
+    void drawLook(cairo_t* cairo, const StageLook& look);
     void drawStage(cairo_t* cairo, const Scene& scene);
     void drawMoving(cairo_t* cairo, const StageLook& look);
 

@@ -10,7 +10,7 @@ namespace quorvane {
 namespace {
 
 constexpr std::uint32_t kEveryPlane = ~0U;
-// Stays where a window without any background is asked to show it.
+// Stays where the locker's window has no background at all, and is like nothing that one sees.
 constexpr std::uint32_t kUntouched = 0xfd02fb;
 
 }  // namespace
@@ -57,7 +57,6 @@ std::optional<Pixels> LockerPicture::background(const PixelRect& area) {
     xcb_destroy_window(connection, mirror);
     x11_.flush();
     x11_.noteOwnWindow(mirror, false);
-    if (picture && picture->at(0, 0) == (kOpaqueBlack | kUntouched)) return std::nullopt;
     return picture;
 }
 

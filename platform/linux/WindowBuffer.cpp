@@ -89,12 +89,11 @@ bool WindowBuffer::allocate() {
     return memory_ != nullptr;
 }
 
-cairo_surface_t* WindowBuffer::surface() {
+void WindowBuffer::waitUntilRead() {
     // A reply means that everything before it is done. Waiting here and not for an event of the
     // server's keeps the main loop asleep between two frames.
     if (std::exchange(isBeingRead_, false))
         xcbReply(xcb_get_input_focus_reply, connection_, xcb_get_input_focus(connection_));
-    return surface_.get();
 }
 
 void WindowBuffer::show(std::span<const PixelRect> parts) {

@@ -24,9 +24,10 @@ public:
     WindowBuffer(const WindowBuffer&) = delete;
     WindowBuffer& operator=(const WindowBuffer&) = delete;
 
-    // The picture to draw into. Asking for it waits until the server has read what was shown
-    // last, or half a drawing might be seen.
-    cairo_surface_t* surface();
+    // The picture to draw into. The server may still be reading what was shown last.
+    cairo_surface_t* surface() const { return surface_.get(); }
+    // Waits until it has done so.
+    void waitUntilRead();
     // Brings these parts into the window.
     void show(std::span<const PixelRect> parts);
     PixelRect bounds() const { return {0, 0, width_, height_}; }

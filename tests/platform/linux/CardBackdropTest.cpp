@@ -102,6 +102,23 @@ TEST_F(CardBackdrop, IsReadAnewEachTimeTheCardComes) {
     expectMarginsLike(before, kWindowX, kWindowY);
 }
 
+TEST_F(CardBackdrop, OfALockerWithoutBackgroundIsNotTakenFromTheCardItself) {
+    lock();
+    const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
+    xcb_change_window_attributes(locker->connection(), lockerWindow, XCB_CW_BACK_PIXMAP, &none);
+    showPicture(*locker, lockerWindow, false);
+    const Screenshot before = look();
+    makeCard();
+    showCard();
+    const Screenshot shown = look();
+    advance(milliseconds{600});
+    showPicture(*locker, lockerWindow, false);
+    settle();
+    advance(milliseconds{600});
+    EXPECT_EQ(look(), shown);
+    expectMarginsLike(before, kWindowX, kWindowY);
+}
+
 TEST_F(CardBackdrop, OutsideOfTheScreenDoesNoHarm) {
     lock();
     makeCard(700, -80);

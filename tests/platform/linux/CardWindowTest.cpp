@@ -76,7 +76,7 @@ TEST_F(CardWindow, NeedsALocker) {
     EXPECT_EQ(windows.makeWindow(settings(), screen()), nullptr);
     ASSERT_EQ(log.lines().size(), 1u);
     EXPECT_EQ(log.lines().front().level, LogLevel::error);
-    EXPECT_EQ(log.lines().front().category, "presenter");
+    EXPECT_EQ(log.lines().front().category, "windows");
 }
 
 TEST_F(CardWindow, IsOnTheServerOnlyWhileSomethingIsSeen) {
