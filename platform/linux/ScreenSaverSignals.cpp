@@ -47,15 +47,12 @@ void ScreenSaverSignals::observe(std::size_t index) {
                        if (sd_bus_message_read(message, "b", &isActive) >= 0)
                            set(index, isActive != 0);
                    }));
-    service.observations.push_back(
-        bus_.match("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                   "member='NameOwnerChanged',arg0='" +
-                       service.name + "'",
-                   [this, index](sd_bus_message*) {
-                       // Gone, or another one in its place: what the old one said counts no more.
-                       set(index, false);
-                       ask(index);
-                   }));
+    service.observations.push_back(bus_.match(
+        "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+        "member='NameOwnerChanged',arg0='" +
+            service.name + "'",
+        // Gone, or another one in its place. One that is gone gives no answer, and is not active.
+        [this, index](sd_bus_message*) { ask(index); }));
 }
 
 void ScreenSaverSignals::ask(std::size_t index) {

@@ -198,29 +198,30 @@ TEST_F(LockerWindows, OfXscreensaverCountOnlyWhileItSaysLocked) {
 }
 
 TEST_F(LockerWindows, KeepTheAreasOfTheirPromptsClear) {
+    useTwoMonitors();
     watch();
     int changes = 0;
     const Handle observation = session->screens().observeKeepClear([&] { ++changes; });
-    const xcb_window_t window = client->makeWindow(kBothMonitors);
+    const xcb_window_t window = client->makeWindow(kRightMonitor);
     client->setClass(window, "background", "xsecurelock");
     client->map(window);
     EXPECT_EQ(takeSettled(), kLockedAndShown);
     EXPECT_EQ(zones(), std::vector<Rect>{});
     EXPECT_EQ(changes, 0);
 
-    const xcb_window_t prompt = client->makeWindow({600, 400, 300, 100}, {false, false}, window);
+    const xcb_window_t prompt = client->makeWindow({100, 400, 300, 100}, {false, false}, window);
     settle();
     EXPECT_EQ(zones(), std::vector<Rect>{}) << "not mapped yet";
     client->map(prompt);
     settle();
-    EXPECT_EQ(zones(), (std::vector<Rect>{{600, 400, 300, 100}}));
-    client->configure(prompt, {610, 380, 300, 100});
+    EXPECT_EQ(zones(), (std::vector<Rect>{{900, 400, 300, 100}}));
+    client->configure(prompt, {110, 380, 300, 100});
     settle();
-    EXPECT_EQ(zones(), (std::vector<Rect>{{610, 420, 300, 100}}));
+    EXPECT_EQ(zones(), (std::vector<Rect>{{910, 420, 300, 100}}));
     const xcb_window_t dialog = client->makeWindow({10, 20, 200, 100});
     client->map(dialog);
     settle();
-    EXPECT_EQ(zones(), (std::vector<Rect>{{610, 420, 300, 100}, {10, 780, 200, 100}}));
+    EXPECT_EQ(zones(), (std::vector<Rect>{{10, 780, 200, 100}, {910, 420, 300, 100}}));
     client->destroy(prompt);
     client->destroy(dialog);
     settle();
