@@ -1,7 +1,9 @@
 // card-render: draws the card for a player state to a picture file.
 
 #include <iostream>
+#include <utility>
 
+#include "AddOnKit/PlayerGeometry.hpp"
 #include "QuorvaneKit/XPCCodableHelpers.hpp"
 #include "tools/AnimatedPNG.hpp"
 #include "tools/CardRenderOptions.hpp"
@@ -56,6 +58,19 @@ Outcome render(const CardRenderOptions& options) {
     return writeFile(options.outputFile, animation.finish());
 }
 
+Point middleOf(SceneControl::ID control, bool isRightToLeft) {
+    const PlayerGeometry geometry = PlayerGeometry::make(true, isRightToLeft);
+    const auto middle = [](const Rect& rect) { return Point{rect.midX(), rect.midY()}; };
+    switch (control) {
+        case SceneControl::ID::previous: return middle(geometry.previous);
+        case SceneControl::ID::playPause: return middle(geometry.playPause);
+        case SceneControl::ID::next: return middle(geometry.next);
+        case SceneControl::ID::love: return middle(geometry.heart);
+        case SceneControl::ID::volume: return middle(geometry.volume);
+        default: std::unreachable();  // no other one can be asked for
+    }
+}
+
 int run(const std::vector<std::string>& arguments) {
     const auto options = parseCardRenderOptions(arguments);
     if (!options) {
@@ -64,6 +79,11 @@ int run(const std::vector<std::string>& arguments) {
     }
     if (options->showsHelp) {
         std::cout << kCardRenderHelp;
+        return 0;
+    }
+    if (options->asked) {
+        const Point middle = middleOf(*options->asked, options->isRightToLeft);
+        std::cout << middle.x << ' ' << middle.y << '\n';
         return 0;
     }
     if (const auto done = render(*options); !done) {

@@ -10,6 +10,7 @@ namespace quorvane {
 
 const char* const kCardRenderHelp =
     R"(Usage: card-render [OPTION...] STATE.json OUTPUT.png
+       card-render --control CONTROL
 
 Draws the lock-screen card for a player state, as the add-on would show it, to a PNG file.
 STATE.json is a player state as the main application sends it.
@@ -22,6 +23,8 @@ STATE.json is a player state as the main application sends it.
   --backdrop WHAT       what stands behind the card: a colour such as #20242c, a PNG file that is
                         scaled to fill, or "none" for the content alone (#20242c)
   --pressed CONTROL     previous, play, next, love: held down; volume: being dragged
+  --control CONTROL     draws nothing: prints where the middle of this control is, in points from
+                        the card's top left
   --reduce-motion       as with the system's setting: texts that are too long stand still
   --font FAMILIES       font families in order of preference (the system's)
   --span SECONDS        an animated picture of this length, from --at and --marquee on
@@ -69,17 +72,19 @@ Apply textInto(std::string CardRenderOptions::*field) {
     };
 }
 
-Outcome setPressed(CardRenderOptions& options, const std::string& text) {
+Apply controlInto(std::optional<SceneControl::ID> CardRenderOptions::*field) {
     using ID = SceneControl::ID;
-    constexpr std::pair<std::string_view, ID> kControls[] = {{"previous", ID::previous},
-                                                             {"play", ID::playPause},
-                                                             {"next", ID::next},
-                                                             {"love", ID::love},
-                                                             {"volume", ID::volume}};
-    for (const auto& [name, id] : kControls)
-        if (name == text) options.pressed = id;
-    if (options.pressed) return {};
-    return std::unexpected{"takes previous, play, next, love or volume, not \"" + text + "\""};
+    return [field](CardRenderOptions& options, const std::string& text) -> Outcome {
+        constexpr std::pair<std::string_view, ID> kControls[] = {{"previous", ID::previous},
+                                                                 {"play", ID::playPause},
+                                                                 {"next", ID::next},
+                                                                 {"love", ID::love},
+                                                                 {"volume", ID::volume}};
+        for (const auto& [name, id] : kControls)
+            if (name == text) options.*field = id;
+        if (options.*field) return {};
+        return std::unexpected{"takes previous, play, next, love or volume, not \"" + text + "\""};
+    };
 }
 
 Outcome setDirection(CardRenderOptions& options, const std::string& text) {
@@ -103,7 +108,8 @@ const std::vector<Option>& options() {
         {"--scale", numberIn(&CardRenderOptions::scale, 0.5, 8)},
         {"--direction", setDirection},
         {"--backdrop", textInto(&CardRenderOptions::backdrop)},
-        {"--pressed", setPressed},
+        {"--pressed", controlInto(&CardRenderOptions::pressed)},
+        {"--control", controlInto(&CardRenderOptions::asked)},
         {"--font", textInto(&CardRenderOptions::fonts)},
         {"--span", numberIn(&CardRenderOptions::span, 0.1, 60)},
         {"--frames-per-second", numberIn(&CardRenderOptions::framesPerSecond, 1, 60)},
@@ -140,6 +146,8 @@ std::expected<CardRenderOptions, std::string> parseCardRenderOptions(
         if (const auto done = option->apply(result, *++argument); !done)
             return std::unexpected{std::string{option->name} + " " + done.error()};
     }
+    if (result.asked && files.empty()) return result;
+    if (result.asked) return std::unexpected{"--control takes no files"};
     if (files.size() != 2)
         return std::unexpected{"a state file and an output file are needed, " +
                                std::to_string(files.size()) + " given"};

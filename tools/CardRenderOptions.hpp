@@ -24,6 +24,7 @@ struct CardRenderOptions {
     bool isRightToLeft = false;
     bool reducesMotion = false;
     std::optional<SceneControl::ID> pressed;  // the volume: dragged
+    std::optional<SceneControl::ID> asked;    // its place is told, nothing is drawn
     bool showsHelp = false;
 };
 

@@ -20,7 +20,7 @@ end() {
 end_session() {
     local index
     for ((index = ${#session_pids[@]} - 1; index >= 0; index--)); do end "${session_pids[index]}"; done
-    [ -z "${session:-}" ] || rm -rf "$session"
+    [ -z "${session:-}" ] || rm -rf "$session" ${saver_home:+"$saver_home"}
 }
 
 # wait_for NAME TEXT [SECONDS]: until the text stands in that log, after the lines that earlier calls have passed.
@@ -70,21 +70,55 @@ begin_session() {
     export QUORVANE_LOG=stderr
 }
 
-# start_locker NAME: the locker's process in $locker.
+# start_player: mpv, with two tones, a cover and nobody to hear them.
+start_player() {
+    local music=$session/music plugin=/usr/lib/mpv-mpris/mpris.so pitch
+    [ -e "$plugin" ] || plugin=/etc/mpv/scripts/mpris.so
+    mkdir "$music"
+    cp "$root/tools/demo/tideline.jpg" "$music/cover.jpg"
+    for pitch in 220 330; do
+        ffmpeg -loglevel error -f lavfi -i "sine=frequency=$pitch:duration=300" \
+            -metadata title="$pitch Hertz" -metadata artist="The Sine Waves" "$music/$pitch.flac" ||
+            fail "the tones could not be made"
+    done
+    background player mpv --no-config --no-video --ao=null --no-terminal --loop-playlist \
+        --script="$plugin" "$music"/*.flac
+}
+
+# start_locker NAME: a session of processes of its own, for end_locker.
 start_locker() {
     case $1 in
-        i3lock) background locker i3lock -n -i "$root/tools/demo/wallpaper.png" ;;
+        i3lock) background locker setsid i3lock -n -i "$root/tools/demo/wallpaper.png" ;;
         xsecurelock)
-            background locker env XSECURELOCK_SAVER=saver_blank XSECURELOCK_NO_COMPOSITE=1 xsecurelock
+            background locker setsid env XSECURELOCK_SAVER=saver_blank XSECURELOCK_NO_COMPOSITE=1 \
+                xsecurelock
             ;;
-        xscreensaver)
-            background xscreensaver xscreensaver --no-splash
-            wait_for xscreensaver "" 2 || true
-            background locker sh -c 'until xscreensaver-command -time >/dev/null 2>&1; do sleep 0.2; done
-                                     xscreensaver-command -lock; exec sleep 100000'
-            ;;
-        *) command -v "$1" >/dev/null || fail "no locker named '$1' is installed"
-           background locker "$1" ;;
+        xscreensaver) start_xscreensaver ;;
+        *) background locker setsid "$1" ;;
     esac
     locker=$started
+}
+
+# xscreensaver does not lock root's screen: it runs as nobody then.
+start_xscreensaver() {
+    local as_user=() deadline=$((SECONDS + 20))
+    saver_home=$(mktemp -d "${TMPDIR:-/tmp}/quorvane-XXXXXX")
+    printf '%s\n' 'mode: blank' 'splash: False' 'fade: False' 'lock: True' 'lockTimeout: 0:00:00' \
+        >"$saver_home/.xscreensaver"
+    if [ "$(id -u)" -eq 0 ]; then
+        chown -R nobody "$saver_home"
+        as_user=(setpriv --reuid=nobody --regid=nogroup --clear-groups)
+    fi
+    as_user+=(env "HOME=$saver_home")
+    background locker setsid "${as_user[@]}" xscreensaver --no-splash
+    until "${as_user[@]}" xscreensaver-command --lock >/dev/null 2>&1; do
+        [ $SECONDS -lt $deadline ] || fail "xscreensaver did not lock: $(cat "$session/locker.log")"
+        sleep 0.2
+    done
+}
+
+# end_locker: at once and with its helpers, as lockers hold on to what they lock.
+end_locker() {
+    kill -KILL -- "-$locker" 2>/dev/null || true
+    wait "$locker" 2>/dev/null || true
 }
