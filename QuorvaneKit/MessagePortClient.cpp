@@ -8,8 +8,9 @@ MessagePortClient::MessagePortClient(std::string_view portBaseName,
                                      std::function<std::optional<Bytes>()> secret,
                                      Services services,
                                      std::optional<MessagePortLocalResponder> localResponder)
-    : state_(std::make_shared<State>(*this, std::string{portBaseName}, std::move(secret),
-                                     std::move(services), std::move(localResponder))) {}
+    // Apart from its count: what work in flight still holds of it is a few bytes.
+    : state_(new State{*this, std::string{portBaseName}, std::move(secret), std::move(services),
+                       std::move(localResponder)}) {}
 
 MessagePortClient::~MessagePortClient() = default;
 

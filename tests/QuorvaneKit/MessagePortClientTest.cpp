@@ -202,6 +202,14 @@ TEST_F(MessagePortClientTest, ADisconnectInsideARequestEndsItQuietly) {
     EXPECT_EQ(calls, 1);
 }
 
+TEST_F(MessagePortClientTest, StoppedWhileItStartsItStaysStopped) {
+    serveMain();
+    ports.duringSend = [&] { client->stop(); };
+    client->start();
+    EXPECT_FALSE(client->isConnected().get());
+    EXPECT_EQ(notices.deliver(kStateChanged), 0);
+}
+
 TEST_F(MessagePortClientTest, AFailureOfAnOldPortDoesNotDropTheNewOne) {
     connect();
     ports.duringSend = [&] {

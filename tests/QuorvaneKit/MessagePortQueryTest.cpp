@@ -138,6 +138,25 @@ TEST_F(MessagePortQueryTest, ADeadPortIsLookedUpAnewAndASlowOneKept) {
             << "one death is enough to learn of";
 }
 
+TEST_F(MessagePortQueryTest, AQueryAlreadyWaitingBehindAFailedOneLooksItsPortUpAnew) {
+    for (const std::int32_t status : {kPortSendTimeout, kPortTransportError, kPortBecameInvalid}) {
+        serveQueries();
+        ports.failures[queryPort(0)] = status;
+        client = makeClient();
+        for (int i = 0; i < 5; ++i) query();
+        queues.runNext(queueOf(0));
+        ports.failures.clear();
+        queryPorts.clear();
+        serveQueries();
+        outcomes.clear();
+        queues.runNext(queueOf(0));
+        mainThread.run();
+        ASSERT_EQ(outcomes.size(), 2U);
+        EXPECT_EQ(outcomes[0].status, status);
+        EXPECT_EQ(outcomes[1], (QueryOutcome{Kind::sent, 0, copyOf(bytesOf("told"))}));
+    }
+}
+
 TEST_F(MessagePortQueryTest, DisconnectingForgetsThePortsAfterTheQueriesInFlight) {
     serveQueries();
     outcomeOfOne();
