@@ -4,23 +4,18 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <variant>
 #include <vector>
 
 #include "platform/Clock.hpp"
+#include "platform/RunningApplications.hpp"
 
 namespace quorvane {
 
 // Main thread only. Destroying it ends the handover without an outcome.
 class InstanceHandover {
 public:
-    struct RunningCopy {
-        std::int32_t pid = 0;
-        std::optional<WallTime> launchDate;
-        bool operator==(const RunningCopy&) const = default;
-    };
-
+    using RunningCopy = quorvane::RunningCopy;
     using PIDs = std::vector<std::int32_t>;
     struct OldestCopy {
         PIDs newer;

@@ -4,26 +4,16 @@
 
 #include <filesystem>
 #include <functional>
-#include <optional>
-#include <string>
 
-#include "AddOnKit/LoginItem.hpp"
+#include "platform/FileManagerClient.hpp"
 #include "platform/Log.hpp"
+#include "platform/LoginItemClient.hpp"
 #include "platform/UserDefaults.hpp"
 
 namespace quorvane {
 
-// Main thread only.
-struct FileManagerClient {
-    static constexpr int kNoSuchFile = 4;  // the code, in the cocoa domain, of what is not there
-
-    std::function<Result<void>(const std::filesystem::path&)> removeItem;  // with all below it
-    std::function<bool(const std::filesystem::path&)> fileExists;
-    // The identifier of the bundle at a place; nothing when it cannot be read.
-    std::function<std::optional<std::string>(const std::filesystem::path&)> identity;
-};
-
-// Run by a process that does nothing else; it ends with `terminate` in every case.
+// Run by a process that does nothing else; it ends with `terminate` in every case. Main thread
+// only.
 struct SelfRemoval {
     UserDefaults defaults;
     LoginItemClient loginItem;

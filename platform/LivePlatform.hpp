@@ -2,6 +2,7 @@
 // defines the functions. This is the only header of the seam that looks up into drawing/.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -14,12 +15,16 @@
 #include "platform/DarwinNotices.hpp"
 #include "platform/DistributedNotices.hpp"
 #include "platform/DynamicLoader.hpp"
+#include "platform/FileManagerClient.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/LockSources.hpp"
 #include "platform/Log.hpp"
+#include "platform/LoginItemClient.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/MessagePort.hpp"
+#include "platform/OpenCommand.hpp"
 #include "platform/ProcessInfo.hpp"
+#include "platform/RunningApplications.hpp"
 #include "platform/SerialQueue.hpp"
 #include "platform/UserDefaults.hpp"
 
@@ -37,6 +42,16 @@ struct Application {
     // From now on SIGTERM calls the action on another thread and then ends the process by the
     // signal's default.
     std::function<void(std::function<void()> action)> handleTerminationSignal;
+};
+
+// What the life of an installed application takes, from its launch to its removal.
+struct Installation {
+    LoginItemClient loginItem;
+    FileManagerClient fileManager;
+    RunningApplications runningApplications;
+    RunOpenCommand runOpenCommand;
+    // The user's folder for the files of applications; nothing when the user has no home folder.
+    std::optional<std::filesystem::path> applicationSupport;
 };
 
 // What needs no screen: both the add-on and its host run on these.
@@ -60,6 +75,7 @@ struct LiveServices {
     UserDefaults standardDefaults;
     // The suite of an App Group; nothing when it cannot be opened.
     std::function<std::optional<UserDefaults>(const std::string& suite)> openSuite;
+    Installation installation{};
     // Owns what the tables refer to; dropped last.
     std::shared_ptr<void> owner;
 };

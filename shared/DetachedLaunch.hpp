@@ -3,11 +3,11 @@
 
 #include <expected>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "platform/OpenCommand.hpp"
 #include "platform/PlatformError.hpp"
 
 namespace quorvane {
@@ -20,13 +20,9 @@ struct DetachedLaunch {
         std::string description() const;
         bool operator==(const Failure&) const = default;
     };
-    struct Ended {
-        std::int32_t status = 0;
-        std::string output;  // all of its standard output
-    };
+    using Ended = OpenCommandEnd;
 
-    // Runs the system's launcher with arguments and waits until it ends.
-    std::function<Result<Ended>(const std::vector<std::string>& arguments)> runOpen;
+    RunOpenCommand runOpen;  // the system's launcher
 
     // Nothing when it was started; else the launcher's failure, or why it could not be run.
     std::expected<void, std::variant<Failure, PlatformError>> launch(

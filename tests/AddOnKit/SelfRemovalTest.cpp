@@ -4,6 +4,7 @@
 
 #include <set>
 
+#include "AddOnKit/LoginItem.hpp"
 #include "tests/support/MemoryDefaults.hpp"
 #include "tests/support/RecordingLog.hpp"
 

@@ -1,0 +1,13 @@
+// Durations as they stand in log lines.
+#pragma once
+
+#include <string>
+
+#include "platform/Clock.hpp"
+
+namespace quorvane {
+
+// "10.0 seconds", "0.25 seconds".
+std::string durationText(Duration duration);
+
+}  // namespace quorvane
