@@ -1,4 +1,5 @@
-// The texts of the card for people, as keys of the string table. A key is also the English text.
+// The texts of the card for people, as keys of the string tables in localization/, which hold them
+// with these comments. A key is also the English text.
 #pragma once
 
 namespace quorvane::PlayerStrings {
@@ -8,6 +9,8 @@ struct Entry {
     const char* comment;  // for translators
 };
 
+inline constexpr Entry kNowPlaying{"Now Playing",
+                                   "Accessibility label of the lock-screen card as a whole."};
 inline constexpr Entry kPreviousTrack{
     "Previous Track", "Accessibility label of the lock-screen card's previous-track button."};
 inline constexpr Entry kPlay{"Play", "Accessibility label of the lock-screen card's play button."};
@@ -26,7 +29,7 @@ inline constexpr Entry kArtwork{"Artwork",
 inline constexpr Entry kPosition{"Playback Position",
                                  "Accessibility label of the lock-screen card's progress bar."};
 
-inline constexpr Entry kAll[] = {kPreviousTrack, kPlay,   kPause,   kNextTrack, kLove,
-                                 kRemoveLove,    kVolume, kArtwork, kPosition};
+inline constexpr Entry kAll[] = {kNowPlaying, kPreviousTrack, kPlay,   kPause,   kNextTrack,
+                                 kLove,       kRemoveLove,    kVolume, kArtwork, kPosition};
 
 }  // namespace quorvane::PlayerStrings

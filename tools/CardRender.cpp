@@ -81,8 +81,12 @@ int run(const std::vector<std::string>& arguments) {
         std::cout << kCardRenderHelp;
         return 0;
     }
+    if (!options->language.empty()) {
+        setenv("LC_ALL", options->language.c_str(), 1);
+        unsetenv("LANGUAGE");
+    }
     if (options->asked) {
-        const Point middle = middleOf(*options->asked, options->isRightToLeft);
+        const Point middle = middleOf(*options->asked, isRightToLeft(*options));
         std::cout << middle.x << ' ' << middle.y << '\n';
         return 0;
     }

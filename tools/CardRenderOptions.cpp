@@ -19,7 +19,8 @@ STATE.json is a player state as the main application sends it.
   --at SECONDS          the moment after the state's timestamp (0)
   --marquee SECONDS     the moment of the cycle of texts that scroll (0)
   --scale NUMBER        pixels a point, 0.5 to 8 (2)
-  --direction ltr|rtl   text direction of the language (ltr)
+  --language LOCALE     as a user of this locale sees it, such as de_DE or ar (the environment's)
+  --direction ltr|rtl   text direction (the language's)
   --backdrop WHAT       what stands behind the card: a colour such as #20242c, a PNG file that is
                         scaled to fill, or "none" for the content alone (#20242c)
   --pressed CONTROL     previous, play, next, love: held down; volume: being dragged
@@ -89,7 +90,7 @@ Apply controlInto(std::optional<SceneControl::ID> CardRenderOptions::*field) {
 
 Outcome setDirection(CardRenderOptions& options, const std::string& text) {
     options.isRightToLeft = text == "rtl";
-    if (options.isRightToLeft || text == "ltr") return {};
+    if (text == "rtl" || text == "ltr") return {};
     return std::unexpected{"takes ltr or rtl, not \"" + text + "\""};
 }
 
@@ -106,6 +107,7 @@ const std::vector<Option>& options() {
         {"--at", numberIn(&CardRenderOptions::at, 0, kLongTime)},
         {"--marquee", numberIn(&CardRenderOptions::marquee, 0, kLongTime)},
         {"--scale", numberIn(&CardRenderOptions::scale, 0.5, 8)},
+        {"--language", textInto(&CardRenderOptions::language)},
         {"--direction", setDirection},
         {"--backdrop", textInto(&CardRenderOptions::backdrop)},
         {"--pressed", controlInto(&CardRenderOptions::pressed)},

@@ -21,7 +21,8 @@ struct CardRenderOptions {
     double scale = 2;
     std::optional<double> span;  // seconds of an animated picture
     double framesPerSecond = 30;
-    bool isRightToLeft = false;
+    std::string language;               // a locale; empty: the environment's
+    std::optional<bool> isRightToLeft;  // unset: as the language is
     bool reducesMotion = false;
     std::optional<SceneControl::ID> pressed;  // the volume: dragged
     std::optional<SceneControl::ID> asked;    // its place is told, nothing is drawn

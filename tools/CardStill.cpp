@@ -7,6 +7,8 @@
 #include "AddOnKit/PlayerView.hpp"
 #include "platform/linux/CardChrome.hpp"
 #include "platform/linux/EncodedImage.hpp"
+#include "platform/linux/Translations.hpp"
+#include "platform/linux/UserLanguage.hpp"
 #include "tools/Files.hpp"
 
 namespace quorvane {
@@ -72,6 +74,12 @@ PixelSize pixelSize(Size size, double scale) {
 
 }  // namespace
 
+bool isRightToLeft(const CardRenderOptions& options) {
+    if (options.isRightToLeft) return *options.isRightToLeft;
+    const std::vector<std::string> locales = preferredLocales();
+    return !locales.empty() && isRightToLeftLocale(locales.front());
+}
+
 std::expected<std::unique_ptr<CardStill>, std::string> CardStill::make(
     const QuorvanePlayerState& state, const CardRenderOptions& options) {
     std::unique_ptr<CardStill> still{new CardStill{state, options}};
@@ -92,10 +100,11 @@ CardStill::CardStill(const QuorvanePlayerState& state, const CardRenderOptions& 
       canvas_(options.scale, nullptr,
               options.fonts.empty() ? TextLayouts::kSystemFont : options.fonts) {
     model_.apply(state);
-    environment_ = {.localized = [](const std::string& key) { return key; },
+    environment_ = {.localized = [texts = Translations{QUORVANE_LOCALE_FOLDER, preferredLocales()}](
+                                     const std::string& key) { return texts.text(key); },
                     .measureText = makeMeasureText(options.fonts.empty() ? TextLayouts::kSystemFont
                                                                          : options.fonts),
-                    .isRightToLeft = options.isRightToLeft,
+                    .isRightToLeft = isRightToLeft(options),
                     .reduceMotion = options.reducesMotion,
                     .scale = options.scale};
     if (options.pressed == SceneControl::ID::volume) {

@@ -14,6 +14,9 @@
 
 namespace quorvane {
 
+// What the options leave open is as in the environment's language.
+bool isRightToLeft(const CardRenderOptions& options);
+
 class CardStill {
 public:
     // Fails with a sentence when the backdrop cannot be had.

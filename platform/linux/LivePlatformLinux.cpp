@@ -11,6 +11,7 @@
 #include "platform/linux/MotionSetting.hpp"
 #include "platform/linux/PictureHeader.hpp"
 #include "platform/linux/ServicesLinux.hpp"
+#include "platform/linux/Translations.hpp"
 #include "platform/linux/UserLanguage.hpp"
 #include "platform/linux/X11SessionLinux.hpp"
 
@@ -96,8 +97,13 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
     // Nothing here slows down or suspends a process that has no window in front; the handle only
     // has to exist while it is held.
     platform.beginActivity = [](std::uint64_t, const std::string&) { return Handle{[] {}}; };
-    platform.localized = [](const std::string& key) { return key; };
-    platform.isRightToLeft = [] { return isRightToLeftLocale(localeOfMessages()); };
+    const std::vector<std::string> locales = preferredLocales();
+    platform.localized = [texts = Translations{localeFolder(services.process.bundle), locales}](
+                             const std::string& key) { return texts.text(key); };
+    platform.isRightToLeft = [isRightToLeft =
+                                  !locales.empty() && isRightToLeftLocale(locales.front())] {
+        return isRightToLeft;
+    };
     platform.services = std::move(services);
     platform.owner = owner;
     return platform;

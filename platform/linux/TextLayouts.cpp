@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "drawing/SingleLine.hpp"
+#include "platform/linux/UserLanguage.hpp"
 
 namespace quorvane {
 namespace {
@@ -35,6 +36,10 @@ GObjectOwner<PangoContext> makeContext() {
     pango_cairo_context_set_font_options(context.get(), options);
     cairo_font_options_destroy(options);
     pango_context_set_round_glyph_positions(context.get(), FALSE);
+    // Chinese and Japanese share characters that look different in each.
+    if (const auto locales = preferredLocales(); !locales.empty())
+        pango_context_set_language(
+            context.get(), pango_language_from_string(languageTag(locales.front()).c_str()));
     return context;
 }
 

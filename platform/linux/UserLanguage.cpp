@@ -12,6 +12,11 @@ constexpr std::string_view kRightToLeftLanguages[] = {
     "ar",  "arc", "azb", "ckb", "dv", "fa",  "glk", "he", "iw", "ks",
     "mzn", "nqo", "pnb", "ps",  "sd", "syr", "ug",  "ur", "yi", "rhg"};
 
+// Language and country; codeset and modifier are left out.
+std::string_view withoutSuffixes(std::string_view locale) {
+    return locale.substr(0, locale.find_first_of(".@"));
+}
+
 }  // namespace
 
 bool isRightToLeftLocale(std::string_view locale) {
@@ -27,6 +32,36 @@ std::string_view localeOfMessages() {
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
         if (const char* value = std::getenv(name); value && *value) return value;
     return {};
+}
+
+std::vector<std::string> preferredLocales() {
+    const std::string_view locale = localeOfMessages();
+    if (locale.empty() || locale == "C" || locale == "POSIX") return {};
+    std::vector<std::string> locales;
+    const char* const variable = std::getenv("LANGUAGE");
+    for (std::string_view rest{variable ? variable : ""}; !rest.empty();) {
+        const auto name = rest.substr(0, rest.find(':'));
+        if (!name.empty()) locales.emplace_back(name);
+        rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+    }
+    locales.emplace_back(locale);
+    return locales;
+}
+
+std::string languageTag(std::string_view locale) {
+    std::string tag{withoutSuffixes(locale)};
+    std::ranges::replace(tag, '_', '-');
+    return tag;
+}
+
+std::vector<std::string> catalogueNames(std::string_view locale) {
+    const std::string modifier{locale.substr(std::min(locale.find('@'), locale.size()))};
+    const std::string place{withoutSuffixes(locale)};
+    const std::string language{place.substr(0, place.find('_'))};
+    std::vector<std::string> names;
+    for (const std::string& name : {place + modifier, language + modifier, place, language})
+        if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+    return names;
 }
 
 }  // namespace quorvane

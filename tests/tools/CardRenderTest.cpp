@@ -19,7 +19,7 @@ TEST(CardRenderOptions, TakesWhatTheHelpSays) {
     ASSERT_TRUE(options);
     EXPECT_EQ(options->at, 1.5);
     EXPECT_EQ(options->pressed, SceneControl::ID::volume);
-    EXPECT_TRUE(options->isRightToLeft);
+    EXPECT_EQ(options->isRightToLeft, true);
     EXPECT_EQ(options->stateFile, "a.json");
     EXPECT_EQ(options->outputFile, "b.png");
     EXPECT_TRUE(parseCardRenderOptions({"a", "--help"})->showsHelp);

@@ -10,7 +10,6 @@
 
 #include "platform/linux/CardModuleLoader.hpp"
 #include "platform/linux/EncodedImage.hpp"
-#include "platform/linux/UserLanguage.hpp"
 #include "platform/linux/X11SessionLinux.hpp"
 #include "tests/support/PrivateXServer.hpp"
 #include "tests/support/RecordingLog.hpp"
@@ -83,6 +82,7 @@ TEST_F(LivePlatformLinux, FillsEveryTable) {
     setenv("LANG", "he_IL.UTF-8", 1);
     unsetenv("LC_ALL");
     unsetenv("LC_MESSAGES");
+    unsetenv("LANGUAGE");
     auto made = make();
     ASSERT_TRUE(made) << made.error().description;
     LivePlatform& platform = *made;
@@ -131,23 +131,6 @@ TEST_F(LivePlatformLinux, LeavesTheDrawingLibrariesAloneUntilTheFirstWindow) {
     const auto stage = windows.makeStage({.card = {400, 222}});
     EXPECT_TRUE(stage) << (log.lines().empty() ? "" : log.lines().front().text);
     EXPECT_TRUE(hasLoaded("libcairo.so"));
-}
-
-TEST(UserLanguages, HaveTheirDirection) {
-    for (const char* locale : {"ar", "ar_EG.UTF-8", "he_IL", "iw_IL", "fa_IR@persian", "ur_PK",
-                               "ckb_IQ.UTF-8", "ks_IN@arabic", "pa_PK@arabic"})
-        EXPECT_TRUE(isRightToLeftLocale(locale)) << locale;
-    for (const char* locale : {"", "C", "C.UTF-8", "en_US.UTF-8", "de_DE@euro", "az_AZ", "arn_CL",
-                               "sd_IN@devanagari", "hebrew"})
-        EXPECT_FALSE(isRightToLeftLocale(locale)) << locale;
-    setenv("LANG", "de_DE", 1);
-    unsetenv("LC_MESSAGES");
-    setenv("LC_ALL", "", 1);
-    EXPECT_EQ(localeOfMessages(), "de_DE");
-    setenv("LC_MESSAGES", "ar_EG", 1);
-    EXPECT_EQ(localeOfMessages(), "ar_EG");
-    setenv("LC_ALL", "C", 1);
-    EXPECT_EQ(localeOfMessages(), "C");
 }
 
 }  // namespace
