@@ -1,0 +1,22 @@
+# The edition that is built, by the system that it is built for. What differs outside platform/ is said here.
+if(APPLE)
+    set(QUORVANE_PLATFORM_FOLDER platform/macos)
+    set(QUORVANE_SERVICES quorvane_macos)       # what needs no screen
+    set(QUORVANE_PLATFORM quorvane_macos_card)  # what the card needs besides
+    set(QUORVANE_PROGRAM_FOLDER MacOS)
+    set(CMAKE_OBJCXX_STANDARD 23)
+    set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+    set(CMAKE_OBJCXX_EXTENSIONS OFF)
+    set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
+    if(NOT CMAKE_CROSSCOMPILING)
+        # Before the languages are enabled: they take the system's own folders from it.
+        set(CMAKE_OSX_DEPLOYMENT_TARGET 26.0 CACHE STRING "The first macOS that the programs run on")
+    endif()
+    enable_language(OBJCXX)
+    add_compile_options($<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc>)
+else()
+    set(QUORVANE_PLATFORM_FOLDER platform/linux)
+    set(QUORVANE_SERVICES quorvane_linux)
+    set(QUORVANE_PLATFORM quorvane_x11)
+    set(QUORVANE_PROGRAM_FOLDER Linux)
+endif()
