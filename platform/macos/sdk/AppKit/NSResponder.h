@@ -1,0 +1,6 @@
+#pragma once
+
+#include <Foundation/NSObjCRuntime.h>
+
+@interface NSResponder : NSObject
+@end

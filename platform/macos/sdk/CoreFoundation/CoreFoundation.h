@@ -1,0 +1,4 @@
+#pragma once
+
+#include "CFBase.h"
+#include "CFCGTypes.h"

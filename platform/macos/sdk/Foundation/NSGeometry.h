@@ -1,0 +1,7 @@
+#pragma once
+
+#include <CoreFoundation/CFCGTypes.h>
+
+typedef CGPoint NSPoint;
+typedef CGSize NSSize;
+typedef CGRect NSRect;
