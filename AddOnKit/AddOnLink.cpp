@@ -1,6 +1,5 @@
 #include "AddOnKit/AddOnLink.hpp"
 
-#include <chrono>
 #include <utility>
 
 #include "QuorvaneKit/Identifiers.hpp"
@@ -8,9 +7,6 @@
 
 namespace quorvane {
 namespace {
-
-constexpr Duration kHelloInterval = std::chrono::seconds{60};
-constexpr std::int64_t kProtocolVersion = 1;
 
 // Every real answer names a version that the main application accepts, so none looks like a
 // failure.
@@ -79,7 +75,7 @@ void AddOnLink::helloEnded(const LockScreenAddOnConfiguration& result) {
     if (followUp) {
         sayHello();
     } else if (std::exchange(loopAwaitsAnswer_, false)) {
-        loop_ = clock_.after(kHelloInterval, [this] {
+        loop_ = clock_.after(kLockScreenHelloInterval, [this] {
             loop_.reset();
             sayHelloOfLoop();
         });
@@ -100,7 +96,7 @@ void AddOnLink::apply(const LockScreenAddOnConfiguration& answer) {
 }
 
 LockScreenAddOnHello AddOnLink::hello() const {
-    return {.protocolVersion = kProtocolVersion,
+    return {.protocolVersion = kLockScreenHelloProtocolVersion,
             .addOnVersion = identity_.addOnVersion,
             .macOSVersion = identity_.macOSVersion,
             .supportsThisMacOS = identity_.supportsThisMacOS,

@@ -46,6 +46,8 @@ struct MessagePortLocalResponder {
 // even be destroyed there.
 class MessagePortClient {
 public:
+    using QueryOutcome = quorvane::QueryOutcome;
+
     struct Services {
         LogSink log;
         ConnectPort connectPort;

@@ -1,6 +1,7 @@
 #include "host/HostStatus.hpp"
 
-#include <cmath>
+#include <algorithm>
+#include <cstdint>
 
 #include "QuorvaneKit/ISO8601Date.hpp"
 #include "QuorvaneKit/LockScreenAddOnStatus.hpp"
@@ -28,7 +29,8 @@ std::string printable(std::string_view text) {
 }
 
 std::string minutes(double seconds) {
-    const auto whole = static_cast<long>(std::max(0.0, seconds));
+    // Whoever answers may say anything; beyond this a double has no whole seconds anyway.
+    const auto whole = static_cast<std::int64_t>(std::clamp(seconds, 0.0, 9e15));
     const std::string rest = std::to_string(whole % 60);
     return std::to_string(whole / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
 }

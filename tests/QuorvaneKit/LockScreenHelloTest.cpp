@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "QuorvaneKit/LockScreenAddOnStatus.hpp"
-#include "QuorvaneKit/LockScreenConfigurationBuilder.hpp"
-#include "QuorvaneKit/LockScreenHelloAnswer.hpp"
 #include "QuorvaneKit/LockScreenHelloClient.hpp"
+#include "QuorvaneKit/LockScreenHelloOutcome.hpp"
 #include "QuorvaneKit/XPCCodableHelpers.hpp"
 #include "platform/MessagePort.hpp"
 #include "tests/support/ManualClock.hpp"
@@ -17,7 +16,7 @@ using Kind = QueryOutcome::Kind;
 
 const LockScreenAddOnHello kHello{1, "1.2.3", "26.1.0", true, "A", false};
 
-TEST(LockScreenHello, OutcomeAndAnswerFollowThePendingRemoval) {
+TEST(LockScreenHello, TheOutcomeFollowsThePendingRemoval) {
     using Removal = std::optional<LockScreenPendingRemoval>;
     using ID = std::optional<std::string>;
     struct Row {
@@ -33,10 +32,10 @@ TEST(LockScreenHello, OutcomeAndAnswerFollowThePendingRemoval) {
              Row{none, "A", false, Outcome::answer},
              Row{none, ID{}, true, Outcome::answer},
              Row{forA, "A", true, Outcome::supersedeRemoval},
-             Row{forAnyone, "A", true, Outcome::supersedeRemoval},
+             Row{forAnyone, ID{}, true, Outcome::supersedeRemoval},
              Row{forA, "A", false, Outcome::deliverRemoval},
              Row{forAnyone, "A", false, Outcome::deliverRemoval},
-             Row{LockScreenPendingRemoval{"B"}, ID{}, false, Outcome::deliverRemoval},
+             Row{forA, ID{}, false, Outcome::deliverRemoval},
              Row{forAnyone, ID{}, false, Outcome::deliverRemoval},
              Row{forA, "B", false, Outcome::supersedeRemoval},
              Row{forA, "", false, Outcome::supersedeRemoval},
@@ -44,36 +43,7 @@ TEST(LockScreenHello, OutcomeAndAnswerFollowThePendingRemoval) {
         LockScreenAddOnHello hello = kHello;
         hello.installID = helloID;
         hello.supersedesRemoval = supersedes;
-        for (const bool isEnabled : {false, true}) {
-            const auto answer =
-                answerLockScreenHello(*XPCCodableHelpers::encode(hello), isEnabled, pending);
-            const bool removes = outcome == Outcome::deliverRemoval;
-            EXPECT_EQ(answer.outcome, outcome);
-            EXPECT_EQ(answer.hello, hello);
-            EXPECT_EQ(answer.configuration,
-                      (LockScreenAddOnConfiguration{isEnabled && !removes, removes, "1.0.0"}));
-            EXPECT_EQ(XPCCodableHelpers::decode<LockScreenAddOnConfiguration>(answer.reply),
-                      answer.configuration);
-        }
-    }
-}
-
-TEST(LockScreenHello, WhatIsNoHelloIsAnsweredLockedWithoutRemoval) {
-    for (const std::string_view request : {"", "{}", "null", "\xFF"}) {
-        const auto answer =
-            answerLockScreenHello(copyOf(bytesOf(request)), true, LockScreenPendingRemoval{});
-        EXPECT_FALSE(answer.hello || answer.outcome);
-        EXPECT_EQ(textOf(answer.reply),
-                  R"({"isEnabled":false,"removalRequested":false,"minimumAddOnVersion":"1.0.0"})");
-    }
-}
-
-TEST(LockScreenHello, BuilderLetsARemovalSwitchTheCardOff) {
-    for (const bool isEnabled : {false, true}) {
-        EXPECT_EQ((LockScreenConfigurationBuilder{isEnabled, false}.build()),
-                  (LockScreenAddOnConfiguration{isEnabled, false, "1.0.0"}));
-        EXPECT_EQ((LockScreenConfigurationBuilder{isEnabled, true}.build()),
-                  (LockScreenAddOnConfiguration{false, true, "1.0.0"}));
+        EXPECT_EQ(decideLockScreenHello(pending, hello), outcome);
     }
 }
 

@@ -296,28 +296,18 @@ TEST_F(HostCoordinatorTest, AnswersHelloAndRemembersIt) {
     EXPECT_EQ(hello(fromA), answered(false, false)) << "as the defaults are now";
 }
 
-TEST_F(HostCoordinatorTest, DeliversARemovalToItsTargetOnly) {
+TEST_F(HostCoordinatorTest, DeliversARemovalOrClearsOneThatIsVoid) {
     defaults.values["lockScreenEnabled"] = {true};
     serve();
-    struct Row {
-        std::optional<std::string> target, speaker;
-        bool supersedes, isDelivered;
-    };
-    const Row rows[] = {{"A", "A", false, true},          {"A", {}, false, true},
-                        {std::nullopt, "B", false, true}, {"A", "B", false, false},
-                        {"A", "A", true, false},          {std::nullopt, {}, true, false}};
     SharedDefaults stored{defaults.table()};
-    for (const auto& [target, speaker, supersedes, isDelivered] : rows) {
-        ASSERT_TRUE(stored.setLockScreenPendingRemoval(LockScreenPendingRemoval{target}));
-        const LockScreenAddOnHello speaking{.protocolVersion = 1,
-                                            .addOnVersion = "1.0.0",
-                                            .macOSVersion = "26.0.0",
-                                            .supportsThisMacOS = true,
-                                            .installID = speaker,
-                                            .supersedesRemoval = supersedes};
-        EXPECT_EQ(hello(speaking), answered(!isDelivered, isDelivered));
-        EXPECT_EQ(stored.lockScreenPendingRemoval().has_value(), isDelivered);
-    }
+    ASSERT_TRUE(stored.setLockScreenPendingRemoval(LockScreenPendingRemoval{"A"}));
+    LockScreenAddOnHello speaking;
+    speaking.installID = "A";
+    EXPECT_EQ(hello(speaking), answered(false, true)) << "the card is off, whatever is wanted";
+    EXPECT_TRUE(stored.lockScreenPendingRemoval());
+    speaking.installID = "B";
+    EXPECT_EQ(hello(speaking), answered(true, false));
+    EXPECT_FALSE(stored.lockScreenPendingRemoval());
 }
 
 TEST_F(HostCoordinatorTest, AHelloItCannotReadKeepsTheCardOff) {
