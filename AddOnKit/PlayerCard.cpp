@@ -1,6 +1,7 @@
 #include "AddOnKit/PlayerCard.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "AddOnKit/PlayerView.hpp"
 #include "AddOnKit/PressHighlightStyle.hpp"
@@ -53,12 +54,14 @@ void PlayerCard::setShown(bool shown) {
     }
     isShown_ = false;
     observations_.clear();
-    endPress();
     nextDraw_.reset();
+    const auto pressed = std::exchange(pressed_, std::nullopt);
     // What moved has long settled when the card comes back; its marquees go on from their starts.
     interaction_ = {.titleStart = interaction_.titleStart, .artistStart = interaction_.artistStart};
     artworkID_.reset();
     artwork_.reset();
+    // Last: what the end of a drag sends may run the main loop, and the card be destroyed there.
+    if (pressed == SceneControl::ID::volume) slider().dragEnded();
 }
 
 PlayerEnvironment PlayerCard::viewEnvironment() const {

@@ -29,12 +29,12 @@ void VolumeSlider::dragChanged(double x, double width) const {
     const std::int64_t volume = value(x, width, isRightToLeft);
     if (volume == model.volume.get()) return;
     model.volume.set(volume);
-    if (actions.setVolume) actions.setVolume(volume);
+    if (const auto action = actions.setVolume) action(volume);
 }
 
 void VolumeSlider::dragEnded() const {
     model.endVolumeDrag();
-    if (actions.endVolume) actions.endVolume();
+    if (const auto action = actions.endVolume) action();
 }
 
 void VolumeSlider::adjust(AccessibilityAction step) const {
@@ -42,7 +42,7 @@ void VolumeSlider::adjust(AccessibilityAction step) const {
     const std::int64_t change = step == AccessibilityAction::increment ? kStep : -kStep;
     const std::int64_t volume = std::clamp<std::int64_t>(model.volume.get() + change, 0, 100);
     model.setVolume(volume);
-    if (actions.setVolume) actions.setVolume(volume);
+    if (const auto action = actions.setVolume) action(volume);
 }
 
 void VolumeSlider::draw(Scene& scene, const Rect& frame, const PlayerModel& model,

@@ -12,7 +12,8 @@
 
 namespace quorvane {
 
-// A view value, made anew for each use. Main thread only.
+// A view value, made anew for each use. Main thread only. Each operation calls its action last, as
+// a copy: the action may end with the card that holds it destroyed.
 struct VolumeSlider {
     PlayerModel& model;
     const PlayerActions& actions;

@@ -224,20 +224,31 @@ TEST(PlayerCard, ObeysAssistiveTechnology) {
               (std::vector<std::string>{"playPause", "toggleLove", "volume 55", "volume 50"}));
 }
 
-TEST(PlayerCard, SurvivesBeingDestroyedByItsOwnButton) {
-    Fixture f;
-    PlayerActions actions;
-    actions.next = [&f] { f.card.reset(); };
-    f.card = std::make_unique<PlayerCard>(
-        f.model, actions,
-        PlayerCardEnvironment{.clock = f.clock.clock(), .wallClock = f.clock.wallClock()});
-    f.card->attach(f.stage);
-    f.card->setShown(true);
-    f.tap(ID::next);
-    EXPECT_EQ(f.card, nullptr);
-    EXPECT_FALSE(f.stage->events.pointer);
-    f.model.toggleLove();
-    f.nothingHappens(10s);
+// A sent command may run the main loop, where the windows are closed.
+TEST(PlayerCard, SurvivesBeingDestroyedByItsOwnActions) {
+    for (const int what : {0, 1, 2}) {
+        Fixture f;
+        const auto destroy = [&f] { f.card.reset(); };
+        PlayerActions actions;
+        if (what == 0) actions.next = destroy;
+        if (what == 1) actions.endVolume = destroy;
+        if (what == 2) actions.setVolume = [destroy](std::int64_t) { destroy(); };
+        f.card = std::make_unique<PlayerCard>(
+            f.model, actions,
+            PlayerCardEnvironment{.clock = f.clock.clock(), .wallClock = f.clock.wallClock()});
+        f.card->attach(f.stage);
+        f.card->setShown(true);
+        const auto pointer = f.stage->events.pointer;
+        const Point place = what == 0 ? f.middle(ID::next)
+                                      : Point{f.frame(ID::volume).x + 1, f.middle(ID::volume).y};
+        pointer({Kind::down, place});
+        if (what == 0) pointer({Kind::up, place});
+        if (what == 1) f.card->setShown(false);
+        EXPECT_EQ(f.card, nullptr);
+        EXPECT_FALSE(f.stage->events.pointer);
+        f.model.toggleLove();
+        f.nothingHappens(10s);
+    }
 }
 
 double titleOffset(const Scene& scene) {
