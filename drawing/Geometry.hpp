@@ -49,6 +49,24 @@ struct Rect {
     constexpr bool operator==(const Rect&) const = default;
 };
 
+// Of a shape as large as `content`, the place that covers the frame about their common middle.
+constexpr Rect covering(const Rect& frame, Size content) {
+    const double scale = std::max(frame.width / content.width, frame.height / content.height);
+    const Size shown{content.width * scale, content.height * scale};
+    return {frame.midX() - shown.width / 2, frame.midY() - shown.height / 2, shown.width,
+            shown.height};
+}
+
+constexpr Rect centredIn(const Rect& frame, Size content) {
+    return {frame.midX() - content.width / 2, frame.midY() - content.height / 2, content.width,
+            content.height};
+}
+
+// A corner of a rectangle is never larger than half its shorter side.
+constexpr double fittingRadius(const Rect& rect, double cornerRadius) {
+    return std::max(0.0, std::min({cornerRadius, rect.width / 2, rect.height / 2}));
+}
+
 // "{{x, y}, {width, height}}", whole numbers without decimals.
 std::string describe(const Rect& rect);
 std::string describe(Point point);

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drawing/PictureLimits.hpp"
+
 namespace quorvane {
 namespace {
 
@@ -17,9 +19,9 @@ struct Sizing {
 // where the format allows it; a size of nothing stops it.
 void sizePrepared(GdkPixbufLoader* loader, int width, int height, gpointer data) {
     auto& sizing = *static_cast<Sizing*>(data);
-    const std::int64_t pixels = static_cast<std::int64_t>(width) * height;
-    if (width <= 0 || height <= 0 || std::max(width, height) > kLongestSide ||
-        pixels > kMostPixels) {
+    const PictureSize original{static_cast<std::uint32_t>(std::max(width, 0)),
+                               static_cast<std::uint32_t>(std::max(height, 0))};
+    if (!isDecodable(original)) {
         sizing.isRefused = true;
         gdk_pixbuf_loader_set_size(loader, 0, 0);
         return;

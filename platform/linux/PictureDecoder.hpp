@@ -14,11 +14,6 @@ struct PixelSize {
     bool operator==(const PixelSize&) const = default;
 };
 
-// Decoding takes memory for every pixel of the original, however few bytes hold it: larger ones are
-// refused before they are decoded.
-inline constexpr std::int64_t kMostPixels = 40'000'000;
-inline constexpr int kLongestSide = 16'384;
-
 // Fills `size`, cropped about the middle. Null when the bytes are no picture or one too large.
 // Any thread.
 CairoSurface decodePicture(ByteView encoded, PixelSize size);

@@ -122,10 +122,4 @@ std::optional<PictureSize> readPictureSize(ByteView encoded) {
     return std::nullopt;
 }
 
-bool isDecodable(const PictureSize& size) {
-    return size.width > 0 && size.height > 0 && size.width <= kLongestPictureSide &&
-           size.height <= kLongestPictureSide &&
-           std::uint64_t{size.width} * size.height <= kMostPicturePixels;
-}
-
 }  // namespace quorvane

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numbers>
 
+#include "drawing/SymbolFacing.hpp"
 #include "platform/linux/CairoHandles.hpp"
 
 namespace quorvane {
@@ -126,7 +127,6 @@ void drawLoudSpeaker(cairo_t* cairo) {
 struct Symbol {
     std::string_view name;
     void (*draw)(cairo_t*);
-    bool facesTextDirection = false;
 };
 
 constexpr Symbol kSymbols[] = {
@@ -137,8 +137,8 @@ constexpr Symbol kSymbols[] = {
     {"music.note", drawNote},
     {"pause.fill", drawPause},
     {"play.fill", drawPlay},
-    {"speaker.fill", drawSpeaker, true},
-    {"speaker.wave.3.fill", drawLoudSpeaker, true},
+    {"speaker.fill", drawSpeaker},
+    {"speaker.wave.3.fill", drawLoudSpeaker},
 };
 
 }  // namespace
@@ -152,7 +152,7 @@ bool drawSymbol(cairo_t* cairo, const SymbolNode& node, bool isRightToLeft) {
     // Fills and lines overlap, so they are joined at full strength before they become translucent.
     cairo_push_group_with_content(cairo, CAIRO_CONTENT_ALPHA);
     cairo_translate(cairo, node.frame.midX(), node.frame.midY());
-    const bool isMirrored = isRightToLeft && symbol->facesTextDirection;
+    const bool isMirrored = isRightToLeft && facesTextDirection(node.name);
     cairo_scale(cairo, isMirrored ? -node.pointSize : node.pointSize, node.pointSize);
     cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);

@@ -20,38 +20,18 @@ Point snapped(cairo_t* cairo, Point point) {
     return point;
 }
 
-double baseline(const Rect& frame, const TextLine& line) {
-    return frame.midY() + (line.ascent - line.descent) / 2;
-}
-
-double alignedLeft(const TextNode& node, double width, bool isRightToLeft) {
-    const double room = node.frame.width - width;
-    if (node.alignment == TextAlignment::center) return node.frame.x + room / 2;
-    const bool isLeft = (node.alignment == TextAlignment::leading) != isRightToLeft;
-    return node.frame.x + (isLeft ? 0 : room);
-}
-
 void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
     const TextLine* line = &texts.line(node.text, node.font);
-    // Rounding alone is no reason to cut.
-    constexpr double kTolerance = 0.5;
-    if (line->width > node.frame.width + kTolerance)
-        line = &texts.line(node.text, node.font, node.frame.width);
+    if (isTooWide(node, line->width)) line = &texts.line(node.text, node.font, node.frame.width);
     fillLine(cairo, *line,
-             snapped(cairo,
-                     {alignedLeft(node, line->width, isRightToLeft), baseline(node.frame, *line)}));
+             snapped(cairo, {leftEdgeOf(node, line->width, isRightToLeft),
+                             baselineOf(node.frame, line->heights)}));
 }
 
-// Full strength between the two fades, which rise late: next to a picture the text is all but gone.
-CairoPattern fadeMask(const Rect& frame, double fade) {
-    CairoPattern mask{cairo_pattern_create_linear(frame.x, 0, frame.maxX(), 0)};
-    const double share = std::min(fade / frame.width, 0.5);
-    for (const double t : {0.0, 0.2, 0.4, 0.6, 0.8, 1.0}) {
-        const double rise = t * t * (3 - 2 * t);
-        const double alpha = rise * rise;
-        cairo_pattern_add_color_stop_rgba(mask.get(), share * t, 0, 0, 0, alpha);
-        cairo_pattern_add_color_stop_rgba(mask.get(), 1 - share * t, 0, 0, 0, alpha);
-    }
+CairoPattern fadeMask(const TextNode& node) {
+    CairoPattern mask{cairo_pattern_create_linear(node.frame.x, 0, node.frame.maxX(), 0)};
+    for (const FadeStop& stop : fadeStops(node))
+        cairo_pattern_add_color_stop_rgba(mask.get(), stop.place, 0, 0, 0, stop.strength);
     return mask;
 }
 
@@ -64,7 +44,8 @@ const TextPicture* pictureOf(const TextLine& line, const Color& color, double sc
     TextPicture& picture = line.picture;
     if (picture.surface && picture.color == color && picture.scale == scale) return &picture;
     const double width = std::ceil((line.width + 2 * kPictureMargin) * scale);
-    const double height = std::ceil((line.ascent + line.descent + 2 * kPictureMargin) * scale);
+    const double height =
+        std::ceil((line.heights.ascent + line.heights.descent + 2 * kPictureMargin) * scale);
     if (width > kWidestPicture) return nullptr;
     picture = {CairoSurface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(width),
                                                        static_cast<int>(height))},
@@ -73,7 +54,7 @@ const TextPicture* pictureOf(const TextLine& line, const Color& color, double sc
     cairo_scale(cairo.get(), scale, scale);
     cairo_set_source_rgba(cairo.get(), color.red, color.green, color.blue, color.alpha);
     // The baseline lies on whole pixels, as it will where the picture is put.
-    const double baseline = std::round((kPictureMargin + line.ascent) * scale) / scale;
+    const double baseline = std::round((kPictureMargin + line.heights.ascent) * scale) / scale;
     fillLine(cairo.get(), line, {kPictureMargin, baseline});
     return &picture;
 }
@@ -89,26 +70,19 @@ void showMoved(cairo_t* cairo, const TextLine& line, const Color& color, Point s
     cairo_translate(cairo, start.x, start.y);
     cairo_scale(cairo, 1 / scale, 1 / scale);
     cairo_set_source_surface(cairo, picture->surface.get(), -std::round(kPictureMargin * scale),
-                             -std::round((kPictureMargin + line.ascent) * scale));
+                             -std::round((kPictureMargin + line.heights.ascent) * scale));
     cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_NEAREST);
     cairo_paint(cairo);
 }
 
 void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
-    const TextNode::Scroll& scroll = *node.scroll;
     const TextLine& line = texts.line(node.text, node.font);
-    const double distance = line.width + scroll.gap;
-    if (distance <= 0) return;
-    const double y = baseline(node.frame, line);
-    const double rest = isRightToLeft ? node.frame.maxX() - line.width : node.frame.x;
-    const double direction = isRightToLeft ? 1 : -1;
-    // The way is rounded by itself: frames made for whole pixels of it then show whole pixels.
-    const Point start = snapped(cairo, {rest, y});
-    for (double way = scroll.offset; way > -node.frame.width; way -= distance) {
-        const Point moved = snapped(cairo, {start.x + direction * way, start.y});
-        if (moved.x < node.frame.maxX() && moved.x + line.width > node.frame.x)
-            showMoved(cairo, line, node.color, moved);
-    }
+    // The rest is rounded by itself: frames made for whole pixels of the way then show whole
+    // pixels.
+    const Point start = snapped(
+        cairo, {restOf(node, line.width, isRightToLeft), baselineOf(node.frame, line.heights)});
+    for (const double left : copiesOf(node, start.x, line.width, isRightToLeft))
+        showMoved(cairo, line, node.color, snapped(cairo, {left, start.y}));
 }
 
 // Masks take far longer than plain copies, so only the two ends are drawn through one. They meet
@@ -127,7 +101,7 @@ void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, Tex
         drawCopies(cairo, node, isRightToLeft, texts);
         if (!isMasked) return;
         cairo_pop_group_to_source(cairo);
-        cairo_mask(cairo, fadeMask(frame, fade).get());
+        cairo_mask(cairo, fadeMask(node).get());
     };
     drawBetween(frame.x, left, true);
     drawBetween(left, right, false);

@@ -10,8 +10,6 @@
 namespace quorvane {
 namespace {
 
-constexpr std::size_t kKeptLines = 24;  // a card has four, of which the times change
-
 PangoWeight weightOf(FontStyle::Weight weight) {
     switch (weight) {
         case FontStyle::Weight::regular: return PANGO_WEIGHT_NORMAL;
@@ -50,16 +48,7 @@ TextLayouts::TextLayouts(std::string families)
 
 const TextLine& TextLayouts::line(const std::string& text, const FontStyle& font,
                                   std::optional<double> fit) {
-    const auto found = std::ranges::find_if(recent_, [&](const Entry& entry) {
-        return entry.fit == fit && entry.font == font && entry.text == text;
-    });
-    if (found != recent_.end()) {
-        recent_.splice(recent_.begin(), recent_, found);
-    } else {
-        recent_.push_front({text, font, fit, layOut(text, font, fit)});
-        if (recent_.size() > kKeptLines) recent_.pop_back();
-    }
-    return recent_.front().line;
+    return recent_.line(text, font, fit, [&] { return layOut(text, font, fit); });
 }
 
 TextLine TextLayouts::layOut(const std::string& text, const FontStyle& font,
@@ -91,8 +80,8 @@ TextLine TextLayouts::layOut(const std::string& text, const FontStyle& font,
     line.width = points(extents.width);
     PangoFontMetrics* const metrics =
         pango_context_get_metrics(context_.get(), description, nullptr);
-    line.ascent = points(pango_font_metrics_get_ascent(metrics));
-    line.descent = points(pango_font_metrics_get_descent(metrics));
+    line.heights = {points(pango_font_metrics_get_ascent(metrics)),
+                    points(pango_font_metrics_get_descent(metrics))};
     pango_font_metrics_unref(metrics);
     pango_font_description_free(description);
     return line;

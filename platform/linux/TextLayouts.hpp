@@ -3,12 +3,13 @@
 
 #include <pango/pango.h>
 
-#include <list>
 #include <optional>
 #include <string>
 
 #include "drawing/Canvas.hpp"
+#include "drawing/RecentLines.hpp"
 #include "drawing/Scene.hpp"
+#include "drawing/TextPlacement.hpp"
 #include "platform/linux/CairoHandles.hpp"
 
 namespace quorvane {
@@ -24,8 +25,8 @@ struct TextPicture {
 struct TextLine {
     GObjectOwner<PangoLayout> layout;
     double width = 0;
-    double ascent = 0;  // of the font, not of these letters: lines of one font share a baseline
-    double descent = 0;
+    // Of the font, not of these letters: lines of one font share a baseline.
+    LineHeights heights{};
     mutable TextPicture picture{};  // kept by whoever draws the line, as long as the line is
 };
 
@@ -44,18 +45,12 @@ public:
     static constexpr char kSystemFont[] = "system-ui,Inter,sans";
 
 private:
-    struct Entry {
-        std::string text;
-        FontStyle font;
-        std::optional<double> fit;
-        TextLine line;
-    };
     TextLine layOut(const std::string& text, const FontStyle& font,
                     std::optional<double> fit) const;
 
     std::string families_;
     GObjectOwner<PangoContext> context_;
-    std::list<Entry> recent_;  // the last used one first
+    RecentLines<TextLine> recent_;
 };
 
 // Measures with layouts of its own.

@@ -1,0 +1,46 @@
+// Lines of text that were laid out lately, for canvases: laying out costs more than drawing.
+#pragma once
+
+#include <algorithm>
+#include <list>
+#include <optional>
+#include <string>
+
+#include "drawing/Scene.hpp"
+
+namespace quorvane {
+
+// One thread. References stay valid until the next call.
+template <typename Line>
+class RecentLines {
+public:
+    // The line as long as it is, or cut off where it is wider than `fit` points. `layOut()` makes
+    // it when it is not at hand.
+    template <typename LayOut>
+    Line& line(const std::string& text, const FontStyle& font, std::optional<double> fit,
+               const LayOut& layOut) {
+        const auto found = std::ranges::find_if(recent_, [&](const Entry& entry) {
+            return entry.fit == fit && entry.font == font && entry.text == text;
+        });
+        if (found != recent_.end()) {
+            recent_.splice(recent_.begin(), recent_, found);
+        } else {
+            recent_.push_front({text, font, fit, layOut()});
+            if (recent_.size() > kKeptLines) recent_.pop_back();
+        }
+        return recent_.front().line;
+    }
+
+private:
+    static constexpr std::size_t kKeptLines = 24;  // a card has four, of which the times change
+
+    struct Entry {
+        std::string text;
+        FontStyle font;
+        std::optional<double> fit;
+        Line line;
+    };
+    std::list<Entry> recent_;  // the last used one first
+};
+
+}  // namespace quorvane

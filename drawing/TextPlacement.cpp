@@ -1,0 +1,51 @@
+#include "drawing/TextPlacement.hpp"
+
+#include <algorithm>
+
+namespace quorvane {
+
+double baselineOf(const Rect& frame, const LineHeights& heights) {
+    return frame.midY() + (heights.ascent - heights.descent) / 2;
+}
+
+double leftEdgeOf(const TextNode& node, double width, bool isRightToLeft) {
+    const double room = node.frame.width - width;
+    if (node.alignment == TextAlignment::center) return node.frame.x + room / 2;
+    const bool isLeft = (node.alignment == TextAlignment::leading) != isRightToLeft;
+    return node.frame.x + (isLeft ? 0 : room);
+}
+
+bool isTooWide(const TextNode& node, double width) {
+    constexpr double kTolerance = 0.5;
+    return width > node.frame.width + kTolerance;
+}
+
+double restOf(const TextNode& node, double width, bool isRightToLeft) {
+    return isRightToLeft ? node.frame.maxX() - width : node.frame.x;
+}
+
+std::vector<double> copiesOf(const TextNode& node, double rest, double width, bool isRightToLeft) {
+    std::vector<double> edges;
+    const double distance = width + node.scroll->gap;
+    if (distance <= 0) return edges;
+    const double direction = isRightToLeft ? 1 : -1;
+    for (double way = node.scroll->offset; way > -node.frame.width; way -= distance) {
+        const double left = rest + direction * way;
+        if (left < node.frame.maxX() && left + width > node.frame.x) edges.push_back(left);
+    }
+    return edges;
+}
+
+std::array<FadeStop, 12> fadeStops(const TextNode& node) {
+    const double share = std::min(node.scroll->fade / node.frame.width, 0.5);
+    std::array<FadeStop, 12> stops;
+    for (std::size_t i = 0; i < 6; ++i) {
+        const double t = static_cast<double>(i) / 5;
+        const double rise = t * t * (3 - 2 * t);
+        stops[i] = {share * t, rise * rise};
+        stops[11 - i] = {1 - share * t, rise * rise};
+    }
+    return stops;
+}
+
+}  // namespace quorvane

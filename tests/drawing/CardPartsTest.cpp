@@ -1,0 +1,92 @@
+// What every canvas and every system's windows share: places of text and pictures, limits, the
+// mouse on the margin.
+#include <gtest/gtest.h>
+
+#include "drawing/MarginMouse.hpp"
+#include "drawing/PictureLimits.hpp"
+#include "drawing/TextPlacement.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr Rect kField{100, 20, 200, 18};
+
+TEST(TextPlacement, MirrorsLeadingAndTrailingButNotTheMiddle) {
+    TextNode node{.frame = kField};
+    EXPECT_EQ(leftEdgeOf(node, 50, false), 100);
+    EXPECT_EQ(leftEdgeOf(node, 50, true), 250);
+    node.alignment = TextAlignment::trailing;
+    EXPECT_EQ(leftEdgeOf(node, 50, false), 250);
+    EXPECT_EQ(leftEdgeOf(node, 50, true), 100);
+    node.alignment = TextAlignment::center;
+    EXPECT_EQ(leftEdgeOf(node, 50, true), 175);
+    EXPECT_FALSE(isTooWide(node, 200.4));
+    EXPECT_TRUE(isTooWide(node, 200.6));
+    EXPECT_EQ(baselineOf(kField, {.ascent = 12, .descent = 4}), 33);
+}
+
+TEST(TextPlacement, ShowsTheCopiesThatReachIntoTheField) {
+    TextNode node{.frame = kField, .scroll = TextNode::Scroll{.offset = 0, .gap = 40, .fade = 20}};
+    EXPECT_EQ(copiesOf(node, restOf(node, 300, false), 300, false), (std::vector<double>{100}));
+    node.scroll->offset = 190;
+    EXPECT_EQ(copiesOf(node, 100, 300, false), (std::vector<double>{-90, 250}));
+    // The other way round the copy follows on the left.
+    EXPECT_EQ(restOf(node, 300, true), 0);
+    EXPECT_EQ(copiesOf(node, 0, 300, true), (std::vector<double>{190, -150}));
+    node.scroll->gap = -300;
+    EXPECT_TRUE(copiesOf(node, 100, 300, false).empty());
+    const auto stops = fadeStops(node);
+    EXPECT_EQ(stops.front().strength + stops.back().strength, 0);
+    EXPECT_EQ(stops[5].strength, 1);
+    EXPECT_DOUBLE_EQ(stops[5].place, 0.1);
+    EXPECT_DOUBLE_EQ(stops[6].place, 0.9);
+}
+
+TEST(PictureLimits, RefuseWhatWouldTakeTooMuchMemory) {
+    EXPECT_TRUE(isDecodable({8000, 5000}));
+    EXPECT_FALSE(isDecodable({8000, 5001}));
+    EXPECT_TRUE(isDecodable({16384, 1}));
+    EXPECT_FALSE(isDecodable({16385, 1}));
+    EXPECT_FALSE(isDecodable({0, 10}));
+    // Both sides at their largest do not wrap around.
+    EXPECT_FALSE(isDecodable({0xFFFF'FFFF, 0xFFFF'FFFF}));
+    EXPECT_EQ(keptLongerSide({3000, 3000}), 256u);
+    EXPECT_EQ(keptLongerSide({3000, 1000}), 768u);
+    EXPECT_EQ(keptLongerSide({1000, 200}), 1000u);
+    EXPECT_EQ(keptLongerSide({16384, 257}), 16320u);
+}
+
+TEST(Geometry, PicturesCoverTheirFrames) {
+    EXPECT_EQ(covering({10, 10, 100, 50}, {20, 20}), (Rect{10, -15, 100, 100}));
+    EXPECT_EQ(covering({0, 0, 64, 64}, {300, 100}), (Rect{-64, 0, 192, 64}));
+    EXPECT_EQ(centredIn({0, 0, 64, 64}, {30, 20}), (Rect{17, 22, 30, 20}));
+    EXPECT_EQ(fittingRadius({0, 0, 40, 6}, 10), 3);
+    EXPECT_EQ(fittingRadius({0, 0, 40, 6}, -1), 0);
+}
+
+TEST(MarginMouse, TakesTheCardAndLeavesTheMargin) {
+    MarginMouse mouse;
+    mouse.setCard({.card = {400, 222}, .shadowMargin = 52});
+    mouse.moveTo({20, 20});
+    EXPECT_TRUE(mouse.ignoresMouse());  // as the owner wants at first
+    EXPECT_FALSE(mouse.mustAskForPointer());
+    mouse.setIgnored(false);
+    EXPECT_TRUE(mouse.ignoresMouse());
+    EXPECT_TRUE(mouse.mustAskForPointer());
+    mouse.moveTo({52, 273});
+    EXPECT_FALSE(mouse.ignoresMouse());
+    EXPECT_FALSE(mouse.mustAskForPointer());
+    // A drag may leave the card without losing the window.
+    mouse.setPressed(true);
+    mouse.moveTo({452, 100});
+    EXPECT_FALSE(mouse.ignoresMouse());
+    mouse.setPressed(false);
+    EXPECT_TRUE(mouse.ignoresMouse());
+    // Beyond the window it makes no difference, and nobody need look.
+    mouse.moveTo({504, 100});
+    EXPECT_FALSE(mouse.ignoresMouse());
+    EXPECT_FALSE(mouse.mustAskForPointer());
+}
+
+}  // namespace
+}  // namespace quorvane
