@@ -1,11 +1,142 @@
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
 
+#include "AddOnKit/DurationText.hpp"
+#include "AddOnKit/LaunchDecision.hpp"
+#include "AddOnKit/LoginItem.hpp"
+#include "AddOnKit/SelfRemoval.hpp"
+#include "QuorvaneKit/Identifiers.hpp"
+#include "shared/AddOnInstallLocation.hpp"
+
 namespace quorvane {
+namespace {
 
-AddOnApp::AddOnApp(const LivePlatform& platform) : coordinator_(AddOnCoordinator::make(platform)) {}
+std::string joined(const InstanceHandover::PIDs& pids) {
+    std::string text;
+    for (const std::int32_t pid : pids) {
+        if (!text.empty()) text += ", ";
+        text += std::to_string(pid);
+    }
+    return text;
+}
 
-void AddOnApp::applicationDidFinishLaunching() { coordinator_->start(); }
+}  // namespace
 
-void AddOnApp::applicationWillTerminate() { coordinator_->willTerminate(); }
+AddOnApp::AddOnApp(const LivePlatform& platform)
+    : platform_(platform),
+      log_(platform.services.log, kAddOnBundleIdentifier, "app"),
+      removalLog_(platform.services.log, kAddOnBundleIdentifier, "removal"),
+      coordinator_(AddOnCoordinator::make(platform)) {}
+
+void AddOnApp::applicationDidFinishLaunching() {
+    const LiveServices& services = platform_.services;
+    const LaunchPerformer launch{.arguments = services.process.arguments,
+                                 .defaults = services.standardDefaults,
+                                 .sharedDefaults = services.openSuite(std::string{kAppGroup}),
+                                 .bundle = services.process.bundle,
+                                 .identity = services.installation.fileManager.identity,
+                                 .log = services.log};
+    launch.perform([this] { finishRemoval(); }, [this] { uninstall(); }, [this] { run(); });
+}
+
+void AddOnApp::finishRemoval() const {
+    removalLog_.standard("launch: a removal is pending; finishing it");
+    remove();
+}
+
+void AddOnApp::uninstall() const {
+    removalLog_.standard("launch: asked to uninstall; removing the add-on");
+    remove();
+}
+
+void AddOnApp::remove() const {
+    const LiveServices& services = platform_.services;
+    const auto& applicationSupport = services.installation.applicationSupport;
+    const SelfRemoval removal{
+        .defaults = services.standardDefaults,
+        .loginItem = services.installation.loginItem,
+        .fileManager = services.installation.fileManager,
+        .bundle = services.process.bundle,
+        // Without a home there is no such folder, and the empty path is refused.
+        .supportDirectory = applicationSupport
+                                ? AddOnInstallLocation::supportDirectory(*applicationSupport)
+                                : std::filesystem::path{},
+        .terminate = services.application.terminate,
+        .log = removalLog_};
+    removal.perform();
+}
+
+void AddOnApp::run() {
+    ensureLoginItemIsRegistered(platform_.services.installation.loginItem, log_);
+    handoverTask_ = platform_.services.clock.after(Duration{}, [this] { handOver(); });
+}
+
+// What becomes of this copy. It starts in every case but the one in which two would draw cards.
+struct AddOnApp::AfterHandover {
+    const AddOnApp& app;
+
+    void operator()(const InstanceHandover::Alone&) const { start(); }
+    void operator()(const InstanceHandover::OldestCopy& oldest) const {
+        app.log_.standard(
+            "launch: a newer copy (pid %{public}s) is running; starting anyway, it hands over to "
+            "this one",
+            joined(oldest.newer));
+        start();
+    }
+    void operator()(const InstanceHandover::OthersExited& exited) const {
+        app.log_.standard("launch: waited %{public}s for the previous copy to quit",
+                          durationText(exited.after));
+        start();
+    }
+    void operator()(const InstanceHandover::Terminated& terminated) const {
+        app.log_.standard("launch: the previous copy (pid %{public}s) quit when asked",
+                          joined(terminated.asked));
+        start();
+    }
+    void operator()(const InstanceHandover::TimedOut& left) const { giveWay(left.stillRunning); }
+    void operator()(const InstanceHandover::StillRunningAfterTermination& left) const {
+        giveWay(left.stillRunning);
+    }
+
+    void start() const { app.coordinator_->start(); }
+    void giveWay(const InstanceHandover::PIDs& pids) const {
+        app.log_.fault(
+            "launch: an older copy (pid %{public}s) won't quit; quitting this one so only one "
+            "draws cards",
+            joined(pids));
+        app.platform_.services.application.terminate();
+    }
+};
+
+void AddOnApp::handOver() {
+    const RunningApplications& applications = platform_.services.installation.runningApplications;
+    handover_.emplace(
+        applications.current(),
+        InstanceHandover::Operations{
+            .running =
+                [&applications] {
+                    return applications.running(std::string{kAddOnBundleIdentifier});
+                },
+            .terminate = [this](const InstanceHandover::PIDs& pids) { askToQuit(pids); },
+            .clock = platform_.services.clock},
+        InstanceHandover::Timing{});
+    handover_->resolve([this](const InstanceHandover::Outcome& outcome) {
+        std::visit(AfterHandover{*this}, outcome);
+    });
+}
+
+void AddOnApp::askToQuit(const InstanceHandover::PIDs& pids) const {
+    log_.error(
+        "launch: an older copy (pid %{public}s) is still running after %{public}s; asking it to "
+        "quit",
+        joined(pids), durationText(InstanceHandover::kWait));
+    for (const std::int32_t pid : pids)
+        platform_.services.installation.runningApplications.terminate(pid);
+}
+
+void AddOnApp::applicationWillTerminate() {
+    handoverTask_.reset();
+    handover_.reset();
+    coordinator_->willTerminate();
+}
 
 }  // namespace quorvane

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "platform/RegularFiles.hpp"
+#include "platform/linux/FoldersLinux.hpp"
 #include "platform/linux/PropertyListLinux.hpp"
 
 namespace quorvane {
@@ -34,6 +35,13 @@ PropertyDictionary propertiesOfBundle(const std::filesystem::path& bundle) {
     auto list = parsePropertyList(file->contents);
     if (!list || !list->as<PropertyDictionary>()) return {};
     return std::get<PropertyDictionary>(std::move(list->value));
+}
+
+std::optional<std::filesystem::path> executableOfBundle(const std::filesystem::path& bundle,
+                                                        const PropertyDictionary& properties) {
+    const auto* name = find<std::string>(properties, "CFBundleExecutable");
+    if (bundle.empty() || name == nullptr || !isPlainFileName(*name)) return std::nullopt;
+    return bundle / "Contents" / "Linux" / *name;
 }
 
 ProcessInfo makeProcessInfo(int argumentCount, char** arguments) {

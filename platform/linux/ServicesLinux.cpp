@@ -7,6 +7,7 @@
 #include "platform/linux/DefaultsFile.hpp"
 #include "platform/linux/FilesLinux.hpp"
 #include "platform/linux/FoldersLinux.hpp"
+#include "platform/linux/InstallationLinux.hpp"
 #include "platform/linux/LogLinux.hpp"
 #include "platform/linux/MessagePortsLinux.hpp"
 #include "platform/linux/NoticesLinux.hpp"
@@ -50,6 +51,7 @@ void fillFileTables(LiveServices& services) {
     services.files = makeFileStore();
     services.fillRandom = makeFillRandom();
     services.makeUUID = makeRandomUUID;
+    services.installation = makeInstallation(services.process);
 }
 
 }  // namespace

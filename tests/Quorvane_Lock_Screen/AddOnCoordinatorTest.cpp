@@ -241,9 +241,8 @@ TEST_F(AddOnCoordinatorTest, TheInstallerIsToldTheStatusAndObeyed) {
 
 TEST_F(AddOnCoordinatorTest, AnOrderlyEndClosesTheWindows) {
     AddOnApp app{platform.live};
-    app.applicationWillTerminate();  // before it has started
     app.applicationDidFinishLaunching();
-    platform.settle();
+    platform.pass(10ms);
     platform.lock();
     platform.pass(800ms);
     EXPECT_TRUE(platform.isCardSeen());

@@ -14,6 +14,7 @@
 #include "QuorvaneKit/XPCCodableHelpers.hpp"
 #include "platform/LivePlatform.hpp"
 #include "tests/support/FakeCardWindows.hpp"
+#include "tests/support/FakeInstallation.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
@@ -120,6 +121,8 @@ struct FakePlatform {
     FakeCardWindows windows;
     FakeScreens screens;
     MemoryDefaults defaults;
+    MemoryDefaults sharedDefaults;
+    FakeInstallation installation;
     MemoryPorts ports;
     RecordingLog log;
     Faults faults;
@@ -250,6 +253,8 @@ private:
                 return std::unexpected{PlatformError{.code = 5, .description = "unreadable"}};
             return mainApp.secret;
         };
+        services.openSuite = [this](const std::string&) { return sharedDefaults.table(); };
+        services.installation = installation.table();
         services.makeUUID = [] { return std::string{"0F0E0D0C"}; };
         services.standardDefaults = defaults.table();
         services.standardDefaults.get =

@@ -1,0 +1,106 @@
+#include "platform/linux/ProcessTable.hpp"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <sstream>
+#include <string_view>
+
+#include "platform/RegularFiles.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr std::string_view kDeletedMark = " (deleted)";
+constexpr std::uint64_t kLargestFile = 8 << 20;
+
+std::filesystem::path folderOf(pid_t pid) {
+    return std::filesystem::path{"/proc"} / std::to_string(pid);
+}
+
+bool isOfThisUser(const std::filesystem::path& folder) {
+    struct stat status {};
+    return stat(folder.c_str(), &status) == 0 && status.st_uid == geteuid();
+}
+
+std::string contentsOf(const std::filesystem::path& file) {
+    const auto read = makeLiveRegularFiles().read(file, kLargestFile);
+    return read ? std::string{textOf(read->contents)} : std::string{};
+}
+
+std::optional<std::uint64_t> startTicksIn(const std::string& status) {
+    // The name stands in brackets and may hold anything. The third field follows; the start is the
+    // 22nd.
+    const std::size_t bracket = status.rfind(')');
+    if (bracket == status.npos) return std::nullopt;
+    std::istringstream fields{status.substr(bracket + 1)};
+    std::string field;
+    for (int index = 3; index <= 22; ++index)
+        if (!(fields >> field)) return std::nullopt;
+    std::uint64_t ticks = 0;
+    const auto end = std::from_chars(field.data(), field.data() + field.size(), ticks);
+    if (end.ec != std::errc{}) return std::nullopt;
+    return ticks;
+}
+
+std::string variableIn(std::string_view environment, std::string_view name) {
+    while (!environment.empty()) {
+        const std::size_t end = std::min(environment.find('\0'), environment.size());
+        const std::string_view entry = environment.substr(0, end);
+        if (entry.starts_with(name) && entry.substr(name.size()).starts_with('='))
+            return std::string{entry.substr(name.size() + 1)};
+        environment.remove_prefix(std::min(end + 1, environment.size()));
+    }
+    return {};
+}
+
+// ":0.1" is screen 1 of the display ":0".
+std::string withoutScreen(std::string display) {
+    const std::size_t colon = display.rfind(':');
+    if (colon != display.npos) display.resize(std::min(display.find('.', colon), display.size()));
+    return display;
+}
+
+}  // namespace
+
+std::optional<ProcessExecutable> executableOf(pid_t pid) {
+    const auto folder = folderOf(pid);
+    std::error_code error;
+    // Ended ones that wait for their parent have no executable any more.
+    std::string path = std::filesystem::read_symlink(folder / "exe", error).string();
+    if (error || !isOfThisUser(folder)) return std::nullopt;
+    const bool isDeleted = path.ends_with(kDeletedMark);
+    if (isDeleted) path.resize(path.size() - kDeletedMark.size());
+    return ProcessExecutable{path, isDeleted};
+}
+
+std::optional<ProcessRecord> processRecord(pid_t pid) {
+    const auto folder = folderOf(pid);
+    auto executable = executableOf(pid);
+    const auto startTicks = startTicksIn(contentsOf(folder / "stat"));
+    if (!executable || !startTicks) return std::nullopt;
+    const std::string environment = contentsOf(folder / "environ");
+    return ProcessRecord{.pid = pid,
+                         .executable = *std::move(executable),
+                         .startTicks = *startTicks,
+                         .display = withoutScreen(variableIn(environment, "DISPLAY")),
+                         .runtimeFolder = variableIn(environment, "XDG_RUNTIME_DIR")};
+}
+
+std::vector<pid_t> processesOfUser() {
+    std::vector<pid_t> pids;
+    std::error_code error;
+    for (std::filesystem::directory_iterator place{"/proc", error}, end; !error && place != end;
+         place.increment(error)) {
+        const std::string name = place->path().filename().string();
+        pid_t pid = 0;
+        const auto parsed = std::from_chars(name.data(), name.data() + name.size(), pid);
+        if (parsed.ec == std::errc{} && parsed.ptr == name.data() + name.size() &&
+            isOfThisUser(place->path()))
+            pids.push_back(pid);
+    }
+    return pids;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,33 @@
+// What the system tells of this user's processes.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorvane {
+
+struct ProcessExecutable {
+    std::filesystem::path path;
+    bool isDeleted = false;  // under the process
+};
+
+struct ProcessRecord {
+    pid_t pid = 0;
+    ProcessExecutable executable;
+    std::uint64_t startTicks = 0;  // since the system's start, sysconf(_SC_CLK_TCK) a second
+    std::string display;           // DISPLAY, without its screen
+    std::string runtimeFolder;     // XDG_RUNTIME_DIR
+};
+
+// Nothing when it has ended, when it is another user's or when it may not be looked at.
+std::optional<ProcessExecutable> executableOf(pid_t pid);
+std::optional<ProcessRecord> processRecord(pid_t pid);
+// Of this user, in no order that matters.
+std::vector<pid_t> processesOfUser();
+
+}  // namespace quorvane

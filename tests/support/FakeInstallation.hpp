@@ -1,0 +1,62 @@
+// The add-on's installation in memory: its login item, its files, the copies that run.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/LivePlatform.hpp"
+#include "tests/support/ManualClock.hpp"
+
+namespace quorvane {
+
+struct FakeInstallation {
+    static constexpr RunningCopy kMe{4711, ManualClock::kStart};
+
+    std::int64_t loginItem = LoginItemClient::kEnabled;
+    std::map<std::filesystem::path, std::string> bundles;  // each with its identifier
+    std::vector<RunningCopy> copies{kMe};                  // this one last
+    std::vector<std::int32_t> asked;                       // to quit
+    bool obeys = false;                                    // a copy that is asked is gone
+
+    Installation table() {
+        return {.loginItem = {.status = [this] { return loginItem; },
+                              .registerItem = [this] { return setLoginItem(1); },
+                              .unregisterItem = [this] { return setLoginItem(0); }},
+                .fileManager = {
+                    .removeItem = [this](const auto& path) { return remove(path); },
+                    .fileExists = [this](const auto& path) { return bundles.contains(path); },
+                    .identity = [this](const auto& path) { return identity(path); }},
+                .runningApplications = {.running = [this](const auto&) { return copies; },
+                                        .current = [this] { return copies.back(); },
+                                        .terminate = [this](std::int32_t pid) { ask(pid); }},
+                .runOpenCommand = [](const auto&) -> Result<OpenCommandEnd> {
+                    return OpenCommandEnd{};
+                },
+                .applicationSupport = "/support"};
+    }
+
+private:
+    Result<void> setLoginItem(std::int64_t status) {
+        loginItem = status;
+        return {};
+    }
+    Result<void> remove(const std::filesystem::path& path) {
+        std::erase_if(bundles, [&](const auto& bundle) {
+            return bundle.first.string().starts_with(path.string());
+        });
+        return {};
+    }
+    std::optional<std::string> identity(const std::filesystem::path& path) const {
+        const auto bundle = bundles.find(path);
+        if (bundle == bundles.end()) return std::nullopt;
+        return bundle->second;
+    }
+    void ask(std::int32_t pid) {
+        asked.push_back(pid);
+        if (obeys) std::erase_if(copies, [&](const RunningCopy& copy) { return copy.pid == pid; });
+    }
+};
+
+}  // namespace quorvane
