@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <string_view>
 
 namespace quorvane {
@@ -28,6 +29,9 @@ constexpr std::array kKnownLockers = std::to_array<KnownLocker>({
     {"Ukui-screensaver-dialog", "", false, false},
 });
 
+// Pickers of areas, windows and programs that hold the keyboard over the whole screen for a moment.
+constexpr std::string_view kKnownOverlays[] = {"slop", "Rofi", "flameshot"};
+
 bool hasClassOf(const WindowFacts& window, const KnownLocker& locker) {
     return window.className == locker.className;
 }
@@ -40,6 +44,10 @@ const KnownLocker* lockerOf(std::uint32_t client, const std::vector<WindowFacts>
             }))
             return &locker;
     return nullptr;
+}
+
+bool isKnownOverlay(const WindowFacts& window) {
+    return std::ranges::find(kKnownOverlays, window.className) != std::end(kKnownOverlays);
 }
 
 bool isOneOf(const std::vector<std::uint32_t>& list, std::uint32_t window) {
@@ -75,7 +83,8 @@ bool coversEveryMonitor(std::uint32_t client, const LockFacts& facts) {
 }
 
 bool isUpUnknown(const WindowFacts& window, const LockFacts& facts) {
-    if (facts.keyboard != KeyboardHold::isHeld || window.isOfDesktop) return false;
+    if (facts.keyboard != KeyboardHold::isHeld) return false;
+    if (window.isOfDesktop || isKnownOverlay(window)) return false;
     if (isOneOf(facts.standing, window.window)) return true;
     return coversEveryMonitor(window.client, facts) && !isBelowDesktop(window, facts.windows);
 }

@@ -47,8 +47,9 @@ struct FoundLocker {
 //
 // A locker covers at least one monitor with a mapped override-redirect window, and is known by its
 // class or holds the keyboard. Of a client without a known class more is asked, since full-screen
-// overlays of other kinds exist: it covers every monitor, and nothing of the desktop is above it.
-// What was found once stays found while it is mapped: a monitor may grow before its locker does.
+// overlays of other kinds exist: it covers every monitor, nothing of the desktop is above it, and
+// it is none of the overlays that are known. What was found once stays found while it is mapped: a
+// monitor may grow before its locker does.
 std::vector<FoundLocker> findLockers(const LockFacts& facts);
 
 // Whether the window covers a monitor as a lock screen would; only of such windows, and of other

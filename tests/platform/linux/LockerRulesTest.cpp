@@ -110,6 +110,8 @@ TEST(LockerRules, AskMoreOfUnknownClients) {
     ordinary.isMapped = false;
     EXPECT_EQ(found(facts({ordinary, left, right}, held)), (Numbers{0x101, 0x102}));
 
+    EXPECT_EQ(found(facts({window(0x501, kAll, "slop", "slop")}, held)), Numbers{})
+        << "somebody picks an area for a screenshot";
     WindowFacts output = window(0x401, kAll);
     output.isOfDesktop = true;
     EXPECT_EQ(found(facts({output}, held)), Numbers{}) << "the compositor's own";
