@@ -50,6 +50,7 @@ PlayerModel::PlayerModel(WallClock now, DecodeImage decodeImage)
     : now_(std::move(now)), decodeImage_(std::move(decodeImage)) {}
 
 std::optional<PlayerModel::Change> PlayerModel::apply(const QuorvanePlayerState& state) {
+    mainThread_.require();
     const XPCTrack* const track = state.track ? &*state.track : nullptr;
     const bool plays = state.playerState == XPCPlayerState::playing;
     const bool shows = track != nullptr && (plays || state.playerState == XPCPlayerState::paused);
@@ -153,6 +154,7 @@ void PlayerModel::applyPosition(const QuorvanePlayerState& state, bool wentOnPla
 }
 
 std::optional<std::string> PlayerModel::clear() {
+    mainThread_.require();
     const bool hadSomething = isVisible.get() || !trackID.get().empty();
     isVisible.set(false);
     isPlaying.set(false);
@@ -171,12 +173,14 @@ std::optional<std::string> PlayerModel::clear() {
 }
 
 double PlayerModel::position(WallTime date) const {
+    mainThread_.require();
     const double elapsed = isPlaying.get() ? std::max(secondsBetween(anchorDate_, date), 0.0) : 0;
     const double reached = anchorPosition_ + elapsed;
     return std::max(std::min(reached, duration.get().value_or(reached)), 0.0);
 }
 
 void PlayerModel::togglePlayPause() {
+    mainThread_.require();
     const WallTime date = now_();
     anchorPosition_ = position(date);
     anchorDate_ = date;
@@ -184,23 +188,30 @@ void PlayerModel::togglePlayPause() {
 }
 
 void PlayerModel::toggleLove() {
+    mainThread_.require();
     lovedGraceUntil_ = now_() + kLovedGrace;
     isLoved.set(!isLoved.get());
 }
 
 void PlayerModel::setVolume(std::int64_t value) {
+    mainThread_.require();
     volumeGraceUntil_ = now_() + kVolumeGrace;
     volume.set(percent(value));
 }
 
-void PlayerModel::beginVolumeDrag() { isDraggingVolume.set(true); }
+void PlayerModel::beginVolumeDrag() {
+    mainThread_.require();
+    isDraggingVolume.set(true);
+}
 
 void PlayerModel::endVolumeDrag() {
+    mainThread_.require();
     volumeGraceUntil_ = now_() + kVolumeGrace;
     isDraggingVolume.set(false);
 }
 
 std::vector<Handle> PlayerModel::observe(const std::function<void()>& listener) {
+    mainThread_.require();
     std::vector<Handle> handles;
     const auto add = [&](auto&... fields) { (handles.push_back(fields.subscribe(listener)), ...); };
     add(isVisible, title, artist, artwork, artworkID, trackID, isPlaying, showsHeart, isLoved,

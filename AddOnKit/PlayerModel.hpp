@@ -11,10 +11,12 @@
 #include "drawing/Image.hpp"
 #include "platform/Clock.hpp"
 #include "platform/Observable.hpp"
+#include "platform/ThreadCheck.hpp"
 
 namespace quorvane {
 
-// Main thread only. Every observable is written only when its value changes.
+// Main thread only, which every operation asserts: it must be the thread that made the model. Every
+// observable is written only when its value changes.
 class PlayerModel {
 public:
     struct TrackText {
@@ -81,6 +83,7 @@ private:
     std::optional<SharedBytes> lastArtworkData_;
     WallClock now_;
     DecodeImage decodeImage_;
+    ThreadCheck mainThread_;
 };
 
 }  // namespace quorvane

@@ -36,12 +36,12 @@ void PresentationDriver::handle(const PresentationEvent& event) {
 void PresentationDriver::handleOne(const PresentationEvent& event) {
     const PresentationState old = state_;
     state_ = old.applying(event);
-    updateDelay();
     if (hasFoundLock(event, old)) {
         const auto life = life_.watch();
         if (const auto listener = onLocked) listener();
         if (life.isOver()) return;
     }
+    updateDelay();
     if (state_ == old) return;
     logState();
     // Both the listener and what it is told are copies: it may replace itself or destroy the

@@ -26,8 +26,15 @@ struct Clock {
 
 using WallClock = std::function<WallTime()>;
 
+// Any two dates: a main application may send one that is further from the other than a Duration
+// reaches.
 inline double secondsBetween(WallTime from, WallTime to) {
-    return std::chrono::duration<double>(to - from).count();
+    using std::chrono::seconds;
+    const auto fromSecond = std::chrono::floor<seconds>(from);
+    const auto toSecond = std::chrono::floor<seconds>(to);
+    const Duration rest = (to - toSecond) - (from - fromSecond);
+    return static_cast<double>((toSecond - fromSecond).count()) +
+           std::chrono::duration<double>(rest).count();
 }
 
 }  // namespace quorvane

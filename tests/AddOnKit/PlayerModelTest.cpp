@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <thread>
 
 #include "tests/support/ManualClock.hpp"
 
@@ -188,6 +189,16 @@ TEST(PlayerModel, ExtrapolatesThePositionWithinALengthThatIsKnown) {
     f.apply();
     EXPECT_TRUE(f.model.isLiveStream.get());
     EXPECT_EQ(f.model.duration.get(), std::nullopt);
+
+    f.state.playerPosition = 5;
+    f.state.timestamp = WallTime{-9'200'000'000s};  // dates as far apart as dates can be
+    f.model.apply(f.state);
+    EXPECT_DOUBLE_EQ(f.model.position(WallTime{9'200'000'000s}), 18'400'000'005);
+}
+
+TEST(PlayerModel, BelongsToTheThreadThatMadeIt) {
+    Fixture f;
+    EXPECT_DEATH(std::thread{[&] { f.model.clear(); }}.join(), "");
 }
 
 TEST(PlayerModel, FollowsSeeksPausesAndNewTracksButNotJitter) {

@@ -101,6 +101,11 @@ TEST(PresentationDriver, TellsOfEachLockNoticeAndOfAWakeThatRevealsOne) {
     EXPECT_EQ(f.locks, 3);
     EXPECT_EQ(linesBefore,
               std::vector<std::string>{"wake: the screen is locked but no lock notice arrived"});
+
+    // The delay begins after the listener has had its time.
+    f.driver->onLocked = [&] { f.clock.advance(800ms); };
+    f.handle({event::Unlocked{}, event::LockUIShown{}, event::Locked{}});
+    EXPECT_FALSE(f.driver->state().delayElapsed);
 }
 
 TEST(PresentationDriver, AListenersEventsComeAfterTheNewsItWasToldOf) {
