@@ -81,6 +81,7 @@ TEST(PlayerView, ShowsThePlayersStateWithItsLabels) {
     EXPECT_EQ(control(scene, ID::next)->label, "<Next Track>");
     EXPECT_EQ(control(scene, ID::love)->label, "<Love>");
     EXPECT_EQ(control(scene, ID::volume)->label, "<Volume>");
+    EXPECT_EQ(control(scene, ID::volume)->value, "50");
     EXPECT_EQ(control(scene, ID::title)->label, "Reed");
     EXPECT_EQ(control(scene, ID::progress)->value, "0:30");
     EXPECT_EQ(control(scene, ID::progress)->maximum, 200);
@@ -103,18 +104,16 @@ TEST(PlayerView, HidesTheHeartOfWhatCannotBeLovedAndGivesItsRoomToTheTexts) {
     EXPECT_EQ(control(f.scene(), ID::love), nullptr);
     EXPECT_EQ(symbols(f.scene()).at(0), "backward.fill");
     EXPECT_GT(control(f.scene(), ID::title)->frame.width, withHeart);
-    f.state.playerType = XPCPlayerType::appleMusic;
-    f.state.track->isAdvertisement = true;
-    f.apply();
-    EXPECT_EQ(control(f.scene(), ID::love), nullptr);
 }
 
 TEST(PlayerView, ShowsANoteWithoutArtworkAndDashesWithoutADuration) {
     Fixture f;
+    f.state.track->title = "Re\ned";
     f.state.track->artworkData.reset();
     f.state.track->isLiveStream = true;
     f.apply();
     const Scene scene = f.scene();
+    EXPECT_EQ(texts(scene).at(0), "Re ed");
     EXPECT_TRUE(all<ImageNode>(scene).empty());
     EXPECT_EQ(symbols(scene).at(0), "music.note");
     EXPECT_EQ(texts(scene).back(), "\u2212\u2013:\u2013\u2013");
@@ -175,19 +174,6 @@ TEST(PlayerView, KeepsEverythingInsideTheCardAndTextOffTheArtwork) {
     }
 }
 
-TEST(PlayerView, AlignsTitleArtistAndProgressAndCentresTheTransport) {
-    Fixture f;
-    const Scene scene = f.scene();
-    const double left = control(scene, ID::title)->frame.x;
-    EXPECT_EQ(control(scene, ID::artist)->frame.x, left);
-    EXPECT_EQ(control(scene, ID::progress)->frame.x, left);
-    EXPECT_EQ(all<TextNode>(scene).at(2).frame.x, left);
-    EXPECT_EQ(control(scene, ID::playPause)->frame.midX(), kCard.midX());
-    EXPECT_EQ(control(scene, ID::previous)->frame.midX() + control(scene, ID::next)->frame.midX(),
-              kCard.width);
-    EXPECT_TRUE(all<TextNode>(scene).at(2).font.hasTabularDigits);
-}
-
 TEST(PlayerView, MirrorsAllButTheTransport) {
     Fixture f;
     const Scene left = f.scene();
@@ -202,14 +188,6 @@ TEST(PlayerView, MirrorsAllButTheTransport) {
         EXPECT_EQ(other.y, one.frame.y);
     }
     EXPECT_GT(all<TextNode>(right).at(2).frame.x, all<TextNode>(right).at(3).frame.x);
-}
-
-TEST(PlayerView, CutsTextsThatNobodyCouldRead) {
-    Fixture f;
-    f.state.track->title = std::string(100'000, 'x') + "\n";
-    f.apply();
-    EXPECT_LT(texts(f.scene()).at(0).size(), 2000u);
-    EXPECT_LT(control(f.scene(), ID::title)->label.size(), 2000u);
 }
 
 TEST(PlayerView, FadesFromTheOldArtworkToTheNew) {
@@ -247,21 +225,6 @@ TEST(PlayerViewNextChange, IsNeverWhilePausedAndStill) {
     EXPECT_FALSE(f.scene().nextChange);
 }
 
-TEST(PlayerViewNextChange, IsTheNextSecondOrPixel) {
-    Fixture f;
-    f.state.track->isLiveStream = true;  // no bar: seconds alone
-    f.apply();
-    EXPECT_NEAR(std::chrono::duration<double>(*f.scene().nextChange).count(), 0.75, 0.002);
-    f.state.track->isLiveStream = false;
-    f.state.track->duration = 20'000.5;  // the remaining time turns at the half second
-    f.apply();
-    EXPECT_NEAR(std::chrono::duration<double>(*f.scene().nextChange).count(), 0.25, 0.002);
-    f.state.track->duration = 200;
-    f.apply();
-    const double pixel = 200 / control(f.scene(), ID::progress)->frame.width;
-    EXPECT_LE(std::chrono::duration<double>(*f.scene().nextChange).count(), pixel + 0.002);
-}
-
 // The scene is the same until its next change, and another one right after it.
 TEST(PlayerViewNextChange, IsExactOverAWholeTrack) {
     Fixture f;
@@ -281,17 +244,6 @@ TEST(PlayerViewNextChange, IsExactOverAWholeTrack) {
     // Each pixel, and each second of both times where they do not fall together with one.
     EXPECT_GT(changes, 282);
     EXPECT_LE(changes, 282 + 2 * 32);
-}
-
-TEST(PlayerViewNextChange, IsTheNextFrameWhileSomethingMoves) {
-    Fixture f;
-    f.state.playerState = XPCPlayerState::paused;
-    f.apply();
-    f.interaction.next.moveTo(1, Transition::Curve::easeOut, 80ms, f.clock.clock().now());
-    ASSERT_TRUE(f.scene().nextChange);
-    EXPECT_LE(*f.scene().nextChange, 17ms);
-    f.clock.advance(80ms);
-    EXPECT_FALSE(f.scene().nextChange);
 }
 
 }  // namespace

@@ -28,23 +28,6 @@ struct Fixture {
 
 using Values = std::vector<std::int64_t>;
 
-TEST(VolumeThrottle, HoldsBackWithinTheIntervalAndNotAtItsEnd) {
-    constexpr Instant kStart{5s};
-    VolumeThrottle throttle;
-    EXPECT_EQ(throttle.due(kStart), std::nullopt);
-    EXPECT_EQ(throttle.offer(10, kStart), 10);
-    EXPECT_EQ(throttle.deadline(), std::nullopt);
-    EXPECT_EQ(throttle.offer(11, kStart + 83'333'332ns), std::nullopt);
-    EXPECT_EQ(throttle.deadline(), kStart + 83'333'333ns);
-    EXPECT_EQ(throttle.due(kStart + 83'333'332ns), std::nullopt);
-    EXPECT_EQ(throttle.due(kStart + 83'333'333ns), 11);
-    EXPECT_EQ(throttle.due(kStart + 1s), std::nullopt);
-    EXPECT_EQ(throttle.lastSend, kStart + 83'333'333ns);
-    EXPECT_EQ(throttle.offer(12, kStart + 100ms), std::nullopt);
-    EXPECT_EQ(throttle.offer(13, kStart + 166'666'666ns), 13);
-    EXPECT_EQ(throttle.deadline(), std::nullopt);
-}
-
 TEST(VolumeSender, SendsTheFirstAtOnceAndTheLastHeldAfterTheInterval) {
     Fixture f;
     f.drag({10, 11, 12}, 20ms);

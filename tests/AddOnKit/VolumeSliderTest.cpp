@@ -134,23 +134,5 @@ TEST(VolumeSlider, KeepsARoundEndWhereLittleIsFilled) {
     EXPECT_TRUE(std::holds_alternative<GroupEnd>(little.nodes.at(3)));
 }
 
-TEST(VolumeSlider, IsOneAdjustableElement) {
-    Fixture f;
-    f.model.volume.set(64);
-    const Rect frame{40, 180, 200, 24};
-    const SceneControl control = VolumeSlider::control(
-        frame, f.model, [](const std::string& key) { return "<" + key + ">"; });
-    EXPECT_EQ(control.role, SceneControl::Role::slider);
-    EXPECT_EQ(control.label, "<Volume>");
-    EXPECT_EQ(control.value, "64");
-    EXPECT_EQ(control.number, 64);
-    EXPECT_EQ(control.minimum, 0);
-    EXPECT_EQ(control.maximum, 100);
-    EXPECT_EQ(control.frame.x, frame.x);
-    EXPECT_EQ(control.frame.width, frame.width);
-    EXPECT_GE(control.frame.height, 34);
-    EXPECT_EQ(control.frame.midY(), frame.midY());
-}
-
 }  // namespace
 }  // namespace quorvane

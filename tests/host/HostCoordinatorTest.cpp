@@ -188,20 +188,6 @@ TEST_F(HostCoordinatorTest, WithoutASecretEverythingIsDropped) {
     EXPECT_TRUE(log.contains("Failed to generate IPC secret (SecRandomCopyBytes status 7)"));
 }
 
-TEST_F(HostCoordinatorTest, AnswersOnlyToTheSecret) {
-    serve();
-    Bytes wrong = request();
-    wrong[31] ^= std::byte{1};
-    EXPECT_TRUE(ask(kMainPort, 1, wrong).empty());
-    wrong.push_back(std::byte{1});
-    EXPECT_TRUE(ask(kMainPort, 2, wrong).empty());
-    main.run();
-    EXPECT_TRUE(takeHeard().empty());
-    EXPECT_TRUE(
-        log.contains("IPC: dropped message with missing/mismatched connection secret (type 2)"));
-    EXPECT_EQ(state().track->title, "Title");
-}
-
 TEST_F(HostCoordinatorTest, HandsOutTheStateOfTheMoment) {
     player->value.state.playerState = XPCPlayerState::playing;
     player->value.anchor = {.seconds = 40, .at = clock.clock().now(), .isPlaying = true};
@@ -261,21 +247,6 @@ TEST_F(HostCoordinatorTest, SaysWhenItComesAndGoes) {
     EXPECT_EQ(takeNotices(), Texts{"mainAppWillTerminate"});
     EXPECT_FALSE(ports.connectPort()(kMainPort));
     host->stop();
-    EXPECT_TRUE(takeNotices().empty());
-}
-
-TEST_F(HostCoordinatorTest, WaitingForAnotherHostItIsSilentAndEndsAtOnce) {
-    std::vector<Handle> others;
-    others.push_back(ports.serve(kMainPort, {}));
-    for (std::size_t i = 0; i < kQueryPortCount; ++i)
-        others.push_back(ports.serve(queryPortName(kMessagePortBaseName, i), {}));
-    host->start();
-    change();
-    clock.advance(1s);
-    const auto before = std::chrono::steady_clock::now();
-    host->stop();
-    EXPECT_LT(std::chrono::steady_clock::now() - before, 5s) << "not after the ports' waits";
-    main.run();
     EXPECT_TRUE(takeNotices().empty());
 }
 

@@ -73,9 +73,6 @@ TEST(MprisTranslation, TakesTracksAsTheyCome) {
         {"a length of the wrong sign",
          {{"xesam:title", text("T")}, {"mpris:length", {-5.0e6}}},
          XPCTrack{.title = "T", .artist = ""}},
-        {"a length as a real number",
-         {{"xesam:title", text("T")}, {"mpris:length", {5.5e6}}},
-         XPCTrack{.title = "T", .artist = "", .duration = 5.5}},
         {"a radio station",
          {{"xesam:title", text("R")}, {"xesam:url", text("https://r/x")}},
          live("R")},
@@ -84,11 +81,11 @@ TEST(MprisTranslation, TakesTracksAsTheyCome) {
           {"xesam:url", text("http://r/x")},
           {"mpris:length", {std::int64_t{INT64_MAX}}}},
          live("R")},
-        {"a song on the network",
+        {"a song on the network, its length a real number",
          {{"xesam:title", text("T")},
           {"xesam:url", text("https://r/x")},
-          {"mpris:length", {std::int64_t{9'000'000}}}},
-         XPCTrack{.title = "T", .artist = "", .duration = 9}},
+          {"mpris:length", {9.5e6}}},
+         XPCTrack{.title = "T", .artist = "", .duration = 9.5}},
     };
     for (const Row& row : rows)
         EXPECT_EQ(playerStateOf(mpv(row.metadata)).track, row.expected) << row.name;
@@ -166,10 +163,6 @@ TEST(MprisCommand, ActionsBecomeCallsAndProperties) {
         {QuorvaneAction::toggleRepeat, set("LoopStatus", text("Playlist"))},
         {QuorvaneAction::activatePlayer, MprisRaise{}},
         {QuorvaneAction::toggleLove, std::nullopt},
-        {QuorvaneAction::toggleDislike, std::nullopt},
-        {QuorvaneAction::increaseRating, std::nullopt},
-        {QuorvaneAction::decreaseRating, std::nullopt},
-        {QuorvaneAction::removeRating, std::nullopt},
         {QuorvaneAction::switchPlayer, std::nullopt},
     };
     for (const auto& [action, command] : rows)
@@ -181,14 +174,12 @@ TEST(MprisCommand, ActionsBecomeCallsAndProperties) {
 }
 
 TEST(MprisCommand, LeavesAloneWhatThePlayerDoesNotTake) {
+    using enum QuorvaneAction;
     const std::pair<const char*, std::vector<QuorvaneAction>> rows[] = {
-        {"CanGoNext", {QuorvaneAction::nextTrack}},
-        {"CanGoPrevious", {QuorvaneAction::previousTrack}},
-        {"CanPause", {QuorvaneAction::playPause}},
-        {"CanControl",
-         {QuorvaneAction::nextTrack, QuorvaneAction::previousTrack, QuorvaneAction::playPause,
-          QuorvaneAction::increaseVolume, QuorvaneAction::toggleMute}},
-    };
+        {"CanGoNext", {nextTrack}},
+        {"CanGoPrevious", {previousTrack}},
+        {"CanPause", {playPause}},
+        {"CanControl", {nextTrack, previousTrack, playPause, increaseVolume, toggleMute}}};
     for (const auto& [property, actions] : rows) {
         MediaPlayer player = mpv();
         player.properties[property] = {false};
@@ -198,8 +189,7 @@ TEST(MprisCommand, LeavesAloneWhatThePlayerDoesNotTake) {
     MediaPlayer bare = mpv();
     bare.properties.erase("Volume");
     EXPECT_EQ(volumeCommand(5, bare), std::nullopt);
-    for (const auto action :
-         {QuorvaneAction::toggleShuffle, QuorvaneAction::toggleRepeat, QuorvaneAction::toggleMute})
+    for (const auto action : {toggleShuffle, toggleRepeat, toggleMute})
         EXPECT_EQ(commandFor(action, bare, 1), std::nullopt) << name(action);
 }
 
@@ -214,16 +204,13 @@ TEST(FileURL, OnlyFilesOfThisMachine) {
         {"file://other/a", {}},
         {"file://localhostile/a", {}},
         {"file:a", {}},
-        {"file:///a%", {}},
         {"file:///a%4", {}},
         {"file:///a%zz", {}},
         {"file:///a%+1", {}},
         {"file:///a%00b", {}},
         {"http://localhost/a", {}},
-        {"https://e/a", {}},
         {"/a", {}},
-        {"", {}},
-    };
+        {"", {}}};
     for (const auto& [url, path] : rows) EXPECT_EQ(localFile(url), path) << url;
 }
 
