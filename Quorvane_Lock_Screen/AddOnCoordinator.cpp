@@ -10,6 +10,8 @@
 namespace quorvane {
 namespace {
 
+// As people and the installer are told it. The identity that the main application is told has a
+// number in any case, and the same one wherever the bundle names any.
 std::string shortVersion(const ProcessInfo& process) {
     const auto* version = find<std::string>(process.bundleProperties, "CFBundleShortVersionString");
     return version == nullptr ? "-" : *version;
@@ -93,7 +95,7 @@ void AddOnCoordinator::makeLink() {
         sendHello, services.clock, weakly(&AddOnCoordinator::removalRequested), services.log);
     const AddOnIdentity& identity = link_->identity();
     log_.info("link: add-on %{public}s, macOS %{public}s, supported %{bool}d, install %{public}s",
-              identity.addOnVersion, identity.macOSVersion, identity.supportsThisMacOS,
+              shortVersion(services.process), identity.macOSVersion, identity.supportsThisMacOS,
               identity.installID);
 }
 
@@ -106,18 +108,13 @@ void AddOnCoordinator::makeVolumeSender() {
 }
 
 void AddOnCoordinator::makeController() {
-    std::function<void(CardSystemWindow&)> lift = platform_.cardWindows.liftAboveLock;
-    if (platform_.windowServerLoader) {
-        skyLight_.emplace(*platform_.windowServerLoader, platform_.services.log);
-        lift = [this](CardSystemWindow& window) { skyLight_->put(window); };
-    }
     controller_.emplace([this](const Screen& screen) { return makeContent(screen); },
                         CardWindowController::Services{.log = platform_.services.log,
                                                        .windows = platform_.cardWindows,
                                                        .screens = platform_.screens,
                                                        .mainThread = platform_.services.mainThread,
-                                                       .beginActivity = platform_.beginActivity,
-                                                       .liftAboveLock = std::move(lift)});
+                                                       .beginActivity = platform_.beginActivity},
+                        platform_.windowServerLoader);
 }
 
 void AddOnCoordinator::listenToPresentation() {
@@ -127,7 +124,8 @@ void AddOnCoordinator::listenToPresentation() {
 }
 
 void AddOnCoordinator::startInstallerSignals() {
-    installerSignals_.emplace(link_->identity().addOnVersion, platform_.services.distributedNotices,
+    installerSignals_.emplace(shortVersion(platform_.services.process),
+                              platform_.services.distributedNotices,
                               weakly(&AddOnCoordinator::quitRequested), platform_.services.log);
     installerSignals_->start();
 }
@@ -136,7 +134,6 @@ void AddOnCoordinator::startInstallerSignals() {
 void AddOnCoordinator::observe() {
     observations_.push_back(
         link_->configuration().subscribe(weakly(&AddOnCoordinator::linkChanged)));
-    observations_.push_back(link_->isStopped().subscribe(weakly(&AddOnCoordinator::linkChanged)));
     observations_.push_back(
         client_.isConnected().subscribe(weakly(&AddOnCoordinator::connectionChanged)));
     observations_.push_back(model_.isVisible.subscribe(weakly(&AddOnCoordinator::musicChanged)));
@@ -161,7 +158,12 @@ void AddOnCoordinator::listenToNotices() {
 
 void AddOnCoordinator::lockEvent(const PresentationEvent& event) { driver_.handle(event); }
 
-void AddOnCoordinator::linkChanged() { driver_.handle(event::Link{link_->allowsPlayer()}); }
+// A removal is no change of what is allowed: the request follows at once and closes the windows in
+// its own order, in which a drag that they end sends nothing any more.
+void AddOnCoordinator::linkChanged() {
+    if (link_->configuration().get().removalRequested) return;
+    driver_.handle(event::Link{link_->allowsPlayer()});
+}
 
 void AddOnCoordinator::connectionChanged() {
     installerSignals_->setConnected(client_.isConnected().get());
@@ -215,31 +217,26 @@ void AddOnCoordinator::refresh() {
         playerLog_.info("state: Quorvane unreachable; %{public}s", *summary);
 }
 
-void AddOnCoordinator::command(QuorvaneAction action) {
+void AddOnCoordinator::command(QuorvaneAction action, ModelEdit edit) {
+    if (isRemoving_) return;
     log_.standard("command: %{public}s", name(action));
     connectIfNeeded();
+    // Only now: the state that comes with a new connection is older than the user's wish.
+    if (edit != nullptr) (model_.*edit)();
     client_.perform(action);
     refresher_->nudge();
 }
 
 void AddOnCoordinator::playPause() {
-    if (isRemoving_) return;
-    model_.togglePlayPause();
-    command(QuorvaneAction::playPause);
+    command(QuorvaneAction::playPause, &PlayerModel::togglePlayPause);
 }
 
-void AddOnCoordinator::next() {
-    if (!isRemoving_) command(QuorvaneAction::nextTrack);
-}
+void AddOnCoordinator::next() { command(QuorvaneAction::nextTrack); }
 
-void AddOnCoordinator::previous() {
-    if (!isRemoving_) command(QuorvaneAction::previousTrack);
-}
+void AddOnCoordinator::previous() { command(QuorvaneAction::previousTrack); }
 
 void AddOnCoordinator::toggleLove() {
-    if (isRemoving_) return;
-    model_.toggleLove();
-    command(QuorvaneAction::toggleLove);
+    command(QuorvaneAction::toggleLove, &PlayerModel::toggleLove);
 }
 
 void AddOnCoordinator::setVolume(std::int64_t level) {
@@ -256,8 +253,10 @@ void AddOnCoordinator::endVolume() {
 
 void AddOnCoordinator::sendVolume(std::int64_t level) {
     if (isRemoving_) return;
+    const std::uint64_t mine = ++volumeCount_;
     connectIfNeeded();
-    client_.setVolume(level);
+    // A newer volume that was sent inside the wait has the last word.
+    if (mine == volumeCount_) client_.setVolume(level);
 }
 
 PlayerActions AddOnCoordinator::playerActions() {

@@ -2,6 +2,7 @@
 // nothing but the order of start and stop and where each event goes.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -17,7 +18,6 @@
 #include "QuorvaneKit/MessagePortClient.hpp"
 #include "Quorvane_Lock_Screen/CardWindowController.hpp"
 #include "Quorvane_Lock_Screen/LockMonitor.hpp"
-#include "Quorvane_Lock_Screen/SkyLight.hpp"
 #include "platform/LivePlatform.hpp"
 
 namespace quorvane {
@@ -55,7 +55,9 @@ private:
 
     void stateReceived(const QuorvanePlayerState& state);
     void refresh();
-    void command(QuorvaneAction action);
+    // A command and what it changes on the card at once.
+    using ModelEdit = void (PlayerModel::*)();
+    void command(QuorvaneAction action, ModelEdit edit = nullptr);
     void playPause();
     void next();
     void previous();
@@ -88,13 +90,13 @@ private:
     LockMonitor monitor_;
     std::optional<AddOnLink> link_;
     std::optional<InstallerSignals> installerSignals_;
-    std::optional<SkyLight> skyLight_;
     std::optional<CardWindowController> controller_;
     std::optional<StateRefresher> refresher_;
     std::optional<VolumeSender> volume_;
     std::vector<std::unique_ptr<DarwinNotificationObserver>> darwinObservers_;
     std::vector<Handle> observations_;
     bool isRemoving_ = false;  // set once, never cleared
+    std::uint64_t volumeCount_ = 0;
 };
 
 }  // namespace quorvane

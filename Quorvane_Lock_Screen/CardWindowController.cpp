@@ -20,12 +20,15 @@ struct Overloaded : Cases... {
 
 }  // namespace
 
-CardWindowController::CardWindowController(MakeContent makeContent, Services services)
+CardWindowController::CardWindowController(MakeContent makeContent, Services services,
+                                           const std::optional<DynamicLoader>& windowServerLoader)
     : makeContent_(std::move(makeContent)),
       services_(std::move(services)),
       log_(services_.log, kAddOnBundleIdentifier, "presenter"),
       screenObserver_(services_.screens.observeChanges([this] { screensChanged(); })),
-      keepClearObserver_(services_.screens.observeKeepClear([this] { keepClearChanged(); })) {}
+      keepClearObserver_(services_.screens.observeKeepClear([this] { keepClearChanged(); })) {
+    if (windowServerLoader) skyLight_.emplace(*windowServerLoader, services_.log);
+}
 
 CardWindowController::~CardWindowController() = default;
 
@@ -86,8 +89,15 @@ void CardWindowController::buildWindow(const Screen& screen, long index,
     window->system().orderFrontRegardless();
     log_.info("window %ld on screen %ld %{public}s at %{public}s", window->number(), index,
               describe(screen.frame), describe(*frame));
-    services_.liftAboveLock(window->system());
+    liftAboveLock(window->system());
     entries_.push_back({screen, std::move(window), std::move(card)});
+}
+
+void CardWindowController::liftAboveLock(CardSystemWindow& window) {
+    if (skyLight_)
+        skyLight_->put(window);
+    else
+        services_.windows.liftAboveLock(window);
 }
 
 // After the current pass of the main loop, so that the windows are on screen before their cards

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -12,7 +13,9 @@
 #include "AddOnKit/PresentationState.hpp"
 #include "Quorvane_Lock_Screen/CardWindow.hpp"
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
+#include "Quorvane_Lock_Screen/SkyLight.hpp"
 #include "drawing/Screens.hpp"
+#include "platform/DynamicLoader.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/ProcessInfo.hpp"
 
@@ -27,12 +30,13 @@ public:
         Screens screens;
         MainThread mainThread;
         BeginActivity beginActivity;
-        // Moves a window above the lock screen.
-        std::function<void(CardSystemWindow&)> liftAboveLock;
     };
     using MakeContent = std::function<std::unique_ptr<CardContent>(const Screen&)>;
 
-    CardWindowController(MakeContent makeContent, Services services);
+    // With a loader the windows are moved above the lock screen by the window server's private
+    // interface, without one by `liftAboveLock` of the windows' table.
+    CardWindowController(MakeContent makeContent, Services services,
+                         const std::optional<DynamicLoader>& windowServerLoader = std::nullopt);
     ~CardWindowController();
 
     // Plans the way from the last state to this one, and walks it.
@@ -49,6 +53,7 @@ private:
     void apply(const std::vector<CardWindowSync::Step>& steps, std::string_view reason);
     void build(CardWindowSync::CardAppearance appearance, std::string_view reason);
     void buildWindow(const Screen& screen, long index, CardWindowSync::CardAppearance appearance);
+    void liftAboveLock(CardSystemWindow& window);
     void scheduleShow(CardWindowSync::CardAppearance appearance);
     void setCardVisible(bool visible);
     void closeAll(std::string_view reason);
@@ -59,6 +64,7 @@ private:
     MakeContent makeContent_;
     Services services_;
     Logger log_;
+    std::optional<SkyLight> skyLight_;
     std::vector<Entry> entries_;  // in screen order
     // Shared only so that a deferred show can tell whether the controller is still there.
     std::shared_ptr<PresentationState> state_ = std::make_shared<PresentationState>();

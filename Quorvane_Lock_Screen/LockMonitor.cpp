@@ -66,6 +66,7 @@ void LockMonitor::lockUIHidden() {
 
 // A sleeping machine can miss notices; what is so now repairs what was not heard.
 void LockMonitor::woke() {
+    mainThread_.require();
     const bool lockedNow = isScreenLockedNow();
     log_.info("wake: locked now %{bool}d", lockedNow);
     logSharedLockUIState();

@@ -11,6 +11,7 @@
 #include "platform/DistributedNotices.hpp"
 #include "platform/LockSources.hpp"
 #include "platform/Log.hpp"
+#include "platform/ThreadCheck.hpp"
 
 namespace quorvane {
 
@@ -45,6 +46,7 @@ private:
     std::vector<Handle> noticeObservers_;
     Handle wakeObserver_;
     bool isStarted_ = false;
+    ThreadCheck mainThread_;
 };
 
 }  // namespace quorvane

@@ -119,12 +119,18 @@ TEST_F(AddOnCoordinatorTest, ARemovalClosesTheWindowsAtOnceAndForGood) {
     const auto stage = platform.stage();
     const auto area = *platform.frame(ID::volume);
     platform.pointer(Kind::down, {area.x, area.midY()});
+    platform.log.take();
     platform.mainApp.configuration.removalRequested = true;
     platform.notice(kConfigurationChanged);
     EXPECT_TRUE(platform.windows.open().empty());
     EXPECT_EQ(platform.activities, 0);
-    EXPECT_EQ(count("removal: closing the windows"), 1);
+    EXPECT_EQ(platform.mainApp.commands, (Lines{"volume 0"}));  // the drag's end sends no more
     EXPECT_EQ(platform.log.lines().back().text, "Stopping message port client");
+    const Lines lines = platform.log.take();
+    EXPECT_EQ(Lines(lines.begin() + 1, lines.begin() + 5),
+              (Lines{"Configuration: enabled true, removal true, minimum 1.0.0",
+                     "Quorvane asked for removal; no more hellos", "removal: closing the windows",
+                     "windows: closing 1 (state)"}));
 
     const std::size_t sent = platform.ports.sent.size();
     if (stage->events.pointer) stage->events.pointer({Kind::up, {area.midX(), area.midY()}});
@@ -141,7 +147,7 @@ TEST_F(AddOnCoordinatorTest, ARemovalClosesTheWindowsAtOnceAndForGood) {
     EXPECT_EQ(platform.windows.windows.size(), 1u);
     EXPECT_EQ(platform.terminations, 0);
     coordinator->willTerminate();
-    EXPECT_EQ(count("removal: closing the windows"), 1);
+    EXPECT_EQ(count("removal: closing the windows"), 0);
 }
 
 // A removal that comes while a refresh connects anew and waits: the client is stopped by then.
@@ -273,6 +279,48 @@ TEST_F(AddOnCoordinatorTest, ADragSendsTwelveVolumesASecondAndItsLast) {
     EXPECT_EQ(count("volume: drag ended at 1"), 1);
     platform.pass(1s);
     EXPECT_EQ(platform.mainApp.commands.size(), 13u);
+}
+
+// What a new connection tells is older than what the user does meanwhile.
+TEST_F(AddOnCoordinatorTest, AnEditThatMustConnectFirstOutlivesTheNewsOfTheConnection) {
+    const auto playPauseLabel = [&] {
+        platform.clock.advance(Duration{});
+        const auto& controls = platform.stage()->scenes.back().controls;
+        return std::ranges::find(controls, ID::playPause, &SceneControl::id)->label;
+    };
+    const auto disconnect = [&] {
+        platform.ports.failures[std::string{kMessagePortBaseName}] = kPortSendTimeout;
+        platform.notice(kStateChanged);
+        platform.ports.failures.clear();
+    };
+    lockAndShow();
+    disconnect();
+    EXPECT_EQ(playPauseLabel(), "Pause");
+    platform.tap(ID::playPause);
+    EXPECT_EQ(playPauseLabel(), "Play");
+    platform.pass(1s);
+
+    disconnect();
+    const auto area = *platform.frame(ID::volume);
+    platform.ports.duringSend = [&] {
+        platform.ports.duringSend = nullptr;
+        platform.pointer(Kind::dragged, {area.x + area.width * 0.755, area.midY()});
+        platform.clock.advance(100ms);  // the newer volume is sent inside the older one's wait
+    };
+    platform.pointer(Kind::down, {area.x + area.width * 0.255, area.midY()});
+    EXPECT_EQ(platform.mainApp.commands, (Lines{"playPause", "volume 75"}));
+}
+
+TEST_F(AddOnCoordinatorTest, ABundleWithoutAVersionHasADashForOne) {
+    platform.live.services.process.bundleProperties.clear();
+    start();
+    platform.notice(AddOnSignals::kStatusRequest);
+    EXPECT_EQ(count("launch: -, pid 4711"), 1);
+    EXPECT_EQ(count("link: add-on -, macOS 26.1.0, supported true, install 0F0E0D0C"), 1);
+    const auto& [name, userInfo] = platform.notices.posted.back();
+    EXPECT_EQ(AddOnSignals::Status::fromUserInfo(userInfo),
+              (AddOnSignals::Status{.isConnected = true, .version = "-"}));
+    EXPECT_EQ(platform.mainApp.hellos.at(0).addOnVersion, "0");
 }
 
 TEST_F(AddOnCoordinatorTest, AWakeFindsOutWhatNoNoticeTold) {

@@ -34,6 +34,9 @@ protected:
     CardWindowControllerTest() {
         screens_.list = {{.frame = {0, 0, 1920, 1080}},
                          {.frame = {1920, 0, 1280, 1024}, .scale = 2}};
+        makeController(std::nullopt);
+    }
+    void makeController(const std::optional<DynamicLoader>& loader) {
         controller_.emplace(
             [this](const Screen&) { return std::make_unique<FakeContent>(shownContents_); },
             CardWindowController::Services{.log = log_.sink(),
@@ -45,8 +48,8 @@ protected:
                                                    EXPECT_EQ(options, 0x00EFFFFFu);
                                                    ++activities_;
                                                    return Handle{[this] { --activities_; }};
-                                               },
-                                           .liftAboveLock = windows_.table().liftAboveLock});
+                                               }},
+            loader);
     }
 
     // The card as a person would see it in every open window.
@@ -199,6 +202,17 @@ TEST_F(CardWindowControllerTest, ASystemThatMakesNoWindowLeavesNothingBehind) {
     EXPECT_EQ(activities_, 0);
     controller_->present(kUnlocked);
     EXPECT_FALSE(log_.contains("windows: closing 0 (state)"));
+}
+
+TEST_F(CardWindowControllerTest, WithALoaderTheWindowServerLiftsTheWindows) {
+    DynamicLoader loader;
+    loader.open = [](const char*) -> void* { return nullptr; };
+    loader.lastError = [] { return std::nullopt; };
+    makeController(loader);
+    controller_->present(kPlaying);
+    EXPECT_TRUE(log_.contains("put window 102: SkyLight unavailable"));
+    EXPECT_TRUE(windows_.lifted.empty());
+    EXPECT_EQ(windows_.open().size(), 2u);
 }
 
 TEST_F(CardWindowControllerTest, AMouseDownIsLogged) {
