@@ -2,10 +2,10 @@
 
 #include <system_error>
 
-#include "AddOnKit/RemovalKeys.hpp"
 #include "QuorvaneKit/Identifiers.hpp"
 #include "QuorvaneKit/SharedDefaultsKey.hpp"
 #include "shared/AddOnSignals.hpp"
+#include "shared/RemovalKeys.hpp"
 
 namespace quorvane {
 

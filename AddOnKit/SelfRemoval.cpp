@@ -1,7 +1,10 @@
 #include "AddOnKit/SelfRemoval.hpp"
 
-#include "AddOnKit/RemovalKeys.hpp"
+#include <system_error>
+
 #include "QuorvaneKit/Identifiers.hpp"
+#include "shared/AddOnInstallLocation.hpp"
+#include "shared/RemovalKeys.hpp"
 
 namespace quorvane {
 
@@ -50,8 +53,17 @@ bool SelfRemoval::removeLoginItem() const {
     return true;
 }
 
+// The installer makes a folder, not a link to one, and puts no bundle of others there.
+bool SelfRemoval::isOwnSupportDirectory() const {
+    if (supportDirectory.filename() != kAddOnBundleIdentifier) return false;
+    std::error_code error;
+    if (std::filesystem::is_symlink(supportDirectory, error)) return false;
+    const auto inside = fileManager.identity(AddOnInstallLocation::bundleIn(supportDirectory));
+    return !inside || *inside == kAddOnBundleIdentifier;
+}
+
 bool SelfRemoval::removeSupportDirectory() const {
-    if (supportDirectory.filename() != kAddOnBundleIdentifier) {
+    if (!isOwnSupportDirectory()) {
         log.fault("removal: refusing to delete %{public}s: not the add-on's support folder",
                   supportDirectory.string());
         return false;

@@ -28,6 +28,7 @@ struct SelfRemoval {
 private:
     void markPending() const;
     bool removeLoginItem() const;
+    bool isOwnSupportDirectory() const;
     bool removeSupportDirectory() const;
     bool removeBundle() const;  // whether it is gone
     bool remove(const std::filesystem::path& path, const char* label) const;

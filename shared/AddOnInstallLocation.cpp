@@ -13,7 +13,11 @@ path AddOnInstallLocation::supportDirectory(const path& applicationSupport) {
 }
 
 path AddOnInstallLocation::bundle(const path& applicationSupport) {
-    return supportDirectory(applicationSupport) / "Quorvane Lock Screen.app";
+    return bundleIn(supportDirectory(applicationSupport));
+}
+
+path AddOnInstallLocation::bundleIn(const path& supportDirectory) {
+    return supportDirectory / "Quorvane Lock Screen.app";
 }
 
 }  // namespace quorvane

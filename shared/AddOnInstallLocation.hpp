@@ -13,6 +13,7 @@ struct AddOnInstallLocation {
     // Both below that folder; the bundle lies inside the support folder.
     static std::filesystem::path supportDirectory(const std::filesystem::path& applicationSupport);
     static std::filesystem::path bundle(const std::filesystem::path& applicationSupport);
+    static std::filesystem::path bundleIn(const std::filesystem::path& supportDirectory);
 };
 
 }  // namespace quorvane

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <cstdlib>
 #include <sstream>
 #include <string_view>
 
@@ -86,6 +87,18 @@ std::optional<ProcessRecord> processRecord(pid_t pid) {
                          .startTicks = *startTicks,
                          .display = withoutScreen(variableIn(environment, "DISPLAY")),
                          .runtimeFolder = variableIn(environment, "XDG_RUNTIME_DIR")};
+}
+
+ProcessRecord ownProcessRecord() {
+    const auto variable = [](const char* name) {
+        const char* const value = std::getenv(name);
+        return std::string{value ? value : ""};
+    };
+    return {.pid = getpid(),
+            .executable = executableOf(getpid()).value_or(ProcessExecutable{}),
+            .startTicks = startTicksIn(contentsOf(folderOf(getpid()) / "stat")).value_or(0),
+            .display = withoutScreen(variable("DISPLAY")),
+            .runtimeFolder = variable("XDG_RUNTIME_DIR")};
 }
 
 std::vector<pid_t> processesOfUser() {

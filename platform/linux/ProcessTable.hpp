@@ -27,6 +27,8 @@ struct ProcessRecord {
 // Nothing when it has ended, when it is another user's or when it may not be looked at.
 std::optional<ProcessExecutable> executableOf(pid_t pid);
 std::optional<ProcessRecord> processRecord(pid_t pid);
+// With the variables as they are now, which need not be those it was started with.
+ProcessRecord ownProcessRecord();
 // Of this user, in no order that matters.
 std::vector<pid_t> processesOfUser();
 

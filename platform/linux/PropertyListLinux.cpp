@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 
+#include "platform/linux/OldStylePropertyList.hpp"
 #include "platform/linux/PosixError.hpp"
 #include "platform/linux/PropertyListSafety.hpp"
 
@@ -183,6 +184,7 @@ Result<Node> nodeOf(const PropertyValue& value) { return std::visit(MakeNode{}, 
 Result<PropertyValue> parsePropertyList(ByteView contents) {
     if (contents.size() > std::numeric_limits<std::int32_t>::max())
         return malformed("property list too large");
+    if (isOldStyleList(contents)) return parseOldStyleList(contents);
     const PlainNumbers plainNumbers;
     const auto size = static_cast<std::uint32_t>(contents.size());
     const char* text = textOf(contents).data();

@@ -8,9 +8,9 @@ namespace quorvane {
 
 // Any thread.
 
-// The XML and the binary form. Fails with EINVAL for what is neither, for types that properties do
-// not have, and for lists that nest deeper or hold more than any honest one: the library would
-// follow those until the stack or the memory ends.
+// The XML, the binary and the old-style text form, whose values are texts, data, arrays and
+// dictionaries. Fails with EINVAL for what is none of them, for types that properties do not have,
+// and for lists that nest deeper or hold more than any honest one.
 Result<PropertyValue> parsePropertyList(ByteView contents);
 // The XML form. Dates lose their fractions of a second. Fails with EINVAL for text with a NUL, and
 // with EOVERFLOW for a date more than 68 years away from 2001, which the library cannot hold.

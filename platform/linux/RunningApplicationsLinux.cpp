@@ -47,8 +47,7 @@ std::filesystem::path placeInBundle(const ProcessRecord& process) {
 }
 
 struct Applications {
-    ProcessRecord self = processRecord(getpid()).value_or(ProcessRecord{
-        .pid = getpid(), .executable = {}, .display = {}, .runtimeFolder = {}});
+    ProcessRecord self = ownProcessRecord();
     FileManagerClient files = makeFileManager();
 
     bool hasIdentifier(const ProcessRecord& process, const std::string& identifier) const {

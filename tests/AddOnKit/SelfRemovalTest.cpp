@@ -7,6 +7,7 @@
 #include "AddOnKit/LoginItem.hpp"
 #include "tests/support/MemoryDefaults.hpp"
 #include "tests/support/RecordingLog.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 namespace quorvane {
 namespace {
@@ -122,6 +123,26 @@ TEST_F(SelfRemovalTest, AFolderOfAnotherNameIsNeverDeleted) {
         lines[4],
         "removal: an earlier step failed, but the bundle is gone; clearing preferences anyway");
     EXPECT_FALSE(pendingAtEnd);
+}
+
+TEST_F(SelfRemovalTest, ALinkOrAFolderWithAForeignBundleIsNeverDeleted) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "target");
+    support = folder / kOwn;
+    std::filesystem::create_directory_symlink(folder / "target", support);
+    paths.insert(support);
+    bundle = "/gone.app";
+    removal().perform();
+    EXPECT_TRUE(paths.contains(support));
+    EXPECT_TRUE(log.contains("removal: refusing to delete " + support.string() +
+                             ": not the add-on's support folder"));
+
+    support = kSupport;
+    identity = "another.Bundle";
+    removal().perform();
+    EXPECT_TRUE(paths.contains(kBundle));
+    EXPECT_TRUE(log.contains("removal: refusing to delete " + kSupport.string() +
+                             ": not the add-on's support folder"));
 }
 
 TEST_F(SelfRemovalTest, WhatRefusesIsReportedAndTriedAgainAtTheNextLaunch) {

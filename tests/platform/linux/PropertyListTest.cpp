@@ -78,6 +78,28 @@ TEST(PropertyListTest, ReadsBothFormsAndKeepsWhatItWrites) {
     EXPECT_EQ(parsePropertyList(*written), PropertyValue{values});
 }
 
+TEST(PropertyListTest, ReadsTheOldStyleForm) {
+    const auto list = parse(
+        "// !$*UTF8*$!\n{ CFBundleIdentifier = a.b-c; \"a key\" = \"say \\\"\\U00fc\\101\\n\\\"\";"
+        " list = (one, { k = 'v'; }, (), ); /* none */ data = <00 0fFf>; }\n");
+    ASSERT_TRUE(list);
+    const PropertyArray array{
+        {std::string{"one"}}, {PropertyDictionary{{"k", {std::string{"v"}}}}}, {PropertyArray{}}};
+    EXPECT_EQ(*list, (PropertyValue{PropertyDictionary{
+                         {"CFBundleIdentifier", {std::string{"a.b-c"}}},
+                         {"a key", {std::string{"say \"üA\n\""}}},
+                         {"list", {array}},
+                         {"data", {Bytes{std::byte{0}, std::byte{15}, std::byte{255}}}}}}));
+    for (const char* malformed : {"{", "{ a = b }", "{ a b; }", "{ a = ; }", "(a b)", "( <0> )",
+                                  "{ a = \"b; }", "{} more", "(\"\\U0000\")", "{ = b; }"})
+        EXPECT_EQ(parse(malformed).error().code, EINVAL) << malformed;
+    EXPECT_FALSE(parse(std::string("{}\0{}", 5)));
+    EXPECT_FALSE(parse(std::string(200'000, '(')));
+    std::string many = "(";
+    for (int value = 0; value < 30'000; ++value) many += "a,";
+    EXPECT_FALSE(parse(many + ")"));
+}
+
 TEST(PropertyListTest, DatesKeepTheirSecondAndTheLibrarysRange) {
     const auto trip = [](WallTime date) -> std::optional<WallTime> {
         const auto written = xmlPropertyList({date});
@@ -115,7 +137,8 @@ TEST(PropertyListTest, NoDamageToAFileHarms) {
     EXPECT_FALSE(parse(""));
     EXPECT_FALSE(parse("hello"));
     EXPECT_FALSE(parse("bplist00"));
-    for (const std::string& whole : {std::string{kInfo}, binaryList()}) {
+    const std::string oldStyle = "{ a = (b, <00ff>); \"c\" = { \"d\\U00fc\" = \"\\101\"; }; }";
+    for (const std::string& whole : {std::string{kInfo}, binaryList(), oldStyle}) {
         for (std::size_t length = 0; length < whole.size(); ++length) {
             // In memory of its own size, so that reading past its end is noticed.
             const auto cut = copyOf(bytesOf(whole).first(length));

@@ -1,4 +1,5 @@
-// The preferences that carry a removal from one launch to the next.
+// The preferences of the add-on that carry a removal from one launch to the next. The installer
+// clears what a removal that was cut off has left.
 #pragma once
 
 namespace quorvane {
