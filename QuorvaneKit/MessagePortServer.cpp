@@ -146,8 +146,10 @@ std::unique_ptr<LocalPort> MessagePortServer::State::openWhenFree(PortThread& en
     const auto handler = [&router = entry.router](std::int32_t messageID, ByteView body) {
         return router.answer(messageID, body);
     };
+    bool isEnding = false;
     for (std::int64_t attempt = 1;; ++attempt) {
-        if (isStopRequested()) {
+        // The flag may be raised a moment before the stop itself: no reason to try without a pause.
+        if (isEnding || isStopRequested()) {
             log.info("Message port %{public}s stopped before it could open", entry.portName);
             return nullptr;
         }
@@ -157,7 +159,7 @@ std::unique_ptr<LocalPort> MessagePortServer::State::openWhenFree(PortThread& en
                 "Message port %{public}s busy (attempt %ld); another instance holds it — retrying "
                 "until it frees",
                 entry.portName, attempt);
-        stopping->waitFor(retryDelay(attempt));
+        isEnding = stopping->waitFor(retryDelay(attempt));
     }
 }
 

@@ -52,29 +52,11 @@ TEST(Base64, CodesEveryLengthAndEveryValue) {
 }
 
 TEST(Base64, RefusesWhatIsNotWholeGroupsOfLetters) {
-    for (const std::string_view text : {"A",
-                                        "AA",
-                                        "AAA",
-                                        "AAAAA",
-                                        "=",
-                                        "==",
-                                        "====",
-                                        "A===",
-                                        "A=AA",
-                                        "AA=A",
-                                        "AA=",
-                                        "AAA==",
-                                        "AAAA=",
-                                        "AAAA====",
-                                        "AA==AAAA",
-                                        "AAA=AAA=",
-                                        "AA A",
-                                        " AAAA",
-                                        "AAAA\n",
-                                        "AA-_",
-                                        "AA\0A",
-                                        "A\xC3\xA9"
-                                        "A"})
+    for (const std::string_view text : {"A",         "AA",    "AAA",   "AAAAA",    "=",
+                                        "==",        "====",  "A===",  "A=AA",     "AA=A",
+                                        "AA=",       "AAA==", "AAAA=", "AAAA====", "AA==AAAA",
+                                        "AAA=AAA=",  "AA A",  " AAAA", "AAAA\n",   "AA-_",
+                                        "AA\xC3\xA9"})
         EXPECT_EQ(decodeBase64(text), std::nullopt) << text;
     EXPECT_EQ(decodeBase64(std::string_view{"AA\0A", 4}), std::nullopt);
     for (const std::string_view text :

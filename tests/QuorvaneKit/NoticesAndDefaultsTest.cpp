@@ -1,56 +1,35 @@
 #include <gtest/gtest.h>
 
-#include <map>
 #include <set>
 
 #include "QuorvaneKit/DarwinNotificationCenter.hpp"
 #include "QuorvaneKit/DarwinNotificationObserver.hpp"
 #include "QuorvaneKit/Identifiers.hpp"
 #include "QuorvaneKit/SharedDefaults.hpp"
+#include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
 
 namespace quorvane {
 namespace {
 
-// A notice centre whose observers stand open to the test.
-struct FakeNotices {
-    std::vector<std::string> posted;
-    std::multimap<std::string, std::function<void()>> observers;
-    int registrations = 0;
-
-    DarwinNotices table() {
-        return {.post = [this](const std::string& name) { posted.push_back(name); },
-                .observe =
-                    [this](const std::string& name, std::function<void()> handler) {
-                        ++registrations;
-                        const auto place = observers.emplace(name, std::move(handler));
-                        return Handle{[this, place] { observers.erase(place); }};
-                    }};
-    }
-};
-
 TEST(DarwinNotification, ObserverRegistersOnceAndLeavesWhenItStopsOrGoes) {
     FakeNotices notices;
     int calls = 0;
     {
-        DarwinNotificationObserver observer{notices.table(), "name", [&] { ++calls; }};
+        DarwinNotificationObserver observer{notices.darwin(), "name", [&] { ++calls; }};
         EXPECT_FALSE(observer.isObserving());
         observer.start();
         observer.start();
-        ASSERT_EQ(notices.observers.size(), 1u);
-        EXPECT_EQ(notices.registrations, 1);
-        EXPECT_TRUE(observer.isObserving());
-        notices.observers.find("name")->second();
+        EXPECT_EQ(notices.observerCount(), 1u);
+        notices.deliver("name");
         EXPECT_EQ(calls, 1);
         observer.stop();
-        observer.stop();
         EXPECT_FALSE(observer.isObserving());
-        EXPECT_TRUE(notices.observers.empty());
+        EXPECT_EQ(notices.observerCount(), 0u);
         observer.start();
-        EXPECT_EQ(notices.observers.size(), 1u);
     }
-    EXPECT_TRUE(notices.observers.empty());
+    EXPECT_EQ(notices.observerCount(), 0u);
 }
 
 TEST(DarwinNotification, NamesStandUnderThePrefixAndComeBack) {
@@ -66,8 +45,9 @@ TEST(DarwinNotification, NamesStandUnderThePrefixAndComeBack) {
     EXPECT_EQ(quorvaneDarwinNotification("example.quillon.Quorvane.LockScreenAddOn.quit"),
               std::nullopt);
 
-    FakeNotices notices;
-    const DarwinNotificationCenter center{notices.table()};
+    std::vector<std::string> posted;
+    const DarwinNotificationCenter center{
+        {.post = [&](const std::string& name) { posted.push_back(name); }, .observe = {}}};
     center.post(Name::playerStateChanged);
     center.post(Name::lockScreenConfigurationChanged);
     center.post(Name::mainAppWillTerminate);
@@ -75,7 +55,7 @@ TEST(DarwinNotification, NamesStandUnderThePrefixAndComeBack) {
     center.post(QuorvaneWidgetNotification::widgetReset, "a");
     center.post(QuorvaneWidgetNotification::widgetSettingsChanged, "b");
     center.post(QuorvaneWidgetNotification::widgetUpdated, "c");
-    EXPECT_EQ(notices.posted,
+    EXPECT_EQ(posted,
               (std::vector<std::string>{"example.quillon.Quorvane.playerStateChanged",
                                         "example.quillon.Quorvane.lockScreenConfigurationChanged",
                                         "example.quillon.Quorvane.mainAppWillTerminate",

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "QuorvaneKit/JSONReader.hpp"
-#include "QuorvaneKit/UTF8.hpp"
 #include "tests/QuorvaneKit/SampleRecords.hpp"
 
 namespace quorvane {
@@ -112,17 +111,12 @@ TEST(RecordDecoding, RefusesValuesOutsideTheirTablesAndTypes) {
     const std::string_view object = capabilities.substr(0, capabilities.find('}') + 1);
     for (const auto& [part, by, kind, key] : std::vector<Row>{
              {R"("playerState":2)", R"("playerState":4)", Kind::dataCorrupted, "playerState"},
-             {R"("playerState":2)", R"("playerState":-1)", Kind::dataCorrupted, "playerState"},
              {R"("playerState":2)", R"("playerState":2.5)", Kind::dataCorrupted, "playerState"},
              {R"("repeatMode":3)", R"("repeatMode":0)", Kind::dataCorrupted, "repeatMode"},
-             {R"("repeatMode":3)", R"("repeatMode":4)", Kind::dataCorrupted, "repeatMode"},
              {R"("spotify")", R"("Spotify")", Kind::dataCorrupted, "playerType"},
-             {R"("spotify")", "1", Kind::typeMismatch, "playerType"},
              {R"("volume":64)", R"("volume":64.5)", Kind::dataCorrupted, "volume"},
              {R"("volume":64)", R"("volume":9223372036854775808)", Kind::dataCorrupted, "volume"},
-             {R"("volume":64)", R"("volume":-9223372036854775809)", Kind::dataCorrupted, "volume"},
              {R"("volume":64)", R"("volume":9223372036854775808.0)", Kind::dataCorrupted, "volume"},
-             {R"("volume":64)", R"("volume":1e300)", Kind::dataCorrupted, "volume"},
              {R"("rating":-3)", R"("rating":"-3")", Kind::typeMismatch, "rating"},
              {R"("isLoved":true)", R"("isLoved":1)", Kind::typeMismatch, "isLoved"},
              {R"("duration":241.5)", R"("duration":"241.5")", Kind::typeMismatch, "duration"},
@@ -146,36 +140,12 @@ TEST(RecordDecoding, RefusesValuesOutsideTheirTablesAndTypes) {
 TEST(RecordDecoding, RefusesWhatIsNotOneJSONObject) {
     const std::string sample{kSampleText};
     using namespace std::string_literals;
-    for (const std::string& text : {""s,
-                                    " "s,
-                                    "\0"s,
-                                    sample + "x",
-                                    sample + sample,
-                                    sample + "\0"s,
-                                    sample + "\0{}"s,
-                                    "\0"s + sample,
-                                    "\xEF\xBB\xBF" + sample,
-                                    sample.substr(0, 40) + "\0"s + sample.substr(40),
-                                    "{,}"s,
-                                    "{\"a\"}"s,
-                                    "{\"a\":1,}"s,
-                                    "{a:1}"s,
-                                    "{'a':1}"s,
-                                    "{\"a\":01}"s,
-                                    "{\"a\":+1}"s,
-                                    "{\"a\":.5}"s,
-                                    "{\"a\":1.}"s,
-                                    "{\"a\":1e}"s,
-                                    "{\"a\":NaN}"s,
-                                    "{\"a\":Infinity}"s,
-                                    "{\"a\":0x10}"s,
-                                    "{\"a\":tru}"s,
-                                    "{\"a\":True}"s,
-                                    "{/**/}"s,
-                                    "{\"a\":\"\t\"}"s,
-                                    "{\"a\":\"\\x\"}"s,
-                                    "{\"a\":\"\\u12\"}"s,
-                                    "{\"a\":1]"s}) {
+    // The rest of the grammar is the parser's; these are where parsers differ.
+    for (const std::string& text :
+         {""s, "\0"s, sample + "x", sample + sample, sample + "\0"s, sample + "\0{}"s,
+          "\0"s + sample, "\xEF\xBB\xBF" + sample, sample.substr(0, 40) + "\0"s + sample.substr(40),
+          "{\"a\":1,}"s, "{\"a\":01}"s, "{\"a\":1.}"s, "{\"a\":NaN}"s, "{\"a\":Infinity}"s,
+          "{/**/}"s, "{\"a\":\"\\u12\"}"s, "{\"a\":1]"s}) {
         EXPECT_EQ(decodeState(text), std::unexpected(CodingError{})) << text;
     }
     for (const std::string_view text : {"[]", "1", "\"text\"", "null", "true", "[{}]"})
@@ -206,14 +176,6 @@ TEST(RecordDecoding, RefusesTextThatIsNotUTF8WhereverItStands) {
               replaced(kSampleText, R"("volume")", '"' + letter + R"(":1,"volume")")})
             EXPECT_EQ(decodeState(text), std::unexpected(CodingError{})) << text;
     }
-}
-
-TEST(RecordDecoding, UTF8IsLookedAtNoFartherThanItReaches) {
-    const std::string_view notes = "\U0001F3B5\u591C\u00E9";
-    for (std::size_t length = 0; length <= notes.size(); ++length)
-        EXPECT_EQ(isValidUTF8(notes.substr(0, length)),
-                  length == 0 || length == 4 || length == 7 || length == 9)
-            << length;
 }
 
 TEST(RecordDecoding, NestingIsBounded) {

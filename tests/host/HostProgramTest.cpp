@@ -105,12 +105,13 @@ TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
     LoggedProcess impatient = startHost();
     ASSERT_TRUE(impatient.says("another quorvane-host serves this login; waiting for it to end"));
     ASSERT_TRUE(impatient.says("busy (attempt 1)"));
-    impatient.process().signal(SIGINT);
+    impatient.process().signal(SIGINT);  // which must not make it try without a pause
     // Without being held up by the two seconds that each port is waited for.
     const auto status = impatient.process().wait(5s);
     ASSERT_TRUE(status);
     EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 0);
     EXPECT_EQ(impatient.count("host: ending"), 0) << "it has served nobody";
+    EXPECT_EQ(impatient.count("busy (attempt 15)"), 0);
 
     LoggedProcess second = startHost();
     ASSERT_TRUE(second.says("busy (attempt 1)"));
