@@ -4,16 +4,46 @@
 
 // The tables of this edition that need no screen.
 #include "platform/LivePlatform.hpp"
+#include "platform/macos/ApplicationMacOS.hpp"
 #include "platform/macos/ClockMacOS.hpp"
+#include "platform/macos/DarwinNoticesMacOS.hpp"
+#include "platform/macos/DistributedNoticesMacOS.hpp"
+#include "platform/macos/FilesMacOS.hpp"
+#include "platform/macos/InstallationMacOS.hpp"
+#include "platform/macos/LogMacOS.hpp"
 #include "platform/macos/MainThreadMacOS.hpp"
+#include "platform/macos/MessagePortsMacOS.hpp"
+#include "platform/macos/ProcessInfoMacOS.hpp"
+#include "platform/macos/SerialQueueMacOS.hpp"
+#include "platform/macos/UserDefaultsMacOS.hpp"
 
 namespace quorvane {
 
-Result<LiveServices> makeLiveServices(int, char**, const std::string&) {
-    LiveServices services;
-    services.clock = makeClockMacOS();
-    services.mainThread = makeMainThreadMacOS();
-    return std::unexpected{PlatformError{.description = "unavailable"}};
+Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
+                                      const std::string& domain) {
+    @autoreleasepool {
+        return LiveServices{
+            .application = makeApplicationMacOS(),
+            .process = makeProcessInfoMacOS(argumentCount, arguments),
+            .log = makeLogSinkMacOS(),
+            .clock = makeClockMacOS(),
+            .wallClock = [] { return WallTime{std::chrono::system_clock::now()}; },
+            .mainThread = makeMainThreadMacOS(),
+            .makeSerialQueue = makeSerialQueuesMacOS(),
+            .connectPort = makeConnectPortMacOS(),
+            .openPort = makeOpenPortMacOS(),
+            .nameCurrentThread = nameCurrentThreadMacOS,
+            .distributedNotices = makeDistributedNoticesMacOS(),
+            .darwinNotices = makeDarwinNoticesMacOS(),
+            .files = makeFileStoreMacOS(),
+            .fillRandom = makeFillRandomMacOS(),
+            .makeUUID = makeUUIDMacOS,
+            .standardDefaults = makeStandardDefaultsMacOS(domain),
+            .openSuite = openSuiteMacOS,
+            .installation = makeInstallationMacOS(),
+            .owner = nullptr,
+        };
+    }
 }
 
 }  // namespace quorvane

@@ -78,7 +78,7 @@ def _plain(statement):
         return "type", match.group(1)
     if match := re.match(r"typedef\s.*?(\w+);$", statement):
         return "type", match.group(1)
-    if match := re.match(r"struct\s+(\w+)\s*\{", statement):
+    if match := re.match(r"(?:struct|enum)\s+(\w+)\s*[{:]", statement):
         return "type", match.group(1)
     if match := re.match(r"extern\s+[^()]*?(\w+);$", statement):
         return "constant", match.group(1)

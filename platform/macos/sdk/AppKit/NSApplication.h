@@ -1,9 +1,15 @@
 #pragma once
 
+#include <Foundation/NSNotification.h>
+
 #include "NSResponder.h"
+#include "NSUserInterfaceLayout.h"
 
 @class NSApplication;
-@class NSNotification;
+
+extern "C" {
+extern NSNotificationName const NSApplicationDidChangeScreenParametersNotification;
+}
 
 enum NSApplicationActivationPolicy : NSInteger { NSApplicationActivationPolicyAccessory = 1 };
 
@@ -16,6 +22,7 @@ enum NSApplicationActivationPolicy : NSInteger { NSApplicationActivationPolicyAc
 
 @interface NSApplication : NSResponder
 @property(class, readonly, strong) NSApplication* sharedApplication;
+@property(readonly) NSUserInterfaceLayoutDirection userInterfaceLayoutDirection;
 @property(weak) id<NSApplicationDelegate> delegate;
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
 - (void)run;

@@ -3,11 +3,11 @@
 #include <stdbool.h>
 #include <stdint.h>
 
+typedef unsigned char Boolean;
+typedef signed int SInt32;
 typedef const void* CFTypeRef;
 typedef unsigned long CFTypeID;
 typedef long CFIndex;
-typedef unsigned char Boolean;
-typedef signed int SInt32;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
 

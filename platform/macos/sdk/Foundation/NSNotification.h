@@ -2,11 +2,18 @@
 
 #include "NSObjCRuntime.h"
 
-@class NSString;
 @class NSDictionary;
+@class NSOperationQueue;
+@class NSString;
 
 typedef NSString* NSNotificationName;
 
 @interface NSNotification : NSObject
 @property(readonly, copy) NSDictionary* userInfo;
+@end
+
+@interface NSNotificationCenter : NSObject
+@property(class, readonly, strong) NSNotificationCenter* defaultCenter;
+- (void)removeObserver:(id)observer;
+- (id<NSObject>)addObserverForName:(NSNotificationName)name object:(id)obj queue:(NSOperationQueue*)queue usingBlock:(void (^)(NSNotification* notification))block;
 @end

@@ -1,0 +1,39 @@
+// One reference to a Core Foundation object.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <utility>
+
+namespace quorvane {
+
+// Move-only; takes over the reference that a "Create" or "Copy" function returned, and releases it.
+template <typename Reference>
+class CFHandle {
+public:
+    explicit CFHandle(Reference reference = nullptr) : reference_(reference) {}
+    CFHandle(CFHandle&& other) noexcept : reference_(std::exchange(other.reference_, nullptr)) {}
+    CFHandle& operator=(CFHandle&& other) noexcept {
+        std::swap(reference_, other.reference_);
+        return *this;
+    }
+    CFHandle(const CFHandle&) = delete;
+    CFHandle& operator=(const CFHandle&) = delete;
+    ~CFHandle() {
+        if (reference_) CFRelease(reference_);
+    }
+
+    // A reference of one's own to an object that somebody else holds.
+    static CFHandle retaining(Reference reference) {
+        if (reference) CFRetain(reference);
+        return CFHandle{reference};
+    }
+
+    Reference get() const { return reference_; }
+    explicit operator bool() const { return reference_ != nullptr; }
+
+private:
+    Reference reference_;
+};
+
+}  // namespace quorvane

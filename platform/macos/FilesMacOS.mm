@@ -1,0 +1,64 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/FilesMacOS.hpp"
+
+#import <Foundation/Foundation.h>
+#import <Security/Security.h>
+
+#include "platform/macos/FoundationValues.hpp"
+
+namespace quorvane {
+namespace {
+
+std::optional<std::filesystem::path> containerOfGroup(const std::string& group) {
+    NSFileManager* files = NSFileManager.defaultManager;
+    // A place for every name, whether or not the folder is there or this program may use it.
+    NSURL* url = [files containerURLForSecurityApplicationGroupIdentifier:stringFrom(group)];
+    if (![files createDirectoryAtURL:url withIntermediateDirectories:YES attributes:nil error:nil])
+        return std::nullopt;
+    return pathFrom(url);
+}
+
+Result<Bytes> read(const std::filesystem::path& path) {
+    @autoreleasepool {
+        NSError* error = nil;
+        NSData* data = [NSData dataWithContentsOfURL:urlFrom(path) options:0 error:&error];
+        if (!data) return std::unexpected{errorFrom(error)};
+        return bytesFrom(data);
+    }
+}
+
+Result<void> writeAtomically(const std::filesystem::path& path, ByteView contents) {
+    @autoreleasepool {
+        NSError* error = nil;
+        if (![dataFrom(contents) writeToURL:urlFrom(path) options:NSDataWritingAtomic error:&error])
+            return std::unexpected{errorFrom(error)};
+        if (![NSFileManager.defaultManager setAttributes:@{
+                NSFilePosixPermissions : @0600
+            }
+                                            ofItemAtPath:stringFrom(path.native())
+                                                   error:&error])
+            return std::unexpected{errorFrom(error)};
+        return {};
+    }
+}
+
+}  // namespace
+
+FileStore makeFileStoreMacOS() {
+    return {.containerOfGroup = containerOfGroup, .read = read, .writeAtomically = writeAtomically};
+}
+
+FillRandom makeFillRandomMacOS() {
+    return [](std::span<std::byte> bytes) -> std::expected<void, int> {
+        const int status = SecRandomCopyBytes(kSecRandomDefault, bytes.size(), bytes.data());
+        if (status != 0) return std::unexpected{status};
+        return {};
+    };
+}
+
+std::string makeUUIDMacOS() { return textFrom([NSUUID UUID].UUIDString); }
+
+}  // namespace quorvane

@@ -1,0 +1,18 @@
+// This system has no common interface to its players: Quorvane itself talks to each of them.
+#include "platform/MediaPlayers.hpp"
+
+namespace quorvane {
+
+MediaPlayers makeLiveMediaPlayers(const LiveServices&) {
+    return {.list = []() -> const std::vector<MediaPlayer>& {
+                static const std::vector<MediaPlayer> none;
+                return none;
+            },
+            .observe = [](const std::function<void()>&) { return Handle{[] {}}; },
+            .askPosition = [](const std::string&) {},
+            .call = [](const std::string&, const std::string&) {},
+            .set = [](const std::string&, const std::string&, const PropertyValue&) {},
+            .raise = [](const std::string&) {}};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,55 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#import <CoreFoundation/CoreFoundation.h>
+
+#include "platform/macos/CFHandle.hpp"
+#include "platform/macos/FoundationValues.hpp"
+#include "platform/macos/MessagePortsMacOS.hpp"
+
+namespace quorvane {
+namespace {
+
+CFTimeInterval secondsOf(Duration duration) {
+    return std::chrono::duration<double>(duration).count();
+}
+
+class RemotePortMacOS final : public RemotePort {
+   public:
+    explicit RemotePortMacOS(CFHandle<CFMessagePortRef> port) : port_(std::move(port)) {}
+
+    // Else the next port of this name would be the same object, dead or not.
+    ~RemotePortMacOS() override { CFMessagePortInvalidate(port_.get()); }
+
+    PortReply send(const PortRequest& request) override {
+        @autoreleasepool {
+            // This object may be gone when the call returns: waiting runs the thread's run loop.
+            const auto port = CFHandle<CFMessagePortRef>::retaining(port_.get());
+            CFDataRef reply = nullptr;
+            const SInt32 status = CFMessagePortSendRequest(
+                port.get(), request.messageID, (__bridge CFDataRef)dataFrom(request.body),
+                secondsOf(request.sendTimeout), secondsOf(request.receiveTimeout),
+                request.awaitsReply ? kCFRunLoopDefaultMode : nullptr, &reply);
+            NSData* body = (__bridge_transfer NSData*)reply;
+            return {.status = status,
+                    .body = body.length > 0 ? std::optional{bytesFrom(body)} : std::nullopt};
+        }
+    }
+
+   private:
+    const CFHandle<CFMessagePortRef> port_;
+};
+
+}  // namespace
+
+ConnectPort makeConnectPortMacOS() {
+    return [](const std::string& name) -> std::unique_ptr<RemotePort> {
+        CFHandle<CFMessagePortRef> port{
+            CFMessagePortCreateRemote(nullptr, (__bridge CFStringRef)stringFrom(name))};
+        if (!port) return nullptr;
+        return std::make_unique<RemotePortMacOS>(std::move(port));
+    };
+}
+
+}  // namespace quorvane

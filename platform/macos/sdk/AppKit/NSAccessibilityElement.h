@@ -1,0 +1,6 @@
+#pragma once
+
+#include "NSAccessibilityProtocols.h"
+
+@interface NSAccessibilityElement : NSObject <NSAccessibility>
+@end

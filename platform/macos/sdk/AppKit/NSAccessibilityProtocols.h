@@ -1,0 +1,18 @@
+#pragma once
+
+#include "NSAccessibilityConstants.h"
+
+@protocol NSAccessibility <NSObject>
+@property(getter=isAccessibilityElement) BOOL accessibilityElement;
+@property(copy) NSAccessibilityRole accessibilityRole;
+@property(copy) NSString* accessibilityLabel;
+@property(strong) id accessibilityValue;
+@property(strong) id accessibilityMinValue;
+@property(strong) id accessibilityMaxValue;
+@property(copy) NSArray* accessibilityChildren;
+@property(weak) id accessibilityParent;
+@property NSRect accessibilityFrame;
+- (BOOL)accessibilityPerformPress;
+- (BOOL)accessibilityPerformIncrement;
+- (BOOL)accessibilityPerformDecrement;
+@end

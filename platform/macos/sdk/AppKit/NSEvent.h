@@ -1,0 +1,11 @@
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+enum NSEventType : NSUInteger { NSEventTypeLeftMouseDown = 1, NSEventTypeLeftMouseUp = 2 };
+
+@interface NSEvent : NSObject
+@property(readonly) NSEventType type;
+@property(readonly) NSPoint locationInWindow;
+@property(class, readonly) NSPoint mouseLocation;  // from memory
+@end

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+enum NSBackingStoreType : NSUInteger { NSBackingStoreBuffered = 2 };
+enum NSCompositingOperation : NSUInteger { NSCompositingOperationSourceOver = 2 };

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+@interface NSLayoutConstraint : NSObject
++ (void)activateConstraints:(NSArray<NSLayoutConstraint*>*)constraints;
+@end

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "NSWindow.h"
+
+@interface NSPanel : NSWindow
+@property BOOL becomesKeyOnlyIfNeeded;
+@end

@@ -1,0 +1,5 @@
+#pragma once
+
+#include "CFBase.h"
+
+typedef const struct __CFAttributedString* CFAttributedStringRef;

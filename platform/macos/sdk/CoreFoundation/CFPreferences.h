@@ -1,0 +1,7 @@
+#pragma once
+
+#include "CFBase.h"
+
+extern "C" {
+Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
+}

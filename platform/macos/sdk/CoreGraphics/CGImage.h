@@ -1,0 +1,11 @@
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <stddef.h>
+
+typedef struct CGImage* CGImageRef;
+
+extern "C" {
+size_t CGImageGetWidth(CGImageRef image);  // from memory
+size_t CGImageGetHeight(CGImageRef image);  // from memory
+}

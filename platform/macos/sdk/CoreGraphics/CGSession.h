@@ -1,0 +1,7 @@
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+extern "C" {
+CFDictionaryRef CGSessionCopyCurrentDictionary(void);
+}

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "CTLine.h"
+#include "CTStringAttributes.h"
+
+

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "NSObjCRuntime.h"
+
+@class NSDictionary;
+@class NSString;
+@class NSURL;
+
+@interface NSBundle : NSObject
+@property(class, readonly, strong) NSBundle* mainBundle;
+@property(readonly, copy) NSURL* bundleURL;
+@property(readonly, copy) NSString* bundleIdentifier;
+@property(readonly, copy) NSDictionary* infoDictionary;  // from memory
+- (NSString*)localizedStringForKey:(NSString*)key value:(NSString*)value table:(NSString*)tableName;
+@end

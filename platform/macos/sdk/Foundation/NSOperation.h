@@ -1,0 +1,7 @@
+#pragma once
+
+#include "NSObjCRuntime.h"
+
+@interface NSOperationQueue : NSObject
+@property(class, readonly, strong) NSOperationQueue* mainQueue;
+@end

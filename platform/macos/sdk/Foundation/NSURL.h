@@ -1,0 +1,12 @@
+#pragma once
+
+#include "NSObjCRuntime.h"
+
+@class NSString;
+
+@interface NSURL : NSObject
+@property(readonly, copy) NSString* path;
++ (NSURL*)fileURLWithPath:(NSString*)path;  // from memory
++ (NSURL*)fileURLWithPath:(NSString*)path isDirectory:(BOOL)isDir;
+- (NSURL*)URLByAppendingPathComponent:(NSString*)pathComponent isDirectory:(BOOL)isDirectory;
+@end

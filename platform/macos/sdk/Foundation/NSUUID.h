@@ -1,0 +1,10 @@
+#pragma once
+
+#include "NSObjCRuntime.h"
+
+@class NSString;
+
+@interface NSUUID : NSObject
+@property(readonly, copy) NSString* UUIDString;
++ (instancetype)UUID;
+@end

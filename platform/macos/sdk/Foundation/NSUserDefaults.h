@@ -1,0 +1,14 @@
+#pragma once
+
+#include "NSObjCRuntime.h"
+
+@class NSString;
+
+@interface NSUserDefaults : NSObject
+@property(class, readonly, strong) NSUserDefaults* standardUserDefaults;
+- (instancetype)initWithSuiteName:(NSString*)suitename;
+- (id)objectForKey:(NSString*)defaultName;
+- (void)setObject:(id)value forKey:(NSString*)defaultName;
+- (void)removeObjectForKey:(NSString*)defaultName;
+- (void)removePersistentDomainForName:(NSString*)domainName;
+@end

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "CGImageProperties.h"
+#include "CGImageSource.h"
+
+

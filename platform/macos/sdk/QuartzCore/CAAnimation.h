@@ -1,0 +1,20 @@
+#pragma once
+
+#include "CAMediaTiming.h"
+
+@interface CAAnimation : NSObject <CAMediaTiming>
+@end
+
+@interface CAPropertyAnimation : CAAnimation
+@property(copy) NSString* keyPath;
+@end
+
+@interface CABasicAnimation : CAPropertyAnimation
+@property(strong) id fromValue;
+@property(strong) id toValue;
+@end
+
+@interface CASpringAnimation : CABasicAnimation
+- (instancetype)initWithPerceptualDuration:(CFTimeInterval)perceptualDuration bounce:(CGFloat)bounce;
+@property(readonly) CFTimeInterval settlingDuration;
+@end

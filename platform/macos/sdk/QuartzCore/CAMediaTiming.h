@@ -1,0 +1,7 @@
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+@protocol CAMediaTiming
+@property CFTimeInterval duration;
+@end

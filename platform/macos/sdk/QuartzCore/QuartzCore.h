@@ -1,0 +1,9 @@
+#pragma once
+
+#include "CAAnimation.h"
+#include "CALayer.h"
+#include "CAShapeLayer.h"
+#include "CATransaction.h"
+#include "CATransform3D.h"
+
+

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+enum SMAppServiceStatus : NSInteger { SMAppServiceStatusNotRegistered, SMAppServiceStatusEnabled, SMAppServiceStatusRequiresApproval, SMAppServiceStatusNotFound };
+
+@interface SMAppService : NSObject
+@property(class, readonly) SMAppService* mainAppService;
+@property(readonly) SMAppServiceStatus status;
+- (BOOL)registerAndReturnError:(NSError**)error;
+- (BOOL)unregisterAndReturnError:(NSError**)error;
+@end
