@@ -105,6 +105,7 @@ OpenPort HostCoordinator::countingOpenPort() const {
 }
 
 void HostCoordinator::portOpened() {
+    if (!server_) return;  // the news came after the end
     ++openPorts_;
     if (!isServing()) return;
     log_.info("host: serving");

@@ -248,6 +248,16 @@ TEST_F(HostCoordinatorTest, SaysWhenItComesAndGoes) {
     EXPECT_FALSE(ports.connectPort()(kMainPort));
     host->stop();
     EXPECT_TRUE(takeNotices().empty());
+
+    host->start();
+    for (std::size_t i = 0; i < kQueryPortCount; ++i)
+        while (!ports.connectPort()(queryPortName(kMessagePortBaseName, i)))
+            std::this_thread::yield();
+    while (!ports.connectPort()(kMainPort)) std::this_thread::yield();
+    host->stop();
+    main.run();
+    EXPECT_FALSE(host->isServing()) << "the ports' news came after the end";
+    EXPECT_TRUE(takeNotices().empty());
 }
 
 TEST_F(HostCoordinatorTest, AnswersHelloAndRemembersIt) {
