@@ -1,13 +1,11 @@
 // What an X screen shows, seen by another client than the one under test.
 #pragma once
 
-#include <cairo.h>
 #include <xcb/xcb.h>
 
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 #include <vector>
 
 namespace quorvane {
@@ -42,16 +40,6 @@ struct Screenshot {
     std::uint32_t at(int x, int y) const {
         return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
                       static_cast<std::size_t>(x)];
-    }
-
-    bool writePng(const std::string& path) {
-        cairo_surface_t* surface =
-            cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(pixels.data()),
-                                                CAIRO_FORMAT_RGB24, width, height, width * 4);
-        const bool isWritten =
-            cairo_surface_write_to_png(surface, path.c_str()) == CAIRO_STATUS_SUCCESS;
-        cairo_surface_destroy(surface);
-        return isWritten;
     }
 
     bool operator==(const Screenshot&) const = default;

@@ -87,9 +87,10 @@ public:
 
     int get() const { return socket_.get(); }
     void close() { socket_.reset(); }
-    // As much as is taken at once, or all.
-    std::size_t sendNow(ByteView bytes) const { return sendSome(bytes, MSG_DONTWAIT); }
-    std::size_t sendAll(ByteView bytes) const { return sendSome(bytes, 0); }
+    std::size_t sendAll(ByteView bytes) const {
+        const ssize_t count = send(get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        return count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
     // So many bytes, or fewer when the other end has closed.
     Bytes receive(std::size_t length) const {
         Bytes bytes(length);
@@ -111,11 +112,6 @@ public:
     }
 
 private:
-    std::size_t sendSome(ByteView bytes, int flags) const {
-        const ssize_t count = send(get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | flags);
-        return count < 0 ? 0 : static_cast<std::size_t>(count);
-    }
-
     FileDescriptor socket_;
 };
 
