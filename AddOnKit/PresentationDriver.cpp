@@ -19,12 +19,12 @@ PresentationDriver::PresentationDriver(Clock clock, LogSink log)
 
 void PresentationDriver::handle(const PresentationEvent& event) {
     // One at a time: an event sent by a listener would otherwise overtake the news of the change
-    // that the listener was told of, and that older news would then have the last word.
+    // that is being handled, and that older news would then have the last word.
     waiting_.push_back(event);
     if (isHandling_) return;
-    isHandling_ = true;
     const auto life = life_.watch();
     while (!waiting_.empty()) {
+        isHandling_ = true;
         const PresentationEvent next = waiting_.front();
         waiting_.pop_front();
         handleOne(next);
@@ -47,6 +47,9 @@ void PresentationDriver::handleOne(const PresentationEvent& event) {
     // Both the listener and what it is told are copies: it may replace itself or destroy the
     // driver.
     const PresentationState news = state_;
+    // The news are told, the event is handled: an unlock that comes inside a wait of the listener
+    // must not find the windows standing until that wait is over.
+    isHandling_ = false;
     if (const auto listener = onChange) listener(news);
 }
 

@@ -17,7 +17,9 @@ namespace quorvane {
 std::string describe(const PresentationState& state);
 
 // Main thread only. Owned by the coordinator, which sets the listeners before it sends events. A
-// listener may send further events, which are handled after the current one, or destroy the driver.
+// listener may destroy the driver or send further events. Those sent by onLocked are handled after
+// the current one; those sent by onChange at once, so that what it does after a call that may have
+// sent some goes by `state`, not by the news it was told.
 class PresentationDriver {
 public:
     PresentationDriver(Clock clock, LogSink log);

@@ -174,7 +174,8 @@ void AddOnCoordinator::musicChanged() { driver_.handle(event::Music{model_.isVis
 void AddOnCoordinator::present(const PresentationState& state) {
     if (isRemoving_) return;
     controller_->present(state);
-    refresher_->setActive(state.windowsWanted());
+    // Closing a window may wait for a send, in which a newer state may have come.
+    refresher_->setActive(driver_.state().windowsWanted());
 }
 
 // As a task of its own: the lock event is handled to its end first.

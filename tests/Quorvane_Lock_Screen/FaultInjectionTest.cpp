@@ -115,10 +115,9 @@ TEST_P(InsideASend, AnUnlockOrTheEndLeavesNothingBehind) {
                 return;
             }
             hasCome = true;
-            if (ends)
-                coordinator.reset();
-            else
-                platform.unlock();
+            if (ends) return coordinator.reset();
+            platform.unlock();
+            expectNothingIsLeft(platform);  // at once, however long the send may wait
         };
         platform.ports.duringSend = come;
         lockOnce(platform);
