@@ -97,7 +97,10 @@ struct AddOnApp::AfterHandover {
         giveWay(left.stillRunning);
     }
 
-    void start() const { app.coordinator_->start(); }
+    void start() const {
+        app.platform_.confine();
+        app.coordinator_->start();
+    }
     void giveWay(const InstanceHandover::PIDs& pids) const {
         app.log_.fault(
             "launch: an older copy (pid %{public}s) won't quit; quitting this one so only one "

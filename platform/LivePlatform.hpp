@@ -94,6 +94,9 @@ struct LivePlatform {
     // The text for a key in the user's language; the key itself when there is none.
     std::function<std::string(const std::string& key)> localized;
     std::function<bool()> isRightToLeft;
+    // Gives up for good what a copy that shows cards does not need of the system. Main thread;
+    // called once, before the coordinator starts.
+    std::function<void()> confine = [] {};
     std::shared_ptr<void> owner;
 };
 

@@ -6,6 +6,7 @@
 
 #include "platform/LivePlatform.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
+#include "platform/linux/Confinement.hpp"
 #include "platform/linux/EncodedImage.hpp"
 #include "platform/linux/LockWatcherLinux.hpp"
 #include "platform/linux/MotionSetting.hpp"
@@ -103,6 +104,10 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
     platform.isRightToLeft = [isRightToLeft =
                                   !locales.empty() && isRightToLeftLocale(locales.front())] {
         return isRightToLeft;
+    };
+    platform.confine = [log = Logger{services.log, kPlatformSubsystem, "process"}] {
+        const auto confined = confineProcess(networkForDisplay(std::getenv("DISPLAY")));
+        if (!confined) log.error("process: not confined: %{public}s", confined.error().description);
     };
     platform.services = std::move(services);
     platform.owner = owner;

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/linux/ApplicationLinux.hpp"
+#include "platform/linux/Confinement.hpp"
 #include "platform/linux/DefaultsFile.hpp"
 #include "platform/linux/FilesLinux.hpp"
 #include "platform/linux/FoldersLinux.hpp"
@@ -67,6 +68,7 @@ Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
         return std::unexpected{PlatformError{.description = sentence}};
     };
     surviveBrokenPipes();
+    forbidCoreDumps();
     LiveServices services;
     services.process = makeProcessInfo(argumentCount, arguments);
     services.log = makeLogSink(LogOptions::fromEnvironment(programName(services.process)));

@@ -61,6 +61,19 @@ TEST_F(AddOnAppTest, RegistersItsLoginItemAndStartsAlone) {
     EXPECT_EQ(platform.terminations, 0);
 }
 
+TEST_F(AddOnAppTest, IsConfinedOnceBeforeItStartsAndNotWhenItRemovesItself) {
+    int times = 0;
+    platform.live.confine = [&] {
+        EXPECT_EQ(platform.installation.loginItem, 1) << "after what it still needs the system for";
+        EXPECT_FALSE(hasStarted());
+        ++times;
+    };
+    launch();
+    EXPECT_EQ(times, 1);
+    launch({"--uninstall"});
+    EXPECT_EQ(times, 1);
+}
+
 TEST_F(AddOnAppTest, NewerCopiesHandOverToThisOne) {
     runBeside({{70, ManualClock::kStart + 1s}, {80, ManualClock::kStart + 2s}});
     EXPECT_EQ(launchLines(), (Lines{"app 2 launch: a newer copy (pid 70, 80) is running; starting "
