@@ -37,7 +37,11 @@ void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
                  }
              },
          .accessibility = [this](SceneControl::ID id,
-                                 AccessibilityAction action) { accessibility(id, action); }});
+                                 AccessibilityAction action) { accessibility(id, action); },
+         .accessibilityNumber =
+             [this](SceneControl::ID id, double number) {
+                 if (isShown_ && id == SceneControl::ID::volume) slider().setNumber(number);
+             }});
     if (!isShown_) return;
     scene_ = {};
     draw();

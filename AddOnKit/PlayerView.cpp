@@ -38,6 +38,7 @@ public:
 
     Scene compose() {
         scene_.isRightToLeft = environment_.isRightToLeft;
+        scene_.label = localized(PlayerStrings::kNowPlaying);
         artwork();
         texts();
         if (model_.showsHeart.get()) heart();

@@ -1,6 +1,7 @@
 #include "AddOnKit/VolumeSlider.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 #include "AddOnKit/FilledTrack.hpp"
 #include "AddOnKit/PlayerStrings.hpp"
@@ -40,9 +41,14 @@ void VolumeSlider::dragEnded() const {
 void VolumeSlider::adjust(AccessibilityAction step) const {
     if (step == AccessibilityAction::press) return;
     const std::int64_t change = step == AccessibilityAction::increment ? kStep : -kStep;
-    const std::int64_t volume = std::clamp<std::int64_t>(model.volume.get() + change, 0, 100);
-    model.setVolume(volume);
-    if (const auto action = actions.setVolume) action(volume);
+    setNumber(static_cast<double>(model.volume.get() + change));
+}
+
+void VolumeSlider::setNumber(double volume) const {
+    if (std::isnan(volume)) return;
+    const auto wanted = static_cast<std::int64_t>(std::clamp(volume, 0.0, kFullVolume));
+    model.setVolume(wanted);
+    if (const auto action = actions.setVolume) action(wanted);
 }
 
 void VolumeSlider::draw(Scene& scene, const Rect& frame, const PlayerModel& model,

@@ -24,6 +24,7 @@ struct VolumeSlider {
     void dragChanged(double x, double width) const;
     void dragEnded() const;
     void adjust(AccessibilityAction step) const;
+    void setNumber(double volume) const;  // any number; not a number changes nothing
 
     // `thickening` is 0 at rest and 1 while dragging; `frame` holds the track.
     static void draw(Scene& scene, const Rect& frame, const PlayerModel& model, double thickening);

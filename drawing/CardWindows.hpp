@@ -27,6 +27,8 @@ enum class AccessibilityAction { press, increment, decrement };
 struct StageEvents {
     std::function<void(const PointerEvent&)> pointer;
     std::function<void(SceneControl::ID, AccessibilityAction)> accessibility;
+    // Assistive technology sets a slider's number.
+    std::function<void(SceneControl::ID, double)> accessibilityNumber{};
 };
 
 // How the card and its shadow look. Lengths are points; the shadow's offset grows downward.

@@ -123,13 +123,14 @@ struct SceneControl {
 struct Scene {
     std::vector<SceneNode> nodes;
     std::vector<SceneControl> controls;
+    std::string label{};  // of the card as a whole, localised
     bool isRightToLeft = false;
     // How long this scene stays as it is while nothing else happens; nothing: for good. Not part of
     // what is drawn.
     std::optional<Duration> nextChange;
 
     bool operator==(const Scene& other) const {
-        return nodes == other.nodes && controls == other.controls &&
+        return nodes == other.nodes && controls == other.controls && label == other.label &&
                isRightToLeft == other.isRightToLeft;
     }
 };

@@ -12,7 +12,8 @@ std::shared_ptr<CardResources> makeResources(const CardModuleServices& services)
         .x11 = services.x11,
         .clock = services.clock,
         .mainThread = services.mainThread,
-        .log = Logger{services.log, "example.quillon.Quorvane.Platform", "windows"}}};
+        .log = Logger{services.log, "example.quillon.Quorvane.Platform", "windows"},
+        .accessibility = services.accessibility}};
     if (!services.makeSerialQueue) {
         resources->pictures = std::make_shared<PictureCache>();
         return resources;

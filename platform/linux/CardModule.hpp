@@ -7,6 +7,7 @@
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/SerialQueue.hpp"
+#include "platform/linux/AccessibleCard.hpp"
 #include "platform/linux/X11Session.hpp"
 
 namespace quorvane {
@@ -17,6 +18,7 @@ struct CardModuleServices {
     MainThread mainThread;
     LogSink log;
     MakeSerialQueue makeSerialQueue{};  // for decoding pictures; without it that is done at once
+    AccessibleCards* accessibility = nullptr;  // who is told of the cards that are to be seen
 };
 
 // The module's one exported function, under the name below. It fills `makeWindow`, `makeStage` and

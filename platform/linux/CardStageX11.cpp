@@ -26,8 +26,10 @@ void CardStageX11::springFrom(const Transform& start, const Spring& spring) {
 
 void CardStageX11::setScene(const Scene& scene) {
     const std::vector<Rect> areas = changedAreas(scene_, scene);
+    const bool hasSameControls = scene_.controls == scene.controls;
     scene_ = scene;
     if (!areas.empty() && host_) host_->sceneChanged(areas);
+    if (!hasSameControls && host_) host_->controlsChanged();
 }
 
 void CardStageX11::beginMovement(Instant now) {
@@ -53,6 +55,16 @@ void CardStageX11::deliver(const PointerEvent& event) const {
     // The content may replace its events while it hears this one.
     const auto pointer = events_.pointer;
     if (pointer) pointer(event);
+}
+
+void CardStageX11::perform(SceneControl::ID control, AccessibilityAction action) const {
+    const auto accessibility = events_.accessibility;
+    if (accessibility) accessibility(control, action);
+}
+
+void CardStageX11::setNumber(SceneControl::ID control, double number) const {
+    const auto accessibilityNumber = events_.accessibilityNumber;
+    if (accessibilityNumber) accessibilityNumber(control, number);
 }
 
 }  // namespace quorvane

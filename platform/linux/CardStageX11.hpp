@@ -16,6 +16,7 @@ public:
     virtual ~StageHost() = default;
     // These parts of the scene look different now; card coordinates.
     virtual void sceneChanged(const std::vector<Rect>& areas) = 0;
+    virtual void controlsChanged() = 0;
     // Whether it is hidden, or how it moves, has changed.
     virtual void stageChanged() = 0;
 };
@@ -41,6 +42,8 @@ public:
     bool isMoving(Instant now) const;
     Transform transformAt(Instant now) const;
     void deliver(const PointerEvent& event) const;
+    void perform(SceneControl::ID control, AccessibilityAction action) const;
+    void setNumber(SceneControl::ID control, double number) const;
 
 private:
     struct Movement {

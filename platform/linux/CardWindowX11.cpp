@@ -190,12 +190,14 @@ bool CardWindowX11::show() {
         return false;
     }
     child_->map();
+    tellAccessibility(true);
     return true;
 }
 
 void CardWindowX11::hide() {
     nextFrame_.reset();
     pointer_.reset();
+    tellAccessibility(false);
     if (child_) child_->unmap();
     display_.reset();
 }
@@ -247,6 +249,36 @@ void CardWindowX11::pointerEvent(const PointerEvent& event) {
         const auto observer = self.mouseDownObserver_;
         if (event.kind == PointerEvent::Kind::down && observer) observer(inWindow);
         content->deliver(event);
+    });
+}
+
+// A hidden card is none for anybody.
+void CardWindowX11::tellAccessibility(bool isSeen) {
+    if (!resources_->accessibility || std::exchange(isAccessible_, isSeen) == isSeen) return;
+    if (isSeen)
+        resources_->accessibility->appeared(*this);
+    else
+        resources_->accessibility->disappeared(*this);
+}
+
+void CardWindowX11::controlsChanged() {
+    if (isAccessible_) resources_->accessibility->changed(*this);
+}
+
+Point CardWindowX11::accessibleOrigin() const {
+    const double margin = stage_->style().shadowMargin * screen_.scale;
+    return {child_->origin().x + margin, child_->origin().y + margin};
+}
+
+void CardWindowX11::perform(SceneControl::ID control, AccessibilityAction action) {
+    post([control, action, stage = std::weak_ptr{stage_}](CardWindowX11&) {
+        if (const auto content = stage.lock()) content->perform(control, action);
+    });
+}
+
+void CardWindowX11::setNumber(SceneControl::ID control, double number) {
+    post([control, number, stage = std::weak_ptr{stage_}](CardWindowX11&) {
+        if (const auto content = stage.lock()) content->setNumber(control, number);
     });
 }
 

@@ -8,6 +8,7 @@
 #include "platform/Clock.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
+#include "platform/linux/AccessibleCard.hpp"
 #include "platform/linux/CardDisplay.hpp"
 #include "platform/linux/CardPointer.hpp"
 #include "platform/linux/CardStageX11.hpp"
@@ -22,6 +23,7 @@ struct CardResources {
     Clock clock;
     MainThread mainThread;
     Logger log;
+    AccessibleCards* accessibility = nullptr;
     std::shared_ptr<PictureCache> pictures{};  // shared with the canvases
     Listeners<> picturesArrived{};
 };
@@ -29,7 +31,7 @@ struct CardResources {
 // Main thread only. On the X server it is mapped only while there is something of the card to see:
 // at alpha 0 the lock screen is as if there were no card. When the locker goes the server destroys
 // the window; from then on it is a window that shows nothing.
-class CardWindowX11 final : public CardSystemWindow, private StageHost {
+class CardWindowX11 final : public CardSystemWindow, private StageHost, private AccessibleCard {
 public:
     // Null when no locker's window can take it; the reason is logged.
     static std::unique_ptr<CardWindowX11> make(std::shared_ptr<CardResources> resources,
@@ -63,7 +65,15 @@ private:
     CardWindowX11(std::shared_ptr<CardResources> resources, const WindowSettings& settings,
                   const Screen& screen);
     void sceneChanged(const std::vector<Rect>& areas) override;
+    void controlsChanged() override;
     void stageChanged() override { updateSoon(); }
+    const Scene& accessibleScene() const override { return stage_->scene(); }
+    Point accessibleOrigin() const override;
+    double accessibleScale() const override { return screen_.scale; }
+    Size accessibleSize() const override { return stage_->style().card; }
+    void perform(SceneControl::ID control, AccessibilityAction action) override;
+    void setNumber(SceneControl::ID control, double number) override;
+    void tellAccessibility(bool isSeen);
     void picturesArrived();
 
     void updateSoon();
@@ -93,6 +103,7 @@ private:
     bool ignoresMouseEvents_;
     bool isOrderedIn_ = false;
     bool isUpdatePosted_ = false;
+    bool isAccessible_ = false;  // assistive technology has been told of it
     std::shared_ptr<CardStageX11> stage_;
     std::optional<Fade> fade_;
     std::optional<Point> arrow_;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/LivePlatform.hpp"
+#include "platform/linux/AccessibilityLinux.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
 #include "platform/linux/Confinement.hpp"
 #include "platform/linux/EncodedImage.hpp"
@@ -36,16 +37,20 @@ struct PlatformLinux {
         : x11(std::move(session)),
           watcher(ServicesLinux::of(services), *x11, {services.log, kPlatformSubsystem, "lock"}),
           motion(ServicesLinux::of(services).sessionBus),
+          accessibility(ServicesLinux::of(services).loop, ServicesLinux::of(services).sessionBus,
+                        {services.log, kPlatformSubsystem, "accessibility"}),
           cards(moduleFile(), {.x11 = *x11,
                                .clock = services.clock,
                                .mainThread = services.mainThread,
                                .log = services.log,
-                               .makeSerialQueue = services.makeSerialQueue}),
+                               .makeSerialQueue = services.makeSerialQueue,
+                               .accessibility = &accessibility}),
           motionRefreshes(watcher.observeLocking([this] { motion.refresh(); })) {}
 
     std::unique_ptr<X11SessionLinux> x11;
     LockWatcherLinux watcher;
     MotionSetting motion;
+    AccessibilityLinux accessibility;
     CardModuleLoader cards;
     Handle motionRefreshes;
 };

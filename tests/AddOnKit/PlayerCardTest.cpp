@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <algorithm>
 
 #include "tests/AddOnKit/PlayingModel.hpp"
@@ -220,8 +222,13 @@ TEST(PlayerCard, ObeysAssistiveTechnology) {
     ask(ID::title, AccessibilityAction::press);
     ask(ID::volume, AccessibilityAction::increment);
     ask(ID::volume, AccessibilityAction::decrement);
-    EXPECT_EQ(f.actions,
-              (std::vector<std::string>{"playPause", "toggleLove", "volume 55", "volume 50"}));
+    const auto& set = f.stage->events.accessibilityNumber;
+    set(ID::volume, 31.7);
+    set(ID::volume, 1e300);
+    set(ID::volume, std::nan(""));
+    set(ID::progress, 10);
+    EXPECT_EQ(f.actions, (std::vector<std::string>{"playPause", "toggleLove", "volume 55",
+                                                   "volume 50", "volume 31", "volume 100"}));
 }
 
 // A sent command may run the main loop, where the windows are closed.

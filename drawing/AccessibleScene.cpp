@@ -1,0 +1,50 @@
+#include "drawing/AccessibleScene.hpp"
+
+#include <algorithm>
+
+namespace quorvane {
+namespace {
+
+const SceneControl* find(const std::vector<SceneControl>& controls, SceneControl::ID id) {
+    const auto found = std::ranges::find(controls, id, &SceneControl::id);
+    return found == controls.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+std::span<const AccessibilityAction> accessibilityActions(SceneControl::Role role) {
+    static constexpr AccessibilityAction kOfButtons[] = {AccessibilityAction::press};
+    static constexpr AccessibilityAction kOfSliders[] = {AccessibilityAction::increment,
+                                                         AccessibilityAction::decrement};
+    switch (role) {
+        case SceneControl::Role::button: return kOfButtons;
+        case SceneControl::Role::slider: return kOfSliders;
+        default: return {};
+    }
+}
+
+std::vector<AccessibilityChange> accessibilityChanges(const std::vector<SceneControl>& from,
+                                                      const std::vector<SceneControl>& to) {
+    using Kind = AccessibilityChange::Kind;
+    std::vector<AccessibilityChange> changes;
+    for (const SceneControl& control : from)
+        if (!find(to, control.id)) changes.push_back({Kind::disappeared, control.id});
+    for (const SceneControl& control : to)
+        if (!find(from, control.id)) changes.push_back({Kind::appeared, control.id});
+    for (const SceneControl& control : to) {
+        const SceneControl* const before = find(from, control.id);
+        if (!before) continue;
+        if (before->label != control.label) changes.push_back({Kind::label, control.id});
+        if (before->number != control.number && control.role == SceneControl::Role::slider)
+            changes.push_back({Kind::number, control.id});
+    }
+    return changes;
+}
+
+const SceneControl* accessibleControlAt(const std::vector<SceneControl>& controls, Point point) {
+    const auto found = std::ranges::find_if(
+        controls, [&](const SceneControl& control) { return control.frame.contains(point); });
+    return found == controls.end() ? nullptr : &*found;
+}
+
+}  // namespace quorvane

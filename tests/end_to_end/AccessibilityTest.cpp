@@ -1,0 +1,120 @@
+// The card for people who do not see it: over the real accessibility bus, with the library that
+// screen readers use.
+
+#include <gtest/gtest.h>
+
+#include "AddOnKit/PlayerGeometry.hpp"
+#include "tests/end_to_end/LockSession.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+class EndToEndAccessibility : public testing::Test {
+protected:
+    void startBus(bool isInUse) {
+        launcher =
+            session.start({"env", "GSETTINGS_BACKEND=memory", "/usr/libexec/at-spi-bus-launcher",
+                           "--launch-immediately", isInUse ? "--a11y=1" : "--a11y=0"});
+        ASSERT_TRUE(LockSession::eventually([&] {
+            return busctl(
+                {"call", "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Peer", "Ping"});
+        }));
+    }
+    // Not by SIGKILL: it would leave its bus behind.
+    void TearDown() override { launcher.process().end(SIGTERM); }
+
+    bool busctl(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"busctl", "--user", "--quiet"});
+        return session.start(arguments).process().wait(20s) == 0;
+    }
+    bool reader(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), SCREEN_READER);
+        return session.start(arguments).process().wait(20s) == 0;
+    }
+    std::string tree() {
+        LoggedProcess told = session.start({SCREEN_READER, "tree"});
+        told.says("end of the tree");
+        return told.log();
+    }
+    bool treeHolds(const std::string& text) {
+        return LockSession::eventually([&] { return tree().find(text) != std::string::npos; });
+    }
+
+    LockSession session;
+    LoggedProcess launcher;
+};
+
+TEST_F(EndToEndAccessibility, AScreenReaderFindsTheCardAndItsPressesAreClicks) {
+    startBus(true);
+    LoggedProcess host = session.startHost();
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess listener = session.start({SCREEN_READER, "listen"});
+    ASSERT_TRUE(listener.says("listening"));
+    LoggedProcess locker = session.startLocker();
+    const CardOnScreen card = LockSession::nextCard(addOn);
+    ASSERT_TRUE(addOn.says("accessibility: connected")) << addOn.log();
+    ASSERT_TRUE(LockSession::eventually([&] { return reader({"tree"}); }));
+
+    const Point next = card.middleOf(PlayerGeometry::make(true, false).next);
+    const std::string place = std::to_string(static_cast<int>(next.x) - 22) + "," +
+                              std::to_string(static_cast<int>(next.y) - 22) + " 44x44 itself\n";
+    for (const std::string& line :
+         {std::string{"application 'Quorvane Lock Screen'\n"},
+          std::string{"  grouping 'Now Playing' at "}, std::string{"    label 'Tideline' at "},
+          std::string{"    image 'Artwork' at "},
+          std::string{"    progress bar 'Playback Position' "},
+          std::string{"    push button 'Pause' click at "},
+          "    push button 'Next Track' click at " + place,
+          std::string{"    slider 'Volume' increment decrement 64 of 0..100 by 5 at "}})
+        EXPECT_NE(tree().find(line), std::string::npos) << line << "\n" << tree();
+    EXPECT_EQ(tree().find('('), std::string::npos) << tree();
+
+    EXPECT_TRUE(reader({"do", "Pause", "click"}));
+    ASSERT_TRUE(addOn.says("command: playPause")) << addOn.log();
+    EXPECT_TRUE(listener.says("object:property-change:accessible-name of push button 'Play'"));
+    EXPECT_TRUE(treeHolds("push button 'Play' click"));
+    EXPECT_FALSE(reader({"do", "Pause", "click"}));
+
+    EXPECT_TRUE(reader({"do", "Volume", "increment"}));
+    ASSERT_TRUE(addOn.says("volume: step to 69")) << addOn.log();
+    EXPECT_TRUE(listener.says("object:property-change:accessible-value of slider 'Volume'"));
+    EXPECT_TRUE(reader({"set", "Volume", "31"}));
+    ASSERT_TRUE(addOn.says("volume: step to 31")) << addOn.log();
+    EXPECT_TRUE(treeHolds("'Volume' increment decrement 31 of 0..100 by 5"));
+
+    EXPECT_TRUE(reader({"do", "Next Track", "click"}));
+    ASSERT_TRUE(addOn.says("state: track changed"));
+    EXPECT_TRUE(listener.says("object:property-change:accessible-name of label"));
+
+    locker.process().end(SIGTERM);
+    ASSERT_TRUE(addOn.says("accessibility: disconnected"));
+    EXPECT_TRUE(LockSession::eventually([&] { return !reader({"tree"}); }));
+}
+
+TEST_F(EndToEndAccessibility, NobodyIsToldUntilAssistiveTechnologyIsInUse) {
+    startBus(false);
+    LoggedProcess host = session.startHost();
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess locker = session.startLocker();
+    ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
+    const auto use = [&](const char* isInUse) {
+        return busctl({"set-property", "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Status",
+                       "IsEnabled", "b", isInUse});
+    };
+    EXPECT_EQ(addOn.count("accessibility:"), 0);
+    EXPECT_FALSE(reader({"tree"}));
+    ASSERT_TRUE(use("true"));
+    ASSERT_TRUE(addOn.says("accessibility: connected")) << addOn.log();
+    EXPECT_TRUE(LockSession::eventually([&] { return reader({"tree"}); }));
+    ASSERT_TRUE(use("false"));
+    EXPECT_TRUE(addOn.says("accessibility: disconnected"));
+    ASSERT_TRUE(use("true"));
+    ASSERT_TRUE(addOn.says("accessibility: connected"));
+    launcher.process().end(SIGTERM);
+    EXPECT_TRUE(addOn.says("accessibility: disconnected"));
+}
+
+}  // namespace
+}  // namespace quorvane
