@@ -1,0 +1,74 @@
+// A short run of every fuzz target with a generator of its own, so that each test run tries new
+// inputs; docs/reliability.md tells of the long runs with a coverage-guided one.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ostream>
+#include <random>
+
+#include "tests/fuzz/FuzzTargets.hpp"
+
+namespace quorvane {
+
+void PrintTo(const FuzzTarget& target, std::ostream* stream) { *stream << target.name; }
+
+namespace {
+
+using Random = std::mt19937;
+
+std::size_t below(Random& random, std::size_t bound) {
+    return bound == 0 ? 0 : std::uniform_int_distribution<std::size_t>{0, bound - 1}(random);
+}
+
+// One of the changes that readers stumble over.
+void change(std::string& text, Random& random) {
+    static constexpr std::string_view kPieces[] = {
+        "\"",    "\\",   "{",           "}",       "[",
+        "]",     ":",    ",",           "0",       "-1",
+        "1e999", "null", "\\u0000",     "\\ud800", "9223372036854775808",
+        "%00",   "%2",   "<",           ">",       "&#x110000;",
+        "\xff",  "\xc3", "\xed\xa0\x80"};
+    const std::size_t place = below(random, text.size());
+    switch (below(random, 6)) {
+        case 0: text.resize(place); break;
+        case 1: text.erase(place, 1 + below(random, 8)); break;
+        case 2: text.insert(place, text.substr(below(random, text.size()), 16)); break;
+        case 3: text.insert(place, kPieces[below(random, std::size(kPieces))]); break;
+        case 4: text.append(below(random, 64), static_cast<char>(below(random, 256))); break;
+        default:
+            if (!text.empty()) text[place] = static_cast<char>(below(random, 256));
+    }
+}
+
+class Fuzz : public testing::TestWithParam<FuzzTarget> {};
+
+TEST_P(Fuzz, KeepsItsPromises) {
+    const FuzzTarget& target = GetParam();
+    for (const std::string_view seed : target.seeds) target.read(bytesOf(seed));
+    target.read({});
+
+    const unsigned number = std::random_device{}();
+    // Also seen when a target ends the process.
+    std::printf("seed %u\n", number);
+    std::fflush(stdout);
+    Random random{number};
+    constexpr int kInputs = 2000;
+    for (int input = 0; input < kInputs; ++input) {
+        std::string text{target.seeds[below(random, target.seeds.size())]};
+        for (std::size_t changes = 1 + below(random, 4); changes > 0; --changes)
+            change(text, random);
+        target.read(bytesOf(text));
+    }
+}
+
+std::string nameOf(const testing::TestParamInfo<FuzzTarget>& info) {
+    std::string name;
+    for (const char letter : info.param.name)
+        if (letter != '-') name += letter;
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Readers, Fuzz, testing::ValuesIn(fuzzTargets()), nameOf);
+
+}  // namespace
+}  // namespace quorvane
