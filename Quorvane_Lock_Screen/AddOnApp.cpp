@@ -3,9 +3,8 @@
 #include "AddOnKit/DurationText.hpp"
 #include "AddOnKit/LaunchDecision.hpp"
 #include "AddOnKit/LoginItem.hpp"
-#include "AddOnKit/SelfRemoval.hpp"
 #include "QuorvaneKit/Identifiers.hpp"
-#include "shared/AddOnInstallLocation.hpp"
+#include "Quorvane_Lock_Screen/AddOnRemoval.hpp"
 
 namespace quorvane {
 namespace {
@@ -24,7 +23,6 @@ std::string joined(const InstanceHandover::PIDs& pids) {
 AddOnApp::AddOnApp(const LivePlatform& platform)
     : platform_(platform),
       log_(platform.services.log, kAddOnBundleIdentifier, "app"),
-      removalLog_(platform.services.log, kAddOnBundleIdentifier, "removal"),
       coordinator_(AddOnCoordinator::make(platform)) {}
 
 void AddOnApp::applicationDidFinishLaunching() {
@@ -35,34 +33,8 @@ void AddOnApp::applicationDidFinishLaunching() {
                                  .bundle = services.process.bundle,
                                  .identity = services.installation.fileManager.identity,
                                  .log = services.log};
-    launch.perform([this] { finishRemoval(); }, [this] { uninstall(); }, [this] { run(); });
-}
-
-void AddOnApp::finishRemoval() const {
-    removalLog_.standard("launch: a removal is pending; finishing it");
-    remove();
-}
-
-void AddOnApp::uninstall() const {
-    removalLog_.standard("launch: asked to uninstall; removing the add-on");
-    remove();
-}
-
-void AddOnApp::remove() const {
-    const LiveServices& services = platform_.services;
-    const auto& applicationSupport = services.installation.applicationSupport;
-    const SelfRemoval removal{
-        .defaults = services.standardDefaults,
-        .loginItem = services.installation.loginItem,
-        .fileManager = services.installation.fileManager,
-        .bundle = services.process.bundle,
-        // Without a home there is no such folder, and the empty path is refused.
-        .supportDirectory = applicationSupport
-                                ? AddOnInstallLocation::supportDirectory(*applicationSupport)
-                                : std::filesystem::path{},
-        .terminate = services.application.terminate,
-        .log = removalLog_};
-    removal.perform();
+    launch.perform([&services] { finishRemoval(services); }, [&services] { uninstall(services); },
+                   [this] { run(); });
 }
 
 void AddOnApp::run() {

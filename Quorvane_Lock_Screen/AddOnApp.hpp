@@ -23,16 +23,12 @@ public:
 private:
     struct AfterHandover;
 
-    void finishRemoval() const;
-    void uninstall() const;
-    void remove() const;
     void run();
     void handOver();
     void askToQuit(const InstanceHandover::PIDs& pids) const;
 
     const LivePlatform& platform_;
     Logger log_;
-    Logger removalLog_;
     std::shared_ptr<AddOnCoordinator> coordinator_;
     // Each ends when the process is about to: a coordinator that began after that would show
     // windows that nobody closes.

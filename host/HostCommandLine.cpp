@@ -18,7 +18,13 @@ struct CommandRow {
 
 constexpr CommandRow kCommands[] = {
     {"run", Command::run, "serve the add-on until interrupted (this is the default)"},
+    {"install", Command::install,
+     "put the add-on in its place, turn the card on, start the add-on"},
+    {"update", Command::update, "the same for a newer version than the one installed"},
+    {"launch", Command::launch, "start the installed add-on if it does not run"},
     {"status", Command::status, "tell whether a host runs, what it plays, and about the add-on"},
+    {"quit", Command::quit, "have the add-on quit until the next login"},
+    {"remove", Command::remove, "have the add-on remove itself with all that it has left"},
     {"enable", Command::enable, "turn the card on the lock screen on"},
     {"disable", Command::disable, "turn the card on the lock screen off"},
 };
@@ -28,6 +34,11 @@ struct OptionRow {
     std::string_view value;
     std::string_view help;
     void (*set)(HostCommandLine& line, const std::string& value);
+};
+
+constexpr OptionRow kInstallOptions[] = {
+    {"--from", "PATH", "the bundle to install, instead of the one that came with this program",
+     [](HostCommandLine& line, const std::string& value) { line.bundle = value; }},
 };
 
 constexpr OptionRow kRunOptions[] = {
@@ -48,6 +59,7 @@ struct Parser {
     std::optional<Command> command{};
     std::optional<Player> player{};
     std::string_view firstRunOption{};
+    std::string_view firstInstallOption{};
     std::string mistake{};
 
     bool takeCommand(const std::string& word) {
@@ -60,9 +72,8 @@ struct Parser {
 
     bool takeOption(const std::string& word) {
         const std::string name = word.substr(0, word.find('='));
-        const auto row = std::ranges::find(kRunOptions, name, &OptionRow::name);
-        if (row == std::end(kRunOptions)) return fail("unknown option " + quoted(name));
-        if (firstRunOption.empty()) firstRunOption = row->name;
+        const OptionRow* const row = findOption(name);
+        if (!row) return fail("unknown option " + quoted(name));
         std::string value;
         if (name.size() < word.size()) {
             value = word.substr(name.size() + 1);
@@ -75,6 +86,17 @@ struct Parser {
         if (!row->set) return takePlayer(value);
         row->set(line, value);
         return true;
+    }
+
+    const OptionRow* findOption(std::string_view name) {
+        const auto among = [name](std::span<const OptionRow> rows, std::string_view& first) {
+            const auto row = std::ranges::find(rows, name, &OptionRow::name);
+            if (row == rows.end()) return static_cast<const OptionRow*>(nullptr);
+            if (first.empty()) first = row->name;
+            return &*row;
+        };
+        if (const auto* row = among(kRunOptions, firstRunOption)) return row;
+        return among(kInstallOptions, firstInstallOption);
     }
 
     bool takePlayer(const std::string& kind) {
@@ -92,6 +114,10 @@ struct Parser {
         line.player = player.value_or(line.script ? Player::scripted : Player::mpris);
         if (line.command != Command::run && !firstRunOption.empty())
             return fail(std::string{firstRunOption} + " is an option of 'run' only");
+        if (line.command != Command::install && line.command != Command::update &&
+            !firstInstallOption.empty())
+            return fail(std::string{firstInstallOption} +
+                        " is an option of 'install' and 'update' only");
         if (line.player == Player::scripted && !line.script)
             return fail("--player scripted needs --script FILE");
         if (line.player == Player::mpris && line.script)
@@ -148,6 +174,9 @@ std::string HostCommandLine::help() {
     for (const CommandRow& row : kCommands) text += helpRow(std::string{row.name}, row.help);
     text += "\nOptions of run:\n";
     for (const OptionRow& row : kRunOptions)
+        text += helpRow(std::string{row.name} + ' ' + std::string{row.value}, row.help);
+    text += "\nOptions of install and update:\n";
+    for (const OptionRow& row : kInstallOptions)
         text += helpRow(std::string{row.name} + ' ' + std::string{row.value}, row.help);
     text += "\nOther options:\n" + helpRow("-h, --help", "show this text and exit") +
             helpRow("-V, --version", "show the version and exit");

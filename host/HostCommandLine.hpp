@@ -16,13 +16,26 @@ enum HostExitStatus {
 };
 
 struct HostCommandLine {
-    enum class Command { run, status, enable, disable, help, version };
+    enum class Command {
+        run,
+        install,
+        update,
+        launch,
+        status,
+        quit,
+        remove,
+        enable,
+        disable,
+        help,
+        version,
+    };
     enum class Player { mpris, scripted };
 
     Command command = Command::run;
     Player player = Player::mpris;
     std::optional<std::string> script{};      // always there when scripted
     std::optional<std::string> onlyPlayer{};  // the name of the players to follow
+    std::optional<std::string> bundle{};      // to install; the program's own when not named
     bool operator==(const HostCommandLine&) const = default;
 
     // `arguments` without the program's own name. A failure is one sentence for a person.

@@ -61,6 +61,19 @@ std::string cardText(const HostStatus& status) {
     return status.isEnabled ? "on" : "off; turn it on with: quorvane-host enable";
 }
 
+std::string installedText(const AddOnPlace& place) {
+    switch (place.state) {
+        case AddOnPlace::State::installed:
+            return "version " + printable(place.version) + " as " +
+                   printable(place.bundle.string());
+        case AddOnPlace::State::damaged:
+            return "damaged; mend it with: quorvane-host install, or use: quorvane-host remove";
+        case AddOnPlace::State::foreign: return "no; " + printable(place.trouble);
+        case AddOnPlace::State::empty: break;
+    }
+    return "no; do so with: quorvane-host install";
+}
+
 struct LastSeenText {
     std::string operator()(const LockScreenAddOnNotInstalled&) const {
         return "not running, and never seen";
@@ -92,7 +105,7 @@ std::string addOnText(const HostStatus& status, WallTime now) {
 
 std::string HostStatus::text(WallTime now) const {
     return "Host:    " + hostText(*this, now) + "\nCard:    " + cardText(*this) +
-           "\nAdd-on:  " + addOnText(*this, now) + "\n";
+           "\nInstall: " + installedText(place) + "\nAdd-on:  " + addOnText(*this, now) + "\n";
 }
 
 }  // namespace quorvane

@@ -7,6 +7,7 @@
 #include "QuorvaneKit/LockScreenAddOnSighting.hpp"
 #include "QuorvaneKit/LockScreenHelloOutcome.hpp"
 #include "QuorvaneKit/QuorvanePlayerState.hpp"
+#include "host/AddOnPlace.hpp"
 #include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
@@ -18,6 +19,7 @@ struct HostStatus {
     bool isEnabled = false;
     std::optional<LockScreenPendingRemoval> pendingRemoval;
     std::optional<LockScreenAddOnSighting> lastSeen;
+    AddOnPlace place{};
     std::optional<AddOnSignals::Status> addOn;  // what a running add-on answered
 
     // A few lines for a person.

@@ -19,6 +19,7 @@ constexpr Duration kAddOnTimeout = std::chrono::milliseconds{500};
 
 void HostStatusQuery::start(std::function<void(HostStatus)> done) {
     done_ = std::move(done);
+    status_.place = services_.lookAtPlace();
     readDefaults();
     askHost();
     observation_ = services_.distributedNotices.observe(

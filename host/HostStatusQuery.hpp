@@ -21,6 +21,7 @@ public:
         Clock clock;
         DistributedNotices distributedNotices;
         std::optional<UserDefaults> sharedSuite;
+        std::function<AddOnPlace()> lookAtPlace;
     };
 
     explicit HostStatusQuery(Services services) : services_(std::move(services)) {}

@@ -5,6 +5,8 @@
 
 #include "QuorvaneKit/Identifiers.hpp"
 #include "QuorvaneKit/PortNames.hpp"
+#include "host/AddOnCommands.hpp"
+#include "host/BundleToInstall.hpp"
 #include "host/CardSwitch.hpp"
 #include "host/HostCommandLine.hpp"
 #include "host/HostCoordinator.hpp"
@@ -100,12 +102,18 @@ int run(const HostCommandLine& line, const LiveServices& services) {
         [&] { host.stop(); });
 }
 
+AddOnPlace lookAtPlace(const LiveServices& services) {
+    const auto& folder = services.installation.applicationSupport;
+    return folder ? AddOnPlace::look(*folder, makeLiveBundleFiles()) : AddOnPlace{};
+}
+
 int tellStatus(const LiveServices& services) {
     HostStatusQuery query{{.connectPort = services.connectPort,
                            .files = services.files,
                            .clock = services.clock,
                            .distributedNotices = services.distributedNotices,
-                           .sharedSuite = sharedSuite(services)}};
+                           .sharedSuite = sharedSuite(services),
+                           .lookAtPlace = [&services] { return lookAtPlace(services); }}};
     bool isRunning = false;
     const auto tell = [&](const HostStatus& status) {
         print(status.text(services.wallClock()));
@@ -114,6 +122,47 @@ int tellStatus(const LiveServices& services) {
     };
     const int status = services.application.run([&] { query.start(tell); }, [] {});
     return status == 0 && isRunning ? kHostDone : kHostFailed;
+}
+
+AddOnCommands::Services addOnServices(const LiveServices& services) {
+    return {.applicationSupport = services.installation.applicationSupport,
+            .bundleFiles = makeLiveBundleFiles(),
+            .fileManager = services.installation.fileManager,
+            .runOpenCommand = services.installation.runOpenCommand,
+            .control = {.applications = services.installation.runningApplications,
+                        .notices = services.distributedNotices,
+                        .clock = services.clock},
+            .darwinNotices = services.darwinNotices,
+            .sharedSuite = sharedSuite(services),
+            .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier})};
+}
+
+int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
+    AddOnCommands commands{addOnServices(services)};
+    int status = kHostFailed;
+    const auto done = [&](const AddOnCommands::Outcome& outcome) {
+        if (outcome) print(*outcome);
+        status = outcome ? kHostDone : fail(outcome.error());
+        services.application.terminate();
+    };
+    const auto putInPlace = [&](void (AddOnCommands::*command)(const std::filesystem::path&,
+                                                               AddOnCommands::Done)) {
+        const auto own = bundleToInstall(services.process.executable, makeLiveBundleFiles());
+        if (!line.bundle && !own)
+            return done(std::unexpected{"no add-on came with this program; name one with --from"});
+        (commands.*command)(line.bundle ? std::filesystem::absolute(*line.bundle) : *own, done);
+    };
+    const auto begin = [&] {
+        switch (line.command) {
+            case Command::install: return putInPlace(&AddOnCommands::install);
+            case Command::update: return putInPlace(&AddOnCommands::update);
+            case Command::launch: return commands.launch(done);
+            case Command::quit: return commands.quit(done);
+            default: return commands.remove(done);
+        }
+    };
+    const int ended = services.application.run(begin, [] {});
+    return ended == 0 ? status : kHostFailed;
 }
 
 int switchCard(bool isEnabled, const LiveServices& services) {
@@ -144,7 +193,8 @@ int main(int argumentCount, char** arguments) {
         case Command::status: return tellStatus(*services);
         case Command::enable: return switchCard(true, *services);
         case Command::disable: return switchCard(false, *services);
-        default: return run(*line, *services);
+        case Command::run: return run(*line, *services);
+        default: return controlAddOn(*line, *services);
     }
 }
 

@@ -21,6 +21,7 @@ struct SystemVersion {
 
 struct ProcessInfo {
     std::vector<std::string> arguments;  // the executable first
+    std::filesystem::path executable{};  // its file; empty when it cannot be told
     std::int32_t pid = 0;
     SystemVersion systemVersion;
     std::filesystem::path bundle;         // the bundle's folder; empty when not run from one

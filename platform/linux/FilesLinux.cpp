@@ -21,24 +21,6 @@ namespace {
 // Far above every file of the link; it keeps a mistaken path from filling the memory.
 constexpr std::uint64_t kLargestFile = 256 << 20;
 
-Result<void> writeAll(int descriptor, ByteView bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return posixError("write");
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
-    return {};
-}
-
-// The name of a file that has been renamed is itself lost in a crash until its folder is written.
-Result<void> syncFolder(const std::filesystem::path& folder) {
-    const FileDescriptor descriptor{open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
-    if (!descriptor) return posixError("open " + folder.string());
-    if (fsync(descriptor.get()) != 0) return posixError("fsync " + folder.string());
-    return {};
-}
-
 std::optional<std::filesystem::path> containerOfGroup(const std::string& group) {
     auto folder = dataFolder();
     if (!folder || !isPlainFileName(group)) return std::nullopt;
@@ -62,6 +44,23 @@ Result<Bytes> readWhole(const std::filesystem::path& file) {
 }
 
 }  // namespace
+
+Result<void> writeAll(int descriptor, ByteView bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return posixError("write");
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return {};
+}
+
+Result<void> syncFolder(const std::filesystem::path& folder) {
+    const FileDescriptor descriptor{open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+    if (!descriptor) return posixError("open " + folder.string());
+    if (fsync(descriptor.get()) != 0) return posixError("fsync " + folder.string());
+    return {};
+}
 
 Result<void> makePrivateFolders(const std::filesystem::path& folder) {
     if (mkdir(folder.c_str(), 0700) == 0) return {};

@@ -12,6 +12,9 @@ namespace quorvane {
 
 // Makes what is missing of the folder and of those above it, with mode 0700.
 Result<void> makePrivateFolders(const std::filesystem::path& folder);
+Result<void> writeAll(int descriptor, ByteView bytes);
+// Writes the folder's names to the disk: a renamed file's is itself lost in a crash until then.
+Result<void> syncFolder(const std::filesystem::path& folder);
 // Old or new contents stand there at any moment, also after a crash of the machine. Mode 0600. The
 // folder must be there.
 Result<void> writeFileAtomically(const std::filesystem::path& file, ByteView contents);

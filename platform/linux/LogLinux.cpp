@@ -2,6 +2,7 @@
 
 // Every line would carry the place in this file.
 #define SD_JOURNAL_SUPPRESS_LOCATION
+#include <fcntl.h>
 #include <sys/uio.h>
 #include <systemd/sd-journal.h>
 #include <time.h>
@@ -14,6 +15,7 @@
 #include <utility>
 
 #include "platform/LogRendering.hpp"
+#include "platform/linux/FileDescriptor.hpp"
 
 namespace quorvane {
 namespace {
@@ -66,14 +68,20 @@ std::string withoutControls(std::string_view text) {
 }
 
 // In one piece, so that lines of several threads and processes do not mix.
-void writeToStandardError(const std::string& line) {
+void writeTo(int descriptor, const std::string& line) {
     std::string_view rest = line;
     while (!rest.empty()) {
-        const ssize_t written = write(STDERR_FILENO, rest.data(), rest.size());
+        const ssize_t written = write(descriptor, rest.data(), rest.size());
         if (written < 0 && errno == EINTR) continue;
         if (written < 0) return;  // nobody to tell
         rest.remove_prefix(static_cast<std::size_t>(written));
     }
+}
+
+FileDescriptor openedLog(const std::filesystem::path& file) {
+    if (file.empty()) return {};
+    return FileDescriptor{open(
+        file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0600)};
 }
 
 bool writeToJournal(const LogLine& line, const LogOptions& options) {
@@ -91,18 +99,22 @@ bool writeToJournal(const LogLine& line, const LogOptions& options) {
 }  // namespace
 
 LogOptions LogOptions::fromEnvironment(std::string identifier) {
+    const char* const target = std::getenv("QUORVANE_LOG");
     return {.identifier = std::move(identifier),
             .toStandardError = isVariable("QUORVANE_LOG", "stderr"),
-            .showsPrivate = isVariable("QUORVANE_LOG_PRIVATE", "1")};
+            .showsPrivate = isVariable("QUORVANE_LOG_PRIVATE", "1"),
+            .file = target && target[0] == '/' ? target : ""};
 }
 
 LogSink makeLogSink(LogOptions options) {
     // The journal's own function reports success when there is none.
-    if (access(kJournalSocket, F_OK) != 0) options.toStandardError = true;
-    return [options = std::move(options)](const LogLine& line) {
+    if (!options.file.empty() || access(kJournalSocket, F_OK) != 0) options.toStandardError = true;
+    const auto file = std::make_shared<FileDescriptor>(openedLog(options.file));
+    return [options = std::move(options), file](const LogLine& line) {
         if (!options.toStandardError && writeToJournal(line, options)) return;
         const WallTime now = std::chrono::system_clock::now();
-        writeToStandardError(standardErrorLine(line, now, options.showsPrivate));
+        writeTo(*file ? file->get() : STDERR_FILENO,
+                standardErrorLine(line, now, options.showsPrivate));
     };
 }
 

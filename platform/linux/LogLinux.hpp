@@ -1,6 +1,7 @@
-// The unified log on this system: the journal, or standard error where there is none.
+// The unified log on this system: the journal, or standard error where there is none, or a file.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include "platform/Clock.hpp"
@@ -12,8 +13,11 @@ struct LogOptions {
     std::string identifier;        // SYSLOG_IDENTIFIER, the program's name
     bool toStandardError = false;  // although there is a journal
     bool showsPrivate = false;
+    // Lines are added to it instead, in the form of standard error, where they go as well when it
+    // cannot be opened. What is started detached has no standard error.
+    std::filesystem::path file{};
 
-    // QUORVANE_LOG=stderr and QUORVANE_LOG_PRIVATE=1 set the two.
+    // QUORVANE_LOG=stderr, or the absolute path of a file, and QUORVANE_LOG_PRIVATE=1 set them.
     static LogOptions fromEnvironment(std::string identifier);
 };
 

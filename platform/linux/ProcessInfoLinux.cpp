@@ -48,6 +48,7 @@ ProcessInfo makeProcessInfo(int argumentCount, char** arguments) {
     std::error_code none;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", none);
     ProcessInfo info{.arguments = {arguments, arguments + argumentCount},
+                     .executable = executable,
                      .pid = getpid(),
                      .systemVersion = kInterfaceVersion,
                      .bundle = bundleOfExecutable(executable),

@@ -19,6 +19,11 @@ TEST(HostCommandLine, Understands) {
         {{"status"}, {.command = Command::status}},
         {{"enable"}, {.command = Command::enable}},
         {{"disable"}, {.command = Command::disable}},
+        {{"install"}, {.command = Command::install}},
+        {{"update", "--from", "/X.app"}, {.command = Command::update, .bundle = "/X.app"}},
+        {{"launch"}, {.command = Command::launch}},
+        {{"quit"}, {.command = Command::quit}},
+        {{"remove"}, {.command = Command::remove}},
         {{"run", "--only", "mpv"}, {.onlyPlayer = "mpv"}},
         {{"--script", "a b.json"}, {.player = Player::scripted, .script = "a b.json"}},
         {{"--script=x=y.json", "run"}, {.player = Player::scripted, .script = "x=y.json"}},
@@ -50,6 +55,8 @@ TEST(HostCommandLine, ExplainsWhatIsWrong) {
         {{"--player", "scripted"}, "--player scripted needs --script FILE"},
         {{"--player", "mpris", "--script", "x"}, "--script does not go with --player mpris"},
         {{"--script", "x", "--only", "y"}, "--only does not go with a scripted player"},
+        {{"remove", "--from", "x"}, "--from is an option of 'install' and 'update' only"},
+        {{"install", "--script", "x"}, "--script is an option of 'run' only"},
         {{"status", "--only", "x"}, "--only is an option of 'run' only"},
     };
     for (const auto& [arguments, expected] : rows) {
@@ -61,7 +68,8 @@ TEST(HostCommandLine, ExplainsWhatIsWrong) {
 
 TEST(HostCommandLine, HelpNamesEveryWord) {
     for (const char* word : {"run", "status", "enable", "disable", "--player KIND", "--script FILE",
-                             "--only NAME", "--help", "--version", "Exit status"})
+                             "--only NAME", "install", "update", "launch", "quit", "remove",
+                             "--from PATH", "--help", "--version", "Exit status"})
         EXPECT_NE(HostCommandLine::help().find(word), std::string::npos) << word;
 }
 

@@ -84,6 +84,7 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
     EXPECT_EQ(result.text,
               "Host:    running, paused \"Low Tide\" by The Quiet Harbour (0:30 of 3:34)\n"
               "Card:    on\n"
+              "Install: no; do so with: quorvane-host install\n"
               "Add-on:  not running, and never seen\n");
     struct stat secret {};
     ASSERT_EQ(stat((folder / "data/group.example.quillon.Quorvane/ipc-secret").c_str(), &secret),

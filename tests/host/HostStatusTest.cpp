@@ -52,6 +52,17 @@ TEST(HostStatus, TellsOfCardAndAddOn) {
     status.pendingRemoval.emplace();
     EXPECT_EQ(lineOf(status, "Card"), "Card:    off; the add-on has been asked to remove itself");
 
+    EXPECT_EQ(lineOf(status, "Install"), "Install: no; do so with: quorvane-host install");
+    status.place.state = AddOnPlace::State::installed;
+    status.place.version = "1.2\n";
+    status.place.bundle = "/a/X.app";
+    EXPECT_EQ(lineOf(status, "Install"), "Install: version 1.2? as /a/X.app");
+    status.place.state = AddOnPlace::State::damaged;
+    EXPECT_TRUE(lineOf(status, "Install").starts_with("Install: damaged; mend it with"));
+    status.place.state = AddOnPlace::State::foreign;
+    status.place.trouble = "/a is no folder";
+    EXPECT_EQ(lineOf(status, "Install"), "Install: no; /a is no folder");
+
     EXPECT_EQ(lineOf(status, "Add-on"), "Add-on:  not running, and never seen");
     status.lastSeen = LockScreenAddOnSighting{.addOnVersion = "1.2.0",
                                               .macOSVersion = "26.1.0",
@@ -90,16 +101,18 @@ protected:
             {.connectPort = [this](const std::string&) -> std::unique_ptr<RemotePort> {
                  return reply ? std::make_unique<OneReplyPort>(*reply) : nullptr;
              },
-             .files = {
-                 .containerOfGroup =
-                     [](const std::string&) { return std::optional<std::filesystem::path>{"/"}; },
-                 .read = [](const std::filesystem::path&) -> Result<Bytes> {
-                     return Bytes(MessagePortWire::kSecretLength, std::byte{9});
-                 },
-                 .writeAtomically = {}},
+             .files = {.containerOfGroup =
+                           [](const std::string&) {
+                               return std::optional<std::filesystem::path>{"/"};
+                           },
+                       .read = [](const std::filesystem::path&) -> Result<Bytes> {
+                           return Bytes(MessagePortWire::kSecretLength, std::byte{9});
+                       },
+                       .writeAtomically = {}},
              .clock = clock.clock(),
              .distributedNotices = notices.distributed(),
-             .sharedSuite = defaults.table()}};
+             .sharedSuite = defaults.table(),
+             .lookAtPlace = [] { return AddOnPlace{}; }}};
         std::vector<HostStatus> answers;
         query.start([&](HostStatus status) { answers.push_back(std::move(status)); });
         if (addOnSays) notices.deliver(AddOnSignals::kStatus, *addOnSays);

@@ -13,6 +13,7 @@
 #include <regex>
 
 #include "tests/support/ForkedChild.hpp"
+#include "tests/support/TemporaryFolder.hpp"
 
 namespace quorvane {
 namespace {
@@ -41,6 +42,19 @@ void logAll(LogOptions options) {
     log.standard("standard");
     log.error("error");
     log.fault("fault\nof two lines");
+}
+
+TEST(LogLinuxTest, AFileTakesTheLinesOfSeveralPrograms) {
+    const TemporaryFolder folder;
+    setenv("QUORVANE_LOG", (folder / "log").c_str(), 1);
+    logAll(LogOptions::fromEnvironment("one"));
+    logAll(LogOptions::fromEnvironment("another"));
+    setenv("QUORVANE_LOG", "relative", 1);
+    EXPECT_TRUE(LogOptions::fromEnvironment("test").file.empty());
+    unsetenv("QUORVANE_LOG");
+    const std::string text = folder.read("log");
+    EXPECT_EQ(std::ranges::count(text, '\n'), 10);
+    EXPECT_EQ(text.find("secret"), std::string::npos);
 }
 
 TEST(LogLinuxTest, TheEnvironmentChooses) {
