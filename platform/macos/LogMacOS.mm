@@ -7,6 +7,7 @@
 #import <os/log.h>
 
 #include <map>
+#include <memory>
 #include <mutex>
 #include <utility>
 

@@ -14,7 +14,7 @@
 @interface NSImage : NSObject
 + (instancetype)imageWithSystemSymbolName:(NSString*)symbolName accessibilityDescription:(NSString*)description;
 - (NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration;
-@property NSSize size;
+@property(readonly) NSSize size;  // from memory
 - (void)drawInRect:(NSRect)dstSpacePortionRect
           fromRect:(NSRect)srcSpacePortionRect
          operation:(NSCompositingOperation)op

@@ -1,0 +1,14 @@
+// One control of a card as assistive technology meets it. For Objective-C++ only.
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include "drawing/CardWindows.hpp"
+
+@class FirstMouseHostingView;
+
+// Owned by the view that draws the control; what is asked of it goes to that view's events.
+@interface CardControlElement : NSAccessibilityElement
+- (instancetype)initInView:(FirstMouseHostingView*)view;
+- (void)setControl:(const quorvane::SceneControl&)control;
+@end

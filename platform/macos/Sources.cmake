@@ -1,0 +1,46 @@
+# The adapters' files. Included by the macOS edition and by the tests that run them on Linux.
+set(QUORVANE_MACOS_SOURCES
+    ApplicationMacOS.mm
+    BundleFilesMacOS.cpp
+    ClockMacOS.mm
+    DarwinNoticesMacOS.mm
+    DistributedNoticesMacOS.mm
+    FileManagerMacOS.mm
+    FilesMacOS.mm
+    FoundationValues.mm
+    InstallationMacOS.mm
+    LiveServicesMacOS.mm
+    LocalPortMacOS.mm
+    LogMacOS.mm
+    LoginItemMacOS.mm
+    MainThreadMacOS.mm
+    MediaPlayersMacOS.cpp
+    OSLogBuffer.cpp
+    OpenCommandMacOS.mm
+    ProcessInfoMacOS.mm
+    RegularFilesMacOS.cpp
+    RemotePortMacOS.mm
+    RunningApplicationsMacOS.mm
+    SerialQueueMacOS.mm
+    UserDefaultsMacOS.mm
+)
+set(QUORVANE_MACOS_CARD_SOURCES
+    CardControlElement.mm
+    CardPanel.mm
+    CardRootView.mm
+    CardShadowView.mm
+    CardStageMacOS.mm
+    CardWindowMacOS.mm
+    CardWindowsMacOS.mm
+    CoreGraphicsCanvas.mm
+    DynamicLoaderMacOS.mm
+    FirstMouseHostingView.mm
+    LivePlatformMacOS.mm
+    LocalizationMacOS.mm
+    LockSourcesMacOS.mm
+    Observation.mm
+    PicturesMacOS.mm
+    ScreensMacOS.mm
+    SymbolImages.mm
+    TextLinesMacOS.mm
+)

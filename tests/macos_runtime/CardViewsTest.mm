@@ -1,0 +1,223 @@
+// The views of a card: how they are put together, how they move, what they report.
+#include "Quorvane_Lock_Screen/GlassCardView.hpp"
+#include "platform/macos/CardShadowView.hpp"
+#include "platform/macos/CardStageMacOS.hpp"
+#include "tests/macos_runtime/MacTest.hpp"
+#include "tests/macos_runtime/fakes/AppKitFakes.hpp"
+#include "tests/macos_runtime/fakes/Collections.hpp"
+
+namespace quorvane {
+namespace {
+
+using macrt::takeTexts;
+using macrt::Texts;
+
+class CardViewsTest : public macrt::MacTest {
+   protected:
+    void SetUp() override {
+        MacTest::SetUp();
+        @autoreleasepool {
+            stage_ = std::make_shared<CardStageMacOS>(GlassCardView::style());
+        }
+        setUp_ = takeTexts();
+        NSView* const stage = macrt::subviewsOf(stage_->root()).firstObject;
+        shadow_ = macrt::itemsOf(macrt::subviewsOf(stage))[0];
+        NSGlassEffectView* const glass = macrt::itemsOf(macrt::subviewsOf(stage))[1];
+        content_ = (FirstMouseHostingView*)glass.contentView;
+        drainPool();
+    }
+    void TearDown() override {
+        stage_ = nullptr;
+        shadow_ = nil;
+        content_ = nil;
+        macrt::MacTest::TearDown();
+    }
+
+    std::shared_ptr<CardStageMacOS> stage_;
+    Texts setUp_;
+    NSView* shadow_ = nil;
+    FirstMouseHostingView* content_ = nil;
+};
+
+Scene sceneWith(std::vector<SceneControl> controls) {
+    return {.nodes = {ShapeNode{.frame = {10, 20, 30, 40}}}, .controls = std::move(controls)};
+}
+
+TEST_F(CardViewsTest, ArePutTogetherFromTheBack) {
+    const Texts expected{
+        "-[CardRootView#1 initWithFrame:{{0, 0}, {504, 326}}]",
+        "-[NSTrackingArea#1 initWithRect:{{0, 0}, {0, 0}} options:643 "
+        "owner:<CardRootView#1> userInfo:nil]",
+        "-[CardRootView#1 addTrackingArea:<NSTrackingArea#1>]",
+        "-[NSView#1 initWithFrame:{{0, 0}, {504, 326}}]",
+        "-[NSView#1 setWantsLayer:YES]",
+        "+[CALayer layer]",
+        "-[NSView#1 setLayer:<CALayer#1>]",
+        "-[NSView#1 setAutoresizingMask:18]",
+        "-[NSView#1 setHidden:YES]",
+        "-[CardRootView#1 addSubview:<NSView#1>]",
+        "-[CardShadowView#1 initWithFrame:{{0, 0}, {504, 326}}]",
+        "-[CardShadowView#1 setWantsLayer:YES]",
+        "+[CALayer layer]",
+        "-[CardShadowView#1 setLayer:<CALayer#2>]",
+        "+[CALayer layer]",
+        "-[CALayer#3 setShadowColor:<0 0 0 1>]",
+        "-[CALayer#3 setShadowOpacity:0.25]",
+        "-[CALayer#3 setShadowRadius:22]",
+        "-[CALayer#3 setShadowOffset:{0, -8}]",
+        "+[CAShapeLayer layer]",
+        "-[CALayer#3 setMask:<CAShapeLayer#1>]",
+        "-[CALayer#2 addSublayer:<CALayer#3>]",
+        "-[CardShadowView#1 setAutoresizingMask:18]",
+        "-[NSView#1 addSubview:<CardShadowView#1>]",
+        "-[FirstMouseHostingView#1 initWithFrame:{{0, 0}, {400, 222}}]",
+        "-[NSGlassEffectView#1 initWithFrame:{{52, 52}, {400, 222}}]",
+        "-[NSGlassEffectView#1 setStyle:1]",
+        "-[NSGlassEffectView#1 setCornerRadius:30]",
+        "-[NSGlassEffectView#1 setContentView:<FirstMouseHostingView#1>]",
+        "-[FirstMouseHostingView#1 setTranslatesAutoresizingMaskIntoConstraints:NO]",
+        "+[NSLayoutConstraint activateConstraints:["
+        "<FirstMouseHostingView#1>.leading = <NSGlassEffectView#1>.leading, "
+        "<FirstMouseHostingView#1>.trailing = <NSGlassEffectView#1>.trailing, "
+        "<FirstMouseHostingView#1>.top = <NSGlassEffectView#1>.top, "
+        "<FirstMouseHostingView#1>.bottom = <NSGlassEffectView#1>.bottom]]",
+        "-[NSView#1 addSubview:<NSGlassEffectView#1>]"};
+    EXPECT_EQ(setUp_, expected);
+    EXPECT_TRUE(content_.isFlipped);
+    EXPECT_TRUE([content_ acceptsFirstMouse:macrt::makeEvent(NSEventTypeLeftMouseDown, {})]);
+    EXPECT_FALSE(content_.mouseDownCanMoveWindow);
+}
+
+TEST_F(CardViewsTest, TheShadowFallsAroundTheCardOnly) {
+    EXPECT_EQ(([shadow_ hitTest:{100, 100}]), nil);
+    [shadow_ layout];
+    EXPECT_EQ(takeTexts(),
+              (Texts{"-[CardShadowView#1 layout]", "+[CATransaction begin]",
+                     "+[CATransaction setDisableActions:YES]",
+                     "-[CALayer#3 setFrame:{{0, 0}, {504, 326}}]",
+                     "-[CALayer#3 setShadowPath:<52 52 400 222 round 30 30>]",
+                     "-[CAShapeLayer#1 setFrame:{{0, 0}, {504, 326}}]",
+                     "-[CAShapeLayer#1 setFillRule:@\"even-odd\"]",
+                     "-[CAShapeLayer#1 setPath:<path + 0 0 504 326 + 52 52 400 222 round 30 30>]",
+                     "+[CATransaction commit]"}));
+}
+
+TEST_F(CardViewsTest, SpringInFromALittleBelow) {
+    stage_->setHidden(false);
+    stage_->removeAnimations();
+    stage_->springFrom({.scale = 0.94, .centre = {252, 163}, .offset = {0, 12}},
+                       {.perceptualDuration = 0.5, .bounce = 0.05});
+    EXPECT_EQ(takeTexts(),
+              (Texts{"-[NSView#1 setHidden:NO]", "-[CALayer#1 removeAllAnimations]",
+                     "-[CALayer#1 setTransform:{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}]",
+                     "-[CASpringAnimation#1 initWithPerceptualDuration:0.5 bounce:0.05]",
+                     "-[CASpringAnimation#1 setKeyPath:@\"transform\"]",
+                     "-[CASpringAnimation#1 setFromValue:<scale 0.94 0.94, move 15.12 -2.22>]",
+                     "-[CASpringAnimation#1 setToValue:<scale 1 1, move 0 0>]",
+                     "-[CASpringAnimation#1 setDuration:0.8125]",
+                     "-[CALayer#1 addAnimation:<CASpringAnimation#1> "
+                     "forKey:@\"entrance.transform\"]"}));
+}
+
+TEST_F(CardViewsTest, ReportThePointerInTheCardsCoordinates) {
+    std::vector<std::pair<PointerEvent::Kind, Point>> seen;
+    stage_->setEvents({.pointer =
+                           [&](const PointerEvent& event) {
+                               // What hears may take itself away.
+                               stage_->setEvents({});
+                               seen.emplace_back(event.kind, event.location);
+                           },
+                       .accessibility = nullptr});
+    const StageEvents events = content_.events;
+    macrt::setConversion([](NSPoint p) { return NSPoint{p.x - 52, 274 - p.y}; });
+    const auto event = [](double x, double y) {
+        return macrt::makeEvent(NSEventTypeLeftMouseDown, {x, y});
+    };
+    [content_ mouseDown:event(62, 264)];
+    [content_ mouseDragged:event(70, 264)];  // nobody hears it
+    content_.events = events;
+    [content_ mouseDragged:event(72, 254)];
+    content_.events = events;
+    [content_ mouseUp:event(452, 52)];
+    content_.events = events;
+    [content_ mouseCancelled:event(52, 274)];
+    using Kind = PointerEvent::Kind;
+    EXPECT_EQ(seen, (std::vector<std::pair<Kind, Point>>{{Kind::down, {10, 10}},
+                                                         {Kind::dragged, {20, 20}},
+                                                         {Kind::up, {400, 222}},
+                                                         {Kind::cancelled, {0, 0}}}));
+    EXPECT_EQ(takeTexts("convertPoint").front(),
+              "-[FirstMouseHostingView#1 convertPoint:{62, 264} fromView:nil]");
+}
+
+TEST_F(CardViewsTest, DrawAnewOnlyWhatLooksDifferent) {
+    Scene scene = sceneWith({});
+    stage_->setScene(scene);
+    stage_->setScene(scene);
+    scene.nextChange = std::chrono::seconds{3};
+    stage_->setScene(scene);
+    EXPECT_EQ(takeTexts("Display"),
+              Texts{"-[FirstMouseHostingView#1 setNeedsDisplayInRect:{{10, 20}, {30, 40}}]"});
+    scene.nodes.push_back(ShapeNode{.frame = {100, 0, 5, 5}, .fill = Color::white()});
+    stage_->setScene(scene);
+    EXPECT_EQ(takeTexts("Display"),
+              Texts{"-[FirstMouseHostingView#1 setNeedsDisplayInRect:{{100, 0}, {5, 5}}]"});
+    macrt::drawing([&] { [content_ drawRect:{{0, 0}, {400, 222}}]; });
+    EXPECT_EQ(takeTexts(), (Texts{"path 10 20 30 40 round 0 0", "color 0 0 0 1", "fill",
+                                  "path 100 0 5 5 round 0 0", "color 1 1 1 1", "fill"}));
+}
+
+TEST_F(CardViewsTest, HaveAnElementForEveryControl) {
+    using ID = SceneControl::ID;
+    using Role = SceneControl::Role;
+    std::vector<std::pair<ID, AccessibilityAction>> asked;
+    stage_->setEvents({.pointer = nullptr, .accessibility = [&](ID id, AccessibilityAction action) {
+                           asked.emplace_back(id, action);
+                       }});
+    const SceneControl next{
+        .id = ID::next, .role = Role::button, .frame = {250, 110, 48, 48}, .label = "Next Track"};
+    SceneControl volume{.id = ID::volume,
+                        .role = Role::slider,
+                        .frame = {40, 190, 300, 24},
+                        .label = "Volume",
+                        .number = 40,
+                        .maximum = 100};
+    const SceneControl title{.id = ID::title, .role = Role::text, .value = "Song"};
+    @autoreleasepool {
+        stage_->setScene(sceneWith({next, volume, title}));
+        NSArray* const children = content_.accessibilityChildren;
+        ASSERT_EQ(children.count, 3u);
+        NSAccessibilityElement* const button = macrt::itemsOf(children)[0];
+        NSAccessibilityElement* const slider = macrt::itemsOf(children)[1];
+        NSAccessibilityElement* const text = macrt::itemsOf(children)[2];
+        EXPECT_EQ(content_.accessibilityRole, NSAccessibilityGroupRole);
+        EXPECT_EQ(macrt::textOf(button.accessibilityRole), "AXButton");
+        EXPECT_EQ(macrt::textOf(button.accessibilityLabel), "Next Track");
+        EXPECT_EQ(button.accessibilityParent, content_);
+        EXPECT_TRUE(button.isAccessibilityElement);
+        EXPECT_EQ(button.accessibilityFrame.origin.x, 1250);  // wherever the system says it is
+        EXPECT_TRUE([button accessibilityPerformPress]);
+        EXPECT_FALSE([button accessibilityPerformIncrement]);
+        EXPECT_EQ(macrt::describe(slider.accessibilityValue), "40");
+        EXPECT_EQ(macrt::describe(slider.accessibilityMinValue), "0");
+        EXPECT_EQ(macrt::describe(slider.accessibilityMaxValue), "100");
+        EXPECT_TRUE([slider accessibilityPerformIncrement]);
+        EXPECT_TRUE([slider accessibilityPerformDecrement]);
+        EXPECT_FALSE([slider accessibilityPerformPress]);
+        EXPECT_EQ(macrt::describe(text.accessibilityValue), "@\"Song\"");
+        macrt::takeCalls();
+        volume.number = 45;
+        stage_->setScene(sceneWith({next, volume}));
+        EXPECT_EQ(takeTexts("post"), (Texts{"post AXLayoutChanged of <FirstMouseHostingView#1>",
+                                            "post AXValueChanged of <CardControlElement#2>"}));
+        EXPECT_EQ(macrt::itemsOf(content_.accessibilityChildren)[1], slider);
+    }
+    using enum AccessibilityAction;
+    EXPECT_EQ(asked, (std::vector<std::pair<ID, AccessibilityAction>>{
+                         {ID::next, press}, {ID::volume, increment}, {ID::volume, decrement}}));
+    // The element of what is gone is gone.
+    EXPECT_NE(macrt::livingObjects().find("2 CardControlElement"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace quorvane

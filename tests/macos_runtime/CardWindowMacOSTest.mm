@@ -1,0 +1,170 @@
+// The card's window: its settings in order, its mouse, its fades.
+#include "platform/macos/CardWindowMacOS.hpp"
+
+#include "Quorvane_Lock_Screen/CardWindow.hpp"
+#include "Quorvane_Lock_Screen/GlassCardView.hpp"
+#include "tests/macos_runtime/MacTest.hpp"
+#include "tests/macos_runtime/fakes/AppKitFakes.hpp"
+#include "tests/support/ManualClock.hpp"
+
+namespace quorvane {
+namespace {
+
+using macrt::takeTexts;
+using macrt::Texts;
+
+constexpr Rect kFrame{700, 480, 504, 326};
+
+class CardWindowMacOSTest : public macrt::MacTest {
+   protected:
+    void SetUp() override {
+        MacTest::SetUp();
+        window_ = std::make_unique<CardWindowMacOS>(CardWindow::settings(kFrame), clock_.clock());
+        const auto calls = macrt::takeCalls();
+        for (const macrt::Call& call : calls) setUp_.push_back(call.text);
+        panel_ = (__bridge NSPanel*)calls.front().receiver;
+    }
+    void TearDown() override {
+        window_ = nullptr;
+        macrt::MacTest::TearDown();
+    }
+    void takeStage() {
+        window_->setContent(std::make_shared<CardStageMacOS>(GlassCardView::style()));
+        macrt::takeCalls();
+    }
+    // In the window's coordinates.
+    static void movePointer(double x, double y) {
+        macrt::setMouseLocation({kFrame.x + x, kFrame.y + y});
+    }
+    CardRootView* root() { return (CardRootView*)panel_.contentView; }
+
+    ManualClock clock_;
+    std::unique_ptr<CardWindowMacOS> window_;
+    Texts setUp_;
+    __unsafe_unretained NSPanel* panel_ = nil;
+};
+
+TEST_F(CardWindowMacOSTest, IsSetUpInTheOrderThatIsAskedFor) {
+    EXPECT_EQ(
+        setUp_,
+        (Texts{"-[CardPanel#1 initWithContentRect:{{700, 480}, {504, 326}} styleMask:128 "
+               "backing:2 defer:NO]",
+               "-[CardPanel#1 setBecomesKeyOnlyIfNeeded:YES]", "-[CardPanel#1 setOpaque:NO]",
+               "-[CardPanel#1 setBackgroundColor:<clear>]", "-[CardPanel#1 setHasShadow:NO]",
+               "-[CardPanel#1 setAppearance:NSAppearanceNameDarkAqua]",
+               "-[CardPanel#1 setLevel:1000]", "-[CardPanel#1 setCollectionBehavior:337]",
+               "-[CardPanel#1 setReleasedWhenClosed:NO]", "-[CardPanel#1 setHidesOnDeactivate:NO]",
+               "-[CardPanel#1 setAcceptsMouseMovedEvents:YES]", "-[CardPanel#1 setAlphaValue:0]",
+               "-[CardPanel#1 setIgnoresMouseEvents:YES]"}));
+    EXPECT_FALSE(panel_.canBecomeKeyWindow);
+    EXPECT_FALSE(panel_.canBecomeMainWindow);
+    EXPECT_EQ(window_->number(), 41);
+}
+
+TEST_F(CardWindowMacOSTest, PassesOnWhatItIsToldAndAsked) {
+    window_->orderFrontRegardless();
+    window_->setFrame({1, 2, 504, 326}, {});
+    macrt::setWindowState(panel_, YES, 8194);
+    EXPECT_TRUE(window_->isVisible());
+    EXPECT_EQ(window_->occlusionState(), 8194u);
+    window_->orderOut();
+    window_->close();
+    EXPECT_EQ(takeTexts("CardPanel"),
+              (Texts{"-[CardPanel#1 orderFrontRegardless]",
+                     "-[CardPanel#1 setFrame:{{1, 2}, {504, 326}} display:YES]",
+                     "-[CardPanel#1 setVisible:YES]", "-[CardPanel#1 setOcclusionState:8194]",
+                     "-[CardPanel#1 orderOut:nil]", "-[CardPanel#1 close]"}));
+}
+
+TEST_F(CardWindowMacOSTest, TellsOfAPressBeforeItIsHandledAndPassesItOn) {
+    Texts seen;
+    window_->setMouseDownObserver([&](Point place) {
+        seen = takeTexts();
+        seen.push_back(describe(place));
+    });
+    [panel_ sendEvent:macrt::makeEvent(NSEventTypeLeftMouseDown, {60, 70})];
+    EXPECT_EQ(seen, Texts{"{60, 70}"});
+    EXPECT_EQ(takeTexts("sendEvent"), Texts{"-[CardPanel#1 sendEvent:<NSEvent#1>]"});
+    [panel_ sendEvent:macrt::makeEvent(NSEventTypeLeftMouseUp, {61, 70})];
+    EXPECT_EQ(takeTexts("sendEvent"), Texts{"-[CardPanel#1 sendEvent:<NSEvent#2>]"});
+    EXPECT_EQ(seen.size(), 1u);
+}
+
+TEST_F(CardWindowMacOSTest, FadesAndTellsWhenAFadeHasEnded) {
+    int ended = 0;
+    window_->animateAlpha(1, std::chrono::milliseconds{350}, [&] { ++ended; });
+    EXPECT_EQ(takeTexts(), (Texts{"+[NSAnimationContext runAnimationGroup:<block> "
+                                  "completionHandler:<block>]",
+                                  "-[NSAnimationContext#1 setDuration:0.35]",
+                                  "-[CardPanel#1 animator]", "-[CardPanel#1 setAlphaValue:1]"}));
+    EXPECT_EQ(ended, 0);
+    macrt::finishAnimations();
+    EXPECT_EQ(ended, 1);
+    window_->setAlpha(0);
+    // A group of no duration takes the place of a fade that still runs.
+    EXPECT_EQ(takeTexts(),
+              (Texts{"+[NSAnimationContext runAnimationGroup:<block> completionHandler:nil]",
+                     "-[NSAnimationContext#2 setDuration:0]", "-[CardPanel#1 animator]",
+                     "-[CardPanel#1 setAlphaValue:0]", "-[CardPanel#1 setAlphaValue:0]"}));
+    // A fade may outlive its window.
+    window_->animateAlpha(0.5, std::chrono::seconds{1}, [&] { ++ended; });
+    window_ = nullptr;
+    macrt::finishAnimations();
+    EXPECT_EQ(ended, 2);
+}
+
+TEST_F(CardWindowMacOSTest, LeavesTheShadowsMarginToTheLockScreen) {
+    takeStage();
+    movePointer(30, 100);
+    window_->setIgnoresMouseEvents(false);
+    EXPECT_TRUE(panel_.ignoresMouseEvents);
+    // No event tells of the way back onto the card.
+    movePointer(60, 100);
+    clock_.advance(std::chrono::milliseconds{49});
+    EXPECT_TRUE(panel_.ignoresMouseEvents);
+    clock_.advance(std::chrono::milliseconds{1});
+    EXPECT_FALSE(panel_.ignoresMouseEvents);
+    EXPECT_EQ(clock_.pendingTimers(), 0u);
+    // From there on the window hears of every movement itself.
+    movePointer(460, 100);
+    [root() mouseMoved:macrt::makeEvent(NSEventTypeLeftMouseUp, {})];
+    EXPECT_TRUE(panel_.ignoresMouseEvents);
+    movePointer(700, 100);
+    clock_.advance(std::chrono::milliseconds{50});
+    EXPECT_FALSE(panel_.ignoresMouseEvents);
+    EXPECT_EQ(clock_.pendingTimers(), 0u);
+}
+
+TEST_F(CardWindowMacOSTest, KeepsADragThatLeavesTheCard) {
+    takeStage();
+    movePointer(60, 100);
+    window_->setIgnoresMouseEvents(false);
+    [panel_ sendEvent:macrt::makeEvent(NSEventTypeLeftMouseDown, {60, 100})];
+    movePointer(10, 100);
+    [root() mouseExited:macrt::makeEvent(NSEventTypeLeftMouseUp, {})];
+    EXPECT_FALSE(panel_.ignoresMouseEvents);
+    [panel_ sendEvent:macrt::makeEvent(NSEventTypeLeftMouseUp, {10, 100})];
+    EXPECT_TRUE(panel_.ignoresMouseEvents);
+    window_->setIgnoresMouseEvents(true);
+    EXPECT_TRUE(panel_.ignoresMouseEvents);
+    EXPECT_EQ(clock_.pendingTimers(), 0u);
+}
+
+TEST_F(CardWindowMacOSTest, TakesItsContentAndLetsGoOfIt) {
+    std::weak_ptr<CardStageMacOS> weak;
+    @autoreleasepool {
+        auto stage = std::make_shared<CardStageMacOS>(GlassCardView::style());
+        weak = stage;
+        window_->setContent(stage);
+        EXPECT_EQ(panel_.contentView, stage->root());
+        stage = nullptr;
+        EXPECT_FALSE(weak.expired());
+        window_->setContent(nullptr);
+    }
+    EXPECT_EQ(panel_.contentView, nil);
+    EXPECT_TRUE(weak.expired());
+    EXPECT_EQ(macrt::livingObjects().find("View"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,111 @@
+// Arrays and dictionaries that work; dictionaries keep the order in which they were filled.
+#include "tests/macos_runtime/fakes/Collections.hpp"
+
+#include <algorithm>
+
+@implementation NSArray {
+   @package
+    std::vector<id> items_;
+}
++ (instancetype)arrayWithObjects:(const id[])objects count:(NSUInteger)cnt {
+    NSArray* const array = [self new];
+    array->items_.assign(objects, objects + cnt);
+    return array;
+}
+- (NSUInteger)count {
+    return items_.size();
+}
+- (id)firstObject {
+    return items_.empty() ? nil : items_.front();
+}
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(id __unsafe_unretained[])buffer
+                                    count:(NSUInteger)len {
+    return macrt::enumerate(state, items_);
+}
+- (BOOL)isEqual:(id)object {
+    if (![object isKindOfClass:NSArray.class]) return NO;
+    return std::ranges::equal(items_, ((NSArray*)object)->items_,
+                              [](id one, id two) { return static_cast<bool>([one isEqual:two]); });
+}
+- (id)copy {
+    return [NSArray arrayWithObjects:items_.data() count:items_.size()];
+}
+- (NSString*)description {
+    std::string all;
+    for (id item : items_) all += (all.empty() ? "" : ", ") + macrt::describe(item);
+    return macrt::makeString("[" + all + "]");
+}
+@end
+
+@implementation NSMutableArray
++ (instancetype)arrayWithCapacity:(NSUInteger)numItems {
+    return [self new];
+}
+- (void)addObject:(id)anObject {
+    items_.push_back(anObject);
+}
+@end
+
+@implementation NSDictionary {
+   @package
+    std::vector<id> keys_;
+    std::vector<id> values_;
+}
++ (instancetype)dictionaryWithObjects:(const id[])objects
+                              forKeys:(const id[])keys
+                                count:(NSUInteger)cnt {
+    NSDictionary* const dictionary = [self new];
+    dictionary->keys_.assign(keys, keys + cnt);
+    dictionary->values_.assign(objects, objects + cnt);
+    return dictionary;
+}
+- (id)objectForKeyedSubscript:(id)key {
+    for (std::size_t i = 0; i < keys_.size(); ++i)
+        if ([keys_[i] isEqual:key]) return values_[i];
+    return nil;
+}
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(id __unsafe_unretained[])buffer
+                                    count:(NSUInteger)len {
+    return macrt::enumerate(state, keys_);
+}
+- (id)copy {
+    return [NSDictionary dictionaryWithObjects:values_.data()
+                                       forKeys:keys_.data()
+                                         count:keys_.size()];
+}
+- (NSString*)description {
+    std::string all;
+    for (std::size_t i = 0; i < keys_.size(); ++i)
+        all +=
+            (i == 0 ? "" : ", ") + macrt::describe(keys_[i]) + ": " + macrt::describe(values_[i]);
+    return macrt::makeString("{" + all + "}");
+}
+@end
+
+@implementation NSMutableDictionary
++ (instancetype)dictionaryWithCapacity:(NSUInteger)numItems {
+    return [self new];
+}
+- (void)setObject:(id)obj forKeyedSubscript:(id)key {
+    for (std::size_t i = 0; i < keys_.size(); ++i)
+        if ([keys_[i] isEqual:key]) return void(values_[i] = obj);
+    keys_.push_back([key copy]);
+    values_.push_back(obj);
+}
+@end
+
+namespace macrt {
+
+NSUInteger enumerate(NSFastEnumerationState* state, const std::vector<id>& items) {
+    if (state->state++ != 0) return 0;
+    state->itemsPtr = reinterpret_cast<id __unsafe_unretained*>(const_cast<id*>(items.data()));
+    state->mutationsPtr = state->extra;
+    return items.size();
+}
+
+const std::vector<id>& itemsOf(NSArray* array) { return array->items_; }
+const std::vector<id>& keysOf(NSDictionary* dictionary) { return dictionary->keys_; }
+
+}  // namespace macrt

@@ -1,0 +1,83 @@
+// The root class, and what fakes and tests need of the runtime.
+#include "tests/macos_runtime/fakes/Fakes.hpp"
+
+extern "C" {
+void objc_msgSend(void);
+id class_createInstance(Class, size_t) __attribute__((ns_returns_retained));
+Class object_getClass(id);
+BOOL macrt_isKindOfClass(id, Class);
+BOOL macrt_respondsToSelector(id, SEL);
+}
+
+namespace macrt {
+struct Object;
+std::string describe(Object* object);
+std::string nameOf(Object* object);
+}  // namespace macrt
+
+@implementation NSObject
++ (instancetype)alloc {
+    return class_createInstance(self, 0);
+}
++ (instancetype)new {
+    return [[self alloc] init];
+}
++ (Class)class {
+    return self;
+}
+- (instancetype)init {
+    return self;
+}
+- (id)copy {
+    return self;
+}
+- (Class)class {
+    return object_getClass(self);
+}
+- (BOOL)isKindOfClass:(Class)aClass {
+    return macrt_isKindOfClass(self, aClass);
+}
+- (BOOL)respondsToSelector:(SEL)aSelector {
+    return macrt_respondsToSelector(self, aSelector);
+}
+- (BOOL)isEqual:(id)object {
+    return self == object;
+}
+- (NSUInteger)hash {
+    return reinterpret_cast<NSUInteger>((__bridge void*)self);
+}
+- (NSString*)description {
+    auto* const object = (__bridge macrt::Object*)self;
+    return macrt::makeString("<" + macrt::nameOf(object) + ">");
+}
+@end
+
+@interface NSBlock : NSObject
+@end
+@implementation NSBlock
+- (NSString*)description {
+    return @"<block>";
+}
+@end
+
+namespace macrt {
+namespace {
+std::vector<std::function<void()>>& resets() {
+    static auto& all = *new std::vector<std::function<void()>>;
+    return all;
+}
+}  // namespace
+
+std::string describe(id object) { return describe((__bridge Object*)object); }
+
+void perform(id target, SEL selector, id argument) {
+    reinterpret_cast<void (*)(id, SEL, id)>(objc_msgSend)(target, selector, argument);
+}
+
+AtReset::AtReset(std::function<void()> action) { resets().push_back(std::move(action)); }
+
+void resetFakes() {
+    for (const auto& reset : resets()) reset();
+}
+
+}  // namespace macrt

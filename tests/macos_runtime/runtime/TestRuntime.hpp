@@ -1,0 +1,44 @@
+// What tests and fakes see of the Objective-C runtime under tests/macos_runtime: what was called,
+// what is still alive, and what went wrong.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace macrt {
+
+// A message to a method of a class that conforms to <Recorded>, getters of properties left out, or
+// what a fake noted.
+struct Call {
+    const void* receiver = nullptr;  // null for notes
+    std::string text;                // "-[NSPanel#1 setLevel:1000]"; classes have no number
+};
+
+// The calls since they were last taken, oldest first. Any thread.
+std::vector<Call> takeCalls();
+// Only their texts, and only those that contain `part`; the others are dropped.
+std::vector<std::string> takeTexts(std::string_view part = {});
+// For fakes of C functions: one order for everything. Any thread.
+void note(std::string text);
+
+// A method's type encoding without offsets, "v@:f": result, self, selector, arguments. Empty when
+// the class has no such method. Class methods begin with '+'.
+std::string typesOf(const char* className, std::string_view selector);
+
+// What is alive of counted objects, heap blocks and pool entries, "1 NSPanel, 2 block"; empty when
+// there is nothing.
+std::string livingObjects();
+// Forgets what is alive and gives back what is dead: the next test begins with nothing, its
+// objects numbered from 1.
+void beginAnew();
+
+// Told of unknown selectors, of messages to the dead and of releases too many. Without a listener
+// the program stops.
+void setFaultListener(std::function<void(const std::string&)> listener);
+// For fakes: reports a fault of the code under test.
+void fault(const std::string& what);
+
+}  // namespace macrt

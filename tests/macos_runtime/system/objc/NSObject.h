@@ -1,0 +1,26 @@
+// What the compiler for macOS brings along as <objc/NSObject.h>, for running on Linux.
+#pragma once
+
+#include <objc/NSObjCRuntime.h>
+
+@class NSString;
+
+@protocol NSObject
+- (BOOL)isEqual:(id)object;
+@property(readonly) NSUInteger hash;
+@property(readonly, copy) NSString* description;
+- (Class)class;
+- (BOOL)isKindOfClass:(Class)aClass;
+- (BOOL)respondsToSelector:(SEL)aSelector;
+@end
+
+__attribute__((objc_root_class))
+@interface NSObject <NSObject> {
+    Class isa;
+}
++ (instancetype)alloc;
++ (instancetype)new;
++ (Class)class;
+- (instancetype)init;
+- (id)copy;
+@end
