@@ -10,8 +10,11 @@ namespace {
 constexpr double kPointsAValue = 4;
 constexpr double kBlurDeviation = 22;  // points
 constexpr float kSaturation = 1.2F;
-// Contrast 7 for plain white leaves text of less than full opacity readable too.
-constexpr float kBrightest = 1.05F / 7 - 0.05F;
+// The quietest text on the card is white of this opacity; it has to be readable, 4.5 and a little
+// for what lies between the values that are looked at.
+constexpr float kTextOpacity = 0.58F;
+constexpr float kLeastContrast = 4.6F;
+constexpr int kValuesALook = 4;    // blurred as it is, every fourth value tells enough
 constexpr float kDimming = 0.62F;  // of what is dark enough already
 constexpr float kVeil = 0.011F;    // keeps the card apart from a black screen
 constexpr float kSheen = 0.018F;   // light from above, fading toward the middle
@@ -84,20 +87,6 @@ void saturate(GlassPicture& glass) {
     }
 }
 
-float brightest(const GlassPicture& glass, const PixelRect& card) {
-    const PixelRect values = pixelsTouchedBy({static_cast<double>(card.x) / glass.step - 1,
-                                              static_cast<double>(card.y) / glass.step - 1,
-                                              static_cast<double>(card.width) / glass.step + 2,
-                                              static_cast<double>(card.height) / glass.step + 2});
-    const PixelRect area = values.intersection({0, 0, glass.red.width, glass.red.height});
-    float most = 0;
-    for (int y = area.y; y < area.maxY(); ++y)
-        for (int x = area.x; x < area.maxX(); ++x)
-            most = std::max(
-                most, luminance(glass.red.at(x, y), glass.green.at(x, y), glass.blue.at(x, y)));
-    return most;
-}
-
 float sheen(int y, const PixelRect& card, int step) {
     const float depth = (static_cast<float>(y * step) - static_cast<float>(card.y)) /
                         (static_cast<float>(std::max(card.height, 1)) * kSheenReach);
@@ -105,12 +94,50 @@ float sheen(int y, const PixelRect& card, int step) {
     return kSheen * left * left;
 }
 
+// The contrast of the quietest text with a colour of this light.
+float textContrast(const std::array<float, 3>& light) {
+    std::array<float, 3> text{};
+    for (std::size_t i = 0; i < light.size(); ++i) {
+        const float shade = encodedFromLinear(std::min(1.0F, light[i]));
+        text[i] = static_cast<float>(linearFromEncoded(shade + (1 - shade) * kTextOpacity));
+    }
+    return (luminance(text[0], text[1], text[2]) + 0.05F) /
+           (luminance(light[0], light[1], light[2]) + 0.05F);
+}
+
+bool isReadable(const GlassPicture& glass, const PixelRect& card, float dimming) {
+    const PixelRect values = pixelsTouchedBy({static_cast<double>(card.x) / glass.step - 1,
+                                              static_cast<double>(card.y) / glass.step - 1,
+                                              static_cast<double>(card.width) / glass.step + 2,
+                                              static_cast<double>(card.height) / glass.step + 2})
+                                 .intersection({0, 0, glass.red.width, glass.red.height});
+    for (int y = values.y; y < values.maxY(); y += kValuesALook) {
+        const float added = kVeil + sheen(y, card, glass.step);
+        for (int x = values.x; x < values.maxX(); x += kValuesALook)
+            if (textContrast({glass.red.at(x, y) * dimming + added,
+                              glass.green.at(x, y) * dimming + added,
+                              glass.blue.at(x, y) * dimming + added}) < kLeastContrast)
+                return false;
+    }
+    return true;
+}
+
+// As much of the light as the text bears. Less light is always more readable.
+float dimmingFor(const GlassPicture& glass, const PixelRect& card) {
+    if (isReadable(glass, card, kDimming)) return kDimming;
+    float readable = 0;
+    float tooBright = kDimming;
+    for (int i = 0; i < 10; ++i) {
+        const float middle = (readable + tooBright) / 2;
+        (isReadable(glass, card, middle) ? readable : tooBright) = middle;
+    }
+    return readable;
+}
+
 // Dims, adds veil and sheen, and encodes for the screen. All of it is linear in the light until the
-// encoding, so the brightest value decides for all.
+// encoding, so the least readable place decides for all.
 void tone(GlassPicture& glass, const PixelRect& card) {
-    const float room = kBrightest - kVeil - kSheen;
-    const float most = brightest(glass, card);
-    const float dimming = most * kDimming <= room ? kDimming : room / most;
+    const float dimming = dimmingFor(glass, card);
     for (int y = 0; y < glass.red.height; ++y) {
         const float added = kVeil + sheen(y, card, glass.step);
         for (int x = 0; x < glass.red.width; ++x)
@@ -137,7 +164,14 @@ double relativeLuminance(std::uint32_t pixel) {
     return luminance(linear[pixel >> 16 & 0xff], linear[pixel >> 8 & 0xff], linear[pixel & 0xff]);
 }
 
-double contrastWithWhite(std::uint32_t pixel) { return 1.05 / (relativeLuminance(pixel) + 0.05); }
+double contrastWithWhite(std::uint32_t pixel, double opacity) {
+    std::uint32_t text = 0;
+    for (const int shift : {16, 8, 0}) {
+        const double shade = pixel >> shift & 0xff;
+        text |= static_cast<std::uint32_t>(std::lround(shade + (255 - shade) * opacity)) << shift;
+    }
+    return (relativeLuminance(text) + 0.05) / (relativeLuminance(pixel) + 0.05);
+}
 
 void GlassPicture::readRow(int y, int begin, int end, std::uint32_t* pixels) const {
     const auto place = [&](int pixel) {

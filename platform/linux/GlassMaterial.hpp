@@ -11,8 +11,8 @@ namespace quorvane {
 
 // Brightness as the eye weighs it, 0 to 1, of a pixel in the screen's usual colour space.
 double relativeLuminance(std::uint32_t pixel);
-// How well white text stands out from a pixel, 1 to 21.
-double contrastWithWhite(std::uint32_t pixel);
+// How well white text of this opacity stands out from a pixel, 1 to 21.
+double contrastWithWhite(std::uint32_t pixel, double opacity = 1);
 
 // The material at a few points a value, colours as a screen takes them, 0 to 1. Soft as it is, it
 // is sampled between its values.
@@ -28,7 +28,8 @@ struct GlassPicture {
 };
 
 // `card` is the part of the backdrop, in its pixels, that the glass will cover: what is bright only
-// elsewhere does not darken it. Every pixel there gives white text a contrast above 4.5.
+// elsewhere does not darken it. Every pixel there gives the card's quietest text a contrast of at
+// least 4.5.
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double scale);
 
 }  // namespace quorvane
