@@ -3,7 +3,7 @@
 find_path(QUORVANE_RAPIDJSON rapidjson/document.h REQUIRED)
 set(RAPIDJSON_INCLUDE_DIR "${QUORVANE_RAPIDJSON}")
 if(NOT CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    set(RAPIDJSON_INCLUDE_DIR "${CMAKE_BINARY_DIR}/rapidjson")
+    set(RAPIDJSON_INCLUDE_DIR "${CMAKE_BINARY_DIR}/json")
     file(REAL_PATH "${QUORVANE_RAPIDJSON}/rapidjson" headers)  # a copied link would lead back there
     file(COPY "${headers}/" DESTINATION "${RAPIDJSON_INCLUDE_DIR}/rapidjson"
          PATTERN document.h EXCLUDE)
