@@ -4,6 +4,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include "platform/macos/BundlePropertiesMacOS.hpp"
 #include "platform/macos/FoundationValues.hpp"
 #include "platform/macos/InstallationMacOS.hpp"
 
@@ -20,20 +21,9 @@ bool fileExists(const std::filesystem::path& path) {
     return [NSFileManager.defaultManager fileExistsAtPath:stringFrom(path.native())];
 }
 
-// From the file: the system's bundle objects keep what they have read once.
 std::optional<std::string> identity(const std::filesystem::path& bundle) {
-    NSData* data = [NSData dataWithContentsOfURL:urlFrom(bundle / "Contents" / "Info.plist")
-                                         options:0
-                                           error:nil];
-    if (!data) return std::nullopt;
-    const auto list =
-        valueFrom([NSPropertyListSerialization propertyListWithData:data
-                                                            options:NSPropertyListImmutable
-                                                             format:nil
-                                                              error:nil]);
-    const auto* const properties = list ? list->as<PropertyDictionary>() : nullptr;
-    const auto* const identifier =
-        properties ? find<std::string>(*properties, "CFBundleIdentifier") : nullptr;
+    const PropertyDictionary properties = propertiesOfBundleMacOS(bundle);
+    const auto* const identifier = find<std::string>(properties, "CFBundleIdentifier");
     return identifier ? std::optional{*identifier} : std::nullopt;
 }
 

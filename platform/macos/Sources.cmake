@@ -1,7 +1,8 @@
 # The adapters' files. Included by the macOS edition and by the tests that run them on Linux.
 set(QUORVANE_MACOS_SOURCES
     ApplicationMacOS.mm
-    BundleFilesMacOS.cpp
+    BundleFilesMacOS.mm
+    BundlePropertiesMacOS.mm
     ClockMacOS.mm
     DarwinNoticesMacOS.mm
     DistributedNoticesMacOS.mm

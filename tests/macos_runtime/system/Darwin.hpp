@@ -2,9 +2,18 @@
 // adapter that runs here.
 #pragma once
 
+#include <fcntl.h>
 #include <pthread.h>
+#include <stdio.h>
 #include <sys/stat.h>
 
 #define st_mtimespec st_mtim
 
 inline int pthread_setname_np(const char* name) { return pthread_setname_np(pthread_self(), name); }
+
+#define RENAME_SWAP 2u
+#define RENAME_EXCL 4u
+inline int renamex_np(const char* from, const char* to, unsigned int how) {
+    return renameat2(AT_FDCWD, from, AT_FDCWD, to,
+                     how == RENAME_SWAP ? RENAME_EXCHANGE : RENAME_NOREPLACE);
+}
