@@ -45,6 +45,18 @@ std::optional<std::uint64_t> startTicksIn(const std::string& status) {
     return ticks;
 }
 
+std::optional<std::uint64_t> threadTicksOf(pid_t pid) {
+    std::optional<std::uint64_t> first;
+    std::error_code error;
+    for (std::filesystem::directory_iterator place{folderOf(pid) / "task", error}, end;
+         !error && place != end; place.increment(error)) {
+        if (place->path().filename() == std::to_string(pid)) continue;
+        const auto ticks = startTicksIn(contentsOf(place->path() / "stat"));
+        if (ticks && (!first || *ticks < *first)) first = ticks;
+    }
+    return first;
+}
+
 std::string variableIn(std::string_view environment, std::string_view name) {
     while (!environment.empty()) {
         const std::size_t end = std::min(environment.find('\0'), environment.size());
@@ -79,12 +91,11 @@ std::optional<ProcessExecutable> executableOf(pid_t pid) {
 std::optional<ProcessRecord> processRecord(pid_t pid) {
     const auto folder = folderOf(pid);
     auto executable = executableOf(pid);
-    const auto startTicks = startTicksIn(contentsOf(folder / "stat"));
-    if (!executable || !startTicks) return std::nullopt;
+    if (!executable) return std::nullopt;
     const std::string environment = contentsOf(folder / "environ");
     return ProcessRecord{.pid = pid,
                          .executable = *std::move(executable),
-                         .startTicks = *startTicks,
+                         .threadTicks = threadTicksOf(pid),
                          .display = withoutScreen(variableIn(environment, "DISPLAY")),
                          .runtimeFolder = variableIn(environment, "XDG_RUNTIME_DIR")};
 }
@@ -96,7 +107,7 @@ ProcessRecord ownProcessRecord() {
     };
     return {.pid = getpid(),
             .executable = executableOf(getpid()).value_or(ProcessExecutable{}),
-            .startTicks = startTicksIn(contentsOf(folderOf(getpid()) / "stat")).value_or(0),
+            .threadTicks = threadTicksOf(getpid()),
             .display = withoutScreen(variable("DISPLAY")),
             .runtimeFolder = variable("XDG_RUNTIME_DIR")};
 }

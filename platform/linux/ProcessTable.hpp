@@ -19,9 +19,11 @@ struct ProcessExecutable {
 struct ProcessRecord {
     pid_t pid = 0;
     ProcessExecutable executable;
-    std::uint64_t startTicks = 0;  // since the system's start, sysconf(_SC_CLK_TCK) a second
-    std::string display;           // DISPLAY, without its screen
-    std::string runtimeFolder;     // XDG_RUNTIME_DIR
+    // When its first thread besides the main one began, since the system's start, in
+    // sysconf(_SC_CLK_TCK) a second; nothing before it has one.
+    std::optional<std::uint64_t> threadTicks;
+    std::string display;        // DISPLAY, without its screen
+    std::string runtimeFolder;  // XDG_RUNTIME_DIR
 };
 
 // Nothing when it has ended, when it is another user's or when it may not be looked at.

@@ -28,7 +28,9 @@ WallTime startOfSystem() {
 
 RunningCopy runningCopyOf(const ProcessRecord& process) {
     static const auto ticksPerSecond = static_cast<std::uint64_t>(sysconf(_SC_CLK_TCK));
-    const std::uint64_t ticks = process.startTicks;
+    if (!process.threadTicks)
+        return {process.pid, startOfSystem() + timeOf(CLOCK_BOOTTIME).time_since_epoch()};
+    const std::uint64_t ticks = *process.threadTicks;
     return {process.pid,
             startOfSystem() + std::chrono::seconds{ticks / ticksPerSecond} +
                 std::chrono::nanoseconds{ticks % ticksPerSecond * 1'000'000'000 / ticksPerSecond}};
@@ -90,7 +92,7 @@ RunningApplications makeRunningApplications() {
     return {
         .running = [applications](
                        const std::string& identifier) { return applications.running(identifier); },
-        .current = [self = runningCopyOf(applications.self)] { return self; },
+        .current = [] { return runningCopyOf(ownProcessRecord()); },
         .terminate = terminate};
 }
 
