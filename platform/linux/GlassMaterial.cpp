@@ -9,15 +9,15 @@ namespace {
 
 constexpr double kPointsAValue = 4;
 constexpr double kBlurDeviation = 22;  // points
-constexpr float kSaturation = 1.2F;
+constexpr float kSaturation = 1.45F;
 // The quietest text on the card is white of this opacity; it has to be readable, 4.5 and a little
 // for what lies between the values that are looked at.
 constexpr float kTextOpacity = 0.58F;
 constexpr float kLeastContrast = 4.6F;
-constexpr int kValuesALook = 4;    // blurred as it is, every fourth value tells enough
 constexpr float kDimming = 0.62F;  // of what is dark enough already
-constexpr float kVeil = 0.011F;    // keeps the card apart from a black screen
-constexpr float kSheen = 0.018F;   // light from above, fading toward the middle
+constexpr float kHighestScale = 4;
+constexpr float kVeil = 0.011F;   // keeps the card apart from a black screen
+constexpr float kSheen = 0.018F;  // light from above, fading toward the middle
 constexpr float kSheenReach = 0.6F;
 
 constexpr float kRedShare = 0.2126F;
@@ -94,56 +94,57 @@ float sheen(int y, const PixelRect& card, int step) {
     return kSheen * left * left;
 }
 
-// The contrast of the quietest text with a colour of this light.
-float textContrast(const std::array<float, 3>& light) {
-    std::array<float, 3> text{};
-    for (std::size_t i = 0; i < light.size(); ++i) {
-        const float shade = encodedFromLinear(std::min(1.0F, light[i]));
-        text[i] = static_cast<float>(linearFromEncoded(shade + (1 - shade) * kTextOpacity));
-    }
-    return (luminance(text[0], text[1], text[2]) + 0.05F) /
-           (luminance(light[0], light[1], light[2]) + 0.05F);
+// The light of the quietest text on a channel of this light.
+float textLight(float light) {
+    constexpr std::size_t kSteps = 4096;
+    static const auto table = [] {
+        std::array<float, kSteps + 1> values{};
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const float shade = encodedFromLinear(static_cast<float>(i) / kSteps);
+            values[i] = static_cast<float>(linearFromEncoded(shade + (1 - shade) * kTextOpacity));
+        }
+        return values;
+    }();
+    return table[static_cast<std::size_t>(std::min(light, 1.0F) * kSteps)];
 }
 
-bool isReadable(const GlassPicture& glass, const PixelRect& card, float dimming) {
-    const PixelRect values = pixelsTouchedBy({static_cast<double>(card.x) / glass.step - 1,
-                                              static_cast<double>(card.y) / glass.step - 1,
-                                              static_cast<double>(card.width) / glass.step + 2,
-                                              static_cast<double>(card.height) / glass.step + 2})
-                                 .intersection({0, 0, glass.red.width, glass.red.height});
-    for (int y = values.y; y < values.maxY(); y += kValuesALook) {
-        const float added = kVeil + sheen(y, card, glass.step);
-        for (int x = values.x; x < values.maxX(); x += kValuesALook)
-            if (textContrast({glass.red.at(x, y) * dimming + added,
-                              glass.green.at(x, y) * dimming + added,
-                              glass.blue.at(x, y) * dimming + added}) < kLeastContrast)
-                return false;
-    }
-    return true;
-}
+struct Light {
+    float red, green, blue;
 
-// As much of the light as the text bears. Less light is always more readable.
-float dimmingFor(const GlassPicture& glass, const PixelRect& card) {
-    if (isReadable(glass, card, kDimming)) return kDimming;
+    Light scaled(float scale, float added) const {
+        return {red * scale + added, green * scale + added, blue * scale + added};
+    }
+    bool isReadable() const {
+        const float text = luminance(textLight(red), textLight(green), textLight(blue));
+        return text + 0.05F >= kLeastContrast * (luminance(red, green, blue) + 0.05F);
+    }
+};
+
+// How much of the light stays where `added` comes on top. What is bright is pressed together below
+// what the text bears, what is dark keeps its share: a sun behind the card takes nothing from the
+// sky around it. Less light is always more readable.
+float scaleFor(const Light& light, float added) {
     float readable = 0;
-    float tooBright = kDimming;
-    for (int i = 0; i < 10; ++i) {
+    float tooBright = kHighestScale;
+    if (light.scaled(tooBright, added).isReadable()) readable = tooBright;
+    for (int i = 0; i < 12 && readable < tooBright; ++i) {
         const float middle = (readable + tooBright) / 2;
-        (isReadable(glass, card, middle) ? readable : tooBright) = middle;
+        (light.scaled(middle, added).isReadable() ? readable : tooBright) = middle;
     }
-    return readable;
+    return readable > 0 ? readable * (1 - std::exp(-kDimming / readable)) : 0;
 }
 
-// Dims, adds veil and sheen, and encodes for the screen. All of it is linear in the light until the
-// encoding, so the least readable place decides for all.
+// Dims, adds veil and sheen, and encodes for the screen.
 void tone(GlassPicture& glass, const PixelRect& card) {
-    const float dimming = dimmingFor(glass, card);
     for (int y = 0; y < glass.red.height; ++y) {
         const float added = kVeil + sheen(y, card, glass.step);
-        for (int x = 0; x < glass.red.width; ++x)
-            for (Plane* plane : {&glass.red, &glass.green, &glass.blue})
-                plane->at(x, y) =
-                    encodedFromLinear(std::min(1.0F, plane->at(x, y) * dimming + added));
+        for (int x = 0; x < glass.red.width; ++x) {
+            const Light light{glass.red.at(x, y), glass.green.at(x, y), glass.blue.at(x, y)};
+            const Light toned = light.scaled(scaleFor(light, added), added);
+            glass.red.at(x, y) = encodedFromLinear(std::min(1.0F, toned.red));
+            glass.green.at(x, y) = encodedFromLinear(std::min(1.0F, toned.green));
+            glass.blue.at(x, y) = encodedFromLinear(std::min(1.0F, toned.blue));
+        }
     }
 }
 

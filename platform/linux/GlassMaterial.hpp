@@ -27,9 +27,8 @@ struct GlassPicture {
     void readRow(int y, int begin, int end, std::uint32_t* pixels) const;
 };
 
-// `card` is the part of the backdrop, in its pixels, that the glass will cover: what is bright only
-// elsewhere does not darken it. Every pixel there gives the card's quietest text a contrast of at
-// least 4.5.
+// `card` is the part of the backdrop, in its pixels, that the glass will cover. Every pixel there
+// gives the card's quietest text a contrast of at least 4.5.
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double scale);
 
 }  // namespace quorvane

@@ -104,6 +104,10 @@ TEST(GlassMaterial, IsTellableFromABlackScreenAndKeepsTheColorOfOthers) {
     const std::uint32_t blue = onBlue.at(252, 200);
     EXPECT_GT(blue & 0xff, blue >> 8 & 0xff);
     EXPECT_GT(blue >> 8 & 0xff, blue >> 16 & 0xff);
+    // A sun behind the card takes nothing from the sky beside it.
+    const Pixels besideWhite = makeCardChrome(
+        picture({"", [](int x, int) { return x < 200 ? 0xffffffu : 0x336699u; }}, 1), kStyle, 1);
+    EXPECT_NEAR(besideWhite.at(400, 200) & 0xff, onBlue.at(400, 200) & 0xff, 3);
 }
 
 TEST(GlassMaterial, MeasuresContrastAsReadersDo) {
