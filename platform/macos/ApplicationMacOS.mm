@@ -59,6 +59,8 @@ int run(std::function<void()> didFinishLaunching, std::function<void()> willTerm
           [application terminate:nil];
         });
         [application run];
+        // Only where the loop was stopped: `terminate:` ends the process from inside.
+        delegate = nil;
     }
     return 0;
 }

@@ -100,7 +100,7 @@ enum class Kind { boolean, whole, positive, real };
     const auto file = macrt::files().find(path);
     if (file != macrt::files().end())
         return [NSData dataWithBytes:file->second.data() length:file->second.size()];
-    *errorPtr = macrt::makeError(NSCocoaErrorDomain, 260, @"no such file");
+    if (errorPtr != nullptr) *errorPtr = macrt::makeError(NSCocoaErrorDomain, 260, @"no such file");
     return nil;
 }
 - (BOOL)writeToURL:(NSURL*)url

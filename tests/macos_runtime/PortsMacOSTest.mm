@@ -1,0 +1,112 @@
+// Message ports: both ends, with their threads.
+#include <semaphore>
+#include <thread>
+
+#include "platform/macos/MessagePortsMacOS.hpp"
+#include "tests/macos_runtime/MacTest.hpp"
+#include "tests/macos_runtime/fakes/PortFakes.hpp"
+
+namespace quorvane {
+namespace {
+
+using macrt::takeTexts;
+using macrt::Texts;
+using PortsMacOSTest = macrt::MacTest;
+
+TEST_F(PortsMacOSTest, ARequestGoesOutAndItsReplyComesBack) {
+    std::vector<macrt::PortMessage> asked;
+    macrt::servePort("group.port", [&](const macrt::PortMessage& message) -> macrt::PortAnswer {
+        asked.push_back(message);
+        return {0, "reply"};
+    });
+    const ConnectPort connect = makeConnectPortMacOS();
+    EXPECT_EQ(connect("group.other"), nullptr);
+    @autoreleasepool {
+        const auto port = connect("group.port");
+        ASSERT_NE(port, nullptr);
+        const PortReply reply = port->send({.messageID = 40,
+                                            .body = bytesOf("question"),
+                                            .sendTimeout = std::chrono::milliseconds{1500},
+                                            .receiveTimeout = std::chrono::seconds{2},
+                                            .awaitsReply = true});
+        EXPECT_EQ(reply.status, 0);
+        ASSERT_TRUE(reply.body);
+        EXPECT_EQ(textOf(*reply.body), "reply");
+        EXPECT_FALSE(port->send({.messageID = 41}).body);
+    }
+    ASSERT_EQ(asked.size(), 2u);
+    EXPECT_EQ(asked[0].identifier, 40);
+    EXPECT_EQ(asked[0].body, "question");
+    EXPECT_EQ(asked[0].sendTimeout, 1.5);
+    EXPECT_EQ(asked[0].receiveTimeout, 2);
+    EXPECT_TRUE(asked[0].awaitsReply);
+    EXPECT_FALSE(asked[1].awaitsReply);
+    // A port of this name would otherwise be the same object again, dead or not.
+    EXPECT_EQ(takeTexts(), (Texts{"remote port group.other", "remote port group.port",
+                                  "invalidate group.port"}));
+}
+
+TEST_F(PortsMacOSTest, FailuresHaveTheirNumbers) {
+    std::int32_t status = -2;
+    macrt::servePort("group.port", [&](auto&) -> macrt::PortAnswer { return {status, "late"}; });
+    const auto port = makeConnectPortMacOS()("group.port");
+    for (status = -5; status < 0; ++status) {
+        const PortReply reply = port->send({.messageID = 1, .awaitsReply = true});
+        EXPECT_EQ(reply.status, status);
+        EXPECT_FALSE(reply.body);
+    }
+    macrt::servePort("group.port", [](auto&) -> macrt::PortAnswer { return {}; });
+    EXPECT_EQ(port->send({.awaitsReply = true}).status, 0);
+    EXPECT_FALSE(port->send({.awaitsReply = true}).body);
+    macrt::stopServing("group.port");
+    EXPECT_EQ(port->send({}).status, kPortTransportError);
+}
+
+TEST_F(PortsMacOSTest, APortMayGoWhileItWaits) {
+    std::unique_ptr<RemotePort> port;
+    macrt::servePort("group.port", [&](auto&) -> macrt::PortAnswer {
+        port = nullptr;
+        return {kPortBecameInvalid, {}};
+    });
+    port = makeConnectPortMacOS()("group.port");
+    EXPECT_EQ(port->send({.awaitsReply = true}).status, kPortBecameInvalid);
+}
+
+TEST_F(PortsMacOSTest, ServesOnItsThreadUntilItIsStopped) {
+    const OpenPort open = makeOpenPortMacOS();
+    std::thread::id servedBy;
+    auto port = open("group.port", [&](std::int32_t messageID, ByteView body) {
+        servedBy = std::this_thread::get_id();
+        if (messageID == 2) return Bytes{};
+        return copyOf(bytesOf(std::to_string(messageID) + std::string{textOf(body)}));
+    });
+    ASSERT_NE(port, nullptr);
+    // This process has the name already.
+    EXPECT_EQ(open("group.port", nullptr), nullptr);
+    macrt::takePortName("group.taken");
+    EXPECT_EQ(open("group.taken", nullptr), nullptr);
+    std::thread thread{[&] { port->run(); }};
+    const std::thread::id server = thread.get_id();
+    std::optional<std::string> answer;
+    while (!(answer = macrt::callPort("group.port", 7, "x"))) std::this_thread::yield();
+    EXPECT_EQ(answer, "7x");
+    EXPECT_EQ(servedBy, server);
+    EXPECT_EQ(macrt::callPort("group.port", 2, ""), "");
+    port->stop();
+    thread.join();
+    EXPECT_FALSE(macrt::callPort("group.port", 7, ""));
+    port = nullptr;
+    drainPool();
+    EXPECT_EQ(takeTexts("invalidate"), Texts{"invalidate group.port"});
+    EXPECT_NE(open("group.port", nullptr), nullptr);  // the name is free
+}
+
+TEST_F(PortsMacOSTest, AStopBeforeTheRunIsNotForgotten) {
+    auto port = makeOpenPortMacOS()("group.port", nullptr);
+    port->stop();
+    port->run();
+    SUCCEED();
+}
+
+}  // namespace
+}  // namespace quorvane

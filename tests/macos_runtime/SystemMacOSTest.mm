@@ -1,0 +1,325 @@
+// The application object, time, queues, the log, and the services of Foundation.
+#include <csignal>
+#include <fstream>
+
+#include "platform/RegularFiles.hpp"
+#include "platform/macos/ApplicationMacOS.hpp"
+#include "platform/macos/ClockMacOS.hpp"
+#include "platform/macos/DynamicLoaderMacOS.hpp"
+#include "platform/macos/FilesMacOS.hpp"
+#include "platform/macos/InstallationMacOS.hpp"
+#include "platform/macos/LocalizationMacOS.hpp"
+#include "platform/macos/LogMacOS.hpp"
+#include "platform/macos/MainThreadMacOS.hpp"
+#include "platform/macos/ProcessInfoMacOS.hpp"
+#include "platform/macos/SerialQueueMacOS.hpp"
+#include "platform/macos/UserDefaultsMacOS.hpp"
+#include "tests/macos_runtime/MacTest.hpp"
+#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
+#include "tests/macos_runtime/fakes/LogFakes.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
+#include "tests/macos_runtime/fakes/Values.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace quorvane {
+namespace {
+
+using macrt::answers;
+using macrt::takeTexts;
+using macrt::Texts;
+using SystemMacOSTest = macrt::MacTest;
+
+TEST_F(SystemMacOSTest, TheApplicationRunsWithoutADockIcon) {
+    Texts told;
+    answers().whileRunning = [&] {
+        told.push_back("running");
+        NSApplication* const application = NSApplication.sharedApplication;
+        const id delegate = application.delegate;
+        [delegate applicationDidFinishLaunching:nil];
+        EXPECT_TRUE([delegate applicationSupportsSecureRestorableState:application]);
+        macrt::raiseSignal(SIGINT);
+        [delegate applicationWillTerminate:nil];
+    };
+    EXPECT_EQ(makeApplicationMacOS().run([&] { told.push_back("launched"); },
+                                         [&] { told.push_back("ending"); }),
+              0);
+    EXPECT_EQ(told, (Texts{"running", "launched", "ending"}));
+    EXPECT_EQ(takeTexts(),
+              (Texts{"-[NSApplication#1 setDelegate:<QuorvaneApplicationDelegate#1>]",
+                     "-[NSApplication#1 setActivationPolicy:1]", "signal source 2 on main",
+                     "-[NSApplication#1 run]", "-[NSApplication#1 terminate:nil]"}));
+    makeApplicationMacOS().terminate();
+    EXPECT_EQ(takeTexts(), Texts{"-[NSApplication#1 terminate:nil]"});
+    std::signal(SIGINT, SIG_DFL);
+}
+
+TEST_F(SystemMacOSTest, ATerminationSignalEndsTheProcessByItself) {
+    EXPECT_EXIT(
+        {
+            makeApplicationMacOS().handleTerminationSignal(
+                [] { std::fprintf(stderr, "told of the signal\n"); });
+            std::raise(SIGTERM);  // ignored: the source alone hears of it
+            macrt::raiseSignal(SIGTERM);
+            std::_Exit(1);
+        },
+        testing::KilledBySignal(SIGTERM), "told of the signal");
+}
+
+TEST_F(SystemMacOSTest, TimersFireOnceAndNotAfterTheyAreDropped) {
+    const Clock clock = makeClockMacOS();
+    int fired = 0;
+    @autoreleasepool {
+        const Timer first = clock.after(std::chrono::milliseconds{50}, [&] { ++fired; });
+        Timer dropped = clock.after(std::chrono::milliseconds{20}, [&] { fired += 100; });
+        Timer past = clock.after(std::chrono::seconds{-1}, [&] { fired += 10; });
+        EXPECT_EQ(takeTexts("timer in"),
+                  (Texts{"timer in 50000000 once leeway 0", "timer in 20000000 once leeway 0",
+                         "timer in 0 once leeway 0"}));
+        dropped.reset();
+        EXPECT_EQ(fired, 0);
+        macrt::passTime(std::chrono::milliseconds{49});
+        EXPECT_EQ(fired, 10);
+        macrt::passTime(std::chrono::milliseconds{100});
+        EXPECT_EQ(fired, 11);
+    }
+    EXPECT_EQ(macrt::activeSources(), 0u);
+    // One may end itself, and its owner's last timer with it.
+    Timer self;
+    self = clock.after({}, [&] { self.reset(); });
+    macrt::passTime({});
+}
+
+TEST_F(SystemMacOSTest, TheMainThreadRunsActionsLaterAndInOrder) {
+    const MainThread mainThread = makeMainThreadMacOS();
+    std::string order;
+    mainThread.post([&] {
+        order += "a";
+        mainThread.post([&] { order += "c"; });
+    });
+    mainThread.post([&] { order += "b"; });
+    EXPECT_EQ(order, "");
+    macrt::drainMainQueue();
+    EXPECT_EQ(order, "abc");
+}
+
+TEST_F(SystemMacOSTest, QueuesDropWhatWaitsWhenTheyEnd) {
+    std::string order;
+    auto queue = makeSerialQueuesMacOS()("kit.queries");
+    queue->async([&] { order += "a"; });
+    macrt::drainQueues();
+    queue->async([&] { order += "b"; });
+    queue = nullptr;
+    EXPECT_EQ(order, "a");
+    // It may end from inside its own action.
+    queue = makeSerialQueuesMacOS()("kit.queries");
+    queue->async([&] { queue = nullptr; });
+    queue->async([&] { order += "c"; });
+    macrt::drainQueues();
+    EXPECT_EQ(order, "a");
+    EXPECT_EQ(takeTexts(), (Texts{"queue kit.queries", "queue kit.queries"}));
+}
+
+TEST_F(SystemMacOSTest, LogLinesKeepTheirPlaceholdersAndPrivacy) {
+    const Logger log{makeLogSinkMacOS(), "a.subsystem", "player"};
+    log.info("track %{private}s of %{public}s, %{bool}d, %ld of %lu", "song", "artist", true, -3L,
+             7UL);
+    log.standard("%s %d %u %llu", "unmarked", -1, 4'000'000'000U, 18'000'000'000'000'000'000ULL);
+    log.error("no arguments");
+    log.fault("%f seconds", 0.5);
+    log.debug("fine");
+    macrt::setDebugLog(false);
+    log.debug("nobody listens");
+    EXPECT_EQ(
+        takeTexts(),
+        (Texts{"log of a.subsystem:player",
+               "log a.subsystem:player 1 track <private> of artist, true, -3 of 7",
+               "log a.subsystem:player 0 <private> -1 4000000000 18000000000000000000",
+               "log a.subsystem:player 16 no arguments",
+               "log a.subsystem:player 17 0.500000 seconds", "log a.subsystem:player 2 fine"}));
+}
+
+TEST_F(SystemMacOSTest, TheProcessKnowsItselfAndItsBundle) {
+    answers().infoDictionary = @{@"CFBundleShortVersionString" : @"1.2"};
+    char name[] = "/a/b";
+    char option[] = "--installed";
+    char* arguments[] = {name, option};
+    ProcessInfo process = makeProcessInfoMacOS(2, arguments);
+    EXPECT_EQ(process.arguments, (std::vector<std::string>{"/a/b", "--installed"}));
+    EXPECT_EQ(process.pid, 4711);
+    EXPECT_EQ(process.systemVersion.major, 26);
+    EXPECT_EQ(process.systemVersion.patch, 2);
+    EXPECT_EQ(process.bundle, "/Applications/Quorvane Lock Screen.app");
+    EXPECT_EQ(*find<std::string>(process.bundleProperties, "CFBundleShortVersionString"), "1.2");
+    answers().bundleIdentifier = nil;
+    EXPECT_EQ(makeProcessInfoMacOS(2, arguments).bundle, "");
+    EXPECT_EQ(localizedMacOS("Play"), "~Play");
+    EXPECT_FALSE(isRightToLeftMacOS());
+    answers().direction = NSUserInterfaceLayoutDirectionRightToLeft;
+    EXPECT_TRUE(isRightToLeftMacOS());
+}
+
+TEST_F(SystemMacOSTest, AnActivityLastsAsLongAsItsHandle) {
+    {
+        const Handle activity = makeBeginActivityMacOS()(0x00EF'FFFF, "Showing");
+        EXPECT_EQ(takeTexts(), Texts{"-[NSProcessInfo#1 beginActivityWithOptions:15728639 "
+                                     "reason:@\"Showing\"]"});
+    }
+    EXPECT_EQ(takeTexts(), Texts{"-[NSProcessInfo#1 endActivity:<NSObject#1>]"});
+}
+
+TEST_F(SystemMacOSTest, FilesAreReadAndWrittenWithTheirErrors) {
+    const FileStore files = makeFileStoreMacOS();
+    EXPECT_EQ(files.containerOfGroup("group.a"), "/Groups/group.a");
+    EXPECT_TRUE(files.writeAtomically("/Groups/secret", bytesOf("32")));
+    EXPECT_EQ(takeTexts(),
+              (Texts{"-[NSFileManager#1 containerURLForSecurityApplicationGroupIdentifier:"
+                     "@\"group.a\"]",
+                     "-[NSFileManager#1 createDirectoryAtURL:file:///Groups/group.a "
+                     "withIntermediateDirectories:YES attributes:nil error:nil]",
+                     "write /Groups/secret 1",
+                     "-[NSFileManager#1 setAttributes:{@\"NSFilePosixPermissions\": 384} "
+                     "ofItemAtPath:@\"/Groups/secret\" error:pointer]"}));
+    EXPECT_EQ(textOf(files.read("/Groups/secret").value()), "32");
+    EXPECT_EQ(files.read("/none").error(),
+              (PlatformError{PlatformError::Domain::cocoa, 260, "no such file"}));
+    EXPECT_EQ(files.writeAtomically("/forbidden/x", {}).error().code, 513);
+    answers().fileError = macrt::makeError(NSPOSIXErrorDomain, 13, @"denied");
+    EXPECT_FALSE(files.containerOfGroup("group.a"));
+    EXPECT_EQ(files.writeAtomically("/Groups/secret", {}).error(),
+              (PlatformError{PlatformError::Domain::posix, 13, "denied"}));
+    std::array<std::byte, 4> random{};
+    EXPECT_TRUE(makeFillRandomMacOS()(random));
+    EXPECT_EQ(random[3], std::byte{0xA5});
+    answers().randomStatus = -67'808;
+    EXPECT_EQ(makeFillRandomMacOS()(random).error(), -67'808);
+    EXPECT_EQ(makeUUIDMacOS(), "0F0E0D0C-0B0A-4908-8706-050403020100");
+}
+
+TEST_F(SystemMacOSTest, DefaultsKeepTheTypesOfTheirValues) {
+    const UserDefaults standard = makeStandardDefaultsMacOS("a.domain");
+    EXPECT_FALSE(standard.get("removalPending"));
+    for (const PropertyValue& value : std::vector<PropertyValue>{
+             {true}, {std::int64_t{1}}, {1.0}, {std::string{"x"}}, {WallTime{Duration{5}}}}) {
+        standard.set("removalPending", value);
+        EXPECT_EQ(standard.get("removalPending"), value);
+    }
+    standard.set("removalPending", PropertyValue{PropertyArray{{std::int64_t{2}}, {false}}});
+    EXPECT_EQ(standard.get("removalPending")->as<PropertyArray>()->size(), 2u);
+    standard.set("removalPending", std::nullopt);
+    EXPECT_FALSE(standard.get("removalPending"));
+    macrt::takeCalls();
+    standard.removeDomain();
+    EXPECT_TRUE(standard.synchronize());
+    EXPECT_EQ(takeTexts(), (Texts{"-[NSUserDefaults#1 removePersistentDomainForName:@\"a.domain\"]",
+                                  "synchronize a.domain"}));
+    answers().canSynchronize = false;
+    EXPECT_FALSE(standard.synchronize());
+    const auto suite = openSuiteMacOS("group.a");
+    suite->set("key", PropertyValue{true});
+    EXPECT_TRUE(macrt::defaults()["group.a"].contains("key"));
+    EXPECT_FALSE(standard.get("key"));
+    answers().hasSuites = false;
+    EXPECT_FALSE(openSuiteMacOS("group.a"));
+}
+
+TEST_F(SystemMacOSTest, TheLoginItemPassesStatusesAndErrorsOn) {
+    const LoginItemClient item = makeInstallationMacOS().loginItem;
+    answers().loginItem = SMAppServiceStatusRequiresApproval;
+    macrt::takeCalls();
+    EXPECT_EQ(item.status(), 2);
+    EXPECT_TRUE(item.registerItem());
+    answers().loginItemError = macrt::makeError(@"SMAppServiceErrorDomain", 1, @"not permitted");
+    EXPECT_EQ(item.unregisterItem().error(),
+              (PlatformError{PlatformError::Domain::service, 1, "not permitted"}));
+    EXPECT_EQ(takeTexts(), (Texts{"-[SMAppService#1 registerAndReturnError:pointer]",
+                                  "-[SMAppService#1 unregisterAndReturnError:pointer]"}));
+}
+
+TEST_F(SystemMacOSTest, CopiesAreListedAndAskedToQuit) {
+    const RunningApplications running = makeInstallationMacOS().runningApplications;
+    @autoreleasepool {
+        answers().copies = {{.pid = 10, .launchDate = [NSDate dateWithTimeIntervalSince1970:1.5]},
+                            {.pid = 11, .isTerminated = YES},
+                            {.pid = 12}};
+    }
+    const auto copies = running.running("a.bundle");
+    ASSERT_EQ(copies.size(), 2u);
+    EXPECT_EQ(copies[0].launchDate, WallTime{std::chrono::milliseconds{1500}});
+    EXPECT_EQ(copies[1].pid, 12);
+    EXPECT_FALSE(copies[1].launchDate);
+    EXPECT_EQ(running.current().pid, 10);
+    macrt::takeCalls();
+    running.terminate(12);
+    running.terminate(99);  // it has gone
+    EXPECT_EQ(takeTexts("terminate]").size(), 1u);
+}
+
+TEST_F(SystemMacOSTest, FilesOfTheBundleAreManagedWithTheirErrors) {
+    const Installation installation = makeInstallationMacOS();
+    EXPECT_EQ(installation.applicationSupport, "/Users/u/Library/Application Support");
+    const FileManagerClient& files = installation.fileManager;
+    EXPECT_TRUE(files.removeItem("/a b"));
+    EXPECT_EQ(takeTexts("remove"),
+              Texts{"-[NSFileManager#1 removeItemAtURL:file:///a b error:pointer]"});
+    answers().fileError = macrt::makeError(NSCocoaErrorDomain, 4, @"none there");
+    EXPECT_EQ(files.removeItem("/a").error().code, 4);
+    EXPECT_FALSE(files.fileExists("/x.app/Contents/Info.plist"));
+    EXPECT_FALSE(files.identity("/x.app"));
+    macrt::files()["/x.app/Contents/Info.plist"] = "bytes";
+    EXPECT_TRUE(files.fileExists("/x.app/Contents/Info.plist"));
+    EXPECT_FALSE(files.identity("/x.app"));
+    answers().propertyList = @{@"CFBundleIdentifier" : @"a.bundle"};
+    EXPECT_EQ(files.identity("/x.app"), "a.bundle");
+    answers().propertyList = @{@"CFBundleIdentifier" : @5LL};
+    EXPECT_FALSE(files.identity("/x.app"));
+}
+
+TEST_F(SystemMacOSTest, OpenIsReadToItsEndBeforeItIsWaitedFor) {
+    const RunOpenCommand open = makeInstallationMacOS().runOpenCommand;
+    macrt::takeCalls();
+    answers().launchOutput = "cannot open\n\n";
+    answers().launchStatus = 1;
+    const auto end = open({"-g", "/x.app"});
+    ASSERT_TRUE(end);
+    EXPECT_EQ(end->status, 1);
+    EXPECT_EQ(end->output, "cannot open");
+    EXPECT_EQ(takeTexts(), (Texts{"-[NSTask#1 setExecutableURL:file:///usr/bin/open]",
+                                  "-[NSTask#1 setArguments:[@\"-g\", @\"/x.app\"]]",
+                                  "-[NSTask#1 setStandardOutput:<NSPipe#1>]",
+                                  "-[NSTask#1 setStandardError:<NSPipe#1>]",
+                                  "-[NSTask#1 launchAndReturnError:pointer]",
+                                  "-[NSFileHandle#1 readDataToEndOfFileAndReturnError:nil]",
+                                  "-[NSTask#1 waitUntilExit]"}));
+    answers().launchError = macrt::makeError(NSCocoaErrorDomain, 4, @"no such file");
+    EXPECT_EQ(open({}).error().code, 4);
+    EXPECT_EQ(takeTexts("wait"), Texts{});
+}
+
+TEST_F(SystemMacOSTest, TheLoaderAnswersAndMakesArrays) {
+    const DynamicLoader loader = makeDynamicLoaderMacOS();
+    EXPECT_EQ(loader.open("/none.dylib"), nullptr);
+    EXPECT_NE(loader.lastError().value_or("").find("/none.dylib"), std::string::npos);
+    EXPECT_FALSE(loader.lastError());
+    void* const program = loader.open(nullptr);
+    EXPECT_EQ(loader.symbol(program, "no_such_symbol"), nullptr);
+    std::shared_ptr<const void> array;
+    @autoreleasepool {
+        array = loader.arrayOfNumber(18'000'000'000'000'000'000ULL);
+    }
+    EXPECT_EQ(macrt::describe((__bridge id)array.get()), "[18000000000000000000]");
+}
+
+TEST_F(SystemMacOSTest, RegularFilesAreReadUpToTheirLimit) {
+    const TemporaryFolder folder;
+    std::ofstream{folder.path() / "art"} << "12345";
+    const RegularFiles files = makeLiveRegularFiles();
+    const auto file = files.read(folder.path() / "art", 5);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(textOf(file->contents), "12345");
+    EXPECT_EQ(file->stamp, files.stamp(folder.path() / "art").value());
+    EXPECT_FALSE(files.read(folder.path() / "art", 4));
+    EXPECT_FALSE(files.stamp(folder.path()));
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,33 @@
+// What tests may do to message ports.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "tests/macos_runtime/fakes/Fakes.hpp"
+
+namespace macrt {
+
+struct PortMessage {
+    std::int32_t identifier = 0;
+    std::string body;
+    double sendTimeout = 0;
+    double receiveTimeout = 0;
+    bool awaitsReply = false;
+};
+struct PortAnswer {
+    std::int32_t status = 0;
+    std::optional<std::string> body{};
+};
+// What another process would answer under this name, from now on; nothing: nobody serves it.
+void servePort(const std::string& name, std::function<PortAnswer(const PortMessage&)> answer);
+void stopServing(const std::string& name);
+
+// Has another process in possession of the name.
+void takePortName(const std::string& name);
+// What a client of a port that the code under test serves gets; the answer is made on the thread
+// that runs the port. Nothing when the port is not served.
+std::optional<std::string> callPort(const std::string& name, std::int32_t identifier,
+                                    const std::string& body);
+
+}  // namespace macrt
