@@ -47,14 +47,14 @@ def _statements(text):
         raise SystemExit(f"unreadable declaration: {current}")
 
 
-def _selector(method):
+def selector_of(method):
     rest = re.sub(r"__attribute__\(\(.*?\)\)", "", method[1:].strip().rstrip(";"))
     rest = re.sub(r"\([^()]*(\([^()]*(\([^()]*\)[^()]*)*\)[^()]*)*\)", " ", rest)  # types
     parts = re.findall(r"(\w*):", rest)
     return "".join(f"{part}:" for part in parts) if parts else rest.split()[0]
 
 
-def _property(statement):
+def properties_of(statement):
     attributes = re.match(r"@property\s*(?:\(([^)]*)\))?", statement).group(1) or ""
     names = re.search(r"([\w\s,*]+);$", re.sub(r"\s*__attribute__\(\(.*?\)\)", "", statement)).group(1)
     found = []
@@ -103,10 +103,10 @@ def _read(path, framework):
             if not re.search(r"@interface\s+\w+\s*(<[^>]*>)?\s*\(", statement):
                 yield made("class" if match.group(1) == "interface" else "protocol", owner, of="")
         elif statement.startswith("@property"):
-            for name, selectors in _property(statement):
+            for name, selectors in properties_of(statement):
                 yield made("property", name, selectors)
         elif statement[0] in "+-":
-            selector = _selector(statement)
+            selector = selector_of(statement)
             yield made("method", statement[0] + selector, (selector,))
         elif match := re.match(r"(?:typedef\s+)?enum\s*(\w*)\s*(?::[^{]*)?\{", statement):
             if match.group(1):

@@ -2,7 +2,7 @@
 
 #include "NSView.h"
 
-enum NSGlassEffectViewStyle : NSInteger { NSGlassEffectViewStyleClear = 1 };
+enum NSGlassEffectViewStyle : NSInteger;
 
 @interface NSGlassEffectView : NSView
 @property(strong) NSView* contentView;

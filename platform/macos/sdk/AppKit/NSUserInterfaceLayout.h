@@ -2,4 +2,4 @@
 
 #include <Foundation/NSObjCRuntime.h>
 
-enum NSUserInterfaceLayoutDirection : NSInteger { NSUserInterfaceLayoutDirectionLeftToRight = 0, NSUserInterfaceLayoutDirectionRightToLeft = 1 };
+enum NSUserInterfaceLayoutDirection : NSInteger { NSUserInterfaceLayoutDirectionRightToLeft = 1 };

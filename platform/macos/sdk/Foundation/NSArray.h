@@ -3,7 +3,6 @@
 #include "NSEnumerator.h"
 
 @interface NSArray<ObjectType> : NSObject <NSFastEnumeration>
-@property(readonly) NSUInteger count;
 @property(readonly) ObjectType firstObject;
 + (instancetype)arrayWithObjects:(const ObjectType[])objects count:(NSUInteger)cnt;
 @end

@@ -7,6 +7,4 @@
 @interface NSURL : NSObject
 @property(readonly, copy) NSString* path;
 + (NSURL*)fileURLWithPath:(NSString*)path;  // from memory
-+ (NSURL*)fileURLWithPath:(NSString*)path isDirectory:(BOOL)isDir;
-- (NSURL*)URLByAppendingPathComponent:(NSString*)pathComponent isDirectory:(BOOL)isDirectory;
 @end

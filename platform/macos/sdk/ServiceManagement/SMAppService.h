@@ -2,7 +2,7 @@
 
 #include <Foundation/Foundation.h>
 
-enum SMAppServiceStatus : NSInteger { SMAppServiceStatusNotRegistered, SMAppServiceStatusEnabled, SMAppServiceStatusRequiresApproval, SMAppServiceStatusNotFound };
+enum SMAppServiceStatus : NSInteger;
 
 @interface SMAppService : NSObject
 @property(class, readonly) SMAppService* mainAppService;
