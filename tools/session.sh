@@ -19,6 +19,8 @@ end() {
 
 end_session() {
     local index
+    # It was started detached, and ends in order.
+    [ -z "${has_add_on:-}" ] || "$host" quit >/dev/null 2>&1 || true
     for ((index = ${#session_pids[@]} - 1; index >= 0; index--)); do end "${session_pids[index]}"; done
     [ -z "${session:-}" ] || rm -rf "$session" ${saver_home:+"$saver_home"}
 }
@@ -68,6 +70,22 @@ begin_session() {
     wait_for bus "unix:path" 20 || fail "the message bus did not start: $(cat "$session/bus.log")"
     export DBUS_SESSION_BUS_ADDRESS="unix:path=$session/run/bus"
     export QUORVANE_LOG=stderr
+}
+
+# begin_live: folders of its own for what is installed, in the session that this is started in.
+begin_live() {
+    session=$(mktemp -d "${TMPDIR:-/tmp}/quorvane-XXXXXX")
+    chmod 700 "$session"
+    trap end_session EXIT
+    trap 'exit 130' INT TERM
+    mkdir -p "$session"/{config,data}
+    export XDG_CONFIG_HOME=$session/config XDG_DATA_HOME=$session/data
+}
+
+# install_add_on: what is shown is what is installed, in the session's folders; its log is $session/add-on.log.
+install_add_on() {
+    has_add_on=yes
+    QUORVANE_LOG=$session/add-on.log "$host" install || fail "the add-on could not be installed"
 }
 
 # start_player: mpv, with two tones, a cover and nobody to hear them.
