@@ -61,6 +61,10 @@ NSAccessibilityRole roleOf(SceneControl::Role role) {
     }
 }
 
+- (void)setAccessibilityValue:(id)value {
+    [view_ setNumber:((NSNumber*)value).doubleValue of:control_];
+}
+
 - (id)accessibilityMinValue {
     return @(control_.minimum);
 }

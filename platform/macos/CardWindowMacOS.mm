@@ -49,7 +49,7 @@ CardWindowMacOS::CardWindowMacOS(const WindowSettings& settings, Clock clock)
 }
 
 CardWindowMacOS::~CardWindowMacOS() {
-    setContent(nullptr);
+    if (stage_) stage_->root().onPointerMoved = nullptr;
     panel_.onPrimaryButton = [](NSEventType, NSPoint) {};
 }
 

@@ -12,4 +12,5 @@
 - (void)showScene:(const quorvane::Scene&)scene;
 // Whether the control can do it.
 - (BOOL)perform:(quorvane::AccessibilityAction)action on:(const quorvane::SceneControl&)control;
+- (void)setNumber:(double)number of:(const quorvane::SceneControl&)control;
 @end

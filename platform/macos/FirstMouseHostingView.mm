@@ -130,4 +130,9 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     return YES;
 }
 
+- (void)setNumber:(double)number of:(const SceneControl&)control {
+    const auto setNumber = _events.accessibilityNumber;
+    if (setNumber) setNumber(control.id, number);
+}
+
 @end

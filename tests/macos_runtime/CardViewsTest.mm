@@ -171,9 +171,16 @@ TEST_F(CardViewsTest, HaveAnElementForEveryControl) {
     using ID = SceneControl::ID;
     using Role = SceneControl::Role;
     std::vector<std::pair<ID, AccessibilityAction>> asked;
-    stage_->setEvents({.pointer = nullptr, .accessibility = [&](ID id, AccessibilityAction action) {
-                           asked.emplace_back(id, action);
-                       }});
+    double number = 0;
+    stage_->setEvents(
+        {.pointer = nullptr,
+         .accessibility = [&](ID id,
+                              AccessibilityAction action) { asked.emplace_back(id, action); },
+         .accessibilityNumber =
+             [&](ID id, double value) {
+                 EXPECT_EQ(id, ID::volume);
+                 number = value;
+             }});
     const SceneControl next{
         .id = ID::next, .role = Role::button, .frame = {250, 110, 48, 48}, .label = "Next Track"};
     SceneControl volume{.id = ID::volume,
@@ -186,7 +193,7 @@ TEST_F(CardViewsTest, HaveAnElementForEveryControl) {
     @autoreleasepool {
         stage_->setScene(sceneWith({next, volume, title}));
         NSArray* const children = content_.accessibilityChildren;
-        ASSERT_EQ(children.count, 3u);
+        ASSERT_EQ(macrt::itemsOf(children).size(), 3u);
         NSAccessibilityElement* const button = macrt::itemsOf(children)[0];
         NSAccessibilityElement* const slider = macrt::itemsOf(children)[1];
         NSAccessibilityElement* const text = macrt::itemsOf(children)[2];
@@ -204,6 +211,8 @@ TEST_F(CardViewsTest, HaveAnElementForEveryControl) {
         EXPECT_TRUE([slider accessibilityPerformIncrement]);
         EXPECT_TRUE([slider accessibilityPerformDecrement]);
         EXPECT_FALSE([slider accessibilityPerformPress]);
+        slider.accessibilityValue = @62.5;
+        EXPECT_EQ(number, 62.5);
         EXPECT_EQ(macrt::describe(text.accessibilityValue), "@\"Song\"");
         macrt::takeCalls();
         volume.number = 45;

@@ -154,7 +154,7 @@ TEST_F(SystemMacOSTest, TheProcessKnowsItselfAndItsBundle) {
     EXPECT_EQ(makeProcessInfoMacOS(2, arguments).bundle, "");
     EXPECT_EQ(localizedMacOS("Play"), "~Play");
     EXPECT_FALSE(isRightToLeftMacOS());
-    answers().direction = NSUserInterfaceLayoutDirectionRightToLeft;
+    answers().isRightToLeft = true;
     EXPECT_TRUE(isRightToLeftMacOS());
 }
 
@@ -224,7 +224,7 @@ TEST_F(SystemMacOSTest, DefaultsKeepTheTypesOfTheirValues) {
 
 TEST_F(SystemMacOSTest, TheLoginItemPassesStatusesAndErrorsOn) {
     const LoginItemClient item = makeInstallationMacOS().loginItem;
-    answers().loginItem = SMAppServiceStatusRequiresApproval;
+    answers().loginItem = 2;
     macrt::takeCalls();
     EXPECT_EQ(item.status(), 2);
     EXPECT_TRUE(item.registerItem());

@@ -12,9 +12,6 @@
     array->items_.assign(objects, objects + cnt);
     return array;
 }
-- (NSUInteger)count {
-    return items_.size();
-}
 - (id)firstObject {
     return items_.empty() ? nil : items_.front();
 }

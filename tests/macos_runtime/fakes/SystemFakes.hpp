@@ -23,7 +23,7 @@ struct SystemAnswers {
     NSString* bundlePath = @"/Applications/Quorvane Lock Screen.app";
     NSString* bundleIdentifier = @"example.quillon.Quorvane.LockScreenAddOn";
     NSDictionary* infoDictionary = nil;
-    NSUserInterfaceLayoutDirection direction = NSUserInterfaceLayoutDirectionLeftToRight;
+    bool isRightToLeft = false;
     std::vector<FakeRunningCopy> copies{};  // the first is this process
     // Lock state
     NSDictionary* session = nil;
@@ -34,7 +34,7 @@ struct SystemAnswers {
     NSError* fileError = nil;  // of every change
     id propertyList = nil;
     // Services
-    SMAppServiceStatus loginItem = SMAppServiceStatusNotRegistered;
+    NSInteger loginItem = 0;
     NSError* loginItemError = nil;
     int randomStatus = 0;
     bool canSynchronize = true;

@@ -52,7 +52,7 @@ std::map<std::string, std::map<std::string, id>>& defaults() {
     return sharedObject<NSApplication>("application");
 }
 - (NSUserInterfaceLayoutDirection)userInterfaceLayoutDirection {
-    return macrt::answers().direction;
+    return static_cast<NSUserInterfaceLayoutDirection>(macrt::answers().isRightToLeft);
 }
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
     return YES;
@@ -256,7 +256,7 @@ NSFileAttributeKey const NSFilePosixPermissions = @"NSFilePosixPermissions";
     return sharedObject<SMAppService>("login item");
 }
 - (SMAppServiceStatus)status {
-    return macrt::answers().loginItem;
+    return static_cast<SMAppServiceStatus>(macrt::answers().loginItem);
 }
 - (BOOL)registerAndReturnError:(NSError**)error {
     return succeedUnless(macrt::answers().loginItemError, error);

@@ -154,13 +154,6 @@ enum class Kind { boolean, whole, positive, real };
     url.path = path;
     return url;
 }
-+ (NSURL*)fileURLWithPath:(NSString*)path isDirectory:(BOOL)isDir {
-    return [self fileURLWithPath:path];
-}
-- (NSURL*)URLByAppendingPathComponent:(NSString*)pathComponent isDirectory:(BOOL)isDirectory {
-    return [NSURL fileURLWithPath:macrt::makeString(macrt::textOf(self.path) + "/" +
-                                                    macrt::textOf(pathComponent))];
-}
 - (NSString*)description {
     return macrt::makeString("file://" + macrt::textOf(self.path));
 }
@@ -202,16 +195,6 @@ CFTypeID CFGetTypeID(CFTypeRef cf) {
 }
 Boolean CFNumberIsFloatType(CFNumberRef number) {
     return ((__bridge NSNumber*)number)->kind_ == Kind::real;
-}
-CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
-    NSData* const data = [NSData dataWithBytes:bytes length:static_cast<NSUInteger>(length)];
-    return (__bridge_retained CFDataRef)data;
-}
-CFIndex CFDataGetLength(CFDataRef theData) {
-    return static_cast<CFIndex>(((__bridge NSData*)theData).length);
-}
-const UInt8* CFDataGetBytePtr(CFDataRef theData) {
-    return static_cast<const UInt8*>(((__bridge NSData*)theData).bytes);
 }
 }
 
