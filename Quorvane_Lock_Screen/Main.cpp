@@ -1,6 +1,9 @@
 // The entry of the add-on: makes the live tables and runs the main loop.
 
 #include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "QuorvaneKit/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
@@ -15,6 +18,27 @@ int fail(const PlatformError& error) {
     return 1;
 }
 
+constexpr char kHelp[] =
+    "Usage: \"Quorvane Lock Screen\" [OPTION]...\n"
+    "\n"
+    "Shows the playing track on the lock screen. It is installed and started by quorvane-host.\n"
+    "\n"
+    "Options:\n"
+    "  --installed    this copy has just been installed: an earlier removal is void\n"
+    "  --uninstall    remove the add-on's login item, files and settings, and quit\n"
+    "  -h, --help     show this text and exit\n"
+    "  -V, --version  show the version and exit\n";
+
+// What is asked of the program without its being an application, if anything is.
+std::optional<std::string> answerTo(const std::vector<std::string>& words) {
+    const auto asked = [&](const char* longName, const char* shortName) {
+        return AddOnSignals::contains(words, longName) || AddOnSignals::contains(words, shortName);
+    };
+    if (asked("--help", "-h")) return kHelp;
+    if (asked("--version", "-V")) return "Quorvane Lock Screen " QUORVANE_VERSION "\n";
+    return std::nullopt;
+}
+
 // A session without a screen to show a card on: the add-on can still be removed in it.
 int runWithoutScreen(const LiveServices& services, const PlatformError& reason) {
     if (AddOnSignals::contains(services.process.arguments, AddOnSignals::kUninstallArgument))
@@ -26,6 +50,8 @@ int runWithoutScreen(const LiveServices& services, const PlatformError& reason) 
 }
 
 int run(int argumentCount, char** arguments) {
+    if (const auto answer = answerTo({arguments + 1, arguments + argumentCount}))
+        return std::fputs(answer->c_str(), stdout) < 0;
     auto services = makeLiveServices(argumentCount, arguments, std::string{kAddOnBundleIdentifier});
     if (!services) return fail(services.error());
     services->application.handleTerminationSignal(
