@@ -38,6 +38,16 @@ install() {
     rm -f "${TMPDIR:-/tmp}/quorvane-install.$$.log"
 }
 
+# On a Mac: the command line tools and what Homebrew has.
+install_on_mac() {
+    xcrun --find clang++ >/dev/null 2>&1 || fail "install Xcode, or its command line tools: xcode-select --install"
+    local package
+    for package in $(packages_of homebrew); do
+        command -v brew >/dev/null || fail "install Homebrew, or by hand: $(packages_of homebrew | tr '\n' ' ')"
+        brew list --versions "$package" >/dev/null || { say "installing $package"; brew install --quiet "$package"; }
+    done
+}
+
 # build PRESET [TARGET...]: configures when needed and builds, showing progress.
 build() {
     local preset=$1
