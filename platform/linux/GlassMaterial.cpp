@@ -120,16 +120,17 @@ struct Light {
     }
 };
 
-// How much of the light stays where `added` comes on top. What is bright is pressed together below
-// what the text bears, what is dark keeps its share: a sun behind the card takes nothing from the
-// sky around it. Less light is always more readable.
-float scaleFor(const Light& light, float added) {
+// How much of the light stays. What is bright is pressed together below what the text bears, what
+// is dark keeps its share: a sun behind the card takes nothing from the sky around it. Less light
+// is always more readable.
+float scaleFor(const Light& light) {
+    constexpr float kAdded = kVeil + kSheen;  // everywhere, so that the sheen stays to be seen
     float readable = 0;
     float tooBright = kHighestScale;
-    if (light.scaled(tooBright, added).isReadable()) readable = tooBright;
+    if (light.scaled(tooBright, kAdded).isReadable()) readable = tooBright;
     for (int i = 0; i < 12 && readable < tooBright; ++i) {
         const float middle = (readable + tooBright) / 2;
-        (light.scaled(middle, added).isReadable() ? readable : tooBright) = middle;
+        (light.scaled(middle, kAdded).isReadable() ? readable : tooBright) = middle;
     }
     return readable > 0 ? readable * (1 - std::exp(-kDimming / readable)) : 0;
 }
@@ -140,7 +141,7 @@ void tone(GlassPicture& glass, const PixelRect& card) {
         const float added = kVeil + sheen(y, card, glass.step);
         for (int x = 0; x < glass.red.width; ++x) {
             const Light light{glass.red.at(x, y), glass.green.at(x, y), glass.blue.at(x, y)};
-            const Light toned = light.scaled(scaleFor(light, added), added);
+            const Light toned = light.scaled(scaleFor(light), added);
             glass.red.at(x, y) = encodedFromLinear(std::min(1.0F, toned.red));
             glass.green.at(x, y) = encodedFromLinear(std::min(1.0F, toned.green));
             glass.blue.at(x, y) = encodedFromLinear(std::min(1.0F, toned.blue));
