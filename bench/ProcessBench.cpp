@@ -1,0 +1,270 @@
+// The add-on as a whole process, beside a real X server, bus, host and locker: how it starts, what
+// it does while nothing is to be seen, how punctual and how frugal the card is.
+
+#include <thread>
+
+#include "bench/BenchSession.hpp"
+#include "bench/Measuring.hpp"
+#include "bench/ProcessFigures.hpp"
+#include "bench/Report.hpp"
+#include "platform/Clock.hpp"
+
+namespace quorvane {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using TimePoint = std::chrono::steady_clock::time_point;
+
+constexpr char kShortTitle[] = "Tideline";
+constexpr char kLongTitle[] = "A Slow Parade of Clouds over the Long Way Home";
+constexpr int kStarts = 15;
+constexpr int kLocks = 5;
+constexpr Duration kFrameTime = std::chrono::nanoseconds{1'000'000'000 / 60};
+constexpr auto kEntrance = milliseconds{1500};  // longer than one takes
+
+TimePoint now() { return std::chrono::steady_clock::now(); }
+void rest(Duration time) { std::this_thread::sleep_for(time); }
+double millisecondsOf(Duration time) {
+    return std::chrono::duration<double, std::milli>{time}.count();
+}
+
+// What processes do over a span of time.
+struct Span {
+    double seconds;
+    double wakeUps;        // of the first
+    double processorTime;  // of all, seconds
+};
+
+Span observe(const std::vector<pid_t>& processes, Duration time) {
+    const auto timeOfAll = [&] {
+        double sum = 0;
+        for (const pid_t process : processes) sum += processorTimeOf(process);
+        return sum;
+    };
+    const TimePoint begin = now();
+    const auto wakeUps = wakeUpsOf(processes.front());
+    const double before = timeOfAll();
+    rest(time);
+    return {std::chrono::duration<double>{now() - begin}.count(),
+            static_cast<double>(wakeUpsOf(processes.front()) - wakeUps), timeOfAll() - before};
+}
+
+void starting(const BenchSession& session) {
+    Times addOn;
+    Times bare;
+    const auto time = [&](const char* program, const char* ready, Times& times) {
+        const TimePoint begin = now();
+        LoggedProcess process = session.start({program});
+        BenchSession::require(process, ready);
+        times.add(microsecondsSince(begin));
+        process.process().end(SIGTERM);
+    };
+    for (int i = 0; i < kStarts; ++i) {
+        time(ADDON_PROGRAM, BenchSession::kReady, addOn);
+        time(BARE_PROGRAM, "ready", bare);
+    }
+    const double ratio = addOn.over(bare);
+    report({.what = "start to ready",
+            .ratio = ratio,
+            .against = "a bare program that opens the same libraries",
+            .figure = timeText(addOn.median()) + " to " + timeText(bare.median()),
+            .goal = "≤ 1.3 ×",
+            .isMet = ratio <= 1.3,
+            .reason = "besides opening libraries it looks for other copies of itself, connects to "
+                      "the X server and to the bus and asks both what there is"});
+}
+
+bool drawsWith(const std::set<std::string>& libraries) {
+    for (const std::string& library : libraries)
+        for (const char* name : {"cairo", "pango", "harfbuzz", "gdk_pixbuf", "fontconfig"})
+            if (library.find(name) != std::string::npos) return true;
+    return false;
+}
+
+// What `playerctl --follow` does meanwhile, where it is installed.
+void tellRival(const LoggedProcess& process, const Span& span, const ProcessMemory& own) {
+    const pid_t rival = const_cast<LoggedProcess&>(process).process().pid();
+    const ProcessMemory memory = memoryOf(rival);
+    if (memory.anonymous == 0) return;
+    report({.what = "its own memory",
+            .ratio = memory.anonymous / own.anonymous,
+            .against = "less than `playerctl --follow`",
+            .figure = sizeText(own.anonymous) + " to " + sizeText(memory.anonymous)});
+    report({.what = "wake-ups of `playerctl --follow` meanwhile",
+            .figure = numberText(span.wakeUps / span.seconds * 60, " a minute")});
+}
+
+void idling(const BenchSession& session) {
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess rival = session.start({"playerctl", "--follow", "status"});
+    rest(seconds{4});
+    const pid_t own = addOn.process().pid();
+    // Shorter than the time from one hello to the next.
+    const auto before = wakeUpsOf(rival.process().pid());
+    const Span span = observe({own}, seconds{45});
+    const Span rivals{span.seconds,
+                      static_cast<double>(wakeUpsOf(rival.process().pid()) - before), 0};
+    const ProcessMemory memory = memoryOf(own);
+    const auto libraries = librariesOf(own);
+    report({.what = "unlocked and idle: wake-ups between two hellos",
+            .figure = numberText(span.wakeUps, " in 45 s"),
+            .goal = "0",
+            .isMet = span.wakeUps == 0,
+            .reason = "a fault"});
+    report({.what = "its own (anonymous) memory",
+            .figure = sizeText(memory.anonymous),
+            .goal = "≤ 5 MB",
+            .isMet = memory.anonymous <= 5e6,
+            .reason = "the last reply's artwork is kept"});
+    tellRival(rival, rivals, memory);
+    report({.what = "libraries opened before the first lock",
+            .figure = std::to_string(libraries.size()) +
+                      (drawsWith(libraries) ? ", some to draw with" : ", none to draw with"),
+            .goal = "none to draw with",
+            .isMet = !drawsWith(libraries),
+            .reason = "a fault"});
+}
+
+struct Entrance {
+    double firstFrame = 0;     // milliseconds after the notice of the lock
+    double worstLateness = 0;  // milliseconds
+    int frames = 0;
+};
+
+// Frames of the entrance are of the whole card and its shadow; what a marquee draws is less.
+Entrance enter(const BenchSession& session, LoggedProcess& addOn) {
+    FrameWatch watch{session.display()};
+    LoggedProcess locker = session.lock();
+    BenchSession::require(addOn, "lockui: shown");
+    const TimePoint shown = now();
+    watch.watch(shown + milliseconds{400});  // the locker's own drawing
+    std::vector<Frame> frames = watch.watch(shown + milliseconds{800} + kEntrance);
+    std::erase_if(frames, [](const Frame& frame) { return frame.width < 800; });
+    Entrance entrance{.frames = static_cast<int>(frames.size())};
+    if (frames.size() < 2) die("an entrance without frames");
+    entrance.firstFrame = millisecondsOf(frames.front().time - shown);
+    for (std::size_t i = 1; i < frames.size(); ++i)
+        entrance.worstLateness =
+            std::max(entrance.worstLateness,
+                     millisecondsOf(frames[i].time - frames[i - 1].time - kFrameTime));
+    locker.process().end(SIGKILL);
+    BenchSession::require(addOn, "windows: closing");
+    rest(seconds{1});
+    return entrance;
+}
+
+void entering(const BenchSession& session) {
+    LoggedProcess addOn = session.startAddOn();
+    std::vector<double> first;
+    std::vector<double> late;
+    std::vector<double> frames;
+    for (int i = 0; i < kLocks; ++i) {
+        const Entrance entrance = enter(session, addOn);
+        first.push_back(entrance.firstFrame);
+        late.push_back(entrance.worstLateness);
+        frames.push_back(entrance.frames);
+    }
+    const double limit = 800 + millisecondsOf(kFrameTime);
+    report({.what = "from the lock screen's notice to the first frame",
+            .figure = timeText(median(first) * 1000) + ", worst of " + std::to_string(kLocks) +
+                      " " + timeText(*std::ranges::max_element(first) * 1000),
+            .goal = "≤ 0.8 s and a frame",
+            .isMet = median(first) <= limit,
+            .reason = "the drawing libraries are opened and the texts laid out after the delay"});
+    report({.what = "entrance: the latest of about " + numberText(median(frames)) + " frames",
+            .figure = timeText(median(late) * 1000) + " late, worst of " + std::to_string(kLocks) +
+                      " " + timeText(*std::ranges::max_element(late) * 1000),
+            .goal = "≤ 4 ms late",
+            .isMet = median(late) <= 4,
+            .reason = "other programs held both processors"});
+    const Span after = observe({addOn.process().pid()}, seconds{10});
+    report({.what = "unlocked again: wake-ups",
+            .figure = numberText(after.wakeUps, " in 10 s"),
+            .goal = "0",
+            .isMet = after.wakeUps == 0,
+            .reason = "a fault"});
+}
+
+// The card up and at rest: what it does over `time`, after its entrance.
+Span standing(BenchSession& session, LoggedProcess& addOn, Duration time) {
+    BenchSession::require(addOn, "entrance: window");
+    rest(seconds{6});
+    return observe({addOn.process().pid(), session.xServer()}, time);
+}
+
+void playing() {
+    BenchSession session{kShortTitle, true};
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess locker = session.lock();
+    const Span span = standing(session, addOn, seconds{20});
+    const ProcessMemory memory = memoryOf(addOn.process().pid());
+    const double rate = span.wakeUps / span.seconds;
+    report({.what = "card up, still text, playing: wake-ups",
+            .figure = numberText(rate, " a second"),
+            .goal = "≤ 1.5 a second",
+            .isMet = rate <= 1.5,
+            .reason = "a poll that waits for its reply sleeps once more"});
+    report({.what = "card up: resident memory",
+            .figure = sizeText(memory.resident),
+            .goal = "≤ 20 MB",
+            .isMet = memory.resident <= 20e6,
+            .reason = "three pictures of the card and its shadow at two pixels a point take 8 MB, "
+                      "the drawing libraries and fonts most of the rest"});
+    report({.what = "card up: proportional memory",
+            .figure = sizeText(memory.proportional),
+            .goal = "≤ 16 MB",
+            .isMet = memory.proportional <= 16e6,
+            .reason = "the same; nobody else on this X server shares the libraries"});
+}
+
+void pausing() {
+    BenchSession session{kShortTitle, false};
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess locker = session.lock();
+    BenchSession::require(addOn, "entrance: window");
+    rest(seconds{6});
+    const auto frames = FrameWatch{session.display()}.watch(now() + seconds{10}).size();
+    report({.what = "card up, still text, paused: frames drawn",
+            .figure = std::to_string(frames) + " in 10 s",
+            .goal = "0",
+            .isMet = frames == 0,
+            .reason = "a fault"});
+}
+
+void scrolling() {
+    BenchSession session{kLongTitle, true};
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess locker = session.lock();
+    const Span span = standing(session, addOn, seconds{20});
+    const double share = span.processorTime / span.seconds * 100;
+    const auto frames =
+        FrameWatch{session.display()}.watch(now() + seconds{5}).size();  // makes the server work more
+    report({.what = "marquee scrolling, " + numberText(static_cast<double>(frames) / 5) +
+                    " frames a second: add-on and X server",
+            .figure = numberText(share, " % of a processor"),
+            .goal = "≤ 0.5 %",
+            .isMet = share <= 0.5,
+            .reason = "waking up, drawing and a round through the X server for each frame"});
+}
+
+int runBench() {
+    beginReport("The add-on's process");
+    {
+        BenchSession session{kShortTitle, true};
+        //BB
+    }
+    {
+        BenchSession session{kShortTitle, true};
+        entering(session);
+    }
+    playing();
+    pausing();
+    scrolling();
+    return 0;
+}
+
+}  // namespace
+}  // namespace quorvane
+
+int main() { return quorvane::runBench(); }
