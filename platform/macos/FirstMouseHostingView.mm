@@ -54,7 +54,7 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     const auto changes = accessibilityChanges(scene_.controls, scene.controls);
     scene_ = scene;
     self.accessibilityLabel = stringFrom(scene.label);
-    [self updateElements];
+    [self updateControlElements];
     for (const AccessibilityChange& change : changes) {
         const auto element = elements_.find(change.control);
         // What came or went changes the whole card.
@@ -110,7 +110,7 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 }
 
 // An element stays the same while its control is there: assistive technology holds on to it.
-- (void)updateElements {
+- (void)updateControlElements {
     std::erase_if(elements_, [&](const auto& each) {
         return std::ranges::find(scene_.controls, each.first, &SceneControl::id) ==
                scene_.controls.end();
