@@ -16,7 +16,6 @@ set(CMAKE_INSTALL_NAME_TOOL "/bin/false" CACHE FILEPATH "")  # asked for, never 
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 # The compiler looks for no SDK: these are the only frameworks it sees.
 set(CMAKE_OSX_SYSROOT "" CACHE STRING "")
-set(CMAKE_OSX_DEPLOYMENT_TARGET "" CACHE STRING "")  # it is in the compiler's target
 # The compiler names the language to itself a second time.
 set(CMAKE_OBJCXX_FLAGS_INIT "-isystem ${QUORVANE_SDK} -Wno-unused-command-line-argument")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-F${QUORVANE_STUBS}/System/Library/Frameworks -L${QUORVANE_STUBS}/usr/lib")
