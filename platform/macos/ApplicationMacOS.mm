@@ -11,7 +11,7 @@
 #include <utility>
 
 @interface QuorvaneApplicationDelegate : NSObject <NSApplicationDelegate> {
-   @public
+@public
     std::function<void()> didFinishLaunching;
     std::function<void()> willTerminate;
     dispatch_source_t interrupt;

@@ -15,16 +15,11 @@ namespace {
 
 NSAccessibilityRole roleOf(SceneControl::Role role) {
     switch (role) {
-        case SceneControl::Role::button:
-            return NSAccessibilityButtonRole;
-        case SceneControl::Role::slider:
-            return NSAccessibilitySliderRole;
-        case SceneControl::Role::text:
-            return NSAccessibilityStaticTextRole;
-        case SceneControl::Role::image:
-            return NSAccessibilityImageRole;
-        case SceneControl::Role::progress:
-            return NSAccessibilityProgressIndicatorRole;
+        case SceneControl::Role::button: return NSAccessibilityButtonRole;
+        case SceneControl::Role::slider: return NSAccessibilitySliderRole;
+        case SceneControl::Role::text: return NSAccessibilityStaticTextRole;
+        case SceneControl::Role::image: return NSAccessibilityImageRole;
+        case SceneControl::Role::progress: return NSAccessibilityProgressIndicatorRole;
     }
     return NSAccessibilityStaticTextRole;
 }
@@ -54,10 +49,8 @@ NSAccessibilityRole roleOf(SceneControl::Role role) {
 - (id)accessibilityValue {
     switch (control_.role) {
         case SceneControl::Role::slider:
-        case SceneControl::Role::progress:
-            return @(control_.number);
-        default:
-            return quorvane::stringFrom(control_.value);
+        case SceneControl::Role::progress: return @(control_.number);
+        default: return quorvane::stringFrom(control_.value);
     }
 }
 

@@ -131,7 +131,9 @@ void CardWindowMacOS::followPointer() {
 }
 
 void CardWindowMacOS::applyMouse() {
-    panel_.ignoresMouseEvents = mouse_.ignoresMouse();
+    // Each setting goes to the window server, and this runs at every movement.
+    if (panel_.ignoresMouseEvents != mouse_.ignoresMouse())
+        panel_.ignoresMouseEvents = mouse_.ignoresMouse();
     nextLook_ = mouse_.mustAskForPointer()
                     ? clock_.after(kPointerInterval, [this] { followPointer(); })
                     : Timer{};

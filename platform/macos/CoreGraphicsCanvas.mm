@@ -13,13 +13,13 @@ namespace {
 
 // The context's state until the end of the scope.
 class SavedState {
-   public:
+public:
     explicit SavedState(CGContextRef context) : context_(context) { CGContextSaveGState(context); }
     SavedState(const SavedState&) = delete;
     SavedState& operator=(const SavedState&) = delete;
     ~SavedState() { CGContextRestoreGState(context_); }
 
-   private:
+private:
     CGContextRef context_;
 };
 

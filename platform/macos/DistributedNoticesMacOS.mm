@@ -11,7 +11,7 @@
 #include "platform/macos/FoundationValues.hpp"
 
 @interface QuorvaneNoticeObserver : NSObject {
-   @public
+@public
     quorvane::DistributedNotices::Handler handler;
 }
 - (void)received:(NSNotification*)notification;

@@ -20,12 +20,9 @@ namespace {
 
 NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     switch (kind) {
-        case AccessibilityChange::Kind::label:
-            return NSAccessibilityTitleChangedNotification;
-        case AccessibilityChange::Kind::number:
-            return NSAccessibilityValueChangedNotification;
-        default:
-            return NSAccessibilityLayoutChangedNotification;
+        case AccessibilityChange::Kind::label: return NSAccessibilityTitleChangedNotification;
+        case AccessibilityChange::Kind::number: return NSAccessibilityValueChangedNotification;
+        default: return NSAccessibilityLayoutChangedNotification;
     }
 }
 

@@ -26,7 +26,7 @@ CFDataRef received(CFMessagePortRef, SInt32 messageID, CFDataRef data, void* inf
 }
 
 class LocalPortMacOS final : public LocalPort {
-   public:
+public:
     static std::unique_ptr<LocalPort> open(const std::string& name, PortHandler handler) {
         std::unique_ptr<LocalPortMacOS> port{new LocalPortMacOS{std::move(handler)}};
         CFMessagePortContext context{};
@@ -68,7 +68,7 @@ class LocalPortMacOS final : public LocalPort {
         CFRunLoopWakeUp(loop);
     }
 
-   private:
+private:
     explicit LocalPortMacOS(PortHandler handler) : handler_(std::move(handler)) {}
 
     bool begin(CFRunLoopRef loop) {

@@ -18,23 +18,18 @@ namespace {
 
 os_log_type_t typeOf(LogLevel level) {
     switch (level) {
-        case LogLevel::debug:
-            return OS_LOG_TYPE_DEBUG;
-        case LogLevel::info:
-            return OS_LOG_TYPE_INFO;
-        case LogLevel::standard:
-            return OS_LOG_TYPE_DEFAULT;
-        case LogLevel::error:
-            return OS_LOG_TYPE_ERROR;
-        case LogLevel::fault:
-            return OS_LOG_TYPE_FAULT;
+        case LogLevel::debug: return OS_LOG_TYPE_DEBUG;
+        case LogLevel::info: return OS_LOG_TYPE_INFO;
+        case LogLevel::standard: return OS_LOG_TYPE_DEFAULT;
+        case LogLevel::error: return OS_LOG_TYPE_ERROR;
+        case LogLevel::fault: return OS_LOG_TYPE_FAULT;
     }
     std::unreachable();
 }
 
 // The system never frees a log object, so each is made once.
 class LogObjects {
-   public:
+public:
     os_log_t find(std::string_view subsystem, std::string_view category) {
         const std::lock_guard guard{mutex_};
         __strong os_log_t& object = objects_[{std::string{subsystem}, std::string{category}}];
@@ -43,7 +38,7 @@ class LogObjects {
         return object;
     }
 
-   private:
+private:
     std::mutex mutex_;
     std::map<std::pair<std::string, std::string>, os_log_t> objects_;  // under mutex_
 };

@@ -16,7 +16,7 @@ CFTimeInterval secondsOf(Duration duration) {
 }
 
 class RemotePortMacOS final : public RemotePort {
-   public:
+public:
     explicit RemotePortMacOS(CFHandle<CFMessagePortRef> port) : port_(std::move(port)) {}
 
     // Else the next port of this name would be the same object, dead or not.
@@ -37,7 +37,7 @@ class RemotePortMacOS final : public RemotePort {
         }
     }
 
-   private:
+private:
     const CFHandle<CFMessagePortRef> port_;
 };
 

@@ -15,7 +15,7 @@ namespace {
 constexpr char kOwnQueue = 0;  // its address marks the queue that an action runs on
 
 class SerialQueueMacOS final : public SerialQueue {
-   public:
+public:
     explicit SerialQueueMacOS(const std::string& label)
         : queue_(dispatch_queue_create(label.c_str(), DISPATCH_QUEUE_SERIAL)) {
         dispatch_queue_set_specific(queue_, &kOwnQueue, this, nullptr);
@@ -36,7 +36,7 @@ class SerialQueueMacOS final : public SerialQueue {
         });
     }
 
-   private:
+private:
     const dispatch_queue_t queue_;
     const std::shared_ptr<std::atomic<bool>> isClosed_ = std::make_shared<std::atomic<bool>>(false);
 };

@@ -14,14 +14,10 @@ namespace {
 
 NSFontWeight weightOf(FontStyle::Weight weight) {
     switch (weight) {
-        case FontStyle::Weight::regular:
-            return NSFontWeightRegular;
-        case FontStyle::Weight::medium:
-            return NSFontWeightMedium;
-        case FontStyle::Weight::semibold:
-            return NSFontWeightSemibold;
-        case FontStyle::Weight::bold:
-            return NSFontWeightBold;
+        case FontStyle::Weight::regular: return NSFontWeightRegular;
+        case FontStyle::Weight::medium: return NSFontWeightMedium;
+        case FontStyle::Weight::semibold: return NSFontWeightSemibold;
+        case FontStyle::Weight::bold: return NSFontWeightBold;
     }
     return NSFontWeightRegular;
 }

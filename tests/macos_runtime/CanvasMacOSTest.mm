@@ -17,7 +17,7 @@ using macrt::takeTexts;
 using macrt::Texts;
 
 class CanvasMacOSTest : public macrt::MacTest {
-   protected:
+protected:
     Texts draw(std::vector<SceneNode> nodes, bool isRightToLeft = false) {
         Texts texts;
         @autoreleasepool {
@@ -134,7 +134,7 @@ TEST_F(CanvasMacOSTest, MeasuresAsItDraws) {
 }
 
 class PicturesMacOSTest : public macrt::MacTest {
-   protected:
+protected:
     Texts decode(NSDictionary* properties, bool decodes = true) {
         macrt::setPictureProperties(properties, decodes);
         macrt::takeCalls();

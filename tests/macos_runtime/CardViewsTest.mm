@@ -13,7 +13,7 @@ using macrt::takeTexts;
 using macrt::Texts;
 
 class CardViewsTest : public macrt::MacTest {
-   protected:
+protected:
     void SetUp() override {
         MacTest::SetUp();
         @autoreleasepool {

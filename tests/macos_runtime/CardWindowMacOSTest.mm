@@ -16,7 +16,7 @@ using macrt::Texts;
 constexpr Rect kFrame{700, 480, 504, 326};
 
 class CardWindowMacOSTest : public macrt::MacTest {
-   protected:
+protected:
     void SetUp() override {
         MacTest::SetUp();
         window_ = std::make_unique<CardWindowMacOS>(CardWindow::settings(kFrame), clock_.clock());

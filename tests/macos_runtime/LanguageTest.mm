@@ -12,12 +12,12 @@
 @end
 
 @interface Base : NSObject {
-   @public
+@public
     char letter;
 }
 @end
 @interface Derived : Base {
-   @public
+@public
     int number;
     std::string text;
 }

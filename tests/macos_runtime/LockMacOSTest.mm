@@ -59,7 +59,7 @@ struct FakeWindowServer {
 };
 
 class LockMacOSTest : public macrt::MacTest {
-   protected:
+protected:
     // Serves the main application's ports and calls the body while the application runs.
     void run(const std::function<void()>& body) {
         setUpSystem();
@@ -138,7 +138,7 @@ class LockMacOSTest : public macrt::MacTest {
     ScriptedMainApp mainApp_{ports_, [] { return std::chrono::system_clock::now(); }};
     __unsafe_unretained NSPanel* panel_ = nil;
 
-   private:
+private:
     void setUpSystem() {
         answers().infoDictionary = @{@"CFBundleShortVersionString" : @"1.2.3"};
         answers().copies = {{.pid = 4711}};

@@ -1,7 +1,9 @@
 // The application object, time, queues, the log, and the services of Foundation.
 #include <csignal>
 #include <fstream>
+#include <iterator>
 
+#include "platform/BundleFiles.hpp"
 #include "platform/RegularFiles.hpp"
 #include "platform/macos/ApplicationMacOS.hpp"
 #include "platform/macos/ClockMacOS.hpp"
@@ -272,6 +274,35 @@ TEST_F(SystemMacOSTest, FilesOfTheBundleAreManagedWithTheirErrors) {
     EXPECT_EQ(files.identity("/x.app"), "a.bundle");
     answers().propertyList = @{@"CFBundleIdentifier" : @5LL};
     EXPECT_FALSE(files.identity("/x.app"));
+}
+
+TEST_F(SystemMacOSTest, BundlesAreStagedAndTakeTheirPlaceInOneStep) {
+    const BundleFiles files = makeLiveBundleFiles();
+    const std::string hidden = "/Apps/.staged-0F0E0D0C-0B0A-4908-8706-050403020100";
+    EXPECT_EQ(files.stage("/new/x.app", "/Apps"), hidden + "/x.app");
+    EXPECT_EQ(takeTexts(),
+              (Texts{"-[NSFileManager#1 createDirectoryAtURL:file://" + hidden +
+                         " withIntermediateDirectories:YES attributes:nil error:pointer]",
+                     "-[NSFileManager#1 copyItemAtURL:file:///new/x.app toURL:file://" + hidden +
+                         "/x.app error:pointer]"}));
+    answers().fileError = macrt::makeError(NSCocoaErrorDomain, 640, @"full");
+    EXPECT_EQ(files.stage("/new/x.app", "/Apps").error().code, 640);
+    EXPECT_EQ(takeTexts("removeItem"),
+              Texts{"-[NSFileManager#1 removeItemAtURL:file://" + hidden + " error:nil]"});
+
+    const TemporaryFolder folder;
+    folder.write(".staged-1/x.app/version", "new");
+    EXPECT_TRUE(files.putInPlace(folder / ".staged-1/x.app", folder / "x.app"));
+    folder.write(".staged-1/x.app/version", "newer");
+    EXPECT_TRUE(files.putInPlace(folder / ".staged-1/x.app", folder / "x.app"));
+    EXPECT_TRUE(std::filesystem::exists(folder / ".staged-1/x.app/version"));  // the old one
+    std::ifstream version{folder / "x.app/version"};
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>{version}, {}), "newer");
+    EXPECT_EQ(files.putInPlace(folder / "none.app", folder / "x.app").error().code, ENOENT);
+    macrt::takeCalls();
+    files.discardStaged(folder.path());
+    EXPECT_EQ(takeTexts(), Texts{"-[NSFileManager#1 removeItemAtURL:file://" +
+                                 (folder / ".staged-1").native() + " error:nil]"});
 }
 
 TEST_F(SystemMacOSTest, OpenIsReadToItsEndBeforeItIsWaitedFor) {

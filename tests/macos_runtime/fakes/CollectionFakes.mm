@@ -4,7 +4,7 @@
 #include <algorithm>
 
 @implementation NSArray {
-   @package
+@package
     std::vector<id> items_;
 }
 + (instancetype)arrayWithObjects:(const id[])objects count:(NSUInteger)cnt {
@@ -45,7 +45,7 @@
 @end
 
 @implementation NSDictionary {
-   @package
+@package
     std::vector<id> keys_;
     std::vector<id> values_;
 }

@@ -15,7 +15,7 @@ const dispatch_source_type_s _dispatch_source_type_timer{};
 const dispatch_source_type_s _dispatch_source_type_signal{};
 
 @interface FakeQueue : NSObject <OS_dispatch_queue> {
-   @public
+@public
     std::string label;
     std::deque<dispatch_block_t> blocks;
     std::map<const void*, void*> specifics;
@@ -25,7 +25,7 @@ const dispatch_source_type_s _dispatch_source_type_signal{};
 @end
 
 @interface FakeSource : NSObject <OS_dispatch_source> {
-   @public
+@public
     dispatch_source_type_t type;
     uintptr_t handle;
     dispatch_block_t handler;

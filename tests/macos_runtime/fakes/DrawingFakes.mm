@@ -185,7 +185,7 @@ static NSFont* makeFont(const char* kind, CGFloat size, NSFontWeight weight) {
 @end
 
 @implementation NSImageSymbolConfiguration {
-   @package
+@package
     std::string text_;
 }
 + (instancetype)configurationWithPointSize:(CGFloat)pointSize weight:(NSFontWeight)weight {

@@ -7,7 +7,7 @@
 #include "tests/macos_runtime/fakes/LogFakes.hpp"
 
 @interface FakeLog : NSObject <OS_os_log> {
-   @public
+@public
     std::string name;
 }
 @end
@@ -20,7 +20,7 @@ const macrt::AtReset reset{[] { isDebugEnabled = true; }};
 
 // Takes the arguments from the buffer one after the other.
 class Arguments {
-   public:
+public:
     Arguments(const uint8_t* buffer, uint32_t size) : next_(buffer + 2), end_(buffer + size) {}
 
     std::string take(std::string_view letters) {
@@ -34,7 +34,7 @@ class Arguments {
     }
     bool isAtEnd() const { return next_ == end_; }
 
-   private:
+private:
     // Text without a mark is private as well.
     static std::string text(int privacy, const uint8_t* value) {
         const char* pointer = nullptr;

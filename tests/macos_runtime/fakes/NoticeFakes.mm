@@ -40,7 +40,7 @@ const macrt::AtReset reset{[] {
 
 // A block, or a method of an object that the centre does not hold.
 @interface FakeObservation : NSObject {
-   @public
+@public
     NSString* name;
     void (^block)(NSNotification*);
     __weak id target;
@@ -53,7 +53,7 @@ const macrt::AtReset reset{[] {
 @interface NSNotificationCenter () <Recorded>
 @end
 @implementation NSNotificationCenter {
-   @package
+@package
     std::vector<FakeObservation*> observations_;
 }
 + (NSNotificationCenter*)defaultCenter {

@@ -10,7 +10,7 @@
 #include <utility>
 
 @interface FakePort : NSObject {
-   @public
+@public
     std::string name;
     CFMessagePortCallBack callout;
     void* info;
@@ -22,7 +22,7 @@
 
 // One a thread.
 @interface FakeRunLoop : NSObject {
-   @public
+@public
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<std::function<void()>> actions;
@@ -34,7 +34,7 @@
 @end
 
 @interface FakeRunLoopSource : NSObject {
-   @public
+@public
     FakePort* port;
 }
 @end

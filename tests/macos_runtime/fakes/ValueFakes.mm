@@ -26,7 +26,7 @@ namespace {
 enum class Kind { boolean, whole, positive, real };
 }
 @implementation NSNumber {
-   @package
+@package
     Kind kind_;
     long long whole_;
     double real_;
@@ -84,7 +84,7 @@ enum class Kind { boolean, whole, positive, real };
 @end
 
 @implementation NSData {
-   @package
+@package
     std::string bytes_;
 }
 + (instancetype)dataWithBytes:(const void*)bytes length:(NSUInteger)length {

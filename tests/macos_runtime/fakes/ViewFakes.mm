@@ -30,7 +30,7 @@ const macrt::AtReset reset{[] { conversion = nullptr; }};
 @interface NSLayoutConstraint () <Recorded>
 @end
 @implementation NSLayoutConstraint {
-   @package
+@package
     std::string text_;
 }
 + (void)activateConstraints:(NSArray<NSLayoutConstraint*>*)constraints {
@@ -67,7 +67,7 @@ Anchor* anchorOf(NSView* view, const char* edge) {
 @interface NSView () <Recorded>
 @end
 @implementation NSView {
-   @package
+@package
     NSMutableArray* subviews_;
     NSMutableArray* trackingAreas_;
     BOOL wantsLayer_;
