@@ -25,7 +25,9 @@ public:
                           R"(, "tracks": [{"title": ")" + title +
                           R"(", "artist": "Harbour Lights", "duration": 3000, "artwork": ")" +
                           DEMO_FOLDER + R"(/tideline.jpg"}]})");
-        start({"sh", "-c", "\"$0\" enable >&2", HOST_PROGRAM}).process().wait(std::chrono::seconds{20});
+        start({"sh", "-c", "\"$0\" enable >&2", HOST_PROGRAM})
+            .process()
+            .wait(std::chrono::seconds{20});
         host_ = start({HOST_PROGRAM, "run", "--player", "scripted", "--script",
                        (folder_ / "script.json").string()});
         // Main and query ports each say it.
@@ -33,14 +35,14 @@ public:
     }
 
     LoggedProcess start(const std::vector<std::string>& arguments) const {
-        return LoggedProcess{arguments,
-                             {x_.environment(), bus_.environment(),
-                              "HOME=" + (folder_ / "home").string(),
-                              "XDG_RUNTIME_DIR=" + folder_.path().string(),
-                              "XDG_CONFIG_HOME=" + (folder_ / "config").string(),
-                              "XDG_DATA_HOME=" + (folder_ / "data").string(),
-                              "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent",
-                              "QUORVANE_LOG=stderr", "LC_ALL=C.UTF-8"}};
+        return LoggedProcess{
+            arguments,
+            {x_.environment(), bus_.environment(), "HOME=" + (folder_ / "home").string(),
+             "XDG_RUNTIME_DIR=" + folder_.path().string(),
+             "XDG_CONFIG_HOME=" + (folder_ / "config").string(),
+             "XDG_DATA_HOME=" + (folder_ / "data").string(),
+             "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent", "QUORVANE_LOG=stderr",
+             "LC_ALL=C.UTF-8"}};
     }
     // Watching the lock and knowing the music when this returns.
     LoggedProcess startAddOn() const {

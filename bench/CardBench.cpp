@@ -38,8 +38,8 @@ Pixels makeBackdrop() {
         static_cast<int>(std::lround((kStyle.card.height + 2 * kStyle.shadowMargin) * kScale))};
     for (int y = 0; y < pixels.height; ++y)
         for (int x = 0; x < pixels.width; ++x)
-            pixels.row(y)[x] = kOpaqueBlack | static_cast<std::uint32_t>(x * 255 / pixels.width)
-                                                  << 16 |
+            pixels.row(y)[x] = kOpaqueBlack |
+                               static_cast<std::uint32_t>(x * 255 / pixels.width) << 16 |
                                static_cast<std::uint32_t>(y * 255 / pixels.height) << 8 |
                                ((x / 40 + y / 40) % 2 == 0 ? 0x20U : 0xa0U);
     return pixels;
@@ -63,7 +63,8 @@ public:
 
 private:
     const WallTime date_ = sampleState(sampleArtwork(1, 1)).timestamp;
-    PlayerModel model_{[this] { return date_; }, [](ByteView encoded) -> ImageRef {
+    PlayerModel model_{[this] { return date_; },
+                       [](ByteView encoded) -> ImageRef {
                            return std::make_shared<EncodedImage>(copyOf(encoded));
                        }};
     PlayerEnvironment environment_{.localized = [](const std::string& key) { return key; },
@@ -97,7 +98,8 @@ double marqueeFrame(Bench& bench, int number) {
         parts.push_back(bench.painter.pixelsOf(area));
     if (parts.empty()) std::abort();
     return microsecondsOf([&] {
-        bench.painter.drawParts(bench.target.get(), {.scene = after, .transform = Transform::identity()}, parts);
+        bench.painter.drawParts(bench.target.get(),
+                                {.scene = after, .transform = Transform::identity()}, parts);
     });
 }
 

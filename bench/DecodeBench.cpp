@@ -95,7 +95,8 @@ private:
 
     void playRound(const Sample& sample) {
         times_["copy"].add(microsecondsOf([&] {
-            std::memcpy(copy_.data(), sample.reply.data(), std::min(copy_.size(), sample.reply.size()));
+            std::memcpy(copy_.data(), sample.reply.data(),
+                        std::min(copy_.size(), sample.reply.size()));
             asm volatile("" : : "r"(copy_.data()) : "memory");
         }));
         times_["changed"].add(decoding(changing_, sample));

@@ -20,8 +20,8 @@ FrameWatch::FrameWatch(const std::string& display)
     const auto* const extension = xcb_get_extension_data(connection_, &xcb_damage_id);
     if (!extension || !extension->present) die("the X server's damage extension");
     firstEvent_ = extension->first_event;
-    std::free(xcb_damage_query_version_reply(
-        connection_, xcb_damage_query_version(connection_, 1, 1), nullptr));
+    std::free(xcb_damage_query_version_reply(connection_,
+                                             xcb_damage_query_version(connection_, 1, 1), nullptr));
     xcb_damage_create(connection_, xcb_generate_id(connection_), rootOf(connection_),
                       XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
     xcb_flush(connection_);
@@ -36,8 +36,8 @@ std::vector<Frame> FrameWatch::watch(std::chrono::steady_clock::time_point until
                 frames.push_back({std::chrono::steady_clock::now(), area.width, area.height});
             std::free(event);
         }
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
-            until - std::chrono::steady_clock::now());
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
         if (left.count() <= 0) return frames;
         pollfd entry{xcb_get_file_descriptor(connection_), POLLIN, 0};
         poll(&entry, 1, static_cast<int>(left.count()));
@@ -51,8 +51,7 @@ void FrameWatch::setDotsPerInch(const std::string& display, int dots) {
                         XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8,
                         static_cast<std::uint32_t>(text.size()), text.data());
     // Answered once the server has done what came before.
-    std::free(
-        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     xcb_disconnect(connection);
 }
 

@@ -38,8 +38,8 @@ struct Contestant {
     // About two milliseconds a round: short against other programs' turns.
     void warmUp() {
         if (rival)
-            calls = static_cast<int>(
-                std::clamp(2000.0 / microsecondsPerCall(*rival, 50), 3.0, 2000.0));
+            calls =
+                static_cast<int>(std::clamp(2000.0 / microsecondsPerCall(*rival, 50), 3.0, 2000.0));
     }
     void round() {
         if (rival) times.add(microsecondsPerCall(*rival, calls));

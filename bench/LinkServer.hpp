@@ -16,9 +16,8 @@ public:
     LinkServer(int processor, const std::filesystem::path& folder,
                const std::function<MessagePortHandlers()>& makeHandlers)
         : process_(processor, [&](const auto& ready) {
-              MessagePortServer server{{.log = {},
-                                        .openPort = makeOpenPortLinux(folder),
-                                        .nameCurrentThread = {}}};
+              MessagePortServer server{
+                  {.log = {}, .openPort = makeOpenPortLinux(folder), .nameCurrentThread = {}}};
               server.handlers = makeHandlers();
               server.expectedSecret = secret();
               server.start();

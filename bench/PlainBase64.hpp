@@ -15,8 +15,8 @@ inline Bytes decodePlainBase64(std::string_view text) {
     static const auto values = [] {
         std::array<std::uint8_t, 256> table{};
         std::uint8_t value = 0;
-        for (const char letter : std::string_view{
-                 "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/"})
+        for (const char letter :
+             std::string_view{"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/"})
             table[static_cast<unsigned char>(letter)] = value++;
         return table;
     }();

@@ -48,8 +48,9 @@ class Poll {
 public:
     explicit Poll(bool changesArtwork)
         : server_(0, folder_.path(), [&] { return handlersOf(changesArtwork); }),
-          client_(kMessagePortBaseName, [] { return std::optional{LinkServer::secret()}; },
-                  servicesIn(folder_.path())) {
+          client_(
+              kMessagePortBaseName, [] { return std::optional{LinkServer::secret()}; },
+              servicesIn(folder_.path())) {
         client_.onStateChanged = [this](const QuorvanePlayerState& state) {
             model_.apply(state);
             ++updates_;
@@ -100,8 +101,9 @@ void tell(const char* what, const Times& own, const Times& rival, double limit) 
                   .figure = timeText(own.median()),
                   .goal = "≤ " + timeText(limit),
                   .isMet = own.median() <= limit,
-                  .reason = "the text is read from the socket, and the artwork compared or decoded: "
-                            "the memory's pace"};
+                  .reason =
+                      "the text is read from the socket, and the artwork compared or decoded: "
+                      "the memory's pace"};
     if (!rival.rounds.empty()) {
         row.ratio = rival.over(own);
         row.against = "faster than nlohmann over dbus-daemon";

@@ -103,8 +103,8 @@ void idling(const BenchSession& session) {
     // Shorter than the time from one hello to the next.
     const auto before = wakeUpsOf(rival.process().pid());
     const Span span = observe({own}, seconds{45});
-    const Span rivals{span.seconds,
-                      static_cast<double>(wakeUpsOf(rival.process().pid()) - before), 0};
+    const Span rivals{span.seconds, static_cast<double>(wakeUpsOf(rival.process().pid()) - before),
+                      0};
     const ProcessMemory memory = memoryOf(own);
     const auto libraries = librariesOf(own);
     report({.what = "unlocked and idle: wake-ups between two hellos",
@@ -238,8 +238,9 @@ void scrolling() {
     LoggedProcess locker = session.lock();
     const Span span = standing(session, addOn, seconds{20});
     const double share = span.processorTime / span.seconds * 100;
-    const auto frames =
-        FrameWatch{session.display()}.watch(now() + seconds{5}).size();  // makes the server work more
+    const auto frames = FrameWatch{session.display()}
+                            .watch(now() + seconds{5})
+                            .size();  // makes the server work more
     report({.what = "marquee scrolling, " + numberText(static_cast<double>(frames) / 5) +
                     " frames a second: add-on and X server",
             .figure = numberText(share, " % of a processor"),
@@ -252,7 +253,7 @@ int runBench() {
     beginReport("The add-on's process");
     {
         BenchSession session{kShortTitle, true};
-        //BB
+        // BB
     }
     {
         BenchSession session{kShortTitle, true};

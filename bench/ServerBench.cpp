@@ -31,8 +31,8 @@ struct Counts {
 };
 
 Counts& sharedCounts() {
-    void* const memory = mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE,
-                              MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    void* const memory =
+        mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) die("mmap");
     return *new (memory) Counts{};
 }
@@ -98,9 +98,7 @@ private:
         const bool isState = reply.body && reply.body->size() > kArtworkSize;
         if (isRight ? !isState : reply.body.has_value()) ++wrong_;
     }
-    void volume(bool isRight) {
-        send(*main_, MessageType::setVolume, framed(isRight, "2"), false);
-    }
+    void volume(bool isRight) { send(*main_, MessageType::setVolume, framed(isRight, "2"), false); }
     void hello(bool isRight) {
         const auto reply = send(*query_, MessageType::lockScreenHello, framed(isRight, "hello"));
         const bool isEcho = reply.body && textOf(*reply.body) == "hello";

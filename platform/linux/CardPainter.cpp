@@ -19,6 +19,53 @@ void copyFrom(cairo_t* cairo, cairo_surface_t* source) {
     cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
 }
 
+struct CloseRegion {
+    void operator()(cairo_region_t* region) const { cairo_region_destroy(region); }
+};
+using CairoRegion = std::unique_ptr<cairo_region_t, CloseRegion>;
+
+void addTo(const CairoRegion& region, const PixelRect& part) {
+    const cairo_rectangle_int_t rectangle{part.x, part.y, part.width, part.height};
+    cairo_region_union_rectangle(region.get(), &rectangle);
+}
+
+void clipTo(cairo_t* cairo, const CairoRegion& region) {
+    for (int i = 0; i < cairo_region_num_rectangles(region.get()); ++i) {
+        cairo_rectangle_int_t part;
+        cairo_region_get_rectangle(region.get(), i, &part);
+        cairo_rectangle(cairo, part.x, part.y, part.width, part.height);
+    }
+    cairo_clip(cairo);
+}
+
+// The rows and the columns in which the card is opaque from edge to edge; empty where it is not
+// even in its middle. It bulges everywhere, so looking at the ends of a row or column is enough.
+std::array<PixelRect, 2> opaqueCross(const Pixels& chrome) {
+    const int middleX = chrome.width / 2;
+    const int middleY = chrome.height / 2;
+    const auto isOpaque = [&](int x, int y) { return chrome.at(x, y) >= kOpaqueBlack; };
+    // From the middle to the last place before the edge at which `holds`.
+    const auto last = [](int middle, int edge, const auto& holds) {
+        const int step = edge < middle ? -1 : 1;
+        int place = middle;
+        while (place + step != edge && holds(place + step)) place += step;
+        return place;
+    };
+    if (chrome.isEmpty() || !isOpaque(middleX, middleY)) return {};
+    const int left = last(middleX, -1, [&](int x) { return isOpaque(x, middleY); });
+    const int right = last(middleX, chrome.width, [&](int x) { return isOpaque(x, middleY); });
+    const int top = last(middleY, -1, [&](int y) { return isOpaque(middleX, y); });
+    const int bottom = last(middleY, chrome.height, [&](int y) { return isOpaque(middleX, y); });
+    const auto isRow = [&](int y) { return isOpaque(left, y) && isOpaque(right, y); };
+    const auto isColumn = [&](int x) { return isOpaque(x, top) && isOpaque(x, bottom); };
+    const int rowsTop = last(middleY, -1, isRow);
+    const int columnsLeft = last(middleX, -1, isColumn);
+    return {PixelRect{left, rowsTop, right - left + 1,
+                      last(middleY, chrome.height, isRow) - rowsTop + 1},
+            PixelRect{columnsLeft, top, last(middleX, chrome.width, isColumn) - columnsLeft + 1,
+                      bottom - top + 1}};
+}
+
 }  // namespace
 
 CardPainter::CardPainter(const CardStyle& style, double scale,
@@ -33,6 +80,7 @@ void CardPainter::setBackdrop(Pixels backdrop) {
     backdrop_ = std::move(backdrop);
     backdropSurface_ = surfaceOver(backdrop_);
     chromeSurface_ = surfaceOver(chrome_);
+    opaque_ = opaqueCross(chrome_);
 }
 
 PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
@@ -48,23 +96,34 @@ void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
 void CardPainter::drawParts(cairo_surface_t* target, const StageLook& look,
                             std::span<const PixelRect> parts) {
     const CairoContext context{cairo_create(target)};
-    cairo_t* cairo = context.get();
-    for (const PixelRect& part : parts)
-        cairo_rectangle(cairo, part.x, part.y, part.width, part.height);
-    cairo_clip(cairo);
-    cairo_push_group(cairo);
-    drawLook(cairo, look);
-    cairo_pop_group_to_source(cairo);
-    cairo_set_operator(cairo, CAIRO_OPERATOR_SOURCE);
-    cairo_paint(cairo);
+    cairo_set_operator(context.get(), CAIRO_OPERATOR_SOURCE);
+    for (const PixelRect& part : parts) {
+        cairo_surface_t* const aside = asideOf({part.width, part.height});
+        const CairoContext partContext{cairo_create(aside)};
+        cairo_translate(partContext.get(), -part.x, -part.y);
+        drawLook(partContext.get(), look);
+        cairo_set_source_surface(context.get(), aside, part.x, part.y);
+        cairo_rectangle(context.get(), part.x, part.y, part.width, part.height);
+        cairo_fill(context.get());
+    }
+}
+
+// The frames of a marquee are all of one size, so the picture is kept for the next.
+cairo_surface_t* CardPainter::asideOf(PixelSize size) {
+    if (!aside_ || asideSize_ != size) {
+        aside_.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size.width, size.height));
+        asideSize_ = size;
+    }
+    return aside_.get();
 }
 
 void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
-    copyFrom(cairo, backdropSurface_.get());
     if (look.isResting()) {
         moving_.reset();
-        drawStage(cairo, look.scene);
+        drawGround(cairo);
+        drawScene(cairo, look.scene);
     } else {
+        copyFrom(cairo, backdropSurface_.get());
         drawMoving(cairo, look);
     }
     if (look.pointer)
@@ -72,9 +131,26 @@ void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
                     look.alpha);
 }
 
-void CardPainter::drawStage(cairo_t* cairo, const Scene& scene) {
-    cairo_set_source_surface(cairo, chromeSurface_.get(), 0, 0);
-    cairo_paint(cairo);
+// Behind opaque glass nothing is drawn, and the glass is copied there, not mixed.
+void CardPainter::drawGround(cairo_t* cairo) const {
+    const CairoRegion opaque{cairo_region_create()};
+    for (const PixelRect& part : opaque_) addTo(opaque, part);
+    const CairoRegion clear{cairo_region_create()};
+    addTo(clear, backdrop_.bounds());
+    cairo_region_subtract(clear.get(), opaque.get());
+    {
+        const CairoState state{cairo};
+        clipTo(cairo, clear);
+        copyFrom(cairo, backdropSurface_.get());
+        cairo_set_source_surface(cairo, chromeSurface_.get(), 0, 0);
+        cairo_paint(cairo);
+    }
+    const CairoState state{cairo};
+    clipTo(cairo, opaque);
+    copyFrom(cairo, chromeSurface_.get());
+}
+
+void CardPainter::drawScene(cairo_t* cairo, const Scene& scene) {
     const CairoState state{cairo};
     cairo_scale(cairo, scale_, scale_);
     cairo_translate(cairo, style_.shadowMargin, style_.shadowMargin);
@@ -86,7 +162,8 @@ void CardPainter::drawMoving(cairo_t* cairo, const StageLook& look) {
         moving_.reset(
             cairo_image_surface_create(CAIRO_FORMAT_ARGB32, backdrop_.width, backdrop_.height));
         const CairoContext context{cairo_create(moving_.get())};
-        drawStage(context.get(), look.scene);
+        copyFrom(context.get(), chromeSurface_.get());
+        drawScene(context.get(), look.scene);
     }
     const CairoState state{cairo};
     const Transform& transform = look.transform;

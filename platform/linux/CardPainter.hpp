@@ -2,6 +2,7 @@
 // scene, over that a pointer.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <span>
@@ -46,7 +47,9 @@ public:
 
 private:
     void drawLook(cairo_t* cairo, const StageLook& look);
-    void drawStage(cairo_t* cairo, const Scene& scene);
+    void drawGround(cairo_t* cairo) const;
+    void drawScene(cairo_t* cairo, const Scene& scene);
+    cairo_surface_t* asideOf(PixelSize size);
     void drawMoving(cairo_t* cairo, const StageLook& look);
 
     CardStyle style_;
@@ -55,7 +58,10 @@ private:
     Pixels chrome_;
     CairoSurface backdropSurface_;  // the two over the pixels above
     CairoSurface chromeSurface_;
+    std::array<PixelRect, 2> opaque_{};  // where the chrome hides the backdrop
     CairoSurface moving_;
+    CairoSurface aside_;  // a part before it comes into the target
+    PixelSize asideSize_{};
     CairoCanvas canvas_;
 };
 

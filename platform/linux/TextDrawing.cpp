@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/linux/TextRuns.hpp"
 
@@ -20,14 +21,6 @@ Point snapped(cairo_t* cairo, Point point) {
     return point;
 }
 
-void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
-    const TextLine* line = &texts.line(node.text, node.font);
-    if (isTooWide(node, line->width)) line = &texts.line(node.text, node.font, node.frame.width);
-    fillLine(cairo, *line,
-             snapped(cairo, {leftEdgeOf(node, line->width, isRightToLeft),
-                             baselineOf(node.frame, line->heights)}));
-}
-
 CairoPattern fadeMask(const TextNode& node) {
     CairoPattern mask{cairo_pattern_create_linear(node.frame.x, 0, node.frame.maxX(), 0)};
     for (const FadeStop& stop : fadeStops(node))
@@ -38,7 +31,7 @@ CairoPattern fadeMask(const TextNode& node) {
 constexpr double kPictureMargin = 8;     // points around the line, for what reaches out of it
 constexpr double kWidestPicture = 8192;  // pixels
 
-// Filling a line's outlines anew for each of its steps would cost more than all the rest of them.
+// Filling a line's outlines anew for each frame would cost more than all the rest of it.
 // Null for a line too long to be kept as a picture.
 const TextPicture* pictureOf(const TextLine& line, const Color& color, double scale) {
     TextPicture& picture = line.picture;
@@ -59,30 +52,52 @@ const TextPicture* pictureOf(const TextLine& line, const Color& color, double sc
     return &picture;
 }
 
-// `start` is on whole pixels.
-void showMoved(cairo_t* cairo, const TextLine& line, const Color& color, Point start) {
+// As `fillLine`, from the line's picture; `start` is on whole pixels. Seen through the mask if
+// there is one.
+void showPicture(cairo_t* cairo, const TextLine& line, const Color& color, Point start,
+                 cairo_pattern_t* mask) {
     cairo_matrix_t matrix{};
     cairo_get_matrix(cairo, &matrix);
-    const TextPicture* const picture = pictureOf(line, color, matrix.xx);
-    if (!picture) return fillLine(cairo, line, start);
+    const bool isUpright = matrix.xy == 0 && matrix.yx == 0 && matrix.xx == matrix.yy;
     const CairoState state{cairo};
-    const double scale = picture->scale;
-    cairo_translate(cairo, start.x, start.y);
-    cairo_scale(cairo, 1 / scale, 1 / scale);
-    cairo_set_source_surface(cairo, picture->surface.get(), -std::round(kPictureMargin * scale),
-                             -std::round((kPictureMargin + line.heights.ascent) * scale));
-    cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_NEAREST);
-    cairo_paint(cairo);
+    if (const auto* picture = isUpright ? pictureOf(line, color, matrix.xx) : nullptr) {
+        const double scale = picture->scale;
+        const CairoPattern pattern{cairo_pattern_create_for_surface(picture->surface.get())};
+        cairo_matrix_init(
+            &matrix, scale, 0, 0, scale, std::round(kPictureMargin * scale) - start.x * scale,
+            std::round((kPictureMargin + line.heights.ascent) * scale) - start.y * scale);
+        cairo_pattern_set_matrix(pattern.get(), &matrix);
+        cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_NEAREST);
+        cairo_set_source(cairo, pattern.get());
+    } else {
+        cairo_push_group(cairo);
+        fillLine(cairo, line, start);
+        cairo_pop_group_to_source(cairo);
+    }
+    mask ? cairo_mask(cairo, mask) : cairo_paint(cairo);
 }
 
-void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
+void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts,
+                cairo_pattern_t* mask) {
     const TextLine& line = texts.line(node.text, node.font);
     // The rest is rounded by itself: frames made for whole pixels of the way then show whole
     // pixels.
     const Point start = snapped(
         cairo, {restOf(node, line.width, isRightToLeft), baselineOf(node.frame, line.heights)});
     for (const double left : copiesOf(node, start.x, line.width, isRightToLeft))
-        showMoved(cairo, line, node.color, snapped(cairo, {left, start.y}));
+        showPicture(cairo, line, node.color, snapped(cairo, {left, start.y}), mask);
+}
+
+void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
+    const TextLine* line = &texts.line(node.text, node.font);
+    if (isTooWide(node, line->width)) line = &texts.line(node.text, node.font, node.frame.width);
+    const Point start = snapped(cairo, {leftEdgeOf(node, line->width, isRightToLeft),
+                                        baselineOf(node.frame, line->heights)});
+    // A time is drawn once. What comes again, as beside a moving marquee, comes many times.
+    if (std::exchange(line->isDrawn, true))
+        showPicture(cairo, *line, node.color, start, nullptr);
+    else
+        fillLine(cairo, *line, start);
 }
 
 // Masks take far longer than plain copies, so only the two ends are drawn through one. They meet
@@ -92,20 +107,17 @@ void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, Tex
     const double fade = std::min(node.scroll->fade, frame.width / 2);
     const double left = snapped(cairo, {frame.x + fade, 0}).x;
     const double right = snapped(cairo, {frame.maxX() - fade, 0}).x;
-    const auto drawBetween = [&](double begin, double end, bool isMasked) {
+    const CairoPattern ends = fadeMask(node);
+    const auto drawBetween = [&](double begin, double end, cairo_pattern_t* mask) {
         if (end <= begin) return;
         const CairoState state{cairo};
         cairo_rectangle(cairo, begin, frame.y, end - begin, frame.height);
         cairo_clip(cairo);
-        if (isMasked) cairo_push_group(cairo);
-        drawCopies(cairo, node, isRightToLeft, texts);
-        if (!isMasked) return;
-        cairo_pop_group_to_source(cairo);
-        cairo_mask(cairo, fadeMask(node).get());
+        drawCopies(cairo, node, isRightToLeft, texts, mask);
     };
-    drawBetween(frame.x, left, true);
-    drawBetween(left, right, false);
-    drawBetween(right, frame.maxX(), true);
+    drawBetween(frame.x, left, ends.get());
+    drawBetween(left, right, nullptr);
+    drawBetween(right, frame.maxX(), ends.get());
 }
 
 }  // namespace

@@ -14,7 +14,7 @@
 
 namespace quorvane {
 
-// A line drawn once, to be moved across the screen: its own pixels in its own colour.
+// A line drawn once, to be shown again at other places: its own pixels in its own colour.
 struct TextPicture {
     CairoSurface surface{};
     Color color{};
@@ -27,7 +27,9 @@ struct TextLine {
     double width = 0;
     // Of the font, not of these letters: lines of one font share a baseline.
     LineHeights heights{};
-    mutable TextPicture picture{};  // kept by whoever draws the line, as long as the line is
+    // Kept by whoever draws the line, as long as the line is.
+    mutable TextPicture picture{};
+    mutable bool isDrawn = false;
 };
 
 // Main thread only. References stay valid until the next call.
