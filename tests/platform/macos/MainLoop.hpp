@@ -1,0 +1,24 @@
+// The main thread's run loop, as far as a test lets it turn. For Objective-C++ only.
+#pragma once
+
+#import <CoreFoundation/CoreFoundation.h>
+
+#include <chrono>
+#include <functional>
+
+#include "platform/macos/ClockMacOS.hpp"
+
+namespace quorvane {
+
+// Turns it until the condition holds, for ten seconds at most. Whether it held.
+inline bool turnMainLoopUntil(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
+    while (!condition() && std::chrono::steady_clock::now() < end) {
+        const Timer look = makeClockMacOS().after(std::chrono::milliseconds{20},
+                                                  [] { CFRunLoopStop(CFRunLoopGetCurrent()); });
+        CFRunLoopRun();
+    }
+    return condition();
+}
+
+}  // namespace quorvane
