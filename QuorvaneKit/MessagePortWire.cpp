@@ -1,6 +1,9 @@
 #include "QuorvaneKit/MessagePortWire.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/Wipe.hpp"
 
@@ -9,12 +12,16 @@ namespace {
 
 // Both are kSecretLength long. No early exit: the time must not tell how much of a guess is right.
 bool isSameSecret(ByteView left, ByteView right) {
-    std::byte difference{0};
-    for (std::size_t i = 0; i < MessagePortWire::kSecretLength; ++i)
-        difference |= left[i] ^ right[i];
+    using Words = std::array<std::uint64_t, MessagePortWire::kSecretLength / 8>;
+    Words one;
+    Words other;
+    std::memcpy(one.data(), left.data(), sizeof one);
+    std::memcpy(other.data(), right.data(), sizeof other);
+    std::uint64_t difference = 0;
+    for (std::size_t i = 0; i < one.size(); ++i) difference |= one[i] ^ other[i];
     // Through a volatile, so that the decision cannot be moved into the loop.
-    const volatile std::byte decided = difference;
-    return decided == std::byte{0};
+    const volatile std::uint64_t decided = difference;
+    return decided == 0;
 }
 
 }  // namespace
@@ -31,8 +38,9 @@ std::optional<Bytes> MessagePortWire::wrap(ByteView payload, ByteView secret, By
 std::optional<ByteView> MessagePortWire::unwrap(ByteView framed, ByteView expectedSecret) {
     if (expectedSecret.size() != kSecretLength || framed.size() < kSecretLength)
         return std::nullopt;
-    if (!isSameSecret(framed.first(kSecretLength), expectedSecret)) return std::nullopt;
-    return framed.subspan(kSecretLength);
+    std::optional<ByteView> payload{framed.subspan(kSecretLength)};
+    if (!isSameSecret(framed.first(kSecretLength), expectedSecret)) payload.reset();
+    return payload;
 }
 
 void MessagePortWire::wipeSecret(Bytes& framed) {
