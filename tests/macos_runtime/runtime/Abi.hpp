@@ -108,13 +108,13 @@ struct SuperCall {
 struct BlockDescriptor {
     unsigned long reserved;
     unsigned long size;
-    // Only where the block has helpers.
+    // Only where the block has its own copying.
     void (*copy)(void* to, const void* from);
     void (*dispose)(const void* block);
 };
 
 struct Block {
-    static constexpr int kHasHelpers = 1 << 25;
+    static constexpr int kHasOwnCopying = 1 << 25;
     static constexpr int kOnHeap = 1 << 24;
     static constexpr int kIsGlobal = 1 << 28;
     Class* isa;
@@ -126,7 +126,7 @@ struct Block {
 
 // A variable that blocks share with the function that declares it.
 struct SharedVariable {
-    static constexpr int kHasHelpers = 1 << 25;
+    static constexpr int kHasOwnCopying = 1 << 25;
     static constexpr int kOnHeap = 1 << 24;
     static constexpr int kHolders = 0xFFFF;
     void* isa;

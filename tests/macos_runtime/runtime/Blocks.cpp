@@ -21,7 +21,7 @@ SharedVariable* onHeap(SharedVariable* variable) {
             static_cast<SharedVariable*>(std::memcpy(std::malloc(size), variable, size));
         copy->flags = (copy->flags & ~SharedVariable::kHolders) | SharedVariable::kOnHeap | 1;
         copy->forwarding = variable->forwarding = copy;
-        if ((variable->flags & SharedVariable::kHasHelpers) != 0) copy->keep(copy, variable);
+        if ((variable->flags & SharedVariable::kHasOwnCopying) != 0) copy->keep(copy, variable);
         variable = copy;
     }
     ++variable->flags;
@@ -32,13 +32,13 @@ void letGo(SharedVariable* variable) {
     variable = variable->forwarding;
     if ((variable->flags & SharedVariable::kOnHeap) == 0) return;
     if ((--variable->flags & SharedVariable::kHolders) != 0) return;
-    if ((variable->flags & SharedVariable::kHasHelpers) != 0) variable->dispose(variable);
+    if ((variable->flags & SharedVariable::kHasOwnCopying) != 0) variable->dispose(variable);
     std::free(variable);
 }
 
 void endBlock(Object* object, Selector name) {
     const auto* const block = reinterpret_cast<Block*>(object);
-    if ((block->flags & Block::kHasHelpers) != 0) block->descriptor->dispose(block);
+    if ((block->flags & Block::kHasOwnCopying) != 0) block->descriptor->dispose(block);
     SuperCall toRoot{object, classNamed("NSBlock")};
     callCode<void>(findMethod(toRoot.current->super, name).method->code, object, name);
 }
@@ -59,7 +59,7 @@ Object* _Block_copy(Object* object) {
     std::memcpy(static_cast<void*>(copy), block, size);
     copy->isa = &_NSConcreteMallocBlock;
     copy->flags |= Block::kOnHeap;
-    if ((copy->flags & Block::kHasHelpers) != 0) copy->descriptor->copy(copy, block);
+    if ((copy->flags & Block::kHasOwnCopying) != 0) copy->descriptor->copy(copy, block);
     return copied;
 }
 
