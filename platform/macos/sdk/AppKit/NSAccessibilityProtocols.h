@@ -10,8 +10,8 @@
 @property(strong) id accessibilityMinValue;
 @property(strong) id accessibilityMaxValue;
 @property(copy) NSArray* accessibilityChildren;
-@property(weak) id accessibilityParent;
-@property NSRect accessibilityFrame;
+@property(weak) id accessibilityParent;  // from memory
+@property NSRect accessibilityFrame;  // from memory
 - (BOOL)accessibilityPerformPress;
 - (BOOL)accessibilityPerformIncrement;
 - (BOOL)accessibilityPerformDecrement;

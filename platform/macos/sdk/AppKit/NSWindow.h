@@ -35,7 +35,7 @@ typedef NSInteger NSWindowLevel;
 @property CGFloat alphaValue;
 @property BOOL ignoresMouseEvents;
 @property(strong) NSView* contentView;
-- (void)setFrame:(NSRect)frameRect display:(BOOL)flag;
+- (void)setFrame:(NSRect)frameRect display:(BOOL)flag;  // from memory
 - (void)orderFrontRegardless;
 - (void)orderOut:(id)sender;
 - (void)close;

@@ -5,7 +5,7 @@
 
 @interface CALayer : NSObject
 + (instancetype)layer;
-@property CGRect frame;
+@property CGRect frame;  // from memory
 @property CATransform3D transform;
 @property CGColorRef shadowColor;
 @property float shadowOpacity;
