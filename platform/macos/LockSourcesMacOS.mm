@@ -5,6 +5,7 @@
 #include "platform/macos/LockSourcesMacOS.hpp"
 
 #import <AppKit/AppKit.h>
+#import <CoreGraphics/CoreGraphics.h>
 #include <notify.h>
 
 #include "platform/macos/FoundationValues.hpp"
