@@ -22,6 +22,9 @@ constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while somethi
 constexpr double kNoteSize = 30;
 constexpr double kPlaceholderFill = 0.1;
 constexpr double kUnlovedOpacity = 0.7;
+// How far, in points, the bar may go at once so that it can move with the times, once a second, and
+// needs no frames of its own.
+constexpr double kMostStep = 3;
 constexpr double kProgressOpacity = 0.7;
 constexpr double kSpeakerSymbolSize = 17;
 
@@ -152,8 +155,10 @@ private:
         const std::optional<double> duration = model_.duration.get();
         // Whole pixels: between two of them the scene stays equal.
         const double pixels = geometry_.progress.width * environment_.scale;
+        const bool isSlow = duration && pixels <= *duration * kMostStep * environment_.scale;
+        const double shown = isSlow && position < *duration ? std::floor(position) : position;
         const double filled =
-            duration ? std::floor(position / *duration * pixels) / environment_.scale : 0;
+            duration ? std::floor(shown / *duration * pixels) / environment_.scale : 0;
         drawFilledTrack(scene_, geometry_.progress, filled, kProgressOpacity);
         const std::string elapsed = TimeFormatting::text(position);
         time(geometry_.elapsed, elapsed, TextAlignment::leading);
@@ -167,18 +172,21 @@ private:
                                    .number = std::floor(position),
                                    .maximum = duration.value_or(0)});
         if (model_.isPlaying.get() && !environment_.playerFrozenDate)
-            changesIn(progressChange(position, duration, pixels));
+            changesIn(progressChange(position, duration, isSlow ? 0 : pixels));
     }
 
-    // Until a time's next second or the bar's next pixel.
+    // Until a time's next second or, of so many, the bar's next pixel.
     static std::optional<Duration> progressChange(double position, std::optional<double> duration,
                                                   double pixels) {
         if (duration && position >= *duration) return std::nullopt;
         double wait = 1 - (position - std::floor(position));
         if (duration) {
             const double left = *duration - position;
-            const double pixel = *duration / pixels;
-            wait = std::min({wait, left - std::floor(left), pixel - std::fmod(position, pixel)});
+            wait = std::min(wait, left - std::floor(left));
+            if (pixels > 0) {
+                const double pixel = *duration / pixels;
+                wait = std::min(wait, pixel - std::fmod(position, pixel));
+            }
         }
         // A little beyond the edge, so that rounding cannot leave the scene just before it.
         constexpr Duration kBeyond = std::chrono::milliseconds{1};

@@ -81,6 +81,27 @@ TEST(TextDrawing, PaintsNothingOutsideItsFrame) {
     }
 }
 
+// From the second time on a line comes from its picture.
+TEST(TextDrawing, LooksTheSameEachTime) {
+    for (const double scale : {1.0, 1.5, 2.0})
+        for (const char* text : {"Hamburg", kLong, kArabic}) {
+            CairoCanvas canvas{scale};
+            Scene scene;
+            scene.nodes = {TextNode{.frame = kFrame,
+                                    .text = text,
+                                    .font = kFont,
+                                    .color = Color::white(),
+                                    .alignment = TextAlignment::trailing}};
+            const DrawnScene first{canvas, scene, kArea, scale};
+            const DrawnScene second{canvas, scene, kArea, scale};
+            int most = 0;
+            for (int y = 0; y < first.height(); ++y)
+                for (int x = 0; x < first.width(); ++x)
+                    most = std::max(most, std::abs(first.alphaAt(x, y) - second.alphaAt(x, y)));
+            EXPECT_LE(most, 1) << text;  // of rounding
+        }
+}
+
 TEST(TextDrawing, LaysOutOnlyWhatCouldBeRead) {
     TextLayouts layouts;
     const double bound = layouts.line(std::string(401, 'W'), kFont).width;
