@@ -61,12 +61,12 @@ struct FakeWindowServer {
 class LockMacOSTest : public macrt::MacTest {
 protected:
     // Serves the main application's ports and calls the body while the application runs.
-    void run(const std::function<void()>& body) {
+    void run(const std::function<void()>& body, std::string option = "--installed") {
         setUpSystem();
         @autoreleasepool {
             char name[] = "/Applications/Quorvane Lock Screen.app/Contents/MacOS/x";
-            char* arguments[] = {name};
-            auto services = makeLiveServices(1, arguments, std::string{kAddOnBundleIdentifier});
+            char* arguments[] = {name, option.data()};
+            auto services = makeLiveServices(2, arguments, std::string{kAddOnBundleIdentifier});
             ASSERT_TRUE(services);
             auto platform = makeLivePlatform(*std::move(services));
             ASSERT_TRUE(platform);
@@ -141,6 +141,10 @@ protected:
 private:
     void setUpSystem() {
         answers().infoDictionary = @{@"CFBundleShortVersionString" : @"1.2.3"};
+        const std::string bundle = "/Applications/Quorvane Lock Screen.app";
+        macrt::files()[bundle] = "a folder";
+        macrt::files()[bundle + "/Contents/Info.plist"] = "a property list";
+        answers().propertyList = @{@"CFBundleIdentifier" : answers().bundleIdentifier};
         answers().copies = {{.pid = 4711}};
         answers().session = @{@"CGSSessionOnConsole" : @YES};
         macrt::files()["/Groups/group.example.quillon.Quorvane/ipc-secret"] =
@@ -282,6 +286,45 @@ TEST_F(LockMacOSTest, AScreenThatComesRebuildsTheWindowsAtOnce) {
                          "-[CardPanel#3 initWithContentRect:{{2068, 146}, {504, 326}}" + rest,
                          "add [43] to 9, 7"}));
     });
+}
+
+TEST_F(LockMacOSTest, TheInstallerIsAnsweredAndObeyed) {
+    run([] {
+        takeTexts();
+        notice(@"example.quillon.Quorvane.LockScreenAddOn.statusRequest");
+        EXPECT_EQ(takeTexts("postNotification"),
+                  Texts{"-[NSDistributedNotificationCenter#1 "
+                        "postNotificationName:@\"example.quillon.Quorvane.LockScreenAddOn.status\" "
+                        "object:nil userInfo:{@\"connected\": YES, @\"version\": @\"1.2.3\"} "
+                        "deliverImmediately:YES]"});
+        notice(@"example.quillon.Quorvane.LockScreenAddOn.quit");
+        EXPECT_EQ(takeTexts("terminate:"), Texts{"-[NSApplication#1 terminate:nil]"});
+    });
+}
+
+TEST_F(LockMacOSTest, AnUninstallLeavesNothing) {
+    answers().loginItem = 1;
+    run(
+        [] {
+            Texts texts = takeTexts();
+            std::erase_if(texts, [](const std::string& text) {
+                return text.find("SMAppService") == std::string::npos &&
+                       text.find("removeItem") == std::string::npos &&
+                       text.find("removePersistentDomain") == std::string::npos &&
+                       text.find("terminate:") == std::string::npos;
+            });
+            const std::string name = "example.quillon.Quorvane.LockScreenAddOn";
+            EXPECT_EQ(texts,
+                      (Texts{"-[SMAppService#1 unregisterAndReturnError:pointer]",
+                             "-[NSFileManager#1 removeItemAtURL:file:///Users/u/Library/"
+                             "Application Support/" +
+                                 name + " error:pointer]",
+                             "-[NSFileManager#1 removeItemAtURL:file:///Applications/"
+                             "Quorvane Lock Screen.app error:pointer]",
+                             "-[NSUserDefaults#1 removePersistentDomainForName:@\"" + name + "\"]",
+                             "-[NSApplication#1 terminate:nil]"}));
+        },
+        "--uninstall");
 }
 
 TEST_F(LockMacOSTest, AMainApplicationThatIsGoneLeavesNoCard) {
