@@ -34,7 +34,8 @@ std::unique_ptr<AtspiConnection> AtspiConnection::open(EventLoop& loop, const st
     return connection->start(loop, address) < 0 ? nullptr : std::move(connection);
 }
 
-AtspiConnection::~AtspiConnection() { sd_bus_flush_close_unref(bus_); }
+// What was not sent is of no interest any more, and waiting for a bus that does not read would stall.
+AtspiConnection::~AtspiConnection() { sd_bus_close_unref(bus_); }
 
 int AtspiConnection::addObjects() {
     for (const int result :
