@@ -40,7 +40,7 @@ struct SelfRemovalTest : testing::Test {
             .log = Logger{log.sink(), kOwn, "removal"}};
     }
     Result<void> change(std::int64_t status) {
-        if (loginItemRefuses)
+        if (loginItemRefuses || ++calls == failing)
             return std::unexpected{PlatformError{.code = 1, .description = "no agent"}};
         loginItem = status;
         return {};
@@ -50,7 +50,8 @@ struct SelfRemovalTest : testing::Test {
             << "deleted before the flag was written";
         if (!paths.contains(path))
             return std::unexpected{PlatformError{PlatformError::Domain::cocoa, 4, "no such file"}};
-        if (filesRefuse) return std::unexpected{PlatformError{.code = 13, .description = "denied"}};
+        if (filesRefuse || ++calls == failing)
+            return std::unexpected{PlatformError{.code = 13, .description = "denied"}};
         std::erase_if(paths, [&](const std::filesystem::path& each) {
             return each.string().starts_with(path.string());
         });
@@ -61,6 +62,8 @@ struct SelfRemovalTest : testing::Test {
     std::int64_t loginItem = LoginItemClient::kEnabled;
     bool loginItemRefuses = false;
     bool filesRefuse = false;
+    int calls = 0;    // of what may fail
+    int failing = 0;  // the number of the one that does
     std::filesystem::path bundle = kBundle;
     std::filesystem::path support = kSupport;
     std::set<std::filesystem::path> paths{kSupport, kBundle, "/home/me/share"};
@@ -159,6 +162,24 @@ TEST_F(SelfRemovalTest, WhatRefusesIsReportedAndTriedAgainAtTheNextLaunch) {
     EXPECT_EQ(paths, (std::set<std::filesystem::path>{"/home/me/share"}));
     EXPECT_TRUE(log.contains(
         "removal: an earlier step failed, but the bundle is gone; clearing preferences anyway"));
+}
+
+TEST_F(SelfRemovalTest, WhicheverCallFailsTheNextRunFindsWhatIsLeft) {
+    bundle = "/opt/Quorvane Lock Screen.app";  // so that each has a call of its own
+    for (failing = 1; failing <= 4; ++failing) {
+        calls = 0;
+        loginItem = LoginItemClient::kEnabled;
+        paths = {kSupport, bundle, "/home/me/share"};
+        removal().perform();
+        EXPECT_EQ(paths.contains(bundle), failing == 3);
+        EXPECT_EQ(pendingAtEnd, failing == 3) << "as long as the bundle is there to go on";
+        EXPECT_EQ(calls, 3) << "none is left out because another one failed";
+        if (failing > 3) break;
+        removal().perform();
+        EXPECT_EQ(paths, (std::set<std::filesystem::path>{"/home/me/share"})) << failing;
+        EXPECT_FALSE(pendingAtEnd);
+    }
+    EXPECT_TRUE(defaults.values.empty());
 }
 
 TEST_F(SelfRemovalTest, TheLoginItemIsRegisteredUnlessTheUserSaidNo) {
