@@ -157,7 +157,12 @@ NSFileAttributeKey const NSFilePosixPermissions = @"NSFilePosixPermissions";
     return succeedUnless(macrt::answers().fileError, error);
 }
 - (BOOL)removeItemAtURL:(NSURL*)URL error:(NSError**)error {
-    return succeedUnless(macrt::answers().fileError, error);
+    if (!succeedUnless(macrt::answers().fileError, error)) return NO;
+    const std::string place = macrt::textOf(URL.path);
+    std::erase_if(macrt::files(), [&](const auto& file) {
+        return file.first == place || file.first.starts_with(place + "/");
+    });
+    return YES;
 }
 - (BOOL)copyItemAtURL:(NSURL*)srcURL toURL:(NSURL*)dstURL error:(NSError**)error {
     return succeedUnless(macrt::answers().fileError, error);
