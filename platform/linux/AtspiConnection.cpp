@@ -34,7 +34,8 @@ std::unique_ptr<AtspiConnection> AtspiConnection::open(EventLoop& loop, const st
     return connection->start(loop, address) < 0 ? nullptr : std::move(connection);
 }
 
-// What was not sent is of no interest any more, and waiting for a bus that does not read would stall.
+// What was not sent is of no interest any more, and waiting for a bus that does not read would
+// stall.
 AtspiConnection::~AtspiConnection() { sd_bus_close_unref(bus_); }
 
 int AtspiConnection::addObjects() {
