@@ -106,6 +106,14 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     return children;
 }
 
+// In screen coordinates.
+- (id)accessibilityHitTest:(NSPoint)point {
+    const NSPoint place = [self convertPoint:[self.window convertPointFromScreen:point]
+                                    fromView:nil];
+    const SceneControl* const control = accessibleControlAt(scene_.controls, {place.x, place.y});
+    return control == nullptr ? self : elements_.at(control->id);
+}
+
 // An element stays the same while its control is there: assistive technology holds on to it.
 - (void)updateControlElements {
     std::erase_if(elements_, [&](const auto& each) {

@@ -203,6 +203,10 @@ TEST_F(CardViewsTest, HaveAnElementForEveryControl) {
         EXPECT_EQ(button.accessibilityParent, content_);
         EXPECT_TRUE(button.isAccessibilityElement);
         EXPECT_EQ(button.accessibilityFrame.origin.x, 1250);  // wherever the system says it is
+        NSWindow* const window = [NSWindow new];
+        macrt::putInWindow(content_, window);
+        EXPECT_EQ(([content_ accessibilityHitTest:{1250, 2110}]), button);
+        EXPECT_EQ(([content_ accessibilityHitTest:{1010, 2010}]), content_);
         EXPECT_TRUE([button accessibilityPerformPress]);
         EXPECT_FALSE([button accessibilityPerformIncrement]);
         EXPECT_EQ(macrt::describe(slider.accessibilityValue), "40");

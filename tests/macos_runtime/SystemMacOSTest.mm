@@ -55,6 +55,22 @@ TEST_F(SystemMacOSTest, TheApplicationRunsWithoutADockIcon) {
     std::signal(SIGINT, SIG_DFL);
 }
 
+TEST_F(SystemMacOSTest, AToolReturnsItsStatusWhenItIsDone) {
+    for (const bool isInterrupted : {false, true}) {
+        const Application tool = makeToolMacOS();
+        Texts told;
+        const auto work = [&] {
+            told.push_back("working");
+            isInterrupted ? macrt::raiseSignal(SIGINT) : tool.terminate();
+            told.push_back("still there");
+        };
+        EXPECT_EQ(tool.run(work, [&] { told.push_back("ending"); }), 0);
+        EXPECT_EQ(told, (Texts{"working", "still there", "ending"}));
+        EXPECT_EQ(takeTexts("main loop"), Texts{"main loop stopped"});
+    }
+    std::signal(SIGINT, SIG_DFL);
+}
+
 TEST_F(SystemMacOSTest, ATerminationSignalEndsTheProcessByItself) {
     EXPECT_EXIT(
         {

@@ -22,6 +22,7 @@ struct FakeScreen {
 void setScreens(const std::vector<FakeScreen>& screens);
 void setReducesMotion(bool reduces);
 
+void putInWindow(NSView* view, NSWindow* window);
 NSArray<NSView*>* subviewsOf(NSView* view);
 NSArray<NSTrackingArea*>* trackingAreasOf(NSView* view);
 void setWindowState(NSWindow* window, BOOL isVisible, NSWindowOcclusionState occlusion);

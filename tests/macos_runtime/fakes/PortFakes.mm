@@ -1,6 +1,8 @@
 // Message ports and the run loops that serve them.
 #include "tests/macos_runtime/fakes/PortFakes.hpp"
 
+#include <unistd.h>
+
 #include <condition_variable>
 #include <deque>
 #include <map>
@@ -8,6 +10,8 @@
 #include <set>
 #include <thread>
 #include <utility>
+
+#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
 
 @interface FakePort : NSObject {
 @public
@@ -161,6 +165,12 @@ void CFRunLoopRemoveSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoop
 
 void CFRunLoopRun() {
     FakeRunLoop* const loop = loopOf(CFRunLoopGetCurrent());
+    if (gettid() == getpid()) {
+        loop->isStopped = false;
+        macrt::drainMainQueue();
+        macrt::note(loop->isStopped ? "main loop stopped" : "main loop has nothing to do");
+        return;
+    }
     // Without a source a loop returns at once. A stop from before is forgotten.
     if (loop->sources == 0) return;
     std::unique_lock held{loop->mutex};

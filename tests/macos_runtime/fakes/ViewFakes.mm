@@ -65,6 +65,7 @@ Anchor* anchorOf(NSView* view, const char* edge) {
 }  // namespace
 
 @interface NSView () <Recorded>
+@property(readwrite, unsafe_unretained) NSWindow* window;
 @end
 @implementation NSView {
 @package
@@ -135,6 +136,9 @@ Anchor* anchorOf(NSView* view, const char* edge) {
 }
 - (void)layout {
 }
+- (id)accessibilityHitTest:(NSPoint)point {
+    return nil;
+}
 - (BOOL)accessibilityPerformPress {
     return NO;
 }
@@ -175,6 +179,9 @@ Anchor* anchorOf(NSView* view, const char* edge) {
 @synthesize accessibilityParent = accessibilityParent_;
 @synthesize accessibilityRole = accessibilityRole_;
 @synthesize accessibilityValue = accessibilityValue_;
+- (id)accessibilityHitTest:(NSPoint)point {
+    return nil;
+}
 - (BOOL)accessibilityPerformPress {
     return NO;
 }
@@ -209,6 +216,7 @@ namespace macrt {
 void setConversion(std::function<NSPoint(NSPoint)> fromWindow) {
     conversion = std::move(fromWindow);
 }
+void putInWindow(NSView* view, NSWindow* window) { view.window = window; }
 NSArray<NSView*>* subviewsOf(NSView* view) { return view->subviews_; }
 NSArray<NSTrackingArea*>* trackingAreasOf(NSView* view) { return view->trackingAreas_; }
 

@@ -43,6 +43,9 @@ const macrt::AtReset reset{[] {
 - (void)setFrame:(NSRect)frameRect display:(BOOL)flag {
     _frame = frameRect;
 }
+- (NSPoint)convertPointFromScreen:(NSPoint)point {
+    return {point.x - 1000, point.y - 2000};
+}
 - (void)orderFrontRegardless {
     _visible = YES;
 }

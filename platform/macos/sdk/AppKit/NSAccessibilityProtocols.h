@@ -12,6 +12,7 @@
 @property(copy) NSArray* accessibilityChildren;
 @property(weak) id accessibilityParent;  // from memory
 @property NSRect accessibilityFrame;  // from memory
+- (id)accessibilityHitTest:(NSPoint)point;  // from memory
 - (BOOL)accessibilityPerformPress;
 - (BOOL)accessibilityPerformIncrement;
 - (BOOL)accessibilityPerformDecrement;

@@ -6,6 +6,7 @@
 
 @class CALayer;
 @class NSTrackingArea;
+@class NSWindow;
 
 typedef NSUInteger NSAutoresizingMaskOptions;
 enum : NSAutoresizingMaskOptions { NSViewWidthSizable = 2, NSViewHeightSizable = 16 };
@@ -24,6 +25,7 @@ enum : NSAutoresizingMaskOptions { NSViewWidthSizable = 2, NSViewHeightSizable =
 @property(readonly, strong) NSLayoutXAxisAnchor* trailingAnchor;
 @property(readonly, strong) NSLayoutYAxisAnchor* topAnchor;
 @property(readonly, strong) NSLayoutYAxisAnchor* bottomAnchor;
+@property(readonly, unsafe_unretained) NSWindow* window;
 @property(readonly) BOOL mouseDownCanMoveWindow;
 - (void)addSubview:(NSView*)view;
 - (NSPoint)convertPoint:(NSPoint)point fromView:(NSView*)view;
