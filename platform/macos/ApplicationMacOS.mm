@@ -6,9 +6,10 @@
 
 #import <AppKit/AppKit.h>
 #include <signal.h>
-#include <unistd.h>
 
 #include <utility>
+
+#include "platform/macos/SignalSource.hpp"
 
 @interface QuorvaneApplicationDelegate : NSObject <NSApplicationDelegate> {
 @public
@@ -35,16 +36,6 @@
 namespace quorvane {
 namespace {
 
-// The source is delivered although the signal itself is ignored.
-dispatch_source_t startSignalSource(int signal, dispatch_queue_t queue, dispatch_block_t handler) {
-    ::signal(signal, SIG_IGN);
-    dispatch_source_t source = dispatch_source_create(DISPATCH_SOURCE_TYPE_SIGNAL,
-                                                      static_cast<uintptr_t>(signal), 0, queue);
-    dispatch_source_set_event_handler(source, handler);
-    dispatch_activate(source);
-    return source;
-}
-
 int run(std::function<void()> didFinishLaunching, std::function<void()> willTerminate) {
     @autoreleasepool {
         NSApplication* application = NSApplication.sharedApplication;
@@ -65,22 +56,12 @@ int run(std::function<void()> didFinishLaunching, std::function<void()> willTerm
     return 0;
 }
 
-void handleTerminationSignal(std::function<void()> action) {
-    static dispatch_source_t source;
-    source = startSignalSource(SIGTERM, dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
-      dispatch_source_cancel(source);
-      action();
-      signal(SIGTERM, SIG_DFL);
-      kill(getpid(), SIGTERM);
-    });
-}
-
 }  // namespace
 
 Application makeApplicationMacOS() {
     return {.run = run,
             .terminate = [] { [NSApplication.sharedApplication terminate:nil]; },
-            .handleTerminationSignal = handleTerminationSignal};
+            .handleTerminationSignal = handleTerminationSignalMacOS};
 }
 
 }  // namespace quorvane

@@ -22,9 +22,10 @@ namespace quorvane {
 Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
                                       const std::string& domain) {
     @autoreleasepool {
+        ProcessInfo process = makeProcessInfoMacOS(argumentCount, arguments);
         return LiveServices{
-            .application = makeApplicationMacOS(),
-            .process = makeProcessInfoMacOS(argumentCount, arguments),
+            .application = process.bundle.empty() ? makeToolMacOS() : makeApplicationMacOS(),
+            .process = std::move(process),
             .log = makeLogSinkMacOS(),
             .clock = makeClockMacOS(),
             .wallClock = [] { return WallTime{std::chrono::system_clock::now()}; },

@@ -18,6 +18,7 @@ ProcessInfo makeProcessInfoMacOS(int argumentCount, char** arguments) {
         const NSOperatingSystemVersion version = process.operatingSystemVersion;
         return {
             .arguments = {arguments, arguments + argumentCount},
+            .executable = pathFrom(bundle.executableURL),
             .pid = process.processIdentifier,
             .systemVersion = {version.majorVersion, version.minorVersion, version.patchVersion},
             // A bare executable has the folder that it lies in for its bundle.

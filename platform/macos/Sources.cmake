@@ -23,6 +23,8 @@ set(QUORVANE_MACOS_SOURCES
     RemotePortMacOS.mm
     RunningApplicationsMacOS.mm
     SerialQueueMacOS.mm
+    SignalSource.mm
+    ToolMacOS.mm
     UserDefaultsMacOS.mm
 )
 set(QUORVANE_MACOS_CARD_SOURCES

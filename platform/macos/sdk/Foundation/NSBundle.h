@@ -9,6 +9,7 @@
 @interface NSBundle : NSObject
 @property(class, readonly, strong) NSBundle* mainBundle;
 @property(readonly, copy) NSURL* bundleURL;
+@property(readonly, copy) NSURL* executableURL;  // from memory
 @property(readonly, copy) NSString* bundleIdentifier;
 @property(readonly, copy) NSDictionary* infoDictionary;  // from memory
 - (NSString*)localizedStringForKey:(NSString*)key value:(NSString*)value table:(NSString*)tableName;
