@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/linux/Blur.hpp"
 #include "platform/linux/CardShape.hpp"
@@ -82,6 +83,18 @@ struct Painter {
     std::vector<std::uint32_t> glassRow{};
     std::vector<float> shadowLine{};
 
+    // The columns of a row in which there is nothing but glass: clear of edge and corners. They end
+    // before the row does.
+    std::pair<int, int> insideOf(int y) const {
+        const int corner = static_cast<int>(std::ceil(style.cornerRadius * scale * 1.5));
+        const int rim = static_cast<int>(std::ceil(edge)) + 2;
+        const bool isInside = y >= card.y + rim && y < card.maxY() - rim;
+        const bool isPastCorners = y >= card.y + corner && y < card.maxY() - corner;
+        if (!isInside) return {0, 0};
+        const int inset = isPastCorners ? rim : corner;
+        return {card.x + inset, card.maxX() - inset};
+    }
+
     void drawRow(int y, std::uint32_t* pixels, int width) {
         const double top = (y + 0.5) / scale;
         const double depth = std::clamp((top - style.shadowMargin) / style.card.height, 0.0, 1.0);
@@ -89,7 +102,13 @@ struct Painter {
         const bool meetsCard = y >= card.y && y < card.maxY();
         shadow.readLine(top, shadowLine);
         if (meetsCard) glass.readRow(y, card.x, card.maxX(), glassRow.data());
+        const auto [insideBegin, insideEnd] = insideOf(y);
         for (int x = 0; x < width; ++x) {
+            if (x == insideBegin && x < insideEnd) {
+                std::copy_n(&glassRow[static_cast<std::size_t>(x - card.x)], insideEnd - x,
+                            &pixels[x]);
+                x = insideEnd;
+            }
             const double left = (x + 0.5) / scale;
             if (!meetsCard || x < card.x || x >= card.maxX()) {
                 pixels[x] = blended(0, 0, shadow.at(shadowLine, left));
