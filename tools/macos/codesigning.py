@@ -74,8 +74,8 @@ def der_of(entitlements):
     return _der(0x70, b"\x02\x01\x01" + _der(0xB0, b"".join(pairs)))
 
 
-def pages_of(data):
-    return b"".join(hashlib.sha256(data[at : at + PAGE]).digest() for at in range(0, len(data), PAGE))
+def pages_of(data, page=PAGE):
+    return b"".join(hashlib.sha256(data[at : at + page]).digest() for at in range(0, len(data), page))
 
 
 def make_signature(identifier, code, text_size, special):
@@ -138,6 +138,7 @@ def read_directory(blob):
         "flags": flags,
         "identifier": blob[name : blob.index(b"\0", name)].decode(),
         "limit": limit,
+        "page": 1 << blob[39],
         "pages": blob[hashes : hashes + 32 * code],
         "special": {slot: blob[hashes - 32 * slot : hashes - 32 * (slot - 1)] for slot in range(1, special + 1)},
     }
