@@ -69,7 +69,8 @@ SceneControl VolumeSlider::control(const Rect& frame, const PlayerModel& model,
             .label = localized(PlayerStrings::kVolume.key),
             .value = std::to_string(model.volume.get()),
             .number = static_cast<double>(model.volume.get()),
-            .maximum = kFullVolume};
+            .maximum = kFullVolume,
+            .step = kStep};
 }
 
 void VolumeSlider::thicken(Transition& thickening, bool isDragging, Instant now) {

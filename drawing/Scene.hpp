@@ -117,6 +117,7 @@ struct SceneControl {
     double number = 0;    // of sliders and progress, between the two below
     double minimum = 0;
     double maximum = 0;
+    double step = 0;  // of sliders: what assistive technology adds or takes away at a time
     bool operator==(const SceneControl&) const = default;
 };
 

@@ -4,8 +4,6 @@
 namespace quorvane {
 namespace {
 
-constexpr double kStep = 5;  // what assistive technology adds or takes away at a time
-
 SceneControl controlAt(void* data, const char* path) {
     const AtspiNode node = atspiNode(data, path);
     return node.control ? *node.control : SceneControl{};
@@ -30,11 +28,6 @@ int setNumber(sd_bus*, const char* path, const char*, const char*, sd_bus_messag
     return result;
 }
 
-int step(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply, void* data,
-         sd_bus_error*) {
-    return sd_bus_message_append(reply, "d", isSlider(atspiNode(data, path)) ? kStep : 0.0);
-}
-
 int text(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply, void* data,
          sd_bus_error*) {
     return sd_bus_message_append(reply, "s", controlAt(data, path).value.c_str());
@@ -44,7 +37,7 @@ constexpr sd_bus_vtable kMembers[] = {
     SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_PROPERTY("MinimumValue", "d", number<&SceneControl::minimum>, 0, 0),
     SD_BUS_PROPERTY("MaximumValue", "d", number<&SceneControl::maximum>, 0, 0),
-    SD_BUS_PROPERTY("MinimumIncrement", "d", step, 0, 0),
+    SD_BUS_PROPERTY("MinimumIncrement", "d", number<&SceneControl::step>, 0, 0),
     SD_BUS_WRITABLE_PROPERTY("CurrentValue", "d", number<&SceneControl::number>, setNumber, 0, 0),
     SD_BUS_PROPERTY("Text", "s", text, 0, 0),
     SD_BUS_VTABLE_END};
