@@ -224,7 +224,9 @@ void pausing() {
     LoggedProcess locker = session.lock();
     BenchSession::require(addOn, "entrance: window");
     rest(seconds{6});
-    const auto frames = FrameWatch{session.display()}.watch(now() + seconds{10}).size();
+    const auto seen = FrameWatch{session.display()}.watch(now() + seconds{10});
+    for (auto& f : seen) std::fprintf(stderr, "paused frame %d %d\n", f.width, f.height);
+    const auto frames = seen.size();
     report({.what = "card up, still text, paused: frames drawn",
             .figure = std::to_string(frames) + " in 10 s",
             .goal = "0",
@@ -253,7 +255,8 @@ int runBench() {
     beginReport("The add-on's process");
     {
         BenchSession session{kShortTitle, true};
-        // BB
+        starting(session);
+        idling(session);
     }
     {
         BenchSession session{kShortTitle, true};
