@@ -13,6 +13,6 @@ typedef const struct __CFAllocator* CFAllocatorRef;
 
 extern "C" {
 CFTypeID CFGetTypeID(CFTypeRef cf);
-CFTypeRef CFRetain(CFTypeRef cf);
+CFTypeRef CFRetain(CFTypeRef cf);  // from memory
 void CFRelease(CFTypeRef cf);
 }

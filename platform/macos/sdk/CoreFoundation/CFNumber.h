@@ -2,7 +2,7 @@
 
 #include "CFBase.h"
 
-typedef const struct __CFNumber* CFNumberRef;
+typedef const struct __CFNumber* CFNumberRef;  // from memory
 
 extern "C" {
 CFTypeID CFBooleanGetTypeID(void);

@@ -8,6 +8,6 @@
 @end
 
 @interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary<KeyType, ObjectType>
-+ (instancetype)dictionaryWithCapacity:(NSUInteger)numItems;
-- (void)setObject:(ObjectType)obj forKeyedSubscript:(KeyType)key;
++ (instancetype)dictionaryWithCapacity:(NSUInteger)numItems;  // from memory
+- (void)setObject:(ObjectType)obj forKeyedSubscript:(KeyType)key;  // from memory
 @end

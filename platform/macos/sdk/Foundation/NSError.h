@@ -4,7 +4,7 @@
 
 @class NSString;
 
-typedef NSString* NSErrorDomain;
+typedef NSString* NSErrorDomain;  // from memory
 
 extern "C" {
 extern NSErrorDomain const NSCocoaErrorDomain;
