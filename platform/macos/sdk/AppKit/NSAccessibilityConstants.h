@@ -13,6 +13,7 @@ extern NSAccessibilityRole const NSAccessibilityProgressIndicatorRole;  // from 
 extern NSAccessibilityRole const NSAccessibilitySliderRole;
 extern NSAccessibilityRole const NSAccessibilityStaticTextRole;
 extern NSAccessibilityNotificationName const NSAccessibilityLayoutChangedNotification;
-extern NSAccessibilityNotificationName const NSAccessibilityTitleChangedNotification;  // from memory
+extern NSAccessibilityNotificationName const
+    NSAccessibilityTitleChangedNotification;  // from memory
 extern NSAccessibilityNotificationName const NSAccessibilityValueChangedNotification;
 }

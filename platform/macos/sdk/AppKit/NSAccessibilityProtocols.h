@@ -10,8 +10,8 @@
 @property(strong) id accessibilityMinValue;
 @property(strong) id accessibilityMaxValue;
 @property(copy) NSArray* accessibilityChildren;
-@property(weak) id accessibilityParent;  // from memory
-@property NSRect accessibilityFrame;  // from memory
+@property(weak) id accessibilityParent;     // from memory
+@property NSRect accessibilityFrame;        // from memory
 - (id)accessibilityHitTest:(NSPoint)point;  // from memory
 - (BOOL)accessibilityPerformPress;
 - (BOOL)accessibilityPerformIncrement;

@@ -4,5 +4,8 @@
 
 @interface NSColor : NSObject
 @property(class, strong, readonly) NSColor* clearColor;
-+ (NSColor*)colorWithSRGBRed:(CGFloat)red green:(CGFloat)green blue:(CGFloat)blue alpha:(CGFloat)alpha;
++ (NSColor*)colorWithSRGBRed:(CGFloat)red
+                       green:(CGFloat)green
+                        blue:(CGFloat)blue
+                       alpha:(CGFloat)alpha;
 @end

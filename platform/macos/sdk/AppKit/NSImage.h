@@ -12,7 +12,8 @@
 @end
 
 @interface NSImage : NSObject
-+ (instancetype)imageWithSystemSymbolName:(NSString*)symbolName accessibilityDescription:(NSString*)description;
++ (instancetype)imageWithSystemSymbolName:(NSString*)symbolName
+                 accessibilityDescription:(NSString*)description;
 - (NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration;
 @property(readonly) NSSize size;  // from memory
 - (void)drawInRect:(NSRect)dstSpacePortionRect

@@ -6,7 +6,8 @@
 @class NSLayoutYAxisAnchor;
 
 @interface NSLayoutAnchor<AnchorType> : NSObject
-- (NSLayoutConstraint*)constraintEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor __attribute__((warn_unused_result));
+- (NSLayoutConstraint*)constraintEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor
+    __attribute__((warn_unused_result));
 @end
 
 @interface NSLayoutXAxisAnchor : NSLayoutAnchor <NSLayoutXAxisAnchor*>

@@ -8,7 +8,8 @@
 @property(readonly) pid_t processIdentifier;
 @property(readonly, copy) NSDate* launchDate;
 @property(class, readonly, strong) NSRunningApplication* currentApplication;
-+ (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:(NSString*)bundleIdentifier;
++ (NSArray<NSRunningApplication*>*)runningApplicationsWithBundleIdentifier:
+    (NSString*)bundleIdentifier;
 + (instancetype)runningApplicationWithProcessIdentifier:(pid_t)pid;
 - (BOOL)terminate;
 @end

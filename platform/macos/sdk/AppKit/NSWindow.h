@@ -36,7 +36,7 @@ typedef NSInteger NSWindowLevel;
 @property BOOL ignoresMouseEvents;
 @property(strong) NSView* contentView;
 - (void)setFrame:(NSRect)frameRect display:(BOOL)flag;  // from memory
-- (NSPoint)convertPointFromScreen:(NSPoint)point;  // from memory
+- (NSPoint)convertPointFromScreen:(NSPoint)point;       // from memory
 - (void)orderFrontRegardless;
 - (void)orderOut:(id)sender;
 - (void)close;

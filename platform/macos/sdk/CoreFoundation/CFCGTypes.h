@@ -1,6 +1,13 @@
 #pragma once
 
 typedef double CGFloat;
-typedef struct CGPoint { CGFloat x, y; } CGPoint;
-typedef struct CGSize { CGFloat width, height; } CGSize;
-typedef struct CGRect { CGPoint origin; CGSize size; } CGRect;
+typedef struct CGPoint {
+    CGFloat x, y;
+} CGPoint;
+typedef struct CGSize {
+    CGFloat width, height;
+} CGSize;
+typedef struct CGRect {
+    CGPoint origin;
+    CGSize size;
+} CGRect;

@@ -2,7 +2,9 @@
 
 #include <CoreFoundation/CFCGTypes.h>
 
-typedef struct CGAffineTransform { CGFloat a, b, c, d, tx, ty; } CGAffineTransform;
+typedef struct CGAffineTransform {
+    CGFloat a, b, c, d, tx, ty;
+} CGAffineTransform;
 
 extern "C" {
 CGAffineTransform CGAffineTransformMakeScale(CGFloat sx, CGFloat sy);  // from memory

@@ -7,8 +7,9 @@ enum CTLineTruncationType : uint32_t { kCTLineTruncationEnd = 1 };
 
 extern "C" {
 CTLineRef CTLineCreateWithAttributedString(CFAttributedStringRef attrString);
-CTLineRef CTLineCreateTruncatedLine(CTLineRef line, double width, CTLineTruncationType truncationType,
-                                    CTLineRef truncationToken);
-double CTLineGetTypographicBounds(CTLineRef line, CGFloat* ascent, CGFloat* descent, CGFloat* leading);
+CTLineRef CTLineCreateTruncatedLine(CTLineRef line, double width,
+                                    CTLineTruncationType truncationType, CTLineRef truncationToken);
+double CTLineGetTypographicBounds(CTLineRef line, CGFloat* ascent, CGFloat* descent,
+                                  CGFloat* leading);
 void CTLineDraw(CTLineRef line, CGContextRef context);
 }

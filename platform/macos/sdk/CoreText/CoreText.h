@@ -2,5 +2,3 @@
 
 #include "CTLine.h"
 #include "CTStringAttributes.h"
-
-

@@ -7,7 +7,7 @@
 + (instancetype)arrayWithObjects:(const ObjectType[])objects count:(NSUInteger)cnt;
 @end
 
-@interface NSMutableArray<ObjectType> : NSArray<ObjectType>
+@interface NSMutableArray<ObjectType> : NSArray <ObjectType>
 + (instancetype)arrayWithCapacity:(NSUInteger)numItems;  // from memory
-- (void)addObject:(ObjectType)anObject;  // from memory
+- (void)addObject:(ObjectType)anObject;                  // from memory
 @end

@@ -3,11 +3,13 @@
 #include "NSEnumerator.h"
 
 @interface NSDictionary<KeyType, ObjectType> : NSObject <NSFastEnumeration>
-+ (instancetype)dictionaryWithObjects:(const ObjectType[])objects forKeys:(const KeyType[])keys count:(NSUInteger)cnt;
++ (instancetype)dictionaryWithObjects:(const ObjectType[])objects
+                              forKeys:(const KeyType[])keys
+                                count:(NSUInteger)cnt;
 - (ObjectType)objectForKeyedSubscript:(KeyType)key;
 @end
 
-@interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary<KeyType, ObjectType>
-+ (instancetype)dictionaryWithCapacity:(NSUInteger)numItems;  // from memory
+@interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary <KeyType, ObjectType>
++ (instancetype)dictionaryWithCapacity:(NSUInteger)numItems;       // from memory
 - (void)setObject:(ObjectType)obj forKeyedSubscript:(KeyType)key;  // from memory
 @end

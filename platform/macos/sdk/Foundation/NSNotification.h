@@ -15,5 +15,8 @@ typedef NSString* NSNotificationName;
 @interface NSNotificationCenter : NSObject
 @property(class, readonly, strong) NSNotificationCenter* defaultCenter;
 - (void)removeObserver:(id)observer;
-- (id<NSObject>)addObserverForName:(NSNotificationName)name object:(id)obj queue:(NSOperationQueue*)queue usingBlock:(void (^)(NSNotification* notification))block;
+- (id<NSObject>)addObserverForName:(NSNotificationName)name
+                            object:(id)obj
+                             queue:(NSOperationQueue*)queue
+                        usingBlock:(void (^)(NSNotification* notification))block;
 @end

@@ -5,7 +5,9 @@
 @class NSArray;
 @class NSString;
 
-typedef struct { NSInteger majorVersion, minorVersion, patchVersion; } NSOperatingSystemVersion;
+typedef struct {
+    NSInteger majorVersion, minorVersion, patchVersion;
+} NSOperatingSystemVersion;
 typedef uint64_t NSActivityOptions;
 
 @interface NSProcessInfo : NSObject

@@ -10,5 +10,8 @@ typedef NSUInteger NSPropertyListReadOptions;
 enum : NSUInteger { NSPropertyListImmutable = 0 };
 
 @interface NSPropertyListSerialization : NSObject
-+ (id)propertyListWithData:(NSData*)data options:(NSPropertyListReadOptions)opt format:(NSPropertyListFormat*)format error:(NSError**)error;
++ (id)propertyListWithData:(NSData*)data
+                   options:(NSPropertyListReadOptions)opt
+                    format:(NSPropertyListFormat*)format
+                     error:(NSError**)error;
 @end

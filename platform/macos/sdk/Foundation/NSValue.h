@@ -6,9 +6,9 @@
 @end
 
 @interface NSNumber : NSValue
-@property(readonly) double doubleValue;  // from memory
+@property(readonly) double doubleValue;       // from memory
 @property(readonly) long long longLongValue;  // from memory
-@property(readonly) BOOL boolValue;  // from memory
+@property(readonly) BOOL boolValue;           // from memory
 + (NSNumber*)numberWithInt:(int)value;
 + (NSNumber*)numberWithLongLong:(long long)value;
 + (NSNumber*)numberWithUnsignedLongLong:(unsigned long long)value;  // from memory

@@ -13,5 +13,6 @@ extern const CFStringRef kCGImageSourceThumbnailMaxPixelSize;
 CGImageSourceRef CGImageSourceCreateWithData(CFDataRef data, CFDictionaryRef options);
 CFDictionaryRef CGImageSourceCopyPropertiesAtIndex(CGImageSourceRef isrc, size_t index,
                                                    CFDictionaryRef options);  // from memory
-CGImageRef CGImageSourceCreateThumbnailAtIndex(CGImageSourceRef isrc, size_t index, CFDictionaryRef options);
+CGImageRef CGImageSourceCreateThumbnailAtIndex(CGImageSourceRef isrc, size_t index,
+                                               CFDictionaryRef options);
 }

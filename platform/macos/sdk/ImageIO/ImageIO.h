@@ -2,5 +2,3 @@
 
 #include "CGImageProperties.h"
 #include "CGImageSource.h"
-
-

@@ -15,6 +15,7 @@
 @end
 
 @interface CASpringAnimation : CABasicAnimation
-- (instancetype)initWithPerceptualDuration:(CFTimeInterval)perceptualDuration bounce:(CGFloat)bounce;
+- (instancetype)initWithPerceptualDuration:(CFTimeInterval)perceptualDuration
+                                    bounce:(CGFloat)bounce;
 @property(readonly) CFTimeInterval settlingDuration;
 @end

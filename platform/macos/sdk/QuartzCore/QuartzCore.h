@@ -5,5 +5,3 @@
 #include "CAShapeLayer.h"
 #include "CATransaction.h"
 #include "CATransform3D.h"
-
-
