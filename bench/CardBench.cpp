@@ -19,7 +19,9 @@
 namespace quorvane {
 namespace {
 
-constexpr int kRounds = 301;
+constexpr int kRounds = 31;
+constexpr int kFramesARound = 20;  // frames come in rows
+constexpr int kRedrawsARound = 5;
 constexpr int kSlowRounds = 15;
 constexpr double kScale = 2;
 constexpr double kFramesPerSecond = 60;
@@ -111,9 +113,10 @@ void drawing(Bench& bench) {
     const StageLook look{.scene = scene, .transform = Transform::identity()};
     bench.painter.draw(bench.target.get(), look);
     for (int round = 0; round < kRounds; ++round) {
-        marquee.add(marqueeFrame(bench, round));
-        kept.add(microsecondsOf([&] { bench.painter.draw(bench.target.get(), look); }));
-        if (round % 10 != 0) continue;
+        for (int frame = 0; frame < kFramesARound; ++frame)
+            marquee.add(marqueeFrame(bench, round * kFramesARound + frame));
+        for (int i = 0; i < kRedrawsARound; ++i)
+            kept.add(microsecondsOf([&] { bench.painter.draw(bench.target.get(), look); }));
         CardPainter fresh = bench.makePainter();
         anew.add(microsecondsOf([&] { fresh.draw(bench.target.get(), look); }));
     }
@@ -169,15 +172,12 @@ void gaussian(Plane& plane, double deviation) {
 void blurring(const Bench& bench) {
     const PixelRect card = pixelsTouchedBy(scaledBy(
         {kStyle.shadowMargin, kStyle.shadowMargin, kStyle.card.width, kStyle.card.height}, kScale));
-    constexpr int kStep = 8;  // as the glass is made
     constexpr double kDeviation = 22 * kScale;
     Times glass;
     Times rival;
     for (int round = 0; round < kSlowRounds; ++round) {
         for (int i = 0; i < 5; ++i)
             glass.add(microsecondsOf([&] { makeGlass(bench.backdrop, card, kScale); }));
-        // As many values as the glass has.
-        Plane plane{bench.backdrop.width / kStep, bench.backdrop.height / kStep, 0.5F};
         Plane whole{bench.backdrop.width, bench.backdrop.height, 0.5F};
         if (round < 3) rival.add(microsecondsOf([&] { gaussian(whole, kDeviation); }) * 3);
     }

@@ -24,7 +24,9 @@ FrameWatch::FrameWatch(const std::string& display)
                                              xcb_damage_query_version(connection_, 1, 1), nullptr));
     xcb_damage_create(connection_, xcb_generate_id(connection_), rootOf(connection_),
                       XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
-    xcb_flush(connection_);
+    // The watch begins with a report of the whole screen, which is behind the server's next answer.
+    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    while (xcb_generic_event_t* const event = xcb_poll_for_event(connection_)) std::free(event);
 }
 
 std::vector<Frame> FrameWatch::watch(std::chrono::steady_clock::time_point until) {

@@ -224,9 +224,7 @@ void pausing() {
     LoggedProcess locker = session.lock();
     BenchSession::require(addOn, "entrance: window");
     rest(seconds{6});
-    const auto seen = FrameWatch{session.display()}.watch(now() + seconds{10});
-    for (auto& f : seen) std::fprintf(stderr, "paused frame %d %d\n", f.width, f.height);
-    const auto frames = seen.size();
+    const auto frames = FrameWatch{session.display()}.watch(now() + seconds{10}).size();
     report({.what = "card up, still text, paused: frames drawn",
             .figure = std::to_string(frames) + " in 10 s",
             .goal = "0",
