@@ -1,5 +1,7 @@
 #include "platform/linux/CardModule.hpp"
 
+#include <malloc.h>
+
 #include "platform/linux/CardStageX11.hpp"
 #include "platform/linux/CardWindowX11.hpp"
 #include "platform/linux/TextLayouts.hpp"
@@ -26,10 +28,18 @@ std::shared_ptr<CardResources> makeResources(const CardModuleServices& services)
     return resources;
 }
 
+// Pictures of a window are megabytes each and live as long as a card or a movement. By itself the C
+// library would soon take them from its heap, where the hole that each leaves stays in memory.
+void giveLargeBlocksBack() {
+    constexpr int kLarge = 256 * 1024;
+    mallopt(M_MMAP_THRESHOLD, kLarge);
+}
+
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeCardWindows(
     const CardModuleServices& services) {
+    giveLargeBlocksBack();
     const auto resources = makeResources(services);
     CardWindows windows;
     windows.makeWindow = [resources](const WindowSettings& settings,
