@@ -142,7 +142,7 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
     int status = kHostFailed;
     const auto done = [&](const AddOnCommands::Outcome& outcome) {
         if (outcome) print(*outcome);
-        if (line.command == Command::install &&
+        if (outcome && line.command == Command::install &&
             !services.connectPort(std::string{kMessagePortBaseName}))
             say("no host is running; the card needs one: quorvane-host run");
         status = outcome ? kHostDone : fail(outcome.error());
