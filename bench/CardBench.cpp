@@ -136,12 +136,13 @@ void drawing(Bench& bench) {
             .figure = timeText(kept.median()),
             .goal = "≤ 0.6 ms",
             .isMet = kept.median() <= 600,
-            .reason = "every pixel of the stage is written twice, for backdrop and glass"});
-    report({.what = "the whole card and its shadow, drawn anew",
-            .figure = timeText(anew.median()),
-            .goal = "≤ 1.6 ms",
-            .isMet = anew.median() <= 1600,
-            .reason = "nearly all of it is laying out four lines of text"});
+            .reason = "with its shadow it has 1.8 times the pixels of the card alone"});
+    report(
+        {.what = "the whole card and its shadow, drawn anew",
+         .figure = timeText(anew.median()),
+         .goal = "≤ 1.6 ms",
+         .isMet = anew.median() <= 1600,
+         .reason = "besides the redraw four lines of text are laid out and their letters loaded"});
 }
 
 // The blur as a textbook has it: every pixel is weighed with all its neighbours, first along rows,
@@ -187,7 +188,8 @@ void blurring(const Bench& bench) {
             .figure = timeText(glass.median()) + " to " + timeText(rival.median()),
             .goal = "≤ 2 ms",
             .isMet = glass.median() <= 2000,
-            .reason = "the light of every pixel of the backdrop is added up"});
+            .reason = "besides the blur the light of every pixel is added up, and each place tried "
+                      "for how much light the text on it bears"});
 }
 
 int runBench() {
