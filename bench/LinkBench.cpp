@@ -79,8 +79,9 @@ void tell(const std::string& what, const std::array<Contestant, 5>& all, LinkSha
             .figure = timeText(port.times.median()) + " to " + timeText(bare.times.median()),
             .goal = "≤ 1.25 ×",
             .isMet = overBare <= 1.25,
-            .reason = "a call checks readiness and time limits with system calls of their own, "
-                      "and its reply comes in a fresh buffer whose pages are touched first then"});
+            .reason =
+                "the payload is copied behind its secret once, both sides take fresh memory for "
+                "what they receive, and time limits have system calls of their own"});
     const auto faster = [&](const Contestant& rival, const char* name, double least) {
         if (!rival.rival) return;
         const double times = rival.times.over(port.times);
