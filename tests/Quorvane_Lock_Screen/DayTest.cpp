@@ -1,0 +1,61 @@
+// A day of locks in a moment: nothing is left over and no timer drifts.
+//
+// A thousand locks each time; QUORVANE_DAY_LOCKS makes it more.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "Quorvane_Lock_Screen/AddOnCoordinator.hpp"
+#include "tests/support/FakePlatform.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Shorter than what a request waits for its answer.
+constexpr Duration kStep = 500ms;
+
+void pass(FakePlatform& platform, Duration duration) {
+    for (; duration > Duration{}; duration -= kStep) {
+        platform.clock.advance(std::min(duration, kStep));
+        platform.settle();
+    }
+}
+
+TEST(Day, OfLocksLeavesNothingAndLosesNoTime) {
+    const char* const wished = std::getenv("QUORVANE_DAY_LOCKS");
+    const int locks = wished ? std::atoi(wished) : 1000;
+    constexpr Duration kDay = 24h;
+    FakePlatform platform;
+    const auto coordinator = AddOnCoordinator::make(platform.live);
+    coordinator->start();
+    platform.settle();
+    const std::size_t timers = platform.clock.pendingTimers();
+    const std::size_t observers = platform.notices.observerCount();
+
+    pass(platform, 1ms);  // no lock at the very moment of a hello
+    for (int lock = 0; lock < locks; ++lock) {
+        platform.lock();
+        pass(platform, 800ms);
+        ASSERT_EQ(platform.windows.open().size(), 1u) << "lock " << lock;
+        platform.unlock();
+        ASSERT_TRUE(platform.windows.open().empty()) << "lock " << lock;
+        ASSERT_EQ(platform.activities, 0);
+        ASSERT_EQ(platform.clock.pendingTimers(), timers) << "lock " << lock;
+        pass(platform, kDay / locks - 800ms);
+        // What the fakes remember.
+        platform.windows.windows.clear();
+        platform.windows.stages.clear();
+        platform.ports.sent.clear();
+        platform.log.take();
+    }
+    EXPECT_EQ(platform.notices.observerCount(), observers);
+    // One at the start, one a lock, and one a minute after each answer, which a step may hold up.
+    const auto others = platform.mainApp.hellos.size() - 1 - static_cast<std::size_t>(locks);
+    EXPECT_LE(others, kDay / 1min);
+    EXPECT_GE(others, kDay / (1min + kStep));
+}
+
+}  // namespace
+}  // namespace quorvane
