@@ -24,7 +24,7 @@ TEST(EndToEndLock, TheCardComesFollowsTheMusicObeysAClickAndGoesWithTheLock) {
     ASSERT_TRUE(addOn.says("windows true, card true"));
     const CardOnScreen card = LockSession::nextCard(addOn);
     ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
-    EXPECT_TRUE(LockSession::eventually([&] { return probe.isViewable(card.window); }));
+    EXPECT_TRUE(LockSession::eventually([&] { return probe.isViewable(card.window); })) << addOn.log();
     EXPECT_EQ(probe.frame(card.window), card.frame);
 
     // The lock screen is of one colour; artwork, glass and shadow are not.
