@@ -5,8 +5,8 @@
 #include <cmath>
 #include <numeric>
 
-#include "AddOnKit/PlayerLayout.hpp"
 #include "AddOnKit/PlayerView.hpp"
+#include "Quorvane_Lock_Screen/GlassCardView.hpp"
 #include "bench/Measuring.hpp"
 #include "bench/Report.hpp"
 #include "bench/SampleStates.hpp"
@@ -25,13 +25,7 @@ constexpr int kRedrawsARound = 5;
 constexpr int kSlowRounds = 15;
 constexpr double kScale = 2;
 constexpr double kFramesPerSecond = 60;
-constexpr CardStyle kStyle{.card = PlayerLayout::kCardSize,
-                           .shadowMargin = 52,
-                           .cornerRadius = PlayerLayout::kCardCornerRadius,
-                           .glassStyle = 1,
-                           .shadowOpacity = 0.25,
-                           .shadowRadius = 22,
-                           .shadowOffset = 8};
+const CardStyle kStyle = GlassCardView::style();
 
 // Soft colours with hard edges among them, as wallpapers have.
 Pixels makeBackdrop() {

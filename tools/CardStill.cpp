@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "AddOnKit/PlayerLayout.hpp"
 #include "AddOnKit/PlayerView.hpp"
+#include "Quorvane_Lock_Screen/GlassCardView.hpp"
 #include "platform/linux/CardChrome.hpp"
 #include "platform/linux/EncodedImage.hpp"
 #include "platform/linux/Translations.hpp"
@@ -14,13 +14,7 @@
 namespace quorvane {
 namespace {
 
-constexpr CardStyle kStyle{.card = PlayerLayout::kCardSize,
-                           .shadowMargin = 52,
-                           .cornerRadius = PlayerLayout::kCardCornerRadius,
-                           .glassStyle = 1,
-                           .shadowOpacity = 0.25,
-                           .shadowRadius = 22,
-                           .shadowOffset = 8};
+const CardStyle kStyle = GlassCardView::style();
 
 ImageRef decodeImage(ByteView encoded) {
     if (!decodePicture(encoded, {1, 1})) return nullptr;
