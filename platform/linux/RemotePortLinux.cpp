@@ -177,9 +177,7 @@ RemotePortLinux::Received RemotePortLinux::receive(std::span<std::byte> place, i
 
 void RemotePortLinux::limitReceiving(Duration limit) {
     if (receiveLimit_ && std::chrono::abs(*receiveLimit_ - limit) < kLimitTolerance) return;
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(limit);
-    const auto rest = std::chrono::ceil<std::chrono::microseconds>(limit - seconds);
-    const timeval value{.tv_sec = seconds.count(), .tv_usec = rest.count()};
+    const timeval value = timevalUpTo(limit);
     if (setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &value, sizeof value) == 0)
         receiveLimit_ = limit;
 }

@@ -1,6 +1,9 @@
 // The sending end of a port: one connection to the process that serves the name.
 #pragma once
 
+#include <sys/time.h>
+
+#include <chrono>
 #include <memory>
 
 #include "platform/MessagePort.hpp"
@@ -9,6 +12,14 @@
 #include "platform/linux/PortFolder.hpp"
 
 namespace quorvane {
+
+// As a socket's time limit, rounded up as a whole: a million microseconds beside the seconds would
+// be refused, and the wait would have no end.
+constexpr timeval timevalUpTo(Duration limit) {
+    const auto rounded = std::chrono::ceil<std::chrono::microseconds>(limit);
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(rounded);
+    return {.tv_sec = seconds.count(), .tv_usec = (rounded - seconds).count()};
+}
 
 // A waiting send blocks its thread and runs nothing meanwhile. A connection that died stays dead.
 class RemotePortLinux final : public RemotePort {

@@ -125,6 +125,13 @@ TEST_F(RemotePortTest, AReplyThatTricklesInIsTooLateAllTheSame) {
     EXPECT_LT(time, 5s);  // the whole reply takes fifty seconds
 }
 
+// The kernel refuses what is not below, and goes on without a limit.
+TEST(RemotePortLimit, AMomentLessThanASecondHasFewerThanAMillionMicroseconds) {
+    const timeval limit = timevalUpTo(1s - 1ns);
+    EXPECT_EQ(limit.tv_sec, 1);
+    EXPECT_EQ(limit.tv_usec, 0);
+}
+
 TEST_F(RemotePortTest, WithNoTimeAtAllOnlyWhatIsThereCounts) {
     client.sendAll(replyFrame(1, bytesOf("ready")));
     EXPECT_EQ(textIn(remote->send({.body = {}, .awaitsReply = true})), "ready");
