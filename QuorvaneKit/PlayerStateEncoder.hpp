@@ -5,20 +5,20 @@
 
 #include "QuorvaneKit/CodingError.hpp"
 #include "QuorvaneKit/QuorvanePlayerState.hpp"
-#include "platform/Bytes.hpp"
+#include "platform/MessagePort.hpp"
 
 namespace quorvane {
 
-// Encodes exactly as XPCCodableHelpers does. The base64 text of the last state's artwork is kept
-// and copied when the same artwork comes again. One thread at a time.
+// Encodes exactly as XPCCodableHelpers does, in one or more parts. The base64 text of the last
+// state's artwork is kept, and is part of every reply with the same artwork. One thread at a time.
 class PlayerStateEncoder {
 public:
-    CodingResult<Bytes> encode(const QuorvanePlayerState& state);
+    CodingResult<PortAnswer> encode(const QuorvanePlayerState& state);
 
 private:
     struct Artwork {
         SharedBytes bytes;
-        Bytes text;
+        std::shared_ptr<const Bytes> text;
     };
     std::optional<Artwork> last_;
 };

@@ -161,8 +161,8 @@ std::optional<std::string_view> writeFields(JSONWriter& writer, const Record& re
 }
 
 template <typename Record>
-CodingResult<Bytes> writeRecord(const Record& record, Bytes text = {},
-                                const WriteBytes& writeBytes = writeBase64) {
+CodingResult<Bytes> writeRecord(const Record& record, const WriteBytes& writeBytes = writeBase64) {
+    Bytes text;
     JSONWriter writer{text};
     if (const auto failed = writeFields(writer, record, writeBytes))
         return std::unexpected{CodingError{CodingError::Kind::invalidValue, *failed}};

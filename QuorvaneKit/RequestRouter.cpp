@@ -33,7 +33,7 @@ RequestRouter::RequestRouter(PortEndpoint endpoint, const MessagePortHandlers& h
       log_(std::move(log)),
       makeWaitFlag_(std::move(makeWaitFlag)) {}
 
-Bytes RequestRouter::answer(std::int32_t messageID, ByteView body) {
+PortAnswer RequestRouter::answer(std::int32_t messageID, ByteView body) {
     const ByteView secret = expectedSecret_ ? ByteView{*expectedSecret_} : ByteView{};
     const auto payload = MessagePortWire::unwrap(body, secret);
     if (!payload) {
@@ -53,7 +53,7 @@ Bytes RequestRouter::answer(std::int32_t messageID, ByteView body) {
     return dispatch(*type, *payload);
 }
 
-Bytes RequestRouter::dispatch(MessageType type, ByteView payload) {
+PortAnswer RequestRouter::dispatch(MessageType type, ByteView payload) {
     const MessagePortHandlers& to = handlers_;
     const auto byte =
         payload.empty() ? std::nullopt : std::optional{std::to_integer<std::int64_t>(payload[0])};
@@ -91,11 +91,11 @@ Bytes RequestRouter::dispatch(MessageType type, ByteView payload) {
     std::unreachable();
 }
 
-Bytes RequestRouter::state() {
+PortAnswer RequestRouter::state() {
     if (!handlers_.onStateRequested) return {};
     const auto state = handlers_.onStateRequested();
     if (!state) return {};
-    return stateEncoder_.encode(*state).value_or(Bytes{});
+    return stateEncoder_.encode(*state).value_or(PortAnswer{});
 }
 
 Bytes RequestRouter::history(ByteView payload) {

@@ -12,6 +12,7 @@
 #include "QuorvaneKit/PlayerStateEncoder.hpp"
 #include "QuorvaneKit/WaitFlag.hpp"
 #include "platform/Log.hpp"
+#include "platform/MessagePort.hpp"
 
 namespace quorvane {
 
@@ -34,7 +35,7 @@ public:
                   MakeWaitFlag makeWaitFlag);
 
     // The reply; empty when the request is dropped or has none. Waits for a query's handler.
-    Bytes answer(std::int32_t messageID, ByteView body);
+    PortAnswer answer(std::int32_t messageID, ByteView body);
 
     // Ends the wait for a handler, now and from now on; the reply is then empty. Any thread.
     void cancel();
@@ -42,8 +43,8 @@ public:
 private:
     struct PendingAnswer;
 
-    Bytes dispatch(MessageType type, ByteView payload);
-    Bytes state();
+    PortAnswer dispatch(MessageType type, ByteView payload);
+    PortAnswer state();
     struct Query {
         std::string_view name;
         const MessagePortHandlers::QueryHandler& handler;

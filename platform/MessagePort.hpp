@@ -1,6 +1,7 @@
 // Named local message ports: one request, at most one reply.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -49,8 +50,26 @@ public:
 // Nothing when no process serves the name. Any thread.
 using ConnectPort = std::function<std::unique_ptr<RemotePort>(const std::string& name)>;
 
-// Answers one request on the thread that runs the port; empty bytes are an empty reply.
-using PortHandler = std::function<Bytes(std::int32_t messageID, ByteView body)>;
+// The body of a reply. What is long, and the same from one reply to the next, need not be copied
+// into each: it is shared, and put in between.
+struct PortAnswer {
+    PortAnswer() = default;
+    PortAnswer(Bytes whole) : bytes(std::move(whole)) {}
+
+    // The body in order; parts may be empty.
+    std::array<ByteView, 3> parts() const {
+        const ByteView own{bytes};
+        return {own.first(place), shared ? ByteView{*shared} : ByteView{}, own.subspan(place)};
+    }
+    std::size_t size() const { return bytes.size() + (shared ? shared->size() : 0); }
+
+    Bytes bytes;
+    std::shared_ptr<const Bytes> shared;
+    std::size_t place = 0;  // of `shared` within `bytes`
+};
+
+// Answers one request on the thread that runs the port; an empty answer is an empty reply.
+using PortHandler = std::function<PortAnswer(std::int32_t messageID, ByteView body)>;
 
 // The serving end of one port. `run` serves requests on the calling thread until `stop`, which any
 // thread may call, also before `run`. The name is free again when the object is destroyed or its

@@ -129,13 +129,13 @@ void PortConnection::dropBody() {
 }
 
 bool PortConnection::answer(const PortHandler& handler, std::span<std::byte> body) {
-    Bytes reply = handler(request_->messageID, body);
+    PortAnswer reply = handler(request_->messageID, body);
     wipeStart(body);
     if (!request_->awaitsReply) return true;
     ReplyHeader header{.sequence = request_->sequence};
     if (reply.size() > kLargestBody) {
         header.status = kPortTransportError;
-        reply = Bytes{};
+        reply = {};
     }
     header.length = static_cast<std::uint32_t>(reply.size());
     return write({.header = encode(header), .body = std::move(reply)});
@@ -152,10 +152,11 @@ bool PortConnection::write(Output output) {
 }
 
 bool PortConnection::writeRest() {
+    const auto [before, shared, after] = output_->body.parts();
+    const FrameParts parts{output_->header, before, shared, after};
     const std::size_t total = kFrameHeaderBytes + output_->body.size();
     while (output_->sent < total) {
-        const ssize_t count =
-            sendFrameRest(socket_.get(), output_->header, output_->body, output_->sent);
+        const ssize_t count = sendFrameRest(socket_.get(), parts, output_->sent);
         if (count < 0) return errno == EAGAIN;
         output_->sent += static_cast<std::size_t>(count);
     }

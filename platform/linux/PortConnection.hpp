@@ -80,7 +80,7 @@ public:
 private:
     struct Output {
         FrameHeader header;
-        Bytes body;
+        PortAnswer body;
         std::size_t sent = 0;
         bool isCounted = false;  // in the memory that waiting replies share
     };

@@ -55,7 +55,7 @@ std::int32_t RemotePortLinux::sendFrame(const PortRequest& request) {
     // The clock is asked only when the kernel does not take it all at once.
     std::optional<Instant> deadline;
     while (sent < header.size() + request.body.size()) {
-        const ssize_t count = sendFrameRest(socket_.get(), header, request.body, sent);
+        const ssize_t count = sendFrameRest(socket_.get(), {header, request.body}, sent);
         if (count >= 0) {
             sent += static_cast<std::size_t>(count);
         } else if (errno != EAGAIN) {

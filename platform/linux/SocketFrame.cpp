@@ -82,15 +82,17 @@ std::optional<ReplyHeader> decodeReplyHeader(std::span<const std::byte, kFrameHe
     return header;
 }
 
-ssize_t sendFrameRest(int socket, const FrameHeader& header, ByteView body, std::size_t sent) {
-    const auto headerRest = std::span{header}.subspan(std::min(sent, header.size()));
-    const auto bodyRest = body.subspan(sent - (header.size() - headerRest.size()));
-    // The call only reads what the parts point to.
-    iovec parts[] = {{const_cast<std::byte*>(headerRest.data()), headerRest.size()},
-                     {const_cast<std::byte*>(bodyRest.data()), bodyRest.size()}};
+ssize_t sendFrameRest(int socket, const FrameParts& parts, std::size_t sent) {
+    std::array<iovec, std::tuple_size_v<FrameParts>> rest{};
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const ByteView unsent = parts[i].subspan(std::min(sent, parts[i].size()));
+        sent -= parts[i].size() - unsent.size();
+        // The call only reads what is pointed to.
+        rest[i] = {const_cast<std::byte*>(unsent.data()), unsent.size()};
+    }
     msghdr message{};
-    message.msg_iov = parts;
-    message.msg_iovlen = std::size(parts);
+    message.msg_iov = rest.data();
+    message.msg_iovlen = rest.size();
     while (true) {
         const ssize_t count = sendmsg(socket, &message, MSG_DONTWAIT | MSG_NOSIGNAL);
         if (count >= 0 || errno != EINTR) return count;

@@ -41,8 +41,11 @@ std::optional<RequestHeader> decodeRequestHeader(
     std::span<const std::byte, kFrameHeaderBytes> bytes);
 std::optional<ReplyHeader> decodeReplyHeader(std::span<const std::byte, kFrameHeaderBytes> bytes);
 
-// Writes as much of header and body as the kernel takes at once, beginning after the first `sent`
-// bytes of both. The number of bytes, or -1 with errno.
-ssize_t sendFrameRest(int socket, const FrameHeader& header, ByteView body, std::size_t sent);
+// A message's bytes in order; parts may be empty.
+using FrameParts = std::array<ByteView, 4>;
+
+// Writes as much of the parts as the kernel takes at once, beginning after the first `sent` bytes
+// of them all. The number of bytes, or -1 with errno.
+ssize_t sendFrameRest(int socket, const FrameParts& parts, std::size_t sent);
 
 }  // namespace quorvane

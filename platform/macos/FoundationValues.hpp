@@ -22,6 +22,8 @@ NSURL* urlFrom(const std::filesystem::path& path);
 std::filesystem::path pathFrom(NSURL* url);
 
 NSData* dataFrom(ByteView bytes);
+// One behind the other.
+NSData* dataFromParts(std::span<const ByteView> parts);
 Bytes bytesFrom(NSData* data);
 
 // Dates beyond what the seam can hold become its first or last.

@@ -76,6 +76,14 @@ std::filesystem::path pathFrom(NSURL* url) { return textFrom(url.path); }
 
 NSData* dataFrom(ByteView bytes) { return [NSData dataWithBytes:bytes.data() length:bytes.size()]; }
 
+NSData* dataFromParts(std::span<const ByteView> parts) {
+    NSUInteger length = 0;
+    for (const ByteView part : parts) length += part.size();
+    NSMutableData* const data = [NSMutableData dataWithCapacity:length];
+    for (const ByteView part : parts) [data appendBytes:part.data() length:part.size()];
+    return data;
+}
+
 Bytes bytesFrom(NSData* data) {
     return copyOf({static_cast<const std::byte*>(data.bytes), data.length});
 }

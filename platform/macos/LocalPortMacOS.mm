@@ -18,10 +18,10 @@ CFDataRef received(CFMessagePortRef, SInt32 messageID, CFDataRef data, void* inf
     @autoreleasepool {
         const auto& handler = *static_cast<const PortHandler*>(info);
         NSData* body = (__bridge NSData*)data;
-        const Bytes reply =
+        const PortAnswer reply =
             handler(messageID, {static_cast<const std::byte*>(body.bytes), body.length});
-        if (reply.empty()) return nullptr;
-        return (__bridge_retained CFDataRef)dataFrom(reply);
+        if (reply.size() == 0) return nullptr;
+        return (__bridge_retained CFDataRef)dataFromParts(reply.parts());
     }
 }
 

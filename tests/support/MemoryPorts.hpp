@@ -16,6 +16,13 @@
 
 namespace quorvane {
 
+// One behind the other.
+inline Bytes joined(std::span<const ByteView> parts) {
+    Bytes bytes;
+    for (const ByteView part : parts) append(bytes, part);
+    return bytes;
+}
+
 // Outlives its ports. Any thread, but for the fields.
 class MemoryPorts {
 public:
@@ -67,7 +74,7 @@ private:
         std::int32_t messageID;
         Bytes body;
         bool isAnswered = false;
-        Bytes reply;
+        PortAnswer reply;
     };
     struct Port {
         Port(std::string itsName, PortHandler itsHandler, bool inside)
@@ -131,7 +138,7 @@ private:
 
         static PortReply sendAcross(Port& port, const PortRequest& request) {
             const auto call =
-                std::make_shared<Call>(request.messageID, copyOf(request.body), false, Bytes{});
+                std::make_shared<Call>(request.messageID, copyOf(request.body), false, PortAnswer{});
             std::unique_lock lock{port.mutex};
             if (port.isDead) return {.status = kPortIsInvalid};
             port.waiting.push_back(call);
@@ -150,10 +157,11 @@ private:
                                   [&] { return port.isDead || call->isAnswered; });
             if (!call->isAnswered)
                 return {.status = port.isDead ? kPortBecameInvalid : kPortReceiveTimeout};
-            return reply(request, std::move(call->reply));
+            return reply(request, call->reply);
         }
 
-        static PortReply reply(const PortRequest& request, Bytes body) {
+        static PortReply reply(const PortRequest& request, const PortAnswer& answer) {
+            Bytes body = joined(answer.parts());
             if (body.size() > kLargestBody) return {.status = kPortTransportError};
             if (!request.awaitsReply || body.empty()) return {};
             return {.status = kPortSuccess, .body = std::move(body)};
@@ -180,7 +188,7 @@ private:
                 port_->waiting.pop_front();
                 port_->changed.notify_all();
                 lock.unlock();
-                Bytes reply = port_->handler(call->messageID, call->body);
+                PortAnswer reply = port_->handler(call->messageID, call->body);
                 lock.lock();
                 call->reply = std::move(reply);
                 call->isAnswered = true;

@@ -126,6 +126,15 @@ enum class Kind { boolean, whole, positive, real };
 }
 @end
 
+@implementation NSMutableData
++ (instancetype)dataWithCapacity:(NSUInteger)aNumItems {
+    return [self new];
+}
+- (void)appendBytes:(const void*)bytes length:(NSUInteger)length {
+    bytes_.append(static_cast<const char*>(bytes), length);
+}
+@end
+
 @interface NSDate ()
 @property(readwrite) NSTimeInterval timeIntervalSince1970;
 @end

@@ -20,3 +20,8 @@ enum : NSDataWritingOptions { NSDataWritingAtomic = 1 };
            options:(NSDataWritingOptions)writeOptionsMask
              error:(NSError**)errorPtr;
 @end
+
+@interface NSMutableData : NSData
++ (instancetype)dataWithCapacity:(NSUInteger)aNumItems;             // from memory
+- (void)appendBytes:(const void*)bytes length:(NSUInteger)length;  // from memory
+@end
