@@ -6,7 +6,7 @@
 
 #include "QuorvaneKit/Base64.hpp"
 #include "QuorvaneKit/PlayerStateDecoder.hpp"
-#include "QuorvaneKit/PlayerStateEncoder.hpp"
+#include "QuorvaneKit/XPCCodableHelpers.hpp"
 #include "bench/JSONRivals.hpp"
 #include "bench/Measuring.hpp"
 #include "bench/Report.hpp"
@@ -24,7 +24,7 @@ struct Sample {
 };
 
 Sample makeSample(std::size_t size, std::uint32_t seed) {
-    Sample sample{*PlayerStateEncoder{}.encode(sampleState(sampleArtwork(size, seed))), {}, size};
+    Sample sample{*XPCCodableHelpers::encode(sampleState(sampleArtwork(size, seed))), {}, size};
     constexpr std::string_view kKey = "\"artworkData\":\"";
     const std::string_view text = textOf(sample.reply);
     sample.base64 = text.substr(text.find(kKey) + kKey.size(), base64Length(size));
@@ -41,7 +41,7 @@ double decoding(PlayerStateDecoder& decoder, const Sample& sample) {
     Bytes reply = copyOf(sample.reply);  // as the port hands it over
     std::size_t size = 0;
     const double time = microsecondsOf([&] {
-        const auto state = decoder.decode(std::move(reply));
+        const auto state = decoder.decode(reply);
         size = state ? state->track->artworkData->size() : 0;
     });
     require(size == sample.artworkSize, "the decoded artwork");
@@ -73,7 +73,7 @@ public:
                 .goal = size == "1 MB" ? "≤ 0.7 ms" : "",
                 .isMet = size == "1 MB" ? std::optional{changed.median() <= 700} : std::nullopt,
                 .reason = "a table decodes a group of four letters in about a nanosecond"});
-        for (const auto& rival : {nlohmannRival(), simdjsonRival()})
+        for (const auto& rival : {nlohmannRival(), qtJSONRival(), simdjsonRival()})
             if (rival)
                 report({.what = "",
                         .ratio = times_.at(rival->name).over(changed),
@@ -103,7 +103,7 @@ private:
         times_["base64"].add(microsecondsOf([&] { artwork_ = decodeBase64(sample.base64); }));
         require(artwork_ && artwork_->size() == sample.artworkSize, "base64 alone");
         times_["unchanged"].add(decoding(unchanging_, one_));
-        for (const auto& rival : {nlohmannRival(), simdjsonRival()}) {
+        for (const auto& rival : {nlohmannRival(), qtJSONRival(), simdjsonRival()}) {
             if (!rival) continue;
             std::size_t size = 0;
             times_[rival->name].add(
