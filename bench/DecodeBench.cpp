@@ -73,7 +73,7 @@ public:
                 .goal = size == "1 MB" ? "≤ 0.7 ms" : "",
                 .isMet = size == "1 MB" ? std::optional{changed.median() <= 700} : std::nullopt,
                 .reason = "a table decodes a group of four letters in about a nanosecond"});
-        for (const auto& rival : {nlohmannRival(), simdjsonRival()})
+        for (const auto& rival : {nlohmannRival(), qtJSONRival(), simdjsonRival()})
             if (rival)
                 report({.what = "",
                         .ratio = times_.at(rival->name).over(changed),
@@ -103,7 +103,7 @@ private:
         times_["base64"].add(microsecondsOf([&] { artwork_ = decodeBase64(sample.base64); }));
         require(artwork_ && artwork_->size() == sample.artworkSize, "base64 alone");
         times_["unchanged"].add(decoding(unchanging_, one_));
-        for (const auto& rival : {nlohmannRival(), simdjsonRival()}) {
+        for (const auto& rival : {nlohmannRival(), qtJSONRival(), simdjsonRival()}) {
             if (!rival) continue;
             std::size_t size = 0;
             times_[rival->name].add(

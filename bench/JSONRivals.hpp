@@ -19,6 +19,7 @@ struct JSONRival {
 
 // Nothing where the package was not there when this was built.
 std::optional<JSONRival> nlohmannRival();
+std::optional<JSONRival> qtJSONRival();
 std::optional<JSONRival> simdjsonRival();
 
 }  // namespace quorvane
