@@ -19,6 +19,7 @@ void MessagePortClient::stop() { state_->stop(); }
 void MessagePortClient::connect() { state_->connect(); }
 void MessagePortClient::disconnect() { state_->disconnect(); }
 void MessagePortClient::requestStateUpdate() { state_->requestStateUpdate(); }
+void MessagePortClient::setPolling(bool isPolling) { state_->setPolling(isPolling); }
 
 void MessagePortClient::perform(QuorvaneAction action) {
     state_->sendCommand(MessageType::performAction, std::to_underlying(action));

@@ -74,6 +74,8 @@ public:
     // Blocks for at most the send and receive timeouts, one second each. Asked for from inside a
     // request's own wait, one more request follows on a later turn of the main loop.
     void requestStateUpdate();
+    // While states are asked for again and again, the memory of a reply is kept for the next.
+    void setPolling(bool isPolling);
 
     void perform(QuorvaneAction action);
     void playPause() { perform(QuorvaneAction::playPause); }

@@ -143,6 +143,11 @@ void MessagePortClient::State::requestStateUpdate() {
         });
 }
 
+void MessagePortClient::State::setPolling(bool isNow) {
+    isPolling = isNow;
+    if (!isPolling) replyMemory = Bytes{};  // not {}, which keeps the memory
+}
+
 void MessagePortClient::State::requestOnce() {
     auto framed = frame({});
     if (!framed) return;
@@ -152,7 +157,8 @@ void MessagePortClient::State::requestOnce() {
                                         .body = *framed,
                                         .sendTimeout = kSendTimeout,
                                         .receiveTimeout = kStateReceiveTimeout,
-                                        .awaitsReply = true});
+                                        .awaitsReply = true,
+                                        .replyMemory = std::exchange(replyMemory, {})});
     MessagePortWire::wipeSecret(*framed);
     if (!alive.expired() && connection == mine) receive(std::move(reply));
 }
@@ -164,7 +170,8 @@ void MessagePortClient::State::receive(PortReply reply) {
         return;
     }
     if (!reply.body) return;
-    auto decoded = stateDecoder.decode(*std::move(reply.body));
+    auto decoded = stateDecoder.decode(*reply.body);
+    if (isPolling) replyMemory = *std::move(reply.body);
     if (!decoded) return;
     const auto previous = std::exchange(playerState, *std::move(decoded));
     log.info("State received - track: %s -> %s, position: %fs", titleOf(previous),

@@ -23,6 +23,7 @@ struct MessagePortClient::State : std::enable_shared_from_this<MessagePortClient
     void connect();
     void disconnect();
     void requestStateUpdate();
+    void setPolling(bool isPolling);
     void sendCommand(MessageType type, std::int64_t value);
     void sendQuery(MessageType type, Bytes payload, Duration timeout,
                    std::function<void(QueryOutcome)> completion);
@@ -53,6 +54,8 @@ struct MessagePortClient::State : std::enable_shared_from_this<MessagePortClient
     bool isStopped = false;        // since the last start
     bool isRequesting = false;
     bool requestsAgain = false;  // asked for while a request was under way
+    bool isPolling = false;
+    Bytes replyMemory;  // while polling; fresh from the system it costs more than what is read in
 
     std::vector<QuerySlot> querySlots;
     std::array<int, kQueryPortCount> querySlotLoad{};

@@ -49,9 +49,9 @@ struct PlayerStateDecoder::Lifted {
     bool isLast;
 };
 
-CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes reply) {
+CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes& reply) {
     const auto lifted = liftArtwork(textOf(reply));
-    auto state = lifted ? decodeAround(*lifted, std::move(reply))
+    auto state = lifted ? decodeAround(*lifted, reply)
                         : XPCCodableHelpers::decode<QuorvanePlayerState>(std::move(reply));
     if (state && !(state->track && state->track->artworkData)) last_.reset();
     return state;
@@ -75,7 +75,7 @@ std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
 }
 
 CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeAround(const Lifted& lifted,
-                                                                   Bytes reply) {
+                                                                   Bytes& reply) {
     JSONText rest{without(textOf(reply), lifted.begin, lifted.length)};
     const char* const place = rest.data() + lifted.begin;
     bool isInTrack = false;
@@ -87,7 +87,8 @@ CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeAround(const Lifted&
     });
     if (state && isInTrack && !lifted.isLast) {
         const std::string_view text = textOf(reply).substr(lifted.begin, lifted.length);
-        last_ = Artwork{std::move(reply), text, lifted.bytes};
+        Bytes spare = last_ ? std::move(last_->reply) : Bytes{};
+        last_ = Artwork{std::exchange(reply, std::move(spare)), text, lifted.bytes};
     }
     return state;
 }

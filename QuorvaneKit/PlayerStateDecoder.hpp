@@ -15,7 +15,8 @@ namespace quorvane {
 // reply in which the artwork came, until one comes with another or with none. One thread at a time.
 class PlayerStateDecoder {
 public:
-    CodingResult<QuorvanePlayerState> decode(Bytes reply);
+    // Takes what is in `reply`; what is there afterwards is memory to be used again.
+    CodingResult<QuorvanePlayerState> decode(Bytes& reply);
 
 private:
     struct Artwork {
@@ -26,7 +27,7 @@ private:
     struct Lifted;
 
     std::optional<Lifted> liftArtwork(std::string_view reply) const;
-    CodingResult<QuorvanePlayerState> decodeAround(const Lifted& lifted, Bytes reply);
+    CodingResult<QuorvanePlayerState> decodeAround(const Lifted& lifted, Bytes& reply);
 
     std::optional<Artwork> last_;
 };

@@ -175,7 +175,9 @@ void AddOnCoordinator::present(const PresentationState& state) {
     if (isRemoving_) return;
     controller_->present(state);
     // Closing a window may wait for a send, in which a newer state may have come.
-    refresher_->setActive(driver_.state().windowsWanted());
+    const bool isWanted = driver_.state().windowsWanted();
+    client_.setPolling(isWanted);
+    refresher_->setActive(isWanted);
 }
 
 // As a task of its own: the lock event is handled to its end first.

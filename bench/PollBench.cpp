@@ -56,6 +56,7 @@ public:
             ++updates_;
         };
         client_.connect();
+        client_.setPolling(true);
     }
 
     void round() {

@@ -30,6 +30,7 @@ struct PortRequest {
     Duration sendTimeout{};
     Duration receiveTimeout{};  // not looked at when no reply is awaited
     bool awaitsReply = false;
+    Bytes replyMemory{};  // of an earlier reply, for this one's body; need not be used
 };
 
 struct PortReply {
@@ -44,7 +45,7 @@ struct PortReply {
 class RemotePort {
 public:
     virtual ~RemotePort() = default;
-    virtual PortReply send(const PortRequest& request) = 0;
+    virtual PortReply send(PortRequest request) = 0;
 };
 
 // Nothing when no process serves the name. Any thread.

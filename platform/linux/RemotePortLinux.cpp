@@ -36,13 +36,13 @@ std::unique_ptr<RemotePort> RemotePortLinux::connect(const PortFolder& folder,
     return std::unique_ptr<RemotePort>{new RemotePortLinux{std::move(socket)}};
 }
 
-PortReply RemotePortLinux::send(const PortRequest& request) {
+PortReply RemotePortLinux::send(PortRequest request) {
     if (!socket_) return {.status = kPortIsInvalid};
     if (request.body.size() > kLargestBody) return {.status = kPortTransportError};
     if (const std::int32_t status = sendFrame(request); status != kPortSuccess)
         return {.status = status};
     if (!request.awaitsReply) return {};
-    return receiveReply(request.receiveTimeout);
+    return receiveReply(request.receiveTimeout, std::move(request.replyMemory));
 }
 
 std::int32_t RemotePortLinux::sendFrame(const PortRequest& request) {
@@ -86,7 +86,7 @@ bool RemotePortLinux::waitForRoom(Instant deadline) const {
     }
 }
 
-PortReply RemotePortLinux::receiveReply(Duration timeout) {
+PortReply RemotePortLinux::receiveReply(Duration timeout, Bytes memory) {
     const Instant deadline = deadlineAfter(timeout);
     while (true) {
         if (const auto skipped = skipStale(deadline); skipped != Received::something)
@@ -103,12 +103,13 @@ PortReply RemotePortLinux::receiveReply(Duration timeout) {
         }
         if (header->status != kPortSuccess) return {.status = header->status};
         if (header->length == 0) return {};
-        return receiveBody(header->length, deadline);
+        return receiveBody(header->length, deadline, std::move(memory));
     }
 }
 
-PortReply RemotePortLinux::receiveBody(std::size_t length, Instant deadline) {
-    Bytes body(length);
+PortReply RemotePortLinux::receiveBody(std::size_t length, Instant deadline, Bytes body) {
+    body.clear();  // else what is in it would be copied when it grows
+    body.resize(length);
     const auto early = buffer_.filled().first(std::min(length, buffer_.filled().size()));
     std::ranges::copy(early, body.begin());
     std::size_t done = early.size();

@@ -27,7 +27,7 @@ public:
     // Nothing when nobody of this user serves the name. Never waits.
     static std::unique_ptr<RemotePort> connect(const PortFolder& folder, const std::string& name);
 
-    PortReply send(const PortRequest& request) override;
+    PortReply send(PortRequest request) override;
 
 private:
     enum class Received { something, timedOut, closed };
@@ -36,8 +36,8 @@ private:
 
     std::int32_t sendFrame(const PortRequest& request);
     bool waitForRoom(Instant deadline) const;
-    PortReply receiveReply(Duration timeout);
-    PortReply receiveBody(std::size_t length, Instant deadline);
+    PortReply receiveReply(Duration timeout, Bytes memory);
+    PortReply receiveBody(std::size_t length, Instant deadline, Bytes body);
     PortReply failure(Received received);
     PortReply brokenRules();
     Received fill(Instant deadline);

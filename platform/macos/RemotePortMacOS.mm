@@ -22,7 +22,7 @@ public:
     // Else the next port of this name would be the same object, dead or not.
     ~RemotePortMacOS() override { CFMessagePortInvalidate(port_.get()); }
 
-    PortReply send(const PortRequest& request) override {
+    PortReply send(PortRequest request) override {
         @autoreleasepool {
             // This object may be gone when the call returns: waiting runs the thread's run loop.
             const auto port = CFHandle<CFMessagePortRef>::retaining(port_.get());

@@ -171,6 +171,18 @@ TEST_F(MessagePortClientTest, CommandsAreOneByteAndAwaitNothing) {
     EXPECT_EQ(ports.sent[1].messageID, 4);
 }
 
+TEST_F(MessagePortClientTest, AReplysMemoryIsKeptOnlyWhilePolling) {
+    connect();
+    client->requestStateUpdate();
+    client->setPolling(true);
+    for (int i = 0; i < 3; ++i) client->requestStateUpdate();
+    client->setPolling(false);
+    client->requestStateUpdate();
+    std::vector<bool> isMemoryGiven;
+    for (const auto& sent : ports.sent) isMemoryGiven.push_back(sent.replyMemory >= state.size());
+    EXPECT_EQ(isMemoryGiven, (std::vector<bool>{false, false, true, true, false}));
+}
+
 // Each of these happens inside a waiting state request.
 TEST_F(MessagePortClientTest, ARequestInsideARequestFollowsLater) {
     connect();

@@ -10,7 +10,8 @@ namespace quorvane {
 namespace {
 
 CodingResult<QuorvanePlayerState> decode(PlayerStateDecoder& decoder, std::string_view text) {
-    return decoder.decode(copyOf(bytesOf(text)));
+    Bytes reply = copyOf(bytesOf(text));
+    return decoder.decode(reply);
 }
 
 const SharedBytes& artworkOf(const CodingResult<QuorvanePlayerState>& state) {

@@ -171,6 +171,15 @@ TEST_F(AddOnCoordinatorTest, ARemovalInsideAWaitingSendIsNotUndoneByIt) {
     EXPECT_EQ(platform.ports.sent.size(), sent);
 }
 
+TEST_F(AddOnCoordinatorTest, MemoryForPollsIsGivenBackWithTheCard) {
+    lockAndShow();
+    platform.pass(4s);
+    EXPECT_GT(platform.ports.sent.back().replyMemory, 0u);
+    platform.unlock();
+    EXPECT_GT(platform.notice(kStateChanged), 0);
+    EXPECT_EQ(platform.ports.sent.back().replyMemory, 0u);
+}
+
 TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgain) {
     lockAndShow();
     platform.notice(kMainAppQuits);

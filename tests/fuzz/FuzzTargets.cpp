@@ -6,7 +6,6 @@
 
 #include "QuorvaneKit/MessagePortWire.hpp"
 #include "QuorvaneKit/PlayerStateDecoder.hpp"
-#include "QuorvaneKit/PlayerStateEncoder.hpp"
 #include "QuorvaneKit/XPCCodableHelpers.hpp"
 #include "host/FileURL.hpp"
 #include "host/Script.hpp"
@@ -46,9 +45,11 @@ void readPlayerState(ByteView input) {
     readRecord<QuorvanePlayerState>(input);
     const auto expected = XPCCodableHelpers::decode<QuorvanePlayerState>(copyOf(input));
     PlayerStateDecoder decoder;
-    check(decoder.decode(copyOf(bytesOf(kSampleText))).has_value(), "the sample decodes");
+    Bytes text = copyOf(bytesOf(kSampleText));
+    check(decoder.decode(text).has_value(), "the sample decodes");
     for (int reply = 0; reply < 2; ++reply) {
-        const auto state = decoder.decode(copyOf(input));
+        text = copyOf(input);
+        const auto state = decoder.decode(text);
         check(state.has_value() == expected.has_value(), "both decoders take it");
         if (state) check(*state == *expected, "both decoders read the same");
     }

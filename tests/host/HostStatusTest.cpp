@@ -86,7 +86,7 @@ TEST(HostStatus, TellsOfCardAndAddOn) {
 // A host's main port that gives one reply.
 struct OneReplyPort : RemotePort {
     explicit OneReplyPort(PortReply itsReply) : reply(std::move(itsReply)) {}
-    PortReply send(const PortRequest& request) override {
+    PortReply send(PortRequest request) override {
         EXPECT_EQ(request.messageID, 1);
         EXPECT_EQ(copyOf(request.body), Bytes(MessagePortWire::kSecretLength, std::byte{9}));
         return reply;

@@ -208,10 +208,10 @@ private:
     public:
         FaultyPort(Faults& faults, std::unique_ptr<RemotePort> port)
             : faults_(faults), port_(std::move(port)) {}
-        PortReply send(const PortRequest& request) override {
+        PortReply send(PortRequest request) override {
             if (faults_.hit()) return {.status = kPortSendTimeout - faults_.calls % 5};
             const bool isCut = faults_.hit();
-            PortReply reply = port_->send(request);  // this object may be gone now
+            PortReply reply = port_->send(std::move(request));  // this object may be gone now
             if (isCut && reply.body) reply.body->resize(reply.body->size() / 2);
             return reply;
         }

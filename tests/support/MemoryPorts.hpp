@@ -33,6 +33,7 @@ public:
         Duration sendTimeout;
         Duration receiveTimeout;
         bool awaitsReply;
+        std::size_t replyMemory;  // its size
     };
     // A send that found its port alive, in order; not those of local ports.
     std::vector<Sent> sent;
@@ -110,7 +111,7 @@ private:
         Remote(MemoryPorts& owner, std::shared_ptr<Port> port)
             : owner_(owner), port_(std::move(port)) {}
 
-        PortReply send(const PortRequest& request) override {
+        PortReply send(PortRequest request) override {
             const auto port = port_;
             if (request.body.size() > kLargestBody) return {.status = kPortTransportError};
             return port->answersInside ? sendInside(*port, request) : sendAcross(*port, request);
@@ -123,8 +124,8 @@ private:
             MemoryPorts& owner = owner_;
             if (port.isDead) return {.status = kPortIsInvalid};
             owner.sent.push_back({port.name, request.messageID, copyOf(request.body),
-                                  request.sendTimeout, request.receiveTimeout,
-                                  request.awaitsReply});
+                                  request.sendTimeout, request.receiveTimeout, request.awaitsReply,
+                                  request.replyMemory.capacity()});
             if (const auto action = std::exchange(owner.duringSend, nullptr)) action();
             if (alive.expired() || port.isDead) return {.status = kPortBecameInvalid};
             if (const auto failure = owner.failures.find(port.name);
@@ -137,8 +138,8 @@ private:
         static constexpr std::size_t kTakenAtOnce = 64 * 1024;
 
         static PortReply sendAcross(Port& port, const PortRequest& request) {
-            const auto call =
-                std::make_shared<Call>(request.messageID, copyOf(request.body), false, PortAnswer{});
+            const auto call = std::make_shared<Call>(request.messageID, copyOf(request.body), false,
+                                                     PortAnswer{});
             std::unique_lock lock{port.mutex};
             if (port.isDead) return {.status = kPortIsInvalid};
             port.waiting.push_back(call);
