@@ -122,8 +122,7 @@ void drawing(Bench& bench) {
             .figure = timeText(marquee.median()),
             .goal = "≥ 15 ×, ≤ 36 µs",
             .isMet = cheaper >= 15 && marquee.median() <= 36,
-            .reason = "the row's pixels are put together in memory first and then copied, because "
-                      "the X server reads the window's picture at any time"});
+            .reason = "every pixel of the rows with letters is read, mixed and written"});
     report({.what = "the whole card and its shadow, layouts kept",
             .ratio = anew.median() / kept.median(),
             .against = "cheaper than drawn anew",

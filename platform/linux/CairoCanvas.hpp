@@ -25,6 +25,8 @@ public:
     void setTarget(CairoSurface target) { target_ = std::move(target); }
     void draw(const Scene& scene) override;
 
+    TextLayouts& texts() { return texts_; }
+
 private:
     double scale_;
     std::shared_ptr<PictureCache> pictures_;

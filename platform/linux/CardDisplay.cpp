@@ -94,8 +94,7 @@ void CardDisplay::drawParts(const StageLook& look, const std::vector<Rect>& card
         if (!part.isEmpty()) parts.push_back(part);
     }
     if (parts.empty()) return;
-    painter_.drawParts(buffer_->surface(), look, parts);
-    buffer_->show(parts);
+    buffer_->show(painter_.drawParts(buffer_->surface(), look, parts));
     x11_.flush();
 }
 

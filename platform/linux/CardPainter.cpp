@@ -38,6 +38,8 @@ void clipTo(cairo_t* cairo, const CairoRegion& region) {
     cairo_clip(cairo);
 }
 
+bool canScroll(const StageLook& look) { return look.isResting() && !look.pointer; }
+
 // The rows and the columns in which the card is opaque from edge to edge; empty where it is not
 // even in its middle. It bulges everywhere, so looking at the ends of a row or column is enough.
 std::array<PixelRect, 2> opaqueCross(const Pixels& chrome) {
@@ -74,6 +76,7 @@ CardPainter::CardPainter(const CardStyle& style, double scale,
 
 void CardPainter::setBackdrop(Pixels backdrop) {
     moving_.reset();
+    scrolling_.reset();
     backdropSurface_.reset();
     chromeSurface_.reset();
     chrome_ = makeCardChrome(backdrop, style_, scale_);
@@ -90,31 +93,44 @@ PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
 }
 
 void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
+    scrolling_.reset();
     drawLook(CairoContext{cairo_create(target)}.get(), look);
 }
 
-void CardPainter::drawParts(cairo_surface_t* target, const StageLook& look,
-                            std::span<const PixelRect> parts) {
-    const CairoContext context{cairo_create(target)};
-    cairo_set_operator(context.get(), CAIRO_OPERATOR_SOURCE);
+std::vector<PixelRect> CardPainter::drawParts(cairo_surface_t* target, const StageLook& look,
+                                              std::span<const PixelRect> parts) {
+    std::vector<PixelRect> changed;
     for (const PixelRect& part : parts) {
-        cairo_surface_t* const aside = asideOf({part.width, part.height});
-        const CairoContext partContext{cairo_create(aside)};
-        cairo_translate(partContext.get(), -part.x, -part.y);
-        drawLook(partContext.get(), look);
-        cairo_set_source_surface(context.get(), aside, part.x, part.y);
-        cairo_rectangle(context.get(), part.x, part.y, part.width, part.height);
-        cairo_fill(context.get());
+        const auto rows = scrolling_ && canScroll(look) ? scrolling_->draw(target, look.scene, part)
+                                                        : std::nullopt;
+        if (!rows) drawPart(target, look, part);
+        changed.push_back(rows.value_or(part));
     }
+    return changed;
 }
 
-// The frames of a marquee are all of one size, so the picture is kept for the next.
-cairo_surface_t* CardPainter::asideOf(PixelSize size) {
-    if (!aside_ || asideSize_ != size) {
-        aside_.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size.width, size.height));
-        asideSize_ = size;
-    }
-    return aside_.get();
+void CardPainter::drawPart(cairo_surface_t* target, const StageLook& look, const PixelRect& part) {
+    Pixels pixels = picture(look, part);
+    const CairoContext context{cairo_create(target)};
+    cairo_rectangle(context.get(), part.x, part.y, part.width, part.height);
+    cairo_clip(context.get());
+    cairo_translate(context.get(), part.x, part.y);
+    copyFrom(context.get(), surfaceOver(pixels).get());
+    // Rows that the kept part takes for drawn may look different now.
+    if (scrolling_ && !scrolling_->part().intersection(part).isEmpty()) scrolling_.reset();
+    if (scrolling_ || !canScroll(look)) return;
+    scrolling_ = ScrollingPart::make(
+        look.scene, part, {style_.shadowMargin, scale_}, canvas_.texts(),
+        [&](const Scene& still) { return picture({.scene = still, .transform = {}}, part); });
+}
+
+Pixels CardPainter::picture(const StageLook& look, const PixelRect& part) {
+    Pixels pixels{part.width, part.height};
+    const CairoSurface surface = surfaceOver(pixels);
+    const CairoContext context{cairo_create(surface.get())};
+    cairo_translate(context.get(), -part.x, -part.y);
+    drawLook(context.get(), look);
+    return pixels;
 }
 
 void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {

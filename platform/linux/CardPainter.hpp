@@ -11,6 +11,7 @@
 #include "platform/linux/CairoCanvas.hpp"
 #include "platform/linux/CairoHandles.hpp"
 #include "platform/linux/Pixels.hpp"
+#include "platform/linux/ScrollingPart.hpp"
 
 namespace quorvane {
 
@@ -40,8 +41,9 @@ public:
     void draw(cairo_surface_t* target, const StageLook& look);
     // Draws these parts, in pixels of the stage, and leaves the others alone. They turn from the
     // old look to the new one without a step between, for a target that is being read meanwhile.
-    void drawParts(cairo_surface_t* target, const StageLook& look,
-                   std::span<const PixelRect> parts);
+    // Returns what of them may have changed.
+    std::vector<PixelRect> drawParts(cairo_surface_t* target, const StageLook& look,
+                                     std::span<const PixelRect> parts);
     // The whole pixels of the stage under an area of the card.
     PixelRect pixelsOf(const Rect& cardArea) const;
 
@@ -49,7 +51,8 @@ private:
     void drawLook(cairo_t* cairo, const StageLook& look);
     void drawGround(cairo_t* cairo) const;
     void drawScene(cairo_t* cairo, const Scene& scene);
-    cairo_surface_t* asideOf(PixelSize size);
+    void drawPart(cairo_surface_t* target, const StageLook& look, const PixelRect& part);
+    Pixels picture(const StageLook& look, const PixelRect& part);
     void drawMoving(cairo_t* cairo, const StageLook& look);
 
     CardStyle style_;
@@ -60,8 +63,7 @@ private:
     CairoSurface chromeSurface_;
     std::array<PixelRect, 2> opaque_{};  // where the chrome hides the backdrop
     CairoSurface moving_;
-    CairoSurface aside_;  // a part before it comes into the target
-    PixelSize asideSize_{};
+    std::optional<ScrollingPart> scrolling_;  // as the target shows it
     CairoCanvas canvas_;
 };
 

@@ -35,6 +35,14 @@ struct PixelRect {
     constexpr bool operator==(const PixelRect&) const = default;
 };
 
+// What holds both.
+constexpr PixelRect unionOf(const PixelRect& one, const PixelRect& two) {
+    const int left = std::min(one.x, two.x);
+    const int top = std::min(one.y, two.y);
+    return {left, top, std::max(one.maxX(), two.maxX()) - left,
+            std::max(one.maxY(), two.maxY()) - top};
+}
+
 // The whole pixels that a rectangle of pixels touches.
 inline PixelRect pixelsTouchedBy(const Rect& rect) {
     const int left = static_cast<int>(std::floor(rect.minX()));

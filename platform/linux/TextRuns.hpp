@@ -11,4 +11,7 @@ namespace quorvane {
 // where they were laid out, between pixels too.
 void fillLine(cairo_t* cairo, const TextLine& line, Point start);
 
+// Whether letters of it may have colours of their own, as emoji have.
+bool hasColors(const TextLine& line);
+
 }  // namespace quorvane
