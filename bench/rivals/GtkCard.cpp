@@ -137,7 +137,7 @@ private:
 
     // GTK's clock of frames runs only while the title moves.
     void rest() {
-        const Duration wait = marquee_.nextChange(now(), 2).value_or(Duration::max());
+        const Duration wait = *marquee_.nextChange(now(), 2);  // it scrolls
         const auto time = std::chrono::ceil<std::chrono::milliseconds>(wait).count();
         g_timeout_add_once(
             static_cast<guint>(time),
