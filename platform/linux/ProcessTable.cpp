@@ -1,12 +1,14 @@
 #include "platform/linux/ProcessTable.hpp"
 
+#include <dirent.h>
+#include <limits.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <charconv>
 #include <cstdlib>
-#include <sstream>
-#include <string_view>
+#include <memory>
 
 #include "platform/RegularFiles.hpp"
 
@@ -30,30 +32,43 @@ std::string contentsOf(const std::filesystem::path& file) {
     return read ? std::string{textOf(read->contents)} : std::string{};
 }
 
-std::optional<std::uint64_t> startTicksIn(const std::string& status) {
-    // The name stands in brackets and may hold anything. The third field follows; the start is the
-    // 22nd.
+// The numbers among a folder's names, with the folder's descriptor.
+template <typename Handler>
+void forEachNumber(const char* path, Handler&& handle) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder{opendir(path), closedir};
+    while (const dirent* const entry = folder ? readdir(folder.get()) : nullptr) {
+        const std::string_view name = entry->d_name;
+        pid_t number = 0;
+        const auto parsed = std::from_chars(name.data(), name.data() + name.size(), number);
+        if (parsed.ec == std::errc{} && parsed.ptr == name.data() + name.size())
+            handle(dirfd(folder.get()), number);
+    }
+}
+
+std::optional<std::uint64_t> startTicksIn(std::string_view status) {
+    // The name stands in brackets and may hold anything. A space and the third field follow; the
+    // start is the 22nd.
     const std::size_t bracket = status.rfind(')');
     if (bracket == status.npos) return std::nullopt;
-    std::istringstream fields{status.substr(bracket + 1)};
-    std::string field;
-    for (int index = 3; index <= 22; ++index)
-        if (!(fields >> field)) return std::nullopt;
+    std::size_t field = bracket + 2;
+    for (int index = 3; index < 22; ++index) {
+        field = status.find(' ', field);
+        if (field++ == status.npos) return std::nullopt;
+    }
     std::uint64_t ticks = 0;
-    const auto end = std::from_chars(field.data(), field.data() + field.size(), ticks);
+    const auto end = std::from_chars(status.data() + field, status.data() + status.size(), ticks);
     if (end.ec != std::errc{}) return std::nullopt;
     return ticks;
 }
 
 std::optional<std::uint64_t> threadTicksOf(pid_t pid) {
     std::optional<std::uint64_t> first;
-    std::error_code error;
-    for (std::filesystem::directory_iterator place{folderOf(pid) / "task", error}, end;
-         !error && place != end; place.increment(error)) {
-        if (place->path().filename() == std::to_string(pid)) continue;
-        const auto ticks = startTicksIn(contentsOf(place->path() / "stat"));
+    const std::string folder = "/proc/" + std::to_string(pid) + "/task/";
+    forEachNumber(folder.c_str(), [&](int, pid_t thread) {
+        if (thread == pid) return;
+        const auto ticks = startTicksIn(contentsOf(folder + std::to_string(thread) + "/stat"));
         if (ticks && (!first || *ticks < *first)) first = ticks;
-    }
+    });
     return first;
 }
 
@@ -75,8 +90,6 @@ std::string withoutScreen(std::string display) {
     return display;
 }
 
-}  // namespace
-
 std::optional<ProcessExecutable> executableOf(pid_t pid) {
     const auto folder = folderOf(pid);
     std::error_code error;
@@ -87,6 +100,8 @@ std::optional<ProcessExecutable> executableOf(pid_t pid) {
     if (isDeleted) path.resize(path.size() - kDeletedMark.size());
     return ProcessExecutable{path, isDeleted};
 }
+
+}  // namespace
 
 std::optional<ProcessRecord> processRecord(pid_t pid) {
     const auto folder = folderOf(pid);
@@ -112,18 +127,16 @@ ProcessRecord ownProcessRecord() {
             .runtimeFolder = variable("XDG_RUNTIME_DIR")};
 }
 
-std::vector<pid_t> processesOfUser() {
+std::vector<pid_t> processesWhere(
+    const std::function<bool(std::string_view executable)>& isWanted) {
     std::vector<pid_t> pids;
-    std::error_code error;
-    for (std::filesystem::directory_iterator place{"/proc", error}, end; !error && place != end;
-         place.increment(error)) {
-        const std::string name = place->path().filename().string();
-        pid_t pid = 0;
-        const auto parsed = std::from_chars(name.data(), name.data() + name.size(), pid);
-        if (parsed.ec == std::errc{} && parsed.ptr == name.data() + name.size() &&
-            isOfThisUser(place->path()))
+    forEachNumber("/proc", [&](int folder, pid_t pid) {
+        std::array<char, PATH_MAX> path;
+        const ssize_t length =
+            readlinkat(folder, (std::to_string(pid) + "/exe").c_str(), path.data(), path.size());
+        if (length > 0 && isWanted({path.data(), static_cast<std::size_t>(length)}))
             pids.push_back(pid);
-    }
+    });
     return pids;
 }
 

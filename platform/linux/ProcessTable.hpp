@@ -5,8 +5,10 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorvane {
@@ -27,11 +29,12 @@ struct ProcessRecord {
 };
 
 // Nothing when it has ended, when it is another user's or when it may not be looked at.
-std::optional<ProcessExecutable> executableOf(pid_t pid);
 std::optional<ProcessRecord> processRecord(pid_t pid);
 // With the variables as they are now, which need not be those it was started with.
 ProcessRecord ownProcessRecord();
-// Of this user, in no order that matters.
-std::vector<pid_t> processesOfUser();
+// Those whose executable's path, which ends in a mark where it was deleted, is wanted; of any user,
+// in no order that matters. There are hundreds of processes and few are wanted: one system call
+// each.
+std::vector<pid_t> processesWhere(const std::function<bool(std::string_view executable)>& isWanted);
 
 }  // namespace quorvane

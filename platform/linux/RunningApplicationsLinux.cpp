@@ -13,6 +13,8 @@
 namespace quorvane {
 namespace {
 
+constexpr std::string_view kPlaceInBundle = ".app/Contents/Linux/";
+
 WallTime timeOf(clockid_t clock) {
     timespec time{};
     clock_gettime(clock, &time);
@@ -63,10 +65,11 @@ struct Applications {
 
     std::vector<RunningCopy> running(const std::string& identifier) const {
         std::vector<RunningCopy> copies;
-        for (const pid_t pid : processesOfUser()) {
-            // The few that lie in a bundle are looked at more closely.
-            const auto executable = executableOf(pid);
-            if (!executable || bundleOfExecutable(executable->path).empty()) continue;
+        // The few that lie in a bundle are looked at more closely.
+        const auto isInBundle = [](std::string_view executable) {
+            return executable.find(kPlaceInBundle) != executable.npos;
+        };
+        for (const pid_t pid : processesWhere(isInBundle)) {
             const auto process = processRecord(pid);
             if (process && hasIdentifier(*process, identifier) && isSameLogin(*process, self))
                 copies.push_back(runningCopyOf(*process));
