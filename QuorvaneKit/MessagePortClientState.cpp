@@ -105,20 +105,19 @@ void MessagePortClient::State::stateChangedNotice() {
     }
 }
 
-std::optional<Bytes> MessagePortClient::State::frame(ByteView payload) {
+// Of the right length, for one send; wiped after it.
+std::optional<Bytes> MessagePortClient::State::readSecret() const {
     auto bytes = secret();
     if (!bytes) {
         log.error(
             "IPC connection secret unavailable (App Group container unreadable); cannot send to "
             "main app");
-        return std::nullopt;
-    }
-    auto framed = MessagePortWire::wrap(payload, *bytes);
-    wipe(*bytes);
-    if (!framed) {
+    } else if (bytes->size() != MessagePortWire::kSecretLength) {
+        wipe(*bytes);
+        bytes.reset();
         log.error("IPC connection secret malformed; cannot send");
     }
-    return framed;
+    return bytes;
 }
 
 void MessagePortClient::State::requestStateUpdate() {
@@ -149,17 +148,17 @@ void MessagePortClient::State::setPolling(bool isNow) {
 }
 
 void MessagePortClient::State::requestOnce() {
-    auto framed = frame({});
-    if (!framed) return;
+    auto ownSecret = readSecret();
+    if (!ownSecret) return;
     const std::weak_ptr alive = weak_from_this();
     const std::uint64_t mine = connection;
     PortReply reply = remotePort->send({.messageID = std::to_underlying(MessageType::requestState),
-                                        .body = *framed,
+                                        .secret = *ownSecret,
                                         .sendTimeout = kSendTimeout,
                                         .receiveTimeout = kStateReceiveTimeout,
                                         .awaitsReply = true,
                                         .replyMemory = std::exchange(replyMemory, {})});
-    MessagePortWire::wipeSecret(*framed);
+    wipe(*ownSecret);
     if (!alive.expired() && connection == mine) receive(std::move(reply));
 }
 
@@ -188,13 +187,15 @@ void MessagePortClient::State::sendCommand(MessageType type, std::int64_t value)
         return;
     }
     const auto payload = static_cast<std::byte>(std::clamp<std::int64_t>(value, 0, 255));
-    auto framed = frame({&payload, 1});
-    if (!framed) return;
+    auto ownSecret = readSecret();
+    if (!ownSecret) return;
     const std::weak_ptr alive = weak_from_this();
     const std::uint64_t mine = connection;
-    const PortReply reply = remotePort->send(
-        {.messageID = std::to_underlying(type), .body = *framed, .sendTimeout = kSendTimeout});
-    MessagePortWire::wipeSecret(*framed);
+    const PortReply reply = remotePort->send({.messageID = std::to_underlying(type),
+                                              .secret = *ownSecret,
+                                              .body = {&payload, 1},
+                                              .sendTimeout = kSendTimeout});
+    wipe(*ownSecret);
     if (reply.status == kPortSuccess || alive.expired() || connection != mine) return;
     log.error("Failed to send message, status: %d", reply.status);
     disconnect();

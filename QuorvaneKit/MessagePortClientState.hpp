@@ -29,7 +29,7 @@ struct MessagePortClient::State : std::enable_shared_from_this<MessagePortClient
                    std::function<void(QueryOutcome)> completion);
 
     void stateChangedNotice();
-    std::optional<Bytes> frame(ByteView payload);
+    std::optional<Bytes> readSecret() const;
     void requestOnce();
     void receive(PortReply reply);
     void queryFinished(std::size_t slot, const QueryOutcome& outcome);

@@ -1,11 +1,8 @@
 #include "QuorvaneKit/MessagePortWire.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
-
-#include "platform/Wipe.hpp"
 
 namespace quorvane {
 namespace {
@@ -26,25 +23,12 @@ bool isSameSecret(ByteView left, ByteView right) {
 
 }  // namespace
 
-std::optional<Bytes> MessagePortWire::wrap(ByteView payload, ByteView secret, Bytes buffer) {
-    if (secret.size() != kSecretLength) return std::nullopt;
-    buffer.clear();
-    buffer.reserve(kSecretLength + payload.size());
-    append(buffer, secret);
-    append(buffer, payload);
-    return buffer;
-}
-
 std::optional<ByteView> MessagePortWire::unwrap(ByteView framed, ByteView expectedSecret) {
     if (expectedSecret.size() != kSecretLength || framed.size() < kSecretLength)
         return std::nullopt;
     std::optional<ByteView> payload{framed.subspan(kSecretLength)};
     if (!isSameSecret(framed.first(kSecretLength), expectedSecret)) payload.reset();
     return payload;
-}
-
-void MessagePortWire::wipeSecret(Bytes& framed) {
-    wipe(std::span{framed}.first(std::min(framed.size(), kSecretLength)));
 }
 
 }  // namespace quorvane

@@ -10,16 +10,9 @@ namespace quorvane {
 struct MessagePortWire {
     static constexpr std::size_t kSecretLength = 32;
 
-    // Nothing when the secret has another length. Whoever sends the result wipes it with
-    // `wipeSecret` afterwards. A buffer that is given is used again.
-    static std::optional<Bytes> wrap(ByteView payload, ByteView secret, Bytes buffer = {});
-
     // The payload, a part of `framed`; nothing when the secret in front of it is not the expected
     // one, or either is of a wrong length. Takes the same time wherever the first difference lies.
     static std::optional<ByteView> unwrap(ByteView framed, ByteView expectedSecret);
-
-    // Overwrites the secret in front of a wrapped payload.
-    static void wipeSecret(Bytes& framed);
 };
 
 }  // namespace quorvane

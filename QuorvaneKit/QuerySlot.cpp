@@ -25,15 +25,16 @@ std::size_t chooseQuerySlot(const std::array<int, kQueryPortCount>& load,
 QueryPort::QueryPort(std::size_t index, std::string name, Services services)
     : index_(index), name_(std::move(name)), services_(std::move(services)) {}
 
-std::optional<Bytes> QueryPort::frame(MessageType type, ByteView payload) {
+std::optional<Bytes> QueryPort::readSecret(MessageType type) const {
     auto secret = services_.secret();
-    auto framed =
-        secret ? MessagePortWire::wrap(payload, *secret, std::move(framed_)) : std::nullopt;
-    if (secret) wipe(*secret);
-    if (!framed)
+    if (secret && secret->size() != MessagePortWire::kSecretLength) {
+        wipe(*secret);
+        secret.reset();
+    }
+    if (!secret)
         services_.log.error("Query %d not sent: IPC connection secret unavailable",
                             std::to_underlying(type));
-    return framed;
+    return secret;
 }
 
 QueryOutcome QueryPort::send(MessageType type, ByteView payload, Duration timeout,
@@ -45,22 +46,22 @@ QueryOutcome QueryPort::send(MessageType type, ByteView payload, Duration timeou
                             portNumber);
         return {.kind = QueryOutcome::Kind::expiredInQueue};
     }
-    auto framed = frame(type, payload);
-    if (!framed) return {};
+    auto secret = readSecret(type);
+    if (!secret) return {};
     if (remotePort_ == nullptr) remotePort_ = services_.connectPort(name_);
     if (remotePort_ == nullptr) {
-        MessagePortWire::wipeSecret(*framed);
+        wipe(*secret);
         services_.log.error("Cannot send query %d: query port %ld not available", identifier,
                             portNumber);
         return {};
     }
     PortReply reply = remotePort_->send({.messageID = identifier,
-                                         .body = *framed,
+                                         .secret = *secret,
+                                         .body = payload,
                                          .sendTimeout = kQuerySendTimeout,
                                          .receiveTimeout = timeout,
                                          .awaitsReply = true});
-    MessagePortWire::wipeSecret(*framed);
-    framed_ = *std::move(framed);
+    wipe(*secret);
     if (reply.status != kPortSuccess)
         services_.log.error("Query %d on query port %ld failed, status: %d", identifier, portNumber,
                             reply.status);

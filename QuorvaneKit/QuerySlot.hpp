@@ -34,13 +34,12 @@ public:
     void forgetRemotePort() { remotePort_.reset(); }
 
 private:
-    std::optional<Bytes> frame(MessageType type, ByteView payload);
+    std::optional<Bytes> readSecret(MessageType type) const;
 
     const std::size_t index_;
     const std::string name_;
     const Services services_;
     std::unique_ptr<RemotePort> remotePort_;
-    Bytes framed_;  // the last query's memory, for the next one
 };
 
 // Lives on the main thread. Queries go out one at a time, in order.

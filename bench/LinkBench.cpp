@@ -80,8 +80,8 @@ void tell(const std::string& what, const std::array<Contestant, 5>& all, LinkSha
             .goal = "≤ 1.25 ×",
             .isMet = overBare <= 1.25,
             .reason =
-                "the payload is copied behind its secret once, both sides take fresh memory for "
-                "what they receive, and time limits have system calls of their own"});
+                "both sides take fresh memory for what they receive, and time limits have system "
+                "calls of their own"});
     const auto faster = [&](const Contestant& rival, const char* name, double least) {
         if (!rival.rival) return;
         const double times = rival.times.over(port.times);

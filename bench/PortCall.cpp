@@ -24,14 +24,12 @@ public:
     }
 
     void call() override {
-        auto framed = MessagePortWire::wrap(payload_, secret(), std::move(framed_));
         const PortReply reply = port_->send({.messageID = 1,
-                                             .body = *framed,
+                                             .secret = secret(),
+                                             .body = payload_,
                                              .sendTimeout = std::chrono::seconds{1},
                                              .receiveTimeout = std::chrono::seconds{1},
                                              .awaitsReply = true});
-        MessagePortWire::wipeSecret(*framed);
-        framed_ = *std::move(framed);
         if (reply.status != kPortSuccess || !reply.body || reply.body->size() != replySize_) {
             std::fprintf(stderr, "a call failed with status %d\n", reply.status);
             std::exit(1);
@@ -51,7 +49,6 @@ private:
 
     const Bytes payload_;
     const std::size_t replySize_;
-    Bytes framed_;
     ServerProcess server_;
     std::unique_ptr<RemotePort> port_;
 };

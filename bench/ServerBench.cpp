@@ -51,12 +51,6 @@ MessagePortHandlers countingHandlers(Counts& counts) {
     return handlers;
 }
 
-Bytes framed(bool isRight, std::string_view payload) {
-    Bytes secret = LinkServer::secret();
-    if (!isRight) secret.back() = std::byte{8};
-    return *MessagePortWire::wrap(bytesOf(payload), secret);
-}
-
 // One client: its connections, and how often a reply was not as it must be.
 class Client {
 public:
@@ -84,9 +78,13 @@ public:
     int wrong() const { return wrong_; }
 
 private:
-    PortReply send(RemotePort& port, MessageType type, const Bytes& body, bool awaitsReply = true) {
+    PortReply send(RemotePort& port, MessageType type, bool isRight, std::string_view payload = "",
+                   bool awaitsReply = true) {
+        Bytes secret = LinkServer::secret();
+        if (!isRight) secret.back() = std::byte{8};
         const PortReply reply = port.send({.messageID = std::to_underlying(type),
-                                           .body = body,
+                                           .secret = secret,
+                                           .body = bytesOf(payload),
                                            .sendTimeout = std::chrono::seconds{20},
                                            .receiveTimeout = std::chrono::seconds{20},
                                            .awaitsReply = awaitsReply});
@@ -94,18 +92,18 @@ private:
         return reply;
     }
     void state(bool isRight) {
-        const auto reply = send(*main_, MessageType::requestState, framed(isRight, ""));
+        const auto reply = send(*main_, MessageType::requestState, isRight);
         const bool isState = reply.body && reply.body->size() > kArtworkSize;
         if (isRight ? !isState : reply.body.has_value()) ++wrong_;
     }
-    void volume(bool isRight) { send(*main_, MessageType::setVolume, framed(isRight, "2"), false); }
+    void volume(bool isRight) { send(*main_, MessageType::setVolume, isRight, "2", false); }
     void hello(bool isRight) {
-        const auto reply = send(*query_, MessageType::lockScreenHello, framed(isRight, "hello"));
+        const auto reply = send(*query_, MessageType::lockScreenHello, isRight, "hello");
         const bool isEcho = reply.body && textOf(*reply.body) == "hello";
         if (isRight ? !isEcho : reply.body.has_value()) ++wrong_;
     }
     void toTheWrongPort() {
-        if (send(*query_, MessageType::requestState, framed(true, "")).body) ++wrong_;
+        if (send(*query_, MessageType::requestState, true).body) ++wrong_;
     }
 
     std::unique_ptr<RemotePort> main_;

@@ -46,15 +46,14 @@ void HostStatusQuery::askHost() {
     status_.isServed = port != nullptr;
     auto secret = MessagePortSecret::read(services_.files);
     if (!port || !secret) return;
-    auto request = MessagePortWire::wrap({}, *secret);
+    PortReply reply;
+    if (secret->size() == MessagePortWire::kSecretLength)
+        reply = port->send({.messageID = static_cast<std::int32_t>(MessageType::requestState),
+                            .secret = *secret,
+                            .sendTimeout = kHostTimeout,
+                            .receiveTimeout = kHostTimeout,
+                            .awaitsReply = true});
     wipe(*secret);
-    if (!request) return;
-    PortReply reply = port->send({.messageID = static_cast<std::int32_t>(MessageType::requestState),
-                                  .body = *request,
-                                  .sendTimeout = kHostTimeout,
-                                  .receiveTimeout = kHostTimeout,
-                                  .awaitsReply = true});
-    wipe(*request);
     if (reply.status != kPortSuccess || !reply.body) return;
     auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*std::move(reply.body));
     if (state) status_.state = *std::move(state);

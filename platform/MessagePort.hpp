@@ -26,6 +26,7 @@ enum PortStatus : std::int32_t {
 
 struct PortRequest {
     std::int32_t messageID = 0;
+    ByteView secret{};  // the body's beginning, apart: copies of it are the sender's to wipe
     ByteView body{};
     Duration sendTimeout{};
     Duration receiveTimeout{};  // not looked at when no reply is awaited

@@ -38,7 +38,8 @@ std::unique_ptr<RemotePort> RemotePortLinux::connect(const PortFolder& folder,
 
 PortReply RemotePortLinux::send(PortRequest request) {
     if (!socket_) return {.status = kPortIsInvalid};
-    if (request.body.size() > kLargestBody) return {.status = kPortTransportError};
+    if (request.secret.size() + request.body.size() > kLargestBody)
+        return {.status = kPortTransportError};
     if (const std::int32_t status = sendFrame(request); status != kPortSuccess)
         return {.status = status};
     if (!request.awaitsReply) return {};
@@ -46,16 +47,17 @@ PortReply RemotePortLinux::send(PortRequest request) {
 }
 
 std::int32_t RemotePortLinux::sendFrame(const PortRequest& request) {
-    const FrameHeader header =
-        encode(RequestHeader{.length = static_cast<std::uint32_t>(request.body.size()),
-                             .messageID = request.messageID,
-                             .awaitsReply = request.awaitsReply,
-                             .sequence = sequence_ + 1});
+    const std::size_t length = request.secret.size() + request.body.size();
+    const FrameHeader header = encode(RequestHeader{.length = static_cast<std::uint32_t>(length),
+                                                    .messageID = request.messageID,
+                                                    .awaitsReply = request.awaitsReply,
+                                                    .sequence = sequence_ + 1});
+    const FrameParts parts{header, request.secret, request.body};
     std::size_t sent = 0;
     // The clock is asked only when the kernel does not take it all at once.
     std::optional<Instant> deadline;
-    while (sent < header.size() + request.body.size()) {
-        const ssize_t count = sendFrameRest(socket_.get(), {header, request.body}, sent);
+    while (sent < header.size() + length) {
+        const ssize_t count = sendFrameRest(socket_.get(), parts, sent);
         if (count >= 0) {
             sent += static_cast<std::size_t>(count);
         } else if (errno != EAGAIN) {

@@ -26,14 +26,15 @@ public:
         @autoreleasepool {
             // This object may be gone when the call returns: waiting runs the thread's run loop.
             const auto port = CFHandle<CFMessagePortRef>::retaining(port_.get());
+            NSData* const body = dataFromParts(std::array{request.secret, request.body});
             CFDataRef reply = nullptr;
             const SInt32 status = CFMessagePortSendRequest(
-                port.get(), request.messageID, (__bridge CFDataRef)dataFrom(request.body),
+                port.get(), request.messageID, (__bridge CFDataRef)body,
                 secondsOf(request.sendTimeout), secondsOf(request.receiveTimeout),
                 request.awaitsReply ? kCFRunLoopDefaultMode : nullptr, &reply);
-            NSData* body = (__bridge_transfer NSData*)reply;
+            NSData* answer = (__bridge_transfer NSData*)reply;
             return {.status = status,
-                    .body = body.length > 0 ? std::optional{bytesFrom(body)} : std::nullopt};
+                    .body = answer.length > 0 ? std::optional{bytesFrom(answer)} : std::nullopt};
         }
     }
 

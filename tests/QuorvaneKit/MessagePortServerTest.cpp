@@ -60,7 +60,7 @@ protected:
     PortReply ask(const std::string& port, std::int32_t messageID, Bytes payload = {}) {
         const auto remote = ports.connectPort()(port);
         if (remote == nullptr) return {.status = 999};
-        const Bytes body = *MessagePortWire::wrap(payload, Bytes(32, std::byte{9}));
+        const Bytes body = framed(payload, Bytes(32, std::byte{9}));
         return remote->send({.messageID = messageID,
                              .body = body,
                              .sendTimeout = 10s,

@@ -54,7 +54,7 @@ protected:
     std::string ask(PortEndpoint endpoint, std::int32_t messageID, std::string_view payload = "p",
                     std::byte secretByte = std::byte{9}) {
         RequestRouter router = makeRouter(endpoint);
-        const Bytes body = *MessagePortWire::wrap(bytesOf(payload), Bytes(32, secretByte));
+        const Bytes body = framed(bytesOf(payload), Bytes(32, secretByte));
         return std::string{textOf(joined(router.answer(messageID, body).parts()))};
     }
     RequestRouter makeRouter(PortEndpoint endpoint) {
@@ -186,7 +186,7 @@ TEST_F(RequestRouterTest, AnAnswerFromAnotherThreadEndsTheWaitAndCountsOnce) {
 TEST_F(RequestRouterTest, CancellingEndsTheWaitWithoutALine) {
     handlers.onLockScreenHelloReceived = [&](Bytes, const Answer&) { called.push_back("hello"); };
     RequestRouter router = makeRouter(QueryEndpoint{});
-    const Bytes body = *MessagePortWire::wrap({}, *secret);
+    const Bytes body = framed({}, *secret);
     auto reply = std::async(std::launch::async, [&] { return router.answer(14, body); });
     waits.untilWaiting(1);
     router.cancel();

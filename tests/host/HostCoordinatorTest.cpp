@@ -102,9 +102,7 @@ protected:
         while (!host->isServing())
             if (main.run() == 0) std::this_thread::yield();
     }
-    Bytes request(std::string_view payload = {}) {
-        return *MessagePortWire::wrap(bytesOf(payload), secret());
-    }
+    Bytes request(std::string_view payload = {}) { return framed(bytesOf(payload), secret()); }
     Bytes secret() { return files.at(kSecretFile); }
 
     // Nothing in the reply stands for an empty one.

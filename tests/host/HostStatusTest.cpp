@@ -88,7 +88,7 @@ struct OneReplyPort : RemotePort {
     explicit OneReplyPort(PortReply itsReply) : reply(std::move(itsReply)) {}
     PortReply send(PortRequest request) override {
         EXPECT_EQ(request.messageID, 1);
-        EXPECT_EQ(copyOf(request.body), Bytes(MessagePortWire::kSecretLength, std::byte{9}));
+        EXPECT_EQ(copyOf(request.secret), Bytes(MessagePortWire::kSecretLength, std::byte{9}));
         return reply;
     }
     PortReply reply;

@@ -25,7 +25,8 @@ TEST_F(PortsMacOSTest, ARequestGoesOutAndItsReplyComesBack) {
         const auto port = connect("group.port");
         ASSERT_NE(port, nullptr);
         const PortReply reply = port->send({.messageID = 40,
-                                            .body = bytesOf("question"),
+                                            .secret = bytesOf("quest"),
+                                            .body = bytesOf("ion"),
                                             .sendTimeout = std::chrono::milliseconds{1500},
                                             .receiveTimeout = std::chrono::seconds{2},
                                             .awaitsReply = true});

@@ -23,6 +23,11 @@ inline Bytes joined(std::span<const ByteView> parts) {
     return bytes;
 }
 
+// A request's body as it arrives.
+inline Bytes framed(ByteView payload, ByteView secret) {
+    return joined(std::array{secret, payload});
+}
+
 // Outlives its ports. Any thread, but for the fields.
 class MemoryPorts {
 public:
@@ -113,7 +118,8 @@ private:
 
         PortReply send(PortRequest request) override {
             const auto port = port_;
-            if (request.body.size() > kLargestBody) return {.status = kPortTransportError};
+            if (request.secret.size() + request.body.size() > kLargestBody)
+                return {.status = kPortTransportError};
             return port->answersInside ? sendInside(*port, request) : sendAcross(*port, request);
         }
 
@@ -123,23 +129,25 @@ private:
             const std::weak_ptr<bool> alive = life_;
             MemoryPorts& owner = owner_;
             if (port.isDead) return {.status = kPortIsInvalid};
-            owner.sent.push_back({port.name, request.messageID, copyOf(request.body),
-                                  request.sendTimeout, request.receiveTimeout, request.awaitsReply,
+            owner.sent.push_back({port.name, request.messageID,
+                                  framed(request.body, request.secret), request.sendTimeout,
+                                  request.receiveTimeout, request.awaitsReply,
                                   request.replyMemory.capacity()});
             if (const auto action = std::exchange(owner.duringSend, nullptr)) action();
             if (alive.expired() || port.isDead) return {.status = kPortBecameInvalid};
             if (const auto failure = owner.failures.find(port.name);
                 failure != owner.failures.end())
                 return {.status = failure->second};
-            return reply(request, port.handler(request.messageID, request.body));
+            return reply(request,
+                         port.handler(request.messageID, framed(request.body, request.secret)));
         }
 
         // A message longer than this waits until its server looks at it.
         static constexpr std::size_t kTakenAtOnce = 64 * 1024;
 
         static PortReply sendAcross(Port& port, const PortRequest& request) {
-            const auto call = std::make_shared<Call>(request.messageID, copyOf(request.body), false,
-                                                     PortAnswer{});
+            const auto call = std::make_shared<Call>(
+                request.messageID, framed(request.body, request.secret), false, PortAnswer{});
             std::unique_lock lock{port.mutex};
             if (port.isDead) return {.status = kPortIsInvalid};
             port.waiting.push_back(call);
