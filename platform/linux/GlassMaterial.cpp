@@ -46,27 +46,41 @@ float luminance(float red, float green, float blue) {
     return kRedShare * red + kGreenShare * green + kBlueShare * blue;
 }
 
-// Adds the light of a row's pixels from `x` up to `end` to the sums. Every pixel of the backdrop
-// comes by here, so sums run in whole numbers, which add up faster.
-void addUp(const std::uint32_t* row, int& x, int end, float& red, float& green, float& blue) {
-    constexpr float kUnit = 1 << 20;
-    static const auto units = [] {
-        std::array<std::uint32_t, 256> values{};
+// Light in whole numbers, which add up faster: every pixel of the backdrop comes by.
+constexpr float kLightUnit = 1 << 20;
+
+struct LightSum {
+    std::uint64_t red = 0;
+    std::uint64_t green = 0;
+    std::uint64_t blue = 0;
+};
+
+using LightUnits = std::array<std::uint32_t, 256>;
+
+const LightUnits& lightUnits() {
+    static const auto table = [] {
+        LightUnits values{};
         for (std::size_t i = 0; i < values.size(); ++i)
-            values[i] = static_cast<std::uint32_t>(std::lround(linearValues()[i] * kUnit));
+            values[i] = static_cast<std::uint32_t>(std::lround(linearValues()[i] * kLightUnit));
         return values;
     }();
-    std::uint64_t reds = 0;
-    std::uint64_t greens = 0;
-    std::uint64_t blues = 0;
-    for (; x < end; ++x) {
-        reds += units[row[x] >> 16 & 0xff];
-        greens += units[row[x] >> 8 & 0xff];
-        blues += units[row[x] & 0xff];
+    return table;
+}
+
+// Adds the light of each `step` pixels of a row to their sum.
+void addUp(const std::uint32_t* row, int width, int step, std::vector<LightSum>& sums) {
+    const LightUnits& units = lightUnits();
+    int x = 0;
+    for (LightSum& sum : sums) {
+        LightSum more = sum;
+        for (const int end = std::min(x + step, width); x < end; ++x) {
+            const std::uint32_t pixel = row[x];
+            more.red += units[pixel >> 16 & 0xff];
+            more.green += units[pixel >> 8 & 0xff];
+            more.blue += units[pixel & 0xff];
+        }
+        sum = more;
     }
-    red += static_cast<float>(reds) / kUnit;
-    green += static_cast<float>(greens) / kUnit;
-    blue += static_cast<float>(blues) / kUnit;
 }
 
 // The mean light of each square of `step` pixels. Light adds up; the encoded shades do not.
@@ -74,22 +88,21 @@ GlassPicture reduced(const Pixels& picture, int step) {
     const int width = (picture.width + step - 1) / step;
     const int height = (picture.height + step - 1) / step;
     GlassPicture result{step, Plane{width, height}, Plane{width, height}, Plane{width, height}};
-    for (int y = 0; y < picture.height; ++y) {
-        float* red = &result.red.at(0, y / step);
-        float* green = &result.green.at(0, y / step);
-        float* blue = &result.blue.at(0, y / step);
-        const std::uint32_t* row = picture.row(y);
-        for (int x = 0; x < picture.width; ++red, ++green, ++blue)
-            addUp(row, x, std::min(x + step, picture.width), *red, *green, *blue);
-    }
-    for (int y = 0; y < height; ++y)
+    for (int y = 0; y < height; ++y) {
+        std::vector<LightSum> sums(static_cast<std::size_t>(width));
+        const int bottom = std::min((y + 1) * step, picture.height);
+        for (int line = y * step; line < bottom; ++line)
+            addUp(picture.row(line), picture.width, step, sums);
         for (int x = 0; x < width; ++x) {
             const int columns = std::min(step, picture.width - x * step);
-            const int rows = std::min(step, picture.height - y * step);
-            const float share = 1.0F / static_cast<float>(columns * rows);
-            for (Plane* plane : {&result.red, &result.green, &result.blue})
-                plane->at(x, y) *= share;
+            const float share =
+                1 / (kLightUnit * static_cast<float>(columns * (bottom - y * step)));
+            const LightSum& sum = sums[static_cast<std::size_t>(x)];
+            result.red.at(x, y) = static_cast<float>(sum.red) * share;
+            result.green.at(x, y) = static_cast<float>(sum.green) * share;
+            result.blue.at(x, y) = static_cast<float>(sum.blue) * share;
         }
+    }
     return result;
 }
 
@@ -112,19 +125,23 @@ float sheen(int y, const PixelRect& card, int step) {
     return kSheen * left * left;
 }
 
-// The light of the quietest text on a channel of this light.
-float textLight(float light) {
-    constexpr std::size_t kSteps = 4096;
-    static const auto table = [] {
-        std::array<float, kSteps + 1> values{};
-        for (std::size_t i = 0; i < values.size(); ++i) {
+// The light of the quietest text on channels of different light.
+class TextLight {
+public:
+    TextLight() {
+        for (std::size_t i = 0; i < values_.size(); ++i) {
             const float shade = encodedFromLinear(static_cast<float>(i) / kSteps);
-            values[i] = static_cast<float>(linearFromEncoded(shade + (1 - shade) * kTextOpacity));
+            values_[i] = static_cast<float>(linearFromEncoded(shade + (1 - shade) * kTextOpacity));
         }
-        return values;
-    }();
-    return table[static_cast<std::size_t>(std::min(light, 1.0F) * kSteps)];
-}
+    }
+    float on(float light) const {
+        return values_[static_cast<std::size_t>(static_cast<int>(std::min(light, 1.0F) * kSteps))];
+    }
+
+private:
+    static constexpr std::size_t kSteps = 4096;
+    std::array<float, kSteps + 1> values_{};
+};
 
 struct Light {
     float red, green, blue;
@@ -132,34 +149,49 @@ struct Light {
     Light scaled(float scale, float added) const {
         return {red * scale + added, green * scale + added, blue * scale + added};
     }
-    bool isReadable() const {
-        const float text = luminance(textLight(red), textLight(green), textLight(blue));
-        return text + 0.05F >= kLeastContrast * (luminance(red, green, blue) + 0.05F);
+    bool isReadable(const TextLight& text) const {
+        const float letters = luminance(text.on(red), text.on(green), text.on(blue));
+        return letters + 0.05F >= kLeastContrast * (luminance(red, green, blue) + 0.05F);
     }
 };
 
 // How much of the light stays. What is bright is pressed together below what the text bears, what
 // is dark keeps its share: a sun behind the card takes nothing from the sky around it. Less light
 // is always more readable.
-float scaleFor(const Light& light) {
+float scaleFor(const Light& light, const TextLight& text) {
     constexpr float kAdded = kVeil + kSheen;  // everywhere, so that the sheen stays to be seen
+    constexpr int kHalvings = 12;
     float readable = 0;
-    float tooBright = kHighestScale;
-    if (light.scaled(tooBright, kAdded).isReadable()) readable = tooBright;
-    for (int i = 0; i < 12 && readable < tooBright; ++i) {
-        const float middle = (readable + tooBright) / 2;
-        (light.scaled(middle, kAdded).isReadable() ? readable : tooBright) = middle;
+    if (light.scaled(kHighestScale, kAdded).isReadable(text)) {
+        readable = kHighestScale;
+    } else {
+        // Always as many, and added without a choice: no processor could guess which half it is.
+        float half = kHighestScale / 2;
+        for (int i = 0; i < kHalvings; ++i, half /= 2)
+            readable +=
+                half * static_cast<float>(light.scaled(readable + half, kAdded).isReadable(text));
     }
     return readable > 0 ? readable * (1 - std::exp(-kDimming / readable)) : 0;
 }
 
+// The places whose values the card's pixels are mixed from.
+PixelRect placesUnder(const PixelRect& card, const GlassPicture& glass) {
+    const int left = card.x / glass.step - 1;
+    const int top = card.y / glass.step - 1;
+    return PixelRect{left, top, card.maxX() / glass.step + 2 - left,
+                     card.maxY() / glass.step + 2 - top}
+        .intersection({0, 0, glass.red.width, glass.red.height});
+}
+
 // Dims, adds veil and sheen, and encodes for the screen.
 void tone(GlassPicture& glass, const PixelRect& card) {
-    for (int y = 0; y < glass.red.height; ++y) {
+    static const TextLight text;
+    const PixelRect places = placesUnder(card, glass);
+    for (int y = places.y; y < places.maxY(); ++y) {
         const float added = kVeil + sheen(y, card, glass.step);
-        for (int x = 0; x < glass.red.width; ++x) {
+        for (int x = places.x; x < places.maxX(); ++x) {
             const Light light{glass.red.at(x, y), glass.green.at(x, y), glass.blue.at(x, y)};
-            const Light toned = light.scaled(scaleFor(light), added);
+            const Light toned = light.scaled(scaleFor(light, text), added);
             glass.red.at(x, y) = encodedFromLinear(std::min(1.0F, toned.red));
             glass.green.at(x, y) = encodedFromLinear(std::min(1.0F, toned.green));
             glass.blue.at(x, y) = encodedFromLinear(std::min(1.0F, toned.blue));
