@@ -36,6 +36,11 @@ void LockerWindows::evaluate() {
     // Zones first: who hears of a new locker asks for them.
     const bool zonesChanged =
         std::exchange(zones_, keepClearZones(sceneOf(facts, found))) != zones_;
+    // A lock whose windows have all gone is over, also where the next one's stand already: what
+    // stood in them has gone with them.
+    const bool isOver = std::ranges::none_of(
+        windows_, [&](const LockerWindow& old) { return isFound(found, old.window); });
+    if (isOver && !std::exchange(windows_, {}).empty()) listeners_.call();
     const bool windowsChanged = std::exchange(windows_, std::move(windows)) != windows_;
     if (windowsChanged) listeners_.call();
     if (zonesChanged) zoneListeners_.call();

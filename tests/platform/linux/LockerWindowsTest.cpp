@@ -52,6 +52,23 @@ TEST_F(LockerWindows, TellOfAKnownLockerAsItComesAndGoes) {
     EXPECT_TRUE(session->lockerWindows().empty());
 }
 
+// As when a locker has crashed and is started again at once: a card inside the first one's window
+// has gone with it.
+TEST_F(LockerWindows, ThatAreReplacedAtOnceAreALockOfTheirOwn) {
+    watch();
+    client->destroy(standLocker());
+    const xcb_window_t first = standLocker();
+    EXPECT_EQ(takeSettled(), kLockedAndShown);
+    client->destroy(first);
+    const xcb_window_t second = standLocker();
+    Notices both = kHiddenAndUnlocked;
+    both.insert(both.end(), kLockedAndShown.begin(), kLockedAndShown.end());
+    EXPECT_EQ(takeSettled(), both);
+    standLocker();
+    client->destroy(second);
+    EXPECT_EQ(takeSettled(), both) << "the new one may come before the old one goes";
+}
+
 TEST_F(LockerWindows, AreFoundWhenTheyStandAlready) {
     standLocker();
     client->sync();
