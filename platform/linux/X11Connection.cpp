@@ -148,9 +148,10 @@ void X11Connection::handleQueued() {
     do {
         while (dispatchOne(xcb_poll_for_queued_event(connection_))) continue;
         quietListeners_.call();
-        // Its listeners may have waited for replies, and so have taken in further events.
+        xcb_flush(connection_);
+        // Its listeners may have waited for replies, and sending reads too where there is something
+        // to read: either may have taken in further events, which would not wake the loop.
     } while (dispatchOne(xcb_poll_for_queued_event(connection_)));
-    xcb_flush(connection_);
     checkConnection();
 }
 
