@@ -66,9 +66,21 @@ protected:
          [this] { host_ = session_.startHost(); }},
         {"the locker", [this] { locker_.process().end(SIGKILL); }, [this] { lock(); }},
         {"the bus", [this] { session_.bus().kill(); }, [this] { session_.bus().start(); }},
+        {"the X server", [this] { killXServer(); },
+         [this] {
+             session_.replaceXServer();
+             addOn_ = session_.startAddOn();
+             lock();
+         }},
     };
 
 private:
+    // Takes all its clients along: the add-on says why, and ends plainly.
+    void killXServer() {
+        session_.x().process().end(SIGKILL);
+        const auto status = addOn_.process().wait(20s);
+        EXPECT_TRUE(status && WIFEXITED(*status) && WEXITSTATUS(*status) == 1) << addOn_.log();
+    }
     bool isUnlocked() {
         auto probe = session_.probe();
         const auto pixels = probe.pixels({0, 0, 1, 1});

@@ -30,7 +30,8 @@ struct CardOnScreen {
 
 class LockSession {
 public:
-    explicit LockSession(const std::string& geometry = "1920x1080x24") : x_(geometry) {
+    explicit LockSession(const std::string& geometry = "1920x1080x24")
+        : geometry_(geometry), x_(geometry) {
         unsetenv("WAYLAND_DISPLAY");  // lockers of X servers refuse to start beside it, even when
                                       // it is empty
     }
@@ -126,11 +127,14 @@ public:
 
     ScreenProbe probe() const { return ScreenProbe{x_.display()}; }
     PrivateXServer& x() { return x_; }
+    // A new one, on any display; what is started from now on runs there.
+    void replaceXServer() { x_ = PrivateXServer{geometry_}; }
     PrivateBus& bus() { return bus_; }
     const TemporaryFolder& folder() const { return folder_; }
 
 private:
     TemporaryFolder folder_;
+    std::string geometry_;
     PrivateXServer x_;
     PrivateBus bus_;
 };
