@@ -181,8 +181,9 @@ void blurring(const Bench& bench) {
             .figure = timeText(glass.median()) + " to " + timeText(rival.median()),
             .goal = "≤ 2 ms",
             .isMet = glass.median() <= 2000,
-            .reason = "the light of every pixel is added up, and each place under the card tried for "
-                      "how much light the text on it bears"});
+            .reason =
+                "the light of every pixel is added up, and each place under the card tried for "
+                "how much light the text on it bears"});
 }
 
 int runBench() {

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "platform/linux/Symbols.hpp"
 #include "platform/linux/TextDrawing.hpp"
 
 namespace quorvane {
@@ -40,6 +39,7 @@ struct Painter {
     bool isRightToLeft;
     PictureCache& pictures;
     TextLayouts& texts;
+    SymbolMasks& symbols;
     std::vector<double> groupOpacities{};
 
     void operator()(const ShapeNode& shape) const {
@@ -50,7 +50,7 @@ struct Painter {
     }
 
     void operator()(const SymbolNode& symbol) const {
-        if (isVisible(cairo, symbol.frame)) drawSymbol(cairo, symbol, isRightToLeft);
+        if (isVisible(cairo, symbol.frame)) symbols.draw(cairo, symbol, isRightToLeft);
     }
 
     void operator()(const TextNode& text) const {
@@ -117,7 +117,7 @@ CairoCanvas::CairoCanvas(double scale, std::shared_ptr<PictureCache> pictures,
 
 void CairoCanvas::drawOn(cairo_t* cairo, const Scene& scene) {
     const CairoState state{cairo};
-    Painter painter{cairo, scale_, scene.isRightToLeft, *pictures_, texts_};
+    Painter painter{cairo, scale_, scene.isRightToLeft, *pictures_, texts_, symbols_};
     for (const SceneNode& node : scene.nodes) std::visit(painter, node);
     while (!painter.groupOpacities.empty()) painter(GroupEnd{});
 }

@@ -5,6 +5,7 @@
 
 #include "drawing/Canvas.hpp"
 #include "platform/linux/PictureCache.hpp"
+#include "platform/linux/SymbolMasks.hpp"
 #include "platform/linux/TextLayouts.hpp"
 
 namespace quorvane {
@@ -31,6 +32,7 @@ private:
     double scale_;
     std::shared_ptr<PictureCache> pictures_;
     TextLayouts texts_;
+    SymbolMasks symbols_;
     CairoSurface target_;
 };
 

@@ -139,5 +139,24 @@ TEST(CairoCanvas, DrawsTheSameTwice) {
     EXPECT_EQ(first, (DrawnScene{fresh, scene, kArea, 2}));
 }
 
+TEST(CairoCanvas, TakesNoSymbolForAnother) {
+    CairoCanvas canvas{2};
+    const SymbolNode first{{10, 10, 20, 20}, "speaker.fill", 17, Color::white()};
+    SymbolNode smaller = first, wider = first, quieter = first, between = first, other = first;
+    smaller.pointSize = 12;
+    wider.frame.width = 30;
+    quieter.color.alpha = 0.3;
+    between.frame.x += 0.25;
+    other.name = "heart";
+    for (const SymbolNode& node : {first, smaller, wider, quieter, between, other, first})
+        for (const bool isRightToLeft : {false, true}) {
+            Scene scene;
+            scene.nodes = {node};
+            scene.isRightToLeft = isRightToLeft;
+            CairoCanvas fresh{2};
+            EXPECT_EQ((DrawnScene{canvas, scene, kArea, 2}), (DrawnScene{fresh, scene, kArea, 2}));
+        }
+}
+
 }  // namespace
 }  // namespace quorvane
