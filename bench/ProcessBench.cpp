@@ -252,8 +252,8 @@ void scrolling() {
             .goal = "≤ 0.5 %",
             .isMet = card->share <= 0.5,
             .reason =
-                "each frame wakes two processes, and the X server copies the whole row to the "
-                "screen"});
+                "a program that only puts a finished row there so often takes a third to a half of "
+                "it: each frame wakes two processes, whose caches have gone cold"});
     tellCardRivals(session, *card);
 }
 
