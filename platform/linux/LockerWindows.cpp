@@ -29,6 +29,7 @@ void LockerWindows::noteOwnWindow(xcb_window_t window, bool exists) {
 
 void LockerWindows::evaluate() {
     if (!std::exchange(isStale_, false)) return;
+    const auto destroyed = topLevels_.takeDestroyed();
     const LockFacts facts = gather();
     const auto found = findLockers(facts);
     std::vector<LockerWindow> windows;
@@ -38,8 +39,9 @@ void LockerWindows::evaluate() {
         std::exchange(zones_, keepClearZones(sceneOf(facts, found))) != zones_;
     // A lock whose windows have all gone is over, also where the next one's stand already: what
     // stood in them has gone with them.
-    const bool isOver = std::ranges::none_of(
-        windows_, [&](const LockerWindow& old) { return isFound(found, old.window); });
+    const bool isOver = std::ranges::none_of(windows_, [&](const LockerWindow& old) {
+        return isFound(found, old.window) && !destroyed.contains(old.window);
+    });
     if (isOver && !std::exchange(windows_, {}).empty()) listeners_.call();
     const bool windowsChanged = std::exchange(windows_, std::move(windows)) != windows_;
     if (windowsChanged) listeners_.call();

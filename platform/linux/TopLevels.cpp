@@ -116,7 +116,7 @@ bool TopLevels::concernsForeignChild(const xcb_generic_event_t& event) const {
 
 void TopLevels::forget(xcb_window_t window) {
     details_.erase(window);
-    watchedClosely_.erase(window);
+    if (watchedClosely_.erase(window) > 0) destroyed_.insert(window);
     std::erase_if(overlays_, [&](const WindowStack& stack) { return stack.parent() == window; });
 }
 

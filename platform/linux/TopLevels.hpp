@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/Listeners.hpp"
@@ -42,6 +43,9 @@ public:
     const Details* details(xcb_window_t window);
     // From now on changes of the window's children and of its class are changes too.
     void watchClosely(xcb_window_t window);
+    // Those watched closely that were destroyed since this was last asked. A new window may have
+    // the number of one of them already.
+    std::set<xcb_window_t> takeDestroyed() { return std::exchange(destroyed_, {}); }
     // The windows inside a window that is watched closely: mapped, drawable, in the root's pixels.
     std::vector<Rect> mappedChildren(xcb_window_t parent, const Rect& frame);
     // The clients that manage the desktop: window manager and compositor.
@@ -76,6 +80,7 @@ private:
     KeyboardHold keyboard_ = KeyboardHold::unknown;
     std::map<xcb_window_t, Details> details_;
     std::set<xcb_window_t> watchedClosely_;
+    std::set<xcb_window_t> destroyed_;
     std::set<xcb_window_t> noted_;
     bool followsScreenSaver_ = false;
     Handle events_;

@@ -46,8 +46,10 @@ public:
     };
     // Not mapped. `parent` is the root when left out.
     xcb_window_t makeWindow(const Rect& frame, Look look = {true, false},
-                            xcb_window_t parent = XCB_WINDOW_NONE) const {
-        const xcb_window_t window = xcb_generate_id(connection_);
+                            xcb_window_t parent = XCB_WINDOW_NONE,
+                            xcb_window_t number = XCB_WINDOW_NONE) const {
+        const xcb_window_t window =
+            number == XCB_WINDOW_NONE ? xcb_generate_id(connection_) : number;
         const std::uint32_t values[] = {look.isOverrideRedirect ? 1u : 0u};
         xcb_create_window(
             connection_, XCB_COPY_FROM_PARENT, window, parent == XCB_WINDOW_NONE ? root() : parent,

@@ -12,8 +12,9 @@ namespace {
 
 class LockerWindows : public LockFixture {
 protected:
-    xcb_window_t standLocker(const Rect& frame = kBothMonitors, const char* name = "i3lock") {
-        const xcb_window_t window = client->makeWindow(frame);
+    xcb_window_t standLocker(const Rect& frame = kBothMonitors, const char* name = "i3lock",
+                             xcb_window_t number = XCB_WINDOW_NONE) {
+        const xcb_window_t window = client->makeWindow(frame, {}, XCB_WINDOW_NONE, number);
         if (*name) client->setClass(window, name, name);
         client->map(window);
         return window;
@@ -56,17 +57,20 @@ TEST_F(LockerWindows, TellOfAKnownLockerAsItComesAndGoes) {
 // has gone with it.
 TEST_F(LockerWindows, ThatAreReplacedAtOnceAreALockOfTheirOwn) {
     watch();
-    client->destroy(standLocker());
     const xcb_window_t first = standLocker();
     EXPECT_EQ(takeSettled(), kLockedAndShown);
+    Notices another = kHiddenAndUnlocked;
+    another.insert(another.end(), kLockedAndShown.begin(), kLockedAndShown.end());
     client->destroy(first);
     const xcb_window_t second = standLocker();
-    Notices both = kHiddenAndUnlocked;
-    both.insert(both.end(), kLockedAndShown.begin(), kLockedAndShown.end());
-    EXPECT_EQ(takeSettled(), both);
+    EXPECT_EQ(takeSettled(), another);
+    client->destroy(second);
+    // The server gives a client that comes now the numbers of one that has gone.
+    standLocker(kBothMonitors, "i3lock", second);
+    EXPECT_EQ(takeSettled(), another);
     standLocker();
     client->destroy(second);
-    EXPECT_EQ(takeSettled(), both) << "the new one may come before the old one goes";
+    EXPECT_EQ(takeSettled(), another) << "the new one may come before the old one goes";
 }
 
 TEST_F(LockerWindows, AreFoundWhenTheyStandAlready) {
