@@ -16,9 +16,6 @@ namespace {
 constexpr int kBacklog = 128;
 constexpr int kMostAcceptedAtOnce = 64;
 constexpr Duration kAcceptPause = std::chrono::milliseconds{250};
-// Of the kernel, for each client: a state with artwork goes out in one piece then, where client and
-// server would take turns otherwise. A client without the secret gets nothing to fill it with.
-constexpr int kReplyRoom = 512 * 1024;
 
 Instant now() { return std::chrono::steady_clock::now(); }
 
@@ -127,8 +124,8 @@ void LocalPortLinux::pauseListening() {
 
 void LocalPortLinux::add(FileDescriptor socket) {
     if (connections_.size() >= limits_.connections) dropFromGreediest();
-    // As far as the system allows; less is slower, nothing else.
-    setsockopt(socket.get(), SOL_SOCKET, SO_SNDBUF, &kReplyRoom, sizeof kReplyRoom);
+    // A client without the secret gets nothing to fill it with.
+    askForSendRoom(socket.get());
     auto connection = std::make_unique<PortConnection>(std::move(socket), limits_, memory_);
     connection->place = connections_.size();
     connection->lastUse = ++uses_;

@@ -33,6 +33,7 @@ std::unique_ptr<RemotePort> RemotePortLinux::connect(const PortFolder& folder,
         !peerIsOwnUser(socket.get()))
         return nullptr;
     if (fcntl(socket.get(), F_SETFL, 0) != 0) return nullptr;
+    askForSendRoom(socket.get());
     return std::unique_ptr<RemotePort>{new RemotePortLinux{std::move(socket)}};
 }
 

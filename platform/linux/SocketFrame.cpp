@@ -82,6 +82,11 @@ std::optional<ReplyHeader> decodeReplyHeader(std::span<const std::byte, kFrameHe
     return header;
 }
 
+void askForSendRoom(int socket) {
+    constexpr int kRoom = 512 * 1024;
+    setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &kRoom, sizeof kRoom);
+}
+
 ssize_t sendFrameRest(int socket, const FrameParts& parts, std::size_t sent) {
     std::array<iovec, std::tuple_size_v<FrameParts>> rest{};
     for (std::size_t i = 0; i < parts.size(); ++i) {

@@ -41,6 +41,11 @@ std::optional<RequestHeader> decodeRequestHeader(
     std::span<const std::byte, kFrameHeaderBytes> bytes);
 std::optional<ReplyHeader> decodeReplyHeader(std::span<const std::byte, kFrameHeaderBytes> bytes);
 
+// Room in the kernel for what a socket sends: a state with artwork goes out in one piece then,
+// where both ends would take turns otherwise. As far as the system allows; less is slower, nothing
+// else.
+void askForSendRoom(int socket);
+
 // A message's bytes in order; parts may be empty.
 using FrameParts = std::array<ByteView, 4>;
 
