@@ -60,7 +60,8 @@ std::string sizeName(std::size_t size) {
 // Why a rival comes nearer than it should. A bare stream does nothing but let the kernel copy the
 // bytes and wake the other side, which takes all the same time.
 std::string reasonFor(double rivalOverBare, double least) {
-    if (rivalOverBare >= least) return "beyond a bare stream come framing, the secret's check and both time limits";
+    if (rivalOverBare >= least)
+        return "beyond a bare stream come framing, the secret's check and both time limits";
     return "a bare Unix stream, which only wakes the other side and copies the bytes through the "
            "kernel as all do, is itself but " +
            numberText(rivalOverBare, " ×") + " faster than it";
