@@ -10,6 +10,9 @@ namespace quorvane {
 namespace {
 
 constexpr Duration kArtworkFade = std::chrono::milliseconds{350};
+// A change that comes late by one part in so many of the time since the last is not seen; the
+// times' second shares its wake-up with the poll.
+constexpr int kUnseenShare = 200;
 
 }  // namespace
 
@@ -95,7 +98,8 @@ void PlayerCard::draw() {
     scene_ = std::move(scene);
     nextDraw_.reset();
     if (scene_.nextChange)
-        nextDraw_ = environment_.clock.after(*scene_.nextChange, [this] { draw(); });
+        nextDraw_ = environment_.clock.afterAbout(
+            *scene_.nextChange, *scene_.nextChange / kUnseenShare, [this] { draw(); });
     if (isNew) stage_->setScene(scene_);
 }
 

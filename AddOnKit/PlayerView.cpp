@@ -179,10 +179,14 @@ private:
     static std::optional<Duration> progressChange(double position, std::optional<double> duration,
                                                   double pixels) {
         if (duration && position >= *duration) return std::nullopt;
+        constexpr double kTogether = 0.05;
         double wait = 1 - (position - std::floor(position));
         if (duration) {
             const double left = *duration - position;
-            wait = std::min(wait, left - std::floor(left));
+            const double other = left - std::floor(left);
+            // Both texts at once where one would follow the other in no time.
+            wait =
+                std::abs(wait - other) < kTogether ? std::max(wait, other) : std::min(wait, other);
             if (pixels > 0) {
                 const double pixel = *duration / pixels;
                 wait = std::min(wait, pixel - std::fmod(position, pixel));

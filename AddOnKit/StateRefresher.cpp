@@ -7,6 +7,9 @@ namespace quorvane {
 namespace {
 
 constexpr Duration kPollPeriod = std::chrono::seconds{2};
+// The card's times change once a second: a poll that has just missed one of their changes waits for
+// the next, and then stays with them.
+constexpr Duration kPollTolerance = std::chrono::seconds{1};
 constexpr Duration kFollowUpDelay = std::chrono::milliseconds{800};
 
 }  // namespace
@@ -45,7 +48,7 @@ void StateRefresher::refreshAndPollOn() {
     const auto life = life_.watch();
     refresh();
     if (life.isOver() || !isPolling_) return;  // the refresh may have ended the polling
-    poll_ = clock_.after(kPollPeriod, [this] {
+    poll_ = clock_.afterAbout(kPollPeriod, kPollTolerance, [this] {
         poll_.reset();
         refreshAndPollOn();
     });

@@ -15,7 +15,8 @@ class StateRefresher {
 public:
     StateRefresher(Clock clock, std::function<void()> refresh);
 
-    // Becoming active refreshes at once, then every two seconds.
+    // Becoming active refreshes at once, then every two seconds, or up to one later where that saves
+    // a wake-up.
     void setActive(bool active);
     // A command was sent: one refresh, a moment after the last of a burst.
     void nudge();

@@ -37,7 +37,8 @@ MessagePortClient::Services servicesIn(const std::filesystem::path& folder) {
             .makeSerialQueue = makeSerialQueuesLinux(),
             .mainThread = {.post = [](const std::function<void()>&) {}},
             .clock = {.now = [] { return Instant{std::chrono::steady_clock::now()}; },
-                      .after = [](Duration, const std::function<void()>&) { return Timer{}; }},
+                      .after = [](Duration, const std::function<void()>&) { return Timer{}; },
+                      .afterAbout = {}},
             .darwinNotices = {.post = [](const std::string&) {},
                               .observe = [](const std::string&,
                                             const std::function<void()>&) { return Handle{}; }}};

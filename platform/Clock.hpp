@@ -18,10 +18,14 @@ inline constexpr WallTime kDistantPast{std::chrono::seconds{-7'000'000'000}};
 
 // Main thread only, but for `now`, which any thread may ask. `after` calls its action once, on the
 // main thread, never before it has returned, unless the timer is dropped first. A delay of zero or
-// less fires on the next turn of the main loop.
+// less fires on the next turn of the main loop. `afterAbout` does the same, but may come up to
+// `tolerance` late, so as to share the wake-up of another timer; by itself it is no later than
+// `after`.
 struct Clock {
     std::function<Instant()> now;
     std::function<Timer(Duration delay, std::function<void()> action)> after;
+    std::function<Timer(Duration delay, Duration tolerance, std::function<void()> action)>
+        afterAbout;
 };
 
 using WallClock = std::function<WallTime()>;

@@ -56,12 +56,17 @@ EventLoop::~EventLoop() = default;
 sd_event* EventLoop::event() const { return state_->event; }
 
 Clock EventLoop::clock() {
+    const auto afterAbout = [weak = std::weak_ptr{state_->timers}](
+                                Duration delay, Duration tolerance, std::function<void()> action) {
+        const auto timers = weak.lock();
+        return timers ? timers->after(delay, tolerance, std::move(action)) : Timer{};
+    };
     return {.now = &TimerQueue::now,
-            .after = [weak = std::weak_ptr{state_->timers}](Duration delay,
-                                                            std::function<void()> action) {
-                const auto timers = weak.lock();
-                return timers ? timers->after(delay, std::move(action)) : Timer{};
-            }};
+            .after =
+                [afterAbout](Duration delay, std::function<void()> action) {
+                    return afterAbout(delay, {}, std::move(action));
+                },
+            .afterAbout = afterAbout};
 }
 
 MainThread EventLoop::mainThread() {

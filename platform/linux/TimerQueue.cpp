@@ -38,11 +38,12 @@ Instant TimerQueue::now() {
     return Instant{std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec}};
 }
 
-Timer TimerQueue::after(Duration delay, std::function<void()> action) {
+Timer TimerQueue::after(Duration delay, Duration tolerance, std::function<void()> action) {
     const Instant start = now();
     delay = std::clamp(delay, Duration{}, Instant::max() - start);
     const Place place{start + delay, made_++};
-    timers_.emplace(place, std::move(action));
+    const Instant latest = place.first + std::min(tolerance, Instant::max() - place.first);
+    timers_.emplace(place, Waiting{latest, std::move(action)});
     arm();
     return Handle{[place, weak = weak_from_this()] {
         const auto self = weak.lock();
@@ -55,8 +56,16 @@ void TimerQueue::arm() {
         sd_event_source_set_enabled(source_, SD_EVENT_OFF);
         return;
     }
-    sd_event_source_set_time(source_, microsecondsUpTo(timers_.begin()->first.first));
+    sd_event_source_set_time(source_, microsecondsUpTo(nextWake()));
     sd_event_source_set_enabled(source_, SD_EVENT_ONESHOT);
+}
+
+// All that fall due before the first of them must run are run together, when the last of these is
+// due: no timer waits for company that it does not get.
+Instant TimerQueue::nextWake() const {
+    Instant limit = Instant::max();
+    for (const auto& [place, waiting] : timers_) limit = std::min(limit, waiting.latest);
+    return std::prev(timers_.upper_bound({limit, made_}))->first.first;
 }
 
 void TimerQueue::runDue() {
@@ -67,7 +76,7 @@ void TimerQueue::runDue() {
     while (!isStopped_ && !timers_.empty()) {
         const auto first = timers_.begin();
         if (first->first.first > time) break;
-        const auto action = std::move(first->second);
+        const auto action = std::move(first->second.action);
         timers_.erase(first);
         action();
     }

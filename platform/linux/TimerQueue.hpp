@@ -1,4 +1,4 @@
-// The timers of the main loop: one system timer, set to the earliest of them.
+// The timers of the main loop: one system timer, set for as few wake-ups as they allow.
 #pragma once
 
 #include <systemd/sd-event.h>
@@ -21,7 +21,8 @@ public:
 
     // 0 or the loop's negative error number.
     int attach(sd_event* event);
-    Timer after(Duration delay, std::function<void()> action);
+    // The action runs `tolerance` late at most, and that only together with another timer.
+    Timer after(Duration delay, Duration tolerance, std::function<void()> action);
     // Leaves what is still due for later.
     void stopRunning() { isStopped_ = true; }
 
@@ -30,12 +31,17 @@ public:
 private:
     // The second member counts the timers made, so that equal times keep their order.
     using Place = std::pair<Instant, std::uint64_t>;
+    struct Waiting {
+        Instant latest;
+        std::function<void()> action;
+    };
 
     void arm();
+    Instant nextWake() const;
     void runDue();
 
     sd_event_source* source_ = nullptr;
-    std::map<Place, std::function<void()>> timers_;
+    std::map<Place, Waiting> timers_;
     std::uint64_t made_ = 0;
     bool isStopped_ = false;
 };

@@ -11,11 +11,12 @@
 namespace quorvane {
 namespace {
 
-Timer startTimer(Duration delay, std::function<void()> action) {
+Timer startTimer(Duration delay, Duration tolerance, std::function<void()> action) {
     dispatch_source_t source =
         dispatch_source_create(DISPATCH_SOURCE_TYPE_TIMER, 0, 0, dispatch_get_main_queue());
     const auto start = dispatch_time(DISPATCH_TIME_NOW, std::max(delay, Duration::zero()).count());
-    dispatch_source_set_timer(source, start, DISPATCH_TIME_FOREVER, 0);
+    dispatch_source_set_timer(source, start, DISPATCH_TIME_FOREVER,
+                              static_cast<std::uint64_t>(tolerance.count()));
     dispatch_source_set_event_handler(source, ^{
       action();
     });
@@ -27,7 +28,12 @@ Timer startTimer(Duration delay, std::function<void()> action) {
 }  // namespace
 
 Clock makeClockMacOS() {
-    return {.now = [] { return Instant{std::chrono::steady_clock::now()}; }, .after = startTimer};
+    return {.now = [] { return Instant{std::chrono::steady_clock::now()}; },
+            .after =
+                [](Duration delay, std::function<void()> action) {
+                    return startTimer(delay, {}, std::move(action));
+                },
+            .afterAbout = startTimer};
 }
 
 }  // namespace quorvane

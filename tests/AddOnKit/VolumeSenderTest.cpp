@@ -84,7 +84,8 @@ TEST(VolumeSender, ATimerThatComesEarlyForTheValueHeldWaitsTheRest) {
                           [&](Duration, std::function<void()> action) {
                               timers.push_back(std::move(action));
                               return Timer{[] {}};
-                          }};
+                          },
+                      .afterAbout = {}};
     Values sent;
     VolumeSender sender{clock, [&](std::int64_t value) { sent.push_back(value); }};
     sender.submit(1);

@@ -11,11 +11,14 @@ namespace quorvane {
 class ManualClock {
 public:
     Clock clock() {
-        return {.now = [this] { return Instant{elapsed_}; },
-                .after =
-                    [this](Duration delay, std::function<void()> action) {
-                        return add(delay, std::move(action));
-                    }};
+        return {
+            .now = [this] { return Instant{elapsed_}; },
+            .after = [this](Duration delay,
+                            std::function<void()> action) { return add(delay, std::move(action)); },
+            .afterAbout =
+                [this](Duration delay, Duration, std::function<void()> action) {
+                    return add(delay, std::move(action));
+                }};
     }
     WallClock wallClock() {
         return [this] { return kStart + elapsed_; };

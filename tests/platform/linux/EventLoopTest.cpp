@@ -27,6 +27,27 @@ struct EventLoopTest : testing::Test {
     using Trail = std::vector<std::string>;
 };
 
+TEST_F(EventLoopTest, TimersThatMayBeLateShareAWakeUpAndWaitForNoOther) {
+    int wakes = 0;
+    const Handle sleeps = loop->beforeSleep([&] { ++wakes; });
+    std::vector<int> wakesThen;
+    std::vector<Timer> timers;
+    const auto note = [&] { wakesThen.push_back(wakes); };
+    const Instant start = clock.now();
+    timers.push_back(clock.after(milliseconds{300}, note));
+    timers.push_back(clock.afterAbout(milliseconds{200}, milliseconds{200}, [&] {
+        EXPECT_GE(clock.now() - start, milliseconds{300});  // but for the tolerance at 200
+        note();
+    }));
+    timers.push_back(clock.afterAbout(milliseconds{310}, std::chrono::hours{1}, [&] {
+        note();
+        loop->quit(0);
+    }));
+    loop->run();
+    ASSERT_EQ(wakesThen.size(), 3u);
+    EXPECT_EQ(wakesThen[0], wakesThen[1]);
+}
+
 TEST_F(EventLoopTest, TimersFireInOrderOfTimeThenOfMaking) {
     const Instant start = clock.now();
     Instant fired;
