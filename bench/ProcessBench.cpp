@@ -206,8 +206,7 @@ void playing() {
             .figure = numberText(rate, " a second"),
             .goal = "≤ 1.5 a second",
             .isMet = rate <= 1.5,
-            .reason = "one for the times, and each poll, every two seconds, sleeps once more until "
-                      "its reply is there"});
+            .reason = "one for the times, which each poll shares, and one for its reply"});
     report(
         {.what = "card up: resident memory",
          .figure = sizeText(memory.resident),
