@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "Quorvane_Lock_Screen/AddOnApp.hpp"
 #include "shared/AddOnSignals.hpp"
 #include "tests/support/FakePlatform.hpp"
 
@@ -209,87 +208,6 @@ TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgai
               1);
 }
 
-TEST_F(AddOnCoordinatorTest, AnswersThatAreNoRecordsChangeNothing) {
-    lockAndShow();
-    platform.mainApp.lies = true;
-    platform.notice(kStateChanged);
-    platform.notice(kConfigurationChanged);
-    platform.pass(70s);
-    EXPECT_TRUE(platform.isCardSeen());
-    EXPECT_EQ(platform.windows.windows.size(), 1u);
-    EXPECT_GT(platform.mainApp.hellos.size(), 3u);
-}
-
-TEST_F(AddOnCoordinatorTest, TheConfigurationTurnsTheCardOffAndOn) {
-    lockAndShow();
-    platform.mainApp.configuration.isEnabled = false;
-    platform.notice(kConfigurationChanged);
-    EXPECT_TRUE(platform.windows.open().empty());
-    const int requests = platform.mainApp.stateRequests;
-    platform.pass(10s);
-    EXPECT_EQ(platform.mainApp.stateRequests, requests);
-    platform.mainApp.configuration.isEnabled = true;
-    platform.notice(kConfigurationChanged);
-    EXPECT_TRUE(platform.isCardSeen());
-    EXPECT_EQ(platform.mainApp.stateRequests, requests + 1);
-}
-
-TEST_F(AddOnCoordinatorTest, TheInstallerIsToldTheStatusAndObeyed) {
-    start();
-    const auto statusOf = [&](std::size_t index) {
-        EXPECT_EQ(platform.notices.posted.at(index).first, AddOnSignals::kStatus);
-        return AddOnSignals::Status::fromUserInfo(platform.notices.posted[index].second);
-    };
-    platform.notice(AddOnSignals::kStatusRequest);
-    ASSERT_FALSE(platform.notices.posted.empty());
-    const std::size_t answers = platform.notices.posted.size();
-    EXPECT_EQ(statusOf(answers - 1),
-              (AddOnSignals::Status{.isConnected = true, .version = "1.2.3"}));
-    platform.mainApp.quit();
-    platform.notice(kStateChanged);  // finds the port dead
-    ASSERT_EQ(platform.notices.posted.size(), answers + 1);
-    EXPECT_EQ(statusOf(answers), (AddOnSignals::Status{.isConnected = false, .version = "1.2.3"}));
-    platform.notice(AddOnSignals::kQuit);
-    EXPECT_EQ(platform.terminations, 1);
-    EXPECT_EQ(platform.log.lines().back().text, "installer: quitting");
-}
-
-TEST_F(AddOnCoordinatorTest, AnOrderlyEndClosesTheWindows) {
-    AddOnApp app{platform.live};
-    app.applicationDidFinishLaunching();
-    platform.pass(10ms);
-    platform.lock();
-    platform.pass(800ms);
-    EXPECT_TRUE(platform.isCardSeen());
-    app.applicationWillTerminate();
-    EXPECT_TRUE(platform.windows.open().empty());
-    EXPECT_EQ(platform.activities, 0);
-    const int requests = platform.mainApp.stateRequests;
-    platform.pass(10s);
-    EXPECT_EQ(platform.mainApp.stateRequests, requests);
-}
-
-TEST_F(AddOnCoordinatorTest, ADragSendsTwelveVolumesASecondAndItsLast) {
-    lockAndShow();
-    const auto area = *platform.frame(ID::volume);
-    const auto at = [&](int volume) {
-        return Point{area.x + area.width * (volume + 0.5) / 100, area.midY()};
-    };
-    platform.pointer(Kind::down, at(99));
-    for (int volume = 98; volume >= 1; --volume) {
-        platform.pass(10ms);
-        platform.pointer(Kind::dragged, at(volume));
-    }
-    EXPECT_EQ(platform.mainApp.commands.size(), 12u);
-    EXPECT_EQ(platform.mainApp.commands.front(), "volume 99");
-    platform.pointer(Kind::up, at(1));
-    EXPECT_EQ(platform.mainApp.commands.size(), 13u);
-    EXPECT_EQ(platform.mainApp.commands.back(), "volume 1");
-    EXPECT_EQ(count("volume: drag ended at 1"), 1);
-    platform.pass(1s);
-    EXPECT_EQ(platform.mainApp.commands.size(), 13u);
-}
-
 // What a new connection tells is older than what the user does meanwhile.
 TEST_F(AddOnCoordinatorTest, AnEditThatMustConnectFirstOutlivesTheNewsOfTheConnection) {
     const auto playPauseLabel = [&] {
@@ -330,51 +248,6 @@ TEST_F(AddOnCoordinatorTest, ABundleWithoutAVersionHasADashForOne) {
     EXPECT_EQ(AddOnSignals::Status::fromUserInfo(userInfo),
               (AddOnSignals::Status{.isConnected = true, .version = "-"}));
     EXPECT_EQ(platform.mainApp.hellos.at(0).addOnVersion, "0");
-}
-
-TEST_F(AddOnCoordinatorTest, AWakeFindsOutWhatNoNoticeTold) {
-    lockAndShow();
-    platform.isLocked = false;
-    platform.wake();
-    EXPECT_TRUE(platform.windows.open().empty());
-    EXPECT_EQ(count("wake: the screen is unlocked but no unlock notice arrived"), 1);
-    platform.isLocked = true;
-    platform.wake();
-    platform.notice("com.apple.screenLockUIIsShown");
-    platform.pass(800ms);
-    EXPECT_TRUE(platform.isCardSeen());
-    EXPECT_EQ(platform.mainApp.hellos.size(), 3u);  // at the start and at each lock
-}
-
-TEST_F(AddOnCoordinatorTest, EveryScreenHasACardAsScreensComeAndGo) {
-    lockAndShow();
-    platform.screens.list.push_back({.frame = {1920, 0, 1280, 1024}, .scale = 2});
-    platform.screens.changed();
-    platform.settle();
-    ASSERT_EQ(platform.windows.open().size(), 2u);
-    EXPECT_TRUE(platform.isCardSeen(0) && platform.isCardSeen(1));
-    platform.tap(ID::playPause);
-    EXPECT_EQ(platform.mainApp.commands, (Lines{"playPause"}));
-    platform.screens.list.clear();
-    platform.screens.changed();
-    EXPECT_TRUE(platform.windows.open().empty());
-    EXPECT_EQ(platform.activities, 0);
-}
-
-TEST_F(AddOnCoordinatorTest, NoticesInsideAWaitingSendMakeOneMoreRequest) {
-    lockAndShow();
-    const int requests = platform.mainApp.stateRequests;
-    platform.ports.duringSend = [&] {
-        for (int i = 0; i < 3; ++i) platform.notices.deliver(kStateChanged);
-        platform.mainApp.play("Rush", "Sedge");
-        platform.tap(ID::love);
-    };
-    platform.notices.deliver(kStateChanged);
-    EXPECT_EQ(platform.mainApp.stateRequests, requests + 1);
-    EXPECT_EQ(platform.mainApp.commands, (Lines{"toggleLove"}));
-    platform.settle();
-    EXPECT_EQ(platform.mainApp.stateRequests, requests + 2);
-    EXPECT_TRUE(platform.isCardSeen());
 }
 
 // A drag's end sends, and with a connection that must be made anew it waits. What comes in
@@ -424,16 +297,6 @@ TEST_F(AddOnCoordinatorTest, NothingHappensAfterItsDestruction) {
     platform.settle();
     platform.pass(100s);
     EXPECT_EQ(platform.ports.sent.size(), requests);
-    EXPECT_TRUE(platform.log.take().empty());
-}
-
-TEST_F(AddOnCoordinatorTest, AnAnswerOnItsWayFindsNobody) {
-    start();
-    platform.notices.deliver(kConfigurationChanged);
-    platform.queues.runAll();  // answered, and posted to the main thread
-    coordinator.reset();
-    platform.log.take();
-    EXPECT_GT(platform.mainThread.run(), 0);
     EXPECT_TRUE(platform.log.take().empty());
 }
 

@@ -215,12 +215,5 @@ TEST_F(CardWindowControllerTest, WithALoaderTheWindowServerLiftsTheWindows) {
     EXPECT_EQ(windows_.open().size(), 2u);
 }
 
-TEST_F(CardWindowControllerTest, AMouseDownIsLogged) {
-    controller_->present(kPlaying);
-    windows_.windows[0]->mouseDown({60, 70.5});
-    EXPECT_EQ(log_.lines().back().text, "window 101 mouse down at {60, 70.5}");
-    EXPECT_EQ(log_.lines().back().level, LogLevel::debug);
-}
-
 }  // namespace
 }  // namespace quorvane
