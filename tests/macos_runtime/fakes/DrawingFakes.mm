@@ -35,7 +35,7 @@ std::string textOf(const CGRect& r) {
 
 // Everything that Core Graphics makes and that only has to be told apart.
 @interface DrawingObject : NSObject
-@property std::string text;
+@property(nonatomic) std::string text;
 @property CGSize size;
 @end
 @implementation DrawingObject

@@ -41,7 +41,7 @@ const macrt::AtReset reset{[] { conversion = nullptr; }};
 @end
 
 @interface NSLayoutAnchor ()
-@property std::string name;
+@property(nonatomic) std::string name;
 @end
 @implementation NSLayoutAnchor
 - (NSLayoutConstraint*)constraintEqualToAnchor:(NSLayoutAnchor*)anchor {

@@ -124,19 +124,6 @@ struct Block {
     BlockDescriptor* descriptor;
 };
 
-// A variable that blocks share with the function that declares it.
-struct SharedVariable {
-    static constexpr int kHasOwnCopying = 1 << 25;
-    static constexpr int kOnHeap = 1 << 24;
-    static constexpr int kHolders = 0xFFFF;
-    void* isa;
-    SharedVariable* forwarding;
-    int flags;
-    int size;
-    void (*keep)(SharedVariable* to, SharedVariable* from);
-    void (*dispose)(SharedVariable* variable);
-};
-
 // What Send.S saves of a call before it asks for the method.
 struct Frame {
     double vectors[8][2];

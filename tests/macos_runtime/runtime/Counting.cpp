@@ -191,7 +191,6 @@ Object* objc_autoreleaseReturnValue(Object* object) { return objc_autorelease(ob
 Object* objc_retainAutoreleaseReturnValue(Object* object) { return objc_retainAutorelease(object); }
 // Results are not handed over as the system does it: the pool lets go of them later.
 Object* objc_retainAutoreleasedReturnValue(Object* object) { return objc_retain(object); }
-Object* objc_claimAutoreleasedReturnValue(Object* object) { return objc_retain(object); }
 Object* objc_unsafeClaimAutoreleasedReturnValue(Object* object) { return object; }
 
 void objc_storeStrong(Object** place, Object* value) {
@@ -220,8 +219,6 @@ Object* objc_loadWeakRetained(Object** place) {
     return isEnding(*place) ? nullptr : objc_retain(*place);
 }
 
-Object* objc_loadWeak(Object** place) { return objc_autorelease(objc_loadWeakRetained(place)); }
-
 void objc_copyWeak(Object** to, Object** from) {
     Object* const object = objc_loadWeakRetained(from);
     objc_initWeak(to, object);
@@ -238,30 +235,18 @@ Object* objc_getProperty(Object* object, Selector, std::ptrdiff_t offset, bool) 
     const auto held = locked();
     return objc_retainAutorelease(*placeIn(object, offset));
 }
-void objc_setProperty(Object* object, Selector, std::ptrdiff_t offset, Object* value, bool,
-                      signed char isCopied) {
-    setMember(object, offset, value, isCopied != 0);
-}
 void objc_setProperty_atomic(Object* object, Selector, Object* value, std::ptrdiff_t offset) {
     setMember(object, offset, value, false);
 }
-void objc_setProperty_nonatomic(Object* object, Selector, Object* value, std::ptrdiff_t offset) {
-    setMember(object, offset, value, false);
-}
 void objc_setProperty_atomic_copy(Object* object, Selector, Object* value, std::ptrdiff_t offset) {
-    setMember(object, offset, value, true);
-}
-void objc_setProperty_nonatomic_copy(Object* object, Selector, Object* value,
-                                     std::ptrdiff_t offset) {
     setMember(object, offset, value, true);
 }
 void objc_copyStruct(void* to, const void* from, std::ptrdiff_t size, bool, bool) {
     const auto held = locked();
     std::memcpy(to, from, static_cast<std::size_t>(size));
 }
-void objc_copyCppObjectAtomic(void* to, const void* from, void (*copy)(void*, const void*)) {
-    const auto held = locked();
-    copy(to, from);
+void objc_enumerationMutation(Object* object) {
+    fault("changed while it is walked: " + describe(object));
 }
 
 }  // extern "C"

@@ -165,14 +165,6 @@ void addMethod(Class* to, std::string_view name, const void* code, const char* t
     to->facts->methods[selector] = new MethodRecord{selector, types, const_cast<void*>(code)};
 }
 
-void initialise(Class* subject) {
-    if (subject == nullptr || std::exchange(subject->facts->isInitialised, true)) return;
-    initialise(subject->super);
-    const FoundMethod found = findMethod(subject->isa, selectorNamed("initialize"));
-    if (found.owner != subject->isa) return;
-    callCode<void>(found.method->code, reinterpret_cast<Object*>(subject), found.method->name);
-}
-
 void forgetNumbers() {
     const auto held = locked();
     for (const auto& [name, each] : registry().classes) each->facts->made = 0;
@@ -201,9 +193,7 @@ std::string typesOf(const char* className, std::string_view selector) {
 
 extern "C" {
 
-Class* objc_getClass(const char* name) { return classNamed(name); }
 Class* object_getClass(Object* object) { return object == nullptr ? nullptr : object->isa; }
-Selector sel_registerName(const char* name) { return selectorNamed(name); }
 bool macrt_isKindOfClass(Object* object, Class* wanted) {
     return object != nullptr && isKind(object->isa, wanted);
 }

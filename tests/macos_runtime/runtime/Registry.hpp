@@ -18,8 +18,7 @@ struct ClassFacts {
     std::unordered_set<Selector> getters;                 // of declared properties
     bool isRecorded = false;
     bool isImmortal = false;  // its instances are not counted: literals
-    bool isInitialised = false;
-    std::uint32_t made = 0;  // instances since the test began
+    std::uint32_t made = 0;   // instances since the test began
 };
 
 // The runtime's one lock.
@@ -35,8 +34,6 @@ struct FoundMethod {
 };
 FoundMethod findMethod(Class* from, Selector name);
 void addMethod(Class* to, std::string_view name, const void* code, const char* types);
-// Sends +initialize where it is due.
-void initialise(Class* subject);
 void forgetNumbers();
 
 inline bool isClassObject(const Object* object) { return object->isa->isMetaclass(); }
@@ -45,6 +42,8 @@ inline bool isClassObject(const Object* object) { return object->isa->isMetaclas
 std::string nameOf(Object* object);
 // As an argument is shown: @"text", 5, <NSPanel#1>, nil.
 std::string describe(Object* object);
+// A value of an encoded type, "{CGPoint=dd}".
+std::string textOf(std::string_view type, const unsigned char* bytes);
 // The selector with the arguments of a saved call between its parts.
 std::string describeCall(Frame& frame, bool isResultInMemory, const char* types);
 

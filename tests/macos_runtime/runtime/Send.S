@@ -56,12 +56,10 @@
         .endm
 
         .text
-        # 1: the result is returned in memory, 2: the receiver is a super call, 4: the result is on the x87 stack
+        # 1: the result is returned in memory, 2: the receiver is a super call
         SEND    objc_msgSend, 0
         SEND    objc_msgSend_stret, 1
         SEND    objc_msgSendSuper2, 2
-        SEND    objc_msgSendSuper2_stret, 3
-        SEND    objc_msgSend_fpret, 4
 
         BEGIN   macrt_answer_zero               # what nil answers, in every register that can hold a result
         xorl    %eax, %eax
@@ -75,14 +73,5 @@
         movq    %rdi, %rax
         ret
         FINISH  macrt_answer_memory
-
-        BEGIN   macrt_answer_x87
-        fldz
-        ret
-        FINISH  macrt_answer_x87
-
-        BEGIN   __objc_personality_v0           # exceptions of Objective-C unwind as those of C++ do
-        jmp     __gxx_personality_v0@PLT
-        FINISH  __objc_personality_v0
 
         .section .note.GNU-stack, "", @progbits

@@ -12,13 +12,12 @@ using namespace macrt;
 extern "C" {
 void macrt_answer_zero();
 void macrt_answer_memory();
-void macrt_answer_x87();
 }
 
 namespace macrt {
 namespace {
 
-enum Kind : int { kResultInMemory = 1, kToSuper = 2, kResultOnX87 = 4 };
+enum Kind : int { kResultInMemory = 1, kToSuper = 2 };
 
 struct Records {
     std::vector<Call> calls;
@@ -32,7 +31,6 @@ Records& records() {
 
 void* zeroAnswer(int kind) {
     if ((kind & kResultInMemory) != 0) return reinterpret_cast<void*>(macrt_answer_memory);
-    if ((kind & kResultOnX87) != 0) return reinterpret_cast<void*>(macrt_answer_x87);
     return reinterpret_cast<void*>(macrt_answer_zero);
 }
 
@@ -100,10 +98,7 @@ extern "C" void* macrt_resolve(Frame* frame, int kind) {
         fault("message to a dead object: " + opening(receiver) + name + "]");
         return zeroAnswer(kind);
     }
-    auto held = locked();
-    initialise(isClassObject(receiver) ? reinterpret_cast<Class*>(receiver) : receiver->isa);
     const FoundMethod found = findMethod(from != nullptr ? from : receiver->isa, name);
-    held.unlock();
     if (found.method == nullptr) {
         fault("unknown selector " + opening(receiver) + name + "]");
         return zeroAnswer(kind);
