@@ -115,7 +115,9 @@ struct Painter {
                 continue;
             }
             const double outside =
-                shape.distance({left - style.shadowMargin, top - style.shadowMargin}) * scale;
+                shape.distance({left - style.shadowMargin, top - style.shadowMargin},
+                               (edge + 1) / scale) *
+                scale;
             std::uint32_t colour = glassRow[static_cast<std::size_t>(x - card.x)];
             if (outside > -edge - 1)
                 colour = blended(lightened(colour, edgeLight * (1 - coverage(outside + edge))),

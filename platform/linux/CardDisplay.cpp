@@ -27,16 +27,19 @@ CardDisplay::CardDisplay(X11Session& x11, const Clock& clock, LockerChild& child
 
 bool CardDisplay::prepare() {
     const PixelRect place = child_.place();
-    auto visible = lockerPicture_.visible(place);
-    if (!visible) return false;
-    const auto background = lockerPicture_.background(place);
-    showsBackground_ = background && *background == *visible;
     buffer_ = WindowBuffer::make(x11_.connection(), child_.window(), place.width, place.height,
                                  child_.depth());
     if (!buffer_) return false;
+    auto visible = lockerPicture_.visible(place, buffer_->shared());
+    if (!visible) return false;
     painter_.setBackdrop(std::move(*visible));
-    watchLocker();
     return true;
+}
+
+void CardDisplay::followLocker() {
+    const auto background = lockerPicture_.background(child_.place());
+    showsBackground_ = background && *background == painter_.backdrop();
+    watchLocker();
 }
 
 // Only a background can be read again while our own window stands before it.

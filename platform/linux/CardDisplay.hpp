@@ -26,6 +26,9 @@ public:
                                              double scale, std::shared_ptr<PictureCache> pictures,
                                              std::function<void()> backdropChanged);
 
+    // From now on what the locker draws behind is seen to. Learning whether it can be takes nearly
+    // a frame's time: it comes after the first one.
+    void followLocker();
     // Moves the child; everything is to be drawn again.
     void moveTo(const PixelRect& place);
     void draw(const StageLook& look);

@@ -10,6 +10,8 @@ namespace {
 // would.
 constexpr double kExponent = 2.4;
 constexpr double kReachOfRadius = 1.18;
+// 2 to the power of 1 / kExponent - 1 / 2: the two differ most on the diagonal.
+constexpr double kCurveOfCircle = 0.9438;
 
 }  // namespace
 
@@ -17,11 +19,15 @@ CardShape::CardShape(Size card, double cornerRadius)
     : card_(card),
       reach_(std::min(cornerRadius * kReachOfRadius, std::min(card.width, card.height) / 2)) {}
 
-double CardShape::distance(Point point) const {
+double CardShape::distance(Point point, double limit) const {
     // Folded into one quarter, measured from the inner end of the corner.
     const double x = std::abs(point.x - card_.width / 2) - card_.width / 2 + reach_;
     const double y = std::abs(point.y - card_.height / 2) - card_.height / 2 + reach_;
     if (x <= 0 || y <= 0) return std::max(x, y) - reach_;
+    // The circle through the point is around the curve through it, and by no more than this.
+    const double circle = std::hypot(x, y);
+    if (circle - reach_ < -limit || circle * kCurveOfCircle - reach_ > limit)
+        return circle - reach_;
     const double sum = std::pow(x, kExponent) + std::pow(y, kExponent);
     const double norm = std::pow(sum, 1 / kExponent);
     // The norm grows slower than the distance away from the axes; its slope sets that right.

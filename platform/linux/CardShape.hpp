@@ -2,6 +2,8 @@
 // as circles of the stated radius but without their sudden start.
 #pragma once
 
+#include <limits>
+
 #include "drawing/Geometry.hpp"
 
 namespace quorvane {
@@ -11,8 +13,9 @@ class CardShape {
 public:
     CardShape(Size card, double cornerRadius);
 
-    // About how far a point lies outside the outline; negative inside.
-    double distance(Point point) const;
+    // About how far a point lies outside the outline; negative inside. Where that is more than
+    // `limit` either way it may be any number beyond it: a corner's curve costs much.
+    double distance(Point point, double limit = std::numeric_limits<double>::infinity()) const;
     bool contains(Point point) const { return distance(point) < 0; }
 
 private:

@@ -160,13 +160,15 @@ void CardWindowX11::update() {
         if (fade_) updateAfter(*fade_->begin + fade_->duration - now);
         return;
     }
-    if (!display_ && !show()) return endFade();
+    const bool isFirst = !display_;
+    if (isFirst && !show()) return endFade();
     draw(now);
     syncPointer();
-    const Instant drawn = resources_->clock.now();
-    beginAnimations(drawn);
+    beginAnimations(resources_->clock.now());
+    if (isFirst) display_->followLocker();
+    const Instant done = resources_->clock.now();
     // The next frame counts from this one's time, however long its drawing took.
-    if (isMoving(now)) updateAfter(kFrame - (drawn - now));
+    if (isMoving(now)) updateAfter(kFrame - (done - now));
 }
 
 void CardWindowX11::updateAfter(Duration delay) {

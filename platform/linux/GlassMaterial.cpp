@@ -199,16 +199,6 @@ void tone(GlassPicture& glass, const PixelRect& card) {
     }
 }
 
-// Evenly spread between 0 and 1, the same for the same place.
-float grain(int x, int y) {
-    std::uint32_t bits =
-        static_cast<std::uint32_t>(x) * 0x9e3779b1U ^ static_cast<std::uint32_t>(y) * 0x85ebca77U;
-    bits ^= bits >> 15;
-    bits *= 0x2c1b3c6dU;
-    bits ^= bits >> 13;
-    return static_cast<float>(bits >> 8) / static_cast<float>(1U << 24);
-}
-
 }  // namespace
 
 double relativeLuminance(std::uint32_t pixel) {
@@ -223,32 +213,6 @@ double contrastWithWhite(std::uint32_t pixel, double opacity) {
         text |= static_cast<std::uint32_t>(std::lround(shade + (255 - shade) * opacity)) << shift;
     }
     return (relativeLuminance(text) + 0.05) / (relativeLuminance(pixel) + 0.05);
-}
-
-void GlassPicture::readRow(int y, int begin, int end, std::uint32_t* pixels) const {
-    const auto place = [&](int pixel) {
-        return (static_cast<float>(pixel) + 0.5F) / static_cast<float>(step) - 0.5F;
-    };
-    std::vector<float> reds;
-    std::vector<float> greens;
-    std::vector<float> blues;
-    red.readLine(place(y), reds);
-    green.readLine(place(y), greens);
-    blue.readLine(place(y), blues);
-    // As `sampled`, but the place is found once for the three colours.
-    const auto last = static_cast<float>(red.width - 1);
-    for (int x = begin; x < end; ++x) {
-        const float column = std::clamp(place(x), 0.0F, last);
-        const int left = static_cast<int>(column);
-        const float share = column - static_cast<float>(left);
-        const float noise = grain(x, y);
-        const auto shade = [&](const std::vector<float>& line) {
-            const float* const at = line.data() + left;
-            const float value = (at[0] + (at[1] - at[0]) * share) * 255 + noise;
-            return static_cast<std::uint32_t>(static_cast<int>(std::clamp(value, 0.0F, 255.0F)));
-        };
-        *pixels++ = kOpaqueBlack | shade(reds) << 16 | shade(greens) << 8 | shade(blues);
-    }
 }
 
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double scale) {

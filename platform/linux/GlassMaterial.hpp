@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "platform/linux/Blur.hpp"
+#include "platform/linux/GlassPicture.hpp"
 #include "platform/linux/Pixels.hpp"
 
 namespace quorvane {
@@ -13,19 +13,6 @@ namespace quorvane {
 double relativeLuminance(std::uint32_t pixel);
 // How well white text of this opacity stands out from a pixel, 1 to 21.
 double contrastWithWhite(std::uint32_t pixel, double opacity = 1);
-
-// The material at a few points a value, colours as a screen takes them, 0 to 1. Soft as it is, it
-// is sampled between its values.
-struct GlassPicture {
-    int step = 1;  // pixels of the backdrop a value
-    Plane red;
-    Plane green;
-    Plane blue;
-
-    // The opaque pixels of one row from `begin` up to `end`. Colours between two shades are
-    // scattered over both, or wide soft areas would show bands.
-    void readRow(int y, int begin, int end, std::uint32_t* pixels) const;
-};
 
 // `card` is the part of the backdrop, in its pixels, that the glass will cover. Every pixel there
 // gives the card's quietest text a contrast of at least 4.5.

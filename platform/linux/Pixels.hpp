@@ -68,6 +68,12 @@ struct Pixels {
           height(rows),
           values(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows), value) {}
 
+    // A copy of so many values.
+    Pixels(int columns, int rows, const std::uint32_t* from)
+        : width(columns),
+          height(rows),
+          values(from, from + static_cast<std::ptrdiff_t>(columns) * rows) {}
+
     std::uint32_t* row(int y) { return values.data() + static_cast<std::ptrdiff_t>(y) * width; }
     const std::uint32_t* row(int y) const {
         return values.data() + static_cast<std::ptrdiff_t>(y) * width;

@@ -1,8 +1,5 @@
 #include "platform/linux/WindowBuffer.hpp"
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <new>
 #include <utility>
@@ -14,14 +11,6 @@ namespace quorvane {
 namespace {
 
 constexpr int kBytesAPixel = 4;
-
-bool sharesMemoryByDescriptor(xcb_connection_t* connection) {
-    const auto* extension = xcb_get_extension_data(connection, &xcb_shm_id);
-    if (!extension || !extension->present) return false;
-    const auto version =
-        xcbReply(xcb_shm_query_version_reply, connection, xcb_shm_query_version(connection));
-    return version && (version->major_version > 1 || version->minor_version >= 2);
-}
 
 }  // namespace
 
@@ -51,35 +40,14 @@ WindowBuffer::WindowBuffer(xcb_connection_t* connection, xcb_window_t window, in
 
 WindowBuffer::~WindowBuffer() {
     surface_.reset();
-    if (segment_ != XCB_NONE) xcb_shm_detach(connection_, segment_);
-    if (memory_ && !own_)
-        munmap(memory_, static_cast<std::size_t>(width_ * height_) * kBytesAPixel);
     xcb_free_gc(connection_, context_);
 }
 
 bool WindowBuffer::share() {
-    if (!sharesMemoryByDescriptor(connection_)) return false;
-    const auto size = static_cast<std::size_t>(width_ * height_) * kBytesAPixel;
-    const int descriptor = memfd_create("card window", MFD_CLOEXEC);
-    if (descriptor < 0) return false;
-    void* memory = MAP_FAILED;
-    if (ftruncate(descriptor, static_cast<off_t>(size)) == 0)
-        memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-    if (memory == MAP_FAILED) {
-        close(descriptor);
-        return false;
-    }
-    const xcb_shm_seg_t segment = xcb_generate_id(connection_);
-    // Takes the descriptor over, in every case.
-    const auto request = xcb_shm_attach_fd_checked(connection_, segment, descriptor, true);
-    const XcbReply<xcb_generic_error_t> error{xcb_request_check(connection_, request)};
-    if (error) {
-        munmap(memory, size);
-        return false;
-    }
-    segment_ = segment;
-    memory_ = static_cast<std::byte*>(memory);
-    return true;
+    shared_ =
+        ServerMemory::make(connection_, static_cast<std::size_t>(width_ * height_) * kBytesAPixel);
+    if (shared_) memory_ = shared_->data();
+    return shared_ != nullptr;
 }
 
 bool WindowBuffer::allocate() {
@@ -101,7 +69,7 @@ void WindowBuffer::show(std::span<const PixelRect> parts) {
     for (const PixelRect& wanted : parts) {
         const PixelRect part = wanted.intersection(bounds());
         if (part.isEmpty()) continue;
-        if (segment_ == XCB_NONE) {
+        if (!shared_) {
             send(part);
             continue;
         }
@@ -109,7 +77,7 @@ void WindowBuffer::show(std::span<const PixelRect> parts) {
         xcb_shm_put_image(connection_, window_, context_, place(width_), place(height_),
                           place(part.x), place(part.y), place(part.width), place(part.height),
                           static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(part.y),
-                          depth_, XCB_IMAGE_FORMAT_Z_PIXMAP, false, segment_, 0);
+                          depth_, XCB_IMAGE_FORMAT_Z_PIXMAP, false, shared_->segment(), 0);
         isBeingRead_ = true;
     }
 }

@@ -1,7 +1,6 @@
 // What a card window shows, in memory that the X server reads straight from.
 #pragma once
 
-#include <xcb/shm.h>
 #include <xcb/xcb.h>
 
 #include <cstddef>
@@ -10,6 +9,7 @@
 
 #include "platform/linux/CairoHandles.hpp"
 #include "platform/linux/Pixels.hpp"
+#include "platform/linux/ServerMemory.hpp"
 
 namespace quorvane {
 
@@ -30,6 +30,8 @@ public:
     void waitUntilRead();
     // Brings these parts into the window.
     void show(std::span<const PixelRect> parts);
+    // Null when the pixels go through the connection.
+    const ServerMemory* shared() const { return shared_.get(); }
     PixelRect bounds() const { return {0, 0, width_, height_}; }
 
 private:
@@ -45,8 +47,8 @@ private:
     int height_;
     std::uint8_t depth_;
     xcb_gcontext_t context_;
-    xcb_shm_seg_t segment_ = XCB_NONE;
-    std::byte* memory_ = nullptr;  // mapped when there is a segment, else of `own_`
+    std::byte* memory_ = nullptr;  // of one of these
+    std::unique_ptr<ServerMemory> shared_;
     std::unique_ptr<std::byte[]> own_;
     CairoSurface surface_;
     bool isBeingRead_ = false;
