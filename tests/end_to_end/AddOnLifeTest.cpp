@@ -1,7 +1,5 @@
 // The add-on from its installation to its removal, as processes and files.
 
-#include <gtest/gtest.h>
-
 #include "tests/end_to_end/InstalledAddOn.hpp"
 
 namespace quorvane {
@@ -9,15 +7,6 @@ namespace {
 
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
-
-constexpr char kList[] =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>";
-
-std::string text(const std::string& key, const std::string& value) {
-    return "<key>" + key + "</key><string>" + value + "</string>";
-}
-std::string yes(const std::string& key) { return "<key>" + key + "</key><true/>"; }
-std::string list(const std::string& entries) { return kList + entries + "</dict></plist>\n"; }
 
 TEST(EndToEndLife, InstallStatusQuitAndRemoveWithTheHostAlone) {
     InstalledAddOn life;
@@ -88,53 +77,6 @@ TEST(EndToEndLife, OfTwoCopiesStartedAtOnceOneDraws) {
     EXPECT_TRUE(second.says("entrance: window")) << second.log();
 }
 
-TEST(EndToEndLife, ACopyThatDoesNotGoStaysTheOnlyOne) {
-    InstalledAddOn life;
-    LoggedProcess host = life.session.startHost();
-    LoggedProcess locker = life.session.startLocker();
-    LoggedProcess first = life.session.startAddOn();
-    ASSERT_TRUE(first.says("entrance: window"));
-    first.process().signal(SIGSTOP);
-    LoggedProcess second = life.session.start({ADDON_PROGRAM, "--installed"});
-    const std::string pid = std::to_string(first.process().pid());
-    ASSERT_TRUE(second.says("launch: an older copy (pid " + pid +
-                            ") won't quit; quitting this one so only one draws cards"))
-        << second.log();
-    const auto status = second.process().wait(20s);
-    EXPECT_TRUE(status && WIFEXITED(*status) && WEXITSTATUS(*status) == 0);
-    EXPECT_EQ(second.count("Starting message port client"), 0) << "it has not begun";
-    first.process().signal(SIGCONT);
-    EXPECT_TRUE(first.process().wait(20s)) << "it obeys when it can";
-}
-
-TEST(EndToEndLife, ARemovalIsDeliveredToTheInstallItIsMeantForOnly) {
-    const auto configurationOf = [](const std::string& installID) {
-        InstalledAddOn life;
-        LoggedProcess host = life.session.startHost();
-        life.folder().write("config/group.example.quillon.Quorvane.plist",
-                            list(yes("lockScreenEnabled") + yes("lockScreenRemovalRequested") +
-                                 text("lockScreenRemovalTargetInstallID", "THIS")));
-        life.folder().write(life.preferences(), list(text("installID", installID)));
-        LoggedProcess addOn = life.session.startAddOn();
-        std::string line = addOn.next("Configuration: ");
-        EXPECT_TRUE(installID == "OTHER" || addOn.says("removal: closing the windows"));
-        return line.substr(line.find("Configuration"));
-    };
-    EXPECT_EQ(configurationOf("THIS"), "Configuration: enabled false, removal true, minimum 1.0.0");
-    EXPECT_EQ(configurationOf("OTHER"),
-              "Configuration: enabled true, removal false, minimum 1.0.0");
-}
-
-TEST(EndToEndLife, FlagsOfAnotherCopyAreCleared) {
-    InstalledAddOn life;
-    life.folder().write(life.preferences(), list(yes("removalPending") +
-                                                 text("removalBundleIdentity", "another.Bundle")));
-    LoggedProcess addOn = life.session.startAddOn();
-    EXPECT_EQ(addOn.count("launch: a removal flag left by another copy of the add-on; clearing it"),
-              1);
-    EXPECT_EQ(life.folder().read(life.preferences()).find("removalPending"), std::string::npos);
-}
-
 TEST(EndToEndLife, WhatIsNotTheAddOnsIsNeverDeleted) {
     InstalledAddOn life;
     const auto uninstall = [&](const fs::path& bundle) {
@@ -158,7 +100,7 @@ TEST(EndToEndLife, WhatIsNotTheAddOnsIsNeverDeleted) {
     fs::remove(life.support());
     life.folder().write(std::string{"data/"} + InstalledAddOn::kIdentifier +
                             "/Quorvane Lock Screen.app/Contents/Info.plist",
-                        list(text("CFBundleIdentifier", "another.Bundle")));
+                        "{ CFBundleIdentifier = \"another.Bundle\"; }");
     copy = life.copyBundle("copy/X.app", "1.0.0");
     EXPECT_EQ(uninstall(copy), 1);
     EXPECT_TRUE(fs::exists(life.place() / "Contents/Info.plist"));

@@ -1,29 +1,14 @@
-// The main application comes, goes, hangs and lies while the add-on runs.
-
-#include <gtest/gtest.h>
-
+// The main application comes, goes and hangs while the add-on runs.
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {
 namespace {
 
 using namespace std::chrono_literals;
+using EndToEndHost = EndToEndLock;
 
-TEST(EndToEndHost, AHostStartedLaterIsFound) {
-    LockSession session;
-    LoggedProcess addOn = session.startAddOn();
-    LoggedProcess locker = session.startLocker();
-    ASSERT_TRUE(addOn.says("lockui: shown"));
-    LoggedProcess host = session.startHost();
-    EXPECT_TRUE(addOn.says("entrance: window")) << addOn.log();
-}
-
-TEST(EndToEndHost, AHostKilledWhileLockedTakesTheCardAwayAndItsSuccessorBringsItBack) {
-    LockSession session;
-    LoggedProcess host = session.startHost();
-    LoggedProcess addOn = session.startAddOn();
-    LoggedProcess locker = session.startLocker();
-    ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
+TEST_F(EndToEndHost, KilledWhileLockedTakesTheCardAwayAndItsSuccessorBringsItBack) {
+    lock();
     host.process().end(SIGKILL);
     ASSERT_TRUE(addOn.says("exit: window"));
     ASSERT_TRUE(addOn.says(
@@ -32,30 +17,18 @@ TEST(EndToEndHost, AHostKilledWhileLockedTakesTheCardAwayAndItsSuccessorBringsIt
     ASSERT_TRUE(addOn.says("card: fading in on 1 window(s)")) << addOn.log();
 }
 
-TEST(EndToEndHost, AHostThatQuitsInOrderHidesTheCardAtOnce) {
-    LockSession session;
-    LoggedProcess host = session.startHost();
-    LoggedProcess addOn = session.startAddOn();
-    LoggedProcess locker = session.startLocker();
-    ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
+TEST_F(EndToEndHost, ThatQuitsInOrderHidesTheCardAtOnce) {
+    lock();
     host.process().signal(SIGINT);
     ASSERT_TRUE(addOn.says("notice: mainAppWillTerminate; hiding the card"));
     EXPECT_TRUE(addOn.says("card: fading out on 1 window(s)"));
-    const auto status = host.process().wait(20s);
-    ASSERT_TRUE(status);
-    EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 0) << host.log();
+    EXPECT_EQ(host.process().exitStatus(20s), 0) << host.log();
 }
 
-TEST(EndToEndHost, DisablingTakesTheCardAwayAndEnablingBringsIt) {
-    LockSession session;
-    LoggedProcess host = session.startHost();
-    LoggedProcess addOn = session.startAddOn();
-    LoggedProcess locker = session.startLocker();
-    ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
+TEST_F(EndToEndHost, DisablingTakesTheCardAwayAndEnablingBringsIt) {
+    lock();
     const auto command = [&](const char* name) {
-        LoggedProcess run = session.start({HOST_PROGRAM, name});
-        const auto status = run.process().wait(20s);
-        return status && WIFEXITED(*status) ? WEXITSTATUS(*status) : -1;
+        return session.start({HOST_PROGRAM, name}).process().exitStatus(20s);
     };
     EXPECT_EQ(command("status"), 0);
     EXPECT_EQ(command("disable"), 0);
@@ -64,7 +37,7 @@ TEST(EndToEndHost, DisablingTakesTheCardAwayAndEnablingBringsIt) {
     EXPECT_TRUE(addOn.says("entrance: window"));
 }
 
-TEST(EndToEndHost, AHostThatHangsBlocksNobodyForLongAndShowsNoCard) {
+TEST(EndToEndHangingHost, BlocksNobodyForLongAndShowsNoCard) {
     LockSession session;
     LoggedProcess host = session.startHost();
     host.process().signal(SIGSTOP);

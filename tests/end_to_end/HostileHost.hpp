@@ -2,7 +2,6 @@
 // for the state with whatever the test says.
 #pragma once
 
-#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -44,11 +43,10 @@ public:
 
     // The answer from now on. Returns when the add-on is done with one such answer: it has asked
     // again since.
-    bool answerWith(std::string reply, std::chrono::milliseconds delay = {}) {
+    bool answerWith(std::string reply) {
         {
             const std::lock_guard lock{mutex_};
             reply_ = std::move(reply);
-            delay_ = delay;
             asked_ = 0;
         }
         return LockSession::eventually([this] {
@@ -80,13 +78,9 @@ private:
         ports_.push_back(std::move(port));
     }
     Bytes answerToState() {
-        std::unique_lock lock{mutex_};
+        const std::lock_guard lock{mutex_};
         ++asked_;
-        Bytes reply = copyOf(bytesOf(reply_));
-        const auto delay = delay_;
-        lock.unlock();
-        std::this_thread::sleep_for(delay);  // this is the fault itself
-        return reply;
+        return copyOf(bytesOf(reply_));
     }
     // That the state has changed, as any program of the session could say it.
     void notify() {
@@ -102,7 +96,6 @@ private:
     LockSession& session_;
     mutable std::mutex mutex_;
     std::string reply_;
-    std::chrono::milliseconds delay_{};
     int asked_ = 0;
     std::vector<std::unique_ptr<LocalPort>> ports_;
     std::vector<std::thread> threads_;

@@ -20,10 +20,7 @@ public:
     InstalledAddOn(const InstalledAddOn&) = delete;
     InstalledAddOn& operator=(const InstalledAddOn&) = delete;
 
-    struct Run {
-        int status;
-        std::string text;  // both of its outputs
-    };
+    using Run = LoggedProcess::Run;
     // The host with a command, its end awaited.
     Run host(const std::vector<std::string>& words,
              const std::map<std::string, std::string>& variables = {}) {
@@ -33,15 +30,10 @@ public:
     }
     Run run(const std::vector<std::string>& words,
             const std::map<std::string, std::string>& variables = {}) {
-        const auto output = (folder() / "out").string();
-        std::vector<std::string> command{"sh", "-c", "exec \"$@\" >\"$0\" 2>&1", output};
-        command.insert(command.end(), words.begin(), words.end());
         auto environment = session.environment();
         environment.push_back("QUORVANE_LOG=" + (folder() / "log").string());
         for (const auto& [name, value] : variables) environment.push_back(name + "=" + value);
-        ChildProcess child{command, environment};
-        const int status = child.wait(std::chrono::seconds{60}).value_or(-1);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder().read("out")};
+        return LoggedProcess::run(words, environment);
     }
     // Whether the log comes to hold the text, after what earlier calls have passed.
     bool says(const std::string& text) {

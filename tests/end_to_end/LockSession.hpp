@@ -2,6 +2,8 @@
 // real locker run as processes.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <functional>
 #include <set>
@@ -10,10 +12,11 @@
 
 #include "AddOnKit/PlayerGeometry.hpp"
 #include "tests/end_to_end/LoggedProcess.hpp"
-#include "tests/end_to_end/ScreenProbe.hpp"
 #include "tests/support/PrivateBus.hpp"
 #include "tests/support/PrivateXServer.hpp"
+#include "tests/support/Screenshot.hpp"
 #include "tests/support/TemporaryFolder.hpp"
+#include "tests/support/X11Client.hpp"
 
 namespace quorvane {
 
@@ -108,16 +111,16 @@ public:
     }
 
     // Whether more stands in the area than the one colour of a plain lock screen.
-    static bool isDrawnOn(ScreenProbe& probe, const Rect& area) {
+    static bool isDrawnOn(const X11Client& probe, const Rect& area) {
         return eventually([&] {
-            const auto pixels = probe.pixels(area);
+            const auto pixels = Screenshot::take(probe.connection(), area).pixels;
             return std::set(pixels.begin(), pixels.end()).size() > 100;
         });
     }
 
     // Clicks until the card has felt it: a press in the first milliseconds of its entrance may come
     // before the add-on listens to the pointer.
-    static bool click(ScreenProbe& probe, LoggedProcess& addOn, Point at) {
+    static bool click(const X11Client& probe, LoggedProcess& addOn, Point at) {
         for (int attempt = 0; attempt < 20; ++attempt) {
             probe.click(at);
             if (addOn.says("mouse down at", std::chrono::milliseconds{500})) return true;
@@ -125,7 +128,7 @@ public:
         return false;
     }
 
-    ScreenProbe probe() const { return ScreenProbe{x_.display()}; }
+    X11Client probe() const { return X11Client{x_.display()}; }
     PrivateXServer& x() { return x_; }
     // A new one, on any display; what is started from now on runs there.
     void replaceXServer() { x_ = PrivateXServer{geometry_}; }
@@ -137,6 +140,26 @@ private:
     std::string geometry_;
     PrivateXServer x_;
     PrivateBus bus_;
+};
+
+// A session with its host and its add-on, which the case locks.
+class EndToEndLock : public testing::Test {
+protected:
+    void lock() { lockWith(session.startLocker()); }
+    // The card is seen over the locker when this returns.
+    void lockWith(LoggedProcess itsLocker) {
+        locker = std::move(itsLocker);
+        card = LockSession::nextCard(addOn);
+        ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
+        ASSERT_TRUE(LockSession::eventually([&] { return probe.isViewable(card.window); }));
+    }
+
+    LockSession session;
+    X11Client probe = session.probe();
+    LoggedProcess host = session.startHost();
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess locker;
+    CardOnScreen card;
 };
 
 }  // namespace quorvane

@@ -1,8 +1,6 @@
 // The card over the distribution's lockers: it stands beside what they ask for, and what is typed
 // stays theirs.
 
-#include <gtest/gtest.h>
-
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {
@@ -10,22 +8,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::uint8_t kKeyA = 38;
-constexpr std::uint8_t kEscape = 9;
+constexpr unsigned kKeyA = 38;
+constexpr unsigned kEscape = 9;
 
-class EndToEndLockers : public testing::Test {
+class EndToEndLockers : public EndToEndLock {
 protected:
-    // Shown over the locker when this returns.
-    void showCard() {
-        card = LockSession::nextCard(addOn);
-        ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
-        ASSERT_TRUE(LockSession::eventually([&] { return probe.isViewable(card.window); }));
-    }
     // What the locker shows inside its window beside the card and smaller than the screen.
     std::vector<Rect> prompts() {
         std::vector<Rect> frames;
-        for (const xcb_window_t window : probe.siblings(card.window))
-            if (const Rect frame = probe.frame(window); frame.width > 0 && frame.width < 1900)
+        for (const xcb_window_t window : probe.children(probe.parent(card.window)))
+            if (const Rect frame = probe.frame(window);
+                window != card.window && probe.isViewable(window) && frame.width < 1900)
                 frames.push_back(frame);
         return frames;
     }
@@ -37,44 +30,37 @@ protected:
             return prompt.intersects(visible);
         });
     }
-
-    LockSession session;
-    ScreenProbe probe = session.probe();
-    LoggedProcess host = session.startHost();
-    LoggedProcess addOn = session.startAddOn();
-    CardOnScreen card;
+    std::vector<std::uint32_t> pixels(const Rect& area) {
+        return Screenshot::take(probe.connection(), area).pixels;
+    }
 };
 
 TEST_F(EndToEndLockers, WhatIsTypedReachesI3lockWhileTheCardShows) {
-    LoggedProcess locker = session.startLocker();
-    showCard();
+    lock();
     const Rect ring{860, 440, 200, 200};
     EXPECT_FALSE(probe.frame(card.window).grownBy(-52).intersects(ring));
-    const auto quiet = probe.pixels(ring);
+    const auto quiet = pixels(ring);
     ASSERT_FALSE(quiet.empty());
-    probe.typeKey(kKeyA);
-    EXPECT_TRUE(LockSession::eventually([&] { return probe.pixels(ring) != quiet; }))
+    probe.type(kKeyA);
+    EXPECT_TRUE(LockSession::eventually([&] { return pixels(ring) != quiet; }))
         << "i3lock draws its ring when it has got a key";
     constexpr std::uint32_t kKeys = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
-    EXPECT_EQ(probe.eventsAskedFor(card.window) & kKeys, 0U);
-    EXPECT_EQ(probe.eventsAskedFor(probe.root()) & kKeys, 0U);
+    for (const xcb_window_t window : {card.window, probe.root()})
+        EXPECT_EQ(probe.attributes(window)->all_event_masks & kKeys, 0U);
 }
 
 TEST_F(EndToEndLockers, TheCardMakesRoomForXsecurelocksPromptAndReturns) {
     setenv("XSECURELOCK_SAVER", "saver_blank", 1);
     setenv("XSECURELOCK_NO_COMPOSITE", "1", 1);
-    LoggedProcess locker = session.start({"xsecurelock"});
-    showCard();
+    lockWith(session.start({"xsecurelock"}));
     EXPECT_TRUE(LockSession::isDrawnOn(probe, card.frame));
     EXPECT_TRUE(prompts().empty());
 
-    probe.typeKey(kKeyA);
+    probe.type(kKeyA);
     ASSERT_TRUE(LockSession::eventually([&] { return isBesideThem(); })) << addOn.log();
-    const Rect beside = probe.frame(card.window);
-    EXPECT_TRUE(probe.isViewable(card.window));
-    EXPECT_NE(beside, card.frame);
+    EXPECT_TRUE(LockSession::isDrawnOn(probe, probe.frame(card.window)));
 
-    probe.typeKey(kEscape);
+    probe.type(kEscape);
     EXPECT_TRUE(LockSession::eventually([&] { return probe.frame(card.window) == card.frame; }))
         << addOn.log();
     EXPECT_TRUE(prompts().empty());
@@ -97,15 +83,13 @@ TEST_F(EndToEndLockers, TheCardStandsOverXscreensaver) {
         return session.start(command);
     };
     if (geteuid() == 0) session.start({"chown", "-R", "games", home.path()}).process().wait(10s);
-    LoggedProcess daemon = asUser({"xscreensaver", "--no-splash"});
+    locker = asUser({"xscreensaver", "--no-splash"});
     ASSERT_TRUE(LockSession::eventually([&] {
-        LoggedProcess command = asUser({"xscreensaver-command", "--lock"});
-        const auto status = command.process().wait(10s);
-        return status && *status == 0;
-    })) << daemon.log();
-    showCard();
+        return asUser({"xscreensaver-command", "--lock"}).process().exitStatus(10s) == 0;
+    })) << locker.log();
+    lockWith(std::move(locker));
     EXPECT_TRUE(LockSession::isDrawnOn(probe, card.frame));
-    daemon.process().end(SIGKILL);
+    locker.process().end(SIGKILL);
     EXPECT_TRUE(addOn.says("windows: closing 1 (state)"));
     EXPECT_TRUE(LockSession::eventually([&] { return !probe.isViewable(card.window); }));
 }

@@ -42,6 +42,20 @@ public:
         if (output_ >= 0) ::close(output_);
     }
 
+    // A program run to its end: its exit status, -1 for none, and both of its outputs.
+    struct Run {
+        int status;
+        std::string text;
+    };
+    static Run run(std::vector<std::string> arguments,
+                   const std::vector<std::string>& environment) {
+        arguments.insert(arguments.begin(), {"sh", "-c", "exec \"$@\" >&2", "sh"});
+        LoggedProcess process{arguments, environment};
+        const int status = process.process().exitStatus(std::chrono::seconds{60}).value_or(-1);
+        process.readWhatIsThere();
+        return {status, process.log()};
+    }
+
     ChildProcess& process() { return process_; }
 
     // The next line that holds the text, after those that earlier calls have returned; "" when none
@@ -67,8 +81,7 @@ public:
     }
     // How often the text has been said so far, in all that was read.
     int count(std::string_view text) {
-        while (readMore(std::chrono::milliseconds{0})) {
-        }
+        readWhatIsThere();
         int times = 0;
         for (std::size_t at = text_.find(text); at != std::string::npos;
              at = text_.find(text, at + 1))
@@ -78,6 +91,10 @@ public:
     const std::string& log() const { return text_; }
 
 private:
+    void readWhatIsThere() {
+        while (readMore(std::chrono::milliseconds{0})) {
+        }
+    }
     bool readMore(std::chrono::milliseconds patience) {
         pollfd entry{output_, POLLIN, 0};
         if (poll(&entry, 1, static_cast<int>(patience.count())) <= 0) return false;

@@ -1,8 +1,6 @@
 // A real player, which is heard by nobody: its music on the card, and the card's buttons in its
 // hands.
 
-#include <gtest/gtest.h>
-
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {
@@ -37,9 +35,8 @@ protected:
     }
     void run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"ffmpeg", "-loglevel", "error", "-y"});
-        LoggedProcess converter = session.start(arguments);
-        const auto status = converter.process().wait(60s);
-        ASSERT_TRUE(status && *status == 0) << "ffmpeg: " << (converter.count(""), converter.log());
+        const auto converted = LoggedProcess::run(arguments, session.environment());
+        ASSERT_EQ(converted.status, 0) << "ffmpeg: " << converted.text;
     }
     // What the player itself says, by way of a tool that is not ours.
     std::string ask(const std::string& what, const std::string& value = "") {
@@ -67,7 +64,7 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
     LoggedProcess locker = session.startLocker();
     const CardOnScreen card = LockSession::nextCard(addOn);
     ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
-    ScreenProbe probe = session.probe();
+    const X11Client probe = session.probe();
 
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.next)));
     ASSERT_TRUE(hasCome("state: now 'Low Tide'")) << addOn.log();
@@ -75,6 +72,12 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
     ASSERT_EQ(ask("status"), "Playing");
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.playPause)));
     EXPECT_TRUE(LockSession::eventually([&] { return ask("status") == "Paused"; })) << host.log();
+    ask("position", "75");
+    std::string told;
+    EXPECT_TRUE(LockSession::eventually([&] {
+        told = LoggedProcess::run({HOST_PROGRAM, "status"}, session.environment()).text;
+        return told.find("paused \"Low Tide\" by The Quiet Harbour (1:1") != std::string::npos;
+    })) << told;
 
     const int known = addOn.count("volume: step to ");
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.volume)));

@@ -1,7 +1,5 @@
 // Two screens, then one.
 
-#include <gtest/gtest.h>
-
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {
@@ -26,7 +24,7 @@ TEST(EndToEndScreens, EachHasACardAndOneThatGoesTakesOnlyItsOwn) {
     const CardOnScreen right = LockSession::nextCard(addOn);
     ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
     ASSERT_TRUE(addOn.says("entrance: window"));
-    ScreenProbe probe = session.probe();
+    const X11Client probe = session.probe();
     EXPECT_TRUE(contains(kLeft, probe.frame(left.window)));
     EXPECT_TRUE(contains(kRight, probe.frame(right.window)));
     EXPECT_TRUE(LockSession::isDrawnOn(probe, left.frame));

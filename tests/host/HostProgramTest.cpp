@@ -1,7 +1,6 @@
 // The program itself, as processes with a bus and folders of their own.
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <regex>
 
@@ -37,17 +36,10 @@ protected:
     LoggedProcess startHost() {
         return LoggedProcess{{HOST_PROGRAM, "run", "--script", script.string()}, environment()};
     }
-    struct Run {
-        int status;
-        std::string text;  // both of its outputs
-    };
+    using Run = LoggedProcess::Run;
     Run run(std::vector<std::string> arguments) {
-        std::vector<std::string> command{"sh", "-c", "exec \"$@\" >\"$0\" 2>&1",
-                                         (folder / "out").string(), HOST_PROGRAM};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        ChildProcess child{command, environment()};
-        const int status = child.wait(20s).value_or(-1);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.read("out")};
+        arguments.insert(arguments.begin(), HOST_PROGRAM);
+        return LoggedProcess::run(arguments, environment());
     }
 
     PrivateBus bus;
@@ -86,11 +78,9 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
               "Card:    on\n"
               "Install: no; do so with: quorvane-host install\n"
               "Add-on:  not running, and never seen\n");
-    struct stat secret {};
-    ASSERT_EQ(stat((folder / "data/group.example.quillon.Quorvane/ipc-secret").c_str(), &secret),
-              0);
-    EXPECT_EQ(secret.st_mode & 07777, 0600u);
-    EXPECT_EQ(secret.st_size, 32);
+    const auto secret = folder / "data/group.example.quillon.Quorvane/ipc-secret";
+    EXPECT_EQ(modeOf(secret), 0600);
+    EXPECT_EQ(file_size(secret), 32u);
 
     // A host that hangs is there, and `status` does not wait for it for long.
     host.process().signal(SIGSTOP);
@@ -108,9 +98,7 @@ TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
     ASSERT_TRUE(impatient.says("busy (attempt 1)"));
     impatient.process().signal(SIGINT);  // which must not make it try without a pause
     // Without being held up by the two seconds that each port is waited for.
-    const auto status = impatient.process().wait(5s);
-    ASSERT_TRUE(status);
-    EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 0);
+    EXPECT_EQ(impatient.process().exitStatus(5s), 0);
     EXPECT_EQ(impatient.count("host: ending"), 0) << "it has served nobody";
     EXPECT_EQ(impatient.count("busy (attempt 15)"), 0);
 

@@ -65,6 +65,12 @@ public:
         pid_ = -1;
         return status;
     }
+    // The exit status; nothing when it still runs, or was ended by a signal.
+    std::optional<int> exitStatus(std::chrono::milliseconds deadline) {
+        const auto status = wait(deadline);
+        if (!status || !WIFEXITED(*status)) return std::nullopt;
+        return WEXITSTATUS(*status);
+    }
 
 private:
     static void fcntlKeepOpen(int descriptor) {

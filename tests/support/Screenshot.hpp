@@ -1,12 +1,12 @@
 // What an X screen shows, seen by another client than the one under test.
 #pragma once
 
-#include <xcb/xcb.h>
-
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
+
+#include "drawing/Geometry.hpp"
+#include "platform/linux/XcbReply.hpp"
 
 namespace quorvane {
 
@@ -16,25 +16,26 @@ struct Screenshot {
     std::vector<std::uint32_t> pixels;  // 0xffRRGGBB, row by row
 
     // The area of the root window; empty when it cannot be read.
-    static Screenshot take(xcb_connection_t* connection, int x, int y, int width, int height) {
+    static Screenshot take(xcb_connection_t* connection, const Rect& area) {
         const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-        const auto cookie =
-            xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, root, static_cast<std::int16_t>(x),
-                          static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
-                          static_cast<std::uint16_t>(height), ~0U);
-        xcb_get_image_reply_t* reply = xcb_get_image_reply(connection, cookie, nullptr);
+        const auto reply =
+            xcbReply(xcb_get_image_reply, connection,
+                     xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, root,
+                                   std::int16_t(area.x), std::int16_t(area.y),
+                                   std::uint16_t(area.width), std::uint16_t(area.height), ~0U));
         if (!reply) return {};
-        Screenshot result{width, height, {}};
-        result.pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-        std::memcpy(result.pixels.data(), xcb_get_image_data(reply), result.pixels.size() * 4);
+        Screenshot result{int(area.width), int(area.height), {}};
+        result.pixels.resize(std::size_t(area.width * area.height));
+        std::memcpy(result.pixels.data(), xcb_get_image_data(reply.get()),
+                    result.pixels.size() * 4);
         for (std::uint32_t& pixel : result.pixels) pixel |= 0xff000000;
-        std::free(reply);
         return result;
     }
 
     static Screenshot take(xcb_connection_t* connection) {
         const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-        return take(connection, 0, 0, screen->width_in_pixels, screen->height_in_pixels);
+        return take(connection,
+                    {0, 0, double(screen->width_in_pixels), double(screen->height_in_pixels)});
     }
 
     std::uint32_t at(int x, int y) const {

@@ -49,4 +49,9 @@ private:
     std::filesystem::path path_;
 };
 
+// Permissions as chmod takes them, those of what a link leads to.
+inline int modeOf(const std::filesystem::path& path) {
+    return static_cast<int>(std::filesystem::status(path).permissions());
+}
+
 }  // namespace quorvane

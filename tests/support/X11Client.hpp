@@ -1,17 +1,18 @@
-// Another client of the X server: it plays lockers, overlays and the user's hand.
+// Another client of the X server: it plays lockers, overlays and the user's hand, and sees what
+// stands on the screen.
 #pragma once
 
 #include <sys/epoll.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "drawing/Geometry.hpp"
 #include "platform/linux/EventLoop.hpp"
+#include "platform/linux/XcbReply.hpp"
 
 namespace quorvane {
 
@@ -36,8 +37,7 @@ public:
     }
     // Returns when the server has carried out everything up to now.
     void sync() const {
-        std::free(
-            xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+        xcbReply(xcb_get_input_focus_reply, connection_, xcb_get_input_focus(connection_));
     }
 
     struct Look {
@@ -80,35 +80,25 @@ public:
     }
 
     bool grabKeyboard() const {
-        auto* reply =
-            xcb_grab_keyboard_reply(connection_,
+        const auto reply = xcbReply(xcb_grab_keyboard_reply, connection_,
                                     xcb_grab_keyboard(connection_, true, root(), XCB_CURRENT_TIME,
-                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-                                    nullptr);
-        const bool isGrabbed = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-        std::free(reply);
-        return isGrabbed;
+                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+        return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
     }
     void ungrabKeyboard() const { xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME); }
-    bool grabPointer() const {
-        auto* reply = xcb_grab_pointer_reply(
-            connection_,
+    bool grabPointer(xcb_cursor_t cursor = XCB_CURSOR_NONE) const {
+        const auto reply = xcbReply(
+            xcb_grab_pointer_reply, connection_,
             xcb_grab_pointer(connection_, false, root(), 0, XCB_GRAB_MODE_ASYNC,
-                             XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, XCB_CURSOR_NONE,
-                             XCB_CURRENT_TIME),
-            nullptr);
-        const bool isGrabbed = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-        std::free(reply);
-        return isGrabbed;
+                             XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, cursor, XCB_CURRENT_TIME));
+        return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
     }
 
     xcb_atom_t atom(std::string_view name) const {
-        auto* reply = xcb_intern_atom_reply(
-            connection_,
-            xcb_intern_atom(connection_, false, std::uint16_t(name.size()), name.data()), nullptr);
-        const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-        std::free(reply);
-        return atom;
+        const auto reply =
+            xcbReply(xcb_intern_atom_reply, connection_,
+                     xcb_intern_atom(connection_, false, std::uint16_t(name.size()), name.data()));
+        return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
     void setRootNumber(std::string_view property, xcb_atom_t type, std::uint32_t value) const {
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root(), atom(property), type, 32, 1,
@@ -129,6 +119,37 @@ public:
         });
     }
 
+    // What the server says of a window. Of one that is gone: null, or empty.
+    XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_window_t window) const {
+        return xcbReply(xcb_get_window_attributes_reply, connection_,
+                        xcb_get_window_attributes(connection_, window));
+    }
+    bool isViewable(xcb_window_t window) const {
+        const auto reply = attributes(window);
+        return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
+    // In root pixels.
+    Rect frame(xcb_window_t window) const {
+        const auto size =
+            xcbReply(xcb_get_geometry_reply, connection_, xcb_get_geometry(connection_, window));
+        const auto place = xcbReply(xcb_translate_coordinates_reply, connection_,
+                                    xcb_translate_coordinates(connection_, window, root(), 0, 0));
+        if (!size || !place) return {};
+        return {double(place->dst_x), double(place->dst_y), double(size->width),
+                double(size->height)};
+    }
+    xcb_window_t parent(xcb_window_t window) const {
+        const auto reply = tree(window);
+        return reply ? reply->parent : xcb_window_t{XCB_WINDOW_NONE};
+    }
+    // From the bottom up.
+    std::vector<xcb_window_t> children(xcb_window_t window) const {
+        const auto reply = tree(window);
+        if (!reply) return {};
+        const xcb_window_t* const first = xcb_query_tree_children(reply.get());
+        return {first, first + xcb_query_tree_children_length(reply.get())};
+    }
+
     // The user's hand, through the server's test extension.
     void movePointer(int x, int y) const {
         xcb_test_fake_input(connection_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root(),
@@ -142,8 +163,24 @@ public:
         xcb_test_fake_input(connection_, isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE,
                             std::uint8_t(code), XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
     }
+    // Felt by everybody when these return.
+    void click(Point at) const {
+        movePointer(int(at.x), int(at.y));
+        button(1, true);
+        button(1, false);
+        sync();
+    }
+    void type(unsigned code) const {
+        key(code, true);
+        key(code, false);
+        sync();
+    }
 
 private:
+    XcbReply<xcb_query_tree_reply_t> tree(xcb_window_t window) const {
+        return xcbReply(xcb_query_tree_reply, connection_, xcb_query_tree(connection_, window));
+    }
+
     xcb_connection_t* connection_;
     const xcb_screen_t* screen_;
 };

@@ -31,48 +31,25 @@ int runApplication(const Say& say, const std::function<void(EventLoop&, Applicat
     return status;
 }
 
-TEST(ApplicationTest, InterruptsEndItInOrder) {
-    ForkedChild child{[](const Say& say) {
-        return runApplication(say, [](EventLoop&, Application&) {
-            // Both come before the loop turns again: the end is one.
-            raise(SIGINT);
-            raise(SIGINT);
-        });
-    }};
-    EXPECT_EQ(child.line(), "launched");
-    EXPECT_EQ(child.line(), "will terminate");
-    EXPECT_EQ(child.line(), "returned");
-    EXPECT_EQ(child.line(), "");
-    EXPECT_EQ(child.wait(), 0);
-}
-
-TEST(ApplicationTest, AnInterruptReachesAnIdleLoop) {
-    ForkedChild child{
-        [](const Say& say) { return runApplication(say, [](EventLoop&, Application&) {}); }};
-    EXPECT_EQ(child.line(), "launched");
-    child.signal(SIGINT);
-    EXPECT_EQ(child.line(), "will terminate");
-    EXPECT_EQ(child.line(), "returned");
-    EXPECT_EQ(child.wait(), 0);
-}
-
-TEST(ApplicationTest, TerminateEndsWithZeroAndAFailureWithItsStatus) {
-    ForkedChild terminated{[](const Say& say) {
-        return runApplication(say, [&](EventLoop& loop, Application& application) {
-            application.terminate();
-            loop.quit(9);  // too late
-        });
-    }};
-    for (const char* line : {"launched", "will terminate", "returned"})
-        EXPECT_EQ(terminated.line(), line);
-    EXPECT_EQ(terminated.wait(), 0);
-
-    ForkedChild failed{[](const Say& say) {
-        return runApplication(say, [](EventLoop& loop, Application&) { loop.quit(9); });
-    }};
-    for (const char* line : {"launched", "will terminate", "returned"})
-        EXPECT_EQ(failed.line(), line);
-    EXPECT_EQ(WEXITSTATUS(failed.wait()), 9);
+TEST(ApplicationTest, EndsInOrderForEveryReason) {
+    const struct {
+        std::function<void(EventLoop&, Application&)> launched;
+        int signal;  // sent to the idle loop
+        int status;
+    } rows[] = {
+        // Both come before the loop turns again: the end is one.
+        {[](auto&, auto&) { raise(SIGINT), raise(SIGINT); }, 0, 0},
+        {[](auto&, auto&) {}, SIGINT, 0},
+        {[](auto& loop, auto& application) { application.terminate(), loop.quit(9); }, 0, 0},
+        {[](auto& loop, auto&) { loop.quit(9); }, 0, 9},
+    };
+    for (const auto& row : rows) {
+        ForkedChild child{[&](const Say& say) { return runApplication(say, row.launched); }};
+        EXPECT_EQ(child.line(), "launched");
+        if (row.signal != 0) child.signal(row.signal);
+        for (const char* line : {"will terminate", "returned", ""}) EXPECT_EQ(child.line(), line);
+        EXPECT_EQ(child.wait(), W_EXITCODE(row.status, 0)) << "row " << &row - rows;
+    }
 }
 
 TEST(ApplicationTest, TerminationSignalEndsABlockedProcessAfterOneLine) {

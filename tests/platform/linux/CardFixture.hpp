@@ -123,7 +123,7 @@ protected:
     }
     std::uint32_t pixelAt(int x, int y) {
         settle();
-        return Screenshot::take(viewer->connection(), x, y, 1, 1).at(0, 0);
+        return Screenshot::take(viewer->connection(), {double(x), double(y), 1, 1}).at(0, 0);
     }
     xcb_window_t cardWindow() const { return static_cast<xcb_window_t>(window->number()); }
     // By another client, into the card's window: what is drawn again afterwards shows.

@@ -61,11 +61,7 @@ protected:
         xcb_poly_fill_rectangle(connection, bits, context, 1, &all);
         const xcb_cursor_t cursor = xcb_generate_id(connection);
         xcb_create_cursor(connection, cursor, bits, bits, 0, 0, 0, 0, 0, 0, 0, 0);
-        std::free(xcb_grab_pointer_reply(
-            connection,
-            xcb_grab_pointer(connection, false, locker->root(), 0, XCB_GRAB_MODE_ASYNC,
-                             XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, cursor, XCB_CURRENT_TIME),
-            nullptr));
+        ASSERT_TRUE(locker->grabPointer(cursor));
     }
 
     std::vector<Kind> events;

@@ -37,11 +37,6 @@ struct DefaultsFileTest : testing::Test {
     }
 };
 
-int modeOf(const std::filesystem::path& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : -1;
-}
-
 TEST_F(DefaultsFileTest, WritesAreSeenHereAtOnceAndThereAtTheNextLook) {
     EXPECT_EQ(other.get("key"), std::nullopt);
     defaults.set("key", PropertyValue{true});

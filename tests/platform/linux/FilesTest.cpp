@@ -30,11 +30,6 @@ struct FilesTest : testing::Test {
     }
 };
 
-int modeOf(const std::filesystem::path& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : -1;
-}
-
 TEST_F(FilesTest, FoldersFollowTheStandard) {
     EXPECT_EQ(configFolder(), folder / "home/.config");
     EXPECT_EQ(dataFolder(), folder / "home/.local/share");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <xcb/xinput.h>
 
 #include <cstdlib>
 #include <memory>
@@ -61,6 +62,30 @@ protected:
         session.reset();
     }
 
+    // A mapped window of the test's client, of a known locker's class or of none.
+    xcb_window_t standLocker(const Rect& frame = kBothMonitors, const char* name = "i3lock",
+                             xcb_window_t number = XCB_WINDOW_NONE) {
+        const xcb_window_t window = client->makeWindow(frame, {}, XCB_WINDOW_NONE, number);
+        if (*name) client->setClass(window, name, name);
+        client->map(window);
+        return window;
+    }
+    // What of the root's events the session has selected.
+    std::uint32_t rootMask() {
+        xcb_connection_t* own = session->connection();
+        const auto attributes = xcbReply(xcb_get_window_attributes_reply, own,
+                                         xcb_get_window_attributes(own, session->screen().root));
+        return attributes ? attributes->your_event_mask : 0;
+    }
+    // And of the raw ones.
+    std::uint32_t rawMask() {
+        xcb_connection_t* own = session->connection();
+        const auto reply = xcbReply(xcb_input_xi_get_selected_events_reply, own,
+                                    xcb_input_xi_get_selected_events(own, session->screen().root));
+        auto masks = xcb_input_xi_get_selected_events_masks_iterator(reply.get());
+        return masks.rem == 1 ? xcb_input_event_mask_mask(masks.data)[0] : 0;
+    }
+
     EventLoop& loop() { return services->loop; }
     // Everything that the other client has done so far has been seen, and what the session asked of
     // the server upon it is done: the server takes its clients' requests in no certain order.
@@ -72,7 +97,7 @@ protected:
     }
     void syncSession() {
         xcb_connection_t* own = session->connection();
-        std::free(xcb_get_input_focus_reply(own, xcb_get_input_focus(own), nullptr));
+        xcbReply(xcb_get_input_focus_reply, own, xcb_get_input_focus(own));
     }
     // The notices without their common beginning, and forgets them.
     std::vector<std::string> take() { return std::exchange(notices, {}); }

@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <deque>
-
 #include "tests/platform/linux/DrawnScene.hpp"
 #include "tests/support/ManualMainThread.hpp"
+#include "tests/support/ManualSerialQueues.hpp"
 
 namespace quorvane {
 namespace {
@@ -74,27 +73,15 @@ TEST(Pictures, GiveWayToTheNoteWhenTheyCannotBeDecoded) {
     EXPECT_EQ(drawn(std::make_shared<Image>()).ink(), kFrame);
 }
 
-// Runs its actions when the test says so.
-struct ManualQueue : SerialQueue {
-    std::shared_ptr<std::deque<std::function<void()>>> waiting =
-        std::make_shared<std::deque<std::function<void()>>>();
-    void async(std::function<void()> action) override { waiting->push_back(std::move(action)); }
-};
-
 struct Background {
     ManualMainThread mainThread;
-    std::shared_ptr<std::deque<std::function<void()>>> waiting;
+    ManualSerialQueues queues;
     int arrivals = 0;
-    std::unique_ptr<PictureCache> cache;
+    std::unique_ptr<PictureCache> cache = std::make_unique<PictureCache>(
+        queues.make()(""), mainThread.mainThread(), [this] { ++arrivals; });
 
-    Background() {
-        auto queue = std::make_unique<ManualQueue>();
-        waiting = queue->waiting;
-        cache = std::make_unique<PictureCache>(std::move(queue), mainThread.mainThread(),
-                                               [this] { ++arrivals; });
-    }
     void decode() {
-        for (; !waiting->empty(); waiting->pop_front()) waiting->front()();
+        queues.runAll();
         mainThread.run();
     }
 };
@@ -106,12 +93,12 @@ TEST(PictureCache, DecodesInTheBackgroundAndOnlyOnce) {
     const ImageRef picture = image(stripes(80, 80, {kRed}));
     EXPECT_EQ(b.cache->picture(picture, {40, 40}).state, State::arriving);
     EXPECT_EQ(b.cache->picture(picture, {40, 40}).state, State::arriving);
-    EXPECT_EQ(b.waiting->size(), 1u);
+    EXPECT_EQ(b.queues.waiting(""), 1u);
     b.decode();
     EXPECT_EQ(b.arrivals, 1);
     EXPECT_EQ(b.cache->picture(picture, {40, 40}).state, State::ready);
     EXPECT_EQ(cairo_image_surface_get_width(b.cache->picture(picture, {40, 40}).surface), 40);
-    EXPECT_TRUE(b.waiting->empty());
+    EXPECT_EQ(b.queues.waiting(""), 0u);
     EXPECT_EQ(b.cache->picture(picture, {80, 80}).state, State::arriving);
 
     const ImageRef broken = image({});
@@ -139,7 +126,7 @@ TEST(PictureCache, KeepsFewPicturesAndNoneOfImagesThatAreGone) {
 TEST(PictureCache, ForgetsWhatArrivesAfterItsEnd) {
     Background b;
     b.cache->picture(image(stripes(8, 8, {kRed})), {4, 4});
-    for (; !b.waiting->empty(); b.waiting->pop_front()) b.waiting->front()();
+    b.queues.runAll();
     b.cache.reset();
     b.mainThread.run();
     EXPECT_EQ(b.arrivals, 0);

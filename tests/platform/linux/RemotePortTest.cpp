@@ -210,9 +210,7 @@ TEST(RemotePortLookup, TheFolderMustBeAPrivateOneOfTheUsersOwn) {
     EXPECT_TRUE(serves(other / "made"));
     chmod((other / "made").c_str(), 0755);
     EXPECT_TRUE(serves(other / "made"));
-    struct stat status {};
-    stat((other / "made").c_str(), &status);
-    EXPECT_EQ(status.st_mode & 0777, 0700U);
+    EXPECT_EQ(modeOf(other / "made"), 0700);
 }
 
 TEST(RemotePortLookup, LongFoldersAreReachedAllTheSame) {

@@ -50,21 +50,12 @@ TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
     watch();
     EXPECT_EQ(session->screens().list().front().scale, 1.5);
     client->setResources("Xft.dpi:\t192\n");
-    const xcb_window_t window = client->makeWindow(kBothMonitors);
-    client->setClass(window, "i3lock", "i3lock");
-    client->map(window);
+    standLocker();
     settle();
     EXPECT_TRUE(isQuiet()) << "a standing lock is no work";
     const Screen screen = session->screens().list().front();
     EXPECT_EQ(screen, (Screen{{0, 0, 800, 450}, 2, {{305, 130, 190, 190}}}));
     EXPECT_EQ(session->pixelFrame(screen), kBothMonitors);
-}
-
-TEST_F(ScreensLinux, ObeyTheUsersScale) {
-    setenv("QUORVANE_SCALE", "2", 1);
-    watch();
-    unsetenv("QUORVANE_SCALE");
-    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 450}}));
 }
 
 TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {
@@ -79,9 +70,7 @@ TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {
 
 TEST_F(ScreensLinux, SurviveTheEndOfTheServer) {
     watch();
-    const xcb_window_t window = client->makeWindow(kBothMonitors);
-    client->setClass(window, "i3lock", "i3lock");
-    client->map(window);
+    const xcb_window_t window = standLocker();
     settle();
     take();
     server.process().end(SIGKILL);
