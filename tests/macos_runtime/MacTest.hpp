@@ -1,12 +1,13 @@
-// What every test over the fakes does: a pool around it, no fault in it, nothing alive after it.
-// For Objective-C++ only.
+// What every test over the fakes does: a pool around it, no fault in it, nothing alive after it,
+// and all calls that it did not take itself as in its transcript. For Objective-C++ only.
 #pragma once
 
 #import <Foundation/Foundation.h>
 
 #include <gtest/gtest.h>
 
-#include "tests/macos_runtime/fakes/Fakes.hpp"
+#include "tests/macos_runtime/Transcript.hpp"
+#include "tests/macos_runtime/fakes/Answers.hpp"
 
 extern "C" {
 void* objc_autoreleasePoolPush(void);
@@ -33,9 +34,12 @@ protected:
         }
         EXPECT_EQ(livingObjects(), "");
         EXPECT_EQ(faults_, Texts{});
+        expectTranscript(takeTexts());
         setFaultListener(nullptr);
     }
 
+    // A line between the calls of the transcript.
+    static void step(const std::string& what) { note("-- " + what); }
     // Lets go of what is only waiting for the pool's end.
     void drainPool() {
         objc_autoreleasePoolPop(pool_);

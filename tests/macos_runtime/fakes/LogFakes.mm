@@ -2,9 +2,8 @@
 #import <os/log.h>
 
 #include <cstring>
-#include <map>
 
-#include "tests/macos_runtime/fakes/LogFakes.hpp"
+#include "tests/macos_runtime/fakes/Answers.hpp"
 
 @interface FakeLog : NSObject <OS_os_log> {
 @public
@@ -15,9 +14,6 @@
 @end
 
 namespace {
-bool isDebugEnabled;
-const macrt::AtReset reset{[] { isDebugEnabled = true; }};
-
 // Takes the arguments from the buffer one after the other.
 class Arguments {
 public:
@@ -86,7 +82,7 @@ os_log_t os_log_create(const char* subsystem, const char* category) {
 }
 
 bool os_log_type_enabled(os_log_t, os_log_type_t type) {
-    return type != OS_LOG_TYPE_DEBUG || isDebugEnabled;
+    return type != OS_LOG_TYPE_DEBUG || macrt::answered<bool>(nil, "", "debug log", true);
 }
 
 void _os_log_impl(void*, os_log_t log, os_log_type_t type, const char* format, uint8_t* buf,
@@ -95,7 +91,3 @@ void _os_log_impl(void*, os_log_t log, os_log_type_t type, const char* format, u
                 rendered(format, buf, size));
 }
 }
-
-namespace macrt {
-void setDebugLog(bool isEnabled) { isDebugEnabled = isEnabled; }
-}  // namespace macrt

@@ -1,5 +1,5 @@
 // The root class, and what fakes and tests need of the runtime.
-#include "tests/macos_runtime/fakes/Fakes.hpp"
+#include "tests/macos_runtime/fakes/Answers.hpp"
 
 extern "C" {
 void objc_msgSend(void);
@@ -47,6 +47,8 @@ std::string nameOf(Object* object);
     return reinterpret_cast<NSUInteger>((__bridge void*)self);
 }
 - (NSString*)description {
+    const std::any* const answer = macrt::findAnswer(self, "NSObject", "description");
+    if (answer != nullptr) return macrt::fromAnswer<NSString*>(*answer);
     auto* const object = (__bridge macrt::Object*)self;
     return macrt::makeString("<" + macrt::nameOf(object) + ">");
 }

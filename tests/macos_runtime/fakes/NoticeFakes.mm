@@ -1,42 +1,17 @@
 // Notification centres of all kinds.
 #include "tests/macos_runtime/fakes/NoticeFakes.hpp"
 
-namespace {
-NSNotificationCenter* defaultCentre;
-NSDistributedNotificationCenter* distributedCentre;
-NSOperationQueue* mainQueue;
-NSWorkspace* workspace;
+#include "tests/macos_runtime/fakes/Answers.hpp"
 
+namespace {
 struct DarwinObserver {
     const void* observer;
     CFNotificationCallback callback;
     std::string name;
 };
 std::vector<DarwinObserver> darwinObservers;
-
-const macrt::AtReset reset{[] {
-    defaultCentre = nil;
-    distributedCentre = nil;
-    mainQueue = nil;
-    workspace = nil;
-    darwinObservers.clear();
-}};
+const macrt::AtReset reset{[] { darwinObservers.clear(); }};
 }  // namespace
-
-@interface NSNotification ()
-@property(readwrite, copy) NSDictionary* userInfo;
-@end
-@implementation NSNotification
-@end
-
-@interface NSOperationQueue () <Recorded>
-@end
-@implementation NSOperationQueue
-+ (NSOperationQueue*)mainQueue {
-    if (mainQueue == nil) mainQueue = [NSOperationQueue new];
-    return mainQueue;
-}
-@end
 
 // A block, or a method of an object that the centre does not hold.
 @interface FakeObservation : NSObject {
@@ -57,8 +32,7 @@ const macrt::AtReset reset{[] {
     std::vector<FakeObservation*> observations_;
 }
 + (NSNotificationCenter*)defaultCenter {
-    if (defaultCentre == nil) defaultCentre = [NSNotificationCenter new];
-    return defaultCentre;
+    return macrt::shared<NSNotificationCenter>("defaultCenter");
 }
 - (id<NSObject>)addObserverForName:(NSNotificationName)name
                             object:(id)obj
@@ -81,8 +55,7 @@ const macrt::AtReset reset{[] {
 @end
 @implementation NSDistributedNotificationCenter
 + (NSDistributedNotificationCenter*)defaultCenter {
-    if (distributedCentre == nil) distributedCentre = [NSDistributedNotificationCenter new];
-    return distributedCentre;
+    return macrt::shared<NSDistributedNotificationCenter>("defaultCenter");
 }
 - (void)addObserver:(id)observer
               selector:(SEL)selector
@@ -95,36 +68,18 @@ const macrt::AtReset reset{[] {
     observation->selector = selector;
     observations_.push_back(observation);
 }
-- (void)postNotificationName:(NSNotificationName)name
-                      object:(NSString*)object
-                    userInfo:(NSDictionary*)userInfo
-          deliverImmediately:(BOOL)deliverImmediately {
-}
 @end
 
-@interface NSWorkspace () <Recorded>
-@property(readwrite, strong) NSNotificationCenter* notificationCenter;
-@property(readwrite) BOOL accessibilityDisplayShouldReduceMotion;
-@end
 @implementation NSWorkspace
-+ (NSWorkspace*)sharedWorkspace {
-    if (workspace == nil) {
-        workspace = [NSWorkspace new];
-        workspace.notificationCenter = [NSNotificationCenter new];
-    }
-    return workspace;
+@dynamic accessibilityDisplayShouldReduceMotion;
+- (NSNotificationCenter*)notificationCenter {
+    return macrt::shared<NSNotificationCenter>("of the workspace");
 }
 @end
-
-NSNotificationName const NSWorkspaceDidWakeNotification = @"NSWorkspaceDidWakeNotification";
-NSNotificationName const NSApplicationDidChangeScreenParametersNotification =
-    @"NSApplicationDidChangeScreenParametersNotification";
 
 extern "C" {
 
-CFNotificationCenterRef CFNotificationCenterGetDarwinNotifyCenter() {
-    return reinterpret_cast<CFNotificationCenterRef>(&darwinObservers);
-}
+CFNotificationCenterRef CFNotificationCenterGetDarwinNotifyCenter() { return nullptr; }
 
 void CFNotificationCenterAddObserver(CFNotificationCenterRef, const void* observer,
                                      CFNotificationCallback callBack, CFStringRef name, const void*,
@@ -142,18 +97,13 @@ void CFNotificationCenterRemoveObserver(CFNotificationCenterRef, const void* obs
         return each.observer == observer && each.name == text;
     });
 }
-
-void CFNotificationCenterPostNotification(CFNotificationCenterRef, CFNotificationName name,
-                                          const void*, CFDictionaryRef, Boolean) {
-    macrt::note("Darwin post " + macrt::textOf((__bridge NSString*)name));
-}
 }
 
 namespace macrt {
 
 void deliver(NSNotificationCenter* center, NSString* name, NSDictionary* userInfo) {
     NSNotification* const notification = [NSNotification new];
-    notification.userInfo = userInfo;
+    setAnswer(notification, "userInfo", userInfo);
     const std::vector<FakeObservation*> observations = center->observations_;
     for (FakeObservation* const& each : observations) {
         if (![each->name isEqual:name]) continue;
@@ -173,10 +123,6 @@ void deliverDarwin(std::string_view name) {
         if (each.name == name)
             each.callback(nullptr, const_cast<void*>(each.observer),
                           (__bridge CFStringRef)makeString(name), nullptr, nullptr);
-}
-
-void setReducesMotion(bool reduces) {
-    NSWorkspace.sharedWorkspace.accessibilityDisplayShouldReduceMotion = reduces;
 }
 
 }  // namespace macrt

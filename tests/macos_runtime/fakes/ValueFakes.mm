@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "tests/macos_runtime/fakes/Values.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 @implementation NSValue {
     CATransform3D transform_;
@@ -108,10 +108,7 @@ enum class Kind { boolean, whole, positive, real };
              error:(NSError**)errorPtr {
     const std::string path = macrt::textOf(url.path);
     macrt::note("write " + path + " " + std::to_string(writeOptionsMask));
-    if (path.starts_with("/forbidden")) {
-        *errorPtr = macrt::makeError(NSCocoaErrorDomain, 513, @"not allowed");
-        return NO;
-    }
+    if (!macrt::succeeds("NSData", "writeToURL:options:error:", errorPtr)) return NO;
     macrt::files()[path] = bytes_;
     return YES;
 }
@@ -146,14 +143,6 @@ enum class Kind { boolean, whole, positive, real };
 }
 @end
 
-@interface NSError ()
-@property(readwrite, copy) NSErrorDomain domain;
-@property(readwrite) NSInteger code;
-@property(readwrite, copy) NSString* localizedDescription;
-@end
-@implementation NSError
-@end
-
 @interface NSURL ()
 @property(readwrite, copy) NSString* path;
 @end
@@ -182,9 +171,6 @@ enum class Kind { boolean, whole, positive, real };
 }
 @end
 
-NSErrorDomain const NSCocoaErrorDomain = @"NSCocoaErrorDomain";
-NSErrorDomain const NSPOSIXErrorDomain = @"NSPOSIXErrorDomain";
-
 // Core Foundation's view of the same objects. Type numbers are the test's own.
 extern "C" {
 void* objc_retain(const void*);
@@ -209,17 +195,11 @@ Boolean CFNumberIsFloatType(CFNumberRef number) {
 
 namespace macrt {
 
-std::map<std::string, std::string>& files() {
-    static auto& all = *new std::map<std::string, std::string>;
-    static const AtReset reset{[] { all.clear(); }};
-    return all;
-}
-
 NSError* makeError(NSString* domain, NSInteger code, NSString* description) {
     NSError* const error = [NSError new];
-    error.domain = domain;
-    error.code = code;
-    error.localizedDescription = description;
+    setAnswer(error, "domain", domain);
+    setAnswer(error, "code", code);
+    setAnswer(error, "localizedDescription", description);
     return error;
 }
 

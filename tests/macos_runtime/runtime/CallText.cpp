@@ -52,7 +52,7 @@ std::string numberText(const char* format, double value) {
     return text.data();
 }
 
-std::string valueText(std::string_view type, const unsigned char* bytes) {
+std::string leafText(std::string_view type, const unsigned char* bytes) {
     // What the system's C interfaces call by such names is an object of a fake.
     if (type.starts_with("^{CG") || type.starts_with("^{__C")) type = "@";
     switch (type.front()) {
@@ -85,22 +85,18 @@ public:
     std::string next(std::string_view type) {
         const std::size_t words = wordsOf(type);
         const bool isReal = isStructure(type) || type == "d" || type == "f";
-        if (!isReal && integers_ < 6) return textOf(type, bytesOf(&frame_.integers[integers_++]));
+        if (!isReal && integers_ < 6) return valueText(type, &frame_.integers[integers_++]);
         if (isReal && words <= 2 && vectors_ + words <= 8) {
             std::array<double, 2> values{};
             for (std::size_t i = 0; i < words; ++i) values[i] = frame_.vectors[vectors_++][0];
-            return textOf(type, bytesOf(values.data()));
+            return valueText(type, values.data());
         }
         const unsigned char* const place = frame_.stack + 8 * stacked_;
         stacked_ += words;
-        return textOf(type, place);
+        return valueText(type, place);
     }
 
 private:
-    static const unsigned char* bytesOf(const void* place) {
-        return static_cast<const unsigned char*>(place);
-    }
-
     const Frame& frame_;
     std::size_t integers_;
     std::size_t vectors_ = 0;
@@ -113,12 +109,14 @@ void skipOffset(std::string_view& types) {
 
 }  // namespace
 
-std::string textOf(std::string_view type, const unsigned char* bytes) {
-    if (!isStructure(type)) return valueText(type, bytes);
+std::string valueText(std::string_view types, const void* value) {
+    const std::string_view type = takeType(types);
+    const auto* bytes = static_cast<const unsigned char*>(value);
+    if (!isStructure(type)) return leafText(type, bytes);
     std::string text;
     for (std::string_view members = membersOf(type); !members.empty();) {
         const std::string_view member = takeType(members);
-        text += (text.empty() ? "" : ", ") + textOf(member, bytes);
+        text += (text.empty() ? "" : ", ") + valueText(member, bytes);
         bytes += 8 * wordsOf(member);
     }
     return "{" + text + "}";

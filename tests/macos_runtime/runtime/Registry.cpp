@@ -53,10 +53,11 @@ bool lists(const ProtocolList* list, std::string_view name) {
     return false;
 }
 
+// What is there already stays: made fakes stand back behind those that are written by hand.
 void addMembers(Class* to, RecordList* methods, RecordList* properties) {
     for (MethodRecord& method : RecordList::of<MethodRecord>(methods)) {
         method.name = selectorNamed(method.name);
-        to->facts->methods[method.name] = &method;
+        to->facts->methods.emplace(method.name, &method);
     }
     for (const PropertyRecord& property : RecordList::of<PropertyRecord>(properties)) {
         std::string_view attributes = property.attributes;

@@ -42,8 +42,6 @@ inline bool isClassObject(const Object* object) { return object->isa->isMetaclas
 std::string nameOf(Object* object);
 // As an argument is shown: @"text", 5, <NSPanel#1>, nil.
 std::string describe(Object* object);
-// A value of an encoded type, "{CGPoint=dd}".
-std::string textOf(std::string_view type, const unsigned char* bytes);
 // The selector with the arguments of a saved call between its parts.
 std::string describeCall(Frame& frame, bool isResultInMemory, const char* types);
 

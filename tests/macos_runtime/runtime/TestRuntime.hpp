@@ -24,6 +24,9 @@ std::vector<std::string> takeTexts(std::string_view part = {});
 // For fakes of C functions: one order for everything. Any thread.
 void note(std::string text);
 
+// A value of an encoded type, "{CGPoint=dd}", as arguments are shown: "{1, 2.5}".
+std::string valueText(std::string_view types, const void* value);
+
 // A method's type encoding without offsets, "v@:f": result, self, selector, arguments. Empty when
 // the class has no such method. Class methods begin with '+'.
 std::string typesOf(const char* className, std::string_view selector);
