@@ -19,6 +19,8 @@ struct PresentationState {
     constexpr bool cardShown() const { return windowsWanted() && hasMusic; }
     // The reveal delay runs exactly while this holds.
     constexpr bool awaitingDelay() const { return isLocked && isLockUIShown && !delayElapsed; }
+    // Nothing but the delay is still in the card's way.
+    constexpr bool cardExpected() const { return awaitingDelay() && allowsPlayer && hasMusic; }
 
     [[nodiscard]] constexpr PresentationState applying(const PresentationEvent& event) const;
     bool operator==(const PresentationState&) const = default;

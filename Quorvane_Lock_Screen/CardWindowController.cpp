@@ -35,6 +35,21 @@ CardWindowController::~CardWindowController() = default;
 void CardWindowController::present(const PresentationState& state) {
     const PresentationState previous = std::exchange(*state_, state);
     apply(CardWindowSync::steps(previous, state, standing()), "state");
+    if (state.cardExpected() && !previous.cardExpected()) rehearseSoon();
+}
+
+// A card that nobody sees brings in, while the lock screen is still arriving, what the first one
+// to be seen would wait for: the drawing code, the fonts, the texts' widths.
+void CardWindowController::rehearseSoon() {
+    services_.mainThread.post([this, held = std::weak_ptr{state_}] {
+        const auto state = held.lock();
+        if (state == nullptr || !state->cardExpected()) return;
+        const std::vector<Screen> screens = services_.screens.list();
+        if (screens.empty()) return;
+        const auto content = makeContent_(screens.front());
+        content->attach(services_.windows.makeStage(GlassCardView::style()));
+        content->setShown(true);
+    });
 }
 
 CardWindowSync::Standing CardWindowController::standing() const {

@@ -49,6 +49,7 @@ private:
         std::shared_ptr<GlassCardView> card;
     };
 
+    void rehearseSoon();
     CardWindowSync::Standing standing() const;
     void apply(const std::vector<CardWindowSync::Step>& steps, std::string_view reason);
     void build(CardWindowSync::CardAppearance appearance, std::string_view reason);

@@ -1,5 +1,5 @@
 // The drawing module: everything that needs the drawing libraries, in a library of its own that is
-// loaded when the first card window is made. Until then the add-on runs without them.
+// loaded when the first card is made. Until then the add-on runs without them.
 #pragma once
 
 #include "drawing/CardWindows.hpp"

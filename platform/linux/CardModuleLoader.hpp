@@ -1,4 +1,4 @@
-// The card windows, from the drawing module that is loaded when the first of them is made.
+// The card windows, from the drawing module that is loaded when the first card is made.
 #pragma once
 
 #include <filesystem>

@@ -11,6 +11,7 @@ namespace {
 
 constexpr PresentationState kUnlocked{};
 constexpr PresentationState kSilent{true, true, true, true, false};
+constexpr PresentationState kExpected{true, true, false, true, true};
 constexpr PresentationState kPlaying{true, true, true, true, true};
 
 // Content that only remembers whether it is shown.
@@ -101,6 +102,21 @@ TEST_F(CardWindowControllerTest, BuildsOneWindowAScreenAndShowsTheCardsAfterTheP
     EXPECT_EQ(activities_, 0);
     EXPECT_EQ(shownContents_, 0);
     EXPECT_EQ(log_.take(), (std::vector<std::string>{"windows: closing 2 (state)"}));
+}
+
+TEST_F(CardWindowControllerTest, ACardIsRehearsedWhileOnlyTheDelayIsInItsWay) {
+    controller_->present({true, true, false, true, false});
+    mainThread_.run();
+    controller_->present(kExpected);
+    controller_->present(kUnlocked);  // before the pass has ended
+    mainThread_.run();
+    EXPECT_EQ(windows_.stages.size(), 0u);
+    controller_->present(kExpected);
+    mainThread_.run();
+    EXPECT_EQ(windows_.stages.size(), 1u);
+    EXPECT_EQ(windows_.stages[0].use_count(), 1);  // and gone again
+    EXPECT_EQ(shownContents_, 0);
+    EXPECT_TRUE(windows_.windows.empty());
 }
 
 TEST_F(CardWindowControllerTest, ADeferredShowFindsTheStateChangedOrTheControllerGone) {
