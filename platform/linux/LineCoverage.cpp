@@ -1,8 +1,9 @@
 #include "platform/linux/LineCoverage.hpp"
 
+#include <pango/pangocairo.h>
+
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
 
 #include "platform/linux/TextRuns.hpp"
@@ -10,20 +11,39 @@
 namespace quorvane {
 namespace {
 
-constexpr double kRoom = 8;       // points around the line, for what reaches out of it
-constexpr double kWidest = 8192;  // pixels
+constexpr int kPlacesAPixel = 4;  // at which a letter may begin
+constexpr double kWidest = 8000;  // pixels; Cairo's pictures end at four times as many
 
-CairoSurface drawn(const TextLine& line, double scale, int room, int baseline) {
-    const auto pixels = [&](double length) { return static_cast<int>(std::ceil(length * scale)); };
+PixelRect inkOf(const TextLine& line, double scale) {
+    PangoRectangle ink{};
+    pango_layout_line_get_extents(pango_layout_get_line_readonly(line.layout.get(), 0), &ink,
+                                  nullptr);
+    if (ink.width <= 0 || ink.height <= 0) return {};
+    const double pixels = scale / PANGO_SCALE;
+    // A pixel more all around: letters are rounded to their places, and so is what Pango tells.
+    return pixelsTouchedBy(
+        Rect{ink.x * pixels, ink.y * pixels, ink.width * pixels, ink.height * pixels}.grownBy(1));
+}
+
+// Cairo keeps the pictures of letters, which is many times faster than to fill their outlines, but
+// puts them on whole pixels only. In this picture a pixel is a part of one.
+CairoSurface drawnWide(const TextLine& line, double scale, const PixelRect& ink) {
     CairoSurface surface{
-        cairo_image_surface_create(CAIRO_FORMAT_A8, pixels(line.width) + 2 * room,
-                                   baseline + pixels(line.heights.descent) + room)};
+        cairo_image_surface_create(CAIRO_FORMAT_A8, ink.width * kPlacesAPixel, ink.height)};
     const CairoContext cairo{cairo_create(surface.get())};
-    cairo_translate(cairo.get(), room, baseline);
-    cairo_scale(cairo.get(), scale, scale);
-    fillLine(cairo.get(), line, {});
+    cairo_translate(cairo.get(), -ink.x * kPlacesAPixel, -ink.y);
+    cairo_scale(cairo.get(), scale * kPlacesAPixel, scale);
+    pango_cairo_show_layout_line(cairo.get(), pango_layout_get_line_readonly(line.layout.get(), 0));
     cairo_surface_flush(surface.get());
     return surface;
+}
+
+void copyMeans(const unsigned char* wide, std::span<std::uint8_t> narrow) {
+    for (std::uint8_t& value : narrow) {
+        int sum = 0;
+        for (int i = 0; i < kPlacesAPixel; ++i) sum += *wide++;
+        value = static_cast<std::uint8_t>((sum + kPlacesAPixel / 2) / kPlacesAPixel);
+    }
 }
 
 // What follows is made for the compiler: loops of a fixed length over single bytes, which it turns
@@ -62,53 +82,51 @@ void mix(std::uint32_t* pixels, const Block& weights, const Block& color) {
 
 }  // namespace
 
-std::optional<LineCoverage> LineCoverage::make(const TextLine& line, double scale) {
-    if (hasColors(line) || line.width * scale > kWidest) return std::nullopt;
-    const int room = std::max(kMixedAtOnce, static_cast<int>(std::lround(kRoom * scale)));
-    const int baseline = room + static_cast<int>(std::ceil(line.heights.ascent * scale));
-    const CairoSurface surface = drawn(line, scale, room, baseline);
-    const unsigned char* const data = cairo_image_surface_get_data(surface.get());
-    if (!data) return std::nullopt;
-    const int stride = cairo_image_surface_get_stride(surface.get());
-    const int height = cairo_image_surface_get_height(surface.get());
-    const auto hasInk = [&](int y) {
-        const auto* const row = data + static_cast<std::ptrdiff_t>(y) * stride;
-        return std::any_of(row, row + stride, [](unsigned char value) { return value != 0; });
-    };
-    int top = 0;
-    int bottom = height;
-    while (top < bottom && !hasInk(top)) ++top;
-    while (top < bottom && !hasInk(bottom - 1)) --bottom;
-    if (top == bottom) return std::nullopt;
+std::shared_ptr<const LineCoverage> LineCoverage::of(const TextLine& line, double scale) {
+    if (!line.coverage || line.coverage->scale_ != scale) line.coverage = make(line, scale);
+    return line.coverage;
+}
 
-    LineCoverage coverage;
-    coverage.top_ = top - baseline;
-    coverage.rows_ = bottom - top;
-    coverage.left_ = room;
-    coverage.columns_ = cairo_image_surface_get_width(surface.get());
-    const int length = coverage.columns_ + kMixedAtOnce;
-    coverage.values_.resize(static_cast<std::size_t>(length) *
-                            static_cast<std::size_t>(coverage.rows_));
-    for (int y = top; y < bottom; ++y)
-        std::copy_n(data + static_cast<std::ptrdiff_t>(y) * stride, coverage.columns_,
-                    coverage.values_.data() + static_cast<std::ptrdiff_t>(y - top) * length);
-    return coverage;
+std::shared_ptr<const LineCoverage> LineCoverage::make(const TextLine& line, double scale) {
+    const PixelRect ink = inkOf(line, scale);
+    if (ink.isEmpty() || ink.width > kWidest || hasColors(line)) return nullptr;
+    const CairoSurface wide = drawnWide(line, scale, ink);
+    const unsigned char* const data = cairo_image_surface_get_data(wide.get());
+    if (!data) return nullptr;
+    std::shared_ptr<LineCoverage> made{new LineCoverage{scale, ink}};
+    for (int y = 0; y < ink.height; ++y)
+        copyMeans(data + std::ptrdiff_t{y} * cairo_image_surface_get_stride(wide.get()),
+                  {made->row(y), static_cast<std::size_t>(ink.width)});
+    return made;
+}
+
+LineCoverage::LineCoverage(double scale, const PixelRect& ink)
+    : scale_(scale),
+      ink_(ink),
+      stride_(cairo_format_stride_for_width(CAIRO_FORMAT_A8, ink.width + kMixedAtOnce)),
+      values_(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(ink.height)) {}
+
+void LineCoverage::show(cairo_t* cairo, int x, int y) const {
+    const CairoSurface mask{
+        cairo_image_surface_create_for_data(const_cast<std::uint8_t*>(values_.data()),
+                                            CAIRO_FORMAT_A8, ink_.width, ink_.height, stride_)};
+    cairo_mask_surface(cairo, mask.get(), x + ink_.x, y + ink_.y);
 }
 
 void LineCoverage::mixInto(std::span<std::uint32_t> pixels,
                            std::span<const std::uint16_t> strengths, std::uint32_t color, int x,
                            int y) const {
-    if (y < top_ || y >= top_ + rows_) return;
-    const std::uint8_t* const row =
-        values_.data() + static_cast<std::ptrdiff_t>(y - top_) * (columns_ + kMixedAtOnce);
+    if (y < top() || y >= bottom()) return;
+    const std::uint8_t* const letters = row(y - top());
     std::array<std::uint32_t, kMixedAtOnce> colors;
     colors.fill(color);
     Block colorBlock;
     std::memcpy(colorBlock.data(), colors.data(), colorBlock.size());
-    const int begin = std::max(0, x - left_);
-    const int end = std::min(static_cast<int>(pixels.size()) - kMixedAtOnce, x - left_ + columns_);
+    const int left = x + ink_.x;
+    const int begin = std::max(0, left);
+    const int end = std::min(static_cast<int>(pixels.size()) - kMixedAtOnce, left + ink_.width);
     for (int i = begin; i < end; i += kMixedAtOnce) {
-        const std::uint8_t* const coverage = row + (i - x + left_);
+        const std::uint8_t* const coverage = letters + (i - left);
         if (!isEmpty(coverage))
             mix(&pixels[static_cast<std::size_t>(i)],
                 weightsOf(coverage, &strengths[static_cast<std::size_t>(i)]), colorBlock);

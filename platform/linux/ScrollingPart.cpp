@@ -91,7 +91,7 @@ std::vector<Leaf> ScrollingPart::leavesIn(const Scene& scene) const {
 bool ScrollingPart::addLine(std::size_t number, TextLayouts& texts) {
     const TextNode& node = *scrollingText(nodes_[number]);
     const TextLine& line = texts.line(node.text, node.font);
-    auto coverage = LineCoverage::make(line, place_.scale);
+    const auto coverage = LineCoverage::of(line, place_.scale);
     if (!coverage) return false;
     const int baseline =
         static_cast<int>(std::lround(place_.pixel(baselineOf(node.frame, line.heights))));
@@ -102,8 +102,8 @@ bool ScrollingPart::addLine(std::size_t number, TextLayouts& texts) {
     const PixelRect rows{part_.x, top, part_.width, bottom - top};
     // `rows` may be empty: letters outside of their frame are not shown.
     if (!rows.isEmpty()) rows_ = rows_.isEmpty() ? rows : unionOf(rows_, rows);
-    lines_.push_back({number, line.width, baseline, rows, std::move(*coverage), pixelOf(node.color),
-                      strengthsOf(node)});
+    lines_.push_back(
+        {number, line.width, baseline, rows, coverage, pixelOf(node.color), strengthsOf(node)});
     return true;
 }
 
@@ -137,7 +137,7 @@ void ScrollingPart::drawRow(int y, std::span<const Copy> copies,
     std::ranges::copy_n(still_.row(y - rows_.y), still_.width, row.begin());
     for (const auto& [line, x] : copies)
         if (y >= line->rows.y && y < line->rows.maxY())
-            line->coverage.mixInto(row, line->strengths, line->color, x, y - line->baseline);
+            line->coverage->mixInto(row, line->strengths, line->color, x, y - line->baseline);
 }
 
 std::optional<PixelRect> ScrollingPart::draw(cairo_surface_t* stage, const Scene& scene,

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -48,7 +49,7 @@ private:
         double width;      // points
         int baseline;      // row of the stage
         PixelRect rows;    // with letters, of the part
-        LineCoverage coverage;
+        std::shared_ptr<const LineCoverage> coverage;
         std::uint32_t color;
         std::vector<std::uint16_t> strengths;
     };

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
+#include <optional>
 
+#include "platform/linux/LineCoverage.hpp"
 #include "platform/linux/TextRuns.hpp"
 
 namespace quorvane {
@@ -21,17 +22,36 @@ Point snapped(cairo_t* cairo, Point point) {
     return point;
 }
 
-CairoPattern fadeMask(const TextNode& node) {
-    CairoPattern mask{cairo_pattern_create_linear(node.frame.x, 0, node.frame.maxX(), 0)};
+// Pixels a point, where neither turned nor stretched.
+std::optional<double> uprightScale(cairo_t* cairo) {
+    cairo_matrix_t matrix{};
+    cairo_get_matrix(cairo, &matrix);
+    if (matrix.xy != 0 || matrix.yx != 0 || matrix.xx != matrix.yy) return std::nullopt;
+    return matrix.xx;
+}
+
+CairoPattern evenly(const Color& color) {
+    return CairoPattern{cairo_pattern_create_rgba(color.red, color.green, color.blue, color.alpha)};
+}
+
+// The line's colour, fading toward both ends of the frame.
+CairoPattern fading(const TextNode& node) {
+    CairoPattern paint{cairo_pattern_create_linear(node.frame.x, 0, node.frame.maxX(), 0)};
+    const Color& color = node.color;
     for (const FadeStop& stop : fadeStops(node))
-        cairo_pattern_add_color_stop_rgba(mask.get(), stop.place, 0, 0, 0, stop.strength);
-    return mask;
+        cairo_pattern_add_color_stop_rgba(paint.get(), stop.place, color.red, color.green,
+                                          color.blue, color.alpha * stop.strength);
+    return paint;
 }
 
 constexpr double kPictureMargin = 8;     // points around the line, for what reaches out of it
 constexpr double kWidestPicture = 8192;  // pixels
 
-// Filling a line's outlines anew for each frame would cost more than all the rest of it.
+void fillOpaque(cairo_t* cairo, const TextLine& line, const Color& color, Point start) {
+    cairo_set_source_rgb(cairo, color.red, color.green, color.blue);
+    fillLine(cairo, line, start);
+}
+
 // Null for a line too long to be kept as a picture.
 const TextPicture* pictureOf(const TextLine& line, const Color& color, double scale) {
     TextPicture& picture = line.picture;
@@ -45,47 +65,58 @@ const TextPicture* pictureOf(const TextLine& line, const Color& color, double sc
                color, scale};
     const CairoContext cairo{cairo_create(picture.surface.get())};
     cairo_scale(cairo.get(), scale, scale);
-    cairo_set_source_rgba(cairo.get(), color.red, color.green, color.blue, color.alpha);
     // The baseline lies on whole pixels, as it will where the picture is put.
     const double baseline = std::round((kPictureMargin + line.heights.ascent) * scale) / scale;
-    fillLine(cairo.get(), line, {kPictureMargin, baseline});
+    fillOpaque(cairo.get(), line, color, {kPictureMargin, baseline});
     return &picture;
 }
 
-// As `fillLine`, from the line's picture; `start` is on whole pixels. Seen through the mask if
-// there is one.
-void showPicture(cairo_t* cairo, const TextLine& line, const Color& color, Point start,
-                 cairo_pattern_t* mask) {
-    cairo_matrix_t matrix{};
-    cairo_get_matrix(cairo, &matrix);
-    const bool isUpright = matrix.xy == 0 && matrix.yx == 0 && matrix.xx == matrix.yy;
-    const CairoState state{cairo};
-    if (const auto* picture = isUpright ? pictureOf(line, color, matrix.xx) : nullptr) {
-        const double scale = picture->scale;
-        const CairoPattern pattern{cairo_pattern_create_for_surface(picture->surface.get())};
-        cairo_matrix_init(
-            &matrix, scale, 0, 0, scale, std::round(kPictureMargin * scale) - start.x * scale,
-            std::round((kPictureMargin + line.heights.ascent) * scale) - start.y * scale);
-        cairo_pattern_set_matrix(pattern.get(), &matrix);
-        cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_NEAREST);
-        cairo_set_source(cairo, pattern.get());
-    } else {
+// Makes the line's own pixels, opaque ones, the context's source.
+void setLineAsSource(cairo_t* cairo, const TextLine& line, const Color& color, Point start,
+                     std::optional<double> scale) {
+    const auto* picture = scale ? pictureOf(line, color, *scale) : nullptr;
+    if (!picture) {
         cairo_push_group(cairo);
-        fillLine(cairo, line, start);
-        cairo_pop_group_to_source(cairo);
+        fillOpaque(cairo, line, color, start);
+        return cairo_pop_group_to_source(cairo);
     }
-    mask ? cairo_mask(cairo, mask) : cairo_paint(cairo);
+    const CairoPattern pattern{cairo_pattern_create_for_surface(picture->surface.get())};
+    cairo_matrix_t matrix{};
+    cairo_matrix_init(
+        &matrix, *scale, 0, 0, *scale, std::round(kPictureMargin * *scale) - start.x * *scale,
+        std::round((kPictureMargin + line.heights.ascent) * *scale) - start.y * *scale);
+    cairo_pattern_set_matrix(pattern.get(), &matrix);
+    cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_NEAREST);
+    cairo_set_source(cairo, pattern.get());
+}
+
+// The line with its left edge and baseline at `start`, on whole pixels. `paint` is the colour that
+// it has where.
+void drawLine(cairo_t* cairo, const TextLine& line, const Color& color, Point start,
+              cairo_pattern_t* paint) {
+    const CairoState state{cairo};
+    const std::optional<double> scale = uprightScale(cairo);
+    const auto coverage = scale ? LineCoverage::of(line, *scale) : nullptr;
+    if (!coverage) {
+        setLineAsSource(cairo, line, color, start, scale);
+        return cairo_mask(cairo, paint);
+    }
+    cairo_set_source(cairo, paint);
+    cairo_user_to_device(cairo, &start.x, &start.y);
+    cairo_identity_matrix(cairo);
+    coverage->show(cairo, static_cast<int>(std::lround(start.x)),
+                   static_cast<int>(std::lround(start.y)));
 }
 
 void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts,
-                cairo_pattern_t* mask) {
+                cairo_pattern_t* paint) {
     const TextLine& line = texts.line(node.text, node.font);
     // The rest is rounded by itself: frames made for whole pixels of the way then show whole
     // pixels.
     const Point start = snapped(
         cairo, {restOf(node, line.width, isRightToLeft), baselineOf(node.frame, line.heights)});
     for (const double left : copiesOf(node, start.x, line.width, isRightToLeft))
-        showPicture(cairo, line, node.color, snapped(cairo, {left, start.y}), mask);
+        drawLine(cairo, line, node.color, snapped(cairo, {left, start.y}), paint);
 }
 
 void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
@@ -93,30 +124,26 @@ void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLay
     if (isTooWide(node, line->width)) line = &texts.line(node.text, node.font, node.frame.width);
     const Point start = snapped(cairo, {leftEdgeOf(node, line->width, isRightToLeft),
                                         baselineOf(node.frame, line->heights)});
-    // A time is drawn once. What comes again, as beside a moving marquee, comes many times.
-    if (std::exchange(line->isDrawn, true))
-        showPicture(cairo, *line, node.color, start, nullptr);
-    else
-        fillLine(cairo, *line, start);
+    drawLine(cairo, *line, node.color, start, evenly(node.color).get());
 }
 
-// Masks take far longer than plain copies, so only the two ends are drawn through one. They meet
-// the middle on whole pixels, or a seam would show.
+// A colour that changes takes far longer than an even one, so only the two ends are drawn with it.
+// They meet the middle on whole pixels, or a seam would show.
 void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
     const Rect& frame = node.frame;
     const double fade = std::min(node.scroll->fade, frame.width / 2);
     const double left = snapped(cairo, {frame.x + fade, 0}).x;
     const double right = snapped(cairo, {frame.maxX() - fade, 0}).x;
-    const CairoPattern ends = fadeMask(node);
-    const auto drawBetween = [&](double begin, double end, cairo_pattern_t* mask) {
+    const CairoPattern ends = fading(node);
+    const auto drawBetween = [&](double begin, double end, cairo_pattern_t* paint) {
         if (end <= begin) return;
         const CairoState state{cairo};
         cairo_rectangle(cairo, begin, frame.y, end - begin, frame.height);
         cairo_clip(cairo);
-        drawCopies(cairo, node, isRightToLeft, texts, mask);
+        drawCopies(cairo, node, isRightToLeft, texts, paint);
     };
     drawBetween(frame.x, left, ends.get());
-    drawBetween(left, right, nullptr);
+    drawBetween(left, right, evenly(node.color).get());
     drawBetween(right, frame.maxX(), ends.get());
 }
 
@@ -127,8 +154,6 @@ void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayo
     const Rect& frame = node.frame;
     cairo_rectangle(cairo, frame.x, frame.y, frame.width, frame.height);
     cairo_clip(cairo);
-    const Color& color = node.color;
-    cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
     if (node.scroll)
         drawScrolling(cairo, node, isRightToLeft, texts);
     else

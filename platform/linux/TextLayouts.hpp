@@ -3,6 +3,7 @@
 
 #include <pango/pango.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -14,10 +15,12 @@
 
 namespace quorvane {
 
-// A line drawn once, to be shown again at other places: its own pixels in its own colour.
+class LineCoverage;
+
+// A line with letters in colours of their own, drawn once, to be shown again at other places.
 struct TextPicture {
     CairoSurface surface{};
-    Color color{};
+    Color color{};     // of its other letters, opaque
     double scale = 0;  // pixels a point
 };
 
@@ -27,9 +30,9 @@ struct TextLine {
     double width = 0;
     // Of the font, not of these letters: lines of one font share a baseline.
     LineHeights heights{};
-    // Kept by whoever draws the line, as long as the line is.
+    // Kept by whoever draws the line, as long as the line is: one of these.
+    mutable std::shared_ptr<const LineCoverage> coverage{};
     mutable TextPicture picture{};
-    mutable bool isDrawn = false;
 };
 
 // Main thread only. References stay valid until the next call.
