@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "drawing/PictureLimits.hpp"
+#include "platform/linux/PictureHeader.hpp"
 
 namespace quorvane {
 namespace {
@@ -49,7 +50,12 @@ bool feed(GdkPixbufLoader* loader, ByteView encoded, const Sizing& sizing) {
 }
 
 GObjectOwner<GdkPixbuf> load(ByteView encoded, PixelSize size) {
-    const GObjectOwner<GdkPixbufLoader> loader{gdk_pixbuf_loader_new()};
+    // A loader that finds out the type by itself reads the system's list of all types of files, and
+    // may come to another one than the header that was looked at.
+    const char* const type = readPictureType(encoded);
+    if (!type) return nullptr;
+    const GObjectOwner<GdkPixbufLoader> loader{gdk_pixbuf_loader_new_with_mime_type(type, nullptr)};
+    if (!loader) return nullptr;  // nobody here decodes it
     Sizing sizing{size};
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(sizePrepared), &sizing);
     const bool isFed = feed(loader.get(), encoded, sizing);

@@ -110,16 +110,33 @@ std::optional<PictureSize> readWebP(const Header& header) {
     return PictureSize{*width & kLow14, *height & kLow14};  // above them stands a scale
 }
 
+struct Format {
+    const char* mediaType;
+    std::optional<PictureSize> (*readSize)(const Header&);
+};
+
+std::optional<Format> formatOf(const Header& header) {
+    if (header.hasText(0, "\x89PNG\r\n\x1A\n")) return Format{"image/png", readPNG};
+    if (header.hasText(0, "\xFF\xD8\xFF")) return Format{"image/jpeg", readJPEG};
+    if (header.hasText(0, "GIF87a") || header.hasText(0, "GIF89a"))
+        return Format{"image/gif", readGIF};
+    if (header.hasText(0, "RIFF") && header.hasText(8, "WEBP"))
+        return Format{"image/webp", readWebP};
+    if (header.hasText(0, "BM")) return Format{"image/bmp", readBMP};
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<PictureSize> readPictureSize(ByteView encoded) {
     const Header header{encoded};
-    if (header.hasText(0, "\x89PNG\r\n\x1A\n")) return readPNG(header);
-    if (header.hasText(0, "\xFF\xD8\xFF")) return readJPEG(header);
-    if (header.hasText(0, "GIF87a") || header.hasText(0, "GIF89a")) return readGIF(header);
-    if (header.hasText(0, "RIFF") && header.hasText(8, "WEBP")) return readWebP(header);
-    if (header.hasText(0, "BM")) return readBMP(header);
-    return std::nullopt;
+    const auto format = formatOf(header);
+    return format ? format->readSize(header) : std::nullopt;
+}
+
+const char* readPictureType(ByteView encoded) {
+    const auto format = formatOf(Header{encoded});
+    return format ? format->mediaType : nullptr;
 }
 
 }  // namespace quorvane

@@ -42,9 +42,13 @@ const std::vector<Sample>& samples() {
     return list;
 }
 
-TEST(PictureHeader, TellsTheSizeOfEveryKnownFormat) {
-    for (const Sample& sample : samples())
+TEST(PictureHeader, TellsTypeAndSizeOfEveryKnownFormat) {
+    for (const Sample& sample : samples()) {
         EXPECT_EQ(readPictureSize(bytesOf(sample.bytes)), sample.size) << sample.name;
+        const std::string_view type = readPictureType(bytesOf(sample.bytes));
+        EXPECT_TRUE(("image/"s + sample.name).starts_with(type)) << sample.name;
+    }
+    EXPECT_EQ(readPictureType(bytesOf("<svg/>"s)), nullptr);
 }
 
 TEST(PictureHeader, TellsNothingOfWhatIsCutOffOrUnknown) {
