@@ -15,11 +15,6 @@ constexpr std::uint32_t kMonitorsMinor = 5;
 constexpr char kScaleVariable[] = "QUORVANE_SCALE";
 constexpr double kMillimetersPerInch = 25.4;
 
-bool isAtLeast(const xcb_randr_query_version_reply_t& version, std::uint32_t major,
-               std::uint32_t minor) {
-    return std::pair{version.major_version, version.minor_version} >= std::pair{major, minor};
-}
-
 }  // namespace
 
 MonitorsLinux::MonitorsLinux(X11Connection& x11) : x11_(x11) {
@@ -40,10 +35,11 @@ void MonitorsLinux::observeServer() {
     }));
     const auto* extension = x11_.extension(xcb_randr_id);
     if (!extension) return;
-    const auto version =
-        xcbReply(xcb_randr_query_version_reply, x11_.connection(),
-                 xcb_randr_query_version(x11_.connection(), kMonitorsMajor, kMonitorsMinor));
-    hasMonitorsRequest_ = version && isAtLeast(*version, kMonitorsMajor, kMonitorsMinor);
+    hasRandR_ = true;
+    // A server of an older version refuses what it does not know.
+    xcb_discard_reply(
+        x11_.connection(),
+        xcb_randr_query_version(x11_.connection(), kMonitorsMajor, kMonitorsMinor).sequence);
     xcb_randr_select_input(x11_.connection(), x11_.root(),
                            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
@@ -59,12 +55,13 @@ void MonitorsLinux::refresh() {
 }
 
 void MonitorsLinux::readLayout() {
+    const auto resources =
+        askForText(x11_.connection(), x11_.root(), XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING);
     const auto monitors = withoutRepeats(readMonitors());
+    const auto userDotsPerInch =
+        numberResource(textOf(x11_.connection(), resources, XCB_ATOM_STRING), "Xft.dpi");
     if (monitors.empty()) return;  // the server is going; what was known serves until the end
     const auto demand = std::getenv(kScaleVariable);
-    const auto userDotsPerInch = numberResource(
-        textProperty(x11_.connection(), x11_.root(), XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING),
-        "Xft.dpi");
     layout_ = {monitors, scaleFor(demand ? std::optional<std::string_view>{demand} : std::nullopt,
                                   userDotsPerInch)};
     const auto& screen = x11_.screen();
@@ -78,9 +75,9 @@ void MonitorsLinux::readLayout() {
 std::vector<Rect> MonitorsLinux::readMonitors() {
     std::vector<Rect> frames;
     const auto monitors =
-        hasMonitorsRequest_ ? xcbReply(xcb_randr_get_monitors_reply, x11_.connection(),
-                                       xcb_randr_get_monitors(x11_.connection(), x11_.root(), true))
-                            : nullptr;
+        hasRandR_ ? xcbReply(xcb_randr_get_monitors_reply, x11_.connection(),
+                             xcb_randr_get_monitors(x11_.connection(), x11_.root(), true))
+                  : nullptr;
     if (monitors)
         for (auto each = xcb_randr_get_monitors_monitors_iterator(monitors.get()); each.rem > 0;
              xcb_randr_monitor_info_next(&each)) {

@@ -28,7 +28,7 @@ private:
     std::vector<Rect> readMonitors();
 
     X11Connection& x11_;
-    bool hasMonitorsRequest_ = false;
+    bool hasRandR_ = false;
     bool isStale_ = false;
     ScreenLayout layout_;
     double dotsPerInch_ = 0;

@@ -6,6 +6,7 @@
 #include <ranges>
 #include <utility>
 
+#include "platform/linux/WindowQuestion.hpp"
 #include "platform/linux/XcbReply.hpp"
 
 namespace quorvane {
@@ -83,9 +84,9 @@ bool TopLevels::handleStack(WindowStack& stack, const xcb_generic_event_t& event
             break;
         case XCB_REPARENT_NOTIFY: {
             // A window that comes back tells its place but not its size.
-            bool isDrawable = false;
             if (!stack.apply(event) || !stack.find(child)) return true;
-            if (const auto entry = describe(child, isDrawable)) stack.put(*entry);
+            if (const auto found = WindowQuestion{x11_.connection(), child}.answer())
+                stack.put(found->entry);
             if (isForeign(child) && !watchedClosely_.contains(child)) select(child, kWindowMask);
             return true;
         }
@@ -125,43 +126,32 @@ void TopLevels::select(xcb_window_t window, std::uint32_t mask) {
 }
 
 void TopLevels::readChildren(WindowStack& stack) {
-    const auto tree = xcbReply(xcb_query_tree_reply, x11_.connection(),
-                               xcb_query_tree(x11_.connection(), stack.parent()));
+    xcb_connection_t* connection = x11_.connection();
+    const auto tree =
+        xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, stack.parent()));
     if (!tree) return;
+    std::vector<WindowQuestion> questions;
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
     for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
         if (x11_.clientOf(children[i]) == 0) followOverlay(children[i]);
         if (!isForeign(children[i])) continue;
         select(children[i], kWindowMask);
-        bool isDrawable = false;
-        if (const auto entry = describe(children[i], isDrawable)) stack.put(*entry);
+        questions.emplace_back(connection, children[i]);
     }
-}
-
-std::optional<WindowStack::Entry> TopLevels::describe(xcb_window_t window, bool& isDrawable) {
-    xcb_connection_t* connection = x11_.connection();
-    const auto attributesCookie = xcb_get_window_attributes(connection, window);
-    const auto geometryCookie = xcb_get_geometry(connection, window);
-    const auto attributes = xcbReply(xcb_get_window_attributes_reply, connection, attributesCookie);
-    const auto geometry = xcbReply(xcb_get_geometry_reply, connection, geometryCookie);
-    if (!attributes || !geometry) return std::nullopt;
-    isDrawable = attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
-    const double border = 2.0 * geometry->border_width;
-    return WindowStack::Entry{window,
-                              {static_cast<double>(geometry->x), static_cast<double>(geometry->y),
-                               geometry->width + border, geometry->height + border},
-                              attributes->map_state != XCB_MAP_STATE_UNMAPPED,
-                              attributes->override_redirect != 0};
+    for (const WindowQuestion& question : questions)
+        if (const auto found = question.answer()) stack.put(found->entry);
 }
 
 const TopLevels::Details* TopLevels::details(xcb_window_t window) {
     if (const auto known = details_.find(window); known != details_.end()) return &known->second;
-    Details details;
-    if (!describe(window, details.isDrawable)) return nullptr;
-    const std::string names =
-        textProperty(x11_.connection(), window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING);
+    xcb_connection_t* connection = x11_.connection();
+    const WindowQuestion question{connection, window};
+    const auto asked = askForText(connection, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING);
+    const auto found = question.answer();
+    const std::string names = textOf(connection, asked, XCB_ATOM_STRING);
+    if (!found) return nullptr;
     // Two texts, each closed with a NUL.
-    details.instance = names.c_str();
+    Details details{.isDrawable = found->isDrawable, .instance = names.c_str(), .className = {}};
     if (names.size() > details.instance.size())
         details.className = names.c_str() + details.instance.size() + 1;
     return &details_.emplace(window, std::move(details)).first->second;
@@ -175,17 +165,19 @@ void TopLevels::watchClosely(xcb_window_t window) {
 }
 
 std::vector<Rect> TopLevels::mappedChildren(xcb_window_t parent, const Rect& frame) {
-    const auto tree = xcbReply(xcb_query_tree_reply, x11_.connection(),
-                               xcb_query_tree(x11_.connection(), parent));
-    std::vector<Rect> frames;
-    if (!tree) return frames;
+    xcb_connection_t* connection = x11_.connection();
+    const auto tree =
+        xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, parent));
+    if (!tree) return {};
+    std::vector<WindowQuestion> questions;
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
-    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-        if (!isForeign(children[i])) continue;
-        bool isDrawable = false;
-        const auto entry = describe(children[i], isDrawable);
-        if (entry && entry->isMapped && isDrawable)
-            frames.push_back(entry->frame.movedBy(frame.x, frame.y));
+    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i)
+        if (isForeign(children[i])) questions.emplace_back(connection, children[i]);
+    std::vector<Rect> frames;
+    for (const WindowQuestion& question : questions) {
+        const auto found = question.answer();
+        if (found && found->entry.isMapped && found->isDrawable)
+            frames.push_back(found->entry.frame.movedBy(frame.x, frame.y));
     }
     return frames;
 }

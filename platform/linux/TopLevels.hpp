@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <map>
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -67,7 +66,6 @@ private:
     void forget(xcb_window_t window);
     void select(xcb_window_t window, std::uint32_t mask);
     void readChildren(WindowStack& stack);
-    std::optional<WindowStack::Entry> describe(xcb_window_t window, bool& isDrawable);
     void findOverlay();
     void followOverlay(xcb_window_t overlay);
     WindowStack* stackOf(xcb_window_t parent);

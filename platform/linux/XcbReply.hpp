@@ -28,13 +28,18 @@ XcbReply<Reply> xcbReply(Reply* (*wait)(xcb_connection_t*, Cookie, xcb_generic_e
     return reply;
 }
 
-// A property of text, "" when there is none of that type.
-inline std::string textProperty(xcb_connection_t* connection, xcb_window_t window,
-                                xcb_atom_t property, xcb_atom_t type) {
+// Asks for a property of text. Whoever asks for all that he wants to know before he waits for the
+// first reply waits once.
+inline xcb_get_property_cookie_t askForText(xcb_connection_t* connection, xcb_window_t window,
+                                            xcb_atom_t property, xcb_atom_t type) {
     constexpr std::uint32_t kMostWords = 1u << 18;
-    const auto reply =
-        xcbReply(xcb_get_property_reply, connection,
-                 xcb_get_property(connection, false, window, property, type, 0, kMostWords));
+    return xcb_get_property(connection, false, window, property, type, 0, kMostWords);
+}
+
+// The text, "" when there is none of that type.
+inline std::string textOf(xcb_connection_t* connection, xcb_get_property_cookie_t asked,
+                          xcb_atom_t type) {
+    const auto reply = xcbReply(xcb_get_property_reply, connection, asked);
     if (!reply || reply->type != type || reply->format != 8) return {};
     return {static_cast<const char*>(xcb_get_property_value(reply.get())),
             static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
