@@ -58,28 +58,6 @@ TEST(PresentationDriver, RevealsTheCardAfterTheDelayAndLogsEveryChange) {
               "locked false, lockui false, delay false, allowed true, music false");
 }
 
-TEST(PresentationDriver, TheDelayRunsInFullFromTheLaterNoticeAndIsNeverRestarted) {
-    Fixture f;
-    f.handle({event::LockUIShown{}});
-    f.clock.advance(5s);
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);
-    f.handle({event::Locked{}});
-    f.clock.advance(500ms);
-    f.handle({event::Locked{}, event::LockUIShown{}, event::Music{true}, event::Woke{true}});
-    f.clock.advance(300ms);
-    EXPECT_TRUE(f.driver->state().delayElapsed);
-
-    f.handle({event::LockUIHidden{}, event::LockUIShown{}});
-    f.clock.advance(700ms);
-    f.handle({event::LockUIHidden{}});
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);
-    f.handle({event::LockUIShown{}});
-    f.clock.advance(700ms);
-    EXPECT_FALSE(f.driver->state().delayElapsed);
-    f.handle({event::Unlocked{}});
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);
-}
-
 TEST(PresentationDriver, TellsOfEachLockNoticeAndOfAWakeThatRevealsOne) {
     Fixture f;
     std::vector<std::string> linesBefore;  // the listener is told

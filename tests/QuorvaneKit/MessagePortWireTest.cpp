@@ -4,12 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <set>
 
 #include "QuorvaneKit/MessagePortSecret.hpp"
 #include "QuorvaneKit/MessageType.hpp"
 #include "QuorvaneKit/PortNames.hpp"
+#include "tests/support/MemoryFileStore.hpp"
 #include "tests/support/MemoryPorts.hpp"
 #include "tests/support/RecordingLog.hpp"
 
@@ -63,9 +63,7 @@ TEST(MessagePortWire, UnwrapsOnlyTheExactSecret) {
 // What the secret's maker touches; each part can fail.
 struct SecretWorld {
     std::optional<int> randomStatus;
-    std::optional<std::filesystem::path> container = "/container";
-    std::optional<std::string> writeFailure;
-    std::map<std::filesystem::path, Bytes> files;
+    MemoryFileStore store;
     RecordingLog log;
 
     FillRandom fillRandom() {
@@ -75,41 +73,21 @@ struct SecretWorld {
             return {};
         };
     }
-    FileStore fileStore() {
-        return {
-            .containerOfGroup =
-                [this](const std::string& group) {
-                    EXPECT_EQ(group, "group.example.quillon.Quorvane");
-                    return container;
-                },
-            .read = [this](const std::filesystem::path& path) -> Result<Bytes> {
-                if (!files.contains(path))
-                    return std::unexpected{PlatformError{.code = 2, .description = "missing"}};
-                return files.at(path);
-            },
-            .writeAtomically = [this](const std::filesystem::path& path,
-                                      ByteView bytes) -> Result<void> {
-                if (writeFailure)
-                    return std::unexpected{PlatformError{.code = 28, .description = *writeFailure}};
-                files[path] = copyOf(bytes);
-                return {};
-            }};
-    }
     std::optional<Bytes> make() {
-        return MessagePortSecret::make(fillRandom(), fileStore(), log.sink());
+        return MessagePortSecret::make(fillRandom(), store.table(), log.sink());
     }
 };
 
 TEST(MessagePortSecret, IsMadeKeptAndRead) {
     SecretWorld world;
-    EXPECT_FALSE(MessagePortSecret::read(world.fileStore()));
+    EXPECT_FALSE(MessagePortSecret::read(world.store.table()));
     EXPECT_EQ(world.make(), numbered(32));
-    EXPECT_EQ(world.files.at("/container/ipc-secret"), numbered(32));
-    EXPECT_EQ(MessagePortSecret::read(world.fileStore()), numbered(32));
-    world.files["/container/ipc-secret"] = numbered(33);  // judged where it is used
-    EXPECT_EQ(MessagePortSecret::read(world.fileStore())->size(), 33U);
-    world.container.reset();
-    EXPECT_FALSE(MessagePortSecret::read(world.fileStore()));
+    EXPECT_EQ(world.store.files.at("/container/ipc-secret"), numbered(32));
+    EXPECT_EQ(MessagePortSecret::read(world.store.table()), numbered(32));
+    world.store.files["/container/ipc-secret"] = numbered(33);  // judged where it is used
+    EXPECT_EQ(MessagePortSecret::read(world.store.table())->size(), 33U);
+    world.store.container.reset();
+    EXPECT_FALSE(MessagePortSecret::read(world.store.table()));
     EXPECT_TRUE(world.log.lines().empty());
 }
 
@@ -118,12 +96,12 @@ TEST(MessagePortSecret, EveryFailureIsLoggedAndLeavesNone) {
     world.randomStatus = -50;
     EXPECT_FALSE(world.make());
     world.randomStatus.reset();
-    world.container.reset();
+    world.store.container.reset();
     EXPECT_FALSE(world.make());
-    world.container = "/container";
-    world.writeFailure = "disk full";
+    world.store.container = "/container";
+    world.store.writeFailure = "disk full";
     EXPECT_FALSE(world.make());
-    EXPECT_TRUE(world.files.empty());
+    EXPECT_TRUE(world.store.files.empty());
     for (const auto& line : world.log.lines()) EXPECT_EQ(line.level, LogLevel::error);
     EXPECT_EQ(world.log.take(), (std::vector<std::string>{
                                     "Failed to generate IPC secret (SecRandomCopyBytes status -50)",

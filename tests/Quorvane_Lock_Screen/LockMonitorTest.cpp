@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <memory>
 
+#include "tests/support/FakeNotices.hpp"
 #include "tests/support/RecordingLog.hpp"
 
 namespace quorvane {
@@ -13,8 +13,8 @@ namespace {
 // The system around the monitor: what observes what, and what the sources answer.
 struct Fixture {
     RecordingLog log;
+    FakeNotices notices;
     std::vector<std::string> observed;  // in order
-    std::map<std::string, DistributedNotices::Handler> notices;
     std::function<void()> wake;
     std::optional<PropertyValue> session;
     std::uint32_t registerStatus = 0;
@@ -24,47 +24,37 @@ struct Fixture {
     std::unique_ptr<LockMonitor> monitor;
 
     Fixture() {
-        const DistributedNotices table{
-            .post = [](const auto&, const auto&) { ADD_FAILURE() << "posts a notice"; },
-            .observe =
-                [this](const std::string& name, DistributedNotices::Handler handler) {
-                    observed.push_back(name);
-                    notices[name] = std::move(handler);
-                    return Handle{[this, name] { notices.erase(name); }};
-                }};
-        const LockSources sources{.sessionDictionary = [this] { return session; },
-                                  .observeWake =
-                                      [this](std::function<void()> handler) {
-                                          observed.push_back("wake");
-                                          wake = std::move(handler);
-                                          return Handle{[this] { wake = nullptr; }};
-                                      },
-                                  .notifyRegisterCheck =
-                                      [this](const char* name, int& token) {
-                                          EXPECT_STREQ(
-                                              name, "com.apple.sessionagent.screenLockUIIsShowing");
-                                          token = 17;
-                                          registrations += registerStatus == 0 ? 1 : 0;
-                                          return registerStatus;
-                                      },
-                                  .notifyGetState =
-                                      [this](int token, std::uint64_t& state) {
-                                          EXPECT_EQ(token, 17);
-                                          EXPECT_EQ(state, 0u);
-                                          if (getStatus == 0) state = 18'446'744'073'709'551'615u;
-                                          return getStatus;
-                                      },
-                                  .notifyCancel =
-                                      [this](int token) {
-                                          EXPECT_EQ(token, 17);
-                                          --registrations;
-                                      }};
+        DistributedNotices table = notices.distributed();
+        table.post = [](const auto&, const auto&) { ADD_FAILURE() << "posts a notice"; };
+        table.observe = [this, observe = table.observe](const auto& name, auto handler) {
+            observed.push_back(name);
+            return observe(name, handler);
+        };
+        LockSources sources;
+        sources.sessionDictionary = [this] { return session; };
+        sources.observeWake = [this](std::function<void()> handler) {
+            observed.push_back("wake");
+            wake = std::move(handler);
+            return Handle{[this] { wake = nullptr; }};
+        };
+        sources.notifyRegisterCheck = [this](const char* name, int& token) {
+            EXPECT_STREQ(name, "com.apple.sessionagent.screenLockUIIsShowing");
+            token = 17;
+            registrations += registerStatus == 0 ? 1 : 0;
+            return registerStatus;
+        };
+        sources.notifyGetState = [this](int token, std::uint64_t& state) {
+            EXPECT_EQ(token, 17);
+            EXPECT_EQ(state, 0u);
+            if (getStatus == 0) state = 18'446'744'073'709'551'615u;
+            return getStatus;
+        };
+        sources.notifyCancel = [this](int token) {
+            EXPECT_EQ(token, 17);
+            --registrations;
+        };
         monitor = std::make_unique<LockMonitor>(table, sources, log.sink());
         monitor->onEvent = [this](const PresentationEvent& event) { events.push_back(event); };
-    }
-    void post(const std::string& name) {
-        const auto handler = notices.at(name);
-        handler({});
     }
 };
 
@@ -98,7 +88,7 @@ TEST(LockMonitor, PassesEachNoticeOnAsItComes) {
     for (const char* name :
          {"com.apple.screenIsLocked", "com.apple.screenIsLocked", "com.apple.screenLockUIIsShown",
           "com.apple.screenLockUIIsHidden", "com.apple.screenIsUnlocked"})
-        f.post(name);
+        f.notices.deliver(name);
     EXPECT_EQ(f.events, (std::vector<PresentationEvent>{event::Locked{}, event::Locked{},
                                                         event::LockUIShown{}, event::LockUIHidden{},
                                                         event::Unlocked{}}));
@@ -110,7 +100,7 @@ TEST(LockMonitor, PassesEachNoticeOnAsItComes) {
               (Lines{"lock: com.apple.screenIsLocked", "lock: com.apple.screenIsLocked",
                      "lockui: shown", "lockui: hidden", "unlock: com.apple.screenIsUnlocked"}));
     f.monitor->onEvent = nullptr;
-    f.post("com.apple.screenIsLocked");
+    f.notices.deliver("com.apple.screenIsLocked");
     EXPECT_EQ(f.log.take(), (Lines{"lock: com.apple.screenIsLocked"}));
 }
 
@@ -147,7 +137,7 @@ TEST(LockMonitor, ObservesInOrderWhileStarted) {
         EXPECT_EQ(f.observed, order);
         f.monitor->stop();
         f.monitor->stop();
-        EXPECT_TRUE(f.notices.empty());
+        EXPECT_EQ(f.notices.observerCount(), 0u);
         EXPECT_EQ(f.wake, nullptr);
     }
     f.monitor->start();
@@ -155,9 +145,9 @@ TEST(LockMonitor, ObservesInOrderWhileStarted) {
         f.monitor.reset();
         f.events.push_back(event);  // the listener is still whole
     };
-    f.post("com.apple.screenIsLocked");
+    f.notices.deliver("com.apple.screenIsLocked");
     EXPECT_EQ(f.events, std::vector<PresentationEvent>{event::Locked{}});
-    EXPECT_TRUE(f.notices.empty());
+    EXPECT_EQ(f.notices.observerCount(), 0u);
     EXPECT_EQ(f.wake, nullptr);
 }
 

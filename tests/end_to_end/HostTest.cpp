@@ -17,14 +17,6 @@ TEST_F(EndToEndHost, KilledWhileLockedTakesTheCardAwayAndItsSuccessorBringsItBac
     ASSERT_TRUE(addOn.says("card: fading in on 1 window(s)")) << addOn.log();
 }
 
-TEST_F(EndToEndHost, ThatQuitsInOrderHidesTheCardAtOnce) {
-    lock();
-    host.process().signal(SIGINT);
-    ASSERT_TRUE(addOn.says("notice: mainAppWillTerminate; hiding the card"));
-    EXPECT_TRUE(addOn.says("card: fading out on 1 window(s)"));
-    EXPECT_EQ(host.process().exitStatus(20s), 0) << host.log();
-}
-
 TEST_F(EndToEndHost, DisablingTakesTheCardAwayAndEnablingBringsIt) {
     lock();
     const auto command = [&](const char* name) {

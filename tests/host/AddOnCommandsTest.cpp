@@ -52,7 +52,7 @@ protected:
     Outcome run(Command command) {
         AddOnCommands commands{services()};
         std::optional<Outcome> outcome;
-        command(commands, [&](Outcome ended) { outcome = std::move(ended); });
+        std::invoke(command, commands, [&](Outcome ended) { outcome = std::move(ended); });
         for (int step = 0; step < 2000 && !outcome; ++step) {
             clock.advance(50ms);
             if (std::exchange(statusIsAsked, false) && !copies.empty() && heard)
@@ -66,15 +66,9 @@ protected:
     Outcome update() {
         return run([&](AddOnCommands& commands, auto done) { commands.update(source, done); });
     }
-    Outcome launch() {
-        return run([](AddOnCommands& commands, auto done) { commands.launch(done); });
-    }
-    Outcome quit() {
-        return run([](AddOnCommands& commands, auto done) { commands.quit(done); });
-    }
-    Outcome remove() {
-        return run([](AddOnCommands& commands, auto done) { commands.remove(done); });
-    }
+    Outcome launch() { return run(&AddOnCommands::launch); }
+    Outcome quit() { return run(&AddOnCommands::quit); }
+    Outcome remove() { return run(&AddOnCommands::remove); }
     std::string installedVersion() const { return addOnVersionOf(place, files).value_or("none"); }
     void putOld() { makeSmallBundle(place, kOwn, "1.0.0"); }
     // Names in the support folder, hidden ones too.

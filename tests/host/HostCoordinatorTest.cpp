@@ -12,6 +12,7 @@
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/MemoryFileStore.hpp"
 #include "tests/support/MemoryPorts.hpp"
 #include "tests/support/RecordingLog.hpp"
 
@@ -54,7 +55,7 @@ protected:
                 .log = log.sink(),
                 .openPort = ports.openPort(),
                 .nameCurrentThread = {},
-                .files = fileStore(),
+                .files = store.table(),
                 .fillRandom = [this](std::span<std::byte> bytes) -> std::expected<void, int> {
                     ++secretsMade;
                     if (!hasRandom) return std::unexpected{7};
@@ -76,23 +77,6 @@ protected:
                                          [this, notice] { heardNotices.push_back(notice); }));
     }
 
-    FileStore fileStore() {
-        return {.containerOfGroup =
-                    [](const std::string& group) {
-                        return std::optional<std::filesystem::path>{"/" + group};
-                    },
-                .read = [this](const std::filesystem::path& path) -> Result<Bytes> {
-                    const auto file = files.find(path);
-                    if (file == files.end()) return std::unexpected{PlatformError{}};
-                    return file->second;
-                },
-                .writeAtomically = [this](const std::filesystem::path& path,
-                                          ByteView bytes) -> Result<void> {
-                    files[path] = copyOf(bytes);
-                    return {};
-                }};
-    }
-
     void serve() {
         EXPECT_TRUE(host->start());
         waitUntilServing();
@@ -103,7 +87,7 @@ protected:
             if (main.run() == 0) std::this_thread::yield();
     }
     Bytes request(std::string_view payload = {}) { return framed(bytesOf(payload), secret()); }
-    Bytes secret() { return files.at(kSecretFile); }
+    Bytes secret() { return store.files.at(kSecretFile); }
 
     // Nothing in the reply stands for an empty one.
     Bytes ask(const std::string& port, std::int32_t messageID, const Bytes& body) {
@@ -146,14 +130,14 @@ protected:
     std::vector<std::string> takeNotices() { return std::exchange(heardNotices, {}); }
 
     using Texts = std::vector<std::string>;
-    static constexpr char kSecretFile[] = "/group.example.quillon.Quorvane/ipc-secret";
+    static constexpr char kSecretFile[] = "/container/ipc-secret";
     RecordingLog log;
     MemoryPorts ports;
     ManualClock clock;
     ManualMainThread main;
     FakeNotices notices;
     MemoryDefaults defaults;
-    std::map<std::filesystem::path, Bytes> files;
+    MemoryFileStore store;
     int secretsMade = 0;
     bool hasRandom = true;
     Texts heardNotices;
@@ -173,7 +157,7 @@ TEST_F(HostCoordinatorTest, MakesOneSecretAndKeepsIt) {
     EXPECT_TRUE(host->start());
     EXPECT_EQ(secretsMade, 1);
     host->stop();
-    files[kSecretFile] = Bytes(31);
+    store.files[kSecretFile] = Bytes(31);
     EXPECT_TRUE(host->start());
     EXPECT_EQ(secretsMade, 2) << "one that no add-on can use";
 }

@@ -10,6 +10,7 @@
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/MemoryFileStore.hpp"
 
 namespace quorvane {
 namespace {
@@ -101,14 +102,7 @@ protected:
             {.connectPort = [this](const std::string&) -> std::unique_ptr<RemotePort> {
                  return reply ? std::make_unique<OneReplyPort>(*reply) : nullptr;
              },
-             .files = {.containerOfGroup =
-                           [](const std::string&) {
-                               return std::optional<std::filesystem::path>{"/"};
-                           },
-                       .read = [](const std::filesystem::path&) -> Result<Bytes> {
-                           return Bytes(MessagePortWire::kSecretLength, std::byte{9});
-                       },
-                       .writeAtomically = {}},
+             .files = store.table(),
              .clock = clock.clock(),
              .distributedNotices = notices.distributed(),
              .sharedSuite = defaults.table(),
@@ -123,6 +117,8 @@ protected:
         return answers.empty() ? HostStatus{} : answers.front();
     }
 
+    MemoryFileStore store{
+        .files = {{"/container/ipc-secret", Bytes(MessagePortWire::kSecretLength, std::byte{9})}}};
     ManualClock clock;
     FakeNotices notices;
     MemoryDefaults defaults;
@@ -130,16 +126,6 @@ protected:
     std::optional<PropertyDictionary> addOnSays;
     bool answersAtOnce = false;
 };
-
-TEST_F(HostStatusQueryTest, NobodyAnswers) {
-    const HostStatus status = ask();
-    EXPECT_FALSE(status.isServed);
-    EXPECT_FALSE(status.isEnabled);
-    EXPECT_TRUE(status.hasSharedDefaults);
-    EXPECT_FALSE(status.addOn);
-    ASSERT_EQ(notices.posted.size(), 1u);
-    EXPECT_EQ(notices.posted[0].first, AddOnSignals::kStatusRequest);
-}
 
 TEST_F(HostStatusQueryTest, EverybodyAnswers) {
     defaults.values["lockScreenEnabled"] = {true};

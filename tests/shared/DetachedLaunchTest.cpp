@@ -5,19 +5,6 @@
 namespace quorvane {
 namespace {
 
-TEST(DetachedLaunch, AsksForANewBackgroundInstance) {
-    std::vector<std::string> asked;
-    const DetachedLaunch open{.runOpen = [&](const std::vector<std::string>& arguments) {
-        asked = arguments;
-        return Result<DetachedLaunch::Ended>{DetachedLaunch::Ended{}};
-    }};
-    EXPECT_TRUE(open.launch("/a b/X.app", {}));
-    EXPECT_EQ(asked, (std::vector<std::string>{"-n", "-g", "/a b/X.app"}));
-    EXPECT_TRUE(open.launch("/X.app", {"--installed", "--args"}));
-    EXPECT_EQ(asked,
-              (std::vector<std::string>{"-n", "-g", "/X.app", "--args", "--installed", "--args"}));
-}
-
 TEST(DetachedLaunch, TellsItsFailuresApart) {
     Result<DetachedLaunch::Ended> answer = DetachedLaunch::Ended{3, ""};
     const DetachedLaunch open{.runOpen = [&](const auto&) { return answer; }};

@@ -1,6 +1,7 @@
 // The add-on's installation in memory: its login item, its files, the copies that run.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -15,19 +16,23 @@ struct FakeInstallation {
     static constexpr RunningCopy kMe{4711, ManualClock::kStart};
 
     std::int64_t loginItem = LoginItemClient::kEnabled;
-    std::map<std::filesystem::path, std::string> bundles;  // each with its identifier
-    std::vector<RunningCopy> copies{kMe};                  // this one last
-    std::vector<std::int32_t> asked;                       // to quit
-    bool obeys = false;                                    // a copy that is asked is gone
+    // Each with its identifier; the folders that they lie in are there too.
+    std::map<std::filesystem::path, std::string> bundles;
+    std::vector<RunningCopy> copies{kMe};  // this one last
+    std::vector<std::int32_t> asked{};     // to quit
+    bool obeys = false;                    // a copy that is asked is gone
+    bool loginItemRefuses = false;
+    bool filesRefuse = false;
+    int calls = 0;    // of what may fail
+    int failing = 0;  // the number of the one that does
 
     Installation table() {
         return {.loginItem = {.status = [this] { return loginItem; },
                               .registerItem = [this] { return setLoginItem(1); },
                               .unregisterItem = [this] { return setLoginItem(0); }},
-                .fileManager = {
-                    .removeItem = [this](const auto& path) { return remove(path); },
-                    .fileExists = [this](const auto& path) { return bundles.contains(path); },
-                    .identity = [this](const auto& path) { return identity(path); }},
+                .fileManager = {.removeItem = [this](const auto& path) { return remove(path); },
+                                .fileExists = [this](const auto& path) { return exists(path); },
+                                .identity = [this](const auto& path) { return identity(path); }},
                 .runningApplications = {.running = [this](const auto&) { return copies; },
                                         .current = [this] { return copies.back(); },
                                         .terminate = [this](std::int32_t pid) { ask(pid); }},
@@ -39,13 +44,25 @@ struct FakeInstallation {
 
 private:
     Result<void> setLoginItem(std::int64_t status) {
+        if (loginItemRefuses || ++calls == failing)
+            return std::unexpected{PlatformError{.code = 1, .description = "no agent"}};
         loginItem = status;
         return {};
     }
+    static auto liesAt(const std::filesystem::path& path) {
+        return [place = path.string()](const auto& bundle) {
+            return bundle.first.string().starts_with(place);
+        };
+    }
+    bool exists(const std::filesystem::path& path) const {
+        return std::ranges::any_of(bundles, liesAt(path));
+    }
     Result<void> remove(const std::filesystem::path& path) {
-        std::erase_if(bundles, [&](const auto& bundle) {
-            return bundle.first.string().starts_with(path.string());
-        });
+        if (!exists(path))
+            return std::unexpected{PlatformError{PlatformError::Domain::cocoa, 4, "no such file"}};
+        if (filesRefuse || ++calls == failing)
+            return std::unexpected{PlatformError{.code = 13, .description = "denied"}};
+        std::erase_if(bundles, liesAt(path));
         return {};
     }
     std::optional<std::string> identity(const std::filesystem::path& path) const {
