@@ -1,8 +1,6 @@
 // The runtime itself: what the compiler's code relies on, and that nothing wrong goes unnoticed.
 #import <AppKit/AppKit.h>
 
-#include <thread>
-
 #include "tests/macos_runtime/MacTest.hpp"
 
 @protocol Strange
@@ -97,21 +95,6 @@ TEST_F(LanguageTest, CountsReferencesAndClearsWeakOnes) {
     }
     EXPECT_EQ(weak, nil);
     EXPECT_EQ(block(1), -1);
-}
-
-TEST_F(LanguageTest, CountsFromManyThreads) {
-    Derived* const shared = [Derived new];
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([shared] {
-            __weak Derived* weak = shared;
-            for (int round = 0; round < 2000; ++round) @autoreleasepool {
-                    Derived* const strong = weak;
-                    (void)@[ strong, @(round) ];
-                }
-        });
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(livingObjects(), "1 Derived");
 }
 
 TEST_F(LanguageTest, NoticesUnknownSelectorsAndTheDead) {

@@ -1,10 +1,8 @@
-// Message ports: both ends, with their threads.
-#include <semaphore>
-#include <thread>
-
+// Message ports: both ends.
 #include "platform/macos/MessagePortsMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/PortFakes.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 namespace quorvane {
 namespace {
@@ -68,39 +66,33 @@ TEST_F(PortsMacOSTest, APortMayGoWhileItWaits) {
     EXPECT_EQ(port->send({.awaitsReply = true}).status, kPortBecameInvalid);
 }
 
-TEST_F(PortsMacOSTest, ServesOnItsThreadUntilItIsStopped) {
+TEST_F(PortsMacOSTest, ServesUntilItIsStopped) {
     const OpenPort open = makeOpenPortMacOS();
-    std::thread::id servedBy;
     auto port = open("group.port", [&](std::int32_t messageID, ByteView body) {
-        servedBy = std::this_thread::get_id();
         if (messageID == 2) return Bytes{};
         return copyOf(bytesOf(std::to_string(messageID) + std::string{textOf(body)}));
     });
     ASSERT_NE(port, nullptr);
     // This process has the name already.
     EXPECT_EQ(open("group.port", nullptr), nullptr);
-    macrt::takePortName("group.taken");
+    macrt::setAnswer("name is taken", true);
     EXPECT_EQ(open("group.taken", nullptr), nullptr);
-    std::thread thread{[&] { port->run(); }};
-    const std::thread::id server = thread.get_id();
-    std::optional<std::string> answer;
-    while (!(answer = macrt::callPort("group.port", 7, "x"))) std::this_thread::yield();
-    EXPECT_EQ(answer, "7x");
-    EXPECT_EQ(servedBy, server);
-    EXPECT_EQ(macrt::callPort("group.port", 2, ""), "");
-    port->stop();
-    thread.join();
+    macrt::whileRunning() = [&] {
+        EXPECT_EQ(macrt::callPort("group.port", 7, "x"), "7x");
+        EXPECT_EQ(macrt::callPort("group.port", 2, ""), "");
+        port->stop();
+    };
+    port->run();
     EXPECT_FALSE(macrt::callPort("group.port", 7, ""));
     port = nullptr;
     drainPool();
-    EXPECT_NE(open("group.port", nullptr), nullptr);  // the name is free
-}
-
-TEST_F(PortsMacOSTest, AStopBeforeTheRunIsNotForgotten) {
-    auto port = makeOpenPortMacOS()("group.port", nullptr);
+    step("the name is free");
+    macrt::setAnswer("name is taken", false);
+    EXPECT_NE(open("group.port", nullptr), nullptr);
+    step("a stop before the run is not forgotten");
+    port = open("group.port", nullptr);
     port->stop();
     port->run();
-    SUCCEED();
 }
 
 }  // namespace

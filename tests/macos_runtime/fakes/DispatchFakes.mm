@@ -8,12 +8,6 @@
 #include <map>
 #include <utility>
 
-struct dispatch_source_type_s {
-    int unused;
-};
-const dispatch_source_type_s _dispatch_source_type_timer{};
-const dispatch_source_type_s _dispatch_source_type_signal{};
-
 @interface FakeQueue : NSObject <OS_dispatch_queue> {
 @public
     std::string label;
@@ -26,19 +20,21 @@ const dispatch_source_type_s _dispatch_source_type_signal{};
 
 @interface FakeSource : NSObject <OS_dispatch_source> {
 @public
-    dispatch_source_type_t type;
-    uintptr_t handle;
-    dispatch_block_t handler;
+    int signal;                // 0 of a timer
+    dispatch_block_t handler;  // nil once it is cancelled
     dispatch_time_t due;
     bool isActive;
-    bool isCancelled;
+}
+@end
+@implementation FakeSource
+- (void)dealloc {
+    if (!isActive) macrt::fault("a source is dropped before it was activated");
 }
 @end
 
 namespace {
 struct Dispatch {
     FakeQueue* main;
-    FakeQueue* global;
     FakeQueue* current;  // whose action runs
     std::vector<FakeQueue * __weak> queues;
     std::vector<FakeSource * __weak> sources;
@@ -47,11 +43,13 @@ struct Dispatch {
 Dispatch dispatch;
 const macrt::AtReset reset{[] { dispatch = {}; }};
 
-FakeQueue* makeQueue(const char* label) {
+FakeQueue* makeQueue(const std::string& label) {
     FakeQueue* const queue = [FakeQueue new];
     queue->label = label;
     return queue;
 }
+FakeQueue* fake(dispatch_queue_t queue) { return (FakeQueue*)queue; }
+FakeSource* fake(dispatch_source_t source) { return (FakeSource*)source; }
 
 void runAll(FakeQueue* queue) {
     while (!queue->blocks.empty()) {
@@ -65,17 +63,20 @@ void runAll(FakeQueue* queue) {
     }
 }
 
-template <typename Reference>
-FakeSource* source(Reference reference) {
-    return (FakeSource*)reference;
+// Those that may fire, of one signal or, with 0, the timers.
+std::vector<FakeSource*> sourcesOf(int signal) {
+    std::vector<FakeSource*> all;
+    for (FakeSource* const& each : dispatch.sources)
+        if (each != nil && each->signal == signal && each->isActive && each->handler != nil)
+            all.push_back(each);
+    return all;
+}
+
+void fire(FakeSource* source) {
+    const dispatch_block_t handler = source->handler;
+    if (handler != nil) handler();
 }
 }  // namespace
-
-@implementation FakeSource
-- (void)dealloc {
-    if (!isActive) macrt::fault("a source is dropped before it was activated");
-}
-@end
 
 extern "C" {
 
@@ -85,9 +86,7 @@ dispatch_queue_t dispatch_get_main_queue() {
 }
 
 dispatch_queue_t dispatch_get_global_queue(intptr_t identifier, uintptr_t) {
-    if (dispatch.global == nil)
-        dispatch.global = makeQueue(("global " + std::to_string(identifier)).c_str());
-    return dispatch.global;
+    return makeQueue("global " + std::to_string(identifier));
 }
 
 dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t attributes) {
@@ -98,18 +97,18 @@ dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t 
 }
 
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
-    ((FakeQueue*)queue)->blocks.push_back(block);
+    fake(queue)->blocks.push_back(block);
 }
 
 void dispatch_sync(dispatch_queue_t queue, dispatch_block_t block) {
     if (dispatch.current == queue) return macrt::fault("a queue waits for itself");
-    runAll((FakeQueue*)queue);
+    runAll(fake(queue));
     block();
 }
 
 void dispatch_queue_set_specific(dispatch_queue_t queue, const void* key, void* context,
                                  void (*)(void*)) {
-    ((FakeQueue*)queue)->specifics[key] = context;
+    fake(queue)->specifics[key] = context;
 }
 
 void* dispatch_get_specific(const void* key) {
@@ -119,11 +118,9 @@ void* dispatch_get_specific(const void* key) {
 dispatch_source_t dispatch_source_create(dispatch_source_type_t type, uintptr_t handle,
                                          uintptr_t mask, dispatch_queue_t queue) {
     FakeSource* const made = [FakeSource new];
-    made->type = type;
-    made->handle = handle;
-    const bool isTimer = type == &_dispatch_source_type_timer;
-    macrt::note((isTimer ? "timer source" : "signal source " + std::to_string(handle)) + " on " +
-                ((FakeQueue*)queue)->label + (mask == 0 ? "" : " masked"));
+    made->signal = static_cast<int>(handle);
+    macrt::note(std::string{type} + " source " + std::to_string(handle) + " on " +
+                fake(queue)->label + (mask == 0 ? "" : " masked"));
     dispatch.sources.push_back(made);
     return made;
 }
@@ -133,20 +130,14 @@ void dispatch_source_set_timer(dispatch_source_t timer, dispatch_time_t start, u
     macrt::note("timer in " + std::to_string(start - dispatch.now) +
                 (interval == DISPATCH_TIME_FOREVER ? " once" : " again") + " leeway " +
                 std::to_string(leeway));
-    source(timer)->due = start;
+    fake(timer)->due = start;
 }
 
-void dispatch_source_set_event_handler(dispatch_source_t of, dispatch_block_t handler) {
-    source(of)->handler = handler;
+void dispatch_source_set_event_handler(dispatch_source_t source, dispatch_block_t handler) {
+    fake(source)->handler = handler;
 }
-
-void dispatch_source_cancel(dispatch_source_t of) {
-    source(of)->isCancelled = true;
-    source(of)->handler = nil;
-}
-
-void dispatch_activate(dispatch_object_t object) { source(object)->isActive = true; }
-void dispatch_resume(dispatch_object_t object) { source(object)->isActive = true; }
+void dispatch_source_cancel(dispatch_source_t source) { fake(source)->handler = nil; }
+void dispatch_activate(dispatch_object_t source) { ((FakeSource*)source)->isActive = true; }
 
 dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta) {
     if (when != DISPATCH_TIME_NOW) macrt::fault("only times from now on are known");
@@ -155,21 +146,8 @@ dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta) {
 }
 
 namespace macrt {
-namespace {
 
-FakeSource* nextTimer(dispatch_time_t end) {
-    FakeSource* next = nil;
-    for (FakeSource* const& each : dispatch.sources) {
-        const bool isDue = each != nil && each->type == &_dispatch_source_type_timer &&
-                           each->isActive && each->handler != nil && each->due <= end;
-        if (isDue && (next == nil || each->due < next->due)) next = each;
-    }
-    return next;
-}
-
-}  // namespace
-
-void drainMainQueue() { runAll((FakeQueue*)dispatch_get_main_queue()); }
+void drainMainQueue() { runAll(fake(dispatch_get_main_queue())); }
 
 void drainQueues() {
     const auto queues = dispatch.queues;
@@ -181,30 +159,25 @@ void passTime(std::chrono::nanoseconds time) {
     const dispatch_time_t end = dispatch.now + static_cast<dispatch_time_t>(time.count());
     while (true) {
         @autoreleasepool {
-            FakeSource* const timer = nextTimer(end);
-            if (timer == nil) break;
-            dispatch.now = std::max(dispatch.now, timer->due);
-            timer->due = DISPATCH_TIME_FOREVER;
-            const dispatch_block_t handler = timer->handler;
-            handler();
+            const auto timers = sourcesOf(0);
+            const auto due = [](FakeSource* each) { return each->due; };
+            const auto next = std::ranges::min_element(timers, {}, due);
+            if (next == timers.end() || due(*next) > end) break;
+            dispatch.now = std::max(dispatch.now, due(*next));
+            (*next)->due = DISPATCH_TIME_FOREVER;
+            fire(*next);
         }
     }
     dispatch.now = end;
 }
 
 void raiseSignal(int signal) {
-    const auto sources = dispatch.sources;
-    for (FakeSource* const& each : sources) {
-        if (each == nil || each->type != &_dispatch_source_type_signal) continue;
-        const dispatch_block_t handler = each->handler;
-        if (each->handle == static_cast<uintptr_t>(signal) && each->isActive && handler != nil)
-            handler();
-    }
+    for (FakeSource* const& each : sourcesOf(signal)) fire(each);
 }
 
 std::size_t activeSources() {
     return static_cast<std::size_t>(std::ranges::count_if(dispatch.sources, [](FakeSource* each) {
-        return each != nil && each->isActive && !each->isCancelled;
+        return each != nil && each->isActive && each->handler != nil;
     }));
 }
 

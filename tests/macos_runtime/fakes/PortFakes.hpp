@@ -19,14 +19,12 @@ struct PortAnswer {
     std::int32_t status = 0;
     std::optional<std::string> body{};
 };
+using ServePort = std::function<PortAnswer(const PortMessage&)>;
 // What another process would answer under this name, from now on; nothing: nobody serves it.
-void servePort(const std::string& name, std::function<PortAnswer(const PortMessage&)> answer);
+void servePort(const std::string& name, ServePort answer);
 void stopServing(const std::string& name);
 
-// Has another process in possession of the name.
-void takePortName(const std::string& name);
-// What a client of a port that the code under test serves gets; the answer is made on the thread
-// that runs the port. Nothing when the port is not served.
+// What a client of a port gets that the code under test serves; nothing while no run loop has it.
 std::optional<std::string> callPort(const std::string& name, std::int32_t identifier,
                                     const std::string& body);
 

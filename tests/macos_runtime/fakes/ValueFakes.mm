@@ -2,84 +2,59 @@
 #import <AppKit/AppKit.h>
 #import <QuartzCore/QuartzCore.h>
 
-#include <cstdio>
+#include <variant>
 
 #include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
-@implementation NSValue {
-    CATransform3D transform_;
-}
+@implementation NSValue
 + (NSValue*)valueWithCATransform3D:(CATransform3D)t {
     NSValue* const value = [NSValue new];
-    value->transform_ = t;
+    const std::string text = macrt::valueText(@encode(CATransform3D), &t);
+    macrt::setAnswer(value, "description", macrt::makeString(text));
     return value;
-}
-- (NSString*)description {
-    const CATransform3D& t = transform_;
-    char text[128];
-    std::snprintf(text, sizeof text, "<scale %g %g, move %g %g>", t.m11, t.m22, t.m41, t.m42);
-    return macrt::makeString(text);
 }
 @end
 
-namespace {
-enum class Kind { boolean, whole, positive, real };
-}
 @implementation NSNumber {
 @package
-    Kind kind_;
-    long long whole_;
-    double real_;
+    std::variant<bool, long long, unsigned long long, double> value_;
+}
+static NSNumber* numberOf(auto value) {
+    NSNumber* const number = [NSNumber new];
+    number->value_ = value;
+    return number;
 }
 + (NSNumber*)numberWithBool:(BOOL)value {
-    NSNumber* const number = [NSNumber new];
-    number->whole_ = value;
-    return number;
+    return numberOf(value);
 }
 + (NSNumber*)numberWithInt:(int)value {
-    return [self numberWithLongLong:value];
+    return numberOf(static_cast<long long>(value));
 }
 + (NSNumber*)numberWithLongLong:(long long)value {
-    NSNumber* const number = [NSNumber new];
-    number->kind_ = Kind::whole;
-    number->whole_ = value;
-    return number;
+    return numberOf(value);
 }
 + (NSNumber*)numberWithUnsignedLongLong:(unsigned long long)value {
-    NSNumber* const number = [NSNumber new];
-    number->kind_ = Kind::positive;
-    number->whole_ = static_cast<long long>(value);
-    return number;
+    return numberOf(value);
 }
 + (NSNumber*)numberWithDouble:(double)value {
-    NSNumber* const number = [NSNumber new];
-    number->kind_ = Kind::real;
-    number->real_ = value;
-    return number;
+    return numberOf(value);
 }
 - (BOOL)boolValue {
-    return kind_ == Kind::real ? real_ != 0 : whole_ != 0;
+    return std::visit([](auto value) { return value != 0; }, value_);
 }
 - (long long)longLongValue {
-    return kind_ == Kind::real ? static_cast<long long>(real_) : whole_;
+    return std::visit([](auto value) { return static_cast<long long>(value); }, value_);
 }
 - (double)doubleValue {
-    if (kind_ == Kind::positive)
-        return static_cast<double>(static_cast<unsigned long long>(whole_));
-    return kind_ == Kind::real ? real_ : static_cast<double>(whole_);
+    return std::visit([](auto value) { return static_cast<double>(value); }, value_);
 }
 - (BOOL)isEqual:(id)object {
     return [object isKindOfClass:NSNumber.class] &&
            self.doubleValue == ((NSNumber*)object).doubleValue;
 }
 - (NSString*)description {
-    if (kind_ == Kind::boolean) return self.boolValue ? @"YES" : @"NO";
-    if (kind_ == Kind::whole) return macrt::makeString(std::to_string(whole_));
-    if (kind_ == Kind::positive)
-        return macrt::makeString(std::to_string(static_cast<unsigned long long>(whole_)));
-    char text[32];
-    std::snprintf(text, sizeof text, "%.15g", real_);
-    return macrt::makeString(text);
+    const auto text = [](auto value) { return macrt::valueText(@encode(decltype(value)), &value); };
+    return macrt::makeString(std::visit(text, value_));
 }
 @end
 
@@ -132,42 +107,30 @@ enum class Kind { boolean, whole, positive, real };
 }
 @end
 
-@interface NSDate ()
-@property(readwrite) NSTimeInterval timeIntervalSince1970;
-@end
 @implementation NSDate
+@dynamic timeIntervalSince1970;
 + (instancetype)dateWithTimeIntervalSince1970:(NSTimeInterval)secs {
     NSDate* const date = [self new];
-    date.timeIntervalSince1970 = secs;
+    macrt::setAnswer(date, "timeIntervalSince1970", secs);
     return date;
 }
 @end
 
-@interface NSURL ()
-@property(readwrite, copy) NSString* path;
-@end
 @implementation NSURL
+@dynamic path;
 + (NSURL*)fileURLWithPath:(NSString*)path {
     NSURL* const url = [NSURL new];
-    url.path = path;
+    macrt::setAnswer(url, "path", path);
+    macrt::setAnswer(url, "description", macrt::makeString("file://" + macrt::textOf(path)));
     return url;
-}
-- (NSString*)description {
-    return macrt::makeString("file://" + macrt::textOf(self.path));
 }
 @end
 
-@implementation NSAttributedString {
-    NSString* text_;
-    NSDictionary* attributes_;
-}
+@implementation NSAttributedString
 - (instancetype)initWithString:(NSString*)str attributes:(NSDictionary*)attrs {
-    text_ = str;
-    attributes_ = attrs;
+    const std::string text = macrt::describe(str) + " " + macrt::describe(attrs);
+    macrt::setAnswer(self, "description", macrt::makeString(text));
     return self;
-}
-- (NSString*)description {
-    return macrt::makeString(macrt::describe(text_) + " " + macrt::describe(attributes_));
 }
 @end
 
@@ -184,12 +147,12 @@ void CFRelease(CFTypeRef cf) {
 CFTypeID CFBooleanGetTypeID() { return 21; }
 CFTypeID CFGetTypeID(CFTypeRef cf) {
     const id object = (__bridge id)cf;
-    const bool isBoolean =
-        [object isKindOfClass:NSNumber.class] && ((NSNumber*)object)->kind_ == Kind::boolean;
+    const bool isBoolean = [object isKindOfClass:NSNumber.class] &&
+                           std::holds_alternative<bool>(((NSNumber*)object)->value_);
     return isBoolean ? CFBooleanGetTypeID() : 22;
 }
 Boolean CFNumberIsFloatType(CFNumberRef number) {
-    return ((__bridge NSNumber*)number)->kind_ == Kind::real;
+    return std::holds_alternative<double>(((__bridge NSNumber*)number)->value_);
 }
 }
 

@@ -39,8 +39,8 @@ Tables& tables() {
     return only;
 }
 
-// One of each thread: the objects, null where a pool begins.
-thread_local std::vector<Object*> pool;
+// The objects, null where a pool begins.
+std::vector<Object*> pool;
 
 void callOwn(const Class* of, Object* object, const char* name) {
     const auto found = of->facts->methods.find(selectorNamed(name));
@@ -59,7 +59,6 @@ void construct(const Class* of, Object* object) {
 void endLife(Object* object, Selector) {
     for (const Class* each = object->isa; each != nullptr; each = each->super)
         callOwn(each, object, ".cxx_destruct");
-    const auto held = locked();
     const auto places = tables().weakPlaces.find(object);
     if (places != tables().weakPlaces.end()) {
         for (Object** const place : places->second) *place = nullptr;
@@ -80,10 +79,7 @@ Object** placeIn(Object* object, std::ptrdiff_t offset) {
 
 void setMember(Object* object, std::ptrdiff_t offset, Object* value, bool isCopied) {
     Object* const kept = isCopied ? send<Object*>(value, "copy") : objc_retain(value);
-    auto held = locked();
-    Object* const old = std::exchange(*placeIn(object, offset), kept);
-    held.unlock();
-    objc_release(old);
+    objc_release(std::exchange(*placeIn(object, offset), kept));
 }
 
 void freeDead() {
@@ -96,7 +92,6 @@ void freeDead() {
 }  // namespace
 
 std::string livingObjects() {
-    const auto held = locked();
     std::map<std::string, int> counts;
     for (const Object* const each : tables().living) ++counts[each->isa->facts->name];
     std::string report;
@@ -106,7 +101,6 @@ std::string livingObjects() {
 }
 
 void beginAnew() {
-    const auto held = locked();
     freeDead();
     tables().living.clear();
     forgetNumbers();
@@ -134,11 +128,8 @@ Object* class_createInstance(Class* of, std::size_t extraBytes) {
     header->size = static_cast<std::uint32_t>(size);
     auto* const object = reinterpret_cast<Object*>(header + 1);
     object->isa = of;
-    {
-        const auto held = locked();
-        header->number = ++of->facts->made;
-        tables().living.insert(object);
-    }
+    header->number = ++of->facts->made;
+    tables().living.insert(object);
     construct(of, object);
     return object;
 }
@@ -157,12 +148,9 @@ Object* objc_retain(Object* object) {
 void objc_release(Object* object) {
     if (!isCounted(object)) return;
     if (isDead(object)) return fault("released once too often: " + nameOf(object));
-    // Under the lock, so that no weak reference is taken between the last release and the mark.
-    auto held = locked();
-    const bool isLast = --headerOf(object).count == 0 && headerOf(object).life == Life::alive;
-    if (isLast) headerOf(object).life = Life::ending;
-    held.unlock();
-    if (isLast) send<void>(object, "dealloc");
+    if (--headerOf(object).count > 0 || headerOf(object).life != Life::alive) return;
+    headerOf(object).life = Life::ending;
+    send<void>(object, "dealloc");
 }
 
 Object* objc_autorelease(Object* object) {
@@ -200,7 +188,6 @@ void objc_storeStrong(Object** place, Object* value) {
 
 // Every place that holds a weak reference is listed under its object.
 Object* objc_storeWeak(Object** place, Object* object) {
-    const auto held = locked();
     if (isCounted(*place)) tables().weakPlaces[*place].erase(place);
     if (isEnding(object)) object = nullptr;
     if (isCounted(object)) tables().weakPlaces[object].insert(place);
@@ -215,7 +202,6 @@ Object* objc_initWeak(Object** place, Object* object) {
 void objc_destroyWeak(Object** place) { objc_storeWeak(place, nullptr); }
 
 Object* objc_loadWeakRetained(Object** place) {
-    const auto held = locked();
     return isEnding(*place) ? nullptr : objc_retain(*place);
 }
 
@@ -232,7 +218,6 @@ void objc_moveWeak(Object** to, Object** from) {
 
 // Accessors that the compiler does not write out.
 Object* objc_getProperty(Object* object, Selector, std::ptrdiff_t offset, bool) {
-    const auto held = locked();
     return objc_retainAutorelease(*placeIn(object, offset));
 }
 void objc_setProperty_atomic(Object* object, Selector, Object* value, std::ptrdiff_t offset) {
@@ -242,7 +227,6 @@ void objc_setProperty_atomic_copy(Object* object, Selector, Object* value, std::
     setMember(object, offset, value, true);
 }
 void objc_copyStruct(void* to, const void* from, std::ptrdiff_t size, bool, bool) {
-    const auto held = locked();
     std::memcpy(to, from, static_cast<std::size_t>(size));
 }
 void objc_enumerationMutation(Object* object) {

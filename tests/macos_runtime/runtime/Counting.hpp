@@ -1,7 +1,6 @@
 // How objects are counted, for the runtime's own files.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 
 #include "tests/macos_runtime/runtime/Registry.hpp"
@@ -12,9 +11,9 @@ namespace macrt {
 // instance variables.
 struct ObjectHeader {
     enum class Life : std::uint32_t { alive = 0x11FE, ending, dead = 0xDEAD };
-    std::atomic<int> count;
+    int count;
     std::uint32_t number;  // among those of its class in this test
-    std::atomic<Life> life;
+    Life life;
     std::uint32_t size;  // of the object behind it
 };
 static_assert(sizeof(ObjectHeader) == 16);

@@ -1,7 +1,6 @@
 // Classes, selectors and methods, for the runtime's own files.
 #pragma once
 
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -20,9 +19,6 @@ struct ClassFacts {
     bool isImmortal = false;  // its instances are not counted: literals
     std::uint32_t made = 0;   // instances since the test began
 };
-
-// The runtime's one lock.
-std::unique_lock<std::recursive_mutex> locked();
 
 Selector selectorNamed(std::string_view spelling);
 Class* classNamed(std::string_view name);  // null when there is none

@@ -1,5 +1,5 @@
 // What tests and fakes see of the Objective-C runtime under tests/macos_runtime: what was called,
-// what is still alive, and what went wrong.
+// what is still alive, and what went wrong. All of it is for one thread.
 #pragma once
 
 #include <cstdint>
@@ -17,11 +17,10 @@ struct Call {
     std::string text;                // "-[NSPanel#1 setLevel:1000]"; classes have no number
 };
 
-// The calls since they were last taken, oldest first. Any thread.
+// The calls since they were last taken, oldest first.
 std::vector<Call> takeCalls();
-// Only their texts, and only those that contain `part`; the others are dropped.
-std::vector<std::string> takeTexts(std::string_view part = {});
-// For fakes of C functions: one order for everything. Any thread.
+std::vector<std::string> takeTexts();
+// For fakes of C functions: one order for everything.
 void note(std::string text);
 
 // A value of an encoded type, "{CGPoint=dd}", as arguments are shown: "{1, 2.5}".

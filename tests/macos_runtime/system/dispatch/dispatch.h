@@ -16,21 +16,17 @@ typedef NSObject<OS_dispatch_object>* dispatch_object_t;
 typedef NSObject<OS_dispatch_object>* dispatch_queue_attr_t;
 typedef void (^dispatch_block_t)(void);
 typedef uint64_t dispatch_time_t;
-typedef const struct dispatch_source_type_s* dispatch_source_type_t;
-typedef long dispatch_queue_priority_t;
+typedef const char* dispatch_source_type_t;
 
 #define NSEC_PER_SEC 1000000000ull
-#define NSEC_PER_MSEC 1000000ull
 #define DISPATCH_TIME_NOW (0ull)
 #define DISPATCH_TIME_FOREVER (~0ull)
 #define DISPATCH_QUEUE_SERIAL nullptr
-#define DISPATCH_SOURCE_TYPE_TIMER (&_dispatch_source_type_timer)
-#define DISPATCH_SOURCE_TYPE_SIGNAL (&_dispatch_source_type_signal)
-enum : unsigned int { QOS_CLASS_USER_INITIATED = 0x19, QOS_CLASS_UTILITY = 0x11 };
+#define DISPATCH_SOURCE_TYPE_TIMER "timer"
+#define DISPATCH_SOURCE_TYPE_SIGNAL "signal"
+enum : unsigned int { QOS_CLASS_USER_INITIATED = 0x19 };
 
 extern "C" {
-extern const struct dispatch_source_type_s _dispatch_source_type_timer;
-extern const struct dispatch_source_type_s _dispatch_source_type_signal;
 dispatch_queue_t dispatch_get_main_queue(void);
 dispatch_queue_t dispatch_get_global_queue(intptr_t identifier, uintptr_t flags);
 dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t attributes)
@@ -45,7 +41,6 @@ void dispatch_source_set_timer(dispatch_source_t source, dispatch_time_t start, 
 void dispatch_source_set_event_handler(dispatch_source_t source, dispatch_block_t handler);
 void dispatch_source_cancel(dispatch_source_t source);
 void dispatch_activate(dispatch_object_t object);
-void dispatch_resume(dispatch_object_t object);
 void dispatch_queue_set_specific(dispatch_queue_t queue, const void* key, void* context,
                                  void (*destructor)(void*));
 void* dispatch_get_specific(const void* key);
