@@ -134,7 +134,7 @@ std::vector<ScrollingPart::Copy> ScrollingPart::copiesOf(std::span<const Leaf> l
 
 void ScrollingPart::drawRow(int y, std::span<const Copy> copies,
                             std::span<std::uint32_t> row) const {
-    std::ranges::copy_n(still_.row(y - rows_.y), still_.width, row.begin());
+    std::copy_n(still_.row(y - rows_.y), still_.width, row.data());
     for (const auto& [line, x] : copies)
         if (y >= line->rows.y && y < line->rows.maxY())
             line->coverage->mixInto(row, line->strengths, line->color, x, y - line->baseline);
