@@ -23,38 +23,32 @@ using namespace std::chrono_literals;
 using macrt::setAnswer;
 using macrt::Texts;
 
-// The window server's interface: what it is called with is noted.
-struct FakeWindowServer {
-    static void* symbol(const char* name) {
-        const std::map<std::string_view, void*> symbols{
-            {"SLSMainConnectionID", reinterpret_cast<void*>(+[] { return 77; })},
-            {"SLSSpaceCreate",
-             reinterpret_cast<void*>(
-                 +[](std::int32_t, std::int32_t, const void*) -> std::uint64_t { return 9; })},
-            {"SLSSpaceSetAbsoluteLevel",
-             reinterpret_cast<void*>(
-                 +[](std::int32_t connection, std::uint64_t space, std::int32_t level) {
-                     macrt::note("level " + std::to_string(connection) + " " +
-                                 std::to_string(space) + " " + std::to_string(level));
-                     return 0;
-                 })},
-            {"SLSShowSpaces", reinterpret_cast<void*>(+[](std::int32_t, CFArrayRef spaces) {
-                 macrt::note("show " + macrt::describe((__bridge id)spaces));
-                 return 0;
-             })},
-            {"SLSSpaceAddWindowsAndRemoveFromSpaces",
-             reinterpret_cast<void*>(
-                 +[](std::int32_t, std::uint64_t space, CFArrayRef windows, std::int32_t options) {
-                     macrt::note("add " + macrt::describe((__bridge id)windows) + " to " +
-                                 std::to_string(space) + ", " + std::to_string(options));
-                     return 0;
-                 })},
-        };
-        const auto found = symbols.find(name);
-        return found == symbols.end() ? nullptr : found->second;
-    }
-    using CFArrayRef = const void*;
-};
+// The window server's functions, by name.
+constexpr char kConnection[] = "SLSMainConnectionID";
+constexpr char kCreate[] = "SLSSpaceCreate";
+constexpr char kSetLevel[] = "SLSSpaceSetAbsoluteLevel";
+constexpr char kShow[] = "SLSShowSpaces";
+constexpr char kAdd[] = "SLSSpaceAddWindowsAndRemoveFromSpaces";
+
+template <const char* name, typename Result, typename... Arguments>
+std::pair<const std::string, void*> noted() {
+    Result (*const function)(Arguments...) = [](Arguments... arguments) {
+        return macrt::called<Result>(name, arguments...);
+    };
+    return {name, reinterpret_cast<void*>(function)};
+}
+
+void* windowServerSymbol(const std::string& name) {
+    const std::map<std::string, void*> symbols{
+        noted<kConnection, int>(),
+        noted<kCreate, std::uint64_t, int, int, const void*>(),
+        noted<kSetLevel, int, int, std::uint64_t, int>(),
+        noted<kShow, int, int, id>(),
+        noted<kAdd, int, int, std::uint64_t, id, int>(),
+    };
+    const auto found = symbols.find(name);
+    return found == symbols.end() ? nullptr : found->second;
+}
 
 class LockMacOSTest : public macrt::MacTest {
 protected:
@@ -70,10 +64,10 @@ protected:
             ASSERT_TRUE(platform);
             platform->windowServerLoader->open = [](const char* path) {
                 macrt::note(std::string{"open "} + path);
-                return reinterpret_cast<void*>(&FakeWindowServer::symbol);
+                return reinterpret_cast<void*>(&windowServerSymbol);
             };
             platform->windowServerLoader->symbol = [](void*, const char* symbol) {
-                return FakeWindowServer::symbol(symbol);
+                return windowServerSymbol(symbol);
             };
             AddOnApp app{*platform};
             macrt::whileRunning() = [&] {
@@ -177,6 +171,8 @@ private:
                 (__bridge NSString*)kCGImagePropertyPixelWidth : @600LL,
                 (__bridge NSString*)kCGImagePropertyPixelHeight : @600LL
             });
+        setAnswer(kConnection, 77);
+        setAnswer(kCreate, 9);
         setAnswer("CGImageGetWidth", 256);
         setAnswer("CGImageGetHeight", 256);
         macrt::setConversion([](NSPoint p) { return NSPoint{p.x - 52, 274 - p.y}; });
@@ -211,7 +207,7 @@ TEST_F(LockMacOSTest, OneLockFromItsNoticeToThePanelInItsSpaceAndBack) {
         pass(1ms);
         // What the panel and the window server are told, up to its fade.
         keep({"-- ", "setLevel:", "setContentView:<CardRootView", "orderFront", "open /System",
-              "level 77", "show [", "add [", "beginActivity", "setHidden:NO", "addAnimation",
+              "(77,", "beginActivity", "setHidden:NO", "addAnimation",
               "setDuration:", "setAlphaValue:1"});
         EXPECT_FALSE(panel_.ignoresMouseEvents);
 
@@ -245,7 +241,7 @@ TEST_F(LockMacOSTest, AScreenThatComesRebuildsTheWindowsAtOnce) {
         macrt::deliver(NSNotificationCenter.defaultCenter,
                        NSApplicationDidChangeScreenParametersNotification);
         settle();
-        keep({"initWithContentRect", "add [", "CardPanel#1 close", "addAnimation"});
+        keep({"initWithContentRect", "(77,", "CardPanel#1 close", "addAnimation"});
     });
 }
 

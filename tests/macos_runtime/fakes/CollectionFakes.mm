@@ -1,8 +1,6 @@
 // Arrays and dictionaries that work; dictionaries keep the order in which they were filled.
 #include "tests/macos_runtime/fakes/Collections.hpp"
 
-#include <algorithm>
-
 @implementation NSArray {
 @package
     std::vector<id> items_;
@@ -19,14 +17,6 @@
                                   objects:(id __unsafe_unretained[])buffer
                                     count:(NSUInteger)len {
     return macrt::enumerate(state, items_);
-}
-- (BOOL)isEqual:(id)object {
-    if (![object isKindOfClass:NSArray.class]) return NO;
-    return std::ranges::equal(items_, ((NSArray*)object)->items_,
-                              [](id one, id two) { return static_cast<bool>([one isEqual:two]); });
-}
-- (id)copy {
-    return [NSArray arrayWithObjects:items_.data() count:items_.size()];
 }
 - (NSString*)description {
     std::string all;
@@ -66,11 +56,6 @@
                                   objects:(id __unsafe_unretained[])buffer
                                     count:(NSUInteger)len {
     return macrt::enumerate(state, keys_);
-}
-- (id)copy {
-    return [NSDictionary dictionaryWithObjects:values_.data()
-                                       forKeys:keys_.data()
-                                         count:keys_.size()];
 }
 - (NSString*)description {
     std::string all;

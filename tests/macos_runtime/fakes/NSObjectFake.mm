@@ -4,9 +4,7 @@
 extern "C" {
 void objc_msgSend(void);
 id class_createInstance(Class, size_t) __attribute__((ns_returns_retained));
-Class object_getClass(id);
 BOOL macrt_isKindOfClass(id, Class);
-BOOL macrt_respondsToSelector(id, SEL);
 }
 
 namespace macrt {
@@ -31,20 +29,11 @@ std::string nameOf(Object* object);
 - (id)copy {
     return self;
 }
-- (Class)class {
-    return object_getClass(self);
-}
 - (BOOL)isKindOfClass:(Class)aClass {
     return macrt_isKindOfClass(self, aClass);
 }
-- (BOOL)respondsToSelector:(SEL)aSelector {
-    return macrt_respondsToSelector(self, aSelector);
-}
 - (BOOL)isEqual:(id)object {
     return self == object;
-}
-- (NSUInteger)hash {
-    return reinterpret_cast<NSUInteger>((__bridge void*)self);
 }
 - (NSString*)description {
     const std::any* const answer = macrt::findAnswer(self, "NSObject", "description");

@@ -25,9 +25,6 @@
     return [object isKindOfClass:NSString.class] &&
            macrt::textOf(self) == macrt::textOf((NSString*)object);
 }
-- (NSUInteger)hash {
-    return std::hash<std::string>{}(macrt::textOf(self));
-}
 - (NSString*)description {
     return self;
 }

@@ -48,10 +48,6 @@ static NSNumber* numberOf(auto value) {
 - (double)doubleValue {
     return std::visit([](auto value) { return static_cast<double>(value); }, value_);
 }
-- (BOOL)isEqual:(id)object {
-    return [object isKindOfClass:NSNumber.class] &&
-           self.doubleValue == ((NSNumber*)object).doubleValue;
-}
 - (NSString*)description {
     const auto text = [](auto value) { return macrt::valueText(@encode(decltype(value)), &value); };
     return macrt::makeString(std::visit(text, value_));

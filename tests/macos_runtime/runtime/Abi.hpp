@@ -53,11 +53,6 @@ struct ProtocolRecord {
     void* isa;
     const char* name;
     ProtocolList* protocols;
-    RecordList* instanceMethods;
-    RecordList* classMethods;
-    RecordList* optionalInstanceMethods;
-    RecordList* optionalClassMethods;
-    RecordList* properties;
 };
 
 struct ClassData {

@@ -188,12 +188,8 @@ std::string typesOf(const char* className, std::string_view selector) {
 
 extern "C" {
 
-Class* object_getClass(Object* object) { return object == nullptr ? nullptr : object->isa; }
 bool macrt_isKindOfClass(Object* object, Class* wanted) {
     return object != nullptr && isKind(object->isa, wanted);
-}
-bool macrt_respondsToSelector(Object* object, Selector name) {
-    return object != nullptr && findMethod(object->isa, name).method != nullptr;
 }
 
 }  // extern "C"

@@ -7,11 +7,8 @@
 
 @protocol NSObject
 - (BOOL)isEqual:(id)object;
-@property(readonly) NSUInteger hash;
 @property(readonly, copy) NSString* description;
-- (Class)class;
 - (BOOL)isKindOfClass:(Class)aClass;
-- (BOOL)respondsToSelector:(SEL)aSelector;
 @end
 
 __attribute__((objc_root_class))
