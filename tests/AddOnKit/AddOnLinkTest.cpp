@@ -94,11 +94,10 @@ TEST(AddOnLink, FollowsTheAnswersAndKeepsTheLastWhenNoneComes) {
     }
     EXPECT_EQ(allowed, (std::vector{true, false, true}));
     EXPECT_EQ(f.log.lines().front().level, LogLevel::info);
-    EXPECT_EQ(f.log.take(), (std::vector<std::string>{
-                                "Configuration: enabled true, removal false, minimum 1.0.0",
-                                "Configuration: enabled false, removal false, minimum 1.0.0",
-                                "Configuration: enabled true, removal false, minimum "
-                                "1.0.0"}));
+    EXPECT_EQ(f.log.take(), (Lines{"Configuration: enabled true, removal false, minimum 1.0.0",
+                                   "Configuration: enabled false, removal false, minimum 1.0.0",
+                                   "Configuration: enabled true, removal false, minimum "
+                                   "1.0.0"}));
     Fixture unsupported{identity(false)};
     unsupported.link->sayHello();
     unsupported.answer(kEnabled);
@@ -135,9 +134,8 @@ TEST(AddOnLink, ARemovalRequestEndsItForGood) {
     f.link->start();
     f.link->sayHello();
     f.answer(kRemoval);
-    EXPECT_EQ(linesAtStop,
-              (std::vector<std::string>{"Configuration: enabled false, removal true, minimum 1.0.0",
-                                        "Quorvane asked for removal; no more hellos"}));
+    EXPECT_EQ(linesAtStop, (Lines{"Configuration: enabled false, removal true, minimum 1.0.0",
+                                  "Quorvane asked for removal; no more hellos"}));
     EXPECT_EQ(f.removals, 1);
     EXPECT_TRUE(f.link->isStopped().get());
     f.link->start();

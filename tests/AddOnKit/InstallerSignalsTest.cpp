@@ -34,9 +34,8 @@ TEST_F(InstallerSignalsTest, AnswersEachRequestOnceAndPostsChangesOnlyAfterStart
     EXPECT_TRUE(notices.posted.empty());
     signals.setConnected(false);
     EXPECT_EQ(notices.posted, status(false));
-    EXPECT_EQ(log.take(),
-              (std::vector<std::string>{"installer: status requested; connected true",
-                                        "installer: connected false; posting the status"}));
+    EXPECT_EQ(log.take(), (Lines{"installer: status requested; connected true",
+                                 "installer: connected false; posting the status"}));
 }
 
 TEST_F(InstallerSignalsTest, ObeysQuitUntilStopped) {

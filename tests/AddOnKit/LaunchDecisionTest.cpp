@@ -59,9 +59,9 @@ TEST_F(LaunchDecisionTest, AFlagOfAnotherCopyIsCleared) {
         identity = std::move(own);
         EXPECT_EQ(perform({}), "run");
         EXPECT_TRUE(defaults.values.empty());
-        EXPECT_EQ(log.take(),
-                  (std::vector<std::string>{
-                      "launch: a removal flag left by another copy of the add-on; clearing it"}));
+        EXPECT_EQ(
+            log.take(),
+            (Lines{"launch: a removal flag left by another copy of the add-on; clearing it"}));
     };
     clears(std::nullopt, kOwn);
     clears(kOwn, std::nullopt);

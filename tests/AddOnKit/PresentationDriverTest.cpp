@@ -45,13 +45,12 @@ TEST(PresentationDriver, RevealsTheCardAfterTheDelayAndLogsEveryChange) {
     f.handle({event::QuorVaneQuit{}, event::Unlocked{}, event::Unlocked{}});
     EXPECT_EQ(
         f.log.take(),
-        (std::vector<std::string>{
-            "state: locked true, lockui true, delay true, allowed true, music true → windows "
-            "true, card true",
-            "state: locked true, lockui true, delay true, allowed true, music false → windows "
-            "true, card false",
-            "state: locked false, lockui false, delay false, allowed true, music false → "
-            "windows false, card false"}));
+        (Lines{"state: locked true, lockui true, delay true, allowed true, music true → windows "
+               "true, card true",
+               "state: locked true, lockui true, delay true, allowed true, music false → windows "
+               "true, card false",
+               "state: locked false, lockui false, delay false, allowed true, music false → "
+               "windows false, card false"}));
     EXPECT_EQ(f.news.size(), 7u);
     EXPECT_EQ(f.news.back(), f.driver->state());
     EXPECT_EQ(describe(f.news.back()),
@@ -77,8 +76,7 @@ TEST(PresentationDriver, TellsOfEachLockNoticeAndOfAWakeThatRevealsOne) {
     EXPECT_EQ(f.log.take()[0], "wake: the screen is unlocked but no unlock notice arrived");
     f.handle({event::Woke{true}});
     EXPECT_EQ(f.locks, 3);
-    EXPECT_EQ(linesBefore,
-              std::vector<std::string>{"wake: the screen is locked but no lock notice arrived"});
+    EXPECT_EQ(linesBefore, Lines{"wake: the screen is locked but no lock notice arrived"});
 
     // The delay begins after the listener has had its time.
     f.driver->onLocked = [&] { f.clock.advance(800ms); };

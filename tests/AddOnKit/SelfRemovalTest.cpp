@@ -64,10 +64,9 @@ TEST_F(SelfRemovalTest, RemovesEverythingOfItsOwnAndQuits) {
     EXPECT_TRUE(defaults.values.empty());
     EXPECT_EQ(terminations, 1);
     EXPECT_EQ(log.take(),
-              (std::vector<std::string>{"removal: starting", "removal: login item unregistered",
-                                        "removal: deleted the support folder",
-                                        "removal: the bundle was already gone",
-                                        "removal: finished; quitting"}));
+              (Lines{"removal: starting", "removal: login item unregistered",
+                     "removal: deleted the support folder", "removal: the bundle was already gone",
+                     "removal: finished; quitting"}));
 }
 
 TEST_F(SelfRemovalTest, ABundleElsewhereIsDeletedOnlyWhenItIsTheAddOn) {
@@ -171,11 +170,10 @@ TEST_F(SelfRemovalTest, TheLoginItemIsRegisteredUnlessTheUserSaidNo) {
     EXPECT_EQ(after(7), 7);
     installation.loginItemRefuses = true;
     EXPECT_EQ(after(0), 0);
-    EXPECT_EQ(log.take(), (std::vector<std::string>{
-                              "login item: registered (now 1)", "login item: registered (now 1)",
-                              "login item: awaiting approval in Login Items; leaving it alone",
-                              "login item: unknown status 7; leaving it alone",
-                              "login item: register() failed: no agent"}));
+    EXPECT_EQ(log.take(), (Lines{"login item: registered (now 1)", "login item: registered (now 1)",
+                                 "login item: awaiting approval in Login Items; leaving it alone",
+                                 "login item: unknown status 7; leaving it alone",
+                                 "login item: register() failed: no agent"}));
 }
 
 }  // namespace

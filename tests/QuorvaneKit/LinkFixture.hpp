@@ -17,8 +17,6 @@
 
 namespace quorvane {
 
-using Lines = std::vector<std::string>;
-
 inline constexpr char kMainPort[] = "group.example.quillon.Quorvane.messageport";
 inline constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
 

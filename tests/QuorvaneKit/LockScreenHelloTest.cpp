@@ -82,8 +82,7 @@ TEST(LockScreenHelloClient, AHelloThatDoesNotEncodeIsLoggedAndNotSent) {
     sendLockScreenHello(
         hello, [](auto&&...) { FAIL() << "was sent"; }, Logger{log.sink(), "QuorvaneKit", "test"},
         [&](const auto& configuration) { result = configuration; });
-    EXPECT_EQ(log.take(),
-              std::vector<std::string>{"Lock-screen hello not sent: it did not encode"});
+    EXPECT_EQ(log.take(), Lines{"Lock-screen hello not sent: it did not encode"});
     EXPECT_EQ(result, (LockScreenAddOnConfiguration{false, false, "0"}));
 }
 

@@ -38,7 +38,7 @@ TEST_F(MessagePortClientTest, StartConnectsAsksForTheStateAndListens) {
     EXPECT_EQ(connections, (std::vector{true}));
     log.take();
     client->stop();
-    EXPECT_EQ(log.take(), (Lines{"Stopping message port client"}));
+    EXPECT_EQ(log.take(), Lines{"Stopping message port client"});
     EXPECT_EQ(connections, (std::vector{true, false}));
     EXPECT_EQ(notices.deliver(kStateChanged), 0);
 }
@@ -47,9 +47,9 @@ TEST_F(MessagePortClientTest, ANoticeWhileDisconnectedTriesToConnect) {
     client->start();
     EXPECT_EQ(log.take(), (Lines{"Starting message port client", "Message port not available"}));
     client->requestStateUpdate();
-    EXPECT_EQ(log.take(), (Lines{"requestStateUpdate: no remote port"}));
+    EXPECT_EQ(log.take(), Lines{"requestStateUpdate: no remote port"});
     client->playPause();
-    EXPECT_EQ(log.take(), (Lines{"Cannot send message: not connected"}));
+    EXPECT_EQ(log.take(), Lines{"Cannot send message: not connected"});
     serveMain();
     notices.deliver(kStateChanged);
     EXPECT_EQ(log.take(), (Lines{"Darwin notification received: playerStateChanged",
@@ -65,7 +65,7 @@ TEST_F(MessagePortClientTest, ALocalResponderKeepsItFromEverConnecting) {
     serveMain();
     client = makeClient(MessagePortLocalResponder{});
     client->start();
-    EXPECT_EQ(log.take(), (Lines{"Message port client answers locally; not connecting"}));
+    EXPECT_EQ(log.take(), Lines{"Message port client answers locally; not connecting"});
     client->connect();
     EXPECT_EQ(client->portAttempts(), 1);
     EXPECT_FALSE(client->isConnected().get());
@@ -231,7 +231,7 @@ TEST_F(MessagePortClientTest, AFailureOfAnOldPortDoesNotDropTheNewOne) {
     };
     client->requestStateUpdate();
     EXPECT_TRUE(client->isConnected().get());
-    EXPECT_EQ(log.take(), (Lines{"Connected to message port"}));
+    EXPECT_EQ(log.take(), Lines{"Connected to message port"});
     mainThread.run();
     EXPECT_EQ(log.take().size(), 1U);  // the new port's state
 }

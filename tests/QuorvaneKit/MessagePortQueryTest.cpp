@@ -100,22 +100,22 @@ TEST_F(MessagePortQueryTest, ExpiresAfterFiveSecondsInTheQueue) {
     EXPECT_EQ(outcomes[0].kind, Kind::sent);
     EXPECT_EQ(outcomes[1], QueryOutcome{.kind = Kind::expiredInQueue});
     EXPECT_EQ(ports.sent.size(), 1U);
-    EXPECT_EQ(log.take(), (Lines{"Query 14 not sent: it waited too long for query port 1"}));
+    EXPECT_EQ(log.take(), Lines{"Query 14 not sent: it waited too long for query port 1"});
 }
 
 TEST_F(MessagePortQueryTest, WhatCannotBeSentIsNotSent) {
     EXPECT_EQ(outcomeOfOne(), QueryOutcome{});
-    EXPECT_EQ(log.take(), (Lines{"Cannot send query 14: query port 0 not available"}));
+    EXPECT_EQ(log.take(), Lines{"Cannot send query 14: query port 0 not available"});
     serveQueries();
     for (const auto& bytes : {std::optional<Bytes>{}, std::optional{Bytes(31)}}) {
         const auto kept = std::exchange(secret, bytes);
         EXPECT_EQ(outcomeOfOne(), QueryOutcome{});
-        EXPECT_EQ(log.take(), (Lines{"Query 14 not sent: IPC connection secret unavailable"}));
+        EXPECT_EQ(log.take(), Lines{"Query 14 not sent: IPC connection secret unavailable"});
         secret = kept;
     }
     query(MessageType::requestState);
     EXPECT_EQ(log.lines().back().level, LogLevel::error);
-    EXPECT_EQ(log.take(), (Lines{"sendQuery: message type 1 is not a query"}));
+    EXPECT_EQ(log.take(), Lines{"sendQuery: message type 1 is not a query"});
     EXPECT_EQ(mainThread.run(), 1);
     EXPECT_EQ(outcomes.back(), QueryOutcome{});
     EXPECT_TRUE(ports.sent.empty());

@@ -15,7 +15,6 @@ namespace quorvane {
 namespace {
 
 using namespace std::chrono_literals;
-using Lines = std::vector<std::string>;
 
 constexpr char kMain[] = "group.example.quillon.Quorvane.messageport";
 constexpr char kQueryZero[] = "group.example.quillon.Quorvane.messageport.query.0";
@@ -57,15 +56,8 @@ protected:
             if (line.text.starts_with("Message port " + port + " ")) lines.push_back(line.text);
         return lines;
     }
-    PortReply ask(const std::string& port, std::int32_t messageID, Bytes payload = {}) {
-        const auto remote = ports.connectPort()(port);
-        if (remote == nullptr) return {.status = 999};
-        const Bytes body = framed(payload, Bytes(32, std::byte{9}));
-        return remote->send({.messageID = messageID,
-                             .body = body,
-                             .sendTimeout = 10s,
-                             .receiveTimeout = 10s,
-                             .awaitsReply = true});
+    PortReply ask(const std::string& port, std::int32_t messageID) {
+        return ports.ask(port, messageID, framed({}, Bytes(32, std::byte{9})));
     }
 
     // A server whose port query 0 is held by another, while its `start` waits for just that.

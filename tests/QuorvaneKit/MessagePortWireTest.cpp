@@ -103,10 +103,10 @@ TEST(MessagePortSecret, EveryFailureIsLoggedAndLeavesNone) {
     EXPECT_FALSE(world.make());
     EXPECT_TRUE(world.store.files.empty());
     for (const auto& line : world.log.lines()) EXPECT_EQ(line.level, LogLevel::error);
-    EXPECT_EQ(world.log.take(), (std::vector<std::string>{
-                                    "Failed to generate IPC secret (SecRandomCopyBytes status -50)",
-                                    "App Group container unavailable; cannot persist IPC secret",
-                                    "Failed to write IPC secret: disk full"}));
+    EXPECT_EQ(world.log.take(),
+              (Lines{"Failed to generate IPC secret (SecRandomCopyBytes status -50)",
+                     "App Group container unavailable; cannot persist IPC secret",
+                     "Failed to write IPC secret: disk full"}));
 }
 
 }  // namespace

@@ -15,7 +15,6 @@ namespace quorvane {
 namespace {
 
 using namespace std::chrono_literals;
-using Lines = std::vector<std::string>;
 using Answer = MessagePortHandlers::Answer;
 
 class RequestRouterTest : public testing::Test {
@@ -139,7 +138,7 @@ TEST_F(RequestRouterTest, ARequestThatTheHistoryCannotDecodeIsLogged) {
     handlers.onHistoryQueryReceived = [](Bytes, const Answer& answer) { answer(std::nullopt); };
     handlers.onLastFmCallReceived = handlers.onHistoryQueryReceived;
     EXPECT_EQ(ask(QueryEndpoint{}, 13), "");
-    EXPECT_EQ(log.take(), (Lines{"History query dropped: undecodable request"}));
+    EXPECT_EQ(log.take(), Lines{"History query dropped: undecodable request"});
     EXPECT_EQ(ask(QueryEndpoint{}, 11), "");
     EXPECT_TRUE(log.take().empty());
 }
@@ -168,7 +167,7 @@ TEST_F(RequestRouterTest, AHandlerThatIsTooLateIsAnsweredEmpty) {
         waits.untilWaiting(1);
         waits.advance(1ns);
         EXPECT_EQ(reply.get(), "");
-        EXPECT_EQ(log.take(), (Lines{row.line}));
+        EXPECT_EQ(log.take(), Lines{row.line});
         late(copyOf(bytesOf("too late")));  // goes nowhere
     }
 }

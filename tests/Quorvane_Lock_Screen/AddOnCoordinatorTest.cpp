@@ -9,7 +9,6 @@ namespace quorvane {
 namespace {
 
 using namespace std::chrono_literals;
-using Lines = std::vector<std::string>;
 using ID = SceneControl::ID;
 using Kind = PointerEvent::Kind;
 
@@ -80,9 +79,9 @@ TEST_F(AddOnCoordinatorTest, OneLockFromItsNoticeToTheUnlock) {
                      "entrance: window 101, reduce motion false"}));
     platform.tap(ID::next);
     platform.mainApp.play("Rush", "Sedge");
-    EXPECT_EQ(platform.mainApp.commands, (Lines{"nextTrack"}));
+    EXPECT_EQ(platform.mainApp.commands, Lines{"nextTrack"});
     platform.pass(790ms);
-    EXPECT_EQ(platform.log.take(), (Lines{"command: nextTrack"}));
+    EXPECT_EQ(platform.log.take(), Lines{"command: nextTrack"});
     platform.pass(10ms);
     EXPECT_EQ(platform.log.take(),
               (Lines{"State received - track: Reed -> Rush, position: 0.000000s",
@@ -123,7 +122,7 @@ TEST_F(AddOnCoordinatorTest, ARemovalClosesTheWindowsAtOnceAndForGood) {
     platform.notice(kConfigurationChanged);
     EXPECT_TRUE(platform.windows.open().empty());
     EXPECT_EQ(platform.activities, 0);
-    EXPECT_EQ(platform.mainApp.commands, (Lines{"volume 0"}));  // the drag's end sends no more
+    EXPECT_EQ(platform.mainApp.commands, Lines{"volume 0"});  // the drag's end sends no more
     EXPECT_EQ(platform.log.lines().back().text, "Stopping message port client");
     const Lines lines = platform.log.take();
     EXPECT_EQ(Lines(lines.begin() + 1, lines.begin() + 5),

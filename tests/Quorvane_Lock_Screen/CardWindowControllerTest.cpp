@@ -88,20 +88,20 @@ TEST_F(CardWindowControllerTest, BuildsOneWindowAScreenAndShowsTheCardsAfterTheP
     EXPECT_EQ(settings.styleMask, 128u);
     EXPECT_EQ(settings.level, 1000);
     EXPECT_EQ(settings.collectionBehavior, 337u);
-    EXPECT_EQ(log_.take(),
-              (std::vector<std::string>{
-                  "windows: building 2 (state), card true",
-                  "window 101 on screen 1 {{0, 0}, {1920, 1080}} at {{708, 482}, {504, 326}}",
-                  "window 102 on screen 2 {{1920, 0}, {1280, 1024}} at {{2308, 443}, {504, 326}}",
-                  "entrance: window 101, reduce motion false",
-                  "entrance: window 102, reduce motion false"}));
+    EXPECT_EQ(
+        log_.take(),
+        (Lines{"windows: building 2 (state), card true",
+               "window 101 on screen 1 {{0, 0}, {1920, 1080}} at {{708, 482}, {504, 326}}",
+               "window 102 on screen 2 {{1920, 0}, {1280, 1024}} at {{2308, 443}, {504, 326}}",
+               "entrance: window 101, reduce motion false",
+               "entrance: window 102, reduce motion false"}));
 
     controller_->present(kUnlocked);
     EXPECT_TRUE(windows_.open().empty());
     EXPECT_TRUE(windows_.windows[0]->isClosed && windows_.windows[0]->content.expired());
     EXPECT_EQ(activities_, 0);
     EXPECT_EQ(shownContents_, 0);
-    EXPECT_EQ(log_.take(), (std::vector<std::string>{"windows: closing 2 (state)"}));
+    EXPECT_EQ(log_.take(), (Lines{"windows: closing 2 (state)"}));
 }
 
 TEST_F(CardWindowControllerTest, ACardIsRehearsedWhileOnlyTheDelayIsInItsWay) {

@@ -52,7 +52,7 @@ void expectTheNextLockWorks(FakePlatform& platform) {
     EXPECT_TRUE(platform.isCardSeen(0) && platform.isCardSeen(1));
     EXPECT_EQ(platform.activities, 1);
     platform.tap(SceneControl::ID::next);
-    EXPECT_EQ(platform.mainApp.commands, (std::vector<std::string>{"nextTrack"}));
+    EXPECT_EQ(platform.mainApp.commands, Lines{"nextTrack"});
     platform.unlock();
     expectNothingIsLeft(platform);
 }
@@ -70,8 +70,7 @@ TEST(FaultInjection, TheWholeLockGoesThroughEveryOperationThatCanFail) {
     const auto coordinator = started(platform);
     lockOnce(platform);
     platform.unlock();
-    EXPECT_EQ(platform.mainApp.commands,
-              (std::vector<std::string>{"nextTrack", "volume 0", "volume 50"}));
+    EXPECT_EQ(platform.mainApp.commands, (Lines{"nextTrack", "volume 0", "volume 50"}));
     EXPECT_EQ(platform.windows.windows.size(), 3u);
     EXPECT_GT(platform.faults.calls, 50);
     expectNothingIsLeft(platform);

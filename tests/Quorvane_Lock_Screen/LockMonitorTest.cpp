@@ -62,8 +62,6 @@ PropertyValue sessionWith(PropertyValue::Storage value) {
     return {PropertyDictionary{{"CGSSessionScreenIsLocked", {std::move(value)}}}};
 }
 
-using Lines = std::vector<std::string>;
-
 TEST(LockMonitor, ReadsTheLockFlagAfreshAndStrictly) {
     Fixture f;
     EXPECT_FALSE(f.monitor->isScreenLockedNow());
@@ -101,7 +99,7 @@ TEST(LockMonitor, PassesEachNoticeOnAsItComes) {
                      "lockui: shown", "lockui: hidden", "unlock: com.apple.screenIsUnlocked"}));
     f.monitor->onEvent = nullptr;
     f.notices.deliver("com.apple.screenIsLocked");
-    EXPECT_EQ(f.log.take(), (Lines{"lock: com.apple.screenIsLocked"}));
+    EXPECT_EQ(f.log.take(), Lines{"lock: com.apple.screenIsLocked"});
 }
 
 TEST(LockMonitor, AWakeTellsTheFlagOfThatMoment) {

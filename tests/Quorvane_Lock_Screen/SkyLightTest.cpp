@@ -66,21 +66,20 @@ TEST_F(SkyLightTest, MakesOneSpaceWithTheLowHalfOfItsNumberAndPutsWindowsIntoIt)
     const std::string added =
         "SLSSpaceAddWindowsAndRemoveFromSpaces(space 9, [501], 7) -> 1003; visible true, occlusion "
         "2";
-    EXPECT_EQ(log_.take(), (std::vector<std::string>{
-                               "SkyLight symbols loaded", "SLSMainConnectionID -> 77",
-                               "SLSSpaceCreate(cid, 1, NULL) -> raw 0xabcd00000009, using space 9",
-                               "SLSSpaceSetAbsoluteLevel(space 9, 400) -> 1001",
-                               "SLSShowSpaces([9]) -> 1002", added, added}));
+    EXPECT_EQ(log_.take(),
+              (Lines{"SkyLight symbols loaded", "SLSMainConnectionID -> 77",
+                     "SLSSpaceCreate(cid, 1, NULL) -> raw 0xabcd00000009, using space 9",
+                     "SLSSpaceSetAbsoluteLevel(space 9, 400) -> 1001", "SLSShowSpaces([9]) -> 1002",
+                     added, added}));
 }
 
 TEST_F(SkyLightTest, AMissingSymbolMakesEveryPutUnavailable) {
     SkyLight skyLight = make(SKYLIGHT_WITHOUT_SHOW);
     skyLight.put(window());
     skyLight.put(window());
-    EXPECT_EQ(log_.take(),
-              (std::vector<std::string>{
-                  "dlsym SLSShowSpaces: missing", "SkyLight symbols incomplete",
-                  "put window 501: SkyLight unavailable", "put window 501: SkyLight unavailable"}));
+    EXPECT_EQ(log_.take(), (Lines{"dlsym SLSShowSpaces: missing", "SkyLight symbols incomplete",
+                                  "put window 501: SkyLight unavailable",
+                                  "put window 501: SkyLight unavailable"}));
     EXPECT_EQ(opens_, 1);
 }
 

@@ -91,14 +91,7 @@ protected:
 
     // Nothing in the reply stands for an empty one.
     Bytes ask(const std::string& port, std::int32_t messageID, const Bytes& body) {
-        const auto remote = ports.connectPort()(port);
-        EXPECT_TRUE(remote);
-        PortReply reply = remote ? remote->send({.messageID = messageID,
-                                                 .body = body,
-                                                 .sendTimeout = 20s,
-                                                 .receiveTimeout = 20s,
-                                                 .awaitsReply = true})
-                                 : PortReply{};
+        PortReply reply = ports.ask(port, messageID, body);
         EXPECT_EQ(reply.status, kPortSuccess);
         return std::move(reply.body).value_or(Bytes{});
     }

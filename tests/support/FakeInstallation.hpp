@@ -19,8 +19,6 @@ struct FakeInstallation {
     // Each with its identifier; the folders that they lie in are there too.
     std::map<std::filesystem::path, std::string> bundles;
     std::vector<RunningCopy> copies{kMe};  // this one last
-    std::vector<std::int32_t> asked{};     // to quit
-    bool obeys = false;                    // a copy that is asked is gone
     bool loginItemRefuses = false;
     bool filesRefuse = false;
     int calls = 0;    // of what may fail
@@ -35,7 +33,7 @@ struct FakeInstallation {
                                 .identity = [this](const auto& path) { return identity(path); }},
                 .runningApplications = {.running = [this](const auto&) { return copies; },
                                         .current = [this] { return copies.back(); },
-                                        .terminate = [this](std::int32_t pid) { ask(pid); }},
+                                        .terminate = [](std::int32_t) {}},
                 .runOpenCommand = [](const auto&) -> Result<OpenCommandEnd> {
                     return OpenCommandEnd{};
                 },
@@ -69,10 +67,6 @@ private:
         const auto bundle = bundles.find(path);
         if (bundle == bundles.end()) return std::nullopt;
         return bundle->second;
-    }
-    void ask(std::int32_t pid) {
-        asked.push_back(pid);
-        if (obeys) std::erase_if(copies, [&](const RunningCopy& copy) { return copy.pid == pid; });
     }
 };
 

@@ -67,6 +67,17 @@ public:
             return std::make_unique<Local>(registry, port);
         };
     }
+    // A client's request, whose reply is awaited; where there is no port its status is 999.
+    PortReply ask(const std::string& name, std::int32_t messageID, const Bytes& body) {
+        const auto remote = connectPort()(name);
+        if (remote == nullptr) return {.status = 999};
+        constexpr Duration kLong = std::chrono::seconds{20};
+        return remote->send({.messageID = messageID,
+                             .body = body,
+                             .sendTimeout = kLong,
+                             .receiveTimeout = kLong,
+                             .awaitsReply = true});
+    }
     // Dropping the handle is the server's death.
     Handle serve(const std::string& name, PortHandler handler) {
         const auto port = std::make_shared<Port>(name, std::move(handler), true);

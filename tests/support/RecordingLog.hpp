@@ -10,6 +10,8 @@
 
 namespace quorvane {
 
+using Lines = std::vector<std::string>;
+
 // Any thread may log.
 class RecordingLog {
 public:
@@ -33,9 +35,9 @@ public:
         return lines_;
     }
     // The texts in order, and forgets them.
-    std::vector<std::string> take() {
+    Lines take() {
         const std::lock_guard guard{mutex_};
-        std::vector<std::string> texts;
+        Lines texts;
         for (Line& line : lines_) texts.push_back(std::move(line.text));
         lines_.clear();
         return texts;

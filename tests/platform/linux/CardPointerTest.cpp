@@ -17,8 +17,8 @@ protected:
         ASSERT_TRUE(locker->grabPointer());
         showHere();
     }
-    void showHere() {
-        makeCard();
+    void showHere(int x = kWindowX, int y = kWindowY) {
+        makeCard(x, y);
         stage->setEvents({.pointer =
                               [this](const PointerEvent& event) {
                                   events.push_back(event.kind);
@@ -153,16 +153,7 @@ TEST_F(CardPointer, PlacesArePointsAtEveryScale) {
     setenv("QUORVANE_SCALE", "2", 1);
     lock();
     unsetenv("QUORVANE_SCALE");
-    window = windows.makeWindow(
-        {.frame = {-20, 24, 504, 326}, .alpha = 1, .ignoresMouseEvents = false}, screen());
-    ASSERT_TRUE(window);
-    stage = windows.makeStage(kCardStyle);
-    window->setContent(stage);
-    window->orderFrontRegardless();
-    stage->setEvents(
-        {.pointer = [this](const PointerEvent& event) { places.push_back(event.location); },
-         .accessibility = {}});
-    showCard();
+    showHere(-20, 0);
     clickAt(200, 300);
     ASSERT_FALSE(places.empty());
     // The window's top left is at (-40, 0), the card's at (64, 104).

@@ -193,7 +193,7 @@ TEST_F(NoticesTest, NobodyOnTheBusForgesALock) {
     notices.local.deliver("com.apple.screenIsUnlocked");
     EXPECT_TRUE(trail.empty());
     notices.settle();
-    EXPECT_EQ(trail, (std::vector<std::string>{"locked", "once", "locked"}));
+    EXPECT_EQ(trail, (Lines{"locked", "once", "locked"}));
 }
 
 TEST_F(NoticesTest, ABusMayComeAndGo) {
@@ -220,13 +220,12 @@ TEST_F(NoticesTest, ABusMayComeAndGo) {
     notices.loop.run();
     notices.darwin.post(kName);
     notices.darwin.post(kName);
-    EXPECT_EQ(notices.recording.take(),
-              (std::vector<std::string>{"bus: the session bus went away"}));
+    EXPECT_EQ(notices.recording.take(), (Lines{"bus: the session bus went away"}));
 
     // Nothing is used meanwhile: the connection comes back by itself.
     privateBus.start();
     notices.loop.run();
-    EXPECT_EQ(notices.recording.take(), (std::vector<std::string>{"bus: connected again"}));
+    EXPECT_EQ(notices.recording.take(), Lines{"bus: connected again"});
     EXPECT_EQ(reconnections, 1);
     notices.darwin.post(kName);
     notices.settle();
@@ -252,8 +251,7 @@ TEST_F(NoticesTest, AnotherUsersBusIsRefused) {
     setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
     Notices notices;
     EXPECT_EQ(notices.bus.connection(), nullptr);
-    EXPECT_EQ(notices.recording.take(),
-              (std::vector<std::string>{"bus: no session bus: Operation not permitted"}));
+    EXPECT_EQ(notices.recording.take(), (Lines{"bus: no session bus: Operation not permitted"}));
 }
 
 }  // namespace

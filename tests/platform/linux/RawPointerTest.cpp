@@ -41,9 +41,8 @@ TEST_F(RawPointerEvents, ArriveDuringAnothersGrab) {
     act([&] { client->button(1, false); });
     act([&] { client->movePointer(500, 500); });
     act([&] { client->button(3, true), client->button(3, false); });
-    EXPECT_EQ(seen, (std::vector<std::string>{"down 1 at {300, 400}", "moved at {320, 410}",
-                                              "up 1 at {320, 410}", "down 3 at {500, 500}",
-                                              "up 3 at {500, 500}"}));
+    EXPECT_EQ(seen, (Lines{"down 1 at {300, 400}", "moved at {320, 410}", "up 1 at {320, 410}",
+                           "down 3 at {500, 500}", "up 3 at {500, 500}"}));
 }
 
 TEST_F(RawPointerEvents, CountButtonsAsTheUsersHandDoes) {
@@ -58,8 +57,8 @@ TEST_F(RawPointerEvents, CountButtonsAsTheUsersHandDoes) {
         for (const unsigned button : {1u, 3u, 4u})
             client->button(button, true), client->button(button, false);
     });
-    EXPECT_EQ(seen, (std::vector<std::string>{"down 3 at {10, 20}", "up 3 at {10, 20}",
-                                              "down 1 at {10, 20}", "up 1 at {10, 20}"}));
+    EXPECT_EQ(seen, (Lines{"down 3 at {10, 20}", "up 3 at {10, 20}", "down 1 at {10, 20}",
+                           "up 1 at {10, 20}"}));
 }
 
 TEST_F(RawPointerEvents, AreSelectedOnlyAsFarAsTheyAreWanted) {

@@ -22,24 +22,6 @@ protected:
     TemporaryFolder home;
 };
 
-TEST_F(RealLockers, I3lockIsSeenFromItsMapToItsSuddenEnd) {
-    useTwoMonitors();
-    watch();
-    for (int round = 0; round < 2; ++round) {
-        ChildProcess locker = start({"i3lock", "-n", "-c", "224466"});
-        ASSERT_TRUE(waitForNotices(2));
-        EXPECT_EQ(take(), kLockedAndShown);
-        ASSERT_EQ(session->lockerWindows().size(), 1u);
-        EXPECT_EQ(session->lockerWindows().front().frame, kBothMonitors);
-        // One indicator in the middle of each monitor, in the size that i3lock gives it.
-        EXPECT_EQ(zones(), (std::vector<Rect>{{301, 351, 198, 198}, {1101, 351, 198, 198}}));
-        locker.end(SIGKILL);
-        ASSERT_TRUE(waitForNotices(2));
-        EXPECT_EQ(take(), kHiddenAndUnlocked);
-        EXPECT_TRUE(zones().empty());
-    }
-}
-
 TEST_F(RealLockers, XsecurelocksPromptIsKeptClear) {
     watch();
     ChildProcess locker = start({"xsecurelock"});
