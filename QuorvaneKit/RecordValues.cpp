@@ -17,10 +17,25 @@ using Kind = CodingError::Kind;
 // Far more digits than any encoder writes for a double.
 constexpr std::size_t kLongestNumber = 1024;
 
-// `text` is a number of JSON already. The stream with the classic locale is the standard library's
-// only conversion that neither the process's locale nor an older library spoils.
+// The quick conversion, which not every standard library has. It does not tell what is too great
+// from what is too small, and converts neither.
+template <typename Number>
+std::optional<Number> quicklyFrom(std::string_view text) {
+    if constexpr (requires(const char* place, Number& value) {
+                      std::from_chars(place, place, value);
+                  }) {
+        Number value{};
+        if (std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc{})
+            return value;
+    }
+    return std::nullopt;
+}
+
+// `text` is a number of JSON already. The stream with the classic locale is the only other
+// conversion that the process's locale does not spoil; to make the first one takes 0.1 ms.
 std::optional<double> doubleFrom(std::string_view text) {
     if (text.size() > kLongestNumber) return std::nullopt;
+    if (const auto value = quicklyFrom<double>(text)) return value;
     std::istringstream stream{std::string{text}};
     stream.imbue(std::locale::classic());
     double value = 0;
