@@ -70,6 +70,10 @@ struct Fixture : PlayingModel {
     }
 };
 
+struct ShownCard : Fixture {
+    ShownCard() { card->setShown(true); }
+};
+
 constexpr Point kNowhere{2, 2};
 
 TEST(PlayerCard, DrawsNothingAndKeepsNoTimerWhileNotShown) {
@@ -95,8 +99,7 @@ TEST(PlayerCard, DrawsNothingAndKeepsNoTimerWhileNotShown) {
 }
 
 TEST(PlayerCard, DrawsOnceForAllChangesOfAPassAndNotForNone) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     f.nothingHappens(60s);
     f.state.track->title = "Rush";
     f.state.track->artist = "Sedge";
@@ -110,8 +113,7 @@ TEST(PlayerCard, DrawsOnceForAllChangesOfAPassAndNotForNone) {
 }
 
 TEST(PlayerCard, FiresWhenAPressIsLetGoInsideItsButton) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     for (const ID id : {ID::previous, ID::playPause, ID::next, ID::love}) f.tap(id);
     EXPECT_EQ(f.actions, (std::vector<std::string>{"previous", "playPause", "next", "toggleLove"}));
     EXPECT_EQ(f.highlight(), 0);
@@ -122,8 +124,7 @@ TEST(PlayerCard, FiresWhenAPressIsLetGoInsideItsButton) {
 }
 
 TEST(PlayerCard, FollowsAPressOffItsButtonAndBack) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     f.pointer(Kind::down, f.middle(ID::next));
     EXPECT_DOUBLE_EQ(f.highlight(), 1);
     f.nothingHappens(10s);
@@ -149,8 +150,7 @@ TEST(PlayerCard, FollowsAPressOffItsButtonAndBack) {
 }
 
 TEST(PlayerCard, AnimatesAPressInFramesAndThenSleeps) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     const std::size_t drawn = f.stage->scenes.size();
     f.pointer(Kind::down, f.middle(ID::next));
     f.clock.advance(200ms);
@@ -161,8 +161,7 @@ TEST(PlayerCard, AnimatesAPressInFramesAndThenSleeps) {
 }
 
 TEST(PlayerCard, DropsAPressWhoseButtonIsGone) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     const Point heart = f.middle(ID::love);
     f.pointer(Kind::down, heart);
     f.state.playerType = XPCPlayerType::spotify;
@@ -176,8 +175,7 @@ TEST(PlayerCard, DropsAPressWhoseButtonIsGone) {
 }
 
 TEST(PlayerCard, DragsTheVolumeAlsoOutsideTheSlider) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     const Rect slider = f.frame(ID::volume);
     f.pointer(Kind::down, {slider.x + 0.305 * slider.width, slider.y + 1});
     f.pointer(Kind::dragged, {slider.x + 0.405 * slider.width, -300});
@@ -193,8 +191,7 @@ TEST(PlayerCard, DragsTheVolumeAlsoOutsideTheSlider) {
 }
 
 TEST(PlayerCard, EndsADragThatIsCancelledOrHidden) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     f.pointer(Kind::down, {f.frame(ID::volume).x + 1, f.middle(ID::volume).y});
     f.pointer(Kind::cancelled, kNowhere);
     EXPECT_EQ(f.actions, (std::vector<std::string>{"volume 0", "endVolume"}));
@@ -213,8 +210,7 @@ TEST(PlayerCard, EndsADragThatIsCancelledOrHidden) {
 }
 
 TEST(PlayerCard, ObeysAssistiveTechnology) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     const auto& ask = f.stage->events.accessibility;
     ask(ID::playPause, AccessibilityAction::press);
     ask(ID::love, AccessibilityAction::press);
@@ -285,8 +281,7 @@ TEST(PlayerCard, RestartsAMarqueeWhenItsTextChanges) {
 }
 
 TEST(PlayerCard, FadesToNewArtworkAndLetsGoOfTheOld) {
-    Fixture f;
-    f.card->setShown(true);
+    ShownCard f;
     const std::weak_ptr<const Image> old = f.model.artwork.get();
     f.state.track->artworkData = SharedBytes{copyOf(bytesOf("rushes"))};
     f.apply();

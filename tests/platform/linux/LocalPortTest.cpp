@@ -34,6 +34,11 @@ protected:
         EXPECT_EQ(textIn(remote->send(request(bytesOf("still there")))), "still there");
     }
     BareSocket bareClient() const { return BareSocket::connectedTo(folder.path()); }
+    // To a client's first request.
+    static void expectReply(const BareSocket& client, std::string_view text) {
+        client.sendAll(requestFrame(1, bytesOf(text)));
+        EXPECT_EQ(client.receive(24 + text.size()), replyFrame(1, bytesOf(text)));
+    }
 
     TemporaryFolder folder;
     ConnectPort connectPort = makeConnectPortLinux(folder.path());
@@ -62,8 +67,7 @@ TEST_F(LocalPortTest, WhatBreaksARuleLosesItsConnectionUnanswered) {
         EXPECT_TRUE(client.isClosed()) << &header - cases;
     }
     const BareSocket client = bareClient();
-    client.sendAll(requestFrame(1, bytesOf("ok")));
-    EXPECT_EQ(client.receive(26), replyFrame(1, bytesOf("ok")));
+    expectReply(client, "ok");
     client.sendAll(requestFrame(1, bytesOf("again the same number")));
     EXPECT_TRUE(client.isClosed());
     EXPECT_EQ(calls, 1);
@@ -101,8 +105,7 @@ TEST_F(LocalPortTest, HalfRequestsHoldNobodyUpAndAreClosedInTime) {
     }
     const BareSocket silent = bareClient();  // between requests there is no limit
     for (const BareSocket& client : clients) EXPECT_TRUE(client.isClosed());
-    silent.sendAll(requestFrame(1, bytesOf("late but whole")));
-    EXPECT_EQ(silent.receive(38), replyFrame(1, bytesOf("late but whole")));
+    expectReply(silent, "late but whole");
     expectService();
 }
 
@@ -195,8 +198,7 @@ TEST_F(LocalPortTest, ACrowdOfOneProcessDoesNotPushOutAnother) {
 TEST_F(LocalPortTest, DescriptorsThatAreSentAlongAreDropped) {
     serve();
     const BareSocket client = bareClient();
-    client.sendAll(requestFrame(1, bytesOf("hello")));
-    client.receive(29);
+    expectReply(client, "hello");
     const std::size_t before = openDescriptors();
     Bytes asked = requestFrame(2, bytesOf("with luggage"));
     int luggage[100];
@@ -235,8 +237,7 @@ TEST_F(LocalPortTest, WithoutFreeDescriptorsItWaitsForBetterTimes) {
     expectService();
     expectService();
     setrlimit(RLIMIT_NOFILE, &limit);
-    waiting.sendAll(requestFrame(1, bytesOf("at last")));
-    EXPECT_EQ(waiting.receive(31), replyFrame(1, bytesOf("at last")));
+    expectReply(waiting, "at last");
 }
 
 TEST(LocalPortName, IsFreeTheMomentItsHolderIsKilled) {

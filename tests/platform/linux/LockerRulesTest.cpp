@@ -71,18 +71,15 @@ TEST(LockerRules, KnowLockersByTheirClass) {
 TEST(LockerRules, WantAVisibleWindowOverAWholeMonitor) {
     const WindowFacts good = window(0x101, kRight, "i3lock", "i3lock");
     EXPECT_EQ(found(facts({good})), Numbers{0x101});
-    WindowFacts bad = good;
-    bad.isMapped = false;
-    EXPECT_EQ(found(facts({bad})), Numbers{});
-    bad = good;
-    bad.isOverrideRedirect = false;
-    EXPECT_EQ(found(facts({bad})), Numbers{});
-    bad = good;
-    bad.isDrawable = false;
-    EXPECT_EQ(found(facts({bad})), Numbers{});
+    for (const auto flag :
+         {&WindowFacts::isMapped, &WindowFacts::isOverrideRedirect, &WindowFacts::isDrawable}) {
+        WindowFacts bad = good;
+        bad.*flag = false;
+        EXPECT_EQ(found(facts({bad})), Numbers{});
+    }
     for (const Rect& frame : {Rect{801, 0, 1023, 768}, Rect{800, 0, 1023, 768},
                               Rect{800, 1, 1024, 767}, Rect{800, 0, 1024, 767}}) {
-        bad = good;
+        WindowFacts bad = good;
         bad.frame = frame;
         EXPECT_EQ(found(facts({bad})), Numbers{}) << describe(frame);
     }

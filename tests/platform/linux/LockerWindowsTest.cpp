@@ -141,17 +141,6 @@ TEST_F(LockerWindows, OfAnUnknownClientAreToldFromWindowsThatOnlyCoverMuch) {
     EXPECT_EQ(takeSettled(), Notices{}) << "it is the compositor's";
 }
 
-TEST_F(LockerWindows, OfSeveralPartsCountTogether) {
-    useTwoMonitors();
-    watch();
-    ASSERT_TRUE(client->grabKeyboard());
-    const xcb_window_t left = standLocker(kLeftMonitor, "");
-    const xcb_window_t right = standLocker(kRightMonitor, "");
-    EXPECT_EQ(takeSettled(), kLockedAndShown);
-    EXPECT_EQ(session->lockerWindows(),
-              (std::vector<LockerWindow>{{right, kRightMonitor}, {left, kLeftMonitor}}));
-}
-
 TEST_F(LockerWindows, StayWhenAMonitorGrowsBeforeThem) {
     server.setMonitor("only", 800, 600, 0, 0, true);
     watch();

@@ -27,6 +27,10 @@ protected:
         players = makeLiveMediaPlayers(services);
         observation = players->observe([this] { ++changes; });
     }
+    void startUntilListed(const char* name) {
+        start();
+        ASSERT_TRUE(until([&] { return find(name) != nullptr; }));
+    }
     sd_event* loop() { return linux->loop.event(); }
     bool until(const std::function<bool()>& condition) { return runUntil(linux->loop, condition); }
     const MediaPlayer* find(const std::string& name) {
@@ -79,8 +83,7 @@ TEST_F(MediaPlayersTest, ListsWhoIsThereAndWhoComesAndGoes) {
 
 TEST_F(MediaPlayersTest, ReadsAndFollowsWhatAPlayerSays) {
     FakeMprisPlayer fake{"fake", loop()};
-    start();
-    ASSERT_TRUE(until([&] { return find("fake") != nullptr; }));
+    startUntilListed("fake");
     EXPECT_EQ(property<PropertyDictionary>("fake", "Metadata"),
               (PropertyDictionary{
                   {"mpris:trackid", {std::string{"/track/1"}}},
@@ -105,8 +108,7 @@ TEST_F(MediaPlayersTest, ReadsAndFollowsWhatAPlayerSays) {
 
 TEST_F(MediaPlayersTest, AsksForThePositionAndHearsOfSeeks) {
     FakeMprisPlayer fake{"fake", loop()};
-    start();
-    ASSERT_TRUE(until([&] { return find("fake") != nullptr; }));
+    startUntilListed("fake");
     const auto before = find("fake")->positionAt;
     fake.position = 12'000'000;
     players->askPosition("org.mpris.MediaPlayer2.fake");
@@ -120,8 +122,7 @@ TEST_F(MediaPlayersTest, AsksForThePositionAndHearsOfSeeks) {
 
 TEST_F(MediaPlayersTest, TellsPlayers) {
     FakeMprisPlayer fake{"fake", loop()};
-    start();
-    ASSERT_TRUE(until([&] { return find("fake") != nullptr; }));
+    startUntilListed("fake");
     const std::string name = "org.mpris.MediaPlayer2.fake";
     players->call(name, "Next");
     players->set(name, "Volume", {0.25});
@@ -136,8 +137,7 @@ TEST_F(MediaPlayersTest, TellsPlayers) {
 TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
     FakeMprisPlayer hanging{"hanging", nullptr};
     FakeMprisPlayer lively{"lively", loop()};
-    start();
-    ASSERT_TRUE(until([&] { return find("lively") != nullptr; }));
+    startUntilListed("lively");
     EXPECT_EQ(find("hanging"), nullptr);
 
     // One that hangs later keeps what it said; many questions to it do not pile up.
@@ -157,8 +157,7 @@ TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
 
 TEST_F(MediaPlayersTest, ListensToNoNonsense) {
     FakeMprisPlayer fake{"fake", loop()};
-    start();
-    ASSERT_TRUE(until([&] { return find("fake") != nullptr; }));
+    startUntilListed("fake");
     const auto emit = [&](sd_bus* from, const char* interface, const char* member,
                           const char* types, auto... values) {
         EXPECT_GE(
@@ -186,8 +185,7 @@ TEST_F(MediaPlayersTest, ListensToNoNonsense) {
 TEST_F(MediaPlayersTest, ABusThatComesBackIsLookedOverAnew) {
     std::optional<FakeMprisPlayer> fake;
     fake.emplace("fake", loop());
-    start();
-    ASSERT_TRUE(until([&] { return find("fake") != nullptr; }));
+    startUntilListed("fake");
     privateBus.kill();
     fake.reset();
     privateBus.start();

@@ -35,13 +35,14 @@ protected:
     std::future<PortReply> sendLater(PortRequest asked) {
         return std::async(std::launch::async, [this, asked] { return remote->send(asked); });
     }
-    std::unique_ptr<RemotePort> connectRemote() {
-        return makeConnectPortLinux(folder.path())(kName);
+    void reconnect() {
+        remote = makeConnectPortLinux(folder.path())(kName);
+        client = server.accept();
     }
 
     TemporaryFolder folder;
     BareServer server{folder.path()};
-    std::unique_ptr<RemotePort> remote = connectRemote();
+    std::unique_ptr<RemotePort> remote = makeConnectPortLinux(folder.path())(kName);
     BareSocket client = server.accept();
 };
 
@@ -64,8 +65,7 @@ TEST_F(RemotePortTest, AServerThatDiesWhileTheReplyIsAwaited) {
         client.close();
         EXPECT_EQ(reply.get().status, kPortBecameInvalid) << part;
         EXPECT_EQ(remote->send(request({})).status, kPortIsInvalid);
-        remote = connectRemote();
-        client = server.accept();
+        reconnect();
     }
 }
 
@@ -154,8 +154,7 @@ TEST_F(RemotePortTest, RepliesThatBreakARuleEndTheConnection) {
         client.sendAll(frame(header));
         EXPECT_EQ(remote->send(request({})).status, kPortTransportError) << &header - cases;
         EXPECT_TRUE(client.isClosed());
-        remote = connectRemote();
-        client = server.accept();
+        reconnect();
     }
 }
 
@@ -170,8 +169,7 @@ TEST_F(RemotePortTest, SkipsWhatIsLeftOfALateReplyInEveryCut) {
         EXPECT_EQ(early.status, cut < 6024 ? kPortReceiveTimeout : kPortSuccess) << cut;
         client.sendAll(ByteView{late}.subspan(cut));
         EXPECT_EQ(textIn(remote->send(request({}))), "now") << cut;
-        remote = connectRemote();
-        client = server.accept();
+        reconnect();
     }
 }
 
