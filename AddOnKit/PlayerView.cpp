@@ -19,6 +19,9 @@ namespace {
 using namespace PlayerLayout;
 
 constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while something moves
+// Of a card at rest. It is made anew for each frame of a marquee.
+constexpr std::size_t kMostNodes = 20;
+constexpr std::size_t kMostControls = 9;
 constexpr double kNoteSize = 30;
 constexpr double kPlaceholderFill = 0.1;
 constexpr double kUnlovedOpacity = 0.7;
@@ -40,6 +43,8 @@ public:
           geometry_(PlayerGeometry::make(model_.showsHeart.get(), environment_.isRightToLeft)) {}
 
     Scene compose() {
+        scene_.nodes.reserve(kMostNodes);
+        scene_.controls.reserve(kMostControls);
         scene_.isRightToLeft = environment_.isRightToLeft;
         scene_.label = localized(PlayerStrings::kNowPlaying);
         artwork();

@@ -26,6 +26,7 @@ bool Leaf::looksLike(const Leaf& other) const {
 
 std::vector<Leaf> leavesOf(const Scene& scene) {
     std::vector<Leaf> leaves;
+    leaves.reserve(scene.nodes.size());
     std::vector<const GroupBegin*> groups;
     for (const SceneNode& node : scene.nodes) {
         if (const auto* begin = std::get_if<GroupBegin>(&node))

@@ -52,7 +52,7 @@ const TextLine& TextLayouts::line(const std::string& text, const FontStyle& font
 }
 
 TextLine TextLayouts::layOut(const std::string& text, const FontStyle& font,
-                             std::optional<double> fit) const {
+                             std::optional<double> fit) {
     PangoFontDescription* const description = pango_font_description_new();
     pango_font_description_set_family(description, families_.c_str());
     pango_font_description_set_weight(description, weightOf(font.weight));
@@ -78,13 +78,21 @@ TextLine TextLayouts::layOut(const std::string& text, const FontStyle& font,
     PangoRectangle extents{};
     pango_layout_line_get_extents(pango_layout_get_line_readonly(layout, 0), nullptr, &extents);
     line.width = points(extents.width);
-    PangoFontMetrics* const metrics =
-        pango_context_get_metrics(context_.get(), description, nullptr);
-    line.heights = {points(pango_font_metrics_get_ascent(metrics)),
-                    points(pango_font_metrics_get_descent(metrics))};
-    pango_font_metrics_unref(metrics);
+    line.heights = heightsOf(font, description);
     pango_font_description_free(description);
     return line;
+}
+
+LineHeights TextLayouts::heightsOf(const FontStyle& font, const PangoFontDescription* description) {
+    const auto known = std::ranges::find(heights_, font, &FontHeights::font);
+    if (known != heights_.end()) return known->heights;
+    PangoFontMetrics* const metrics =
+        pango_context_get_metrics(context_.get(), description, nullptr);
+    const LineHeights heights{points(pango_font_metrics_get_ascent(metrics)),
+                              points(pango_font_metrics_get_descent(metrics))};
+    pango_font_metrics_unref(metrics);
+    heights_.push_back({font, heights});
+    return heights;
 }
 
 MeasureText makeMeasureText(std::string families) {

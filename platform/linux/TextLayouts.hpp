@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "drawing/Canvas.hpp"
 #include "drawing/RecentLines.hpp"
@@ -50,11 +51,18 @@ public:
     static constexpr char kSystemFont[] = "system-ui,Inter,sans";
 
 private:
-    TextLine layOut(const std::string& text, const FontStyle& font,
-                    std::optional<double> fit) const;
+    struct FontHeights {
+        FontStyle font;
+        LineHeights heights;
+    };
+
+    TextLine layOut(const std::string& text, const FontStyle& font, std::optional<double> fit);
+    LineHeights heightsOf(const FontStyle& font, const PangoFontDescription* description);
 
     std::string families_;
     GObjectOwner<PangoContext> context_;
+    // Asking for them takes longer than to lay out a time. A card has three fonts.
+    std::vector<FontHeights> heights_;
     RecentLines<TextLine> recent_;
 };
 
