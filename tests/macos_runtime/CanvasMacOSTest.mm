@@ -71,6 +71,7 @@ TEST_F(CanvasMacOSTest, DrawsSymbolsInOneColourAndKeepsThem) {
     draw("a new one", play);
     draw("the same", play, true);
     draw("mirrored", SymbolNode{{10, 10, 40, 40}, "speaker.fill", 13, Color::white()}, true);
+    draw("larger", SymbolNode{{10, 10, 40, 40}, "speaker.fill", 20, Color::white()});
     setAnswer("NSImage.imageWithSystemSymbolName:accessibilityDescription:", nil);
     draw("unknown", SymbolNode{{10, 10, 40, 40}, "none", 34, Color::white()});
 }
@@ -88,6 +89,9 @@ TEST_F(CanvasMacOSTest, MeasuresAsItDraws) {
     const CardWindows windows = makeCardWindowsMacOS(clock.clock());
     EXPECT_EQ(windows.measureText("four", {}), 40);
     EXPECT_EQ(windows.measureText("four\nand", {}), 80);  // one line, whatever it holds
+    EXPECT_FALSE(windows.reducesMotion());
+    setAnswer("NSWorkspace.accessibilityDisplayShouldReduceMotion", true);
+    EXPECT_TRUE(windows.reducesMotion());
 }
 
 TEST_F(CanvasMacOSTest, DecodesNoMorePixelsThanAreShown) {

@@ -19,8 +19,8 @@ TEST_F(NoticesMacOSTest, DistributedOnesComeInWithTheirUserInfo) {
     @autoreleasepool {
         const DistributedNotices notices = makeDistributedNoticesMacOS();
         handle = notices.observe("a.status", [&](const PropertyDictionary& info) {
+            handle.reset();  // what hears may stop hearing, and goes on
             got.push_back(info);
-            handle.reset();  // what hears may stop hearing
         });
         macrt::deliverDistributed(@"a.other");
         macrt::deliverDistributed(
@@ -50,8 +50,8 @@ TEST_F(NoticesMacOSTest, DarwinOnesAreNamesAlone) {
     const DarwinNotices notices = makeDarwinNoticesMacOS();
     Handle handle;
     handle = notices.observe("a.changed", [&] {
-        ++heard;
         handle.reset();
+        ++heard;
     });
     notices.post("a.changed");
     EXPECT_EQ(heard, 0);  // the system delivers it later

@@ -49,7 +49,7 @@ TEST_F(PortsMacOSTest, FailuresHaveTheirNumbers) {
         EXPECT_EQ(reply.status, status);
         EXPECT_FALSE(reply.body);
     }
-    macrt::servePort("group.port", [](auto&) -> macrt::PortAnswer { return {}; });
+    macrt::servePort("group.port", [](auto&) -> macrt::PortAnswer { return {0, ""}; });
     EXPECT_EQ(port->send({.awaitsReply = true}).status, 0);
     EXPECT_FALSE(port->send({.awaitsReply = true}).body);
     macrt::stopServing("group.port");
