@@ -4,7 +4,6 @@
 #include "platform/macos/CardStageMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
-#include "tests/macos_runtime/fakes/Collections.hpp"
 
 namespace quorvane {
 namespace {

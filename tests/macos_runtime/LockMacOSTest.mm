@@ -9,7 +9,6 @@
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
-#include "tests/macos_runtime/fakes/Collections.hpp"
 #include "tests/macos_runtime/fakes/DispatchFakes.hpp"
 #include "tests/macos_runtime/fakes/NoticeFakes.hpp"
 #include "tests/macos_runtime/fakes/PortFakes.hpp"

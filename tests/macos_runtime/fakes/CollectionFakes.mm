@@ -1,5 +1,13 @@
 // Arrays and dictionaries that work; dictionaries keep the order in which they were filled.
-#include "tests/macos_runtime/fakes/Collections.hpp"
+#include "tests/macos_runtime/fakes/Fakes.hpp"
+
+// All of it in one batch.
+static NSUInteger enumerate(NSFastEnumerationState* state, const std::vector<id>& items) {
+    if (state->state++ != 0) return 0;
+    state->itemsPtr = reinterpret_cast<id __unsafe_unretained*>(const_cast<id*>(items.data()));
+    state->mutationsPtr = state->extra;
+    return items.size();
+}
 
 @implementation NSArray {
 @package
@@ -16,7 +24,7 @@
 - (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
                                   objects:(id __unsafe_unretained[])buffer
                                     count:(NSUInteger)len {
-    return macrt::enumerate(state, items_);
+    return enumerate(state, items_);
 }
 - (NSString*)description {
     std::string all;
@@ -55,7 +63,7 @@
 - (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
                                   objects:(id __unsafe_unretained[])buffer
                                     count:(NSUInteger)len {
-    return macrt::enumerate(state, keys_);
+    return enumerate(state, keys_);
 }
 - (NSString*)description {
     std::string all;
@@ -79,15 +87,5 @@
 @end
 
 namespace macrt {
-
-NSUInteger enumerate(NSFastEnumerationState* state, const std::vector<id>& items) {
-    if (state->state++ != 0) return 0;
-    state->itemsPtr = reinterpret_cast<id __unsafe_unretained*>(const_cast<id*>(items.data()));
-    state->mutationsPtr = state->extra;
-    return items.size();
-}
-
 const std::vector<id>& itemsOf(NSArray* array) { return array->items_; }
-const std::vector<id>& keysOf(NSDictionary* dictionary) { return dictionary->keys_; }
-
 }  // namespace macrt

@@ -28,8 +28,8 @@ std::string textOf(NSString* string);
 // "@\"text\"", "5", "<NSPanel#1>".
 std::string describe(id object);
 
-// Sends a message with one argument that no header declares.
-void perform(id target, SEL selector, id argument);
+// What an array holds.
+const std::vector<id>& itemsOf(NSArray* array);
 
 // Lets go of every object that a fake shares between tests.
 void resetFakes();
@@ -37,8 +37,5 @@ void resetFakes();
 struct AtReset {
     explicit AtReset(std::function<void()> action);
 };
-
-// Of an array's or a dictionary's storage: all of it in one batch.
-NSUInteger enumerate(NSFastEnumerationState* state, const std::vector<id>& items);
 
 }  // namespace macrt

@@ -2,7 +2,6 @@
 #include "tests/macos_runtime/fakes/Answers.hpp"
 
 extern "C" {
-void objc_msgSend(void);
 id class_createInstance(Class, size_t) __attribute__((ns_returns_retained));
 BOOL macrt_isKindOfClass(id, Class);
 }
@@ -60,10 +59,6 @@ std::vector<std::function<void()>>& resets() {
 }  // namespace
 
 std::string describe(id object) { return describe((__bridge Object*)object); }
-
-void perform(id target, SEL selector, id argument) {
-    reinterpret_cast<void (*)(id, SEL, id)>(objc_msgSend)(target, selector, argument);
-}
 
 AtReset::AtReset(std::function<void()> action) { resets().push_back(std::move(action)); }
 

@@ -3,6 +3,8 @@
 
 #include "tests/macos_runtime/fakes/Answers.hpp"
 
+extern "C" void objc_msgSend(void);
+
 namespace {
 struct DarwinObserver {
     const void* observer;
@@ -104,12 +106,13 @@ namespace macrt {
 void deliver(NSNotificationCenter* center, NSString* name, NSDictionary* userInfo) {
     NSNotification* const notification = [NSNotification new];
     setAnswer(notification, "userInfo", userInfo);
+    const auto send = reinterpret_cast<void (*)(id, SEL, id)>(objc_msgSend);
     const std::vector<FakeObservation*> observations = center->observations_;
     for (FakeObservation* const& each : observations) {
         if (![each->name isEqual:name]) continue;
         if (each->block != nil) each->block(notification);
         const id target = each->target;
-        if (target != nil) perform(target, each->selector, notification);
+        if (target != nil) send(target, each->selector, notification);
     }
 }
 
