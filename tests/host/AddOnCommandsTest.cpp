@@ -41,7 +41,7 @@ protected:
                 .control = {.applications = {.running = [this](const auto&) { return copies; },
                                              .current = {},
                                              .terminate = [this](std::int32_t) { systemAsks(); }},
-                            .notices = notices(),
+                            .notices = notices.distributed(),
                             .clock = clock.clock()},
                 .darwinNotices = darwin.darwin(),
                 .sharedSuite = shared.table(),
@@ -55,8 +55,9 @@ protected:
         std::invoke(command, commands, [&](Outcome ended) { outcome = std::move(ended); });
         for (int step = 0; step < 2000 && !outcome; ++step) {
             clock.advance(50ms);
-            if (std::exchange(statusIsAsked, false) && !copies.empty() && heard)
-                heard(AddOnSignals::Status{.isConnected = false, .version = answers}.userInfo());
+            if (std::exchange(statusIsAsked, false) && !copies.empty())
+                notices.deliver(AddOnSignals::kStatus,
+                                AddOnSignals::Status{false, answers}.userInfo());
         }
         return outcome.value_or(std::unexpected{"it never ends"});
     }
@@ -87,6 +88,7 @@ protected:
     MemoryDefaults own;
     ManualClock clock;
     FakeNotices darwin;
+    FakeNotices notices;
     std::vector<RunningCopy> copies;
     std::vector<std::vector<std::string>> opened;
     std::string answers = "1.1.0";  // the version that a running copy says it is
@@ -97,18 +99,6 @@ protected:
     int removals = 0;
 
 private:
-    DistributedNotices notices() {
-        return {.post =
-                    [this](const std::string& name, const PropertyDictionary&) {
-                        if (name == AddOnSignals::kStatusRequest) statusIsAsked = true;
-                        if (name == AddOnSignals::kQuit && obeysNotice) copies.clear();
-                    },
-                .observe =
-                    [this](const std::string&, DistributedNotices::Handler handler) {
-                        heard = std::move(handler);
-                        return Handle{[this] { heard = nullptr; }};
-                    }};
-    }
     void systemAsks() {
         if (obeysSystem) copies.clear();
     }
@@ -122,8 +112,13 @@ private:
         return OpenCommandEnd{};
     }
 
-    DistributedNotices::Handler heard;
     bool statusIsAsked = false;
+    // A copy that runs listens.
+    const Handle statusRequests = notices.distributed().observe(
+        AddOnSignals::kStatusRequest, [this](const auto&) { statusIsAsked = true; });
+    const Handle quits = notices.distributed().observe(AddOnSignals::kQuit, [this](const auto&) {
+        if (obeysNotice) copies.clear();
+    });
 };
 
 TEST_F(AddOnCommandsTest, InstallPutsTheBundleInPlaceAndStartsIt) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/PortNames.hpp"
 #include "QuorvaneKit/SharedDefaults.hpp"
 #include "QuorvaneKit/XPCCodableHelpers.hpp"
 #include "host/CardSwitch.hpp"
@@ -11,6 +12,7 @@
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
 #include "tests/support/MemoryFileStore.hpp"
+#include "tests/support/MemoryPorts.hpp"
 
 namespace quorvane {
 namespace {
@@ -84,29 +86,18 @@ TEST(HostStatus, TellsOfCardAndAddOn) {
               "system 26.1.0");
 }
 
-// A host's main port that gives one reply.
-struct OneReplyPort : RemotePort {
-    explicit OneReplyPort(PortReply itsReply) : reply(std::move(itsReply)) {}
-    PortReply send(PortRequest request) override {
-        EXPECT_EQ(request.messageID, 1);
-        EXPECT_EQ(copyOf(request.secret), Bytes(MessagePortWire::kSecretLength, std::byte{9}));
-        return reply;
-    }
-    PortReply reply;
-};
+const std::string kMainPort{kMessagePortBaseName};
+const Bytes kSecret(MessagePortWire::kSecretLength, std::byte{9});
 
 class HostStatusQueryTest : public testing::Test {
 protected:
     HostStatus ask() {
-        HostStatusQuery query{
-            {.connectPort = [this](const std::string&) -> std::unique_ptr<RemotePort> {
-                 return reply ? std::make_unique<OneReplyPort>(*reply) : nullptr;
-             },
-             .files = store.table(),
-             .clock = clock.clock(),
-             .distributedNotices = notices.distributed(),
-             .sharedSuite = defaults.table(),
-             .lookAtPlace = [] { return AddOnPlace{}; }}};
+        HostStatusQuery query{{.connectPort = ports.connectPort(),
+                               .files = store.table(),
+                               .clock = clock.clock(),
+                               .distributedNotices = notices.distributed(),
+                               .sharedSuite = defaults.table(),
+                               .lookAtPlace = [] { return AddOnPlace{}; }}};
         std::vector<HostStatus> answers;
         query.start([&](HostStatus status) { answers.push_back(std::move(status)); });
         if (addOnSays) notices.deliver(AddOnSignals::kStatus, *addOnSays);
@@ -117,12 +108,13 @@ protected:
         return answers.empty() ? HostStatus{} : answers.front();
     }
 
-    MemoryFileStore store{
-        .files = {{"/container/ipc-secret", Bytes(MessagePortWire::kSecretLength, std::byte{9})}}};
+    MemoryFileStore store{.files = {{"/container/ipc-secret", kSecret}}};
     ManualClock clock;
     FakeNotices notices;
     MemoryDefaults defaults;
-    std::optional<PortReply> reply;
+    MemoryPorts ports;
+    Bytes reply;  // of a host's main port
+    Handle host = ports.serve(kMainPort, [this](std::int32_t, ByteView) { return reply; });
     std::optional<PropertyDictionary> addOnSays;
     bool answersAtOnce = false;
 };
@@ -130,49 +122,50 @@ protected:
 TEST_F(HostStatusQueryTest, EverybodyAnswers) {
     defaults.values["lockScreenEnabled"] = {true};
     const QuorvanePlayerState state{.track = XPCTrack{.title = "T", .artist = "A"}};
-    reply = PortReply{kPortSuccess, *XPCCodableHelpers::encode(state)};
+    reply = *XPCCodableHelpers::encode(state);
     addOnSays = AddOnSignals::Status{true, "1.0.0"}.userInfo();
     answersAtOnce = true;
     const HostStatus status = ask();
     EXPECT_TRUE(status.isServed);
     EXPECT_TRUE(status.isEnabled);
     EXPECT_EQ(status.state, state);
+    ASSERT_EQ(ports.sent.size(), 1u);
+    EXPECT_EQ(ports.sent[0].messageID, 1);
+    EXPECT_EQ(ports.sent[0].body, kSecret);
     EXPECT_EQ(status.addOn, (AddOnSignals::Status{true, "1.0.0"}));
 }
 
 TEST_F(HostStatusQueryTest, AnswersThatAreNone) {
     addOnSays = PropertyDictionary{{"version", {std::string{"1"}}}};
-    const PortReply replies[] = {{kPortReceiveTimeout, std::nullopt},
-                                 {kPortSuccess, std::nullopt},
-                                 {kPortSuccess, copyOf(bytesOf("{}"))}};
-    for (const PortReply& each : replies) {
-        reply = each;
-        const HostStatus status = ask();
-        EXPECT_TRUE(status.isServed);
-        EXPECT_FALSE(status.state);
-        EXPECT_FALSE(status.addOn);
+    for (const auto& [status, text] :
+         {std::pair{kPortReceiveTimeout, "{}"}, {kPortSuccess, ""}, {kPortSuccess, "{}"}}) {
+        ports.failures.clear();
+        if (status != kPortSuccess) ports.failures[kMainPort] = status;
+        reply = copyOf(bytesOf(text));
+        const HostStatus told = ask();
+        EXPECT_TRUE(told.isServed);
+        EXPECT_FALSE(told.state);
+        EXPECT_FALSE(told.addOn);
     }
 }
 
 TEST(CardSwitch, WritesPostsAndSaysWhatItDid) {
     MemoryDefaults defaults;
     FakeNotices notices;
-    bool isServed = false;
+    MemoryPorts ports;
     int posts = 0;
     const Handle observation =
         notices.darwin().observe("example.quillon.Quorvane.lockScreenConfigurationChanged", [&] {
             ++posts;
             EXPECT_GT(defaults.synchronizations, 0) << "who is told must find it written";
         });
-    CardSwitch card{.connectPort = [&](const std::string&) -> std::unique_ptr<RemotePort> {
-                        return isServed ? std::make_unique<OneReplyPort>(PortReply{}) : nullptr;
-                    },
+    CardSwitch card{.connectPort = ports.connectPort(),
                     .darwinNotices = notices.darwin(),
                     .sharedSuite = defaults.table()};
     EXPECT_EQ(card.set(true),
               "The card is on.\n"
               "No host is running: it takes effect with the next quorvane-host run.\n");
-    isServed = true;
+    const Handle host = ports.serve(kMainPort, {});
     EXPECT_EQ(card.set(true), "The card is already on.\n");
     EXPECT_TRUE(SharedDefaults{defaults.table()}.lockScreenEnabled());
     EXPECT_EQ(card.set(false), "The card is off.\n");
