@@ -71,8 +71,8 @@ void starting(const BenchSession& session) {
             .figure = timeText(addOn.median()) + " to " + timeText(bare.median()),
             .goal = "≤ 1.3 ×",
             .isMet = ratio <= 1.3,
-            .reason = "of what it does besides, a fifth is a look at each process for another copy "
-                      "of itself, a fifth connecting to X server and bus, a seventh the host's "
+            .reason = "of what it does besides, a quarter is a look at each process for another "
+                      "copy of itself, a fifth connecting to X server and bus, a tenth the host's "
                       "state; the rest are settings, texts, the system-call filter, and pages that "
                       "are touched for the first time"});
 }
