@@ -46,7 +46,7 @@ void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
                  if (isShown_ && id == SceneControl::ID::volume) slider().setNumber(number);
              }});
     if (!isShown_) return;
-    scene_ = {};
+    shown_ = {};
     draw();
 }
 
@@ -55,7 +55,7 @@ void PlayerCard::setShown(bool shown) {
     if (shown) {
         isShown_ = true;
         observations_ = model_.observe([this] { drawSoon(); });
-        scene_ = {};
+        shown_ = {};
         draw();
         return;
     }
@@ -77,11 +77,15 @@ PlayerEnvironment PlayerCard::viewEnvironment() const {
             .measureText = e.measureText ? e.measureText
                                          : [](const std::string&, const FontStyle&) { return 0.0; },
             .isRightToLeft = e.isRightToLeft && e.isRightToLeft(),
-            .reduceMotion = e.reducesMotion && e.reducesMotion(),
+            .reduceMotion = reducesMotion(),
             .scale = e.scale,
             .playerFrozenDate = e.playerFrozenDate,
             .marqueeFrozenTime = e.marqueeFrozenTime,
             .marqueeReduceMotion = e.marqueeReduceMotion};
+}
+
+bool PlayerCard::reducesMotion() const {
+    return environment_.reducesMotion && environment_.reducesMotion();
 }
 
 void PlayerCard::draw() {
@@ -92,15 +96,28 @@ void PlayerCard::draw() {
     VolumeSlider::thicken(interaction_.thickening, model_.isDraggingVolume.get(), now);
 
     const PlayerEnvironment environment = viewEnvironment();
-    Scene scene =
+    PlayerScene made =
         PlayerView{model_, environment}.scene(interaction_, {now, environment_.wallClock()});
-    const bool isNew = !(scene == scene_);
-    scene_ = std::move(scene);
+    const bool isNew = !(made.scene == shown_.scene);
+    shown_ = std::move(made);
+    drawNext();
+    if (isNew) stage_->setScene(shown_.scene);
+}
+
+void PlayerCard::drawNext() {
     nextDraw_.reset();
-    if (scene_.nextChange)
-        nextDraw_ = environment_.clock.afterAbout(
-            *scene_.nextChange, *scene_.nextChange / kUnseenShare, [this] { draw(); });
-    if (isNew) stage_->setScene(scene_);
+    if (const auto wait = shown_.scene.nextChange)
+        nextDraw_ =
+            environment_.clock.afterAbout(*wait, *wait / kUnseenShare, [this] { scroll(); });
+}
+
+// As `draw`, when only time has passed. Reduce Motion may have been turned on meanwhile.
+void PlayerCard::scroll() {
+    const Instant now = environment_.clock.now();
+    if (!stage_ || !shown_.holds(now) || reducesMotion()) return draw();
+    shown_.scroll(now);
+    drawNext();
+    stage_->setScene(shown_.scene);
 }
 
 // One drawing for all changes of a pass of the main loop.
@@ -131,20 +148,21 @@ void PlayerCard::followArtwork(Instant now) {
 }
 
 const SceneControl* PlayerCard::control(SceneControl::ID id) const {
-    const auto found = std::ranges::find(scene_.controls, id, &SceneControl::id);
-    return found == scene_.controls.end() ? nullptr : &*found;
+    const auto found = std::ranges::find(shown_.scene.controls, id, &SceneControl::id);
+    return found == shown_.scene.controls.end() ? nullptr : &*found;
 }
 
 void PlayerCard::pointerDown(Point location) {
     const auto life = life_.watch();
     endPress();  // of a press whose end was never told
     if (life.isOver()) return;
-    const auto found = std::ranges::find_if(scene_.controls, [&](const SceneControl& candidate) {
-        const bool reacts = candidate.role == SceneControl::Role::button ||
-                            candidate.role == SceneControl::Role::slider;
-        return reacts && candidate.frame.contains(location);
-    });
-    if (found == scene_.controls.end()) return;
+    const auto found =
+        std::ranges::find_if(shown_.scene.controls, [&](const SceneControl& candidate) {
+            const bool reacts = candidate.role == SceneControl::Role::button ||
+                                candidate.role == SceneControl::Role::slider;
+            return reacts && candidate.frame.contains(location);
+        });
+    if (found == shown_.scene.controls.end()) return;
     pressed_ = found->id;
     pointerDragged(location);
 }

@@ -14,6 +14,7 @@
 #include "AddOnKit/PlayerEnvironment.hpp"
 #include "AddOnKit/PlayerInteraction.hpp"
 #include "AddOnKit/PlayerModel.hpp"
+#include "AddOnKit/PlayerScene.hpp"
 #include "AddOnKit/VolumeSlider.hpp"
 
 namespace quorvane {
@@ -46,8 +47,11 @@ public:
 
 private:
     PlayerEnvironment viewEnvironment() const;
+    bool reducesMotion() const;
     void draw();
     void drawSoon();
+    void drawNext();
+    void scroll();
     void followTexts(Instant now);
     void followArtwork(Instant now);
 
@@ -59,14 +63,14 @@ private:
     void accessibility(SceneControl::ID id, AccessibilityAction action);
     void fire(SceneControl::ID id);
     const SceneControl* control(SceneControl::ID id) const;
-    VolumeSlider slider() const { return {model_, actions_, scene_.isRightToLeft}; }
+    VolumeSlider slider() const { return {model_, actions_, shown_.scene.isRightToLeft}; }
 
     PlayerModel& model_;
     const PlayerActions actions_;
     const PlayerCardEnvironment environment_;
     std::shared_ptr<CardStage> stage_;
     bool isShown_ = false;
-    Scene scene_;
+    PlayerScene shown_;
     PlayerInteraction interaction_;
     std::optional<SceneControl::ID> pressed_;
 

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "AddOnKit/FilledTrack.hpp"
-#include "AddOnKit/MarqueeText.hpp"
 #include "AddOnKit/PlayerGeometry.hpp"
 #include "AddOnKit/PlayerLayout.hpp"
 #include "AddOnKit/PlayerStrings.hpp"
@@ -19,7 +18,7 @@ namespace {
 using namespace PlayerLayout;
 
 constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while something moves
-// Of a card at rest. It is made anew for each frame of a marquee.
+// Of a card at rest.
 constexpr std::size_t kMostNodes = 20;
 constexpr std::size_t kMostControls = 9;
 constexpr double kNoteSize = 30;
@@ -42,7 +41,7 @@ public:
           moment_(moment),
           geometry_(PlayerGeometry::make(model_.showsHeart.get(), environment_.isRightToLeft)) {}
 
-    Scene compose() {
+    PlayerScene compose() {
         scene_.nodes.reserve(kMostNodes);
         scene_.controls.reserve(kMostControls);
         scene_.isRightToLeft = environment_.isRightToLeft;
@@ -54,12 +53,15 @@ public:
         transport();
         volume();
         if (interaction_.isMoving(moment_.now)) changesIn(kFrame);
-        return std::move(scene_);
+        made_.scroll(moment_.now);
+        return std::move(made_);
     }
 
 private:
     void changesIn(std::optional<Duration> wait) {
-        if (wait) scene_.nextChange = std::min(*wait, scene_.nextChange.value_or(*wait));
+        if (!wait) return;
+        const Instant then = moment_.now + *wait;
+        made_.holdsUntil = std::min(then, made_.holdsUntil.value_or(then));
     }
 
     std::string localized(const PlayerStrings::Entry& entry) const {
@@ -108,12 +110,10 @@ private:
                             .fieldWidth = field.width,
                             .start = start};
         marquee.textWidth = environment_.measureText(marquee.text, font);
+        scene_.controls.push_back(
+            {.id = id, .role = SceneControl::Role::text, .frame = field, .label = marquee.text});
+        if (marquee.scrolls()) made_.marquees.push_back({scene_.nodes.size(), field, marquee});
         scene_.nodes.push_back(marquee.node(field, moment_.now));
-        changesIn(marquee.nextChange(moment_.now, environment_.scale));
-        scene_.controls.push_back({.id = id,
-                                   .role = SceneControl::Role::text,
-                                   .frame = field,
-                                   .label = std::move(marquee.text)});
     }
 
     void texts() {
@@ -231,12 +231,14 @@ private:
     const PlayerInteraction& interaction_;
     const PlayerMoment& moment_;
     const PlayerGeometry geometry_;
-    Scene scene_;
+    PlayerScene made_{.scale = environment_.scale};
+    Scene& scene_ = made_.scene;
 };
 
 }  // namespace
 
-Scene PlayerView::scene(const PlayerInteraction& interaction, const PlayerMoment& moment) const {
+PlayerScene PlayerView::scene(const PlayerInteraction& interaction,
+                              const PlayerMoment& moment) const {
     return Composer{*this, interaction, moment}.compose();
 }
 

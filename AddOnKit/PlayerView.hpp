@@ -5,7 +5,7 @@
 #include "AddOnKit/PlayerEnvironment.hpp"
 #include "AddOnKit/PlayerInteraction.hpp"
 #include "AddOnKit/PlayerModel.hpp"
-#include "drawing/Scene.hpp"
+#include "AddOnKit/PlayerScene.hpp"
 
 namespace quorvane {
 
@@ -21,7 +21,7 @@ struct PlayerView {
     const PlayerModel& model;
     const PlayerEnvironment& environment;
 
-    Scene scene(const PlayerInteraction& interaction, const PlayerMoment& moment) const;
+    PlayerScene scene(const PlayerInteraction& interaction, const PlayerMoment& moment) const;
 };
 
 }  // namespace quorvane

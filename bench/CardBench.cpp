@@ -54,7 +54,7 @@ public:
 
     Scene scene(double marqueeTime) {
         environment_.marqueeFrozenTime = marqueeTime;
-        return PlayerView{model_, environment_}.scene({}, {Instant{}, date_});
+        return PlayerView{model_, environment_}.scene({}, {Instant{}, date_}).scene;
     }
 
 private:

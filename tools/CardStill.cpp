@@ -112,7 +112,7 @@ CardStill::CardStill(const QuorvanePlayerState& state, const CardRenderOptions& 
 CairoSurface CardStill::draw(double elapsed) {
     environment_.playerFrozenDate = later(date_, elapsed);
     environment_.marqueeFrozenTime = options_.marquee + elapsed;
-    const Scene scene = PlayerView{model_, environment_}.scene(interaction_, {{}, date_});
+    const Scene scene = PlayerView{model_, environment_}.scene(interaction_, {{}, date_}).scene;
 
     const bool hasChrome = !chrome_.isEmpty();
     const PixelSize size = hasChrome ? PixelSize{chrome_.width, chrome_.height}

@@ -20,6 +20,7 @@ using Kind = PointerEvent::Kind;
 struct Fixture : PlayingModel {
     std::vector<std::string> actions;
     std::shared_ptr<FakeStage> stage = std::make_shared<FakeStage>();
+    bool reducesMotion = false;
     std::unique_ptr<PlayerCard> card;
 
     Fixture() {
@@ -39,8 +40,10 @@ struct Fixture : PlayingModel {
                                   actions.push_back("volume " + std::to_string(volume));
                               },
                           .endVolume = note("endVolume")},
-            PlayerCardEnvironment{
-                .clock = clock.clock(), .wallClock = clock.wallClock(), .measureText = measure});
+            PlayerCardEnvironment{.clock = clock.clock(),
+                                  .wallClock = clock.wallClock(),
+                                  .measureText = measure,
+                                  .reducesMotion = [this] { return reducesMotion; }});
         card->attach(stage);
     }
 
@@ -254,9 +257,11 @@ TEST(PlayerCard, SurvivesBeingDestroyedByItsOwnActions) {
     }
 }
 
+// NaN where it does not scroll.
 double titleOffset(const Scene& scene) {
     for (const SceneNode& node : scene.nodes)
-        if (const auto* text = std::get_if<TextNode>(&node)) return text->scroll->offset;
+        if (const auto* text = std::get_if<TextNode>(&node))
+            return text->scroll ? text->scroll->offset : std::nan("");
     return 0;
 }
 
@@ -278,6 +283,17 @@ TEST(PlayerCard, RestartsAMarqueeWhenItsTextChanges) {
     f.apply();
     f.clock.advance(0s);
     EXPECT_EQ(titleOffset(f.scene()), rest);
+    // The times go on beside it, and it stops where motion is to be reduced.
+    f.state.playerState = XPCPlayerState::playing;
+    f.apply();
+    f.clock.advance(4s);
+    const std::vector<SceneControl> controls = f.scene().controls;
+    f.clock.advance(1s);
+    EXPECT_NE(f.scene().controls, controls);
+    EXPECT_NE(titleOffset(f.scene()), rest);
+    f.reducesMotion = true;
+    f.clock.advance(50ms);
+    EXPECT_TRUE(std::isnan(titleOffset(f.scene())));
 }
 
 TEST(PlayerCard, FadesToNewArtworkAndLetsGoOfTheOld) {

@@ -23,10 +23,11 @@ struct Fixture : PlayingModel {
         .localized = [](const std::string& key) { return "<" + key + ">"; },
         .measureText = measure};
 
-    Scene scene() {
+    PlayerScene made() {
         return PlayerView{model, environment}.scene(interaction,
                                                     {clock.clock().now(), clock.wallClock()()});
     }
+    Scene scene() { return made().scene; }
 };
 
 template <typename Node>
@@ -244,6 +245,25 @@ int changesOver(double duration, Duration lateness = 2ms) {
         before = after;
     }
     return changes;
+}
+
+TEST(PlayerViewNextChange, AScrolledSceneIsAsOneMadeAnew) {
+    Fixture f;
+    f.state.playerState = XPCPlayerState::paused;
+    f.state.track->title = std::string(60, 'W');
+    f.state.track->artist = std::string(50, 'M');
+    f.apply();
+    const auto now = [&] { return f.clock.clock().now(); };
+    f.interaction.artistStart = now();
+    f.interaction.titleStart = now() - 700ms;
+    PlayerScene kept = f.made();
+    for (int frame = 0; frame < 2000; ++frame) {
+        f.clock.advance(*kept.scene.nextChange);
+        ASSERT_TRUE(kept.holds(now()));
+        kept.scroll(now());
+        ASSERT_EQ(kept.scene, f.scene()) << frame;
+        ASSERT_EQ(kept.scene.nextChange, f.scene().nextChange) << frame;
+    }
 }
 
 TEST(PlayerViewNextChange, IsExactOverAWholeTrack) {
