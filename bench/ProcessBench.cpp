@@ -272,9 +272,9 @@ void scrolling() {
             .figure = numberText(card->share, " % of a processor"),
             .goal = "≤ 0.5 %",
             .isMet = card->share <= 0.5,
-            .reason =
-                "a program that only puts a finished row there so often takes a third to a half of "
-                "it: each frame wakes two processes, whose caches have gone cold"});
+            .reason = "of each frame's time the X server's waking and copying take a third, the "
+                      "add-on's waking and sending another, mixing the row from memory gone cold a "
+                      "sixth"});
     tellCardRivals(session, *card);
 }
 
