@@ -3,34 +3,13 @@
 #include <set>
 
 #include "QuorvaneKit/DarwinNotificationCenter.hpp"
-#include "QuorvaneKit/DarwinNotificationObserver.hpp"
 #include "QuorvaneKit/Identifiers.hpp"
 #include "QuorvaneKit/SharedDefaults.hpp"
-#include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
 
 namespace quorvane {
 namespace {
-
-TEST(DarwinNotification, ObserverRegistersOnceAndLeavesWhenItStopsOrGoes) {
-    FakeNotices notices;
-    int calls = 0;
-    {
-        DarwinNotificationObserver observer{notices.darwin(), "name", [&] { ++calls; }};
-        EXPECT_FALSE(observer.isObserving());
-        observer.start();
-        observer.start();
-        EXPECT_EQ(notices.observerCount(), 1u);
-        notices.deliver("name");
-        EXPECT_EQ(calls, 1);
-        observer.stop();
-        EXPECT_FALSE(observer.isObserving());
-        EXPECT_EQ(notices.observerCount(), 0u);
-        observer.start();
-    }
-    EXPECT_EQ(notices.observerCount(), 0u);
-}
 
 TEST(DarwinNotification, NamesStandUnderThePrefixAndComeBack) {
     using Name = QuorvaneDarwinNotification;

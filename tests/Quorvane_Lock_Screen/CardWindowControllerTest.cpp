@@ -53,15 +53,6 @@ protected:
             loader);
     }
 
-    // The card as a person would see it in every open window.
-    bool isSeen(std::size_t index) {
-        const auto window = windows_.open().at(index);
-        const auto stage = std::dynamic_pointer_cast<FakeStage>(window->content.lock());
-        if (window->fadeCompletion) std::exchange(window->fadeCompletion, nullptr)();
-        return stage != nullptr && !stage->isHidden && window->alpha == 1 &&
-               !window->ignoresMouseEvents;
-    }
-
     RecordingLog log_;
     FakeCardWindows windows_;
     FakeScreens screens_;
@@ -81,7 +72,7 @@ TEST_F(CardWindowControllerTest, BuildsOneWindowAScreenAndShowsTheCardsAfterTheP
     EXPECT_EQ(windows_.stages[0]->lastStart.scale, 0.94);
     EXPECT_EQ(windows_.stages[0]->lastStart.centre, (Point{252, 163}));
     EXPECT_EQ(windows_.stages[0]->lastStart.offset, (Point{0, 12}));
-    EXPECT_TRUE(isSeen(0) && isSeen(1));
+    EXPECT_TRUE(windows_.isCardSeen(0) && windows_.isCardSeen(1));
     EXPECT_EQ(windows_.lifted, (std::vector<long>{101, 102}));
     const WindowSettings& settings = windows_.windows[0]->settings;
     EXPECT_EQ(settings.frame, (Rect{708, 482, 504, 326}));
@@ -138,13 +129,13 @@ TEST_F(CardWindowControllerTest, HiddenWindowsLetClicksThroughUntilTheMusicStart
     EXPECT_TRUE(windows_.open()[0]->ignoresMouseEvents);
     EXPECT_EQ(windows_.open()[0]->alpha, 0);
     controller_->present(kPlaying);
-    EXPECT_TRUE(isSeen(0) && isSeen(1));
+    EXPECT_TRUE(windows_.isCardSeen(0) && windows_.isCardSeen(1));
     EXPECT_EQ(shownContents_, 2);
 
     controller_->present(kSilent);
     EXPECT_TRUE(windows_.open()[0]->ignoresMouseEvents);
     EXPECT_FALSE(windows_.stages[0]->isHidden);  // the fade runs
-    EXPECT_FALSE(isSeen(0));                     // and ends here
+    EXPECT_FALSE(windows_.isCardSeen(0));        // and ends here
     EXPECT_TRUE(windows_.stages[0]->isHidden);
     EXPECT_EQ(shownContents_, 1);  // the other window's fade still runs
     EXPECT_TRUE(log_.contains("card: fading in on 2 window(s)"));
@@ -155,11 +146,11 @@ TEST_F(CardWindowControllerTest, HiddenWindowsLetClicksThroughUntilTheMusicStart
 TEST_F(CardWindowControllerTest, AnEntranceDuringAnExitWins) {
     controller_->present(kSilent);
     controller_->present(kPlaying);
-    EXPECT_TRUE(isSeen(0));
+    EXPECT_TRUE(windows_.isCardSeen(0));
     controller_->present(kSilent);
     controller_->present(kPlaying);  // ends the fade out, whose completion finds the card shown
     EXPECT_FALSE(windows_.stages[0]->isHidden);
-    EXPECT_TRUE(isSeen(0));
+    EXPECT_TRUE(windows_.isCardSeen(0));
     EXPECT_EQ(shownContents_, 2);
 }
 
@@ -180,7 +171,7 @@ TEST_F(CardWindowControllerTest, AScreenChangeBuildsAnewWithoutASecondEntrance) 
     screens_.changed();
     mainThread_.run();
     ASSERT_EQ(windows_.open().size(), 1u);
-    EXPECT_TRUE(isSeen(0));
+    EXPECT_TRUE(windows_.isCardSeen(0));
     EXPECT_EQ(windows_.stages.back()->springs, 0);
     EXPECT_EQ(activities_, 1);
     EXPECT_EQ(log_.take().front(),

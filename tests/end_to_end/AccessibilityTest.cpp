@@ -17,7 +17,7 @@ protected:
         launcher =
             session.start({"env", "GSETTINGS_BACKEND=memory", "/usr/libexec/at-spi-bus-launcher",
                            "--launch-immediately", isInUse ? "--a11y=1" : "--a11y=0"});
-        ASSERT_TRUE(LockSession::eventually([&] {
+        ASSERT_TRUE(eventually([&] {
             return busctl(
                 {"call", "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Peer", "Ping"});
         }));
@@ -39,7 +39,7 @@ protected:
         return told.log();
     }
     bool treeHolds(const std::string& text) {
-        return LockSession::eventually([&] { return tree().find(text) != std::string::npos; });
+        return eventually([&] { return tree().find(text) != std::string::npos; });
     }
 
     LockSession session;
@@ -55,7 +55,7 @@ TEST_F(EndToEndAccessibility, AScreenReaderFindsTheCardAndItsPressesAreClicks) {
     LoggedProcess locker = session.startLocker();
     const CardOnScreen card = LockSession::nextCard(addOn);
     ASSERT_TRUE(addOn.says("accessibility: connected")) << addOn.log();
-    ASSERT_TRUE(LockSession::eventually([&] { return reader({"tree"}); }));
+    ASSERT_TRUE(eventually([&] { return reader({"tree"}); }));
 
     const Point next = card.middleOf(PlayerGeometry::make(true, false).next);
     const std::string place = std::to_string(static_cast<int>(next.x) - 22) + "," +
@@ -90,7 +90,7 @@ TEST_F(EndToEndAccessibility, AScreenReaderFindsTheCardAndItsPressesAreClicks) {
 
     locker.process().end(SIGTERM);
     ASSERT_TRUE(addOn.says("accessibility: disconnected"));
-    EXPECT_TRUE(LockSession::eventually([&] { return !reader({"tree"}); }));
+    EXPECT_TRUE(eventually([&] { return !reader({"tree"}); }));
 }
 
 TEST_F(EndToEndAccessibility, NobodyIsToldUntilAssistiveTechnologyIsInUse) {
@@ -107,7 +107,7 @@ TEST_F(EndToEndAccessibility, NobodyIsToldUntilAssistiveTechnologyIsInUse) {
     EXPECT_FALSE(reader({"tree"}));
     ASSERT_TRUE(use("true"));
     ASSERT_TRUE(addOn.says("accessibility: connected")) << addOn.log();
-    EXPECT_TRUE(LockSession::eventually([&] { return reader({"tree"}); }));
+    EXPECT_TRUE(eventually([&] { return reader({"tree"}); })) << tree() << addOn.log();
     ASSERT_TRUE(use("false"));
     EXPECT_TRUE(addOn.says("accessibility: disconnected"));
     ASSERT_TRUE(use("true"));

@@ -49,7 +49,7 @@ public:
             reply_ = std::move(reply);
             asked_ = 0;
         }
-        return LockSession::eventually([this] {
+        return eventually([this] {
             notify();
             return timesAsked() >= 2;
         });

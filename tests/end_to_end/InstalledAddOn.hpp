@@ -37,7 +37,7 @@ public:
     }
     // Whether the log comes to hold the text, after what earlier calls have passed.
     bool says(const std::string& text) {
-        return LockSession::eventually([&] {
+        return eventually([&] {
             const auto place = folder().read("log").find(text, passed_);
             if (place == std::string::npos) return false;
             passed_ = place + text.size();

@@ -34,7 +34,7 @@ protected:
     void lock() { locker_ = session_.startLocker(); }
     void unlock() {
         locker_.process().end(SIGKILL);
-        ASSERT_TRUE(LockSession::eventually([this] { return isUnlocked(); })) << addOn_.log();
+        ASSERT_TRUE(eventually([this] { return isUnlocked(); })) << addOn_.log();
     }
     void expectTheNextLockShowsTheCard() {
         unlock();

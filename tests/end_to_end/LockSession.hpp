@@ -100,16 +100,6 @@ public:
         return card;
     }
 
-    // What the X server shows a moment after the log has told of it.
-    static bool eventually(const std::function<bool()>& condition) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds{20};
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-            poll(nullptr, 0, 20);
-        }
-        return true;
-    }
-
     // Whether more stands in the area than the one colour of a plain lock screen.
     static bool isDrawnOn(const X11Client& probe, const Rect& area) {
         return eventually([&] {
@@ -151,7 +141,7 @@ protected:
         locker = std::move(itsLocker);
         card = LockSession::nextCard(addOn);
         ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
-        ASSERT_TRUE(LockSession::eventually([&] { return probe.isViewable(card.window); }));
+        ASSERT_TRUE(eventually([&] { return probe.isViewable(card.window); }));
     }
 
     LockSession session;

@@ -42,7 +42,7 @@ TEST_F(EndToEndLockers, WhatIsTypedReachesI3lockWhileTheCardShows) {
     const auto quiet = pixels(ring);
     ASSERT_FALSE(quiet.empty());
     probe.type(kKeyA);
-    EXPECT_TRUE(LockSession::eventually([&] { return pixels(ring) != quiet; }))
+    EXPECT_TRUE(eventually([&] { return pixels(ring) != quiet; }))
         << "i3lock draws its ring when it has got a key";
     constexpr std::uint32_t kKeys = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
     for (const xcb_window_t window : {card.window, probe.root()})
@@ -57,12 +57,11 @@ TEST_F(EndToEndLockers, TheCardMakesRoomForXsecurelocksPromptAndReturns) {
     EXPECT_TRUE(prompts().empty());
 
     probe.type(kKeyA);
-    ASSERT_TRUE(LockSession::eventually([&] { return isBesideThem(); })) << addOn.log();
+    ASSERT_TRUE(eventually([&] { return isBesideThem(); })) << addOn.log();
     EXPECT_TRUE(LockSession::isDrawnOn(probe, probe.frame(card.window)));
 
     probe.type(kEscape);
-    EXPECT_TRUE(LockSession::eventually([&] { return probe.frame(card.window) == card.frame; }))
-        << addOn.log();
+    EXPECT_TRUE(eventually([&] { return probe.frame(card.window) == card.frame; })) << addOn.log();
     EXPECT_TRUE(prompts().empty());
     EXPECT_EQ(addOn.count("entrance: window"), 1);
 
@@ -84,14 +83,14 @@ TEST_F(EndToEndLockers, TheCardStandsOverXscreensaver) {
     };
     if (geteuid() == 0) session.start({"chown", "-R", "games", home.path()}).process().wait(10s);
     locker = asUser({"xscreensaver", "--no-splash"});
-    ASSERT_TRUE(LockSession::eventually([&] {
+    ASSERT_TRUE(eventually([&] {
         return asUser({"xscreensaver-command", "--lock"}).process().exitStatus(10s) == 0;
     })) << locker.log();
     lockWith(std::move(locker));
     EXPECT_TRUE(LockSession::isDrawnOn(probe, card.frame));
     locker.process().end(SIGKILL);
     EXPECT_TRUE(addOn.says("windows: closing 1 (state)"));
-    EXPECT_TRUE(LockSession::eventually([&] { return !probe.isViewable(card.window); }));
+    EXPECT_TRUE(eventually([&] { return !probe.isViewable(card.window); }));
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ protected:
         return answer;
     }
     bool hasCome(const std::string& text) {
-        return LockSession::eventually([&] { return addOn.count(text) > 0; });
+        return eventually([&] { return addOn.count(text) > 0; });
     }
 
     LockSession session;
@@ -71,10 +71,10 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
 
     ASSERT_EQ(ask("status"), "Playing");
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.playPause)));
-    EXPECT_TRUE(LockSession::eventually([&] { return ask("status") == "Paused"; })) << host.log();
+    EXPECT_TRUE(eventually([&] { return ask("status") == "Paused"; })) << host.log();
     ask("position", "75");
     std::string told;
-    EXPECT_TRUE(LockSession::eventually([&] {
+    EXPECT_TRUE(eventually([&] {
         told = LoggedProcess::run({HOST_PROGRAM, "status"}, session.environment()).text;
         return told.find("paused \"Low Tide\" by The Quiet Harbour (1:1") != std::string::npos;
     })) << told;
@@ -83,7 +83,7 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.volume)));
     ASSERT_TRUE(hasCome("volume: drag ended at 50")) << addOn.log();
     EXPECT_GT(addOn.count("volume: step to "), known);
-    EXPECT_TRUE(LockSession::eventually([&] { return ask("volume").starts_with("0.5"); }));
+    EXPECT_TRUE(eventually([&] { return ask("volume").starts_with("0.5"); }));
 
     ask("volume", "0.25");
     EXPECT_TRUE(hasCome("volume 25")) << addOn.log();

@@ -37,7 +37,7 @@ TEST(EndToEndScreens, EachHasACardAndOneThatGoesTakesOnlyItsOwn) {
     ASSERT_TRUE(addOn.says("windows: building 1 (screens changed), card true"));
     const CardOnScreen only = LockSession::nextCard(addOn);
     EXPECT_EQ(only.frame, left.frame);
-    EXPECT_TRUE(LockSession::eventually([&] { return probe.isViewable(only.window); }));
+    EXPECT_TRUE(eventually([&] { return probe.isViewable(only.window); }));
     EXPECT_TRUE(LockSession::isDrawnOn(probe, only.frame));
     EXPECT_FALSE(probe.isViewable(left.window));
     EXPECT_FALSE(probe.isViewable(right.window));

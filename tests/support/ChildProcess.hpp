@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -82,5 +83,15 @@ private:
 
     pid_t pid_ = -1;
 };
+
+// What other processes do a moment later: whether it is so within 20 s.
+inline bool eventually(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds{20};
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        poll(nullptr, 0, 10);
+    }
+    return true;
+}
 
 }  // namespace quorvane

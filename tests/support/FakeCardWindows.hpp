@@ -127,6 +127,15 @@ struct FakeCardWindows {
         });
         return standing;
     }
+    // Whether a person would see the card of an open window, fades having run to their end.
+    bool isCardSeen(std::size_t place) const {
+        const auto standing = open();
+        if (place >= standing.size()) return false;
+        FakeWindowState& window = *standing[place];
+        if (const auto end = std::exchange(window.fadeCompletion, nullptr)) end();
+        const auto stage = std::dynamic_pointer_cast<FakeStage>(window.content.lock());
+        return stage && !stage->isHidden && window.alpha == 1 && !window.ignoresMouseEvents;
+    }
 };
 
 // Screens that a test sets, and changes as it likes.

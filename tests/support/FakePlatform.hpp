@@ -174,14 +174,7 @@ struct FakePlatform {
         if (window >= open.size()) return nullptr;
         return std::dynamic_pointer_cast<FakeStage>(open[window]->content.lock());
     }
-    // Whether a person would see the card, fades having run to their end.
-    bool isCardSeen(std::size_t window = 0) const {
-        const auto shown = stage(window);
-        if (shown == nullptr) return false;
-        const auto& state = *windows.open()[window];
-        if (const auto completion = state.fadeCompletion) completion();
-        return !shown->isHidden && state.alpha == 1 && !state.ignoresMouseEvents;
-    }
+    bool isCardSeen(std::size_t window = 0) const { return windows.isCardSeen(window); }
     std::optional<Rect> frame(SceneControl::ID id) const {
         const auto shown = stage();
         if (shown == nullptr || shown->scenes.empty()) return std::nullopt;

@@ -19,15 +19,6 @@ namespace fs = std::filesystem;
 // A name of its own, so that no other program of this user is counted.
 const std::string kIdentifier = "example.quillon.Test." + std::to_string(getpid());
 
-bool eventually(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + 20s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        poll(nullptr, 0, 10);
-    }
-    return true;
-}
-
 struct LoginItemTest : testing::Test {
     TemporaryFolder folder;
     fs::path file = folder / ("autostart/" + kIdentifier + ".desktop");
