@@ -23,7 +23,7 @@ std::filesystem::path pathFrom(NSURL* url);
 
 NSData* dataFrom(ByteView bytes);
 // One behind the other.
-NSData* dataFromParts(std::span<const ByteView> parts);
+NSMutableData* dataFromParts(std::span<const ByteView> parts);
 Bytes bytesFrom(NSData* data);
 
 // Dates beyond what the seam can hold become its first or last.

@@ -76,7 +76,7 @@ std::filesystem::path pathFrom(NSURL* url) { return textFrom(url.path); }
 
 NSData* dataFrom(ByteView bytes) { return [NSData dataWithBytes:bytes.data() length:bytes.size()]; }
 
-NSData* dataFromParts(std::span<const ByteView> parts) {
+NSMutableData* dataFromParts(std::span<const ByteView> parts) {
     NSUInteger length = 0;
     for (const ByteView part : parts) length += part.size();
     NSMutableData* const data = [NSMutableData dataWithCapacity:length];

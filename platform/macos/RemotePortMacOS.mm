@@ -4,6 +4,7 @@
 
 #import <CoreFoundation/CoreFoundation.h>
 
+#include "platform/Wipe.hpp"
 #include "platform/macos/CFHandle.hpp"
 #include "platform/macos/FoundationValues.hpp"
 #include "platform/macos/MessagePortsMacOS.hpp"
@@ -26,12 +27,14 @@ public:
         @autoreleasepool {
             // This object may be gone when the call returns: waiting runs the thread's run loop.
             const auto port = CFHandle<CFMessagePortRef>::retaining(port_.get());
-            NSData* const body = dataFromParts(std::array{request.secret, request.body});
+            NSMutableData* const body = dataFromParts(std::array{request.secret, request.body});
+            const std::size_t secretLength = request.secret.size();
             CFDataRef reply = nullptr;
             const SInt32 status = CFMessagePortSendRequest(
                 port.get(), request.messageID, (__bridge CFDataRef)body,
                 secondsOf(request.sendTimeout), secondsOf(request.receiveTimeout),
                 request.awaitsReply ? kCFRunLoopDefaultMode : nullptr, &reply);
+            wipe({static_cast<std::byte*>(body.mutableBytes), secretLength});
             NSData* answer = (__bridge_transfer NSData*)reply;
             return {.status = status,
                     .body = answer.length > 0 ? std::optional{bytesFrom(answer)} : std::nullopt};

@@ -29,6 +29,7 @@ TEST_F(PortsMacOSTest, ARequestGoesOutAndItsReplyComesBack) {
         EXPECT_EQ(reply.status, 0);
         ASSERT_TRUE(reply.body);
         EXPECT_EQ(textOf(*reply.body), "reply");
+        EXPECT_EQ(macrt::lastRequest(), std::string(5, '\0') + "ion");  // the secret is wiped
         EXPECT_FALSE(port->send({.messageID = 41}).body);
     }
     ASSERT_EQ(asked.size(), 2u);

@@ -23,6 +23,8 @@ using ServePort = std::function<PortAnswer(const PortMessage&)>;
 // What another process would answer under this name, from now on; nothing: nobody serves it.
 void servePort(const std::string& name, ServePort answer);
 void stopServing(const std::string& name);
+// What the data of the last request holds by now.
+std::string lastRequest();
 
 // What a client of a port gets that the code under test serves; nothing while no run loop has it.
 std::optional<std::string> callPort(const std::string& name, std::int32_t identifier,

@@ -25,6 +25,7 @@ struct Ports {
     std::map<std::string, FakePort * __weak> local;
     std::set<std::string> scheduled;
     std::vector<void (^)(void)> blocks;
+    NSData* lastRequest = nil;
     bool isStopped = false;
 };
 Ports ports;
@@ -87,6 +88,7 @@ SInt32 CFMessagePortSendRequest(CFMessagePortRef remote, SInt32 msgid, CFDataRef
     const auto answer = ports.served.find(port->name);
     if (answer == ports.served.end()) return -4;
     const bool awaitsReply = replyMode != nullptr;
+    ports.lastRequest = (__bridge NSData*)data;
     const macrt::PortAnswer reply =
         answer->second({msgid, bytesOf(data), sendTimeout, rcvTimeout, awaitsReply});
     if (awaitsReply && reply.status == 0 && reply.body)
@@ -129,6 +131,7 @@ void servePort(const std::string& name, ServePort answer) {
 }
 
 void stopServing(const std::string& name) { ports.served.erase(name); }
+std::string lastRequest() { return bytesOf((__bridge CFDataRef)ports.lastRequest); }
 
 std::optional<std::string> callPort(const std::string& name, std::int32_t identifier,
                                     const std::string& body) {

@@ -98,6 +98,9 @@ static NSNumber* numberOf(auto value) {
 + (instancetype)dataWithCapacity:(NSUInteger)aNumItems {
     return [self new];
 }
+- (void*)mutableBytes {
+    return bytes_.data();
+}
 - (void)appendBytes:(const void*)bytes length:(NSUInteger)length {
     bytes_.append(static_cast<const char*>(bytes), length);
 }
