@@ -13,13 +13,12 @@ class FakeStage : public CardStage {
 public:
     bool isHidden = true;
     int springs = 0;
-    int removals = 0;
     Transform lastStart;
     std::vector<Scene> scenes;
     StageEvents events;
 
     void setHidden(bool hidden) override { isHidden = hidden; }
-    void removeAnimations() override { ++removals; }
+    void removeAnimations() override {}
     void springFrom(const Transform& start, const Spring&) override {
         ++springs;
         lastStart = start;

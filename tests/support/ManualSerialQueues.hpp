@@ -26,14 +26,11 @@ public:
     }
     // Runs everything, one queue after the other.
     void runAll() {
-        for (const auto& label : labels())
-            while (runNext(label)) {
-            }
-    }
-    std::vector<std::string> labels() const {
         std::vector<std::string> labels;
         for (const auto& [label, actions] : actions_) labels.push_back(label);
-        return labels;
+        for (const std::string& label : labels)
+            while (runNext(label)) {
+            }
     }
     std::size_t waiting(const std::string& label) { return actions_[label].size(); }
 

@@ -27,9 +27,6 @@ public:
 
     xcb_connection_t* connection() const { return connection_; }
     xcb_window_t root() const { return screen_->root; }
-    Rect screen() const {
-        return {0, 0, double(screen_->width_in_pixels), double(screen_->height_in_pixels)};
-    }
 
     // What the process's end, by whatever signal, looks like to the server.
     void disconnect() {
@@ -42,21 +39,19 @@ public:
 
     struct Look {
         bool isOverrideRedirect = true;
-        bool isInputOnly = false;
     };
     // Not mapped. `parent` is the root when left out.
-    xcb_window_t makeWindow(const Rect& frame, Look look = {true, false},
+    xcb_window_t makeWindow(const Rect& frame, Look look = {true},
                             xcb_window_t parent = XCB_WINDOW_NONE,
                             xcb_window_t number = XCB_WINDOW_NONE) const {
         const xcb_window_t window =
             number == XCB_WINDOW_NONE ? xcb_generate_id(connection_) : number;
         const std::uint32_t values[] = {look.isOverrideRedirect ? 1u : 0u};
-        xcb_create_window(
-            connection_, XCB_COPY_FROM_PARENT, window, parent == XCB_WINDOW_NONE ? root() : parent,
-            std::int16_t(frame.x), std::int16_t(frame.y), std::uint16_t(frame.width),
-            std::uint16_t(frame.height), 0,
-            look.isInputOnly ? XCB_WINDOW_CLASS_INPUT_ONLY : XCB_WINDOW_CLASS_INPUT_OUTPUT,
-            XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, values);
+        xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window,
+                          parent == XCB_WINDOW_NONE ? root() : parent, std::int16_t(frame.x),
+                          std::int16_t(frame.y), std::uint16_t(frame.width),
+                          std::uint16_t(frame.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, values);
         return window;
     }
     void setClass(xcb_window_t window, std::string_view instance, std::string_view name) const {

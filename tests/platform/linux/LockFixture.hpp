@@ -54,7 +54,7 @@ protected:
                 services->localNotices.observe(name, [this, name](const PropertyDictionary&) {
                     notices.push_back(name + std::string{"com.apple.screen"}.size());
                 }));
-        observations.push_back(sources.observeWake([this] { ++wakes; }));
+        observations.push_back(sources.observeWake([] {}));
     }
     void stopWatching() {
         observations.clear();
@@ -133,7 +133,6 @@ protected:
     LockSources sources;
     std::vector<Handle> observations;
     Notices notices;
-    int wakes = 0;
     int timesLost = 0;
 };
 

@@ -125,7 +125,7 @@ TEST_F(LockerWindows, OfAnUnknownClientAreToldFromWindowsThatOnlyCoverMuch) {
 
     const xcb_window_t wallpaper = standLocker(kBothMonitors, "");
     client->restack(wallpaper, XCB_STACK_MODE_BELOW);
-    const xcb_window_t ordinary = client->makeWindow({50, 50, 300, 200}, {false, false});
+    const xcb_window_t ordinary = client->makeWindow({50, 50, 300, 200}, {false});
     client->map(ordinary);
     desktop.ungrabKeyboard();
     ASSERT_TRUE((desktop.sync(), desktop.grabKeyboard()));
@@ -195,7 +195,7 @@ TEST_F(LockerWindows, KeepTheAreasOfTheirPromptsClear) {
     EXPECT_EQ(zones(), std::vector<Rect>{});
     EXPECT_EQ(changes, 0);
 
-    const xcb_window_t prompt = client->makeWindow({100, 400, 300, 100}, {false, false}, window);
+    const xcb_window_t prompt = client->makeWindow({100, 400, 300, 100}, {false}, window);
     settle();
     EXPECT_EQ(zones(), std::vector<Rect>{}) << "not mapped yet";
     client->map(prompt);
@@ -226,7 +226,7 @@ TEST_F(LockerWindows, AreNotMistakenForOurs) {
     xcb_create_window(own, XCB_COPY_FROM_PARENT, card, window, 20, 20, 200, 100, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
     xcb_map_window(own, card);
-    const xcb_window_t noted = client->makeWindow({300, 20, 200, 100}, {true, false}, window);
+    const xcb_window_t noted = client->makeWindow({300, 20, 200, 100}, {}, window);
     session->noteOwnWindow(noted, true);
     client->map(noted);
     settle();
@@ -267,7 +267,7 @@ TEST_F(LockerWindows, AreStackedAsTheServerSays) {
                          double(1 + pick(900))};
         const std::size_t action = pick(8);
         if (action < 2 || made.empty()) {
-            made.push_back(client->makeWindow(frame, {pick(2) == 0, false}));
+            made.push_back(client->makeWindow(frame, {pick(2) == 0}));
             continue;
         }
         const std::size_t index = pick(made.size());
