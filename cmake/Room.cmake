@@ -6,13 +6,28 @@ function(quorvane_room name)
     target_link_libraries(${name} PUBLIC ${ARG_LINKS})
 endfunction()
 
-# A test program of GoogleTest cases. Its sources are remembered: configuring fails if a test file is in no program.
+# A test program of GoogleTest cases. Its sources are remembered: configuring fails if a test file is in no program. LABEL
+# tells that several threads or processes meet in it: those are what CI runs with the thread sanitizer.
 function(quorvane_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PROPERTIES" ${ARGN})
+    cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LINKS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} quorvane_test_support GTest::gtest GTest::gtest_main)
+    # Nobody runs a test for its speed. What these checks would find in a test crashes it anyway, and they take a third of
+    # the compiler's time.
+    if(QUORVANE_SANITIZERS MATCHES undefined)
+        target_compile_options(${name} PRIVATE -fno-sanitize=null,alignment,vptr)
+    endif()
+    if(CMAKE_CROSSCOMPILING)
+        target_compile_options(${name} PRIVATE -O0)
+    endif()
+    # A race ends the process that has it, or the programs of a session would only write it down.
+    set(properties TIMEOUT 120 ENVIRONMENT "TSAN_OPTIONS=halt_on_error=1")
+    if(ARG_LABEL)
+        add_dependencies(concurrent-tests ${name})
+        list(APPEND properties LABELS ${ARG_LABEL})
+    endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-                         PROPERTIES TIMEOUT 120 ${ARG_PROPERTIES})
+                         PROPERTIES ${properties})
     foreach(source IN LISTS ARG_SOURCES)
         cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" NORMALIZE)
         set_property(GLOBAL APPEND PROPERTY QUORVANE_TEST_SOURCES "${source}")
