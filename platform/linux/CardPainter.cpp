@@ -140,7 +140,8 @@ void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
         drawScene(cairo, look.scene);
     } else {
         copyFrom(cairo, backdropSurface_.get());
-        drawMoving(cairo, look);
+        // The first frame of an entrance shows nothing yet, and is not to wait for what comes next.
+        if (look.alpha > 0) drawMoving(cairo, look);
     }
     if (look.pointer)
         drawPointer(cairo, {look.pointer->x * scale_, look.pointer->y * scale_}, scale_,
