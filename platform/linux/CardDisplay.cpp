@@ -36,6 +36,12 @@ bool CardDisplay::prepare() {
     return true;
 }
 
+void CardDisplay::afterFrame() {
+    if (painter_.makeChrome()) return;
+    if (!std::exchange(followsLocker_, true)) followLocker();
+}
+
+// From now on what the locker draws behind is seen to, where that can be.
 void CardDisplay::followLocker() {
     const auto background = lockerPicture_.background(child_.place());
     showsBackground_ = background && *background == painter_.backdrop();

@@ -26,9 +26,9 @@ public:
                                              double scale, std::shared_ptr<PictureCache> pictures,
                                              std::function<void()> backdropChanged);
 
-    // From now on what the locker draws behind is seen to. Learning whether it can be takes nearly
-    // a frame's time: it comes after the first one.
-    void followLocker();
+    // What a frame need not wait for: each call after one does a part of it, and leaves time for
+    // the next frame.
+    void afterFrame();
     // Moves the child; everything is to be drawn again.
     void moveTo(const PixelRect& place);
     void draw(const StageLook& look);
@@ -43,6 +43,7 @@ private:
                 double scale, std::shared_ptr<PictureCache> pictures,
                 std::function<void()> backdropChanged);
     bool prepare();
+    void followLocker();
     void lockerHasDrawn();
     void watchLocker();
     Pixels backdropAt(const PixelRect& place);
@@ -54,6 +55,7 @@ private:
     CardPainter painter_;
     std::unique_ptr<WindowBuffer> buffer_;
     std::function<void()> backdropChanged_;
+    bool followsLocker_ = false;
     bool showsBackground_ = false;  // what is seen of the locker is its background
     std::optional<LockerPictureWatch> watch_;
 };

@@ -79,11 +79,16 @@ void CardPainter::setBackdrop(Pixels backdrop) {
     scrolling_.reset();
     backdropSurface_.reset();
     chromeSurface_.reset();
-    chrome_ = makeCardChrome(backdrop, style_, scale_);
     backdrop_ = std::move(backdrop);
     backdropSurface_ = surfaceOver(backdrop_);
+}
+
+bool CardPainter::makeChrome() {
+    if (chromeSurface_) return false;
+    chrome_ = makeCardChrome(backdrop_, style_, scale_);
     chromeSurface_ = surfaceOver(chrome_);
     opaque_ = opaqueCross(chrome_);
+    return true;
 }
 
 PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
@@ -134,13 +139,14 @@ Pixels CardPainter::picture(const StageLook& look, const PixelRect& part) {
 }
 
 void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
+    if (look.alpha > 0) makeChrome();
     if (look.isResting()) {
         moving_.reset();
         drawGround(cairo);
         drawScene(cairo, look.scene);
     } else {
         copyFrom(cairo, backdropSurface_.get());
-        // The first frame of an entrance shows nothing yet, and is not to wait for what comes next.
+        // An entrance's first frame shows nothing yet, and does not wait for what comes next.
         if (look.alpha > 0) drawMoving(cairo, look);
     }
     if (look.pointer)

@@ -34,6 +34,9 @@ public:
     // `backdrop` has the size of the stage in pixels.
     void setBackdrop(Pixels backdrop);
     const Pixels& backdrop() const { return backdrop_; }
+    // Glass and shadow over the backdrop, for the next drawing that needs them. False when they are
+    // there.
+    bool makeChrome();
     // The scene looks different somewhere.
     void forgetScene() { moving_.reset(); }
 

@@ -160,12 +160,11 @@ void CardWindowX11::update() {
         if (fade_) updateAfter(*fade_->begin + fade_->duration - now);
         return;
     }
-    const bool isFirst = !display_;
-    if (isFirst && !show()) return endFade();
+    if (!display_ && !show()) return endFade();
     draw(now);
     syncPointer();
     beginAnimations(resources_->clock.now());
-    if (isFirst) display_->followLocker();
+    display_->afterFrame();
     const Instant done = resources_->clock.now();
     // The next frame counts from this one's time, however long its drawing took.
     if (isMoving(now)) updateAfter(kFrame - (done - now));
