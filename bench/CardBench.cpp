@@ -80,6 +80,7 @@ struct Bench {
     CardPainter makePainter() const {
         CardPainter made{kStyle, kScale, pictures};
         made.setBackdrop(backdrop);
+        made.makeChrome();
         return made;
     }
 };
