@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "QuorvaneKit/Identifiers.hpp"
-#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/MessagePortSecret.hpp"
 #include "QuorvaneKit/QuorvaneDarwinNotification.hpp"
 #include "platform/Wipe.hpp"
 
@@ -112,11 +112,10 @@ std::optional<Bytes> MessagePortClient::State::readSecret() const {
         log.error(
             "IPC connection secret unavailable (App Group container unreadable); cannot send to "
             "main app");
-    } else if (bytes->size() != MessagePortWire::kSecretLength) {
-        wipe(*bytes);
-        bytes.reset();
-        log.error("IPC connection secret malformed; cannot send");
+        return std::nullopt;
     }
+    bytes = MessagePortSecret::checked(std::move(bytes));
+    if (!bytes) log.error("IPC connection secret malformed; cannot send");
     return bytes;
 }
 

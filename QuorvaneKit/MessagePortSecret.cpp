@@ -45,4 +45,12 @@ std::optional<Bytes> MessagePortSecret::read(const FileStore& files) {
     return *std::move(contents);
 }
 
+std::optional<Bytes> MessagePortSecret::checked(std::optional<Bytes> contents) {
+    if (contents && contents->size() != MessagePortWire::kSecretLength) {
+        wipe(*contents);
+        contents.reset();
+    }
+    return contents;
+}
+
 }  // namespace quorvane

@@ -19,6 +19,9 @@ struct MessagePortSecret {
     // The file's contents whatever their length; nothing when it cannot be read. Any thread. The
     // caller wipes them after use.
     static std::optional<Bytes> read(const FileStore& files);
+
+    // What has been read, if it is a secret; nothing, and wiped, when its length is another.
+    static std::optional<Bytes> checked(std::optional<Bytes> contents);
 };
 
 }  // namespace quorvane

@@ -1,6 +1,6 @@
 #include "QuorvaneKit/QuerySlot.hpp"
 
-#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/MessagePortSecret.hpp"
 #include "platform/Wipe.hpp"
 
 namespace quorvane {
@@ -26,11 +26,7 @@ QueryPort::QueryPort(std::size_t index, std::string name, Services services)
     : index_(index), name_(std::move(name)), services_(std::move(services)) {}
 
 std::optional<Bytes> QueryPort::readSecret(MessageType type) const {
-    auto secret = services_.secret();
-    if (secret && secret->size() != MessagePortWire::kSecretLength) {
-        wipe(*secret);
-        secret.reset();
-    }
+    auto secret = MessagePortSecret::checked(services_.secret());
     if (!secret)
         services_.log.error("Query %d not sent: IPC connection secret unavailable",
                             std::to_underlying(type));

@@ -205,23 +205,22 @@ ProcessMemory leastMemory(const BenchSession& session) {
 }
 
 void tellMemory(const ProcessMemory& memory, const ProcessMemory& least) {
-    constexpr char kAgainst[] = "a bare program that opens the same libraries, writes and decodes";
-    report({.what = "card up: resident memory",
-            .ratio = memory.resident / least.resident,
-            .against = kAgainst,
-            .figure = sizeText(memory.resident) + " to " + sizeText(least.resident),
-            .goal = "≤ 20 MB",
-            .isMet = memory.resident <= 20e6,
-            .reason = "what libraries, fonts and their caches take, the bare program takes too; "
-                      "three pictures of card and shadow, of 2.6 MB each, come on top"});
-    report({.what = "card up: proportional memory",
-            .ratio = memory.proportional / least.proportional,
-            .against = kAgainst,
-            .figure = sizeText(memory.proportional) + " to " + sizeText(least.proportional),
-            .goal = "≤ 16 MB",
-            .isMet = memory.proportional <= 16e6,
-            .reason = "no other program runs here with which the libraries would be shared; the "
-                      "pictures of card and shadow come on top"});
+    const auto tell = [&](const char* kind, double ProcessMemory::*bytes, int megabytes,
+                          const char* reason) {
+        report({.what = std::string{"card up: "} + kind + " memory",
+                .ratio = memory.*bytes / least.*bytes,
+                .against = "a bare program that opens the same libraries, writes and decodes",
+                .figure = sizeText(memory.*bytes) + " to " + sizeText(least.*bytes),
+                .goal = "≤ " + std::to_string(megabytes) + " MB",
+                .isMet = memory.*bytes <= megabytes * 1e6,
+                .reason = reason});
+    };
+    tell("resident", &ProcessMemory::resident, 20,
+         "what libraries, fonts and their caches take, the bare program takes too; three pictures "
+         "of card and shadow, of 2.6 MB each, come on top");
+    tell("proportional", &ProcessMemory::proportional, 16,
+         "no other program runs here with which the libraries would be shared; the pictures of "
+         "card and shadow come on top");
 }
 
 void playing() {

@@ -1,7 +1,6 @@
 #include "host/HostStatusQuery.hpp"
 
 #include "QuorvaneKit/MessagePortSecret.hpp"
-#include "QuorvaneKit/MessagePortWire.hpp"
 #include "QuorvaneKit/MessageType.hpp"
 #include "QuorvaneKit/PortNames.hpp"
 #include "QuorvaneKit/SharedDefaults.hpp"
@@ -44,15 +43,14 @@ void HostStatusQuery::readDefaults() {
 void HostStatusQuery::askHost() {
     const auto port = services_.connectPort(std::string{kMessagePortBaseName});
     status_.isServed = port != nullptr;
-    auto secret = MessagePortSecret::read(services_.files);
-    if (!port || !secret) return;
-    PortReply reply;
-    if (secret->size() == MessagePortWire::kSecretLength)
-        reply = port->send({.messageID = static_cast<std::int32_t>(MessageType::requestState),
-                            .secret = *secret,
-                            .sendTimeout = kHostTimeout,
-                            .receiveTimeout = kHostTimeout,
-                            .awaitsReply = true});
+    if (!port) return;
+    auto secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));
+    if (!secret) return;
+    PortReply reply = port->send({.messageID = static_cast<std::int32_t>(MessageType::requestState),
+                                  .secret = *secret,
+                                  .sendTimeout = kHostTimeout,
+                                  .receiveTimeout = kHostTimeout,
+                                  .awaitsReply = true});
     wipe(*secret);
     if (reply.status != kPortSuccess || !reply.body) return;
     auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*std::move(reply.body));

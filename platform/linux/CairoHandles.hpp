@@ -1,10 +1,11 @@
-// Owners of the drawing libraries' objects.
+// Owners of the drawing libraries' objects, and what a context is asked in several places.
 #pragma once
 
 #include <cairo.h>
 #include <glib-object.h>
 
 #include <memory>
+#include <optional>
 
 namespace quorvane {
 
@@ -33,5 +34,14 @@ public:
 private:
     cairo_t* cairo_;
 };
+
+// Pixels of the device a unit of the context's user space, where that is neither turned nor
+// stretched.
+inline std::optional<double> uprightScale(cairo_t* cairo) {
+    cairo_matrix_t matrix{};
+    cairo_get_matrix(cairo, &matrix);
+    if (matrix.xy != 0 || matrix.yx != 0 || matrix.xx != matrix.yy) return std::nullopt;
+    return matrix.xx;
+}
 
 }  // namespace quorvane

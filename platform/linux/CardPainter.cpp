@@ -9,7 +9,7 @@ namespace {
 CairoSurface surfaceOver(Pixels& pixels) {
     return CairoSurface{cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(pixels.values.data()), CAIRO_FORMAT_ARGB32, pixels.width,
-        pixels.height, pixels.width * static_cast<int>(sizeof(std::uint32_t)))};
+        pixels.height, pixels.width * kBytesAPixel)};
 }
 
 void copyFrom(cairo_t* cairo, cairo_surface_t* source) {

@@ -10,7 +10,6 @@ namespace {
 constexpr std::uint32_t kEveryPlane = ~0U;
 // Stays where the locker's window has no background at all, and is like nothing that one sees.
 constexpr std::uint32_t kUntouched = 0xfd02fb;
-constexpr int kBytesAPixel = 4;
 
 Pixels opaque(const PixelRect& area, const void* values) {
     Pixels picture{area.width, area.height, static_cast<const std::uint32_t*>(values)};

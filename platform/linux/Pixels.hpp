@@ -35,6 +35,9 @@ struct PixelRect {
     constexpr bool operator==(const PixelRect&) const = default;
 };
 
+// As pictures lie in memory here: one std::uint32_t each.
+inline constexpr int kBytesAPixel = 4;
+
 // What holds both.
 constexpr PixelRect unionOf(const PixelRect& one, const PixelRect& two) {
     const int left = std::min(one.x, two.x);

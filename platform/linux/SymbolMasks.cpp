@@ -15,19 +15,17 @@ bool isWhole(double value) { return std::abs(value - std::round(value)) < 1e-6; 
 }  // namespace
 
 void SymbolMasks::draw(cairo_t* cairo, const SymbolNode& symbol, bool isRightToLeft) {
-    cairo_matrix_t matrix{};
-    cairo_get_matrix(cairo, &matrix);
+    const std::optional<double> scale = uprightScale(cairo);
     Point corner{symbol.frame.x, symbol.frame.y};
     cairo_user_to_device(cairo, &corner.x, &corner.y);
-    const bool isUpright = matrix.xy == 0 && matrix.yx == 0 && matrix.xx == matrix.yy;
-    if (!isUpright || !isWhole(corner.x) || !isWhole(corner.y)) {
+    if (!scale || !isWhole(corner.x) || !isWhole(corner.y)) {
         drawSymbol(cairo, symbol, isRightToLeft);
         return;
     }
     cairo_surface_t* const mask = maskOf({symbol.name,
                                           symbol.pointSize,
                                           {symbol.frame.width, symbol.frame.height},
-                                          matrix.xx,
+                                          *scale,
                                           isRightToLeft});
     const CairoState state{cairo};
     const Color& color = symbol.color;

@@ -22,14 +22,6 @@ Point snapped(cairo_t* cairo, Point point) {
     return point;
 }
 
-// Pixels a point, where neither turned nor stretched.
-std::optional<double> uprightScale(cairo_t* cairo) {
-    cairo_matrix_t matrix{};
-    cairo_get_matrix(cairo, &matrix);
-    if (matrix.xy != 0 || matrix.yx != 0 || matrix.xx != matrix.yy) return std::nullopt;
-    return matrix.xx;
-}
-
 CairoPattern evenly(const Color& color) {
     return CairoPattern{cairo_pattern_create_rgba(color.red, color.green, color.blue, color.alpha)};
 }

@@ -8,11 +8,6 @@
 #include "platform/linux/XcbReply.hpp"
 
 namespace quorvane {
-namespace {
-
-constexpr int kBytesAPixel = 4;
-
-}  // namespace
 
 std::unique_ptr<WindowBuffer> WindowBuffer::make(xcb_connection_t* connection, xcb_window_t window,
                                                  int width, int height, std::uint8_t depth) {
