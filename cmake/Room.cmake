@@ -4,7 +4,18 @@ function(quorvane_room name)
     add_library(${name} STATIC ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PUBLIC ${ARG_LINKS})
+    quorvane_precompiled(${name} quorvane_precompiled_standard)
 endfunction()
+
+# The speed of tests does not matter. A test with a fault of these kinds crashes anyway, and the checks take a third of the
+# compiler's time.
+set(QUORVANE_TEST_OPTIONS "")
+if(QUORVANE_SANITIZERS MATCHES undefined)
+    list(APPEND QUORVANE_TEST_OPTIONS -fno-sanitize=null,alignment,vptr)
+endif()
+if(CMAKE_CROSSCOMPILING)
+    list(APPEND QUORVANE_TEST_OPTIONS -O0)
+endif()
 
 # A test program of GoogleTest cases. Its sources are remembered: configuring fails if a test file is in no program. LABEL
 # tells that several threads or processes meet in it: those are what CI runs with the thread sanitizer.
@@ -12,14 +23,8 @@ function(quorvane_test name)
     cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LINKS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} quorvane_test_support GTest::gtest GTest::gtest_main)
-    # Nobody runs a test for its speed. What these checks would find in a test crashes it anyway, and they take a third of
-    # the compiler's time.
-    if(QUORVANE_SANITIZERS MATCHES undefined)
-        target_compile_options(${name} PRIVATE -fno-sanitize=null,alignment,vptr)
-    endif()
-    if(CMAKE_CROSSCOMPILING)
-        target_compile_options(${name} PRIVATE -O0)
-    endif()
+    target_compile_options(${name} PRIVATE ${QUORVANE_TEST_OPTIONS})
+    quorvane_precompiled(${name} quorvane_precompiled_tests)
     # A race ends the process that has it, or the programs of a session would only write it down.
     set(properties TIMEOUT 120 ENVIRONMENT "TSAN_OPTIONS=halt_on_error=1")
     if(ARG_LABEL)

@@ -118,6 +118,10 @@ void AnimatedPNG::add(CairoSurface frame) {
     last_ = std::move(frame);
 }
 
+void AnimatedPNG::keepLastAsStill() {
+    if (last_) still_ = encodePNG(last_.get());
+}
+
 Bytes AnimatedPNG::finish() const {
     Bytes file;
     if (frames_.empty()) return file;
@@ -129,6 +133,10 @@ Bytes AnimatedPNG::finish() const {
     appendNumber(control, static_cast<std::uint32_t>(frames_.size()), 4);
     appendNumber(control, 0, 4);  // plays: for ever
     appendChunk(file, "acTL", control);
+    // Image data before the first frame's control chunk is not part of the animation.
+    forEachChunk(still_, [&](std::string_view type, ByteView content) {
+        if (type == "IDAT") appendChunk(file, type, content);
+    });
 
     std::uint32_t sequence = 0;
     for (const Frame& frame : frames_) {
@@ -144,7 +152,8 @@ Bytes AnimatedPNG::finish() const {
         appendChunk(file, "fcTL", head);
         forEachChunk(frame.png, [&](std::string_view type, ByteView content) {
             if (type != "IDAT") return;
-            if (&frame == &frames_.front()) return appendChunk(file, type, content);
+            if (still_.empty() && &frame == &frames_.front())
+                return appendChunk(file, type, content);
             Bytes numbered;
             appendNumber(numbered, sequence++, 4);
             appendBytes(numbered, content);

@@ -8,13 +8,19 @@ namespace quorvane {
 
 Bytes encodePNG(cairo_surface_t* picture);
 
-// Takes the frames one by one and keeps only what changes from each to the next. Repeats for ever.
+// An animation from frames that are added one by one; stores only the area in which a frame differs
+// from the one before. Loops without end.
 class AnimatedPNG {
 public:
     explicit AnimatedPNG(double framesPerSecond) : framesPerSecond_(framesPerSecond) {}
 
     // An image surface of the same size as the first.
     void add(CairoSurface frame);
+
+    // Makes the last added frame the picture that viewers without animation show; the first
+    // frame when this is never called.
+    void keepLastAsStill();
+
     Bytes finish() const;
 
 private:
@@ -23,12 +29,13 @@ private:
         int y = 0;
         int width = 0;
         int height = 0;
-        int count = 1;  // how many frames long it stays
+        int count = 1;  // duration in frames
         Bytes png;
     };
     double framesPerSecond_;
     std::vector<Frame> frames_;
     CairoSurface last_;
+    Bytes still_;  // a PNG file, shown only where nothing is animated
 };
 
 }  // namespace quorvane

@@ -18,8 +18,9 @@ namespace {
 
 constexpr char kHelp[] = R"(Usage: screen-film X,Y,WIDTHxHEIGHT OUTPUT.png
 
-Films this part of the display's screen, in pixels, until SIGINT or SIGTERM, and then writes it as
-an animated PNG of 20 frames a second. What stands still costs nothing.
+Records this part of the display's screen, in pixels, until SIGINT or SIGTERM, and then writes it
+as an animated PNG of 20 frames a second. SIGUSR1 makes the current frame the still image that
+viewers without animation show.
 
 Exit status: 0 when the film was written, 1 when it could not be, 2 for a wrong command line.
 )";
@@ -29,6 +30,8 @@ constexpr long kFrameNanoseconds = 50'000'000;
 
 volatile std::sig_atomic_t isOver = 0;
 void endFilmSigHandler(int) { isOver = 1; }
+volatile std::sig_atomic_t isStillWanted = 0;
+void keepStillSigHandler(int) { isStillWanted = 1; }
 
 struct Area {
     int x = 0, y = 0, width = 0, height = 0;
@@ -92,6 +95,10 @@ std::expected<void, std::string> film(const Area& area, const std::string& file)
             animation.add(CairoSurface{cairo_surface_reference(frame.get())});
             next = later(next);
         } while (isPast(next));
+        if (isStillWanted) {
+            isStillWanted = 0;
+            animation.keepLastAsStill();
+        }
         clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &next, nullptr);
     }
     return writeFile(file, animation.finish());
@@ -113,6 +120,7 @@ int run(int count, char** words) {
     }
     std::signal(SIGINT, endFilmSigHandler);
     std::signal(SIGTERM, endFilmSigHandler);
+    std::signal(SIGUSR1, keepStillSigHandler);
     if (const auto done = film(area, words[2]); !done) {
         std::cerr << "screen-film: " << done.error() << ".\n";
         return 1;

@@ -14,28 +14,48 @@ packages_of() {
 
 is_installed() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 
-# install GROUP...: installs what is missing of these groups.
+# install GROUP...: installs the packages of these groups that are missing.
 install() {
+    local packages
+    packages=$(packages_of "$@")
+    # shellcheck disable=SC2086 # one word a package
+    install_packages $packages
+}
+
+# install_packages PACKAGE...: installs those that are missing.
+install_packages() {
     local missing=() package
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-        say "no apt here: these packages' equivalents must be installed: $(packages_of "$@" | tr '\n' ' ')"
+        say "no apt here: install the equivalents of these Debian packages yourself: $*"
         return 0
     fi
-    for package in $(packages_of "$@"); do
+    for package in "$@"; do
         is_installed "$package" || missing+=("$package")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     say "installing ${#missing[@]} packages: ${missing[*]}"
-    local as_root=()
+    local as_root=() log
     if [ "$(id -u)" -ne 0 ]; then
-        command -v sudo >/dev/null || fail "run as root once: apt-get install ${missing[*]}"
+        command -v sudo >/dev/null || fail "run this as root, then try again: apt-get install ${missing[*]}"
         as_root=(sudo)
     fi
-    "${as_root[@]}" apt-get update -q >/dev/null || fail "the package lists could not be fetched"
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}" \
-        >"${TMPDIR:-/tmp}/quorvane-install.$$.log" 2>&1 ||
-        fail "installing failed; see ${TMPDIR:-/tmp}/quorvane-install.$$.log"
-    rm -f "${TMPDIR:-/tmp}/quorvane-install.$$.log"
+    log=$(mktemp "${TMPDIR:-/tmp}/quorvane-install-XXXXXX.log")
+    "${as_root[@]}" apt-get update -q >"$log" 2>&1 ||
+        fail "the package lists could not be fetched (check the network connection); see $log"
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends \
+        -o APT::Status-Fd=1 "${missing[@]}" 2>>"$log" | tee -a "$log" | show_progress ||
+        fail "installing failed; see $log"
+    rm -f "$log"
+}
+
+# Reads apt's status lines (KIND:PACKAGE:PERCENT:TEXT) and prints a line at every tenth of the way.
+show_progress() {
+    awk -F: '
+        /^(dl|pm)status:/ && int($3 / 10) != last[$1] {
+            last[$1] = int($3 / 10)
+            printf "    %s: %d %%\n", $1 == "dlstatus" ? "downloading" : "installing", last[$1] * 10
+            fflush()
+        }'
 }
 
 # On a Mac: the command line tools and what Homebrew has.

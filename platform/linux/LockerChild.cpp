@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "platform/linux/XcbReply.hpp"
@@ -40,6 +41,8 @@ xcb_rectangle_t rectangleOf(const PixelRect& rect) {
     return {static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
             static_cast<std::uint16_t>(rect.width), static_cast<std::uint16_t>(rect.height)};
 }
+
+constexpr std::string_view kWindowName = "Quorvane Lock Screen card";
 
 std::uint32_t valueOf(int number) { return static_cast<std::uint32_t>(number); }
 
@@ -91,6 +94,9 @@ bool LockerChild::create(const Rect& frame, const Screen& screen) {
         values);
     const XcbReply<xcb_generic_error_t> error{xcb_request_check(connection, request)};
     if (error || xcb_connection_has_error(connection)) return false;
+    // For tools that list windows, such as xwininfo.
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME,
+                        XCB_ATOM_STRING, 8, kWindowName.size(), kWindowName.data());
     window_ = window;
     isStanding_ = true;
     x11_.noteOwnWindow(window_, true);

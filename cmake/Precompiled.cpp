@@ -1,0 +1,1 @@
+// Empty: a target that only precompiles headers needs one source.
