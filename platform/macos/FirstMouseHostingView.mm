@@ -14,8 +14,7 @@
 #include "platform/macos/CoreGraphicsValues.hpp"
 #include "platform/macos/FoundationValues.hpp"
 
-using namespace quorvane;
-
+namespace quorvane {
 namespace {
 
 NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
@@ -27,11 +26,12 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 }
 
 }  // namespace
+}  // namespace quorvane
 
 @implementation FirstMouseHostingView {
-    Scene scene_;
-    CoreGraphicsCanvas canvas_;
-    std::map<SceneControl::ID, CardControlElement*> elements_;
+    quorvane::Scene scene_;
+    quorvane::CoreGraphicsCanvas canvas_;
+    std::map<quorvane::SceneControl::ID, CardControlElement*> elements_;
 }
 
 - (BOOL)isFlipped {
@@ -46,17 +46,18 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     return NO;
 }
 
-- (void)showScene:(const Scene&)scene {
-    for (const Rect& area : changedAreas(scene_, scene)) [self setNeedsDisplayInRect:cgRect(area)];
-    const auto changes = accessibilityChanges(scene_.controls, scene.controls);
+- (void)showScene:(const quorvane::Scene&)scene {
+    for (const quorvane::Rect& area : quorvane::changedAreas(scene_, scene))
+        [self setNeedsDisplayInRect:cgRect(area)];
+    const auto changes = quorvane::accessibilityChanges(scene_.controls, scene.controls);
     scene_ = scene;
-    self.accessibilityLabel = stringFrom(scene.label);
+    self.accessibilityLabel = quorvane::stringFrom(scene.label);
     [self updateControlElements];
-    for (const AccessibilityChange& change : changes) {
+    for (const quorvane::AccessibilityChange& change : changes) {
         const auto element = elements_.find(change.control);
         // What came or went changes the whole card.
         const id subject = element == elements_.end() ? self : element->second;
-        NSAccessibilityPostNotification(subject, noticeOf(change.kind));
+        NSAccessibilityPostNotification(subject, quorvane::noticeOf(change.kind));
     }
 }
 
@@ -66,7 +67,7 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 
 // Pointer
 
-- (void)report:(PointerEvent::Kind)kind of:(NSEvent*)event {
+- (void)report:(quorvane::PointerEvent::Kind)kind of:(NSEvent*)event {
     const NSPoint place = [self convertPoint:event.locationInWindow fromView:nil];
     // The content may replace its events while it hears this one.
     const auto pointer = _events.pointer;
@@ -101,7 +102,7 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 
 - (NSArray*)accessibilityChildren {
     NSMutableArray* const children = [NSMutableArray arrayWithCapacity:scene_.controls.size()];
-    for (const SceneControl& control : scene_.controls)
+    for (const quorvane::SceneControl& control : scene_.controls)
         [children addObject:elements_.at(control.id)];
     return children;
 }
@@ -110,32 +111,33 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 - (id)accessibilityHitTest:(NSPoint)point {
     const NSPoint place = [self convertPoint:[self.window convertPointFromScreen:point]
                                     fromView:nil];
-    const SceneControl* const control = accessibleControlAt(scene_.controls, {place.x, place.y});
+    const quorvane::SceneControl* const control =
+        quorvane::accessibleControlAt(scene_.controls, {place.x, place.y});
     return control == nullptr ? self : elements_.at(control->id);
 }
 
 // An element stays the same while its control is there: assistive technology holds on to it.
 - (void)updateControlElements {
     std::erase_if(elements_, [&](const auto& each) {
-        return std::ranges::find(scene_.controls, each.first, &SceneControl::id) ==
+        return std::ranges::find(scene_.controls, each.first, &quorvane::SceneControl::id) ==
                scene_.controls.end();
     });
-    for (const SceneControl& control : scene_.controls) {
+    for (const quorvane::SceneControl& control : scene_.controls) {
         CardControlElement* __strong& element = elements_[control.id];
         if (element == nil) element = [[CardControlElement alloc] initInView:self];
         [element setControl:control];
     }
 }
 
-- (BOOL)perform:(AccessibilityAction)action on:(const SceneControl&)control {
-    const auto offered = accessibilityActions(control.role);
+- (BOOL)perform:(quorvane::AccessibilityAction)action on:(const quorvane::SceneControl&)control {
+    const auto offered = quorvane::accessibilityActions(control.role);
     if (std::ranges::find(offered, action) == offered.end()) return NO;
     const auto perform = _events.accessibility;
     if (perform) perform(control.id, action);
     return YES;
 }
 
-- (void)setNumber:(double)number of:(const SceneControl&)control {
+- (void)setNumber:(double)number of:(const quorvane::SceneControl&)control {
     const auto setNumber = _events.accessibilityNumber;
     if (setNumber) setNumber(control.id, number);
 }

@@ -1,10 +1,9 @@
 #pragma once
 
+#include <MacTypes.h>  // ::Rect, ::Point, ::Size and others, which Foundation brings in too
 #include <stdbool.h>
 #include <stdint.h>
 
-typedef unsigned char Boolean;
-typedef signed int SInt32;
 typedef const void* CFTypeRef;
 typedef unsigned long CFTypeID;
 typedef long CFIndex;

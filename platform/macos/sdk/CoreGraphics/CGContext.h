@@ -8,7 +8,7 @@
 
 typedef struct CGContext* CGContextRef;
 
-enum CGBlendMode : int32_t { kCGBlendModeDestinationIn = 23 };       // from memory
+enum CGBlendMode : int32_t { kCGBlendModeDestinationIn = 22 };
 enum CGInterpolationQuality : int32_t { kCGInterpolationHigh = 3 };  // from memory
 
 extern "C" {
