@@ -62,10 +62,9 @@ struct PlatformLinux {
 };
 
 const char* noDisplay() {
-    // The protocols there let no other program above a locker.
     return isSet("WAYLAND_DISPLAY")
-               ? "this is a Wayland session, whose lock screen lets no other program above it: the "
-                 "card needs an X11 session"
+               ? "this is a Wayland session, which is not supported yet: the card needs an X11 "
+                 "session"
                : "there is no X11 session to show a card in: DISPLAY is not set";
 }
 
