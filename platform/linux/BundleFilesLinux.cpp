@@ -6,11 +6,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/BundleLayout.hpp"
 #include "platform/linux/FileDescriptor.hpp"
 #include "platform/linux/FileManagerLinux.hpp"
 #include "platform/linux/FilesLinux.hpp"
 #include "platform/linux/PosixError.hpp"
-#include "platform/linux/ProcessInfoLinux.hpp"
 
 namespace quorvane {
 namespace {

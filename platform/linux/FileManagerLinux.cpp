@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/linux/BundleLayout.hpp"
 #include "platform/linux/FileDescriptor.hpp"
 #include "platform/linux/PosixError.hpp"
-#include "platform/linux/ProcessInfoLinux.hpp"
 
 namespace quorvane {
 namespace {

@@ -4,10 +4,10 @@
 
 #include "platform/RegularFiles.hpp"
 #include "platform/linux/AutostartEntry.hpp"
+#include "platform/linux/BundleLayout.hpp"
 #include "platform/linux/FilesLinux.hpp"
 #include "platform/linux/FoldersLinux.hpp"
 #include "platform/linux/PosixError.hpp"
-#include "platform/linux/ProcessInfoLinux.hpp"
 
 namespace quorvane {
 namespace {

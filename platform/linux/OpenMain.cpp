@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
+#include "platform/linux/BundleLayout.hpp"
 #include "platform/linux/DetachedProcess.hpp"
 #include "platform/linux/OpenCommandLine.hpp"
-#include "platform/linux/ProcessInfoLinux.hpp"
 #include "platform/linux/RunningApplicationsLinux.hpp"
 
 namespace quorvane {

@@ -5,9 +5,9 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "platform/linux/BundleLayout.hpp"
 #include "platform/linux/FileDescriptor.hpp"
 #include "platform/linux/FileManagerLinux.hpp"
-#include "platform/linux/ProcessInfoLinux.hpp"
 #include "platform/linux/ProcessTable.hpp"
 
 namespace quorvane {
