@@ -36,7 +36,8 @@ public:
     // Stops.
     ~MessagePortServer();
 
-    // To be set before `start` and left alone until `stop` has returned. Without a secret every
+    // Both are set before a port opens and do not change until `stop` has returned. The secret may
+    // still be set by `openPort`, inside the call that opens the first port. Without a secret every
     // request is dropped.
     MessagePortHandlers handlers;
     std::optional<Bytes> expectedSecret;

@@ -2,7 +2,6 @@
 
 #include "QuorvaneKit/Identifiers.hpp"
 #include "QuorvaneKit/MessagePortSecret.hpp"
-#include "QuorvaneKit/MessagePortWire.hpp"
 
 namespace quorvane {
 
@@ -57,19 +56,17 @@ bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
     playerChanged();
     waits_ = EndableWaits{};
+    ports_.emplace(services_.openPort, [this] { findSecret(); });
     server_.emplace(MessagePortServer::Services{.log = services_.log,
                                                 .openPort = countingOpenPort(),
                                                 .nameCurrentThread = services_.nameCurrentThread,
                                                 .makeWaitFlag = waits_.make()});
     server_->handlers = makeHandlers();
-    server_->expectedSecret = secret();
-    const bool hasSecret = server_->expectedSecret.has_value();
     starting_ = services_.makeSerialQueue("example.quillon.Quorvane.host");
-    starting_->async([server = &*server_, link = link_] {
+    return starting_->async([server = &*server_, link = link_] {
         server->start();
         Link::post(link, [](HostCoordinator& host) { host.starting_.reset(); });
     });
-    return hasSecret;
 }
 
 void HostCoordinator::stop() {
@@ -77,7 +74,9 @@ void HostCoordinator::stop() {
     player_->onChanged = nullptr;
     announcement_.reset();
     waits_.end();
+    ports_->end();
     starting_.reset();
+    server_->stop();  // its threads look at `server_`
     server_.reset();
     if (isServing()) {
         log_.info("host: ending");
@@ -88,17 +87,20 @@ void HostCoordinator::stop() {
 
 bool HostCoordinator::isServing() const { return openPorts_ == kPortCount; }
 
-// One secret serves as long as the container does: the add-on may read it at any time.
-std::optional<Bytes> HostCoordinator::secret() const {
-    auto known = MessagePortSecret::read(services_.files);
-    if (known && known->size() == MessagePortWire::kSecretLength) return known;
-    return MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
+bool HostCoordinator::hasSecret() const { return server_ && server_->expectedSecret; }
+
+// On the main port's thread, before any port of this server answers. Only then no other host
+// serves, whose add-on a new secret would cut off.
+void HostCoordinator::findSecret() {
+    auto& secret = server_->expectedSecret;
+    secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));
+    if (!secret)
+        secret = MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
 }
 
-OpenPort HostCoordinator::countingOpenPort() const {
-    return [openPort = services_.openPort, link = link_](const std::string& name,
-                                                         PortHandler handler) {
-        auto port = openPort(name, std::move(handler));
+OpenPort HostCoordinator::countingOpenPort() {
+    return [ports = &*ports_, link = link_](const std::string& name, PortHandler handler) {
+        auto port = ports->open(name, std::move(handler));
         if (port) Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
         return port;
     };

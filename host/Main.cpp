@@ -88,18 +88,24 @@ int run(const HostCommandLine& line, const LiveServices& services) {
     auto player = makePlayer(line, services);
     if (!player) return fail(player.error());
     HostCoordinator host{coordinatorServices(services), *std::move(player)};
-    host.onServing = [] { say("serving; end with Ctrl-C"); };
+    host.onServing = [&host] {
+        say("serving; end with Ctrl-C");
+        if (!host.hasSecret()) say("without a connection secret no add-on can connect");
+    };
+    bool hasStarted = false;
     services.application.handleTerminationSignal(
         [&host, &services] { sayGoodbye(host, services); });
-    return services.application.run(
+    const int status = services.application.run(
         [&] {
             if (services.connectPort(std::string{kMessagePortBaseName}))
                 say("another quorvane-host serves this login; waiting for it to end");
             if (!SharedDefaults{sharedSuite(services)}.lockScreenEnabled())
                 say("the card is off; turn it on with: quorvane-host enable");
-            if (!host.start()) say("without a connection secret no add-on can connect");
+            hasStarted = host.start();
+            if (!hasStarted) services.application.terminate();
         },
         [&] { host.stop(); });
+    return hasStarted ? status : fail("the system refuses a thread; end other programs and retry");
 }
 
 AddOnPlace lookAtPlace(const LiveServices& services) {

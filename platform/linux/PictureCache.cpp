@@ -43,9 +43,8 @@ PictureCache::Picture PictureCache::picture(const ImageRef& image, PixelSize siz
 }
 
 void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& image) {
-    if (!queue_) return entry->settle(decode(*image, entry->size));
-    queue_->async([image, size = entry->size, waiting = std::weak_ptr{entry},
-                   mainThread = mainThread_, arrived = std::weak_ptr{arrived_}] {
+    const auto action = [image, size = entry->size, waiting = std::weak_ptr{entry},
+                         mainThread = mainThread_, arrived = std::weak_ptr{arrived_}] {
         // A function object can only carry what is copied, hence the shared owner.
         const auto decoded = std::make_shared<CairoSurface>(decode(*image, size));
         mainThread.post([decoded, waiting, arrived] {
@@ -55,7 +54,8 @@ void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& im
             target->settle(std::move(*decoded));
             if (*listener) (*listener)();
         });
-    });
+    };
+    if (!queue_ || !queue_->async(action)) entry->settle(decode(*image, entry->size));
 }
 
 }  // namespace quorvane

@@ -17,7 +17,8 @@ namespace quorvane {
 class PictureCache {
 public:
     // With a queue pictures are decoded there and are still on their way when first asked for;
-    // `arrived` is then called on the main thread. Without one they are decoded at once.
+    // `arrived` is then called on the main thread. Without one, or when the system refuses its
+    // thread, they are decoded at once.
     PictureCache() = default;
     PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainThread,
                  std::function<void()> arrived);

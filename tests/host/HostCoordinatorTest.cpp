@@ -40,7 +40,10 @@ struct ThreadQueue : SerialQueue {
     ~ThreadQueue() override {
         if (thread.joinable()) thread.join();
     }
-    void async(std::function<void()> action) override { thread = std::thread{std::move(action)}; }
+    bool async(std::function<void()> action) override {
+        thread = std::thread{std::move(action)};
+        return true;
+    }
     std::thread thread;
 };
 
@@ -147,18 +150,37 @@ TEST_F(HostCoordinatorTest, MakesOneSecretAndKeepsIt) {
     serve();
     EXPECT_EQ(secret(), Bytes(32, std::byte{0x5A}));
     host->stop();
-    EXPECT_TRUE(host->start());
+    serve();
     EXPECT_EQ(secretsMade, 1);
     host->stop();
     store.files[kSecretFile] = Bytes(31);
-    EXPECT_TRUE(host->start());
+    serve();
     EXPECT_EQ(secretsMade, 2) << "one that no add-on can use";
+    EXPECT_TRUE(host->hasSecret());
+}
+
+TEST_F(HostCoordinatorTest, OnlyTheHolderOfTheMainPortServesAndMakesASecret) {
+    auto other = ports.openPort()(kMainPort, [](std::int32_t, ByteView) { return Bytes{}; });
+    EXPECT_TRUE(host->start());
+    for (std::size_t i = 0; i < kQueryPortCount; ++i) {
+        const std::string taken = queryPortName(kMessagePortBaseName, i);
+        while (!log.contains("Message port " + taken + " busy (attempt 1); another instance " +
+                             "holds it — retrying until it frees"))
+            std::this_thread::yield();
+    }
+    EXPECT_TRUE(store.files.empty());
+    store.files[kSecretFile] = Bytes(32, std::byte{1});  // the other host makes one
+    other.reset();
+    waitUntilServing();
+    EXPECT_EQ(secretsMade, 0);
+    EXPECT_FALSE(ask(kMainPort, 1, request()).empty());
 }
 
 TEST_F(HostCoordinatorTest, WithoutASecretEverythingIsDropped) {
     hasRandom = false;
-    EXPECT_FALSE(host->start());
+    EXPECT_TRUE(host->start());
     waitUntilServing();
+    EXPECT_FALSE(host->hasSecret());
     EXPECT_TRUE(ask(kMainPort, 1, Bytes(32)).empty());
     EXPECT_TRUE(log.contains("Failed to generate IPC secret (SecRandomCopyBytes status 7)"));
 }

@@ -15,6 +15,14 @@ struct MemoryDefaults {
                     if (entry == values.end()) return std::nullopt;
                     return entry->second;
                 },
+                .getTogether =
+                    [this](const std::vector<std::string>& keys) {
+                        PropertyDictionary found;
+                        for (const std::string& key : keys)
+                            if (const auto entry = values.find(key); entry != values.end())
+                                found.insert(*entry);
+                        return found;
+                    },
                 .set =
                     [this](const std::string& key, std::optional<PropertyValue> value) {
                         if (value)
