@@ -91,7 +91,7 @@ void AddOnCoordinator::makeLink() {
     };
     const LiveServices& services = platform_.services;
     link_.emplace(
-        AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID),
+        AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID, log_),
         sendHello, services.clock, weakly(&AddOnCoordinator::removalRequested), services.log);
     const AddOnIdentity& identity = link_->identity();
     log_.info("link: add-on %{public}s, macOS %{public}s, supported %{bool}d, install %{public}s",

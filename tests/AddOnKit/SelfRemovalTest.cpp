@@ -69,6 +69,18 @@ TEST_F(SelfRemovalTest, RemovesEverythingOfItsOwnAndQuits) {
                      "removal: finished; quitting"}));
 }
 
+TEST_F(SelfRemovalTest, DeletesNothingWhenItCannotBeMarkedAsPending) {
+    defaults.refuses = true;
+    removal().perform();
+    EXPECT_TRUE(isThere(kBundle));
+    EXPECT_EQ(installation.loginItem, LoginItemClient::kEnabled);
+    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(
+        log.take(),
+        (Lines{"removal: starting",
+               "removal: not marked as pending: full (error 28); deleting nothing; quitting"}));
+}
+
 TEST_F(SelfRemovalTest, ABundleElsewhereIsDeletedOnlyWhenItIsTheAddOn) {
     bundle = kElsewhere;
     installation.bundles[bundle] = kOwn;
@@ -87,8 +99,7 @@ TEST_F(SelfRemovalTest, ABundleElsewhereIsDeletedOnlyWhenItIsTheAddOn) {
         EXPECT_TRUE(refusedToDelete(bundle, "bundle"));
         EXPECT_TRUE(
             log.contains("removal: the bundle is still there; keeping removalPending so the next "
-                         "launch finishes it; "
-                         "quitting"));
+                         "launch finishes it; quitting"));
     }
     EXPECT_EQ(terminations, 3);
 }
@@ -127,8 +138,8 @@ TEST_F(SelfRemovalTest, WhatRefusesIsReportedAndTriedAgainAtTheNextLaunch) {
     removal().perform();
     EXPECT_TRUE(pendingAtEnd);
     EXPECT_EQ(*find<std::string>(defaults.values, "removalBundleIdentity"), kOwn);
-    EXPECT_TRUE(log.contains("removal: unregister() failed: no agent"));
-    EXPECT_TRUE(log.contains("removal: deleting the support folder failed: denied"));
+    EXPECT_TRUE(log.contains("removal: unregister() failed: no agent (error 1)"));
+    EXPECT_TRUE(log.contains("removal: deleting the support folder failed: denied (error 13)"));
     installation.filesRefuse = false;
     log.take();
     removal().perform();
@@ -173,7 +184,7 @@ TEST_F(SelfRemovalTest, TheLoginItemIsRegisteredUnlessTheUserSaidNo) {
     EXPECT_EQ(log.take(), (Lines{"login item: registered (now 1)", "login item: registered (now 1)",
                                  "login item: awaiting approval in Login Items; leaving it alone",
                                  "login item: unknown status 7; leaving it alone",
-                                 "login item: register() failed: no agent"}));
+                                 "login item: register() failed: no agent (error 1)"}));
 }
 
 }  // namespace
