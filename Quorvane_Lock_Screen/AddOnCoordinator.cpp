@@ -10,8 +10,8 @@
 namespace quorvane {
 namespace {
 
-// As people and the installer are told it. The identity that the main application is told has a
-// number in any case, and the same one wherever the bundle names any.
+// The version in the log and in the installer's status. The identity in the hello says "0" instead
+// of "-" and is the same otherwise.
 std::string shortVersion(const ProcessInfo& process) {
     const auto* version = find<std::string>(process.bundleProperties, "CFBundleShortVersionString");
     return version == nullptr ? "-" : *version;
@@ -91,7 +91,7 @@ void AddOnCoordinator::makeLink() {
     };
     const LiveServices& services = platform_.services;
     link_.emplace(
-        AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID),
+        AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID, log_),
         sendHello, services.clock, weakly(&AddOnCoordinator::removalRequested), services.log);
     const AddOnIdentity& identity = link_->identity();
     log_.info("link: add-on %{public}s, macOS %{public}s, supported %{bool}d, install %{public}s",
@@ -130,7 +130,7 @@ void AddOnCoordinator::startInstallerSignals() {
     installerSignals_->start();
 }
 
-// What has changed before somebody listened is handed on as well: the driver ignores what it knows.
+// Changes from before the subscriptions count as well; the driver ignores what it already knows.
 void AddOnCoordinator::observe() {
     observations_.push_back(
         link_->configuration().subscribe(weakly(&AddOnCoordinator::linkChanged)));
@@ -194,7 +194,7 @@ void AddOnCoordinator::configurationNotice() {
 
 void AddOnCoordinator::mainAppWillTerminateNotice() {
     log_.standard("notice: mainAppWillTerminate; hiding the card");
-    model_.clear();
+    clearModel();
     driver_.handle(event::QuorVaneQuit{});
     log_.standard("state: %{public}s", describe(driver_.state()));
 }
@@ -215,7 +215,10 @@ void AddOnCoordinator::connectIfNeeded() {
 void AddOnCoordinator::refresh() {
     connectIfNeeded();
     client_.requestStateUpdate();
-    if (client_.isConnected().get()) return;
+    if (!client_.isConnected().get()) clearModel();
+}
+
+void AddOnCoordinator::clearModel() {
     if (const auto summary = model_.clear())
         playerLog_.info("state: Quorvane unreachable; %{public}s", *summary);
 }

@@ -55,6 +55,7 @@ private:
 
     void stateReceived(const QuorvanePlayerState& state);
     void refresh();
+    void clearModel();
     // A command and what it changes on the card at once.
     using ModelEdit = void (PlayerModel::*)();
     void command(QuorvaneAction action, ModelEdit edit = nullptr);

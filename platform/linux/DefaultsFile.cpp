@@ -61,7 +61,7 @@ void DefaultsFile::set(const std::string& key, std::optional<PropertyValue> valu
         const auto list = xmlPropertyList(PropertyValue{PropertyDictionary{{key, *value}}});
         if (!list)
             return log_.error("defaults: %{public}s not set: %{public}s", key,
-                              list.error().description);
+                              errorText(list.error()));
     }
     changes_.insert_or_assign(key, std::move(value));
     flushAndLog();
@@ -69,7 +69,7 @@ void DefaultsFile::set(const std::string& key, std::optional<PropertyValue> valu
 
 void DefaultsFile::flushAndLog() {
     if (const auto result = flush(); !result)
-        log_.error("defaults: not written: %{public}s", result.error().description);
+        log_.error("defaults: not written: %{public}s", errorText(result.error()));
 }
 
 Result<void> DefaultsFile::flush() {

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/ErrorText.hpp"
 #include "platform/LivePlatform.hpp"
 #include "platform/linux/AccessibilityLinux.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
@@ -15,6 +16,7 @@
 #include "platform/linux/MotionSetting.hpp"
 #include "platform/linux/PictureHeader.hpp"
 #include "platform/linux/ServicesLinux.hpp"
+#include "platform/linux/ToolkitSettings.hpp"
 #include "platform/linux/Translations.hpp"
 #include "platform/linux/UserLanguage.hpp"
 #include "platform/linux/X11SessionLinux.hpp"
@@ -41,8 +43,9 @@ std::filesystem::path moduleFile() {
 struct PlatformLinux {
     PlatformLinux(const LiveServices& services, std::unique_ptr<X11SessionLinux> session)
         : x11(std::move(session)),
-          watcher(ServicesLinux::of(services), *x11, {services.log, kPlatformSubsystem, "lock"}),
-          motion(ServicesLinux::of(services).sessionBus),
+          watcher(ServicesLinux::of(services), *x11),
+          motion(ServicesLinux::of(services).sessionBus,
+                 [this] { return toolkitSetting(*x11, "Gtk/EnableAnimations"); }),
           accessibility(ServicesLinux::of(services).loop, ServicesLinux::of(services).sessionBus,
                         {services.log, kPlatformSubsystem, "accessibility"}),
           cards(moduleFile(), {.x11 = *x11,
@@ -63,9 +66,10 @@ struct PlatformLinux {
 
 const char* noDisplay() {
     return isSet("WAYLAND_DISPLAY")
-               ? "this is a Wayland session, which is not supported yet: the card needs an X11 "
-                 "session"
-               : "there is no X11 session to show a card in: DISPLAY is not set";
+               ? "this is a Wayland session, which is not supported yet; choose an X11 session when "
+                 "logging in"
+               : "there is no X11 session to show a card in: DISPLAY is not set; start it in an "
+                 "X11 session";
 }
 
 Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& services) {
@@ -118,7 +122,7 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
     };
     platform.confine = [log = Logger{services.log, kPlatformSubsystem, "process"}] {
         const auto confined = confineProcess(networkForDisplay(std::getenv("DISPLAY")));
-        if (!confined) log.error("process: not confined: %{public}s", confined.error().description);
+        if (!confined) log.error("process: not confined: %{public}s", errorText(confined.error()));
     };
     platform.services = std::move(services);
     platform.owner = owner;

@@ -183,6 +183,9 @@ TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgai
     platform.notice(kMainAppQuits);
     EXPECT_FALSE(platform.isCardSeen());
     EXPECT_EQ(platform.windows.open().size(), 1u);
+    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
+                    "hidden"),
+              1);
     const Lines lines = platform.log.take();
     EXPECT_EQ(lines.front(), "notice: mainAppWillTerminate; hiding the card");
     EXPECT_EQ(lines.back(),

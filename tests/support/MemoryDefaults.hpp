@@ -8,6 +8,7 @@ namespace quorvane {
 struct MemoryDefaults {
     PropertyDictionary values;
     int synchronizations = 0;
+    bool refuses = false;  // to synchronize
 
     UserDefaults table() {
         return {.get = [this](const std::string& key) -> std::optional<PropertyValue> {
@@ -33,7 +34,8 @@ struct MemoryDefaults {
                 .removeDomain = [this] { values.clear(); },
                 .synchronize = [this]() -> Result<void> {
                     ++synchronizations;
-                    return {};
+                    if (!refuses) return {};
+                    return std::unexpected{PlatformError{.code = 28, .description = "full"}};
                 }};
     }
 };

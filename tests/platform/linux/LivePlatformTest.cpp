@@ -43,13 +43,14 @@ protected:
 
 TEST_F(LivePlatformLinux, SaysPlainlyWhyThereIsNone) {
     EXPECT_EQ(make().error().description,
-              "there is no X11 session to show a card in: DISPLAY is not set");
+              "there is no X11 session to show a card in: DISPLAY is not set; start it in an X11 "
+              "session");
     for (const auto& [display, reason] :
          {std::pair{":4711", "no X server answers there"},
           std::pair{":nothing", "the display's name makes no sense"}}) {
         setenv("DISPLAY", display, 1);
-        EXPECT_EQ(make().error().description,
-                  std::string{"cannot open the display \""} + display + "\": " + reason);
+        EXPECT_EQ(make().error().description, std::string{"cannot open the display \""} + display +
+                                                  "\": " + reason + "; start it in an X11 session");
     }
     unsetenv("DISPLAY");
     setenv("WAYLAND_DISPLAY", "wayland-0", 1);

@@ -46,7 +46,7 @@ protected:
         auto opened = X11SessionLinux::open(loop(), server.display(), [this] { ++timesLost; });
         ASSERT_TRUE(opened) << opened.error().description;
         session = *std::move(opened);
-        watcher = std::make_unique<LockWatcherLinux>(*services, *session, Logger{});
+        watcher = std::make_unique<LockWatcherLinux>(*services, *session);
         sources = watcher->sources();
         for (const char* name :
              {kScreenIsLocked, kScreenIsUnlocked, kScreenLockUIIsShown, kScreenLockUIIsHidden})
