@@ -137,6 +137,8 @@ void AddOnCoordinator::observe() {
     observations_.push_back(
         client_.isConnected().subscribe(weakly(&AddOnCoordinator::connectionChanged)));
     observations_.push_back(model_.isVisible.subscribe(weakly(&AddOnCoordinator::musicChanged)));
+    observations_.push_back(
+        model_.isDraggingVolume.subscribe(weakly(&AddOnCoordinator::draggingChanged)));
     linkChanged();
     connectionChanged();
     musicChanged();
@@ -170,6 +172,10 @@ void AddOnCoordinator::connectionChanged() {
 }
 
 void AddOnCoordinator::musicChanged() { driver_.handle(event::Music{model_.isVisible.get()}); }
+
+void AddOnCoordinator::draggingChanged() {
+    if (model_.isDraggingVolume.get()) volume_->beginDrag();
+}
 
 void AddOnCoordinator::present(const PresentationState& state) {
     if (isRemoving_) return;

@@ -74,6 +74,7 @@ private:
     void linkChanged();
     void connectionChanged();
     void musicChanged();
+    void draggingChanged();
     void removalRequested();
     void quitRequested();
 

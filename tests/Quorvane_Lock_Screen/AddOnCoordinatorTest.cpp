@@ -237,6 +237,19 @@ TEST_F(AddOnCoordinatorTest, AnEditThatMustConnectFirstOutlivesTheNewsOfTheConne
     EXPECT_EQ(platform.mainApp.commands, (Lines{"playPause", "volume 75"}));
 }
 
+TEST_F(AddOnCoordinatorTest, ATapAtTheVolumeThatIsShownSendsNoOlderOne) {
+    lockAndShow();
+    platform.stage()->events.accessibility(ID::volume, AccessibilityAction::increment);
+    platform.pass(1s);
+    platform.mainApp.state.volume = 80;
+    platform.notice(kStateChanged);
+    const auto area = *platform.frame(ID::volume);
+    const Point shown{area.x + area.width * 0.805, area.midY()};
+    platform.pointer(Kind::down, shown);
+    platform.pointer(Kind::up, shown);
+    EXPECT_EQ(platform.mainApp.commands, Lines{"volume 55"});
+}
+
 TEST_F(AddOnCoordinatorTest, ABundleWithoutAVersionHasADashForOne) {
     platform.live.services.process.bundleProperties.clear();
     start();
