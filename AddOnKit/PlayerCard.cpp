@@ -51,7 +51,11 @@ void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
 }
 
 void PlayerCard::setShown(bool shown) {
-    if (shown == isShown_) return;
+    const bool wasFrozen = std::exchange(isFrozen_, false);
+    if (shown == isShown_) {
+        if (shown && wasFrozen) draw();
+        return;
+    }
     if (shown) {
         isShown_ = true;
         observations_ = model_.observe([this] { drawSoon(); });
@@ -69,6 +73,11 @@ void PlayerCard::setShown(bool shown) {
     artwork_.reset();
     // Last: what the end of a drag sends may run the main loop, and the card be destroyed there.
     if (pressed == SceneControl::ID::volume) slider().dragEnded();
+}
+
+void PlayerCard::freeze() {
+    isFrozen_ = true;
+    nextDraw_.reset();
 }
 
 PlayerEnvironment PlayerCard::viewEnvironment() const {
@@ -122,6 +131,7 @@ void PlayerCard::scroll() {
 
 // One drawing for all changes of a pass of the main loop.
 void PlayerCard::drawSoon() {
+    if (isFrozen_) return;
     nextDraw_ = environment_.clock.after({}, [this] { draw(); });
 }
 

@@ -212,6 +212,26 @@ TEST(PlayerCard, EndsADragThatIsCancelledOrHidden) {
     EXPECT_EQ(f.actions.size(), 4u);
 }
 
+TEST(PlayerCard, KeepsItsPictureWhileFrozenAndADragGoesOn) {
+    ShownCard f;
+    f.pointer(Kind::down, f.middle(ID::volume));
+    f.clock.advance(1s);
+    f.card->freeze();
+    f.model.clear();
+    f.nothingHappens(10s);
+    EXPECT_TRUE(f.model.isDraggingVolume.get());
+    EXPECT_TRUE(f.actions.empty());
+    f.apply();
+    f.card->setShown(true);
+    f.model.toggleLove();
+    f.card->freeze();
+    f.nothingHappens(10s);
+    f.card->setShown(false);
+    EXPECT_EQ(f.actions, std::vector<std::string>{"endVolume"});
+    f.model.toggleLove();
+    f.nothingHappens(10s);
+}
+
 TEST(PlayerCard, ObeysAssistiveTechnology) {
     ShownCard f;
     const auto& ask = f.stage->events.accessibility;

@@ -180,7 +180,10 @@ TEST_F(AddOnCoordinatorTest, MemoryForPollsIsGivenBackWithTheCard) {
 
 TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgain) {
     lockAndShow();
+    const std::size_t scenes = platform.stage()->scenes.size();
     platform.notice(kMainAppQuits);
+    platform.clock.advance(100ms);
+    EXPECT_EQ(platform.stage()->scenes.size(), scenes) << "the fade shows the card as it was";
     EXPECT_FALSE(platform.isCardSeen());
     EXPECT_EQ(platform.windows.open().size(), 1u);
     const Lines lines = platform.log.take();
