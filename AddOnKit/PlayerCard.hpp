@@ -79,8 +79,7 @@ private:
     // What was drawn last, to notice what has changed.
     std::optional<std::string> title_;
     std::optional<std::string> artist_;
-    std::optional<std::int64_t> artworkID_;
-    ImageRef artwork_;
+    std::optional<ImageRef> artwork_;  // the last one that was not still arriving
     LifeToken life_;
 
     // Last: their ends may not find a half-destroyed card.

@@ -71,6 +71,7 @@ void AddOnCoordinator::start() {
 
 void AddOnCoordinator::startClient() {
     client_.onStateChanged = weakly(&AddOnCoordinator::stateReceived);
+    model_.onLateChange = weakly(&AddOnCoordinator::logChange);
     client_.start();
 }
 
@@ -206,12 +207,14 @@ void AddOnCoordinator::mainAppWillTerminateNotice() {
 }
 
 void AddOnCoordinator::stateReceived(const QuorvanePlayerState& state) {
-    const auto change = model_.apply(state);
-    if (!change) return;
-    playerLog_.info("state: %{public}s", change->summary);
-    if (change->newTrack)
-        playerLog_.info("state: now '%{private}s' — '%{private}s'", change->newTrack->title,
-                        change->newTrack->artist);
+    if (const auto change = model_.apply(state)) logChange(*change);
+}
+
+void AddOnCoordinator::logChange(const PlayerModel::Change& change) {
+    playerLog_.info("state: %{public}s", change.summary);
+    if (change.newTrack)
+        playerLog_.info("state: now '%{private}s' — '%{private}s'", change.newTrack->title,
+                        change.newTrack->artist);
 }
 
 void AddOnCoordinator::connectIfNeeded() {

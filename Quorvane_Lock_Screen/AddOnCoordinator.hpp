@@ -54,6 +54,7 @@ private:
     void listenToNotices();
 
     void stateReceived(const QuorvanePlayerState& state);
+    void logChange(const PlayerModel::Change& change);
     void refresh();
     // A command and what it changes on the card at once.
     using ModelEdit = void (PlayerModel::*)();
