@@ -107,6 +107,7 @@ private:
                             .reduceMotion = environment_.reduceMotion,
                             .frozenTime = environment_.marqueeFrozenTime,
                             .reduceMotionOverride = environment_.marqueeReduceMotion,
+                            .isRightToLeft = environment_.isRightToLeft,
                             .fieldWidth = field.width,
                             .start = start};
         marquee.textWidth = environment_.measureText(marquee.text, font);

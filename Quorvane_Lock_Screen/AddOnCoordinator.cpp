@@ -71,6 +71,7 @@ void AddOnCoordinator::start() {
 
 void AddOnCoordinator::startClient() {
     client_.onStateChanged = weakly(&AddOnCoordinator::stateReceived);
+    model_.onLateChange = weakly(&AddOnCoordinator::logChange);
     client_.start();
 }
 
@@ -137,6 +138,8 @@ void AddOnCoordinator::observe() {
     observations_.push_back(
         client_.isConnected().subscribe(weakly(&AddOnCoordinator::connectionChanged)));
     observations_.push_back(model_.isVisible.subscribe(weakly(&AddOnCoordinator::musicChanged)));
+    observations_.push_back(
+        model_.isDraggingVolume.subscribe(weakly(&AddOnCoordinator::draggingChanged)));
     linkChanged();
     connectionChanged();
     musicChanged();
@@ -171,6 +174,10 @@ void AddOnCoordinator::connectionChanged() {
 
 void AddOnCoordinator::musicChanged() { driver_.handle(event::Music{model_.isVisible.get()}); }
 
+void AddOnCoordinator::draggingChanged() {
+    if (model_.isDraggingVolume.get()) volume_->beginDrag();
+}
+
 void AddOnCoordinator::present(const PresentationState& state) {
     if (isRemoving_) return;
     controller_->present(state);
@@ -200,12 +207,14 @@ void AddOnCoordinator::mainAppWillTerminateNotice() {
 }
 
 void AddOnCoordinator::stateReceived(const QuorvanePlayerState& state) {
-    const auto change = model_.apply(state);
-    if (!change) return;
-    playerLog_.info("state: %{public}s", change->summary);
-    if (change->newTrack)
-        playerLog_.info("state: now '%{private}s' — '%{private}s'", change->newTrack->title,
-                        change->newTrack->artist);
+    if (const auto change = model_.apply(state)) logChange(*change);
+}
+
+void AddOnCoordinator::logChange(const PlayerModel::Change& change) {
+    playerLog_.info("state: %{public}s", change.summary);
+    if (change.newTrack)
+        playerLog_.info("state: now '%{private}s' — '%{private}s'", change.newTrack->title,
+                        change.newTrack->artist);
 }
 
 void AddOnCoordinator::connectIfNeeded() {

@@ -54,6 +54,7 @@ private:
     void listenToNotices();
 
     void stateReceived(const QuorvanePlayerState& state);
+    void logChange(const PlayerModel::Change& change);
     void refresh();
     void clearModel();
     // A command and what it changes on the card at once.
@@ -75,6 +76,7 @@ private:
     void linkChanged();
     void connectionChanged();
     void musicChanged();
+    void draggingChanged();
     void removalRequested();
     void quitRequested();
 

@@ -39,14 +39,14 @@ GlassCardView::GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<C
     content_->attach(stage_);
 }
 
-void GlassCardView::setShown(bool shown) {
-    isShown_ = shown;
-    if (shown) content_->setShown(true);
+void GlassCardView::showContent() {
+    isShown_ = true;
+    content_->setShown(true);
 }
 
 void GlassCardView::runEntrance() {
     const bool reduceMotion = reducesMotion_();
-    setShown(true);
+    showContent();
     stage_->setHidden(false);
     log_.info("entrance: window %ld, reduce motion %{bool}d", windowNumber(), reduceMotion);
     stage_->removeAnimations();
@@ -63,14 +63,16 @@ void GlassCardView::runEntrance() {
 }
 
 void GlassCardView::showImmediately() {
-    setShown(true);
+    showContent();
     stage_->setHidden(false);
     stage_->removeAnimations();
     if (window_ != nullptr) window_->setAlpha(1);
 }
 
 void GlassCardView::runExit() {
-    setShown(false);
+    isShown_ = false;
+    // The player may have quit: the fade shows the card as it was, not the emptied one.
+    content_->freeze();
     log_.info("exit: window %ld", windowNumber());
     if (window_ == nullptr) {
         hideIfStillNotShown();

@@ -62,8 +62,8 @@ struct ImageNode {
 // One line. Text wider than its frame is cut off with an ellipsis at its trailing end, unless
 // `scroll` is set.
 struct TextNode {
-    // The text moved `offset` points toward the leading edge, a copy following after `gap` points,
-    // both ends of the frame fading over `fade` points.
+    // The text rests at the edge that it is aligned to, moved `offset` points beyond it. A copy
+    // follows after `gap` points. Both ends of the frame fade over `fade` points.
     struct Scroll {
         double offset = 0;
         double gap = 0;

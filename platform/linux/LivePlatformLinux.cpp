@@ -90,7 +90,7 @@ ImageRef decodeImage(ByteView encoded) {
     // loaded.
     const auto size = readPictureSize(encoded);
     if (!size || !isDecodable(*size)) return nullptr;
-    return std::make_shared<EncodedImage>(copyOf(encoded));
+    return std::make_shared<EncodedImage>(copyOf(encoded), Image::State::arriving);
 }
 
 }  // namespace

@@ -24,22 +24,25 @@ PictureCache::PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainTh
 
 void PictureCache::Entry::settle(CairoSurface decoded) {
     surface = std::move(decoded);
-    state = surface ? Picture::State::ready : Picture::State::undecodable;
+    // Held: whoever observes the state may let go of the image.
+    if (const auto held = image.lock())
+        held->state().set(surface ? Image::State::ready : Image::State::undecodable);
 }
 
-PictureCache::Picture PictureCache::picture(const ImageRef& image, PixelSize size) {
+cairo_surface_t* PictureCache::picture(const ImageRef& image, PixelSize size) {
     std::erase_if(recent_, [](const auto& entry) { return entry->image.expired(); });
-    auto found = std::ranges::find_if(recent_, [&](const auto& entry) {
-        return entry->size == size && entry->image.lock() == image;
-    });
+    const auto isOfImage = [&](const auto& entry) { return entry->image.lock() == image; };
+    auto found = std::ranges::find_if(
+        recent_, [&](const auto& entry) { return entry->size == size && isOfImage(entry); });
     if (found == recent_.end()) {
         found = recent_.insert(recent_.begin(), std::make_shared<Entry>(Entry{image, size}));
         start(*found, image);
         if (recent_.size() > kKeptPictures) recent_.pop_back();
     }
     recent_.splice(recent_.begin(), recent_, found);
-    const Entry& entry = *recent_.front();
-    return {entry.state, entry.surface.get()};
+    const auto decoded = std::ranges::find_if(
+        recent_, [&](const auto& entry) { return entry->surface && isOfImage(entry); });
+    return decoded == recent_.end() ? nullptr : (*decoded)->surface.get();
 }
 
 void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& image) {

@@ -119,7 +119,7 @@ struct Painter {
     void drawScrolling(const TextNode& node) const {
         const TextLine& line = lines.line(node.text, node.font);
         CGContextBeginTransparencyLayer(context, nullptr);
-        const double rest = restOf(node, line.width, isRightToLeft);
+        const double rest = leftEdgeOf(node, line.width, isRightToLeft);
         for (const double left : copiesOf(node, rest, line.width, isRightToLeft))
             drawLine(line, node, left);
         drawFade(context, node);

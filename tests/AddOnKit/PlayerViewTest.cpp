@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "AddOnKit/PlayerGeometry.hpp"
 #include "AddOnKit/PlayerLayout.hpp"
 #include "AddOnKit/PlayerStrings.hpp"
 #include "tests/AddOnKit/PlayingModel.hpp"
@@ -174,6 +175,17 @@ TEST(PlayerView, KeepsEverythingInsideTheCardAndTextOffTheArtwork) {
         }
         EXPECT_EQ(all<GroupBegin>(scene).size(), all<GroupEnd>(scene).size());
     }
+}
+
+TEST(PlayerView, PlacesTheTimesBelowTheBarAndTheSliderBetweenTheSpeakers) {
+    const PlayerGeometry g = PlayerGeometry::make(true, false);
+    for (const Rect& time : {g.elapsed, g.remaining}) {
+        EXPECT_GE(time.height, 1.5 * PlayerLayout::kTimeTextSize) << "room for high digits";
+        EXPECT_GT(time.y, g.progress.maxY());
+        EXPECT_LT(time.maxY(), g.playPause.y);
+    }
+    EXPECT_EQ(g.volume.x, g.quietSpeaker.maxX() + PlayerLayout::kSpeakerSpacing);
+    EXPECT_EQ(g.volume.maxX(), g.loudSpeaker.x - PlayerLayout::kSpeakerSpacing);
 }
 
 TEST(PlayerView, MirrorsAllButTheTransport) {

@@ -24,6 +24,7 @@ public:
         shown_ += (shown ? 1 : 0) - (isShown_ ? 1 : 0);
         isShown_ = shown;
     }
+    void freeze() override {}
 
 private:
     int& shown_;

@@ -95,6 +95,7 @@ TEST_F(LivePlatformLinux, FillsEveryTable) {
     const auto* image = dynamic_cast<const EncodedImage*>(held.get());
     ASSERT_TRUE(image);
     EXPECT_EQ(textOf(image->bytes()), picture);
+    EXPECT_EQ(image->state().get(), Image::State::arriving);
 
     // The module is not beside this program.
     EXPECT_FALSE(platform.cardWindows.makeWindow({}, platform.screens.list().front()));
