@@ -66,12 +66,11 @@ struct PlatformLinux {
 
 const char* noDisplay() {
     // The protocols there let no other program above a locker.
-    return isSet("WAYLAND_DISPLAY") ? "this is a Wayland session, whose lock screen lets no other "
-                                      "program above it; choose "
-                                      "an X11 session when logging in"
-                                    : "there is no X11 session to show a card in: DISPLAY is not "
-                                      "set; start it in an X11 "
-                                      "session";
+    return isSet("WAYLAND_DISPLAY")
+               ? "this is a Wayland session, whose lock screen lets no other program above it; "
+                 "choose an X11 session when logging in"
+               : "there is no X11 session to show a card in: DISPLAY is not set; "
+                 "start it in an X11 session";
 }
 
 Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& services) {
