@@ -124,14 +124,18 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
     handlers.onActionReceived = [link = link_](QuorvaneAction action) {
         Link::post(link, [action](HostCoordinator& host) {
             host.log_.info("host: %{public}s", name(action));
-            host.player_->perform(action);
+            host.commandEnded(host.player_->perform(action));
         });
     };
     handlers.onVolumeChangeReceived = [link = link_](std::int64_t volume) {
-        Link::post(link, [volume](HostCoordinator& host) { host.player_->setVolume(volume); });
+        Link::post(link, [volume](HostCoordinator& host) {
+            host.commandEnded(host.player_->setVolume(volume));
+        });
     };
     handlers.onRatingChangeReceived = [link = link_](std::int64_t rating) {
-        Link::post(link, [rating](HostCoordinator& host) { host.player_->setRating(rating); });
+        Link::post(link, [rating](HostCoordinator& host) {
+            host.commandEnded(host.player_->setRating(rating));
+        });
     };
     handlers.onLockScreenHelloReceived = [link = link_](Bytes request,
                                                         MessagePortHandlers::Answer answer) {
@@ -143,6 +147,18 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
 
 void HostCoordinator::playerChanged() {
     link_->state.publish(player_->snapshot());
+    announceSoon();
+}
+
+// The card already shows what its command was to bring about. Where that fails, a notice without a
+// change makes the card ask for the true state.
+void HostCoordinator::commandEnded(bool isCarriedOut) {
+    if (isCarriedOut) return;
+    announced_.reset();
+    announceSoon();
+}
+
+void HostCoordinator::announceSoon() {
     if (announcement_) return;
     announcement_ = services_.clock.after(kCoalescing, [this] { announce(); });
 }

@@ -58,6 +58,8 @@ private:
     MessagePortHandlers makeHandlers() const;
     void portOpened();
     void playerChanged();
+    void commandEnded(bool isCarriedOut);
+    void announceSoon();
     void announce();
 
     Services services_;
@@ -72,7 +74,7 @@ private:
     // Starts the server, which may take as long as another host lives. Destroyed before it.
     std::unique_ptr<SerialQueue> starting_;
     std::size_t openPorts_ = 0;
-    std::optional<PlayerSnapshot> announced_;
+    std::optional<PlayerSnapshot> announced_;  // nullopt: the next announcement is due regardless
     Timer announcement_;
 };
 

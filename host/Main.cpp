@@ -42,6 +42,7 @@ std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostC
     }
     return std::make_unique<MprisPlayer>(
         MprisPlayer::Services{.players = makeLiveMediaPlayers(services),
+                              .soundServer = makeLiveSoundServer(services),
                               .files = makeLiveRegularFiles(),
                               .clock = services.clock,
                               .mainThread = services.mainThread,
