@@ -40,7 +40,7 @@ string(REPLACE "\n\n" "\n.\n" license "${license}")
 string(REPLACE "\n" "\n " license " ${license}")
 set(QUORVANE_LICENSE_TEXT "${license}")
 configure_file(packaging/copyright.in packaging/copyright @ONLY)
-install(FILES "${CMAKE_BINARY_DIR}/packaging/copyright" DESTINATION "${documents}")
+install(FILES "${CMAKE_BINARY_DIR}/packaging/copyright" docs/scripted-player.md DESTINATION "${documents}")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quorvane-lock-screen)

@@ -42,6 +42,9 @@ HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource
       desk_(defaults_, services_.wallClock, log_),
       notices_(services_.darwinNotices),
       link_(std::make_shared<Link>()) {
+    desk_.onRemovalDelivered = [this] {
+        if (onRemovalDelivered) onRemovalDelivered();
+    };
     link_->mainThread = services_.mainThread;
     link_->now = services_.clock.now;
     link_->wallClock = services_.wallClock;
@@ -59,6 +62,7 @@ bool HostCoordinator::start() {
     waits_ = EndableWaits{};
     server_.emplace(MessagePortServer::Services{.log = services_.log,
                                                 .openPort = countingOpenPort(),
+                                                .portsProblem = services_.portsProblem,
                                                 .nameCurrentThread = services_.nameCurrentThread,
                                                 .makeWaitFlag = waits_.make()});
     server_->handlers = makeHandlers();

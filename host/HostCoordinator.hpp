@@ -25,6 +25,7 @@ public:
     struct Services {
         LogSink log;
         OpenPort openPort;
+        std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
         std::function<void(const std::string& name)> nameCurrentThread;  // may be unset
         FileStore files;
         FillRandom fillRandom;
@@ -49,6 +50,8 @@ public:
     bool isServing() const;
     // Called when that has become so.
     std::function<void()> onServing;
+    // Called when the add-on was told to remove itself.
+    std::function<void()> onRemovalDelivered;
 
 private:
     struct Link;

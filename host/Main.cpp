@@ -8,12 +8,14 @@
 #include "host/AddOnCommands.hpp"
 #include "host/BundleToInstall.hpp"
 #include "host/CardSwitch.hpp"
+#include "host/DeliveredRemoval.hpp"
 #include "host/HostCommandLine.hpp"
 #include "host/HostCoordinator.hpp"
 #include "host/HostStatusQuery.hpp"
 #include "host/MprisPlayer.hpp"
 #include "host/ScriptedPlayer.hpp"
 #include "platform/LivePlatform.hpp"
+#include "platform/SessionProblems.hpp"
 
 namespace quorvane {
 namespace {
@@ -27,7 +29,9 @@ int fail(const std::string& reason) {
     return kHostFailed;
 }
 
-void say(const char* sentence) { std::fprintf(stderr, "quorvane-host: %s\n", sentence); }
+void say(const std::string& sentence) {
+    std::fprintf(stderr, "quorvane-host: %s\n", sentence.c_str());
+}
 
 std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
     return services.openSuite(std::string{kAppGroup});
@@ -54,6 +58,7 @@ std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostC
 HostCoordinator::Services coordinatorServices(const LiveServices& services) {
     return {.log = services.log,
             .openPort = services.openPort,
+            .portsProblem = findPortsProblem,
             .nameCurrentThread = services.nameCurrentThread,
             .files = services.files,
             .fillRandom = services.fillRandom,
@@ -85,10 +90,31 @@ void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
     goodbye->isSaid->waitFor(std::chrono::seconds{1});
 }
 
+AddOnCommands::Services addOnServices(const LiveServices& services) {
+    SessionProblems problems = findSessionProblems(services);
+    return {.applicationSupport = services.installation.applicationSupport,
+            .bundleFiles = makeLiveBundleFiles(),
+            .fileManager = services.installation.fileManager,
+            .runOpenCommand = services.installation.runOpenCommand,
+            .control = {.applications = services.installation.runningApplications,
+                        .notices = services.distributedNotices,
+                        .clock = services.clock,
+                        .canHearNotices = !problems.bus},
+            .darwinNotices = services.darwinNotices,
+            .sharedSuite = sharedSuite(services),
+            .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier}),
+            .problems = std::move(problems)};
+}
+
 int run(const HostCommandLine& line, const LiveServices& services) {
     auto player = makePlayer(line, services);
     if (!player) return fail(player.error());
+    const SessionProblems problems = findSessionProblems(services);
+    if (problems.ports) return fail(*problems.ports);
+    if (problems.bus) say(*problems.bus);
     HostCoordinator host{coordinatorServices(services), *std::move(player)};
+    DeliveredRemoval removal{addOnServices(services), {services.log, kIdentifierPrefix, "host"}};
+    host.onRemovalDelivered = [&removal] { removal.delivered(); };
     host.onServing = [] { say("serving; end with Ctrl-C"); };
     services.application.handleTerminationSignal(
         [&host, &services] { sayGoodbye(host, services); });
@@ -96,7 +122,7 @@ int run(const HostCommandLine& line, const LiveServices& services) {
         [&] {
             if (services.connectPort(std::string{kMessagePortBaseName}))
                 say("another quorvane-host serves this login; waiting for it to end");
-            if (!SharedDefaults{sharedSuite(services)}.lockScreenEnabled())
+            else if (!SharedDefaults{sharedSuite(services)}.lockScreenEnabled())
                 say("the card is off; turn it on with: quorvane-host enable");
             if (!host.start()) say("without a connection secret no add-on can connect");
         },
@@ -114,7 +140,9 @@ int tellStatus(const LiveServices& services) {
                            .clock = services.clock,
                            .distributedNotices = services.distributedNotices,
                            .sharedSuite = sharedSuite(services),
-                           .lookAtPlace = [&services] { return lookAtPlace(services); }}};
+                           .lookAtPlace = [&services] { return lookAtPlace(services); },
+                           .applications = services.installation.runningApplications,
+                           .problems = findSessionProblems(services)}};
     bool isRunning = false;
     const auto tell = [&](const HostStatus& status) {
         print(status.text(services.wallClock()));
@@ -123,19 +151,6 @@ int tellStatus(const LiveServices& services) {
     };
     const int status = services.application.run([&] { query.start(tell); }, [] {});
     return status == 0 && isRunning ? kHostDone : kHostFailed;
-}
-
-AddOnCommands::Services addOnServices(const LiveServices& services) {
-    return {.applicationSupport = services.installation.applicationSupport,
-            .bundleFiles = makeLiveBundleFiles(),
-            .fileManager = services.installation.fileManager,
-            .runOpenCommand = services.installation.runOpenCommand,
-            .control = {.applications = services.installation.runningApplications,
-                        .notices = services.distributedNotices,
-                        .clock = services.clock},
-            .darwinNotices = services.darwinNotices,
-            .sharedSuite = sharedSuite(services),
-            .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier})};
 }
 
 int controlAddOn(const HostCommandLine& line, const LiveServices& services) {

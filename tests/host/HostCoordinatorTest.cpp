@@ -270,12 +270,16 @@ TEST_F(HostCoordinatorTest, DeliversARemovalOrClearsOneThatIsVoid) {
     serve();
     SharedDefaults stored{defaults.table()};
     ASSERT_TRUE(stored.setLockScreenPendingRemoval(LockScreenPendingRemoval{"A"}));
+    int delivered = 0;
+    host->onRemovalDelivered = [&] { ++delivered; };
     LockScreenAddOnHello speaking;
     speaking.installID = "A";
     EXPECT_EQ(hello(speaking), answered(false, true)) << "the card is off, whatever is wanted";
+    EXPECT_EQ(delivered, 1);
     EXPECT_TRUE(stored.lockScreenPendingRemoval());
     speaking.installID = "B";
     EXPECT_EQ(hello(speaking), answered(true, false));
+    EXPECT_EQ(delivered, 1);
     EXPECT_FALSE(stored.lockScreenPendingRemoval());
 }
 
