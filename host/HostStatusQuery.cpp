@@ -1,6 +1,5 @@
 #include "host/HostStatusQuery.hpp"
 
-#include "QuorvaneKit/Identifiers.hpp"
 #include "QuorvaneKit/MessagePortSecret.hpp"
 #include "QuorvaneKit/MessageType.hpp"
 #include "QuorvaneKit/PortNames.hpp"
@@ -21,8 +20,7 @@ void HostStatusQuery::start(std::function<void(HostStatus)> done) {
     done_ = std::move(done);
     status_.place = services_.lookAtPlace();
     status_.problems = services_.problems.sentences();
-    status_.isAddOnRunning =
-        !services_.applications.running(std::string{kAddOnBundleIdentifier}).empty();
+    status_.isAddOnRunning = services_.isAddOnRunning();
     readDefaults();
     askHost();
     observation_ = services_.distributedNotices.observe(

@@ -8,7 +8,6 @@
 #include "platform/DistributedNotices.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MessagePort.hpp"
-#include "platform/RunningApplications.hpp"
 #include "platform/SessionProblems.hpp"
 #include "platform/UserDefaults.hpp"
 
@@ -24,7 +23,7 @@ public:
         DistributedNotices distributedNotices;
         std::optional<UserDefaults> sharedSuite;
         std::function<AddOnPlace()> lookAtPlace;
-        RunningApplications applications;
+        std::function<bool()> isAddOnRunning;
         SessionProblems problems{};
     };
 

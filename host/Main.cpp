@@ -109,11 +109,11 @@ AddOnCommands::Services addOnServices(const LiveServices& services) {
 int run(const HostCommandLine& line, const LiveServices& services) {
     auto player = makePlayer(line, services);
     if (!player) return fail(player.error());
-    const SessionProblems problems = findSessionProblems(services);
-    if (problems.ports) return fail(*problems.ports);
-    if (problems.bus) say(*problems.bus);
+    const AddOnCommands::Services addOn = addOnServices(services);
+    if (addOn.problems.ports) return fail(*addOn.problems.ports);
+    if (addOn.problems.bus) say(*addOn.problems.bus);
     HostCoordinator host{coordinatorServices(services), *std::move(player)};
-    DeliveredRemoval removal{addOnServices(services), {services.log, kIdentifierPrefix, "host"}};
+    DeliveredRemoval removal{addOn, {services.log, kIdentifierPrefix, "host"}};
     host.onRemovalDelivered = [&removal] { removal.delivered(); };
     host.onServing = [] { say("serving; end with Ctrl-C"); };
     services.application.handleTerminationSignal(
@@ -135,14 +135,16 @@ AddOnPlace lookAtPlace(const LiveServices& services) {
 }
 
 int tellStatus(const LiveServices& services) {
+    const AddOnCommands::Services addOn = addOnServices(services);
+    const AddOnControl control{addOn.control};
     HostStatusQuery query{{.connectPort = services.connectPort,
                            .files = services.files,
                            .clock = services.clock,
                            .distributedNotices = services.distributedNotices,
                            .sharedSuite = sharedSuite(services),
                            .lookAtPlace = [&services] { return lookAtPlace(services); },
-                           .applications = services.installation.runningApplications,
-                           .problems = findSessionProblems(services)}};
+                           .isAddOnRunning = [&] { return control.isRunning(); },
+                           .problems = addOn.problems}};
     bool isRunning = false;
     const auto tell = [&](const HostStatus& status) {
         print(status.text(services.wallClock()));
