@@ -133,8 +133,10 @@ TEST_F(HostProgramTest, SaysGoodbyeHoweverItIsAskedToEnd) {
         SessionBus connection{loop, Logger{}};
         const DarwinNotices notices = makeDarwinNotices(connection, Logger{});
         bool isOver = false;
-        const Handle observation = notices.observe("example.quillon.Quorvane.mainAppWillTerminate",
-                                                   [&] { isOver = true; });
+        const std::string goodbye = "example.quillon.Quorvane.mainAppWillTerminate";
+        const Handle observation = notices.observe(goodbye, [&] { isOver = true; });
+        notices.post(goodbye);  // heard once the bus knows of the observation
+        ASSERT_TRUE(runUntil(loop, [&] { return std::exchange(isOver, false); }));
         LoggedProcess host = startHost();
         ASSERT_TRUE(host.says("serving;"));
         host.process().signal(signal);
