@@ -106,14 +106,16 @@ TEST_F(MediaPlayersTest, ReadsAndFollowsWhatAPlayerSays) {
     EXPECT_TRUE(until([&] { return title("fake") == "Other"; })) << "said without a value: asked";
 }
 
-TEST_F(MediaPlayersTest, AsksForThePositionAndHearsOfSeeks) {
+TEST_F(MediaPlayersTest, AsksAgainAndHearsOfSeeks) {
     FakeMprisPlayer fake{"fake", loop()};
     startUntilListed("fake");
     const auto before = find("fake")->positionAt;
     fake.position = 12'000'000;
+    fake.title = "Corrected";  // without a signal
     players->refresh("org.mpris.MediaPlayer2.fake");
     ASSERT_TRUE(until([&] { return find("fake")->position == 12'000'000; }));
     EXPECT_GT(find("fake")->positionAt, before);
+    EXPECT_EQ(title("fake"), "Corrected");
     fake.position = 30'000'000;
     fake.saySeeked();
     EXPECT_TRUE(until([&] { return find("fake")->position == 30'000'000; }));
