@@ -266,6 +266,7 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
     putOld();
     copies = {{17, std::nullopt}};
     own.values = {{"installID", {std::string{"ID"}}}};
+    shared.values = {{"lockScreenEnabled", {true}}};
     removesItself = false;
     int hellos = 0;  // that a running copy is told to say
     const Handle observation = darwin.darwin().observe(
