@@ -26,6 +26,9 @@ public:
     struct Services {
         LogSink log;
         OpenPort openPort;
+        // Why no port can be opened, whatever its name; nullopt when a name is taken, or free. Any
+        // thread.
+        std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
         // Names the calling thread as debuggers show it; may be unset.
         std::function<void(const std::string& name)> nameCurrentThread;
         MakeWaitFlag makeWaitFlag = &quorvane::makeWaitFlag;

@@ -41,6 +41,9 @@ HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource
       desk_(defaults_, services_.wallClock, log_),
       notices_(services_.darwinNotices),
       link_(std::make_shared<Link>()) {
+    desk_.onRemovalDelivered = [this] {
+        if (onRemovalDelivered) onRemovalDelivered();
+    };
     link_->mainThread = services_.mainThread;
     link_->now = services_.clock.now;
     link_->wallClock = services_.wallClock;
@@ -59,6 +62,7 @@ bool HostCoordinator::start() {
     ports_.emplace(services_.openPort, [this] { findSecret(); });
     server_.emplace(MessagePortServer::Services{.log = services_.log,
                                                 .openPort = countingOpenPort(),
+                                                .portsProblem = services_.portsProblem,
                                                 .nameCurrentThread = services_.nameCurrentThread,
                                                 .makeWaitFlag = waits_.make()});
     server_->handlers = makeHandlers();
@@ -126,14 +130,18 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
     handlers.onActionReceived = [link = link_](QuorvaneAction action) {
         Link::post(link, [action](HostCoordinator& host) {
             host.log_.info("host: %{public}s", name(action));
-            host.player_->perform(action);
+            host.commandEnded(host.player_->perform(action));
         });
     };
     handlers.onVolumeChangeReceived = [link = link_](std::int64_t volume) {
-        Link::post(link, [volume](HostCoordinator& host) { host.player_->setVolume(volume); });
+        Link::post(link, [volume](HostCoordinator& host) {
+            host.commandEnded(host.player_->setVolume(volume));
+        });
     };
     handlers.onRatingChangeReceived = [link = link_](std::int64_t rating) {
-        Link::post(link, [rating](HostCoordinator& host) { host.player_->setRating(rating); });
+        Link::post(link, [rating](HostCoordinator& host) {
+            host.commandEnded(host.player_->setRating(rating));
+        });
     };
     handlers.onLockScreenHelloReceived = [link = link_](Bytes request,
                                                         MessagePortHandlers::Answer answer) {
@@ -145,6 +153,18 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
 
 void HostCoordinator::playerChanged() {
     link_->state.publish(player_->snapshot());
+    announceSoon();
+}
+
+// The card already shows what its command was to bring about. Where that fails, a notice without a
+// change makes the card ask for the true state.
+void HostCoordinator::commandEnded(bool isCarriedOut) {
+    if (isCarriedOut) return;
+    announced_.reset();
+    announceSoon();
+}
+
+void HostCoordinator::announceSoon() {
     if (announcement_) return;
     announcement_ = services_.clock.after(kCoalescing, [this] { announce(); });
 }

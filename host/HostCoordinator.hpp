@@ -26,6 +26,7 @@ public:
     struct Services {
         LogSink log;
         OpenPort openPort;
+        std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
         std::function<void(const std::string& name)> nameCurrentThread;  // may be unset
         FileStore files;
         FillRandom fillRandom;
@@ -53,6 +54,8 @@ public:
     bool hasSecret() const;
     // Called when all ports have opened.
     std::function<void()> onServing;
+    // Called when the add-on was told to remove itself.
+    std::function<void()> onRemovalDelivered;
 
 private:
     struct Link;
@@ -62,6 +65,8 @@ private:
     MessagePortHandlers makeHandlers() const;
     void portOpened();
     void playerChanged();
+    void commandEnded(bool isCarriedOut);
+    void announceSoon();
     void announce();
 
     Services services_;
@@ -77,7 +82,7 @@ private:
     // Starts the server, which may take as long as another host lives. Destroyed before it.
     std::unique_ptr<SerialQueue> starting_;
     std::size_t openPorts_ = 0;
-    std::optional<PlayerSnapshot> announced_;
+    std::optional<PlayerSnapshot> announced_;  // nullopt: the next announcement is due regardless
     Timer announcement_;
 };
 

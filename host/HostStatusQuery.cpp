@@ -19,6 +19,8 @@ constexpr Duration kAddOnTimeout = std::chrono::milliseconds{500};
 void HostStatusQuery::start(std::function<void(HostStatus)> done) {
     done_ = std::move(done);
     status_.place = services_.lookAtPlace();
+    status_.problems = services_.problems.sentences();
+    status_.isAddOnRunning = services_.isAddOnRunning();
     readDefaults();
     askHost();
     observation_ = services_.distributedNotices.observe(
@@ -41,8 +43,8 @@ void HostStatusQuery::readDefaults() {
 }
 
 void HostStatusQuery::askHost() {
+    using Failure = HostStatus::Failure;
     const auto port = services_.connectPort(std::string{kMessagePortBaseName});
-    status_.isServed = port != nullptr;
     if (!port) return;
     auto secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));
     if (!secret) return;
@@ -52,6 +54,8 @@ void HostStatusQuery::askHost() {
                                   .receiveTimeout = kHostTimeout,
                                   .awaitsReply = true});
     wipe(*secret);
+    const bool isLate = reply.status == kPortSendTimeout || reply.status == kPortReceiveTimeout;
+    status_.state = std::unexpected{isLate ? Failure::late : Failure::noAnswer};
     if (reply.status != kPortSuccess || !reply.body) return;
     auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*std::move(reply.body));
     if (state) status_.state = *std::move(state);

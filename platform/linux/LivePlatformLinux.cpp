@@ -16,6 +16,7 @@
 #include "platform/linux/MotionSetting.hpp"
 #include "platform/linux/PictureHeader.hpp"
 #include "platform/linux/ServicesLinux.hpp"
+#include "platform/linux/SessionProblemsLinux.hpp"
 #include "platform/linux/ToolkitSettings.hpp"
 #include "platform/linux/Translations.hpp"
 #include "platform/linux/UserLanguage.hpp"
@@ -27,11 +28,6 @@ namespace {
 // The C library gives each thread a heap of its own, so that they need not wait for one another.
 // Here they seldom run at once, and what each leaves free in its heap would be kept five times.
 void shareOneHeap() { mallopt(M_ARENA_MAX, 1); }
-
-bool isSet(const char* variable) {
-    const char* const value = std::getenv(variable);
-    return value && *value;
-}
 
 std::filesystem::path moduleFile() {
     std::error_code error;
@@ -64,20 +60,13 @@ struct PlatformLinux {
     Handle motionRefreshes;
 };
 
-const char* noDisplay() {
-    return isSet("WAYLAND_DISPLAY")
-               ? "this is a Wayland session, which is not supported yet; choose an X11 session when "
-                 "logging in"
-               : "there is no X11 session to show a card in: DISPLAY is not set; start it in an "
-                 "X11 session";
-}
-
 Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& services) {
     const Logger log{services.log, kPlatformSubsystem, "x11"};
-    if (!isSet("DISPLAY"))
-        return std::unexpected(PlatformError{PlatformError::Domain::service, 0, noDisplay()});
-    if (isSet("WAYLAND_DISPLAY"))
-        log.error("x11: this is a Wayland session: the card shows over X11 lockers only");
+    const auto display = environmentVariable("DISPLAY");
+    const auto problem = screenProblem(display, environmentVariable("WAYLAND_DISPLAY"));
+    if (problem && display.empty())
+        return std::unexpected(PlatformError{PlatformError::Domain::service, 0, *problem});
+    if (problem) log.error("x11: %{public}s", *problem);
     auto& state = ServicesLinux::of(services);
     return X11SessionLinux::open(state.loop, "", [&state, log] {
         log.error("x11: the X server has gone away");
