@@ -1,7 +1,5 @@
 #include "platform/linux/LockerChild.hpp"
 
-#include <xcb/shape.h>
-
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -168,24 +166,40 @@ void LockerChild::moveTo(const PixelRect& place) {
 void LockerChild::cutOut(const std::vector<Rect>& areas, const Screen& screen) {
     if (!isStanding_) return;
     std::vector<PixelRect> holes;
-    for (const Rect& area : areas) {
-        const PixelRect hole =
+    for (const Rect& area : areas)
+        holes.push_back(
             pixelsTouchedBy(rootPixels(area, screen, x11_.pixelFrame(screen)))
-                .movedBy(-static_cast<int>(origin().x), -static_cast<int>(origin().y))
-                .intersection({0, 0, place_.width, place_.height});
-        if (!hole.isEmpty()) holes.push_back(hole);
-    }
+                .movedBy(-static_cast<int>(origin().x), -static_cast<int>(origin().y)));
     if (holes == holes_) return;
     holes_ = std::move(holes);
+    applyShape();
+}
+
+void LockerChild::setOutline(std::vector<PixelRect> parts) {
+    if (!isStanding_ || parts == outline_) return;
+    outline_ = std::move(parts);
+    applyShape();
+}
+
+void LockerChild::applyShape() {
     xcb_connection_t* connection = x11_.connection();
-    xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0, XCB_NONE);
-    std::vector<xcb_rectangle_t> rectangles;
-    for (const PixelRect& hole : holes_) rectangles.push_back(rectangleOf(hole));
-    if (!rectangles.empty())
-        xcb_shape_rectangles(connection, XCB_SHAPE_SO_SUBTRACT, XCB_SHAPE_SK_BOUNDING,
-                             XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0,
-                             static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
+    const auto* extension = xcb_get_extension_data(connection, &xcb_shape_id);
+    if (!extension || !extension->present) return;
+    if (outline_.empty())
+        xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0,
+                       XCB_NONE);
+    else
+        shape(XCB_SHAPE_SO_SET, outline_);
+    if (!holes_.empty()) shape(XCB_SHAPE_SO_SUBTRACT, holes_);
     x11_.flush();
+}
+
+void LockerChild::shape(xcb_shape_so_t operation, const std::vector<PixelRect>& parts) {
+    std::vector<xcb_rectangle_t> rectangles;
+    for (const PixelRect& part : parts) rectangles.push_back(rectangleOf(part));
+    xcb_shape_rectangles(x11_.connection(), operation, XCB_SHAPE_SK_BOUNDING,
+                         XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0,
+                         static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
 }
 
 void LockerChild::destroy() {
