@@ -21,14 +21,12 @@ Point beforeMove(Point moved, const Transform& transform) {
 std::vector<PixelRect> cardOutline(const CardStyle& style, double scale,
                                    const Transform& transform) {
     const CardShape shape{style.card, style.cornerRadius};
-    // A pixel is wholly inside where its middle is half a pixel or more away from the outline.
-    const auto isInside = [&](Point stage, double size) {
-        const Point card{stage.x - style.shadowMargin, stage.y - style.shadowMargin};
-        return shape.distance(card, 1 / scale) <= -0.5 / (scale * size);
+    const auto isInside = [&](Point stage) {
+        return shape.contains({stage.x - style.shadowMargin, stage.y - style.shadowMargin});
     };
     const auto isCovered = [&](int x, int y) {
         const Point stage{(x + 0.5) / scale, (y + 0.5) / scale};
-        return isInside(stage, 1) && isInside(beforeMove(stage, transform), transform.scale);
+        return isInside(stage) && isInside(beforeMove(stage, transform));
     };
     const auto pixels = [&](double points) { return static_cast<int>(points * scale); };
     const int width = pixels(style.card.width + 2 * style.shadowMargin);

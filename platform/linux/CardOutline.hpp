@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-// The pixels of the stage that are wholly inside the card, in bands from top to bottom. While the
+// The pixels of the stage whose middle is inside the card, in bands from top to bottom. While the
 // card moves, those inside both its place at rest and the moved one: an entrance then uncovers no
 // pixel that it has covered before. Pure.
 std::vector<PixelRect> cardOutline(const CardStyle& style, double scale,

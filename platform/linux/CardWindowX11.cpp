@@ -210,6 +210,7 @@ void CardWindowX11::hide() {
 
 void CardWindowX11::conceal() {
     nextFrame_.reset();
+    arrow_.reset();
     if (child_) child_->unmap();
     display_.reset();
 }

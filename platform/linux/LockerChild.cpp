@@ -211,14 +211,16 @@ void LockerChild::destroy() {
     x11_.noteOwnWindow(window_, false);
 }
 
-// Some lockers show their picture in a window of its own that fills theirs, and ask for the
-// password in another. The card belongs right over the first and under all else; this is seen to
-// once, before it is mapped, and left alone from then on.
+// Some lockers show their picture in a child that fills their window, and ask for the password in
+// another. The card belongs right over the first and under all else. It is stacked once, before it
+// is mapped. A part of its margin may be off the screen, where no child of the locker reaches.
 void LockerChild::stackAboveCover() {
     xcb_connection_t* connection = x11_.connection();
     const auto tree =
         xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, locker_.window));
     if (!tree) return;
+    const PixelRect visible = place_.intersection({0, 0, static_cast<int>(locker_.frame.width),
+                                                   static_cast<int>(locker_.frame.height)});
     xcb_window_t cover = XCB_WINDOW_NONE;
     xcb_window_t lowest = XCB_WINDOW_NONE;
     const xcb_window_t* siblings = xcb_query_tree_children(tree.get());
@@ -232,7 +234,7 @@ void LockerChild::stackAboveCover() {
         if (!geometry || !attributes) continue;
         if (lowest == XCB_WINDOW_NONE) lowest = siblings[i];
         const PixelRect box{geometry->x, geometry->y, geometry->width, geometry->height};
-        if (attributes->map_state == XCB_MAP_STATE_VIEWABLE && box.contains(place_))
+        if (attributes->map_state == XCB_MAP_STATE_VIEWABLE && box.contains(visible))
             cover = siblings[i];
     }
     if (lowest == XCB_WINDOW_NONE) return;
