@@ -140,18 +140,6 @@ TEST_F(CardBackdrop, IsReadOnAllOfARootThatHasGrown) {
     EXPECT_GT(glass & 0xff, (glass >> 16 & 0xff) + 20) << "blue, not black";
 }
 
-TEST_F(CardBackdrop, IsReadAgainEachTimeTheCardComes) {
-    lock();
-    makeCard();
-    showCard();
-    stage->setHidden(true);
-    settle();
-    showPicture(*locker, lockerWindow, false);
-    const Screenshot before = look();
-    stage->setHidden(false);
-    expectMarginsLike(before, kWindowX, kWindowY);
-}
-
 TEST_F(CardBackdrop, OfALockerWithoutBackgroundIsNotTakenFromTheCardItself) {
     lock();
     const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
