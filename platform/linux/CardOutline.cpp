@@ -36,10 +36,10 @@ std::vector<PixelRect> cardOutline(const CardStyle& style, double scale,
         // The card bulges everywhere, so each row of it is one run through the middle.
         const int middle = width / 2;
         if (!isCovered(middle, y)) continue;
-        const int left = *std::ranges::partition_point(
-            std::views::iota(0, middle), [&](int x) { return !isCovered(x, y); });
-        const int end = *std::ranges::partition_point(
-            std::views::iota(middle, width), [&](int x) { return isCovered(x, y); });
+        const int left = *std::ranges::partition_point(std::views::iota(0, middle),
+                                                       [&](int x) { return !isCovered(x, y); });
+        const int end = *std::ranges::partition_point(std::views::iota(middle, width),
+                                                      [&](int x) { return isCovered(x, y); });
         if (!bands.empty() && bands.back().x == left && bands.back().maxX() == end)
             ++bands.back().height;
         else

@@ -61,7 +61,7 @@ void CardWindowX11::setContent(std::shared_ptr<CardStage> stage) {
 }
 
 // A visible card is hidden while it moves, because the picture at its new place can be read only
-// without it. A background is there at once, other lockers have to paint first.
+// without it. The server has a background at once. Other lockers have to paint first.
 void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     screen_ = screen;
     if (!child_->isStanding()) return;

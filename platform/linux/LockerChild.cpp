@@ -167,9 +167,8 @@ void LockerChild::cutOut(const std::vector<Rect>& areas, const Screen& screen) {
     if (!isStanding_) return;
     std::vector<PixelRect> holes;
     for (const Rect& area : areas)
-        holes.push_back(
-            pixelsTouchedBy(rootPixels(area, screen, x11_.pixelFrame(screen)))
-                .movedBy(-static_cast<int>(origin().x), -static_cast<int>(origin().y)));
+        holes.push_back(pixelsTouchedBy(rootPixels(area, screen, x11_.pixelFrame(screen)))
+                            .movedBy(-static_cast<int>(origin().x), -static_cast<int>(origin().y)));
     if (holes == holes_) return;
     holes_ = std::move(holes);
     applyShape();
@@ -219,8 +218,8 @@ void LockerChild::stackAboveCover() {
     const auto tree =
         xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, locker_.window));
     if (!tree) return;
-    const PixelRect visible = place_.intersection({0, 0, static_cast<int>(locker_.frame.width),
-                                                   static_cast<int>(locker_.frame.height)});
+    const PixelRect visible = place_.intersection(
+        {0, 0, static_cast<int>(locker_.frame.width), static_cast<int>(locker_.frame.height)});
     xcb_window_t cover = XCB_WINDOW_NONE;
     xcb_window_t lowest = XCB_WINDOW_NONE;
     const xcb_window_t* siblings = xcb_query_tree_children(tree.get());

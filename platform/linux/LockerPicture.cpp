@@ -137,8 +137,7 @@ std::optional<Pixels> LockerPicture::read(xcb_drawable_t drawable, const PixelRe
     const std::size_t length =
         static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) * kBytesAPixel;
     const bool isLarge = length > kMostThroughConnection;
-    const auto own =
-        lent || !isLarge ? nullptr : ServerMemory::make(x11_.connection(), length);
+    const auto own = lent || !isLarge ? nullptr : ServerMemory::make(x11_.connection(), length);
     const ServerMemory* const memory = lent ? lent : own.get();
     if (!memory) return readThroughConnection(drawable, area);
     const auto place = [](int value) { return static_cast<std::int16_t>(value); };

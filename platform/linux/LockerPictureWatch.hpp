@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-// Main thread only. The server reports the drawing, nothing is polled while the locker is at rest.
+// Main thread only. The server reports the drawing. While the locker is at rest nothing is polled.
 // Without the Damage extension nothing is ever reported.
 class LockerPictureWatch {
 public:
