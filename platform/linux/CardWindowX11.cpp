@@ -10,6 +10,8 @@ namespace {
 
 constexpr Duration kFrame = std::chrono::nanoseconds{1'000'000'000 / 60};
 constexpr unsigned long kOcclusionVisible = 2;
+// The time a locker has to paint what a moving card has uncovered.
+constexpr Duration kRepaintTime = std::chrono::milliseconds{150};
 
 }  // namespace
 
@@ -58,17 +60,20 @@ void CardWindowX11::setContent(std::shared_ptr<CardStage> stage) {
     updateSoon();
 }
 
+// A visible card is hidden while it moves, because the picture at its new place can be read only
+// without it. The server has a background at once. Other lockers have to paint first.
 void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     screen_ = screen;
     if (!child_->isStanding()) return;
     const PixelRect place = child_->placeFor(frame, screen);
-    const bool isMove = place != child_->place();
-    if (display_)
-        display_->moveTo(place);
-    else
-        child_->moveTo(place);
+    if (place != child_->place() && display_) {
+        const Instant now = resources_->clock.now();
+        readableAt_ = display_->isFollowing() ? now : now + kRepaintTime;
+        conceal();
+        updateSoon();
+    }
+    child_->moveTo(place);
     child_->cutOut(screen.keepClear, screen);
-    if (isMove && display_) draw(resources_->clock.now());
     resources_->x11.flush();
 }
 
@@ -160,7 +165,8 @@ void CardWindowX11::update() {
         if (fade_) updateAfter(*fade_->begin + fade_->duration - now);
         return;
     }
-    if (!display_ && !show()) return endFade();
+    if (!display_ && now < readableAt_) return updateAfter(readableAt_ - now);
+    if (!display_ && !show(now)) return endFade();
     draw(now);
     syncPointer();
     beginAnimations(resources_->clock.now());
@@ -183,9 +189,10 @@ void CardWindowX11::finishFade(Instant now) {
     if (fade_ && fade_->begin && now - *fade_->begin >= fade_->duration) endFade();
 }
 
-bool CardWindowX11::show() {
+bool CardWindowX11::show(Instant now) {
     display_ = CardDisplay::make(resources_->x11, resources_->clock, *child_, stage_->style(),
-                                 screen_.scale, resources_->pictures, [this] { updateSoon(); });
+                                 screen_.scale, resources_->pictures, stage_->transformAt(now),
+                                 [this] { updateSoon(); });
     if (!display_) {
         resources_->log.error("windows: window %ld cannot be shown", number_);
         return false;
@@ -196,9 +203,14 @@ bool CardWindowX11::show() {
 }
 
 void CardWindowX11::hide() {
-    nextFrame_.reset();
     pointer_.reset();
     tellAccessibility(false);
+    conceal();
+}
+
+void CardWindowX11::conceal() {
+    nextFrame_.reset();
+    arrow_.reset();
     if (child_) child_->unmap();
     display_.reset();
 }

@@ -84,8 +84,9 @@ private:
     void updateAfter(Duration delay);
     bool isMoving(Instant now) const;
     bool isToBeSeen() const;
-    bool show();
+    bool show(Instant now);
     void hide();
+    void conceal();
     void draw(Instant now);
     void drawParts(const std::vector<Rect>& cardAreas);
     double alphaAt(Instant now) const;
@@ -106,6 +107,7 @@ private:
     bool isAccessible_ = false;  // assistive technology has been told of it
     std::shared_ptr<CardStageX11> stage_;
     std::optional<Fade> fade_;
+    Instant readableAt_{};  // the locker's picture at the card's place
     std::optional<Point> arrow_;
     std::function<void(Point)> mouseDownObserver_;
     Timer nextFrame_;

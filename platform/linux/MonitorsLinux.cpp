@@ -15,9 +15,25 @@ constexpr std::uint32_t kMonitorsMinor = 5;
 constexpr char kScaleVariable[] = "QUORVANE_SCALE";
 constexpr double kMillimetersPerInch = 25.4;
 
+double dotsPerInchOf(int pixels, int millimeters) {
+    return millimeters == 0 ? 0 : pixels * kMillimetersPerInch / millimeters;
+}
+
+// The screen's own. Of a screen whose first monitor is turned, the notice has width and height
+// exchanged.
+double dotsPerInchOf(const xcb_randr_screen_change_notify_event_t& change) {
+    const bool isTurned =
+        (change.rotation & (XCB_RANDR_ROTATION_ROTATE_90 | XCB_RANDR_ROTATION_ROTATE_270)) != 0;
+    return isTurned ? dotsPerInchOf(change.width, change.mwidth)
+                    : dotsPerInchOf(change.height, change.mheight);
+}
+
 }  // namespace
 
-MonitorsLinux::MonitorsLinux(X11Connection& x11) : x11_(x11) {
+MonitorsLinux::MonitorsLinux(X11Connection& x11)
+    : x11_(x11),
+      screenDotsPerInch_(
+          dotsPerInchOf(x11.screen().height_in_pixels, x11.screen().height_in_millimeters)) {
     observeServer();
     readLayout();
 }
@@ -43,9 +59,17 @@ void MonitorsLinux::observeServer() {
     xcb_randr_select_input(x11_.connection(), x11_.root(),
                            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
-    for (const int type : {XCB_RANDR_SCREEN_CHANGE_NOTIFY, XCB_RANDR_NOTIFY})
-        observations_.push_back(x11_.observeEvents(
-            static_cast<std::uint8_t>(extension->first_event + type), markStale));
+    const auto typeOf = [&](int number) {
+        return static_cast<std::uint8_t>(extension->first_event + number);
+    };
+    observations_.push_back(x11_.observeEvents(typeOf(XCB_RANDR_NOTIFY), markStale));
+    // The connection's record of the screen stays as it was when the connection was made.
+    observations_.push_back(
+        x11_.observeEvents(typeOf(XCB_RANDR_SCREEN_CHANGE_NOTIFY), [this](const auto& event) {
+            screenDotsPerInch_ = dotsPerInchOf(
+                reinterpret_cast<const xcb_randr_screen_change_notify_event_t&>(event));
+            isStale_ = true;
+        }));
 }
 
 void MonitorsLinux::refresh() {
@@ -64,12 +88,7 @@ void MonitorsLinux::readLayout() {
     const auto demand = std::getenv(kScaleVariable);
     layout_ = {monitors, scaleFor(demand ? std::optional<std::string_view>{demand} : std::nullopt,
                                   userDotsPerInch)};
-    const auto& screen = x11_.screen();
-    const double physical =
-        screen.height_in_millimeters == 0
-            ? 0
-            : screen.height_in_pixels * kMillimetersPerInch / screen.height_in_millimeters;
-    dotsPerInch_ = userDotsPerInch.value_or(physical);
+    dotsPerInch_ = userDotsPerInch.value_or(screenDotsPerInch_);
 }
 
 std::vector<Rect> MonitorsLinux::readMonitors() {

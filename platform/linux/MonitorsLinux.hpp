@@ -15,7 +15,7 @@ public:
     explicit MonitorsLinux(X11Connection& x11);
 
     const ScreenLayout& layout() const { return layout_; }
-    // The dots per inch that programs without a wish of the user's take: the screen's own.
+    // The user's, else the screen's own, as programs on X11 take them.
     double dotsPerInch() const { return dotsPerInch_; }
     // Reads everything again; the user's dots per inch change without a notice.
     void refresh();
@@ -31,6 +31,7 @@ private:
     bool hasRandR_ = false;
     bool isStale_ = false;
     ScreenLayout layout_;
+    double screenDotsPerInch_;
     double dotsPerInch_ = 0;
     Listeners<> listeners_;
     std::vector<Handle> observations_;

@@ -58,6 +58,15 @@ TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
     EXPECT_EQ(session->pixelFrame(screen), kBothMonitors);
 }
 
+TEST_F(ScreensLinux, TakeTheDotsPerInchOfTheRootAsItIsNow) {
+    server.resizeRoot("800x900", "200x238");
+    watch();
+    server.resizeRoot("1600x900", "400x119");  // 192 dots per inch
+    standLocker();
+    settle();
+    EXPECT_EQ(zones(), (std::vector<Rect>{{609, 259, 382, 382}}));
+}
+
 TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {
     PrivateXServer plain{"1024x768x24", {"-extension", "RANDR", "-extension", "XInputExtension"}};
     auto opened = X11SessionLinux::open(loop(), plain.display(), [] {});
