@@ -58,7 +58,11 @@ std::string hostText(const HostStatus& status, WallTime now) {
 std::string cardText(const HostStatus& status) {
     if (!status.hasSharedDefaults) return "unknown: the shared settings cannot be opened";
     if (status.pendingRemoval) return "off; the add-on has been asked to remove itself";
-    return status.isEnabled ? "on" : "off; turn it on with: quorvane-host enable";
+    if (!status.isEnabled) return "off; turn it on with: quorvane-host enable";
+    if (status.lastLockHadNoRoom)
+        return "on, but the last lock screen left no room for it; a lower QUORVANE_SCALE makes it "
+               "smaller";
+    return "on";
 }
 
 std::string installedText(const AddOnPlace& place) {

@@ -18,6 +18,7 @@ struct HostStatus {
     bool hasSharedDefaults = false;
     bool isEnabled = false;
     std::optional<LockScreenPendingRemoval> pendingRemoval;
+    bool lastLockHadNoRoom = false;
     std::optional<LockScreenAddOnSighting> lastSeen;
     AddOnPlace place{};
     std::optional<AddOnSignals::Status> addOn;  // what a running add-on answered

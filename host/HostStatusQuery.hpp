@@ -21,6 +21,7 @@ public:
         Clock clock;
         DistributedNotices distributedNotices;
         std::optional<UserDefaults> sharedSuite;
+        std::optional<UserDefaults> addOnDefaults;
         std::function<AddOnPlace()> lookAtPlace;
     };
 

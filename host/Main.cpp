@@ -113,6 +113,7 @@ int tellStatus(const LiveServices& services) {
                            .clock = services.clock,
                            .distributedNotices = services.distributedNotices,
                            .sharedSuite = sharedSuite(services),
+                           .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier}),
                            .lookAtPlace = [&services] { return lookAtPlace(services); }}};
     bool isRunning = false;
     const auto tell = [&](const HostStatus& status) {

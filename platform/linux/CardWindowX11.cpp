@@ -35,6 +35,7 @@ CardWindowX11::CardWindowX11(std::shared_ptr<CardResources> resources,
                              const WindowSettings& settings, const Screen& screen)
     : resources_(std::move(resources)),
       screen_(screen),
+      contentScale_(settings.contentScale),
       alpha_(settings.alpha),
       ignoresMouseEvents_(settings.ignoresMouseEvents),
       pictures_(resources_->picturesArrived.add([this] { picturesArrived(); })) {}
@@ -69,6 +70,7 @@ void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
         child_->moveTo(place);
     child_->cutOut(screen.keepClear, screen);
     if (isMove && display_) draw(resources_->clock.now());
+    if (isMove && pointer_) pointer_->cardMoved();
     resources_->x11.flush();
 }
 
@@ -185,7 +187,7 @@ void CardWindowX11::finishFade(Instant now) {
 
 bool CardWindowX11::show() {
     display_ = CardDisplay::make(resources_->x11, resources_->clock, *child_, stage_->style(),
-                                 screen_.scale, resources_->pictures, [this] { updateSoon(); });
+                                 scale(), resources_->pictures, [this] { updateSoon(); });
     if (!display_) {
         resources_->log.error("windows: window %ld cannot be shown", number_);
         return false;
@@ -233,7 +235,7 @@ void CardWindowX11::syncPointer() {
     if (!display_ || ignoresMouseEvents_) return pointer_.reset();
     if (pointer_) return;
     pointer_ = std::make_unique<CardPointer>(
-        resources_->x11, *child_, stage_->style(), screen_.scale,
+        resources_->x11, *child_, stage_->style(), scale(),
         CardPointer::Listener{.event = [this](const PointerEvent& event) { pointerEvent(event); },
                               .arrow = [this](std::optional<Point> place) { moveArrow(place); }});
 }
@@ -267,7 +269,7 @@ void CardWindowX11::controlsChanged() {
 }
 
 Point CardWindowX11::accessibleOrigin() const {
-    const double margin = stage_->style().shadowMargin * screen_.scale;
+    const double margin = stage_->style().shadowMargin * scale();
     return {child_->origin().x + margin, child_->origin().y + margin};
 }
 

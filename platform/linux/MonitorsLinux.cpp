@@ -14,24 +14,21 @@ constexpr std::uint32_t kMonitorsMajor = 1;
 constexpr std::uint32_t kMonitorsMinor = 5;
 constexpr char kScaleVariable[] = "QUORVANE_SCALE";
 constexpr double kMillimetersPerInch = 25.4;
+constexpr Duration kSettleTime = std::chrono::milliseconds{150};
 
 }  // namespace
 
-MonitorsLinux::MonitorsLinux(X11Connection& x11) : x11_(x11) {
+MonitorsLinux::MonitorsLinux(X11Connection& x11, const Clock& clock) : x11_(x11), clock_(clock) {
     observeServer();
     readLayout();
 }
 
 void MonitorsLinux::observeServer() {
-    const auto markStale = [this](const xcb_generic_event_t&) { isStale_ = true; };
     observations_.push_back(x11_.observeWindow(x11_.root(), [this](const auto& event) {
         if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY) return;
         const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         // A changed monitor definition is announced only as a new configuration of the root.
-        if (change.window == x11_.root()) isStale_ = true;
-    }));
-    observations_.push_back(x11_.observeQuiet([this] {
-        if (std::exchange(isStale_, false)) refresh();
+        if (change.window == x11_.root()) settle();
     }));
     const auto* extension = x11_.extension(xcb_randr_id);
     if (!extension) return;
@@ -44,14 +41,27 @@ void MonitorsLinux::observeServer() {
                            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
     for (const int type : {XCB_RANDR_SCREEN_CHANGE_NOTIFY, XCB_RANDR_NOTIFY})
-        observations_.push_back(x11_.observeEvents(
-            static_cast<std::uint8_t>(extension->first_event + type), markStale));
+        observations_.push_back(
+            x11_.observeEvents(static_cast<std::uint8_t>(extension->first_event + type),
+                               [this](const xcb_generic_event_t&) { settle(); }));
+}
+
+// A reconfiguration comes as many events; each one starts the wait again.
+void MonitorsLinux::settle() {
+    settled_ = clock_.after(kSettleTime, [this] { refresh(); });
+}
+
+void MonitorsLinux::reportSoon() {
+    mustReport_ = true;
+    settle();
 }
 
 void MonitorsLinux::refresh() {
+    settled_.reset();
     const ScreenLayout before = layout_;
     readLayout();
-    if (layout_ != before) listeners_.call();
+    const bool mustReport = std::exchange(mustReport_, false);
+    if (mustReport || layout_ != before) listeners_.call();
 }
 
 void MonitorsLinux::readLayout() {

@@ -52,6 +52,9 @@ TEST(HostStatus, TellsOfCardAndAddOn) {
     status.hasSharedDefaults = true;
     EXPECT_EQ(lineOf(status, "Card"), "Card:    off; turn it on with: quorvane-host enable");
     status.isEnabled = true;
+    status.lastLockHadNoRoom = true;
+    EXPECT_TRUE(
+        lineOf(status, "Card").starts_with("Card:    on, but the last lock screen left no"));
     status.pendingRemoval.emplace();
     EXPECT_EQ(lineOf(status, "Card"), "Card:    off; the add-on has been asked to remove itself");
 
@@ -97,6 +100,7 @@ protected:
                                .clock = clock.clock(),
                                .distributedNotices = notices.distributed(),
                                .sharedSuite = defaults.table(),
+                               .addOnDefaults = addOnDefaults.table(),
                                .lookAtPlace = [] { return AddOnPlace{}; }}};
         std::vector<HostStatus> answers;
         query.start([&](HostStatus status) { answers.push_back(std::move(status)); });
@@ -112,6 +116,7 @@ protected:
     ManualClock clock;
     FakeNotices notices;
     MemoryDefaults defaults;
+    MemoryDefaults addOnDefaults;
     MemoryPorts ports;
     Bytes reply;  // of a host's main port
     Handle host = ports.serve(kMainPort, [this](std::int32_t, ByteView) { return reply; });
@@ -121,6 +126,7 @@ protected:
 
 TEST_F(HostStatusQueryTest, EverybodyAnswers) {
     defaults.values["lockScreenEnabled"] = {true};
+    addOnDefaults.values["lastLockHadNoRoom"] = {true};
     const QuorvanePlayerState state{.track = XPCTrack{.title = "T", .artist = "A"}};
     reply = *XPCCodableHelpers::encode(state);
     addOnSays = AddOnSignals::Status{true, "1.0.0"}.userInfo();
@@ -128,6 +134,7 @@ TEST_F(HostStatusQueryTest, EverybodyAnswers) {
     const HostStatus status = ask();
     EXPECT_TRUE(status.isServed);
     EXPECT_TRUE(status.isEnabled);
+    EXPECT_TRUE(status.lastLockHadNoRoom);
     EXPECT_EQ(status.state, state);
     ASSERT_EQ(ports.sent.size(), 1u);
     EXPECT_EQ(ports.sent[0].messageID, 1);
