@@ -9,8 +9,8 @@ namespace {
 
 // From the widest to the narrowest distance between the card and what it must not cover. At the
 // first, the shadow ends before the area begins.
-constexpr double kMargins[] = {kCardShadowMargin, 24, 12};
-constexpr double kScreenEdge = 12;  // a moved card keeps this distance from the screen's edges
+constexpr double kMargins[] = {kCardShadowMargin, 24, 12, 8};
+constexpr double kScreenEdge = 8;  // a moved card keeps this distance from the screen's edges
 constexpr double kScales[] = {1, 0.95, 0.9, 0.85, 0.8};
 
 bool isClear(const Rect& card, double margin, std::span<const Rect> keepClear) {

@@ -52,7 +52,7 @@ TEST(CardPlacement, NeverCoversAnAreaAndNeverLeavesTheScreen) {
                 continue;
             }
             const Rect card = cardIn(*place);
-            for (const Rect& area : areas) EXPECT_FALSE(card.grownBy(11.9).intersects(area));
+            for (const Rect& area : areas) EXPECT_FALSE(card.grownBy(7.9).intersects(area));
             EXPECT_TRUE(card.minX() >= screen.minX() && card.maxX() <= screen.maxX());
             EXPECT_TRUE(card.minY() >= screen.minY() && card.maxY() <= screen.maxY());
             EXPECT_NEAR(card.width, place->scale * kCardSize.width, 1e-9);
@@ -68,7 +68,7 @@ TEST(CardPlacement, SmallScreensGetANarrowerMarginThenTheSideThenASmallerCard) {
     };
     for (const auto& [size, scale, isBeside] :
          {Case{{1280, 720}, 1, false}, Case{{1092.8, 614.4}, 1, true}, Case{{960, 600}, 0.9, true},
-          Case{{960, 540}, 0.9, true}, Case{{800, 600}, 0.8, false}, Case{{800, 480}, 0, false}}) {
+          Case{{960, 540}, 0.9, true}, Case{{800, 600}, 0.85, false}, Case{{800, 480}, 0, false}}) {
         const Rect screen{0, 0, size.width, size.height};
         SCOPED_TRACE(describe(screen));
         const auto place = CardPlacement::place(screen, std::array{ringIn(screen)});

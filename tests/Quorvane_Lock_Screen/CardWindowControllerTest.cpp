@@ -216,10 +216,10 @@ TEST_F(CardWindowControllerTest, ACardThatIsCrampedIsBuiltSmaller) {
     screens_.list[0].keepClear = {{305, 205, 190, 190}};
     screens_.keepClearChanged();
     ASSERT_EQ(windows_.open().size(), 1u);
-    EXPECT_EQ(windows_.open()[0]->settings.contentScale, 0.8);
-    EXPECT_EQ(windows_.open()[0]->frame.width, 0.8 * 504);
+    EXPECT_EQ(windows_.open()[0]->settings.contentScale, 0.85);
+    EXPECT_EQ(windows_.open()[0]->frame.width, 0.85 * 504);
     EXPECT_EQ(windows_.open()[0]->screen.scale, 2);
-    EXPECT_EQ(contentScale_, 1.6);
+    EXPECT_EQ(contentScale_, 1.7);
     screens_.list[0].keepClear = {{0, 0, 800, 600}};
     screens_.keepClearChanged();
     EXPECT_EQ(hasRoom_, false);
