@@ -6,6 +6,7 @@
 #include "QuorvaneKit/MessagePortSecret.hpp"
 #include "QuorvaneKit/PortNames.hpp"
 #include "QuorvaneKit/QuorvaneDarwinNotification.hpp"
+#include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
 namespace {
@@ -109,13 +110,25 @@ void AddOnCoordinator::makeVolumeSender() {
 }
 
 void AddOnCoordinator::makeController() {
-    controller_.emplace([this](const Screen& screen) { return makeContent(screen); },
-                        CardWindowController::Services{.log = platform_.services.log,
-                                                       .windows = platform_.cardWindows,
-                                                       .screens = platform_.screens,
-                                                       .mainThread = platform_.services.mainThread,
-                                                       .beginActivity = platform_.beginActivity},
-                        platform_.windowServerLoader);
+    controller_.emplace(
+        [this](const Screen& screen) { return makeContent(screen); },
+        CardWindowController::Services{.log = platform_.services.log,
+                                       .windows = platform_.cardWindows,
+                                       .screens = platform_.screens,
+                                       .mainThread = platform_.services.mainThread,
+                                       .beginActivity = platform_.beginActivity,
+                                       .noteRoom = weakly(&AddOnCoordinator::noteRoom)},
+        platform_.windowServerLoader);
+}
+
+// For the installer's status, which cannot see the lock screen.
+void AddOnCoordinator::noteRoom(bool hasRoom) {
+    const UserDefaults& defaults = platform_.services.standardDefaults;
+    const bool isNoted = defaults.get(AddOnSignals::kNoRoomKey).has_value();
+    if (isNoted != hasRoom) return;
+    defaults.set(AddOnSignals::kNoRoomKey,
+                 hasRoom ? std::nullopt : std::optional{PropertyValue{true}});
+    static_cast<void>(defaults.synchronize());
 }
 
 void AddOnCoordinator::listenToPresentation() {

@@ -68,6 +68,7 @@ private:
     void endVolume();
     void sendVolume(std::int64_t level);
     void present(const PresentationState& state);
+    void noteRoom(bool hasRoom);
     void lockEvent(const PresentationEvent& event);
     void sayHelloSoon();
     void sayHello();

@@ -60,6 +60,10 @@ public:
 
 struct WindowSettings {
     Rect frame;  // global points, y growing upward
+    // Below 1 where the lock screen leaves less room than the card's own size. The frame is the
+    // scaled stage's; whatever is in the stage keeps its own points. Only where screens have
+    // keep-clear areas.
+    double contentScale = 1;
     std::uint64_t styleMask = 0;
     bool becomesKeyOnlyIfNeeded = true;
     bool isOpaque = false;

@@ -65,9 +65,15 @@ std::string hostText(const HostStatus& status, WallTime now) {
 std::string cardText(const HostStatus& status) {
     if (!status.hasSharedDefaults) return "unknown: the shared settings cannot be opened";
     if (status.pendingRemoval) return "off; the add-on has been asked to remove itself";
-    if (status.isEnabled) return "on";
-    const bool isThere = status.place.state != AddOnPlace::State::empty || status.isAddOnRunning;
-    return isThere ? "off; turn it on with: quorvane-host enable" : "off";
+    if (!status.isEnabled) {
+        const bool isThere =
+            status.place.state != AddOnPlace::State::empty || status.isAddOnRunning;
+        return isThere ? "off; turn it on with: quorvane-host enable" : "off";
+    }
+    if (status.lastLockHadNoRoom)
+        return "on, but the last lock screen left no room for it; a lower QUORVANE_SCALE makes it "
+               "smaller";
+    return "on";
 }
 
 std::string installedText(const AddOnPlace& place) {

@@ -21,6 +21,7 @@ struct HostStatus {
     bool hasSharedDefaults = false;
     bool isEnabled = false;
     std::optional<LockScreenPendingRemoval> pendingRemoval;
+    bool lastLockHadNoRoom = false;
     std::optional<LockScreenAddOnSighting> lastSeen;
     AddOnPlace place{};
     bool isAddOnRunning = false;                // a copy is in the process table

@@ -40,6 +40,8 @@ void HostStatusQuery::readDefaults() {
     status_.isEnabled = defaults.lockScreenEnabled();
     status_.pendingRemoval = defaults.lockScreenPendingRemoval();
     status_.lastSeen = defaults.lockScreenAddOnLastSeen();
+    status_.lastLockHadNoRoom = services_.addOnDefaults &&
+                                services_.addOnDefaults->get(AddOnSignals::kNoRoomKey).has_value();
 }
 
 void HostStatusQuery::askHost() {

@@ -22,6 +22,7 @@ public:
         Clock clock;
         DistributedNotices distributedNotices;
         std::optional<UserDefaults> sharedSuite;
+        std::optional<UserDefaults> addOnDefaults;
         std::function<AddOnPlace()> lookAtPlace;
         std::function<bool()> isAddOnRunning;
         SessionProblems problems{};

@@ -148,6 +148,7 @@ int tellStatus(const LiveServices& services) {
                            .clock = services.clock,
                            .distributedNotices = services.distributedNotices,
                            .sharedSuite = sharedSuite(services),
+                           .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier}),
                            .lookAtPlace = [&services] { return lookAtPlace(services); },
                            .isAddOnRunning = [&] { return control.isRunning(); },
                            .problems = addOn.problems}};

@@ -37,6 +37,7 @@ CardWindowX11::CardWindowX11(std::shared_ptr<CardResources> resources,
                              const WindowSettings& settings, const Screen& screen)
     : resources_(std::move(resources)),
       screen_(screen),
+      contentScale_(settings.contentScale),
       alpha_(settings.alpha),
       ignoresMouseEvents_(settings.ignoresMouseEvents),
       pictures_(resources_->picturesArrived.add([this] { picturesArrived(); })) {}
@@ -66,7 +67,8 @@ void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     screen_ = screen;
     if (!child_->isStanding()) return;
     const PixelRect place = child_->placeFor(frame, screen);
-    if (place != child_->place() && display_) {
+    const bool isMove = place != child_->place();
+    if (isMove && display_) {
         const Instant now = resources_->clock.now();
         readableAt_ = display_->isFollowing() ? now : now + kRepaintTime;
         conceal();
@@ -74,6 +76,7 @@ void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     }
     child_->moveTo(place);
     child_->cutOut(screen.keepClear, screen);
+    if (isMove && pointer_) pointer_->cardMoved();
     resources_->x11.flush();
 }
 
@@ -190,9 +193,9 @@ void CardWindowX11::finishFade(Instant now) {
 }
 
 bool CardWindowX11::show(Instant now) {
-    display_ = CardDisplay::make(resources_->x11, resources_->clock, *child_, stage_->style(),
-                                 screen_.scale, resources_->pictures, stage_->transformAt(now),
-                                 [this] { updateSoon(); });
+    display_ =
+        CardDisplay::make(resources_->x11, resources_->clock, *child_, stage_->style(), scale(),
+                          resources_->pictures, stage_->transformAt(now), [this] { updateSoon(); });
     if (!display_) {
         resources_->log.error("windows: window %ld cannot be shown", number_);
         return false;
@@ -245,7 +248,7 @@ void CardWindowX11::syncPointer() {
     if (!display_ || ignoresMouseEvents_) return pointer_.reset();
     if (pointer_) return;
     pointer_ = std::make_unique<CardPointer>(
-        resources_->x11, *child_, stage_->style(), screen_.scale,
+        resources_->x11, *child_, stage_->style(), scale(),
         CardPointer::Listener{.event = [this](const PointerEvent& event) { pointerEvent(event); },
                               .arrow = [this](std::optional<Point> place) { moveArrow(place); }});
 }
@@ -279,7 +282,7 @@ void CardWindowX11::controlsChanged() {
 }
 
 Point CardWindowX11::accessibleOrigin() const {
-    const double margin = stage_->style().shadowMargin * screen_.scale;
+    const double margin = stage_->style().shadowMargin * scale();
     return {child_->origin().x + margin, child_->origin().y + margin};
 }
 

@@ -14,6 +14,7 @@ constexpr std::uint32_t kMonitorsMajor = 1;
 constexpr std::uint32_t kMonitorsMinor = 5;
 constexpr char kScaleVariable[] = "QUORVANE_SCALE";
 constexpr double kMillimetersPerInch = 25.4;
+constexpr Duration kSettleTime = std::chrono::milliseconds{150};
 
 double dotsPerInchOf(int pixels, int millimeters) {
     return millimeters == 0 ? 0 : pixels * kMillimetersPerInch / millimeters;
@@ -30,8 +31,9 @@ double dotsPerInchOf(const xcb_randr_screen_change_notify_event_t& change) {
 
 }  // namespace
 
-MonitorsLinux::MonitorsLinux(X11Connection& x11)
+MonitorsLinux::MonitorsLinux(X11Connection& x11, const Clock& clock)
     : x11_(x11),
+      clock_(clock),
       screenDotsPerInch_(
           dotsPerInchOf(x11.screen().height_in_pixels, x11.screen().height_in_millimeters)) {
     observeServer();
@@ -39,15 +41,11 @@ MonitorsLinux::MonitorsLinux(X11Connection& x11)
 }
 
 void MonitorsLinux::observeServer() {
-    const auto markStale = [this](const xcb_generic_event_t&) { isStale_ = true; };
     observations_.push_back(x11_.observeWindow(x11_.root(), [this](const auto& event) {
         if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY) return;
         const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         // A changed monitor definition is announced only as a new configuration of the root.
-        if (change.window == x11_.root()) isStale_ = true;
-    }));
-    observations_.push_back(x11_.observeQuiet([this] {
-        if (std::exchange(isStale_, false)) refresh();
+        if (change.window == x11_.root()) settle();
     }));
     const auto* extension = x11_.extension(xcb_randr_id);
     if (!extension) return;
@@ -62,20 +60,33 @@ void MonitorsLinux::observeServer() {
     const auto typeOf = [&](int number) {
         return static_cast<std::uint8_t>(extension->first_event + number);
     };
-    observations_.push_back(x11_.observeEvents(typeOf(XCB_RANDR_NOTIFY), markStale));
+    observations_.push_back(x11_.observeEvents(typeOf(XCB_RANDR_NOTIFY),
+                                               [this](const xcb_generic_event_t&) { settle(); }));
     // The connection's record of the screen stays as it was when the connection was made.
     observations_.push_back(
         x11_.observeEvents(typeOf(XCB_RANDR_SCREEN_CHANGE_NOTIFY), [this](const auto& event) {
             screenDotsPerInch_ = dotsPerInchOf(
                 reinterpret_cast<const xcb_randr_screen_change_notify_event_t&>(event));
-            isStale_ = true;
+            settle();
         }));
 }
 
+// A reconfiguration comes as many events; each one starts the wait again.
+void MonitorsLinux::settle() {
+    settled_ = clock_.after(kSettleTime, [this] { refresh(); });
+}
+
+void MonitorsLinux::reportSoon() {
+    mustReport_ = true;
+    settle();
+}
+
 void MonitorsLinux::refresh() {
+    settled_.reset();
     const ScreenLayout before = layout_;
     readLayout();
-    if (layout_ != before) listeners_.call();
+    const bool mustReport = std::exchange(mustReport_, false);
+    if (mustReport || layout_ != before) listeners_.call();
 }
 
 void MonitorsLinux::readLayout() {

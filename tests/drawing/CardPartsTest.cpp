@@ -88,6 +88,12 @@ TEST(MarginMouse, TakesTheCardAndLeavesTheMargin) {
     mouse.moveTo({504, 100});
     EXPECT_FALSE(mouse.ignoresMouse());
     EXPECT_FALSE(mouse.mustAskForPointer());
+    // A press that ends while all is ignored is over afterwards.
+    mouse.setPressed(true);
+    mouse.setIgnored(true);
+    mouse.setIgnored(false);
+    mouse.moveTo({20, 20});
+    EXPECT_TRUE(mouse.ignoresMouse());
 }
 
 }  // namespace

@@ -73,6 +73,9 @@ TEST(HostStatus, TellsOfCardAddOnAndSession) {
     expect("Card:    off; turn it on with: quorvane-host enable");
     expect("Install: version 1.2? as /a/X.app");
     status.isEnabled = true;
+    status.lastLockHadNoRoom = true;
+    EXPECT_TRUE(
+        lineOf(status, "Card").starts_with("Card:    on, but the last lock screen left no"));
     status.pendingRemoval.emplace();
     expect("Card:    off; the add-on has been asked to remove itself");
     status.place.state = AddOnPlace::State::damaged;
@@ -111,6 +114,7 @@ protected:
                                .clock = clock.clock(),
                                .distributedNotices = notices.distributed(),
                                .sharedSuite = defaults.table(),
+                               .addOnDefaults = addOnDefaults.table(),
                                .lookAtPlace = [] { return AddOnPlace{}; },
                                .isAddOnRunning = [] { return true; }}};
         std::vector<HostStatus> answers;
@@ -127,6 +131,7 @@ protected:
     ManualClock clock;
     FakeNotices notices;
     MemoryDefaults defaults;
+    MemoryDefaults addOnDefaults;
     MemoryPorts ports;
     Bytes reply;  // of a host's main port
     Handle host = ports.serve(kMainPort, [this](std::int32_t, ByteView) { return reply; });
@@ -136,6 +141,7 @@ protected:
 
 TEST_F(HostStatusQueryTest, EverybodyAnswers) {
     defaults.values["lockScreenEnabled"] = {true};
+    addOnDefaults.values["lastLockHadNoRoom"] = {true};
     const QuorvanePlayerState state{.track = XPCTrack{.title = "T", .artist = "A"}};
     reply = *XPCCodableHelpers::encode(state);
     addOnSays = AddOnSignals::Status{true, "1.0.0"}.userInfo();
@@ -143,6 +149,7 @@ TEST_F(HostStatusQueryTest, EverybodyAnswers) {
     const HostStatus status = ask();
     EXPECT_TRUE(status.isEnabled);
     EXPECT_TRUE(status.isAddOnRunning);
+    EXPECT_TRUE(status.lastLockHadNoRoom);
     EXPECT_EQ(status.state, state);
     ASSERT_EQ(ports.sent.size(), 1u);
     EXPECT_EQ(ports.sent[0].messageID, 1);

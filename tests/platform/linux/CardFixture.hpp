@@ -53,6 +53,7 @@ protected:
         if (!session) open();
         ASSERT_TRUE(locker->grabKeyboard());
         lockerWindow = locker->makeWindow(kWholeScreen);
+        locker->setClass(lockerWindow, "i3lock", "i3lock");
         setBackground(lockerWindow, color);
         locker->map(lockerWindow);
         settle();

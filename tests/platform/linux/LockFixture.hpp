@@ -21,6 +21,9 @@ namespace quorvane {
 inline constexpr Rect kLeftMonitor{0, 0, 800, 900};
 inline constexpr Rect kRightMonitor{800, 0, 800, 900};
 inline constexpr Rect kBothMonitors{0, 0, 1600, 900};
+inline constexpr unsigned kRawPresses =
+    XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
+    XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END;
 
 class LockFixture : public testing::Test {
 protected:
