@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 using ID = SceneControl::ID;
 
 constexpr Rect kCard{0, 0, PlayerLayout::kCardWidth, PlayerLayout::kCardHeight};
-constexpr Rect kContent{20, 20, 360, 186};
+constexpr Rect kContent{20, 0, 360, 222};  // between its edges
 
 struct Fixture : PlayingModel {
     PlayerInteraction interaction;
