@@ -30,7 +30,8 @@ struct MarqueeText {
 
     bool isTooLong() const { return textWidth > fieldWidth; }
     bool scrolls() const;
-    // A text that scrolls fades outside its field, so that nothing of it is dimmed while it rests.
+    // A text that scrolls fades out inside its field, and in before it, so that its beginning is
+    // not dimmed while it rests.
     TextNode node(const Rect& field, Instant now) const;
     // How long until it moves by another pixel; nullopt for a text that stays where it is.
     std::optional<Duration> nextChange(Instant now, double scale) const;
