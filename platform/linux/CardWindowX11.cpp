@@ -67,8 +67,7 @@ void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     screen_ = screen;
     if (!child_->isStanding()) return;
     const PixelRect place = child_->placeFor(frame, screen);
-    const bool isMove = place != child_->place();
-    if (isMove && display_) {
+    if (place != child_->place() && display_) {
         const Instant now = resources_->clock.now();
         readableAt_ = display_->isFollowing() ? now : now + kRepaintTime;
         conceal();
@@ -76,7 +75,6 @@ void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     }
     child_->moveTo(place);
     child_->cutOut(screen.keepClear, screen);
-    if (isMove && pointer_) pointer_->cardMoved();
     resources_->x11.flush();
 }
 
@@ -201,6 +199,7 @@ bool CardWindowX11::show(Instant now) {
         return false;
     }
     child_->map();
+    if (pointer_) pointer_->cardMoved();
     tellAccessibility(true);
     return true;
 }
