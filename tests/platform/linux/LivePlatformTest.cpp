@@ -42,9 +42,10 @@ protected:
 };
 
 TEST_F(LivePlatformLinux, SaysPlainlyWhyThereIsNone) {
-    EXPECT_EQ(make().error().description,
-              "there is no X11 session to show a card in: DISPLAY is not set; use a terminal of the "
-              "X11 session");
+    EXPECT_EQ(
+        make().error().description,
+        "there is no X11 session to show a card in: DISPLAY is not set; use a terminal of the "
+        "X11 session");
     for (const auto& [display, reason] :
          {std::pair{":4711", "no X server answers there"},
           std::pair{":nothing", "the display's name makes no sense"}}) {
