@@ -93,8 +93,8 @@ bool HostCoordinator::isServing() const { return openPorts_ == kPortCount; }
 
 bool HostCoordinator::hasSecret() const { return server_ && server_->expectedSecret; }
 
-// On the main port's thread, before any port of this server answers. Only then no other host
-// serves, whose add-on a new secret would cut off.
+// On the main port's thread, before any port of this server answers. Not earlier, because a new
+// secret would cut off the add-on of a host that still serves.
 void HostCoordinator::findSecret() {
     auto& secret = server_->expectedSecret;
     secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));

@@ -9,8 +9,8 @@
 
 namespace quorvane {
 
-// The main port's holder is the host that serves: a query port counts as taken until this process
-// holds the main port. Called on the ports' threads, which outlive no call.
+// The holder of the main port is the host that serves: a query port counts as taken until this
+// process holds the main port. Any thread.
 class MainPortFirst {
 public:
     // `onMainPort` runs on the main port's thread before any port answers a request.
@@ -19,7 +19,7 @@ public:
     // An attempt to open a query port waits until the main port was tried as often, so that all
     // ports of a host that ends are taken over in one round.
     std::unique_ptr<LocalPort> open(const std::string& name, PortHandler handler);
-    // Any thread. Ends the waits, now and from now on.
+    // Ends the waits, now and from now on.
     void end();
 
 private:
