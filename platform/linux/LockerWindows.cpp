@@ -33,7 +33,7 @@ LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const 
     // Before the other listeners ask for the zones. Those rebuild the cards, which are not to be
     // moved first.
     monitorChanges_ = monitors_.observe([this] {
-        promptSize_ = {};
+        promptSize_ = {};  // other monitors, other prompts
         update();
     });
 }

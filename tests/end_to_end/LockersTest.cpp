@@ -1,5 +1,5 @@
-// The card over the distribution's lockers: it keeps out of the way of what they ask for, and what is
-// typed stays theirs.
+// The card over the distribution's lockers: it keeps out of the way of what they ask for, and what
+// is typed stays theirs.
 
 #include "tests/end_to_end/LockSession.hpp"
 
