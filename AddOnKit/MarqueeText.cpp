@@ -42,7 +42,8 @@ double MarqueeText::elapsed(Instant now) const {
 TextNode MarqueeText::node(const Rect& field, Instant now) const {
     TextNode node{.frame = field, .text = text, .font = font, .color = color};
     if (!scrolls()) return node;
-    node.frame = {field.x - kFade, field.y, field.width + 2 * kFade, field.height};
+    node.frame = {field.x - (isRightToLeft ? 0 : kFade), field.y, field.width + kFade,
+                  field.height};
     node.scroll = TextNode::Scroll{
         .offset = offset(elapsed(now), textWidth) - kFade, .gap = kGap, .fade = kFade};
     return node;

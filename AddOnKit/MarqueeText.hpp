@@ -17,6 +17,7 @@ struct MarqueeText {
     bool reduceMotion = false;
     std::optional<double> frozenTime{};          // draws this moment of the cycle, in seconds
     std::optional<bool> reduceMotionOverride{};  // instead of reduceMotion when set
+    bool isRightToLeft = false;                  // the card's layout
     double textWidth = 0;
     double fieldWidth = 0;
     std::optional<Instant> start{};  // of the first cycle
@@ -27,7 +28,8 @@ struct MarqueeText {
     static double cycle(double width);
 
     bool scrolls() const;
-    // A text that scrolls fades outside its field, so that nothing of it is dimmed while it rests.
+    // A text that scrolls fades out inside its field, and in before it, so that its beginning is
+    // not dimmed while it rests.
     TextNode node(const Rect& field, Instant now) const;
     // How long until it moves by another pixel; nothing while it stands still for good.
     std::optional<Duration> nextChange(Instant now, double scale) const;

@@ -27,7 +27,7 @@ constexpr double kUnlovedOpacity = 0.7;
 // How far, in points, the bar may go at once so that it can move with the times, once a second, and
 // needs no frames of its own.
 constexpr double kMostStep = 3;
-constexpr double kProgressOpacity = 0.7;
+constexpr double kProgressOpacity = 0.55;
 constexpr double kSpeakerSymbolSize = 17;
 
 // Draws one scene. Its parts append what they show and note when they would next differ.
@@ -107,6 +107,7 @@ private:
                             .reduceMotion = environment_.reduceMotion,
                             .frozenTime = environment_.marqueeFrozenTime,
                             .reduceMotionOverride = environment_.marqueeReduceMotion,
+                            .isRightToLeft = environment_.isRightToLeft,
                             .fieldWidth = field.width,
                             .start = start};
         marquee.textWidth = environment_.measureText(marquee.text, font);

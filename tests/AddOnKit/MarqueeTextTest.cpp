@@ -63,12 +63,17 @@ TEST(MarqueeText, StandsStillWhenItFitsOrMotionIsReduced) {
 // Where the text's leading edge stands, in points from the field's.
 double moved(const TextNode& node) { return node.frame.x + -node.scroll->offset - kField.x; }
 
-TEST(MarqueeText, FadesOnlyOutsideItsField) {
-    const TextNode resting = tooLong().node(kField, at(1));
+TEST(MarqueeText, FadesInBeforeItsFieldAndOutInsideIt) {
+    MarqueeText text = tooLong();
+    const TextNode resting = text.node(kField, at(1));
     EXPECT_DOUBLE_EQ(moved(resting), 0);
-    EXPECT_LE(resting.frame.x + resting.scroll->fade, kField.x);
-    EXPECT_GE(resting.frame.maxX() - resting.scroll->fade, kField.maxX());
+    EXPECT_EQ(resting.frame.x + resting.scroll->fade, kField.x);
+    EXPECT_EQ(resting.frame.maxX(), kField.maxX());
     EXPECT_EQ(resting.scroll->gap, 40);
+    text.isRightToLeft = true;
+    const TextNode mirrored = text.node(kField, at(1));
+    EXPECT_EQ(mirrored.frame.x, kField.x);
+    EXPECT_EQ(mirrored.frame.maxX() - mirrored.scroll->fade, kField.maxX());
 }
 
 TEST(MarqueeText, DrawsTheFrozenMomentWithoutMoving) {

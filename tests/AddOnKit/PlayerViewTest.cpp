@@ -16,6 +16,7 @@ using namespace std::chrono_literals;
 using ID = SceneControl::ID;
 
 constexpr Rect kCard{0, 0, PlayerLayout::kCardWidth, PlayerLayout::kCardHeight};
+constexpr Rect kContent{20, 0, 360, 222};  // between its edges
 
 struct Fixture : PlayingModel {
     PlayerInteraction interaction;
@@ -161,8 +162,10 @@ TEST(PlayerView, KeepsEverythingInsideTheCardAndTextOffTheArtwork) {
         const Rect artwork = control(scene, ID::artwork)->frame;
         for (const SceneNode& node : scene.nodes)
             EXPECT_TRUE(isInside(frameOf(node), kCard)) << variant << describe(frameOf(node));
-        for (const TextNode& text : all<TextNode>(scene))
+        for (const TextNode& text : all<TextNode>(scene)) {
             EXPECT_FALSE(text.frame.intersects(artwork)) << variant << text.text;
+            EXPECT_TRUE(isInside(text.frame, kContent)) << variant << text.text;
+        }
         for (const SceneControl& one : scene.controls) {
             EXPECT_TRUE(isInside(one.frame, kCard)) << variant << one.label;
             if (one.role != SceneControl::Role::button && one.role != SceneControl::Role::slider)
@@ -189,6 +192,7 @@ TEST(PlayerView, MirrorsAllButTheTransport) {
         EXPECT_EQ(other.x, stays ? one.frame.x : kCard.width - one.frame.maxX()) << one.label;
         EXPECT_EQ(other.y, one.frame.y);
     }
+    EXPECT_EQ(control(left, ID::volume)->frame.midX(), kCard.midX()) << "below play";
     EXPECT_GT(all<TextNode>(right).at(2).frame.x, all<TextNode>(right).at(3).frame.x);
 }
 
