@@ -19,10 +19,11 @@ using namespace PlayerLayout;
 
 constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while something moves
 // Of a card at rest.
-constexpr std::size_t kMostNodes = 20;
+constexpr std::size_t kMostNodes = 21;
 constexpr std::size_t kMostControls = 9;
 constexpr double kNoteSize = 30;
 constexpr double kPlaceholderFill = 0.1;
+constexpr double kArtworkEdge = 0.1;  // keeps dark artwork apart from the glass
 constexpr double kUnlovedOpacity = 0.7;
 // How far, in points, the bar may go at once so that it can move with the times, once a second, and
 // needs no frames of its own.
@@ -71,6 +72,10 @@ private:
     void picture(const ImageRef& image) {
         if (image) {
             scene_.nodes.push_back(ImageNode{geometry_.artwork, kArtworkCornerRadius, image});
+            scene_.nodes.push_back(ShapeNode{.frame = geometry_.artwork,
+                                             .cornerRadius = kArtworkCornerRadius,
+                                             .fill = Color::white(kArtworkEdge),
+                                             .edgeWidth = 1 / environment_.scale});
             return;
         }
         scene_.nodes.push_back(

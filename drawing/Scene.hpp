@@ -48,6 +48,7 @@ struct ShapeNode {
     Rect frame{};
     double cornerRadius = 0;
     Color fill{};
+    double edgeWidth = 0;  // above 0: only so much inside the outline is filled
     bool operator==(const ShapeNode&) const = default;
 };
 

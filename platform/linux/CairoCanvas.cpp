@@ -44,7 +44,13 @@ struct Painter {
 
     void operator()(const ShapeNode& shape) const {
         if (!isVisible(cairo, shape.frame)) return;
+        const CairoState state{cairo};
         roundedPath(cairo, shape.frame, shape.cornerRadius);
+        if (shape.edgeWidth > 0) {
+            roundedPath(cairo, shape.frame.grownBy(-shape.edgeWidth),
+                        shape.cornerRadius - shape.edgeWidth);
+            cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
+        }
         setColor(cairo, shape.fill);
         cairo_fill(cairo);
     }

@@ -60,8 +60,12 @@ struct Painter {
 
     void operator()(const ShapeNode& shape) const {
         addRounded(context, shape.frame, shape.cornerRadius);
+        if (shape.edgeWidth > 0)
+            addRounded(context, shape.frame.grownBy(-shape.edgeWidth),
+                       shape.cornerRadius - shape.edgeWidth);
         setFill(context, shape.fill);
-        CGContextFillPath(context);
+        // What lies inside both outlines stays empty.
+        CGContextEOFillPath(context);
     }
 
     void operator()(const ImageNode& node) const {
