@@ -1,5 +1,6 @@
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
 
+#include "AddOnKit/PlayerGeometry.hpp"
 #include "AddOnKit/PresentationTiming.hpp"
 #include "QuorvaneKit/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
@@ -27,7 +28,8 @@ CardStyle GlassCardView::style() {
             .glassStyle = kClearGlass,
             .shadowOpacity = 0.25,
             .shadowRadius = 22,
-            .shadowOffset = 8};
+            .shadowOffset = 8,
+            .textBottom = PlayerGeometry::make(true, false).elapsed.maxY()};
 }
 
 GlassCardView::GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<CardContent> content,

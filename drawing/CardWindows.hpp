@@ -40,6 +40,7 @@ struct CardStyle {
     double shadowOpacity = 0;
     double shadowRadius = 0;
     double shadowOffset = 0;
+    double textBottom = 0;  // from the card's top; below it are only symbols and bars
 };
 
 // The view that carries glass, shadow and content; hidden when made. What is animated, hidden and
