@@ -10,9 +10,9 @@ namespace {
 constexpr double kPointsAValue = 4;
 constexpr double kBlurDeviation = 22;  // points
 // How far colours are spread, and how much further in bright places, because dimming dulls them.
-constexpr float kSpread = 0.45F;
+constexpr float kSpread = 0.35F;
 constexpr float kBrightSpread = 3.5F;
-constexpr float kHalfBright = 0.3F;  // the light at which half of that is added
+constexpr float kHalfBright = 0.35F;  // the light at which half of that is added
 // The quietest text on the card is white of this opacity; it has to be readable, 4.5 and a little
 // for what lies between the values that are looked at.
 constexpr float kTextOpacity = 0.58F;
@@ -153,7 +153,8 @@ struct Light {
         const float grey = luminance(red, green, blue);
         if (grey <= 0) return *this;
         const float fullness = 1 - std::min({red, green, blue}) / grey;
-        const float wanted = kSpread + kBrightSpread * grey / (grey + kHalfBright);
+        const float bright = grey * grey / (grey * grey + kHalfBright * kHalfBright);
+        const float wanted = kSpread + kBrightSpread * bright;
         const float amount = wanted / (1 + wanted * fullness);
         const auto channel = [&](float light) { return light * (1 + amount * (light / grey - 1)); };
         return {channel(red), channel(green), channel(blue)};
