@@ -1,22 +1,25 @@
 #include "AddOnKit/AddOnIdentity.hpp"
 
 #include "AddOnKit/SupportedMacOS.hpp"
+#include "platform/ErrorText.hpp"
 #include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
 namespace {
 
 std::string storedInstallID(const UserDefaults& defaults,
-                            const std::function<std::string()>& makeUUID) {
+                            const std::function<std::string()>& makeUUID, const Logger& log) {
     constexpr const char* kKey = "installID";
     const auto stored = defaults.get(kKey);
     const std::string* const text = stored ? stored->as<std::string>() : nullptr;
     if (text != nullptr && !text->empty()) return *text;
     const std::string made = makeUUID();
     defaults.set(kKey, PropertyValue{made});
-    // A process that is ended by a signal soon after would otherwise be another installation next
-    // time. If the disk refuses, that is all that is lost.
-    (void)defaults.synchronize();
+    // At once: a signal may end the process soon. Without it the next launch is another
+    // installation.
+    if (const auto written = defaults.synchronize(); !written)
+        log.error("link: the install identifier was not stored: %{public}s",
+                  errorText(written.error()));
     return made;
 }
 
@@ -33,8 +36,8 @@ std::string dotted(const SystemVersion& version) {
 }  // namespace
 
 AddOnIdentity AddOnIdentity::make(const ProcessInfo& process, const UserDefaults& defaults,
-                                  const std::function<std::string()>& makeUUID) {
-    return {.installID = storedInstallID(defaults, makeUUID),
+                                  const std::function<std::string()>& makeUUID, const Logger& log) {
+    return {.installID = storedInstallID(defaults, makeUUID, log),
             .addOnVersion = versionOf(process.bundleProperties),
             .macOSVersion = dotted(process.systemVersion),
             .supportsThisMacOS = SupportedMacOS::supports(process.systemVersion.major),

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "AddOnKit/SupersedeOnce.hpp"
+#include "platform/Log.hpp"
 #include "platform/ProcessInfo.hpp"
 #include "platform/UserDefaults.hpp"
 
@@ -20,7 +21,7 @@ struct AddOnIdentity {
 
     // Makes and stores an install identifier when the defaults hold none.
     static AddOnIdentity make(const ProcessInfo& process, const UserDefaults& defaults,
-                              const std::function<std::string()>& makeUUID);
+                              const std::function<std::string()>& makeUUID, const Logger& log);
 };
 
 }  // namespace quorvane

@@ -3,18 +3,8 @@
 #include <utility>
 
 #include "QuorvaneKit/Identifiers.hpp"
-#include "QuorvaneKit/LockScreenHelloClient.hpp"
 
 namespace quorvane {
-namespace {
-
-// Every real answer names a version that the main application accepts, so none looks like a
-// failure.
-bool isAnswer(const LockScreenAddOnConfiguration& result) {
-    return result != failureConfiguration();
-}
-
-}  // namespace
 
 AddOnLink::AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
                      std::function<void()> onRemovalRequested, LogSink log)
@@ -22,6 +12,7 @@ AddOnLink::AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
       sendHello_(std::move(sendHello)),
       clock_(std::move(clock)),
       onRemovalRequested_(std::move(onRemovalRequested)),
+      supersedesUntil_(clock_.now() + kSupersedeLifetime),
       log_(std::move(log), kAddOnBundleIdentifier, "app") {}
 
 void AddOnLink::start() {
@@ -39,7 +30,7 @@ void AddOnLink::sayHello() {
     const std::uint64_t number = ++helloCount_;
     inFlight_ = number;
     const auto send = sendHello_;
-    send(hello(), [this, number, life = life_.watch()](LockScreenAddOnConfiguration result) {
+    send(hello(), [this, number, life = life_.watch()](LockScreenHelloResult result) {
         if (!life.isOver() && inFlight_ == number) helloEnded(result);
     });
 }
@@ -62,15 +53,14 @@ void AddOnLink::sayHelloOfLoop() {
     sayHello();
 }
 
-void AddOnLink::helloEnded(const LockScreenAddOnConfiguration& result) {
+void AddOnLink::helloEnded(const LockScreenHelloResult& result) {
+    using Outcome = LockScreenHelloResult::Outcome;
     inFlight_.reset();
     const bool followUp = std::exchange(followUpRequested_, false);
     const auto life = life_.watch();
-    if (isAnswer(result)) {
-        identity_.supersedeOnce.consume();
-        apply(result);
-    }
-    // What was told of the answer may have said hello itself: then that one is the follow-up.
+    if (result.outcome != Outcome::notSent) identity_.supersedeOnce.consume();
+    if (result.outcome == Outcome::answered) apply(result.configuration);
+    // An observer of the answer may have said hello itself: then that one is the follow-up.
     if (life.isOver() || isStopped_.get() || inFlight_) return;
     if (followUp) {
         sayHello();
@@ -101,7 +91,8 @@ LockScreenAddOnHello AddOnLink::hello() const {
             .macOSVersion = identity_.macOSVersion,
             .supportsThisMacOS = identity_.supportsThisMacOS,
             .installID = identity_.installID,
-            .supersedesRemoval = identity_.supersedeOnce.isPending()};
+            .supersedesRemoval =
+                identity_.supersedeOnce.isPending() && clock_.now() < supersedesUntil_};
 }
 
 }  // namespace quorvane

@@ -8,7 +8,7 @@
 
 #include "AddOnKit/AddOnIdentity.hpp"
 #include "AddOnKit/LifeToken.hpp"
-#include "QuorvaneKit/LockScreenRecords.hpp"
+#include "QuorvaneKit/LockScreenHelloClient.hpp"
 #include "platform/Clock.hpp"
 #include "platform/Log.hpp"
 #include "platform/Observable.hpp"
@@ -19,9 +19,8 @@ namespace quorvane {
 // link.
 class AddOnLink {
 public:
-    // Sends one hello. The completion runs once, on the main thread, inside the call or later; with
-    // the failure configuration when no answer came.
-    using HelloCompletion = std::function<void(LockScreenAddOnConfiguration)>;
+    // Sends one hello. The completion runs once, on the main thread, inside the call or later.
+    using HelloCompletion = std::function<void(LockScreenHelloResult)>;
     using SendHello = std::function<void(LockScreenAddOnHello, HelloCompletion completion)>;
 
     AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
@@ -46,7 +45,7 @@ public:
 
 private:
     void sayHelloOfLoop();
-    void helloEnded(const LockScreenAddOnConfiguration& result);
+    void helloEnded(const LockScreenHelloResult& result);
     void apply(const LockScreenAddOnConfiguration& answer);
     LockScreenAddOnHello hello() const;
 
@@ -56,6 +55,7 @@ private:
     SendHello sendHello_;
     Clock clock_;
     std::function<void()> onRemovalRequested_;
+    const Instant supersedesUntil_;
     Timer loop_;                     // the pause until the loop's next hello
     bool loopAwaitsAnswer_ = false;  // the pause begins with the next answer
     std::uint64_t helloCount_ = 0;

@@ -1,4 +1,4 @@
-// What stands inside a glass card.
+// The content of a glass card.
 #pragma once
 
 #include <memory>
@@ -15,6 +15,8 @@ public:
     virtual void attach(std::shared_ptr<CardStage> stage) = 0;
     // While not shown it draws nothing and keeps no timer.
     virtual void setShown(bool shown) = 0;
+    // Keeps the picture as it is while the card fades out, until the next setShown. Calls nothing.
+    virtual void freeze() = 0;
 };
 
 }  // namespace quorvane

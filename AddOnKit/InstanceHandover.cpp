@@ -43,29 +43,33 @@ void InstanceHandover::begin() {
         for (const RunningCopy& copy : others) outcome.newer.push_back(copy.pid);
         return finish(outcome);
     }
-    if (olderCopies().empty()) return finish(Alone{});
+    const PIDs older = olderCopies();
+    if (older.empty()) return finish(Alone{});
     if (timing_.wait > Duration{}) return waitOn();
-    ask();
+    ask(older);
 }
 
 // Counts the polls, not the time that has passed: each look comes before the check of the time.
 void InstanceHandover::waitOn() {
     timer_ = operations_.clock.after(timing_.poll, [this] {
         elapsed_ += timing_.poll;
-        if (olderCopies().empty()) return finish(OthersExited{elapsed_});
+        const PIDs left = olderCopies();
+        if (left.empty()) return finish(OthersExited{elapsed_});
         if (elapsed_ < timing_.wait) return waitOn();
-        ask();
+        ask(left);
     });
 }
 
-void InstanceHandover::ask() {
-    asked_ = olderCopies();
-    if (!asks_) return finish(TimedOut{asked_});
+// `older` is what the last look found, never empty: a further look could find that they have gone.
+void InstanceHandover::ask(const PIDs& older) {
+    if (!asks_) return finish(TimedOut{older});
+    asked_ = older;
     operations_.terminate(asked_);
-    if (olderCopies().empty()) return finish(Terminated{asked_});
+    const PIDs left = olderCopies();
+    if (left.empty()) return finish(Terminated{asked_});
     elapsed_ = Duration{};
     if (timing_.grace > Duration{}) return giveGrace();
-    finish(StillRunningAfterTermination{olderCopies()});
+    finish(StillRunningAfterTermination{left});
 }
 
 void InstanceHandover::giveGrace() {

@@ -1,5 +1,5 @@
-// Sees to it that only one copy of the add-on draws cards: a starting copy waits for older ones to
-// go, asks them to, and gives up itself if they won't.
+// The rule that only one copy of the add-on draws cards: a starting copy waits for older ones to
+// quit, asks them to, and gives up itself if they won't.
 #pragma once
 
 #include <cstdint>
@@ -62,7 +62,7 @@ public:
 
     // Ends in exactly one outcome, inside the call or later.
     void resolve(std::function<void(Outcome)> completion);
-    // The same, but it only waits: copies that are left are told, not asked.
+    // The same without asking: copies that are left end it with TimedOut.
     void waitOnly(std::function<void(Outcome)> completion);
 
 private:
@@ -70,7 +70,7 @@ private:
     PIDs olderCopies() const;
     void begin();
     void waitOn();
-    void ask();
+    void ask(const PIDs& older);
     void giveGrace();
     void finish(Outcome outcome);
 

@@ -2,8 +2,8 @@
 
 #include <system_error>
 
-#include "QuorvaneKit/Identifiers.hpp"
 #include "QuorvaneKit/SharedDefaultsKey.hpp"
+#include "platform/ErrorText.hpp"
 #include "shared/AddOnSignals.hpp"
 #include "shared/RemovalKeys.hpp"
 
@@ -18,11 +18,12 @@ LaunchDecision LaunchPerformer::decide() const {
     if (!pending || pending->as<bool>() == nullptr || !*pending->as<bool>())
         return LaunchDecision::run;
     if (isPendingRemovalOfThisBundle()) return LaunchDecision::finishRemoval;
-    const Logger logger{log, kAddOnBundleIdentifier, "removal"};
-    logger.standard("launch: a removal flag left by another copy of the add-on; clearing it");
+    log.standard("launch: a removal flag left by another copy of the add-on; clearing it");
     defaults.removeDomain();
-    // A flag that could not be cleared is met, and cleared, again at the next launch.
-    static_cast<void>(defaults.synchronize());
+    // The next launch finds a flag that is still there and clears it again.
+    if (const auto written = defaults.synchronize(); !written)
+        log.error("launch: the removal flag was not cleared: %{public}s",
+                  errorText(written.error()));
     return LaunchDecision::run;
 }
 
@@ -53,8 +54,10 @@ void LaunchPerformer::voidRemovalRequest() const {
     for (const SharedDefaultsKey key : {SharedDefaultsKey::lockScreenRemovalRequested,
                                         SharedDefaultsKey::lockScreenRemovalTargetInstallID})
         sharedDefaults->set(std::string{rawValue(key)}, std::nullopt);
-    // Left over, it is superseded by the first hello all the same.
-    static_cast<void>(sharedDefaults->synchronize());
+    // The first hello supersedes a request that is still there.
+    if (const auto written = sharedDefaults->synchronize(); !written)
+        log.error("launch: the removal request was not cleared: %{public}s",
+                  errorText(written.error()));
 }
 
 }  // namespace quorvane

@@ -21,9 +21,9 @@ struct LaunchPerformer {
     UserDefaults defaults;  // the add-on's own
     std::optional<UserDefaults> sharedDefaults;
     std::filesystem::path bundle;
-    // The identifier of the bundle at a place; nothing when it cannot be read.
+    // The identifier of the bundle at a place; nullopt when it cannot be read.
     std::function<std::optional<std::string>(const std::filesystem::path&)> identity;
-    LogSink log;
+    Logger log;  // category "removal"
 
     // May clear the add-on's preferences: a flag that another copy of the add-on left there.
     LaunchDecision decide() const;

@@ -2,12 +2,14 @@
 
 #include <string>
 
+#include "platform/ErrorText.hpp"
+
 namespace quorvane {
 namespace {
 
 void registerLoginItem(const LoginItemClient& client, const Logger& log) {
     if (const auto result = client.registerItem(); !result)
-        log.error("login item: register() failed: %{public}s", result.error().description);
+        log.error("login item: register() failed: %{public}s", errorText(result.error()));
     else
         log.info("login item: registered (now %{public}s)", std::to_string(client.status()));
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drawing/TextDirection.hpp"
+
 namespace quorvane {
 namespace {
 
@@ -31,7 +33,7 @@ double MarqueeText::offset(double elapsed, double width) {
 }
 
 bool MarqueeText::scrolls() const {
-    return textWidth > fieldWidth && !reduceMotionOverride.value_or(reduceMotion);
+    return isTooLong() && !reduceMotionOverride.value_or(reduceMotion);
 }
 
 double MarqueeText::elapsed(Instant now) const {
@@ -41,8 +43,12 @@ double MarqueeText::elapsed(Instant now) const {
 
 TextNode MarqueeText::node(const Rect& field, Instant now) const {
     TextNode node{.frame = field, .text = text, .font = font, .color = color};
+    // Only a text with room beside it is aligned with the rest of the card.
+    if (isTooLong() && readsRightToLeft(text, isRightToLeft) != isRightToLeft)
+        node.alignment = TextAlignment::trailing;
     if (!scrolls()) return node;
-    node.frame = {field.x - kFade, field.y, field.width + 2 * kFade, field.height};
+    node.frame = {field.x - (isRightToLeft ? 0 : kFade), field.y, field.width + kFade,
+                  field.height};
     node.scroll = TextNode::Scroll{
         .offset = offset(elapsed(now), textWidth) - kFade, .gap = kGap, .fade = kFade};
     return node;

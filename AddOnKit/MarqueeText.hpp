@@ -1,4 +1,4 @@
-// One line of text that scrolls round when it is too long for its field, resting at the start of
+// A line of text that scrolls round when it is too long for its field, resting at the start of
 // every cycle.
 #pragma once
 
@@ -9,7 +9,8 @@
 
 namespace quorvane {
 
-// A view value. Which way the text moves follows the direction of the scene it is drawn in.
+// A view value. A text that is too long rests on its own start and moves toward it, whichever way
+// the card is laid out.
 struct MarqueeText {
     std::string text;
     FontStyle font{};
@@ -17,6 +18,7 @@ struct MarqueeText {
     bool reduceMotion = false;
     std::optional<double> frozenTime{};          // draws this moment of the cycle, in seconds
     std::optional<bool> reduceMotionOverride{};  // instead of reduceMotion when set
+    bool isRightToLeft = false;                  // the card's layout
     double textWidth = 0;
     double fieldWidth = 0;
     std::optional<Instant> start{};  // of the first cycle
@@ -26,10 +28,12 @@ struct MarqueeText {
     // How long one round of it takes, in seconds.
     static double cycle(double width);
 
+    bool isTooLong() const { return textWidth > fieldWidth; }
     bool scrolls() const;
-    // A text that scrolls fades outside its field, so that nothing of it is dimmed while it rests.
+    // A text that scrolls fades out inside its field, and in before it, so that its beginning is
+    // not dimmed while it rests.
     TextNode node(const Rect& field, Instant now) const;
-    // How long until it moves by another pixel; nothing while it stands still for good.
+    // How long until it moves by another pixel; nullopt for a text that stays where it is.
     std::optional<Duration> nextChange(Instant now, double scale) const;
 
 private:

@@ -51,7 +51,11 @@ void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
 }
 
 void PlayerCard::setShown(bool shown) {
-    if (shown == isShown_) return;
+    const bool wasFrozen = std::exchange(isFrozen_, false);
+    if (shown == isShown_) {
+        if (shown && wasFrozen) draw();
+        return;
+    }
     if (shown) {
         isShown_ = true;
         observations_ = model_.observe([this] { drawSoon(); });
@@ -65,10 +69,14 @@ void PlayerCard::setShown(bool shown) {
     const auto pressed = std::exchange(pressed_, std::nullopt);
     // What moved has long settled when the card comes back; its marquees go on from their starts.
     interaction_ = {.titleStart = interaction_.titleStart, .artistStart = interaction_.artistStart};
-    artworkID_.reset();
     artwork_.reset();
     // Last: what the end of a drag sends may run the main loop, and the card be destroyed there.
     if (pressed == SceneControl::ID::volume) slider().dragEnded();
+}
+
+void PlayerCard::freeze() {
+    isFrozen_ = true;
+    nextDraw_.reset();
 }
 
 PlayerEnvironment PlayerCard::viewEnvironment() const {
@@ -122,6 +130,7 @@ void PlayerCard::scroll() {
 
 // One drawing for all changes of a pass of the main loop.
 void PlayerCard::drawSoon() {
+    if (isFrozen_) return;
     nextDraw_ = environment_.clock.after({}, [this] { draw(); });
 }
 
@@ -137,14 +146,23 @@ void PlayerCard::followTexts(Instant now) {
 }
 
 void PlayerCard::followArtwork(Instant now) {
-    if (artworkID_ && artworkID_ != model_.artworkID.get() && artwork_ != model_.artwork.get()) {
-        interaction_.oldArtwork = artwork_;
-        interaction_.artworkChange = Transition{0};
-        interaction_.artworkChange.moveTo(1, Transition::Curve::easeInOut, kArtworkFade, now);
+    Transition& change = interaction_.artworkChange;
+    const ImageRef& artwork = model_.artwork.get();
+    if (model_.isArtworkArriving.get()) {
+        // What was there before stays until the new one can be drawn.
+        interaction_.oldArtwork = artwork_.value_or(nullptr);
+        change = Transition{0};
+        return;
     }
-    artworkID_ = model_.artworkID.get();
-    artwork_ = model_.artwork.get();
-    if (!interaction_.artworkChange.isMoving(now)) interaction_.oldArtwork.reset();
+    if (artwork_ && *artwork_ != artwork) {
+        interaction_.oldArtwork = *artwork_;
+        change = Transition{0};
+        change.moveTo(1, Transition::Curve::easeInOut, kArtworkFade, now);
+    } else if (change.target() == 0) {
+        change = Transition{1};
+    }
+    artwork_ = artwork;
+    if (!change.isMoving(now)) interaction_.oldArtwork.reset();
 }
 
 const SceneControl* PlayerCard::control(SceneControl::ID id) const {

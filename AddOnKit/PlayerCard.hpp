@@ -33,8 +33,8 @@ struct PlayerCardEnvironment {
 };
 
 // Main thread only. The model outlives it. While shown it draws when the model has changed, when it
-// is touched, and when its scene says so; while not shown it keeps no timer and no subscription. A
-// button's action may end in the card's destruction.
+// is touched, and when its scene says so. While frozen it draws nothing, and while not shown it
+// also keeps no timer and no subscription. A button's action may end in the card's destruction.
 class PlayerCard final : public CardContent {
 public:
     PlayerCard(PlayerModel& model, PlayerActions actions, PlayerCardEnvironment environment);
@@ -44,6 +44,7 @@ public:
 
     void attach(std::shared_ptr<CardStage> stage) override;
     void setShown(bool shown) override;
+    void freeze() override;
 
 private:
     PlayerEnvironment viewEnvironment() const;
@@ -70,6 +71,7 @@ private:
     const PlayerCardEnvironment environment_;
     std::shared_ptr<CardStage> stage_;
     bool isShown_ = false;
+    bool isFrozen_ = false;
     PlayerScene shown_;
     PlayerInteraction interaction_;
     std::optional<SceneControl::ID> pressed_;
@@ -77,8 +79,7 @@ private:
     // What was drawn last, to notice what has changed.
     std::optional<std::string> title_;
     std::optional<std::string> artist_;
-    std::optional<std::int64_t> artworkID_;
-    ImageRef artwork_;
+    std::optional<ImageRef> artwork_;  // the last one that was not still arriving
     LifeToken life_;
 
     // Last: their ends may not find a half-destroyed card.

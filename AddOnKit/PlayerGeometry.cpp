@@ -16,13 +16,13 @@ constexpr double kBottom = kCardHeight - kContentInsets.bottom;
 constexpr double kTrackFieldHeight = 28;
 constexpr double kTitleMiddle = kTop + 11;
 constexpr double kArtistMiddle = kTop + 33;
+// The position cannot be dragged: its bar is thinner than the volume's.
+constexpr double kProgressThickness = 4;
 constexpr double kTimeFieldHeight = 20;
 constexpr double kTimeFieldWidth = 80;
 constexpr double kTimeSpacing = 12;  // from the bar to the middle of the times
-constexpr double kHeartSpacing = 6;  // beside what its button keeps free around the symbol
 constexpr double kButtonSpacing = 26;
-constexpr double kQuietSpeakerWidth = 10;  // it has no waves
-constexpr double kTransportMiddle = 150;
+constexpr double kTransportMiddle = 146;  // as far from the times as from the volume
 
 constexpr Rect centred(double x, double y, double width, double height) {
     return {x - width / 2, y - height / 2, width, height};
@@ -39,7 +39,7 @@ PlayerGeometry PlayerGeometry::make(bool showsHeart, bool isRightToLeft) {
     const double heartMiddle = kRight - kHeartSymbolSize / 2;
     g.heart =
         centred(heartMiddle, (kTitleMiddle + kArtistMiddle) / 2, kSideButtonSide, kSideButtonSide);
-    const double textRight = showsHeart ? g.heart.x - kHeartSpacing : kRight;
+    const double textRight = showsHeart ? g.heart.x : kRight;
     const double textWidth = textRight - textLeft;
     g.title = {textLeft, kTitleMiddle - kTrackFieldHeight / 2, textWidth, kTrackFieldHeight};
     g.lonelyTitle = g.title.movedBy(0, (kArtistMiddle - kTitleMiddle) / 2);
@@ -52,7 +52,7 @@ PlayerGeometry PlayerGeometry::make(bool showsHeart, bool isRightToLeft) {
     g.remaining = {kRight - kTimeFieldWidth, timeTop, kTimeFieldWidth, kTimeFieldHeight};
 
     const double volumeMiddle = kBottom - kVolumeRowHeight / 2;
-    g.quietSpeaker = {kLeft, volumeMiddle - kSpeakerWidth / 2, kQuietSpeakerWidth, kSpeakerWidth};
+    g.quietSpeaker = {kLeft, volumeMiddle - kSpeakerWidth / 2, kSpeakerWidth, kSpeakerWidth};
     g.loudSpeaker = {kRight - kSpeakerWidth, g.quietSpeaker.y, kSpeakerWidth, kSpeakerWidth};
     const double sliderLeft = g.quietSpeaker.maxX() + kSpeakerSpacing;
     g.volume = {sliderLeft, kBottom - kVolumeRowHeight,

@@ -21,7 +21,7 @@ struct PlayerInteraction {
     std::optional<Instant> titleStart{};
     std::optional<Instant> artistStart{};
 
-    ImageRef oldArtwork{};        // what the present artwork replaces
+    ImageRef oldArtwork{};        // what the present artwork replaces; null: the note
     Transition artworkChange{1};  // from the old one to the present one
 
     // Nothing for a control that is no button.

@@ -26,7 +26,7 @@ inline constexpr double kHeartSymbolSize = 20;
 inline constexpr double kSideButtonSide = 44;  // previous, next and heart
 inline constexpr double kPlayButtonSide = 48;
 
-inline constexpr double kProgressThickness = 6;
+inline constexpr double kVolumeThickness = 6;  // at rest
 inline constexpr double kTimeTextSize = 13;
 
 inline constexpr double kSideSymbolSize = 26;  // previous and next

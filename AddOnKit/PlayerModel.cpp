@@ -99,13 +99,30 @@ void PlayerModel::applyArtwork(const XPCTrack* track, Notes& notes) {
     // Views tell covers apart by this number; starting over would make two of them one.
     if (artworkID.get() == std::numeric_limits<std::int64_t>::max()) std::abort();
     lastArtworkData_ = data;
-    artwork.set(data ? decodeImage_(data->view()) : nullptr);
+    setArtwork(data ? decodeImage_(data->view()) : nullptr);
     artworkID.set(artworkID.get() + 1);
-    if (!data)
-        notes.emplace_back("artwork none");
-    else
-        notes.push_back("artwork " + std::to_string(data->size()) + " B" +
-                        (artwork.get() == nullptr ? " (undecodable)" : ""));
+    notes.push_back(artworkNote());
+}
+
+std::string PlayerModel::artworkNote() const {
+    if (!lastArtworkData_) return "artwork none";
+    return "artwork " + std::to_string(lastArtworkData_->size()) + " B" +
+           (artwork.get() == nullptr ? " (undecodable)" : "");
+}
+
+void PlayerModel::setArtwork(ImageRef image) {
+    const bool isArriving = image && image->state().get() == Image::State::arriving;
+    artworkObservation_ =
+        isArriving ? image->state().subscribe([this] { artworkSettled(); }) : Handle{};
+    artwork.set(std::move(image));
+    isArtworkArriving.set(isArriving);
+}
+
+void PlayerModel::artworkSettled() {
+    const bool isDecoded = artwork.get()->state().get() == Image::State::ready;
+    setArtwork(isDecoded ? artwork.get() : nullptr);
+    const auto callback = onLateChange;
+    if (!isDecoded && callback) callback({.summary = artworkNote(), .newTrack = std::nullopt});
 }
 
 void PlayerModel::applyHeart(const QuorvanePlayerState& state, Notes& notes) {
@@ -166,7 +183,7 @@ std::optional<std::string> PlayerModel::clear() {
     duration.set(std::nullopt);
     isLiveStream.set(false);
     lastArtworkData_.reset();
-    artwork.set(nullptr);
+    setArtwork(nullptr);
     anchorPosition_ = 0;
     if (!hadSomething) return std::nullopt;
     return "cleared (Quorvane unreachable or quit), card hidden";
@@ -214,8 +231,8 @@ std::vector<Handle> PlayerModel::observe(const std::function<void()>& listener) 
     mainThread_.require();
     std::vector<Handle> handles;
     const auto add = [&](auto&... fields) { (handles.push_back(fields.subscribe(listener)), ...); };
-    add(isVisible, title, artist, artwork, artworkID, trackID, isPlaying, showsHeart, isLoved,
-        duration, isLiveStream, volume, isDraggingVolume);
+    add(isVisible, title, artist, artwork, artworkID, isArtworkArriving, trackID, isPlaying,
+        showsHeart, isLoved, duration, isLiveStream, volume, isDraggingVolume);
     return handles;
 }
 

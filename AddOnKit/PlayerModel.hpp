@@ -33,9 +33,9 @@ public:
 
     PlayerModel(WallClock now, DecodeImage decodeImage);
 
-    // Nothing when nothing that is summarised has changed.
+    // Nullopt when nothing that is summarised has changed.
     std::optional<Change> apply(const QuorvanePlayerState& state);
-    // Empties the card. Nothing when there was nothing to clear.
+    // Empties the card. Nullopt when it is empty already.
     std::optional<std::string> clear();
     // The extrapolated playback position in seconds.
     double position(WallTime date) const;
@@ -46,6 +46,9 @@ public:
     void beginVolumeDrag();
     void endVolumeDrag();
 
+    // A change that comes with no state: the artwork turned out to be undecodable.
+    std::function<void(const Change&)> onLateChange;
+
     // Calls the listener after any of the observed fields has changed.
     std::vector<Handle> observe(const std::function<void()>& listener);
 
@@ -53,7 +56,8 @@ public:
     Observable<std::string> title;
     Observable<std::string> artist;
     Observable<ImageRef> artwork;
-    Observable<std::int64_t> artworkID{0};  // +1 each time the artwork's bytes change
+    Observable<std::int64_t> artworkID{0};      // +1 each time the artwork's bytes change
+    Observable<bool> isArtworkArriving{false};  // the artwork is still being decoded
     Observable<std::string> trackID;
     Observable<bool> isPlaying{false};
     Observable<bool> showsHeart{false};
@@ -70,6 +74,9 @@ private:
     // The steps of apply, in their order.
     TrackText switchTrack(const XPCTrack* track, const std::string& identity, Notes& notes);
     void applyArtwork(const XPCTrack* track, Notes& notes);
+    std::string artworkNote() const;
+    void setArtwork(ImageRef image);
+    void artworkSettled();
     void applyHeart(const QuorvanePlayerState& state, Notes& notes);
     void applyLoved(const QuorvanePlayerState& state, Notes& notes);
     void applyVolume(std::int64_t reported, Notes& notes);
@@ -81,6 +88,7 @@ private:
     WallTime lovedGraceUntil_ = kDistantPast;
     WallTime volumeGraceUntil_ = kDistantPast;
     std::optional<SharedBytes> lastArtworkData_;
+    Handle artworkObservation_;  // while the artwork is arriving
     WallClock now_;
     DecodeImage decodeImage_;
     ThreadCheck mainThread_;

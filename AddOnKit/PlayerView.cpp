@@ -19,15 +19,16 @@ using namespace PlayerLayout;
 
 constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while something moves
 // Of a card at rest.
-constexpr std::size_t kMostNodes = 20;
+constexpr std::size_t kMostNodes = 21;
 constexpr std::size_t kMostControls = 9;
 constexpr double kNoteSize = 30;
 constexpr double kPlaceholderFill = 0.1;
+constexpr double kArtworkEdge = 0.1;  // keeps dark artwork apart from the glass
 constexpr double kUnlovedOpacity = 0.7;
 // How far, in points, the bar may go at once so that it can move with the times, once a second, and
 // needs no frames of its own.
 constexpr double kMostStep = 3;
-constexpr double kProgressOpacity = 0.7;
+constexpr double kProgressOpacity = 0.55;
 constexpr double kSpeakerSymbolSize = 17;
 
 // Draws one scene. Its parts append what they show and note when they would next differ.
@@ -71,6 +72,10 @@ private:
     void picture(const ImageRef& image) {
         if (image) {
             scene_.nodes.push_back(ImageNode{geometry_.artwork, kArtworkCornerRadius, image});
+            scene_.nodes.push_back(ShapeNode{.frame = geometry_.artwork,
+                                             .cornerRadius = kArtworkCornerRadius,
+                                             .fill = Color::white(kArtworkEdge),
+                                             .edgeWidth = 1 / environment_.scale});
             return;
         }
         scene_.nodes.push_back(
@@ -107,6 +112,7 @@ private:
                             .reduceMotion = environment_.reduceMotion,
                             .frozenTime = environment_.marqueeFrozenTime,
                             .reduceMotionOverride = environment_.marqueeReduceMotion,
+                            .isRightToLeft = environment_.isRightToLeft,
                             .fieldWidth = field.width,
                             .start = start};
         marquee.textWidth = environment_.measureText(marquee.text, font);

@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "QuorvaneKit/Identifiers.hpp"
+#include "platform/ErrorText.hpp"
 #include "shared/AddOnInstallLocation.hpp"
 #include "shared/RemovalKeys.hpp"
 
@@ -10,14 +11,17 @@ namespace quorvane {
 
 void SelfRemoval::perform() const {
     log.standard("removal: starting");
-    markPending();
+    if (const auto marked = markPending(); !marked) {
+        log.error("removal: not marked as pending: %{public}s; deleting nothing; quitting",
+                  errorText(marked.error()));
+        return terminate();
+    }
     const bool loginItemIsGone = removeLoginItem();
     const bool supportDirectoryIsGone = removeSupportDirectory();
     if (!removeBundle()) {
         log.error(
             "removal: the bundle is still there; keeping removalPending so the next launch "
-            "finishes it; "
-            "quitting");
+            "finishes it; quitting");
         return terminate();
     }
     if (!loginItemIsGone || !supportDirectoryIsGone)
@@ -28,15 +32,14 @@ void SelfRemoval::perform() const {
     terminate();
 }
 
-// Before anything is deleted: from here on the next launch of this bundle goes on with it.
-void SelfRemoval::markPending() const {
+// Before anything is deleted: from here on the next launch of this bundle continues the removal.
+Result<void> SelfRemoval::markPending() const {
     std::optional<PropertyValue> identity;
     if (auto identifier = fileManager.identity(bundle))
         identity = PropertyValue{*std::move(identifier)};
     defaults.set(kRemovalBundleIdentityKey, std::move(identity));
     defaults.set(kRemovalPendingKey, PropertyValue{true});
-    static_cast<void>(
-        defaults.synchronize());  // unwritten, an interrupted removal is asked for again
+    return defaults.synchronize();
 }
 
 bool SelfRemoval::removeLoginItem() const {
@@ -46,7 +49,7 @@ bool SelfRemoval::removeLoginItem() const {
         return true;
     }
     if (const auto result = loginItem.unregisterItem(); !result) {
-        log.error("removal: unregister() failed: %{public}s", result.error().description);
+        log.error("removal: unregister() failed: %{public}s", errorText(result.error()));
         return false;
     }
     log.info("removal: login item unregistered");
@@ -98,13 +101,15 @@ bool SelfRemoval::remove(const std::filesystem::path& path, const char* label) c
         return true;
     }
     log.error("removal: deleting the %{public}s failed: %{public}s", label,
-              result.error().description);
+              errorText(result.error()));
     return false;
 }
 
 void SelfRemoval::clearPreferences() const {
     defaults.removeDomain();
-    static_cast<void>(defaults.synchronize());
+    if (const auto cleared = defaults.synchronize(); !cleared)
+        log.error("removal: the preferences were not cleared: %{public}s",
+                  errorText(cleared.error()));
 }
 
 }  // namespace quorvane

@@ -12,8 +12,8 @@
 
 namespace quorvane {
 
-// Run by a process that does nothing else; it ends with `terminate` in every case. Main thread
-// only.
+// Run by a process that does nothing else; it ends with `terminate` in every case, and without a
+// deletion when the flag cannot be written. Main thread only.
 struct SelfRemoval {
     UserDefaults defaults;
     LoginItemClient loginItem;
@@ -26,7 +26,7 @@ struct SelfRemoval {
     void perform() const;
 
 private:
-    void markPending() const;
+    Result<void> markPending() const;
     bool removeLoginItem() const;
     bool isOwnSupportDirectory() const;
     bool removeSupportDirectory() const;

@@ -7,8 +7,8 @@ namespace quorvane {
 namespace {
 
 constexpr Duration kPollPeriod = std::chrono::seconds{2};
-// The card's times change once a second: a poll that has just missed one of their changes waits for
-// the next, and then stays with them.
+// The card's times change once a second, so every window of this length has a wake-up to share. The
+// windows are a period apart, wherever in them the polls fall: the average is the period.
 constexpr Duration kPollTolerance = std::chrono::seconds{1};
 constexpr Duration kFollowUpDelay = std::chrono::milliseconds{800};
 
@@ -23,16 +23,16 @@ void StateRefresher::setActive(bool active) {
         poll_.reset();
     } else if (!isPolling_) {
         isPolling_ = true;
-        refreshAndPollOn();
+        // The first window ends, not begins, a period from now.
+        pollDue_ = clock_.now() - kPollTolerance;
+        refreshWhatIsDue();
     }
 }
 
 void StateRefresher::nudge() {
     if (isStopped_) return;
-    followUp_ = clock_.after(kFollowUpDelay, [this] {
-        followUp_.reset();
-        refresh();
-    });
+    followUpDue_ = clock_.now() + kFollowUpDelay;
+    followUp_ = clock_.after(kFollowUpDelay, [this] { refreshWhatIsDue(); });
 }
 
 void StateRefresher::stop() {
@@ -42,21 +42,24 @@ void StateRefresher::stop() {
     followUp_.reset();
 }
 
-// The pause begins when the refresh is over: a main application that answers slowly is not asked
-// without any pause.
-void StateRefresher::refreshAndPollOn() {
-    const auto life = life_.watch();
-    refresh();
-    if (life.isOver() || !isPolling_) return;  // the refresh may have ended the polling
-    poll_ = clock_.afterAbout(kPollPeriod, kPollTolerance, [this] {
+// One refresh answers a poll and a follow-up that are due together.
+void StateRefresher::refreshWhatIsDue() {
+    const Instant now = clock_.now();
+    const bool isPoll = isPolling_ && now >= pollDue_;
+    if (isPoll) {
         poll_.reset();
-        refreshAndPollOn();
-    });
-}
-
-void StateRefresher::refresh() {
+        pollDue_ += kPollPeriod;
+    }
+    if (now >= followUpDue_) followUp_.reset();
+    const auto life = life_.watch();
     const auto action = refresh_;  // a copy, since it may destroy the refresher
     action();
+    // The refresh may have ended the polling, or have ended and begun it again.
+    if (!isPoll || life.isOver() || !isPolling_ || poll_) return;
+    const Instant end = clock_.now();
+    // A main application that answers slowly is not asked again without a pause.
+    if (pollDue_ <= end) pollDue_ = end + kPollPeriod - kPollTolerance;
+    poll_ = clock_.afterAbout(pollDue_ - end, kPollTolerance, [this] { refreshWhatIsDue(); });
 }
 
 }  // namespace quorvane

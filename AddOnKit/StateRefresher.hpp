@@ -1,5 +1,5 @@
-// Decides when a fresh player state is asked for: steadily while a card could be shown, and once
-// more soon after each command.
+// The times at which the main application is asked for a fresh player state: steadily while a card
+// could be shown, and once more soon after each command.
 #pragma once
 
 #include <functional>
@@ -15,23 +15,23 @@ class StateRefresher {
 public:
     StateRefresher(Clock clock, std::function<void()> refresh);
 
-    // Becoming active refreshes at once, then every two seconds, or up to one later where that saves
-    // a wake-up.
+    // Becoming active refreshes at once, then every two seconds on average.
     void setActive(bool active);
-    // A command was sent: one refresh, a moment after the last of a burst.
+    // A command was sent: one refresh, 0.8 seconds after the last of a burst.
     void nudge();
     // For good.
     void stop();
 
 private:
-    void refreshAndPollOn();
-    void refresh();
+    void refreshWhatIsDue();
 
     Clock clock_;
     std::function<void()> refresh_;
     bool isPolling_ = false;
-    Timer poll_;  // while polling, except during a refresh of the poll
+    Timer poll_;         // set while polling, except during a refresh of the poll
+    Instant pollDue_{};  // the earliest time of the next poll
     Timer followUp_;
+    Instant followUpDue_{};
     bool isStopped_ = false;
     LifeToken life_;
 };

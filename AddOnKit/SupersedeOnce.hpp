@@ -1,11 +1,17 @@
-// Says once that this copy of the add-on was installed after a removal was asked for, so that the
-// removal is not meant for it.
+// The word, said once, that this copy of the add-on was installed after a removal was requested, so
+// that the removal is not meant for it.
 #pragma once
+
+#include <chrono>
 
 namespace quorvane {
 
-// Main thread only. It is pending until an answer shows that the main application has heard it: a
-// hello that fails must not use it up, or the next one would fetch the old removal.
+// How long an installation keeps the word for its first hello. A removal that is requested later
+// holds, even when the main application was not there to be greeted before.
+inline constexpr std::chrono::minutes kSupersedeLifetime{5};
+
+// Main thread only. Pending until the main application has received it: a hello that was not sent
+// must not use it up, or the next one would fetch the old removal.
 class SupersedeOnce {
 public:
     SupersedeOnce() = default;
@@ -15,7 +21,7 @@ public:
     bool isPending() const { return isPending_; }
     void consume() { isPending_ = false; }
 
-    // By how it was loaded; what has been consumed since makes no other identity.
+    // Equal when loaded alike: who the add-on is does not change when the word is consumed.
     bool operator==(const SupersedeOnce& other) const { return loaded_ == other.loaded_; }
 
 private:

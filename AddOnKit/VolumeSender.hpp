@@ -18,7 +18,9 @@ public:
 
     // A new volume: sent now, or within one interval unless a newer one takes its place.
     void submit(std::int64_t value);
-    // The drag has ended: sends the value it ended on, even if that was sent before.
+    void beginDrag() { throttle_.beginDrag(); }
+    // The drag has ended: sends the value it ended on, even if that was sent before. A drag that
+    // offered no value sends none.
     void flush();
     // Drops everything without sending.
     void cancel();

@@ -4,14 +4,16 @@
 #include <cmath>
 
 #include "AddOnKit/FilledTrack.hpp"
+#include "AddOnKit/PlayerLayout.hpp"
 #include "AddOnKit/PlayerStrings.hpp"
 
 namespace quorvane {
 namespace {
 
+using PlayerLayout::kVolumeThickness;
+
 constexpr std::int64_t kStep = 5;  // of assistive technology
 constexpr double kFullVolume = 100;
-constexpr double kThickness = 6;
 constexpr double kDraggedThickness = 10;
 constexpr double kFillOpacity = 0.8;
 constexpr double kDraggedFillOpacity = 0.95;
@@ -53,7 +55,7 @@ void VolumeSlider::setNumber(double volume) const {
 
 void VolumeSlider::draw(Scene& scene, const Rect& frame, const PlayerModel& model,
                         double thickening) {
-    const double thickness = kThickness + (kDraggedThickness - kThickness) * thickening;
+    const double thickness = kVolumeThickness + (kDraggedThickness - kVolumeThickness) * thickening;
     const Rect track{frame.x, frame.midY() - thickness / 2, frame.width, thickness};
     const double filled = frame.width * static_cast<double>(model.volume.get()) / kFullVolume;
     drawFilledTrack(scene, track, filled,

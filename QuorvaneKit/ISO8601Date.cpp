@@ -1,11 +1,15 @@
 #include "QuorvaneKit/ISO8601Date.hpp"
 
-#include <cstdint>
+#include <algorithm>
 
 namespace quorvane {
 namespace {
 
 using std::chrono::seconds;
+
+// The whole seconds that WallTime holds: 1677 to 2262.
+constexpr std::chrono::sys_seconds kEarliest = std::chrono::ceil<seconds>(WallTime::min());
+constexpr std::chrono::sys_seconds kLatest = std::chrono::floor<seconds>(WallTime::max());
 
 void appendDigits(std::string& text, unsigned value, int count) {
     text.append(static_cast<std::size_t>(count), '0');
@@ -94,10 +98,7 @@ std::optional<WallTime> wallTimeFromISO8601(std::string_view text) {
                                            std::chrono::month{month}, std::chrono::day{day}};
     if (!date.ok()) return std::nullopt;
     const std::chrono::sys_seconds time = std::chrono::sys_days{date} + clock - offset;
-    if (time > std::chrono::floor<seconds>(WallTime::max()) ||
-        time < std::chrono::ceil<seconds>(WallTime::min()))
-        return std::nullopt;
-    return WallTime{time};
+    return WallTime{std::clamp(time, kEarliest, kLatest)};
 }
 
 }  // namespace quorvane

@@ -1,5 +1,4 @@
-// The add-on's side of the hello: one question to the main application, and its answer or, whatever
-// went wrong, a configuration that shows nothing and removes nothing.
+// The add-on's side of the hello: one question to the main application, and what became of it.
 #pragma once
 
 #include <chrono>
@@ -22,15 +21,21 @@ inline constexpr Duration kLockScreenHelloReceiveTimeout = std::chrono::seconds{
 using SendQuery = std::function<void(MessageType type, Bytes payload, Duration timeout,
                                      std::function<void(QueryOutcome)> completion)>;
 
-// What the add-on goes by when no answer came; it says hello again on the next occasion.
-inline LockScreenAddOnConfiguration failureConfiguration() { return {false, false, "0"}; }
+// What became of a hello. Without an answer the configuration shows nothing and removes nothing.
+struct LockScreenHelloResult {
+    enum class Outcome {
+        notSent,     // the main application has not received it, as far as can be known
+        unanswered,  // received, but not answered, or with something undecodable
+        answered
+    };
+    Outcome outcome = Outcome::notSent;
+    LockScreenAddOnConfiguration configuration{false, false, "0"};
+    bool operator==(const LockScreenHelloResult&) const = default;
+};
 
 // The completion runs when `sendQuery` runs its own; inside the call only for a hello that does not
 // encode, which is logged and not sent.
 void sendLockScreenHello(const LockScreenAddOnHello& hello, const SendQuery& sendQuery,
-                         const Logger& log,
-                         std::function<void(LockScreenAddOnConfiguration)> completion);
-
-LockScreenAddOnConfiguration configurationFrom(QueryOutcome outcome);
+                         const Logger& log, std::function<void(LockScreenHelloResult)> completion);
 
 }  // namespace quorvane

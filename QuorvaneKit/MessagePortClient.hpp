@@ -63,6 +63,8 @@ public:
                       Services services,
                       std::optional<MessagePortLocalResponder> localResponder = std::nullopt);
     ~MessagePortClient();
+    MessagePortClient(const MessagePortClient&) = delete;  // its state refers to it
+    MessagePortClient& operator=(const MessagePortClient&) = delete;
 
     // Connects and listens for "playerStateChanged". Calling it again while disconnected tries to
     // connect again.

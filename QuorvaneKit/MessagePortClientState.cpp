@@ -45,6 +45,10 @@ MessagePortClient::State::State(MessagePortClient& itsOwner, std::string baseNam
             QueryPort::Services{services.connectPort, secret, services.clock.now, log});
 }
 
+MessagePortClient::State::~State() {
+    for (QuerySlot& slot : querySlots) slot.cancel();
+}
+
 void MessagePortClient::State::start() {
     if (localResponder) {
         log.info("Message port client answers locally; not connecting");

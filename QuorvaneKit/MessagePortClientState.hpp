@@ -17,6 +17,8 @@ struct MessagePortClient::State : std::enable_shared_from_this<MessagePortClient
     State(MessagePortClient& owner, std::string portBaseName,
           std::function<std::optional<Bytes>()> secret, Services services,
           std::optional<MessagePortLocalResponder> localResponder);
+    // Does not wait for queries in flight.
+    ~State();
 
     void start();
     void stop();

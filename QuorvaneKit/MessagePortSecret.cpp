@@ -29,12 +29,15 @@ std::optional<Bytes> MessagePortSecret::make(const FillRandom& fillRandom, const
         wipe(secret);
         return std::nullopt;
     }
-    if (const auto written = files.writeAtomically(*file, secret); !written) {
-        log.error("Failed to write IPC secret: %s", written.error().description);
-        wipe(secret);
-        return std::nullopt;
+    std::optional<Bytes> kept;
+    for (const auto& write : {files.createAtomically, files.writeAtomically}) {
+        const auto written = write(*file, secret);
+        if (!written) log.error("Failed to write IPC secret: %s", written.error().description);
+        kept = written ? checked(read(files)) : std::nullopt;
+        if (kept || !written) break;
     }
-    return secret;
+    wipe(secret);
+    return kept;
 }
 
 std::optional<Bytes> MessagePortSecret::read(const FileStore& files) {

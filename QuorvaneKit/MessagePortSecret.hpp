@@ -1,4 +1,4 @@
-// The connection secret: made by the main application, read by the add-on.
+// The connection secret: made by the main application, read by both sides.
 #pragma once
 
 #include <optional>
@@ -11,8 +11,10 @@ namespace quorvane {
 struct MessagePortSecret {
     static constexpr char kFileName[] = "ipc-secret";
 
-    // New random bytes, kept in the shared container. Nothing when any of it failed, which is
-    // logged: a secret that the clients cannot read is none.
+    // Puts new random bytes into the shared container and returns what the clients read there.
+    // Another writer may have been faster: a secret that exists is kept, other contents are
+    // replaced. Nullopt when a step failed, which is logged. Only the holder of the main port calls
+    // this, because the secret of a server that runs must not change.
     static std::optional<Bytes> make(const FillRandom& fillRandom, const FileStore& files,
                                      const LogSink& log);
 

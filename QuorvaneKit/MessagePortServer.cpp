@@ -53,6 +53,7 @@ struct MessagePortServer::State {
     void startThread(PortThread& entry);
     void runPort(PortThread& entry);
     std::unique_ptr<LocalPort> openWhenFree(PortThread& entry);
+    void logFailure(const std::string& portName, std::int64_t attempt) const;
     bool setPort(PortThread& entry, LocalPort* port);
     bool isStopRequested() const;
 
@@ -86,8 +87,8 @@ void MessagePortServer::start() {
     for (State::PortThread& entry : state.portThreads) state.startThread(entry);
     for (State::PortThread& entry : state.portThreads)
         if (!entry.ready->waitFor(kReadyTimeout))
-            state.log.error("Message port thread %{public}s did not become ready within 2s",
-                            entry.threadName);
+            state.log.standard("Message port thread %{public}s did not become ready within 2s",
+                               entry.threadName);
 }
 
 void MessagePortServer::stop() {
@@ -154,13 +155,21 @@ std::unique_ptr<LocalPort> MessagePortServer::State::openWhenFree(PortThread& en
             return nullptr;
         }
         if (auto port = services.openPort(entry.portName, handler)) return port;
-        if (isReported(attempt))
-            log.error(
-                "Message port %{public}s busy (attempt %ld); another instance holds it — retrying "
-                "until it frees",
-                entry.portName, attempt);
+        if (isReported(attempt)) logFailure(entry.portName, attempt);
         isEnding = stopping->waitFor(retryDelay(attempt));
     }
+}
+
+// A name that is taken is no error: this host then waits for its turn.
+void MessagePortServer::State::logFailure(const std::string& portName, std::int64_t attempt) const {
+    if (const auto problem = services.portsProblem())
+        log.error("Message port %{public}s cannot be opened (attempt %ld): %{public}s; retrying",
+                  portName, attempt, *problem);
+    else
+        log.standard(
+            "Message port %{public}s busy (attempt %ld); another instance holds it — retrying "
+            "until it frees",
+            portName, attempt);
 }
 
 // False when the server is being stopped.

@@ -26,6 +26,9 @@ public:
     struct Services {
         LogSink log;
         OpenPort openPort;
+        // Why no port can be opened, whatever its name; nullopt when a name is taken, or free. Any
+        // thread.
+        std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
         // Names the calling thread as debuggers show it; may be unset.
         std::function<void(const std::string& name)> nameCurrentThread;
         MakeWaitFlag makeWaitFlag = &quorvane::makeWaitFlag;
@@ -36,7 +39,8 @@ public:
     // Stops.
     ~MessagePortServer();
 
-    // To be set before `start` and left alone until `stop` has returned. Without a secret every
+    // Both are set before a port opens and do not change until `stop` has returned. The secret may
+    // still be set by `openPort`, inside the call that opens the first port. Without a secret every
     // request is dropped.
     MessagePortHandlers handlers;
     std::optional<Bytes> expectedSecret;

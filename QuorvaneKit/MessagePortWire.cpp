@@ -1,24 +1,17 @@
 #include "QuorvaneKit/MessagePortWire.hpp"
 
-#include <array>
-#include <cstdint>
-#include <cstring>
-
 namespace quorvane {
 namespace {
 
-// Both are kSecretLength long. No early exit: the time must not tell how much of a guess is right.
+// Both are kSecretLength long. No early exit, because the time must not tell how much of a guess is
+// right, and no copies, because those would stay on the stack.
 bool isSameSecret(ByteView left, ByteView right) {
-    using Words = std::array<std::uint64_t, MessagePortWire::kSecretLength / 8>;
-    Words one;
-    Words other;
-    std::memcpy(one.data(), left.data(), sizeof one);
-    std::memcpy(other.data(), right.data(), sizeof other);
-    std::uint64_t difference = 0;
-    for (std::size_t i = 0; i < one.size(); ++i) difference |= one[i] ^ other[i];
+    std::byte difference{};
+    for (std::size_t i = 0; i < MessagePortWire::kSecretLength; ++i)
+        difference |= left[i] ^ right[i];
     // Through a volatile, so that the decision cannot be moved into the loop.
-    const volatile std::uint64_t decided = difference;
-    return decided == 0;
+    const volatile std::byte decided = difference;
+    return decided == std::byte{};
 }
 
 }  // namespace

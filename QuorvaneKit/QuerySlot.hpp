@@ -2,7 +2,9 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -16,7 +18,8 @@ namespace quorvane {
 std::size_t chooseQuerySlot(const std::array<int, kQueryPortCount>& load,
                             std::optional<std::size_t> lastUsed);
 
-// The sending end of one query port, made on first use. Lives on its slot's queue.
+// The sending end of one query port, made on first use. Lives on its slot's queue, but for `cancel`
+// and `notAvailable`, which any thread may call.
 class QueryPort {
 public:
     struct Services {
@@ -31,15 +34,23 @@ public:
     // Blocks until the query is answered or has failed. A port found dead is forgotten, so that the
     // next query looks it up again.
     QueryOutcome send(MessageType type, ByteView payload, Duration timeout, Instant enqueued);
-    void forgetRemotePort() { remotePort_.reset(); }
+    void forgetRemotePort();
+    // Ends the query under way and refuses all later ones.
+    void cancel();
+    // Logs that the query was not sent.
+    QueryOutcome notAvailable(MessageType type) const;
 
 private:
     std::optional<Bytes> readSecret(MessageType type) const;
+    std::shared_ptr<RemotePort> connectedPort();
+    bool isCancelled() const;
 
-    const std::size_t index_;
+    const std::int64_t index_;
     const std::string name_;
     const Services services_;
-    std::unique_ptr<RemotePort> remotePort_;
+    mutable std::mutex mutex_;
+    std::shared_ptr<RemotePort> remotePort_;  // under mutex_, changed on the queue only
+    bool isCancelled_ = false;                // under mutex_
 };
 
 // Lives on the main thread. Queries go out one at a time, in order.
@@ -48,11 +59,14 @@ public:
     QuerySlot(std::size_t index, std::string name, const MakeSerialQueue& makeSerialQueue,
               QueryPort::Services services);
 
-    // `done` runs on the slot's queue; not at all once the slot is gone.
+    // `done` runs on the slot's queue, or inside the call when the system refuses the queue's
+    // thread; not at all once the slot is gone.
     void send(MessageType type, Bytes payload, Duration timeout, Instant enqueued,
               std::function<void(QueryOutcome)> done);
     // After the query in flight, if there is one.
     void forgetRemotePort();
+    // For good: the query in flight ends at once.
+    void cancel() { port_->cancel(); }
 
 private:
     std::shared_ptr<QueryPort> port_;  // shared only to be held weakly by what waits in the queue

@@ -7,16 +7,16 @@ namespace {
 
 using Key = SharedDefaultsKey;
 
-bool isTrue(const std::optional<PropertyValue>& value) {
-    const bool* const flag = value ? value->as<bool>() : nullptr;
-    return flag != nullptr && *flag;
-}
+std::string nameOf(Key key) { return std::string{rawValue(key)}; }
+
+bool isTrue(const bool* flag) { return flag != nullptr && *flag; }
 
 }  // namespace
 
 bool SharedDefaults::lockScreenEnabled() const {
     const std::lock_guard guard{mutex_};
-    return isTrue(read(Key::lockScreenEnabled));
+    const auto value = read(Key::lockScreenEnabled);
+    return value && isTrue(value->as<bool>());
 }
 
 Result<void> SharedDefaults::setLockScreenEnabled(bool isEnabled) {
@@ -28,9 +28,12 @@ Result<void> SharedDefaults::setLockScreenEnabled(bool isEnabled) {
 
 std::optional<LockScreenPendingRemoval> SharedDefaults::lockScreenPendingRemoval() const {
     const std::lock_guard guard{mutex_};
-    if (!isTrue(read(Key::lockScreenRemovalRequested))) return std::nullopt;
-    const auto target = read(Key::lockScreenRemovalTargetInstallID);
-    const auto* const text = target ? target->as<std::string>() : nullptr;
+    if (!suite_) return std::nullopt;
+    const std::string requested = nameOf(Key::lockScreenRemovalRequested);
+    const std::string target = nameOf(Key::lockScreenRemovalTargetInstallID);
+    const PropertyDictionary values = suite_->getTogether({requested, target});
+    if (!isTrue(find<bool>(values, requested))) return std::nullopt;
+    const auto* const text = find<std::string>(values, target);
     return LockScreenPendingRemoval{text == nullptr ? std::nullopt : std::optional{*text}};
 }
 
@@ -38,8 +41,8 @@ Result<void> SharedDefaults::setLockScreenPendingRemoval(
     const std::optional<LockScreenPendingRemoval>& removal) {
     const std::lock_guard guard{mutex_};
     if (!suite_) return {};
-    // The flag stands only while its target does: a process that ends in between leaves no removal
-    // that is meant for just anyone.
+    // Each write reaches other processes by itself. The flag is set only while its target is, so
+    // that no moment and no crash shows a removal that is meant for any add-on.
     if (!removal) write(Key::lockScreenRemovalRequested, std::nullopt);
     const auto target = removal ? removal->targetInstallID : std::nullopt;
     write(Key::lockScreenRemovalTargetInstallID,
@@ -72,11 +75,11 @@ Result<void> SharedDefaults::setLockScreenAddOnLastSeen(
 }
 
 std::optional<PropertyValue> SharedDefaults::read(Key key) const {
-    return suite_ ? suite_->get(std::string{rawValue(key)}) : std::nullopt;
+    return suite_ ? suite_->get(nameOf(key)) : std::nullopt;
 }
 
 void SharedDefaults::write(Key key, std::optional<PropertyValue> value) {
-    suite_->set(std::string{rawValue(key)}, std::move(value));
+    suite_->set(nameOf(key), std::move(value));
 }
 
 }  // namespace quorvane

@@ -24,7 +24,8 @@ public:
     bool lockScreenEnabled() const;  // false by default
     Result<void> setLockScreenEnabled(bool isEnabled);
 
-    // Read and written as one, so that no one sees a removal without the target it is meant for.
+    // The request and its target are read in one look, and written in an order that keeps them
+    // together, so that no process sees a removal without the target that it is meant for.
     std::optional<LockScreenPendingRemoval> lockScreenPendingRemoval() const;
     Result<void> setLockScreenPendingRemoval(
         const std::optional<LockScreenPendingRemoval>& removal);

@@ -1,10 +1,9 @@
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
 
 #include "AddOnKit/DurationText.hpp"
-#include "AddOnKit/LaunchDecision.hpp"
 #include "AddOnKit/LoginItem.hpp"
 #include "QuorvaneKit/Identifiers.hpp"
-#include "Quorvane_Lock_Screen/AddOnRemoval.hpp"
+#include "Quorvane_Lock_Screen/AddOnLaunch.hpp"
 
 namespace quorvane {
 namespace {
@@ -26,15 +25,7 @@ AddOnApp::AddOnApp(const LivePlatform& platform)
       coordinator_(AddOnCoordinator::make(platform)) {}
 
 void AddOnApp::applicationDidFinishLaunching() {
-    const LiveServices& services = platform_.services;
-    const LaunchPerformer launch{.arguments = services.process.arguments,
-                                 .defaults = services.standardDefaults,
-                                 .sharedDefaults = services.openSuite(std::string{kAppGroup}),
-                                 .bundle = services.process.bundle,
-                                 .identity = services.installation.fileManager.identity,
-                                 .log = services.log};
-    launch.perform([&services] { finishRemoval(services); }, [&services] { uninstall(services); },
-                   [this] { run(); });
+    launchAddOn(platform_.services, [this] { run(); });
 }
 
 void AddOnApp::run() {

@@ -6,12 +6,13 @@
 #include "QuorvaneKit/MessagePortSecret.hpp"
 #include "QuorvaneKit/PortNames.hpp"
 #include "QuorvaneKit/QuorvaneDarwinNotification.hpp"
+#include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
 namespace {
 
-// As people and the installer are told it. The identity that the main application is told has a
-// number in any case, and the same one wherever the bundle names any.
+// The version in the log and in the installer's status. The identity in the hello says "0" instead
+// of "-" and is the same otherwise.
 std::string shortVersion(const ProcessInfo& process) {
     const auto* version = find<std::string>(process.bundleProperties, "CFBundleShortVersionString");
     return version == nullptr ? "-" : *version;
@@ -71,6 +72,7 @@ void AddOnCoordinator::start() {
 
 void AddOnCoordinator::startClient() {
     client_.onStateChanged = weakly(&AddOnCoordinator::stateReceived);
+    model_.onLateChange = weakly(&AddOnCoordinator::logChange);
     client_.start();
 }
 
@@ -91,7 +93,7 @@ void AddOnCoordinator::makeLink() {
     };
     const LiveServices& services = platform_.services;
     link_.emplace(
-        AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID),
+        AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID, log_),
         sendHello, services.clock, weakly(&AddOnCoordinator::removalRequested), services.log);
     const AddOnIdentity& identity = link_->identity();
     log_.info("link: add-on %{public}s, macOS %{public}s, supported %{bool}d, install %{public}s",
@@ -108,13 +110,25 @@ void AddOnCoordinator::makeVolumeSender() {
 }
 
 void AddOnCoordinator::makeController() {
-    controller_.emplace([this](const Screen& screen) { return makeContent(screen); },
-                        CardWindowController::Services{.log = platform_.services.log,
-                                                       .windows = platform_.cardWindows,
-                                                       .screens = platform_.screens,
-                                                       .mainThread = platform_.services.mainThread,
-                                                       .beginActivity = platform_.beginActivity},
-                        platform_.windowServerLoader);
+    controller_.emplace(
+        [this](const Screen& screen) { return makeContent(screen); },
+        CardWindowController::Services{.log = platform_.services.log,
+                                       .windows = platform_.cardWindows,
+                                       .screens = platform_.screens,
+                                       .mainThread = platform_.services.mainThread,
+                                       .beginActivity = platform_.beginActivity,
+                                       .noteRoom = weakly(&AddOnCoordinator::noteRoom)},
+        platform_.windowServerLoader);
+}
+
+// For the installer's status, which cannot see the lock screen.
+void AddOnCoordinator::noteRoom(bool hasRoom) {
+    const UserDefaults& defaults = platform_.services.standardDefaults;
+    const bool isNoted = defaults.get(AddOnSignals::kNoRoomKey).has_value();
+    if (isNoted != hasRoom) return;
+    defaults.set(AddOnSignals::kNoRoomKey,
+                 hasRoom ? std::nullopt : std::optional{PropertyValue{true}});
+    static_cast<void>(defaults.synchronize());
 }
 
 void AddOnCoordinator::listenToPresentation() {
@@ -130,13 +144,15 @@ void AddOnCoordinator::startInstallerSignals() {
     installerSignals_->start();
 }
 
-// What has changed before somebody listened is handed on as well: the driver ignores what it knows.
+// Changes from before the subscriptions count as well; the driver ignores what it already knows.
 void AddOnCoordinator::observe() {
     observations_.push_back(
         link_->configuration().subscribe(weakly(&AddOnCoordinator::linkChanged)));
     observations_.push_back(
         client_.isConnected().subscribe(weakly(&AddOnCoordinator::connectionChanged)));
     observations_.push_back(model_.isVisible.subscribe(weakly(&AddOnCoordinator::musicChanged)));
+    observations_.push_back(
+        model_.isDraggingVolume.subscribe(weakly(&AddOnCoordinator::draggingChanged)));
     linkChanged();
     connectionChanged();
     musicChanged();
@@ -171,6 +187,10 @@ void AddOnCoordinator::connectionChanged() {
 
 void AddOnCoordinator::musicChanged() { driver_.handle(event::Music{model_.isVisible.get()}); }
 
+void AddOnCoordinator::draggingChanged() {
+    if (model_.isDraggingVolume.get()) volume_->beginDrag();
+}
+
 void AddOnCoordinator::present(const PresentationState& state) {
     if (isRemoving_) return;
     controller_->present(state);
@@ -194,18 +214,20 @@ void AddOnCoordinator::configurationNotice() {
 
 void AddOnCoordinator::mainAppWillTerminateNotice() {
     log_.standard("notice: mainAppWillTerminate; hiding the card");
-    model_.clear();
+    clearModel();
     driver_.handle(event::QuorVaneQuit{});
     log_.standard("state: %{public}s", describe(driver_.state()));
 }
 
 void AddOnCoordinator::stateReceived(const QuorvanePlayerState& state) {
-    const auto change = model_.apply(state);
-    if (!change) return;
-    playerLog_.info("state: %{public}s", change->summary);
-    if (change->newTrack)
-        playerLog_.info("state: now '%{private}s' — '%{private}s'", change->newTrack->title,
-                        change->newTrack->artist);
+    if (const auto change = model_.apply(state)) logChange(*change);
+}
+
+void AddOnCoordinator::logChange(const PlayerModel::Change& change) {
+    playerLog_.info("state: %{public}s", change.summary);
+    if (change.newTrack)
+        playerLog_.info("state: now '%{private}s' — '%{private}s'", change.newTrack->title,
+                        change.newTrack->artist);
 }
 
 void AddOnCoordinator::connectIfNeeded() {
@@ -215,7 +237,10 @@ void AddOnCoordinator::connectIfNeeded() {
 void AddOnCoordinator::refresh() {
     connectIfNeeded();
     client_.requestStateUpdate();
-    if (client_.isConnected().get()) return;
+    if (!client_.isConnected().get()) clearModel();
+}
+
+void AddOnCoordinator::clearModel() {
     if (const auto summary = model_.clear())
         playerLog_.info("state: Quorvane unreachable; %{public}s", *summary);
 }

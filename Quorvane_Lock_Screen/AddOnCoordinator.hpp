@@ -54,7 +54,9 @@ private:
     void listenToNotices();
 
     void stateReceived(const QuorvanePlayerState& state);
+    void logChange(const PlayerModel::Change& change);
     void refresh();
+    void clearModel();
     // A command and what it changes on the card at once.
     using ModelEdit = void (PlayerModel::*)();
     void command(QuorvaneAction action, ModelEdit edit = nullptr);
@@ -66,6 +68,7 @@ private:
     void endVolume();
     void sendVolume(std::int64_t level);
     void present(const PresentationState& state);
+    void noteRoom(bool hasRoom);
     void lockEvent(const PresentationEvent& event);
     void sayHelloSoon();
     void sayHello();
@@ -74,6 +77,7 @@ private:
     void linkChanged();
     void connectionChanged();
     void musicChanged();
+    void draggingChanged();
     void removalRequested();
     void quitRequested();
 

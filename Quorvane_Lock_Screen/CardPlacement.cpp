@@ -9,10 +9,9 @@ namespace {
 
 // From the widest to the narrowest distance between the card and what it must not cover. At the
 // first, the shadow ends before the area begins.
-constexpr double kMargins[] = {kCardShadowMargin, 24, 12};
-constexpr double kScreenEdge = 12;  // a moved card keeps this distance from the screen's edges
-
-Rect cardIn(const Rect& window) { return window.grownBy(-kCardShadowMargin); }
+constexpr double kMargins[] = {kCardShadowMargin, 24, 12, 8};
+constexpr double kScreenEdge = 8;  // a moved card keeps this distance from the screen's edges
+constexpr double kScales[] = {1, 0.95, 0.9, 0.85, 0.8};
 
 bool isClear(const Rect& card, double margin, std::span<const Rect> keepClear) {
     const Rect reach = card.grownBy(margin);
@@ -21,48 +20,62 @@ bool isClear(const Rect& card, double margin, std::span<const Rect> keepClear) {
 }
 
 bool isInside(const Rect& card, const Rect& screen) {
-    return card.minY() >= screen.minY() + kScreenEdge && card.maxY() <= screen.maxY() - kScreenEdge;
+    const Rect room = screen.grownBy(-kScreenEdge);
+    return card.minX() >= room.minX() && card.maxX() <= room.maxX() && card.minY() >= room.minY() &&
+           card.maxY() <= room.maxY();
 }
 
-// The nearest clear place above the stated one, else the nearest below; y of the card's lower edge.
-std::optional<double> clearY(const Rect& card, const Rect& screen, double margin,
-                             std::span<const Rect> keepClear) {
-    std::vector<double> above;
-    std::vector<double> below;
+enum class Axis { upright, level };
+
+// The places beside the areas along one axis, the nearest first: those above or to the right of
+// the card's own, then those below or to the left.
+std::vector<Rect> placesBeside(const Rect& card, Axis axis, double margin,
+                               std::span<const Rect> keepClear) {
+    std::vector<double> offsets;
     for (const Rect& area : keepClear) {
-        above.push_back(std::ceil(area.maxY() + margin));
-        below.push_back(std::floor(area.minY() - margin - card.height));
+        const Rect reach = area.grownBy(margin);
+        const bool isUpright = axis == Axis::upright;
+        const double ahead = isUpright ? reach.maxY() - card.minY() : reach.maxX() - card.minX();
+        const double behind = isUpright ? reach.minY() - card.maxY() : reach.minX() - card.maxX();
+        if (ahead > 0) offsets.push_back(std::ceil(ahead));
+        if (behind < 0) offsets.push_back(std::floor(behind));
     }
-    std::ranges::sort(above);
-    std::ranges::sort(below, std::greater{});
-    const auto fits = [&](double y) {
-        const Rect moved{card.x, y, card.width, card.height};
-        return isInside(moved, screen) && isClear(moved, margin, keepClear);
-    };
-    for (const double y : above)
-        if (y > card.y && fits(y)) return y;
-    for (const double y : below)
-        if (y < card.y && fits(y)) return y;
+    std::ranges::sort(offsets, [](double one, double other) {
+        return (one > 0) != (other > 0) ? one > 0 : std::abs(one) < std::abs(other);
+    });
+    std::vector<Rect> places;
+    for (const double offset : offsets)
+        places.push_back(axis == Axis::upright ? card.movedBy(0, offset) : card.movedBy(offset, 0));
+    return places;
+}
+
+std::optional<Rect> clearPlace(const Rect& card, const Rect& screen,
+                               std::span<const Rect> keepClear) {
+    for (const Axis axis : {Axis::upright, Axis::level})
+        for (const double margin : kMargins) {
+            if (isClear(card, margin, keepClear)) return card;
+            for (const Rect& place : placesBeside(card, axis, margin, keepClear))
+                if (isInside(place, screen) && isClear(place, margin, keepClear)) return place;
+        }
     return std::nullopt;
+}
+
+// At the stated place, centred across the screen.
+Rect cardOn(const Rect& screen, double scale) {
+    const Size size{scale * kCardSize.width, scale * kCardSize.height};
+    const double top = screen.maxY() - 0.3 * screen.height;
+    return {std::round(screen.midX() - 0.5 * size.width), std::round(top - size.height), size.width,
+            size.height};
 }
 
 }  // namespace
 
-Rect windowFrame(const Rect& screen) {
-    const double top = screen.maxY() - 0.3 * screen.height;
-    const Rect card{std::round(screen.midX() - 0.5 * kCardSize.width),
-                    std::round(top - kCardSize.height), kCardSize.width, kCardSize.height};
-    return card.grownBy(kCardShadowMargin);
-}
+Rect windowFrame(const Rect& screen) { return cardOn(screen, 1).grownBy(kCardShadowMargin); }
 
-std::optional<Rect> windowFrame(const Rect& screen, std::span<const Rect> keepClear) {
-    const Rect stated = windowFrame(screen);
-    const Rect card = cardIn(stated);
-    for (const double margin : kMargins) {
-        if (isClear(card, margin, keepClear)) return stated;
-        if (const auto y = clearY(card, screen, margin, keepClear))
-            return stated.movedBy(0, *y - card.y);
-    }
+std::optional<Place> place(const Rect& screen, std::span<const Rect> keepClear) {
+    for (const double scale : kScales)
+        if (const auto card = clearPlace(cardOn(screen, scale), screen, keepClear))
+            return Place{card->grownBy(scale * kCardShadowMargin), scale};
     return std::nullopt;
 }
 

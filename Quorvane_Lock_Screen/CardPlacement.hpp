@@ -1,4 +1,4 @@
-// Where a card's window stands on its screen. Pure functions of plain values.
+// The place of a card's window on its screen. Pure functions of plain values.
 #pragma once
 
 #include <optional>
@@ -18,10 +18,16 @@ namespace CardPlacement {
 // top. The frame is the card grown by the shadow margin. Global points, y growing upward.
 Rect windowFrame(const Rect& screen);
 
-// The same, moved out of the areas that the lock screen needs for itself: upward if there is room,
-// else downward, with as calm a margin as the screen allows. Nothing when the card fits nowhere on
-// the middle axis.
-std::optional<Rect> windowFrame(const Rect& screen, std::span<const Rect> keepClear);
+struct Place {
+    Rect frame;        // of the window, scaled
+    double scale = 1;  // of the whole card
+    bool operator==(const Place&) const = default;
+};
+
+// The same, moved out of the areas that the lock screen needs for itself, with as wide a margin as
+// the screen allows: upward if there is room, else downward, else to the right or left. A card that
+// fits nowhere is made smaller, to 0.8 at least. Nullopt when that does not fit either.
+std::optional<Place> place(const Rect& screen, std::span<const Rect> keepClear);
 
 }  // namespace CardPlacement
 }  // namespace quorvane

@@ -12,8 +12,9 @@ constexpr std::uint64_t kCollectionBehavior = 337;
 
 }  // namespace
 
-WindowSettings CardWindow::settings(const Rect& frame) {
+WindowSettings CardWindow::settings(const Rect& frame, double contentScale) {
     return {.frame = frame,
+            .contentScale = contentScale,
             .styleMask = kNonactivatingPanel,
             .becomesKeyOnlyIfNeeded = true,
             .isOpaque = false,

@@ -13,7 +13,7 @@ namespace quorvane {
 class CardWindow {
 public:
     // The settings of every card window; the frame is in global points, y growing upward.
-    static WindowSettings settings(const Rect& frame);
+    static WindowSettings settings(const Rect& frame, double contentScale = 1);
 
     CardWindow(std::unique_ptr<CardSystemWindow> window, const LogSink& log);
 

@@ -1,6 +1,7 @@
 #include "Quorvane_Lock_Screen/CardWindowController.hpp"
 
 #include <algorithm>
+#include <tuple>
 
 #include "QuorvaneKit/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
@@ -80,32 +81,38 @@ void CardWindowController::build(CardAppearance appearance, std::string_view rea
     log_.info("windows: building %ld (%{public}s), card %{bool}d",
               static_cast<long>(screens.size()), reason, state_->cardShown());
     long index = 0;
-    for (const Screen& screen : screens) buildWindow(screen, ++index, appearance);
+    bool hasRoom = false;
+    for (const Screen& screen : screens) hasRoom |= buildWindow(screen, ++index, appearance);
+    services_.noteRoom(hasRoom);
     if (appearance != CardAppearance::hidden) scheduleShow(appearance);
 }
 
-void CardWindowController::buildWindow(const Screen& screen, long index,
+bool CardWindowController::buildWindow(const Screen& screen, long index,
                                        CardAppearance appearance) {
-    const auto frame = CardPlacement::windowFrame(screen.frame, screen.keepClear);
-    if (!frame) {
+    const auto place = CardPlacement::place(screen.frame, screen.keepClear);
+    if (!place) {
         log_.info("screen %ld %{public}s: no room beside what the lock screen needs", index,
                   describe(screen.frame));
-        return;
+        return false;
     }
+    Screen drawn = screen;
+    drawn.scale *= place->scale;
     auto card = std::make_shared<GlassCardView>(services_.windows.makeStage(GlassCardView::style()),
-                                                makeContent_(screen),
+                                                makeContent_(drawn),
                                                 services_.windows.reducesMotion, services_.log);
-    auto system = services_.windows.makeWindow(CardWindow::settings(*frame), screen);
-    if (system == nullptr) return;  // the platform has said why
+    auto system =
+        services_.windows.makeWindow(CardWindow::settings(place->frame, place->scale), screen);
+    if (system == nullptr) return true;  // the platform has said why
     auto window = std::make_unique<CardWindow>(std::move(system), services_.log);
     window->system().setContent(card->stage());
     card->setWindow(&window->system());
     window->system().setIgnoresMouseEvents(appearance == CardAppearance::hidden);
     window->system().orderFrontRegardless();
     log_.info("window %ld on screen %ld %{public}s at %{public}s", window->number(), index,
-              describe(screen.frame), describe(*frame));
+              describe(screen.frame), describe(place->frame));
     liftAboveLock(window->system());
-    entries_.push_back({screen, std::move(window), std::move(card)});
+    entries_.push_back({screen, place->scale, std::move(window), std::move(card)});
+    return true;
 }
 
 void CardWindowController::liftAboveLock(CardSystemWindow& window) {
@@ -172,28 +179,27 @@ void CardWindowController::screensChanged() {
 }
 
 // The windows move out of the way of a prompt, and back. Where a card finds or loses its only
-// place, all are built anew.
+// place, or changes its size, all are built again.
 void CardWindowController::keepClearChanged() {
     if (!state_->windowsWanted()) return;
-    const std::vector<Screen> screens = services_.screens.list();
-    std::vector<std::pair<Entry*, const Screen*>> moves;
+    std::vector<std::tuple<Entry*, Screen, Rect>> moves;
     std::size_t placed = 0;
-    for (const Screen& screen : screens) {
-        const auto entry = std::ranges::find(entries_, screen.frame,
-                                             [](const Entry& each) { return each.screen.frame; });
-        const bool hasPlace =
-            CardPlacement::windowFrame(screen.frame, screen.keepClear).has_value();
-        placed += hasPlace;
-        if (hasPlace && entry != entries_.end()) moves.emplace_back(&*entry, &screen);
+    for (const Screen& screen : services_.screens.list()) {
+        const auto place = CardPlacement::place(screen.frame, screen.keepClear);
+        if (!place) continue;
+        ++placed;
+        const auto entry = std::ranges::find_if(entries_, [&](const Entry& each) {
+            return each.screen.frame == screen.frame && each.scale == place->scale;
+        });
+        if (entry != entries_.end()) moves.emplace_back(&*entry, screen, place->frame);
     }
     if (moves.size() != placed || moves.size() != entries_.size()) {
         apply(CardWindowSync::rebuildSteps(*state_, standing()), "keep clear");
         return;
     }
-    for (const auto& [entry, screen] : moves) {
-        entry->screen = *screen;
-        entry->window->system().setFrame(
-            *CardPlacement::windowFrame(screen->frame, screen->keepClear), *screen);
+    for (const auto& [entry, screen, frame] : moves) {
+        entry->screen = screen;
+        entry->window->system().setFrame(frame, screen);
     }
 }
 

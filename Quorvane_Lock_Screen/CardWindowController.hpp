@@ -1,5 +1,5 @@
 // Owns the card windows, one for each screen: carries out the plans of CardWindowSync, and plans
-// anew when the screens change.
+// again when the screens change.
 #pragma once
 
 #include <cstdint>
@@ -30,6 +30,8 @@ public:
         Screens screens;
         MainThread mainThread;
         BeginActivity beginActivity;
+        // Called at each building: whether any screen had room for a card.
+        std::function<void(bool hasRoom)> noteRoom = [](bool) {};
     };
     using MakeContent = std::function<std::unique_ptr<CardContent>(const Screen&)>;
 
@@ -45,6 +47,7 @@ public:
 private:
     struct Entry {
         Screen screen;
+        double scale;  // of the card
         std::unique_ptr<CardWindow> window;
         std::shared_ptr<GlassCardView> card;
     };
@@ -53,7 +56,8 @@ private:
     CardWindowSync::Standing standing() const;
     void apply(const std::vector<CardWindowSync::Step>& steps, std::string_view reason);
     void build(CardWindowSync::CardAppearance appearance, std::string_view reason);
-    void buildWindow(const Screen& screen, long index, CardWindowSync::CardAppearance appearance);
+    // Whether the screen has room for the card.
+    bool buildWindow(const Screen& screen, long index, CardWindowSync::CardAppearance appearance);
     void liftAboveLock(CardSystemWindow& window);
     void scheduleShow(CardWindowSync::CardAppearance appearance);
     void setCardVisible(bool visible);

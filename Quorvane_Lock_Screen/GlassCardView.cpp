@@ -1,5 +1,6 @@
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
 
+#include "AddOnKit/PlayerGeometry.hpp"
 #include "AddOnKit/PresentationTiming.hpp"
 #include "QuorvaneKit/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
@@ -27,7 +28,8 @@ CardStyle GlassCardView::style() {
             .glassStyle = kClearGlass,
             .shadowOpacity = 0.25,
             .shadowRadius = 22,
-            .shadowOffset = 8};
+            .shadowOffset = 8,
+            .textBottom = PlayerGeometry::make(true, false).elapsed.maxY()};
 }
 
 GlassCardView::GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<CardContent> content,
@@ -39,14 +41,14 @@ GlassCardView::GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<C
     content_->attach(stage_);
 }
 
-void GlassCardView::setShown(bool shown) {
-    isShown_ = shown;
-    if (shown) content_->setShown(true);
+void GlassCardView::showContent() {
+    isShown_ = true;
+    content_->setShown(true);
 }
 
 void GlassCardView::runEntrance() {
     const bool reduceMotion = reducesMotion_();
-    setShown(true);
+    showContent();
     stage_->setHidden(false);
     log_.info("entrance: window %ld, reduce motion %{bool}d", windowNumber(), reduceMotion);
     stage_->removeAnimations();
@@ -63,14 +65,16 @@ void GlassCardView::runEntrance() {
 }
 
 void GlassCardView::showImmediately() {
-    setShown(true);
+    showContent();
     stage_->setHidden(false);
     stage_->removeAnimations();
     if (window_ != nullptr) window_->setAlpha(1);
 }
 
 void GlassCardView::runExit() {
-    setShown(false);
+    isShown_ = false;
+    // The player may have quit: the fade shows the card as it was, not the emptied one.
+    content_->freeze();
     log_.info("exit: window %ld", windowNumber());
     if (window_ == nullptr) {
         hideIfStillNotShown();

@@ -22,8 +22,8 @@ public:
 
     bool isShown() const { return isShown_; }
     const std::shared_ptr<CardStage>& stage() const { return stage_; }
-    // The window it stands in; null once that is closed. The window outlives this or is taken away
-    // first.
+    // The window that shows it; null once that is closed. The window outlives this view or is taken
+    // away first.
     void setWindow(CardSystemWindow* window) { window_ = window; }
     bool hasWindow() const { return window_ != nullptr; }
 
@@ -31,12 +31,12 @@ public:
     void runEntrance();
     // Visible at once, any animation ended.
     void showImmediately();
-    // Fades out and hides the stage, unless an entrance begins meanwhile.
+    // Fades out with the content frozen, then hides the stage unless an entrance has begun.
     void runExit();
 
 private:
     long windowNumber() const { return window_ == nullptr ? -1 : window_->number(); }
-    void setShown(bool shown);
+    void showContent();
     void hideIfStillNotShown();
 
     CardSystemWindow* window_ = nullptr;

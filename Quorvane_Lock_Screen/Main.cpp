@@ -7,7 +7,7 @@
 
 #include "QuorvaneKit/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
-#include "Quorvane_Lock_Screen/AddOnRemoval.hpp"
+#include "Quorvane_Lock_Screen/AddOnLaunch.hpp"
 #include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
@@ -29,8 +29,10 @@ constexpr char kHelp[] =
     "  -h, --help     show this text and exit\n"
     "  -V, --version  show the version and exit\n";
 
-// What is asked of the program without its being an application, if anything is.
+// The answer to a question that needs no application; nullopt when the words ask none, or ask for
+// the removal, which comes before everything else.
 std::optional<std::string> answerTo(const std::vector<std::string>& words) {
+    if (AddOnSignals::contains(words, AddOnSignals::kUninstallArgument)) return std::nullopt;
     const auto asked = [&](const char* longName, const char* shortName) {
         return AddOnSignals::contains(words, longName) || AddOnSignals::contains(words, shortName);
     };
@@ -39,14 +41,18 @@ std::optional<std::string> answerTo(const std::vector<std::string>& words) {
     return std::nullopt;
 }
 
-// A session without a screen to show a card on: the add-on can still be removed in it.
+// A session without a screen to show a card on. Only running needs one.
 int runWithoutScreen(const LiveServices& services, const PlatformError& reason) {
-    if (AddOnSignals::contains(services.process.arguments, AddOnSignals::kUninstallArgument))
-        return services.application.run([&services] { uninstall(services); }, [] {});
-    // Nobody reads the standard error of what was started detached.
-    Logger{services.log, kAddOnBundleIdentifier, "app"}.error("launch: %{public}s",
-                                                              reason.description);
-    return fail(reason);
+    int status = 0;
+    const auto refuseToRun = [&] {
+        // The standard error of a detached process is lost.
+        Logger{services.log, kAddOnBundleIdentifier, "app"}.error("launch: %{public}s",
+                                                                  reason.description);
+        status = fail(reason);
+        services.application.terminate();
+    };
+    const int ended = services.application.run([&] { launchAddOn(services, refuseToRun); }, [] {});
+    return ended != 0 ? ended : status;
 }
 
 int run(int argumentCount, char** arguments) {

@@ -172,7 +172,8 @@ void blurring(const Bench& bench) {
     Times rival;
     for (int round = 0; round < kSlowRounds; ++round) {
         for (int i = 0; i < 5; ++i)
-            glass.add(microsecondsOf([&] { makeGlass(bench.backdrop, card, kScale); }));
+            glass.add(microsecondsOf(
+                [&] { makeGlass(bench.backdrop, card, kStyle.textBottom, kScale); }));
         Plane whole{bench.backdrop.width, bench.backdrop.height, 0.5F};
         if (round < 3) rival.add(microsecondsOf([&] { gaussian(whole, kDeviation); }) * 3);
     }

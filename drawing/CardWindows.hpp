@@ -40,6 +40,7 @@ struct CardStyle {
     double shadowOpacity = 0;
     double shadowRadius = 0;
     double shadowOffset = 0;
+    double textBottom = 0;  // from the card's top; below it are only symbols and bars
 };
 
 // The view that carries glass, shadow and content; hidden when made. What is animated, hidden and
@@ -60,6 +61,10 @@ public:
 
 struct WindowSettings {
     Rect frame;  // global points, y growing upward
+    // Below 1 where the lock screen leaves less room than the card's own size. The frame is the
+    // scaled stage's; whatever is in the stage keeps its own points. Only where screens have
+    // keep-clear areas.
+    double contentScale = 1;
     std::uint64_t styleMask = 0;
     bool becomesKeyOnlyIfNeeded = true;
     bool isOpaque = false;

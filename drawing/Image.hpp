@@ -5,19 +5,30 @@
 #include <memory>
 
 #include "platform/Bytes.hpp"
+#include "platform/Observable.hpp"
 
 namespace quorvane {
 
-// Immutable and shared. Two scenes show the same picture when they hold the same object.
+// Shared. Two scenes show the same picture when they hold the same object. Any thread may drop it.
 class Image {
 public:
+    enum class State { arriving, ready, undecodable };
+
+    explicit Image(State state = State::ready) : state_(state) {}
     virtual ~Image() = default;
+
+    // Main thread. A platform that decodes a picture when a canvas first draws it sets this then;
+    // until then the canvas draws nothing for it.
+    Observable<State>& state() const { return state_; }
+
+private:
+    mutable Observable<State> state_;
 };
 
 using ImageRef = std::shared_ptr<const Image>;
 
-// Nothing when the bytes are no picture that the system can decode, or one too large to be decoded
-// safely. Main thread.
+// Null when the bytes are no picture that the system can decode, or one too large to be decoded
+// safely. A picture that is still arriving may turn out to be undecodable later. Main thread.
 using DecodeImage = std::function<ImageRef(ByteView encoded)>;
 
 }  // namespace quorvane

@@ -10,7 +10,10 @@ namespace quorvane {
 class MarginMouse {
 public:
     // What the window's owner wants; while it is ignored altogether the pointer is of no interest.
-    void setIgnored(bool isIgnored) { isIgnored_ = isIgnored; }
+    void setIgnored(bool isIgnored) {
+        isIgnored_ = isIgnored;
+        if (isIgnored) isPressed_ = false;  // its end would not be heard
+    }
     void setCard(const CardStyle& style) {
         card_ = {style.shadowMargin, style.shadowMargin, style.card.width, style.card.height};
         window_ = {0, 0, style.card.width + 2 * style.shadowMargin,

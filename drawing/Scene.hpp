@@ -48,6 +48,7 @@ struct ShapeNode {
     Rect frame{};
     double cornerRadius = 0;
     Color fill{};
+    double edgeWidth = 0;  // above 0: only so much inside the outline is filled
     bool operator==(const ShapeNode&) const = default;
 };
 
@@ -62,8 +63,8 @@ struct ImageNode {
 // One line. Text wider than its frame is cut off with an ellipsis at its trailing end, unless
 // `scroll` is set.
 struct TextNode {
-    // The text moved `offset` points toward the leading edge, a copy following after `gap` points,
-    // both ends of the frame fading over `fade` points.
+    // The text rests at the edge that it is aligned to, moved `offset` points beyond it. A copy
+    // follows after `gap` points. Both ends of the frame fade over `fade` points.
     struct Scroll {
         double offset = 0;
         double gap = 0;

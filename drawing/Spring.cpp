@@ -24,6 +24,22 @@ struct Oscillator {
     }
 };
 
+// The cubic Bezier curve with the control points (startX, 0) and (0.58, 1), solved for its
+// parameter by bisection.
+double ease(double t, double startX) {
+    const double x = std::clamp(t, 0.0, 1.0);
+    double low = 0;
+    double high = 1;
+    for (int i = 0; i < 30; ++i) {
+        const double s = (low + high) / 2;
+        const double at =
+            3 * (1 - s) * (1 - s) * s * startX + 3 * (1 - s) * s * s * 0.58 + s * s * s;
+        (at < x ? low : high) = s;
+    }
+    const double s = (low + high) / 2;
+    return s * s * (3 - 2 * s);
+}
+
 }  // namespace
 
 double Spring::progress(double elapsed) const {
@@ -38,23 +54,7 @@ double Spring::settlingDuration() const {
     return damping <= 0 ? limit : std::min(limit, std::log(1000.0) / damping);
 }
 
-double easeInOut(double t) {
-    // The cubic curve through (0.42, 0) and (0.58, 1), solved for its parameter by bisection.
-    const double x = std::clamp(t, 0.0, 1.0);
-    double low = 0;
-    double high = 1;
-    for (int i = 0; i < 30; ++i) {
-        const double s = (low + high) / 2;
-        const double at = 3 * (1 - s) * (1 - s) * s * 0.42 + 3 * (1 - s) * s * s * 0.58 + s * s * s;
-        (at < x ? low : high) = s;
-    }
-    const double s = (low + high) / 2;
-    return s * s * (3 - 2 * s);
-}
-
-double easeOut(double t) {
-    const double left = 1 - std::clamp(t, 0.0, 1.0);
-    return 1 - left * left * left;
-}
+double easeInOut(double t) { return ease(t, 0.42); }
+double easeOut(double t) { return ease(t, 0); }
 
 }  // namespace quorvane

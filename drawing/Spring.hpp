@@ -18,9 +18,9 @@ struct Spring {
     bool operator==(const Spring&) const = default;
 };
 
-// Slow start and slow end, t and result in 0...1: the curve of the system's window fades.
+// The system's timing curves, t and result in 0...1. Slow start and slow end, as of window fades:
 double easeInOut(double t);
-// Fast start and slow end.
+// Fast start and slow end:
 double easeOut(double t);
 
 }  // namespace quorvane

@@ -3,6 +3,13 @@
 #include <algorithm>
 
 namespace quorvane {
+namespace {
+
+bool isAlignedLeft(const TextNode& node, bool isRightToLeft) {
+    return (node.alignment == TextAlignment::leading) != isRightToLeft;
+}
+
+}  // namespace
 
 double baselineOf(const Rect& frame, const LineHeights& heights) {
     return frame.midY() + (heights.ascent - heights.descent) / 2;
@@ -11,8 +18,7 @@ double baselineOf(const Rect& frame, const LineHeights& heights) {
 double leftEdgeOf(const TextNode& node, double width, bool isRightToLeft) {
     const double room = node.frame.width - width;
     if (node.alignment == TextAlignment::center) return node.frame.x + room / 2;
-    const bool isLeft = (node.alignment == TextAlignment::leading) != isRightToLeft;
-    return node.frame.x + (isLeft ? 0 : room);
+    return node.frame.x + (isAlignedLeft(node, isRightToLeft) ? 0 : room);
 }
 
 bool isTooWide(const TextNode& node, double width) {
@@ -20,15 +26,11 @@ bool isTooWide(const TextNode& node, double width) {
     return width > node.frame.width + kTolerance;
 }
 
-double restOf(const TextNode& node, double width, bool isRightToLeft) {
-    return isRightToLeft ? node.frame.maxX() - width : node.frame.x;
-}
-
 std::vector<double> copiesOf(const TextNode& node, double rest, double width, bool isRightToLeft) {
     std::vector<double> edges;
     const double distance = width + node.scroll->gap;
     if (distance <= 0) return edges;
-    const double direction = isRightToLeft ? 1 : -1;
+    const double direction = isAlignedLeft(node, isRightToLeft) ? -1 : 1;
     for (double way = node.scroll->offset; way > -node.frame.width; way -= distance) {
         const double left = rest + direction * way;
         if (left < node.frame.maxX() && left + width > node.frame.x) edges.push_back(left);

@@ -108,18 +108,30 @@ void AddOnCommands::startAndTell(const AddOnPlace& place, const std::vector<std:
                                  std::string text) {
     if (const auto failure = start(place, arguments))
         return end(std::unexpected{text + "It could not be started: " + *failure});
-    control_.awaitVersion(place.version, [this,
-                                          text = std::move(text)](AddOnControl::Answer answer) {
-        switch (answer) {
-            case AddOnControl::Answer::runs: return end(text + "The add-on runs.\n");
-            case AddOnControl::Answer::isSilent:
-                return end(text + "The add-on was started, but does not answer yet.\n");
-            case AddOnControl::Answer::ended:
-                return end(std::unexpected{text +
-                                           "The add-on was started and has ended at once; its log "
-                                           "says why. It needs an X11 session."});
-        }
-    });
+    control_.awaitVersion(
+        place.version, [this, text = std::move(text)](AddOnControl::Answer answer) {
+            switch (answer) {
+                case AddOnControl::Answer::runs: return end(text + "The add-on runs.\n" + notes());
+                case AddOnControl::Answer::isSilent:
+                    return end(text + "The add-on was started" +
+                               (services_.problems.bus ? "" : ", but does not answer yet") + ".\n" +
+                               notes());
+                case AddOnControl::Answer::ended:
+                    return end(std::unexpected{(text.empty() ? "the" : text + "The") +
+                                               " add-on cannot run here: " +
+                                               services_.problems.screen.value_or(
+                                                   "it has ended at once, and its log says why") +
+                                               ". Start it later with: quorvane-host launch"});
+            }
+        });
+}
+
+// What keeps the card from showing although the add-on runs.
+std::string AddOnCommands::notes() const {
+    std::string text;
+    for (const std::string& problem : services_.problems.sentences())
+        text += "Note: " + problem + ".\n";
+    return text;
 }
 
 void AddOnCommands::launch(Done done) {
@@ -127,7 +139,7 @@ void AddOnCommands::launch(Done done) {
     const auto there = place();
     if (!there) return end(std::unexpected{there.error()});
     if (there->state != State::installed) return end(std::unexpected{kNotInstalled});
-    if (control_.isRunning()) return end("The add-on runs already.\n");
+    if (control_.isRunning()) return end("The add-on runs already.\n" + notes());
     startAndTell(*there, {}, "");
 }
 
@@ -186,18 +198,19 @@ void AddOnCommands::uninstall(const AddOnPlace& place) {
     control_.awaitRemoval(isGone, [this, place](bool isRemoved) {
         if (!isRemoved)
             return end(
-                std::unexpected{"the add-on has not removed itself; its log says why. It is "
-                                "asked again when it next says hello"});
+                std::unexpected{"the add-on has not removed itself; its log says why. A running "
+                                "host tries again when the add-on next says hello"});
         finishRemoval();
         end("Removed the add-on, its login item and its settings.\n");
     });
 }
 
-// The request has been met, and there is nothing left that was ever seen.
+// Forgets the request, the add-on that was seen, and that its card was on.
 void AddOnCommands::finishRemoval() {
     SharedDefaults shared{services_.sharedSuite};
     static_cast<void>(shared.setLockScreenPendingRemoval(std::nullopt));
     static_cast<void>(shared.setLockScreenAddOnLastSeen(std::nullopt));
+    static_cast<void>(shared.setLockScreenEnabled(false));
     if (!services_.addOnDefaults) return;
     services_.addOnDefaults->removeDomain();
     static_cast<void>(services_.addOnDefaults->synchronize());

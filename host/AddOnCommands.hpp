@@ -13,6 +13,7 @@
 #include "platform/DarwinNotices.hpp"
 #include "platform/FileManagerClient.hpp"
 #include "platform/OpenCommand.hpp"
+#include "platform/SessionProblems.hpp"
 #include "platform/UserDefaults.hpp"
 #include "shared/DetachedLaunch.hpp"
 
@@ -32,6 +33,7 @@ public:
         DarwinNotices darwinNotices;
         std::optional<UserDefaults> sharedSuite;
         std::optional<UserDefaults> addOnDefaults;
+        SessionProblems problems{};
     };
     using Outcome = std::expected<std::string, std::string>;
     using Done = std::function<void(Outcome)>;
@@ -57,6 +59,7 @@ private:
     void replaceRunning(const AddOnPlace& place, const std::string& version, std::string text);
     void startAndTell(const AddOnPlace& place, const std::vector<std::string>& arguments,
                       std::string text);
+    std::string notes() const;
     void forgetRemoval();
     void recordRemoval();
     void uninstall(const AddOnPlace& place);

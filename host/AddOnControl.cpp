@@ -8,6 +8,8 @@ namespace {
 constexpr Duration kQuitPatience = std::chrono::seconds{3};
 // A new copy gives an older one twelve seconds.
 constexpr Duration kStartPatience = std::chrono::seconds{20};
+// Time enough to end at once.
+constexpr Duration kDeafStartPatience = std::chrono::seconds{2};
 constexpr Duration kRemovalPatience = std::chrono::seconds{10};
 constexpr int kLooksBetweenRequests = 5;
 
@@ -23,7 +25,8 @@ bool AddOnControl::isRunning() const {
 void AddOnControl::quit(std::function<void(bool)> done) {
     services_.notices.post(AddOnSignals::kQuit, {});
     const auto isGone = [this] { return !isRunning(); };
-    poll_.start(kQuitPatience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
+    const Duration patience = services_.canHearNotices ? kQuitPatience : Duration{};
+    poll_.start(patience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
         if (obeyed) return done(true);
         askAsTheSystemAsks();
         poll_.start(kQuitPatience, isGone, done);
@@ -46,7 +49,7 @@ void AddOnControl::awaitVersion(const std::string& version, std::function<void(A
             if (status && status->version == version) hasAnswered_ = true;
         });
     poll_.start(
-        kStartPatience,
+        services_.canHearNotices ? kStartPatience : kDeafStartPatience,
         [this] {
             requestStatus();
             return hasAnswered_ || !isRunning();

@@ -19,14 +19,15 @@ public:
         RunningApplications applications;
         DistributedNotices notices;
         Clock clock;
+        bool canHearNotices = true;  // false without a bus: nothing answers, so waiting is short
     };
     enum class Answer { runs, ended, isSilent };
 
     explicit AddOnControl(Services services);
 
     bool isRunning() const;
-    // Asks every copy to quit, by notice and, where that is not heard, as the system asks. Whether
-    // none is left.
+    // Asks every copy to quit, by notice and, where that fails, as the system asks. `done` gets
+    // whether none is left.
     void quit(std::function<void(bool)> done);
     // Waits until an add-on of this version says that it is there. A copy that has just been
     // launched may first have to wait for another one to go.

@@ -45,10 +45,12 @@ struct ArtworkLoader::State : std::enable_shared_from_this<State> {
 void ArtworkLoader::State::look(SerialQueue& queue) {
     if (!wanted) return;
     isOutdated = isLooking;
-    if (std::exchange(isLooking, true)) return;
-    // The queue and everything behind it may be gone when the answer is there.
-    queue.async([weak = weak_from_this(), queue = &queue, files = files, mainThread = mainThread,
-                 path = *wanted, known = knownPath == wanted ? knownStamp : std::nullopt] {
+    if (isLooking) return;
+    // The queue and everything behind it may be gone when the answer is there. A look that the
+    // system has no thread for brings no picture; the next one tries again.
+    isLooking = queue.async([weak = weak_from_this(), queue = &queue, files = files,
+                             mainThread = mainThread, path = *wanted,
+                             known = knownPath == wanted ? knownStamp : std::nullopt] {
         auto look = std::make_shared<Look>(lookAt(files, path, known));
         mainThread.post([weak, queue, path, look] {
             const auto state = weak.lock();

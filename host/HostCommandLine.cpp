@@ -150,7 +150,7 @@ std::string helpRow(std::string left, std::string_view right) {
 
 std::expected<HostCommandLine, std::string> HostCommandLine::parse(
     std::span<const std::string> arguments) {
-    // Whoever asks for help gets it, whatever else stands there.
+    // Help is given whatever else is there.
     if (contains(arguments, "--help", "-h")) return HostCommandLine{.command = Command::help};
     if (contains(arguments, "--version", "-V")) return HostCommandLine{.command = Command::version};
     Parser parser{.arguments = arguments};
@@ -181,7 +181,8 @@ std::string HostCommandLine::help() {
     text += "\nOther options:\n" + helpRow("-h, --help", "show this text and exit") +
             helpRow("-V, --version", "show the version and exit");
     text +=
-        "\nThe format of a script is described in docs/scripted-player.md.\n"
+        "\nThe format of a script is described in scripted-player.md, in the folder docs of the\n"
+        "source and in /usr/share/doc/quorvane-lock-screen of the package.\n"
         "\n"
         "Exit status: 0 if all went well, 1 if the command failed (of status also if no host\n"
         "runs), 2 if the command line is wrong.\n";

@@ -2,7 +2,6 @@
 
 #include "QuorvaneKit/Identifiers.hpp"
 #include "QuorvaneKit/MessagePortSecret.hpp"
-#include "QuorvaneKit/MessagePortWire.hpp"
 
 namespace quorvane {
 
@@ -42,6 +41,9 @@ HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource
       desk_(defaults_, services_.wallClock, log_),
       notices_(services_.darwinNotices),
       link_(std::make_shared<Link>()) {
+    desk_.onRemovalDelivered = [this] {
+        if (onRemovalDelivered) onRemovalDelivered();
+    };
     link_->mainThread = services_.mainThread;
     link_->now = services_.clock.now;
     link_->wallClock = services_.wallClock;
@@ -57,19 +59,18 @@ bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
     playerChanged();
     waits_ = EndableWaits{};
+    ports_.emplace(services_.openPort, [this] { findSecret(); });
     server_.emplace(MessagePortServer::Services{.log = services_.log,
                                                 .openPort = countingOpenPort(),
+                                                .portsProblem = services_.portsProblem,
                                                 .nameCurrentThread = services_.nameCurrentThread,
                                                 .makeWaitFlag = waits_.make()});
     server_->handlers = makeHandlers();
-    server_->expectedSecret = secret();
-    const bool hasSecret = server_->expectedSecret.has_value();
     starting_ = services_.makeSerialQueue("example.quillon.Quorvane.host");
-    starting_->async([server = &*server_, link = link_] {
+    return starting_->async([server = &*server_, link = link_] {
         server->start();
         Link::post(link, [](HostCoordinator& host) { host.starting_.reset(); });
     });
-    return hasSecret;
 }
 
 void HostCoordinator::stop() {
@@ -77,7 +78,9 @@ void HostCoordinator::stop() {
     player_->onChanged = nullptr;
     announcement_.reset();
     waits_.end();
+    ports_->end();
     starting_.reset();
+    server_->stop();  // its threads look at `server_`
     server_.reset();
     if (isServing()) {
         log_.info("host: ending");
@@ -88,17 +91,20 @@ void HostCoordinator::stop() {
 
 bool HostCoordinator::isServing() const { return openPorts_ == kPortCount; }
 
-// One secret serves as long as the container does: the add-on may read it at any time.
-std::optional<Bytes> HostCoordinator::secret() const {
-    auto known = MessagePortSecret::read(services_.files);
-    if (known && known->size() == MessagePortWire::kSecretLength) return known;
-    return MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
+bool HostCoordinator::hasSecret() const { return server_ && server_->expectedSecret; }
+
+// On the main port's thread, before any port of this server answers. Not earlier, because a new
+// secret would cut off the add-on of a host that still serves.
+void HostCoordinator::findSecret() {
+    auto& secret = server_->expectedSecret;
+    secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));
+    if (!secret)
+        secret = MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
 }
 
-OpenPort HostCoordinator::countingOpenPort() const {
-    return [openPort = services_.openPort, link = link_](const std::string& name,
-                                                         PortHandler handler) {
-        auto port = openPort(name, std::move(handler));
+OpenPort HostCoordinator::countingOpenPort() {
+    return [ports = &*ports_, link = link_](const std::string& name, PortHandler handler) {
+        auto port = ports->open(name, std::move(handler));
         if (port) Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
         return port;
     };
@@ -124,14 +130,18 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
     handlers.onActionReceived = [link = link_](QuorvaneAction action) {
         Link::post(link, [action](HostCoordinator& host) {
             host.log_.info("host: %{public}s", name(action));
-            host.player_->perform(action);
+            host.commandEnded(host.player_->perform(action));
         });
     };
     handlers.onVolumeChangeReceived = [link = link_](std::int64_t volume) {
-        Link::post(link, [volume](HostCoordinator& host) { host.player_->setVolume(volume); });
+        Link::post(link, [volume](HostCoordinator& host) {
+            host.commandEnded(host.player_->setVolume(volume));
+        });
     };
     handlers.onRatingChangeReceived = [link = link_](std::int64_t rating) {
-        Link::post(link, [rating](HostCoordinator& host) { host.player_->setRating(rating); });
+        Link::post(link, [rating](HostCoordinator& host) {
+            host.commandEnded(host.player_->setRating(rating));
+        });
     };
     handlers.onLockScreenHelloReceived = [link = link_](Bytes request,
                                                         MessagePortHandlers::Answer answer) {
@@ -143,6 +153,18 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
 
 void HostCoordinator::playerChanged() {
     link_->state.publish(player_->snapshot());
+    announceSoon();
+}
+
+// The card already shows what its command was to bring about. Where that fails, a notice without a
+// change makes the card ask for the true state.
+void HostCoordinator::commandEnded(bool isCarriedOut) {
+    if (isCarriedOut) return;
+    announced_.reset();
+    announceSoon();
+}
+
+void HostCoordinator::announceSoon() {
     if (announcement_) return;
     announcement_ = services_.clock.after(kCoalescing, [this] { announce(); });
 }

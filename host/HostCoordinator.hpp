@@ -10,6 +10,7 @@
 #include "QuorvaneKit/SharedDefaults.hpp"
 #include "host/EndableWaits.hpp"
 #include "host/LockScreenDesk.hpp"
+#include "host/MainPortFirst.hpp"
 #include "host/PlayerSource.hpp"
 #include "host/PublishedState.hpp"
 #include "platform/FileStore.hpp"
@@ -25,6 +26,7 @@ public:
     struct Services {
         LogSink log;
         OpenPort openPort;
+        std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
         std::function<void(const std::string& name)> nameCurrentThread;  // may be unset
         FileStore files;
         FillRandom fillRandom;
@@ -39,25 +41,32 @@ public:
     HostCoordinator(Services services, std::unique_ptr<PlayerSource> player);
     ~HostCoordinator();
 
-    // Serves from now on, or from when whoever else holds the ports' names has ended. False when
-    // there is no connection secret, which has been logged: everything that comes is then dropped.
+    // Serves from now on, or from when the host that holds the ports' names has ended. False when
+    // the system refuses the thread for that.
     bool start();
     // Tells the add-on, if it was served. The names are free afterwards.
     void stop();
 
     // Whether all ports are open.
     bool isServing() const;
-    // Called when that has become so.
+    // While serving: false when there is no connection secret, which has been logged. Every request
+    // is then dropped.
+    bool hasSecret() const;
+    // Called when all ports have opened.
     std::function<void()> onServing;
+    // Called when the add-on was told to remove itself.
+    std::function<void()> onRemovalDelivered;
 
 private:
     struct Link;
 
-    std::optional<Bytes> secret() const;
-    OpenPort countingOpenPort() const;
+    void findSecret();
+    OpenPort countingOpenPort();
     MessagePortHandlers makeHandlers() const;
     void portOpened();
     void playerChanged();
+    void commandEnded(bool isCarriedOut);
+    void announceSoon();
     void announce();
 
     Services services_;
@@ -68,11 +77,12 @@ private:
     DarwinNotificationCenter notices_;
     std::shared_ptr<Link> link_;  // shared with the ports' threads
     EndableWaits waits_;
+    std::optional<MainPortFirst> ports_;  // outlives the server, whose threads call it
     std::optional<MessagePortServer> server_;
     // Starts the server, which may take as long as another host lives. Destroyed before it.
     std::unique_ptr<SerialQueue> starting_;
     std::size_t openPorts_ = 0;
-    std::optional<PlayerSnapshot> announced_;
+    std::optional<PlayerSnapshot> announced_;  // nullopt: the next announcement is due regardless
     Timer announcement_;
 };
 

@@ -50,15 +50,30 @@ std::string playing(const QuorvanePlayerState& state, WallTime now) {
 }
 
 std::string hostText(const HostStatus& status, WallTime now) {
-    if (!status.isServed) return "not running; start it with: quorvane-host run";
-    if (!status.state) return "its ports are taken, but nobody answers there";
-    return "running, " + playing(*status.state, now);
+    if (status.state) return "running, " + playing(*status.state, now);
+    switch (status.state.error()) {
+        case HostStatus::Failure::notReachable:
+            return "Quorvane is not reachable; start it with: quorvane-host run";
+        case HostStatus::Failure::late:
+            return "Quorvane did not answer in time; if it stays so, end the host and start it "
+                   "again";
+        case HostStatus::Failure::noAnswer: break;
+    }
+    return "Quorvane did not answer the request; end the host and start it again";
 }
 
 std::string cardText(const HostStatus& status) {
     if (!status.hasSharedDefaults) return "unknown: the shared settings cannot be opened";
     if (status.pendingRemoval) return "off; the add-on has been asked to remove itself";
-    return status.isEnabled ? "on" : "off; turn it on with: quorvane-host enable";
+    if (!status.isEnabled) {
+        const bool isThere =
+            status.place.state != AddOnPlace::State::empty || status.isAddOnRunning;
+        return isThere ? "off; turn it on with: quorvane-host enable" : "off";
+    }
+    if (status.lastLockHadNoRoom)
+        return "on, but the last lock screen left no room for it; a lower QUORVANE_SCALE makes it "
+               "smaller";
+    return "on";
 }
 
 std::string installedText(const AddOnPlace& place) {
@@ -74,29 +89,19 @@ std::string installedText(const AddOnPlace& place) {
     return "no; do so with: quorvane-host install";
 }
 
-struct LastSeenText {
-    std::string operator()(const LockScreenAddOnNotInstalled&) const {
-        return "not running, and never seen";
-    }
-    std::string operator()(const LockScreenAddOnWaitingForUpdate& waiting) const {
-        return "not running; waits for an update that draws on system " +
-               printable(waiting.macOSVersion);
-    }
-    std::string operator()(const LockScreenAddOnNotConnected& known) const {
-        return "not running; version " + printable(known.version) + " was last seen " +
-               iso8601Text(known.lastSeen);
-    }
-    std::string operator()(const LockScreenAddOnConnected& known) const {
-        return "does not answer; version " + printable(known.version) + " said hello just now";
-    }
-};
-
 std::string addOnText(const HostStatus& status, WallTime now) {
     const auto known = lockScreenAddOnStatus(status.lastSeen, now);
-    if (!status.addOn) return std::visit(LastSeenText{}, known);
-    std::string text = "running, version " + printable(status.addOn->version) + ", " +
-                       (status.addOn->isConnected ? "connected" : "not connected");
-    if (const auto* waiting = std::get_if<LockScreenAddOnWaitingForUpdate>(&known))
+    const auto* waiting = std::get_if<LockScreenAddOnWaitingForUpdate>(&known);
+    std::string text = status.isAddOnRunning ? "runs, but does not answer" : "not running";
+    if (status.addOn)
+        text = "running, version " + printable(status.addOn->version) + ", " +
+               (status.addOn->isConnected ? "connected" : "not connected");
+    else if (!status.lastSeen)
+        text += ", and never seen";
+    else if (!waiting)
+        text += "; version " + printable(status.lastSeen->addOnVersion) + " was last seen " +
+                iso8601Text(status.lastSeen->date);
+    if (waiting)
         text += "; waits for an update that draws on system " + printable(waiting->macOSVersion);
     return text;
 }
@@ -104,8 +109,11 @@ std::string addOnText(const HostStatus& status, WallTime now) {
 }  // namespace
 
 std::string HostStatus::text(WallTime now) const {
-    return "Host:    " + hostText(*this, now) + "\nCard:    " + cardText(*this) +
-           "\nInstall: " + installedText(place) + "\nAdd-on:  " + addOnText(*this, now) + "\n";
+    std::string lines = "Host:    " + hostText(*this, now) + "\nCard:    " + cardText(*this) +
+                        "\nInstall: " + installedText(place) +
+                        "\nAdd-on:  " + addOnText(*this, now) + "\n";
+    for (const std::string& problem : problems) lines += "Session: " + problem + "\n";
+    return lines;
 }
 
 }  // namespace quorvane

@@ -1,8 +1,10 @@
-// What `quorvane-host status` tells.
+// What `quorvane-host status` prints.
 #pragma once
 
+#include <expected>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "QuorvaneKit/LockScreenAddOnSighting.hpp"
 #include "QuorvaneKit/LockScreenHelloOutcome.hpp"
@@ -13,14 +15,18 @@
 namespace quorvane {
 
 struct HostStatus {
-    bool isServed = false;                     // a process holds the name of the main port
-    std::optional<QuorvanePlayerState> state;  // what it answered
+    enum class Failure { notReachable, late, noAnswer };
+
+    std::expected<QuorvanePlayerState, Failure> state = std::unexpected{Failure::notReachable};
     bool hasSharedDefaults = false;
     bool isEnabled = false;
     std::optional<LockScreenPendingRemoval> pendingRemoval;
+    bool lastLockHadNoRoom = false;
     std::optional<LockScreenAddOnSighting> lastSeen;
     AddOnPlace place{};
-    std::optional<AddOnSignals::Status> addOn;  // what a running add-on answered
+    bool isAddOnRunning = false;                // a copy is in the process table
+    std::optional<AddOnSignals::Status> addOn;  // what it answered
+    std::vector<std::string> problems;          // of the session
 
     // A few lines for a person.
     std::string text(WallTime now) const;

@@ -19,6 +19,8 @@ constexpr Duration kAddOnTimeout = std::chrono::milliseconds{500};
 void HostStatusQuery::start(std::function<void(HostStatus)> done) {
     done_ = std::move(done);
     status_.place = services_.lookAtPlace();
+    status_.problems = services_.problems.sentences();
+    status_.isAddOnRunning = services_.isAddOnRunning();
     readDefaults();
     askHost();
     observation_ = services_.distributedNotices.observe(
@@ -38,11 +40,13 @@ void HostStatusQuery::readDefaults() {
     status_.isEnabled = defaults.lockScreenEnabled();
     status_.pendingRemoval = defaults.lockScreenPendingRemoval();
     status_.lastSeen = defaults.lockScreenAddOnLastSeen();
+    status_.lastLockHadNoRoom = services_.addOnDefaults &&
+                                services_.addOnDefaults->get(AddOnSignals::kNoRoomKey).has_value();
 }
 
 void HostStatusQuery::askHost() {
+    using Failure = HostStatus::Failure;
     const auto port = services_.connectPort(std::string{kMessagePortBaseName});
-    status_.isServed = port != nullptr;
     if (!port) return;
     auto secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));
     if (!secret) return;
@@ -52,6 +56,8 @@ void HostStatusQuery::askHost() {
                                   .receiveTimeout = kHostTimeout,
                                   .awaitsReply = true});
     wipe(*secret);
+    const bool isLate = reply.status == kPortSendTimeout || reply.status == kPortReceiveTimeout;
+    status_.state = std::unexpected{isLate ? Failure::late : Failure::noAnswer};
     if (reply.status != kPortSuccess || !reply.body) return;
     auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*std::move(reply.body));
     if (state) status_.state = *std::move(state);

@@ -1,4 +1,4 @@
-// Finds out for `quorvane-host status` what there is to tell.
+// Gathers what `quorvane-host status` prints.
 #pragma once
 
 #include <functional>
@@ -8,6 +8,7 @@
 #include "platform/DistributedNotices.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MessagePort.hpp"
+#include "platform/SessionProblems.hpp"
 #include "platform/UserDefaults.hpp"
 
 namespace quorvane {
@@ -21,13 +22,16 @@ public:
         Clock clock;
         DistributedNotices distributedNotices;
         std::optional<UserDefaults> sharedSuite;
+        std::optional<UserDefaults> addOnDefaults;
         std::function<AddOnPlace()> lookAtPlace;
+        std::function<bool()> isAddOnRunning;
+        SessionProblems problems{};
     };
 
     explicit HostStatusQuery(Services services) : services_(std::move(services)) {}
 
-    // Asks the host, which may take two seconds, and then the add-on, which is given half a second
-    // to answer. `done` runs once, later.
+    // Asks the host, which may take two seconds, and then the add-on, which has half a second to
+    // answer. `done` runs once, later.
     void start(std::function<void(HostStatus)> done);
 
 private:

@@ -28,6 +28,7 @@ LockScreenAddOnConfiguration LockScreenDesk::configurationFor(const LockScreenAd
         case LockScreenHelloOutcome::deliverRemoval:
             log_.standard("hello: asking the add-on to remove itself");
             builder.removalRequested = true;
+            if (onRemovalDelivered) onRemovalDelivered();
             break;
         case LockScreenHelloOutcome::supersedeRemoval:
             log_.standard("hello: from an add-on that the pending removal is not meant for");

@@ -1,6 +1,8 @@
 // Answers the add-on's hellos from the shared defaults, and notes there what they say.
 #pragma once
 
+#include <functional>
+
 #include "QuorvaneKit/LockScreenRecords.hpp"
 #include "QuorvaneKit/SharedDefaults.hpp"
 #include "platform/Clock.hpp"
@@ -16,6 +18,9 @@ public:
     // The encoded configuration. A hello that cannot be understood is answered with one that keeps
     // the card off.
     Bytes answer(Bytes request);
+
+    // Called while the answer is made that asks the add-on to remove itself.
+    std::function<void()> onRemovalDelivered;
 
 private:
     LockScreenAddOnConfiguration configurationFor(const LockScreenAddOnHello& hello);

@@ -8,12 +8,14 @@
 #include "host/AddOnCommands.hpp"
 #include "host/BundleToInstall.hpp"
 #include "host/CardSwitch.hpp"
+#include "host/DeliveredRemoval.hpp"
 #include "host/HostCommandLine.hpp"
 #include "host/HostCoordinator.hpp"
 #include "host/HostStatusQuery.hpp"
 #include "host/MprisPlayer.hpp"
 #include "host/ScriptedPlayer.hpp"
 #include "platform/LivePlatform.hpp"
+#include "platform/SessionProblems.hpp"
 
 namespace quorvane {
 namespace {
@@ -27,7 +29,9 @@ int fail(const std::string& reason) {
     return kHostFailed;
 }
 
-void say(const char* sentence) { std::fprintf(stderr, "quorvane-host: %s\n", sentence); }
+void say(const std::string& sentence) {
+    std::fprintf(stderr, "quorvane-host: %s\n", sentence.c_str());
+}
 
 std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
     return services.openSuite(std::string{kAppGroup});
@@ -42,6 +46,7 @@ std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostC
     }
     return std::make_unique<MprisPlayer>(
         MprisPlayer::Services{.players = makeLiveMediaPlayers(services),
+                              .soundServer = makeLiveSoundServer(services),
                               .files = makeLiveRegularFiles(),
                               .clock = services.clock,
                               .mainThread = services.mainThread,
@@ -53,6 +58,7 @@ std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostC
 HostCoordinator::Services coordinatorServices(const LiveServices& services) {
     return {.log = services.log,
             .openPort = services.openPort,
+            .portsProblem = findPortsProblem,
             .nameCurrentThread = services.nameCurrentThread,
             .files = services.files,
             .fillRandom = services.fillRandom,
@@ -84,22 +90,49 @@ void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
     goodbye->isSaid->waitFor(std::chrono::seconds{1});
 }
 
+AddOnCommands::Services addOnServices(const LiveServices& services) {
+    SessionProblems problems = findSessionProblems(services);
+    return {.applicationSupport = services.installation.applicationSupport,
+            .bundleFiles = makeLiveBundleFiles(),
+            .fileManager = services.installation.fileManager,
+            .runOpenCommand = services.installation.runOpenCommand,
+            .control = {.applications = services.installation.runningApplications,
+                        .notices = services.distributedNotices,
+                        .clock = services.clock,
+                        .canHearNotices = !problems.bus},
+            .darwinNotices = services.darwinNotices,
+            .sharedSuite = sharedSuite(services),
+            .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier}),
+            .problems = std::move(problems)};
+}
+
 int run(const HostCommandLine& line, const LiveServices& services) {
     auto player = makePlayer(line, services);
     if (!player) return fail(player.error());
+    const AddOnCommands::Services addOn = addOnServices(services);
+    if (addOn.problems.ports) return fail(*addOn.problems.ports);
+    if (addOn.problems.bus) say(*addOn.problems.bus);
     HostCoordinator host{coordinatorServices(services), *std::move(player)};
-    host.onServing = [] { say("serving; end with Ctrl-C"); };
+    DeliveredRemoval removal{addOn, {services.log, kIdentifierPrefix, "host"}};
+    host.onRemovalDelivered = [&removal] { removal.delivered(); };
+    host.onServing = [&host] {
+        say("serving; end with Ctrl-C");
+        if (!host.hasSecret()) say("without a connection secret no add-on can connect");
+    };
+    bool hasStarted = false;
     services.application.handleTerminationSignal(
         [&host, &services] { sayGoodbye(host, services); });
-    return services.application.run(
+    const int status = services.application.run(
         [&] {
             if (services.connectPort(std::string{kMessagePortBaseName}))
                 say("another quorvane-host serves this login; waiting for it to end");
-            if (!SharedDefaults{sharedSuite(services)}.lockScreenEnabled())
+            else if (!SharedDefaults{sharedSuite(services)}.lockScreenEnabled())
                 say("the card is off; turn it on with: quorvane-host enable");
-            if (!host.start()) say("without a connection secret no add-on can connect");
+            hasStarted = host.start();
+            if (!hasStarted) services.application.terminate();
         },
         [&] { host.stop(); });
+    return hasStarted ? status : fail("the system refuses a thread; end other programs and retry");
 }
 
 AddOnPlace lookAtPlace(const LiveServices& services) {
@@ -108,12 +141,17 @@ AddOnPlace lookAtPlace(const LiveServices& services) {
 }
 
 int tellStatus(const LiveServices& services) {
+    const AddOnCommands::Services addOn = addOnServices(services);
+    const AddOnControl control{addOn.control};
     HostStatusQuery query{{.connectPort = services.connectPort,
                            .files = services.files,
                            .clock = services.clock,
                            .distributedNotices = services.distributedNotices,
                            .sharedSuite = sharedSuite(services),
-                           .lookAtPlace = [&services] { return lookAtPlace(services); }}};
+                           .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier}),
+                           .lookAtPlace = [&services] { return lookAtPlace(services); },
+                           .isAddOnRunning = [&] { return control.isRunning(); },
+                           .problems = addOn.problems}};
     bool isRunning = false;
     const auto tell = [&](const HostStatus& status) {
         print(status.text(services.wallClock()));
@@ -122,19 +160,6 @@ int tellStatus(const LiveServices& services) {
     };
     const int status = services.application.run([&] { query.start(tell); }, [] {});
     return status == 0 && isRunning ? kHostDone : kHostFailed;
-}
-
-AddOnCommands::Services addOnServices(const LiveServices& services) {
-    return {.applicationSupport = services.installation.applicationSupport,
-            .bundleFiles = makeLiveBundleFiles(),
-            .fileManager = services.installation.fileManager,
-            .runOpenCommand = services.installation.runOpenCommand,
-            .control = {.applications = services.installation.runningApplications,
-                        .notices = services.distributedNotices,
-                        .clock = services.clock},
-            .darwinNotices = services.darwinNotices,
-            .sharedSuite = sharedSuite(services),
-            .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier})};
 }
 
 int controlAddOn(const HostCommandLine& line, const LiveServices& services) {

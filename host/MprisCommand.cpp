@@ -10,31 +10,35 @@ namespace {
 
 constexpr double kVolumeStep = 0.05;
 
-// What a player does not say it can do, it is taken to be able to do.
-bool allows(const MediaPlayer& player, std::string_view property) {
-    const auto* flag = find<bool>(player.properties, property);
-    return !flag || *flag;
+std::optional<MprisCommand> setVolume(const PlayerVolume& volume, double level) {
+    level = std::clamp(level, 0.0, 1.0);
+    switch (volume.owner) {
+        case PlayerVolume::Owner::player: return MprisSet{"Volume", {level}};
+        case PlayerVolume::Owner::stream:
+        case PlayerVolume::Owner::system: return SetSoundVolume{volume.stream, level};
+        case PlayerVolume::Owner::none: break;
+    }
+    return std::nullopt;
 }
 
-std::optional<MprisCommand> setVolume(const MediaPlayer& player, double volume) {
-    if (!volumeOf(player) || !allows(player, "CanControl")) return std::nullopt;
-    return MprisSet{"Volume", {std::clamp(volume, 0.0, 1.0)}};
-}
-
-std::optional<MprisCommand> callIf(bool isPossible, const char* method) {
-    if (!isPossible) return std::nullopt;
-    return MprisCall{method};
+std::optional<MprisCommand> changeVolume(QuorvaneAction action, const PlayerVolume& volume,
+                                         double volumeBeforeMute) {
+    switch (action) {
+        case QuorvaneAction::increaseVolume: return setVolume(volume, volume.level + kVolumeStep);
+        case QuorvaneAction::decreaseVolume: return setVolume(volume, volume.level - kVolumeStep);
+        default: return setVolume(volume, volume.level > 0 ? 0 : volumeBeforeMute);
+    }
 }
 
 std::optional<MprisCommand> toggleShuffle(const MediaPlayer& player) {
     const auto* shuffle = find<bool>(player.properties, "Shuffle");
-    if (!shuffle) return std::nullopt;
+    if (!shuffle || !allows(player, "CanControl")) return std::nullopt;
     return MprisSet{"Shuffle", {!*shuffle}};
 }
 
 std::optional<MprisCommand> toggleRepeat(const MediaPlayer& player) {
     const auto mode = playerStateOf(player).repeatMode;
-    if (!mode) return std::nullopt;
+    if (!mode || !allows(player, "CanControl")) return std::nullopt;
     const char* next = "None";
     switch (*mode) {
         case XPCRepeatMode::all: next = "Track"; break;
@@ -47,27 +51,26 @@ std::optional<MprisCommand> toggleRepeat(const MediaPlayer& player) {
 }  // namespace
 
 std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer& player,
-                                       double volumeBeforeMute) {
-    if (action == QuorvaneAction::activatePlayer) return MprisRaise{};  // needs no control
-    if (!allows(player, "CanControl")) return std::nullopt;
-    const double volume = volumeOf(player).value_or(1);
+                                       const PlayerVolume& volume, double volumeBeforeMute) {
+    const auto callIf = [&](const char* property, const char* method) {
+        const bool isAllowed = allows(player, "CanControl") && allows(player, property);
+        return isAllowed ? std::optional<MprisCommand>{MprisCall{method}} : std::nullopt;
+    };
     switch (action) {
+        case QuorvaneAction::activatePlayer: return MprisRaise{};
         case QuorvaneAction::playPause: {
             const bool isPlaying = playerStateOf(player).playerState == XPCPlayerState::playing;
-            return callIf(allows(player, isPlaying ? "CanPause" : "CanPlay"), "PlayPause");
+            return callIf(isPlaying ? "CanPause" : "CanPlay", "PlayPause");
         }
-        case QuorvaneAction::nextTrack: return callIf(allows(player, "CanGoNext"), "Next");
-        case QuorvaneAction::previousTrack:
-            return callIf(allows(player, "CanGoPrevious"), "Previous");
-        case QuorvaneAction::increaseVolume: return setVolume(player, volume + kVolumeStep);
-        case QuorvaneAction::decreaseVolume: return setVolume(player, volume - kVolumeStep);
-        case QuorvaneAction::toggleMute:
-            return setVolume(player, volume > 0 ? 0 : volumeBeforeMute);
+        case QuorvaneAction::nextTrack: return callIf("CanGoNext", "Next");
+        case QuorvaneAction::previousTrack: return callIf("CanGoPrevious", "Previous");
+        case QuorvaneAction::increaseVolume:
+        case QuorvaneAction::decreaseVolume:
+        case QuorvaneAction::toggleMute: return changeVolume(action, volume, volumeBeforeMute);
         case QuorvaneAction::toggleShuffle: return toggleShuffle(player);
         case QuorvaneAction::toggleRepeat: return toggleRepeat(player);
-        case QuorvaneAction::activatePlayer:
-        case QuorvaneAction::switchPlayer: return std::nullopt;  // not the player's affair
-        case QuorvaneAction::toggleLove:  // MPRIS has no words for loving and rating
+        case QuorvaneAction::switchPlayer:  // a choice among players
+        case QuorvaneAction::toggleLove:    // MPRIS cannot express loving and rating
         case QuorvaneAction::toggleDislike:
         case QuorvaneAction::increaseRating:
         case QuorvaneAction::decreaseRating:
@@ -76,8 +79,8 @@ std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer&
     return std::nullopt;
 }
 
-std::optional<MprisCommand> volumeCommand(std::int64_t percent, const MediaPlayer& player) {
-    return setVolume(player, static_cast<double>(std::clamp<std::int64_t>(percent, 0, 100)) / 100);
+std::optional<MprisCommand> volumeCommand(std::int64_t percent, const PlayerVolume& volume) {
+    return setVolume(volume, static_cast<double>(std::clamp<std::int64_t>(percent, 0, 100)) / 100);
 }
 
 }  // namespace quorvane

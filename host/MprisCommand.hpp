@@ -1,4 +1,5 @@
-// What a player is told over MPRIS for a command of the card. Pure values.
+// What a command of the card becomes: a message to the player over MPRIS, or a new volume at the
+// sound server. Pure values.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +8,7 @@
 #include <variant>
 
 #include "QuorvaneKit/QuorvaneAction.hpp"
-#include "platform/MediaPlayers.hpp"
+#include "host/PlayerVolume.hpp"
 
 namespace quorvane {
 
@@ -23,12 +24,17 @@ struct MprisSet {
 struct MprisRaise {
     bool operator==(const MprisRaise&) const = default;
 };
-using MprisCommand = std::variant<MprisCall, MprisSet, MprisRaise>;
+struct SetSoundVolume {
+    std::optional<std::uint32_t> stream;  // the system's volume without one
+    double volume;
+    bool operator==(const SetSoundVolume&) const = default;
+};
+using MprisCommand = std::variant<MprisCall, MprisSet, MprisRaise, SetSoundVolume>;
 
-// What to tell the player for an action; nothing when the player does not take it.
-// `volumeBeforeMute` is what unmuting goes back to.
+// Both return nullopt when the command cannot be carried out. `volumeBeforeMute` is what unmuting
+// goes back to.
 std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer& player,
-                                       double volumeBeforeMute);
-std::optional<MprisCommand> volumeCommand(std::int64_t percent, const MediaPlayer& player);
+                                       const PlayerVolume& volume, double volumeBeforeMute);
+std::optional<MprisCommand> volumeCommand(std::int64_t percent, const PlayerVolume& volume);
 
 }  // namespace quorvane

@@ -12,14 +12,17 @@
 #include "host/PlayerSource.hpp"
 #include "platform/Log.hpp"
 #include "platform/MediaPlayers.hpp"
+#include "platform/SoundServer.hpp"
 
 namespace quorvane {
 
-// Main thread only. Nothing wakes the process while no player says anything and nobody asks.
+// Main thread only. Nothing wakes the process while no player announces anything and no client
+// asks. The sound server is connected only while the chosen player needs it.
 class MprisPlayer : public PlayerSource {
 public:
     struct Services {
         MediaPlayers players;
+        SoundServer soundServer;
         RegularFiles files;
         Clock clock;
         MainThread mainThread;
@@ -31,9 +34,9 @@ public:
     MprisPlayer(Services services, std::optional<std::string> onlyNamed);
 
     PlayerSnapshot snapshot() const override;
-    void perform(QuorvaneAction action) override;
-    void setVolume(std::int64_t percent) override;
-    void setRating(std::int64_t) override {}  // MPRIS has no words for it
+    bool perform(QuorvaneAction action) override;
+    bool setVolume(std::int64_t percent) override;
+    bool setRating(std::int64_t) override { return false; }  // MPRIS cannot express it
     void freshen() override;
 
 private:
@@ -41,17 +44,21 @@ private:
     void follow();
     void followCurrent();
     void choose(PlayerChoice choice);
-    void tell(const std::string& busName, const MprisCommand& command);
+    void followSound(const MediaPlayer& player, bool looksAgain);
+    void heardSound(SoundLevels levels);
+    bool carryOut(const std::string& busName, const std::optional<MprisCommand>& command);
 
     Services services_;
     std::optional<std::string> onlyNamed_;
     Logger log_;
     PlayerChoice choice_;
     std::optional<MprisPlayback> playback_;
+    SoundLevels sound_;  // empty while the server is not needed or not there
     double volumeBeforeMute_ = 0.5;
     std::optional<Instant> freshenedAt_;
     ArtworkLoader artwork_;
-    Handle observation_;  // last: nothing is heard before everything else is there
+    Handle soundObservation_;
+    Handle observation_;  // last: its callback uses everything above
 };
 
 }  // namespace quorvane

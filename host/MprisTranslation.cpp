@@ -24,6 +24,13 @@ const PropertyDictionary& metadataOf(const MediaPlayer& player) {
     return metadata ? *metadata : none;
 }
 
+// "mpv.instance7" of "org.mpris.MediaPlayer2.mpv.instance7".
+std::string_view nameOnBus(const MediaPlayer& player) {
+    std::string_view name = player.busName;
+    if (name.starts_with(kNamePrefix)) name.remove_prefix(kNamePrefix.size());
+    return name;
+}
+
 // At most kLongestText bytes, cut between two characters.
 std::string withinReason(std::string text) {
     if (text.size() <= kLongestText) return text;
@@ -71,19 +78,47 @@ std::string trackIdentifier(const PropertyDictionary& metadata) {
     return textOf(metadata, "mpris:trackid");
 }
 
-// Untagged files are known by their file's name.
-std::string titleOf(const PropertyDictionary& metadata) {
-    const std::string title = textOf(metadata, "xesam:title");
-    if (!title.empty()) return title;
-    const std::string url = textOf(metadata, "xesam:url");
-    const auto file = localFile(url);
-    // A file's name may hold any bytes, the link carries text.
-    const std::string name = file ? file->filename().string() : "";
-    return name.empty() || !isValidUTF8(name) ? url : name;
+bool isAddress(std::string_view text) { return text.find("://") != std::string_view::npos; }
+
+bool isOnNetwork(std::string_view url) { return isAddress(url) && !url.starts_with("file:"); }
+
+// Some players make a title of an untagged track's address, or of the part after its last slash.
+bool isMadeOfAddress(const std::string& title, const std::string& url) {
+    const auto endsIn = [end = '/' + title](const std::optional<std::string>& text) {
+        return text && text->ends_with(end);
+    };
+    return isAddress(title) || endsIn(url) || endsIn(percentDecoded(url));
 }
 
-bool isOnNetwork(const std::string& url) {
-    return url.find("://") != std::string::npos && !url.starts_with("file:");
+// The host's name in a network URL, without a user, a password or a port.
+std::string hostNameOf(std::string_view url) {
+    if (!isOnNetwork(url)) return "";
+    url.remove_prefix(url.find("://") + 3);
+    url = url.substr(0, url.find_first_of("/?#"));
+    url.remove_prefix(url.rfind('@') + 1);  // npos + 1 is 0
+    const auto port = url.find(':', url.starts_with('[') ? url.find(']') : 0);
+    return std::string{url.substr(0, port)};
+}
+
+// The file's name without its extension.
+std::string fileTitleOf(const std::string& url) {
+    const auto file = localFile(url);
+    const std::string name = file ? file->stem().string() : "";
+    return isValidUTF8(name) ? name : "";  // a file's name may hold any bytes
+}
+
+// A network URL is never part of it: its path or its query may hold a secret.
+std::string titleOf(const MediaPlayer& player) {
+    const PropertyDictionary& metadata = metadataOf(player);
+    const std::string url = textOf(metadata, "xesam:url");
+    if (auto title = textOf(metadata, "xesam:title");
+        !title.empty() && !isMadeOfAddress(title, url))
+        return title;
+    if (auto title = fileTitleOf(url); !title.empty()) return title;
+    if (auto host = hostNameOf(url); !host.empty()) return host;
+    if (!player.identity.empty()) return withinReason(player.identity);
+    const std::string_view name = nameOnBus(player);
+    return std::string{name.substr(0, name.find('.'))};
 }
 
 std::optional<double> durationOf(const PropertyDictionary& metadata) {
@@ -103,11 +138,23 @@ bool isAdvertisement(const PropertyDictionary& metadata) {
     return identifier.starts_with("spotify:ad:") || identifier.starts_with("/com/spotify/ad/");
 }
 
+XPCPlayerState transportOf(const MediaPlayer& player) {
+    const std::string status = textOf(player.properties, "PlaybackStatus");
+    if (status == "Playing") return XPCPlayerState::playing;
+    if (status == "Paused") return XPCPlayerState::paused;
+    if (status == "Stopped") return XPCPlayerState::stopped;
+    return XPCPlayerState::unknown;
+}
+
 std::optional<XPCTrack> trackOf(const MediaPlayer& player) {
     const PropertyDictionary& metadata = metadataOf(player);
+    if (trackIdentifier(metadata) == kNoTrack) return std::nullopt;
+    const XPCPlayerState transport = transportOf(player);
+    if (isNameless(player) && transport != XPCPlayerState::playing &&
+        transport != XPCPlayerState::paused)
+        return std::nullopt;
     XPCTrack track;
-    track.title = titleOf(metadata);
-    if (track.title.empty() || trackIdentifier(metadata) == kNoTrack) return std::nullopt;
+    track.title = titleOf(player);
     track.artist = joinedNames(metadata, "xesam:artist");
     track.album = unlessEmpty(textOf(metadata, "xesam:album"));
     track.albumArtist = unlessEmpty(joinedNames(metadata, "xesam:albumArtist"));
@@ -115,14 +162,6 @@ std::optional<XPCTrack> trackOf(const MediaPlayer& player) {
     track.isAdvertisement = isSpotify(player) && isAdvertisement(metadata);
     track.isLiveStream = !track.duration && isOnNetwork(textOf(metadata, "xesam:url"));
     return track;
-}
-
-XPCPlayerState transportOf(const MediaPlayer& player) {
-    const std::string status = textOf(player.properties, "PlaybackStatus");
-    if (status == "Playing") return XPCPlayerState::playing;
-    if (status == "Paused") return XPCPlayerState::paused;
-    if (status == "Stopped") return XPCPlayerState::stopped;
-    return XPCPlayerState::unknown;
 }
 
 std::optional<XPCRepeatMode> repeatModeOf(const MediaPlayer& player) {
@@ -142,10 +181,6 @@ QuorvanePlayerState playerStateOf(const MediaPlayer& player) {
     if (isSpotify(player)) state.playerType = XPCPlayerType::spotify;
     state.repeatMode = repeatModeOf(player);
     state.capabilities.hasThreeStateRepeat = state.repeatMode.has_value();
-    // A player that has no volume of its own plays at full volume.
-    const double volume = volumeOf(player).value_or(1);
-    state.volume = std::lround(volume * 100);
-    state.isMuted = state.volume == 0;
     state.shuffleEnabled = flagOf(player, "Shuffle", false);
     return state;
 }
@@ -169,16 +204,21 @@ double rateOf(const MediaPlayer& player) {
     return rate && *rate > 0 && *rate <= 100 ? *rate : 1;
 }
 
-std::optional<double> volumeOf(const MediaPlayer& player) {
+std::optional<double> ownVolumeOf(const MediaPlayer& player) {
     const auto volume = numberOf(player.properties, "Volume");
     if (!volume) return std::nullopt;
     return std::clamp(*volume, 0.0, 1.0);
 }
 
+bool allows(const MediaPlayer& player, std::string_view flag) { return flagOf(player, flag, true); }
+
+bool isNameless(const MediaPlayer& player) {
+    const PropertyDictionary& metadata = metadataOf(player);
+    return textOf(metadata, "xesam:title").empty() && textOf(metadata, "xesam:url").empty();
+}
+
 bool isNamed(const MediaPlayer& player, std::string_view name) {
-    std::string_view rest = player.busName;
-    if (!rest.starts_with(kNamePrefix)) return false;
-    rest.remove_prefix(kNamePrefix.size());
+    const std::string_view rest = nameOnBus(player);
     return rest.starts_with(name) && (rest.size() == name.size() || rest[name.size()] == '.');
 }
 

@@ -10,8 +10,8 @@
 
 namespace quorvane {
 
-// The player's state without artwork, position and timestamp. It has no track when nothing is
-// loaded.
+// The player's state without artwork, volume, position and timestamp. It has no track when nothing
+// is loaded.
 QuorvanePlayerState playerStateOf(const MediaPlayer& player);
 
 // Where the artwork of the current track is said to be; "" when it has none.
@@ -27,7 +27,14 @@ bool isProxy(const MediaPlayer& player);
 // "org.mpris.MediaPlayer2.mpv.instance7".
 bool isNamed(const MediaPlayer& player, std::string_view name);
 
-// The player's volume, 0...1; nothing when it has none.
-std::optional<double> volumeOf(const MediaPlayer& player);
+// Whether the player permits what the flag, such as "CanPause", stands for; true when it does not
+// say.
+bool allows(const MediaPlayer& player, std::string_view flag);
+
+// Whether the player gives its track neither a title nor a URL.
+bool isNameless(const MediaPlayer& player);
+
+// The player's "Volume", 0...1; nullopt when it has none.
+std::optional<double> ownVolumeOf(const MediaPlayer& player);
 
 }  // namespace quorvane

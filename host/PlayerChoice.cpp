@@ -40,6 +40,9 @@ PlayerChoice PlayerChoice::applying(std::span<const PlayerCandidate> candidates)
     for (const PlayerCandidate& candidate : candidates) {
         const auto before = known.find(candidate.name);
         Known player = before == known.end() ? Known{} : before->second;
+        if (candidate.isNameless && candidate.state != XPCPlayerState::playing &&
+            player.beganToPlay == 0)
+            continue;
         const bool played = plays(player);
         player.state = candidate.state;
         if (plays(player) && !played) {

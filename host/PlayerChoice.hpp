@@ -15,12 +15,14 @@ namespace quorvane {
 struct PlayerCandidate {
     std::string name;
     XPCPlayerState state = XPCPlayerState::unknown;
+    bool isNameless = false;  // its track has neither a title nor a URL
 };
 
 // A player that plays goes before one that is paused, that before one that is stopped. Among equals
-// the one that is followed already stays, so that a sound from elsewhere does not take the card
-// away; else the one that began to play last. A choice by hand stands until its player is gone, or
-// until it does not play and another one begins to.
+// the followed one stays, so that a sound from elsewhere does not take the card away; else the one
+// that began to play last. A nameless track counts from when it plays, because some idle players
+// call themselves paused. A choice by hand holds until its player is gone, or until it does not
+// play and another one begins to.
 struct PlayerChoice {
     struct Known {
         XPCPlayerState state = XPCPlayerState::unknown;

@@ -15,11 +15,12 @@ public:
     virtual ~PlayerSource() = default;
 
     virtual PlayerSnapshot snapshot() const = 0;
-    // What the player cannot do is ignored.
-    virtual void perform(QuorvaneAction action) = 0;
-    virtual void setVolume(std::int64_t percent) = 0;  // taken as 0...100
-    virtual void setRating(std::int64_t percent) = 0;  // taken as 0...100
-    // Somebody is looking: what the player does not announce is brought up to date, soon after.
+    // These return false when the player cannot do it; then nothing changes.
+    virtual bool perform(QuorvaneAction action) = 0;
+    virtual bool setVolume(std::int64_t percent) = 0;  // clamped to 0...100
+    virtual bool setRating(std::int64_t percent) = 0;  // clamped to 0...100
+    // A client asked for the state: what the player does not announce is brought up to date, soon
+    // after.
     virtual void freshen() {}
 
     // Called after the snapshot may have changed, never inside `snapshot`.

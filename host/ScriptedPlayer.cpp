@@ -46,24 +46,25 @@ PlayerSnapshot ScriptedPlayer::snapshot() const {
     return {std::move(state), anchor_};
 }
 
-void ScriptedPlayer::perform(QuorvaneAction action) {
+bool ScriptedPlayer::perform(QuorvaneAction action) {
     switch (action) {
-        case QuorvaneAction::playPause: return playPause();
-        case QuorvaneAction::nextTrack: return advance(false);
-        case QuorvaneAction::previousTrack: return goBack();
+        case QuorvaneAction::playPause: return playPause(), true;
+        case QuorvaneAction::nextTrack: return advance(false), true;
+        case QuorvaneAction::previousTrack: return goBack(), true;
         case QuorvaneAction::increaseVolume: return setVolume(script_.volume + kVolumeStep);
         case QuorvaneAction::decreaseVolume: return setVolume(script_.volume - kVolumeStep);
-        case QuorvaneAction::toggleMute: return toggleMute();
+        case QuorvaneAction::toggleMute: return toggleMute(), true;
         case QuorvaneAction::toggleLove: return toggleLove();
         case QuorvaneAction::toggleDislike: return toggleDislike();
         case QuorvaneAction::increaseRating: return changeRating(kRatingStep);
         case QuorvaneAction::decreaseRating: return changeRating(-kRatingStep);
         case QuorvaneAction::removeRating: return setRating(0);
-        case QuorvaneAction::toggleShuffle: return toggleShuffle();
-        case QuorvaneAction::toggleRepeat: return toggleRepeat();
-        case QuorvaneAction::activatePlayer:        // it has no window
-        case QuorvaneAction::switchPlayer: return;  // and there is only one
+        case QuorvaneAction::toggleShuffle: return toggleShuffle(), true;
+        case QuorvaneAction::toggleRepeat: return toggleRepeat(), true;
+        case QuorvaneAction::activatePlayer:              // it has no window
+        case QuorvaneAction::switchPlayer: return false;  // and there is only one
     }
+    return false;
 }
 
 void ScriptedPlayer::playPause() {
@@ -110,10 +111,11 @@ void ScriptedPlayer::armEndOfTrack() {
         clock_.after(std::chrono::duration_cast<Duration>(rest), [this] { advance(true); });
 }
 
-void ScriptedPlayer::setVolume(std::int64_t percent) {
+bool ScriptedPlayer::setVolume(std::int64_t percent) {
     script_.volume = percentOf(percent);
     isMuted_ = false;
     changed();
+    return true;
 }
 
 void ScriptedPlayer::toggleMute() {
@@ -121,28 +123,33 @@ void ScriptedPlayer::toggleMute() {
     changed();
 }
 
-void ScriptedPlayer::toggleLove() {
-    if (!script_.capabilities.canLove) return;
+bool ScriptedPlayer::toggleLove() {
+    if (!script_.capabilities.canLove) return false;
     auto& loved = current().track.isLoved;
     loved = !loved.value_or(false);
     if (*loved && current().isDisliked) current().isDisliked = false;
     changed();
+    return true;
 }
 
-void ScriptedPlayer::toggleDislike() {
-    if (!script_.capabilities.canDislike) return;
+bool ScriptedPlayer::toggleDislike() {
+    if (!script_.capabilities.canDislike) return false;
     auto& disliked = current().isDisliked;
     disliked = !disliked.value_or(false);
     if (*disliked && current().track.isLoved) current().track.isLoved = false;
     changed();
+    return true;
 }
 
-void ScriptedPlayer::changeRating(std::int64_t by) { setRating(current().rating.value_or(0) + by); }
+bool ScriptedPlayer::changeRating(std::int64_t by) {
+    return setRating(current().rating.value_or(0) + by);
+}
 
-void ScriptedPlayer::setRating(std::int64_t percent) {
-    if (!script_.capabilities.canRate) return;
+bool ScriptedPlayer::setRating(std::int64_t percent) {
+    if (!script_.capabilities.canRate) return false;
     current().rating = percentOf(percent);
     changed();
+    return true;
 }
 
 void ScriptedPlayer::toggleShuffle() {

@@ -15,9 +15,9 @@ public:
     ScriptedPlayer(Script script, Clock clock);
 
     PlayerSnapshot snapshot() const override;
-    void perform(QuorvaneAction action) override;
-    void setVolume(std::int64_t percent) override;
-    void setRating(std::int64_t percent) override;
+    bool perform(QuorvaneAction action) override;
+    bool setVolume(std::int64_t percent) override;
+    bool setRating(std::int64_t percent) override;
     void seek(double seconds);
 
 private:
@@ -33,11 +33,11 @@ private:
     void begin(std::size_t place, double seconds, XPCPlayerState state);
     void setState(XPCPlayerState state);
     void toggleMute();
-    void toggleLove();
-    void toggleDislike();
+    bool toggleLove();
+    bool toggleDislike();
     void toggleShuffle();
     void toggleRepeat();
-    void changeRating(std::int64_t by);
+    bool changeRating(std::int64_t by);
     void changed();
     void armEndOfTrack();
 

@@ -16,11 +16,11 @@ using WallTime = std::chrono::sys_time<Duration>;
 // Earlier than every date that is met in practice, far enough from the type's end to subtract from.
 inline constexpr WallTime kDistantPast{std::chrono::seconds{-7'000'000'000}};
 
-// Main thread only, but for `now`, which any thread may ask. `after` calls its action once, on the
+// Main thread only, except `now`, which any thread may call. `after` calls its action once, on the
 // main thread, never before it has returned, unless the timer is dropped first. A delay of zero or
-// less fires on the next turn of the main loop. `afterAbout` does the same, but may come up to
-// `tolerance` late, so as to share the wake-up of another timer; by itself it is no later than
-// `after`.
+// less fires on the next turn of the main loop. `afterAbout` does the same, but may fire up to
+// `tolerance` later, so that the system can let it share the wake-up of another timer. Some systems
+// use up the tolerance in any case.
 struct Clock {
     std::function<Instant()> now;
     std::function<Timer(Duration delay, std::function<void()> action)> after;

@@ -19,6 +19,9 @@ struct FileStore {
     // Old or new contents stand there at any moment, never a mixture. The file is readable by its
     // owner only.
     std::function<Result<void>(const std::filesystem::path&, ByteView)> writeAtomically;
+    // The same for a new file. One that exists keeps its contents, which is not a failure: of
+    // several writers the first one wins.
+    std::function<Result<void>(const std::filesystem::path&, ByteView)> createAtomically;
 };
 
 // Fills the buffer with random bytes fit for a secret; otherwise the system's status number, never

@@ -22,24 +22,26 @@ struct LiveServices;
 struct MediaPlayer {
     std::string busName;     // "org.mpris.MediaPlayer2.…", unique while the player lives
     std::string identity{};  // "Identity" of the player, "" when it has none
+    std::int64_t processID = 0;  // 0 while it is not known
     PropertyDictionary properties{};
     std::int64_t position = 0;            // microseconds, as the player said at `positionAt`
-    std::optional<Instant> positionAt{};  // nothing while it has not said so
+    std::optional<Instant> positionAt{};  // nullopt until then
 };
 
-// Main thread only. Nothing here waits for a player: each says when it likes what it is asked, and
-// one that never answers is just not in the list, or keeps its last position. Methods and
-// properties are named as in the interface above.
+// Main thread only. Nothing here blocks on a player: an answer arrives when the player sends it. A
+// player that never answers is not in the list, or keeps its last values. Methods and properties
+// are named as in the interface above.
 struct MediaPlayers {
     // The players that have described themselves, in the order of their names. The list is kept by
     // the service and changes only between the handler's calls.
     std::function<const std::vector<MediaPlayer>&()> list;
     // Called when players come or go, when a property changes, when one seeks, and when one has
-    // answered `askPosition`.
+    // answered `refresh`.
     std::function<Handle(std::function<void()> handler)> observe;
-    // The position is not announced while it advances, so it is asked for. At most one question a
-    // player is under way.
-    std::function<void(const std::string& busName)> askPosition;
+    // Asks the player for all its properties again. It does not announce its position while that
+    // advances, and some players correct a track's length without a signal. At most one such
+    // question per player is pending.
+    std::function<void(const std::string& busName)> refresh;
     std::function<void(const std::string& busName, const std::string& method)> call;
     std::function<void(const std::string& busName, const std::string& property,
                        const PropertyValue& value)>

@@ -39,14 +39,17 @@ struct PortReply {
     std::optional<Bytes> body{};  // absent when none came; a server's empty reply is absent too
 };
 
-// The sending end of one port. One thread at a time. A waiting send on the main thread may run the
-// main loop: notices, timers and even the destruction of this object's owner can happen inside
-// `send`. Destroying it closes the port; destroying it inside its own `send` is safe and ends that
-// send with kPortBecameInvalid.
+// The sending end of one port. One thread at a time, but for `cancel`. A waiting send on the main
+// thread may run the main loop: notices, timers and even the destruction of this object's owner can
+// happen inside `send`. Destroying it closes the port; destroying it inside its own `send` is safe
+// and ends that send with kPortBecameInvalid.
 class RemotePort {
 public:
     virtual ~RemotePort() = default;
     virtual PortReply send(PortRequest request) = 0;
+    // Any thread. Ends a send under way and all later ones at once, with the statuses of a port
+    // that has died.
+    virtual void cancel() = 0;
 };
 
 // Nothing when no process serves the name. Any thread.

@@ -12,7 +12,9 @@ namespace quorvane {
 class SerialQueue {
 public:
     virtual ~SerialQueue() = default;
-    virtual void async(std::function<void()> action) = 0;
+    // False when the system refuses the queue's thread: the action is dropped and never runs.
+    // Throws nothing.
+    [[nodiscard]] virtual bool async(std::function<void()> action) = 0;
 };
 
 using MakeSerialQueue = std::function<std::unique_ptr<SerialQueue>(std::string label)>;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/PlatformError.hpp"
 #include "platform/PropertyValue.hpp"
@@ -14,7 +15,10 @@ namespace quorvane {
 // the latest.
 struct UserDefaults {
     std::function<std::optional<PropertyValue>(const std::string& key)> get;
-    // Nothing removes the key.
+    // Those of the keys that have a value, all as they were at one moment: another process may be
+    // changing them.
+    std::function<PropertyDictionary(const std::vector<std::string>& keys)> getTogether;
+    // Nullopt removes the key.
     std::function<void(const std::string& key, std::optional<PropertyValue> value)> set;
     std::function<void()> removeDomain;
     std::function<Result<void>()> synchronize;

@@ -21,6 +21,9 @@ struct AddOnSignals {
     static constexpr const char* kUninstallArgument = "--uninstall";
     static constexpr const char* kInstalledArgument = "--installed";
 
+    // In the add-on's own defaults: true when the last lock screen left no room for a card.
+    static constexpr const char* kNoRoomKey = "lastLockHadNoRoom";
+
     static bool contains(const std::vector<std::string>& arguments, std::string_view argument);
 
     // The payload of kStatus.

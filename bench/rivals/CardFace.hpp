@@ -37,7 +37,7 @@ inline std::vector<Bar> barsOf(const Rect& track, double fraction, double opacit
 }
 
 inline std::vector<Bar> progressBars(const PlayerGeometry& geometry, double position) {
-    return barsOf(geometry.progress, position / kDuration, 0.7);
+    return barsOf(geometry.progress, position / kDuration, 0.55);
 }
 
 inline std::vector<Bar> volumeBars(const PlayerGeometry& geometry) {

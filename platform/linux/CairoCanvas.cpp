@@ -44,7 +44,13 @@ struct Painter {
 
     void operator()(const ShapeNode& shape) const {
         if (!isVisible(cairo, shape.frame)) return;
+        const CairoState state{cairo};
         roundedPath(cairo, shape.frame, shape.cornerRadius);
+        if (shape.edgeWidth > 0) {
+            roundedPath(cairo, shape.frame.grownBy(-shape.edgeWidth),
+                        shape.cornerRadius - shape.edgeWidth);
+            cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
+        }
         setColor(cairo, shape.fill);
         cairo_fill(cairo);
     }
@@ -62,23 +68,17 @@ struct Painter {
         const auto pixels = [this](double length) {
             return std::max(1, static_cast<int>(std::lround(length * scale)));
         };
-        const PixelSize size{pixels(node.frame.width), pixels(node.frame.height)};
-        const PictureCache::Picture picture = pictures.picture(node.image, size);
-        if (picture.state == PictureCache::Picture::State::undecodable) return missing(node);
-        if (picture.state == PictureCache::Picture::State::arriving) return;
+        cairo_surface_t* const picture =
+            pictures.picture(node.image, {pixels(node.frame.width), pixels(node.frame.height)});
+        if (!picture) return;
         const CairoState state{cairo};
         roundedPath(cairo, node.frame, node.cornerRadius);
         cairo_translate(cairo, node.frame.x, node.frame.y);
-        cairo_scale(cairo, node.frame.width / size.width, node.frame.height / size.height);
-        cairo_set_source_surface(cairo, picture.surface, 0, 0);
+        cairo_scale(cairo, node.frame.width / cairo_image_surface_get_width(picture),
+                    node.frame.height / cairo_image_surface_get_height(picture));
+        cairo_set_source_surface(cairo, picture, 0, 0);
         cairo_pattern_set_extend(cairo_get_source(cairo), CAIRO_EXTEND_PAD);
         cairo_fill(cairo);
-    }
-
-    // What the card shows where there is no artwork.
-    void missing(const ImageNode& node) const {
-        (*this)(ShapeNode{node.frame, node.cornerRadius, Color::white(0.1)});
-        (*this)(SymbolNode{node.frame, "music.note", node.frame.height * 0.47, Color::white(0.3)});
     }
 
     void operator()(const GroupBegin& group) {

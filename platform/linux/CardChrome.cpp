@@ -133,7 +133,7 @@ Pixels makeCardChrome(const Pixels& backdrop, const CardStyle& style, double sca
     const PixelRect card = pixelsTouchedBy(scaledBy(
         {style.shadowMargin, style.shadowMargin, style.card.width, style.card.height}, scale));
     Painter painter{style, scale, card.intersection(backdrop.bounds()),
-                    makeGlass(backdrop, card, scale)};
+                    makeGlass(backdrop, card, style.textBottom, scale)};
     painter.glassRow.resize(static_cast<std::size_t>(std::max(card.width, 0)));
     Pixels chrome{backdrop.width, backdrop.height};
     for (int y = 0; y < chrome.height; ++y) painter.drawRow(y, chrome.row(y), chrome.width);

@@ -1,28 +1,47 @@
 #include "platform/linux/CardDisplay.hpp"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
+#include "platform/linux/CardOutline.hpp"
+
 namespace quorvane {
+namespace {
+
+bool agreeOutside(const std::vector<PixelRect>& parts, Pixels one, Pixels other) {
+    for (const PixelRect& part : parts) {
+        fill(one, part, kOpaqueBlack);
+        fill(other, part, kOpaqueBlack);
+    }
+    return one == other;
+}
+
+}  // namespace
 
 std::unique_ptr<CardDisplay> CardDisplay::make(X11Session& x11, const Clock& clock,
                                                LockerChild& child, const CardStyle& style,
                                                double scale, std::shared_ptr<PictureCache> pictures,
+                                               const Transform& transform,
                                                std::function<void()> backdropChanged) {
-    std::unique_ptr<CardDisplay> display{new CardDisplay{
-        x11, clock, child, style, scale, std::move(pictures), std::move(backdropChanged)}};
+    std::unique_ptr<CardDisplay> display{new CardDisplay{x11, clock, child, style, scale,
+                                                         std::move(pictures), transform,
+                                                         std::move(backdropChanged)}};
     return display->prepare() ? std::move(display) : nullptr;
 }
 
 CardDisplay::CardDisplay(X11Session& x11, const Clock& clock, LockerChild& child,
                          const CardStyle& style, double scale,
-                         std::shared_ptr<PictureCache> pictures,
+                         std::shared_ptr<PictureCache> pictures, const Transform& transform,
                          std::function<void()> backdropChanged)
     : x11_(x11),
       clock_(clock),
       child_(child),
-      lockerPicture_(x11, child.locker()),
+      style_(style),
+      scale_(scale),
+      lockerPicture_(x11, child.locker().window),
       painter_(style, scale, std::move(pictures)),
+      transform_(transform),
       backdropChanged_(std::move(backdropChanged)) {}
 
 bool CardDisplay::prepare() {
@@ -33,61 +52,68 @@ bool CardDisplay::prepare() {
     auto visible = lockerPicture_.visible(place, buffer_->shared());
     if (!visible) return false;
     painter_.setBackdrop(std::move(*visible));
+    shapeAsCard();
     return true;
 }
 
 void CardDisplay::afterFrame() {
-    if (painter_.makeChrome()) return;
-    if (!std::exchange(followsLocker_, true)) followLocker();
+    if (!painter_.makeChrome() && !watch_) beginWatching();
 }
 
-// From now on what the locker draws behind is seen to, where that can be.
-void CardDisplay::followLocker() {
-    const auto background = lockerPicture_.background(child_.place());
-    showsBackground_ = background && *background == painter_.backdrop();
-    watchLocker();
+void CardDisplay::beginWatching() {
+    watch_.emplace(x11_, clock_, child_.locker().window, child_.place(),
+                   LockerPictureWatch::Listener{.drawn = [this] { lockerHasDrawn(); },
+                                                .rested = [this] { lockerRests(); }});
+    if (watch_->isWatching()) lockerRests();
 }
 
-// Only a background can be read again while our own window stands before it.
-void CardDisplay::watchLocker() {
-    watch_.reset();
-    if (showsBackground_)
-        watch_.emplace(x11_, clock_, child_.locker().window, child_.place(),
-                       [this] { lockerHasDrawn(); });
-}
-
+// At once: the edge changes together with what is behind the margin, or before it where something
+// moves in from outside.
 void CardDisplay::lockerHasDrawn() {
-    auto background = lockerPicture_.background(child_.place());
-    if (!background || *background == painter_.backdrop()) return;
-    painter_.setBackdrop(std::move(*background));
+    if (isFollowing_ && lockerPicture_.visibleEdge(place()) != edge_) stopFollowing();
+}
+
+// A background whose edge is not the visible one is a picture in the making, or is painted over.
+void CardDisplay::lockerRests() {
+    auto background = lockerPicture_.background(place());
+    if (!background || lockerPicture_.visibleEdge(place()) != background->edge) return;
+    if (isFollowing_) {
+        if (agreeOutside(child_.holes(), background->picture, painter_.backdrop())) return;
+        stopFollowing();
+        return watch_->awaitRest();
+    }
+    // Around the card the locker itself is visible now.
+    auto visible = lockerPicture_.visible(child_.place());
+    std::vector<PixelRect> other = child_.outline();
+    other.insert(other.end(), child_.holes().begin(), child_.holes().end());
+    if (visible && agreeOutside(other, std::move(*visible), background->picture))
+        follow(std::move(*background));
+}
+
+LockerPlace CardDisplay::place() const { return {child_.place(), child_.holes()}; }
+
+void CardDisplay::follow(LockerPicture::Background background) {
+    isFollowing_ = true;
+    watch_->setImmediate(true);
+    edge_ = std::move(background.edge);
+    if (background.picture != painter_.backdrop())
+        painter_.setBackdrop(std::move(background.picture));
+    child_.setOutline({});
     backdropChanged_();
 }
 
-Pixels CardDisplay::backdropAt(const PixelRect& place) {
-    if (showsBackground_)
-        if (auto background = lockerPicture_.background(place)) return std::move(*background);
-    // Where our own window stands now, what was read before it came.
-    auto visible = lockerPicture_.visible(place);
-    Pixels backdrop =
-        visible ? std::move(*visible) : Pixels{place.width, place.height, kOpaqueBlack};
-    copyInto(backdrop, painter_.backdrop(), child_.place().x - place.x, child_.place().y - place.y);
-    return backdrop;
+void CardDisplay::stopFollowing() {
+    isFollowing_ = false;
+    watch_->setImmediate(false);
+    shapeAsCard();
 }
 
-void CardDisplay::moveTo(const PixelRect& place) {
-    if (place == child_.place()) return;
-    const bool isResized =
-        place.width != child_.place().width || place.height != child_.place().height;
-    painter_.setBackdrop(backdropAt(place));
-    if (isResized)
-        buffer_ = WindowBuffer::make(x11_.connection(), child_.window(), place.width, place.height,
-                                     child_.depth());
-    child_.moveTo(place);
-    watchLocker();
-}
+void CardDisplay::shapeAsCard() { child_.setOutline(cardOutline(style_, scale_, transform_)); }
 
 void CardDisplay::draw(const StageLook& look) {
     if (!buffer_) return;
+    transform_ = look.transform;
+    if (!isFollowing_) shapeAsCard();
     const PixelRect whole[] = {buffer_->bounds()};
     buffer_->waitUntilRead();
     painter_.draw(buffer_->surface(), look);

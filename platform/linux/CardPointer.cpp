@@ -20,6 +20,35 @@ CardPointer::CardPointer(X11Session& x11, LockerChild& child, const CardStyle& s
       listener_(std::move(listener)) {
     presses_ = x11_.observePointer([this](const RawPointerEvent& event) { handle(event); });
     moves_ = x11_.observePointerMoves([this](Point point) { moved(point); });
+    observeCursor();
+}
+
+// The server reports the displayed cursor's changes on any window that asks; with the child's own
+// the selection ends with the card.
+void CardPointer::observeCursor() {
+    xcb_connection_t* connection = x11_.connection();
+    const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (!extension || !extension->present) return;
+    xcbReply(xcb_xfixes_query_version_reply, connection,
+             xcb_xfixes_query_version(connection, 5, 0));
+    xcb_xfixes_select_cursor_input(connection, child_.window(),
+                                   XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR);
+    cursorChanges_ = x11_.observeEvents(
+        static_cast<std::uint8_t>(extension->first_event + XCB_XFIXES_CURSOR_NOTIFY),
+        [this](const xcb_generic_event_t&) { lookAgain(); });
+}
+
+void CardPointer::lookAgain() {
+    if (!isOver_) return;
+    isOver_ = false;
+    cardMoved();
+}
+
+void CardPointer::cardMoved() {
+    xcb_connection_t* connection = x11_.connection();
+    const auto place = xcbReply(xcb_query_pointer_reply, connection,
+                                xcb_query_pointer(connection, x11_.screen().root));
+    if (place) moved({static_cast<double>(place->root_x), static_cast<double>(place->root_y)});
 }
 
 CardPointer::~CardPointer() {
@@ -54,7 +83,7 @@ void CardPointer::handle(const RawPointerEvent& event) {
 
 void CardPointer::moved(Point rootPoint) {
     const bool isOver = isOnCard(rootPoint);
-    // The locker's pointer is looked at once for each visit.
+    // The locker's pointer is looked at once for each visit, and at its changes.
     const bool shows = isOver && (isOver_ ? showsArrow_ : lockerHidesPointer());
     isOver_ = isOver;
     if (!std::exchange(showsArrow_, shows) && !shows) return;
@@ -72,10 +101,8 @@ bool CardPointer::lockerHidesPointer() {
     xcb_connection_t* connection = x11_.connection();
     const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
     if (!extension || !extension->present) return false;
-    const auto versionRequest = xcb_xfixes_query_version(connection, 5, 0);
-    const auto imageRequest = xcb_xfixes_get_cursor_image(connection);
-    xcbReply(xcb_xfixes_query_version_reply, connection, versionRequest);
-    const auto image = xcbReply(xcb_xfixes_get_cursor_image_reply, connection, imageRequest);
+    const auto image = xcbReply(xcb_xfixes_get_cursor_image_reply, connection,
+                                xcb_xfixes_get_cursor_image(connection));
     if (!image) return false;
     const std::span pixels{
         xcb_xfixes_get_cursor_image_cursor_image(image.get()),

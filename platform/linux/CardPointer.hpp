@@ -1,4 +1,5 @@
 // The pointer over a card: presses for its content, and an arrow where the locker hides its own.
+// The locker may move the card away from under the pointer, and show or hide its own, at any time.
 #pragma once
 
 #include <functional>
@@ -30,10 +31,15 @@ public:
     CardPointer(const CardPointer&) = delete;
     CardPointer& operator=(const CardPointer&) = delete;
 
+    // The card is elsewhere now, the pointer where it was.
+    void cardMoved();
+
 private:
     Point locationOf(Point rootPoint) const;
     bool isOnCard(Point rootPoint) const;
     void handle(const RawPointerEvent& event);
+    void observeCursor();
+    void lookAgain();
     void moved(Point rootPoint);
     void report(const std::optional<PointerEvent>& event);
     bool lockerHidesPointer();
@@ -49,6 +55,7 @@ private:
     bool showsArrow_ = false;
     Handle presses_;
     Handle moves_;
+    Handle cursorChanges_;
 };
 
 }  // namespace quorvane

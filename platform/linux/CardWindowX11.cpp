@@ -10,6 +10,8 @@ namespace {
 
 constexpr Duration kFrame = std::chrono::nanoseconds{1'000'000'000 / 60};
 constexpr unsigned long kOcclusionVisible = 2;
+// The time a locker has to paint what a moving card has uncovered.
+constexpr Duration kRepaintTime = std::chrono::milliseconds{150};
 
 }  // namespace
 
@@ -35,6 +37,7 @@ CardWindowX11::CardWindowX11(std::shared_ptr<CardResources> resources,
                              const WindowSettings& settings, const Screen& screen)
     : resources_(std::move(resources)),
       screen_(screen),
+      contentScale_(settings.contentScale),
       alpha_(settings.alpha),
       ignoresMouseEvents_(settings.ignoresMouseEvents),
       pictures_(resources_->picturesArrived.add([this] { picturesArrived(); })) {}
@@ -58,17 +61,20 @@ void CardWindowX11::setContent(std::shared_ptr<CardStage> stage) {
     updateSoon();
 }
 
+// A visible card is hidden while it moves, because the picture at its new place can be read only
+// without it. The server has a background at once. Other lockers have to paint first.
 void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     screen_ = screen;
     if (!child_->isStanding()) return;
     const PixelRect place = child_->placeFor(frame, screen);
-    const bool isMove = place != child_->place();
-    if (display_)
-        display_->moveTo(place);
-    else
-        child_->moveTo(place);
+    if (place != child_->place() && display_) {
+        const Instant now = resources_->clock.now();
+        readableAt_ = display_->isFollowing() ? now : now + kRepaintTime;
+        conceal();
+        updateSoon();
+    }
+    child_->moveTo(place);
     child_->cutOut(screen.keepClear, screen);
-    if (isMove && display_) draw(resources_->clock.now());
     resources_->x11.flush();
 }
 
@@ -160,7 +166,8 @@ void CardWindowX11::update() {
         if (fade_) updateAfter(*fade_->begin + fade_->duration - now);
         return;
     }
-    if (!display_ && !show()) return endFade();
+    if (!display_ && now < readableAt_) return updateAfter(readableAt_ - now);
+    if (!display_ && !show(now)) return endFade();
     draw(now);
     syncPointer();
     beginAnimations(resources_->clock.now());
@@ -183,22 +190,29 @@ void CardWindowX11::finishFade(Instant now) {
     if (fade_ && fade_->begin && now - *fade_->begin >= fade_->duration) endFade();
 }
 
-bool CardWindowX11::show() {
-    display_ = CardDisplay::make(resources_->x11, resources_->clock, *child_, stage_->style(),
-                                 screen_.scale, resources_->pictures, [this] { updateSoon(); });
+bool CardWindowX11::show(Instant now) {
+    display_ =
+        CardDisplay::make(resources_->x11, resources_->clock, *child_, stage_->style(), scale(),
+                          resources_->pictures, stage_->transformAt(now), [this] { updateSoon(); });
     if (!display_) {
         resources_->log.error("windows: window %ld cannot be shown", number_);
         return false;
     }
     child_->map();
+    if (pointer_) pointer_->cardMoved();
     tellAccessibility(true);
     return true;
 }
 
 void CardWindowX11::hide() {
-    nextFrame_.reset();
     pointer_.reset();
     tellAccessibility(false);
+    conceal();
+}
+
+void CardWindowX11::conceal() {
+    nextFrame_.reset();
+    arrow_.reset();
     if (child_) child_->unmap();
     display_.reset();
 }
@@ -233,7 +247,7 @@ void CardWindowX11::syncPointer() {
     if (!display_ || ignoresMouseEvents_) return pointer_.reset();
     if (pointer_) return;
     pointer_ = std::make_unique<CardPointer>(
-        resources_->x11, *child_, stage_->style(), screen_.scale,
+        resources_->x11, *child_, stage_->style(), scale(),
         CardPointer::Listener{.event = [this](const PointerEvent& event) { pointerEvent(event); },
                               .arrow = [this](std::optional<Point> place) { moveArrow(place); }});
 }
@@ -267,7 +281,7 @@ void CardWindowX11::controlsChanged() {
 }
 
 Point CardWindowX11::accessibleOrigin() const {
-    const double margin = stage_->style().shadowMargin * screen_.scale;
+    const double margin = stage_->style().shadowMargin * scale();
     return {child_->origin().x + margin, child_->origin().y + margin};
 }
 

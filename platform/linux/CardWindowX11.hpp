@@ -69,7 +69,7 @@ private:
     void stageChanged() override { updateSoon(); }
     const Scene& accessibleScene() const override { return stage_->scene(); }
     Point accessibleOrigin() const override;
-    double accessibleScale() const override { return screen_.scale; }
+    double accessibleScale() const override { return scale(); }
     Size accessibleSize() const override { return stage_->style().card; }
     void perform(SceneControl::ID control, AccessibilityAction action) override;
     void setNumber(SceneControl::ID control, double number) override;
@@ -84,11 +84,13 @@ private:
     void updateAfter(Duration delay);
     bool isMoving(Instant now) const;
     bool isToBeSeen() const;
-    bool show();
+    bool show(Instant now);
     void hide();
+    void conceal();
     void draw(Instant now);
     void drawParts(const std::vector<Rect>& cardAreas);
     double alphaAt(Instant now) const;
+    double scale() const { return screen_.scale * contentScale_; }  // pixels a point of the stage
     StageLook look(Instant now) const;
     void syncPointer();
     void pointerEvent(const PointerEvent& event);
@@ -98,6 +100,7 @@ private:
 
     std::shared_ptr<CardResources> resources_;
     Screen screen_;
+    double contentScale_;
     long number_ = -1;
     double alpha_;
     bool ignoresMouseEvents_;
@@ -106,6 +109,7 @@ private:
     bool isAccessible_ = false;  // assistive technology has been told of it
     std::shared_ptr<CardStageX11> stage_;
     std::optional<Fade> fade_;
+    Instant readableAt_{};  // the locker's picture at the card's place
     std::optional<Point> arrow_;
     std::function<void(Point)> mouseDownObserver_;
     Timer nextFrame_;

@@ -26,7 +26,11 @@ DefaultsFile::DefaultsFile(std::filesystem::path file, Logger log)
     : file_(std::move(file)), log_(std::move(log)), files_(makeLiveRegularFiles()) {}
 
 UserDefaults DefaultsFile::table() {
-    return {.get = [this](const std::string& key) { return get(key); },
+    return {.get = [this](const std::string& key) -> std::optional<PropertyValue> {
+                auto found = values({key}).extract(key);
+                return found ? std::optional{std::move(found.mapped())} : std::nullopt;
+            },
+            .getTogether = [this](const std::vector<std::string>& keys) { return values(keys); },
             .set = [this](const std::string& key,
                           std::optional<PropertyValue> value) { set(key, std::move(value)); },
             .removeDomain =
@@ -38,12 +42,17 @@ UserDefaults DefaultsFile::table() {
             .synchronize = [this] { return flush(); }};
 }
 
-std::optional<PropertyValue> DefaultsFile::get(const std::string& key) {
-    if (const auto change = changes_.find(key); change != changes_.end()) return change->second;
-    if (isRemoved_ || !refresh()) return std::nullopt;
-    const auto entry = stored_.find(key);
-    if (entry == stored_.end()) return std::nullopt;
-    return entry->second;
+PropertyDictionary DefaultsFile::values(const std::vector<std::string>& keys) {
+    const bool isStored = !isRemoved_ && refresh();
+    PropertyDictionary found;
+    for (const std::string& key : keys) {
+        if (const auto change = changes_.find(key); change != changes_.end()) {
+            if (change->second) found.emplace(key, *change->second);
+        } else if (const auto entry = stored_.find(key); isStored && entry != stored_.end()) {
+            found.insert(*entry);
+        }
+    }
+    return found;
 }
 
 void DefaultsFile::set(const std::string& key, std::optional<PropertyValue> value) {
@@ -52,7 +61,7 @@ void DefaultsFile::set(const std::string& key, std::optional<PropertyValue> valu
         const auto list = xmlPropertyList(PropertyValue{PropertyDictionary{{key, *value}}});
         if (!list)
             return log_.error("defaults: %{public}s not set: %{public}s", key,
-                              list.error().description);
+                              errorText(list.error()));
     }
     changes_.insert_or_assign(key, std::move(value));
     flushAndLog();
@@ -60,7 +69,7 @@ void DefaultsFile::set(const std::string& key, std::optional<PropertyValue> valu
 
 void DefaultsFile::flushAndLog() {
     if (const auto result = flush(); !result)
-        log_.error("defaults: not written: %{public}s", result.error().description);
+        log_.error("defaults: not written: %{public}s", errorText(result.error()));
 }
 
 Result<void> DefaultsFile::flush() {

@@ -30,7 +30,7 @@ public:
 private:
     using Changes = std::map<std::string, std::optional<PropertyValue>>;
 
-    std::optional<PropertyValue> get(const std::string& key);
+    PropertyDictionary values(const std::vector<std::string>& keys);
     void set(const std::string& key, std::optional<PropertyValue> value);
     Result<void> flush();
     Result<void> writeChanges();

@@ -1,5 +1,5 @@
-// A picture as the bytes it came in. A canvas decodes it when it first draws it, at the size that
-// is shown.
+// A picture as encoded bytes. A canvas decodes it when it first draws it, at the size that is
+// shown.
 #pragma once
 
 #include "drawing/Image.hpp"
@@ -8,7 +8,8 @@ namespace quorvane {
 
 class EncodedImage final : public Image {
 public:
-    explicit EncodedImage(Bytes bytes) : bytes_(std::move(bytes)) {}
+    explicit EncodedImage(Bytes bytes, State state = State::ready)
+        : Image(state), bytes_(std::move(bytes)) {}
     ByteView bytes() const { return bytes_; }
 
 private:

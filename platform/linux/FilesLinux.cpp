@@ -75,27 +75,42 @@ Result<void> makePrivateFolders(const std::filesystem::path& folder) {
     return posixError("mkdir " + folder.string(), code);
 }
 
-Result<void> writeFileAtomically(const std::filesystem::path& file, ByteView contents) {
+namespace {
+
+// Writes a temporary file and has `place` (rename or link) put it under the file's name.
+Result<void> writeAndPlace(const std::filesystem::path& file, ByteView contents,
+                           int (*place)(const char* from, const char* to)) {
     const auto folder = file.has_parent_path() ? file.parent_path() : std::filesystem::path{"."};
-    // Hidden and in the same folder: a rename is atomic only within one file system.
+    // Hidden and in the same folder: only within one file system are both atomic.
     std::string temporary = folder / ("." + file.filename().string() + ".XXXXXX");
     const FileDescriptor descriptor{mkostemp(temporary.data(), O_CLOEXEC)};  // mode 0600
     if (!descriptor) return posixError("create " + temporary);
     auto written = writeAll(descriptor.get(), contents);
     if (written && fsync(descriptor.get()) != 0) written = posixError("fsync " + temporary);
-    if (written && rename(temporary.c_str(), file.c_str()) != 0)
-        written = posixError("rename to " + file.string());
-    if (!written) {
-        unlink(temporary.c_str());
-        return written;
-    }
+    if (written && place(temporary.c_str(), file.c_str()) != 0)
+        written = posixError("write " + file.string());
+    if (!written || place == link) unlink(temporary.c_str());
+    if (!written) return written;
     return syncFolder(folder);
+}
+
+Result<void> createFileAtomically(const std::filesystem::path& file, ByteView contents) {
+    auto created = writeAndPlace(file, contents, link);
+    if (!created && created.error().code == EEXIST) return {};
+    return created;
+}
+
+}  // namespace
+
+Result<void> writeFileAtomically(const std::filesystem::path& file, ByteView contents) {
+    return writeAndPlace(file, contents, rename);
 }
 
 FileStore makeFileStore() {
     return {.containerOfGroup = containerOfGroup,
             .read = readWhole,
-            .writeAtomically = writeFileAtomically};
+            .writeAtomically = writeFileAtomically,
+            .createAtomically = createFileAtomically};
 }
 
 FillRandom makeFillRandom() {

@@ -9,12 +9,18 @@ namespace {
 
 constexpr double kPointsAValue = 4;
 constexpr double kBlurDeviation = 22;  // points
-constexpr float kSaturation = 1.45F;
+// How far colours are spread, and how much further in bright places, because dimming dulls them.
+constexpr float kSpread = 0.35F;
+constexpr float kBrightSpread = 3.5F;
+constexpr float kHalfBright = 0.35F;  // the light at which half of that is added
 // The quietest text on the card is white of this opacity; it has to be readable, 4.5 and a little
 // for what lies between the values that are looked at.
 constexpr float kTextOpacity = 0.58F;
-constexpr float kLeastContrast = 4.6F;
-constexpr float kDimming = 0.62F;  // of what is dark enough already
+constexpr float kTextContrast = 4.6F;
+// The same text's contrast at the card's bottom. The volume's fill then has 3.5, plain white more.
+constexpr float kSymbolContrast = 2.5F;
+constexpr double kTransition = 96;  // points from the one contrast to the other
+constexpr float kDimming = 0.62F;   // of what is dark enough already
 constexpr float kHighestScale = 4;
 constexpr float kVeil = 0.011F;   // keeps the card apart from a black screen
 constexpr float kSheen = 0.018F;  // light from above, fading toward the middle
@@ -106,18 +112,6 @@ GlassPicture reduced(const Pixels& picture, int step) {
     return result;
 }
 
-// Spreads the colours away from grey of the same brightness; dimmed colours look dull otherwise.
-void saturate(GlassPicture& glass) {
-    for (std::size_t i = 0; i < glass.red.values.size(); ++i) {
-        float& red = glass.red.values[i];
-        float& green = glass.green.values[i];
-        float& blue = glass.blue.values[i];
-        const float grey = luminance(red, green, blue);
-        for (float* channel : {&red, &green, &blue})
-            *channel = std::max(0.0F, grey + (*channel - grey) * kSaturation);
-    }
-}
-
 float sheen(int y, const PixelRect& card, int step) {
     const float depth = (static_cast<float>(y * step) - static_cast<float>(card.y)) /
                         (static_cast<float>(std::max(card.height, 1)) * kSheenReach);
@@ -149,29 +143,48 @@ struct Light {
     Light scaled(float scale, float added) const {
         return {red * scale + added, green * scale + added, blue * scale + added};
     }
-    bool isReadable(const TextLight& text) const {
+    bool isReadable(const TextLight& text, float contrast) const {
         const float letters = luminance(text.on(red), text.on(green), text.on(blue));
-        return letters + 0.05F >= kLeastContrast * (luminance(red, green, blue) + 0.05F);
+        return letters + 0.05F >= contrast * (luminance(red, green, blue) + 0.05F);
+    }
+    // Spreads the channels away from grey, a pale colour's further than a full one's. None falls
+    // below 0, so that the hue remains.
+    Light spread() const {
+        const float grey = luminance(red, green, blue);
+        if (grey <= 0) return *this;
+        const float fullness = 1 - std::min({red, green, blue}) / grey;
+        const float bright = grey * grey / (grey * grey + kHalfBright * kHalfBright);
+        const float wanted = kSpread + kBrightSpread * bright;
+        const float amount = wanted / (1 + wanted * fullness);
+        const auto channel = [&](float light) { return light * (1 + amount * (light / grey - 1)); };
+        return {channel(red), channel(green), channel(blue)};
     }
 };
 
 // How much of the light stays. What is bright is pressed together below what the text bears, what
 // is dark keeps its share: a sun behind the card takes nothing from the sky around it. Less light
 // is always more readable.
-float scaleFor(const Light& light, const TextLight& text) {
+float scaleFor(const Light& light, const TextLight& text, float contrast) {
     constexpr float kAdded = kVeil + kSheen;  // everywhere, so that the sheen stays to be seen
     constexpr int kHalvings = 12;
     float readable = 0;
-    if (light.scaled(kHighestScale, kAdded).isReadable(text)) {
+    if (light.scaled(kHighestScale, kAdded).isReadable(text, contrast)) {
         readable = kHighestScale;
     } else {
         // Always as many, and added without a choice: no processor could guess which half it is.
         float half = kHighestScale / 2;
         for (int i = 0; i < kHalvings; ++i, half /= 2)
             readable +=
-                half * static_cast<float>(light.scaled(readable + half, kAdded).isReadable(text));
+                half * static_cast<float>(
+                           light.scaled(readable + half, kAdded).isReadable(text, contrast));
     }
     return readable > 0 ? readable * (1 - std::exp(-kDimming / readable)) : 0;
+}
+
+// The contrast to keep this many points below the last quiet text. It falls without a visible edge.
+float leastContrast(double below) {
+    const auto share = static_cast<float>(std::clamp(below / kTransition, 0.0, 1.0));
+    return kTextContrast + (kSymbolContrast - kTextContrast) * share * share * (3 - 2 * share);
 }
 
 // The places whose values the card's pixels are mixed from.
@@ -183,15 +196,17 @@ PixelRect placesUnder(const PixelRect& card, const GlassPicture& glass) {
         .intersection({0, 0, glass.red.width, glass.red.height});
 }
 
-// Dims, adds veil and sheen, and encodes for the screen.
-void tone(GlassPicture& glass, const PixelRect& card) {
+// Spreads the colours, dims, adds veil and sheen, and encodes for the screen.
+void tone(GlassPicture& glass, const PixelRect& card, double textBottom, double scale) {
     static const TextLight text;
     const PixelRect places = placesUnder(card, glass);
     for (int y = places.y; y < places.maxY(); ++y) {
         const float added = kVeil + sheen(y, card, glass.step);
+        const float contrast = leastContrast((y * glass.step - card.y) / scale - textBottom);
         for (int x = places.x; x < places.maxX(); ++x) {
-            const Light light{glass.red.at(x, y), glass.green.at(x, y), glass.blue.at(x, y)};
-            const Light toned = light.scaled(scaleFor(light, text), added);
+            const Light light =
+                Light{glass.red.at(x, y), glass.green.at(x, y), glass.blue.at(x, y)}.spread();
+            const Light toned = light.scaled(scaleFor(light, text, contrast), added);
             glass.red.at(x, y) = encodedFromLinear(std::min(1.0F, toned.red));
             glass.green.at(x, y) = encodedFromLinear(std::min(1.0F, toned.green));
             glass.blue.at(x, y) = encodedFromLinear(std::min(1.0F, toned.blue));
@@ -215,13 +230,13 @@ double contrastWithWhite(std::uint32_t pixel, double opacity) {
     return (relativeLuminance(text) + 0.05) / (relativeLuminance(pixel) + 0.05);
 }
 
-GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double scale) {
+GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
+                       double scale) {
     const int step = std::max(1, static_cast<int>(std::lround(kPointsAValue * scale)));
     GlassPicture glass = reduced(backdrop, step);
     for (Plane* plane : {&glass.red, &glass.green, &glass.blue})
         blur(*plane, kBlurDeviation * scale / step);
-    saturate(glass);
-    tone(glass, card);
+    tone(glass, card, textBottom, scale);
     return glass;
 }
 

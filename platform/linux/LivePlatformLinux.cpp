@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/ErrorText.hpp"
 #include "platform/LivePlatform.hpp"
 #include "platform/linux/AccessibilityLinux.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
@@ -15,6 +16,8 @@
 #include "platform/linux/MotionSetting.hpp"
 #include "platform/linux/PictureHeader.hpp"
 #include "platform/linux/ServicesLinux.hpp"
+#include "platform/linux/SessionProblemsLinux.hpp"
+#include "platform/linux/ToolkitSettings.hpp"
 #include "platform/linux/Translations.hpp"
 #include "platform/linux/UserLanguage.hpp"
 #include "platform/linux/X11SessionLinux.hpp"
@@ -26,11 +29,6 @@ namespace {
 // Here they seldom run at once, and what each leaves free in its heap would be kept five times.
 void shareOneHeap() { mallopt(M_ARENA_MAX, 1); }
 
-bool isSet(const char* variable) {
-    const char* const value = std::getenv(variable);
-    return value && *value;
-}
-
 std::filesystem::path moduleFile() {
     std::error_code error;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
@@ -41,8 +39,9 @@ std::filesystem::path moduleFile() {
 struct PlatformLinux {
     PlatformLinux(const LiveServices& services, std::unique_ptr<X11SessionLinux> session)
         : x11(std::move(session)),
-          watcher(ServicesLinux::of(services), *x11, {services.log, kPlatformSubsystem, "lock"}),
-          motion(ServicesLinux::of(services).sessionBus),
+          watcher(ServicesLinux::of(services), *x11),
+          motion(ServicesLinux::of(services).sessionBus,
+                 [this] { return toolkitSetting(*x11, "Gtk/EnableAnimations"); }),
           accessibility(ServicesLinux::of(services).loop, ServicesLinux::of(services).sessionBus,
                         {services.log, kPlatformSubsystem, "accessibility"}),
           cards(moduleFile(), {.x11 = *x11,
@@ -61,19 +60,13 @@ struct PlatformLinux {
     Handle motionRefreshes;
 };
 
-const char* noDisplay() {
-    return isSet("WAYLAND_DISPLAY")
-               ? "this is a Wayland session, which is not supported yet: the card needs an X11 "
-                 "session"
-               : "there is no X11 session to show a card in: DISPLAY is not set";
-}
-
 Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& services) {
     const Logger log{services.log, kPlatformSubsystem, "x11"};
-    if (!isSet("DISPLAY"))
-        return std::unexpected(PlatformError{PlatformError::Domain::service, 0, noDisplay()});
-    if (isSet("WAYLAND_DISPLAY"))
-        log.error("x11: this is a Wayland session: the card shows over X11 lockers only");
+    const auto display = environmentVariable("DISPLAY");
+    const auto problem = screenProblem(display, environmentVariable("WAYLAND_DISPLAY"));
+    if (problem && display.empty())
+        return std::unexpected(PlatformError{PlatformError::Domain::service, 0, *problem});
+    if (problem) log.error("x11: %{public}s", *problem);
     auto& state = ServicesLinux::of(services);
     return X11SessionLinux::open(state.loop, "", [&state, log] {
         log.error("x11: the X server has gone away");
@@ -86,7 +79,7 @@ ImageRef decodeImage(ByteView encoded) {
     // loaded.
     const auto size = readPictureSize(encoded);
     if (!size || !isDecodable(*size)) return nullptr;
-    return std::make_shared<EncodedImage>(copyOf(encoded));
+    return std::make_shared<EncodedImage>(copyOf(encoded), Image::State::arriving);
 }
 
 }  // namespace
@@ -118,7 +111,7 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
     };
     platform.confine = [log = Logger{services.log, kPlatformSubsystem, "process"}] {
         const auto confined = confineProcess(networkForDisplay(std::getenv("DISPLAY")));
-        if (!confined) log.error("process: not confined: %{public}s", confined.error().description);
+        if (!confined) log.error("process: not confined: %{public}s", errorText(confined.error()));
     };
     platform.services = std::move(services);
     platform.owner = owner;

@@ -14,13 +14,12 @@ constexpr std::uint32_t kNotifyInvalidName = 1;
 
 }  // namespace
 
-LockWatcherLinux::LockWatcherLinux(ServicesLinux& services, X11Session& x11, const Logger& log)
+LockWatcherLinux::LockWatcherLinux(ServicesLinux& services, X11Session& x11)
     : notices_(services.localNotices),
       x11_(x11),
       screenSavers_(services.sessionBus, [this] { update(); }),
-      logind_(
-          services.loop, log,
-          {.lockedHintChanged = [this] { update(); }, .woke = [this] { wakeListeners_.call(); }}),
+      logind_(services.systemBus, {.lockedHintChanged = [this] { update(); },
+                                   .woke = [this] { wakeListeners_.call(); }}),
       signals_(read()),
       lockerObservation_(x11_.observeLockerWindows([this] { update(); })) {}
 

@@ -1,11 +1,10 @@
-// Everything that tells of the lock on this system, brought together into the notices of the lock
-// and the lock's other sources.
+// The lock watcher: turns all signs of a lock on this system into the notices of the lock and the
+// lock's other sources.
 #pragma once
 
 #include <functional>
 
 #include "platform/LockSources.hpp"
-#include "platform/Log.hpp"
 #include "platform/linux/Listeners.hpp"
 #include "platform/linux/LockSignals.hpp"
 #include "platform/linux/LogindLinux.hpp"
@@ -18,7 +17,7 @@ namespace quorvane {
 // Main thread only. Delivers the four notices to this process's own observers.
 class LockWatcherLinux {
 public:
-    LockWatcherLinux(ServicesLinux& services, X11Session& x11, const Logger& log);
+    LockWatcherLinux(ServicesLinux& services, X11Session& x11);
 
     // Refers to the watcher.
     LockSources sources();

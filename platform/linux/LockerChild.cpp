@@ -1,7 +1,5 @@
 #include "platform/linux/LockerChild.hpp"
 
-#include <xcb/shape.h>
-
 #include <cmath>
 #include <optional>
 #include <string_view>
@@ -174,24 +172,39 @@ void LockerChild::moveTo(const PixelRect& place) {
 void LockerChild::cutOut(const std::vector<Rect>& areas, const Screen& screen) {
     if (!isStanding_) return;
     std::vector<PixelRect> holes;
-    for (const Rect& area : areas) {
-        const PixelRect hole =
-            pixelsTouchedBy(rootPixels(area, screen, x11_.pixelFrame(screen)))
-                .movedBy(-static_cast<int>(origin().x), -static_cast<int>(origin().y))
-                .intersection({0, 0, place_.width, place_.height});
-        if (!hole.isEmpty()) holes.push_back(hole);
-    }
+    for (const Rect& area : areas)
+        holes.push_back(pixelsTouchedBy(rootPixels(area, screen, x11_.pixelFrame(screen)))
+                            .movedBy(-static_cast<int>(origin().x), -static_cast<int>(origin().y)));
     if (holes == holes_) return;
     holes_ = std::move(holes);
+    applyShape();
+}
+
+void LockerChild::setOutline(std::vector<PixelRect> parts) {
+    if (!isStanding_ || parts == outline_) return;
+    outline_ = std::move(parts);
+    applyShape();
+}
+
+void LockerChild::applyShape() {
     xcb_connection_t* connection = x11_.connection();
-    xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0, XCB_NONE);
-    std::vector<xcb_rectangle_t> rectangles;
-    for (const PixelRect& hole : holes_) rectangles.push_back(rectangleOf(hole));
-    if (!rectangles.empty())
-        xcb_shape_rectangles(connection, XCB_SHAPE_SO_SUBTRACT, XCB_SHAPE_SK_BOUNDING,
-                             XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0,
-                             static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
+    const auto* extension = xcb_get_extension_data(connection, &xcb_shape_id);
+    if (!extension || !extension->present) return;
+    if (outline_.empty())
+        xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0,
+                       XCB_NONE);
+    else
+        shape(XCB_SHAPE_SO_SET, outline_);
+    if (!holes_.empty()) shape(XCB_SHAPE_SO_SUBTRACT, holes_);
     x11_.flush();
+}
+
+void LockerChild::shape(xcb_shape_so_t operation, const std::vector<PixelRect>& parts) {
+    std::vector<xcb_rectangle_t> rectangles;
+    for (const PixelRect& part : parts) rectangles.push_back(rectangleOf(part));
+    xcb_shape_rectangles(x11_.connection(), operation, XCB_SHAPE_SK_BOUNDING,
+                         XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0,
+                         static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
 }
 
 void LockerChild::destroy() {
@@ -203,14 +216,16 @@ void LockerChild::destroy() {
     x11_.noteOwnWindow(window_, false);
 }
 
-// Some lockers show their picture in a window of its own that fills theirs, and ask for the
-// password in another. The card belongs right over the first and under all else; this is seen to
-// once, before it is mapped, and left alone from then on.
+// Some lockers show their picture in a child that fills their window, and ask for the password in
+// another. The card belongs right over the first and under all else. It is stacked once, before it
+// is mapped. A part of its margin may be off the screen, where no child of the locker reaches.
 void LockerChild::stackAboveCover() {
     xcb_connection_t* connection = x11_.connection();
     const auto tree =
         xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, locker_.window));
     if (!tree) return;
+    const PixelRect visible = place_.intersection(
+        {0, 0, static_cast<int>(locker_.frame.width), static_cast<int>(locker_.frame.height)});
     xcb_window_t cover = XCB_WINDOW_NONE;
     xcb_window_t lowest = XCB_WINDOW_NONE;
     const xcb_window_t* siblings = xcb_query_tree_children(tree.get());
@@ -224,7 +239,7 @@ void LockerChild::stackAboveCover() {
         if (!geometry || !attributes) continue;
         if (lowest == XCB_WINDOW_NONE) lowest = siblings[i];
         const PixelRect box{geometry->x, geometry->y, geometry->width, geometry->height};
-        if (attributes->map_state == XCB_MAP_STATE_VIEWABLE && box.contains(place_))
+        if (attributes->map_state == XCB_MAP_STATE_VIEWABLE && box.contains(visible))
             cover = siblings[i];
     }
     if (lowest == XCB_WINDOW_NONE) return;

@@ -1,6 +1,7 @@
 // A window of ours inside a locker's window: where it stands, what stands over it, and its end.
 #pragma once
 
+#include <xcb/shape.h>
 #include <xcb/xcb.h>
 
 #include <functional>
@@ -53,6 +54,12 @@ public:
     void moveTo(const PixelRect& place);
     // Leaves these areas of the screen out of the window.
     void cutOut(const std::vector<Rect>& areas, const Screen& screen);
+    // Gives the window this shape, less what is cut out; without parts the whole rectangle. Where
+    // the server has no shapes the window stays a rectangle.
+    void setOutline(std::vector<PixelRect> parts);
+    const std::vector<PixelRect>& outline() const { return outline_; }
+    // In the window's coordinates; they may reach beyond it.
+    const std::vector<PixelRect>& holes() const { return holes_; }
     void destroy();
 
 private:
@@ -60,6 +67,8 @@ private:
     bool create(const Rect& frame, const Screen& screen);
     void handle(const xcb_generic_event_t& event);
     void stackAboveCover();
+    void applyShape();
+    void shape(xcb_shape_so_t operation, const std::vector<PixelRect>& parts);
 
     X11Session& x11_;
     LockerWindow locker_;
@@ -68,6 +77,7 @@ private:
     std::uint8_t depth_ = 0;
     PixelRect place_;
     std::vector<PixelRect> holes_;
+    std::vector<PixelRect> outline_;
     bool isStanding_ = false;
     bool isMapped_ = false;
     bool isObscured_ = false;

@@ -2,14 +2,36 @@
 
 #include <xcb/composite.h>
 
+#include <array>
+#include <utility>
+
 #include "platform/linux/XcbReply.hpp"
 
 namespace quorvane {
 namespace {
 
+constexpr std::size_t kMostThroughConnection = 65536;  // bytes
 constexpr std::uint32_t kEveryPlane = ~0U;
 // Stays where the locker's window has no background at all, and is like nothing that one sees.
 constexpr std::uint32_t kUntouched = 0xfd02fb;
+constexpr int kEdge = 2;  // pixels
+
+// The strips along an area, outside of it.
+std::array<PixelRect, 4> sidesOf(const PixelRect& area) {
+    const PixelRect around = grownBy(area, kEdge);
+    return {PixelRect{around.x, around.y, around.width, kEdge},
+            {around.x, area.maxY(), around.width, kEdge},
+            {around.x, area.y, kEdge, area.height},
+            {area.maxX(), area.y, kEdge, area.height}};
+}
+
+void append(EdgePixels& edge, Pixels pixels, const PixelRect& side, const LockerPlace& place) {
+    for (const PixelRect& hole : place.holes) {
+        const PixelRect inside = hole.movedBy(place.area.x - side.x, place.area.y - side.y);
+        fill(pixels, inside, kOpaqueBlack);
+    }
+    edge.insert(edge.end(), pixels.values.begin(), pixels.values.end());
+}
 
 Pixels opaque(const PixelRect& area, const void* values) {
     Pixels picture{area.width, area.height, static_cast<const std::uint32_t*>(values)};
@@ -19,29 +41,72 @@ Pixels opaque(const PixelRect& area, const void* values) {
 
 }  // namespace
 
+// In the window's coordinates. The server refuses to read what is not on the screen. Both sizes
+// change while the screen is locked, and the connection's own record of the screen never does.
+std::optional<PixelRect> LockerPicture::readable() {
+    xcb_connection_t* connection = x11_.connection();
+    const auto rootRequest = xcb_get_geometry(connection, x11_.screen().root);
+    const auto lockerRequest = xcb_get_geometry(connection, locker_);
+    const auto root = xcbReply(xcb_get_geometry_reply, connection, rootRequest);
+    const auto locker = xcbReply(xcb_get_geometry_reply, connection, lockerRequest);
+    if (!root || !locker) return std::nullopt;
+    const PixelRect onScreen{-locker->x, -locker->y, root->width, root->height};
+    return onScreen.intersection({0, 0, locker->width, locker->height});
+}
+
 std::optional<Pixels> LockerPicture::visible(const PixelRect& area, const ServerMemory* lent) {
-    // The server refuses to read what does not lie on the screen.
-    const xcb_screen_t& screen = x11_.screen();
-    const int left = static_cast<int>(locker_.frame.x);
-    const int top = static_cast<int>(locker_.frame.y);
-    const PixelRect window{0, 0, static_cast<int>(locker_.frame.width),
-                           static_cast<int>(locker_.frame.height)};
-    const PixelRect onScreen{-left, -top, screen.width_in_pixels, screen.height_in_pixels};
-    const PixelRect readable = area.intersection(window).intersection(onScreen);
-    if (readable == area) return read(locker_.window, area, lent);
+    const auto bounds = readable();
+    return bounds ? visible(area, *bounds, lent) : std::nullopt;
+}
+
+std::optional<Pixels> LockerPicture::visible(const PixelRect& area, const PixelRect& bounds,
+                                             const ServerMemory* lent) {
+    const PixelRect part = area.intersection(bounds);
+    if (part == area) return read(locker_, area, lent);
     Pixels picture{area.width, area.height, kOpaqueBlack};
-    if (readable.isEmpty()) return picture;
-    const auto pixels = read(locker_.window, readable, lent);
+    if (part.isEmpty()) return picture;
+    const auto pixels = read(locker_, part, nullptr);
     if (!pixels) return std::nullopt;
-    copyInto(picture, *pixels, readable.x - area.x, readable.y - area.y);
+    copyInto(picture, *pixels, part.x - area.x, part.y - area.y);
     return picture;
 }
 
-std::optional<Pixels> LockerPicture::background(const PixelRect& area) {
-    if (area.isEmpty() || !hasComposite()) return std::nullopt;
+std::optional<EdgePixels> LockerPicture::visibleEdge(const LockerPlace& place) {
+    const auto bounds = readable();
+    if (!bounds) return std::nullopt;
+    EdgePixels edge;
+    for (const PixelRect& side : sidesOf(place.area)) {
+        auto pixels = visible(side, *bounds, nullptr);
+        if (!pixels) return std::nullopt;
+        append(edge, std::move(*pixels), side, place);
+    }
+    return edge;
+}
+
+std::optional<LockerPicture::Background> LockerPicture::background(const LockerPlace& place) {
+    const auto& area = place.area;
+    const PixelRect around = grownBy(area, kEdge);
+    const auto bounds = readable();
+    if (!bounds || !hasComposite()) return std::nullopt;
+    const PixelRect part = around.intersection(*bounds);
+    if (part.isEmpty()) return std::nullopt;
+    const auto pixels = readBackground(part);
+    if (!pixels) return std::nullopt;
+    const auto pictureOf = [&](const PixelRect& wanted) {
+        Pixels picture{wanted.width, wanted.height, kOpaqueBlack};
+        copyInto(picture, *pixels, part.x - wanted.x, part.y - wanted.y);
+        return picture;
+    };
+    Background background{pictureOf(area), {}};
+    for (const PixelRect& side : sidesOf(area))
+        append(background.edge, pictureOf(side), side, place);
+    return background;
+}
+
+std::optional<Pixels> LockerPicture::readBackground(const PixelRect& area) {
     xcb_connection_t* connection = x11_.connection();
-    // A window that nobody sees: drawn by the server into memory of its own, with the background
-    // of the window around it. It stands below all others for as long as the reading takes.
+    // An invisible window: the server draws it into separate memory, with the background of the
+    // window around it. It is below all others for as long as the reading takes.
     const xcb_window_t mirror = xcb_generate_id(connection);
     const std::uint32_t untouched[] = {kUntouched};
     const std::uint32_t parents[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE};
@@ -49,7 +114,7 @@ std::optional<Pixels> LockerPicture::background(const PixelRect& area) {
     const auto place = [](int value) { return static_cast<std::int16_t>(value); };
     const auto size = [](int value) { return static_cast<std::uint16_t>(value); };
     x11_.noteOwnWindow(mirror, true);
-    xcb_create_window(connection, XCB_COPY_FROM_PARENT, mirror, locker_.window, place(area.x),
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, mirror, locker_, place(area.x),
                       place(area.y), size(area.width), size(area.height), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL,
                       untouched);
@@ -65,12 +130,14 @@ std::optional<Pixels> LockerPicture::background(const PixelRect& area) {
     return picture;
 }
 
-// Megabytes, for which the connection would take several milliseconds.
+// The connection would take several milliseconds for a picture of megabytes. For an edge it is
+// faster.
 std::optional<Pixels> LockerPicture::read(xcb_drawable_t drawable, const PixelRect& area,
                                           const ServerMemory* lent) {
     const std::size_t length =
         static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) * kBytesAPixel;
-    const auto own = lent ? nullptr : ServerMemory::make(x11_.connection(), length);
+    const bool isLarge = length > kMostThroughConnection;
+    const auto own = lent || !isLarge ? nullptr : ServerMemory::make(x11_.connection(), length);
     const ServerMemory* const memory = lent ? lent : own.get();
     if (!memory) return readThroughConnection(drawable, area);
     const auto place = [](int value) { return static_cast<std::int16_t>(value); };

@@ -1,5 +1,6 @@
 #include "platform/linux/LockerPictureWatch.hpp"
 
+#include <algorithm>
 #include <span>
 
 #include "platform/linux/XcbReply.hpp"
@@ -7,7 +8,10 @@
 namespace quorvane {
 namespace {
 
-constexpr Duration kPause = std::chrono::milliseconds{500};
+// i3lock clears and paints a screen within 20 ms; somebody types a key every 100 ms or more.
+constexpr Duration kSettleTime = std::chrono::milliseconds{100};
+// A locker that draws without a rest is looked at this often.
+constexpr Duration kLongestPause = std::chrono::seconds{3};
 
 const xcb_query_extension_reply_t* present(xcb_connection_t* connection,
                                            xcb_extension_t& extension) {
@@ -18,9 +22,9 @@ const xcb_query_extension_reply_t* present(xcb_connection_t* connection,
 }  // namespace
 
 LockerPictureWatch::LockerPictureWatch(X11Session& x11, Clock clock, xcb_window_t locker,
-                                       const PixelRect& area, std::function<void()> changed)
-    : x11_(x11), clock_(std::move(clock)), area_(area), changed_(std::move(changed)) {
-    if (begin(locker)) lastLook_ = clock_.now();
+                                       const PixelRect& area, Listener listener)
+    : x11_(x11), clock_(std::move(clock)), area_(area), listener_(std::move(listener)) {
+    begin(locker);
 }
 
 LockerPictureWatch::~LockerPictureWatch() {
@@ -30,21 +34,21 @@ LockerPictureWatch::~LockerPictureWatch() {
     xcb_xfixes_destroy_region(x11_.connection(), region_);
 }
 
-bool LockerPictureWatch::begin(xcb_window_t locker) {
+void LockerPictureWatch::begin(xcb_window_t locker) {
     xcb_connection_t* connection = x11_.connection();
     const auto* extension = present(connection, xcb_damage_id);
-    if (!extension || !present(connection, xcb_xfixes_id)) return false;
+    if (!extension || !present(connection, xcb_xfixes_id)) return;
     // The server refuses the requests of clients that have not named a version.
     const auto damageVersion = xcb_damage_query_version(connection, 1, 1);
     const auto fixesVersion = xcb_xfixes_query_version(connection, 5, 0);
     if (!xcbReply(xcb_damage_query_version_reply, connection, damageVersion) ||
         !xcbReply(xcb_xfixes_query_version_reply, connection, fixesVersion))
-        return false;
+        return;
     region_ = xcb_generate_id(connection);
     damage_ = xcb_generate_id(connection);
     xcb_xfixes_create_region(connection, region_, 0, nullptr);
     xcb_damage_create(connection, damage_, locker, XCB_DAMAGE_REPORT_LEVEL_BOUNDING_BOX);
-    // A new object begins with the whole window damaged, which the server tells of at once.
+    // A new object begins with the whole window damaged, which the server reports at once.
     const unsigned beginning =
         xcb_damage_subtract(connection, damage_, XCB_NONE, XCB_NONE).sequence;
     events_ = x11_.observeEvents(
@@ -53,32 +57,42 @@ bool LockerPictureWatch::begin(xcb_window_t locker) {
             const auto& notice = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
             const PixelRect box{notice.area.x, notice.area.y, notice.area.width,
                                 notice.area.height};
-            const bool isNews = event.full_sequence >= beginning && !area_.contains(box);
-            if (notice.damage == damage_ && isNews) noticed();
+            const bool isNew = event.full_sequence >= beginning && !area_.contains(box);
+            if (notice.damage == damage_ && isNew) noticed();
         });
-    return true;
 }
 
-// The server tells when the damage reaches farther than before, so our own drawing is heard of once
-// and no more. A look that is put off takes in all that happens meanwhile.
+void LockerPictureWatch::awaitRest() {
+    if (isWatching() && !pauseEnd_) waitFor(kSettleTime);
+}
+
+// The server reports damage that reaches farther than what it has reported since the last taking.
+// While nothing is taken, a locker that draws all the time wakes nobody.
 void LockerPictureWatch::noticed() {
-    if (nextLook_) return;
-    const Duration left = kPause - (clock_.now() - lastLook_);
-    if (left <= Duration{})
-        look();
+    if (pauseEnd_ && !isImmediate_) return;
+    if (!takeDrawing()) return;
+    if (pauseEnd_)
+        hasDrawn_ = true;
     else
-        nextLook_ = clock_.after(left, [this] { look(); });
+        waitFor(kSettleTime);
+    if (isImmediate_) listener_.drawn();
 }
 
-void LockerPictureWatch::look() {
-    nextLook_.reset();
-    lastLook_ = clock_.now();
-    if (lockerHasDrawn()) changed_();
+void LockerPictureWatch::waitFor(Duration pause) {
+    pause_ = pause;
+    hasDrawn_ = false;
+    pauseEnd_ = clock_.after(pause, [this] { pauseEnded(); });
 }
 
-// Our own drawing counts as the locker's window's damage too. What a locker draws is cut off where
-// our window stands, so it can be told by its reaching past our edges.
-bool LockerPictureWatch::lockerHasDrawn() {
+void LockerPictureWatch::pauseEnded() {
+    pauseEnd_.reset();
+    if (takeDrawing() || hasDrawn_) return waitFor(std::min(pause_ * 2, kLongestPause));
+    listener_.rested();
+}
+
+// Our own drawing counts as damage of the locker's window too. The server clips what a locker
+// draws to the outside of our window, so it is the damage that reaches past our edges.
+bool LockerPictureWatch::takeDrawing() {
     xcb_connection_t* connection = x11_.connection();
     xcb_damage_subtract(connection, damage_, XCB_NONE, region_);
     const auto reply = xcbReply(xcb_xfixes_fetch_region_reply, connection,
@@ -87,12 +101,11 @@ bool LockerPictureWatch::lockerHasDrawn() {
     const std::span rectangles{
         xcb_xfixes_fetch_region_rectangles(reply.get()),
         static_cast<std::size_t>(xcb_xfixes_fetch_region_rectangles_length(reply.get()))};
-    const PixelRect near{area_.x - 1, area_.y - 1, area_.width + 2, area_.height + 2};
-    for (const xcb_rectangle_t& one : rectangles) {
+    const PixelRect near = grownBy(area_, 1);
+    return std::ranges::any_of(rectangles, [&](const xcb_rectangle_t& one) {
         const PixelRect damaged{one.x, one.y, one.width, one.height};
-        if (!area_.contains(damaged) && !near.intersection(damaged).isEmpty()) return true;
-    }
-    return false;
+        return !area_.contains(damaged) && !near.intersection(damaged).isEmpty();
+    });
 }
 
 }  // namespace quorvane

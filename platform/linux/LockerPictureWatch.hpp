@@ -1,4 +1,4 @@
-// Tells when a locker has drawn around a card, so that its glass can follow what lies behind.
+// Watches a locker's drawing around a card: reports it at once, and when it has come to rest.
 #pragma once
 
 #include <xcb/damage.h>
@@ -12,31 +12,44 @@
 
 namespace quorvane {
 
-// Main thread only. The server reports drawing by itself; without the Damage extension nothing is
-// ever reported. A locker that draws without pause is heard of twice a second.
+// Main thread only. The server reports the drawing. While the locker is at rest nothing is polled.
+// Without the Damage extension nothing is ever reported.
 class LockerPictureWatch {
 public:
-    // `area` is where our window stands inside the locker's: what is drawn there is our own.
+    struct Listener {
+        std::function<void()> drawn;   // at once, at each drawing; only while `setImmediate` is on
+        std::function<void()> rested;  // the locker has not drawn for a settle time
+    };
+
+    // `area` is the place of our window inside the locker's: what is drawn there is our own.
     LockerPictureWatch(X11Session& x11, Clock clock, xcb_window_t locker, const PixelRect& area,
-                       std::function<void()> changed);
+                       Listener listener);
     ~LockerPictureWatch();
     LockerPictureWatch(const LockerPictureWatch&) = delete;
     LockerPictureWatch& operator=(const LockerPictureWatch&) = delete;
 
+    bool isWatching() const { return damage_ != XCB_NONE; }
+    void setImmediate(bool isImmediate) { isImmediate_ = isImmediate; }
+    // Reports the next rest also when nothing is drawn before it.
+    void awaitRest();
+
 private:
-    bool begin(xcb_window_t locker);
+    void begin(xcb_window_t locker);
     void noticed();
-    void look();
-    bool lockerHasDrawn();
+    void waitFor(Duration pause);
+    void pauseEnded();
+    bool takeDrawing();
 
     X11Session& x11_;
     Clock clock_;
     PixelRect area_;
-    std::function<void()> changed_;
+    Listener listener_;
+    bool isImmediate_ = false;
     xcb_damage_damage_t damage_ = XCB_NONE;
     xcb_xfixes_region_t region_ = XCB_NONE;
-    Instant lastLook_{};
-    Timer nextLook_;
+    Duration pause_{};
+    bool hasDrawn_ = false;  // since the pause began
+    Timer pauseEnd_;
     Handle events_;
 };
 

@@ -20,16 +20,29 @@ struct WindowFacts {
     Rect frame;
     bool isMapped = false;
     bool isOverrideRedirect = false;
+    bool wasShown = false;     // mapped at some time, perhaps inside a window manager's frame
     bool isDrawable = true;    // can have visible contents and children
     bool isOfDesktop = false;  // of the window manager or the compositor
+    bool isOfManaged = false;  // its client has a window that the window manager lists
     std::string instance{};    // the two class names; "" where they were not asked for
     std::string className{};
+};
+
+// Classes of windows that the user names.
+struct LockerNames {
+    std::vector<std::string> lockers;
+    std::vector<std::string> overlays;
+
+    // From lists with commas; null for none.
+    static LockerNames parse(const char* lockers, const char* overlays);
 };
 
 struct LockFacts {
     std::vector<WindowFacts> windows;  // top one first
     std::vector<Rect> monitors;
     KeyboardHold keyboard = KeyboardHold::unknown;
+    bool pointerIsHeld = false;
+    LockerNames names{};
     bool screenSaverIsLocked = false;     // what xscreensaver publishes: locked, not only blank
     std::vector<std::uint32_t> standing;  // the lockers' windows found last time
 };
@@ -37,19 +50,19 @@ struct LockFacts {
 struct FoundLocker {
     std::uint32_t window = 0;
     Rect frame;
-    // It asks for the password in a window of its own, and needs nothing else kept clear.
-    bool opensPrompt = false;
+    // What it needs in the middle of a monitor to ask for the password, at 96 dots per inch.
+    Size prompt;
 
     bool operator==(const FoundLocker&) const = default;
 };
 
 // Top one first.
 //
-// A locker covers at least one monitor with a mapped override-redirect window, and is known by its
-// class or holds the keyboard. Of a client without a known class more is asked, since full-screen
-// overlays of other kinds exist: it covers every monitor, nothing of the desktop is above it, and
-// it is none of the overlays that are known. What was found once stays found while it is mapped: a
-// monitor may grow before its locker does.
+// A locker covers at least one monitor with a mapped override-redirect window. Its class is known
+// or named by the user, or the keyboard is held and more evidence excludes full-screen overlays of
+// other kinds: the pointer is held too, the client covers every monitor, nothing of the desktop is
+// above it, and it never showed an ordinary window. A locker stays found while it is mapped (an
+// unknown one: while the keyboard is held), because a monitor may grow before its locker does.
 std::vector<FoundLocker> findLockers(const LockFacts& facts);
 
 // Whether the window covers a monitor as a lock screen would; only of such windows, and of other

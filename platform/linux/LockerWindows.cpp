@@ -1,6 +1,7 @@
 #include "platform/linux/LockerWindows.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 #include <utility>
 
@@ -8,6 +9,10 @@ namespace quorvane {
 namespace {
 
 constexpr char kScreenSaverClass[] = "XScreenSaver";
+constexpr char kLockersVariable[] = "QUORVANE_LOCKERS";
+constexpr char kOverlaysVariable[] = "QUORVANE_OVERLAYS";
+constexpr Duration kPointerLookInterval = std::chrono::milliseconds{250};
+constexpr int kPointerLooks = 8;
 
 bool isFound(const std::vector<FoundLocker>& found, std::uint32_t window) {
     return std::ranges::find(found, window, &FoundLocker::window) != found.end();
@@ -15,11 +20,22 @@ bool isFound(const std::vector<FoundLocker>& found, std::uint32_t window) {
 
 }  // namespace
 
-LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors)
-    : monitors_(monitors), topLevels_(x11, [this] { isStale_ = true; }) {
+LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const Clock& clock)
+    : monitors_(monitors),
+      clock_(clock),
+      names_(LockerNames::parse(std::getenv(kLockersVariable), std::getenv(kOverlaysVariable))),
+      topLevels_(x11, [this] {
+          isStale_ = true;
+          looksLeft_ = kPointerLooks;
+      }) {
     evaluate();
     quiet_ = x11.observeQuiet([this] { evaluate(); });
-    monitorChanges_ = monitors_.observe([this] { isStale_ = true; });
+    // Before the other listeners ask for the zones. Those rebuild the cards, which are not to be
+    // moved first.
+    monitorChanges_ = monitors_.observe([this] {
+        promptSize_ = {};  // other monitors, other prompts
+        update();
+    });
 }
 
 void LockerWindows::noteOwnWindow(xcb_window_t window, bool exists) {
@@ -28,39 +44,83 @@ void LockerWindows::noteOwnWindow(xcb_window_t window, bool exists) {
 }
 
 void LockerWindows::evaluate() {
-    if (!std::exchange(isStale_, false)) return;
+    if (!isStale_) return;
+    const Changes changes = update();
+    if (changes.screens) monitors_.reportSoon();
+    // Without a locker no card has to give way.
+    if (changes.zones && !windows_.empty()) zoneListeners_.call();
+}
+
+LockerWindows::Changes LockerWindows::update() {
+    isStale_ = false;
     const auto destroyed = topLevels_.takeDestroyed();
     const LockFacts facts = gather();
-    const auto found = findLockers(facts);
+    const auto found = find(facts);
     std::vector<LockerWindow> windows;
     for (const FoundLocker& locker : found) windows.push_back({locker.window, locker.frame});
-    // Zones first: who hears of a new locker asks for them.
-    const bool zonesChanged =
-        std::exchange(zones_, keepClearZones(sceneOf(facts, found))) != zones_;
-    // A lock whose windows have all gone is over, also where the next one's stand already: what
-    // stood in them has gone with them.
+    LockScene scene = sceneOf(facts, found);
+    if (!found.empty()) promptSize_ = scene.lastPrompt = promptsSeen(scene);
+    // Zones first: the listeners of a new locker ask for them.
+    const bool zonesChanged = std::exchange(zones_, keepClearZones(scene)) != zones_;
+    // A lock whose windows have all gone is over, even if the next one's windows exist already: the
+    // cards in the old ones have gone with them.
     const bool isOver = std::ranges::none_of(windows_, [&](const LockerWindow& old) {
         return isFound(found, old.window) && !destroyed.contains(old.window);
     });
     if (isOver && !std::exchange(windows_, {}).empty()) listeners_.call();
     const bool windowsChanged = std::exchange(windows_, std::move(windows)) != windows_;
+    const bool screensChanged = changesScreens(destroyed) && !isOver;
     if (windowsChanged) listeners_.call();
-    if (zonesChanged) zoneListeners_.call();
+    return {zonesChanged, screensChanged};
+}
+
+// A card is gone when the window that held it is, and one can be made when a locker's window has
+// reached a further monitor.
+bool LockerWindows::changesScreens(const std::set<xcb_window_t>& destroyed) {
+    std::vector<xcb_window_t> now;
+    for (const Rect& monitor : monitors_.layout().monitors) {
+        const auto on = std::ranges::find_if(windows_, [&](const LockerWindow& locker) {
+            return locker.frame.contains({monitor.midX(), monitor.midY()});
+        });
+        now.push_back(on == windows_.end() ? LockerWindow{}.window : on->window);
+    }
+    const std::vector<xcb_window_t> before = std::exchange(onMonitors_, std::move(now));
+    return before != onMonitors_ || std::ranges::any_of(before, [&](xcb_window_t window) {
+               return destroyed.contains(window);
+           });
 }
 
 LockFacts LockerWindows::gather() {
     LockFacts facts;
     facts.monitors = monitors_.layout().monitors;
     facts.keyboard = topLevels_.keyboard();
+    facts.names = names_;
     for (const LockerWindow& locker : windows_) facts.standing.push_back(locker.window);
     for (const auto& entry : topLevels_.windows())
         facts.windows.push_back({.window = entry.window,
                                  .client = topLevels_.clientOf(entry.window),
                                  .frame = entry.frame,
                                  .isMapped = entry.isMapped,
-                                 .isOverrideRedirect = entry.isOverrideRedirect});
+                                 .isOverrideRedirect = entry.isOverrideRedirect,
+                                 .wasShown = entry.wasShown});
     describeClients(facts);
     return facts;
+}
+
+// The pointer is looked at only where it decides, for a while: some lockers hold the keyboard
+// first.
+std::vector<FoundLocker> LockerWindows::find(LockFacts facts) {
+    nextLook_.reset();
+    const auto without = findLockers(facts);
+    facts.pointerIsHeld = true;
+    auto with = findLockers(facts);
+    if (with == without || topLevels_.pointerIsHeld()) return with;
+    if (looksLeft_-- > 0)
+        nextLook_ = clock_.after(kPointerLookInterval, [this] {
+            isStale_ = true;
+            evaluate();
+        });
+    return without;
 }
 
 // Looks closer at the clients that have a window over a whole screen, mapped or not yet.
@@ -83,11 +143,14 @@ void LockerWindows::describeClients(LockFacts& facts) {
 
 void LockerWindows::describeWindows(LockFacts& facts, const std::set<std::uint32_t>& clients) {
     if (clients.empty()) return;
-    // Whose windows these are matters only to clients that are told by their hold of the keyboard.
-    const auto desktop = facts.keyboard == KeyboardHold::isHeld ? topLevels_.desktopClients()
-                                                                : std::set<std::uint32_t>{};
+    // Matters only to clients that are recognised by their hold of the keyboard.
+    const bool isHeld = facts.keyboard == KeyboardHold::isHeld;
+    using Clients = std::set<std::uint32_t>;
+    const Clients desktop = isHeld ? topLevels_.desktopClients() : Clients{};
+    const Clients managed = isHeld ? topLevels_.managedClients() : Clients{};
     for (WindowFacts& window : facts.windows) {
         window.isOfDesktop = desktop.contains(window.client);
+        window.isOfManaged = managed.contains(window.client);
         if (!clients.contains(window.client)) continue;
         const auto* details = topLevels_.details(window.window);
         window.isDrawable = details && details->isDrawable;
@@ -102,9 +165,10 @@ LockScene LockerWindows::sceneOf(const LockFacts& facts, const std::vector<Found
     if (found.empty()) return scene;
     scene.monitors = facts.monitors;
     scene.dotsPerInch = monitors_.dotsPerInch();
+    scene.lastPrompt = promptSize_;
     for (const FoundLocker& locker : found)
-        scene.lockers.push_back({locker.frame, locker.opensPrompt,
-                                 topLevels_.mappedChildren(locker.window, locker.frame)});
+        scene.lockers.push_back(
+            {locker.frame, locker.prompt, topLevels_.mappedChildren(locker.window, locker.frame)});
     std::vector<Rect> above;
     for (const WindowFacts& window : facts.windows) {
         if (isFound(found, window.window)) {

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <system_error>
 #include <utility>
 
 #include "platform/linux/BusQuestion.hpp"
@@ -28,8 +27,8 @@ std::string taken(char* text) {
     return copy;
 }
 
-// The session that this process was started in. A service of the user's is in none: it belongs to
-// the one that the user sees.
+// The session that this process was started in. A service of the user is in none and belongs to the
+// session on the user's screen.
 std::string sessionName() {
     if (const char* name = std::getenv("XDG_SESSION_ID"); name && *name) return name;
     char* name = nullptr;
@@ -47,62 +46,42 @@ std::string sessionPath() {
 
 }  // namespace
 
-LogindLinux::LogindLinux(EventLoop& loop, Logger log, Events events) : events_(std::move(events)) {
-    int result = connect(loop);
-    if (result >= 0) result = observe();
-    if (result >= 0) return;
-    bus_ = sd_bus_close_unref(bus_);
-    log.info("logind: not available: %{public}s", std::system_category().message(-result));
+LogindLinux::LogindLinux(BusConnection& bus, Events events)
+    : bus_(bus), events_(std::move(events)), sessionPath_(sessionPath()) {
+    const std::string fromService = std::string{"type='signal',sender='"} + kService + "',path='";
+    observe(fromService + kPath + "',interface='" + kManager + "',member='PrepareForSleep'",
+            &LogindLinux::onPrepareForSleep);
+    if (sessionPath_.empty()) return;
+    observe(fromService + sessionPath_ + "',interface='" + kProperties +
+                "',member='PropertiesChanged',arg0='" + kSession + "'",
+            &LogindLinux::onPropertiesChanged);
+    observe(std::string{"type='signal',sender='org.freedesktop.DBus',"
+                        "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='"} +
+                kService + "'",
+            &LogindLinux::onOwnerChanged);
+    observations_.push_back(bus_.observeLoss([this] { setLocked(false); }));
+    observations_.push_back(bus_.observeReconnection([this] { askForHint(); }));
+    askForHint();
 }
 
-LogindLinux::~LogindLinux() {
-    question_.reset();
-    sd_bus_flush_close_unref(bus_);
-}
-
-int LogindLinux::connect(EventLoop& loop) {
-    const int result = sd_bus_open_system(&bus_);
-    if (result < 0) return result;
-    return sd_bus_attach_event(bus_, loop.event(), SD_EVENT_PRIORITY_NORMAL);
-}
-
-// The slots live as long as the connection.
-int LogindLinux::observe() {
-    const auto onSleep = [](sd_bus_message* message, void* self, sd_bus_error*) {
-        static_cast<LogindLinux*>(self)->onPrepareForSleep(message);
-        return 0;
-    };
-    const auto onProperties = [](sd_bus_message* message, void* self, sd_bus_error*) {
-        static_cast<LogindLinux*>(self)->onPropertiesChanged(message);
-        return 0;
-    };
-    const int result = sd_bus_match_signal_async(bus_, nullptr, kService, kPath, kManager,
-                                                 "PrepareForSleep", onSleep, nullptr, this);
-    sessionPath_ = sessionPath();
-    if (result < 0 || sessionPath_.empty()) return result;
-    const int second =
-        sd_bus_match_signal_async(bus_, nullptr, kService, sessionPath_.c_str(), kProperties,
-                                  "PropertiesChanged", onProperties, nullptr, this);
-    if (second >= 0) askForHint();
-    return second;
+void LogindLinux::observe(const std::string& rule, void (LogindLinux::*handler)(sd_bus_message*)) {
+    observations_.push_back(
+        bus_.match(rule, [this, handler](sd_bus_message* message) { (this->*handler)(message); }));
 }
 
 void LogindLinux::askForHint() {
-    const auto call = newBusQuestion(bus_, kService, sessionPath_, kProperties, "Get");
+    sd_bus* const bus = bus_.connection();
+    const auto call = newBusQuestion(bus, kService, sessionPath_, kProperties, "Get");
     if (call) sd_bus_message_append(call.get(), "ss", kSession, kLockedHint);
-    question_ = askBus(bus_, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    question_ = askBus(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
         int isLocked = 0;
-        if (reply && sd_bus_message_read(reply, "v", "b", &isLocked) >= 0) setLocked(isLocked != 0);
+        setLocked(reply && sd_bus_message_read(reply, "v", "b", &isLocked) >= 0 && isLocked != 0);
     });
 }
 
 void LogindLinux::onPropertiesChanged(sd_bus_message* message) {
-    const char* interface = nullptr;
     PropertyDictionary changed;
-    if (sd_bus_message_read(message, "s", &interface) < 0 ||
-        std::string_view{interface} != kSession)
-        return;
-    if (readBusDictionary(message, changed) < 0) return;
+    if (sd_bus_message_skip(message, "s") < 0 || readBusDictionary(message, changed) < 0) return;
     if (const bool* isLocked = find<bool>(changed, kLockedHint)) setLocked(*isLocked);
 }
 

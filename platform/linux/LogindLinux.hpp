@@ -2,20 +2,18 @@
 // machine.
 #pragma once
 
-#include <systemd/sd-bus.h>
-
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "platform/Handle.hpp"
-#include "platform/Log.hpp"
-#include "platform/linux/EventLoop.hpp"
+#include "platform/linux/BusConnection.hpp"
 
 namespace quorvane {
 
-// Main thread only. Without a system bus, without a login manager or outside its sessions nothing
-// is ever reported.
+// Main thread only. The session counts as locked while the login manager says so: no longer when
+// the bus or the login manager goes away, and again when it is back and still says so. Without a
+// login manager, or outside its sessions, nothing is reported.
 class LogindLinux {
 public:
     struct Events {
@@ -23,25 +21,23 @@ public:
         std::function<void()> woke;
     };
 
-    LogindLinux(EventLoop& loop, Logger log, Events events);
-    ~LogindLinux();
-    LogindLinux(const LogindLinux&) = delete;
-    LogindLinux& operator=(const LogindLinux&) = delete;
+    LogindLinux(BusConnection& bus, Events events);
 
     bool isLocked() const { return isLocked_; }
 
 private:
-    int connect(EventLoop& loop);
-    int observe();
+    void observe(const std::string& rule, void (LogindLinux::*handler)(sd_bus_message*));
     void askForHint();
+    void onOwnerChanged(sd_bus_message*) { askForHint(); }
     void onPropertiesChanged(sd_bus_message* message);
     void onPrepareForSleep(sd_bus_message* message);
     void setLocked(bool isLocked);
 
-    Events events_;
-    sd_bus* bus_ = nullptr;
-    std::string sessionPath_;  // "" outside the sessions of the login manager
+    BusConnection& bus_;
+    const Events events_;
+    const std::string sessionPath_;  // "" outside the sessions of the login manager
     bool isLocked_ = false;
+    std::vector<Handle> observations_;
     Handle question_;
 };
 

@@ -11,7 +11,7 @@ MediaPlayers makeLiveMediaPlayers(const LiveServices& services) {
     players->start();
     return {.list = [players]() -> const std::vector<MediaPlayer>& { return players->list(); },
             .observe = [players](auto handler) { return players->observe(std::move(handler)); },
-            .askPosition = [players](const std::string& name) { players->askPosition(name); },
+            .refresh = [players](const std::string& name) { players->refresh(name); },
             .call = [players](const std::string& name,
                               const std::string& method) { players->call(name, method); },
             .set = [players](const std::string& name, const std::string& property,

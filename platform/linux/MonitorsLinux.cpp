@@ -14,24 +14,38 @@ constexpr std::uint32_t kMonitorsMajor = 1;
 constexpr std::uint32_t kMonitorsMinor = 5;
 constexpr char kScaleVariable[] = "QUORVANE_SCALE";
 constexpr double kMillimetersPerInch = 25.4;
+constexpr Duration kSettleTime = std::chrono::milliseconds{150};
+
+double dotsPerInchOf(int pixels, int millimeters) {
+    return millimeters == 0 ? 0 : pixels * kMillimetersPerInch / millimeters;
+}
+
+// The screen's own. Of a screen whose first monitor is turned, the notice has width and height
+// exchanged.
+double dotsPerInchOf(const xcb_randr_screen_change_notify_event_t& change) {
+    const bool isTurned =
+        (change.rotation & (XCB_RANDR_ROTATION_ROTATE_90 | XCB_RANDR_ROTATION_ROTATE_270)) != 0;
+    return isTurned ? dotsPerInchOf(change.width, change.mwidth)
+                    : dotsPerInchOf(change.height, change.mheight);
+}
 
 }  // namespace
 
-MonitorsLinux::MonitorsLinux(X11Connection& x11) : x11_(x11) {
+MonitorsLinux::MonitorsLinux(X11Connection& x11, const Clock& clock)
+    : x11_(x11),
+      clock_(clock),
+      screenDotsPerInch_(
+          dotsPerInchOf(x11.screen().height_in_pixels, x11.screen().height_in_millimeters)) {
     observeServer();
     readLayout();
 }
 
 void MonitorsLinux::observeServer() {
-    const auto markStale = [this](const xcb_generic_event_t&) { isStale_ = true; };
     observations_.push_back(x11_.observeWindow(x11_.root(), [this](const auto& event) {
         if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY) return;
         const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         // A changed monitor definition is announced only as a new configuration of the root.
-        if (change.window == x11_.root()) isStale_ = true;
-    }));
-    observations_.push_back(x11_.observeQuiet([this] {
-        if (std::exchange(isStale_, false)) refresh();
+        if (change.window == x11_.root()) settle();
     }));
     const auto* extension = x11_.extension(xcb_randr_id);
     if (!extension) return;
@@ -43,15 +57,36 @@ void MonitorsLinux::observeServer() {
     xcb_randr_select_input(x11_.connection(), x11_.root(),
                            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
-    for (const int type : {XCB_RANDR_SCREEN_CHANGE_NOTIFY, XCB_RANDR_NOTIFY})
-        observations_.push_back(x11_.observeEvents(
-            static_cast<std::uint8_t>(extension->first_event + type), markStale));
+    const auto typeOf = [&](int number) {
+        return static_cast<std::uint8_t>(extension->first_event + number);
+    };
+    observations_.push_back(x11_.observeEvents(typeOf(XCB_RANDR_NOTIFY),
+                                               [this](const xcb_generic_event_t&) { settle(); }));
+    // The connection's record of the screen stays as it was when the connection was made.
+    observations_.push_back(
+        x11_.observeEvents(typeOf(XCB_RANDR_SCREEN_CHANGE_NOTIFY), [this](const auto& event) {
+            screenDotsPerInch_ = dotsPerInchOf(
+                reinterpret_cast<const xcb_randr_screen_change_notify_event_t&>(event));
+            settle();
+        }));
+}
+
+// A reconfiguration comes as many events; each one starts the wait again.
+void MonitorsLinux::settle() {
+    settled_ = clock_.after(kSettleTime, [this] { refresh(); });
+}
+
+void MonitorsLinux::reportSoon() {
+    mustReport_ = true;
+    settle();
 }
 
 void MonitorsLinux::refresh() {
+    settled_.reset();
     const ScreenLayout before = layout_;
     readLayout();
-    if (layout_ != before) listeners_.call();
+    const bool mustReport = std::exchange(mustReport_, false);
+    if (mustReport || layout_ != before) listeners_.call();
 }
 
 void MonitorsLinux::readLayout() {
@@ -64,12 +99,7 @@ void MonitorsLinux::readLayout() {
     const auto demand = std::getenv(kScaleVariable);
     layout_ = {monitors, scaleFor(demand ? std::optional<std::string_view>{demand} : std::nullopt,
                                   userDotsPerInch)};
-    const auto& screen = x11_.screen();
-    const double physical =
-        screen.height_in_millimeters == 0
-            ? 0
-            : screen.height_in_pixels * kMillimetersPerInch / screen.height_in_millimeters;
-    dotsPerInch_ = userDotsPerInch.value_or(physical);
+    dotsPerInch_ = userDotsPerInch.value_or(screenDotsPerInch_);
 }
 
 std::vector<Rect> MonitorsLinux::readMonitors() {

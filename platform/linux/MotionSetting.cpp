@@ -19,21 +19,25 @@ void MotionSetting::refresh() {
     sd_bus* bus = bus_.connection();
     const auto call = newBusQuestion(bus, kPortal, kPortalPath, kSettings, "ReadAll");
     if (call) sd_bus_message_append(call.get(), "as", 2, kAppearance, kGnomeInterface);
-    question_ = askBus(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    const auto decide = [this](const PropertyDictionary& settings) {
+        isReduced_ = reducesMotion(settings).value_or(toolkitAnimates_() == 0);
+    };
+    question_ = askBus(bus, call, kAnswerDeadline, [decide](sd_bus_message* reply) {
         PropertyDictionary settings;
         if (reply && readBusDictionary(reply, settings) < 0) settings.clear();
-        isReduced_ = reducesMotion(settings);
+        decide(settings);
     });
+    if (!question_) decide({});
 }
 
-bool reducesMotion(const PropertyDictionary& settings) {
+std::optional<bool> reducesMotion(const PropertyDictionary& settings) {
     if (const auto* appearance = find<PropertyDictionary>(settings, kAppearance))
         if (const auto* isReduced = find<std::int64_t>(*appearance, "reduced-motion"))
             return *isReduced == 1;
     if (const auto* interface = find<PropertyDictionary>(settings, kGnomeInterface))
         if (const auto* isAnimated = find<bool>(*interface, "enable-animations"))
             return !*isAnimated;
-    return false;
+    return std::nullopt;
 }
 
 }  // namespace quorvane

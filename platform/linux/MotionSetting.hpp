@@ -1,5 +1,9 @@
-// Whether the user wants less motion, as the desktop's portal tells it.
+// Whether the user wants less motion, by the settings of the desktop.
 #pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
 
 #include "platform/Handle.hpp"
 #include "platform/PropertyValue.hpp"
@@ -7,11 +11,14 @@
 
 namespace quorvane {
 
-// Main thread only. The answer is at hand at any time; it is asked for anew with each refresh, and
-// nobody waits for it. Without a portal motion is not reduced.
+// Main thread only. The last answer is at hand at any time; each refresh asks again and waits for
+// nothing. The desktop's portal comes first; where it is missing or does not know, the toolkits'
+// switch for animations decides; without both, motion is not reduced.
 class MotionSetting {
 public:
-    explicit MotionSetting(SessionBus& bus) : bus_(bus) {}
+    // `toolkitAnimates` reads the toolkits' switch: 0 is off, nullopt unknown.
+    MotionSetting(SessionBus& bus, std::function<std::optional<std::int32_t>()> toolkitAnimates)
+        : bus_(bus), toolkitAnimates_(std::move(toolkitAnimates)) {}
 
     bool isReduced() const { return isReduced_; }
     // An answer that comes too late for one lock serves the next.
@@ -19,12 +26,13 @@ public:
 
 private:
     SessionBus& bus_;
+    const std::function<std::optional<std::int32_t>()> toolkitAnimates_;
     bool isReduced_ = false;
     Handle question_;
 };
 
-// From the settings by namespace: the desktops' common "reduced-motion", else GNOME's switch for
-// animations.
-bool reducesMotion(const PropertyDictionary& settings);
+// From the portal's settings by namespace: the desktops' common "reduced-motion", else GNOME's
+// switch for animations; nullopt when neither is there.
+std::optional<bool> reducesMotion(const PropertyDictionary& settings);
 
 }  // namespace quorvane

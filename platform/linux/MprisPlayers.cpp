@@ -69,20 +69,38 @@ void MprisPlayers::add(const std::string& name, const std::string& owner) {
     Entry& entry = entries_[name];
     entry.owner = owner;
     entry.player.busName = name;
+    sd_bus* bus = bus_.connection();
+    const BusQuestion question =
+        newBusQuestion(bus, kBus, kBusPath, kBus, "GetConnectionUnixProcessID");
+    if (question) sd_bus_message_append(question.get(), "s", owner.c_str());
+    entry.processID = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
+        std::uint32_t processID = 0;
+        if (!reply || sd_bus_message_read(reply, "u", &processID) < 0) return;
+        entry.player.processID = processID;
+        if (entry.isDescribed) changed();
+    });
     describe(entry);
 }
 
-void MprisPlayers::describe(Entry& entry) {
-    if (entry.description) return;
-    const std::string& name = entry.player.busName;
-    entry.identity = getProperty(name, kRoot, "Identity", [this, &entry](sd_bus_message* reply) {
+void MprisPlayers::askIdentity(Entry& entry) {
+    sd_bus* bus = bus_.connection();
+    const BusQuestion question =
+        newBusQuestion(bus, entry.player.busName, kPath, kProperties, "Get");
+    if (question) sd_bus_message_append(question.get(), "ss", kRoot, "Identity");
+    entry.identity = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
         const char* text = nullptr;
         if (!reply || sd_bus_message_read(reply, "v", "s", &text) < 0) return;
         entry.player.identity = text;
         if (entry.isDescribed) changed();
     });
+}
+
+void MprisPlayers::describe(Entry& entry) {
+    if (entry.description) return;
+    if (!entry.isDescribed) askIdentity(entry);
     sd_bus* bus = bus_.connection();
-    const BusQuestion question = newBusQuestion(bus, name, kPath, kProperties, "GetAll");
+    const BusQuestion question =
+        newBusQuestion(bus, entry.player.busName, kPath, kProperties, "GetAll");
     if (question) sd_bus_message_append(question.get(), "s", kPlayer);
     entry.description = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
         entry.description.reset();
@@ -142,30 +160,15 @@ void MprisPlayers::onSeeked(sd_bus_message* message) {
     forSender(message, [&](Entry& entry) { takePosition(entry, position); });
 }
 
-void MprisPlayers::askPosition(const std::string& name) {
+void MprisPlayers::refresh(const std::string& name) {
     const auto found = entries_.find(name);
-    if (found == entries_.end() || found->second.position) return;
-    Entry& entry = found->second;
-    entry.position = getProperty(name, kPlayer, "Position", [this, &entry](sd_bus_message* reply) {
-        entry.position.reset();
-        std::int64_t position = 0;
-        if (reply && sd_bus_message_read(reply, "v", "x", &position) >= 0)
-            takePosition(entry, position);
-    });
+    if (found != entries_.end()) describe(found->second);
 }
 
 void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {
     entry.player.position = microseconds;
     entry.player.positionAt = clock_.now();
     changed();
-}
-
-Handle MprisPlayers::getProperty(const std::string& name, const char* interface,
-                                 const char* property, Answer answer) {
-    sd_bus* bus = bus_.connection();
-    const BusQuestion question = newBusQuestion(bus, name, kPath, kProperties, "Get");
-    if (question) sd_bus_message_append(question.get(), "ss", interface, property);
-    return askBus(bus, question, kPatience, std::move(answer));
 }
 
 void MprisPlayers::call(const std::string& name, const std::string& method) {

@@ -18,7 +18,7 @@
 
 namespace quorvane {
 
-// Main thread only. Stands behind the table of the same operations.
+// Main thread only. Implements the table of the same operations.
 class MprisPlayers : public std::enable_shared_from_this<MprisPlayers> {
 public:
     MprisPlayers(SessionBus& bus, Clock clock, MainThread mainThread)
@@ -30,23 +30,22 @@ public:
     Handle observe(std::function<void()> handler) {
         return revision_.subscribe(std::move(handler));
     }
-    void askPosition(const std::string& name);
+    void refresh(const std::string& name);
     void call(const std::string& name, const std::string& method);
     void raise(const std::string& name);
     void set(const std::string& name, const std::string& property, const PropertyValue& value);
 
 private:
-    // One name on the bus and the player behind it. The handles are questions to it that are under
-    // way; nothing is heard of them once it is gone.
+    // One name on the bus and the player behind it. The handles are its pending questions, which
+    // end with the entry.
     struct Entry {
         std::string owner;  // the connection's own name, from which its signals come
         bool isDescribed = false;
         MediaPlayer player;
+        Handle processID;
         Handle identity;
         Handle description;
-        Handle position;
     };
-    using Answer = std::function<void(sd_bus_message* reply)>;  // null when there is none
 
     void findPlayers();
     void findOwner(const std::string& name);
@@ -60,8 +59,7 @@ private:
     template <typename Action>
     void forSender(sd_bus_message* message, Action action);
     void takePosition(Entry& entry, std::int64_t microseconds);
-    Handle getProperty(const std::string& name, const char* interface, const char* property,
-                       Answer answer);
+    void askIdentity(Entry& entry);
     void tell(const BusQuestion& call);
     void changed();
     void publish();

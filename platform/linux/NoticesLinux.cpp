@@ -1,10 +1,9 @@
 #include "platform/linux/NoticesLinux.hpp"
 
-#include <cerrno>
-#include <system_error>
 #include <utility>
 
 #include "platform/linux/BusValues.hpp"
+#include "platform/linux/PosixError.hpp"
 
 namespace quorvane {
 namespace {
@@ -30,9 +29,7 @@ void post(SessionBus& bus, const Logger& log, const char* member, const std::str
     sd_bus* connection = bus.connection();
     if (!connection) return;
     const int result = send(connection, member, name, userInfo);
-    if (result < 0)
-        log.error("bus: %{public}s not posted: %{public}s", name,
-                  std::system_category().message(-result));
+    if (result < 0) log.error("bus: %{public}s not posted: %{public}s", name, errnoText(-result));
 }
 
 Handle observe(SessionBus& bus, const char* member, const std::string& name,
@@ -60,7 +57,7 @@ DistributedNotices makeDistributedNotices(SessionBus& bus, LocalNotices& localNo
                                sd_bus_message_skip(message, "s") >= 0 &&
                                readBusDictionary(message, userInfo) >= 0)
                                return handler(userInfo);
-                           log.error("bus: %{public}s came in a form of its own; dropped", name);
+                           log.error("bus: %{public}s has another form; dropped", name);
                        });
     };
     return {.post = postNotice, .observe = observeNotice};

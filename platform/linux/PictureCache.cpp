@@ -24,28 +24,30 @@ PictureCache::PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainTh
 
 void PictureCache::Entry::settle(CairoSurface decoded) {
     surface = std::move(decoded);
-    state = surface ? Picture::State::ready : Picture::State::undecodable;
+    // Held: whoever observes the state may let go of the image.
+    if (const auto held = image.lock())
+        held->state().set(surface ? Image::State::ready : Image::State::undecodable);
 }
 
-PictureCache::Picture PictureCache::picture(const ImageRef& image, PixelSize size) {
+cairo_surface_t* PictureCache::picture(const ImageRef& image, PixelSize size) {
     std::erase_if(recent_, [](const auto& entry) { return entry->image.expired(); });
-    auto found = std::ranges::find_if(recent_, [&](const auto& entry) {
-        return entry->size == size && entry->image.lock() == image;
-    });
+    const auto isOfImage = [&](const auto& entry) { return entry->image.lock() == image; };
+    auto found = std::ranges::find_if(
+        recent_, [&](const auto& entry) { return entry->size == size && isOfImage(entry); });
     if (found == recent_.end()) {
         found = recent_.insert(recent_.begin(), std::make_shared<Entry>(Entry{image, size}));
         start(*found, image);
         if (recent_.size() > kKeptPictures) recent_.pop_back();
     }
     recent_.splice(recent_.begin(), recent_, found);
-    const Entry& entry = *recent_.front();
-    return {entry.state, entry.surface.get()};
+    const auto decoded = std::ranges::find_if(
+        recent_, [&](const auto& entry) { return entry->surface && isOfImage(entry); });
+    return decoded == recent_.end() ? nullptr : (*decoded)->surface.get();
 }
 
 void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& image) {
-    if (!queue_) return entry->settle(decode(*image, entry->size));
-    queue_->async([image, size = entry->size, waiting = std::weak_ptr{entry},
-                   mainThread = mainThread_, arrived = std::weak_ptr{arrived_}] {
+    const auto action = [image, size = entry->size, waiting = std::weak_ptr{entry},
+                         mainThread = mainThread_, arrived = std::weak_ptr{arrived_}] {
         // A function object can only carry what is copied, hence the shared owner.
         const auto decoded = std::make_shared<CairoSurface>(decode(*image, size));
         mainThread.post([decoded, waiting, arrived] {
@@ -55,7 +57,8 @@ void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& im
             target->settle(std::move(*decoded));
             if (*listener) (*listener)();
         });
-    });
+    };
+    if (!queue_ || !queue_->async(action)) entry->settle(decode(*image, entry->size));
 }
 
 }  // namespace quorvane

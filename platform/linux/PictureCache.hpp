@@ -16,25 +16,21 @@ namespace quorvane {
 // belong to the image and go with it.
 class PictureCache {
 public:
-    // With a queue pictures are decoded there and are still on their way when first asked for;
-    // `arrived` is then called on the main thread. Without one they are decoded at once.
+    // With a queue pictures are decoded there, and `arrived` is called on the main thread for each.
+    // Without one, or when the system refuses its thread, they are decoded at once.
     PictureCache() = default;
     PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainThread,
                  std::function<void()> arrived);
 
-    struct Picture {
-        enum class State { arriving, ready, undecodable };
-        State state = State::arriving;
-        cairo_surface_t* surface = nullptr;  // when ready, until the next call
-    };
-    Picture picture(const ImageRef& image, PixelSize size);
+    // Valid until the next call. The image at another size while this one is being decoded; null
+    // while there is none, and for an undecodable image. Sets the image's state.
+    cairo_surface_t* picture(const ImageRef& image, PixelSize size);
 
 private:
     struct Entry {
         std::weak_ptr<const Image> image;
         PixelSize size;
-        Picture::State state = Picture::State::arriving;
-        CairoSurface surface{};
+        CairoSurface surface{};  // null while it is being decoded, and if it cannot be
 
         void settle(CairoSurface decoded);
     };
@@ -44,7 +40,7 @@ private:
 
     Entries recent_;  // the last used one first
     MainThread mainThread_;
-    // Shared so that a picture that arrives late finds whether anybody still waits.
+    // Shared so that a picture that arrives late can tell whether the cache still exists.
     std::shared_ptr<std::function<void()>> arrived_;
     std::unique_ptr<SerialQueue> queue_;  // last: its running action ends before the rest goes
 };

@@ -46,6 +46,10 @@ constexpr PixelRect unionOf(const PixelRect& one, const PixelRect& two) {
             std::max(one.maxY(), two.maxY()) - top};
 }
 
+constexpr PixelRect grownBy(const PixelRect& rect, int margin) {
+    return {rect.x - margin, rect.y - margin, rect.width + 2 * margin, rect.height + 2 * margin};
+}
+
 // The whole pixels that a rectangle of pixels touches.
 inline PixelRect pixelsTouchedBy(const Rect& rect) {
     const int left = static_cast<int>(std::floor(rect.minX()));
@@ -88,6 +92,13 @@ struct Pixels {
 };
 
 inline constexpr std::uint32_t kOpaqueBlack = 0xff000000;
+
+// Gives one value to the pixels in `area`; what of it is outside the picture does not count.
+inline void fill(Pixels& target, const PixelRect& area, std::uint32_t value) {
+    const PixelRect place = area.intersection(target.bounds());
+    for (int y = place.y; y < place.maxY(); ++y)
+        std::fill_n(target.row(y) + place.x, place.width, value);
+}
 
 // Copies `source` so that its top left comes to (x, y); what falls outside is left away.
 inline void copyInto(Pixels& target, const Pixels& source, int x, int y) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/PlatformError.hpp"
+#include "platform/ErrorText.hpp"
 
 namespace quorvane {
 
@@ -15,6 +15,11 @@ inline std::unexpected<PlatformError> posixError(const std::string& what, int co
         PlatformError{.domain = PlatformError::Domain::posix,
                       .code = code,
                       .description = what + ": " + std::system_category().message(code)}};
+}
+
+// What the log says of an error number.
+inline std::string errnoText(int code) {
+    return errorText({.code = code, .description = std::system_category().message(code)});
 }
 
 }  // namespace quorvane

@@ -13,8 +13,12 @@ namespace {
 constexpr std::uint16_t kMajorVersion = 2;
 constexpr std::uint16_t kMinorVersion = 2;
 
-constexpr std::uint32_t kButtons =
-    XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
+constexpr std::uint32_t kPresses =
+    XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
+    XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END;
+constexpr std::uint32_t kMoves =
+    XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_UPDATE;
+constexpr unsigned kPrimary = 1;
 
 }  // namespace
 
@@ -46,10 +50,12 @@ bool RawPointer::isSupported() {
 }
 
 void RawPointer::select() {
-    if (listeners_.isEmpty()) buttonsDown_.clear();
-    std::uint32_t wanted = listeners_.isEmpty() ? 0 : kButtons;
-    if (!buttonsDown_.empty() || !moveListeners_.isEmpty())
-        wanted |= XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
+    if (listeners_.isEmpty()) {
+        buttonsDown_.clear();
+        touch_.reset();
+    }
+    std::uint32_t wanted = listeners_.isEmpty() ? 0 : kPresses;
+    if (!buttonsDown_.empty() || !moveListeners_.isEmpty()) wanted |= kMoves;
     if (wanted == selected_ || !isSupported()) return;
     selected_ = wanted;
     struct {
@@ -71,15 +77,43 @@ void RawPointer::handle(const xcb_generic_event_t& event) {
     if (head.extension != major_) return;
     const auto& raw = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
     switch (head.event_type) {
-        case XCB_INPUT_RAW_BUTTON_PRESS: return handleButton(raw.detail, true);
-        case XCB_INPUT_RAW_BUTTON_RELEASE: return handleButton(raw.detail, false);
+        case XCB_INPUT_RAW_BUTTON_PRESS: return press(logicalButton(raw.detail), true);
+        case XCB_INPUT_RAW_BUTTON_RELEASE: return press(logicalButton(raw.detail), false);
+        case XCB_INPUT_RAW_TOUCH_BEGIN: return beginTouch(raw.detail, raw.sourceid);
+        case XCB_INPUT_RAW_TOUCH_END:
+            if (touch_ != raw.detail) return;
+            touch_.reset();
+            return press(kPrimary, false);
         // A fast mouse moves a thousand times a second; one report of many is enough.
-        case XCB_INPUT_RAW_MOTION: hasMoved_ = true;
+        case XCB_INPUT_RAW_MOTION:
+        case XCB_INPUT_RAW_TOUCH_UPDATE: hasMoved_ = true;
     }
 }
 
-void RawPointer::handleButton(unsigned physicalButton, bool isDown) {
-    const unsigned button = logicalButton(physicalButton);
+// The server moves the pointer with the first finger, so its place is the pointer's.
+void RawPointer::beginTouch(std::uint32_t touch, std::uint16_t device) {
+    if (touch_ || !isTouchScreen(device)) return;
+    touch_ = touch;
+    press(kPrimary, true);
+}
+
+// A finger on a touch pad begins a touch as well, but presses nothing.
+bool RawPointer::isTouchScreen(std::uint16_t device) {
+    const auto reply = xcbReply(xcb_input_xi_query_device_reply, x11_.connection(),
+                                xcb_input_xi_query_device(x11_.connection(), device));
+    if (!reply) return false;
+    for (auto info = xcb_input_xi_query_device_infos_iterator(reply.get()); info.rem > 0;
+         xcb_input_xi_device_info_next(&info))
+        for (auto each = xcb_input_xi_device_info_classes_iterator(info.data); each.rem > 0;
+             xcb_input_device_class_next(&each))
+            if (each.data->type == XCB_INPUT_DEVICE_CLASS_TYPE_TOUCH &&
+                reinterpret_cast<const xcb_input_touch_class_t*>(each.data)->mode ==
+                    XCB_INPUT_TOUCH_MODE_DIRECT)
+                return true;
+    return false;
+}
+
+void RawPointer::press(unsigned button, bool isDown) {
     Point place;
     if (button == 0 || !position(place)) return;
     if (isDown)

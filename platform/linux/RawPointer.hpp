@@ -1,9 +1,12 @@
-// The pointer while somebody else holds it grabbed: raw button events and the place they happen at.
+// The pointer while another client holds it grabbed: raw events of buttons and of a touch screen,
+// and the place they happen at.
 #pragma once
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <set>
 
 #include "platform/linux/Listeners.hpp"
@@ -12,10 +15,11 @@
 
 namespace quorvane {
 
-// Main thread only. Nothing is selected on the server while nobody observes; moves only while a
-// button is down or somebody observes moves. What is selected are the three raw events of the
-// pointer and nothing else: the keys that are being typed are none of our business. Without
-// XInput 2 on the server nothing is ever reported.
+// Main thread only. Nothing is selected on the server without a listener; moves only while a button
+// or finger is down or a listener wants moves. Only raw events of pointers and touch screens are
+// selected, never those of the keys that are being typed. The first finger on a touch screen is
+// reported as the primary button, the others are ignored. Without XInput 2 on the server nothing is
+// ever reported.
 class RawPointer {
 public:
     explicit RawPointer(X11Connection& x11);
@@ -27,7 +31,9 @@ private:
     bool isSupported();
     void select();
     void handle(const xcb_generic_event_t& event);
-    void handleButton(unsigned physicalButton, bool isDown);
+    void press(unsigned button, bool isDown);
+    void beginTouch(std::uint32_t touch, std::uint16_t device);
+    bool isTouchScreen(std::uint16_t device);
     void reportMove();
     unsigned logicalButton(unsigned physicalButton);
     bool position(Point& point);
@@ -36,6 +42,7 @@ private:
     int major_ = -1;  // the extension's number; 0 when the server lacks it, -1 before the first use
     std::uint32_t selected_ = 0;
     std::set<unsigned> buttonsDown_;
+    std::optional<std::uint32_t> touch_;  // the first finger's
     bool hasMoved_ = false;
     Listeners<const RawPointerEvent&> listeners_;
     Listeners<Point> moveListeners_;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/socket.h>
 #include <sys/time.h>
 
 #include <algorithm>
@@ -47,6 +48,16 @@ PortReply RemotePortLinux::send(PortRequest request) {
     return receiveReply(request.receiveTimeout, std::move(request.replyMemory));
 }
 
+void RemotePortLinux::cancel() {
+    const std::lock_guard guard{mutex_};
+    if (socket_) shutdown(socket_.get(), SHUT_RDWR);
+}
+
+void RemotePortLinux::close() {
+    const std::lock_guard guard{mutex_};
+    socket_.reset();
+}
+
 std::int32_t RemotePortLinux::sendFrame(const PortRequest& request) {
     const std::size_t length = request.secret.size() + request.body.size();
     const FrameHeader header = encode(RequestHeader{.length = static_cast<std::uint32_t>(length),
@@ -62,12 +73,12 @@ std::int32_t RemotePortLinux::sendFrame(const PortRequest& request) {
         if (count >= 0) {
             sent += static_cast<std::size_t>(count);
         } else if (errno != EAGAIN) {
-            socket_.reset();
+            close();
             return sent == 0 ? kPortIsInvalid : kPortTransportError;
         } else {
             if (!deadline) deadline = deadlineAfter(request.sendTimeout);
             if (waitForRoom(*deadline)) continue;
-            if (sent > 0) socket_.reset();  // nothing can follow half a frame
+            if (sent > 0) close();  // nothing can follow half a frame
             return kPortSendTimeout;
         }
     }
@@ -130,12 +141,12 @@ PortReply RemotePortLinux::receiveBody(std::size_t length, Instant deadline, Byt
 
 PortReply RemotePortLinux::failure(Received received) {
     if (received == Received::timedOut) return {.status = kPortReceiveTimeout};
-    socket_.reset();
+    close();
     return {.status = kPortBecameInvalid};
 }
 
 PortReply RemotePortLinux::brokenRules() {
-    socket_.reset();
+    close();
     return {.status = kPortTransportError};
 }
 

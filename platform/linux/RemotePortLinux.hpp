@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <memory>
+#include <mutex>
 
 #include "platform/MessagePort.hpp"
 #include "platform/linux/FileDescriptor.hpp"
@@ -28,6 +29,7 @@ public:
     static std::unique_ptr<RemotePort> connect(const PortFolder& folder, const std::string& name);
 
     PortReply send(PortRequest request) override;
+    void cancel() override;
 
 private:
     enum class Received { something, timedOut, closed };
@@ -44,8 +46,10 @@ private:
     Received skipStale(Instant deadline);
     Received receive(std::span<std::byte> place, int flags, Instant deadline, std::size_t& count);
     void limitReceiving(Duration limit);
+    void close();
 
-    FileDescriptor socket_;
+    std::mutex mutex_;       // keeps `cancel` off a number that has become another file's
+    FileDescriptor socket_;  // closed under mutex_
     FrameBuffer buffer_;
     std::uint64_t sequence_ = 0;
     std::size_t staleBytes_ = 0;            // of a late reply's body, still to be skipped

@@ -25,12 +25,16 @@ ScreenSaverSignals::ScreenSaverSignals(SessionBus& bus, std::function<void()> ch
     : bus_(bus), changed_(std::move(changed)) {
     services_.reserve(std::size(kServices));
     for (const char* name : kServices) services_.push_back({name, false, {}, {}});
-    const auto askAll = [this] {
-        for (std::size_t index = 0; index < services_.size(); ++index) ask(index);
-    };
     for (std::size_t index = 0; index < services_.size(); ++index) observe(index);
-    reconnections_ = bus_.observeReconnection(askAll);
+    loss_ = bus_.observeLoss([this] {
+        for (std::size_t index = 0; index < services_.size(); ++index) set(index, false);
+    });
+    reconnection_ = bus_.observeReconnection([this] { askAll(); });
     askAll();
+}
+
+void ScreenSaverSignals::askAll() {
+    for (std::size_t index = 0; index < services_.size(); ++index) ask(index);
 }
 
 bool ScreenSaverSignals::isActive() const {
@@ -47,12 +51,12 @@ void ScreenSaverSignals::observe(std::size_t index) {
                        if (sd_bus_message_read(message, "b", &isActive) >= 0)
                            set(index, isActive != 0);
                    }));
-    service.observations.push_back(bus_.match(
-        "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-        "member='NameOwnerChanged',arg0='" +
-            service.name + "'",
-        // Gone, or another one in its place. One that is gone gives no answer, and is not active.
-        [this, index](sd_bus_message*) { ask(index); }));
+    service.observations.push_back(
+        bus_.match("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                   "member='NameOwnerChanged',arg0='" +
+                       service.name + "'",
+                   // A service that has gone gives no answer, and is not active.
+                   [this, index](sd_bus_message*) { ask(index); }));
 }
 
 void ScreenSaverSignals::ask(std::size_t index) {

@@ -1,4 +1,4 @@
-// The screen-saver services of the desktops, as far as they say that they are active.
+// The screen-saver services of the desktops: whether any of them says that it is active.
 #pragma once
 
 #include <functional>
@@ -11,10 +11,10 @@
 namespace quorvane {
 
 // Main thread only. A desktop without such a service, or a session without a bus, is never active;
-// no service is started by being asked. One that ends while it is active is active no more.
+// a question starts no service. A service that ends, or whose bus goes away, is no longer active.
 class ScreenSaverSignals {
 public:
-    // `changed` is called when one of them has become active, or none is any more.
+    // Calls `changed` when the first of them becomes active and when the last one ceases to be.
     ScreenSaverSignals(SessionBus& bus, std::function<void()> changed);
 
     bool isActive() const;
@@ -29,12 +29,14 @@ private:
 
     void observe(std::size_t index);
     void ask(std::size_t index);
+    void askAll();
     void set(std::size_t index, bool isActive);
 
     SessionBus& bus_;
     std::function<void()> changed_;
     std::vector<Service> services_;
-    Handle reconnections_;
+    Handle loss_;
+    Handle reconnection_;
 };
 
 }  // namespace quorvane

@@ -20,7 +20,8 @@ bool isAlikeButForItsWay(const SceneNode& one, const SceneNode& two) {
     if (!before || !after) return one == two;
     return before->frame == after->frame && before->text == after->text &&
            before->font == after->font && before->color == after->color &&
-           before->scroll->gap == after->scroll->gap && before->scroll->fade == after->scroll->fade;
+           before->alignment == after->alignment && before->scroll->gap == after->scroll->gap &&
+           before->scroll->fade == after->scroll->fade;
 }
 
 // Pictures may still be on their way, and what is in a group may move.
@@ -125,7 +126,7 @@ std::vector<ScrollingPart::Copy> ScrollingPart::copiesOf(std::span<const Leaf> l
         const auto pixel = [&](double x) { return std::round(place_.pixel(x)); };
         // The rest is rounded by itself: frames made for whole pixels of the way then show whole
         // pixels.
-        const double rest = place_.point(pixel(restOf(node, line.width, isRightToLeft_)));
+        const double rest = place_.point(pixel(leftEdgeOf(node, line.width, isRightToLeft_)));
         for (const double left : quorvane::copiesOf(node, rest, line.width, isRightToLeft_))
             copies.push_back({&line, static_cast<int>(pixel(left)) - part_.x});
     }

@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "platform/linux/ThreadNameLinux.hpp"
@@ -52,15 +53,23 @@ public:
             thread_.join();
     }
 
-    void async(std::function<void()> action) override {
+    bool async(std::function<void()> action) override {
         // Up to the last line, for the action may end the queue.
         const std::lock_guard guard{work_->mutex};
+        if (!thread_.joinable() && !startThread()) return false;
         work_->actions.push_back(std::move(action));
-        if (!thread_.joinable()) thread_ = std::thread{[work = work_] { work->run(); }};
         work_->changed.notify_one();
+        return true;
     }
 
 private:
+    bool startThread() try {
+        thread_ = std::thread{[work = work_] { work->run(); }};
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
+
     // What waits is dropped at once, and outside the lock.
     void close() {
         std::deque<std::function<void()>> dropped;

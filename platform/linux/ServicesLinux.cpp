@@ -59,6 +59,7 @@ void fillFileTables(LiveServices& services) {
 
 ServicesLinux::ServicesLinux(const LogSink& log)
     : sessionBus(loop, Logger{log, kPlatformSubsystem, "bus"}),
+      systemBus(loop, Logger{log, kPlatformSubsystem, "bus"}),
       localNotices(loop.mainThread()),
       fail([this](int status) { loop.quit(status); }) {}
 

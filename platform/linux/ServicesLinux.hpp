@@ -8,6 +8,7 @@
 #include "platform/linux/EventLoop.hpp"
 #include "platform/linux/LocalNotices.hpp"
 #include "platform/linux/SessionBus.hpp"
+#include "platform/linux/SystemBus.hpp"
 
 namespace quorvane {
 
@@ -19,6 +20,7 @@ struct ServicesLinux {
 
     EventLoop loop;
     SessionBus sessionBus;
+    SystemBus systemBus;
     // The lock watcher delivers the notices of the lock here.
     LocalNotices localNotices;
     // Ends the main loop with this status after the orderly termination: the system went away.

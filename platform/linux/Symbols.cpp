@@ -91,10 +91,10 @@ void drawNote(cairo_t* cairo) {
     cairo_line_to(cairo, 0.03, -0.44);
     strokeLine(cairo);
     cairo_move_to(cairo, 0.03, -0.44);
-    cairo_curve_to(cairo, 0.06, -0.29, 0.36, -0.24, 0.28, 0.06);
-    cairo_curve_to(cairo, 0.26, -0.08, 0.15, -0.17, 0.03, -0.2);
+    cairo_curve_to(cairo, 0.06, -0.26, 0.38, -0.22, 0.27, 0.07);
+    cairo_curve_to(cairo, 0.29, -0.12, 0.14, -0.2, 0.03, -0.28);
     cairo_close_path(cairo);
-    fillRounded(cairo, kPen / 2);
+    fillRounded(cairo, kPen / 4);
 }
 
 // The cone's mouth is at x = 0.

@@ -106,7 +106,7 @@ void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLa
     // The rest is rounded by itself: frames made for whole pixels of the way then show whole
     // pixels.
     const Point start = snapped(
-        cairo, {restOf(node, line.width, isRightToLeft), baselineOf(node.frame, line.heights)});
+        cairo, {leftEdgeOf(node, line.width, isRightToLeft), baselineOf(node.frame, line.heights)});
     for (const double left : copiesOf(node, start.x, line.width, isRightToLeft))
         drawLine(cairo, line, node.color, snapped(cairo, {left, start.y}), paint);
 }

@@ -10,6 +10,8 @@
 namespace quorvane {
 namespace {
 
+constexpr double kDashSpacing = 0.1;  // of the font's size
+
 PangoWeight weightOf(FontStyle::Weight weight) {
     switch (weight) {
         case FontStyle::Weight::regular: return PANGO_WEIGHT_NORMAL;
@@ -62,13 +64,17 @@ TextLine TextLayouts::layOut(const std::string& text, const FontStyle& font,
     PangoLayout* const layout = line.layout.get();
     pango_layout_set_single_paragraph_mode(layout, TRUE);
     pango_layout_set_font_description(layout, description);
+    const std::string shown = singleLine(text);
     if (font.hasTabularDigits) {
         PangoAttrList* const attributes = pango_attr_list_new();
         pango_attr_list_insert(attributes, pango_attr_font_features_new("tnum=1"));
+        // Dashes in place of digits: as narrow as fonts have them, they would join into strokes.
+        if (shown.find("\u2013") != std::string::npos)
+            pango_attr_list_insert(attributes, pango_attr_letter_spacing_new(static_cast<int>(
+                                                   kDashSpacing * font.size * PANGO_SCALE)));
         pango_layout_set_attributes(layout, attributes);
         pango_attr_list_unref(attributes);
     }
-    const std::string shown = singleLine(text);
     pango_layout_set_text(layout, shown.data(), static_cast<int>(shown.size()));
     if (fit) {
         pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);

@@ -201,6 +201,35 @@ std::set<std::uint32_t> TopLevels::desktopClients() {
     return clients;
 }
 
+std::set<std::uint32_t> TopLevels::managedClients() {
+    constexpr std::uint32_t kMostWindows = 4096;
+    const auto list =
+        xcbReply(xcb_get_property_reply, x11_.connection(),
+                 xcb_get_property(x11_.connection(), false, x11_.root(),
+                                  x11_.atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 0, kMostWindows));
+    std::set<std::uint32_t> clients;
+    if (!list || list->format != 32) return clients;
+    const auto* windows = static_cast<const xcb_window_t*>(xcb_get_property_value(list.get()));
+    for (std::uint32_t i = 0; i < list->value_len; ++i) clients.insert(x11_.clientOf(windows[i]));
+    return clients;
+}
+
+// No event reports a pointer grab reliably. The server answers a grab of an unmapped window with
+// "already grabbed" or "not viewable": the request cannot succeed, so it never takes the pointer.
+bool TopLevels::pointerIsHeld() {
+    xcb_connection_t* connection = x11_.connection();
+    if (probe_ == XCB_WINDOW_NONE) {
+        probe_ = xcb_generate_id(connection);
+        xcb_create_window(connection, 0, probe_, x11_.root(), -1, -1, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    }
+    const auto reply = xcbReply(
+        xcb_grab_pointer_reply, connection,
+        xcb_grab_pointer(connection, false, probe_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                         XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_CURRENT_TIME));
+    return reply && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
+}
+
 void TopLevels::followScreenSaver(bool follows) {
     if (std::exchange(followsScreenSaver_, follows) != follows)
         select(x11_.root(), follows ? kRootMask | XCB_EVENT_MASK_PROPERTY_CHANGE : kRootMask);

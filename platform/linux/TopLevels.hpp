@@ -49,6 +49,10 @@ public:
     std::vector<Rect> mappedChildren(xcb_window_t parent, const Rect& frame);
     // The clients that manage the desktop: window manager and compositor.
     std::set<std::uint32_t> desktopClients();
+    // The clients with a window that the window manager lists.
+    std::set<std::uint32_t> managedClients();
+    // Whether another client holds the pointer grabbed.
+    bool pointerIsHeld();
     // What xscreensaver publishes. While it is followed its changes are changes too; otherwise the
     // root window's properties are left alone, to which status bars write every second.
     void followScreenSaver(bool follows);
@@ -76,6 +80,7 @@ private:
     WindowStack root_;
     std::vector<WindowStack> overlays_;  // of windows that the server itself made
     KeyboardHold keyboard_ = KeyboardHold::unknown;
+    xcb_window_t probe_ = XCB_WINDOW_NONE;  // never mapped
     std::map<xcb_window_t, Details> details_;
     std::set<xcb_window_t> watchedClosely_;
     std::set<xcb_window_t> destroyed_;

@@ -25,10 +25,10 @@ WindowStack::Place WindowStack::placeOf(xcb_window_t window) {
 
 void WindowStack::put(const Entry& entry) {
     const auto place = placeOf(entry.window);
-    if (place == entries_.end())
-        entries_.push_back(entry);
-    else
-        *place = entry;
+    const bool wasShown = entry.isMapped || (place != entries_.end() && place->wasShown);
+    Entry& known = place == entries_.end() ? entries_.emplace_back() : *place;
+    known = entry;
+    known.wasShown = wasShown;
 }
 
 bool WindowStack::apply(const xcb_generic_event_t& event) {
@@ -72,6 +72,7 @@ bool WindowStack::setMapped(xcb_window_t window, bool isMapped) {
     const auto place = placeOf(window);
     if (place == entries_.end() || place->isMapped == isMapped) return false;
     place->isMapped = isMapped;
+    place->wasShown |= isMapped;
     return true;
 }
 
@@ -101,6 +102,7 @@ bool WindowStack::reparent(const xcb_reparent_notify_event_t& event) {
     entry.frame.x = event.x;
     entry.frame.y = event.y;
     entry.isOverrideRedirect = event.override_redirect != 0;
+    entry.wasShown = true;  // a window manager's frame holds what is shown
     remove(event.window);
     entries_.push_back(entry);
     return true;

@@ -18,6 +18,7 @@ public:
         Rect frame;  // in the parent's pixels, borders included
         bool isMapped = false;
         bool isOverrideRedirect = false;
+        bool wasShown = false;  // mapped at some time, or in another parent before
     };
 
     explicit WindowStack(xcb_window_t parent = XCB_WINDOW_NONE) : parent_(parent) {}

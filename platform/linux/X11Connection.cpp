@@ -64,9 +64,9 @@ Result<std::unique_ptr<X11Connection>> X11Connection::open(EventLoop& loop,
         xcb_disconnect(connection);
         const char* environment = std::getenv("DISPLAY");
         const std::string name = !display.empty() ? display : environment ? environment : "";
-        return std::unexpected(
-            PlatformError{PlatformError::Domain::service, error,
-                          "cannot open the display \"" + name + "\": " + reasonOf(error)});
+        return std::unexpected(PlatformError{PlatformError::Domain::service, error,
+                                             "cannot open the display \"" + name + "\": " +
+                                                 reasonOf(error) + "; start it in an X11 session"});
     }
     return std::unique_ptr<X11Connection>{
         new X11Connection(loop, connection, screen, std::move(onLost))};

@@ -9,14 +9,18 @@ Result<std::unique_ptr<X11SessionLinux>> X11SessionLinux::open(EventLoop& loop,
                                                                std::function<void()> onLost) {
     auto x11 = X11Connection::open(loop, display, std::move(onLost));
     if (!x11) return std::unexpected(std::move(x11).error());
-    return std::unique_ptr<X11SessionLinux>{new X11SessionLinux(*std::move(x11))};
+    return std::unique_ptr<X11SessionLinux>{new X11SessionLinux(*std::move(x11), loop.clock())};
 }
 
-X11SessionLinux::X11SessionLinux(std::unique_ptr<X11Connection> x11)
-    : x11_(std::move(x11)), monitors_(*x11_), lockers_(*x11_, monitors_), pointer_(*x11_) {
-    // The user's dots per inch change without a notice; nobody needs them before there is a lock.
+X11SessionLinux::X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock& clock)
+    : x11_(std::move(x11)),
+      monitors_(*x11_, clock),
+      lockers_(*x11_, monitors_, clock),
+      pointer_(*x11_) {
+    // The user's dots per inch change without a notice, and matter only while there is a lock.
     lockObservation_ = lockers_.observe([this] {
-        if (!lockers_.windows().empty()) monitors_.refresh();
+        const bool isLocked = !lockers_.windows().empty();
+        if (!std::exchange(isLocked_, isLocked) && isLocked) monitors_.refresh();
     });
 }
 

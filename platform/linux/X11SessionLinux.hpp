@@ -38,12 +38,13 @@ public:
     Screens screens();
 
 private:
-    explicit X11SessionLinux(std::unique_ptr<X11Connection> x11);
+    X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock& clock);
 
     std::unique_ptr<X11Connection> x11_;  // the others refer to it
     MonitorsLinux monitors_;
     LockerWindows lockers_;
     RawPointer pointer_;
+    bool isLocked_ = false;
     Handle lockObservation_;
 };
 

@@ -60,8 +60,12 @@ struct Painter {
 
     void operator()(const ShapeNode& shape) const {
         addRounded(context, shape.frame, shape.cornerRadius);
+        if (shape.edgeWidth > 0)
+            addRounded(context, shape.frame.grownBy(-shape.edgeWidth),
+                       shape.cornerRadius - shape.edgeWidth);
         setFill(context, shape.fill);
-        CGContextFillPath(context);
+        // What lies inside both outlines stays empty.
+        CGContextEOFillPath(context);
     }
 
     void operator()(const ImageNode& node) const {
@@ -119,7 +123,7 @@ struct Painter {
     void drawScrolling(const TextNode& node) const {
         const TextLine& line = lines.line(node.text, node.font);
         CGContextBeginTransparencyLayer(context, nullptr);
-        const double rest = restOf(node, line.width, isRightToLeft);
+        const double rest = leftEdgeOf(node, line.width, isRightToLeft);
         for (const double left : copiesOf(node, rest, line.width, isRightToLeft))
             drawLine(line, node, left);
         drawFade(context, node);

@@ -12,6 +12,8 @@
 namespace quorvane {
 namespace {
 
+constexpr NSInteger kFileExists = 516;  // NSFileWriteFileExistsError
+
 std::optional<std::filesystem::path> containerOfGroup(const std::string& group) {
     NSFileManager* files = NSFileManager.defaultManager;
     // A place for every name, whether or not the folder is there or this program may use it.
@@ -45,10 +47,30 @@ Result<void> writeAtomically(const std::filesystem::path& path, ByteView content
     }
 }
 
+// No option of writeToURL is both atomic and keeps an existing file, but a hard link is.
+Result<void> createAtomically(const std::filesystem::path& path, ByteView contents) {
+    @autoreleasepool {
+        auto temporary = path;
+        temporary += "." + makeUUIDMacOS();
+        if (auto written = writeAtomically(temporary, contents); !written) return written;
+        NSFileManager* files = NSFileManager.defaultManager;
+        NSError* error = nil;
+        const BOOL isLinked = [files linkItemAtURL:urlFrom(temporary)
+                                             toURL:urlFrom(path)
+                                             error:&error];
+        [files removeItemAtURL:urlFrom(temporary) error:nil];
+        if (isLinked || error.code == kFileExists) return {};
+        return std::unexpected{errorFrom(error)};
+    }
+}
+
 }  // namespace
 
 FileStore makeFileStoreMacOS() {
-    return {.containerOfGroup = containerOfGroup, .read = read, .writeAtomically = writeAtomically};
+    return {.containerOfGroup = containerOfGroup,
+            .read = read,
+            .writeAtomically = writeAtomically,
+            .createAtomically = createAtomically};
 }
 
 FillRandom makeFillRandomMacOS() {

@@ -1,5 +1,6 @@
 // This system has no common interface to its players: Quorvane itself talks to each of them.
 #include "platform/MediaPlayers.hpp"
+#include "platform/SoundServer.hpp"
 
 namespace quorvane {
 
@@ -9,10 +10,15 @@ MediaPlayers makeLiveMediaPlayers(const LiveServices&) {
                 return none;
             },
             .observe = [](const std::function<void()>&) { return Handle{[] {}}; },
-            .askPosition = [](const std::string&) {},
+            .refresh = [](const std::string&) {},
             .call = [](const std::string&, const std::string&) {},
             .set = [](const std::string&, const std::string&, const PropertyValue&) {},
             .raise = [](const std::string&) {}};
+}
+
+SoundServer makeLiveSoundServer(const LiveServices&) {
+    return {.observe = [](const std::function<void(SoundLevels)>&) { return Handle{[] {}}; },
+            .setVolume = [](std::optional<std::uint32_t>, double) {}};
 }
 
 }  // namespace quorvane

@@ -21,7 +21,10 @@ public:
     explicit RemotePortMacOS(CFHandle<CFMessagePortRef> port) : port_(std::move(port)) {}
 
     // Else the next port of this name would be the same object, dead or not.
-    ~RemotePortMacOS() override { CFMessagePortInvalidate(port_.get()); }
+    ~RemotePortMacOS() override { cancel(); }
+
+    // A send that waits looks at the port whenever its run loop has woken.
+    void cancel() override { CFMessagePortInvalidate(port_.get()); }
 
     PortReply send(PortRequest request) override {
         @autoreleasepool {

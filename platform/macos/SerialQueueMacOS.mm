@@ -29,11 +29,12 @@ public:
                           });
     }
 
-    void async(std::function<void()> action) override {
+    bool async(std::function<void()> action) override {
         const auto isClosed = isClosed_;
         dispatch_async(queue_, ^{
           if (!*isClosed) action();
         });
+        return true;
     }
 
 private:

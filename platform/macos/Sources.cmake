@@ -23,6 +23,7 @@ set(QUORVANE_MACOS_SOURCES
     RemotePortMacOS.mm
     RunningApplicationsMacOS.mm
     SerialQueueMacOS.mm
+    SessionProblemsMacOS.cpp
     SignalSource.mm
     ToolMacOS.mm
     UserDefaultsMacOS.mm

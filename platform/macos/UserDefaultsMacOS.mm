@@ -28,10 +28,23 @@ Result<void> synchronize(NSString* domain) {
                       .description = "the preferences could not be synchronized"}};
 }
 
+// One call for all of them: the system's daemon may bring in new values between two.
+PropertyDictionary valuesTogether(NSUserDefaults* defaults, const std::vector<std::string>& keys) {
+    NSDictionary* all = [defaults dictionaryRepresentation];
+    PropertyDictionary values;
+    for (const std::string& key : keys)
+        if (auto value = valueFrom(all[stringFrom(key)])) values.emplace(key, *std::move(value));
+    return values;
+}
+
 UserDefaults tableOf(NSUserDefaults* defaults, NSString* domain) {
     return {.get =
                 [defaults](const std::string& key) {
                     return valueFrom([defaults objectForKey:stringFrom(key)]);
+                },
+            .getTogether =
+                [defaults](const std::vector<std::string>& keys) {
+                    return valuesTogether(defaults, keys);
                 },
             .set = [defaults](const std::string& key,
                               std::optional<PropertyValue> value) { set(defaults, key, value); },

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/RecordingLog.hpp"
 
 namespace quorvane {
 namespace {
@@ -17,7 +18,7 @@ ProcessInfo process() {
 
 AddOnIdentity make(const ProcessInfo& info) {
     MemoryDefaults defaults;
-    return AddOnIdentity::make(info, defaults.table(), [] { return "FRESH"; });
+    return AddOnIdentity::make(info, defaults.table(), [] { return "FRESH"; }, {});
 }
 
 TEST(AddOnIdentity, KeepsItsInstallIdentifierAcrossStarts) {
@@ -28,10 +29,16 @@ TEST(AddOnIdentity, KeepsItsInstallIdentifierAcrossStarts) {
         if (stored) defaults.values.emplace("installID", *stored);
         int made = 0;
         const auto makeUUID = [&] { return "UUID-" + std::to_string(++made); };
-        EXPECT_EQ(AddOnIdentity::make(process(), defaults.table(), makeUUID).installID, "UUID-1");
-        EXPECT_EQ(defaults.synchronizations, 1);
-        EXPECT_EQ(AddOnIdentity::make(process(), defaults.table(), makeUUID).installID, "UUID-1");
-        EXPECT_EQ(defaults.synchronizations, 1);
+        RecordingLog log;
+        defaults.refuses = true;
+        for (int start = 0; start < 2; ++start) {
+            const AddOnIdentity identity = AddOnIdentity::make(
+                process(), defaults.table(), makeUUID, {log.sink(), "add-on", "app"});
+            EXPECT_EQ(identity.installID, "UUID-1");
+            EXPECT_EQ(defaults.synchronizations, 1);
+        }
+        EXPECT_EQ(log.take(),
+                  Lines{"link: the install identifier was not stored: full (error 28)"});
     }
 }
 

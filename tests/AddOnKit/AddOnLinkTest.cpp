@@ -13,11 +13,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-const LockScreenAddOnConfiguration kEnabled{.isEnabled = true, .minimumAddOnVersion = "1.0.0"};
-const LockScreenAddOnConfiguration kDisabled{.minimumAddOnVersion = "1.0.0"};
-const LockScreenAddOnConfiguration kRemoval{.removalRequested = true,
-                                            .minimumAddOnVersion = "1.0.0"};
-const LockScreenAddOnConfiguration kNoAnswer{};
+using Outcome = LockScreenHelloResult::Outcome;
+
+const LockScreenHelloResult kEnabled{Outcome::answered, {true, false, "1.0.0"}};
+const LockScreenHelloResult kDisabled{Outcome::answered, {false, false, "0"}};
+const LockScreenHelloResult kRemoval{Outcome::answered, {false, true, "1.0.0"}};
+const LockScreenHelloResult kNoAnswer{Outcome::unanswered, {}};
+const LockScreenHelloResult kNotSent{};
 
 AddOnIdentity identity(bool isSupported = true, bool isInstalled = false) {
     return {.installID = "ID",
@@ -51,11 +53,11 @@ struct Fixture {
             },
             log.sink());
     }
-    void answer(const LockScreenAddOnConfiguration& configuration) {
+    void answer(const LockScreenHelloResult& result) {
         ASSERT_EQ(waiting.size(), 1u);
         const auto completion = std::move(waiting.front());
         waiting.clear();
-        completion(configuration);
+        completion(result);
     }
 };
 
@@ -95,7 +97,7 @@ TEST(AddOnLink, FollowsTheAnswersAndKeepsTheLastWhenNoneComes) {
     EXPECT_EQ(allowed, (std::vector{true, false, true}));
     EXPECT_EQ(f.log.lines().front().level, LogLevel::info);
     EXPECT_EQ(f.log.take(), (Lines{"Configuration: enabled true, removal false, minimum 1.0.0",
-                                   "Configuration: enabled false, removal false, minimum 1.0.0",
+                                   "Configuration: enabled false, removal false, minimum 0",
                                    "Configuration: enabled true, removal false, minimum "
                                    "1.0.0"}));
     Fixture unsupported{identity(false)};
@@ -169,16 +171,23 @@ TEST(AddOnLink, AnAnswerAfterTheStopOrTheEndIsIgnored) {
     EXPECT_TRUE(twice.link->allowsPlayer());
 }
 
-TEST(AddOnLink, SupersedesARemovalUntilAnAnswerShowsThatItWasHeard) {
-    Fixture f{identity(true, true)};
-    for (const auto& result : {kNoAnswer, kNoAnswer, kDisabled, kEnabled}) {
-        f.link->sayHello();
-        f.answer(result);
-    }
-    std::vector<bool> superseding;
-    for (const auto& hello : f.hellos) superseding.push_back(hello.supersedesRemoval);
-    EXPECT_EQ(superseding, (std::vector{true, true, true, false}));
-    EXPECT_EQ(f.link->identity(), identity(true, true));  // who it is has not changed
+TEST(AddOnLink, SupersedesARemovalInTheFirstHelloThatIsSentAndNotForLong) {
+    const auto superseding = [](const std::vector<LockScreenHelloResult>& results) {
+        Fixture f{identity(true, true)};
+        std::vector<bool> said;
+        for (const auto& result : results) {
+            f.link->sayHello();
+            said.push_back(f.hellos.back().supersedesRemoval);
+            f.answer(result);
+            f.clock.advance(100s);
+        }
+        EXPECT_EQ(f.link->identity(), identity(true, true));  // who it is has not changed
+        return said;
+    };
+    EXPECT_EQ(superseding({kNotSent, kNotSent, kNotSent, kNotSent}),
+              (std::vector{true, true, true, false}));
+    EXPECT_EQ(superseding({kNotSent, kNoAnswer, kNotSent}), (std::vector{true, true, false}));
+    EXPECT_EQ(superseding({kEnabled, kNotSent}), (std::vector{true, false}));
 }
 
 TEST(AddOnLink, ObserversAndTheRemovalMayDestroyIt) {

@@ -19,7 +19,8 @@ struct InstanceHandoverTest : testing::Test {
             me,
             InstanceHandover::Operations{.running =
                                              [this] {
-                                                 ++looks;
+                                                 if (++looks == lastLookWithOthers + 1)
+                                                     copies = {kMe};
                                                  return copies;
                                              },
                                          .terminate =
@@ -38,6 +39,7 @@ struct InstanceHandoverTest : testing::Test {
     InstanceHandover::PIDs asked;
     bool obeysAtOnce = false;
     int looks = 0;
+    int lastLookWithOthers = 1000;  // they quit after it
     std::optional<InstanceHandover> handover;
     std::optional<Outcome> result;
 };
@@ -93,6 +95,13 @@ TEST_F(InstanceHandoverTest, AsksAfterTheWaitAndGivesAGraceTime) {
     resolve();
     clock.advance(10s);
     EXPECT_EQ(result, (Outcome{InstanceHandover::Terminated{{41}}}));
+
+    // One that quits right after the last look is still named.
+    copies = {{41, std::nullopt}, kMe};
+    lastLookWithOthers = looks + 2 + 40;
+    resolve();
+    clock.advance(10s);
+    EXPECT_EQ(asked, (InstanceHandover::PIDs{41}));
 }
 
 TEST_F(InstanceHandoverTest, ANewCopyThatAppearsMeanwhileIsNoReasonToWait) {

@@ -18,7 +18,7 @@ struct LaunchDecisionTest : testing::Test {
                 .sharedDefaults = hasShared ? std::optional{shared.table()} : std::nullopt,
                 .bundle = "/nowhere/Quorvane Lock Screen.app",
                 .identity = [this](const std::filesystem::path&) { return identity; },
-                .log = log.sink()};
+                .log = {log.sink(), kOwn, "removal"}};
     }
     std::string perform(std::vector<std::string> arguments) {
         std::string called;
@@ -67,6 +67,10 @@ TEST_F(LaunchDecisionTest, AFlagOfAnotherCopyIsCleared) {
     clears(kOwn, std::nullopt);
     clears("another.Bundle", kOwn);
     EXPECT_EQ(defaults.synchronizations, 3);
+    defaults.refuses = true;
+    setPending(std::nullopt);
+    EXPECT_EQ(perform({}), "run");
+    EXPECT_EQ(log.lines().back().text, "launch: the removal flag was not cleared: full (error 28)");
 }
 
 TEST_F(LaunchDecisionTest, AFreshInstallVoidsTheRemovalRequest) {
@@ -80,6 +84,10 @@ TEST_F(LaunchDecisionTest, AFreshInstallVoidsTheRemovalRequest) {
     EXPECT_EQ(perform({"--installed"}), "run");
     EXPECT_EQ(shared.values.size(), 1u);
     EXPECT_EQ(shared.synchronizations, 1);
+    EXPECT_TRUE(log.lines().empty());
+    shared.refuses = true;
+    EXPECT_EQ(perform({"--installed"}), "run");
+    EXPECT_EQ(log.take(), Lines{"launch: the removal request was not cleared: full (error 28)"});
     hasShared = false;
     EXPECT_EQ(perform({"--installed"}), "run");
 }

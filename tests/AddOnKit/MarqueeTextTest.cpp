@@ -60,15 +60,44 @@ TEST(MarqueeText, StandsStillWhenItFitsOrMotionIsReduced) {
     EXPECT_FALSE(text.nextChange(at(4), 1));
 }
 
+TEST(MarqueeText, RestsAtItsOwnStartInEitherLayout) {
+    using enum TextAlignment;
+    const struct {
+        const char* text;
+        double width;
+        bool isRightToLeft;  // the card
+        TextAlignment alignment;
+    } rows[] = {{"A Slow Parade", 300, false, leading}, {"A Slow Parade", 300, true, trailing},
+                {"نسيم البحر", 300, false, trailing},   {"نسيم البحر", 300, true, leading},
+                {"«7» – שלום", 300, false, trailing},   {"\u202a٣ 1999!", 300, false, leading},
+                {"٣ 1999! 🌧", 300, true, leading},  {"نسيم البحر", 200, false, leading},
+                {"A Slow Parade", 200, true, leading},  {"夜の港", 300, true, trailing},
+                {"\u200f1999", 300, false, trailing},   {"\xff\xd9", 300, true, leading}};
+    for (const auto& row : rows)
+        for (const bool reduceMotion : {false, true}) {
+            MarqueeText text = tooLong();
+            text.text = row.text;
+            text.textWidth = row.width;
+            text.isRightToLeft = row.isRightToLeft;
+            text.reduceMotion = reduceMotion;
+            EXPECT_EQ(text.node(kField, at(4)).alignment, row.alignment) << row.text;
+        }
+}
+
 // Where the text's leading edge stands, in points from the field's.
 double moved(const TextNode& node) { return node.frame.x + -node.scroll->offset - kField.x; }
 
-TEST(MarqueeText, FadesOnlyOutsideItsField) {
-    const TextNode resting = tooLong().node(kField, at(1));
+TEST(MarqueeText, FadesInBeforeItsFieldAndOutInsideIt) {
+    MarqueeText text = tooLong();
+    const TextNode resting = text.node(kField, at(1));
     EXPECT_DOUBLE_EQ(moved(resting), 0);
-    EXPECT_LE(resting.frame.x + resting.scroll->fade, kField.x);
-    EXPECT_GE(resting.frame.maxX() - resting.scroll->fade, kField.maxX());
+    EXPECT_EQ(resting.frame.x + resting.scroll->fade, kField.x);
+    EXPECT_EQ(resting.frame.maxX(), kField.maxX());
     EXPECT_EQ(resting.scroll->gap, 40);
+    text.isRightToLeft = true;
+    const TextNode mirrored = text.node(kField, at(1));
+    EXPECT_EQ(mirrored.frame.x, kField.x);
+    EXPECT_EQ(mirrored.frame.maxX() - mirrored.scroll->fade, kField.maxX());
 }
 
 TEST(MarqueeText, DrawsTheFrozenMomentWithoutMoving) {

@@ -212,6 +212,26 @@ TEST(PlayerCard, EndsADragThatIsCancelledOrHidden) {
     EXPECT_EQ(f.actions.size(), 4u);
 }
 
+TEST(PlayerCard, KeepsItsPictureWhileFrozenAndADragGoesOn) {
+    ShownCard f;
+    f.pointer(Kind::down, f.middle(ID::volume));
+    f.clock.advance(1s);
+    f.card->freeze();
+    f.model.clear();
+    f.nothingHappens(10s);
+    EXPECT_TRUE(f.model.isDraggingVolume.get());
+    EXPECT_TRUE(f.actions.empty());
+    f.apply();
+    f.card->setShown(true);
+    f.model.toggleLove();
+    f.card->freeze();
+    f.nothingHappens(10s);
+    f.card->setShown(false);
+    EXPECT_EQ(f.actions, std::vector<std::string>{"endVolume"});
+    f.model.toggleLove();
+    f.nothingHappens(10s);
+}
+
 TEST(PlayerCard, ObeysAssistiveTechnology) {
     ShownCard f;
     const auto& ask = f.stage->events.accessibility;
@@ -296,16 +316,60 @@ TEST(PlayerCard, RestartsAMarqueeWhenItsTextChanges) {
     EXPECT_TRUE(std::isnan(titleOffset(f.scene())));
 }
 
+std::vector<ImageRef> imagesOf(const Scene& scene) {
+    std::vector<ImageRef> images;
+    for (const SceneNode& node : scene.nodes)
+        if (const auto* const image = std::get_if<ImageNode>(&node)) images.push_back(image->image);
+    return images;
+}
+
+// The opacity of the first group; 1 where there is none.
+double fadeOf(const Scene& scene) {
+    for (const SceneNode& node : scene.nodes)
+        if (const auto* const group = std::get_if<GroupBegin>(&node)) return group->opacity;
+    return 1;
+}
+
+TEST(PlayerCard, ShowsTheOldArtworkUntilTheNewOneIsDecoded) {
+    ShownCard f;
+    const ImageRef old = f.model.artwork.get();
+    f.decoded = Image::State::arriving;
+    for (const char* bytes : {"rushes", "sedges"}) {
+        f.playWithArtwork(bytes);
+        f.clock.advance(0s);
+        EXPECT_EQ(imagesOf(f.scene()), (std::vector{old, f.model.artwork.get()}));
+        EXPECT_EQ(fadeOf(f.scene()), 0);
+        f.nothingHappens(60s);
+    }
+    const ImageRef arrived = f.model.artwork.get();
+    arrived->state().set(Image::State::ready);
+    f.clock.advance(175ms);
+    EXPECT_NEAR(fadeOf(f.scene()), 0.5, 0.1);
+    f.clock.advance(1s);
+    EXPECT_EQ(imagesOf(f.scene()), std::vector{arrived});
+
+    // The note takes the place of an undecodable one.
+    f.playWithArtwork("broken");
+    f.clock.advance(0s);
+    f.model.artwork.get()->state().set(Image::State::undecodable);
+    f.clock.advance(1s);
+    EXPECT_TRUE(imagesOf(f.scene()).empty());
+    // A card that has shown nothing yet does not fade from the note.
+    f.playWithArtwork("reeds");
+    f.card->setShown(false);
+    f.card->setShown(true);
+    EXPECT_EQ(fadeOf(f.scene()), 0);
+    f.model.artwork.get()->state().set(Image::State::ready);
+    f.clock.advance(0s);
+    EXPECT_EQ(fadeOf(f.scene()), 1);
+}
+
 TEST(PlayerCard, FadesToNewArtworkAndLetsGoOfTheOld) {
     ShownCard f;
     const std::weak_ptr<const Image> old = f.model.artwork.get();
-    f.state.track->artworkData = SharedBytes{copyOf(bytesOf("rushes"))};
-    f.apply();
+    f.playWithArtwork("rushes");
     f.clock.advance(100ms);
-    const auto images = std::ranges::count_if(f.scene().nodes, [](const SceneNode& node) {
-        return std::holds_alternative<ImageNode>(node);
-    });
-    EXPECT_EQ(images, 2);
+    EXPECT_EQ(imagesOf(f.scene()).size(), 2u);
     f.clock.advance(1s);
     f.stage->scenes.erase(f.stage->scenes.begin(), f.stage->scenes.end() - 1);
     EXPECT_TRUE(old.expired());

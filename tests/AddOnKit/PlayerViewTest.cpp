@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "AddOnKit/PlayerGeometry.hpp"
 #include "AddOnKit/PlayerLayout.hpp"
 #include "AddOnKit/PlayerStrings.hpp"
 #include "tests/AddOnKit/PlayingModel.hpp"
@@ -16,6 +17,7 @@ using namespace std::chrono_literals;
 using ID = SceneControl::ID;
 
 constexpr Rect kCard{0, 0, PlayerLayout::kCardWidth, PlayerLayout::kCardHeight};
+constexpr Rect kContent{20, 0, 360, 222};  // between its edges
 
 struct Fixture : PlayingModel {
     PlayerInteraction interaction;
@@ -161,8 +163,10 @@ TEST(PlayerView, KeepsEverythingInsideTheCardAndTextOffTheArtwork) {
         const Rect artwork = control(scene, ID::artwork)->frame;
         for (const SceneNode& node : scene.nodes)
             EXPECT_TRUE(isInside(frameOf(node), kCard)) << variant << describe(frameOf(node));
-        for (const TextNode& text : all<TextNode>(scene))
+        for (const TextNode& text : all<TextNode>(scene)) {
             EXPECT_FALSE(text.frame.intersects(artwork)) << variant << text.text;
+            EXPECT_TRUE(isInside(text.frame, kContent)) << variant << text.text;
+        }
         for (const SceneControl& one : scene.controls) {
             EXPECT_TRUE(isInside(one.frame, kCard)) << variant << one.label;
             if (one.role != SceneControl::Role::button && one.role != SceneControl::Role::slider)
@@ -174,6 +178,17 @@ TEST(PlayerView, KeepsEverythingInsideTheCardAndTextOffTheArtwork) {
         }
         EXPECT_EQ(all<GroupBegin>(scene).size(), all<GroupEnd>(scene).size());
     }
+}
+
+TEST(PlayerView, PlacesTheTimesBelowTheBarAndTheSliderBetweenTheSpeakers) {
+    const PlayerGeometry g = PlayerGeometry::make(true, false);
+    for (const Rect& time : {g.elapsed, g.remaining}) {
+        EXPECT_GE(time.height, 1.5 * PlayerLayout::kTimeTextSize) << "room for high digits";
+        EXPECT_GT(time.y, g.progress.maxY());
+        EXPECT_LT(time.maxY(), g.playPause.y);
+    }
+    EXPECT_EQ(g.volume.x, g.quietSpeaker.maxX() + PlayerLayout::kSpeakerSpacing);
+    EXPECT_EQ(g.volume.maxX(), g.loudSpeaker.x - PlayerLayout::kSpeakerSpacing);
 }
 
 TEST(PlayerView, MirrorsAllButTheTransport) {
@@ -189,6 +204,7 @@ TEST(PlayerView, MirrorsAllButTheTransport) {
         EXPECT_EQ(other.x, stays ? one.frame.x : kCard.width - one.frame.maxX()) << one.label;
         EXPECT_EQ(other.y, one.frame.y);
     }
+    EXPECT_EQ(control(left, ID::volume)->frame.midX(), kCard.midX()) << "below play";
     EXPECT_GT(all<TextNode>(right).at(2).frame.x, all<TextNode>(right).at(3).frame.x);
 }
 

@@ -9,8 +9,9 @@ namespace quorvane {
 
 struct PlayingModel {
     ManualClock clock;
+    Image::State decoded = Image::State::ready;  // of the next artwork
     PlayerModel model{clock.wallClock(),
-                      [](ByteView) -> ImageRef { return std::make_shared<Image>(); }};
+                      [this](ByteView) -> ImageRef { return std::make_shared<Image>(decoded); }};
     QuorvanePlayerState state;
 
     PlayingModel() {
@@ -31,6 +32,11 @@ struct PlayingModel {
     void apply() {
         state.timestamp = clock.wallClock()();
         model.apply(state);
+    }
+
+    void playWithArtwork(std::string_view bytes) {
+        state.track->artworkData = SharedBytes{copyOf(bytesOf(bytes))};
+        apply();
     }
 
     // Every letter is 10 points wide.

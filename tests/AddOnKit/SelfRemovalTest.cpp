@@ -69,6 +69,18 @@ TEST_F(SelfRemovalTest, RemovesEverythingOfItsOwnAndQuits) {
                      "removal: finished; quitting"}));
 }
 
+TEST_F(SelfRemovalTest, DeletesNothingWhenItCannotBeMarkedAsPending) {
+    defaults.refuses = true;
+    removal().perform();
+    EXPECT_TRUE(isThere(kBundle));
+    EXPECT_EQ(installation.loginItem, LoginItemClient::kEnabled);
+    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(
+        log.take(),
+        (Lines{"removal: starting",
+               "removal: not marked as pending: full (error 28); deleting nothing; quitting"}));
+}
+
 TEST_F(SelfRemovalTest, ABundleElsewhereIsDeletedOnlyWhenItIsTheAddOn) {
     bundle = kElsewhere;
     installation.bundles[bundle] = kOwn;
@@ -87,8 +99,7 @@ TEST_F(SelfRemovalTest, ABundleElsewhereIsDeletedOnlyWhenItIsTheAddOn) {
         EXPECT_TRUE(refusedToDelete(bundle, "bundle"));
         EXPECT_TRUE(
             log.contains("removal: the bundle is still there; keeping removalPending so the next "
-                         "launch finishes it; "
-                         "quitting"));
+                         "launch finishes it; quitting"));
     }
     EXPECT_EQ(terminations, 3);
 }
@@ -122,22 +133,6 @@ TEST_F(SelfRemovalTest, ALinkOrAFolderWithAForeignBundleIsNeverDeleted) {
     EXPECT_TRUE(refusedToDelete(support, "support folder"));
 }
 
-TEST_F(SelfRemovalTest, WhatRefusesIsReportedAndTriedAgainAtTheNextLaunch) {
-    installation.loginItemRefuses = installation.filesRefuse = true;
-    removal().perform();
-    EXPECT_TRUE(pendingAtEnd);
-    EXPECT_EQ(*find<std::string>(defaults.values, "removalBundleIdentity"), kOwn);
-    EXPECT_TRUE(log.contains("removal: unregister() failed: no agent"));
-    EXPECT_TRUE(log.contains("removal: deleting the support folder failed: denied"));
-    installation.filesRefuse = false;
-    log.take();
-    removal().perform();
-    EXPECT_FALSE(pendingAtEnd);
-    EXPECT_TRUE(isAllGone());
-    EXPECT_TRUE(log.contains(
-        "removal: an earlier step failed, but the bundle is gone; clearing preferences anyway"));
-}
-
 TEST_F(SelfRemovalTest, WhicheverCallFailsTheNextRunFindsWhatIsLeft) {
     bundle = kElsewhere;  // so that each has a call of its own
     for (int failing = 1; failing <= 4; ++failing) {
@@ -146,6 +141,7 @@ TEST_F(SelfRemovalTest, WhicheverCallFailsTheNextRunFindsWhatIsLeft) {
         removal().perform();
         EXPECT_EQ(isThere(bundle), failing == 3);
         EXPECT_EQ(pendingAtEnd, failing == 3) << "as long as the bundle is there to go on";
+        EXPECT_EQ(defaults.values.contains("removalBundleIdentity"), failing == 3);
         EXPECT_EQ(installation.calls, 3) << "none is left out because another one failed";
         if (failing > 3) break;
         removal().perform();
@@ -153,6 +149,8 @@ TEST_F(SelfRemovalTest, WhicheverCallFailsTheNextRunFindsWhatIsLeft) {
         EXPECT_FALSE(pendingAtEnd);
     }
     EXPECT_TRUE(defaults.values.empty());
+    EXPECT_TRUE(log.contains("removal: unregister() failed: no agent (error 1)"));
+    EXPECT_TRUE(log.contains("removal: deleting the support folder failed: denied (error 13)"));
 }
 
 TEST_F(SelfRemovalTest, TheLoginItemIsRegisteredUnlessTheUserSaidNo) {
@@ -173,7 +171,7 @@ TEST_F(SelfRemovalTest, TheLoginItemIsRegisteredUnlessTheUserSaidNo) {
     EXPECT_EQ(log.take(), (Lines{"login item: registered (now 1)", "login item: registered (now 1)",
                                  "login item: awaiting approval in Login Items; leaving it alone",
                                  "login item: unknown status 7; leaving it alone",
-                                 "login item: register() failed: no agent"}));
+                                 "login item: register() failed: no agent (error 1)"}));
 }
 
 }  // namespace

@@ -55,6 +55,25 @@ TEST(StateRefresher, ABurstOfCommandsRefreshesOnceAfterTheLast) {
     EXPECT_EQ(f.countOver(10s), 0);
 }
 
+TEST(StateRefresher, PollsEveryTwoSecondsOnAverageWhenItSharesWakeUps) {
+    Fixture f;
+    Timer other;
+    std::function<void()> tick = [&] { other = f.clock.clock().after(1001ms, tick); };
+    f.clock.advance(300ms);
+    tick();
+    f.refresher->setActive(true);
+    EXPECT_NEAR(f.countOver(100s), 50, 1);
+}
+
+TEST(StateRefresher, AFollowUpAndAPollThatAreDueTogetherRefreshOnce) {
+    Fixture f;
+    f.refresher->setActive(true);
+    EXPECT_EQ(f.countOver(900ms), 0);
+    f.refresher->nudge();
+    EXPECT_EQ(f.countOver(1100ms), 1);
+    EXPECT_EQ(f.countOver(2s), 1);
+}
+
 TEST(StateRefresher, StopsForGood) {
     Fixture f;
     f.refresher->setActive(true);

@@ -61,6 +61,27 @@ TEST(VolumeSender, TheReleaseSendsTheEndOnceMore) {
     EXPECT_EQ(f.sent, (Values{40, 40, 42}));
 }
 
+TEST(VolumeThrottle, LetsAValueThroughAtItsIntervalAndForgetsWhatIsOver) {
+    VolumeThrottle throttle;
+    Instant now{};
+    EXPECT_EQ(throttle.offer(1, now), 1);
+    EXPECT_FALSE(throttle.offer(2, now + VolumeThrottle::kInterval - 1ns));
+    now += VolumeThrottle::kInterval;
+    EXPECT_FALSE(throttle.due(now - 1ns));
+    EXPECT_EQ(throttle.due(now), 2);
+    now += VolumeThrottle::kInterval;
+    EXPECT_EQ(throttle.offer(3, now), 3);
+    throttle.beginDrag();
+    EXPECT_FALSE(throttle.flush()) << "3 is no part of the drag";
+    throttle.offer(4, now);
+    throttle.beginDrag();
+    EXPECT_EQ(throttle.flush(), 4) << "4 is still owed";
+    EXPECT_FALSE(throttle.pending);
+    throttle.offer(5, now);
+    throttle.cancel();
+    EXPECT_FALSE(throttle.pending || throttle.flush());
+}
+
 TEST(VolumeSender, CancellingSendsNothingMore) {
     Fixture f;
     f.drag({1, 2}, 5ms);

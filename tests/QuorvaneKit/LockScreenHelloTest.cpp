@@ -47,12 +47,13 @@ TEST(LockScreenHello, TheOutcomeFollowsThePendingRemoval) {
     }
 }
 
-TEST(LockScreenHelloClient, EveryFailureEndsInTheFailureConfiguration) {
+TEST(LockScreenHelloClient, TellsWhetherTheHelloWasSentAndAnswered) {
+    using Result = LockScreenHelloResult;
     const LockScreenAddOnConfiguration failure{false, false, "0"};
     const LockScreenAddOnConfiguration good{true, true, "1.0.0"};
     const Bytes reply = *XPCCodableHelpers::encode(good);
     const auto received = [](const QueryOutcome& outcome) {
-        std::vector<LockScreenAddOnConfiguration> results;
+        std::vector<Result> results;
         const SendQuery sendQuery = [&](MessageType type, const Bytes& payload, Duration timeout,
                                         const std::function<void(QueryOutcome)>& completion) {
             EXPECT_EQ(type, MessageType::lockScreenHello);
@@ -64,26 +65,29 @@ TEST(LockScreenHelloClient, EveryFailureEndsInTheFailureConfiguration) {
                             [&](const auto& result) { results.push_back(result); });
         return results;
     };
-    using Results = std::vector<LockScreenAddOnConfiguration>;
-    EXPECT_EQ(received({Kind::sent, kPortSuccess, reply}), Results{good});
-    for (const QueryOutcome& outcome :
-         {QueryOutcome{Kind::notSent, 0, {}}, QueryOutcome{Kind::notSent, 0, reply},
-          QueryOutcome{Kind::expiredInQueue, 0, reply}, QueryOutcome{Kind::sent, 0, {}},
-          QueryOutcome{Kind::sent, kPortReceiveTimeout, reply},
-          QueryOutcome{Kind::sent, 0, Bytes{}}, QueryOutcome{Kind::sent, 0, copyOf(bytesOf("{}"))}})
-        EXPECT_EQ(received(outcome), Results{failure});
+    for (const auto& [query, result] :
+         {std::pair{QueryOutcome{Kind::sent, kPortSuccess, reply},
+                    Result{Result::Outcome::answered, good}},
+          {{Kind::notSent, 0, reply}, {Result::Outcome::notSent, failure}},
+          {{Kind::expiredInQueue, 0, reply}, {Result::Outcome::notSent, failure}},
+          {{Kind::sent, kPortSendTimeout, reply}, {Result::Outcome::notSent, failure}},
+          {{Kind::sent, kPortReceiveTimeout, reply}, {Result::Outcome::unanswered, failure}},
+          {{Kind::sent, 0, {}}, {Result::Outcome::unanswered, failure}},
+          {{Kind::sent, 0, Bytes{}}, {Result::Outcome::unanswered, failure}},
+          {{Kind::sent, 0, copyOf(bytesOf("{}"))}, {Result::Outcome::unanswered, failure}}})
+        EXPECT_EQ(received(query), std::vector{result});
 }
 
 TEST(LockScreenHelloClient, AHelloThatDoesNotEncodeIsLoggedAndNotSent) {
     RecordingLog log;
     LockScreenAddOnHello hello = kHello;
     hello.macOSVersion = "\xFF";
-    std::optional<LockScreenAddOnConfiguration> result;
+    std::optional<LockScreenHelloResult> result;
     sendLockScreenHello(
         hello, [](auto&&...) { FAIL() << "was sent"; }, Logger{log.sink(), "QuorvaneKit", "test"},
-        [&](const auto& configuration) { result = configuration; });
+        [&](const auto& ended) { result = ended; });
     EXPECT_EQ(log.take(), Lines{"Lock-screen hello not sent: it did not encode"});
-    EXPECT_EQ(result, (LockScreenAddOnConfiguration{false, false, "0"}));
+    EXPECT_EQ(result, LockScreenHelloResult{});
 }
 
 TEST(LockScreenAddOnStatus, FollowsVersionSupportAndAge) {

@@ -107,6 +107,10 @@ TEST_F(MessagePortQueryTest, WhatCannotBeSentIsNotSent) {
     EXPECT_EQ(outcomeOfOne(), QueryOutcome{});
     EXPECT_EQ(log.take(), Lines{"Cannot send query 14: query port 0 not available"});
     serveQueries();
+    queues.refuses = [] { return true; };
+    EXPECT_EQ(outcomeOfOne(), QueryOutcome{});
+    EXPECT_EQ(log.take(), Lines{"Cannot send query 14: query port 1 not available"});
+    queues.refuses = nullptr;
     for (const auto& bytes : {std::optional<Bytes>{}, std::optional{Bytes(31)}}) {
         const auto kept = std::exchange(secret, bytes);
         EXPECT_EQ(outcomeOfOne(), QueryOutcome{});
@@ -182,6 +186,7 @@ TEST_F(MessagePortQueryTest, AfterItsEndNothingIsSentNorCompleted) {
     mainThread.run();
     EXPECT_EQ(ports.sent.size(), 1U);
     EXPECT_TRUE(outcomes.empty());
+    EXPECT_EQ(ports.cancelled, 1) << "its end does not wait for a query in flight";
 }
 
 }  // namespace

@@ -86,6 +86,12 @@ TEST(MessagePortSecret, IsMadeKeptAndRead) {
     EXPECT_EQ(MessagePortSecret::read(world.store.table()), numbered(32));
     world.store.files["/container/ipc-secret"] = numbered(33);  // judged where it is used
     EXPECT_EQ(MessagePortSecret::read(world.store.table())->size(), 33U);
+    EXPECT_EQ(world.make(), numbered(32)) << "one that no client can use is replaced";
+    const Bytes other(32, std::byte{7});
+    world.store.files.clear();
+    world.store.beforeWrite = [&] { world.store.files["/container/ipc-secret"] = other; };
+    EXPECT_EQ(world.make(), other) << "the first writer wins";
+    EXPECT_EQ(world.store.files.at("/container/ipc-secret"), other);
     world.store.container.reset();
     EXPECT_FALSE(MessagePortSecret::read(world.store.table()));
     EXPECT_TRUE(world.log.lines().empty());

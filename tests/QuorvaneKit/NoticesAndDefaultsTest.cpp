@@ -63,6 +63,14 @@ TEST(SharedDefaults, KeepsTheLockScreensValuesUnderTheirKeys) {
     EXPECT_TRUE(again.lockScreenEnabled());
     EXPECT_EQ(again.lockScreenPendingRemoval(), LockScreenPendingRemoval{"A"});
     EXPECT_EQ(again.lockScreenAddOnLastSeen(), kSighting);
+    MemoryDefaults shared = memory;
+    UserDefaults raced = shared.table();
+    raced.get = [&](const std::string& key) {
+        const auto value = shared.table().get(key);
+        shared.values.clear();  // another process voids the removal between two looks
+        return value;
+    };
+    EXPECT_EQ(SharedDefaults{raced}.lockScreenPendingRemoval(), LockScreenPendingRemoval{"A"});
 
     LockScreenAddOnSighting unwritable = kSighting;
     unwritable.addOnVersion = "\xFF";

@@ -1,7 +1,10 @@
 // Text from outside: what is let in, what is refused, and that nothing brings the decoder down.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <locale>
+#include <sstream>
 #include <vector>
 
 #include "QuorvaneKit/JSONReader.hpp"
@@ -45,6 +48,20 @@ TEST(RecordDecoding, LetsInWhatMeansTheSame) {
         const std::string text = replaced(kSampleText, part, by);
         EXPECT_EQ(decodeState(text), sample) << text;
     }
+}
+
+TEST(RecordDecoding, TextsOfTheMacEncoderKeepTheirValues) {
+    int texts = 0;
+    for (const auto& file : std::filesystem::directory_iterator{ENCODER_TEXTS}) {
+        if (file.path().extension() != ".json") continue;
+        std::stringstream text;
+        text << std::ifstream{file.path()}.rdbuf();
+        const auto state = decodeState(text.str());
+        ASSERT_TRUE(state) << file.path();
+        EXPECT_EQ(decodeState(textOf(*XPCCodableHelpers::encode(*state))), state) << file.path();
+        ++texts;
+    }
+    EXPECT_EQ(texts, 24);
 }
 
 TEST(RecordDecoding, NullAndAbsentAreOneForOptionals) {

@@ -180,9 +180,15 @@ TEST_F(AddOnCoordinatorTest, MemoryForPollsIsGivenBackWithTheCard) {
 
 TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgain) {
     lockAndShow();
+    const std::size_t scenes = platform.stage()->scenes.size();
     platform.notice(kMainAppQuits);
+    platform.clock.advance(100ms);
+    EXPECT_EQ(platform.stage()->scenes.size(), scenes) << "the fade shows the card as it was";
     EXPECT_FALSE(platform.isCardSeen());
     EXPECT_EQ(platform.windows.open().size(), 1u);
+    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
+                    "hidden"),
+              1);
     const Lines lines = platform.log.take();
     EXPECT_EQ(lines.front(), "notice: mainAppWillTerminate; hiding the card");
     EXPECT_EQ(lines.back(),
@@ -235,6 +241,19 @@ TEST_F(AddOnCoordinatorTest, AnEditThatMustConnectFirstOutlivesTheNewsOfTheConne
     };
     platform.pointer(Kind::down, {area.x + area.width * 0.255, area.midY()});
     EXPECT_EQ(platform.mainApp.commands, (Lines{"playPause", "volume 75"}));
+}
+
+TEST_F(AddOnCoordinatorTest, ATapAtTheVolumeThatIsShownSendsNoOlderOne) {
+    lockAndShow();
+    platform.stage()->events.accessibility(ID::volume, AccessibilityAction::increment);
+    platform.pass(1s);
+    platform.mainApp.state.volume = 80;
+    platform.notice(kStateChanged);
+    const auto area = *platform.frame(ID::volume);
+    const Point shown{area.x + area.width * 0.805, area.midY()};
+    platform.pointer(Kind::down, shown);
+    platform.pointer(Kind::up, shown);
+    EXPECT_EQ(platform.mainApp.commands, Lines{"volume 55"});
 }
 
 TEST_F(AddOnCoordinatorTest, ABundleWithoutAVersionHasADashForOne) {

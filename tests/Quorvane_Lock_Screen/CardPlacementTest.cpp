@@ -11,31 +11,33 @@ constexpr Rect kFullHD{0, 0, 1920, 1080};
 
 Rect ringIn(const Rect& screen) { return Rect{screen.midX(), screen.midY(), 0, 0}.grownBy(95); }
 
-Rect cardIn(const Rect& window) { return window.grownBy(-kCardShadowMargin); }
+Rect cardIn(const CardPlacement::Place& place) {
+    return place.frame.grownBy(-kCardShadowMargin * place.scale);
+}
 
 TEST(CardPlacement, StandsAtTheStatedPlace) {
     EXPECT_EQ(CardPlacement::windowFrame(kFullHD), (Rect{708, 482, 504, 326}));
-    EXPECT_EQ(CardPlacement::windowFrame(kFullHD, {}), CardPlacement::windowFrame(kFullHD));
+    EXPECT_EQ(CardPlacement::place(kFullHD, {}),
+              (CardPlacement::Place{CardPlacement::windowFrame(kFullHD), 1}));
     // A second screen to the right and half below the first; odd sizes round to whole points.
-    EXPECT_EQ(CardPlacement::windowFrame({1920, -540, 1367, 769}),
-              (Rect{2352, -276, 504, 326}));
+    EXPECT_EQ(CardPlacement::windowFrame({1920, -540, 1367, 769}), (Rect{2352, -276, 504, 326}));
 }
 
 TEST(CardPlacement, MovesUpOutOfTheMiddleAndBelowWhenThereIsNoRoomAbove) {
     const Rect ring = ringIn(kFullHD);
-    const auto window = CardPlacement::windowFrame(kFullHD, std::array{ring});
-    ASSERT_TRUE(window);
-    EXPECT_EQ(window->minY(), ring.maxY());  // the shadow ends where the ring's area begins
-    EXPECT_EQ(window->midX(), kFullHD.midX());
+    const auto above = CardPlacement::place(kFullHD, std::array{ring});
+    ASSERT_TRUE(above);
+    EXPECT_EQ(above->frame.minY(), ring.maxY());  // the shadow ends where the ring's area begins
+    EXPECT_EQ(above->frame.midX(), kFullHD.midX());
 
     const Rect prompt{660, 480, 600, 590};  // leaves room only at the bottom
-    const auto below = CardPlacement::windowFrame(kFullHD, std::array{prompt});
+    const auto below = CardPlacement::place(kFullHD, std::array{prompt});
     ASSERT_TRUE(below);
     EXPECT_EQ(cardIn(*below).maxY(), prompt.minY() - kCardShadowMargin);
 
     // An area beside the card is no reason to move.
-    EXPECT_EQ(CardPlacement::windowFrame(kFullHD, std::array{Rect{0, 0, 600, 1080}}),
-              CardPlacement::windowFrame(kFullHD));
+    EXPECT_EQ(CardPlacement::place(kFullHD, std::array{Rect{0, 0, 600, 1080}}),
+              (CardPlacement::Place{CardPlacement::windowFrame(kFullHD), 1}));
 }
 
 TEST(CardPlacement, NeverCoversAnAreaAndNeverLeavesTheScreen) {
@@ -44,25 +46,37 @@ TEST(CardPlacement, NeverCoversAnAreaAndNeverLeavesTheScreen) {
             const Rect screen{-300, 77, width, height};
             const std::array areas{ringIn(screen),
                                    Rect{screen.midX() - 150, screen.minY() + 40, 300, 60}};
-            const auto window = CardPlacement::windowFrame(screen, areas);
-            if (!window) {
-                EXPECT_LT(height, 900) << width << " x " << height;
+            const auto place = CardPlacement::place(screen, areas);
+            if (!place) {
+                EXPECT_LT(height, 640) << width << " x " << height;
                 continue;
             }
-            const Rect card = cardIn(*window);
-            for (const Rect& area : areas) EXPECT_FALSE(card.grownBy(11.9).intersects(area));
-            EXPECT_GE(card.minY(), screen.minY());
-            EXPECT_LE(card.maxY(), screen.maxY());
+            const Rect card = cardIn(*place);
+            for (const Rect& area : areas) EXPECT_FALSE(card.grownBy(7.9).intersects(area));
+            EXPECT_TRUE(card.minX() >= screen.minX() && card.maxX() <= screen.maxX());
+            EXPECT_TRUE(card.minY() >= screen.minY() && card.maxY() <= screen.maxY());
+            EXPECT_NEAR(card.width, place->scale * kCardSize.width, 1e-9);
         }
 }
 
-TEST(CardPlacement, SmallScreensGetANarrowerMarginOrNoCard) {
-    const Rect screen{0, 0, 1280, 720};
-    const auto window = CardPlacement::windowFrame(screen, std::array{ringIn(screen)});
-    ASSERT_TRUE(window);
-    EXPECT_EQ(cardIn(*window).minY(), ringIn(screen).maxY() + 24);
-    const Rect tiny{0, 0, 800, 480};
-    EXPECT_FALSE(CardPlacement::windowFrame(tiny, std::array{ringIn(tiny)}));
+// In points: what is left of the screen beside i3lock's ring.
+TEST(CardPlacement, SmallScreensGetANarrowerMarginThenTheSideThenASmallerCard) {
+    struct Case {
+        Size screen;
+        double scale;  // 0: no card
+        bool isBeside;
+    };
+    for (const auto& [size, scale, isBeside] :
+         {Case{{1280, 720}, 1, false}, Case{{1092.8, 614.4}, 1, true}, Case{{960, 600}, 0.9, true},
+          Case{{960, 540}, 0.9, true}, Case{{800, 600}, 0.85, false}, Case{{800, 480}, 0, false}}) {
+        const Rect screen{0, 0, size.width, size.height};
+        SCOPED_TRACE(describe(screen));
+        const auto place = CardPlacement::place(screen, std::array{ringIn(screen)});
+        ASSERT_EQ(place.has_value(), scale > 0);
+        if (!place) continue;
+        EXPECT_EQ(place->scale, scale);
+        EXPECT_EQ(cardIn(*place).minX() > screen.midX(), isBeside);
+    }
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ public:
         shown_ += (shown ? 1 : 0) - (isShown_ ? 1 : 0);
         isShown_ = shown;
     }
+    void freeze() override {}
 
 private:
     int& shown_;
@@ -39,7 +40,10 @@ protected:
     }
     void makeController(const std::optional<DynamicLoader>& loader) {
         controller_.emplace(
-            [this](const Screen&) { return std::make_unique<FakeContent>(shownContents_); },
+            [this](const Screen& screen) {
+                contentScale_ = screen.scale;
+                return std::make_unique<FakeContent>(shownContents_);
+            },
             CardWindowController::Services{.log = log_.sink(),
                                            .windows = windows_.table(),
                                            .screens = screens_.table(),
@@ -49,7 +53,8 @@ protected:
                                                    EXPECT_EQ(options, 0x00EFFFFFu);
                                                    ++activities_;
                                                    return Handle{[this] { --activities_; }};
-                                               }},
+                                               },
+                                           .noteRoom = [this](bool has) { hasRoom_ = has; }},
             loader);
     }
 
@@ -59,6 +64,8 @@ protected:
     ManualMainThread mainThread_;
     int activities_ = 0;
     int shownContents_ = 0;
+    double contentScale_ = 0;
+    std::optional<bool> hasRoom_;
     std::optional<CardWindowController> controller_;
 };
 
@@ -197,9 +204,26 @@ TEST_F(CardWindowControllerTest, MovesOutOfAPromptsWayAndBack) {
     screens_.list[0].keepClear = {{0, 0, 1920, 1080}};  // no place left on this screen
     screens_.keepClearChanged();
     EXPECT_EQ(windows_.open().size(), 1u);
+    EXPECT_EQ(hasRoom_, true);
     screens_.list[0].keepClear.clear();
     screens_.keepClearChanged();
     EXPECT_EQ(windows_.open().size(), 2u);
+}
+
+TEST_F(CardWindowControllerTest, ACardThatIsCrampedIsBuiltSmaller) {
+    screens_.list = {{.frame = {0, 0, 800, 600}, .scale = 2}};
+    controller_->present(kPlaying);
+    EXPECT_EQ(contentScale_, 2);
+    screens_.list[0].keepClear = {{305, 205, 190, 190}};
+    screens_.keepClearChanged();
+    ASSERT_EQ(windows_.open().size(), 1u);
+    EXPECT_EQ(windows_.open()[0]->settings.contentScale, 0.85);
+    EXPECT_EQ(windows_.open()[0]->frame.width, 0.85 * 504);
+    EXPECT_EQ(windows_.open()[0]->screen.scale, 2);
+    EXPECT_EQ(contentScale_, 1.7);
+    screens_.list[0].keepClear = {{0, 0, 800, 600}};
+    screens_.keepClearChanged();
+    EXPECT_EQ(hasRoom_, false);
 }
 
 TEST_F(CardWindowControllerTest, ASystemThatMakesNoWindowLeavesNothingBehind) {

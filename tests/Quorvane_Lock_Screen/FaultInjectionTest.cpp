@@ -46,6 +46,7 @@ void expectNothingIsLeft(const FakePlatform& platform) {
 void expectTheNextLockWorks(FakePlatform& platform) {
     platform.faults.failing = 0;
     platform.mainApp.commands.clear();
+    platform.mainApp.hellos.clear();
     platform.lock();
     platform.pass(800ms);
     ASSERT_EQ(platform.windows.open().size(), 2u);
@@ -53,6 +54,7 @@ void expectTheNextLockWorks(FakePlatform& platform) {
     EXPECT_EQ(platform.activities, 1);
     platform.tap(SceneControl::ID::next);
     EXPECT_EQ(platform.mainApp.commands, Lines{"nextTrack"});
+    EXPECT_FALSE(platform.mainApp.hellos.empty()) << "no hello waits for an answer for good";
     platform.unlock();
     expectNothingIsLeft(platform);
 }

@@ -27,12 +27,14 @@ TEST(TextPlacement, MirrorsLeadingAndTrailingButNotTheMiddle) {
 
 TEST(TextPlacement, ShowsTheCopiesThatReachIntoTheField) {
     TextNode node{.frame = kField, .scroll = TextNode::Scroll{.offset = 0, .gap = 40, .fade = 20}};
-    EXPECT_EQ(copiesOf(node, restOf(node, 300, false), 300, false), (std::vector<double>{100}));
+    EXPECT_EQ(copiesOf(node, leftEdgeOf(node, 300, false), 300, false), (std::vector<double>{100}));
     node.scroll->offset = 190;
     EXPECT_EQ(copiesOf(node, 100, 300, false), (std::vector<double>{-90, 250}));
     // The other way round the copy follows on the left.
-    EXPECT_EQ(restOf(node, 300, true), 0);
+    EXPECT_EQ(leftEdgeOf(node, 300, true), 0);
     EXPECT_EQ(copiesOf(node, 0, 300, true), (std::vector<double>{190, -150}));
+    node.alignment = TextAlignment::trailing;
+    EXPECT_EQ(copiesOf(node, 0, 300, false), (std::vector<double>{190, -150}));
     node.scroll->gap = -300;
     EXPECT_TRUE(copiesOf(node, 100, 300, false).empty());
     const auto stops = fadeStops(node);
@@ -86,6 +88,12 @@ TEST(MarginMouse, TakesTheCardAndLeavesTheMargin) {
     mouse.moveTo({504, 100});
     EXPECT_FALSE(mouse.ignoresMouse());
     EXPECT_FALSE(mouse.mustAskForPointer());
+    // A press that ends while all is ignored is over afterwards.
+    mouse.setPressed(true);
+    mouse.setIgnored(true);
+    mouse.setIgnored(false);
+    mouse.moveTo({20, 20});
+    EXPECT_TRUE(mouse.ignoresMouse());
 }
 
 }  // namespace

@@ -45,9 +45,10 @@ TEST(Easing, RunsFromZeroToOneAndNeverBack) {
         EXPECT_NEAR(curve(1), 1, 1e-6);
         for (double t = 0; t < 1; t += 0.01) EXPECT_GE(curve(t + 0.01), curve(t));
     }
-    EXPECT_NEAR(easeInOut(0.5), 0.5, 1e-6);
-    EXPECT_LT(easeInOut(0.1), 0.1);
-    EXPECT_GT(easeOut(0.1), 0.1);
+    // Points of the Bezier curves with the control points (0.42, 0), (0.58, 1) and (0, 0), (0.58,
+    // 1).
+    EXPECT_NEAR(easeInOut(0.274375), 0.15625, 1e-6);
+    EXPECT_NEAR(easeOut(0.3425), 0.5, 1e-6);
 }
 
 }  // namespace

@@ -81,7 +81,7 @@ TEST(EndToEndLife, WhatIsNotTheAddOnsIsNeverDeleted) {
     InstalledAddOn life;
     const auto uninstall = [&](const fs::path& bundle) {
         LoggedProcess removal =
-            life.session.start({InstalledAddOn::programIn(bundle), "--uninstall"});
+            life.session.start({InstalledAddOn::programIn(bundle), "--uninstall", "--version"});
         removal.says("; quitting");
         removal.process().wait(20s);
         return removal.count("refusing to delete");

@@ -1,5 +1,5 @@
-// The card over the distribution's lockers: it stands beside what they ask for, and what is typed
-// stays theirs.
+// The card over the distribution's lockers: it keeps out of the way of what they ask for, and what
+// is typed stays theirs.
 
 #include "tests/end_to_end/LockSession.hpp"
 
@@ -49,7 +49,7 @@ TEST_F(EndToEndLockers, WhatIsTypedReachesI3lockWhileTheCardShows) {
         EXPECT_EQ(probe.attributes(window)->all_event_masks & kKeys, 0U);
 }
 
-TEST_F(EndToEndLockers, TheCardMakesRoomForXsecurelocksPromptAndReturns) {
+TEST_F(EndToEndLockers, TheCardStaysWhereItIsWhenXsecurelocksPromptOpensAndCloses) {
     setenv("XSECURELOCK_SAVER", "saver_blank", 1);
     setenv("XSECURELOCK_NO_COMPOSITE", "1", 1);
     lockWith(session.start({"xsecurelock"}));
@@ -58,11 +58,12 @@ TEST_F(EndToEndLockers, TheCardMakesRoomForXsecurelocksPromptAndReturns) {
 
     probe.type(kKeyA);
     ASSERT_TRUE(eventually([&] { return isBesideThem(); })) << addOn.log();
-    EXPECT_TRUE(LockSession::isDrawnOn(probe, probe.frame(card.window)));
+    EXPECT_EQ(probe.frame(card.window), card.frame);
+    EXPECT_TRUE(LockSession::isDrawnOn(probe, card.frame));
 
     probe.type(kEscape);
-    EXPECT_TRUE(eventually([&] { return probe.frame(card.window) == card.frame; })) << addOn.log();
-    EXPECT_TRUE(prompts().empty());
+    EXPECT_TRUE(eventually([&] { return prompts().empty(); })) << addOn.log();
+    EXPECT_EQ(probe.frame(card.window), card.frame);
     EXPECT_EQ(addOn.count("entrance: window"), 1);
 
     locker.process().end(SIGTERM);

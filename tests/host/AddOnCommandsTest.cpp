@@ -5,6 +5,7 @@
 
 #include "QuorvaneKit/SharedDefaults.hpp"
 #include "host/BundleToInstall.hpp"
+#include "host/DeliveredRemoval.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
@@ -42,10 +43,12 @@ protected:
                                              .current = {},
                                              .terminate = [this](std::int32_t) { systemAsks(); }},
                             .notices = notices.distributed(),
-                            .clock = clock.clock()},
+                            .clock = clock.clock(),
+                            .canHearNotices = !problems.bus},
                 .darwinNotices = darwin.darwin(),
                 .sharedSuite = shared.table(),
-                .addOnDefaults = own.table()};
+                .addOnDefaults = own.table(),
+                .problems = problems};
     }
     // What the command has said when it has ended.
     template <typename Command>
@@ -86,6 +89,7 @@ protected:
     BundleFiles files;
     MemoryDefaults shared;
     MemoryDefaults own;
+    SessionProblems problems;
     ManualClock clock;
     FakeNotices darwin;
     FakeNotices notices;
@@ -151,7 +155,21 @@ TEST_F(AddOnCommandsTest, InstallSaysWhenTheAddOnDoesNotStart) {
     ASSERT_FALSE(outcome);
     EXPECT_NE(outcome.error().find("has ended at once"), std::string::npos);
     EXPECT_EQ(installedVersion(), "1.1.0");
+    problems.screen = "no screen";
+    EXPECT_TRUE(launch().error().starts_with("the add-on cannot run here: no screen."));
     staysUp = true;
+    EXPECT_TRUE(launch()->ends_with("The add-on runs.\nNote: no screen.\n"));
+    EXPECT_TRUE(launch()->ends_with("The add-on runs already.\nNote: no screen.\n"));
+
+    problems = {.bus = "no bus"};  // nothing can answer, so there is little to wait for
+    copies.clear();
+    answers = "";
+    const Instant begin = clock.clock().now();
+    EXPECT_TRUE(launch()->ends_with("The add-on was started.\nNote: no bus.\n"));
+    obeysNotice = false;
+    EXPECT_TRUE(quit());
+    EXPECT_LE(clock.clock().now() - begin, 3s);
+    problems = {};
     answers = "0.9.0";  // an old copy, which would not go
     EXPECT_TRUE(install()->ends_with("does not answer yet.\n"));
 }
@@ -248,6 +266,7 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
     putOld();
     copies = {{17, std::nullopt}};
     own.values = {{"installID", {std::string{"ID"}}}};
+    shared.values = {{"lockScreenEnabled", {true}}};
     removesItself = false;
     int hellos = 0;  // that a running copy is told to say
     const Handle observation = darwin.darwin().observe(
@@ -266,7 +285,30 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
     removesItself = true;
     EXPECT_EQ(*remove(), "Removed the add-on, its login item and its settings.\n");
     EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenPendingRemoval());
+    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled());
     EXPECT_TRUE(own.values.empty());
+}
+
+TEST_F(AddOnCommandsTest, ADeliveredRemovalIsCarriedOutUnlessItsCommandHasDoneSo) {
+    for (const bool isPending : {false, true}) {
+        putOld();
+        copies = {{17, std::nullopt}};  // it has closed its windows and waits
+        obeysNotice = false;
+        shared.values.clear();
+        DeliveredRemoval removal{services(), {}};
+        static_cast<void>(
+            SharedDefaults{shared.table()}.setLockScreenPendingRemoval(LockScreenPendingRemoval{}));
+        removal.delivered();
+        removal.delivered();
+        clock.advance(DeliveredRemoval::kPatience - 1s);
+        EXPECT_FALSE(copies.empty());
+        if (!isPending) shared.values.clear();
+        for (int step = 0; step < 200; ++step) clock.advance(50ms);
+        EXPECT_EQ(copies.empty(), isPending);
+        EXPECT_EQ(fs::exists(support), !isPending);
+        EXPECT_EQ(opened.size(), isPending ? 1u : 0u);
+    }
+    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenPendingRemoval());
 }
 
 TEST_F(AddOnCommandsTest, WhatIsLeftOfABundleIsMendedOrRemoved) {

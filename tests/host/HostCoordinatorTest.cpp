@@ -26,13 +26,19 @@ const std::string kQueryPort = queryPortName(kMessagePortBaseName, 2);
 
 struct FakePlayer : PlayerSource {
     PlayerSnapshot snapshot() const override { return value; }
-    void perform(QuorvaneAction action) override { heard.push_back(std::string{name(action)}); }
-    void setVolume(std::int64_t v) override { heard.push_back("volume " + std::to_string(v)); }
-    void setRating(std::int64_t v) override { heard.push_back("rating " + std::to_string(v)); }
+    bool perform(QuorvaneAction action) override { return hear(std::string{name(action)}); }
+    bool setVolume(std::int64_t v) override { return hear("volume " + std::to_string(v)); }
+    bool setRating(std::int64_t v) override { return hear("rating " + std::to_string(v)); }
     void freshen() override { heard.push_back("freshen"); }
+
+    bool hear(std::string command) {
+        heard.push_back(std::move(command));
+        return obeys;
+    }
 
     PlayerSnapshot value;
     std::vector<std::string> heard;
+    bool obeys = true;
 };
 
 // One thread a queue, as the real ones.
@@ -40,7 +46,10 @@ struct ThreadQueue : SerialQueue {
     ~ThreadQueue() override {
         if (thread.joinable()) thread.join();
     }
-    void async(std::function<void()> action) override { thread = std::thread{std::move(action)}; }
+    bool async(std::function<void()> action) override {
+        thread = std::thread{std::move(action)};
+        return true;
+    }
     std::thread thread;
 };
 
@@ -147,18 +156,37 @@ TEST_F(HostCoordinatorTest, MakesOneSecretAndKeepsIt) {
     serve();
     EXPECT_EQ(secret(), Bytes(32, std::byte{0x5A}));
     host->stop();
-    EXPECT_TRUE(host->start());
+    serve();
     EXPECT_EQ(secretsMade, 1);
     host->stop();
     store.files[kSecretFile] = Bytes(31);
-    EXPECT_TRUE(host->start());
+    serve();
     EXPECT_EQ(secretsMade, 2) << "one that no add-on can use";
+    EXPECT_TRUE(host->hasSecret());
+}
+
+TEST_F(HostCoordinatorTest, OnlyTheHolderOfTheMainPortServesAndMakesASecret) {
+    auto other = ports.openPort()(kMainPort, [](std::int32_t, ByteView) { return Bytes{}; });
+    EXPECT_TRUE(host->start());
+    for (std::size_t i = 0; i < kQueryPortCount; ++i) {
+        const std::string taken = queryPortName(kMessagePortBaseName, i);
+        while (!log.contains("Message port " + taken + " busy (attempt 1); another instance " +
+                             "holds it — retrying until it frees"))
+            std::this_thread::yield();
+    }
+    EXPECT_TRUE(store.files.empty());
+    store.files[kSecretFile] = Bytes(32, std::byte{1});  // the other host makes one
+    other.reset();
+    waitUntilServing();
+    EXPECT_EQ(secretsMade, 0);
+    EXPECT_FALSE(ask(kMainPort, 1, request()).empty());
 }
 
 TEST_F(HostCoordinatorTest, WithoutASecretEverythingIsDropped) {
     hasRandom = false;
-    EXPECT_FALSE(host->start());
+    EXPECT_TRUE(host->start());
     waitUntilServing();
+    EXPECT_FALSE(host->hasSecret());
     EXPECT_TRUE(ask(kMainPort, 1, Bytes(32)).empty());
     EXPECT_TRUE(log.contains("Failed to generate IPC secret (SecRandomCopyBytes status 7)"));
 }
@@ -185,6 +213,13 @@ TEST_F(HostCoordinatorTest, CommandsReachThePlayerOnTheMainThread) {
     EXPECT_TRUE(takeHeard().empty());
     main.run();
     EXPECT_EQ(takeHeard(), (Texts{"nextTrack", "volume 64", "rating 255"}));
+    clock.advance(1s);
+    takeNotices();
+    player->obeys = false;
+    for (const int drag : {1, 2, 3}) ask(kMainPort, 3, request(std::string(1, char(drag))));
+    main.run();
+    clock.advance(50ms);
+    EXPECT_EQ(takeNotices(), Texts{"playerStateChanged"}) << "so that the card asks for the truth";
     ask(kMainPort, 2, request("\x01"));
     host.reset();
     EXPECT_GT(main.run(), 0) << "what arrives after the end goes nowhere";
@@ -257,12 +292,16 @@ TEST_F(HostCoordinatorTest, DeliversARemovalOrClearsOneThatIsVoid) {
     serve();
     SharedDefaults stored{defaults.table()};
     ASSERT_TRUE(stored.setLockScreenPendingRemoval(LockScreenPendingRemoval{"A"}));
+    int delivered = 0;
+    host->onRemovalDelivered = [&] { ++delivered; };
     LockScreenAddOnHello speaking;
     speaking.installID = "A";
     EXPECT_EQ(hello(speaking), answered(false, true)) << "the card is off, whatever is wanted";
+    EXPECT_EQ(delivered, 1);
     EXPECT_TRUE(stored.lockScreenPendingRemoval());
     speaking.installID = "B";
     EXPECT_EQ(hello(speaking), answered(true, false));
+    EXPECT_EQ(delivered, 1);
     EXPECT_FALSE(stored.lockScreenPendingRemoval());
 }
 

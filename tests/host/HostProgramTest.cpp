@@ -28,6 +28,8 @@ protected:
     std::vector<std::string> environment() const {
         return {bus.environment(),
                 "HOME=" + folder.path().string(),
+                "DISPLAY=",
+                "WAYLAND_DISPLAY=",
                 "XDG_RUNTIME_DIR=" + folder.path().string(),
                 "XDG_CONFIG_HOME=" + (folder / "config").string(),
                 "XDG_DATA_HOME=" + (folder / "data").string(),
@@ -37,9 +39,11 @@ protected:
         return LoggedProcess{{HOST_PROGRAM, "run", "--script", script.string()}, environment()};
     }
     using Run = LoggedProcess::Run;
-    Run run(std::vector<std::string> arguments) {
+    Run run(std::vector<std::string> arguments, const std::string& variable = "DISPLAY=") {
         arguments.insert(arguments.begin(), HOST_PROGRAM);
-        return LoggedProcess::run(arguments, environment());
+        auto variables = environment();
+        variables.push_back(variable);
+        return LoggedProcess::run(arguments, variables);
     }
 
     PrivateBus bus;
@@ -54,9 +58,6 @@ TEST_F(HostProgramTest, ExplainsMistakes) {
     result = run({"--script", (folder / "absent.json").string()});
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.text.ends_with("absent.json: No such file or directory\n")) << result.text;
-    result = run({"--help"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(result.text.starts_with("Usage: quorvane-host")) << result.text;
     EXPECT_TRUE(std::regex_match(run({"--version"}).text,
                                  std::regex{"quorvane-host \\d+\\.\\d+\\.\\d+\n"}));
 }
@@ -64,7 +65,7 @@ TEST_F(HostProgramTest, ExplainsMistakes) {
 TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
     Run result = run({"status"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.text.starts_with("Host:    not running")) << result.text;
+    EXPECT_TRUE(result.text.starts_with("Host:    Quorvane is not reachable")) << result.text;
     LoggedProcess host = startHost();
     ASSERT_TRUE(host.says("the card is off; turn it on with"));
     ASSERT_TRUE(host.says("serving;"));
@@ -77,7 +78,9 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
               "Host:    running, paused \"Low Tide\" by The Quiet Harbour (0:30 of 3:34)\n"
               "Card:    on\n"
               "Install: no; do so with: quorvane-host install\n"
-              "Add-on:  not running, and never seen\n");
+              "Add-on:  not running, and never seen\n"
+              "Session: there is no X11 session to show a card in: DISPLAY is not set; use a "
+              "terminal of the X11 session\n");
     const auto secret = folder / "data/group.example.quillon.Quorvane/ipc-secret";
     EXPECT_EQ(modeOf(secret), 0600);
     EXPECT_EQ(file_size(secret), 32u);
@@ -86,8 +89,7 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
     host.process().signal(SIGSTOP);
     result = run({"status"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.text.starts_with("Host:    its ports are taken, but nobody answers"))
-        << result.text;
+    EXPECT_TRUE(result.text.starts_with("Host:    Quorvane did not answer in time")) << result.text;
 }
 
 TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
@@ -96,6 +98,7 @@ TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
     LoggedProcess impatient = startHost();
     ASSERT_TRUE(impatient.says("another quorvane-host serves this login; waiting for it to end"));
     ASSERT_TRUE(impatient.says("busy (attempt 1)"));
+    EXPECT_EQ(impatient.count(" error: "), 0) << impatient.log();
     impatient.process().signal(SIGINT);  // which must not make it try without a pause
     // Without being held up by the two seconds that each port is waited for.
     EXPECT_EQ(impatient.process().exitStatus(5s), 0);
@@ -108,14 +111,32 @@ TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
     EXPECT_TRUE(second.says("serving;", 5s)) << second.log();
 }
 
+TEST_F(HostProgramTest, SaysWhatTheSessionLacks) {
+    const std::string noFolder = "XDG_RUNTIME_DIR=" + (folder / "absent").string();
+    Run result = run({"run", "--script", script.string()}, noFolder);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.text.find("there is no runtime folder"), std::string::npos) << result.text;
+    EXPECT_EQ(result.text.find("busy"), std::string::npos) << result.text;
+    const std::pair<std::string, const char*> rows[] = {
+        {noFolder, "Session: there is no runtime folder"},
+        {"DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent", "Session: there is no session bus"},
+        {"WAYLAND_DISPLAY=wayland-0", "Session: this is a Wayland session"}};
+    for (const auto& [variable, line] : rows)
+        EXPECT_NE(run({"status"}, variable).text.find(line), std::string::npos) << line;
+    folder.write("example.quillon.Quorvane", "a file");
+    EXPECT_NE(run({"run"}).text.find("not a private one of yours"), std::string::npos);
+}
+
 TEST_F(HostProgramTest, SaysGoodbyeHoweverItIsAskedToEnd) {
     for (const int signal : {SIGINT, SIGTERM}) {
         EventLoop loop;
         SessionBus connection{loop, Logger{}};
         const DarwinNotices notices = makeDarwinNotices(connection, Logger{});
         bool isOver = false;
-        const Handle observation = notices.observe("example.quillon.Quorvane.mainAppWillTerminate",
-                                                   [&] { isOver = true; });
+        const std::string goodbye = "example.quillon.Quorvane.mainAppWillTerminate";
+        const Handle observation = notices.observe(goodbye, [&] { isOver = true; });
+        notices.post(goodbye);  // heard once the bus knows of the observation
+        ASSERT_TRUE(runUntil(loop, [&] { return std::exchange(isOver, false); }));
         LoggedProcess host = startHost();
         ASSERT_TRUE(host.says("serving;"));
         host.process().signal(signal);

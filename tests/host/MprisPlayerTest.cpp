@@ -27,7 +27,7 @@ protected:
     MediaPlayers table() {
         return {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
                 .observe = [this](auto handler) { return revision.subscribe(std::move(handler)); },
-                .askPosition = [this](const std::string& name) { said.push_back("? " + name); },
+                .refresh = [this](const std::string& name) { said.push_back("? " + name); },
                 .call = [this](const std::string& name,
                                const std::string& method) { said.push_back(method + ' ' + name); },
                 .set =
@@ -40,8 +40,23 @@ protected:
                 .raise = [this](const std::string& name) { said.push_back("raise " + name); }};
     }
 
+    SoundServer soundServer() {
+        return {.observe =
+                    [this](auto handler) {
+                        ++soundObservations;
+                        onSound = handler;
+                        return Handle{[this] { onSound = nullptr; }};
+                    },
+                .setVolume =
+                    [this](std::optional<std::uint32_t> stream, double volume) {
+                        said.push_back("sound " + std::to_string(stream.value_or(0)) + '=' +
+                                       std::to_string(volume));
+                    }};
+    }
+
     void start(std::optional<std::string> onlyNamed = std::nullopt) {
         player.emplace(MprisPlayer::Services{.players = table(),
+                                             .soundServer = soundServer(),
                                              .files = files.table(),
                                              .clock = clock.clock(),
                                              .mainThread = main.mainThread(),
@@ -99,6 +114,8 @@ protected:
     std::vector<MediaPlayer> players;
     Observable<int> revision{0};
     std::vector<std::string> said;
+    std::function<void(SoundLevels)> onSound;
+    int soundObservations = 0;
     std::optional<MprisPlayer> player;
     int changes = 0;
 };
@@ -187,36 +204,24 @@ TEST_F(MprisPlayerTest, AsksAgainWhenSomebodyLooksButNotAllTheTime) {
     EXPECT_TRUE(takeSaid().empty()) << "an answer is no reason to ask";
 }
 
-TEST_F(MprisPlayerTest, ReadsArtworkOnceInTheBackground) {
-    MediaPlayer& mpv = add(kMpv, "Playing", "song", "file:///one.png");
-    start();
-    EXPECT_EQ(artwork(), "");
-    read();
-    EXPECT_EQ(artwork(), "picture one");
-    EXPECT_EQ(changes, 1);
-    const auto before = player->snapshot().state.track->artworkData->view().data();
-    play(mpv, "next song", "file:///one.png");
-    announce();
-    EXPECT_EQ(artwork(), "picture one") << "the album's picture stays while it is looked at";
-    clock.advance(2s);
-    player->freshen();
-    read();
-    EXPECT_EQ(files.reads, 1);
-    EXPECT_EQ(player->snapshot().state.track->artworkData->view().data(), before);
-}
-
-TEST_F(MprisPlayerTest, NoticesArtworkThatComesOrChangesLater) {
+TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
     MediaPlayer& mpv = add(kMpv, "Playing", "song", "file:///late.png");
     start();
     read();
     EXPECT_EQ(artwork(), "");
     files.put("/late.png", "late");
     player->freshen();
+    EXPECT_EQ(artwork(), "");
     read();
     EXPECT_EQ(artwork(), "late");
-    files.put("/late.png", "later");
     play(mpv, "next song", "file:///late.png");
     announce();
+    EXPECT_EQ(artwork(), "late") << "the album's picture stays while it is looked at";
+    read();
+    EXPECT_EQ(files.reads, 1);
+    files.put("/late.png", "later");
+    clock.advance(2s);
+    player->freshen();
     read();
     EXPECT_EQ(artwork(), "later");
     clock.advance(2s);
@@ -275,6 +280,39 @@ TEST_F(MprisPlayerTest, TellsTheChosenPlayer) {
     announce();
     player->perform(QuorvaneAction::toggleMute);
     EXPECT_EQ(takeSaid(), Said{"Volume=0.800000 org.mpris.MediaPlayer2.mpv"});
+    mpv.properties["CanGoNext"] = {false};
+    EXPECT_FALSE(player->perform(QuorvaneAction::nextTrack));
+    EXPECT_TRUE(takeSaid().empty());
+}
+
+TEST_F(MprisPlayerTest, UsesTheSoundServerOnlyForAPlayerWithoutAVolume) {
+    MediaPlayer& mpv = add(kMpv, "Playing", "song");
+    start();
+    EXPECT_FALSE(onSound);
+    mpv.processID = 7;
+    mpv.properties.erase("Volume");
+    announce();
+    ASSERT_TRUE(onSound);
+    EXPECT_FALSE(player->setVolume(30)) << "there is no server yet";
+    changes = 0;
+    onSound({{{.number = 3, .processID = 7, .isPlaying = true, .volume = 0.4}}, 0.9});
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(player->snapshot().state.volume, 40);
+    takeSaid();
+    EXPECT_TRUE(player->setVolume(30));
+    EXPECT_EQ(takeSaid(), Said{"sound 3=0.300000"});
+
+    onSound({});
+    EXPECT_FALSE(player->setVolume(30)) << "it went away";
+    announce();
+    EXPECT_EQ(soundObservations, 1);
+    play(mpv, "next song");
+    announce();
+    EXPECT_EQ(soundObservations, 2) << "looked for again, not all the time";
+    mpv.properties["Volume"] = {0.5};
+    announce();
+    EXPECT_FALSE(onSound);
+    EXPECT_EQ(player->snapshot().state.volume, 50);
 }
 
 }  // namespace

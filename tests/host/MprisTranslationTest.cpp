@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "host/FileURL.hpp"
 #include "host/MprisCommand.hpp"
 
@@ -18,77 +20,78 @@ MediaPlayer mpv(PropertyDictionary metadata = {{"xesam:title", {std::string{"Tit
 }
 
 PropertyValue text(std::string value) { return {std::move(value)}; }
-PropertyValue texts(std::initializer_list<const char*> values) {
-    PropertyArray array;
-    for (const char* value : values) array.push_back(text(value));
-    return {array};
-}
-
-TEST(MprisTranslation, TranslatesATrack) {
-    const MediaPlayer player = mpv({{"mpris:trackid", text("/1")},
-                                    {"xesam:title", text("Title")},
-                                    {"xesam:artist", texts({"One", "", "Two"})},
-                                    {"xesam:album", text("Album")},
-                                    {"xesam:albumArtist", texts({"Three"})},
-                                    {"mpris:length", {std::int64_t{60'029'388}}},
-                                    {"mpris:artUrl", text("file:///cover.png")}});
-    EXPECT_EQ(playerStateOf(player).track, (XPCTrack{.title = "Title",
-                                                     .artist = "One, Two",
-                                                     .album = "Album",
-                                                     .albumArtist = "Three",
-                                                     .duration = 60.029388}));
-    EXPECT_EQ(artworkURLOf(player), "file:///cover.png");
-}
 
 TEST(MprisTranslation, TakesTracksAsTheyCome) {
+    const PropertyValue radio = text("https://r/x");
+    const PropertyValue list{PropertyArray{text("One"), text(""), text("Two")}};
     struct Row {
         const char* name;
-        PropertyDictionary metadata;
+        PropertyDictionary metadata;  // besides a title
         std::optional<XPCTrack> expected;
     };
-    const auto live = [](std::string title) {
-        return XPCTrack{.title = std::move(title), .artist = "", .isLiveStream = true};
-    };
     const Row rows[] = {
-        {"nothing", {}, {}},
-        {"no track",
-         {{"mpris:trackid", text("/org/mpris/MediaPlayer2/TrackList/NoTrack")},
-          {"xesam:title", text("T")}},
-         {}},
-        {"an artist as a text",
-         {{"xesam:title", text("T")}, {"xesam:artist", text("A")}},
-         XPCTrack{.title = "T", .artist = "A"}},
+        {"no track", {{"mpris:trackid", text("/org/mpris/MediaPlayer2/TrackList/NoTrack")}}, {}},
+        {"a list of artists", {{"xesam:artist", list}}, XPCTrack{"T", "One, Two"}},
+        {"an artist as a text", {{"xesam:artist", text("A")}}, XPCTrack{"T", "A"}},
+        {"an album",
+         {{"xesam:album", text("B")}, {"xesam:albumArtist", list}},
+         XPCTrack{"T", "", "B", "One, Two"}},
         {"values of wrong types",
-         {{"xesam:title", text("T")},
-          {"xesam:artist", {true}},
-          {"xesam:album", {1.0}},
-          {"mpris:length", text("7")}},
-         XPCTrack{.title = "T", .artist = ""}},
-        {"no title, a file",
-         {{"xesam:url", text("file:///m/My%20song.flac")}},
-         XPCTrack{.title = "My song.flac", .artist = ""}},
-        {"a file name that is no text",
-         {{"xesam:url", text("file:///m/%ff.flac")}},
-         XPCTrack{.title = "file:///m/%ff.flac", .artist = ""}},
-        {"a length of the wrong sign",
-         {{"xesam:title", text("T")}, {"mpris:length", {-5.0e6}}},
-         XPCTrack{.title = "T", .artist = ""}},
+         {{"xesam:artist", {true}}, {"xesam:album", {1.0}}, {"mpris:length", text("7")}},
+         XPCTrack{"T", ""}},
+        {"a length",
+         {{"mpris:length", {std::int64_t{60'029'388}}}},
+         XPCTrack{.title = "T", .artist = "", .duration = 60.029388}},
+        {"a length of the wrong sign", {{"mpris:length", {-5.0e6}}}, XPCTrack{"T", ""}},
         {"a radio station",
-         {{"xesam:title", text("R")}, {"xesam:url", text("https://r/x")}},
-         live("R")},
+         {{"xesam:url", radio}},
+         XPCTrack{.title = "T", .artist = "", .isLiveStream = true}},
         {"a stream of absurd length",
-         {{"xesam:title", text("R")},
-          {"xesam:url", text("http://r/x")},
-          {"mpris:length", {std::int64_t{INT64_MAX}}}},
-         live("R")},
+         {{"xesam:url", radio}, {"mpris:length", {std::int64_t{INT64_MAX}}}},
+         XPCTrack{.title = "T", .artist = "", .isLiveStream = true}},
         {"a song on the network, its length a real number",
-         {{"xesam:title", text("T")},
-          {"xesam:url", text("https://r/x")},
-          {"mpris:length", {9.5e6}}},
+         {{"xesam:url", radio}, {"mpris:length", {9.5e6}}},
          XPCTrack{.title = "T", .artist = "", .duration = 9.5}},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(playerStateOf(mpv(row.metadata)).track, row.expected) << row.name;
+    for (const Row& row : rows) {
+        PropertyDictionary metadata = row.metadata;
+        metadata["xesam:title"] = text("T");
+        EXPECT_EQ(playerStateOf(mpv(metadata)).track, row.expected) << row.name;
+    }
+}
+
+TEST(MprisTranslation, NamesATrackThatHasNoTitle) {
+    struct Row {
+        const char* title;
+        const char* url;
+        const char* shown;
+    };
+    const Row rows[] = {
+        {"", "file:///m/My%20song.one.flac", "My song.one"},
+        {"My song.flac", "file:///m/My%20song.flac", "My song"},
+        {"", "file:///m/%ff.flac", "mpv player"},  // no text
+        {"", "https://radio.example.org/live?token=s3cret", "radio.example.org"},
+        {"live?token=s3cret", "https://radio.example.org/live?token=s3cret", "radio.example.org"},
+        {"s 3", "https://radio.example.org/live/s%203", "radio.example.org"},
+        {"https://x/?token=s3cret", "", "mpv player"},
+        {"", "http://user:s3cret@[::1]:8000?a@b", "[::1]"},
+        {"", "rtsp://host:554/x@y", "host"},
+        {"", "https://?token=s3cret", "mpv player"},
+        {"", "", "mpv player"},
+        {"Title", "https://radio.example.org/live?token=s3cret", "Title"},
+    };
+    for (const Row& row : rows) {
+        MediaPlayer player = mpv({{"xesam:title", text(row.title)}, {"xesam:url", text(row.url)}});
+        player.identity = "mpv player";
+        ASSERT_TRUE(playerStateOf(player).track) << row.url;
+        EXPECT_EQ(playerStateOf(player).track->title, row.shown) << row.title << ' ' << row.url;
+    }
+    MediaPlayer player = mpv({});
+    player.busName += ".instance7";
+    player.identity = "";
+    EXPECT_EQ(playerStateOf(player).track->title, "mpv");
+    player.properties["PlaybackStatus"] = text("Stopped");
+    EXPECT_FALSE(playerStateOf(player).track);
 }
 
 TEST(MprisTranslation, CutsTextsOfNoReason) {
@@ -102,25 +105,18 @@ TEST(MprisTranslation, TranslatesThePlayer) {
     MediaPlayer player = mpv();
     player.properties["Shuffle"] = {true};
     player.properties["LoopStatus"] = text("Track");
-    player.properties["Volume"] = {0.496};
     auto state = playerStateOf(player);
     EXPECT_EQ(state.playerState, XPCPlayerState::playing);
     EXPECT_EQ(state.playerType, std::nullopt);
     EXPECT_EQ(state.capabilities, XPCPlayerCapabilities{.hasThreeStateRepeat = true});
     EXPECT_EQ(state.repeatMode, XPCRepeatMode::one);
     EXPECT_TRUE(state.shuffleEnabled);
-    EXPECT_EQ(state.volume, 50);
-    EXPECT_FALSE(state.isMuted);
 
-    player.properties["Volume"] = {1.3};
     player.properties["PlaybackStatus"] = text("Dreaming");
     player.properties["LoopStatus"] = text("Perhaps");
     state = playerStateOf(player);
-    EXPECT_EQ(state.volume, 100);
     EXPECT_EQ(state.playerState, XPCPlayerState::unknown);
     EXPECT_EQ(state.repeatMode, std::nullopt);
-    player.properties["Volume"] = {std::numeric_limits<double>::quiet_NaN()};
-    EXPECT_EQ(playerStateOf(player).volume, 100) << "a volume that is no number is none";
 }
 
 TEST(MprisTranslation, KnowsSpotifyAndItsAdvertisements) {
@@ -140,57 +136,88 @@ TEST(MprisTranslation, TellsTracksApart) {
     const MediaPlayer three = mpv({{"xesam:title", text("U")}, {"mpris:trackid", text("/1")}});
     EXPECT_NE(trackKeyOf(one), trackKeyOf(two));
     EXPECT_NE(trackKeyOf(one), trackKeyOf(three));
-    EXPECT_EQ(trackKeyOf(mpv({})), "");
     EXPECT_TRUE(isProxy({.busName = "org.mpris.MediaPlayer2.playerctld"}));
     EXPECT_FALSE(isProxy(one));
 }
 
+TEST(PlayerVolume, IsThePlayersElseItsStreamsElseTheSystems) {
+    using enum PlayerVolume::Owner;
+    struct Row {
+        const char* name;
+        PropertyDictionary properties;
+        SoundLevels sound;
+        PlayerVolume expected;
+    };
+    const SoundStream other{.number = 9, .processID = 1, .application = "x", .isPlaying = true};
+    const SoundStream own{.number = 3, .processID = 7, .isPlaying = true, .volume = 0.3};
+    const SoundStream corked{.number = 5, .processID = 7, .volume = 0.5};
+    const SoundStream helper{.number = 4, .processID = 8, .application = "MPV", .volume = 0.4};
+    const Row rows[] = {
+        {"its own", {{"Volume", {0.4}}}, {{own}, 0.6}, {player, 0.4}},
+        {"too loud", {{"Volume", {1.3}}}, {}, {player, 1}},
+        {"no number", {{"Volume", {std::nan("")}}}, {}, {none, 1}},
+        {"one that cannot be set",
+         {{"Volume", {0.4}}, {"CanControl", {false}}},
+         {{}, 0.6},
+         {system, 0.6}},
+        {"neither can the server", {{"Volume", {0.4}}, {"CanControl", {false}}}, {}, {none, 0.4}},
+        {"a stream", {}, {{other, own, corked}, 0.6}, {stream, 0.3, 3}},
+        {"a helper's stream", {}, {{other, helper}, 0.6}, {stream, 0.4, 4}},
+        {"no stream of it", {}, {{other}, 0.6}, {system, 0.6}},
+        {"no server", {}, {}, {none, 1}},
+    };
+    for (const Row& row : rows) {
+        MediaPlayer mpv{.busName = "", .identity = "mpv", .processID = 7};
+        mpv.properties = row.properties;
+        EXPECT_EQ(PlayerVolume::of(mpv, row.sound), row.expected) << row.name;
+    }
+}
+
 TEST(MprisCommand, ActionsBecomeCallsAndProperties) {
-    MediaPlayer player = mpv();
-    player.properties["Shuffle"] = {false};
-    player.properties["LoopStatus"] = text("None");
+    using enum QuorvaneAction;
+    struct Row {
+        const char* forbidden;
+        QuorvaneAction action;
+        std::optional<MprisCommand> expected;
+    };
     const auto set = [](const char* property, PropertyValue value) {
         return MprisCommand{MprisSet{property, std::move(value)}};
     };
-    const std::pair<QuorvaneAction, std::optional<MprisCommand>> rows[] = {
-        {QuorvaneAction::playPause, MprisCall{"PlayPause"}},
-        {QuorvaneAction::nextTrack, MprisCall{"Next"}},
-        {QuorvaneAction::previousTrack, MprisCall{"Previous"}},
-        {QuorvaneAction::increaseVolume, set("Volume", {0.55})},
-        {QuorvaneAction::decreaseVolume, set("Volume", {0.45})},
-        {QuorvaneAction::toggleMute, set("Volume", {0.0})},
-        {QuorvaneAction::toggleShuffle, set("Shuffle", {true})},
-        {QuorvaneAction::toggleRepeat, set("LoopStatus", text("Playlist"))},
-        {QuorvaneAction::activatePlayer, MprisRaise{}},
-        {QuorvaneAction::toggleLove, std::nullopt},
-        {QuorvaneAction::switchPlayer, std::nullopt},
+    const Row rows[] = {
+        {"", playPause, MprisCall{"PlayPause"}},
+        {"CanPause", playPause, {}},
+        {"", nextTrack, MprisCall{"Next"}},
+        {"CanGoNext", nextTrack, {}},
+        {"", previousTrack, MprisCall{"Previous"}},
+        {"CanGoPrevious", previousTrack, {}},
+        {"", increaseVolume, set("Volume", {0.55})},
+        {"", decreaseVolume, set("Volume", {0.45})},
+        {"", toggleMute, set("Volume", {0.0})},
+        {"", toggleShuffle, set("Shuffle", {true})},
+        {"", toggleRepeat, set("LoopStatus", text("Playlist"))},
+        {"CanControl", toggleRepeat, {}},
+        {"CanControl", toggleShuffle, {}},
+        {"CanControl", nextTrack, {}},
+        {"CanControl", activatePlayer, MprisRaise{}},
+        {"", toggleLove, {}},
     };
-    for (const auto& [action, command] : rows)
-        EXPECT_EQ(commandFor(action, player, 0.7), command) << name(action);
-    player.properties["Volume"] = {0.0};
-    EXPECT_EQ(commandFor(QuorvaneAction::toggleMute, player, 0.7), set("Volume", {0.7}));
-    EXPECT_EQ(volumeCommand(255, player), set("Volume", {1.0}));
-    EXPECT_EQ(volumeCommand(-1, player), set("Volume", {0.0}));
-}
-
-TEST(MprisCommand, LeavesAloneWhatThePlayerDoesNotTake) {
-    using enum QuorvaneAction;
-    const std::pair<const char*, std::vector<QuorvaneAction>> rows[] = {
-        {"CanGoNext", {nextTrack}},
-        {"CanGoPrevious", {previousTrack}},
-        {"CanPause", {playPause}},
-        {"CanControl", {nextTrack, previousTrack, playPause, increaseVolume, toggleMute}}};
-    for (const auto& [property, actions] : rows) {
+    const PlayerVolume half{PlayerVolume::Owner::player, 0.5};
+    for (const auto& [forbidden, action, expected] : rows) {
         MediaPlayer player = mpv();
-        player.properties[property] = {false};
-        for (const auto action : actions)
-            EXPECT_EQ(commandFor(action, player, 1), std::nullopt) << property;
+        player.properties["Shuffle"] = {false};
+        player.properties["LoopStatus"] = text("None");
+        player.properties[forbidden] = {false};
+        EXPECT_EQ(commandFor(action, player, half, 0.7), expected) << forbidden << name(action);
     }
-    MediaPlayer bare = mpv();
-    bare.properties.erase("Volume");
-    EXPECT_EQ(volumeCommand(5, bare), std::nullopt);
-    for (const auto action : {toggleShuffle, toggleRepeat, toggleMute})
-        EXPECT_EQ(commandFor(action, bare, 1), std::nullopt) << name(action);
+    for (const auto action : {toggleShuffle, toggleRepeat})
+        EXPECT_EQ(commandFor(action, mpv(), half, 1), std::nullopt) << "it knows neither";
+
+    const PlayerVolume stream{PlayerVolume::Owner::stream, 0, 3};
+    EXPECT_EQ(commandFor(toggleMute, mpv(), stream, 0.7), MprisCommand(SetSoundVolume{3, 0.7}));
+    EXPECT_EQ(volumeCommand(255, {PlayerVolume::Owner::system, 1}),
+              MprisCommand(SetSoundVolume{{}, 1.0}));
+    EXPECT_EQ(volumeCommand(-1, half), set("Volume", {0.0}));
+    EXPECT_EQ(volumeCommand(5, {}), std::nullopt);
 }
 
 TEST(FileURL, OnlyFilesOfThisMachine) {

@@ -24,17 +24,6 @@ double seenAt(const QuorvanePlayerState& state, WallTime moment) {
     return state.playerPosition + (isPlaying ? secondsBetween(state.timestamp, moment) : 0);
 }
 
-TEST(PlaybackAnchor, GoesOnOnlyWhilePlayingAndNotPastTheEnd) {
-    PlaybackAnchor anchor = playing(10, kNow).anchor;
-    EXPECT_DOUBLE_EQ(anchor.secondsAt(kNow + 2500ms), 12.5);
-    EXPECT_DOUBLE_EQ(anchor.secondsAt(kNow - 5s), 10);
-    EXPECT_DOUBLE_EQ(anchor.secondsAt(kNow + 1000s), 200);
-    anchor.rate = 2;
-    EXPECT_DOUBLE_EQ(anchor.movedTo(kNow + 3s).secondsAt(kNow + 4s), 18);
-    anchor.isPlaying = false;
-    EXPECT_DOUBLE_EQ(anchor.secondsAt(kNow + 1000s), 10);
-}
-
 TEST(StateAt, TellsTheExactPositionWithATimestampOfWholeSeconds) {
     for (const double rate : {1.0, 1.5}) {
         PlayerSnapshot snapshot = playing(0.2, kNow);

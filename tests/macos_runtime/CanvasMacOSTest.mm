@@ -40,6 +40,7 @@ protected:
 
 TEST_F(CanvasMacOSTest, DrawsShapesAndPictures) {
     draw("corners that fit", ShapeNode{{10, 20, 40, 6}, 17, Color::white(0.25)});
+    draw("an edge", ShapeNode{{20, 20, 64, 64}, 10, Color::white(0.1), 0.5});
     setAnswer("CGImageGetWidth", 300);
     setAnswer("CGImageGetHeight", 100);
     const auto image = std::make_shared<DecodedImage>(

@@ -114,15 +114,15 @@ TEST_F(SystemMacOSTest, TheMainThreadRunsActionsLaterAndInOrder) {
 TEST_F(SystemMacOSTest, QueuesDropWhatWaitsWhenTheyEnd) {
     std::string order;
     auto queue = makeSerialQueuesMacOS()("kit.queries");
-    queue->async([&] { order += "a"; });
+    EXPECT_TRUE(queue->async([&] { order += "a"; }));
     macrt::drainQueues();
-    queue->async([&] { order += "b"; });
+    EXPECT_TRUE(queue->async([&] { order += "b"; }));
     queue = nullptr;
     EXPECT_EQ(order, "a");
     // It may end from inside its own action.
     queue = makeSerialQueuesMacOS()("kit.queries");
-    queue->async([&] { queue = nullptr; });
-    queue->async([&] { order += "c"; });
+    EXPECT_TRUE(queue->async([&] { queue = nullptr; }));
+    EXPECT_TRUE(queue->async([&] { order += "c"; }));
     macrt::drainQueues();
     EXPECT_EQ(order, "a");
 }
@@ -178,7 +178,10 @@ TEST_F(SystemMacOSTest, FilesAreReadAndWrittenWithTheirErrors) {
               [NSURL fileURLWithPath:@"/Groups/group.a"]);
     EXPECT_EQ(files.containerOfGroup("group.a"), "/Groups/group.a");
     EXPECT_TRUE(files.writeAtomically("/Groups/secret", bytesOf("32")));
+    EXPECT_TRUE(files.createAtomically("/Groups/secret", bytesOf("late")));
     EXPECT_EQ(textOf(files.read("/Groups/secret").value()), "32");
+    EXPECT_TRUE(files.createAtomically("/Groups/new", bytesOf("new")));
+    EXPECT_EQ(textOf(files.read("/Groups/new").value()), "new");
     EXPECT_EQ(files.read("/none").error(),
               (PlatformError{PlatformError::Domain::cocoa, 260, "no such file"}));
     setAnswer("NSFileManager.error", macrt::makeError(NSPOSIXErrorDomain, 13, @"denied"));
@@ -206,6 +209,7 @@ TEST_F(SystemMacOSTest, DefaultsKeepTheTypesOfTheirValues) {
     }
     standard.set("removalPending", PropertyValue{PropertyArray{{std::int64_t{2}}, {false}}});
     EXPECT_EQ(standard.get("removalPending")->as<PropertyArray>()->size(), 2u);
+    EXPECT_EQ(standard.getTogether({"removalPending", "absent"}).size(), 1u);
     standard.set("removalPending", std::nullopt);
     EXPECT_FALSE(standard.get("removalPending"));
     standard.removeDomain();

@@ -20,7 +20,6 @@ struct FakeInstallation {
     std::map<std::filesystem::path, std::string> bundles;
     std::vector<RunningCopy> copies{kMe};  // this one last
     bool loginItemRefuses = false;
-    bool filesRefuse = false;
     int calls = 0;    // of what may fail
     int failing = 0;  // the number of the one that does
 
@@ -58,7 +57,7 @@ private:
     Result<void> remove(const std::filesystem::path& path) {
         if (!exists(path))
             return std::unexpected{PlatformError{PlatformError::Domain::cocoa, 4, "no such file"}};
-        if (filesRefuse || ++calls == failing)
+        if (++calls == failing)
             return std::unexpected{PlatformError{.code = 13, .description = "denied"}};
         std::erase_if(bundles, liesAt(path));
         return {};

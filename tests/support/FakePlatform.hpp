@@ -208,6 +208,7 @@ private:
             if (isCut && reply.body) reply.body->resize(reply.body->size() / 2);
             return reply;
         }
+        void cancel() override { port_->cancel(); }
 
     private:
         Faults& faults_;
@@ -228,6 +229,7 @@ private:
         services.wallClock = clock.wallClock();
         services.mainThread = mainThread.mainThread();
         services.makeSerialQueue = queues.make();
+        queues.refuses = [this] { return faults.hit(); };
         services.connectPort = [this, connect = ports.connectPort()](
                                    const std::string& name) -> std::unique_ptr<RemotePort> {
             auto port = faults.hit() ? nullptr : connect(name);

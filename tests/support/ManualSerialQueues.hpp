@@ -15,6 +15,9 @@ public:
         return [this](std::string label) { return std::make_unique<Queue>(*this, label); };
     }
 
+    // Asked for each action, when set: whether the system has no thread for it.
+    std::function<bool()> refuses;
+
     // Runs the next action of the queue with this label; false when none waits.
     bool runNext(const std::string& label) {
         auto& actions = actions_[label];
@@ -42,8 +45,10 @@ private:
             owner_.actions_[label_];
         }
         ~Queue() override { owner_.actions_[label_].clear(); }
-        void async(std::function<void()> action) override {
+        bool async(std::function<void()> action) override {
+            if (owner_.refuses && owner_.refuses()) return false;
             owner_.actions_[label_].push_back(std::move(action));
+            return true;
         }
 
     private:

@@ -3,6 +3,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <set>
 
 #include "QuorvaneKit/WaitFlag.hpp"
@@ -21,7 +22,7 @@ public:
         std::unique_lock lock{mutex_};
         changed_.wait(lock, [&] { return deadlines_.size() == count; });
     }
-    // Whoever's time has come is counted as waiting no more when this returns.
+    // Threads whose time has come are no longer counted as waiting when this returns.
     void advance(Duration duration) {
         const std::lock_guard guard{mutex_};
         elapsed_ += duration;
@@ -39,7 +40,7 @@ private:
         explicit Flag(ManualWaits& owner) : owner_(owner) {}
         void raise() override {
             const std::lock_guard guard{owner_.mutex_};
-            isRaised_ = true;
+            if (!raised_) raised_ = owner_.elapsed_;
             owner_.changed_.notify_all();
         }
         bool waitFor(Duration limit) override {
@@ -48,15 +49,16 @@ private:
             owner_.deadlines_.insert(waiter);
             owner_.changed_.notify_all();
             owner_.changed_.wait(lock,
-                                 [&] { return isRaised_ || !owner_.deadlines_.contains(waiter); });
+                                 [&] { return raised_ || !owner_.deadlines_.contains(waiter); });
             owner_.deadlines_.erase(waiter);
             owner_.changed_.notify_all();
-            return isRaised_;
+            // By the test's time: this thread may have been held up until after a late raise.
+            return raised_ && *raised_ < waiter.first;
         }
 
     private:
         ManualWaits& owner_;
-        bool isRaised_ = false;  // under the owner's mutex
+        std::optional<Duration> raised_;  // when, under the owner's mutex
     };
 
     std::mutex mutex_;

@@ -8,6 +8,7 @@ namespace quorvane {
 struct MemoryDefaults {
     PropertyDictionary values;
     int synchronizations = 0;
+    bool refuses = false;  // to synchronize
 
     UserDefaults table() {
         return {.get = [this](const std::string& key) -> std::optional<PropertyValue> {
@@ -15,6 +16,14 @@ struct MemoryDefaults {
                     if (entry == values.end()) return std::nullopt;
                     return entry->second;
                 },
+                .getTogether =
+                    [this](const std::vector<std::string>& keys) {
+                        PropertyDictionary found;
+                        for (const std::string& key : keys)
+                            if (const auto entry = values.find(key); entry != values.end())
+                                found.insert(*entry);
+                        return found;
+                    },
                 .set =
                     [this](const std::string& key, std::optional<PropertyValue> value) {
                         if (value)
@@ -25,7 +34,8 @@ struct MemoryDefaults {
                 .removeDomain = [this] { values.clear(); },
                 .synchronize = [this]() -> Result<void> {
                     ++synchronizations;
-                    return {};
+                    if (!refuses) return {};
+                    return std::unexpected{PlatformError{.code = 28, .description = "full"}};
                 }};
     }
 };

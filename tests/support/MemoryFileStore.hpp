@@ -14,6 +14,7 @@ struct MemoryFileStore {
     std::map<std::filesystem::path, Bytes> files;
     std::optional<std::filesystem::path> container = "/container";
     std::optional<std::string> writeFailure{};
+    std::function<void()> beforeWrite{};  // another process at the same files
 
     FileStore table() {
         FileStore store;
@@ -25,14 +26,22 @@ struct MemoryFileStore {
             if (const auto file = files.find(path); file != files.end()) return file->second;
             return std::unexpected{PlatformError{.code = 2, .description = "missing"}};
         };
-        store.writeAtomically = [this](const std::filesystem::path& path,
-                                       ByteView bytes) -> Result<void> {
-            if (writeFailure)
-                return std::unexpected{PlatformError{.code = 28, .description = *writeFailure}};
-            files[path] = copyOf(bytes);
-            return {};
+        store.writeAtomically = [this](const auto& path, ByteView bytes) {
+            return write(path, bytes, true);
+        };
+        store.createAtomically = [this](const auto& path, ByteView bytes) {
+            return write(path, bytes, false);
         };
         return store;
+    }
+
+private:
+    Result<void> write(const std::filesystem::path& path, ByteView bytes, bool replaces) {
+        if (writeFailure)
+            return std::unexpected{PlatformError{.code = 28, .description = *writeFailure}};
+        if (beforeWrite) beforeWrite();
+        if (replaces || !files.contains(path)) files[path] = copyOf(bytes);
+        return {};
     }
 };
 

@@ -48,6 +48,8 @@ public:
     // The status with which sends to a port of `serve` end in place of an answer.
     std::map<std::string, std::int32_t> failures;
 
+    int cancelled = 0;  // sending ends
+
     static constexpr std::size_t kLargestBody = 32 * 1024 * 1024;
 
     ConnectPort connectPort() {
@@ -133,6 +135,10 @@ private:
                 return {.status = kPortTransportError};
             return port->answersInside ? sendInside(*port, request) : sendAcross(*port, request);
         }
+        void cancel() override {
+            life_.reset();
+            ++owner_.cancelled;
+        }
 
     private:
         // This object may be destroyed inside.
@@ -189,7 +195,7 @@ private:
 
         MemoryPorts& owner_;
         const std::shared_ptr<Port> port_;
-        const std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
+        std::shared_ptr<bool> life_ = std::make_shared<bool>(true);
     };
 
     class Local final : public LocalPort {

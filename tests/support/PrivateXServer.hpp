@@ -47,6 +47,10 @@ public:
              part(width) + "x" + part(height) + "+" + std::to_string(x) + "+" + std::to_string(y),
              isPrimary ? "screen" : "none"});
     }
+    // The root window's size, at most the one that the server began with; its output is off then.
+    void resizeRoot(const std::string& pixels, const std::string& millimeters) {
+        runXrandr({"--output", "screen", "--off", "--fb", pixels, "--fbmm", millimeters});
+    }
     void deleteMonitor(const std::string& name) { runXrandr({"--delmonitor", name}); }
 
 private:

@@ -27,6 +27,15 @@ const macrt::AtReset reset{[] {
 @interface NSFileManager () <Recorded>
 @end
 @implementation NSFileManager
+- (BOOL)linkItemAtURL:(NSURL*)srcURL toURL:(NSURL*)dstURL error:(NSError**)error {
+    if (!macrt::succeeds("NSFileManager", "linkItemAtURL:toURL:error:", error)) return NO;
+    const bool isNew =
+        macrt::files()
+            .emplace(macrt::textOf(dstURL.path), macrt::files()[macrt::textOf(srcURL.path)])
+            .second;
+    if (!isNew) *error = macrt::makeError(NSCocoaErrorDomain, 516, @"exists");
+    return isNew;
+}
 - (BOOL)removeItemAtURL:(NSURL*)URL error:(NSError**)error {
     if (!macrt::succeeds("NSFileManager", "removeItemAtURL:error:", error)) return NO;
     const std::string place = macrt::textOf(URL.path);
@@ -48,6 +57,11 @@ const macrt::AtReset reset{[] {
 - (instancetype)initWithSuiteName:(NSString*)suitename {
     domain_ = macrt::textOf(suitename);
     return macrt::answered<BOOL>(nil, "", "no suites") ? nil : self;
+}
+- (NSDictionary*)dictionaryRepresentation {
+    NSMutableDictionary* const all = [NSMutableDictionary dictionaryWithCapacity:1];
+    for (const auto& [key, value] : macrt::defaults()[domain_]) all[macrt::makeString(key)] = value;
+    return all;
 }
 - (id)objectForKey:(NSString*)defaultName {
     auto& domain = macrt::defaults()[domain_];

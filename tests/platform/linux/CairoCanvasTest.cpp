@@ -28,6 +28,9 @@ TEST(CairoCanvas, FillsShapesAndRoundsTheirCorners) {
     EXPECT_EQ(round.alphaAt(10, 10), 0);
     EXPECT_EQ(round.at(10 + 20, 10), kRed);
     EXPECT_EQ(round.alphaAt(11, 20), 255);
+    const DrawnScene edge = drawn({ShapeNode{{10, 10, 40, 20}, 4, {1, 0, 0, 1}, 1}});
+    EXPECT_EQ(edge.at(10, 20), kRed);
+    EXPECT_EQ(edge.alphaAt(11, 20), 0);
 }
 
 TEST(CairoCanvas, GroupsMoveFadeAndClipAndMayNest) {

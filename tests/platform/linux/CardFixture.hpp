@@ -50,9 +50,10 @@ protected:
 
     // The session, and the locker's window that it finds, shown in one colour.
     void lock(std::uint32_t color = kLockerColor) {
-        open();
+        if (!session) open();
         ASSERT_TRUE(locker->grabKeyboard());
         lockerWindow = locker->makeWindow(kWholeScreen);
+        locker->setClass(lockerWindow, "i3lock", "i3lock");
         setBackground(lockerWindow, color);
         locker->map(lockerWindow);
         settle();
@@ -125,6 +126,7 @@ protected:
         settle();
         return Screenshot::take(viewer->connection(), {double(x), double(y), 1, 1}).at(0, 0);
     }
+    std::uint32_t pixelAt(Point at) { return pixelAt(int(at.x), int(at.y)); }
     xcb_window_t cardWindow() const { return static_cast<xcb_window_t>(window->number()); }
     // By another client, into the card's window: what is drawn again afterwards shows.
     void paintOver(std::uint32_t color) {

@@ -176,9 +176,15 @@ TEST_F(CardPointer, ShowsAnArrowOnlyWhereTheLockerHidesIts) {
     moveTo(10, 10);
     EXPECT_EQ(look(), without);
 
+    moveTo(600, 300);
     grabPointer(false);
-    moveTo(500, 250);
-    EXPECT_EQ(look(), without);
+    EXPECT_EQ(look(), without) << "the locker shows its own, over an arrow of ours";
+    grabPointer(true);
+    EXPECT_EQ(look().at(602, 306), 0xff000000);
+    window->setFrame({248, 274 - 40, 504, 326}, screen());
+    EXPECT_EQ(look().at(602, 306), 0xff000000) << "the card has moved, not the pointer";
+    window->setFrame({248, 0, 504, 326}, screen());
+    EXPECT_EQ(pixelAt(602, 306), kLockerColor);
 }
 
 }  // namespace

@@ -242,15 +242,15 @@ TEST_F(CardWindow, StandsUnderThePromptAndOverThePictureOfTheLocker) {
     const xcb_window_t early = locker->makeWindow({320, 170, 40, 40}, {}, lockerWindow);
     setBackground(early, kRed);
     locker->map(early);
-    const xcb_window_t late = locker->makeWindow({600, 300, 40, 40}, {}, lockerWindow);
+    const xcb_window_t late = locker->makeWindow({600, 180, 40, 40}, {}, lockerWindow);
     setBackground(late, kRed);
     settle();
-    makeCard();
+    makeCard(kWindowX, -40);
     showCard();
-    EXPECT_NE(pixelAt(500, 250), 0xff101010) << "the card";
+    EXPECT_NE(pixelAt(500, 150), 0xff101010) << "the card, whose margin is not all on the screen";
     EXPECT_EQ(pixelAt(340, 190), kRed) << "the prompt that was open";
     locker->map(late);
-    EXPECT_EQ(pixelAt(620, 320), kRed) << "the prompt that opens later, and does not raise itself";
+    EXPECT_EQ(pixelAt(620, 200), kRed) << "the prompt that opens later, and does not raise itself";
 }
 
 TEST_F(CardWindow, LeavesOutWhatIsToBeKeptClear) {

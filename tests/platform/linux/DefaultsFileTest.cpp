@@ -53,6 +53,9 @@ TEST_F(DefaultsFileTest, WritesAreSeenHereAtOnceAndThereAtTheNextLook) {
     EXPECT_EQ(modeOf(file.parent_path()), 0700);
     EXPECT_EQ(modeOf(folder / "config" / ".domain.plist.lock"), 0600);
 
+    EXPECT_EQ(defaults.getTogether({"absent", "number"}),
+              (PropertyDictionary{{"number", PropertyValue{std::int64_t{2}}}}));
+
     defaults.removeDomain();
     EXPECT_TRUE(defaults.synchronize());
     EXPECT_EQ(defaults.get("number"), std::nullopt);

@@ -82,11 +82,18 @@ TEST_F(FilesTest, FilesAreReplacedWholeAndPrivate) {
     EXPECT_EQ(textOf(*files.read(file)), "new");
     EXPECT_TRUE(files.writeAtomically(file, {}));
     EXPECT_EQ(files.read(file)->size(), 0u);
+    EXPECT_TRUE(files.createAtomically(file, bytesOf("late")));
+    EXPECT_EQ(files.read(file)->size(), 0u) << "the first writer wins";
+    std::filesystem::remove(file);
+    EXPECT_TRUE(files.createAtomically(file, bytesOf("first")));
+    EXPECT_EQ(textOf(*files.read(file)), "first");
+    EXPECT_EQ(modeOf(file), 0600);
 
     const auto missing = folder / "missing";
     EXPECT_EQ(files.read(missing).error().code, ENOENT);
     EXPECT_EQ(files.read(folder.path()).error().code, EISDIR);
     EXPECT_EQ(files.writeAtomically(missing / "file", bytesOf("x")).error().code, ENOENT);
+    EXPECT_EQ(files.createAtomically(missing / "file", bytesOf("x")).error().code, ENOENT);
     std::filesystem::create_directories(missing);
     EXPECT_FALSE(files.writeAtomically(missing, bytesOf("x")));
     std::set<std::string> names;

@@ -16,7 +16,8 @@
 namespace quorvane {
 namespace {
 
-constexpr CardStyle kStyle{{400, 222}, 52, 30, 1, 0.25, 22, 8};
+constexpr CardStyle kStyle{{400, 222}, 52, 30, 1, 0.25, 22, 8, 106};
+constexpr double kVolumeFill = 0.8;  // the quietest that has to be seen below the texts
 
 struct LockScreen {
     const char* name;
@@ -37,19 +38,27 @@ Pixels picture(const LockScreen& lockScreen, double scale) {
 
 class CardOn : public testing::TestWithParam<LockScreen> {};
 
-TEST_P(CardOn, KeepsItsQuietestTextReadable) {
-    for (const double scale : {1.0, 1.25}) {
+// The least contrast of white of this opacity in these rows, in points. Inside the light edge,
+// which no text reaches.
+double leastContrast(const Pixels& chrome, double scale, double top, double bottom,
+                     double opacity) {
+    double least = 21;
+    for (int y = int(top * scale); y < int(bottom * scale); ++y)
+        for (int x = int(90 * scale); x < int(414 * scale); ++x)
+            least = std::min(least, contrastWithWhite(chrome.at(x, y), opacity));
+    return least;
+}
+
+TEST_P(CardOn, KeepsItsQuietestTextReadableAndItsSymbolsSeen) {
+    for (const double scale : {1.0, 1.25, 2.0}) {
         const Pixels chrome = makeCardChrome(picture(GetParam(), scale), kStyle, scale);
-        // Inside the light edge, which no text reaches.
-        double least = 21;
-        for (int y = int(55 * scale); y < int(271 * scale); ++y)
-            for (int x = int(90 * scale); x < int(414 * scale); ++x) {
-                ASSERT_EQ(chrome.at(x, y) >> 24, 255u);
-                least = std::min(
-                    least, contrastWithWhite(chrome.at(x, y), PlayerLayout::kSecondaryOpacity));
-            }
-        EXPECT_GE(least, 4.5) << scale;
-        RecordProperty("contrast", std::to_string(least));
+        const double text =
+            leastContrast(chrome, scale, 55, 52 + 106, PlayerLayout::kSecondaryOpacity);
+        const double symbols = leastContrast(chrome, scale, 52 + 106, 271, kVolumeFill);
+        EXPECT_GE(text, 4.5) << scale;
+        EXPECT_GE(symbols, 3) << scale;
+        RecordProperty("text", std::to_string(text));
+        RecordProperty("symbols", std::to_string(symbols));
     }
 }
 
@@ -104,6 +113,11 @@ TEST(GlassMaterial, IsTellableFromABlackScreenAndKeepsTheColorOfOthers) {
     const std::uint32_t blue = onBlue.at(252, 200);
     EXPECT_GT(blue & 0xff, blue >> 8 & 0xff);
     EXPECT_GT(blue >> 8 & 0xff, blue >> 16 & 0xff);
+    // Nor does a pale sky turn grey, though it is dimmed most.
+    const Pixels onSky =
+        makeCardChrome(picture({"", [](int, int) { return 0xbfe0f5u; }}, 1), kStyle, 1);
+    for (const int y : {150, 200})
+        EXPECT_GT(onSky.at(252, y) & 0xff, (onSky.at(252, y) >> 16 & 0xff) * 3 / 2) << y;
     // A sun behind the card takes nothing from the sky beside it.
     const Pixels besideWhite = makeCardChrome(
         picture({"", [](int x, int) { return x < 200 ? 0xffffffu : 0x336699u; }}, 1), kStyle, 1);

@@ -42,14 +42,16 @@ protected:
 };
 
 TEST_F(LivePlatformLinux, SaysPlainlyWhyThereIsNone) {
-    EXPECT_EQ(make().error().description,
-              "there is no X11 session to show a card in: DISPLAY is not set");
+    EXPECT_EQ(
+        make().error().description,
+        "there is no X11 session to show a card in: DISPLAY is not set; use a terminal of the "
+        "X11 session");
     for (const auto& [display, reason] :
          {std::pair{":4711", "no X server answers there"},
           std::pair{":nothing", "the display's name makes no sense"}}) {
         setenv("DISPLAY", display, 1);
-        EXPECT_EQ(make().error().description,
-                  std::string{"cannot open the display \""} + display + "\": " + reason);
+        EXPECT_EQ(make().error().description, std::string{"cannot open the display \""} + display +
+                                                  "\": " + reason + "; start it in an X11 session");
     }
     unsetenv("DISPLAY");
     setenv("WAYLAND_DISPLAY", "wayland-0", 1);
@@ -94,6 +96,7 @@ TEST_F(LivePlatformLinux, FillsEveryTable) {
     const auto* image = dynamic_cast<const EncodedImage*>(held.get());
     ASSERT_TRUE(image);
     EXPECT_EQ(textOf(image->bytes()), picture);
+    EXPECT_EQ(image->state().get(), Image::State::arriving);
 
     // The module is not beside this program.
     EXPECT_FALSE(platform.cardWindows.makeWindow({}, platform.screens.list().front()));

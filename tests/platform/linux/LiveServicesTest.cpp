@@ -29,9 +29,9 @@ int runProgram(const ForkedChild::Say& say, const TemporaryFolder& folder) {
     return services.application.run(
         [&] {
             timer = services.clock.after(std::chrono::milliseconds{1}, [&] {
-                queue->async([&] {
+                EXPECT_TRUE(queue->async([&] {
                     services.mainThread.post([&] { ServicesLinux::of(services).fail(3); });
-                });
+                }));
             });
         },
         [&] { say("will terminate"); });

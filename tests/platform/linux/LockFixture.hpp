@@ -21,6 +21,9 @@ namespace quorvane {
 inline constexpr Rect kLeftMonitor{0, 0, 800, 900};
 inline constexpr Rect kRightMonitor{800, 0, 800, 900};
 inline constexpr Rect kBothMonitors{0, 0, 1600, 900};
+inline constexpr unsigned kRawPresses =
+    XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
+    XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_END;
 
 class LockFixture : public testing::Test {
 protected:
@@ -46,7 +49,7 @@ protected:
         auto opened = X11SessionLinux::open(loop(), server.display(), [this] { ++timesLost; });
         ASSERT_TRUE(opened) << opened.error().description;
         session = *std::move(opened);
-        watcher = std::make_unique<LockWatcherLinux>(*services, *session, Logger{});
+        watcher = std::make_unique<LockWatcherLinux>(*services, *session);
         sources = watcher->sources();
         for (const char* name :
              {kScreenIsLocked, kScreenIsUnlocked, kScreenLockUIIsShown, kScreenLockUIIsHidden})

@@ -1,9 +1,13 @@
 // What the desktop's services say of the lock, from services that stand on a private bus.
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "platform/linux/LogindLinux.hpp"
 #include "platform/linux/MotionSetting.hpp"
 #include "platform/linux/ScreenSaverSignals.hpp"
+#include "platform/linux/SystemBus.hpp"
+#include "platform/linux/ToolkitSettings.hpp"
 #include "tests/support/FakeBusService.hpp"
 #include "tests/support/LoopRunner.hpp"
 #include "tests/support/PrivateBus.hpp"
@@ -54,6 +58,7 @@ protected:
     PrivateBus bus;
     EventLoop loop;
     SessionBus session{loop, {}};
+    SystemBus system{loop, {}};
     int changes = 0;
 };
 
@@ -75,18 +80,6 @@ TEST_F(LockServices, TellWhenAScreenSaverBecomesActive) {
     EXPECT_EQ(changes, 2) << "the first one and the last one";
 }
 
-TEST_F(LockServices, TellOfAScreenSaverThatIsActiveAlreadyAndThenEnds) {
-    auto gnome = std::make_unique<FakeBusService>(loop, bus.address(), kGnome, answering(true));
-    ScreenSaverSignals savers{session, [this] { ++changes; }};
-    ASSERT_TRUE(waitFor([&] { return savers.isActive(); }));
-    gnome.reset();
-    ASSERT_TRUE(waitFor([&] { return !savers.isActive(); }));
-    EXPECT_EQ(changes, 2);
-    // One that comes later is asked as well.
-    FakeBusService later{loop, bus.address(), kXfce, answering(true)};
-    ASSERT_TRUE(waitFor([&] { return savers.isActive(); }));
-}
-
 TEST_F(LockServices, BelieveOnlyTheOwnersOfTheirNames) {
     FakeBusService gnome{loop, bus.address(), kGnome, answering(false)};
     FakeBusService stranger{loop, bus.address(), "org.example.Stranger", nullptr};
@@ -106,7 +99,7 @@ TEST_F(LockServices, BelieveOnlyTheOwnersOfTheirNames) {
 TEST_F(LockServices, FollowTheSessionsHint) {
     FakeBusService login{loop, bus.address(), kLogin, hinting(true)};
     int wakes = 0;
-    LogindLinux logind{loop, {}, {[this] { ++changes; }, [&] { ++wakes; }}};
+    LogindLinux logind{system, {[this] { ++changes; }, [&] { ++wakes; }}};
     ASSERT_TRUE(waitFor([&] { return logind.isLocked(); }));
     EXPECT_EQ(changes, 1);
 
@@ -130,24 +123,59 @@ TEST_F(LockServices, FollowTheSessionsHint) {
     EXPECT_EQ(changes, 2);
 }
 
+// What they said before does not stay, and what they say afterwards is heard.
+TEST_F(LockServices, ComeBackAloneAndWithTheirBuses) {
+    std::optional<FakeBusService> login;
+    std::optional<FakeBusService> gnome;
+    int wakes = 0;
+    LogindLinux logind{system, {[this] { ++changes; }, [&] { ++wakes; }}};
+    ScreenSaverSignals savers{session, [this] { ++changes; }};
+    const auto bothSay = [&](bool isLocked) {
+        return waitFor([&, isLocked] {
+            return logind.isLocked() == isLocked && savers.isActive() == isLocked;
+        });
+    };
+    const auto start = [&] {
+        login.emplace(loop, bus.address(), kLogin, hinting(true));
+        gnome.emplace(loop, bus.address(), kGnome, answering(true));
+    };
+    start();
+    ASSERT_TRUE(bothSay(true));
+    login.reset();
+    gnome.reset();
+    ASSERT_TRUE(bothSay(false));
+    start();
+    ASSERT_TRUE(bothSay(true));
+    bus.kill();
+    ASSERT_TRUE(bothSay(false));
+    bus.start();
+    start();
+    ASSERT_TRUE(bothSay(true));
+    login->signal(kLoginPath, kManager, "PrepareForSleep", "b", 0);
+    ASSERT_TRUE(waitFor([&] { return wakes == 1; }));
+    EXPECT_EQ(changes, 10);
+}
+
 TEST_F(LockServices, AreNotMissedWhereThereAreNone) {
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
     setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
     {
         SessionBus none{loop, {}};
+        SystemBus noSystem{loop, {}};
         ScreenSaverSignals savers{none, [this] { ++changes; }};
-        LogindLinux logind{loop, {}, {[this] { ++changes; }, [] {}}};
-        MotionSetting motion{none};
+        LogindLinux logind{noSystem, {[this] { ++changes; }, [] {}}};
+        MotionSetting motion{none, [] { return 0; }};
         motion.refresh();
         runOnce(loop);
-        EXPECT_FALSE(savers.isActive() || logind.isLocked() || motion.isReduced());
+        EXPECT_FALSE(savers.isActive() || logind.isLocked());
+        EXPECT_TRUE(motion.isReduced()) << "without a bus the toolkits' switch decides";
     }
     // A bus without any of the services; the questions end in errors.
     bus.useHere();
     setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
     unsetenv("XDG_SESSION_ID");
     ScreenSaverSignals savers{session, [this] { ++changes; }};
-    LogindLinux logind{loop, {}, {[this] { ++changes; }, [] {}}};
+    LogindLinux logind{system, {[this] { ++changes; }, [] {}}};
     FakeBusService marker{loop, bus.address(), kXfce, answering(true)};
     ASSERT_TRUE(waitFor([&] { return savers.isActive(); }));
     EXPECT_EQ(changes, 1);
@@ -163,7 +191,7 @@ TEST_F(LockServices, ReadWhetherMotionIsReduced) {
                                          answer, "a{sa{sv}}", 1, "org.gnome.desktop.interface", 1,
                                          "enable-animations", "b", isReduced ? 0 : 1) >= 0;
                           }};
-    MotionSetting motion{session};
+    MotionSetting motion{session, [] { return 1; }};
     EXPECT_FALSE(motion.isReduced());
     motion.refresh();
     ASSERT_TRUE(waitFor([&] { return motion.isReduced(); }));
@@ -179,16 +207,29 @@ TEST(MotionSettings, AreUnderstoodInBothForms) {
     };
     constexpr char kCommon[] = "org.freedesktop.appearance";
     constexpr char kGnomes[] = "org.gnome.desktop.interface";
-    EXPECT_TRUE(reducesMotion(settings(kCommon, "reduced-motion", {std::int64_t{1}})));
-    EXPECT_FALSE(reducesMotion(settings(kCommon, "reduced-motion", {std::int64_t{0}})));
-    EXPECT_FALSE(reducesMotion(settings(kCommon, "color-scheme", {std::int64_t{1}})));
-    EXPECT_TRUE(reducesMotion(settings(kGnomes, "enable-animations", {false})));
-    EXPECT_FALSE(reducesMotion(settings(kGnomes, "enable-animations", {true})));
-    EXPECT_FALSE(reducesMotion(settings(kGnomes, "enable-animations", {std::int64_t{0}})));
-    EXPECT_FALSE(reducesMotion({}));
+    constexpr std::optional<bool> kUnknown;
+    EXPECT_EQ(reducesMotion(settings(kCommon, "reduced-motion", {std::int64_t{1}})), true);
+    EXPECT_EQ(reducesMotion(settings(kCommon, "color-scheme", {std::int64_t{1}})), kUnknown);
+    EXPECT_EQ(reducesMotion(settings(kGnomes, "enable-animations", {std::int64_t{0}})), kUnknown);
+    EXPECT_EQ(reducesMotion({}), kUnknown);
     auto both = settings(kCommon, "reduced-motion", {std::int64_t{0}});
     both.merge(settings(kGnomes, "enable-animations", {false}));
-    EXPECT_FALSE(reducesMotion(both)) << "the common setting is the newer one";
+    EXPECT_EQ(reducesMotion(both), false) << "the common setting is the newer one";
+}
+
+TEST(ToolkitSettings, AreReadInBothByteOrders) {
+    using namespace std::string_view_literals;
+    constexpr auto kLittle =
+        "\0\0\0\0\7\0\0\0\3\0\0\0"
+        "\1\0\5\0Theme\0\0\0\1\0\0\0\2\0\0\0No\0\0"
+        "\2\0\4\0Tint\1\0\0\0\1\1\2\2\3\3\4\4"
+        "\0\0\7\0Animate\0\1\0\0\0\377\377\377\377"sv;
+    constexpr auto kBig = "\1\0\0\0\0\0\0\7\0\0\0\1\0\0\0\7Animate\0\0\0\0\1\0\0\1\0"sv;
+    EXPECT_EQ(numberIn(bytesOf(kLittle), "Animate"), -1);
+    EXPECT_EQ(numberIn(bytesOf(kBig), "Animate"), 256);
+    EXPECT_EQ(numberIn(bytesOf(kLittle), "Theme"), std::nullopt);
+    for (std::size_t length = 0; length < kLittle.size(); ++length)
+        EXPECT_EQ(numberIn(bytesOf(kLittle.substr(0, length)), "Animate"), std::nullopt) << length;
 }
 
 }  // namespace

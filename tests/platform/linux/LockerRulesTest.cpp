@@ -25,6 +25,7 @@ LockFacts facts(std::vector<WindowFacts> windows, KeyboardHold keyboard = Keyboa
     return {.windows = std::move(windows),
             .monitors = {kLeft, kRight},
             .keyboard = keyboard,
+            .pointerIsHeld = keyboard == KeyboardHold::isHeld,
             .screenSaverIsLocked = false,
             .standing = {}};
 }
@@ -42,18 +43,17 @@ TEST(LockerRules, KnowLockersByTheirClass) {
         const char* instance;
         const char* name;
         bool isLocker;
-        bool opensPrompt;
     };
     const Case cases[] = {
-        {"i3lock", "i3lock", true, false},
-        {"background", "xsecurelock", true, true},
-        {"obscurer", "xsecurelock", false, false},
-        {"dim", "xsecurelock-dimmer", false, false},
-        {"xlock", "XLock", true, false},
-        {"kscreenlocker_greet", "kscreenlocker_greet", true, false},
-        {"mate-screensaver", "Mate-screensaver", true, false},
-        {"Navigator", "firefox", false, false},
-        {"", "", false, false},
+        {"i3lock", "i3lock", true},
+        {"background", "xsecurelock", true},
+        {"obscurer", "xsecurelock", false},
+        {"dim", "xsecurelock-dimmer", false},
+        {"xlock", "XLock", true},
+        {"kscreenlocker_greet", "kscreenlocker_greet", true},
+        {"mate-screensaver", "Mate-screensaver", true},
+        {"Navigator", "firefox", false},
+        {"", "", false},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(std::string{each.instance} + "/" + each.name);
@@ -63,7 +63,7 @@ TEST(LockerRules, KnowLockersByTheirClass) {
                 findLockers(facts({window(0x101, kAll, each.instance, each.name)}, keyboard));
             ASSERT_EQ(lockers.size(), each.isLocker ? 1u : 0u);
             for (const FoundLocker& locker : lockers)
-                EXPECT_EQ(locker, (FoundLocker{0x101, kAll, each.opensPrompt}));
+                EXPECT_EQ(locker, (FoundLocker{0x101, kAll, {190, 190}}));
         }
     }
 }
@@ -107,11 +107,35 @@ TEST(LockerRules, AskMoreOfUnknownClients) {
     ordinary.isMapped = false;
     EXPECT_EQ(found(facts({ordinary, left, right}, held)), (Numbers{0x101, 0x102}));
 
+    LockFacts keyboardOnly = facts({left, right}, held);
+    keyboardOnly.pointerIsHeld = false;
+    EXPECT_EQ(found(keyboardOnly), Numbers{}) << "a viewer of another machine";
+    WindowFacts game = window(0x103, {10, 10, 100, 100});
+    game.isMapped = game.isOverrideRedirect = false;
+    EXPECT_EQ(found(facts({left, right, game}, held)), (Numbers{0x101, 0x102}));
+    game.wasShown = true;
+    EXPECT_EQ(found(facts({left, right, game}, held)), Numbers{}) << "it hides its usual window";
+    WindowFacts viewer = window(0x101, kAll);
+    viewer.isOfManaged = true;
+    EXPECT_EQ(found(facts({viewer}, held)), Numbers{});
+
     EXPECT_EQ(found(facts({window(0x501, kAll, "slop", "slop")}, held)), Numbers{})
         << "somebody picks an area for a screenshot";
     WindowFacts output = window(0x401, kAll);
     output.isOfDesktop = true;
     EXPECT_EQ(found(facts({output}, held)), Numbers{}) << "the compositor's own";
+}
+
+TEST(LockerRules, FollowTheUser) {
+    LockFacts named =
+        facts({window(0x201, kRight, "a", "Mine"), window(0x101, kAll, "b", "Viewer")},
+              KeyboardHold::isHeld);
+    EXPECT_EQ(found(named), Numbers{0x101});
+    named.names = LockerNames::parse("Other,Mine", "Viewer,,");
+    EXPECT_EQ(named.names.overlays, std::vector<std::string>{"Viewer"});
+    EXPECT_EQ(found(named), Numbers{0x201});
+    named.names = LockerNames::parse(nullptr, nullptr);
+    EXPECT_EQ(found(named), Numbers{0x101});
 }
 
 TEST(LockerRules, KeepWhatTheyFoundWhileItIsMapped) {
@@ -124,6 +148,7 @@ TEST(LockerRules, KeepWhatTheyFoundWhileItIsMapped) {
 
     LockFacts unknown = facts({window(0x101, {0, 0, 640, 480})}, KeyboardHold::isHeld);
     unknown.standing = {0x101};
+    unknown.pointerIsHeld = false;
     EXPECT_EQ(found(unknown), Numbers{0x101});
     unknown.keyboard = KeyboardHold::isFree;
     EXPECT_EQ(found(unknown), Numbers{});
@@ -140,7 +165,7 @@ TEST(LockerRules, TellABlankScreenFromALockedOne) {
     EXPECT_EQ(found(saver), Numbers{}) << "only blank";
     saver.screenSaverIsLocked = true;
     EXPECT_EQ(found(saver), (Numbers{0x102, 0x101}));
-    EXPECT_TRUE(findLockers(saver).front().opensPrompt);
+    EXPECT_GT(findLockers(saver).front().prompt.height, 190);
     saver.keyboard = KeyboardHold::unknown;  // it was locked before anybody listened
     EXPECT_EQ(found(saver), (Numbers{0x102, 0x101}));
     saver.keyboard = KeyboardHold::isFree;  // its guard has ended

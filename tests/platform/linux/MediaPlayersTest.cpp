@@ -106,18 +106,20 @@ TEST_F(MediaPlayersTest, ReadsAndFollowsWhatAPlayerSays) {
     EXPECT_TRUE(until([&] { return title("fake") == "Other"; })) << "said without a value: asked";
 }
 
-TEST_F(MediaPlayersTest, AsksForThePositionAndHearsOfSeeks) {
+TEST_F(MediaPlayersTest, AsksAgainAndHearsOfSeeks) {
     FakeMprisPlayer fake{"fake", loop()};
     startUntilListed("fake");
     const auto before = find("fake")->positionAt;
     fake.position = 12'000'000;
-    players->askPosition("org.mpris.MediaPlayer2.fake");
+    fake.title = "Corrected";  // without a signal
+    players->refresh("org.mpris.MediaPlayer2.fake");
     ASSERT_TRUE(until([&] { return find("fake")->position == 12'000'000; }));
     EXPECT_GT(find("fake")->positionAt, before);
+    EXPECT_EQ(title("fake"), "Corrected");
     fake.position = 30'000'000;
     fake.saySeeked();
     EXPECT_TRUE(until([&] { return find("fake")->position == 30'000'000; }));
-    players->askPosition("org.mpris.MediaPlayer2.absent");
+    players->refresh("org.mpris.MediaPlayer2.absent");
 }
 
 TEST_F(MediaPlayersTest, TellsPlayers) {
@@ -142,7 +144,7 @@ TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
 
     // One that hangs later keeps what it said; many questions to it do not pile up.
     lively.detach();
-    for (int i = 0; i < 1000; ++i) players->askPosition("org.mpris.MediaPlayer2.lively");
+    for (int i = 0; i < 1000; ++i) players->refresh("org.mpris.MediaPlayer2.lively");
     players->call("org.mpris.MediaPlayer2.lively", "Next");
     settle();
     EXPECT_EQ(find("lively")->position, 7'000'000);
@@ -197,7 +199,7 @@ TEST_F(MediaPlayersTest, ABusThatComesBackIsLookedOverAnew) {
 TEST_F(MediaPlayersTest, WithoutABusThereAreNoPlayers) {
     privateBus.kill();
     start();
-    players->askPosition("org.mpris.MediaPlayer2.fake");
+    players->refresh("org.mpris.MediaPlayer2.fake");
     players->call("org.mpris.MediaPlayer2.fake", "Next");
     players->set("org.mpris.MediaPlayer2.fake", "Volume", {1.0});
     runOnce(linux->loop);

@@ -62,9 +62,9 @@ TEST_F(RawPointerEvents, CountButtonsAsTheUsersHandDoes) {
 }
 
 TEST_F(RawPointerEvents, AreSelectedOnlyAsFarAsTheyAreWanted) {
-    constexpr std::uint32_t kButtons =
-        XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
-    constexpr std::uint32_t kMotion = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
+    constexpr std::uint32_t kButtons = kRawPresses;
+    constexpr std::uint32_t kMotion =
+        XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_UPDATE;
     EXPECT_EQ(rawMask(), 0u);
     Handle first = record();
     Handle second = record();

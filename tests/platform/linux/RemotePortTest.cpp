@@ -69,6 +69,15 @@ TEST_F(RemotePortTest, AServerThatDiesWhileTheReplyIsAwaited) {
     }
 }
 
+TEST_F(RemotePortTest, CancellingEndsTheWaitAtOnceAndForGood) {
+    auto reply = sendLater(request({}));
+    client.receive(24);
+    remote->cancel();
+    EXPECT_EQ(reply.get().status, kPortBecameInvalid);
+    remote->cancel();
+    EXPECT_EQ(remote->send(request({})).status, kPortIsInvalid);
+}
+
 TEST_F(RemotePortTest, AServerThatDiesWhileTheRequestIsSent) {
     const LongBody body{8 << 20};
     auto reply = sendLater(request(body.view()));

@@ -27,21 +27,19 @@ TEST_F(ScreensLinux, FollowTheMonitors) {
     EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 1600, 900}}));
 
     // Two steps: a monitor without an output, then one that takes the server's only output.
+    const auto reported = [&] { return runUntil(loop(), [&] { return changes > 0; }); };
     server.setMonitor("left", 800, 900, 0, 0);
     server.setMonitor("right", 800, 700, 800, 0, true);
-    settle();
-    EXPECT_GE(changes, 1);
+    ASSERT_TRUE(reported());
     // The primary one first, wherever it is; its bottom-left corner is the origin.
     EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 700}, {-800, -200, 800, 900}}));
     EXPECT_EQ(session->pixelFrame(screens.list()[1]), (Rect{0, 0, 800, 900}));
     changes = 0;
-    server.deleteMonitor("left");
-    settle();
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 700}}));
     server.setMonitor("mirror", 800, 700, 800, 0);
-    settle();
-    EXPECT_EQ(changes, 1) << "the same picture once more";
+    server.deleteMonitor("left");
+    ASSERT_TRUE(reported());
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(frames(), (std::vector<Rect>{{0, 0, 800, 700}})) << "the same picture once more";
 }
 
 TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
@@ -56,6 +54,15 @@ TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
     const Screen screen = session->screens().list().front();
     EXPECT_EQ(screen, (Screen{{0, 0, 800, 450}, 2, {{305, 130, 190, 190}}}));
     EXPECT_EQ(session->pixelFrame(screen), kBothMonitors);
+}
+
+TEST_F(ScreensLinux, TakeTheDotsPerInchOfTheRootAsItIsNow) {
+    server.resizeRoot("800x900", "200x238");
+    watch();
+    server.resizeRoot("1600x900", "400x119");  // 192 dots per inch
+    standLocker();
+    settle();
+    EXPECT_EQ(zones(), (std::vector<Rect>{{609, 259, 382, 382}}));
 }
 
 TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {

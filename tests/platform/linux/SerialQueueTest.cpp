@@ -13,8 +13,8 @@ TEST(SerialQueue, RunsActionsInOrderOneAtATime) {
     const auto queue = makeSerialQueuesLinux()("example.queue");
     std::vector<int> ran;
     std::promise<void> done;
-    for (int i = 0; i < 1000; ++i) queue->async([&ran, i] { ran.push_back(i); });
-    queue->async([&] { done.set_value(); });
+    for (int i = 0; i < 1000; ++i) EXPECT_TRUE(queue->async([&ran, i] { ran.push_back(i); }));
+    EXPECT_TRUE(queue->async([&] { done.set_value(); }));
     done.get_future().wait();
     ASSERT_EQ(ran.size(), 1000U);
     for (int i = 0; i < 1000; ++i) EXPECT_EQ(ran[static_cast<std::size_t>(i)], i);
@@ -26,12 +26,12 @@ TEST(SerialQueue, ItsEndWaitsForTheRunningActionAndDropsTheRest) {
     std::promise<void> letGo;
     std::atomic<int> finished = 0;
     const auto counted = std::make_shared<int>(0);
-    queue->async([&] {
+    EXPECT_TRUE(queue->async([&] {
         runs.set_value();
         letGo.get_future().wait();
         ++finished;
-    });
-    queue->async([&, counted] { finished += 10; });
+    }));
+    EXPECT_TRUE(queue->async([&, counted] { finished += 10; }));
     runs.get_future().wait();
     auto end = std::async(std::launch::async, [&] { queue.reset(); });
     while (counted.use_count() > 1) std::this_thread::yield();  // dropped while the other one runs
@@ -41,13 +41,27 @@ TEST(SerialQueue, ItsEndWaitsForTheRunningActionAndDropsTheRest) {
     EXPECT_EQ(finished, 1);
 }
 
+TEST(SerialQueue, ARefusedThreadIsAFailureAndTriedForAgain) {
+    const auto queue = makeSerialQueuesLinux()("example.queue");
+    pthread_attr_t usual{}, impossible{};
+    ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+    ASSERT_EQ(pthread_getattr_default_np(&impossible), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&impossible, std::size_t{1} << 62), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&impossible), 0);
+    std::promise<int> ran;
+    EXPECT_FALSE(queue->async([&] { ran.set_value(1); }));
+    ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
+    EXPECT_TRUE(queue->async([&] { ran.set_value(2); }));
+    EXPECT_EQ(ran.get_future().get(), 2);
+}
+
 TEST(SerialQueue, AnActionMayEndItsOwnQueue) {
     auto queue = makeSerialQueuesLinux()("example.queue");
     std::promise<void> done;
-    queue->async([&] {
+    EXPECT_TRUE(queue->async([&] {
         queue.reset();
         done.set_value();
-    });
+    }));
     done.get_future().wait();
 }
 

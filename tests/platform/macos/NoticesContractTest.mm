@@ -52,12 +52,12 @@ TEST(SerialQueueMacOS, KeepsOrderAndDropsWhatWaits) {
     std::string order;
     std::atomic<bool> hasBegun = false;
     auto queue = makeSerialQueuesMacOS()("example.quillon.Quorvane.Tests");
-    queue->async([&] {
+    EXPECT_TRUE(queue->async([&] {
         hasBegun = true;
         std::this_thread::sleep_for(50ms);
         order += 'a';
-    });
-    queue->async([&] { order += 'b'; });
+    }));
+    EXPECT_TRUE(queue->async([&] { order += 'b'; }));
     while (!hasBegun) std::this_thread::yield();
     queue.reset();
     EXPECT_EQ(order, "a");

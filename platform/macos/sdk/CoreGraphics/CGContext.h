@@ -17,7 +17,7 @@ void CGContextRestoreGState(CGContextRef c);                            // from 
 void CGContextTranslateCTM(CGContextRef c, CGFloat tx, CGFloat ty);     // from memory
 void CGContextScaleCTM(CGContextRef c, CGFloat sx, CGFloat sy);         // from memory
 void CGContextAddPath(CGContextRef c, CGPathRef path);                  // from memory
-void CGContextFillPath(CGContextRef c);                                 // from memory
+void CGContextEOFillPath(CGContextRef c);                               // from memory
 void CGContextClip(CGContextRef c);                                     // from memory
 void CGContextClipToRect(CGContextRef c, CGRect rect);                  // from memory
 void CGContextSetFillColorWithColor(CGContextRef c, CGColorRef color);  // from memory

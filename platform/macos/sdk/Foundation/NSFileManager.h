@@ -27,6 +27,7 @@ extern NSFileAttributeKey const NSFilePosixPermissions;  // from memory
          ofItemAtPath:(NSString*)path
                 error:(NSError**)error;                                            // from memory
 - (BOOL)copyItemAtURL:(NSURL*)srcURL toURL:(NSURL*)dstURL error:(NSError**)error;  // from memory
+- (BOOL)linkItemAtURL:(NSURL*)srcURL toURL:(NSURL*)dstURL error:(NSError**)error;  // from memory
 - (BOOL)removeItemAtURL:(NSURL*)URL error:(NSError**)error;
 - (BOOL)fileExistsAtPath:(NSString*)path;
 - (NSURL*)containerURLForSecurityApplicationGroupIdentifier:(NSString*)groupIdentifier;

@@ -2,11 +2,13 @@
 
 #include "NSObjCRuntime.h"
 
+@class NSDictionary;
 @class NSString;
 
 @interface NSUserDefaults : NSObject
 @property(class, readonly, strong) NSUserDefaults* standardUserDefaults;
 - (instancetype)initWithSuiteName:(NSString*)suitename;
+- (NSDictionary*)dictionaryRepresentation;  // from memory
 - (id)objectForKey:(NSString*)defaultName;
 - (void)setObject:(id)value forKey:(NSString*)defaultName;
 - (void)removeObjectForKey:(NSString*)defaultName;

@@ -1,0 +1,49 @@
+#include "Quorvane_Lock_Screen/AddOnLaunch.hpp"
+
+#include "AddOnKit/LaunchDecision.hpp"
+#include "AddOnKit/SelfRemoval.hpp"
+#include "QuorvaneKit/Identifiers.hpp"
+#include "shared/AddOnInstallLocation.hpp"
+
+namespace quorvane {
+namespace {
+
+void remove(const LiveServices& services, const Logger& log) {
+    const auto& applicationSupport = services.installation.applicationSupport;
+    const SelfRemoval removal{
+        .defaults = services.standardDefaults,
+        .loginItem = services.installation.loginItem,
+        .fileManager = services.installation.fileManager,
+        .bundle = services.process.bundle,
+        // Without a home there is no such folder, and the empty path is refused.
+        .supportDirectory = applicationSupport
+                                ? AddOnInstallLocation::supportDirectory(*applicationSupport)
+                                : std::filesystem::path{},
+        .terminate = services.application.terminate,
+        .log = log};
+    removal.perform();
+}
+
+}  // namespace
+
+void launchAddOn(const LiveServices& services, const std::function<void()>& run) {
+    const Logger log{services.log, kAddOnBundleIdentifier, "removal"};
+    const LaunchPerformer launch{.arguments = services.process.arguments,
+                                 .defaults = services.standardDefaults,
+                                 .sharedDefaults = services.openSuite(std::string{kAppGroup}),
+                                 .bundle = services.process.bundle,
+                                 .identity = services.installation.fileManager.identity,
+                                 .log = log};
+    launch.perform(
+        [&] {
+            log.standard("launch: a removal is pending; finishing it");
+            remove(services, log);
+        },
+        [&] {
+            log.standard("launch: asked to uninstall; removing the add-on");
+            remove(services, log);
+        },
+        run);
+}
+
+}  // namespace quorvane

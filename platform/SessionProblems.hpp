@@ -1,0 +1,31 @@
+// What this login session lacks for the card, each as a sentence for its user: what is the case,
+// then what to do.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorvane {
+
+struct LiveServices;
+
+struct SessionProblems {
+    std::optional<std::string> screen{};  // no card can show
+    std::optional<std::string> ports{};   // no host can be reached
+    std::optional<std::string> bus{};     // no notice is heard, and no player
+
+    std::vector<std::string> sentences() const {
+        std::vector<std::string> all;
+        for (const auto& problem : {screen, ports, bus})
+            if (problem) all.push_back(*problem);
+        return all;
+    }
+};
+
+// Main thread only.
+SessionProblems findSessionProblems(const LiveServices& services);
+// The second of them. Any thread.
+std::optional<std::string> findPortsProblem();
+
+}  // namespace quorvane
