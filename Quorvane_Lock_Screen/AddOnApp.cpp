@@ -1,8 +1,8 @@
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
 
-#include "AddOnKit/DurationText.hpp"
-#include "AddOnKit/LoginItem.hpp"
-#include "QuorvaneKit/Identifiers.hpp"
+#include "AddOnKit/life/DurationText.hpp"
+#include "AddOnKit/life/LoginItem.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnLaunch.hpp"
 
 namespace quorvane {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-#include "AddOnKit/InstanceHandover.hpp"
+#include "AddOnKit/life/InstanceHandover.hpp"
 #include "Quorvane_Lock_Screen/AddOnCoordinator.hpp"
 #include "platform/Log.hpp"
 

@@ -1,11 +1,11 @@
 #include "Quorvane_Lock_Screen/AddOnCoordinator.hpp"
 
-#include "AddOnKit/PlayerCard.hpp"
-#include "QuorvaneKit/Identifiers.hpp"
-#include "QuorvaneKit/LockScreenHelloClient.hpp"
-#include "QuorvaneKit/MessagePortSecret.hpp"
-#include "QuorvaneKit/PortNames.hpp"
-#include "QuorvaneKit/QuorvaneDarwinNotification.hpp"
+#include "AddOnKit/card/PlayerCard.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
+#include "QuorvaneKit/link/LockScreenHelloClient.hpp"
+#include "QuorvaneKit/link/MessagePortSecret.hpp"
+#include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "shared/AddOnSignals.hpp"
 
 namespace quorvane {

@@ -1,8 +1,8 @@
 #include "Quorvane_Lock_Screen/AddOnLaunch.hpp"
 
-#include "AddOnKit/LaunchDecision.hpp"
-#include "AddOnKit/SelfRemoval.hpp"
-#include "QuorvaneKit/Identifiers.hpp"
+#include "AddOnKit/life/LaunchDecision.hpp"
+#include "AddOnKit/life/SelfRemoval.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 #include "shared/AddOnInstallLocation.hpp"
 
 namespace quorvane {

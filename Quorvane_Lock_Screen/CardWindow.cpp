@@ -1,6 +1,6 @@
 #include "Quorvane_Lock_Screen/CardWindow.hpp"
 
-#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 
 namespace quorvane {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
-#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
 
 namespace quorvane {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "AddOnKit/CardWindowSync.hpp"
-#include "AddOnKit/PresentationState.hpp"
+#include "AddOnKit/presentation/CardWindowSync.hpp"
+#include "AddOnKit/presentation/PresentationState.hpp"
 #include "Quorvane_Lock_Screen/CardWindow.hpp"
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
 #include "Quorvane_Lock_Screen/SkyLight.hpp"

@@ -1,8 +1,8 @@
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
 
-#include "AddOnKit/PlayerGeometry.hpp"
-#include "AddOnKit/PresentationTiming.hpp"
-#include "QuorvaneKit/Identifiers.hpp"
+#include "AddOnKit/card/PlayerGeometry.hpp"
+#include "AddOnKit/presentation/PresentationTiming.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
 
 namespace quorvane {

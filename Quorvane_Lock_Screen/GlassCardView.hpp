@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "AddOnKit/CardContent.hpp"
+#include "AddOnKit/card/CardContent.hpp"
 #include "drawing/CardWindows.hpp"
 #include "platform/Log.hpp"
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 
 namespace quorvane {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "AddOnKit/PresentationEvent.hpp"
+#include "AddOnKit/presentation/PresentationEvent.hpp"
 #include "platform/DistributedNotices.hpp"
 #include "platform/LockSources.hpp"
 #include "platform/Log.hpp"

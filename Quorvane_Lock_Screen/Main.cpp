@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
 #include "Quorvane_Lock_Screen/AddOnLaunch.hpp"
 #include "shared/AddOnSignals.hpp"

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <string>
 
-#include "QuorvaneKit/Identifiers.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 
 namespace quorvane {
 namespace {

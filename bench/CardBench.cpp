@@ -5,15 +5,15 @@
 #include <cmath>
 #include <numeric>
 
-#include "AddOnKit/PlayerView.hpp"
+#include "AddOnKit/card/PlayerView.hpp"
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
 #include "bench/Measuring.hpp"
 #include "bench/Report.hpp"
 #include "bench/SampleStates.hpp"
 #include "drawing/SceneChanges.hpp"
-#include "platform/linux/CardPainter.hpp"
-#include "platform/linux/EncodedImage.hpp"
-#include "platform/linux/GlassMaterial.hpp"
+#include "drawing/pictures/EncodedImage.hpp"
+#include "drawing/pictures/GlassMaterial.hpp"
+#include "platform/linux/card/CardPainter.hpp"
 #include "tools/Files.hpp"
 
 namespace quorvane {

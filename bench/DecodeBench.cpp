@@ -4,9 +4,9 @@
 #include <map>
 #include <string>
 
-#include "QuorvaneKit/Base64.hpp"
-#include "QuorvaneKit/PlayerStateDecoder.hpp"
-#include "QuorvaneKit/XPCCodableHelpers.hpp"
+#include "QuorvaneKit/json/Base64.hpp"
+#include "QuorvaneKit/records/PlayerStateDecoder.hpp"
+#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 #include "bench/JSONRivals.hpp"
 #include "bench/Measuring.hpp"
 #include "bench/Report.hpp"

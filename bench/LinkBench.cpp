@@ -9,7 +9,7 @@
 #include <array>
 #include <cstring>
 
-#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "bench/LinkRival.hpp"
 #include "bench/Measuring.hpp"
 #include "bench/Report.hpp"

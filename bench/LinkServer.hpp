@@ -3,10 +3,10 @@
 
 #include <csignal>
 
-#include "QuorvaneKit/MessagePortServer.hpp"
-#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/link/MessagePortServer.hpp"
+#include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "bench/ServerProcess.hpp"
-#include "platform/linux/MessagePortsLinux.hpp"
+#include "platform/linux/ports/MessagePortsLinux.hpp"
 
 namespace quorvane {
 

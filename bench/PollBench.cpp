@@ -4,16 +4,16 @@
 
 #include <cstring>
 
-#include "AddOnKit/PlayerModel.hpp"
-#include "QuorvaneKit/Base64.hpp"
-#include "QuorvaneKit/MessagePortClient.hpp"
+#include "AddOnKit/player/PlayerModel.hpp"
+#include "QuorvaneKit/json/Base64.hpp"
+#include "QuorvaneKit/link/MessagePortClient.hpp"
 #include "bench/JSONRivals.hpp"
 #include "bench/LinkRival.hpp"
 #include "bench/LinkServer.hpp"
 #include "bench/Report.hpp"
 #include "bench/SampleStates.hpp"
-#include "platform/linux/EncodedImage.hpp"
-#include "platform/linux/SerialQueueLinux.hpp"
+#include "drawing/pictures/EncodedImage.hpp"
+#include "platform/linux/loop/SerialQueueLinux.hpp"
 #include "tests/support/PrivateBus.hpp"
 
 namespace quorvane {

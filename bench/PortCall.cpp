@@ -1,7 +1,7 @@
-#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "bench/LinkRival.hpp"
 #include "bench/ServerProcess.hpp"
-#include "platform/linux/MessagePortsLinux.hpp"
+#include "platform/linux/ports/MessagePortsLinux.hpp"
 
 namespace quorvane {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "QuorvaneKit/QuorvanePlayerState.hpp"
+#include "QuorvaneKit/records/QuorvanePlayerState.hpp"
 
 namespace quorvane {
 

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <optional>
 
-#include "QuorvaneKit/MessagePortWire.hpp"
+#include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "bench/Measuring.hpp"
 #include "bench/Report.hpp"
 

@@ -1,10 +1,58 @@
-# A room of the house: one library of its own sources, included from the root as "Room/File.hpp".
+# quorvane_room(NAME SOURCES … LINKS … INCLUDES … FOLDER …): the library of one folder, included from the root as
+# "folder/File.hpp". Its files may include only their own folder, the folders of rooms that it links, and the single headers in
+# INCLUDES: interfaces whose implementation is linked elsewhere. FOLDER is a subfolder of the CMakeLists.txt's own.
 function(quorvane_room name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+    cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINKS;INCLUDES" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PUBLIC ${ARG_LINKS})
     quorvane_precompiled(${name} quorvane_precompiled_standard)
+    cmake_path(APPEND CMAKE_CURRENT_SOURCE_DIR "${ARG_FOLDER}" OUTPUT_VARIABLE folder)
+    cmake_path(NORMAL_PATH folder)
+    file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${folder}")
+    set_target_properties(${name} PROPERTIES QUORVANE_FOLDER "${folder}" QUORVANE_LINKS "${ARG_LINKS}"
+                          QUORVANE_INCLUDES "${ARG_INCLUDES}")
+    set_property(GLOBAL APPEND PROPERTY QUORVANE_ROOMS ${name})
+endfunction()
+
+# The folders of a room and of all rooms that it links.
+function(quorvane_folders_of target result)
+    set(folders "")
+    if(TARGET ${target})
+        get_target_property(folders ${target} QUORVANE_FOLDER)
+        get_target_property(links ${target} QUORVANE_LINKS)
+        if(NOT folders)
+            set(folders "")
+            get_target_property(links ${target} INTERFACE_LINK_LIBRARIES)  # a name for several rooms
+        endif()
+        foreach(link IN LISTS links)
+            quorvane_folders_of("${link}" more)
+            list(APPEND folders ${more})
+        endforeach()
+    endif()
+    set(${result} ${folders} PARENT_SCOPE)
+endfunction()
+
+# Call after every quorvane_room. Configuring fails if a room includes what it does not link.
+function(quorvane_check_includes)
+    get_property(rooms GLOBAL PROPERTY QUORVANE_ROOMS)
+    foreach(room IN LISTS rooms)
+        quorvane_folders_of(${room} folders)
+        get_target_property(folder ${room} QUORVANE_FOLDER)
+        get_target_property(includes ${room} QUORVANE_INCLUDES)
+        file(GLOB files "${PROJECT_SOURCE_DIR}/${folder}/*.[chm]pp" "${PROJECT_SOURCE_DIR}/${folder}/*.mm")
+        list(FILTER files EXCLUDE REGEX "Main[.]cpp$")  # an entry links what it needs
+        foreach(file IN LISTS files)
+            file(STRINGS "${file}" lines REGEX "^#include \"[^\"]+\"")
+            foreach(line IN LISTS lines)
+                string(REGEX REPLACE "^#include \"([^\"]+)\".*" "\\1" header "${line}")
+                cmake_path(GET header PARENT_PATH from)
+                if(NOT from IN_LIST folders AND NOT header IN_LIST includes)
+                    message(SEND_ERROR "${file} includes ${header}, but ${room} does not link ${from}.")
+                endif()
+            endforeach()
+        endforeach()
+    endforeach()
 endfunction()
 
 # The speed of tests does not matter. A test with a fault of these kinds crashes anyway, and the checks take a third of the

@@ -3,17 +3,17 @@
 #include <cstdio>
 #include <memory>
 
-#include "QuorvaneKit/Identifiers.hpp"
-#include "QuorvaneKit/PortNames.hpp"
-#include "host/AddOnCommands.hpp"
-#include "host/BundleToInstall.hpp"
-#include "host/CardSwitch.hpp"
-#include "host/DeliveredRemoval.hpp"
-#include "host/HostCommandLine.hpp"
-#include "host/HostCoordinator.hpp"
-#include "host/HostStatusQuery.hpp"
-#include "host/MprisPlayer.hpp"
-#include "host/ScriptedPlayer.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
+#include "QuorvaneKit/link/PortNames.hpp"
+#include "host/addon/AddOnCommands.hpp"
+#include "host/addon/BundleToInstall.hpp"
+#include "host/addon/DeliveredRemoval.hpp"
+#include "host/addon/HostCommandLine.hpp"
+#include "host/addon/HostStatusQuery.hpp"
+#include "host/link/CardSwitch.hpp"
+#include "host/link/HostCoordinator.hpp"
+#include "host/players/MprisPlayer.hpp"
+#include "host/players/ScriptedPlayer.hpp"
 #include "platform/LivePlatform.hpp"
 #include "platform/SessionProblems.hpp"
 

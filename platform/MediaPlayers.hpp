@@ -20,8 +20,8 @@ struct LiveServices;
 // and so on. Object paths are strings, all integers are 64-bit, arrays of strings are arrays.
 // Values of other types than MPRIS uses are left out.
 struct MediaPlayer {
-    std::string busName;     // "org.mpris.MediaPlayer2.…", unique while the player lives
-    std::string identity{};  // "Identity" of the player, "" when it has none
+    std::string busName;         // "org.mpris.MediaPlayer2.…", unique while the player lives
+    std::string identity{};      // "Identity" of the player, "" when it has none
     std::int64_t processID = 0;  // 0 while it is not known
     PropertyDictionary properties{};
     std::int64_t position = 0;            // microseconds, as the player said at `positionAt`

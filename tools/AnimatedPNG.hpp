@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/Bytes.hpp"
-#include "platform/linux/CairoHandles.hpp"
+#include "platform/linux/drawing/CairoHandles.hpp"
 
 namespace quorvane {
 

@@ -3,8 +3,8 @@
 #include <iostream>
 #include <utility>
 
-#include "AddOnKit/PlayerGeometry.hpp"
-#include "QuorvaneKit/XPCCodableHelpers.hpp"
+#include "AddOnKit/card/PlayerGeometry.hpp"
+#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 #include "tools/AnimatedPNG.hpp"
 #include "tools/CardRenderOptions.hpp"
 #include "tools/CardStill.hpp"

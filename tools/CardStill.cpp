@@ -3,12 +3,12 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "AddOnKit/PlayerView.hpp"
+#include "AddOnKit/card/PlayerView.hpp"
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
-#include "platform/linux/CardChrome.hpp"
-#include "platform/linux/EncodedImage.hpp"
-#include "platform/linux/Translations.hpp"
-#include "platform/linux/UserLanguage.hpp"
+#include "drawing/pictures/EncodedImage.hpp"
+#include "platform/linux/card/CardChrome.hpp"
+#include "platform/linux/language/Translations.hpp"
+#include "platform/linux/language/UserLanguage.hpp"
 #include "tools/Files.hpp"
 
 namespace quorvane {

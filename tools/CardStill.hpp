@@ -5,11 +5,11 @@
 #include <memory>
 #include <string>
 
-#include "AddOnKit/PlayerEnvironment.hpp"
-#include "AddOnKit/PlayerInteraction.hpp"
-#include "AddOnKit/PlayerModel.hpp"
-#include "platform/linux/CairoCanvas.hpp"
-#include "platform/linux/Pixels.hpp"
+#include "AddOnKit/card/PlayerEnvironment.hpp"
+#include "AddOnKit/card/PlayerInteraction.hpp"
+#include "AddOnKit/player/PlayerModel.hpp"
+#include "drawing/pictures/Pixels.hpp"
+#include "platform/linux/drawing/CairoCanvas.hpp"
 #include "tools/CardRenderOptions.hpp"
 
 namespace quorvane {

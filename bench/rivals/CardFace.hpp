@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "AddOnKit/MarqueeText.hpp"
-#include "AddOnKit/PlayerGeometry.hpp"
-#include "AddOnKit/PlayerLayout.hpp"
-#include "AddOnKit/TimeFormatting.hpp"
+#include "AddOnKit/card/MarqueeText.hpp"
+#include "AddOnKit/card/PlayerGeometry.hpp"
+#include "AddOnKit/card/PlayerLayout.hpp"
+#include "AddOnKit/card/TimeFormatting.hpp"
 
 namespace quorvane::rivals {
 

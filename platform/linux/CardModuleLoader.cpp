@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/linux/ServicesLinux.hpp"
+#include "platform/linux/services/ServicesLinux.hpp"
 
 namespace quorvane {
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "platform/linux/CardModule.hpp"
+#include "platform/linux/card/CardModule.hpp"
 
 namespace quorvane {
 

@@ -6,21 +6,21 @@
 #include <system_error>
 #include <utility>
 
+#include "drawing/pictures/EncodedImage.hpp"
+#include "drawing/pictures/PictureHeader.hpp"
 #include "platform/ErrorText.hpp"
 #include "platform/LivePlatform.hpp"
-#include "platform/linux/AccessibilityLinux.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
-#include "platform/linux/Confinement.hpp"
-#include "platform/linux/EncodedImage.hpp"
-#include "platform/linux/LockWatcherLinux.hpp"
-#include "platform/linux/MotionSetting.hpp"
-#include "platform/linux/PictureHeader.hpp"
-#include "platform/linux/ServicesLinux.hpp"
-#include "platform/linux/SessionProblemsLinux.hpp"
-#include "platform/linux/ToolkitSettings.hpp"
-#include "platform/linux/Translations.hpp"
-#include "platform/linux/UserLanguage.hpp"
-#include "platform/linux/X11SessionLinux.hpp"
+#include "platform/linux/accessibility/AccessibilityLinux.hpp"
+#include "platform/linux/bus/MotionSetting.hpp"
+#include "platform/linux/language/Translations.hpp"
+#include "platform/linux/language/UserLanguage.hpp"
+#include "platform/linux/lockers/LockWatcherLinux.hpp"
+#include "platform/linux/lockers/X11SessionLinux.hpp"
+#include "platform/linux/processes/Confinement.hpp"
+#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/SessionProblemsLinux.hpp"
+#include "platform/linux/x11/ToolkitSettings.hpp"
 
 namespace quorvane {
 namespace {

@@ -4,13 +4,13 @@
 
 // The tables of this edition that the card needs.
 #include "platform/LivePlatform.hpp"
-#include "platform/macos/CardWindowsMacOS.hpp"
-#include "platform/macos/DynamicLoaderMacOS.hpp"
-#include "platform/macos/LocalizationMacOS.hpp"
-#include "platform/macos/LockSourcesMacOS.hpp"
-#include "platform/macos/PicturesMacOS.hpp"
-#include "platform/macos/ProcessInfoMacOS.hpp"
-#include "platform/macos/ScreensMacOS.hpp"
+#include "platform/macos/card/CardWindowsMacOS.hpp"
+#include "platform/macos/card/LocalizationMacOS.hpp"
+#include "platform/macos/card/PicturesMacOS.hpp"
+#include "platform/macos/card/ScreensMacOS.hpp"
+#include "platform/macos/foundation/DynamicLoaderMacOS.hpp"
+#include "platform/macos/services/LockSourcesMacOS.hpp"
+#include "platform/macos/services/ProcessInfoMacOS.hpp"
 
 namespace quorvane {
 

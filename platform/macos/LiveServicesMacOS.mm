@@ -4,18 +4,18 @@
 
 // The tables of this edition that need no screen.
 #include "platform/LivePlatform.hpp"
-#include "platform/macos/ApplicationMacOS.hpp"
-#include "platform/macos/ClockMacOS.hpp"
-#include "platform/macos/DarwinNoticesMacOS.hpp"
-#include "platform/macos/DistributedNoticesMacOS.hpp"
-#include "platform/macos/FilesMacOS.hpp"
-#include "platform/macos/InstallationMacOS.hpp"
-#include "platform/macos/LogMacOS.hpp"
-#include "platform/macos/MainThreadMacOS.hpp"
-#include "platform/macos/MessagePortsMacOS.hpp"
-#include "platform/macos/ProcessInfoMacOS.hpp"
-#include "platform/macos/SerialQueueMacOS.hpp"
-#include "platform/macos/UserDefaultsMacOS.hpp"
+#include "platform/macos/files/FilesMacOS.hpp"
+#include "platform/macos/files/UserDefaultsMacOS.hpp"
+#include "platform/macos/ports/MessagePortsMacOS.hpp"
+#include "platform/macos/services/ApplicationMacOS.hpp"
+#include "platform/macos/services/ClockMacOS.hpp"
+#include "platform/macos/services/DarwinNoticesMacOS.hpp"
+#include "platform/macos/services/DistributedNoticesMacOS.hpp"
+#include "platform/macos/services/InstallationMacOS.hpp"
+#include "platform/macos/services/LogMacOS.hpp"
+#include "platform/macos/services/MainThreadMacOS.hpp"
+#include "platform/macos/services/ProcessInfoMacOS.hpp"
+#include "platform/macos/services/SerialQueueMacOS.hpp"
 
 namespace quorvane {
 

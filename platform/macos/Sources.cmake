@@ -1,50 +1,56 @@
-# The adapters' files. Included by the macOS edition and by the tests that run them on Linux.
-set(QUORVANE_MACOS_SOURCES
-    ApplicationMacOS.mm
-    BundleFilesMacOS.mm
-    BundlePropertiesMacOS.mm
-    ClockMacOS.mm
-    DarwinNoticesMacOS.mm
-    DistributedNoticesMacOS.mm
-    FileManagerMacOS.mm
-    FilesMacOS.mm
-    FoundationValues.mm
-    InstallationMacOS.mm
-    LiveServicesMacOS.mm
-    LocalPortMacOS.mm
-    LogMacOS.mm
-    LoginItemMacOS.mm
-    MainThreadMacOS.mm
-    MediaPlayersMacOS.cpp
-    OSLogBuffer.cpp
-    OpenCommandMacOS.mm
-    ProcessInfoMacOS.mm
-    RegularFilesMacOS.cpp
-    RemotePortMacOS.mm
-    RunningApplicationsMacOS.mm
-    SerialQueueMacOS.mm
-    SessionProblemsMacOS.cpp
-    SignalSource.mm
-    ToolMacOS.mm
-    UserDefaultsMacOS.mm
+# The adapters' files, a list a room. Included by the macOS edition and by the tests that run them on Linux.
+set(QUORVANE_MACOS_FOUNDATION
+    foundation/DynamicLoaderMacOS.mm
+    foundation/FoundationValues.mm
+    foundation/Observation.mm
 )
-set(QUORVANE_MACOS_CARD_SOURCES
-    CardControlElement.mm
-    CardPanel.mm
-    CardRootView.mm
-    CardShadowView.mm
-    CardStageMacOS.mm
-    CardWindowMacOS.mm
-    CardWindowsMacOS.mm
-    CoreGraphicsCanvas.mm
-    DynamicLoaderMacOS.mm
-    FirstMouseHostingView.mm
-    LivePlatformMacOS.mm
-    LocalizationMacOS.mm
-    LockSourcesMacOS.mm
-    Observation.mm
-    PicturesMacOS.mm
-    ScreensMacOS.mm
-    SymbolImages.mm
-    TextLinesMacOS.mm
+set(QUORVANE_MACOS_FILES
+    files/BundleFilesMacOS.mm
+    files/BundlePropertiesMacOS.mm
+    files/FileManagerMacOS.mm
+    files/FilesMacOS.mm
+    files/RegularFilesMacOS.cpp
+    files/UserDefaultsMacOS.mm
 )
+set(QUORVANE_MACOS_SERVICES
+    services/ApplicationMacOS.mm
+    services/ClockMacOS.mm
+    services/DarwinNoticesMacOS.mm
+    services/DistributedNoticesMacOS.mm
+    services/InstallationMacOS.mm
+    services/LockSourcesMacOS.mm
+    services/LogMacOS.mm
+    services/LoginItemMacOS.mm
+    services/MainThreadMacOS.mm
+    services/MediaPlayersMacOS.cpp
+    services/OSLogBuffer.cpp
+    services/OpenCommandMacOS.mm
+    services/ProcessInfoMacOS.mm
+    services/RunningApplicationsMacOS.mm
+    services/SerialQueueMacOS.mm
+    services/SessionProblemsMacOS.cpp
+    services/SignalSource.mm
+    services/ToolMacOS.mm
+)
+set(QUORVANE_MACOS_PORTS
+    ports/LocalPortMacOS.mm
+    ports/RemotePortMacOS.mm
+)
+set(QUORVANE_MACOS_CARD
+    card/CardControlElement.mm
+    card/CardPanel.mm
+    card/CardRootView.mm
+    card/CardShadowView.mm
+    card/CardStageMacOS.mm
+    card/CardWindowMacOS.mm
+    card/CardWindowsMacOS.mm
+    card/CoreGraphicsCanvas.mm
+    card/FirstMouseHostingView.mm
+    card/LocalizationMacOS.mm
+    card/PicturesMacOS.mm
+    card/ScreensMacOS.mm
+    card/SymbolImages.mm
+    card/TextLinesMacOS.mm
+)
+set(QUORVANE_MACOS_SOURCES LiveServicesMacOS.mm LivePlatformMacOS.mm)
+list(APPEND QUORVANE_MACOS_SOURCES ${QUORVANE_MACOS_FOUNDATION} ${QUORVANE_MACOS_FILES} ${QUORVANE_MACOS_SERVICES} ${QUORVANE_MACOS_PORTS} ${QUORVANE_MACOS_CARD})

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "drawing/MarginMouse.hpp"
-#include "drawing/PictureLimits.hpp"
 #include "drawing/TextPlacement.hpp"
+#include "drawing/pictures/PictureLimits.hpp"
 
 namespace quorvane {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "AddOnKit/PlayerGeometry.hpp"
+#include "AddOnKit/card/PlayerGeometry.hpp"
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {

@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "QuorvaneKit/Identifiers.hpp"
-#include "QuorvaneKit/PortNames.hpp"
-#include "QuorvaneKit/QuorvaneDarwinNotification.hpp"
-#include "QuorvaneKit/XPCCodableHelpers.hpp"
-#include "platform/linux/MessagePortsLinux.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
+#include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
+#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
+#include "platform/linux/ports/MessagePortsLinux.hpp"
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "AddOnKit/SelfRemoval.hpp"
+#include "AddOnKit/life/SelfRemoval.hpp"
 #include "platform/LivePlatform.hpp"
-#include "platform/linux/LoginItemLinux.hpp"
-#include "platform/linux/ProcessInfoLinux.hpp"
+#include "platform/linux/processes/LoginItemLinux.hpp"
+#include "platform/linux/processes/ProcessInfoLinux.hpp"
 #include "tests/end_to_end/InstalledAddOn.hpp"
 #include "tests/support/ForkedChild.hpp"
 

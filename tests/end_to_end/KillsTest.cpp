@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "platform/linux/PropertyListLinux.hpp"
+#include "platform/linux/files/PropertyListLinux.hpp"
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "AddOnKit/PlayerGeometry.hpp"
+#include "AddOnKit/card/PlayerGeometry.hpp"
 #include "tests/end_to_end/LoggedProcess.hpp"
 #include "tests/support/PrivateBus.hpp"
 #include "tests/support/PrivateXServer.hpp"

@@ -4,17 +4,17 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "QuorvaneKit/MessagePortWire.hpp"
-#include "QuorvaneKit/PlayerStateDecoder.hpp"
-#include "QuorvaneKit/XPCCodableHelpers.hpp"
-#include "host/FileURL.hpp"
-#include "host/Script.hpp"
-#include "platform/linux/LogLinux.hpp"
-#include "platform/linux/PictureDecoder.hpp"
-#include "platform/linux/PictureHeader.hpp"
-#include "platform/linux/PropertyListLinux.hpp"
-#include "platform/linux/SocketFrame.hpp"
-#include "tests/QuorvaneKit/SampleRecords.hpp"
+#include "QuorvaneKit/link/MessagePortWire.hpp"
+#include "QuorvaneKit/records/PlayerStateDecoder.hpp"
+#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
+#include "drawing/pictures/PictureHeader.hpp"
+#include "host/players/FileURL.hpp"
+#include "host/players/Script.hpp"
+#include "platform/linux/drawing/PictureDecoder.hpp"
+#include "platform/linux/files/PropertyListLinux.hpp"
+#include "platform/linux/ports/SocketFrame.hpp"
+#include "platform/linux/processes/LogLinux.hpp"
+#include "tests/QuorvaneKit/records/SampleRecords.hpp"
 #include "tests/support/MemoryFiles.hpp"
 
 namespace quorvane {

@@ -4,7 +4,7 @@
 
 #include <regex>
 
-#include "platform/linux/NoticesLinux.hpp"
+#include "platform/linux/bus/NoticesLinux.hpp"
 #include "tests/end_to_end/LoggedProcess.hpp"
 #include "tests/support/LoopRunner.hpp"
 #include "tests/support/PrivateBus.hpp"

@@ -1,11 +1,11 @@
 // The canvas: one case for each kind of node, and pictures from their bytes.
-#include "platform/macos/CoreGraphicsCanvas.hpp"
+#include "platform/macos/card/CoreGraphicsCanvas.hpp"
 
 #import <ImageIO/ImageIO.h>
 
-#include "platform/macos/CardWindowsMacOS.hpp"
-#include "platform/macos/DecodedImage.hpp"
-#include "platform/macos/PicturesMacOS.hpp"
+#include "platform/macos/card/CardWindowsMacOS.hpp"
+#include "platform/macos/card/DecodedImage.hpp"
+#include "platform/macos/card/PicturesMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
 #include "tests/support/ManualClock.hpp"

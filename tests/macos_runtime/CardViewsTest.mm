@@ -1,7 +1,7 @@
 // The views of a card: how they are put together, how they move, what they report.
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
-#include "platform/macos/CardShadowView.hpp"
-#include "platform/macos/CardStageMacOS.hpp"
+#include "platform/macos/card/CardShadowView.hpp"
+#include "platform/macos/card/CardStageMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
 

@@ -1,5 +1,5 @@
 // The card's window: its settings in order, its mouse, its fades.
-#include "platform/macos/CardWindowMacOS.hpp"
+#include "platform/macos/card/CardWindowMacOS.hpp"
 
 #include "Quorvane_Lock_Screen/CardWindow.hpp"
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"

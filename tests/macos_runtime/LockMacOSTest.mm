@@ -4,8 +4,8 @@
 
 #include <regex>
 
-#include "AddOnKit/PlayerGeometry.hpp"
-#include "QuorvaneKit/Identifiers.hpp"
+#include "AddOnKit/card/PlayerGeometry.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"

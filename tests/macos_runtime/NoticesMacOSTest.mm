@@ -1,8 +1,8 @@
 // Notices of every kind, in and out.
-#include "platform/macos/DarwinNoticesMacOS.hpp"
-#include "platform/macos/DistributedNoticesMacOS.hpp"
-#include "platform/macos/LockSourcesMacOS.hpp"
-#include "platform/macos/ScreensMacOS.hpp"
+#include "platform/macos/card/ScreensMacOS.hpp"
+#include "platform/macos/services/DarwinNoticesMacOS.hpp"
+#include "platform/macos/services/DistributedNoticesMacOS.hpp"
+#include "platform/macos/services/LockSourcesMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
 #include "tests/macos_runtime/fakes/NoticeFakes.hpp"

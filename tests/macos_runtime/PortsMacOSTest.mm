@@ -1,5 +1,5 @@
 // Message ports: both ends.
-#include "platform/macos/MessagePortsMacOS.hpp"
+#include "platform/macos/ports/MessagePortsMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/PortFakes.hpp"
 #include "tests/macos_runtime/fakes/SystemFakes.hpp"

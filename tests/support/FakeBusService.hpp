@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/EventLoop.hpp"
+#include "platform/linux/loop/EventLoop.hpp"
 
 namespace quorvane {
 

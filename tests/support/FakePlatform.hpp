@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "QuorvaneKit/MessagePortWire.hpp"
-#include "QuorvaneKit/MessageType.hpp"
-#include "QuorvaneKit/PortNames.hpp"
-#include "QuorvaneKit/QuorvaneAction.hpp"
-#include "QuorvaneKit/XPCCodableHelpers.hpp"
+#include "QuorvaneKit/link/MessagePortWire.hpp"
+#include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/records/MessageType.hpp"
+#include "QuorvaneKit/records/QuorvaneAction.hpp"
+#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 #include "platform/LivePlatform.hpp"
 #include "tests/support/FakeCardWindows.hpp"
 #include "tests/support/FakeInstallation.hpp"

@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/linux/EventLoop.hpp"
+#include "platform/linux/loop/EventLoop.hpp"
 
 namespace quorvane {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <set>
 
-#include "QuorvaneKit/WaitFlag.hpp"
+#include "QuorvaneKit/link/WaitFlag.hpp"
 
 namespace quorvane {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "drawing/Geometry.hpp"
-#include "platform/linux/XcbReply.hpp"
+#include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
 

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "drawing/Geometry.hpp"
-#include "platform/linux/EventLoop.hpp"
-#include "platform/linux/XcbReply.hpp"
+#include "platform/linux/loop/EventLoop.hpp"
+#include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tests/platform/linux/DrawnScene.hpp"
+#include "tests/platform/linux/drawing/DrawnScene.hpp"
 #include "tools/AnimatedPNG.hpp"
 #include "tools/CardRenderOptions.hpp"
 #include "tools/CardStill.hpp"

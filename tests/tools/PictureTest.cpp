@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "tests/platform/linux/DrawnScene.hpp"
+#include "tests/platform/linux/drawing/DrawnScene.hpp"
 #include "tools/CardStill.hpp"
 
 namespace quorvane {

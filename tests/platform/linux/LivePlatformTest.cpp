@@ -8,9 +8,9 @@
 #include <fstream>
 #include <string>
 
+#include "drawing/pictures/EncodedImage.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
-#include "platform/linux/EncodedImage.hpp"
-#include "platform/linux/X11SessionLinux.hpp"
+#include "platform/linux/lockers/X11SessionLinux.hpp"
 #include "tests/support/PrivateXServer.hpp"
 #include "tests/support/RecordingLog.hpp"
 #include "tests/support/TemporaryFolder.hpp"

@@ -8,9 +8,9 @@
 
 #include "platform/BundleFiles.hpp"
 #include "platform/RegularFiles.hpp"
-#include "platform/macos/FilesMacOS.hpp"
-#include "platform/macos/InstallationMacOS.hpp"
-#include "platform/macos/UserDefaultsMacOS.hpp"
+#include "platform/macos/files/FilesMacOS.hpp"
+#include "platform/macos/files/UserDefaultsMacOS.hpp"
+#include "platform/macos/services/InstallationMacOS.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace quorvane {

@@ -5,12 +5,12 @@
 #include <atomic>
 #include <thread>
 
-#include "platform/macos/ClockMacOS.hpp"
-#include "platform/macos/DarwinNoticesMacOS.hpp"
-#include "platform/macos/DistributedNoticesMacOS.hpp"
-#include "platform/macos/MainThreadMacOS.hpp"
-#include "platform/macos/MessagePortsMacOS.hpp"
-#include "platform/macos/SerialQueueMacOS.hpp"
+#include "platform/macos/ports/MessagePortsMacOS.hpp"
+#include "platform/macos/services/ClockMacOS.hpp"
+#include "platform/macos/services/DarwinNoticesMacOS.hpp"
+#include "platform/macos/services/DistributedNoticesMacOS.hpp"
+#include "platform/macos/services/MainThreadMacOS.hpp"
+#include "platform/macos/services/SerialQueueMacOS.hpp"
 #include "tests/platform/macos/MainLoop.hpp"
 
 namespace quorvane {

@@ -1,4 +1,4 @@
-#include "platform/macos/OSLogBuffer.hpp"
+#include "platform/macos/services/OSLogBuffer.hpp"
 
 #include <gtest/gtest.h>
 

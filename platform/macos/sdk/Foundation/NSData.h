@@ -23,6 +23,6 @@ enum : NSDataWritingOptions { NSDataWritingAtomic = 1 };
 
 @interface NSMutableData : NSData
 @property(readonly) void* mutableBytes __attribute__((objc_returns_inner_pointer));  // from memory
-+ (instancetype)dataWithCapacity:(NSUInteger)aNumItems;             // from memory
-- (void)appendBytes:(const void*)bytes length:(NSUInteger)length;  // from memory
++ (instancetype)dataWithCapacity:(NSUInteger)aNumItems;                              // from memory
+- (void)appendBytes:(const void*)bytes length:(NSUInteger)length;                    // from memory
 @end

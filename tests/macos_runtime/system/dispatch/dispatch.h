@@ -1,5 +1,5 @@
-// What the compiler for macOS brings along as <dispatch/dispatch.h>, for running on Linux: as far as
-// the adapters use it. Its objects are Objective-C objects, as they are in Objective-C++.
+// What the compiler for macOS brings along as <dispatch/dispatch.h>, for running on Linux: as far
+// as the adapters use it. Its objects are Objective-C objects, as they are in Objective-C++.
 #pragma once
 
 #include <objc/NSObject.h>

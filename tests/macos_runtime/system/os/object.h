@@ -4,7 +4,7 @@
 #include <objc/NSObject.h>
 
 #define OS_OBJECT_RETURNS_RETAINED __attribute__((ns_returns_retained))
-#define OS_OBJECT_DECL(name)         \
-    @protocol OS_##name <NSObject>   \
-    @end                             \
+#define OS_OBJECT_DECL(name) \
+    @protocol OS_            \
+    ##name<NSObject> @end    \
     typedef NSObject<OS_##name>* name##_t

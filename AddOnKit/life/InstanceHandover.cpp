@@ -1,0 +1,91 @@
+#include "AddOnKit/life/InstanceHandover.hpp"
+
+#include <algorithm>
+#include <tuple>
+
+namespace quorvane {
+
+InstanceHandover::InstanceHandover(RunningCopy me, Operations operations, Timing timing)
+    : me_(me), operations_(std::move(operations)), timing_(timing) {}
+
+void InstanceHandover::resolve(std::function<void(Outcome)> completion) {
+    completion_ = std::move(completion);
+    begin();
+}
+
+void InstanceHandover::waitOnly(std::function<void(Outcome)> completion) {
+    asks_ = false;
+    completion_ = std::move(completion);
+    begin();
+}
+
+// An unknown launch date is the most distant past; equal dates are told apart by the lower pid.
+bool InstanceHandover::isOlder(const RunningCopy& copy) const {
+    const auto age = [](const RunningCopy& each) {
+        return std::tuple{each.launchDate.value_or(WallTime::min()), each.pid};
+    };
+    return copy.pid != me_.pid && age(copy) < age(me_);
+}
+
+InstanceHandover::PIDs InstanceHandover::olderCopies() const {
+    PIDs pids;
+    for (const RunningCopy& copy : operations_.running())
+        if (isOlder(copy)) pids.push_back(copy.pid);
+    return pids;
+}
+
+void InstanceHandover::begin() {
+    auto others = operations_.running();
+    std::erase_if(others, [this](const RunningCopy& copy) { return copy.pid == me_.pid; });
+    if (others.empty()) return finish(Alone{});
+    if (std::ranges::none_of(others, [this](const RunningCopy& copy) { return isOlder(copy); })) {
+        OldestCopy outcome;
+        for (const RunningCopy& copy : others) outcome.newer.push_back(copy.pid);
+        return finish(outcome);
+    }
+    const PIDs older = olderCopies();
+    if (older.empty()) return finish(Alone{});
+    if (timing_.wait > Duration{}) return waitOn();
+    ask(older);
+}
+
+// Counts the polls, not the time that has passed: each look comes before the check of the time.
+void InstanceHandover::waitOn() {
+    timer_ = operations_.clock.after(timing_.poll, [this] {
+        elapsed_ += timing_.poll;
+        const PIDs left = olderCopies();
+        if (left.empty()) return finish(OthersExited{elapsed_});
+        if (elapsed_ < timing_.wait) return waitOn();
+        ask(left);
+    });
+}
+
+// `older` is what the last look found, never empty: a further look could find that they have gone.
+void InstanceHandover::ask(const PIDs& older) {
+    if (!asks_) return finish(TimedOut{older});
+    asked_ = older;
+    operations_.terminate(asked_);
+    const PIDs left = olderCopies();
+    if (left.empty()) return finish(Terminated{asked_});
+    elapsed_ = Duration{};
+    if (timing_.grace > Duration{}) return giveGrace();
+    finish(StillRunningAfterTermination{left});
+}
+
+void InstanceHandover::giveGrace() {
+    timer_ = operations_.clock.after(timing_.poll, [this] {
+        elapsed_ += timing_.poll;
+        const PIDs left = olderCopies();
+        if (left.empty()) return finish(Terminated{asked_});
+        if (elapsed_ < timing_.grace) return giveGrace();
+        finish(StillRunningAfterTermination{left});
+    });
+}
+
+// The completion may destroy the handover.
+void InstanceHandover::finish(Outcome outcome) {
+    const auto completion = std::exchange(completion_, nullptr);
+    completion(std::move(outcome));
+}
+
+}  // namespace quorvane

@@ -1,0 +1,63 @@
+#include "AddOnKit/life/LaunchDecision.hpp"
+
+#include <system_error>
+
+#include "QuorvaneKit/link/SharedDefaultsKey.hpp"
+#include "platform/ErrorText.hpp"
+#include "shared/AddOnSignals.hpp"
+#include "shared/RemovalKeys.hpp"
+
+namespace quorvane {
+
+LaunchDecision LaunchPerformer::decide() const {
+    if (AddOnSignals::contains(arguments, AddOnSignals::kUninstallArgument))
+        return LaunchDecision::uninstall;
+    if (AddOnSignals::contains(arguments, AddOnSignals::kInstalledArgument))
+        return LaunchDecision::run;
+    const auto pending = defaults.get(kRemovalPendingKey);
+    if (!pending || pending->as<bool>() == nullptr || !*pending->as<bool>())
+        return LaunchDecision::run;
+    if (isPendingRemovalOfThisBundle()) return LaunchDecision::finishRemoval;
+    log.standard("launch: a removal flag left by another copy of the add-on; clearing it");
+    defaults.removeDomain();
+    // The next launch finds a flag that is still there and clears it again.
+    if (const auto written = defaults.synchronize(); !written)
+        log.error("launch: the removal flag was not cleared: %{public}s",
+                  errorText(written.error()));
+    return LaunchDecision::run;
+}
+
+bool LaunchPerformer::isPendingRemovalOfThisBundle() const {
+    const auto recorded = defaults.get(kRemovalBundleIdentityKey);
+    if (!recorded || recorded->as<std::string>() == nullptr) return false;
+    std::error_code error;
+    const auto resolved = std::filesystem::canonical(bundle, error);
+    const auto own = identity(error ? bundle : resolved);
+    return own && *own == *recorded->as<std::string>();
+}
+
+void LaunchPerformer::perform(const std::function<void()>& finishRemoval,
+                              const std::function<void()>& uninstall,
+                              const std::function<void()>& run) const {
+    switch (decide()) {
+        case LaunchDecision::finishRemoval: return finishRemoval();
+        case LaunchDecision::uninstall: return uninstall();
+        case LaunchDecision::run: break;
+    }
+    if (AddOnSignals::contains(arguments, AddOnSignals::kInstalledArgument)) voidRemovalRequest();
+    run();
+}
+
+// This copy was installed after the removal was asked for.
+void LaunchPerformer::voidRemovalRequest() const {
+    if (!sharedDefaults) return;
+    for (const SharedDefaultsKey key : {SharedDefaultsKey::lockScreenRemovalRequested,
+                                        SharedDefaultsKey::lockScreenRemovalTargetInstallID})
+        sharedDefaults->set(std::string{rawValue(key)}, std::nullopt);
+    // The first hello supersedes a request that is still there.
+    if (const auto written = sharedDefaults->synchronize(); !written)
+        log.error("launch: the removal request was not cleared: %{public}s",
+                  errorText(written.error()));
+}
+
+}  // namespace quorvane

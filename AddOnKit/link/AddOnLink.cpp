@@ -1,0 +1,98 @@
+#include "AddOnKit/link/AddOnLink.hpp"
+
+#include <utility>
+
+#include "QuorvaneKit/link/Identifiers.hpp"
+
+namespace quorvane {
+
+AddOnLink::AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
+                     std::function<void()> onRemovalRequested, LogSink log)
+    : identity_(std::move(identity)),
+      sendHello_(std::move(sendHello)),
+      clock_(std::move(clock)),
+      onRemovalRequested_(std::move(onRemovalRequested)),
+      supersedesUntil_(clock_.now() + kSupersedeLifetime),
+      log_(std::move(log), kAddOnBundleIdentifier, "app") {}
+
+void AddOnLink::start() {
+    if (loop_ || loopAwaitsAnswer_) return;
+    sayHelloOfLoop();
+}
+
+void AddOnLink::sayHello() {
+    // The removal flag counts before the stop that follows it: its observers come in between.
+    if (isStopped_.get() || configuration_.get().removalRequested) return;
+    if (inFlight_) {
+        followUpRequested_ = true;
+        return;
+    }
+    const std::uint64_t number = ++helloCount_;
+    inFlight_ = number;
+    const auto send = sendHello_;
+    send(hello(), [this, number, life = life_.watch()](LockScreenHelloResult result) {
+        if (!life.isOver() && inFlight_ == number) helloEnded(result);
+    });
+}
+
+void AddOnLink::stop() {
+    loop_.reset();
+    loopAwaitsAnswer_ = false;
+    inFlight_.reset();
+    followUpRequested_ = false;
+    isStopped_.set(true);
+}
+
+bool AddOnLink::allowsPlayer() const {
+    return !isStopped_.get() && configuration_.get().isEnabled &&
+           !configuration_.get().removalRequested && identity_.supportsThisMacOS;
+}
+
+void AddOnLink::sayHelloOfLoop() {
+    loopAwaitsAnswer_ = !isStopped_.get();
+    sayHello();
+}
+
+void AddOnLink::helloEnded(const LockScreenHelloResult& result) {
+    using Outcome = LockScreenHelloResult::Outcome;
+    inFlight_.reset();
+    const bool followUp = std::exchange(followUpRequested_, false);
+    const auto life = life_.watch();
+    if (result.outcome != Outcome::notSent) identity_.supersedeOnce.consume();
+    if (result.outcome == Outcome::answered) apply(result.configuration);
+    // An observer of the answer may have said hello itself: then that one is the follow-up.
+    if (life.isOver() || isStopped_.get() || inFlight_) return;
+    if (followUp) {
+        sayHello();
+    } else if (std::exchange(loopAwaitsAnswer_, false)) {
+        loop_ = clock_.after(kLockScreenHelloInterval, [this] {
+            loop_.reset();
+            sayHelloOfLoop();
+        });
+    }
+}
+
+void AddOnLink::apply(const LockScreenAddOnConfiguration& answer) {
+    if (answer == configuration_.get()) return;
+    log_.info("Configuration: enabled %{bool}d, removal %{bool}d, minimum %{public}s",
+              answer.isEnabled, answer.removalRequested, answer.minimumAddOnVersion);
+    const auto life = life_.watch();
+    configuration_.set(answer);
+    if (life.isOver() || !answer.removalRequested) return;
+    log_.standard("Quorvane asked for removal; no more hellos");
+    stop();
+    if (life.isOver()) return;
+    if (const auto action = onRemovalRequested_) action();
+}
+
+LockScreenAddOnHello AddOnLink::hello() const {
+    return {.protocolVersion = kLockScreenHelloProtocolVersion,
+            .addOnVersion = identity_.addOnVersion,
+            .macOSVersion = identity_.macOSVersion,
+            .supportsThisMacOS = identity_.supportsThisMacOS,
+            .installID = identity_.installID,
+            .supersedesRemoval =
+                identity_.supersedeOnce.isPending() && clock_.now() < supersedesUntil_};
+}
+
+}  // namespace quorvane

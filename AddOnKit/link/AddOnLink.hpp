@@ -1,0 +1,68 @@
+// Introduces the add-on to the main application, again and again, and keeps the configuration that
+// comes back.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include "AddOnKit/life/AddOnIdentity.hpp"
+#include "QuorvaneKit/link/LockScreenHelloClient.hpp"
+#include "platform/Clock.hpp"
+#include "platform/LifeToken.hpp"
+#include "platform/Log.hpp"
+#include "platform/Observable.hpp"
+
+namespace quorvane {
+
+// Main thread only. Owned by the coordinator. Listeners and actions may call back in or destroy the
+// link.
+class AddOnLink {
+public:
+    // Sends one hello. The completion runs once, on the main thread, inside the call or later.
+    using HelloCompletion = std::function<void(LockScreenHelloResult)>;
+    using SendHello = std::function<void(LockScreenAddOnHello, HelloCompletion completion)>;
+
+    AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
+              std::function<void()> onRemovalRequested, LogSink log);
+
+    // Says hello now, and again a minute after each answer.
+    void start();
+    // Says hello now. While one is on its way, a single further one follows it, however often it is
+    // asked for.
+    void sayHello();
+    // For good: no more hellos, and an answer that still comes is ignored.
+    void stop();
+
+    // Whether the card may be shown; changes only together with one of the two observables.
+    bool allowsPlayer() const;
+    const AddOnIdentity& identity() const { return identity_; }
+
+    // The last answer. It outlives hellos that fail: a main application that is restarted or busy
+    // has not turned the card off.
+    Observable<LockScreenAddOnConfiguration>& configuration() { return configuration_; }
+    Observable<bool>& isStopped() { return isStopped_; }
+
+private:
+    void sayHelloOfLoop();
+    void helloEnded(const LockScreenHelloResult& result);
+    void apply(const LockScreenAddOnConfiguration& answer);
+    LockScreenAddOnHello hello() const;
+
+    AddOnIdentity identity_;
+    Observable<LockScreenAddOnConfiguration> configuration_;
+    Observable<bool> isStopped_{false};
+    SendHello sendHello_;
+    Clock clock_;
+    std::function<void()> onRemovalRequested_;
+    const Instant supersedesUntil_;
+    Timer loop_;                     // the pause until the loop's next hello
+    bool loopAwaitsAnswer_ = false;  // the pause begins with the next answer
+    std::uint64_t helloCount_ = 0;
+    std::optional<std::uint64_t> inFlight_;  // the number of the hello on its way
+    bool followUpRequested_ = false;
+    Logger log_;
+    LifeToken life_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,65 @@
+#include "AddOnKit/player/StateRefresher.hpp"
+
+#include <chrono>
+#include <utility>
+
+namespace quorvane {
+namespace {
+
+constexpr Duration kPollPeriod = std::chrono::seconds{2};
+// The card's times change once a second, so every window of this length has a wake-up to share. The
+// windows are a period apart, wherever in them the polls fall: the average is the period.
+constexpr Duration kPollTolerance = std::chrono::seconds{1};
+constexpr Duration kFollowUpDelay = std::chrono::milliseconds{800};
+
+}  // namespace
+
+StateRefresher::StateRefresher(Clock clock, std::function<void()> refresh)
+    : clock_(std::move(clock)), refresh_(std::move(refresh)) {}
+
+void StateRefresher::setActive(bool active) {
+    if (!active || isStopped_) {
+        isPolling_ = false;
+        poll_.reset();
+    } else if (!isPolling_) {
+        isPolling_ = true;
+        // The first window ends, not begins, a period from now.
+        pollDue_ = clock_.now() - kPollTolerance;
+        refreshWhatIsDue();
+    }
+}
+
+void StateRefresher::nudge() {
+    if (isStopped_) return;
+    followUpDue_ = clock_.now() + kFollowUpDelay;
+    followUp_ = clock_.after(kFollowUpDelay, [this] { refreshWhatIsDue(); });
+}
+
+void StateRefresher::stop() {
+    isStopped_ = true;
+    isPolling_ = false;
+    poll_.reset();
+    followUp_.reset();
+}
+
+// One refresh answers a poll and a follow-up that are due together.
+void StateRefresher::refreshWhatIsDue() {
+    const Instant now = clock_.now();
+    const bool isPoll = isPolling_ && now >= pollDue_;
+    if (isPoll) {
+        poll_.reset();
+        pollDue_ += kPollPeriod;
+    }
+    if (now >= followUpDue_) followUp_.reset();
+    const auto life = life_.watch();
+    const auto action = refresh_;  // a copy, since it may destroy the refresher
+    action();
+    // The refresh may have ended the polling, or have ended and begun it again.
+    if (!isPoll || life.isOver() || !isPolling_ || poll_) return;
+    const Instant end = clock_.now();
+    // A main application that answers slowly is not asked again without a pause.
+    if (pollDue_ <= end) pollDue_ = end + kPollPeriod - kPollTolerance;
+    poll_ = clock_.afterAbout(pollDue_ - end, kPollTolerance, [this] { refreshWhatIsDue(); });
+}
+
+}  // namespace quorvane

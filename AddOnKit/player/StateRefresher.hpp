@@ -1,0 +1,39 @@
+// The times at which the main application is asked for a fresh player state: steadily while a card
+// could be shown, and once more soon after each command.
+#pragma once
+
+#include <functional>
+
+#include "platform/Clock.hpp"
+#include "platform/LifeToken.hpp"
+
+namespace quorvane {
+
+// Main thread only. Owned by the coordinator. `refresh` may take its time, call back in or destroy
+// the refresher.
+class StateRefresher {
+public:
+    StateRefresher(Clock clock, std::function<void()> refresh);
+
+    // Becoming active refreshes at once, then every two seconds on average.
+    void setActive(bool active);
+    // A command was sent: one refresh, 0.8 seconds after the last of a burst.
+    void nudge();
+    // For good.
+    void stop();
+
+private:
+    void refreshWhatIsDue();
+
+    Clock clock_;
+    std::function<void()> refresh_;
+    bool isPolling_ = false;
+    Timer poll_;         // set while polling, except during a refresh of the poll
+    Instant pollDue_{};  // the earliest time of the next poll
+    Timer followUp_;
+    Instant followUpDue_{};
+    bool isStopped_ = false;
+    LifeToken life_;
+};
+
+}  // namespace quorvane

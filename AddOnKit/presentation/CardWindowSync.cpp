@@ -1,0 +1,57 @@
+#include "AddOnKit/presentation/CardWindowSync.hpp"
+
+namespace quorvane {
+namespace {
+
+using Appearance = CardWindowSync::CardAppearance;
+using Step = CardWindowSync::Step;
+using Standing = CardWindowSync::Standing;
+
+// Nothing stands and nothing is held afterwards.
+std::vector<Step> clearAway(const Standing& standing) {
+    std::vector<Step> plan;
+    if (standing.windowCount >= 1) plan.emplace_back(CardWindowSync::CloseAll{});
+    if (standing.isActivityActive) plan.emplace_back(CardWindowSync::EndActivity{});
+    return plan;
+}
+
+// From no window to one for each screen. Without any screen there is nothing to stay responsive
+// for.
+void appendBuild(std::vector<Step>& plan, Appearance appearance, const Standing& standing) {
+    if (standing.screenCount >= 1) {
+        plan.emplace_back(CardWindowSync::Build{appearance});
+        if (!standing.isActivityActive) plan.emplace_back(CardWindowSync::BeginActivity{});
+    } else if (standing.isActivityActive) {
+        plan.emplace_back(CardWindowSync::EndActivity{});
+    }
+}
+
+}  // namespace
+
+std::vector<Step> CardWindowSync::steps(const PresentationState& from, const PresentationState& to,
+                                        const Standing& standing) {
+    if (!to.windowsWanted()) return clearAway(standing);
+    std::vector<Step> plan;
+    if (standing.windowCount == 0) {
+        appendBuild(plan, to.hasMusic ? Appearance::entrance : Appearance::hidden, standing);
+        return plan;
+    }
+    // Windows that were not wanted but stand all the same have an invisible card.
+    const bool wasVisible = from.windowsWanted() && from.hasMusic;
+    if (wasVisible != to.hasMusic) plan.emplace_back(SetCardVisible{to.hasMusic});
+    return plan;
+}
+
+std::vector<Step> CardWindowSync::rebuildSteps(const PresentationState& state,
+                                               const Standing& standing) {
+    if (!state.windowsWanted()) return clearAway(standing);
+    std::vector<Step> plan;
+    if (standing.windowCount >= 1) plan.emplace_back(CloseAll{});
+    // A card that was in sight already has made its entrance.
+    const Appearance shown =
+        standing.windowCount == 0 ? Appearance::entrance : Appearance::immediate;
+    appendBuild(plan, state.hasMusic ? shown : Appearance::hidden, standing);
+    return plan;
+}
+
+}  // namespace quorvane

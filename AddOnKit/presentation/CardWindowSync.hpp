@@ -1,0 +1,57 @@
+// Turns presentation decisions into ordered steps on the card windows. Pure functions of plain
+// values; the window controller carries the steps out.
+#pragma once
+
+#include <cstddef>
+#include <variant>
+#include <vector>
+
+#include "AddOnKit/presentation/PresentationState.hpp"
+
+namespace quorvane {
+
+struct CardWindowSync {
+    // How the card looks in newly built windows.
+    enum class CardAppearance {
+        hidden,    // the windows stand, the card cannot be seen
+        entrance,  // it comes in with its animation
+        immediate  // it is there at once
+    };
+
+    // One window for each screen.
+    struct Build {
+        CardAppearance appearance;
+        bool operator==(const Build&) const = default;
+    };
+    // Fades the card in or out in all windows.
+    struct SetCardVisible {
+        bool isVisible;
+        bool operator==(const SetCardVisible&) const = default;
+    };
+    struct CloseAll {
+        bool operator==(const CloseAll&) const = default;
+    };
+    // The process activity keeps the add-on responsive while windows stand.
+    struct BeginActivity {
+        bool operator==(const BeginActivity&) const = default;
+    };
+    struct EndActivity {
+        bool operator==(const EndActivity&) const = default;
+    };
+    using Step = std::variant<Build, SetCardVisible, CloseAll, BeginActivity, EndActivity>;
+
+    // What there is now.
+    struct Standing {
+        std::size_t windowCount = 0;
+        bool isActivityActive = false;
+        std::size_t screenCount = 0;
+    };
+
+    // The plan for a change of state.
+    static std::vector<Step> steps(const PresentationState& from, const PresentationState& to,
+                                   const Standing& standing);
+    // The plan after the set of screens has changed.
+    static std::vector<Step> rebuildSteps(const PresentationState& state, const Standing& standing);
+};
+
+}  // namespace quorvane

@@ -1,0 +1,52 @@
+// Owns the presentation state: applies events to it, runs the reveal delay, logs every change and
+// tells its two listeners.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "AddOnKit/presentation/PresentationState.hpp"
+#include "platform/Clock.hpp"
+#include "platform/LifeToken.hpp"
+#include "platform/Log.hpp"
+
+namespace quorvane {
+
+// The five fields, for a log.
+std::string describe(const PresentationState& state);
+
+// Main thread only. Owned by the coordinator, which sets the listeners before it sends events. A
+// listener may destroy the driver or send further events. Those sent by onLocked are handled after
+// the current one; those sent by onChange at once, so that what it does after a call that may have
+// sent some goes by `state`, not by the news it was told.
+class PresentationDriver {
+public:
+    PresentationDriver(Clock clock, LogSink log);
+
+    void handle(const PresentationEvent& event);
+
+    const PresentationState& state() const { return state_; }
+
+    // After every change, with the new state.
+    std::function<void(const PresentationState&)> onChange;
+    // The screen has just been found locked: at every lock notice, and at a wake that shows that
+    // one was missed.
+    std::function<void()> onLocked;
+
+private:
+    void handleOne(const PresentationEvent& event);
+    bool hasFoundLock(const PresentationEvent& event, const PresentationState& old) const;
+    void updateDelay();
+    void logState() const;
+
+    PresentationState state_;
+    Clock clock_;
+    Timer delay_;  // held exactly while the state awaits the delay
+    Logger log_;
+    std::deque<PresentationEvent> waiting_;
+    bool isHandling_ = false;
+    LifeToken life_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,141 @@
+#include "QuorvaneKit/json/JSONReader.hpp"
+
+#include <rapidjson/reader.h>
+
+#include <array>
+
+#include "QuorvaneKit/json/UTF8.hpp"
+
+namespace quorvane {
+namespace {
+
+// The parser reads up to a NUL behind the text.
+constexpr std::size_t kRoomBehindText = 1;
+
+// Strings are checked here to be UTF-8: the parser's own check lets half a surrogate pair through.
+// Numbers stay text: most are not asked for, and the parser's conversion of extreme exponents
+// cannot be trusted. Nor can its scan of strings by vector instructions, which lets some control
+// characters pass where they happen to be aligned; it is left off.
+constexpr unsigned kParseFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
+                                 rapidjson::kParseNumbersAsStringsFlag;
+
+// What the parser reports its events to. Answering false ends the parse.
+class Collector {
+public:
+    Collector(std::span<const JSONField> fields, std::span<JSONValue> values)
+        : fields_(fields), values_(values) {}
+
+    bool isObject() const { return isObject_; }
+
+    bool Null() { return keep(JSONValue::Kind::null); }
+    bool Bool(bool value) { return keep(JSONValue::Kind::boolean, {}, value); }
+    bool RawNumber(const char* text, rapidjson::SizeType length, bool) {
+        return keep(JSONValue::Kind::number, {text, length});
+    }
+    bool String(const char* text, rapidjson::SizeType length, bool) {
+        const std::string_view string{text, length};
+        return isValidUTF8(string) && keep(JSONValue::Kind::string, string);
+    }
+    bool Key(const char* text, rapidjson::SizeType length, bool) {
+        const std::string_view key{text, length};
+        place_ = placeOf(key);
+        return isValidUTF8(key);
+    }
+
+    bool StartObject() {
+        if (depth_ == 0) {
+            isObject_ = true;
+            return open(kRootObject);
+        }
+        const std::size_t place = place_;
+        keep(JSONValue::Kind::object);
+        return open(place);
+    }
+    bool StartArray() {
+        if (depth_ == 0) return false;
+        keep(JSONValue::Kind::array);
+        return open(kNowhere);
+    }
+    bool EndObject(rapidjson::SizeType) { return close(); }
+    bool EndArray(rapidjson::SizeType) { return close(); }
+
+    // Never called: numbers are reported as text.
+    bool Int(int) { return false; }
+    bool Uint(unsigned) { return false; }
+    bool Int64(std::int64_t) { return false; }
+    bool Uint64(std::uint64_t) { return false; }
+    bool Double(double) { return false; }
+
+private:
+    // Neither the root nor a field: nothing below it is asked for.
+    static constexpr std::size_t kNowhere = SIZE_MAX - 1;
+
+    // The field that `key` names in the innermost open object. Nowhere too when the field has its
+    // value already: the first of two equal keys counts.
+    std::size_t placeOf(std::string_view key) const {
+        const std::size_t parent = parents_[depth_ - 1];
+        if (parent == kNowhere) return kNowhere;
+        for (std::size_t place = 0; place < fields_.size(); ++place) {
+            if (fields_[place].parent != parent || fields_[place].key != key) continue;
+            return values_[place].kind == JSONValue::Kind::absent ? place : kNowhere;
+        }
+        return kNowhere;
+    }
+
+    bool keep(JSONValue::Kind kind, std::string_view text = {}, bool boolean = false) {
+        if (depth_ == 0) return false;  // the text is a lone value
+        if (place_ != kNowhere) values_[place_] = {kind, boolean, text};
+        return true;
+    }
+
+    bool open(std::size_t parent) {
+        if (depth_ == kDeepestNesting) return false;
+        parents_[depth_++] = parent;
+        place_ = kNowhere;
+        return true;
+    }
+
+    bool close() {
+        --depth_;
+        place_ = kNowhere;
+        return true;
+    }
+
+    std::span<const JSONField> fields_;
+    std::span<JSONValue> values_;
+    std::array<std::size_t, kDeepestNesting> parents_{};
+    std::size_t depth_ = 0;
+    std::size_t place_ = kNowhere;  // of the value that comes next
+    bool isObject_ = false;
+};
+
+}  // namespace
+
+JSONText::JSONText(Bytes text) : bytes_(std::move(text)), size_(bytes_.size()) {
+    if (bytes_.capacity() < size_ + kRoomBehindText) {
+        Bytes roomy;
+        roomy.reserve(size_ + kRoomBehindText);
+        append(roomy, bytes_);
+        bytes_ = std::move(roomy);
+    }
+    bytes_.resize(size_ + kRoomBehindText, std::byte{0});
+}
+
+CodingResult<void> readJSON(JSONText& text, std::span<const JSONField> fields,
+                            std::span<JSONValue> values) {
+    // The parser counts in 32 bits.
+    constexpr std::size_t kLongestText = std::size_t{1} << 30;
+    if (text.size() > kLongestText) return std::unexpected{CodingError{}};
+    Collector collector{fields, values};
+    rapidjson::InsituStringStream stream{text.data()};
+    rapidjson::Reader reader;
+    const bool isComplete = !reader.Parse<kParseFlags>(stream, collector).IsError();
+    // A NUL within the text looks like its end to the parser.
+    if (isComplete && stream.Tell() == text.size()) return {};
+    const bool isOtherValue =
+        !collector.isObject() && reader.GetParseErrorCode() == rapidjson::kParseErrorTermination;
+    return std::unexpected{CodingError{
+        isOtherValue ? CodingError::Kind::typeMismatch : CodingError::Kind::dataCorrupted, ""}};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,27 @@
+#include "QuorvaneKit/link/MessagePortWire.hpp"
+
+namespace quorvane {
+namespace {
+
+// Both are kSecretLength long. No early exit, because the time must not tell how much of a guess is
+// right, and no copies, because those would stay on the stack.
+bool isSameSecret(ByteView left, ByteView right) {
+    std::byte difference{};
+    for (std::size_t i = 0; i < MessagePortWire::kSecretLength; ++i)
+        difference |= left[i] ^ right[i];
+    // Through a volatile, so that the decision cannot be moved into the loop.
+    const volatile std::byte decided = difference;
+    return decided == std::byte{};
+}
+
+}  // namespace
+
+std::optional<ByteView> MessagePortWire::unwrap(ByteView framed, ByteView expectedSecret) {
+    if (expectedSecret.size() != kSecretLength || framed.size() < kSecretLength)
+        return std::nullopt;
+    std::optional<ByteView> payload{framed.subspan(kSecretLength)};
+    if (!isSameSecret(framed.first(kSecretLength), expectedSecret)) payload.reset();
+    return payload;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,24 @@
+// The main application's answer to a hello, from what its user wants.
+#pragma once
+
+#include <string_view>
+
+#include "QuorvaneKit/records/LockScreenRecords.hpp"
+
+namespace quorvane {
+
+// The oldest add-on that the main application accepts.
+inline constexpr std::string_view kMinimumAddOnVersion = "1.0.0";
+
+struct LockScreenConfigurationBuilder {
+    bool isEnabled = false;
+    bool removalRequested = false;
+
+    // A removal switches the card off, whatever the user wanted of it.
+    LockScreenAddOnConfiguration build() const {
+        return {isEnabled && !removalRequested, removalRequested,
+                std::string{kMinimumAddOnVersion}};
+    }
+};
+
+}  // namespace quorvane

@@ -1,0 +1,17 @@
+#include "QuorvaneKit/records/LockScreenHelloOutcome.hpp"
+
+namespace quorvane {
+
+LockScreenHelloOutcome decideLockScreenHello(
+    const std::optional<LockScreenPendingRemoval>& pendingRemoval,
+    const LockScreenAddOnHello& hello) {
+    if (!pendingRemoval) return LockScreenHelloOutcome::answer;
+    if (hello.supersedesRemoval) return LockScreenHelloOutcome::supersedeRemoval;
+    const auto& target = pendingRemoval->targetInstallID;
+    // Where either side does not know who is meant, the removal is delivered.
+    if (!target || !hello.installID || *target == *hello.installID)
+        return LockScreenHelloOutcome::deliverRemoval;
+    return LockScreenHelloOutcome::supersedeRemoval;
+}
+
+}  // namespace quorvane

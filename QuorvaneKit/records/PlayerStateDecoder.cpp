@@ -1,0 +1,96 @@
+#include "QuorvaneKit/records/PlayerStateDecoder.hpp"
+
+#include <algorithm>
+
+#include "QuorvaneKit/json/Base64.hpp"
+#include "QuorvaneKit/records/RecordCoding.hpp"
+#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
+
+namespace quorvane {
+namespace {
+
+// The place behind the quote that opens the artwork's text; npos if there is none.
+//
+// Wherever the key, a colon and a quote stand in text that is JSON, that last quote opens a value:
+// the key's first quote either opens the key or, escaped, is part of one that the second quote
+// closes. Were the first quote the end of a string, the letter after it would not be JSON, with or
+// without the value.
+std::size_t findArtworkText(std::string_view reply) {
+    constexpr std::string_view kKey = "\"artworkData\"";
+    const auto skipSpace = [&](std::size_t place) {
+        return std::min(reply.find_first_not_of(" \t\n\r", place), reply.size());
+    };
+    const std::size_t key = reply.find(kKey);
+    if (key == std::string_view::npos) return key;
+    const std::size_t colon = skipSpace(key + kKey.size());
+    if (!reply.substr(colon).starts_with(':')) return std::string_view::npos;
+    const std::size_t quote = skipSpace(colon + 1);
+    return reply.substr(quote).starts_with('"') ? quote + 1 : std::string_view::npos;
+}
+
+Bytes without(std::string_view reply, std::size_t begin, std::size_t length) {
+    constexpr std::size_t kRoomForTheReader = 64;
+    const ByteView bytes = bytesOf(reply);
+    Bytes rest;
+    rest.reserve(bytes.size() - length + kRoomForTheReader);
+    append(rest, bytes.first(begin));
+    append(rest, bytes.subspan(begin + length));
+    return rest;
+}
+
+}  // namespace
+
+// Artwork taken out of a reply's text before the rest is parsed: it is nearly all of the text, and
+// looking at it once is enough.
+struct PlayerStateDecoder::Lifted {
+    std::size_t begin;  // of the text between its quotes
+    std::size_t length;
+    SharedBytes bytes;
+    bool isLast;
+};
+
+CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes& reply) {
+    const auto lifted = liftArtwork(textOf(reply));
+    auto state = lifted ? decodeAround(*lifted, reply)
+                        : XPCCodableHelpers::decode<QuorvanePlayerState>(std::move(reply));
+    if (state && !(state->track && state->track->artworkData)) last_.reset();
+    return state;
+}
+
+// Nothing when the reply has no artwork, or has it with other escapes than "\/", which are the
+// parser's to read.
+std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
+    std::string_view reply) const {
+    const std::size_t begin = findArtworkText(reply);
+    if (begin == std::string_view::npos) return std::nullopt;
+    const std::string_view text = reply.substr(begin);
+    if (last_ && text.starts_with(last_->text) && text.substr(last_->text.size()).starts_with('"'))
+        return Lifted{begin, last_->text.size(), last_->bytes, true};
+    // What decodes has no escape but "\/" in it, hence the first quote is where the string ends.
+    const std::size_t length = text.find('"');
+    if (length == std::string_view::npos) return std::nullopt;
+    auto bytes = decodeBase64(text.substr(0, length), Base64Form::escapedSolidus);
+    if (!bytes) return std::nullopt;
+    return Lifted{begin, length, SharedBytes{*std::move(bytes)}, false};
+}
+
+CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeAround(const Lifted& lifted,
+                                                                   Bytes& reply) {
+    JSONText rest{without(textOf(reply), lifted.begin, lifted.length)};
+    const char* const place = rest.data() + lifted.begin;
+    bool isInTrack = false;
+    auto state = coding::readRecord<QuorvanePlayerState>(rest, [&](std::string_view text) {
+        // The key may have stood elsewhere, in an object that is not asked for.
+        if (text.data() != place) return readBase64(text);
+        isInTrack = true;
+        return std::optional{lifted.bytes};
+    });
+    if (state && isInTrack && !lifted.isLast) {
+        const std::string_view text = textOf(reply).substr(lifted.begin, lifted.length);
+        Bytes spare = last_ ? std::move(last_->reply) : Bytes{};
+        last_ = Artwork{std::exchange(reply, std::move(spare)), text, lifted.bytes};
+    }
+    return state;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,154 @@
+#include "QuorvaneKit/records/RecordValues.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <locale>
+#include <sstream>
+#include <utility>
+
+#include "QuorvaneKit/json/Base64.hpp"
+#include "QuorvaneKit/json/ISO8601Date.hpp"
+
+namespace quorvane {
+namespace {
+
+using Kind = CodingError::Kind;
+
+// Far more digits than any encoder writes for a double.
+constexpr std::size_t kLongestNumber = 1024;
+
+// The quick conversion, which not every standard library has. It does not tell what is too great
+// from what is too small, and converts neither.
+template <typename Number>
+std::optional<Number> quicklyFrom(std::string_view text) {
+    if constexpr (requires(const char* place, Number& value) {
+                      std::from_chars(place, place, value);
+                  }) {
+        Number value{};
+        if (std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc{})
+            return value;
+    }
+    return std::nullopt;
+}
+
+// `text` is a number of JSON already. The stream with the classic locale is the only other
+// conversion that the process's locale does not spoil; to make the first one takes 0.1 ms.
+std::optional<double> doubleFrom(std::string_view text) {
+    if (text.size() > kLongestNumber) return std::nullopt;
+    if (const auto value = quicklyFrom<double>(text)) return value;
+    std::istringstream stream{std::string{text}};
+    stream.imbue(std::locale::classic());
+    double value = 0;
+    stream >> value;
+    // Too great for a double, which is refused, or too small for one, which some libraries report
+    // too although they have rounded it.
+    if (stream.fail() && !(std::abs(value) < 1)) return std::nullopt;
+    return value;
+}
+
+template <typename Enumeration>
+ValueError readEnumeration(const JSONValue& value,
+                           std::optional<Enumeration> (*fromRaw)(std::int64_t),
+                           Enumeration& result) {
+    std::int64_t raw = 0;
+    if (const ValueError error = readValue(value, raw)) return error;
+    const auto known = fromRaw(raw);
+    if (!known) return Kind::dataCorrupted;
+    result = *known;
+    return {};
+}
+
+}  // namespace
+
+ValueError readValue(const JSONValue& value, bool& result) {
+    if (value.kind != JSONValue::Kind::boolean) return Kind::typeMismatch;
+    result = value.boolean;
+    return {};
+}
+
+ValueError readValue(const JSONValue& value, std::int64_t& result) {
+    if (value.kind != JSONValue::Kind::number) return Kind::typeMismatch;
+    const char* const end = value.text.data() + value.text.size();
+    const auto [rest, error] = std::from_chars(value.text.data(), end, result);
+    if (error != std::errc{}) return Kind::dataCorrupted;
+    if (rest == end) return {};
+    // 2 to the 63rd is exact as a double, the greatest 64-bit integer is not.
+    constexpr double kBound = 9'223'372'036'854'775'808.0;
+    const auto number = doubleFrom(value.text);
+    if (!number || *number < -kBound || *number >= kBound) return Kind::dataCorrupted;
+    result = static_cast<std::int64_t>(*number);
+    if (static_cast<double>(result) != *number) return Kind::dataCorrupted;
+    return {};
+}
+
+ValueError readValue(const JSONValue& value, double& result) {
+    if (value.kind != JSONValue::Kind::number) return Kind::typeMismatch;
+    const auto number = doubleFrom(value.text);
+    if (!number) return Kind::dataCorrupted;
+    result = *number;
+    return {};
+}
+
+ValueError readValue(const JSONValue& value, std::string& result) {
+    if (value.kind != JSONValue::Kind::string) return Kind::typeMismatch;
+    result = value.text;
+    return {};
+}
+
+ValueError readValue(const JSONValue& value, WallTime& result) {
+    if (value.kind != JSONValue::Kind::string) return Kind::typeMismatch;
+    const auto time = wallTimeFromISO8601(value.text);
+    if (!time) return Kind::dataCorrupted;
+    result = *time;
+    return {};
+}
+
+ValueError readValue(const JSONValue& value, XPCPlayerState& result) {
+    return readEnumeration(value, xpcPlayerState, result);
+}
+
+ValueError readValue(const JSONValue& value, XPCPlayerType& result) {
+    if (value.kind != JSONValue::Kind::string) return Kind::typeMismatch;
+    const auto known = xpcPlayerType(value.text);
+    if (!known) return Kind::dataCorrupted;
+    result = *known;
+    return {};
+}
+
+ValueError readValue(const JSONValue& value, XPCRepeatMode& result) {
+    return readEnumeration(value, xpcRepeatMode, result);
+}
+
+bool writeValue(JSONWriter& writer, bool value) {
+    writer.boolean(value);
+    return true;
+}
+
+bool writeValue(JSONWriter& writer, std::int64_t value) {
+    writer.integer(value);
+    return true;
+}
+
+bool writeValue(JSONWriter& writer, double value) { return writer.number(value); }
+bool writeValue(JSONWriter& writer, const std::string& value) { return writer.string(value); }
+bool writeValue(JSONWriter& writer, WallTime value) { return writer.string(iso8601Text(value)); }
+
+bool writeValue(JSONWriter& writer, XPCPlayerState value) {
+    return writeValue(writer, std::to_underlying(value));
+}
+
+bool writeValue(JSONWriter& writer, XPCPlayerType value) { return writer.string(rawValue(value)); }
+
+bool writeValue(JSONWriter& writer, XPCRepeatMode value) {
+    return writeValue(writer, std::to_underlying(value));
+}
+
+std::optional<SharedBytes> readBase64(std::string_view base64) {
+    auto bytes = decodeBase64(base64);
+    if (!bytes) return std::nullopt;
+    return SharedBytes{*std::move(bytes)};
+}
+
+void writeBase64(Bytes& text, const SharedBytes& bytes) { appendBase64(text, bytes.view()); }
+
+}  // namespace quorvane

@@ -1,0 +1,243 @@
+#include "drawing/pictures/GlassMaterial.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace quorvane {
+namespace {
+
+constexpr double kPointsAValue = 4;
+constexpr double kBlurDeviation = 22;  // points
+// How far colours are spread, and how much further in bright places, because dimming dulls them.
+constexpr float kSpread = 0.35F;
+constexpr float kBrightSpread = 3.5F;
+constexpr float kHalfBright = 0.35F;  // the light at which half of that is added
+// The quietest text on the card is white of this opacity; it has to be readable, 4.5 and a little
+// for what lies between the values that are looked at.
+constexpr float kTextOpacity = 0.58F;
+constexpr float kTextContrast = 4.6F;
+// The same text's contrast at the card's bottom. The volume's fill then has 3.5, plain white more.
+constexpr float kSymbolContrast = 2.5F;
+constexpr double kTransition = 96;  // points from the one contrast to the other
+constexpr float kDimming = 0.62F;   // of what is dark enough already
+constexpr float kHighestScale = 4;
+constexpr float kVeil = 0.011F;   // keeps the card apart from a black screen
+constexpr float kSheen = 0.018F;  // light from above, fading toward the middle
+constexpr float kSheenReach = 0.6F;
+
+constexpr float kRedShare = 0.2126F;
+constexpr float kGreenShare = 0.7152F;
+constexpr float kBlueShare = 0.0722F;
+
+double linearFromEncoded(double value) {
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+float encodedFromLinear(float value) {
+    return value <= 0.0031308F ? value * 12.92F : 1.055F * std::pow(value, 1 / 2.4F) - 0.055F;
+}
+
+const std::array<float, 256>& linearValues() {
+    static const auto table = [] {
+        std::array<float, 256> values{};
+        for (std::size_t i = 0; i < values.size(); ++i)
+            values[i] = static_cast<float>(linearFromEncoded(static_cast<double>(i) / 255));
+        return values;
+    }();
+    return table;
+}
+
+float luminance(float red, float green, float blue) {
+    return kRedShare * red + kGreenShare * green + kBlueShare * blue;
+}
+
+// Light in whole numbers, which add up faster: every pixel of the backdrop comes by.
+constexpr float kLightUnit = 1 << 20;
+
+struct LightSum {
+    std::uint64_t red = 0;
+    std::uint64_t green = 0;
+    std::uint64_t blue = 0;
+};
+
+using LightUnits = std::array<std::uint32_t, 256>;
+
+const LightUnits& lightUnits() {
+    static const auto table = [] {
+        LightUnits values{};
+        for (std::size_t i = 0; i < values.size(); ++i)
+            values[i] = static_cast<std::uint32_t>(std::lround(linearValues()[i] * kLightUnit));
+        return values;
+    }();
+    return table;
+}
+
+// Adds the light of each `step` pixels of a row to their sum.
+void addUp(const std::uint32_t* row, int width, int step, std::vector<LightSum>& sums) {
+    const LightUnits& units = lightUnits();
+    int x = 0;
+    for (LightSum& sum : sums) {
+        LightSum more = sum;
+        for (const int end = std::min(x + step, width); x < end; ++x) {
+            const std::uint32_t pixel = row[x];
+            more.red += units[pixel >> 16 & 0xff];
+            more.green += units[pixel >> 8 & 0xff];
+            more.blue += units[pixel & 0xff];
+        }
+        sum = more;
+    }
+}
+
+// The mean light of each square of `step` pixels. Light adds up; the encoded shades do not.
+GlassPicture reduced(const Pixels& picture, int step) {
+    const int width = (picture.width + step - 1) / step;
+    const int height = (picture.height + step - 1) / step;
+    GlassPicture result{step, Plane{width, height}, Plane{width, height}, Plane{width, height}};
+    for (int y = 0; y < height; ++y) {
+        std::vector<LightSum> sums(static_cast<std::size_t>(width));
+        const int bottom = std::min((y + 1) * step, picture.height);
+        for (int line = y * step; line < bottom; ++line)
+            addUp(picture.row(line), picture.width, step, sums);
+        for (int x = 0; x < width; ++x) {
+            const int columns = std::min(step, picture.width - x * step);
+            const float share =
+                1 / (kLightUnit * static_cast<float>(columns * (bottom - y * step)));
+            const LightSum& sum = sums[static_cast<std::size_t>(x)];
+            result.red.at(x, y) = static_cast<float>(sum.red) * share;
+            result.green.at(x, y) = static_cast<float>(sum.green) * share;
+            result.blue.at(x, y) = static_cast<float>(sum.blue) * share;
+        }
+    }
+    return result;
+}
+
+float sheen(int y, const PixelRect& card, int step) {
+    const float depth = (static_cast<float>(y * step) - static_cast<float>(card.y)) /
+                        (static_cast<float>(std::max(card.height, 1)) * kSheenReach);
+    const float left = std::clamp(1 - depth, 0.0F, 1.0F);
+    return kSheen * left * left;
+}
+
+// The light of the quietest text on channels of different light.
+class TextLight {
+public:
+    TextLight() {
+        for (std::size_t i = 0; i < values_.size(); ++i) {
+            const float shade = encodedFromLinear(static_cast<float>(i) / kSteps);
+            values_[i] = static_cast<float>(linearFromEncoded(shade + (1 - shade) * kTextOpacity));
+        }
+    }
+    float on(float light) const {
+        return values_[static_cast<std::size_t>(static_cast<int>(std::min(light, 1.0F) * kSteps))];
+    }
+
+private:
+    static constexpr std::size_t kSteps = 4096;
+    std::array<float, kSteps + 1> values_{};
+};
+
+struct Light {
+    float red, green, blue;
+
+    Light scaled(float scale, float added) const {
+        return {red * scale + added, green * scale + added, blue * scale + added};
+    }
+    bool isReadable(const TextLight& text, float contrast) const {
+        const float letters = luminance(text.on(red), text.on(green), text.on(blue));
+        return letters + 0.05F >= contrast * (luminance(red, green, blue) + 0.05F);
+    }
+    // Spreads the channels away from grey, a pale colour's further than a full one's. None falls
+    // below 0, so that the hue remains.
+    Light spread() const {
+        const float grey = luminance(red, green, blue);
+        if (grey <= 0) return *this;
+        const float fullness = 1 - std::min({red, green, blue}) / grey;
+        const float bright = grey * grey / (grey * grey + kHalfBright * kHalfBright);
+        const float wanted = kSpread + kBrightSpread * bright;
+        const float amount = wanted / (1 + wanted * fullness);
+        const auto channel = [&](float light) { return light * (1 + amount * (light / grey - 1)); };
+        return {channel(red), channel(green), channel(blue)};
+    }
+};
+
+// How much of the light stays. What is bright is pressed together below what the text bears, what
+// is dark keeps its share: a sun behind the card takes nothing from the sky around it. Less light
+// is always more readable.
+float scaleFor(const Light& light, const TextLight& text, float contrast) {
+    constexpr float kAdded = kVeil + kSheen;  // everywhere, so that the sheen stays to be seen
+    constexpr int kHalvings = 12;
+    float readable = 0;
+    if (light.scaled(kHighestScale, kAdded).isReadable(text, contrast)) {
+        readable = kHighestScale;
+    } else {
+        // Always as many, and added without a choice: no processor could guess which half it is.
+        float half = kHighestScale / 2;
+        for (int i = 0; i < kHalvings; ++i, half /= 2)
+            readable +=
+                half * static_cast<float>(
+                           light.scaled(readable + half, kAdded).isReadable(text, contrast));
+    }
+    return readable > 0 ? readable * (1 - std::exp(-kDimming / readable)) : 0;
+}
+
+// The contrast to keep this many points below the last quiet text. It falls without a visible edge.
+float leastContrast(double below) {
+    const auto share = static_cast<float>(std::clamp(below / kTransition, 0.0, 1.0));
+    return kTextContrast + (kSymbolContrast - kTextContrast) * share * share * (3 - 2 * share);
+}
+
+// The places whose values the card's pixels are mixed from.
+PixelRect placesUnder(const PixelRect& card, const GlassPicture& glass) {
+    const int left = card.x / glass.step - 1;
+    const int top = card.y / glass.step - 1;
+    return PixelRect{left, top, card.maxX() / glass.step + 2 - left,
+                     card.maxY() / glass.step + 2 - top}
+        .intersection({0, 0, glass.red.width, glass.red.height});
+}
+
+// Spreads the colours, dims, adds veil and sheen, and encodes for the screen.
+void tone(GlassPicture& glass, const PixelRect& card, double textBottom, double scale) {
+    static const TextLight text;
+    const PixelRect places = placesUnder(card, glass);
+    for (int y = places.y; y < places.maxY(); ++y) {
+        const float added = kVeil + sheen(y, card, glass.step);
+        const float contrast = leastContrast((y * glass.step - card.y) / scale - textBottom);
+        for (int x = places.x; x < places.maxX(); ++x) {
+            const Light light =
+                Light{glass.red.at(x, y), glass.green.at(x, y), glass.blue.at(x, y)}.spread();
+            const Light toned = light.scaled(scaleFor(light, text, contrast), added);
+            glass.red.at(x, y) = encodedFromLinear(std::min(1.0F, toned.red));
+            glass.green.at(x, y) = encodedFromLinear(std::min(1.0F, toned.green));
+            glass.blue.at(x, y) = encodedFromLinear(std::min(1.0F, toned.blue));
+        }
+    }
+}
+
+}  // namespace
+
+double relativeLuminance(std::uint32_t pixel) {
+    const auto& linear = linearValues();
+    return luminance(linear[pixel >> 16 & 0xff], linear[pixel >> 8 & 0xff], linear[pixel & 0xff]);
+}
+
+double contrastWithWhite(std::uint32_t pixel, double opacity) {
+    std::uint32_t text = 0;
+    for (const int shift : {16, 8, 0}) {
+        const double shade = pixel >> shift & 0xff;
+        text |= static_cast<std::uint32_t>(std::lround(shade + (255 - shade) * opacity)) << shift;
+    }
+    return (relativeLuminance(text) + 0.05) / (relativeLuminance(pixel) + 0.05);
+}
+
+GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
+                       double scale) {
+    const int step = std::max(1, static_cast<int>(std::lround(kPointsAValue * scale)));
+    GlassPicture glass = reduced(backdrop, step);
+    for (Plane* plane : {&glass.red, &glass.green, &glass.blue})
+        blur(*plane, kBlurDeviation * scale / step);
+    tone(glass, card, textBottom, scale);
+    return glass;
+}
+
+}  // namespace quorvane

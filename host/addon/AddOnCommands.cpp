@@ -1,0 +1,223 @@
+#include "host/addon/AddOnCommands.hpp"
+
+#include <utility>
+
+#include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
+#include "QuorvaneKit/link/Identifiers.hpp"
+#include "QuorvaneKit/link/SharedDefaults.hpp"
+#include "QuorvaneKit/records/LockScreenAddOnStatus.hpp"
+#include "shared/RemovalKeys.hpp"
+
+namespace quorvane {
+namespace {
+
+using State = AddOnPlace::State;
+
+constexpr char kNotInstalled[] = "the add-on is not installed; do so with: quorvane-host install";
+
+}  // namespace
+
+AddOnCommands::AddOnCommands(Services services)
+    : services_(std::move(services)), control_(services_.control) {}
+
+std::expected<AddOnPlace, std::string> AddOnCommands::place() const {
+    if (!services_.applicationSupport)
+        return std::unexpected{"this user has no home folder to install anything in"};
+    AddOnPlace place = AddOnPlace::look(*services_.applicationSupport, services_.bundleFiles);
+    if (place.state == State::foreign) return std::unexpected{place.trouble + "; it is left alone"};
+    return place;
+}
+
+void AddOnCommands::install(const std::filesystem::path& bundle, Done done) {
+    done_ = std::move(done);
+    const auto there = place();
+    if (!there) return end(std::unexpected{there.error()});
+    const auto version = addOnVersionOf(bundle, services_.bundleFiles);
+    if (!version) return end(std::unexpected{bundle.string() + " is not the add-on"});
+    if (auto failure = put(bundle, *there)) return end(std::unexpected{*std::move(failure)});
+    std::string text = "Installed version " + *version + " as " + there->bundle.string() + ".\n";
+    if (SharedDefaults{services_.sharedSuite}.setLockScreenEnabled(true))
+        text += "The card is on; turn it off with: quorvane-host disable\n";
+    replaceRunning(*there, *version, std::move(text));
+}
+
+void AddOnCommands::update(const std::filesystem::path& bundle, Done done) {
+    done_ = std::move(done);
+    const auto there = place();
+    if (!there) return end(std::unexpected{there.error()});
+    if (there->state == State::empty) return end(std::unexpected{kNotInstalled});
+    const auto version = addOnVersionOf(bundle, services_.bundleFiles);
+    if (!version) return end(std::unexpected{bundle.string() + " is not the add-on"});
+    if (there->state == State::installed && !isOlderVersion(there->version, *version))
+        return end("Version " + there->version +
+                   " is installed; there is nothing newer than it.\n");
+    if (auto failure = put(bundle, *there)) return end(std::unexpected{*std::move(failure)});
+    const std::string before = there->version.empty() ? "what was left" : there->version;
+    replaceRunning(*there, *version, "Updated " + before + " to version " + *version + ".\n");
+}
+
+std::optional<std::string> AddOnCommands::put(const std::filesystem::path& bundle,
+                                              const AddOnPlace& place) {
+    services_.bundleFiles.discardStaged(place.supportDirectory);
+    const auto staged = services_.bundleFiles.stage(bundle, place.supportDirectory);
+    if (!staged) return "nothing was installed: " + staged.error().description;
+    forgetRemoval();
+    if (const auto put = services_.bundleFiles.putInPlace(*staged, place.bundle); !put) {
+        services_.bundleFiles.discardStaged(place.supportDirectory);
+        return "nothing was installed: " + put.error().description;
+    }
+    return std::nullopt;
+}
+
+// Before the new one stands there: its next launch would go on with a removal that was cut off, and
+// its hello would be answered with one that was asked for.
+void AddOnCommands::forgetRemoval() {
+    static_cast<void>(
+        SharedDefaults{services_.sharedSuite}.setLockScreenPendingRemoval(std::nullopt));
+    if (!services_.addOnDefaults || !services_.addOnDefaults->get(kRemovalPendingKey)) return;
+    services_.addOnDefaults->set(kRemovalPendingKey, std::nullopt);
+    services_.addOnDefaults->set(kRemovalBundleIdentityKey, std::nullopt);
+    static_cast<void>(services_.addOnDefaults->synchronize());
+}
+
+// The old copy goes first: it runs from what is thrown away. One that does not go is the new one's
+// to deal with.
+void AddOnCommands::replaceRunning(const AddOnPlace& place, const std::string& version,
+                                   std::string text) {
+    AddOnPlace now = place;
+    now.version = version;
+    const auto proceed = [this, now, text = std::move(text)](bool) {
+        services_.bundleFiles.discardStaged(now.supportDirectory);
+        startAndTell(now, {AddOnSignals::kInstalledArgument}, text);
+    };
+    if (!control_.isRunning()) return proceed(true);
+    control_.quit(proceed);
+}
+
+std::optional<std::string> AddOnCommands::start(const AddOnPlace& place,
+                                                const std::vector<std::string>& arguments) const {
+    const auto started =
+        DetachedLaunch{.runOpen = services_.runOpenCommand}.launch(place.bundle, arguments);
+    if (started) return std::nullopt;
+    if (const auto* failure = std::get_if<DetachedLaunch::Failure>(&started.error()))
+        return failure->description();
+    return std::get<PlatformError>(started.error()).description;
+}
+
+void AddOnCommands::startAndTell(const AddOnPlace& place, const std::vector<std::string>& arguments,
+                                 std::string text) {
+    if (const auto failure = start(place, arguments))
+        return end(std::unexpected{text + "It could not be started: " + *failure});
+    control_.awaitVersion(
+        place.version, [this, text = std::move(text)](AddOnControl::Answer answer) {
+            switch (answer) {
+                case AddOnControl::Answer::runs: return end(text + "The add-on runs.\n" + notes());
+                case AddOnControl::Answer::isSilent:
+                    return end(text + "The add-on was started" +
+                               (services_.problems.bus ? "" : ", but does not answer yet") + ".\n" +
+                               notes());
+                case AddOnControl::Answer::ended:
+                    return end(std::unexpected{(text.empty() ? "the" : text + "The") +
+                                               " add-on cannot run here: " +
+                                               services_.problems.screen.value_or(
+                                                   "it has ended at once, and its log says why") +
+                                               ". Start it later with: quorvane-host launch"});
+            }
+        });
+}
+
+// What keeps the card from showing although the add-on runs.
+std::string AddOnCommands::notes() const {
+    std::string text;
+    for (const std::string& problem : services_.problems.sentences())
+        text += "Note: " + problem + ".\n";
+    return text;
+}
+
+void AddOnCommands::launch(Done done) {
+    done_ = std::move(done);
+    const auto there = place();
+    if (!there) return end(std::unexpected{there.error()});
+    if (there->state != State::installed) return end(std::unexpected{kNotInstalled});
+    if (control_.isRunning()) return end("The add-on runs already.\n" + notes());
+    startAndTell(*there, {}, "");
+}
+
+void AddOnCommands::quit(Done done) {
+    done_ = std::move(done);
+    if (!control_.isRunning()) return end(std::unexpected{"the add-on is not running"});
+    control_.quit([this](bool isGone) {
+        if (isGone) return end("The add-on has quit. It starts again at the next login.\n");
+        end(std::unexpected{"the add-on does not quit"});
+    });
+}
+
+void AddOnCommands::remove(Done done) {
+    done_ = std::move(done);
+    const auto there = place();
+    if (!there) return end(std::unexpected{there.error()});
+    if (!services_.fileManager.fileExists(there->supportDirectory) && !control_.isRunning()) {
+        finishRemoval();
+        return end("The add-on is not installed.\n");
+    }
+    recordRemoval();
+    if (!control_.isRunning()) return uninstall(*there);
+    control_.quit([this, place = *there](bool) { uninstall(place); });
+}
+
+// Whichever copy says hello from now on hears of it, if the quitting or the removal below fails.
+void AddOnCommands::recordRemoval() {
+    SharedDefaults shared{services_.sharedSuite};
+    LockScreenPendingRemoval removal;
+    if (const auto seen = shared.lockScreenAddOnLastSeen())
+        removal.targetInstallID = seen->installID;
+    if (services_.addOnDefaults)
+        if (const auto own = services_.addOnDefaults->get("installID");
+            own && own->as<std::string>())
+            removal.targetInstallID = *own->as<std::string>();
+    static_cast<void>(shared.setLockScreenPendingRemoval(removal));
+    DarwinNotificationCenter{services_.darwinNotices}.post(
+        QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+}
+
+// A bundle of which only a part is left cannot remove itself.
+void AddOnCommands::uninstall(const AddOnPlace& place) {
+    const auto isGone = [this, place] {
+        return !services_.fileManager.fileExists(place.supportDirectory);
+    };
+    if (place.state != State::installed) {
+        const auto removed = services_.fileManager.removeItem(place.supportDirectory);
+        if (!removed && !isGone())
+            return end(std::unexpected{"not all could be removed: " + removed.error().description});
+        finishRemoval();
+        return end("Removed what was left of the add-on.\n");
+    }
+    if (const auto failure = start(place, {AddOnSignals::kUninstallArgument}))
+        return end(
+            std::unexpected{"the add-on could not be started to remove itself: " + *failure});
+    control_.awaitRemoval(isGone, [this, place](bool isRemoved) {
+        if (!isRemoved)
+            return end(
+                std::unexpected{"the add-on has not removed itself; its log says why. A running "
+                                "host tries again when the add-on next says hello"});
+        finishRemoval();
+        end("Removed the add-on, its login item and its settings.\n");
+    });
+}
+
+// Forgets the request, the add-on that was seen, and that its card was on.
+void AddOnCommands::finishRemoval() {
+    SharedDefaults shared{services_.sharedSuite};
+    static_cast<void>(shared.setLockScreenPendingRemoval(std::nullopt));
+    static_cast<void>(shared.setLockScreenAddOnLastSeen(std::nullopt));
+    static_cast<void>(shared.setLockScreenEnabled(false));
+    if (!services_.addOnDefaults) return;
+    services_.addOnDefaults->removeDomain();
+    static_cast<void>(services_.addOnDefaults->synchronize());
+}
+
+void AddOnCommands::end(Outcome outcome) {
+    if (const auto done = std::exchange(done_, nullptr)) done(std::move(outcome));
+}
+
+}  // namespace quorvane

@@ -1,0 +1,75 @@
+#include "host/addon/AddOnControl.hpp"
+
+#include "QuorvaneKit/link/Identifiers.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr Duration kQuitPatience = std::chrono::seconds{3};
+// A new copy gives an older one twelve seconds.
+constexpr Duration kStartPatience = std::chrono::seconds{20};
+// Time enough to end at once.
+constexpr Duration kDeafStartPatience = std::chrono::seconds{2};
+constexpr Duration kRemovalPatience = std::chrono::seconds{10};
+constexpr int kLooksBetweenRequests = 5;
+
+}  // namespace
+
+AddOnControl::AddOnControl(Services services)
+    : services_(std::move(services)), poll_(services_.clock) {}
+
+bool AddOnControl::isRunning() const {
+    return !services_.applications.running(std::string{kAddOnBundleIdentifier}).empty();
+}
+
+void AddOnControl::quit(std::function<void(bool)> done) {
+    services_.notices.post(AddOnSignals::kQuit, {});
+    const auto isGone = [this] { return !isRunning(); };
+    const Duration patience = services_.canHearNotices ? kQuitPatience : Duration{};
+    poll_.start(patience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
+        if (obeyed) return done(true);
+        askAsTheSystemAsks();
+        poll_.start(kQuitPatience, isGone, done);
+    });
+}
+
+// One that has been asked to remove itself does not listen to the notice any more.
+void AddOnControl::askAsTheSystemAsks() {
+    for (const RunningCopy& copy :
+         services_.applications.running(std::string{kAddOnBundleIdentifier}))
+        services_.applications.terminate(copy.pid);
+}
+
+void AddOnControl::awaitVersion(const std::string& version, std::function<void(Answer)> done) {
+    hasAnswered_ = false;
+    looks_ = 0;
+    observation_ = services_.notices.observe(
+        AddOnSignals::kStatus, [this, version](const PropertyDictionary& userInfo) {
+            const auto status = AddOnSignals::Status::fromUserInfo(userInfo);
+            if (status && status->version == version) hasAnswered_ = true;
+        });
+    poll_.start(
+        services_.canHearNotices ? kStartPatience : kDeafStartPatience,
+        [this] {
+            requestStatus();
+            return hasAnswered_ || !isRunning();
+        },
+        [this, done = std::move(done)](bool) {
+            observation_.reset();
+            done(hasAnswered_ ? Answer::runs : isRunning() ? Answer::isSilent : Answer::ended);
+        });
+}
+
+// It may have missed earlier requests: it hears them only once it has started.
+void AddOnControl::requestStatus() {
+    if (looks_++ % kLooksBetweenRequests == 0)
+        services_.notices.post(AddOnSignals::kStatusRequest, {});
+}
+
+void AddOnControl::awaitRemoval(std::function<bool()> isRemoved, std::function<void(bool)> done) {
+    poll_.start(
+        kRemovalPatience, [this, isRemoved] { return isRemoved() && !isRunning(); },
+        std::move(done));
+}
+
+}  // namespace quorvane

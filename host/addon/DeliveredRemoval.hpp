@@ -1,0 +1,32 @@
+// Follows up a removal that the add-on was asked for in the answer to its hello. The add-on then
+// only closes its windows and waits; its files go when it is started again to remove itself.
+#pragma once
+
+#include "host/addon/AddOnCommands.hpp"
+#include "platform/Clock.hpp"
+#include "platform/Log.hpp"
+
+namespace quorvane {
+
+// Main thread only.
+class DeliveredRemoval {
+public:
+    // Longer than `quorvane-host remove` takes, which carries out its removal itself.
+    static constexpr Duration kPatience = std::chrono::seconds{20};
+
+    DeliveredRemoval(AddOnCommands::Services services, Logger log);
+
+    // If the removal is still pending some time later, quits the add-on and removes it.
+    void delivered();
+
+private:
+    void begin();
+
+    std::optional<UserDefaults> sharedSuite_;
+    Clock clock_;
+    Logger log_;
+    AddOnCommands commands_;
+    Timer timer_;  // held until the removal has ended
+};
+
+}  // namespace quorvane

@@ -1,0 +1,119 @@
+#include "host/addon/HostStatus.hpp"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "QuorvaneKit/json/ISO8601Date.hpp"
+#include "QuorvaneKit/records/LockScreenAddOnStatus.hpp"
+
+namespace quorvane {
+
+namespace {
+
+// Titles come from anywhere and go to a terminal, which takes control characters for commands.
+std::string printable(std::string_view text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0u;
+        if (byte < 0x20 || byte == 0x7F) {
+            result += '?';
+        } else if (byte == 0xC2 && next >= 0x80 && next <= 0x9F) {  // U+0080 to U+009F
+            result += '?';
+            ++i;
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
+std::string minutes(double seconds) {
+    // Whoever answers may say anything; beyond this a double has no whole seconds anyway.
+    const auto whole = static_cast<std::int64_t>(std::clamp(seconds, 0.0, 9e15));
+    const std::string rest = std::to_string(whole % 60);
+    return std::to_string(whole / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
+}
+
+std::string playing(const QuorvanePlayerState& state, WallTime now) {
+    if (!state.track) return "nothing to play";
+    const bool isPlaying = state.playerState == XPCPlayerState::playing;
+    const double position =
+        state.playerPosition + (isPlaying ? secondsBetween(state.timestamp, now) : 0);
+    std::string text = isPlaying ? "playing" : "paused";
+    if (state.playerState == XPCPlayerState::stopped) text = "stopped";
+    text += " \"" + printable(state.track->title) + "\"";
+    if (!state.track->artist.empty()) text += " by " + printable(state.track->artist);
+    text += " (" + minutes(position);
+    if (state.track->duration) text += " of " + minutes(*state.track->duration);
+    return text + ")";
+}
+
+std::string hostText(const HostStatus& status, WallTime now) {
+    if (status.state) return "running, " + playing(*status.state, now);
+    switch (status.state.error()) {
+        case HostStatus::Failure::notReachable:
+            return "Quorvane is not reachable; start it with: quorvane-host run";
+        case HostStatus::Failure::late:
+            return "Quorvane did not answer in time; if it stays so, end the host and start it "
+                   "again";
+        case HostStatus::Failure::noAnswer: break;
+    }
+    return "Quorvane did not answer the request; end the host and start it again";
+}
+
+std::string cardText(const HostStatus& status) {
+    if (!status.hasSharedDefaults) return "unknown: the shared settings cannot be opened";
+    if (status.pendingRemoval) return "off; the add-on has been asked to remove itself";
+    if (!status.isEnabled) {
+        const bool isThere =
+            status.place.state != AddOnPlace::State::empty || status.isAddOnRunning;
+        return isThere ? "off; turn it on with: quorvane-host enable" : "off";
+    }
+    if (status.lastLockHadNoRoom)
+        return "on, but the last lock screen left no room for it; a lower QUORVANE_SCALE makes it "
+               "smaller";
+    return "on";
+}
+
+std::string installedText(const AddOnPlace& place) {
+    switch (place.state) {
+        case AddOnPlace::State::installed:
+            return "version " + printable(place.version) + " as " +
+                   printable(place.bundle.string());
+        case AddOnPlace::State::damaged:
+            return "damaged; mend it with: quorvane-host install, or use: quorvane-host remove";
+        case AddOnPlace::State::foreign: return "no; " + printable(place.trouble);
+        case AddOnPlace::State::empty: break;
+    }
+    return "no; do so with: quorvane-host install";
+}
+
+std::string addOnText(const HostStatus& status, WallTime now) {
+    const auto known = lockScreenAddOnStatus(status.lastSeen, now);
+    const auto* waiting = std::get_if<LockScreenAddOnWaitingForUpdate>(&known);
+    std::string text = status.isAddOnRunning ? "runs, but does not answer" : "not running";
+    if (status.addOn)
+        text = "running, version " + printable(status.addOn->version) + ", " +
+               (status.addOn->isConnected ? "connected" : "not connected");
+    else if (!status.lastSeen)
+        text += ", and never seen";
+    else if (!waiting)
+        text += "; version " + printable(status.lastSeen->addOnVersion) + " was last seen " +
+                iso8601Text(status.lastSeen->date);
+    if (waiting)
+        text += "; waits for an update that draws on system " + printable(waiting->macOSVersion);
+    return text;
+}
+
+}  // namespace
+
+std::string HostStatus::text(WallTime now) const {
+    std::string lines = "Host:    " + hostText(*this, now) + "\nCard:    " + cardText(*this) +
+                        "\nInstall: " + installedText(place) +
+                        "\nAdd-on:  " + addOnText(*this, now) + "\n";
+    for (const std::string& problem : problems) lines += "Session: " + problem + "\n";
+    return lines;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,180 @@
+#include "host/link/HostCoordinator.hpp"
+
+#include "QuorvaneKit/link/Identifiers.hpp"
+#include "QuorvaneKit/link/MessagePortSecret.hpp"
+
+namespace quorvane {
+
+namespace {
+
+// A change of track comes as a handful of changes in quick succession, the artwork last. The add-on
+// hears of them once.
+constexpr Duration kCoalescing = std::chrono::milliseconds{50};
+constexpr std::size_t kPortCount = kQueryPortCount + 1;
+
+}  // namespace
+
+// What the handlers on the ports' threads reach. `host` is empty once the coordinator is gone; it
+// is looked at on the main thread only.
+struct HostCoordinator::Link {
+    PublishedState state;
+    MainThread mainThread;
+    std::function<Instant()> now;
+    WallClock wallClock;
+    HostCoordinator* host = nullptr;
+
+    // Runs the action on the main thread, soon, if the coordinator is still there.
+    static void post(const std::shared_ptr<Link>& link,
+                     std::function<void(HostCoordinator&)> action) {
+        link->mainThread.post([weak = std::weak_ptr{link}, action = std::move(action)] {
+            const auto held = weak.lock();
+            if (held && held->host) action(*held->host);
+        });
+    }
+};
+
+HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource> player)
+    : services_(std::move(services)),
+      log_(services_.log, kIdentifierPrefix, "host"),
+      player_(std::move(player)),
+      defaults_(services_.sharedSuite),
+      desk_(defaults_, services_.wallClock, log_),
+      notices_(services_.darwinNotices),
+      link_(std::make_shared<Link>()) {
+    desk_.onRemovalDelivered = [this] {
+        if (onRemovalDelivered) onRemovalDelivered();
+    };
+    link_->mainThread = services_.mainThread;
+    link_->now = services_.clock.now;
+    link_->wallClock = services_.wallClock;
+    link_->host = this;
+}
+
+HostCoordinator::~HostCoordinator() {
+    stop();
+    link_->host = nullptr;
+}
+
+bool HostCoordinator::start() {
+    player_->onChanged = [this] { playerChanged(); };
+    playerChanged();
+    waits_ = EndableWaits{};
+    ports_.emplace(services_.openPort, [this] { findSecret(); });
+    server_.emplace(MessagePortServer::Services{.log = services_.log,
+                                                .openPort = countingOpenPort(),
+                                                .portsProblem = services_.portsProblem,
+                                                .nameCurrentThread = services_.nameCurrentThread,
+                                                .makeWaitFlag = waits_.make()});
+    server_->handlers = makeHandlers();
+    starting_ = services_.makeSerialQueue("example.quillon.Quorvane.host");
+    return starting_->async([server = &*server_, link = link_] {
+        server->start();
+        Link::post(link, [](HostCoordinator& host) { host.starting_.reset(); });
+    });
+}
+
+void HostCoordinator::stop() {
+    if (!server_) return;
+    player_->onChanged = nullptr;
+    announcement_.reset();
+    waits_.end();
+    ports_->end();
+    starting_.reset();
+    server_->stop();  // its threads look at `server_`
+    server_.reset();
+    if (isServing()) {
+        log_.info("host: ending");
+        notices_.post(QuorvaneDarwinNotification::mainAppWillTerminate);
+    }
+    openPorts_ = 0;
+}
+
+bool HostCoordinator::isServing() const { return openPorts_ == kPortCount; }
+
+bool HostCoordinator::hasSecret() const { return server_ && server_->expectedSecret; }
+
+// On the main port's thread, before any port of this server answers. Not earlier, because a new
+// secret would cut off the add-on of a host that still serves.
+void HostCoordinator::findSecret() {
+    auto& secret = server_->expectedSecret;
+    secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));
+    if (!secret)
+        secret = MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
+}
+
+OpenPort HostCoordinator::countingOpenPort() {
+    return [ports = &*ports_, link = link_](const std::string& name, PortHandler handler) {
+        auto port = ports->open(name, std::move(handler));
+        if (port) Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
+        return port;
+    };
+}
+
+void HostCoordinator::portOpened() {
+    if (!server_) return;  // the news came after the end
+    ++openPorts_;
+    if (!isServing()) return;
+    log_.info("host: serving");
+    // Whoever was here before us is gone: the add-on connects anew and says who it is.
+    notices_.post(QuorvaneDarwinNotification::playerStateChanged);
+    notices_.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    if (onServing) onServing();
+}
+
+MessagePortHandlers HostCoordinator::makeHandlers() const {
+    MessagePortHandlers handlers;
+    handlers.onStateRequested = [link = link_] {
+        Link::post(link, [](HostCoordinator& host) { host.player_->freshen(); });
+        return std::optional{stateAt(link->state.snapshot(), link->now(), link->wallClock())};
+    };
+    handlers.onActionReceived = [link = link_](QuorvaneAction action) {
+        Link::post(link, [action](HostCoordinator& host) {
+            host.log_.info("host: %{public}s", name(action));
+            host.commandEnded(host.player_->perform(action));
+        });
+    };
+    handlers.onVolumeChangeReceived = [link = link_](std::int64_t volume) {
+        Link::post(link, [volume](HostCoordinator& host) {
+            host.commandEnded(host.player_->setVolume(volume));
+        });
+    };
+    handlers.onRatingChangeReceived = [link = link_](std::int64_t rating) {
+        Link::post(link, [rating](HostCoordinator& host) {
+            host.commandEnded(host.player_->setRating(rating));
+        });
+    };
+    handlers.onLockScreenHelloReceived = [link = link_](Bytes request,
+                                                        MessagePortHandlers::Answer answer) {
+        Link::post(link, [request = std::move(request), answer = std::move(answer)](
+                             HostCoordinator& host) { answer(host.desk_.answer(request)); });
+    };
+    return handlers;
+}
+
+void HostCoordinator::playerChanged() {
+    link_->state.publish(player_->snapshot());
+    announceSoon();
+}
+
+// The card already shows what its command was to bring about. Where that fails, a notice without a
+// change makes the card ask for the true state.
+void HostCoordinator::commandEnded(bool isCarriedOut) {
+    if (isCarriedOut) return;
+    announced_.reset();
+    announceSoon();
+}
+
+void HostCoordinator::announceSoon() {
+    if (announcement_) return;
+    announcement_ = services_.clock.after(kCoalescing, [this] { announce(); });
+}
+
+void HostCoordinator::announce() {
+    announcement_.reset();
+    PlayerSnapshot now = player_->snapshot();
+    if (announced_ && !isNews(*announced_, now, services_.clock.now())) return;
+    announced_ = std::move(now);
+    if (isServing()) notices_.post(QuorvaneDarwinNotification::playerStateChanged);
+}
+
+}  // namespace quorvane

@@ -1,0 +1,45 @@
+#include "host/players/FileURL.hpp"
+
+#include <charconv>
+
+namespace quorvane {
+
+std::optional<std::string> percentDecoded(std::string_view text) {
+    std::string decoded;
+    decoded.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char byte = text[i];
+        if (byte == '%') {
+            const std::string_view digits = text.substr(i + 1, 2);
+            unsigned value = 0;
+            const auto [end, error] =
+                std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
+            if (digits.size() != 2 || error != std::errc{} || end != digits.data() + 2)
+                return std::nullopt;
+            byte = static_cast<char>(value);
+            i += 2;
+        }
+        if (byte == '\0') return std::nullopt;
+        decoded.push_back(byte);
+    }
+    return decoded;
+}
+
+std::optional<std::filesystem::path> localFile(std::string_view url) {
+    constexpr std::string_view scheme = "file:";
+    if (!url.starts_with(scheme)) return std::nullopt;
+    std::string_view rest = url.substr(scheme.size());
+    if (rest.starts_with("//")) {
+        rest.remove_prefix(2);
+        constexpr std::string_view thisMachine = "localhost/";
+        if (rest.starts_with(thisMachine)) rest.remove_prefix(thisMachine.size() - 1);
+    }
+    // A path's own '?' and '#' are written as escapes; bare ones end it.
+    rest = rest.substr(0, rest.find_first_of("?#"));
+    if (!rest.starts_with('/')) return std::nullopt;
+    const auto path = percentDecoded(rest);
+    if (!path) return std::nullopt;
+    return std::filesystem::path{*path};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,64 @@
+// The music players of the session as one player: the one that is chosen among them.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/players/ArtworkLoader.hpp"
+#include "host/players/MprisCommand.hpp"
+#include "host/players/MprisPlayback.hpp"
+#include "host/players/PlayerChoice.hpp"
+#include "host/players/PlayerSource.hpp"
+#include "platform/Log.hpp"
+#include "platform/MediaPlayers.hpp"
+#include "platform/SoundServer.hpp"
+
+namespace quorvane {
+
+// Main thread only. Nothing wakes the process while no player announces anything and no client
+// asks. The sound server is connected only while the chosen player needs it.
+class MprisPlayer : public PlayerSource {
+public:
+    struct Services {
+        MediaPlayers players;
+        SoundServer soundServer;
+        RegularFiles files;
+        Clock clock;
+        MainThread mainThread;
+        MakeSerialQueue makeSerialQueue;
+        LogSink log;
+    };
+
+    // With a name, only players of that name are followed.
+    MprisPlayer(Services services, std::optional<std::string> onlyNamed);
+
+    PlayerSnapshot snapshot() const override;
+    bool perform(QuorvaneAction action) override;
+    bool setVolume(std::int64_t percent) override;
+    bool setRating(std::int64_t) override { return false; }  // MPRIS cannot express it
+    void freshen() override;
+
+private:
+    const MediaPlayer* current() const;
+    void follow();
+    void followCurrent();
+    void choose(PlayerChoice choice);
+    void followSound(const MediaPlayer& player, bool looksAgain);
+    void heardSound(SoundLevels levels);
+    bool carryOut(const std::string& busName, const std::optional<MprisCommand>& command);
+
+    Services services_;
+    std::optional<std::string> onlyNamed_;
+    Logger log_;
+    PlayerChoice choice_;
+    std::optional<MprisPlayback> playback_;
+    SoundLevels sound_;  // empty while the server is not needed or not there
+    double volumeBeforeMute_ = 0.5;
+    std::optional<Instant> freshenedAt_;
+    ArtworkLoader artwork_;
+    Handle soundObservation_;
+    Handle observation_;  // last: its callback uses everything above
+};
+
+}  // namespace quorvane

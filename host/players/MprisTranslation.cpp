@@ -1,0 +1,227 @@
+#include "host/players/MprisTranslation.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "QuorvaneKit/json/UTF8.hpp"
+#include "host/players/FileURL.hpp"
+
+namespace quorvane {
+
+namespace {
+
+constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
+constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
+// No card shows more; a player must not be able to make states too large to be sent.
+constexpr std::size_t kLongestText = 4096;
+// Streams without an end are announced with no length or with an absurd one.
+constexpr double kLongestTrack = 7 * 24 * 3600;
+
+const PropertyDictionary& metadataOf(const MediaPlayer& player) {
+    static const PropertyDictionary none;
+    const auto* metadata = find<PropertyDictionary>(player.properties, "Metadata");
+    return metadata ? *metadata : none;
+}
+
+// "mpv.instance7" of "org.mpris.MediaPlayer2.mpv.instance7".
+std::string_view nameOnBus(const MediaPlayer& player) {
+    std::string_view name = player.busName;
+    if (name.starts_with(kNamePrefix)) name.remove_prefix(kNamePrefix.size());
+    return name;
+}
+
+// At most kLongestText bytes, cut between two characters.
+std::string withinReason(std::string text) {
+    if (text.size() <= kLongestText) return text;
+    std::size_t end = kLongestText;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    text.resize(end);
+    return text;
+}
+
+std::string textOf(const PropertyDictionary& dictionary, std::string_view key) {
+    const auto* text = find<std::string>(dictionary, key);
+    return text ? withinReason(*text) : "";
+}
+
+bool flagOf(const MediaPlayer& player, std::string_view key, bool fallback) {
+    const auto* flag = find<bool>(player.properties, key);
+    return flag ? *flag : fallback;
+}
+
+std::optional<double> numberOf(const PropertyDictionary& dictionary, std::string_view key) {
+    if (const auto* real = find<double>(dictionary, key))
+        return std::isfinite(*real) ? std::optional{*real} : std::nullopt;
+    if (const auto* whole = find<std::int64_t>(dictionary, key)) return static_cast<double>(*whole);
+    return std::nullopt;
+}
+
+// A list of names as one text. Some players give a text where a list is asked for.
+std::string joinedNames(const PropertyDictionary& metadata, std::string_view key) {
+    if (find<std::string>(metadata, key)) return textOf(metadata, key);
+    const auto* names = find<PropertyArray>(metadata, key);
+    if (!names) return "";
+    std::string joined;
+    for (const PropertyValue& value : *names) {
+        const auto* name = value.as<std::string>();
+        if (name && !name->empty()) joined += (joined.empty() ? "" : ", ") + *name;
+    }
+    return withinReason(std::move(joined));
+}
+
+std::optional<std::string> unlessEmpty(std::string text) {
+    return text.empty() ? std::nullopt : std::optional{std::move(text)};
+}
+
+std::string trackIdentifier(const PropertyDictionary& metadata) {
+    return textOf(metadata, "mpris:trackid");
+}
+
+bool isAddress(std::string_view text) { return text.find("://") != std::string_view::npos; }
+
+bool isOnNetwork(std::string_view url) { return isAddress(url) && !url.starts_with("file:"); }
+
+// Some players make a title of an untagged track's address, or of the part after its last slash.
+bool isMadeOfAddress(const std::string& title, const std::string& url) {
+    const auto endsIn = [end = '/' + title](const std::optional<std::string>& text) {
+        return text && text->ends_with(end);
+    };
+    return isAddress(title) || endsIn(url) || endsIn(percentDecoded(url));
+}
+
+// The host's name in a network URL, without a user, a password or a port.
+std::string hostNameOf(std::string_view url) {
+    if (!isOnNetwork(url)) return "";
+    url.remove_prefix(url.find("://") + 3);
+    url = url.substr(0, url.find_first_of("/?#"));
+    url.remove_prefix(url.rfind('@') + 1);  // npos + 1 is 0
+    const auto port = url.find(':', url.starts_with('[') ? url.find(']') : 0);
+    return std::string{url.substr(0, port)};
+}
+
+// The file's name without its extension.
+std::string fileTitleOf(const std::string& url) {
+    const auto file = localFile(url);
+    const std::string name = file ? file->stem().string() : "";
+    return isValidUTF8(name) ? name : "";  // a file's name may hold any bytes
+}
+
+// A network URL is never part of it: its path or its query may hold a secret.
+std::string titleOf(const MediaPlayer& player) {
+    const PropertyDictionary& metadata = metadataOf(player);
+    const std::string url = textOf(metadata, "xesam:url");
+    if (auto title = textOf(metadata, "xesam:title");
+        !title.empty() && !isMadeOfAddress(title, url))
+        return title;
+    if (auto title = fileTitleOf(url); !title.empty()) return title;
+    if (auto host = hostNameOf(url); !host.empty()) return host;
+    if (!player.identity.empty()) return withinReason(player.identity);
+    const std::string_view name = nameOnBus(player);
+    return std::string{name.substr(0, name.find('.'))};
+}
+
+std::optional<double> durationOf(const PropertyDictionary& metadata) {
+    const auto microseconds = numberOf(metadata, "mpris:length");
+    if (!microseconds) return std::nullopt;
+    const double seconds = *microseconds / 1e6;
+    return seconds > 0 && seconds <= kLongestTrack ? std::optional{seconds} : std::nullopt;
+}
+
+bool isSpotify(const MediaPlayer& player) {
+    return player.identity == "Spotify" || isNamed(player, "spotify");
+}
+
+// The streaming service marks what it plays between tracks in the identifier.
+bool isAdvertisement(const PropertyDictionary& metadata) {
+    const std::string identifier = trackIdentifier(metadata);
+    return identifier.starts_with("spotify:ad:") || identifier.starts_with("/com/spotify/ad/");
+}
+
+XPCPlayerState transportOf(const MediaPlayer& player) {
+    const std::string status = textOf(player.properties, "PlaybackStatus");
+    if (status == "Playing") return XPCPlayerState::playing;
+    if (status == "Paused") return XPCPlayerState::paused;
+    if (status == "Stopped") return XPCPlayerState::stopped;
+    return XPCPlayerState::unknown;
+}
+
+std::optional<XPCTrack> trackOf(const MediaPlayer& player) {
+    const PropertyDictionary& metadata = metadataOf(player);
+    if (trackIdentifier(metadata) == kNoTrack) return std::nullopt;
+    const XPCPlayerState transport = transportOf(player);
+    if (isNameless(player) && transport != XPCPlayerState::playing &&
+        transport != XPCPlayerState::paused)
+        return std::nullopt;
+    XPCTrack track;
+    track.title = titleOf(player);
+    track.artist = joinedNames(metadata, "xesam:artist");
+    track.album = unlessEmpty(textOf(metadata, "xesam:album"));
+    track.albumArtist = unlessEmpty(joinedNames(metadata, "xesam:albumArtist"));
+    track.duration = durationOf(metadata);
+    track.isAdvertisement = isSpotify(player) && isAdvertisement(metadata);
+    track.isLiveStream = !track.duration && isOnNetwork(textOf(metadata, "xesam:url"));
+    return track;
+}
+
+std::optional<XPCRepeatMode> repeatModeOf(const MediaPlayer& player) {
+    const std::string status = textOf(player.properties, "LoopStatus");
+    if (status == "None") return XPCRepeatMode::off;
+    if (status == "Track") return XPCRepeatMode::one;
+    if (status == "Playlist") return XPCRepeatMode::all;
+    return std::nullopt;
+}
+
+}  // namespace
+
+QuorvanePlayerState playerStateOf(const MediaPlayer& player) {
+    QuorvanePlayerState state;
+    state.track = trackOf(player);
+    state.playerState = transportOf(player);
+    if (isSpotify(player)) state.playerType = XPCPlayerType::spotify;
+    state.repeatMode = repeatModeOf(player);
+    state.capabilities.hasThreeStateRepeat = state.repeatMode.has_value();
+    state.shuffleEnabled = flagOf(player, "Shuffle", false);
+    return state;
+}
+
+std::string artworkURLOf(const MediaPlayer& player) {
+    return textOf(metadataOf(player), "mpris:artUrl");
+}
+
+std::string trackKeyOf(const MediaPlayer& player) {
+    const auto track = trackOf(player);
+    if (!track) return "";
+    // Some players give every track the same identifier, others change titles within a stream.
+    constexpr char separator = '\x1f';
+    const PropertyDictionary& metadata = metadataOf(player);
+    return trackIdentifier(metadata) + separator + textOf(metadata, "xesam:url") + separator +
+           track->title;
+}
+
+double rateOf(const MediaPlayer& player) {
+    const auto rate = numberOf(player.properties, "Rate");
+    return rate && *rate > 0 && *rate <= 100 ? *rate : 1;
+}
+
+std::optional<double> ownVolumeOf(const MediaPlayer& player) {
+    const auto volume = numberOf(player.properties, "Volume");
+    if (!volume) return std::nullopt;
+    return std::clamp(*volume, 0.0, 1.0);
+}
+
+bool allows(const MediaPlayer& player, std::string_view flag) { return flagOf(player, flag, true); }
+
+bool isNameless(const MediaPlayer& player) {
+    const PropertyDictionary& metadata = metadataOf(player);
+    return textOf(metadata, "xesam:title").empty() && textOf(metadata, "xesam:url").empty();
+}
+
+bool isNamed(const MediaPlayer& player, std::string_view name) {
+    const std::string_view rest = nameOnBus(player);
+    return rest.starts_with(name) && (rest.size() == name.size() || rest[name.size()] == '.');
+}
+
+bool isProxy(const MediaPlayer& player) { return isNamed(player, "playerctld"); }
+
+}  // namespace quorvane

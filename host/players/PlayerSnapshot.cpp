@@ -1,0 +1,52 @@
+#include "host/players/PlayerSnapshot.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorvane {
+
+namespace {
+
+// Less than this is not seen on the card, which shows whole seconds and a slow bar.
+constexpr double kNoticeableSeconds = 0.3;
+
+double inSeconds(Duration duration) { return std::chrono::duration<double>(duration).count(); }
+
+}  // namespace
+
+double PlaybackAnchor::secondsAt(Instant now) const {
+    const double elapsed = isPlaying ? std::max(0.0, inSeconds(now - at)) * rate : 0;
+    const double position = std::max(0.0, seconds + elapsed);
+    return duration ? std::min(position, *duration) : position;
+}
+
+PlaybackAnchor PlaybackAnchor::movedTo(Instant now) const {
+    PlaybackAnchor moved = *this;
+    moved.seconds = secondsAt(now);
+    moved.at = now;
+    return moved;
+}
+
+QuorvanePlayerState stateAt(const PlayerSnapshot& snapshot, Instant now, WallTime wallTime) {
+    QuorvanePlayerState state = snapshot.state;
+    const WallTime wholeSecond = std::chrono::floor<std::chrono::seconds>(wallTime);
+    state.timestamp = wholeSecond;
+    state.playerPosition = snapshot.anchor.secondsAt(now);
+    if (snapshot.anchor.isPlaying) state.playerPosition -= inSeconds(wallTime - wholeSecond);
+    return state;
+}
+
+bool isNews(const PlayerSnapshot& before, const PlayerSnapshot& after, Instant now) {
+    // The state at the same moment, with the position left to the comparison below.
+    const auto withoutPosition = [](const PlayerSnapshot& snapshot) {
+        return stateAt({snapshot.state, {}}, {}, {});
+    };
+    if (withoutPosition(before) != withoutPosition(after)) return true;
+    if (before.anchor.isPlaying != after.anchor.isPlaying ||
+        before.anchor.rate != after.anchor.rate)
+        return true;
+    const double difference = after.anchor.secondsAt(now) - before.anchor.secondsAt(now);
+    return std::abs(difference) >= kNoticeableSeconds;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,30 @@
+// Where the music comes from: the players of the session, or a script.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "QuorvaneKit/records/QuorvaneAction.hpp"
+#include "host/players/PlayerSnapshot.hpp"
+
+namespace quorvane {
+
+// Main thread only.
+class PlayerSource {
+public:
+    virtual ~PlayerSource() = default;
+
+    virtual PlayerSnapshot snapshot() const = 0;
+    // These return false when the player cannot do it; then nothing changes.
+    virtual bool perform(QuorvaneAction action) = 0;
+    virtual bool setVolume(std::int64_t percent) = 0;  // clamped to 0...100
+    virtual bool setRating(std::int64_t percent) = 0;  // clamped to 0...100
+    // A client asked for the state: what the player does not announce is brought up to date, soon
+    // after.
+    virtual void freshen() {}
+
+    // Called after the snapshot may have changed, never inside `snapshot`.
+    std::function<void()> onChanged;
+};
+
+}  // namespace quorvane

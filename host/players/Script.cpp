@@ -1,0 +1,166 @@
+#include "host/players/Script.hpp"
+
+#include <rapidjson/error/en.h>
+
+#include <algorithm>
+#include <map>
+
+#include "host/players/JSONFields.hpp"
+
+namespace quorvane {
+
+namespace {
+
+constexpr std::uint64_t kLargestScript = 4u << 20;
+constexpr std::uint64_t kLargestArtwork = 8u << 20;
+constexpr double kLongestTrack = 7 * 24 * 3600;
+
+// Deeply nested text must not use up the stack; text that is not UTF-8 must not reach the link.
+constexpr unsigned kParseFlags =
+    rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+
+// Artwork files, each read once however many tracks share it.
+class ArtworkShelf {
+public:
+    ArtworkShelf(std::filesystem::path folder, const RegularFiles& files)
+        : folder_(std::move(folder)), files_(files) {}
+
+    std::optional<SharedBytes> read(const std::string& name, std::string& reason) {
+        const auto path = folder_ / std::filesystem::path{name};
+        const auto known = known_.find(path);
+        if (known != known_.end()) return known->second;
+        auto file = files_.read(path, kLargestArtwork);
+        if (!file) {
+            reason = "cannot be read: " + file.error().description;
+            return std::nullopt;
+        }
+        return known_.emplace(path, SharedBytes{std::move(file->contents)}).first->second;
+    }
+
+private:
+    std::filesystem::path folder_;
+    const RegularFiles& files_;
+    std::map<std::filesystem::path, SharedBytes> known_;
+};
+
+ScriptedTrack readTrack(const rapidjson::Value& value, const std::string& place,
+                        ArtworkShelf& shelf, JSONComplaint& complaint) {
+    ScriptedTrack result;
+    if (!value.IsObject()) {
+        complaint.add(place, "must be an object");
+        return result;
+    }
+    JSONFields fields{value, place, complaint};
+    XPCTrack& track = result.track;
+    track.title = fields.requiredText("title").value_or("");
+    track.artist = fields.requiredText("artist").value_or("");
+    track.album = fields.text("album");
+    track.albumArtist = fields.text("albumArtist");
+    track.duration = fields.number("duration", 0.1, kLongestTrack);
+    track.isLoved = fields.flag("isLoved");
+    track.isAdvertisement = fields.flag("isAdvertisement").value_or(false);
+    track.isLiveStream = fields.flag("isLiveStream").value_or(false);
+    track.motionArtworkLoopID = fields.text("motionArtworkLoopID");
+    result.isDisliked = fields.flag("isDisliked");
+    result.rating = fields.integer("rating", 0, 100);
+    if (const auto name = fields.text("artwork")) {
+        std::string reason;
+        track.artworkData = shelf.read(*name, reason);
+        if (!track.artworkData) fields.complain("artwork", reason);
+    }
+    fields.refuseOthers();
+    if (!track.isLiveStream && !track.duration)
+        fields.complain("duration", "is missing, and the track is not a live stream");
+    return result;
+}
+
+XPCPlayerCapabilities readCapabilities(JSONFields& root, std::optional<XPCPlayerType> playerType,
+                                       JSONComplaint& complaint) {
+    const bool isAppleMusic = playerType == XPCPlayerType::appleMusic;
+    XPCPlayerCapabilities capabilities{.canLove = isAppleMusic,
+                                       .canDislike = isAppleMusic,
+                                       .canRate = isAppleMusic,
+                                       .canAddToLibrary = false,
+                                       .hasThreeStateRepeat = isAppleMusic};
+    const rapidjson::Value* value = root.object("capabilities");
+    if (!value) return capabilities;
+    JSONFields fields{*value, "capabilities", complaint};
+    const auto read = [&](const char* key, bool& field) {
+        field = fields.flag(key).value_or(field);
+    };
+    read("canLove", capabilities.canLove);
+    read("canDislike", capabilities.canDislike);
+    read("canRate", capabilities.canRate);
+    read("canAddToLibrary", capabilities.canAddToLibrary);
+    read("hasThreeStateRepeat", capabilities.hasThreeStateRepeat);
+    fields.refuseOthers();
+    return capabilities;
+}
+
+Script readRoot(const rapidjson::Value& value, ArtworkShelf& shelf, JSONComplaint& complaint) {
+    using Type = std::optional<XPCPlayerType>;
+    static constexpr std::pair<std::string_view, Type> kPlayers[] = {
+        {"appleMusic", XPCPlayerType::appleMusic},
+        {"spotify", XPCPlayerType::spotify},
+        {"other", Type{}}};
+    static constexpr std::pair<std::string_view, XPCRepeatMode> kRepeatModes[] = {
+        {"off", XPCRepeatMode::off}, {"one", XPCRepeatMode::one}, {"all", XPCRepeatMode::all}};
+
+    Script script;
+    JSONFields fields{value, "", complaint};
+    script.playerType = fields.choice("player", kPlayers).value_or(script.playerType);
+    script.capabilities = readCapabilities(fields, script.playerType, complaint);
+    script.volume = fields.integer("volume", 0, 100).value_or(script.volume);
+    script.repeatMode = fields.choice("repeat", kRepeatModes).value_or(script.repeatMode);
+    script.shuffleEnabled = fields.flag("shuffle").value_or(script.shuffleEnabled);
+    script.autoplay = fields.flag("autoplay").value_or(script.autoplay);
+    const auto startTrack = fields.integer("startTrack", 0, 1'000'000);
+    const auto startPosition = fields.number("startPosition", 0, kLongestTrack);
+    if (const rapidjson::Value* tracks = fields.array("tracks")) {
+        for (const auto& track : tracks->GetArray()) {
+            const std::string place = "tracks[" + std::to_string(script.tracks.size()) + "]";
+            script.tracks.push_back(readTrack(track, place, shelf, complaint));
+        }
+    }
+    fields.refuseOthers();
+    if (script.tracks.empty()) fields.complain("tracks", "must be a list of at least one track");
+    script.startTrack = static_cast<std::size_t>(startTrack.value_or(0));
+    script.startPosition = startPosition.value_or(0);
+    if (!script.tracks.empty() && script.startTrack >= script.tracks.size())
+        fields.complain("startTrack", "there are only " + std::to_string(script.tracks.size()) +
+                                          " tracks, counted from 0");
+    return script;
+}
+
+std::string parseError(const rapidjson::Document& document, std::string_view text) {
+    const std::size_t offset = std::min(document.GetErrorOffset(), text.size());
+    const auto line = 1 + std::ranges::count(text.substr(0, offset), '\n');
+    return "line " + std::to_string(line) +
+           ": not JSON: " + rapidjson::GetParseError_En(document.GetParseError());
+}
+
+}  // namespace
+
+std::expected<Script, std::string> readScript(const std::filesystem::path& file,
+                                              const RegularFiles& files) {
+    const auto fail = [&](const std::string& reason) {
+        return std::unexpected{file.string() + ": " + reason};
+    };
+    const auto contents = files.read(file, kLargestScript);
+    if (!contents) return std::unexpected{contents.error().description};
+    const std::string_view text = textOf(contents->contents);
+    if (text.contains('\0')) return fail("not JSON: it holds bytes that are no text");
+
+    rapidjson::Document document;
+    document.Parse<kParseFlags>(text.data(), text.size());
+    if (document.HasParseError()) return fail(parseError(document, text));
+    if (!document.IsObject()) return fail("must hold one object");
+
+    JSONComplaint complaint;
+    ArtworkShelf shelf{file.parent_path(), files};
+    Script script = readRoot(document, shelf, complaint);
+    if (!complaint.text.empty()) return fail(complaint.text);
+    return script;
+}
+
+}  // namespace quorvane

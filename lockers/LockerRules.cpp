@@ -1,0 +1,143 @@
+#include "lockers/LockerRules.hpp"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <string_view>
+
+namespace quorvane {
+namespace {
+
+constexpr Size kIndicator{190, 190};  // i3lock's circle: a radius of 90 and 5 around it
+
+struct KnownLocker {
+    std::string_view className;
+    std::string_view instance{};  // "" for any
+    Size prompt = kIndicator;
+    bool alsoBlanks = false;  // the same windows cover the screen when it is blank and not locked
+};
+
+constexpr std::array kKnownLockers = std::to_array<KnownLocker>({
+    {"i3lock"},
+    {"xsecurelock", "background"},
+    {"XScreenSaver", "", {800, 300}, true},
+    {"XLock"},
+    {"kscreenlocker_greet"},
+    {"Light-locker"},
+    {"Gnome-screensaver"},
+    {"Mate-screensaver"},
+    {"Cinnamon-screensaver"},
+    {"Xfce4-screensaver"},
+    {"Ukui-screensaver-dialog"},
+});
+constexpr KnownLocker kNamedLocker{""};
+
+// Pickers of areas, windows and programs that hold the keyboard over the whole screen for a moment.
+constexpr std::string_view kKnownOverlays[] = {"slop", "Rofi", "flameshot", "Xfce4-screenshooter"};
+
+bool isOneOf(const auto& list, const auto& value) {
+    return std::ranges::find(list, value) != std::ranges::end(list);
+}
+
+bool hasClassOf(const WindowFacts& window, const KnownLocker& locker, const LockFacts& facts) {
+    if (&locker == &kNamedLocker) return isOneOf(facts.names.lockers, window.className);
+    return window.className == locker.className;
+}
+
+// The locker that a client is, told from any of its windows, mapped or not.
+const KnownLocker* lockerOf(std::uint32_t client, const LockFacts& facts) {
+    const auto isOf = [&](const KnownLocker& locker) {
+        return std::ranges::any_of(facts.windows, [&](const WindowFacts& window) {
+            return window.client == client && hasClassOf(window, locker, facts);
+        });
+    };
+    for (const KnownLocker& locker : kKnownLockers)
+        if (isOf(locker)) return &locker;
+    return isOf(kNamedLocker) ? &kNamedLocker : nullptr;
+}
+
+bool isUpAs(const KnownLocker& locker, const WindowFacts& window, const LockFacts& facts) {
+    if (!hasClassOf(window, locker, facts)) return false;
+    if (!locker.instance.empty() && window.instance != locker.instance) return false;
+    // Its windows may outlive the process that guards them; the keyboard tells.
+    return !locker.alsoBlanks ||
+           (facts.screenSaverIsLocked && facts.keyboard != KeyboardHold::isFree);
+}
+
+// The wallpapers and overlays that cover everything stand below ordinary windows, a lock screen
+// never does.
+bool isBelowDesktop(const WindowFacts& window, const std::vector<WindowFacts>& windows) {
+    for (const WindowFacts& above : windows) {
+        if (above.window == window.window) return false;
+        const bool isOrdinary = above.isOfDesktop || !above.isOverrideRedirect;
+        if (above.isMapped && isOrdinary && above.frame.intersects(window.frame)) return true;
+    }
+    return false;
+}
+
+bool coversEveryMonitor(std::uint32_t client, const LockFacts& facts) {
+    return std::ranges::all_of(facts.monitors, [&](const Rect& monitor) {
+        return std::ranges::any_of(facts.windows, [&](const WindowFacts& window) {
+            return window.client == client && window.isMapped && window.isOverrideRedirect &&
+                   covers(window.frame, monitor);
+        });
+    });
+}
+
+// Viewers of other machines, virtual machines and games have a window of the usual kind as well,
+// now or before they went full-screen.
+bool isOfApplication(const WindowFacts& window, const LockFacts& facts) {
+    return window.isOfManaged || std::ranges::any_of(facts.windows, [&](const WindowFacts& other) {
+               return other.client == window.client && !other.isOverrideRedirect && other.wasShown;
+           });
+}
+
+bool isUpUnknown(const WindowFacts& window, const LockFacts& facts) {
+    if (facts.keyboard != KeyboardHold::isHeld) return false;
+    if (window.isOfDesktop || isOneOf(kKnownOverlays, window.className)) return false;
+    if (isOneOf(facts.standing, window.window)) return true;
+    return facts.pointerIsHeld && !isOfApplication(window, facts) &&
+           coversEveryMonitor(window.client, facts) && !isBelowDesktop(window, facts.windows);
+}
+
+std::vector<std::string> splitAtCommas(std::string_view list) {
+    std::vector<std::string> names;
+    while (!list.empty()) {
+        const auto end = std::min(list.find(','), list.size());
+        if (end > 0) names.emplace_back(list.substr(0, end));
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return names;
+}
+
+}  // namespace
+
+LockerNames LockerNames::parse(const char* lockers, const char* overlays) {
+    return {splitAtCommas(lockers ? lockers : ""), splitAtCommas(overlays ? overlays : "")};
+}
+
+std::vector<FoundLocker> findLockers(const LockFacts& facts) {
+    std::vector<FoundLocker> found;
+    for (const WindowFacts& window : facts.windows) {
+        const bool stood = isOneOf(facts.standing, window.window) && window.isMapped;
+        if (!window.isDrawable || !(stood || isCandidate(window, facts.monitors))) continue;
+        if (isOneOf(facts.names.overlays, window.className)) continue;
+        const KnownLocker* known = lockerOf(window.client, facts);
+        if (known ? isUpAs(*known, window, facts) : isUpUnknown(window, facts))
+            found.push_back({window.window, window.frame, known ? known->prompt : kIndicator});
+    }
+    return found;
+}
+
+bool isCandidate(const WindowFacts& window, const std::vector<Rect>& monitors) {
+    return window.isMapped && window.isOverrideRedirect &&
+           std::ranges::any_of(monitors,
+                               [&](const Rect& monitor) { return covers(window.frame, monitor); });
+}
+
+bool covers(const Rect& frame, const Rect& area) {
+    return frame.minX() <= area.minX() && frame.minY() <= area.minY() &&
+           frame.maxX() >= area.maxX() && frame.maxY() >= area.maxY();
+}
+
+}  // namespace quorvane

@@ -1,0 +1,49 @@
+// Makes cards known to assistive technology, over the accessibility bus.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/Log.hpp"
+#include "platform/PropertyValue.hpp"
+#include "platform/linux/accessibility/AccessibleCard.hpp"
+#include "platform/linux/accessibility/AtspiConnection.hpp"
+#include "platform/linux/bus/SessionBus.hpp"
+
+namespace quorvane {
+
+// Main thread only. While no card is to be seen it does nothing at all. While one is, it asks the
+// session whether assistive technology is in use, hears when that changes, and connects to the
+// accessibility bus only then.
+class AccessibilityLinux final : public AccessibleCards {
+public:
+    AccessibilityLinux(EventLoop& loop, SessionBus& sessionBus, Logger log);
+
+    void appeared(AccessibleCard& card) override;
+    void changed(AccessibleCard& card) override;
+    void disappeared(AccessibleCard& card) override;
+
+    bool isConnected() const { return connection_ != nullptr; }
+
+private:
+    void watch();
+    void askWhetherInUse();
+    void askForBus();
+    void connect(const std::string& address);
+    void disconnect();
+
+    EventLoop& loop_;
+    SessionBus& sessionBus_;
+    Logger log_;
+    std::vector<AccessibleCard*> cards_;
+    std::vector<Handle> matches_;
+    Handle question_;
+    std::unique_ptr<AtspiConnection> connection_;
+    Timer goodbye_;
+};
+
+// From the properties of the session's accessibility status.
+bool isAssistiveTechnologyInUse(const PropertyDictionary& status);
+
+}  // namespace quorvane

@@ -1,0 +1,84 @@
+// What assistive technology can do with a control. A press is a click.
+#include <span>
+
+#include "drawing/AccessibleScene.hpp"
+#include "platform/linux/accessibility/AtspiObject.hpp"
+
+namespace quorvane {
+namespace {
+
+std::span<const AccessibilityAction> actionsOf(const AtspiNode& node) {
+    if (!node.control) return {};
+    return accessibilityActions(node.control->role);
+}
+
+// The names are the interface's own and not for people.
+const char* nameOf(AccessibilityAction action) {
+    switch (action) {
+        case AccessibilityAction::press: return "click";
+        case AccessibilityAction::increment: return "increment";
+        case AccessibilityAction::decrement: return "decrement";
+    }
+    return "";
+}
+
+std::optional<AccessibilityAction> readAction(sd_bus_message* call, const AtspiNode& node) {
+    std::int32_t index = -1;
+    const auto actions = actionsOf(node);
+    if (sd_bus_message_read(call, "i", &index) < 0 || index < 0 ||
+        static_cast<std::size_t>(index) >= actions.size())
+        return std::nullopt;
+    return actions[static_cast<std::size_t>(index)];
+}
+
+int perform(sd_bus_message* call, void* data, sd_bus_error*) {
+    const AtspiNode node = atspiNode(data, call);
+    const auto action = readAction(call, node);
+    if (action) node.card->perform(node.control->id, *action);
+    return sd_bus_reply_method_return(call, "b", action.has_value());
+}
+
+int name(sd_bus_message* call, void* data, sd_bus_error*) {
+    const auto action = readAction(call, atspiNode(data, call));
+    return sd_bus_reply_method_return(call, "s", action ? nameOf(*action) : "");
+}
+
+int nothing(sd_bus_message* call, void*, sd_bus_error*) {
+    return sd_bus_reply_method_return(call, "s", "");
+}
+
+int all(sd_bus_message* call, void* data, sd_bus_error*) {
+    sd_bus_message* reply = nullptr;
+    int result = sd_bus_message_new_method_return(call, &reply);
+    if (result >= 0) result = sd_bus_message_open_container(reply, 'a', "(sss)");
+    for (const AccessibilityAction action : actionsOf(atspiNode(data, call)))
+        if (result >= 0) result = sd_bus_message_append(reply, "(sss)", nameOf(action), "", "");
+    if (result >= 0) result = sd_bus_message_close_container(reply);
+    if (result >= 0) result = sd_bus_send(nullptr, reply, nullptr);
+    sd_bus_message_unref(reply);
+    return result;
+}
+
+int count(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply, void* data,
+          sd_bus_error*) {
+    const auto actions = actionsOf(atspiNode(data, path));
+    return sd_bus_message_append(reply, "i", static_cast<std::int32_t>(actions.size()));
+}
+
+constexpr sd_bus_vtable kMembers[] = {SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+                                      SD_BUS_PROPERTY("NActions", "i", count, 0, 0),
+                                      SD_BUS_METHOD("GetName", "i", "s", name, 0),
+                                      SD_BUS_METHOD("GetLocalizedName", "i", "s", name, 0),
+                                      SD_BUS_METHOD("GetDescription", "i", "s", nothing, 0),
+                                      SD_BUS_METHOD("GetKeyBinding", "i", "s", nothing, 0),
+                                      SD_BUS_METHOD("GetActions", "", "a(sss)", all, 0),
+                                      SD_BUS_METHOD("DoAction", "i", "b", perform, 0),
+                                      SD_BUS_VTABLE_END};
+
+}  // namespace
+
+constinit const AtspiInterface kAtspiAction{
+    "org.a11y.atspi.Action", [](const AtspiNode& node) { return !actionsOf(node).empty(); },
+    kMembers};
+
+}  // namespace quorvane

@@ -1,0 +1,198 @@
+#include "platform/linux/bus/BusValues.hpp"
+
+#include <cerrno>
+#include <string_view>
+#include <utility>
+
+namespace quorvane {
+namespace {
+
+constexpr char kDateContents[] = "x";
+constexpr char kVariant[] = "v";
+constexpr char kEntry[] = "sv";
+
+bool isText(char type) {
+    return type == SD_BUS_TYPE_STRING || type == SD_BUS_TYPE_OBJECT_PATH ||
+           type == SD_BUS_TYPE_SIGNATURE;
+}
+
+// Reads T from the message and keeps it as Kept.
+template <typename T, typename Kept>
+int readBasic(sd_bus_message* message, char type, std::optional<PropertyValue>& value) {
+    T read{};
+    const int result = sd_bus_message_read_basic(message, type, &read);
+    if (result > 0) value = PropertyValue{static_cast<Kept>(read)};
+    return result;
+}
+
+int readText(sd_bus_message* message, char type, std::string& text) {
+    const char* read = nullptr;
+    const int result = sd_bus_message_read_basic(message, type, &read);
+    if (result > 0) text = read;
+    return result;
+}
+
+int readNumber(sd_bus_message* message, char type, std::optional<PropertyValue>& value) {
+    switch (type) {
+        case SD_BUS_TYPE_BOOLEAN: return readBasic<int, bool>(message, type, value);
+        case SD_BUS_TYPE_BYTE: return readBasic<std::uint8_t, std::int64_t>(message, type, value);
+        case SD_BUS_TYPE_INT16: return readBasic<std::int16_t, std::int64_t>(message, type, value);
+        case SD_BUS_TYPE_UINT16:
+            return readBasic<std::uint16_t, std::int64_t>(message, type, value);
+        case SD_BUS_TYPE_INT32: return readBasic<std::int32_t, std::int64_t>(message, type, value);
+        case SD_BUS_TYPE_UINT32:
+            return readBasic<std::uint32_t, std::int64_t>(message, type, value);
+        case SD_BUS_TYPE_INT64: return readBasic<std::int64_t, std::int64_t>(message, type, value);
+        case SD_BUS_TYPE_UINT64: {
+            const int result = readBasic<std::uint64_t, std::int64_t>(message, type, value);
+            // Beyond what the property types hold.
+            if (result > 0 && *value->as<std::int64_t>() < 0) value.reset();
+            return result;
+        }
+        case SD_BUS_TYPE_DOUBLE: return readBasic<double, double>(message, type, value);
+        default: return sd_bus_message_skip(message, nullptr);
+    }
+}
+
+int readBytes(sd_bus_message* message, std::optional<PropertyValue>& value) {
+    const void* data = nullptr;
+    std::size_t size = 0;
+    const int result = sd_bus_message_read_array(message, SD_BUS_TYPE_BYTE, &data, &size);
+    if (result < 0) return result;
+    value = PropertyValue{copyOf({static_cast<const std::byte*>(data), size})};
+    return result;
+}
+
+int readArray(sd_bus_message* message, const char* contents, std::optional<PropertyValue>& value) {
+    int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, contents);
+    PropertyArray array;
+    while (result >= 0 && (result = sd_bus_message_at_end(message, 0)) == 0) {
+        std::optional<PropertyValue> element;
+        result = readBusValue(message, element);
+        if (element) array.push_back(*std::move(element));
+    }
+    if (result < 0) return result;
+    value = PropertyValue{std::move(array)};
+    return sd_bus_message_exit_container(message);
+}
+
+int readVariant(sd_bus_message* message, const char* contents,
+                std::optional<PropertyValue>& value) {
+    int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, contents);
+    if (result >= 0) result = readBusValue(message, value);
+    return result < 0 ? result : sd_bus_message_exit_container(message);
+}
+
+int readDate(sd_bus_message* message, std::optional<PropertyValue>& value) {
+    std::int64_t nanoseconds = 0;
+    const int result = sd_bus_message_read(message, "(x)", &nanoseconds);
+    if (result > 0) value = PropertyValue{WallTime{Duration{nanoseconds}}};
+    return result;
+}
+
+int appendText(sd_bus_message* message, const std::string& text) {
+    if (text.find('\0') != std::string::npos) return -EINVAL;
+    return sd_bus_message_append_basic(message, SD_BUS_TYPE_STRING, text.c_str());
+}
+
+// Appends the value itself, inside a variant that is open already.
+struct AppendValue {
+    sd_bus_message* message;
+
+    int operator()(bool flag) const { return sd_bus_message_append(message, "b", int{flag}); }
+    int operator()(std::int64_t number) const {
+        return sd_bus_message_append_basic(message, SD_BUS_TYPE_INT64, &number);
+    }
+    int operator()(double number) const {
+        return sd_bus_message_append_basic(message, SD_BUS_TYPE_DOUBLE, &number);
+    }
+    int operator()(const std::string& text) const { return appendText(message, text); }
+    int operator()(WallTime date) const {
+        return sd_bus_message_append(message, "(x)", std::int64_t{date.time_since_epoch().count()});
+    }
+    int operator()(const Bytes& bytes) const {
+        return sd_bus_message_append_array(message, SD_BUS_TYPE_BYTE, bytes.data(), bytes.size());
+    }
+    int operator()(const PropertyArray& array) const {
+        int result = sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, kVariant);
+        for (const PropertyValue& element : array) {
+            if (result < 0) return result;
+            result = appendBusVariant(message, element);
+        }
+        return result < 0 ? result : sd_bus_message_close_container(message);
+    }
+    int operator()(const PropertyDictionary& dictionary) const {
+        return appendBusDictionary(message, dictionary);
+    }
+};
+
+constexpr const char* kVariantContents[] = {"b", "x", "d", "s", "(x)", "ay", "av", "a{sv}"};
+static_assert(std::size(kVariantContents) == std::variant_size_v<PropertyValue::Storage>);
+
+}  // namespace
+
+int readBusValue(sd_bus_message* message, std::optional<PropertyValue>& value) {
+    char type = 0;
+    const char* contents = nullptr;
+    const int result = sd_bus_message_peek_type(message, &type, &contents);
+    if (result <= 0) return result < 0 ? result : -ENXIO;
+    if (isText(type)) {
+        std::string text;
+        const int read = readText(message, type, text);
+        if (read > 0) value = PropertyValue{std::move(text)};
+        return read;
+    }
+    const std::string_view inner = contents ? contents : "";
+    if (type == SD_BUS_TYPE_VARIANT) return readVariant(message, contents, value);
+    if (type == SD_BUS_TYPE_STRUCT && inner == kDateContents) return readDate(message, value);
+    if (type != SD_BUS_TYPE_ARRAY) return readNumber(message, type, value);
+    if (inner == "y") return readBytes(message, value);
+    if (!inner.starts_with('{')) return readArray(message, contents, value);
+    if (!isText(inner[1])) return sd_bus_message_skip(message, nullptr);
+    PropertyDictionary dictionary;
+    const int read = readBusDictionary(message, dictionary);
+    if (read >= 0) value = PropertyValue{std::move(dictionary)};
+    return read;
+}
+
+int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary) {
+    int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, nullptr);
+    while (result >= 0 && (result = sd_bus_message_at_end(message, 0)) == 0) {
+        const char* contents = nullptr;
+        char keyType = 0;
+        std::string key;
+        std::optional<PropertyValue> value;
+        result = sd_bus_message_peek_type(message, nullptr, &contents);
+        if (result > 0) {
+            if (!contents || !isText(contents[0])) return -EBADMSG;
+            keyType = contents[0];
+            result = sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, contents);
+        }
+        if (result >= 0) result = readText(message, keyType, key);
+        if (result >= 0) result = readBusValue(message, value);
+        if (result >= 0) result = sd_bus_message_exit_container(message);
+        if (result >= 0 && value) dictionary.insert_or_assign(std::move(key), *std::move(value));
+    }
+    return result < 0 ? result : sd_bus_message_exit_container(message);
+}
+
+int appendBusVariant(sd_bus_message* message, const PropertyValue& value) {
+    int result = sd_bus_message_open_container(message, SD_BUS_TYPE_VARIANT,
+                                               kVariantContents[value.value.index()]);
+    if (result >= 0) result = std::visit(AppendValue{message}, value.value);
+    return result < 0 ? result : sd_bus_message_close_container(message);
+}
+
+int appendBusDictionary(sd_bus_message* message, const PropertyDictionary& dictionary) {
+    int result = sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, "{sv}");
+    for (const auto& [key, value] : dictionary) {
+        if (result >= 0)
+            result = sd_bus_message_open_container(message, SD_BUS_TYPE_DICT_ENTRY, kEntry);
+        if (result >= 0) result = appendText(message, key);
+        if (result >= 0) result = appendBusVariant(message, value);
+        if (result >= 0) result = sd_bus_message_close_container(message);
+    }
+    return result < 0 ? result : sd_bus_message_close_container(message);
+}
+
+}  // namespace quorvane

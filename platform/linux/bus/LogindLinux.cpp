@@ -1,0 +1,98 @@
+#include "platform/linux/bus/LogindLinux.hpp"
+
+#include <systemd/sd-login.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <utility>
+
+#include "platform/linux/bus/BusQuestion.hpp"
+#include "platform/linux/bus/BusValues.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr char kService[] = "org.freedesktop.login1";
+constexpr char kPath[] = "/org/freedesktop/login1";
+constexpr char kManager[] = "org.freedesktop.login1.Manager";
+constexpr char kSession[] = "org.freedesktop.login1.Session";
+constexpr char kSessions[] = "/org/freedesktop/login1/session";
+constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
+constexpr char kLockedHint[] = "LockedHint";
+constexpr auto kAnswerDeadline = std::chrono::seconds{5};
+
+std::string taken(char* text) {
+    const std::string copy = text ? text : "";
+    std::free(text);
+    return copy;
+}
+
+// The session that this process was started in. A service of the user is in none and belongs to the
+// session on the user's screen.
+std::string sessionName() {
+    if (const char* name = std::getenv("XDG_SESSION_ID"); name && *name) return name;
+    char* name = nullptr;
+    if (sd_pid_get_session(0, &name) >= 0 || sd_uid_get_display(getuid(), &name) >= 0)
+        return taken(name);
+    return {};
+}
+
+std::string sessionPath() {
+    const std::string name = sessionName();
+    char* path = nullptr;
+    if (name.empty() || sd_bus_path_encode(kSessions, name.c_str(), &path) < 0) return {};
+    return taken(path);
+}
+
+}  // namespace
+
+LogindLinux::LogindLinux(BusConnection& bus, Events events)
+    : bus_(bus), events_(std::move(events)), sessionPath_(sessionPath()) {
+    const std::string fromService = std::string{"type='signal',sender='"} + kService + "',path='";
+    observe(fromService + kPath + "',interface='" + kManager + "',member='PrepareForSleep'",
+            &LogindLinux::onPrepareForSleep);
+    if (sessionPath_.empty()) return;
+    observe(fromService + sessionPath_ + "',interface='" + kProperties +
+                "',member='PropertiesChanged',arg0='" + kSession + "'",
+            &LogindLinux::onPropertiesChanged);
+    observe(std::string{"type='signal',sender='org.freedesktop.DBus',"
+                        "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='"} +
+                kService + "'",
+            &LogindLinux::onOwnerChanged);
+    observations_.push_back(bus_.observeLoss([this] { setLocked(false); }));
+    observations_.push_back(bus_.observeReconnection([this] { askForHint(); }));
+    askForHint();
+}
+
+void LogindLinux::observe(const std::string& rule, void (LogindLinux::*handler)(sd_bus_message*)) {
+    observations_.push_back(
+        bus_.match(rule, [this, handler](sd_bus_message* message) { (this->*handler)(message); }));
+}
+
+void LogindLinux::askForHint() {
+    sd_bus* const bus = bus_.connection();
+    const auto call = newBusQuestion(bus, kService, sessionPath_, kProperties, "Get");
+    if (call) sd_bus_message_append(call.get(), "ss", kSession, kLockedHint);
+    question_ = askBus(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+        int isLocked = 0;
+        setLocked(reply && sd_bus_message_read(reply, "v", "b", &isLocked) >= 0 && isLocked != 0);
+    });
+}
+
+void LogindLinux::onPropertiesChanged(sd_bus_message* message) {
+    PropertyDictionary changed;
+    if (sd_bus_message_skip(message, "s") < 0 || readBusDictionary(message, changed) < 0) return;
+    if (const bool* isLocked = find<bool>(changed, kLockedHint)) setLocked(*isLocked);
+}
+
+void LogindLinux::onPrepareForSleep(sd_bus_message* message) {
+    int isGoingToSleep = 0;
+    if (sd_bus_message_read(message, "b", &isGoingToSleep) >= 0 && isGoingToSleep == 0)
+        events_.woke();
+}
+
+void LogindLinux::setLocked(bool isLocked) {
+    if (std::exchange(isLocked_, isLocked) != isLocked) events_.lockedHintChanged();
+}
+
+}  // namespace quorvane

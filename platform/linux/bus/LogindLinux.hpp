@@ -1,0 +1,44 @@
+// What the login manager knows of this session: whether it calls itself locked, and wakes of the
+// machine.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/Handle.hpp"
+#include "platform/linux/bus/BusConnection.hpp"
+
+namespace quorvane {
+
+// Main thread only. The session counts as locked while the login manager says so: no longer when
+// the bus or the login manager goes away, and again when it is back and still says so. Without a
+// login manager, or outside its sessions, nothing is reported.
+class LogindLinux {
+public:
+    struct Events {
+        std::function<void()> lockedHintChanged;
+        std::function<void()> woke;
+    };
+
+    LogindLinux(BusConnection& bus, Events events);
+
+    bool isLocked() const { return isLocked_; }
+
+private:
+    void observe(const std::string& rule, void (LogindLinux::*handler)(sd_bus_message*));
+    void askForHint();
+    void onOwnerChanged(sd_bus_message*) { askForHint(); }
+    void onPropertiesChanged(sd_bus_message* message);
+    void onPrepareForSleep(sd_bus_message* message);
+    void setLocked(bool isLocked);
+
+    BusConnection& bus_;
+    const Events events_;
+    const std::string sessionPath_;  // "" outside the sessions of the login manager
+    bool isLocked_ = false;
+    std::vector<Handle> observations_;
+    Handle question_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,213 @@
+#include "platform/linux/bus/MprisPlayers.hpp"
+
+#include <utility>
+
+#include "platform/linux/bus/BusValues.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr char kRoot[] = "org.mpris.MediaPlayer2";
+constexpr char kPlayer[] = "org.mpris.MediaPlayer2.Player";
+constexpr char kPath[] = "/org/mpris/MediaPlayer2";
+constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
+constexpr char kBus[] = "org.freedesktop.DBus";
+constexpr char kBusPath[] = "/org/freedesktop/DBus";
+constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
+// A player that takes longer is one that hangs.
+constexpr Duration kPatience = std::chrono::seconds{5};
+
+}  // namespace
+
+void MprisPlayers::start() {
+    const auto listen = [this](const std::string& rule,
+                               void (MprisPlayers::*handler)(sd_bus_message*)) {
+        observations_.push_back(bus_.match(
+            rule, [this, handler](sd_bus_message* message) { (this->*handler)(message); }));
+    };
+    const std::string fromBus =
+        std::string{"type='signal',sender='"} + kBus + "',interface='" + kBus;
+    const std::string fromPlayers = std::string{"type='signal',path='"} + kPath + "',interface='";
+    listen(fromBus + "',member='NameOwnerChanged',arg0namespace='" + kRoot + "'",
+           &MprisPlayers::onNameOwner);
+    listen(fromPlayers + kProperties + "',member='PropertiesChanged',arg0='" + kPlayer + "'",
+           &MprisPlayers::onPropertiesChanged);
+    listen(fromPlayers + kPlayer + "',member='Seeked'", &MprisPlayers::onSeeked);
+    observations_.push_back(bus_.observeReconnection([this] {
+        entries_.clear();
+        changed();
+        findPlayers();
+    }));
+    findPlayers();
+}
+
+void MprisPlayers::findPlayers() {
+    lookups_.clear();
+    sd_bus* bus = bus_.connection();
+    const BusQuestion question = newBusQuestion(bus, kBus, kBusPath, kBus, "ListNames");
+    lookups_.push_back(askBus(bus, question, kPatience, [this](sd_bus_message* reply) {
+        if (!reply || sd_bus_message_enter_container(reply, 'a', "s") < 0) return;
+        const char* name = nullptr;
+        while (sd_bus_message_read_basic(reply, 's', &name) > 0)
+            if (std::string_view{name}.starts_with(kNamePrefix)) findOwner(name);
+    }));
+}
+
+// The bus answers this, not the player: one that hangs now is known by what it says later.
+void MprisPlayers::findOwner(const std::string& name) {
+    sd_bus* bus = bus_.connection();
+    const BusQuestion question = newBusQuestion(bus, kBus, kBusPath, kBus, "GetNameOwner");
+    if (question) sd_bus_message_append(question.get(), "s", name.c_str());
+    lookups_.push_back(askBus(bus, question, kPatience, [this, name](sd_bus_message* reply) {
+        const char* owner = nullptr;
+        if (!reply || sd_bus_message_read(reply, "s", &owner) < 0) return;
+        if (!entries_.contains(name)) add(name, owner);
+    }));
+}
+
+void MprisPlayers::add(const std::string& name, const std::string& owner) {
+    Entry& entry = entries_[name];
+    entry.owner = owner;
+    entry.player.busName = name;
+    sd_bus* bus = bus_.connection();
+    const BusQuestion question =
+        newBusQuestion(bus, kBus, kBusPath, kBus, "GetConnectionUnixProcessID");
+    if (question) sd_bus_message_append(question.get(), "s", owner.c_str());
+    entry.processID = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
+        std::uint32_t processID = 0;
+        if (!reply || sd_bus_message_read(reply, "u", &processID) < 0) return;
+        entry.player.processID = processID;
+        if (entry.isDescribed) changed();
+    });
+    describe(entry);
+}
+
+void MprisPlayers::askIdentity(Entry& entry) {
+    sd_bus* bus = bus_.connection();
+    const BusQuestion question =
+        newBusQuestion(bus, entry.player.busName, kPath, kProperties, "Get");
+    if (question) sd_bus_message_append(question.get(), "ss", kRoot, "Identity");
+    entry.identity = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
+        const char* text = nullptr;
+        if (!reply || sd_bus_message_read(reply, "v", "s", &text) < 0) return;
+        entry.player.identity = text;
+        if (entry.isDescribed) changed();
+    });
+}
+
+void MprisPlayers::describe(Entry& entry) {
+    if (entry.description) return;
+    if (!entry.isDescribed) askIdentity(entry);
+    sd_bus* bus = bus_.connection();
+    const BusQuestion question =
+        newBusQuestion(bus, entry.player.busName, kPath, kProperties, "GetAll");
+    if (question) sd_bus_message_append(question.get(), "s", kPlayer);
+    entry.description = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
+        entry.description.reset();
+        if (reply) onDescription(entry, reply);
+    });
+}
+
+void MprisPlayers::onDescription(Entry& entry, sd_bus_message* reply) {
+    PropertyDictionary properties;
+    if (readBusDictionary(reply, properties) < 0) return;
+    if (const auto* position = find<std::int64_t>(properties, "Position"))
+        takePosition(entry, *position);
+    properties.erase("Position");
+    entry.player.properties = std::move(properties);
+    entry.isDescribed = true;
+    changed();
+}
+
+void MprisPlayers::onNameOwner(sd_bus_message* message) {
+    const char *name = nullptr, *before = nullptr, *owner = nullptr;
+    if (sd_bus_message_read(message, "sss", &name, &before, &owner) < 0) return;
+    if (!std::string_view{name}.starts_with(kNamePrefix)) return;
+    if (entries_.erase(name) > 0) changed();
+    if (*owner) add(name, owner);
+}
+
+template <typename Action>
+void MprisPlayers::forSender(sd_bus_message* message, Action action) {
+    const char* sender = sd_bus_message_get_sender(message);
+    if (!sender) return;
+    for (auto& [name, entry] : entries_)
+        if (entry.owner == sender) action(entry);
+}
+
+void MprisPlayers::onPropertiesChanged(sd_bus_message* message) {
+    const char* interface = nullptr;
+    PropertyDictionary changes;
+    if (sd_bus_message_read(message, "s", &interface) < 0 ||
+        readBusDictionary(message, changes) < 0)
+        return;
+    changes.erase("Position");
+    const bool isIncomplete = sd_bus_message_enter_container(message, 'a', "s") > 0 &&
+                              sd_bus_message_at_end(message, 0) == 0;
+    forSender(message, [&](Entry& entry) {
+        for (const auto& [key, value] : changes)
+            entry.player.properties.insert_or_assign(key, value);
+        // Some values are said to have changed without being told, or the player did not answer
+        // when it was asked first.
+        if (isIncomplete || !entry.isDescribed) describe(entry);
+        if (entry.isDescribed) changed();
+    });
+}
+
+void MprisPlayers::onSeeked(sd_bus_message* message) {
+    std::int64_t position = 0;
+    if (sd_bus_message_read(message, "x", &position) < 0) return;
+    forSender(message, [&](Entry& entry) { takePosition(entry, position); });
+}
+
+void MprisPlayers::refresh(const std::string& name) {
+    const auto found = entries_.find(name);
+    if (found != entries_.end()) describe(found->second);
+}
+
+void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {
+    entry.player.position = microseconds;
+    entry.player.positionAt = clock_.now();
+    changed();
+}
+
+void MprisPlayers::call(const std::string& name, const std::string& method) {
+    tell(newBusQuestion(bus_.connection(), name, kPath, kPlayer, method));
+}
+
+void MprisPlayers::raise(const std::string& name) {
+    tell(newBusQuestion(bus_.connection(), name, kPath, kRoot, "Raise"));
+}
+
+void MprisPlayers::set(const std::string& name, const std::string& property,
+                       const PropertyValue& value) {
+    const BusQuestion message = newBusQuestion(bus_.connection(), name, kPath, kProperties, "Set");
+    if (message && sd_bus_message_append(message.get(), "ss", kPlayer, property.c_str()) >= 0 &&
+        appendBusVariant(message.get(), value) >= 0)
+        tell(message);
+}
+
+// What comes of it is seen in the player's properties.
+void MprisPlayers::tell(const BusQuestion& call) {
+    if (!call) return;
+    sd_bus_message_set_expect_reply(call.get(), 0);
+    sd_bus_send(nullptr, call.get(), nullptr);
+}
+
+// Listeners hear once of what one turn of the main loop has brought, however much that was.
+void MprisPlayers::changed() {
+    if (std::exchange(isPublishing_, true)) return;
+    mainThread_.post([weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->publish();
+    });
+}
+
+void MprisPlayers::publish() {
+    isPublishing_ = false;
+    list_.clear();
+    for (const auto& [name, entry] : entries_)
+        if (entry.isDescribed) list_.push_back(entry.player);
+    revision_.set(revision_.get() + 1);
+}
+
+}  // namespace quorvane

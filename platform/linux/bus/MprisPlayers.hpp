@@ -1,0 +1,78 @@
+// The players of the session bus that speak MPRIS, and what they said last.
+#pragma once
+
+#include <systemd/sd-bus.h>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/MainThread.hpp"
+#include "platform/MediaPlayers.hpp"
+#include "platform/Observable.hpp"
+#include "platform/linux/bus/BusQuestion.hpp"
+#include "platform/linux/bus/SessionBus.hpp"
+
+namespace quorvane {
+
+// Main thread only. Implements the table of the same operations.
+class MprisPlayers : public std::enable_shared_from_this<MprisPlayers> {
+public:
+    MprisPlayers(SessionBus& bus, Clock clock, MainThread mainThread)
+        : bus_(bus), clock_(std::move(clock)), mainThread_(std::move(mainThread)) {}
+
+    // Begins to listen and to look around.
+    void start();
+    const std::vector<MediaPlayer>& list() const { return list_; }
+    Handle observe(std::function<void()> handler) {
+        return revision_.subscribe(std::move(handler));
+    }
+    void refresh(const std::string& name);
+    void call(const std::string& name, const std::string& method);
+    void raise(const std::string& name);
+    void set(const std::string& name, const std::string& property, const PropertyValue& value);
+
+private:
+    // One name on the bus and the player behind it. The handles are its pending questions, which
+    // end with the entry.
+    struct Entry {
+        std::string owner;  // the connection's own name, from which its signals come
+        bool isDescribed = false;
+        MediaPlayer player;
+        Handle processID;
+        Handle identity;
+        Handle description;
+    };
+
+    void findPlayers();
+    void findOwner(const std::string& name);
+    void add(const std::string& name, const std::string& owner);
+    void describe(Entry& entry);
+    void onDescription(Entry& entry, sd_bus_message* reply);
+    void onNameOwner(sd_bus_message* message);
+    void onPropertiesChanged(sd_bus_message* message);
+    void onSeeked(sd_bus_message* message);
+    // The names that the sender of a signal owns.
+    template <typename Action>
+    void forSender(sd_bus_message* message, Action action);
+    void takePosition(Entry& entry, std::int64_t microseconds);
+    void askIdentity(Entry& entry);
+    void tell(const BusQuestion& call);
+    void changed();
+    void publish();
+
+    SessionBus& bus_;
+    Clock clock_;
+    MainThread mainThread_;
+    std::map<std::string, Entry> entries_;
+    std::vector<Handle> lookups_;  // questions to the bus
+    std::vector<MediaPlayer> list_;
+    bool isPublishing_ = false;
+    Observable<std::uint64_t> revision_{0};
+    std::vector<Handle> observations_;
+};
+
+}  // namespace quorvane

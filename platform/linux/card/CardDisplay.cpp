@@ -1,0 +1,143 @@
+#include "platform/linux/card/CardDisplay.hpp"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/card/CardOutline.hpp"
+
+namespace quorvane {
+namespace {
+
+bool agreeOutside(const std::vector<PixelRect>& parts, Pixels one, Pixels other) {
+    for (const PixelRect& part : parts) {
+        fill(one, part, kOpaqueBlack);
+        fill(other, part, kOpaqueBlack);
+    }
+    return one == other;
+}
+
+}  // namespace
+
+std::unique_ptr<CardDisplay> CardDisplay::make(X11Session& x11, const Clock& clock,
+                                               LockerChild& child, const CardStyle& style,
+                                               double scale, std::shared_ptr<PictureCache> pictures,
+                                               const Transform& transform,
+                                               std::function<void()> backdropChanged) {
+    std::unique_ptr<CardDisplay> display{new CardDisplay{x11, clock, child, style, scale,
+                                                         std::move(pictures), transform,
+                                                         std::move(backdropChanged)}};
+    return display->prepare() ? std::move(display) : nullptr;
+}
+
+CardDisplay::CardDisplay(X11Session& x11, const Clock& clock, LockerChild& child,
+                         const CardStyle& style, double scale,
+                         std::shared_ptr<PictureCache> pictures, const Transform& transform,
+                         std::function<void()> backdropChanged)
+    : x11_(x11),
+      clock_(clock),
+      child_(child),
+      style_(style),
+      scale_(scale),
+      lockerPicture_(x11, child.locker().window),
+      painter_(style, scale, std::move(pictures)),
+      transform_(transform),
+      backdropChanged_(std::move(backdropChanged)) {}
+
+bool CardDisplay::prepare() {
+    const PixelRect place = child_.place();
+    buffer_ = WindowBuffer::make(x11_.connection(), child_.window(), place.width, place.height,
+                                 child_.depth());
+    if (!buffer_) return false;
+    auto visible = lockerPicture_.visible(place, buffer_->shared());
+    if (!visible) return false;
+    painter_.setBackdrop(std::move(*visible));
+    shapeAsCard();
+    return true;
+}
+
+void CardDisplay::afterFrame() {
+    if (!painter_.makeChrome() && !watch_) beginWatching();
+}
+
+void CardDisplay::beginWatching() {
+    watch_.emplace(x11_, clock_, child_.locker().window, child_.place(),
+                   LockerPictureWatch::Listener{.drawn = [this] { lockerHasDrawn(); },
+                                                .rested = [this] { lockerRests(); }});
+    if (watch_->isWatching()) lockerRests();
+}
+
+// At once: the edge changes together with what is behind the margin, or before it where something
+// moves in from outside.
+void CardDisplay::lockerHasDrawn() {
+    if (isFollowing_ && lockerPicture_.visibleEdge(place()) != edge_) stopFollowing();
+}
+
+// A background whose edge is not the visible one is a picture in the making, or is painted over.
+void CardDisplay::lockerRests() {
+    auto background = lockerPicture_.background(place());
+    if (!background || lockerPicture_.visibleEdge(place()) != background->edge) return;
+    if (isFollowing_) {
+        if (agreeOutside(child_.holes(), background->picture, painter_.backdrop())) return;
+        stopFollowing();
+        return watch_->awaitRest();
+    }
+    // Around the card the locker itself is visible now.
+    auto visible = lockerPicture_.visible(child_.place());
+    std::vector<PixelRect> other = child_.outline();
+    other.insert(other.end(), child_.holes().begin(), child_.holes().end());
+    if (visible && agreeOutside(other, std::move(*visible), background->picture))
+        follow(std::move(*background));
+}
+
+LockerPlace CardDisplay::place() const { return {child_.place(), child_.holes()}; }
+
+void CardDisplay::follow(LockerPicture::Background background) {
+    isFollowing_ = true;
+    watch_->setImmediate(true);
+    edge_ = std::move(background.edge);
+    if (background.picture != painter_.backdrop())
+        painter_.setBackdrop(std::move(background.picture));
+    child_.setOutline({});
+    backdropChanged_();
+}
+
+void CardDisplay::stopFollowing() {
+    isFollowing_ = false;
+    watch_->setImmediate(false);
+    shapeAsCard();
+}
+
+void CardDisplay::shapeAsCard() { child_.setOutline(cardOutline(style_, scale_, transform_)); }
+
+void CardDisplay::draw(const StageLook& look) {
+    if (!buffer_) return;
+    transform_ = look.transform;
+    if (!isFollowing_) shapeAsCard();
+    const PixelRect whole[] = {buffer_->bounds()};
+    buffer_->waitUntilRead();
+    painter_.draw(buffer_->surface(), look);
+    buffer_->show(whole);
+    x11_.flush();
+}
+
+void CardDisplay::drawParts(const StageLook& look, const std::vector<Rect>& cardAreas) {
+    if (!buffer_) return;
+    std::vector<PixelRect> parts;
+    for (const Rect& area : cardAreas) {
+        const PixelRect part = painter_.pixelsOf(area);
+        if (!part.isEmpty()) parts.push_back(part);
+    }
+    if (parts.empty()) return;
+    buffer_->show(painter_.drawParts(buffer_->surface(), look, parts));
+    x11_.flush();
+}
+
+void CardDisplay::showAgain(const PixelRect& part) {
+    if (!buffer_) return;
+    const PixelRect parts[] = {part};
+    buffer_->show(parts);
+    x11_.flush();
+}
+
+}  // namespace quorvane

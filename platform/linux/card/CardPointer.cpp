@@ -1,0 +1,113 @@
+#include "platform/linux/card/CardPointer.hpp"
+
+#include <xcb/xfixes.h>
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+#include "platform/linux/x11/XcbReply.hpp"
+
+namespace quorvane {
+
+CardPointer::CardPointer(X11Session& x11, LockerChild& child, const CardStyle& style, double scale,
+                         Listener listener)
+    : x11_(x11),
+      child_(child),
+      style_(style),
+      shape_(style.card, style.cornerRadius),
+      scale_(scale),
+      listener_(std::move(listener)) {
+    presses_ = x11_.observePointer([this](const RawPointerEvent& event) { handle(event); });
+    moves_ = x11_.observePointerMoves([this](Point point) { moved(point); });
+    observeCursor();
+}
+
+// The server reports the displayed cursor's changes on any window that asks; with the child's own
+// the selection ends with the card.
+void CardPointer::observeCursor() {
+    xcb_connection_t* connection = x11_.connection();
+    const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (!extension || !extension->present) return;
+    xcbReply(xcb_xfixes_query_version_reply, connection,
+             xcb_xfixes_query_version(connection, 5, 0));
+    xcb_xfixes_select_cursor_input(connection, child_.window(),
+                                   XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR);
+    cursorChanges_ = x11_.observeEvents(
+        static_cast<std::uint8_t>(extension->first_event + XCB_XFIXES_CURSOR_NOTIFY),
+        [this](const xcb_generic_event_t&) { lookAgain(); });
+}
+
+void CardPointer::lookAgain() {
+    if (!isOver_) return;
+    isOver_ = false;
+    cardMoved();
+}
+
+void CardPointer::cardMoved() {
+    xcb_connection_t* connection = x11_.connection();
+    const auto place = xcbReply(xcb_query_pointer_reply, connection,
+                                xcb_query_pointer(connection, x11_.screen().root));
+    if (place) moved({static_cast<double>(place->root_x), static_cast<double>(place->root_y)});
+}
+
+CardPointer::~CardPointer() {
+    report(press_.cancel());
+    if (showsArrow_) listener_.arrow(std::nullopt);
+}
+
+// In card coordinates.
+Point CardPointer::locationOf(Point rootPoint) const {
+    const Point origin = child_.origin();
+    // A pixel is pointed at by its middle.
+    return {(rootPoint.x + 0.5 - origin.x) / scale_ - style_.shadowMargin,
+            (rootPoint.y + 0.5 - origin.y) / scale_ - style_.shadowMargin};
+}
+
+bool CardPointer::isOnCard(Point rootPoint) const {
+    return shape_.contains(locationOf(rootPoint)) && child_.isOnTopAt(rootPoint);
+}
+
+void CardPointer::handle(const RawPointerEvent& event) {
+    const Point location = locationOf(event.position);
+    switch (event.kind) {
+        case RawPointerEvent::Kind::down: {
+            const bool mayBegin = !press_.isPressed() && event.button == 1;
+            return report(
+                press_.down(event.button, location, mayBegin && isOnCard(event.position)));
+        }
+        case RawPointerEvent::Kind::moved: return report(press_.moved(location));
+        case RawPointerEvent::Kind::up: return report(press_.up(event.button, location));
+    }
+}
+
+void CardPointer::moved(Point rootPoint) {
+    const bool isOver = isOnCard(rootPoint);
+    // The locker's pointer is looked at once for each visit, and at its changes.
+    const bool shows = isOver && (isOver_ ? showsArrow_ : lockerHidesPointer());
+    isOver_ = isOver;
+    if (!std::exchange(showsArrow_, shows) && !shows) return;
+    if (!shows) return listener_.arrow(std::nullopt);
+    const Point origin = child_.origin();
+    listener_.arrow(Point{(rootPoint.x - origin.x) / scale_, (rootPoint.y - origin.y) / scale_});
+}
+
+void CardPointer::report(const std::optional<PointerEvent>& event) {
+    if (event) listener_.event(*event);
+}
+
+// A locker that hides the pointer holds it grabbed with an empty picture.
+bool CardPointer::lockerHidesPointer() {
+    xcb_connection_t* connection = x11_.connection();
+    const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (!extension || !extension->present) return false;
+    const auto image = xcbReply(xcb_xfixes_get_cursor_image_reply, connection,
+                                xcb_xfixes_get_cursor_image(connection));
+    if (!image) return false;
+    const std::span pixels{
+        xcb_xfixes_get_cursor_image_cursor_image(image.get()),
+        static_cast<std::size_t>(xcb_xfixes_get_cursor_image_cursor_image_length(image.get()))};
+    return std::ranges::none_of(pixels, [](std::uint32_t pixel) { return pixel >> 24 != 0; });
+}
+
+}  // namespace quorvane

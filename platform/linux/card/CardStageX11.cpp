@@ -1,0 +1,70 @@
+#include "platform/linux/card/CardStageX11.hpp"
+
+#include <utility>
+
+#include "drawing/SceneChanges.hpp"
+
+namespace quorvane {
+namespace {
+
+double secondsOf(Duration duration) { return std::chrono::duration<double>(duration).count(); }
+
+}  // namespace
+
+void CardStageX11::setHidden(bool hidden) {
+    if (std::exchange(isHidden_, hidden) != hidden && host_) host_->stageChanged();
+}
+
+void CardStageX11::removeAnimations() {
+    if (std::exchange(movement_, std::nullopt) && host_) host_->stageChanged();
+}
+
+void CardStageX11::springFrom(const Transform& start, const Spring& spring) {
+    movement_ = Movement{start, spring, std::nullopt};
+    if (host_) host_->stageChanged();
+}
+
+void CardStageX11::setScene(const Scene& scene) {
+    const std::vector<Rect> areas = changedAreas(scene_, scene);
+    const bool hasSameControls = scene_.controls == scene.controls;
+    scene_ = scene;
+    if (!areas.empty() && host_) host_->sceneChanged(areas);
+    if (!hasSameControls && host_) host_->controlsChanged();
+}
+
+void CardStageX11::beginMovement(Instant now) {
+    if (movement_ && !movement_->begin) movement_->begin = now;
+}
+
+bool CardStageX11::isMoving(Instant now) const {
+    return movement_ && (!movement_->begin ||
+                         secondsOf(now - *movement_->begin) < movement_->spring.settlingDuration());
+}
+
+Transform CardStageX11::transformAt(Instant now) const {
+    if (!isMoving(now)) return Transform::identity();
+    const Transform& start = movement_->start;
+    const double elapsed = movement_->begin ? secondsOf(now - *movement_->begin) : 0;
+    const double left = 1 - movement_->spring.progress(elapsed);
+    return {.scale = 1 + (start.scale - 1) * left,
+            .centre = start.centre,
+            .offset = {start.offset.x * left, start.offset.y * left}};
+}
+
+void CardStageX11::deliver(const PointerEvent& event) const {
+    // The content may replace its events while it hears this one.
+    const auto pointer = events_.pointer;
+    if (pointer) pointer(event);
+}
+
+void CardStageX11::perform(SceneControl::ID control, AccessibilityAction action) const {
+    const auto accessibility = events_.accessibility;
+    if (accessibility) accessibility(control, action);
+}
+
+void CardStageX11::setNumber(SceneControl::ID control, double number) const {
+    const auto accessibilityNumber = events_.accessibilityNumber;
+    if (accessibilityNumber) accessibilityNumber(control, number);
+}
+
+}  // namespace quorvane

@@ -1,0 +1,125 @@
+// A card window on X11: when it is seen, how it fades, and who hears of presses.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "drawing/CardWindows.hpp"
+#include "platform/Clock.hpp"
+#include "platform/Log.hpp"
+#include "platform/MainThread.hpp"
+#include "platform/linux/accessibility/AccessibleCard.hpp"
+#include "platform/linux/card/CardDisplay.hpp"
+#include "platform/linux/card/CardPointer.hpp"
+#include "platform/linux/card/CardStageX11.hpp"
+#include "platform/linux/card/LockerChild.hpp"
+#include "platform/linux/loop/Listeners.hpp"
+
+namespace quorvane {
+
+// What the card windows share.
+struct CardResources {
+    X11Session& x11;
+    Clock clock;
+    MainThread mainThread;
+    Logger log;
+    AccessibleCards* accessibility = nullptr;
+    std::shared_ptr<PictureCache> pictures{};  // shared with the canvases
+    Listeners<> picturesArrived{};
+};
+
+// Main thread only. On the X server it is mapped only while there is something of the card to see:
+// at alpha 0 the lock screen is as if there were no card. When the locker goes the server destroys
+// the window; from then on it is a window that shows nothing.
+class CardWindowX11 final : public CardSystemWindow, private StageHost, private AccessibleCard {
+public:
+    // Null when no locker's window can take it; the reason is logged.
+    static std::unique_ptr<CardWindowX11> make(std::shared_ptr<CardResources> resources,
+                                               const WindowSettings& settings,
+                                               const Screen& screen);
+    ~CardWindowX11() override;
+
+    long number() const override { return number_; }
+    // Whether it was ordered in and still stands.
+    bool isVisible() const override { return isOrderedIn_; }
+    unsigned long occlusionState() const override;
+    void setIgnoresMouseEvents(bool ignores) override;
+    void setContent(std::shared_ptr<CardStage> stage) override;
+    void setFrame(const Rect& frame, const Screen& screen) override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+    void close() override;
+    void setAlpha(double alpha) override;
+    void animateAlpha(double alpha, Duration duration, std::function<void()> completion) override;
+    void setMouseDownObserver(std::function<void(Point)> observer) override;
+
+private:
+    struct Fade {
+        double from;
+        double to;
+        std::optional<Instant> begin;  // of the first frame that shows it
+        Duration duration;
+        std::function<void()> completion;
+    };
+
+    CardWindowX11(std::shared_ptr<CardResources> resources, const WindowSettings& settings,
+                  const Screen& screen);
+    void sceneChanged(const std::vector<Rect>& areas) override;
+    void controlsChanged() override;
+    void stageChanged() override { updateSoon(); }
+    const Scene& accessibleScene() const override { return stage_->scene(); }
+    Point accessibleOrigin() const override;
+    double accessibleScale() const override { return scale(); }
+    Size accessibleSize() const override { return stage_->style().card; }
+    void perform(SceneControl::ID control, AccessibilityAction action) override;
+    void setNumber(SceneControl::ID control, double number) override;
+    void tellAccessibility(bool isSeen);
+    void picturesArrived();
+
+    void updateSoon();
+    void update();
+    void finishFade(Instant now);
+    void endFade();
+    void beginAnimations(Instant now);
+    void updateAfter(Duration delay);
+    bool isMoving(Instant now) const;
+    bool isToBeSeen() const;
+    bool show(Instant now);
+    void hide();
+    void conceal();
+    void draw(Instant now);
+    void drawParts(const std::vector<Rect>& cardAreas);
+    double alphaAt(Instant now) const;
+    double scale() const { return screen_.scale * contentScale_; }  // pixels a point of the stage
+    StageLook look(Instant now) const;
+    void syncPointer();
+    void pointerEvent(const PointerEvent& event);
+    void moveArrow(std::optional<Point> place);
+    void vanish();
+    void post(std::function<void(CardWindowX11&)> action);
+
+    std::shared_ptr<CardResources> resources_;
+    Screen screen_;
+    double contentScale_;
+    long number_ = -1;
+    double alpha_;
+    bool ignoresMouseEvents_;
+    bool isOrderedIn_ = false;
+    bool isUpdatePosted_ = false;
+    bool isAccessible_ = false;  // assistive technology has been told of it
+    std::shared_ptr<CardStageX11> stage_;
+    std::optional<Fade> fade_;
+    Instant readableAt_{};  // the locker's picture at the card's place
+    std::optional<Point> arrow_;
+    std::function<void(Point)> mouseDownObserver_;
+    Timer nextFrame_;
+    Handle pictures_;
+    // Each refers to the one before.
+    std::unique_ptr<LockerChild> child_;
+    std::unique_ptr<CardDisplay> display_;
+    std::unique_ptr<CardPointer> pointer_;
+    // What posted actions hold instead of the window.
+    std::shared_ptr<CardWindowX11*> self_ = std::make_shared<CardWindowX11*>(this);
+};
+
+}  // namespace quorvane

@@ -1,0 +1,87 @@
+// A window of ours inside a locker's window: where it stands, what stands over it, and its end.
+#pragma once
+
+#include <xcb/shape.h>
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "drawing/Screens.hpp"
+#include "drawing/pictures/Pixels.hpp"
+#include "platform/Log.hpp"
+#include "platform/linux/x11/X11Session.hpp"
+
+namespace quorvane {
+
+// Main thread only. It is above the lock because its parent is, so it is never raised; it grabs
+// nothing and hears of no keys. The server destroys it together with the locker's window; from then
+// on every request is without effect.
+class LockerChild {
+public:
+    struct Events {
+        std::function<void()> destroyed;  // by somebody else
+        std::function<void(const PixelRect& part)> exposed;
+    };
+
+    // Null when no locker covers the place; the reason is logged.
+    static std::unique_ptr<LockerChild> make(X11Session& x11, const Logger& log, const Rect& frame,
+                                             const Screen& screen, Events events);
+    ~LockerChild();
+    LockerChild(const LockerChild&) = delete;
+    LockerChild& operator=(const LockerChild&) = delete;
+
+    xcb_window_t window() const { return window_; }
+    std::uint8_t depth() const { return depth_; }
+    const LockerWindow& locker() const { return locker_; }
+    bool isStanding() const { return isStanding_; }
+    bool isMapped() const { return isMapped_; }
+    // Whether any of it can be seen while it is mapped.
+    bool isObscured() const { return isObscured_; }
+    // In the locker's window.
+    const PixelRect& place() const { return place_; }
+    // Of its top left, in root pixels.
+    Point origin() const { return {locker_.frame.x + place_.x, locker_.frame.y + place_.y}; }
+    // Whether a point of the root lies on it and not on a window over it.
+    bool isOnTopAt(Point rootPoint);
+    // Where a frame on a screen would come to lie in the locker's window.
+    PixelRect placeFor(const Rect& frame, const Screen& screen) const;
+
+    // What is visible of the locker's picture stays in the window until something is drawn.
+    void map();
+    void unmap();
+    void moveTo(const PixelRect& place);
+    // Leaves these areas of the screen out of the window.
+    void cutOut(const std::vector<Rect>& areas, const Screen& screen);
+    // Gives the window this shape, less what is cut out; without parts the whole rectangle. Where
+    // the server has no shapes the window stays a rectangle.
+    void setOutline(std::vector<PixelRect> parts);
+    const std::vector<PixelRect>& outline() const { return outline_; }
+    // In the window's coordinates; they may reach beyond it.
+    const std::vector<PixelRect>& holes() const { return holes_; }
+    void destroy();
+
+private:
+    LockerChild(X11Session& x11, const LockerWindow& locker, Events events);
+    bool create(const Rect& frame, const Screen& screen);
+    void handle(const xcb_generic_event_t& event);
+    void stackAboveCover();
+    void applyShape();
+    void shape(xcb_shape_so_t operation, const std::vector<PixelRect>& parts);
+
+    X11Session& x11_;
+    LockerWindow locker_;
+    Events events_;
+    xcb_window_t window_ = XCB_WINDOW_NONE;
+    std::uint8_t depth_ = 0;
+    PixelRect place_;
+    std::vector<PixelRect> holes_;
+    std::vector<PixelRect> outline_;
+    bool isStanding_ = false;
+    bool isMapped_ = false;
+    bool isObscured_ = false;
+    Handle observation_;
+};
+
+}  // namespace quorvane

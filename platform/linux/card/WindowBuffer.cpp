@@ -1,0 +1,101 @@
+#include "platform/linux/card/WindowBuffer.hpp"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/x11/XcbReply.hpp"
+
+namespace quorvane {
+
+std::unique_ptr<WindowBuffer> WindowBuffer::make(xcb_connection_t* connection, xcb_window_t window,
+                                                 int width, int height, std::uint8_t depth) {
+    std::unique_ptr<WindowBuffer> buffer{
+        new WindowBuffer{connection, window, width, height, depth}};
+    if (!buffer->share() && !buffer->allocate()) return nullptr;
+    buffer->surface_.reset(cairo_image_surface_create_for_data(
+        reinterpret_cast<unsigned char*>(buffer->memory_), CAIRO_FORMAT_ARGB32, width, height,
+        width * kBytesAPixel));
+    if (cairo_surface_status(buffer->surface_.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
+    return buffer;
+}
+
+WindowBuffer::WindowBuffer(xcb_connection_t* connection, xcb_window_t window, int width, int height,
+                           std::uint8_t depth)
+    : connection_(connection),
+      window_(window),
+      width_(width),
+      height_(height),
+      depth_(depth),
+      context_(xcb_generate_id(connection)) {
+    constexpr std::uint32_t kNoExposures = 0;
+    xcb_create_gc(connection_, context_, window_, XCB_GC_GRAPHICS_EXPOSURES, &kNoExposures);
+}
+
+WindowBuffer::~WindowBuffer() {
+    surface_.reset();
+    xcb_free_gc(connection_, context_);
+}
+
+bool WindowBuffer::share() {
+    shared_ =
+        ServerMemory::make(connection_, static_cast<std::size_t>(width_ * height_) * kBytesAPixel);
+    if (shared_) memory_ = shared_->data();
+    return shared_ != nullptr;
+}
+
+bool WindowBuffer::allocate() {
+    own_.reset(new (std::nothrow)
+                   std::byte[static_cast<std::size_t>(width_ * height_) * kBytesAPixel]());
+    memory_ = own_.get();
+    return memory_ != nullptr;
+}
+
+void WindowBuffer::waitUntilRead() {
+    // A reply means that everything before it is done. Waiting here and not for an event of the
+    // server's keeps the main loop asleep between two frames.
+    if (std::exchange(isBeingRead_, false))
+        xcbReply(xcb_get_input_focus_reply, connection_, xcb_get_input_focus(connection_));
+}
+
+void WindowBuffer::show(std::span<const PixelRect> parts) {
+    cairo_surface_flush(surface_.get());
+    for (const PixelRect& wanted : parts) {
+        const PixelRect part = wanted.intersection(bounds());
+        if (part.isEmpty()) continue;
+        if (!shared_) {
+            send(part);
+            continue;
+        }
+        const auto place = [](int value) { return static_cast<std::uint16_t>(value); };
+        xcb_shm_put_image(connection_, window_, context_, place(width_), place(height_),
+                          place(part.x), place(part.y), place(part.width), place(part.height),
+                          static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(part.y),
+                          depth_, XCB_IMAGE_FORMAT_Z_PIXMAP, false, shared_->segment(), 0);
+        isBeingRead_ = true;
+    }
+}
+
+// A request has a longest length, so the part goes in strips.
+void WindowBuffer::send(const PixelRect& part) {
+    const std::size_t longest = std::size_t{xcb_get_maximum_request_length(connection_)} * 4;
+    const auto rowLength = static_cast<std::size_t>(part.width) * kBytesAPixel;
+    const int rows = std::max(1, static_cast<int>((longest - 64) / rowLength));
+    std::vector<std::uint8_t> strip;
+    for (int y = part.y; y < part.maxY(); y += rows) {
+        const int height = std::min(rows, part.maxY() - y);
+        strip.clear();
+        for (int line = y; line < y + height; ++line) {
+            const auto* row = reinterpret_cast<const std::uint8_t*>(memory_) +
+                              (static_cast<std::ptrdiff_t>(line) * width_ + part.x) * kBytesAPixel;
+            strip.insert(strip.end(), row, row + rowLength);
+        }
+        xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window_, context_,
+                      static_cast<std::uint16_t>(part.width), static_cast<std::uint16_t>(height),
+                      static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(y), 0, depth_,
+                      static_cast<std::uint32_t>(strip.size()), strip.data());
+    }
+}
+
+}  // namespace quorvane

@@ -1,0 +1,57 @@
+// What a card window shows, in memory that the X server reads straight from.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+#include "drawing/pictures/Pixels.hpp"
+#include "platform/linux/card/ServerMemory.hpp"
+#include "platform/linux/drawing/CairoHandles.hpp"
+
+namespace quorvane {
+
+// Main thread only. Without shared memory (a server on another machine) the pixels are sent through
+// the connection. Requests about a window that has gone are without effect.
+class WindowBuffer {
+public:
+    // Null when there is no memory for it. `depth` is the window's, 24 or 32.
+    static std::unique_ptr<WindowBuffer> make(xcb_connection_t* connection, xcb_window_t window,
+                                              int width, int height, std::uint8_t depth);
+    ~WindowBuffer();
+    WindowBuffer(const WindowBuffer&) = delete;
+    WindowBuffer& operator=(const WindowBuffer&) = delete;
+
+    // The picture to draw into. The server may still be reading what was shown last.
+    cairo_surface_t* surface() const { return surface_.get(); }
+    // Waits until it has done so.
+    void waitUntilRead();
+    // Brings these parts into the window.
+    void show(std::span<const PixelRect> parts);
+    // Null when the pixels go through the connection.
+    const ServerMemory* shared() const { return shared_.get(); }
+    PixelRect bounds() const { return {0, 0, width_, height_}; }
+
+private:
+    WindowBuffer(xcb_connection_t* connection, xcb_window_t window, int width, int height,
+                 std::uint8_t depth);
+    bool share();
+    bool allocate();
+    void send(const PixelRect& part);
+
+    xcb_connection_t* connection_;
+    xcb_window_t window_;
+    int width_;
+    int height_;
+    std::uint8_t depth_;
+    xcb_gcontext_t context_;
+    std::byte* memory_ = nullptr;  // of one of these
+    std::unique_ptr<ServerMemory> shared_;
+    std::unique_ptr<std::byte[]> own_;
+    CairoSurface surface_;
+    bool isBeingRead_ = false;
+};
+
+}  // namespace quorvane

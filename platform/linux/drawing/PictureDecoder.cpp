@@ -1,0 +1,119 @@
+#include "platform/linux/drawing/PictureDecoder.hpp"
+
+#include <gdk-pixbuf/gdk-pixbuf.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "drawing/pictures/PictureHeader.hpp"
+#include "drawing/pictures/PictureLimits.hpp"
+
+namespace quorvane {
+namespace {
+
+struct Sizing {
+    PixelSize shown;
+    bool isRefused = false;
+};
+
+// Called as soon as the header has been read. A smaller size spares the decoder most of the work
+// where the format allows it; a size of nothing stops it.
+void sizePrepared(GdkPixbufLoader* loader, int width, int height, gpointer data) {
+    auto& sizing = *static_cast<Sizing*>(data);
+    const PictureSize original{static_cast<std::uint32_t>(std::max(width, 0)),
+                               static_cast<std::uint32_t>(std::max(height, 0))};
+    if (!isDecodable(original)) {
+        sizing.isRefused = true;
+        gdk_pixbuf_loader_set_size(loader, 0, 0);
+        return;
+    }
+    const double scale = std::max(static_cast<double>(sizing.shown.width) / width,
+                                  static_cast<double>(sizing.shown.height) / height);
+    if (scale >= 1) return;
+    const auto scaled = [scale](int length) {
+        return std::max(1, static_cast<int>(std::ceil(length * scale)));
+    };
+    gdk_pixbuf_loader_set_size(loader, scaled(width), scaled(height));
+}
+
+// In pieces, so that a refused picture is not read to its end.
+bool feed(GdkPixbufLoader* loader, ByteView encoded, const Sizing& sizing) {
+    constexpr std::size_t kPiece = 16 * 1024;
+    while (!encoded.empty()) {
+        const ByteView piece = encoded.first(std::min(kPiece, encoded.size()));
+        const auto* const bytes = reinterpret_cast<const guchar*>(piece.data());
+        if (!gdk_pixbuf_loader_write(loader, bytes, piece.size(), nullptr)) return false;
+        if (sizing.isRefused) return false;
+        encoded = encoded.subspan(piece.size());
+    }
+    return true;
+}
+
+GObjectOwner<GdkPixbuf> load(ByteView encoded, PixelSize size) {
+    // A loader that finds out the type by itself reads the system's list of all types of files, and
+    // may come to another one than the header that was looked at.
+    const char* const type = readPictureType(encoded);
+    if (!type) return nullptr;
+    const GObjectOwner<GdkPixbufLoader> loader{gdk_pixbuf_loader_new_with_mime_type(type, nullptr)};
+    if (!loader) return nullptr;  // nobody here decodes it
+    Sizing sizing{size};
+    g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(sizePrepared), &sizing);
+    const bool isFed = feed(loader.get(), encoded, sizing);
+    // A loader has to be closed, whatever came before. Of a picture that breaks off the rest is
+    // grey.
+    if (!gdk_pixbuf_loader_close(loader.get(), nullptr) || !isFed) return nullptr;
+    GdkPixbuf* const pixbuf = gdk_pixbuf_loader_get_pixbuf(loader.get());
+    if (!pixbuf) return nullptr;
+    return GObjectOwner<GdkPixbuf>{gdk_pixbuf_apply_embedded_orientation(pixbuf)};
+}
+
+std::uint32_t premultiplied(const guchar* pixel, bool hasAlpha) {
+    const std::uint32_t alpha = hasAlpha ? pixel[3] : 255;
+    const auto times = [alpha](std::uint32_t value) { return (value * alpha + 127) / 255; };
+    return alpha << 24 | times(pixel[0]) << 16 | times(pixel[1]) << 8 | times(pixel[2]);
+}
+
+CairoSurface surfaceOf(const GdkPixbuf* pixbuf) {
+    const int width = gdk_pixbuf_get_width(pixbuf);
+    const int height = gdk_pixbuf_get_height(pixbuf);
+    const int channels = gdk_pixbuf_get_n_channels(pixbuf);
+    const bool hasAlpha = gdk_pixbuf_get_has_alpha(pixbuf);
+    CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height)};
+    unsigned char* const target = cairo_image_surface_get_data(surface.get());
+    if (!target) return nullptr;
+    const int stride = cairo_image_surface_get_stride(surface.get());
+    const guchar* const source = gdk_pixbuf_read_pixels(pixbuf);
+    for (int y = 0; y < height; ++y) {
+        const guchar* pixel =
+            source + static_cast<std::ptrdiff_t>(y) * gdk_pixbuf_get_rowstride(pixbuf);
+        auto* const row = reinterpret_cast<std::uint32_t*>(target + std::ptrdiff_t{y} * stride);
+        for (int x = 0; x < width; ++x, pixel += channels) row[x] = premultiplied(pixel, hasAlpha);
+    }
+    cairo_surface_mark_dirty(surface.get());
+    return surface;
+}
+
+}  // namespace
+
+CairoSurface decodePicture(ByteView encoded, PixelSize size) {
+    const GObjectOwner<GdkPixbuf> pixbuf = load(encoded, size);
+    if (!pixbuf) return nullptr;
+    const CairoSurface whole = surfaceOf(pixbuf.get());
+    if (!whole) return nullptr;
+
+    CairoSurface shown{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size.width, size.height)};
+    const CairoContext cairo{cairo_create(shown.get())};
+    const double width = gdk_pixbuf_get_width(pixbuf.get());
+    const double height = gdk_pixbuf_get_height(pixbuf.get());
+    const double scale = std::max(size.width / width, size.height / height);
+    cairo_translate(cairo.get(), size.width / 2.0, size.height / 2.0);
+    cairo_scale(cairo.get(), scale, scale);
+    cairo_set_source_surface(cairo.get(), whole.get(), -width / 2, -height / 2);
+    cairo_pattern_set_filter(cairo_get_source(cairo.get()), CAIRO_FILTER_GOOD);
+    cairo_pattern_set_extend(cairo_get_source(cairo.get()), CAIRO_EXTEND_PAD);
+    cairo_paint(cairo.get());
+    if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
+    return shown;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,174 @@
+#include "platform/linux/drawing/Symbols.hpp"
+
+#include <algorithm>
+#include <numbers>
+
+#include "drawing/SymbolFacing.hpp"
+#include "platform/linux/drawing/CairoHandles.hpp"
+
+namespace quorvane {
+namespace {
+
+// Outlines are drawn with y growing downward around the frame's centre; 1 is the point size.
+constexpr double kPen = 0.085;    // of lines
+constexpr double kCorner = 0.06;  // radius that rounds the corners of filled shapes
+
+// Adds the path as an area whose corners are rounded outward: shapes are given smaller by it.
+void fillRounded(cairo_t* cairo, double corner = kCorner) {
+    cairo_set_line_width(cairo, 2 * corner);
+    cairo_fill_preserve(cairo);
+    cairo_stroke(cairo);
+}
+
+void strokeLine(cairo_t* cairo) {
+    cairo_set_line_width(cairo, kPen);
+    cairo_stroke(cairo);
+}
+
+// Points right from `x`; negative lengths point left.
+void triangle(cairo_t* cairo, double x, double length, double halfHeight) {
+    cairo_move_to(cairo, x, -halfHeight);
+    cairo_line_to(cairo, x + length, 0);
+    cairo_line_to(cairo, x, halfHeight);
+    cairo_close_path(cairo);
+    fillRounded(cairo);
+}
+
+void drawPlay(cairo_t* cairo) {
+    // Right of the middle of its bounds: a triangle's weight lies at its base.
+    triangle(cairo, -0.25, 0.63, 0.365);
+}
+
+void drawPause(cairo_t* cairo) {
+    // At 34 points the bars are 7 wide and 6 apart: whole pixels.
+    for (const double x : {-0.234, 0.148}) {
+        cairo_rectangle(cairo, x, -0.322, 0.086, 0.644);
+        fillRounded(cairo);
+    }
+}
+
+void drawForward(cairo_t* cairo) {
+    triangle(cairo, -0.61, 0.52, 0.36);
+    triangle(cairo, 0.03, 0.52, 0.36);
+}
+
+void drawBackward(cairo_t* cairo) {
+    triangle(cairo, 0.61, -0.52, 0.36);
+    triangle(cairo, -0.03, -0.52, 0.36);
+}
+
+void heartPath(cairo_t* cairo) {
+    cairo_move_to(cairo, 0, 0.41);
+    cairo_curve_to(cairo, -0.13, 0.34, -0.45, 0.12, -0.45, -0.14);
+    cairo_curve_to(cairo, -0.45, -0.29, -0.34, -0.39, -0.22, -0.39);
+    cairo_curve_to(cairo, -0.12, -0.39, -0.05, -0.34, 0, -0.25);
+    cairo_curve_to(cairo, 0.05, -0.34, 0.12, -0.39, 0.22, -0.39);
+    cairo_curve_to(cairo, 0.34, -0.39, 0.45, -0.29, 0.45, -0.14);
+    cairo_curve_to(cairo, 0.45, 0.12, 0.13, 0.34, 0, 0.41);
+    cairo_close_path(cairo);
+}
+
+void drawHeart(cairo_t* cairo) {
+    heartPath(cairo);
+    strokeLine(cairo);
+}
+
+// Filled up to the outer edge of the line of the empty one, so that loving does not resize it.
+void drawFilledHeart(cairo_t* cairo) {
+    heartPath(cairo);
+    fillRounded(cairo, kPen / 2);
+}
+
+void drawNote(cairo_t* cairo) {
+    cairo_save(cairo);
+    cairo_translate(cairo, -0.13, 0.32);
+    cairo_rotate(cairo, -0.35);
+    cairo_scale(cairo, 1, 0.76);
+    cairo_arc(cairo, 0, 0, 0.21, 0, 2 * std::numbers::pi);
+    cairo_restore(cairo);
+    cairo_fill(cairo);
+    cairo_move_to(cairo, 0.03, 0.28);
+    cairo_line_to(cairo, 0.03, -0.44);
+    strokeLine(cairo);
+    cairo_move_to(cairo, 0.03, -0.44);
+    cairo_curve_to(cairo, 0.06, -0.26, 0.38, -0.22, 0.27, 0.07);
+    cairo_curve_to(cairo, 0.29, -0.12, 0.14, -0.2, 0.03, -0.28);
+    cairo_close_path(cairo);
+    fillRounded(cairo, kPen / 4);
+}
+
+// The cone's mouth is at x = 0.
+void speakerBody(cairo_t* cairo) {
+    cairo_move_to(cairo, -0.45, -0.13);
+    cairo_line_to(cairo, -0.27, -0.13);
+    cairo_line_to(cairo, -0.05, -0.34);
+    cairo_line_to(cairo, -0.05, 0.34);
+    cairo_line_to(cairo, -0.27, 0.13);
+    cairo_line_to(cairo, -0.45, 0.13);
+    cairo_close_path(cairo);
+    fillRounded(cairo, 0.05);
+}
+
+void drawSpeaker(cairo_t* cairo) {
+    cairo_translate(cairo, 0.25, 0);
+    speakerBody(cairo);
+}
+
+void drawLoudSpeaker(cairo_t* cairo) {
+    cairo_translate(cairo, -0.13, 0);
+    speakerBody(cairo);
+    constexpr double kSpread = 0.72;  // of each wave, to both sides of straight ahead
+    for (const double radius : {0.28, 0.49, 0.7}) {
+        cairo_arc(cairo, -0.02, 0, radius, -kSpread, kSpread);
+        strokeLine(cairo);
+    }
+}
+
+struct Symbol {
+    std::string_view name;
+    void (*draw)(cairo_t*);
+};
+
+constexpr Symbol kSymbols[] = {
+    {"backward.fill", drawBackward},
+    {"forward.fill", drawForward},
+    {"heart", drawHeart},
+    {"heart.fill", drawFilledHeart},
+    {"music.note", drawNote},
+    {"pause.fill", drawPause},
+    {"play.fill", drawPlay},
+    {"speaker.fill", drawSpeaker},
+    {"speaker.wave.3.fill", drawLoudSpeaker},
+};
+
+}  // namespace
+
+bool drawSymbol(cairo_t* cairo, const SymbolNode& node, bool isRightToLeft) {
+    const auto symbol = std::ranges::find(kSymbols, node.name, &Symbol::name);
+    if (symbol == std::end(kSymbols)) return false;
+    const CairoState state{cairo};
+    cairo_rectangle(cairo, node.frame.x, node.frame.y, node.frame.width, node.frame.height);
+    cairo_clip(cairo);
+    // Fills and lines overlap, so they are joined at full strength before they become translucent.
+    cairo_push_group_with_content(cairo, CAIRO_CONTENT_ALPHA);
+    cairo_translate(cairo, node.frame.midX(), node.frame.midY());
+    const bool isMirrored = isRightToLeft && facesTextDirection(node.name);
+    cairo_scale(cairo, isMirrored ? -node.pointSize : node.pointSize, node.pointSize);
+    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
+    cairo_set_source_rgba(cairo, 0, 0, 0, 1);
+    symbol->draw(cairo);
+    const CairoPattern mask{cairo_pop_group(cairo)};
+    const Color& color = node.color;
+    cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
+    cairo_mask(cairo, mask.get());
+    return true;
+}
+
+std::vector<std::string_view> symbolNames() {
+    std::vector<std::string_view> names;
+    std::ranges::transform(kSymbols, std::back_inserter(names), &Symbol::name);
+    return names;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,151 @@
+#include "platform/linux/files/DefaultsFile.hpp"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <unistd.h>
+
+#include "platform/linux/files/FileLock.hpp"
+#include "platform/linux/files/FilesLinux.hpp"
+#include "platform/linux/files/PosixError.hpp"
+#include "platform/linux/files/PropertyListLinux.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr std::uint64_t kLargestFile = 16 << 20;
+constexpr Duration kLockPatience = std::chrono::seconds{2};
+constexpr int kMostKeptAside = 100;
+
+std::filesystem::path lockOf(const std::filesystem::path& file) {
+    return file.parent_path() / ("." + file.filename().string() + ".lock");
+}
+
+}  // namespace
+
+DefaultsFile::DefaultsFile(std::filesystem::path file, Logger log)
+    : file_(std::move(file)), log_(std::move(log)), files_(makeLiveRegularFiles()) {}
+
+UserDefaults DefaultsFile::table() {
+    return {.get = [this](const std::string& key) -> std::optional<PropertyValue> {
+                auto found = values({key}).extract(key);
+                return found ? std::optional{std::move(found.mapped())} : std::nullopt;
+            },
+            .getTogether = [this](const std::vector<std::string>& keys) { return values(keys); },
+            .set = [this](const std::string& key,
+                          std::optional<PropertyValue> value) { set(key, std::move(value)); },
+            .removeDomain =
+                [this] {
+                    changes_.clear();
+                    isRemoved_ = true;
+                    flushAndLog();
+                },
+            .synchronize = [this] { return flush(); }};
+}
+
+PropertyDictionary DefaultsFile::values(const std::vector<std::string>& keys) {
+    const bool isStored = !isRemoved_ && refresh();
+    PropertyDictionary found;
+    for (const std::string& key : keys) {
+        if (const auto change = changes_.find(key); change != changes_.end()) {
+            if (change->second) found.emplace(key, *change->second);
+        } else if (const auto entry = stored_.find(key); isStored && entry != stored_.end()) {
+            found.insert(*entry);
+        }
+    }
+    return found;
+}
+
+void DefaultsFile::set(const std::string& key, std::optional<PropertyValue> value) {
+    // Kept among the changes, a value that no list can hold would hold up all that come after it.
+    if (value) {
+        const auto list = xmlPropertyList(PropertyValue{PropertyDictionary{{key, *value}}});
+        if (!list)
+            return log_.error("defaults: %{public}s not set: %{public}s", key,
+                              errorText(list.error()));
+    }
+    changes_.insert_or_assign(key, std::move(value));
+    flushAndLog();
+}
+
+void DefaultsFile::flushAndLog() {
+    if (const auto result = flush(); !result)
+        log_.error("defaults: not written: %{public}s", errorText(result.error()));
+}
+
+Result<void> DefaultsFile::flush() {
+    if (!isRemoved_ && changes_.empty()) return {};
+    if (auto made = makePrivateFolders(file_.parent_path()); !made) return made;
+    auto lock = FileLock::acquire(lockOf(file_), kLockPatience);
+    if (!lock) return std::unexpected{std::move(lock).error()};
+    auto written = writeChanges();
+    // An emptied domain leaves nothing behind.
+    if (written && !stamp_) lock->removeFile();
+    return written;
+}
+
+// Under the lock.
+Result<void> DefaultsFile::writeChanges() {
+    if (isRemoved_) {
+        if (unlink(file_.c_str()) != 0 && errno != ENOENT)
+            return posixError("unlink " + file_.string());
+        isRemoved_ = false;
+    }
+    if (auto read = refresh(); !read) return read;
+    PropertyDictionary merged = stored_;
+    for (const auto& [key, value] : changes_) {
+        if (value)
+            merged.insert_or_assign(key, *value);
+        else
+            merged.erase(key);
+    }
+    if (merged != stored_) {
+        auto list = xmlPropertyList(PropertyValue{merged});
+        if (!list) return std::unexpected{std::move(list).error()};
+        if (isMalformed_)
+            if (auto kept = keepAside(); !kept) return kept;
+        if (auto written = writeFileAtomically(file_, *list); !written) return written;
+        stored_ = std::move(merged);
+        isMalformed_ = false;
+        if (const auto stamp = files_.stamp(file_)) stamp_ = *stamp;
+    }
+    changes_.clear();
+    return {};
+}
+
+// Fails when a file is there that cannot be read: writing would destroy it.
+Result<void> DefaultsFile::refresh() {
+    const auto standing = files_.stamp(file_);
+    if (!standing && standing.error().code != ENOENT && standing.error().code != ENOTDIR)
+        return std::unexpected{standing.error()};
+    if (standing ? stamp_ == *standing : !stamp_) return {};
+    stored_.clear();
+    stamp_.reset();
+    isMalformed_ = false;
+    if (!standing) return {};
+    auto file = files_.read(file_, kLargestFile);
+    if (!file) return std::unexpected{std::move(file).error()};
+    stamp_ = file->stamp;
+    auto list = parsePropertyList(file->contents);
+    if (list && list->as<PropertyDictionary>()) {
+        stored_ = std::get<PropertyDictionary>(std::move(list->value));
+    } else {
+        isMalformed_ = true;
+        log_.error("defaults: %{public}s is no dictionary of a property list", file_.string());
+    }
+    return {};
+}
+
+Result<void> DefaultsFile::keepAside() const {
+    for (int number = 1; number <= kMostKeptAside; ++number) {
+        std::string kept = file_.string() + ".malformed";
+        if (number > 1) kept += "." + std::to_string(number);
+        if (renameat2(AT_FDCWD, file_.c_str(), AT_FDCWD, kept.c_str(), RENAME_NOREPLACE) == 0) {
+            log_.standard("defaults: kept the unreadable file as %{public}s", kept);
+            return {};
+        }
+        if (errno != EEXIST) return posixError("rename to " + kept);
+    }
+    return posixError("keep " + file_.string(), EEXIST);
+}
+
+}  // namespace quorvane

@@ -1,0 +1,177 @@
+#include "platform/linux/files/OldStylePropertyList.hpp"
+
+#include <cctype>
+#include <optional>
+#include <string_view>
+
+#include "platform/linux/files/PosixError.hpp"
+#include "platform/linux/files/PropertyListSafety.hpp"
+
+namespace quorvane {
+namespace {
+
+bool isWordCharacter(char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return std::isalnum(byte) || byte >= 0x80 ||
+           std::string_view{"_$+/:.-"}.find(character) != std::string_view::npos;
+}
+
+int hexDigit(char character) {
+    if (character >= '0' && character <= '9') return character - '0';
+    const int lower = std::tolower(static_cast<unsigned char>(character));
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+void appendUTF8(std::string& text, unsigned unit) {
+    if (unit < 0x80) {
+        text += static_cast<char>(unit);
+    } else if (unit < 0x800) {
+        text += static_cast<char>(0xC0 | (unit >> 6));
+        text += static_cast<char>(0x80 | (unit & 0x3F));
+    } else {
+        text += static_cast<char>(0xE0 | (unit >> 12));
+        text += static_cast<char>(0x80 | ((unit >> 6) & 0x3F));
+        text += static_cast<char>(0x80 | (unit & 0x3F));
+    }
+}
+
+// Reads from the front. A reader that answers false leaves the rest as it is; the list is
+// malformed.
+class Reader {
+public:
+    explicit Reader(std::string_view text) : rest_(text) {}
+
+    bool readRoot(PropertyValue& value) {
+        return readValue(value, 0) && peek() == '\0' && rest_.empty();
+    }
+    // The next character that means something; NUL at the end, or where a NUL stands.
+    char peek() {
+        while (skipBlank() || skipComment()) {
+        }
+        return rest_.empty() ? '\0' : rest_.front();
+    }
+
+private:
+    bool skipBlank() {
+        const std::size_t end = std::min(rest_.find_first_not_of(" \t\r\n"), rest_.size());
+        rest_.remove_prefix(end);
+        return end > 0;
+    }
+    bool skipComment() {
+        const bool isLine = rest_.starts_with("//");
+        if (!isLine && !rest_.starts_with("/*")) return false;
+        const std::size_t end = isLine ? rest_.find('\n') : rest_.find("*/", 2);
+        rest_.remove_prefix(end == rest_.npos ? rest_.size() : end + (isLine ? 1 : 2));
+        return true;
+    }
+    bool take(char character) {
+        if (peek() != character || rest_.empty()) return false;
+        rest_.remove_prefix(1);
+        return true;
+    }
+
+    bool readValue(PropertyValue& value, int depth) {
+        if (depth > kDeepestList || ++values_ > kMostListValues) return false;
+        if (take('{')) return readDictionary(value.value.emplace<PropertyDictionary>(), depth);
+        if (take('(')) return readArray(value.value.emplace<PropertyArray>(), depth);
+        if (take('<')) return readData(value.value.emplace<Bytes>());
+        return readText(value.value.emplace<std::string>());
+    }
+    bool readDictionary(PropertyDictionary& dictionary, int depth) {
+        while (!take('}')) {
+            std::string key;
+            if (!readText(key) || !take('=') || !readValue(dictionary[key], depth + 1) ||
+                !take(';'))
+                return false;
+        }
+        return true;
+    }
+    bool readArray(PropertyArray& array, int depth) {
+        while (!take(')')) {
+            if (!readValue(array.emplace_back(), depth + 1)) return false;
+            if (!take(',') && peek() != ')') return false;
+        }
+        return true;
+    }
+    bool readData(Bytes& data) {
+        while (!take('>')) {
+            const int high = takeHexDigit();
+            const int low = high < 0 ? -1 : takeHexDigit();
+            if (low < 0) return false;
+            data.push_back(static_cast<std::byte>(high * 16 + low));
+        }
+        return true;
+    }
+    int takeHexDigit() {
+        const int digit = hexDigit(peek());
+        if (digit >= 0) rest_.remove_prefix(1);
+        return digit;
+    }
+    bool readText(std::string& text) {
+        const char first = peek();
+        if (first == '"' || first == '\'') return readQuoted(text, first);
+        std::size_t length = 0;
+        while (length < rest_.size() && isWordCharacter(rest_[length])) ++length;
+        text = rest_.substr(0, length);
+        rest_.remove_prefix(length);
+        return length > 0;
+    }
+    bool readQuoted(std::string& text, char quote) {
+        rest_.remove_prefix(1);
+        while (!rest_.empty()) {
+            const char character = rest_.front();
+            rest_.remove_prefix(1);
+            if (character == quote) return true;
+            if (character == '\0') return false;
+            if (character != '\\')
+                text += character;
+            else if (!readEscape(text))
+                return false;
+        }
+        return false;
+    }
+    bool readEscape(std::string& text) {
+        if (rest_.empty()) return false;
+        const char character = rest_.front();
+        if (character == 'U') return readNumber(text, 1, 4, 16);
+        if (character >= '0' && character <= '7') return readNumber(text, 0, 3, 8);
+        constexpr std::string_view names = "abfnrtv";
+        const std::size_t place = names.find(character);
+        text += place == names.npos ? character : "\a\b\f\n\r\t\v"[place];
+        rest_.remove_prefix(1);
+        return true;
+    }
+    bool readNumber(std::string& text, std::size_t skipped, std::size_t length, int base) {
+        rest_.remove_prefix(skipped);
+        unsigned number = 0;
+        std::size_t read = 0;
+        for (; read < length && read < rest_.size(); ++read) {
+            const int digit = hexDigit(rest_[read]);
+            if (digit < 0 || digit >= base) break;
+            number = number * static_cast<unsigned>(base) + static_cast<unsigned>(digit);
+        }
+        rest_.remove_prefix(read);
+        if (read == 0 || number == 0) return false;
+        appendUTF8(text, number);
+        return true;
+    }
+
+    std::string_view rest_;
+    std::size_t values_ = 0;
+};
+
+}  // namespace
+
+bool isOldStyleList(ByteView contents) {
+    const char first = Reader{textOf(contents)}.peek();
+    return first == '{' || first == '(';
+}
+
+Result<PropertyValue> parseOldStyleList(ByteView contents) {
+    Result<PropertyValue> value{std::in_place};
+    if (!Reader{textOf(contents)}.readRoot(*value))
+        return posixError("malformed old-style property list", EINVAL);
+    return value;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,67 @@
+#include "platform/linux/language/UserLanguage.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+
+namespace quorvane {
+namespace {
+
+// Two- and three-letter codes of the languages with locales on Linux.
+constexpr std::string_view kRightToLeftLanguages[] = {
+    "ar",  "arc", "azb", "ckb", "dv", "fa",  "glk", "he", "iw", "ks",
+    "mzn", "nqo", "pnb", "ps",  "sd", "syr", "ug",  "ur", "yi", "rhg"};
+
+// Language and country; codeset and modifier are left out.
+std::string_view withoutSuffixes(std::string_view locale) {
+    return locale.substr(0, locale.find_first_of(".@"));
+}
+
+}  // namespace
+
+bool isRightToLeftLocale(std::string_view locale) {
+    // Some languages are written in several ways; the modifier tells.
+    if (locale.ends_with("@arabic") || locale.ends_with("@hebrew")) return true;
+    if (locale.ends_with("@latin") || locale.ends_with("@devanagari")) return false;
+    const auto language = locale.substr(0, locale.find_first_of("_.@"));
+    return std::ranges::find(kRightToLeftLanguages, language) != std::end(kRightToLeftLanguages);
+}
+
+std::string_view localeOfMessages() {
+    // In this order, the first that is set and not empty.
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (const char* value = std::getenv(name); value && *value) return value;
+    return {};
+}
+
+std::vector<std::string> preferredLocales() {
+    const std::string_view locale = localeOfMessages();
+    if (locale.empty() || locale == "C" || locale == "POSIX") return {};
+    std::vector<std::string> locales;
+    const char* const variable = std::getenv("LANGUAGE");
+    for (std::string_view rest{variable ? variable : ""}; !rest.empty();) {
+        const auto name = rest.substr(0, rest.find(':'));
+        if (!name.empty()) locales.emplace_back(name);
+        rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+    }
+    locales.emplace_back(locale);
+    return locales;
+}
+
+std::string languageTag(std::string_view locale) {
+    std::string tag{withoutSuffixes(locale)};
+    std::ranges::replace(tag, '_', '-');
+    return tag;
+}
+
+std::vector<std::string> catalogueNames(std::string_view locale) {
+    const std::string modifier{locale.substr(std::min(locale.find('@'), locale.size()))};
+    const std::string place{withoutSuffixes(locale)};
+    const std::string language{place.substr(0, place.find('_'))};
+    std::vector<std::string> names;
+    for (const std::string& name : {place + modifier, language + modifier, place, language})
+        if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+    return names;
+}
+
+}  // namespace quorvane

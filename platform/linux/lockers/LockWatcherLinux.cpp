@@ -1,0 +1,68 @@
+#include "platform/linux/lockers/LockWatcherLinux.hpp"
+
+#include <string_view>
+#include <utility>
+
+namespace quorvane {
+namespace {
+
+constexpr char kLockedKey[] = "CGSSessionScreenIsLocked";
+constexpr std::string_view kLockUIState = "com.apple.sessionagent.screenLockUIIsShowing";
+// The status numbers of the notify calls.
+constexpr std::uint32_t kNotifyOK = 0;
+constexpr std::uint32_t kNotifyInvalidName = 1;
+
+}  // namespace
+
+LockWatcherLinux::LockWatcherLinux(ServicesLinux& services, X11Session& x11)
+    : notices_(services.localNotices),
+      x11_(x11),
+      screenSavers_(services.sessionBus, [this] { update(); }),
+      logind_(services.systemBus, {.lockedHintChanged = [this] { update(); },
+                                   .woke = [this] { wakeListeners_.call(); }}),
+      signals_(read()),
+      lockerObservation_(x11_.observeLockerWindows([this] { update(); })) {}
+
+LockSignals LockWatcherLinux::read() const {
+    return {.hasLockerWindow = !x11_.lockerWindows().empty(),
+            .screenSaverIsActive = screenSavers_.isActive(),
+            .sessionSaysLocked = logind_.isLocked()};
+}
+
+void LockWatcherLinux::update() {
+    const LockSignals before = std::exchange(signals_, read());
+    if (!before.isLocked() && signals_.isLocked()) lockingListeners_.call();
+    for (const char* notice : noticesBetween(before, signals_)) notices_.deliver(notice);
+}
+
+// Whoever observes wakes has just begun to observe the lock. Where the lock's face shows already it
+// is announced once more, as its coming was missed; that the screen is locked is asked for anyway.
+Handle LockWatcherLinux::observeWake(std::function<void()> handler) {
+    if (signals_.isLockUIShown()) notices_.deliver(kScreenLockUIIsShown);
+    return wakeListeners_.add(std::move(handler));
+}
+
+LockSources LockWatcherLinux::sources() {
+    return {.sessionDictionary = [this]() -> std::optional<PropertyValue> {
+                PropertyDictionary session;
+                if (signals_.isLocked()) session.emplace(kLockedKey, PropertyValue{true});
+                return PropertyValue{std::move(session)};
+            },
+            .observeWake =
+                [this](std::function<void()> handler) { return observeWake(std::move(handler)); },
+            // One state is known here, and it is read afresh; a registration holds nothing.
+            .notifyRegisterCheck =
+                [this](const char* name, int& token) {
+                    if (name != kLockUIState) return kNotifyInvalidName;
+                    token = ++tokensMade_;
+                    return kNotifyOK;
+                },
+            .notifyGetState =
+                [this](int, std::uint64_t& state) {
+                    state = signals_.isLockUIShown() ? 1 : 0;
+                    return kNotifyOK;
+                },
+            .notifyCancel = [](int) {}};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,45 @@
+// The lock watcher: turns all signs of a lock on this system into the notices of the lock and the
+// lock's other sources.
+#pragma once
+
+#include <functional>
+
+#include "lockers/LockSignals.hpp"
+#include "platform/LockSources.hpp"
+#include "platform/linux/bus/LogindLinux.hpp"
+#include "platform/linux/bus/ScreenSaverSignals.hpp"
+#include "platform/linux/loop/Listeners.hpp"
+#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/x11/X11Session.hpp"
+
+namespace quorvane {
+
+// Main thread only. Delivers the four notices to this process's own observers.
+class LockWatcherLinux {
+public:
+    LockWatcherLinux(ServicesLinux& services, X11Session& x11);
+
+    // Refers to the watcher.
+    LockSources sources();
+    // Called when the screen has become locked, before the notice is delivered.
+    Handle observeLocking(std::function<void()> handler) {
+        return lockingListeners_.add(std::move(handler));
+    }
+
+private:
+    void update();
+    LockSignals read() const;
+    Handle observeWake(std::function<void()> handler);
+
+    LocalNotices& notices_;
+    X11Session& x11_;
+    Listeners<> wakeListeners_;
+    Listeners<> lockingListeners_;
+    ScreenSaverSignals screenSavers_;
+    LogindLinux logind_;
+    LockSignals signals_;
+    int tokensMade_ = 0;
+    Handle lockerObservation_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,68 @@
+// The lockers' windows that are on the X server now, and the areas that they need.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <vector>
+
+#include "lockers/KeepClearZones.hpp"
+#include "lockers/LockerRules.hpp"
+#include "platform/Clock.hpp"
+#include "platform/linux/loop/Listeners.hpp"
+#include "platform/linux/x11/MonitorsLinux.hpp"
+#include "platform/linux/x11/TopLevels.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Session.hpp"
+
+namespace quorvane {
+
+// Main thread only. Gathers what the rules want to know, and asks the server no more than that:
+// while no window covers a screen, events are counted up without a single request.
+class LockerWindows {
+public:
+    LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const Clock& clock);
+
+    const std::vector<LockerWindow>& windows() const { return windows_; }
+    Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
+    // Root pixels.
+    const std::vector<Rect>& zones() const { return zones_; }
+    // Reports changed zones of a lock that goes on. A change of the monitors is reported by those,
+    // and the zones are right by then.
+    Handle observeZones(std::function<void()> handler) {
+        return zoneListeners_.add(std::move(handler));
+    }
+    void noteOwnWindow(xcb_window_t window, bool exists);
+
+private:
+    void evaluate();
+    struct Changes {
+        bool zones = false;
+        bool screens = false;  // of a lock that goes on: a card is gone, or there is room for one
+    };
+    Changes update();
+    LockFacts gather();
+    std::vector<FoundLocker> find(LockFacts facts);
+    bool changesScreens(const std::set<xcb_window_t>& destroyed);
+    void describeClients(LockFacts& facts);
+    void describeWindows(LockFacts& facts, const std::set<std::uint32_t>& clients);
+    LockScene sceneOf(const LockFacts& facts, const std::vector<FoundLocker>& found);
+
+    MonitorsLinux& monitors_;
+    Clock clock_;
+    LockerNames names_;
+    TopLevels topLevels_;
+    bool isStale_ = true;
+    std::vector<LockerWindow> windows_;
+    std::vector<xcb_window_t> onMonitors_;  // the locker's window on each monitor
+    std::vector<Rect> zones_;
+    Size promptSize_;    // that holds every prompt seen so far
+    int looksLeft_ = 0;  // at the pointer, for a client that may be about to grab it
+    Timer nextLook_;
+    Listeners<> listeners_;
+    Listeners<> zoneListeners_;
+    Handle quiet_;
+    Handle monitorChanges_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,68 @@
+#include "platform/linux/lockers/X11SessionLinux.hpp"
+
+#include <utility>
+
+namespace quorvane {
+
+Result<std::unique_ptr<X11SessionLinux>> X11SessionLinux::open(EventLoop& loop,
+                                                               const std::string& display,
+                                                               std::function<void()> onLost) {
+    auto x11 = X11Connection::open(loop, display, std::move(onLost));
+    if (!x11) return std::unexpected(std::move(x11).error());
+    return std::unique_ptr<X11SessionLinux>{new X11SessionLinux(*std::move(x11), loop.clock())};
+}
+
+X11SessionLinux::X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock& clock)
+    : x11_(std::move(x11)),
+      monitors_(*x11_, clock),
+      lockers_(*x11_, monitors_, clock),
+      pointer_(*x11_) {
+    // The user's dots per inch change without a notice, and matter only while there is a lock.
+    lockObservation_ = lockers_.observe([this] {
+        const bool isLocked = !lockers_.windows().empty();
+        if (!std::exchange(isLocked_, isLocked) && isLocked) monitors_.refresh();
+    });
+}
+
+Handle X11SessionLinux::observeWindow(xcb_window_t window,
+                                      std::function<void(const xcb_generic_event_t&)> handler) {
+    return x11_->observeWindow(window, std::move(handler));
+}
+
+Handle X11SessionLinux::observeEvents(std::uint8_t type,
+                                      std::function<void(const xcb_generic_event_t&)> handler) {
+    return x11_->observeEvents(type, std::move(handler));
+}
+
+Handle X11SessionLinux::observePointer(std::function<void(const RawPointerEvent&)> handler) {
+    return pointer_.observe(std::move(handler));
+}
+
+Handle X11SessionLinux::observePointerMoves(std::function<void(Point)> handler) {
+    return pointer_.observeMoves(std::move(handler));
+}
+
+Handle X11SessionLinux::observeLockerWindows(std::function<void()> handler) {
+    return lockers_.observe(std::move(handler));
+}
+
+Rect X11SessionLinux::pixelFrame(const Screen& screen) {
+    return monitors_.layout().pixels(screen.frame);
+}
+
+void X11SessionLinux::noteOwnWindow(xcb_window_t window, bool exists) {
+    lockers_.noteOwnWindow(window, exists);
+}
+
+Screens X11SessionLinux::screens() {
+    return {
+        .list = [this] { return monitors_.layout().screens(lockers_.zones()); },
+        .observeChanges =
+            [this](std::function<void()> handler) { return monitors_.observe(std::move(handler)); },
+        .observeKeepClear =
+            [this](std::function<void()> handler) {
+                return lockers_.observeZones(std::move(handler));
+            }};
+}
+
+}  // namespace quorvane

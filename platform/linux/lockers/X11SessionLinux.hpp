@@ -1,0 +1,51 @@
+// The X11 session of this edition: one connection and what is read from it.
+#pragma once
+
+#include <memory>
+
+#include "platform/linux/lockers/LockerWindows.hpp"
+#include "platform/linux/x11/MonitorsLinux.hpp"
+#include "platform/linux/x11/RawPointer.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11Session.hpp"
+
+namespace quorvane {
+
+// Main thread only. Lives as long as the platform's tables.
+class X11SessionLinux : public X11Session {
+public:
+    // `onLost` is called once when the server goes away; the session then knows what it last knew.
+    static Result<std::unique_ptr<X11SessionLinux>> open(EventLoop& loop,
+                                                         const std::string& display,
+                                                         std::function<void()> onLost);
+
+    xcb_connection_t* connection() override { return x11_->connection(); }
+    const xcb_screen_t& screen() override { return x11_->screen(); }
+    xcb_atom_t atom(const char* name) override { return x11_->atom(name); }
+    Handle observeWindow(xcb_window_t window,
+                         std::function<void(const xcb_generic_event_t&)> handler) override;
+    Handle observeEvents(std::uint8_t type,
+                         std::function<void(const xcb_generic_event_t&)> handler) override;
+    Handle observePointer(std::function<void(const RawPointerEvent&)> handler) override;
+    Handle observePointerMoves(std::function<void(Point)> handler) override;
+    std::vector<LockerWindow> lockerWindows() override { return lockers_.windows(); }
+    Handle observeLockerWindows(std::function<void()> handler) override;
+    Rect pixelFrame(const Screen& screen) override;
+    void noteOwnWindow(xcb_window_t window, bool exists) override;
+    void flush() override { x11_->flush(); }
+
+    // Refers to the session.
+    Screens screens();
+
+private:
+    X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock& clock);
+
+    std::unique_ptr<X11Connection> x11_;  // the others refer to it
+    MonitorsLinux monitors_;
+    LockerWindows lockers_;
+    RawPointer pointer_;
+    bool isLocked_ = false;
+    Handle lockObservation_;
+};
+
+}  // namespace quorvane

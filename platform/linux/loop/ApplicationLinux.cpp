@@ -1,0 +1,41 @@
+#include "platform/linux/loop/ApplicationLinux.hpp"
+
+#include <sys/epoll.h>
+
+#include <utility>
+
+namespace quorvane {
+
+Application ApplicationLinux::table() {
+    return {.run =
+                [this](const std::function<void()>& didFinishLaunching,
+                       const std::function<void()>& willTerminate) {
+                    return run(didFinishLaunching, willTerminate);
+                },
+            // The loop ends after the handler that asks for it, so nothing of the callers' is torn
+            // down under them.
+            .terminate = [this] { loop_.quit(EXIT_SUCCESS); },
+            .handleTerminationSignal =
+                [this](std::function<void()> action) { termination_.emplace(std::move(action)); }};
+}
+
+int ApplicationLinux::run(const std::function<void()>& didFinishLaunching,
+                          const std::function<void()>& willTerminate) {
+    const SignalDescriptor interrupt{SIGINT};
+    Handle watch;
+    bool hasLaunched = false;
+    loop_.mainThread().post([&] {
+        // Not before: an end in order is the end of something that has begun.
+        watch = loop_.watch(interrupt.descriptor(), EPOLLIN, [&](std::uint32_t) {
+            interrupt.wait();
+            loop_.quit(EXIT_SUCCESS);
+        });
+        hasLaunched = true;
+        didFinishLaunching();
+    });
+    const int status = loop_.run();
+    if (hasLaunched) willTerminate();
+    return status;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,192 @@
+#include "platform/linux/ports/LocalPortLinux.hpp"
+
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <limits>
+#include <map>
+
+namespace quorvane {
+namespace {
+
+constexpr int kBacklog = 128;
+constexpr int kMostAcceptedAtOnce = 64;
+constexpr Duration kAcceptPause = std::chrono::milliseconds{250};
+
+Instant now() { return std::chrono::steady_clock::now(); }
+
+}  // namespace
+
+std::unique_ptr<LocalPort> LocalPortLinux::open(PortFolder folder, const std::string& name,
+                                                PortHandler handler, const PortLimits& limits) {
+    auto lock = folder.lock(name);
+    if (!lock) return nullptr;
+    std::unique_ptr<LocalPortLinux> port{
+        new LocalPortLinux{std::move(folder), name, *std::move(lock), std::move(handler), limits}};
+    if (!port->listen()) return nullptr;
+    return port;
+}
+
+LocalPortLinux::LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock,
+                               PortHandler handler, const PortLimits& limits)
+    : folder_(std::move(folder)),
+      name_(std::move(name)),
+      lock_(std::move(lock)),
+      handler_(std::move(handler)),
+      limits_(limits),
+      epoll_(epoll_create1(EPOLL_CLOEXEC)),
+      wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      memory_(limits.bodyBytes) {}
+
+// The socket's file goes before the lock: a successor's file is never removed.
+LocalPortLinux::~LocalPortLinux() {
+    if (listener_) folder_.remove(name_);
+}
+
+bool LocalPortLinux::listen() {
+    const auto address = folder_.address(name_);
+    // What still stands there is a dead server's: this process holds the lock.
+    if (!epoll_ || !wake_ || !address || !folder_.remove(name_)) return false;
+    FileDescriptor socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)};
+    if (!socket || bind(socket.get(), address->get(), address->length) != 0) return false;
+    listener_ = std::move(socket);
+    folder_.protect(name_);
+    return ::listen(listener_.get(), kBacklog) == 0 &&
+           watch(listener_.get(), EPOLLIN, &listener_, EPOLL_CTL_ADD) &&
+           watch(wake_.get(), EPOLLIN, &wake_, EPOLL_CTL_ADD);
+}
+
+bool LocalPortLinux::watch(int descriptor, std::uint32_t events, void* tag, int operation) {
+    epoll_event event{.events = events, .data = {.ptr = tag}};
+    return epoll_ctl(epoll_.get(), operation, descriptor, &event) == 0;
+}
+
+void LocalPortLinux::stop() {
+    isStopped_ = true;
+    eventfd_write(wake_.get(), 1);
+}
+
+void LocalPortLinux::run() {
+    std::array<epoll_event, 64> events;
+    while (!isStopped_) {
+        const int count = wait(events);
+        if (count < 0 && errno != EINTR) return;
+        const Instant woke = nextDeadline_ ? now() : Instant::min();
+        bool isSomebodyWaiting = false;
+        for (const epoll_event& event : std::span{events}.first(std::max(count, 0))) {
+            if (event.data.ptr == &wake_) continue;
+            if (event.data.ptr == &listener_)
+                isSomebodyWaiting = true;
+            else if (!isStopped_)
+                serve(*static_cast<PortConnection*>(event.data.ptr));
+        }
+        // After the clients: making room for a new one may end one whose event came along.
+        if (isSomebodyWaiting) acceptWaiting();
+        // By the time before the clients were served: while a handler ran, nobody was read.
+        if (nextDeadline_ && woke >= *nextDeadline_) expire(woke);
+    }
+}
+
+int LocalPortLinux::wait(std::span<epoll_event> events) const {
+    int milliseconds = -1;
+    if (nextDeadline_) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*nextDeadline_ - now());
+        milliseconds = static_cast<int>(std::max(left.count(), decltype(left.count()){0}));
+    }
+    return epoll_wait(epoll_.get(), events.data(), static_cast<int>(events.size()), milliseconds);
+}
+
+void LocalPortLinux::acceptWaiting() {
+    for (int i = 0; i < kMostAcceptedAtOnce; ++i) {
+        FileDescriptor socket{
+            accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK)};
+        if (!socket) {
+            const bool isOutOfResources =
+                errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM;
+            if (isOutOfResources) pauseListening();
+            if (errno != ECONNABORTED && errno != EINTR) return;
+        } else if (peerIsOwnUser(socket.get())) {
+            add(std::move(socket));
+        }
+    }
+}
+
+// Without free descriptors the listener would stay ready and keep the loop turning.
+void LocalPortLinux::pauseListening() {
+    watch(listener_.get(), 0, &listener_, EPOLL_CTL_MOD);
+    listensAgain_ = now() + kAcceptPause;
+    noteDeadline(listensAgain_);
+}
+
+void LocalPortLinux::add(FileDescriptor socket) {
+    if (connections_.size() >= limits_.connections) dropFromGreediest();
+    // A client without the secret gets nothing to fill it with.
+    askForSendRoom(socket.get());
+    auto connection = std::make_unique<PortConnection>(std::move(socket), limits_, memory_);
+    connection->place = connections_.size();
+    connection->lastUse = ++uses_;
+    connection->watched = EPOLLIN;
+    if (watch(connection->socket(), EPOLLIN, connection.get(), EPOLL_CTL_ADD))
+        connections_.push_back(std::move(connection));
+}
+
+void LocalPortLinux::serve(PortConnection& connection) {
+    connection.lastUse = ++uses_;
+    if (!connection.serve(handler_)) return drop(connection);
+    const std::uint32_t wanted = connection.isWriting() ? EPOLLOUT : EPOLLIN;
+    if (wanted != connection.watched) {
+        watch(connection.socket(), wanted, &connection, EPOLL_CTL_MOD);
+        connection.watched = wanted;
+    }
+    noteDeadline(connection.deadline());
+}
+
+void LocalPortLinux::drop(PortConnection& connection) {
+    // Closing alone does not end the watch while a child of this process, forked but not yet
+    // another program, holds the socket too; the next event would then name what is gone.
+    watch(connection.socket(), 0, nullptr, EPOLL_CTL_DEL);
+    const std::size_t place = connection.place;
+    std::swap(connections_[place], connections_.back());
+    connections_[place]->place = place;
+    connections_.pop_back();
+}
+
+// So that no process can crowd out the others: the one with the most connections loses the one that
+// it used least lately.
+void LocalPortLinux::dropFromGreediest() {
+    std::map<std::int32_t, std::size_t> counts;
+    for (const auto& connection : connections_) ++counts[connection->peer()];
+    const auto rank = [&](const std::unique_ptr<PortConnection>& connection) {
+        return std::pair{counts[connection->peer()],
+                         std::numeric_limits<std::uint64_t>::max() - connection->lastUse};
+    };
+    drop(**std::ranges::max_element(connections_, {}, rank));
+}
+
+void LocalPortLinux::expire(Instant present) {
+    nextDeadline_.reset();
+    if (listensAgain_ && present >= *listensAgain_) {
+        watch(listener_.get(), EPOLLIN, &listener_, EPOLL_CTL_MOD);
+        listensAgain_.reset();
+    }
+    noteDeadline(listensAgain_);
+    for (std::size_t place = 0; place < connections_.size();) {
+        PortConnection& connection = *connections_[place];
+        if (connection.deadline() && present >= *connection.deadline()) {
+            drop(connection);  // another one takes its place
+        } else {
+            noteDeadline(connection.deadline());
+            ++place;
+        }
+    }
+}
+
+void LocalPortLinux::noteDeadline(std::optional<Instant> deadline) {
+    if (deadline && (!nextDeadline_ || *deadline < *nextDeadline_)) nextDeadline_ = deadline;
+}
+
+}  // namespace quorvane

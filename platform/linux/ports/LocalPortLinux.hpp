@@ -1,0 +1,61 @@
+// The serving end of a port: one loop over the listening socket and its clients.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+#include "platform/MessagePort.hpp"
+#include "platform/linux/files/FileDescriptor.hpp"
+#include "platform/linux/ports/PortConnection.hpp"
+#include "platform/linux/ports/PortFolder.hpp"
+
+struct epoll_event;
+
+namespace quorvane {
+
+// Owns its name while it lives. No client can make it wait: whoever is slow only waits itself.
+class LocalPortLinux final : public LocalPort {
+public:
+    // Nothing when the name is taken, or the folder is not fit for it.
+    static std::unique_ptr<LocalPort> open(PortFolder folder, const std::string& name,
+                                           PortHandler handler, const PortLimits& limits);
+    ~LocalPortLinux() override;
+
+    void run() override;
+    void stop() override;
+
+private:
+    LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock, PortHandler handler,
+                   const PortLimits& limits);
+
+    bool listen();
+    bool watch(int descriptor, std::uint32_t events, void* tag, int operation);
+    int wait(std::span<epoll_event> events) const;
+    void acceptWaiting();
+    void pauseListening();
+    void add(FileDescriptor socket);
+    void serve(PortConnection& connection);
+    void drop(PortConnection& connection);
+    void dropFromGreediest();
+    void expire(Instant present);
+    void noteDeadline(std::optional<Instant> deadline);
+
+    const PortFolder folder_;
+    const std::string name_;
+    const FileDescriptor lock_;
+    const PortHandler handler_;
+    const PortLimits limits_;
+    FileDescriptor listener_;
+    FileDescriptor epoll_;
+    FileDescriptor wake_;
+    std::atomic<bool> isStopped_ = false;
+
+    PortMemory memory_;  // before the connections, which give back to it
+    std::vector<std::unique_ptr<PortConnection>> connections_;
+    std::uint64_t uses_ = 0;
+    std::optional<Instant> nextDeadline_;  // not after the first that is due
+    std::optional<Instant> listensAgain_;  // while nothing is accepted
+};
+
+}  // namespace quorvane

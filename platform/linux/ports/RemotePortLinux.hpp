@@ -1,0 +1,59 @@
+// The sending end of a port: one connection to the process that serves the name.
+#pragma once
+
+#include <sys/time.h>
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+
+#include "platform/MessagePort.hpp"
+#include "platform/linux/files/FileDescriptor.hpp"
+#include "platform/linux/ports/FrameBuffer.hpp"
+#include "platform/linux/ports/PortFolder.hpp"
+
+namespace quorvane {
+
+// As a socket's time limit, rounded up as a whole: a million microseconds beside the seconds would
+// be refused, and the wait would have no end.
+constexpr timeval timevalUpTo(Duration limit) {
+    const auto rounded = std::chrono::ceil<std::chrono::microseconds>(limit);
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(rounded);
+    return {.tv_sec = seconds.count(), .tv_usec = (rounded - seconds).count()};
+}
+
+// A waiting send blocks its thread and runs nothing meanwhile. A connection that died stays dead.
+class RemotePortLinux final : public RemotePort {
+public:
+    // Nothing when nobody of this user serves the name. Never waits.
+    static std::unique_ptr<RemotePort> connect(const PortFolder& folder, const std::string& name);
+
+    PortReply send(PortRequest request) override;
+    void cancel() override;
+
+private:
+    enum class Received { something, timedOut, closed };
+
+    explicit RemotePortLinux(FileDescriptor socket) : socket_(std::move(socket)) {}
+
+    std::int32_t sendFrame(const PortRequest& request);
+    bool waitForRoom(Instant deadline) const;
+    PortReply receiveReply(Duration timeout, Bytes memory);
+    PortReply receiveBody(std::size_t length, Instant deadline, Bytes body);
+    PortReply failure(Received received);
+    PortReply brokenRules();
+    Received fill(Instant deadline);
+    Received skipStale(Instant deadline);
+    Received receive(std::span<std::byte> place, int flags, Instant deadline, std::size_t& count);
+    void limitReceiving(Duration limit);
+    void close();
+
+    std::mutex mutex_;       // keeps `cancel` off a number that has become another file's
+    FileDescriptor socket_;  // closed under mutex_
+    FrameBuffer buffer_;
+    std::uint64_t sequence_ = 0;
+    std::size_t staleBytes_ = 0;            // of a late reply's body, still to be skipped
+    std::optional<Duration> receiveLimit_;  // as the socket has it; it begins with none
+};
+
+}  // namespace quorvane

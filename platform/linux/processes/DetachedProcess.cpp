@@ -1,0 +1,75 @@
+#include "platform/linux/processes/DetachedProcess.hpp"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/linux/files/FileDescriptor.hpp"
+#include "platform/linux/files/PosixError.hpp"
+
+namespace quorvane {
+namespace {
+
+void useUsualSignals() {
+    // What a script starts in its background ignores the interrupt that asks it to end.
+    for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+// Everything but the descriptor that goes away when the program begins.
+bool useNothingOfTheCallers(int kept) {
+    const int null = open("/dev/null", O_RDWR);
+    if (null < 0) return false;
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (dup2(null, standard) < 0) return false;
+    close_range(3, static_cast<unsigned>(kept) - 1, 0);
+    close_range(static_cast<unsigned>(kept) + 1, ~0U, 0);
+    return chdir("/") == 0;
+}
+
+// In the child's child. The number of what failed goes through the descriptor.
+[[noreturn]] void begin(const std::filesystem::path& executable, char** arguments, int report) {
+    useUsualSignals();
+    if (useNothingOfTheCallers(report)) execv(executable.c_str(), arguments);
+    const int failure = errno;
+    _exit(write(report, &failure, sizeof failure) == sizeof failure ? 126 : 127);
+}
+
+[[noreturn]] void forkAgain(const std::filesystem::path& executable, char** arguments, int report) {
+    setsid();
+    const pid_t pid = fork();
+    if (pid == 0) begin(executable, arguments, report);
+    const int failure = errno;
+    if (pid < 0 && write(report, &failure, sizeof failure) < 0) _exit(127);
+    _exit(0);
+}
+
+}  // namespace
+
+Result<void> startDetached(const std::filesystem::path& executable,
+                           std::vector<std::string> arguments) {
+    std::string own = executable.string();
+    std::vector<char*> words{own.data()};
+    for (std::string& argument : arguments) words.push_back(argument.data());
+    words.push_back(nullptr);
+    int ends[2] = {-1, -1};
+    if (pipe2(ends, O_CLOEXEC) != 0) return posixError("pipe");
+    const FileDescriptor reading{ends[0]};
+    // Above the standard ones, which the program's are put over, also when some are not open.
+    FileDescriptor writing{fcntl(ends[1], F_DUPFD_CLOEXEC, 4)};
+    close(ends[1]);
+    const pid_t pid = fork();
+    if (pid < 0) return posixError("fork");
+    if (pid == 0) forkAgain(executable, words.data(), writing.get());
+    writing.reset();
+    int failure = 0;
+    const ssize_t length = read(reading.get(), &failure, sizeof failure);
+    waitpid(pid, nullptr, 0);
+    if (length == sizeof failure) return posixError(executable, failure);
+    return {};
+}
+
+}  // namespace quorvane

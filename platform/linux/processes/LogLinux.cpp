@@ -1,0 +1,136 @@
+#include "platform/linux/processes/LogLinux.hpp"
+
+// Every line would carry the place in this file.
+#define SD_JOURNAL_SUPPRESS_LOCATION
+#include <fcntl.h>
+#include <sys/uio.h>
+#include <systemd/sd-journal.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+#include "platform/LogRendering.hpp"
+#include "platform/linux/files/FileDescriptor.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr char kJournalSocket[] = "/run/systemd/journal/socket";
+
+struct LevelRow {
+    const char* name;
+    const char* priority;  // syslog's
+};
+
+LevelRow rowOf(LogLevel level) {
+    switch (level) {
+        case LogLevel::debug: return {"debug", "7"};
+        case LogLevel::info: return {"info", "6"};
+        case LogLevel::standard: return {"default", "5"};
+        case LogLevel::error: return {"error", "3"};
+        case LogLevel::fault: return {"fault", "2"};
+    }
+    std::unreachable();
+}
+
+bool isVariable(const char* name, std::string_view value) {
+    const char* set = std::getenv(name);
+    return set && value == set;
+}
+
+void appendEscape(std::string& text, unsigned char character) {
+    char escape[5];
+    std::snprintf(escape, sizeof escape, "\\x%02x", character);
+    text += character == '\n' ? "\\n" : character == '\t' ? "\\t" : escape;
+}
+
+// Escapes C0, DEL and, where it stands as UTF-8, C1: terminals obey all three.
+std::string withoutControls(std::string_view text) {
+    std::string safe;
+    safe.reserve(text.size());
+    bool isAfterC2 = false;
+    for (const char next : text) {
+        const auto character = static_cast<unsigned char>(next);
+        const bool isC1 = isAfterC2 && character >= 0x80 && character < 0xA0;
+        isAfterC2 = character == 0xC2;
+        if (isC1) safe.pop_back();
+        if (isC1 || character < 0x20 || character == 0x7F)
+            appendEscape(safe, character);
+        else
+            safe += next;
+    }
+    return safe;
+}
+
+// In one piece, so that lines of several threads and processes do not mix.
+void writeTo(int descriptor, const std::string& line) {
+    std::string_view rest = line;
+    while (!rest.empty()) {
+        const ssize_t written = write(descriptor, rest.data(), rest.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return;  // nobody to tell
+        rest.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+FileDescriptor openedLog(const std::filesystem::path& file) {
+    if (file.empty()) return {};
+    return FileDescriptor{open(
+        file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0600)};
+}
+
+bool writeToJournal(const LogLine& line, const LogOptions& options) {
+    std::array fields{"MESSAGE=" + render(line, options.showsPrivate),
+                      std::string{"PRIORITY="} + rowOf(line.level).priority,
+                      "SUBSYSTEM=" + std::string{line.subsystem},
+                      "CATEGORY=" + std::string{line.category},
+                      "SYSLOG_IDENTIFIER=" + options.identifier};
+    std::array<iovec, fields.size()> pieces{};
+    for (std::size_t index = 0; index < fields.size(); ++index)
+        pieces[index] = {fields[index].data(), fields[index].size()};
+    return sd_journal_sendv(pieces.data(), static_cast<int>(pieces.size())) >= 0;
+}
+
+}  // namespace
+
+LogOptions LogOptions::fromEnvironment(std::string identifier) {
+    const char* const target = std::getenv("QUORVANE_LOG");
+    return {.identifier = std::move(identifier),
+            .toStandardError = isVariable("QUORVANE_LOG", "stderr"),
+            .showsPrivate = isVariable("QUORVANE_LOG_PRIVATE", "1"),
+            .file = target && target[0] == '/' ? target : ""};
+}
+
+LogSink makeLogSink(LogOptions options) {
+    // The journal's own function reports success when there is none.
+    if (!options.file.empty() || access(kJournalSocket, F_OK) != 0) options.toStandardError = true;
+    const auto file = std::make_shared<FileDescriptor>(openedLog(options.file));
+    return [options = std::move(options), file](const LogLine& line) {
+        if (!options.toStandardError && writeToJournal(line, options)) return;
+        const WallTime now = std::chrono::system_clock::now();
+        writeTo(*file ? file->get() : STDERR_FILENO,
+                standardErrorLine(line, now, options.showsPrivate));
+    };
+}
+
+std::string standardErrorLine(const LogLine& line, WallTime time, bool showsPrivate) {
+    const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(time);
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(milliseconds);
+    const std::time_t number = seconds.time_since_epoch().count();
+    tm parts{};
+    gmtime_r(&number, &parts);
+    char text[64];
+    const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
+    std::snprintf(text + length, sizeof text - length, ".%03dZ ",
+                  static_cast<int>((milliseconds - seconds).count()));
+    std::string result{text};
+    result.append(line.category).append(" ").append(rowOf(line.level).name).append(": ");
+    return result.append(withoutControls(render(line, showsPrivate))).append("\n");
+}
+
+}  // namespace quorvane

@@ -1,0 +1,129 @@
+#include "platform/linux/x11/MonitorsLinux.hpp"
+
+#include <xcb/randr.h>
+
+#include <cstdlib>
+#include <utility>
+
+#include "platform/linux/x11/XcbReply.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr std::uint32_t kMonitorsMajor = 1;
+constexpr std::uint32_t kMonitorsMinor = 5;
+constexpr char kScaleVariable[] = "QUORVANE_SCALE";
+constexpr double kMillimetersPerInch = 25.4;
+constexpr Duration kSettleTime = std::chrono::milliseconds{150};
+
+double dotsPerInchOf(int pixels, int millimeters) {
+    return millimeters == 0 ? 0 : pixels * kMillimetersPerInch / millimeters;
+}
+
+// The screen's own. Of a screen whose first monitor is turned, the notice has width and height
+// exchanged.
+double dotsPerInchOf(const xcb_randr_screen_change_notify_event_t& change) {
+    const bool isTurned =
+        (change.rotation & (XCB_RANDR_ROTATION_ROTATE_90 | XCB_RANDR_ROTATION_ROTATE_270)) != 0;
+    return isTurned ? dotsPerInchOf(change.width, change.mwidth)
+                    : dotsPerInchOf(change.height, change.mheight);
+}
+
+}  // namespace
+
+MonitorsLinux::MonitorsLinux(X11Connection& x11, const Clock& clock)
+    : x11_(x11),
+      clock_(clock),
+      screenDotsPerInch_(
+          dotsPerInchOf(x11.screen().height_in_pixels, x11.screen().height_in_millimeters)) {
+    observeServer();
+    readLayout();
+}
+
+void MonitorsLinux::observeServer() {
+    observations_.push_back(x11_.observeWindow(x11_.root(), [this](const auto& event) {
+        if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY) return;
+        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        // A changed monitor definition is announced only as a new configuration of the root.
+        if (change.window == x11_.root()) settle();
+    }));
+    const auto* extension = x11_.extension(xcb_randr_id);
+    if (!extension) return;
+    hasRandR_ = true;
+    // A server of an older version refuses what it does not know.
+    xcb_discard_reply(
+        x11_.connection(),
+        xcb_randr_query_version(x11_.connection(), kMonitorsMajor, kMonitorsMinor).sequence);
+    xcb_randr_select_input(x11_.connection(), x11_.root(),
+                           XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    const auto typeOf = [&](int number) {
+        return static_cast<std::uint8_t>(extension->first_event + number);
+    };
+    observations_.push_back(x11_.observeEvents(typeOf(XCB_RANDR_NOTIFY),
+                                               [this](const xcb_generic_event_t&) { settle(); }));
+    // The connection's record of the screen stays as it was when the connection was made.
+    observations_.push_back(
+        x11_.observeEvents(typeOf(XCB_RANDR_SCREEN_CHANGE_NOTIFY), [this](const auto& event) {
+            screenDotsPerInch_ = dotsPerInchOf(
+                reinterpret_cast<const xcb_randr_screen_change_notify_event_t&>(event));
+            settle();
+        }));
+}
+
+// A reconfiguration comes as many events; each one starts the wait again.
+void MonitorsLinux::settle() {
+    settled_ = clock_.after(kSettleTime, [this] { refresh(); });
+}
+
+void MonitorsLinux::reportSoon() {
+    mustReport_ = true;
+    settle();
+}
+
+void MonitorsLinux::refresh() {
+    settled_.reset();
+    const ScreenLayout before = layout_;
+    readLayout();
+    const bool mustReport = std::exchange(mustReport_, false);
+    if (mustReport || layout_ != before) listeners_.call();
+}
+
+void MonitorsLinux::readLayout() {
+    const auto resources =
+        askForText(x11_.connection(), x11_.root(), XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING);
+    const auto monitors = withoutRepeats(readMonitors());
+    const auto userDotsPerInch =
+        numberResource(textOf(x11_.connection(), resources, XCB_ATOM_STRING), "Xft.dpi");
+    if (monitors.empty()) return;  // the server is going; what was known serves until the end
+    const auto demand = std::getenv(kScaleVariable);
+    layout_ = {monitors, scaleFor(demand ? std::optional<std::string_view>{demand} : std::nullopt,
+                                  userDotsPerInch)};
+    dotsPerInch_ = userDotsPerInch.value_or(screenDotsPerInch_);
+}
+
+std::vector<Rect> MonitorsLinux::readMonitors() {
+    std::vector<Rect> frames;
+    const auto monitors =
+        hasRandR_ ? xcbReply(xcb_randr_get_monitors_reply, x11_.connection(),
+                             xcb_randr_get_monitors(x11_.connection(), x11_.root(), true))
+                  : nullptr;
+    if (monitors)
+        for (auto each = xcb_randr_get_monitors_monitors_iterator(monitors.get()); each.rem > 0;
+             xcb_randr_monitor_info_next(&each)) {
+            const auto& monitor = *each.data;
+            const Rect frame{static_cast<double>(monitor.x), static_cast<double>(monitor.y),
+                             static_cast<double>(monitor.width),
+                             static_cast<double>(monitor.height)};
+            frames.insert(monitor.primary ? frames.begin() : frames.end(), frame);
+        }
+    if (!frames.empty()) return frames;
+    const auto root = xcbReply(xcb_get_geometry_reply, x11_.connection(),
+                               xcb_get_geometry(x11_.connection(), x11_.root()));
+    if (root)
+        frames.push_back(
+            {0, 0, static_cast<double>(root->width), static_cast<double>(root->height)});
+    return frames;
+}
+
+}  // namespace quorvane

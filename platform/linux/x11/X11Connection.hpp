@@ -1,0 +1,76 @@
+// The connection to the X server on the main loop: its events, handed to whom they concern.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "platform/Handle.hpp"
+#include "platform/PlatformError.hpp"
+#include "platform/linux/loop/EventLoop.hpp"
+#include "platform/linux/loop/Listeners.hpp"
+
+namespace quorvane {
+
+// Main thread only. Errors of requests are not reported: nearly all of them are about windows that
+// have gone since. When the server goes away, `onLost` is called once; every later request is then
+// without effect, and every reply is missing.
+class X11Connection {
+public:
+    using EventHandler = std::function<void(const xcb_generic_event_t&)>;
+
+    // `display` is "" for the one that the environment names. Fails with a plain sentence.
+    static Result<std::unique_ptr<X11Connection>> open(EventLoop& loop, const std::string& display,
+                                                       std::function<void()> onLost);
+    ~X11Connection();
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+
+    xcb_connection_t* connection() const { return connection_; }
+    const xcb_screen_t& screen() const { return *screen_; }
+    xcb_window_t root() const { return screen_->root; }
+    // Of the screen's selections, such as "_NET_WM_CM_S0".
+    int screenNumber() const { return screenNumber_; }
+    xcb_atom_t atom(const char* name);
+    // Null when the server does not have the extension.
+    const xcb_query_extension_reply_t* extension(xcb_extension_t& extension);
+    // The same for all windows that one connection made; 0 for the server itself.
+    std::uint32_t clientOf(xcb_window_t window) const;
+    // Whether the window is one that this connection made.
+    bool isOwn(xcb_window_t window) const;
+
+    Handle observeWindow(xcb_window_t window, EventHandler handler);
+    // Events of all windows, with the window each one is reported on.
+    Handle observeWindows(std::function<void(xcb_window_t, const xcb_generic_event_t&)> handler);
+    Handle observeEvents(std::uint8_t type, EventHandler handler);
+    // Called when all events that have come in are handled, before the loop sleeps: the place to
+    // draw one conclusion from many events.
+    Handle observeQuiet(std::function<void()> handler);
+    void flush();
+
+private:
+    X11Connection(EventLoop& loop, xcb_connection_t* connection, int screenNumber,
+                  std::function<void()> onLost);
+    void readEvents();
+    void handleQueued();
+    bool dispatchOne(xcb_generic_event_t* polled);
+    void dispatch(const xcb_generic_event_t& event);
+    void checkConnection();
+
+    EventLoop& loop_;
+    xcb_connection_t* connection_;
+    int screenNumber_;
+    const xcb_screen_t* screen_ = nullptr;
+    std::unordered_map<std::string, xcb_atom_t> atoms_;
+    Listeners<xcb_window_t, const xcb_generic_event_t&> windowListeners_;
+    Listeners<const xcb_generic_event_t&> typeListeners_;
+    Listeners<> quietListeners_;
+    std::function<void()> onLost_;
+    Handle watch_;
+    Handle beforeSleep_;
+};
+
+}  // namespace quorvane

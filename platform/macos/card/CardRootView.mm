@@ -1,0 +1,34 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/card/CardRootView.hpp"
+
+@implementation CardRootView
+
+- (instancetype)initWithFrame:(NSRect)frame {
+    self = [super initWithFrame:frame];
+    if (self == nil) return nil;
+    // The application is never active and the window never key, hence "always".
+    const NSTrackingAreaOptions options = NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved |
+                                          NSTrackingActiveAlways | NSTrackingInVisibleRect;
+    [self addTrackingArea:[[NSTrackingArea alloc] initWithRect:NSRect {}
+                                                       options:options
+                                                         owner:self
+                                                      userInfo:nil]];
+    return self;
+}
+
+- (void)mouseEntered:(NSEvent*)event {
+    if (_onPointerMoved) _onPointerMoved();
+}
+
+- (void)mouseMoved:(NSEvent*)event {
+    if (_onPointerMoved) _onPointerMoved();
+}
+
+- (void)mouseExited:(NSEvent*)event {
+    if (_onPointerMoved) _onPointerMoved();
+}
+
+@end

@@ -1,0 +1,60 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/card/CardShadowView.hpp"
+
+#include "platform/macos/card/CoreGraphicsValues.hpp"
+#include "platform/macos/foundation/CFHandle.hpp"
+
+using quorvane::CFHandle;
+
+@implementation CardShadowView {
+    quorvane::CardStyle style_;
+    // A layer of our own: the system resets shadows of a view's.
+    CALayer* caster_;
+}
+
+- (instancetype)initWithFrame:(NSRect)frame style:(const quorvane::CardStyle&)style {
+    self = [super initWithFrame:frame];
+    if (self == nil) return nil;
+    style_ = style;
+    self.wantsLayer = YES;
+    caster_ = [CALayer layer];
+    const CFHandle<CGColorRef> black = quorvane::makeColor(quorvane::Color::black());
+    caster_.shadowColor = black.get();
+    caster_.shadowOpacity = static_cast<float>(style.shadowOpacity);
+    caster_.shadowRadius = style.shadowRadius;
+    caster_.shadowOffset = {0, -style.shadowOffset};  // y grows upward here
+    caster_.mask = [CAShapeLayer layer];
+    [self.layer addSublayer:caster_];
+    return self;
+}
+
+- (void)layout {
+    [super layout];
+    const CGRect whole = self.bounds;
+    const quorvane::Size size = style_.card;
+    const CGRect card = {{style_.shadowMargin, style_.shadowMargin}, {size.width, size.height}};
+    const double radius =
+        quorvane::fittingRadius({0, 0, size.width, size.height}, style_.cornerRadius);
+    const CFHandle<CGPathRef> shadow{CGPathCreateWithRoundedRect(card, radius, radius, nullptr)};
+    const CFHandle<CGMutablePathRef> around{CGPathCreateMutable()};
+    CGPathAddRect(around.get(), nullptr, whole);
+    CGPathAddRoundedRect(around.get(), nullptr, card, radius, radius);
+    auto* const mask = (CAShapeLayer*)caster_.mask;
+    [CATransaction begin];
+    [CATransaction setDisableActions:YES];
+    caster_.frame = whole;
+    caster_.shadowPath = shadow.get();
+    mask.frame = whole;
+    mask.fillRule = kCAFillRuleEvenOdd;
+    mask.path = around.get();
+    [CATransaction commit];
+}
+
+- (NSView*)hitTest:(NSPoint)point {
+    return nil;
+}
+
+@end

@@ -1,0 +1,84 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/card/CardStageMacOS.hpp"
+
+#import <QuartzCore/QuartzCore.h>
+
+#include "platform/macos/card/CardShadowView.hpp"
+#include "platform/macos/card/CoreGraphicsValues.hpp"
+
+namespace quorvane {
+namespace {
+
+NSGlassEffectView* makeGlass(const CardStyle& style, NSView* content) {
+    const Rect card{style.shadowMargin, style.shadowMargin, style.card.width, style.card.height};
+    NSGlassEffectView* const glass = [[NSGlassEffectView alloc] initWithFrame:cgRect(card)];
+    glass.style = static_cast<NSGlassEffectViewStyle>(style.glassStyle);
+    glass.cornerRadius = style.cornerRadius;
+    glass.contentView = content;
+    content.translatesAutoresizingMaskIntoConstraints = NO;
+    [NSLayoutConstraint activateConstraints:@[
+        [content.leadingAnchor constraintEqualToAnchor:glass.leadingAnchor],
+        [content.trailingAnchor constraintEqualToAnchor:glass.trailingAnchor],
+        [content.topAnchor constraintEqualToAnchor:glass.topAnchor],
+        [content.bottomAnchor constraintEqualToAnchor:glass.bottomAnchor],
+    ]];
+    return glass;
+}
+
+// About the layer's origin, at its bottom left, as the system places it for a view.
+CATransform3D layerTransform(const Transform& transform, double height) {
+    const Point centre{transform.centre.x, height - transform.centre.y};
+    const CATransform3D toOrigin = CATransform3DMakeTranslation(-centre.x, -centre.y, 0);
+    const CATransform3D scale = CATransform3DMakeScale(transform.scale, transform.scale, 1);
+    const CATransform3D back = CATransform3DMakeTranslation(centre.x + transform.offset.x,
+                                                            centre.y - transform.offset.y, 0);
+    return CATransform3DConcat(CATransform3DConcat(toOrigin, scale), back);
+}
+
+}  // namespace
+
+CardStageMacOS::CardStageMacOS(const CardStyle& style) : style_(style) {
+    const double margin = style.shadowMargin;
+    const NSRect whole = {{0, 0}, {style.card.width + 2 * margin, style.card.height + 2 * margin}};
+    root_ = [[CardRootView alloc] initWithFrame:whole];
+    stage_ = [[NSView alloc] initWithFrame:whole];
+    stage_.wantsLayer = YES;
+    stage_.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+    stage_.hidden = YES;
+    [root_ addSubview:stage_];
+    CardShadowView* const shadow = [[CardShadowView alloc] initWithFrame:whole style:style];
+    shadow.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+    [stage_ addSubview:shadow];
+    content_ = [[FirstMouseHostingView alloc]
+        initWithFrame:NSRect{{0, 0}, {style.card.width, style.card.height}}];
+    [stage_ addSubview:makeGlass(style, content_)];
+}
+
+void CardStageMacOS::setHidden(bool hidden) { stage_.hidden = hidden; }
+
+void CardStageMacOS::removeAnimations() {
+    [stage_.layer removeAllAnimations];
+    stage_.layer.transform = CATransform3DIdentity;
+}
+
+// An animation alone: the layer's own transform is the system's to set.
+void CardStageMacOS::springFrom(const Transform& start, const Spring& spring) {
+    CASpringAnimation* const animation =
+        [[CASpringAnimation alloc] initWithPerceptualDuration:spring.perceptualDuration
+                                                       bounce:spring.bounce];
+    animation.keyPath = @"transform";
+    const double height = stage_.bounds.size.height;
+    animation.fromValue = [NSValue valueWithCATransform3D:layerTransform(start, height)];
+    animation.toValue = [NSValue valueWithCATransform3D:CATransform3DIdentity];
+    animation.duration = animation.settlingDuration;
+    [stage_.layer addAnimation:animation forKey:@"entrance.transform"];
+}
+
+void CardStageMacOS::setScene(const Scene& scene) { [content_ showScene:scene]; }
+
+void CardStageMacOS::setEvents(StageEvents events) { content_.events = std::move(events); }
+
+}  // namespace quorvane

@@ -1,0 +1,44 @@
+// A card window: a panel with a stage in it. For Objective-C++ only.
+#pragma once
+
+#include "drawing/MarginMouse.hpp"
+#include "platform/Clock.hpp"
+#include "platform/macos/card/CardPanel.hpp"
+#include "platform/macos/card/CardStageMacOS.hpp"
+
+namespace quorvane {
+
+// Main thread only.
+class CardWindowMacOS final : public CardSystemWindow {
+public:
+    CardWindowMacOS(const WindowSettings& settings, Clock clock);
+    ~CardWindowMacOS() override;
+
+    long number() const override;
+    bool isVisible() const override;
+    unsigned long occlusionState() const override;
+    void setIgnoresMouseEvents(bool ignores) override;
+    void setContent(std::shared_ptr<CardStage> stage) override;
+    // The lock screen keeps nothing clear here.
+    void setFrame(const Rect& frame, const Screen& screen) override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+    void close() override;
+    void setAlpha(double alpha) override;
+    void animateAlpha(double alpha, Duration duration, std::function<void()> completion) override;
+    void setMouseDownObserver(std::function<void(Point)> observer) override;
+
+private:
+    void primaryButton(NSEventType type, Point location);
+    void followPointer();
+    void applyMouse();
+
+    CardPanel* panel_;
+    std::shared_ptr<CardStageMacOS> stage_;
+    std::function<void(Point)> mouseDownObserver_;
+    MarginMouse mouse_;
+    Clock clock_;
+    Timer nextLook_;  // at the pointer, while no event tells where it is
+};
+
+}  // namespace quorvane

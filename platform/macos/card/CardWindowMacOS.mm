@@ -1,0 +1,142 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/card/CardWindowMacOS.hpp"
+
+#include "platform/macos/card/CoreGraphicsValues.hpp"
+
+namespace quorvane {
+namespace {
+
+// A hand takes longer from the card's edge to a button.
+constexpr Duration kPointerInterval = std::chrono::milliseconds{50};
+
+void runAnimation(double seconds, void (^changes)(void), void (^completion)(void)) {
+    [NSAnimationContext
+        runAnimationGroup:^(NSAnimationContext* context) {
+          context.duration = seconds;
+          changes();
+        }
+        completionHandler:completion];
+}
+
+}  // namespace
+
+CardWindowMacOS::CardWindowMacOS(const WindowSettings& settings, Clock clock)
+    : clock_(std::move(clock)) {
+    panel_ = [[CardPanel alloc] initWithContentRect:cgRect(settings.frame)
+                                          styleMask:settings.styleMask
+                                            backing:NSBackingStoreBuffered
+                                              defer:NO];
+    panel_.onPrimaryButton = [this](NSEventType type, NSPoint location) {
+        primaryButton(type, {location.x, location.y});
+    };
+    panel_.becomesKeyOnlyIfNeeded = settings.becomesKeyOnlyIfNeeded;
+    panel_.opaque = settings.isOpaque;
+    panel_.backgroundColor = NSColor.clearColor;
+    panel_.hasShadow = settings.hasShadow;
+    panel_.appearance =
+        settings.hasDarkAppearance ? [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua] : nil;
+    panel_.level = settings.level;
+    panel_.collectionBehavior = settings.collectionBehavior;
+    panel_.releasedWhenClosed = settings.isReleasedWhenClosed;
+    panel_.hidesOnDeactivate = settings.hidesOnDeactivate;
+    panel_.acceptsMouseMovedEvents = settings.acceptsMouseMovedEvents;
+    panel_.alphaValue = settings.alpha;
+    mouse_.setIgnored(settings.ignoresMouseEvents);
+    applyMouse();
+}
+
+CardWindowMacOS::~CardWindowMacOS() {
+    if (stage_) stage_->root().onPointerMoved = nullptr;
+    panel_.onPrimaryButton = [](NSEventType, NSPoint) {};
+}
+
+long CardWindowMacOS::number() const { return panel_.windowNumber; }
+
+bool CardWindowMacOS::isVisible() const { return panel_.visible; }
+
+unsigned long CardWindowMacOS::occlusionState() const { return panel_.occlusionState; }
+
+void CardWindowMacOS::setIgnoresMouseEvents(bool ignores) {
+    mouse_.setIgnored(ignores);
+    followPointer();
+}
+
+void CardWindowMacOS::setContent(std::shared_ptr<CardStage> stage) {
+    if (stage_) stage_->root().onPointerMoved = nullptr;
+    stage_ = std::dynamic_pointer_cast<CardStageMacOS>(std::move(stage));
+    panel_.contentView = stage_ ? stage_->root() : nil;
+    if (!stage_) return;
+    mouse_.setCard(stage_->style());
+    stage_->root().onPointerMoved = [this] { followPointer(); };
+}
+
+void CardWindowMacOS::setFrame(const Rect& frame, const Screen&) {
+    [panel_ setFrame:cgRect(frame) display:YES];
+}
+
+void CardWindowMacOS::orderFrontRegardless() { [panel_ orderFrontRegardless]; }
+
+void CardWindowMacOS::orderOut() { [panel_ orderOut:nil]; }
+
+void CardWindowMacOS::close() {
+    nextLook_.reset();
+    [panel_ close];
+}
+
+void CardWindowMacOS::setAlpha(double alpha) {
+    // A running fade ends only when another one takes its place.
+    CardPanel* const panel = panel_;
+    runAnimation(
+        0,
+        ^{
+          [panel animator].alphaValue = alpha;
+        },
+        nil);
+    panel_.alphaValue = alpha;
+}
+
+void CardWindowMacOS::animateAlpha(double alpha, Duration duration,
+                                   std::function<void()> completion) {
+    CardPanel* const panel = panel_;
+    runAnimation(
+        std::chrono::duration<double>(duration).count(),
+        ^{
+          [panel animator].alphaValue = alpha;
+        },
+        ^{
+          if (completion) completion();
+        });
+}
+
+void CardWindowMacOS::setMouseDownObserver(std::function<void(Point)> observer) {
+    mouseDownObserver_ = std::move(observer);
+}
+
+void CardWindowMacOS::primaryButton(NSEventType type, Point location) {
+    mouse_.setPressed(type == NSEventTypeLeftMouseDown);
+    if (type == NSEventTypeLeftMouseDown && mouseDownObserver_) mouseDownObserver_(location);
+    followPointer();
+}
+
+// The system takes clicks on the whole rectangle of a window that was once told to take them, also
+// where nothing is drawn. On the shadow's margin they are the lock screen's.
+void CardWindowMacOS::followPointer() {
+    const NSPoint pointer = NSEvent.mouseLocation;
+    const NSRect frame = panel_.frame;
+    mouse_.moveTo({pointer.x - frame.origin.x, pointer.y - frame.origin.y});
+    applyMouse();
+}
+
+void CardWindowMacOS::applyMouse() {
+    // Each setting goes to the window server, and this runs at every movement.
+    if (panel_.ignoresMouseEvents != mouse_.ignoresMouse())
+        panel_.ignoresMouseEvents = mouse_.ignoresMouse();
+    nextLook_ = mouse_.mustAskForPointer()
+                    ? clock_.after(kPointerInterval, [this] { followPointer(); })
+                    : Timer{};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,30 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/card/CardWindowsMacOS.hpp"
+
+#import <AppKit/AppKit.h>
+
+#include "platform/macos/card/CardWindowMacOS.hpp"
+#include "platform/macos/card/TextLinesMacOS.hpp"
+
+namespace quorvane {
+
+CardWindows makeCardWindowsMacOS(const Clock& clock) {
+    return {
+        .makeWindow =
+            [clock](const WindowSettings& settings, const Screen&) {
+                return std::make_unique<CardWindowMacOS>(settings, clock);
+            },
+        .makeStage = [](const CardStyle& style) { return std::make_shared<CardStageMacOS>(style); },
+        .liftAboveLock = [](CardSystemWindow&) {},
+        .reducesMotion =
+            [] { return NSWorkspace.sharedWorkspace.accessibilityDisplayShouldReduceMotion; },
+        .measureText = [lines = std::make_shared<TextLinesMacOS>()](
+                           const std::string& text,
+                           const FontStyle& font) { return lines->line(text, font).width; },
+    };
+}
+
+}  // namespace quorvane

@@ -1,0 +1,23 @@
+// The canvas of this edition: Core Graphics for shapes and pictures, Core Text for lines, the
+// system's own symbols. For Objective-C++ only.
+#pragma once
+
+#include "drawing/Canvas.hpp"
+#include "platform/macos/card/SymbolImages.hpp"
+#include "platform/macos/card/TextLinesMacOS.hpp"
+
+namespace quorvane {
+
+// Main thread only.
+class CoreGraphicsCanvas final : public Canvas {
+public:
+    // Draws on the current graphics context, whose space is the scene's: points, with y growing
+    // downward. Nothing is drawn where there is no current context.
+    void draw(const Scene& scene) override;
+
+private:
+    TextLinesMacOS lines_;
+    SymbolImages symbols_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,27 @@
+// Values of the core as Core Graphics knows them. For Objective-C++ only.
+#pragma once
+
+#import <CoreGraphics/CoreGraphics.h>
+
+#include "drawing/Scene.hpp"
+#include "platform/macos/foundation/CFHandle.hpp"
+
+namespace quorvane {
+
+constexpr CGRect cgRect(const Rect& rect) { return {{rect.x, rect.y}, {rect.width, rect.height}}; }
+
+constexpr Rect rectFrom(const CGRect& rect) {
+    return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
+}
+
+inline CFHandle<CGColorRef> makeColor(const Color& color) {
+    return CFHandle<CGColorRef>{CGColorCreateSRGB(color.red, color.green, color.blue, color.alpha)};
+}
+
+inline CFHandle<CGPathRef> makeRoundedPath(const Rect& rect, double cornerRadius) {
+    // The system refuses corners that do not fit.
+    const double radius = fittingRadius(rect, cornerRadius);
+    return CFHandle<CGPathRef>{CGPathCreateWithRoundedRect(cgRect(rect), radius, radius, nullptr)};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,70 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/BundleFiles.hpp"
+
+#import <Foundation/Foundation.h>
+#include <stdio.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/macos/files/BundlePropertiesMacOS.hpp"
+#include "platform/macos/foundation/FoundationValues.hpp"
+
+namespace quorvane {
+namespace {
+
+using std::filesystem::path;
+
+constexpr char kHiddenPrefix[] = ".staged-";
+
+Result<path> stage(const path& bundle, const path& folder) {
+    @autoreleasepool {
+        NSFileManager* files = NSFileManager.defaultManager;
+        const path hidden = folder / (kHiddenPrefix + textFrom([NSUUID UUID].UUIDString));
+        const path copy = hidden / bundle.filename();
+        NSError* error = nil;
+        if ([files createDirectoryAtURL:urlFrom(hidden)
+                withIntermediateDirectories:YES
+                                 attributes:nil
+                                      error:&error] &&
+            [files copyItemAtURL:urlFrom(bundle) toURL:urlFrom(copy) error:&error])
+            return copy;
+        [files removeItemAtURL:urlFrom(hidden) error:nil];
+        return std::unexpected{errorFrom(error)};
+    }
+}
+
+Result<void> putInPlace(const path& staged, const path& place) {
+    const auto rename = [&](unsigned int how) {
+        return renamex_np(staged.c_str(), place.c_str(), how) == 0;
+    };
+    // Either way in one step; two programs cannot both find the place empty.
+    if (rename(RENAME_SWAP) || (errno == ENOENT && rename(RENAME_EXCL))) return {};
+    const int code = errno;
+    return std::unexpected{
+        PlatformError{.domain = PlatformError::Domain::posix,
+                      .code = code,
+                      .description = place.native() + ": " + std::strerror(code)}};
+}
+
+void discardStaged(const path& folder) {
+    std::error_code error;
+    for (std::filesystem::directory_iterator place{folder, error}, end; !error && place != end;
+         place.increment(error))
+        if (place->path().filename().native().starts_with(kHiddenPrefix))
+            [NSFileManager.defaultManager removeItemAtURL:urlFrom(place->path()) error:nil];
+}
+
+}  // namespace
+
+BundleFiles makeLiveBundleFiles() {
+    return {.properties = propertiesOfBundleMacOS,
+            .stage = stage,
+            .putInPlace = putInPlace,
+            .discardStaged = discardStaged};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,86 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/files/FilesMacOS.hpp"
+
+#import <Foundation/Foundation.h>
+#import <Security/Security.h>
+
+#include "platform/macos/foundation/FoundationValues.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr NSInteger kFileExists = 516;  // NSFileWriteFileExistsError
+
+std::optional<std::filesystem::path> containerOfGroup(const std::string& group) {
+    NSFileManager* files = NSFileManager.defaultManager;
+    // A place for every name, whether or not the folder is there or this program may use it.
+    NSURL* url = [files containerURLForSecurityApplicationGroupIdentifier:stringFrom(group)];
+    if (![files createDirectoryAtURL:url withIntermediateDirectories:YES attributes:nil error:nil])
+        return std::nullopt;
+    return pathFrom(url);
+}
+
+Result<Bytes> read(const std::filesystem::path& path) {
+    @autoreleasepool {
+        NSError* error = nil;
+        NSData* data = [NSData dataWithContentsOfURL:urlFrom(path) options:0 error:&error];
+        if (!data) return std::unexpected{errorFrom(error)};
+        return bytesFrom(data);
+    }
+}
+
+Result<void> writeAtomically(const std::filesystem::path& path, ByteView contents) {
+    @autoreleasepool {
+        NSError* error = nil;
+        if (![dataFrom(contents) writeToURL:urlFrom(path) options:NSDataWritingAtomic error:&error])
+            return std::unexpected{errorFrom(error)};
+        if (![NSFileManager.defaultManager setAttributes:@{
+                NSFilePosixPermissions : @0600
+            }
+                                            ofItemAtPath:stringFrom(path.native())
+                                                   error:&error])
+            return std::unexpected{errorFrom(error)};
+        return {};
+    }
+}
+
+// No option of writeToURL is both atomic and keeps an existing file, but a hard link is.
+Result<void> createAtomically(const std::filesystem::path& path, ByteView contents) {
+    @autoreleasepool {
+        auto temporary = path;
+        temporary += "." + makeUUIDMacOS();
+        if (auto written = writeAtomically(temporary, contents); !written) return written;
+        NSFileManager* files = NSFileManager.defaultManager;
+        NSError* error = nil;
+        const BOOL isLinked = [files linkItemAtURL:urlFrom(temporary)
+                                             toURL:urlFrom(path)
+                                             error:&error];
+        [files removeItemAtURL:urlFrom(temporary) error:nil];
+        if (isLinked || error.code == kFileExists) return {};
+        return std::unexpected{errorFrom(error)};
+    }
+}
+
+}  // namespace
+
+FileStore makeFileStoreMacOS() {
+    return {.containerOfGroup = containerOfGroup,
+            .read = read,
+            .writeAtomically = writeAtomically,
+            .createAtomically = createAtomically};
+}
+
+FillRandom makeFillRandomMacOS() {
+    return [](std::span<std::byte> bytes) -> std::expected<void, int> {
+        const int status = SecRandomCopyBytes(kSecRandomDefault, bytes.size(), bytes.data());
+        if (status != 0) return std::unexpected{status};
+        return {};
+    };
+}
+
+std::string makeUUIDMacOS() { return textFrom([NSUUID UUID].UUIDString); }
+
+}  // namespace quorvane

@@ -1,0 +1,68 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/files/UserDefaultsMacOS.hpp"
+
+#import <Foundation/Foundation.h>
+
+#include "platform/macos/foundation/FoundationValues.hpp"
+
+namespace quorvane {
+namespace {
+
+void set(NSUserDefaults* defaults, const std::string& key,
+         const std::optional<PropertyValue>& value) {
+    if (value)
+        [defaults setObject:objectFrom(*value) forKey:stringFrom(key)];
+    else
+        [defaults removeObjectForKey:stringFrom(key)];
+}
+
+Result<void> synchronize(NSString* domain) {
+    // It tells nothing but whether it worked.
+    if (CFPreferencesAppSynchronize((__bridge CFStringRef)domain)) return {};
+    return std::unexpected{
+        PlatformError{.domain = PlatformError::Domain::service,
+                      .code = 0,
+                      .description = "the preferences could not be synchronized"}};
+}
+
+// One call for all of them: the system's daemon may bring in new values between two.
+PropertyDictionary valuesTogether(NSUserDefaults* defaults, const std::vector<std::string>& keys) {
+    NSDictionary* all = [defaults dictionaryRepresentation];
+    PropertyDictionary values;
+    for (const std::string& key : keys)
+        if (auto value = valueFrom(all[stringFrom(key)])) values.emplace(key, *std::move(value));
+    return values;
+}
+
+UserDefaults tableOf(NSUserDefaults* defaults, NSString* domain) {
+    return {.get =
+                [defaults](const std::string& key) {
+                    return valueFrom([defaults objectForKey:stringFrom(key)]);
+                },
+            .getTogether =
+                [defaults](const std::vector<std::string>& keys) {
+                    return valuesTogether(defaults, keys);
+                },
+            .set = [defaults](const std::string& key,
+                              std::optional<PropertyValue> value) { set(defaults, key, value); },
+            .removeDomain = [defaults, domain] { [defaults removePersistentDomainForName:domain]; },
+            .synchronize = [domain] { return synchronize(domain); }};
+}
+
+}  // namespace
+
+UserDefaults makeStandardDefaultsMacOS(const std::string& domain) {
+    return tableOf(NSUserDefaults.standardUserDefaults, stringFrom(domain));
+}
+
+std::optional<UserDefaults> openSuiteMacOS(const std::string& suite) {
+    NSString* name = stringFrom(suite);
+    NSUserDefaults* defaults = [[NSUserDefaults alloc] initWithSuiteName:name];
+    if (!defaults) return std::nullopt;
+    return tableOf(defaults, name);
+}
+
+}  // namespace quorvane

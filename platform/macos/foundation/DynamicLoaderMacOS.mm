@@ -1,0 +1,32 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/foundation/DynamicLoaderMacOS.hpp"
+
+#import <Foundation/Foundation.h>
+#include <dlfcn.h>
+
+namespace quorvane {
+namespace {
+
+std::optional<std::string> lastError() {
+    const char* const text = dlerror();
+    return text ? std::optional<std::string>{text} : std::nullopt;
+}
+
+std::shared_ptr<const void> arrayOfNumber(std::uint64_t number) {
+    NSArray* array = @[ [NSNumber numberWithUnsignedLongLong:number] ];
+    return {(__bridge_retained CFTypeRef)array, CFRelease};
+}
+
+}  // namespace
+
+DynamicLoader makeDynamicLoaderMacOS() {
+    return {.open = [](const char* path) { return dlopen(path, RTLD_NOW); },
+            .symbol = [](void* library, const char* name) { return dlsym(library, name); },
+            .lastError = lastError,
+            .arrayOfNumber = arrayOfNumber};
+}
+
+}  // namespace quorvane

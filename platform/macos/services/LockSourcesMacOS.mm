@@ -1,0 +1,41 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/services/LockSourcesMacOS.hpp"
+
+#import <AppKit/AppKit.h>
+#import <CoreGraphics/CoreGraphics.h>
+#include <notify.h>
+
+#include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/Observation.hpp"
+
+namespace quorvane {
+namespace {
+
+std::optional<PropertyValue> sessionDictionary() {
+    return valueFrom((__bridge_transfer id)CGSessionCopyCurrentDictionary());
+}
+
+Handle observeWake(std::function<void()> handler) {
+    // The workspace's notices come to its own centre only.
+    return observe(NSWorkspace.sharedWorkspace.notificationCenter, NSWorkspaceDidWakeNotification,
+                   std::move(handler));
+}
+
+}  // namespace
+
+LockSources makeLockSourcesMacOS() {
+    return {
+        .sessionDictionary = sessionDictionary,
+        .observeWake = observeWake,
+        .notifyRegisterCheck = [](const char* name,
+                                  int& token) { return notify_register_check(name, &token); },
+        .notifyGetState = [](int token,
+                             std::uint64_t& state) { return notify_get_state(token, &state); },
+        .notifyCancel = [](int token) { notify_cancel(token); },
+    };
+}
+
+}  // namespace quorvane

@@ -1,0 +1,86 @@
+#include "platform/macos/services/OSLogBuffer.hpp"
+
+#include <array>
+#include <bit>
+
+namespace quorvane {
+namespace {
+
+constexpr std::uint8_t kHasPrivate = 1;
+constexpr std::uint8_t kHasText = 2;
+
+constexpr std::uint8_t kNumber = 0x00;
+constexpr std::uint8_t kText = 0x20;
+constexpr std::uint8_t kPrivate = 0x01;
+constexpr std::uint8_t kPublic = 0x02;
+
+std::int64_t signedFrom(const LogArgument& argument) {
+    const auto* const number = std::get_if<std::int64_t>(&argument);
+    return number ? *number : 0;
+}
+
+std::uint64_t unsignedFrom(const LogArgument& argument) {
+    const auto* const number = std::get_if<std::uint64_t>(&argument);
+    return number ? *number : 0;
+}
+
+double realFrom(const LogArgument& argument) {
+    const auto* const number = std::get_if<double>(&argument);
+    return number ? *number : 0;
+}
+
+std::string_view textFrom(const LogArgument& argument) {
+    const auto* const text = std::get_if<std::string_view>(&argument);
+    return text ? *text : std::string_view{};
+}
+
+}  // namespace
+
+OSLogBuffer::OSLogBuffer(const LogLine& line) : bytes_{0, 0} {
+    // The pointers in the buffer must stay: no text may move.
+    texts_.reserve(line.arguments.size());
+    std::size_t from = 0;
+    LogPlaceholder placeholder;
+    for (const LogArgument& argument : line.arguments) {
+        if (!nextPlaceholder(line.format, from, placeholder)) break;
+        from = placeholder.end;
+        ++bytes_[1];
+        using Kind = LogPlaceholder::Kind;
+        switch (placeholder.kind) {
+            case Kind::text: addText(placeholder, textFrom(argument)); break;
+            case Kind::boolean:
+            case Kind::int32: addNumber(static_cast<std::int32_t>(signedFrom(argument))); break;
+            case Kind::int64: addNumber(signedFrom(argument)); break;
+            case Kind::uint32: addNumber(static_cast<std::uint32_t>(unsignedFrom(argument))); break;
+            case Kind::uint64: addNumber(unsignedFrom(argument)); break;
+            case Kind::real: addNumber(realFrom(argument)); break;
+        }
+    }
+}
+
+void OSLogBuffer::addText(const LogPlaceholder& placeholder, std::string_view text) {
+    // Text without a mark has neither flag: the log decides, and keeps it private.
+    const bool isMarked = placeholder.end - placeholder.begin > 2;
+    std::uint8_t privacy = 0;
+    if (isMarked) privacy = placeholder.isPrivate ? kPrivate : kPublic;
+    bytes_[0] |= kHasText;
+    if (privacy == kPrivate) bytes_[0] |= kHasPrivate;
+    bytes_.push_back(kText | privacy);
+    append<std::uint8_t>(sizeof(const char*));
+    append(texts_.emplace_back(text).c_str());
+}
+
+template <typename Number>
+void OSLogBuffer::addNumber(Number number) {
+    bytes_.push_back(kNumber);
+    append<std::uint8_t>(sizeof number);
+    append(number);
+}
+
+template <typename Value>
+void OSLogBuffer::append(Value value) {
+    const auto raw = std::bit_cast<std::array<std::uint8_t, sizeof value>>(value);
+    bytes_.insert(bytes_.end(), raw.begin(), raw.end());
+}
+
+}  // namespace quorvane

@@ -1,0 +1,51 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/services/SerialQueueMacOS.hpp"
+
+#import <dispatch/dispatch.h>
+
+#include <atomic>
+#include <utility>
+
+namespace quorvane {
+namespace {
+
+constexpr char kOwnQueue = 0;  // its address marks the queue that an action runs on
+
+class SerialQueueMacOS final : public SerialQueue {
+public:
+    explicit SerialQueueMacOS(const std::string& label)
+        : queue_(dispatch_queue_create(label.c_str(), DISPATCH_QUEUE_SERIAL)) {
+        dispatch_queue_set_specific(queue_, &kOwnQueue, this, nullptr);
+    }
+
+    ~SerialQueueMacOS() override {
+        *isClosed_ = true;
+        // The system runs what was added; there is no dropping. All that waits finds it closed.
+        if (dispatch_get_specific(&kOwnQueue) != this)
+            dispatch_sync(queue_, ^{
+                          });
+    }
+
+    bool async(std::function<void()> action) override {
+        const auto isClosed = isClosed_;
+        dispatch_async(queue_, ^{
+          if (!*isClosed) action();
+        });
+        return true;
+    }
+
+private:
+    const dispatch_queue_t queue_;
+    const std::shared_ptr<std::atomic<bool>> isClosed_ = std::make_shared<std::atomic<bool>>(false);
+};
+
+}  // namespace
+
+MakeSerialQueue makeSerialQueuesMacOS() {
+    return [](const std::string& label) { return std::make_unique<SerialQueueMacOS>(label); };
+}
+
+}  // namespace quorvane

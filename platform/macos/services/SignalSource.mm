@@ -1,0 +1,32 @@
+#if !__has_feature(objc_arc)
+#error "This file needs automatic reference counting."
+#endif
+
+#include "platform/macos/services/SignalSource.hpp"
+
+#include <signal.h>
+#include <unistd.h>
+
+namespace quorvane {
+
+dispatch_source_t startSignalSource(int signal, dispatch_queue_t queue, dispatch_block_t handler) {
+    // The source is delivered although the signal itself is ignored.
+    ::signal(signal, SIG_IGN);
+    dispatch_source_t source = dispatch_source_create(DISPATCH_SOURCE_TYPE_SIGNAL,
+                                                      static_cast<uintptr_t>(signal), 0, queue);
+    dispatch_source_set_event_handler(source, handler);
+    dispatch_activate(source);
+    return source;
+}
+
+void handleTerminationSignalMacOS(std::function<void()> action) {
+    static dispatch_source_t source;
+    source = startSignalSource(SIGTERM, dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0), ^{
+      dispatch_source_cancel(source);
+      action();
+      signal(SIGTERM, SIG_DFL);
+      kill(getpid(), SIGTERM);
+    });
+}
+
+}  // namespace quorvane

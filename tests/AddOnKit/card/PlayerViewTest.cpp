@@ -1,0 +1,297 @@
+#include "AddOnKit/card/PlayerView.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "AddOnKit/card/PlayerGeometry.hpp"
+#include "AddOnKit/card/PlayerLayout.hpp"
+#include "AddOnKit/card/PlayerStrings.hpp"
+#include "tests/AddOnKit/card/PlayingModel.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+using ID = SceneControl::ID;
+
+constexpr Rect kCard{0, 0, PlayerLayout::kCardWidth, PlayerLayout::kCardHeight};
+constexpr Rect kContent{20, 0, 360, 222};  // between its edges
+
+struct Fixture : PlayingModel {
+    PlayerInteraction interaction;
+    PlayerEnvironment environment{
+        .localized = [](const std::string& key) { return "<" + key + ">"; },
+        .measureText = measure};
+
+    PlayerScene made() {
+        return PlayerView{model, environment}.scene(interaction,
+                                                    {clock.clock().now(), clock.wallClock()()});
+    }
+    Scene scene() { return made().scene; }
+};
+
+template <typename Node>
+std::vector<Node> all(const Scene& scene) {
+    std::vector<Node> nodes;
+    for (const SceneNode& node : scene.nodes)
+        if (const auto* found = std::get_if<Node>(&node)) nodes.push_back(*found);
+    return nodes;
+}
+
+std::vector<std::string> texts(const Scene& scene) {
+    std::vector<std::string> result;
+    for (const TextNode& node : all<TextNode>(scene)) result.push_back(node.text);
+    return result;
+}
+
+std::vector<std::string_view> symbols(const Scene& scene) {
+    std::vector<std::string_view> result;
+    for (const SymbolNode& node : all<SymbolNode>(scene)) result.push_back(node.name);
+    return result;
+}
+
+const SceneControl* control(const Scene& scene, ID id) {
+    const auto found = std::ranges::find(scene.controls, id, &SceneControl::id);
+    return found == scene.controls.end() ? nullptr : &*found;
+}
+
+Rect frameOf(const SceneNode& node) {
+    return std::visit(
+        [](const auto& n) -> Rect {
+            if constexpr (requires { n.frame; }) return n.frame;
+            return {};
+        },
+        node);
+}
+
+bool isInside(const Rect& inner, const Rect& outer) {
+    return inner.x >= outer.x && inner.y >= outer.y && inner.maxX() <= outer.maxX() &&
+           inner.maxY() <= outer.maxY();
+}
+
+TEST(PlayerView, ShowsThePlayersStateWithItsLabels) {
+    Fixture f;
+    EXPECT_EQ(texts(f.scene()), (std::vector<std::string>{"Reed", "Marsh", "0:30", "\u22122:49"}));
+    EXPECT_EQ(symbols(f.scene()),
+              (std::vector<std::string_view>{"heart", "backward.fill", "pause.fill", "forward.fill",
+                                             "speaker.fill", "speaker.wave.3.fill"}));
+    EXPECT_EQ(all<ImageNode>(f.scene()).at(0).image, f.model.artwork.get());
+    const Scene scene = f.scene();
+    EXPECT_EQ(control(scene, ID::previous)->label, "<Previous Track>");
+    EXPECT_EQ(control(scene, ID::playPause)->label, "<Pause>");
+    EXPECT_EQ(control(scene, ID::next)->label, "<Next Track>");
+    EXPECT_EQ(control(scene, ID::love)->label, "<Love>");
+    EXPECT_EQ(control(scene, ID::volume)->label, "<Volume>");
+    EXPECT_EQ(control(scene, ID::volume)->value, "50");
+    EXPECT_EQ(control(scene, ID::title)->label, "Reed");
+    EXPECT_EQ(control(scene, ID::progress)->value, "0:30");
+    EXPECT_EQ(control(scene, ID::progress)->maximum, 200);
+
+    f.model.togglePlayPause();
+    f.model.toggleLove();
+    EXPECT_EQ(control(f.scene(), ID::playPause)->label, "<Play>");
+    EXPECT_EQ(control(f.scene(), ID::love)->label, "<Remove Love>");
+    EXPECT_EQ(symbols(f.scene()).at(0), "heart.fill");
+    EXPECT_EQ(symbols(f.scene()).at(2), "play.fill");
+}
+
+TEST(PlayerView, HidesTheHeartOfWhatCannotBeLovedAndGivesItsRoomToTheTexts) {
+    Fixture f;
+    const double withHeart = control(f.scene(), ID::title)->frame.width;
+    EXPECT_FALSE(
+        control(f.scene(), ID::title)->frame.intersects(control(f.scene(), ID::love)->frame));
+    f.state.playerType = XPCPlayerType::spotify;
+    f.apply();
+    EXPECT_EQ(control(f.scene(), ID::love), nullptr);
+    EXPECT_EQ(symbols(f.scene()).at(0), "backward.fill");
+    EXPECT_GT(control(f.scene(), ID::title)->frame.width, withHeart);
+}
+
+TEST(PlayerView, ShowsANoteWithoutArtworkAndDashesWithoutADuration) {
+    Fixture f;
+    f.state.track->title = "Re\ned";
+    f.state.track->artworkData.reset();
+    f.state.track->isLiveStream = true;
+    f.apply();
+    const Scene scene = f.scene();
+    EXPECT_EQ(texts(scene).at(0), "Re ed");
+    EXPECT_TRUE(all<ImageNode>(scene).empty());
+    EXPECT_EQ(symbols(scene).at(0), "music.note");
+    EXPECT_EQ(texts(scene).back(), "\u2212\u2013:\u2013\u2013");
+    EXPECT_EQ(texts(scene).at(2), "0:30");
+    EXPECT_EQ(control(scene, ID::progress)->maximum, 0);
+}
+
+// What the progress bar shows as filled, in points.
+double filled(const Scene& scene) {
+    const auto shapes = all<ShapeNode>(scene);
+    const auto track =
+        std::ranges::find(shapes, control(scene, ID::progress)->frame, &ShapeNode::frame);
+    return std::next(track)->frame.maxX() - track->frame.x;
+}
+
+TEST(PlayerView, FillsTheBarByWholePixelsOfThePosition) {
+    Fixture f;
+    const double width = control(f.scene(), ID::progress)->frame.width;
+    // Slow as it is, the bar moves with the times.
+    EXPECT_EQ(filled(f.scene()), std::floor(width * 30 / 200));
+    f.environment.scale = 2;
+    EXPECT_EQ(filled(f.scene()), std::floor(2 * width * 30 / 200) / 2);
+    f.clock.advance(500s);
+    EXPECT_EQ(filled(f.scene()), width);
+    EXPECT_EQ(texts(f.scene()).at(2), "3:20");
+    EXPECT_EQ(texts(f.scene()).at(3), "\u22120:00");
+    f.environment.playerFrozenDate = ManualClock::kStart + 10s;
+    EXPECT_EQ(texts(f.scene()).at(2), "0:40");
+}
+
+// Every state that changes the composition, in both directions.
+TEST(PlayerView, KeepsEverythingInsideTheCardAndTextOffTheArtwork) {
+    for (int variant = 0; variant < 32; ++variant) {
+        Fixture f;
+        f.state.track->title = (variant & 1) != 0 ? kLongTitle : "Ox";
+        f.state.track->artist = (variant & 2) != 0 ? kLongTitle : "";
+        f.state.playerType =
+            (variant & 4) != 0 ? XPCPlayerType::appleMusic : XPCPlayerType::spotify;
+        f.state.track->duration = (variant & 8) != 0 ? 20'000 : 64;
+        f.environment.isRightToLeft = (variant & 16) != 0;
+        f.interaction.thickening = f.interaction.love = f.interaction.next = Transition{1};
+        f.apply();
+        const Scene scene = f.scene();
+        const Rect artwork = control(scene, ID::artwork)->frame;
+        for (const SceneNode& node : scene.nodes)
+            EXPECT_TRUE(isInside(frameOf(node), kCard)) << variant << describe(frameOf(node));
+        for (const TextNode& text : all<TextNode>(scene)) {
+            EXPECT_FALSE(text.frame.intersects(artwork)) << variant << text.text;
+            EXPECT_TRUE(isInside(text.frame, kContent)) << variant << text.text;
+        }
+        for (const SceneControl& one : scene.controls) {
+            EXPECT_TRUE(isInside(one.frame, kCard)) << variant << one.label;
+            if (one.role != SceneControl::Role::button && one.role != SceneControl::Role::slider)
+                continue;
+            EXPECT_GE(std::min(one.frame.width, one.frame.height), 34) << one.label;
+            for (const SceneControl& other : scene.controls)
+                EXPECT_TRUE(&one == &other || !one.frame.intersects(other.frame))
+                    << one.label << other.label;
+        }
+        EXPECT_EQ(all<GroupBegin>(scene).size(), all<GroupEnd>(scene).size());
+    }
+}
+
+TEST(PlayerView, PlacesTheTimesBelowTheBarAndTheSliderBetweenTheSpeakers) {
+    const PlayerGeometry g = PlayerGeometry::make(true, false);
+    for (const Rect& time : {g.elapsed, g.remaining}) {
+        EXPECT_GE(time.height, 1.5 * PlayerLayout::kTimeTextSize) << "room for high digits";
+        EXPECT_GT(time.y, g.progress.maxY());
+        EXPECT_LT(time.maxY(), g.playPause.y);
+    }
+    EXPECT_EQ(g.volume.x, g.quietSpeaker.maxX() + PlayerLayout::kSpeakerSpacing);
+    EXPECT_EQ(g.volume.maxX(), g.loudSpeaker.x - PlayerLayout::kSpeakerSpacing);
+}
+
+TEST(PlayerView, MirrorsAllButTheTransport) {
+    Fixture f;
+    const Scene left = f.scene();
+    f.environment.isRightToLeft = true;
+    const Scene right = f.scene();
+    EXPECT_TRUE(right.isRightToLeft);
+    ASSERT_EQ(left.controls.size(), right.controls.size());
+    for (const SceneControl& one : left.controls) {
+        const Rect other = control(right, one.id)->frame;
+        const bool stays = one.id == ID::previous || one.id == ID::playPause || one.id == ID::next;
+        EXPECT_EQ(other.x, stays ? one.frame.x : kCard.width - one.frame.maxX()) << one.label;
+        EXPECT_EQ(other.y, one.frame.y);
+    }
+    EXPECT_EQ(control(left, ID::volume)->frame.midX(), kCard.midX()) << "below play";
+    EXPECT_GT(all<TextNode>(right).at(2).frame.x, all<TextNode>(right).at(3).frame.x);
+}
+
+TEST(PlayerView, FadesFromTheOldArtworkToTheNew) {
+    Fixture f;
+    const ImageRef old = std::make_shared<Image>();
+    f.interaction.oldArtwork = old;
+    f.interaction.artworkChange = Transition{0.25};
+    Scene scene = f.scene();
+    // A picture covers the old one, which stays whole below it.
+    EXPECT_EQ(all<ImageNode>(scene).at(0).image, old);
+    EXPECT_EQ(all<ImageNode>(scene).at(1).image, f.model.artwork.get());
+    EXPECT_EQ(all<GroupBegin>(scene).at(0).opacity, 0.25);
+    EXPECT_EQ(all<GroupBegin>(scene).size(), 1u);
+
+    f.state.track->artworkData.reset();
+    f.apply();
+    scene = f.scene();
+    EXPECT_EQ(all<GroupBegin>(scene).at(0).opacity, 0.75);
+    EXPECT_EQ(all<ImageNode>(scene).at(0).image, old);
+    EXPECT_EQ(all<GroupBegin>(scene).at(1).opacity, 0.25);
+}
+
+TEST(PlayerViewNextChange, IsNeverWhilePausedAndStill) {
+    Fixture f;
+    f.state.playerState = XPCPlayerState::paused;
+    f.apply();
+    EXPECT_FALSE(f.scene().nextChange);
+    f.state.playerState = XPCPlayerState::playing;
+    f.apply();
+    EXPECT_TRUE(f.scene().nextChange);
+    f.environment.playerFrozenDate = ManualClock::kStart;
+    EXPECT_FALSE(f.scene().nextChange);
+    f.environment.playerFrozenDate.reset();
+    f.clock.advance(500s);  // at its end
+    EXPECT_FALSE(f.scene().nextChange);
+}
+
+// The number of changes of a whole track. The scene is the same until its next change, and another
+// one right after it.
+int changesOver(double duration, Duration lateness = 2ms) {
+    Fixture f;
+    f.state.track->duration = duration;
+    f.state.playerPosition = 0.1;
+    f.apply();
+    int changes = 0;
+    for (Scene before = f.scene(); before.nextChange && changes < 5000; ++changes) {
+        EXPECT_GE(*before.nextChange, 1ms);
+        f.clock.advance(*before.nextChange - lateness);
+        EXPECT_EQ(f.scene(), before) << "after " << changes;
+        f.clock.advance(lateness);
+        const Scene after = f.scene();
+        EXPECT_FALSE(after == before) << "after " << changes;
+        before = after;
+    }
+    return changes;
+}
+
+TEST(PlayerViewNextChange, AScrolledSceneIsAsOneMadeAnew) {
+    Fixture f;
+    f.state.playerState = XPCPlayerState::paused;
+    f.state.track->title = std::string(60, 'W');
+    f.state.track->artist = std::string(50, 'M');
+    f.apply();
+    const auto now = [&] { return f.clock.clock().now(); };
+    f.interaction.artistStart = now();
+    f.interaction.titleStart = now() - 700ms;
+    PlayerScene kept = f.made();
+    for (int frame = 0; frame < 2000; ++frame) {
+        f.clock.advance(*kept.scene.nextChange);
+        ASSERT_TRUE(kept.holds(now()));
+        kept.scroll(now());
+        ASSERT_EQ(kept.scene, f.scene()) << frame;
+        ASSERT_EQ(kept.scene.nextChange, f.scene().nextChange) << frame;
+    }
+}
+
+TEST(PlayerViewNextChange, IsExactOverAWholeTrack) {
+    // Each pixel, and each second of both times where they do not fall together with one.
+    const int ofShort = changesOver(31.37);
+    EXPECT_GT(ofShort, 282);
+    EXPECT_LE(ofShort, 282 + 2 * 32);
+    // The bar's pixels come with the seconds: one wake-up each.
+    EXPECT_EQ(changesOver(214), 214);
+    // What is left changes a moment after what is past: both at once.
+    EXPECT_EQ(changesOver(214.03, 35ms), 214);
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,93 @@
+#include "AddOnKit/presentation/PresentationState.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace quorvane {
+namespace {
+
+// One letter for each field that is true, in the fields' order: Locked, UI shown, Delay elapsed,
+// Allowed, Music.
+constexpr PresentationState state(std::string_view letters) {
+    return {.isLocked = letters.contains('L'),
+            .isLockUIShown = letters.contains('U'),
+            .delayElapsed = letters.contains('D'),
+            .allowsPlayer = letters.contains('A'),
+            .hasMusic = letters.contains('M')};
+}
+
+struct Row {
+    std::string_view from;
+    PresentationEvent event;
+    std::string_view to;
+};
+
+// Each event from where it matters and from where it must not.
+const Row kTable[] = {
+    {"", event::Link{true}, "A"},
+    {"LUDAM", event::Link{false}, "LUDM"},
+    {"LUDA", event::Music{true}, "LUDAM"},
+    {"LUDAM", event::Music{false}, "LUDA"},
+    {"AM", event::Locked{}, "LAM"},
+    {"U", event::Locked{}, "LU"},
+    {"UD", event::Locked{}, "LU"},  // a fresh lock clears what no earlier lock has earned
+    {"LUDAM", event::Locked{}, "LUDAM"},
+    {"LUDAM", event::Unlocked{}, "AM"},
+    {"U", event::Unlocked{}, ""},
+    {"LU", event::DelayElapsed{}, "LUD"},
+    {"L", event::DelayElapsed{}, "L"},
+    {"UAM", event::DelayElapsed{}, "UAM"},
+    {"LUD", event::DelayElapsed{}, "LUD"},
+    {"LUDAM", event::QuorVaneQuit{}, "LUDA"},
+    {"A", event::QuorVaneQuit{}, "A"},
+    {"L", event::LockUIShown{}, "LU"},
+    {"", event::LockUIShown{}, "U"},
+    {"LUDAM", event::LockUIShown{}, "LUDAM"},
+    {"LUDAM", event::LockUIHidden{}, "LAM"},
+    {"U", event::LockUIHidden{}, ""},
+    {"LUDAM", event::Woke{true}, "LUDAM"},
+    {"UAM", event::Woke{true}, "LUAM"},
+    {"LUDAM", event::Woke{false}, "AM"},
+};
+
+TEST(PresentationState, FollowsItsTable) {
+    for (const Row& row : kTable)
+        EXPECT_EQ(state(row.from).applying(row.event), state(row.to))
+            << "from '" << row.from << "' by event " << row.event.index() << " to '" << row.to
+            << "'";
+    static_assert(state("LU").applying(event::DelayElapsed{}) == state("LUD"));
+}
+
+TEST(PresentationState, DerivesItsOutputs) {
+    EXPECT_TRUE(state("LUDA").windowsWanted());
+    EXPECT_TRUE(state("LUDAM").cardShown());
+    for (const char* oneMissing : {"UDAM", "LDAM", "LUAM", "LUDM"}) {
+        EXPECT_FALSE(state(oneMissing).windowsWanted()) << oneMissing;
+        EXPECT_FALSE(state(oneMissing).cardShown()) << oneMissing;
+    }
+    EXPECT_FALSE(state("LUDA").cardShown());
+    EXPECT_TRUE(state("LU").awaitingDelay());
+    for (const char* notAwaiting : {"L", "U", "LUD", "UD", "LD"})
+        EXPECT_FALSE(state(notAwaiting).awaitingDelay()) << notAwaiting;
+}
+
+TEST(PresentationState, ReachesTwentyStatesAndInEachTheDelayBelongsToTheLockUI) {
+    const PresentationEvent everyEvent[] = {
+        event::Link{false},    event::Link{true},     event::Music{false},  event::Music{true},
+        event::Woke{false},    event::Woke{true},     event::Locked{},      event::Unlocked{},
+        event::DelayElapsed{}, event::QuorVaneQuit{}, event::LockUIShown{}, event::LockUIHidden{}};
+    std::vector<PresentationState> reached{PresentationState{}};
+    for (std::size_t i = 0; i < reached.size(); ++i)
+        for (const PresentationEvent& event : everyEvent) {
+            const PresentationState next = reached[i].applying(event);
+            EXPECT_TRUE(!next.delayElapsed || (next.isLocked && next.isLockUIShown));
+            if (std::ranges::find(reached, next) == reached.end()) reached.push_back(next);
+        }
+    EXPECT_EQ(reached.size(), 20u);  // of 32
+}
+
+}  // namespace
+}  // namespace quorvane

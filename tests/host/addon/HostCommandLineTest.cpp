@@ -1,0 +1,58 @@
+#include "host/addon/HostCommandLine.hpp"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace quorvane {
+namespace {
+
+using Command = HostCommandLine::Command;
+using Player = HostCommandLine::Player;
+using Arguments = std::vector<std::string>;
+
+TEST(HostCommandLine, Understands) {
+    const std::pair<Arguments, HostCommandLine> rows[] = {
+        {{}, {}},
+        {{"run"}, {}},
+        {{"status"}, {.command = Command::status}},
+        {{"update", "--from", "/X.app"}, {.command = Command::update, .bundle = "/X.app"}},
+        {{"run", "--only", "mpv"}, {.onlyPlayer = "mpv"}},
+        {{"--script", "a b.json"}, {.player = Player::scripted, .script = "a b.json"}},
+        {{"--script=x=y.json", "run"}, {.player = Player::scripted, .script = "x=y.json"}},
+        {{"--player=scripted", "--script=-x"}, {.player = Player::scripted, .script = "-x"}},
+        {{"nonsense", "-h"}, {.command = Command::help}},
+        {{"-V"}, {.command = Command::version}},
+    };
+    for (const auto& [arguments, expected] : rows) {
+        const auto line = HostCommandLine::parse(arguments);
+        ASSERT_TRUE(line) << line.error();
+        EXPECT_EQ(*line, expected) << testing::PrintToString(arguments);
+    }
+}
+
+TEST(HostCommandLine, ExplainsWhatIsWrong) {
+    const std::pair<Arguments, std::string> rows[] = {
+        {{"sing"}, "unknown command 'sing'"},
+        {{""}, "unknown command ''"},
+        {{"run", "status"}, "one command at a time: 'status' is too much"},
+        {{"--loud"}, "unknown option '--loud'"},
+        {{"--loud=1"}, "unknown option '--loud'"},
+        {{"--script"}, "--script needs a value: --script FILE"},
+        {{"--script", "--only", "x"}, "--script needs a value: --script FILE"},
+        {{"--player", "spinet"}, "--player is mpris or scripted, not 'spinet'"},
+        {{"--player", "scripted"}, "--player scripted needs --script FILE"},
+        {{"--player", "mpris", "--script", "x"}, "--script does not go with --player mpris"},
+        {{"--script", "x", "--only", "y"}, "--only does not go with a scripted player"},
+        {{"remove", "--from", "x"}, "--from is an option of 'install' and 'update' only"},
+        {{"install", "--script", "x"}, "--script is an option of 'run' only"},
+    };
+    for (const auto& [arguments, expected] : rows) {
+        const auto line = HostCommandLine::parse(arguments);
+        ASSERT_FALSE(line) << testing::PrintToString(arguments);
+        EXPECT_EQ(line.error(), expected);
+    }
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,208 @@
+// What shows around and through a card: the locker's own picture, also when it changes.
+#include <array>
+#include <tuple>
+
+#include "tests/platform/linux/card/CardFixture.hpp"
+
+namespace quorvane {
+namespace {
+
+using std::chrono::milliseconds;
+
+// Of the margin, beyond the shadow's reach.
+constexpr Point kCorner{kWindowX + 1, kWindowY + 1};
+constexpr Point kShadow{500, 384};
+
+// A locker that shows a picture of many colours, by its background or by drawing over it.
+void showPicture(const X11Client& locker, xcb_window_t window, bool isBackground) {
+    xcb_connection_t* connection = locker.connection();
+    const xcb_pixmap_t picture = xcb_generate_id(connection);
+    xcb_create_pixmap(connection, 24, picture, window, 1000, 700);
+    const xcb_gcontext_t context = xcb_generate_id(connection);
+    xcb_create_gc(connection, context, window, 0, nullptr);
+    for (int i = 0; i < 70; ++i) {
+        const std::uint32_t color = 0x030201u * static_cast<std::uint32_t>(i);
+        xcb_change_gc(connection, context, XCB_GC_FOREGROUND, &color);
+        const xcb_rectangle_t stripe{0, static_cast<std::int16_t>(i * 10), 1000, 10};
+        xcb_poly_fill_rectangle(connection, isBackground ? picture : window, context, 1, &stripe);
+    }
+    if (!isBackground) return;
+    xcb_change_window_attributes(connection, window, XCB_CW_BACK_PIXMAP, &picture);
+    xcb_clear_area(connection, false, window, 0, 0, 0, 0);
+}
+
+class CardBackdrop : public CardFixture {
+protected:
+    // Outside the card's shadow the window looks like what is behind it.
+    void expectMarginsLike(const Screenshot& before, int windowX, int windowY) {
+        const Screenshot now = look();
+        for (const auto& [x, y] : {std::pair{0, 0}, {503, 0}, {0, 325}, {503, 325}})
+            EXPECT_EQ(now.at(windowX + x, windowY + y), before.at(windowX + x, windowY + y))
+                << x << ", " << y;
+    }
+};
+
+class CardBackdropOfEachKind : public CardBackdrop, public testing::WithParamInterface<bool> {};
+
+TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
+    lock();
+    showPicture(*locker, lockerWindow, GetParam());
+    const Screenshot before = look();
+    makeCard();
+    showCard();
+    expectMarginsLike(before, kWindowX, kWindowY);
+    // Partly onto where it was, and back.
+    window->setFrame(settings(200, 260).frame, screen());
+    const bool isHidden = look().at(400, 400) == before.at(400, 400);
+    EXPECT_EQ(isHidden, !GetParam()) << "until it has been painted behind the card";
+    advance(milliseconds{150});
+    expectMarginsLike(before, 200, 260);
+    EXPECT_NE(look().at(400, 400), before.at(400, 400)) << "the card";
+    // As lockers do when the server asks them to repair what is open again.
+    showPicture(*locker, lockerWindow, GetParam());
+    settle();
+    window->setFrame(settings(kWindowX, kWindowY).frame, screen());
+    settle();
+    advance(milliseconds{150});
+    expectMarginsLike(before, kWindowX, kWindowY);
+}
+
+INSTANTIATE_TEST_SUITE_P(Drawn, CardBackdropOfEachKind, testing::Bool(), [](const auto& about) {
+    return about.param ? "AsBackground" : "OverTheBackground";
+});
+
+TEST_F(CardBackdrop, FollowsTheLockersBackgroundWhenItRests) {
+    lock();
+    makeCard();
+    showCard();
+    const std::uint32_t glass = pixelAt(500, 250);
+    EXPECT_NE(pixelAt(kShadow), kLockerColor);
+    setBackground(lockerWindow, 0xff902010);
+    EXPECT_EQ(pixelAt(kCorner), 0xff902010) << "nothing around the card is ever wrong";
+    EXPECT_EQ(pixelAt(kShadow), 0xff902010);
+    EXPECT_EQ(pixelAt(500, 250), glass);
+    advance(milliseconds{100});
+    EXPECT_EQ(pixelAt(kCorner), 0xff902010);
+    EXPECT_NE(pixelAt(kShadow), 0xff902010);
+    EXPECT_NE(pixelAt(500, 250), glass);
+
+    // Our own drawing is none of the locker's.
+    for (int i = 0; i < 5; ++i) {
+        advance(milliseconds{500});
+        stage->setScene(sceneOf({{{20.0 * i, 20, 30, 30}, 0, Color::white()}}));
+        settle();
+    }
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
+// Lockers make a new background in steps that the screen does not show: a fill, then the picture.
+TEST_F(CardBackdrop, IsNeverAPictureInTheMaking) {
+    lock();
+    xcb_connection_t* connection = locker->connection();
+    showPicture(*locker, lockerWindow, true);
+    const Screenshot picture = look();
+    makeCard();
+    showCard();
+    const Screenshot before = look();
+    for (int key = 0; key < 3; ++key) {
+        xcb_clear_area(connection, false, lockerWindow, 0, 0, 0, 0);
+        const std::uint32_t filled = 0xffa3a3a3;
+        xcb_change_window_attributes(connection, lockerWindow, XCB_CW_BACK_PIXEL, &filled);
+        settle();
+        advance(milliseconds{100});
+        EXPECT_EQ(look(), before) << key;
+        showPicture(*locker, lockerWindow, true);
+        settle();
+        advance(milliseconds{100});
+        EXPECT_EQ(look(), before) << key;
+    }
+    // Nor is a drawing that passes by, and that no background knows of.
+    const std::uint32_t white = 0xffffffff;
+    const xcb_gcontext_t context = xcb_generate_id(connection);
+    xcb_create_gc(connection, context, lockerWindow, XCB_GC_FOREGROUND, &white);
+    const xcb_rectangle_t all{0, 0, 1000, 700};
+    xcb_poly_fill_rectangle(connection, lockerWindow, context, 1, &all);
+    EXPECT_EQ(pixelAt(kWindowX - 1, kWindowY), white);
+    advance(milliseconds{500});
+    expectMarginsLike(picture, kWindowX, kWindowY);
+    EXPECT_EQ(pixelAt(kShadow), picture.at(int(kShadow.x), int(kShadow.y)));
+}
+
+TEST_F(CardBackdrop, IsReadOnAllOfARootThatHasGrown) {
+    server.resizeRoot("500x700", "150x200");
+    open();
+    server.resizeRoot("1000x700", "300x200");
+    settle();
+    lock();
+    makeCard(490, kWindowY);
+    showCard();
+    const std::uint32_t glass = pixelAt(742, 250);
+    EXPECT_GT(glass & 0xff, (glass >> 16 & 0xff) + 20) << "blue, not black";
+}
+
+TEST_F(CardBackdrop, OfALockerWithoutBackgroundIsNotTakenFromTheCardItself) {
+    lock();
+    const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
+    xcb_change_window_attributes(locker->connection(), lockerWindow, XCB_CW_BACK_PIXMAP, &none);
+    showPicture(*locker, lockerWindow, false);
+    const Screenshot before = look();
+    makeCard();
+    showCard();
+    const Screenshot shown = look();
+    advance(milliseconds{600});
+    showPicture(*locker, lockerWindow, false);
+    settle();
+    advance(milliseconds{600});
+    EXPECT_EQ(look(), shown);
+    int changedOutside = 0;
+    for (int y = 0; y < shown.height; ++y)
+        for (int x = 0; x < shown.width; ++x) {
+            const bool isCard = x >= 300 && x < 700 && y >= 152 && y < 374;
+            changedOutside += !isCard && shown.at(x, y) != before.at(x, y);
+        }
+    EXPECT_EQ(changedOutside, 0);
+    EXPECT_EQ(shown.at(302, 154), before.at(302, 154)) << "outside the round corner";
+    EXPECT_NE(shown.at(302, 260), before.at(302, 260));
+}
+
+TEST_F(CardBackdrop, OutsideOfTheScreenDoesNoHarm) {
+    lock();
+    makeCard(700, -80);
+    showCard();
+    EXPECT_EQ(pixelAt(705, 240), kLockerColor);
+    EXPECT_NE(pixelAt(900, 100), kLockerColor);
+    window->setFrame(settings(2000, 2000).frame, screen());
+    EXPECT_EQ(pixelAt(900, 100), kLockerColor);
+}
+
+// The same card on servers that lack what makes it fast or lets it follow.
+class CardWithout : public CardBackdrop, public testing::WithParamInterface<const char*> {
+protected:
+    CardWithout() { server = PrivateXServer{"1000x700x24", {"-extension", GetParam()}}; }
+};
+
+TEST_P(CardWithout, IsDrawnAllTheSame) {
+    lock();
+    showPicture(*locker, lockerWindow, true);
+    const Screenshot before = look();
+    makeCard();
+    stage->setScene(sceneOf({{{100, 100, 20, 20}, 0, {0, 1, 0, 1}}}));
+    showCard();
+    EXPECT_EQ(std::ranges::count(look().pixels, 0xff00ff00), 20 * 20);
+    expectMarginsLike(before, kWindowX, kWindowY);
+    window->setFrame(settings(200, 260).frame, screen());
+    expectMarginsLike(before, 200, 260);
+    window->close();
+    EXPECT_EQ(look(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Extension, CardWithout,
+                         testing::Values("MIT-SHM", "Composite", "DAMAGE", "XFIXES", "SHAPE"),
+                         [](const auto& about) {
+                             std::string name = about.param;
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,99 @@
+// Scenes drawn to memory, for tests to look at their pixels, and pictures to draw.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "drawing/pictures/EncodedImage.hpp"
+#include "platform/linux/drawing/CairoCanvas.hpp"
+
+namespace quorvane {
+
+// Pixels as Cairo holds them: 0xAARRGGBB, colours multiplied by alpha.
+class DrawnScene {
+public:
+    DrawnScene(CairoCanvas& canvas, const Scene& scene, Size size, double scale = 1)
+        : width_(static_cast<int>(std::lround(size.width * scale))),
+          height_(static_cast<int>(std::lround(size.height * scale))),
+          scale_(scale) {
+        CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width_, height_)};
+        cairo_surface_t* const kept = cairo_surface_reference(surface.get());
+        canvas.setTarget(std::move(surface));
+        canvas.draw(scene);
+        canvas.setTarget(nullptr);
+        cairo_surface_flush(kept);
+        const auto* const data =
+            reinterpret_cast<const std::uint32_t*>(cairo_image_surface_get_data(kept));
+        pixels_.assign(data, data + std::ptrdiff_t{width_} * height_);
+        cairo_surface_destroy(kept);
+    }
+
+    std::uint32_t at(int x, int y) const {
+        return pixels_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                       static_cast<std::size_t>(x)];
+    }
+    // The pixel at a place in points.
+    std::uint32_t at(Point point) const {
+        return at(static_cast<int>(point.x * scale_), static_cast<int>(point.y * scale_));
+    }
+    int alphaAt(int x, int y) const { return static_cast<int>(at(x, y) >> 24); }
+
+    // What holds every pixel that is not clear, in points; empty when all are.
+    Rect ink() const {
+        int left = width_, top = height_, right = 0, bottom = 0;
+        for (int y = 0; y < height_; ++y)
+            for (int x = 0; x < width_; ++x) {
+                if (alphaAt(x, y) == 0) continue;
+                left = std::min(left, x), right = std::max(right, x + 1);
+                top = std::min(top, y), bottom = std::max(bottom, y + 1);
+            }
+        if (right <= left) return {};
+        return {left / scale_, top / scale_, (right - left) / scale_, (bottom - top) / scale_};
+    }
+    int width() const { return width_; }
+    int height() const { return height_; }
+    bool operator==(const DrawnScene&) const = default;
+
+private:
+    int width_;
+    int height_;
+    double scale_;
+    std::vector<std::uint32_t> pixels_;
+};
+
+inline bool contains(const Rect& outer, const Rect& inner) {
+    return inner.x >= outer.x && inner.y >= outer.y && inner.maxX() <= outer.maxX() &&
+           inner.maxY() <= outer.maxY();
+}
+
+inline Bytes encoded(cairo_surface_t* surface) {
+    Bytes bytes;
+    cairo_surface_write_to_png_stream(
+        surface,
+        [](void* target, const unsigned char* data, unsigned int length) {
+            const auto more = std::as_bytes(std::span{data, length});
+            auto& all = *static_cast<Bytes*>(target);
+            all.insert(all.end(), more.begin(), more.end());
+            return CAIRO_STATUS_SUCCESS;
+        },
+        &bytes);
+    return bytes;
+}
+
+// A PNG whose columns have these colours, each as wide as the next.
+inline Bytes stripes(int width, int height, std::initializer_list<Color> colors) {
+    const CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height)};
+    const CairoContext cairo{cairo_create(surface.get())};
+    const double step = static_cast<double>(width) / static_cast<double>(colors.size());
+    double x = 0;
+    for (const Color& color : colors) {
+        cairo_set_source_rgba(cairo.get(), color.red, color.green, color.blue, color.alpha);
+        cairo_rectangle(cairo.get(), x, 0, step, height);
+        cairo_fill(cairo.get());
+        x += step;
+    }
+    return encoded(surface.get());
+}
+
+}  // namespace quorvane

@@ -1,0 +1,144 @@
+#include "platform/linux/drawing/PictureCache.hpp"
+
+#include <gtest/gtest.h>
+
+#include "tests/platform/linux/drawing/DrawnScene.hpp"
+#include "tests/support/ManualMainThread.hpp"
+#include "tests/support/ManualSerialQueues.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr Color kRed{1, 0, 0, 1};
+constexpr Color kGreen{0, 1, 0, 1};
+constexpr Color kBlue{0, 0, 1, 1};
+constexpr Rect kFrame{10, 10, 40, 40};
+
+using State = Image::State;
+
+ImageRef image(Bytes bytes) {
+    return std::make_shared<EncodedImage>(std::move(bytes), State::arriving);
+}
+
+DrawnScene drawn(const ImageRef& picture, double scale = 1) {
+    CairoCanvas canvas{scale};
+    Scene scene;
+    scene.nodes = {ImageNode{kFrame, 8, picture}};
+    return {canvas, scene, {60, 60}, scale};
+}
+
+bool isNear(std::uint32_t pixel, std::uint32_t wanted) {
+    for (const int shift : {0, 8, 16, 24})
+        if (std::abs(static_cast<int>(pixel >> shift & 0xff) -
+                     static_cast<int>(wanted >> shift & 0xff)) > 12)
+            return false;
+    return true;
+}
+
+TEST(Pictures, FillTheirFrameCroppedAboutTheMiddle) {
+    for (const double scale : {1.0, 1.25, 1.5, 2.0, 3.0}) {
+        // Wide: the outer stripes fall away. Small and large: scaled up and down.
+        for (const int size : {20, 40, 900}) {
+            const DrawnScene wide =
+                drawn(image(stripes(2 * size, size, {kRed, kGreen, kBlue, kRed})), scale);
+            EXPECT_TRUE(contains(kFrame.grownBy(1 / scale), wide.ink()));
+            EXPECT_TRUE(contains(wide.ink(), kFrame));
+            EXPECT_TRUE(isNear(wide.at(Point{16, 30}), 0xff00ff00)) << size << " at " << scale;
+            EXPECT_TRUE(isNear(wide.at(Point{44, 30}), 0xff0000ff)) << size << " at " << scale;
+        }
+        const DrawnScene high = drawn(image(stripes(300, 900, {kRed, kBlue})), scale);
+        EXPECT_TRUE(isNear(high.at(Point{16, 12}), 0xffff0000));
+        EXPECT_TRUE(isNear(high.at(Point{44, 48}), 0xff0000ff));
+        EXPECT_EQ(high.at(Point{10, 10}), 0u);  // the rounded corner
+    }
+    const DrawnScene faint = drawn(image(stripes(40, 40, {{1, 0, 0, 0.5}})));
+    EXPECT_TRUE(isNear(faint.at(30, 30), 0x80800000));
+}
+
+// A complete picture of far more pixels than bytes.
+Bytes bomb() {
+    const CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_A1, 8000, 8000)};
+    return encoded(surface.get());
+}
+
+TEST(Pictures, AreNotDrawnWhenTheyCannotBeDecoded) {
+    Bytes broken = stripes(300, 300, {kRed, kBlue});
+    broken[broken.size() / 2] ^= std::byte{0xff};
+    const Bytes huge = bomb();
+    EXPECT_LT(huge.size(), 100'000u);
+    for (const Bytes& bytes : {Bytes{}, copyOf(bytesOf("no picture at all")), broken, huge}) {
+        const ImageRef picture = image(bytes);
+        EXPECT_TRUE(drawn(picture).ink().isEmpty());
+        EXPECT_EQ(picture->state().get(), State::undecodable);
+    }
+    EXPECT_TRUE(drawn(std::make_shared<Image>()).ink().isEmpty()) << "an image of another kind";
+}
+
+struct Background {
+    ManualMainThread mainThread;
+    ManualSerialQueues queues;
+    int arrivals = 0;
+    std::unique_ptr<PictureCache> cache = std::make_unique<PictureCache>(
+        queues.make()(""), mainThread.mainThread(), [this] { ++arrivals; });
+
+    void decode() {
+        queues.runAll();
+        mainThread.run();
+    }
+};
+
+TEST(PictureCache, DecodesInTheBackgroundAndOnlyOnce) {
+    Background b;
+    const ImageRef picture = image(stripes(80, 80, {kRed}));
+    const auto width = [&](int size) {
+        return cairo_image_surface_get_width(b.cache->picture(picture, {size, size}));
+    };
+    EXPECT_FALSE(b.cache->picture(picture, {40, 40}));
+    EXPECT_FALSE(b.cache->picture(picture, {40, 40}));
+    EXPECT_EQ(b.queues.waiting(""), 1u);
+    b.queues.runAll();
+    EXPECT_EQ(picture->state().get(), State::arriving);
+    b.mainThread.run();
+    EXPECT_EQ(picture->state().get(), State::ready);
+    EXPECT_EQ(b.arrivals, 1);
+    EXPECT_EQ(width(40), 40);
+    EXPECT_EQ(b.queues.waiting(""), 0u);
+    EXPECT_EQ(width(80), 40) << "until it is decoded at the other size";
+    b.decode();
+    EXPECT_EQ(width(80), 80);
+
+    const ImageRef broken = image({});
+    EXPECT_FALSE(b.cache->picture(broken, {40, 40}));
+    b.decode();
+    EXPECT_EQ(broken->state().get(), State::undecodable);
+    EXPECT_FALSE(b.cache->picture(broken, {40, 40}));
+    EXPECT_EQ(b.queues.waiting(""), 0u);
+}
+
+TEST(PictureCache, KeepsFewPicturesAndNoneOfImagesThatAreGone) {
+    Background b;
+    std::vector<ImageRef> images;
+    for (int i = 0; i < 12; ++i) {
+        images.push_back(image(stripes(8, 8, {kRed})));
+        b.cache->picture(images.back(), {4, 4});
+        b.decode();
+    }
+    EXPECT_TRUE(b.cache->picture(images.back(), {4, 4}));
+    EXPECT_FALSE(b.cache->picture(images.front(), {4, 4}));
+    const std::weak_ptr<const Image> gone = images.back();
+    images.clear();
+    b.decode();
+    EXPECT_TRUE(gone.expired());
+}
+
+TEST(PictureCache, ForgetsWhatArrivesAfterItsEnd) {
+    Background b;
+    b.cache->picture(image(stripes(8, 8, {kRed})), {4, 4});
+    b.queues.runAll();
+    b.cache.reset();
+    b.mainThread.run();
+    EXPECT_EQ(b.arrivals, 0);
+}
+
+}  // namespace
+}  // namespace quorvane

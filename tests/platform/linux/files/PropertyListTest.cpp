@@ -1,0 +1,183 @@
+#include "platform/linux/files/PropertyListLinux.hpp"
+
+#include <gtest/gtest.h>
+#include <locale.h>
+
+#include <cmath>
+
+namespace quorvane {
+namespace {
+
+constexpr std::string_view kInfo =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+    "<plist version=\"1.0\"><dict><!-- a comment -->\n"
+    "<key>text</key><string>a &lt;b&gt; &amp; &#xFC;</string>\n"
+    "<key>yes</key><true/><key>no</key><false/>\n"
+    "<key>one</key><integer>1</integer><key>minus</key><integer>-7</integer>\n"
+    "<key>real</key><real>1.5</real><key>date</key><date>2026-01-02T03:04:05Z</date>\n"
+    "<key>data</key><data>AAH/</data>\n"
+    "<key>list</key><array><string/><array/><dict><key>k</key><true/></dict></array>\n"
+    "</dict></plist>\n";
+
+PropertyDictionary infoValues() {
+    return {
+        {"text", {std::string{"a <b> & ü"}}},
+        {"yes", {true}},
+        {"no", {false}},
+        {"one", {std::int64_t{1}}},
+        {"minus", {std::int64_t{-7}}},
+        {"real", {1.5}},
+        {"date", {WallTime{std::chrono::seconds{1'767'323'045}}}},
+        {"data", {Bytes{std::byte{0}, std::byte{1}, std::byte{255}}}},
+        {"list",
+         {PropertyArray{{std::string{}}, {PropertyArray{}}, {PropertyDictionary{{"k", {true}}}}}}}};
+}
+
+// {"CFBundleIdentifier": "a.b", "n": [1, 1]} with the array's two elements in one object.
+std::string binaryList() {
+    std::string list = "bplist00";
+    std::string offsets;
+    const std::string objects[] = {"\xD2\x01\x02\x03\x04",
+                                   "\x5F\x10\x12"
+                                   "CFBundleIdentifier",
+                                   "\x51n",
+                                   "\x53"
+                                   "a.b",
+                                   "\xA2\x05\x05",
+                                   "\x10\x01"};
+    for (const std::string& object : objects) {
+        offsets.push_back(static_cast<char>(list.size()));
+        list += object;
+    }
+    const char table = static_cast<char>(list.size());
+    list += offsets + std::string(6, '\0') + "\x01\x01" + std::string(7, '\0') + '\x06';
+    return list + std::string(15, '\0') + table;
+}
+
+Result<PropertyValue> parse(std::string_view text) { return parsePropertyList(bytesOf(text)); }
+
+TEST(PropertyListTest, ReadsBothFormsAndKeepsWhatItWrites) {
+    const auto info = parse(kInfo);
+    ASSERT_TRUE(info);
+    EXPECT_EQ(*info, PropertyValue{infoValues()});
+
+    const auto binary = parse(binaryList());
+    ASSERT_TRUE(binary);
+    const PropertyArray ones{{std::int64_t{1}}, {std::int64_t{1}}};
+    EXPECT_EQ(*binary, (PropertyValue{PropertyDictionary{
+                           {"CFBundleIdentifier", {std::string{"a.b"}}}, {"n", {ones}}}}));
+
+    auto values = infoValues();
+    values["awkward"] = {std::string{" <\r\n\t&]]> \xF0\x9F\x8E\xB5"}};
+    values["precise"] = {0.1};
+    values["least"] = {std::numeric_limits<std::int64_t>::min()};
+    const auto written = xmlPropertyList({values});
+    ASSERT_TRUE(written);
+    EXPECT_EQ(parsePropertyList(*written), PropertyValue{values});
+}
+
+TEST(PropertyListTest, ReadsTheOldStyleForm) {
+    const auto list = parse(
+        "// !$*UTF8*$!\n{ CFBundleIdentifier = a.b-c; \"a key\" = \"say \\\"\\U00fc\\101\\n\\\"\";"
+        " list = (one, { k = 'v'; }, (), ); /* none */ data = <00 0fFf>; }\n");
+    ASSERT_TRUE(list);
+    const PropertyArray array{
+        {std::string{"one"}}, {PropertyDictionary{{"k", {std::string{"v"}}}}}, {PropertyArray{}}};
+    EXPECT_EQ(*list, (PropertyValue{PropertyDictionary{
+                         {"CFBundleIdentifier", {std::string{"a.b-c"}}},
+                         {"a key", {std::string{"say \"üA\n\""}}},
+                         {"list", {array}},
+                         {"data", {Bytes{std::byte{0}, std::byte{15}, std::byte{255}}}}}}));
+    for (const char* malformed : {"{", "{ a = b }", "{ a b; }", "{ a = ; }", "(a b)", "( <0> )",
+                                  "{ a = \"b; }", "{} more", "(\"\\U0000\")", "{ = b; }"})
+        EXPECT_EQ(parse(malformed).error().code, EINVAL) << malformed;
+    EXPECT_FALSE(parse(std::string("{}\0{}", 5)));
+    EXPECT_FALSE(parse(std::string(200'000, '(')));
+    std::string many = "(";
+    for (int value = 0; value < 30'000; ++value) many += "a,";
+    EXPECT_FALSE(parse(many + ")"));
+}
+
+TEST(PropertyListTest, DatesKeepTheirSecondAndTheLibrarysRange) {
+    const auto trip = [](WallTime date) -> std::optional<WallTime> {
+        const auto written = xmlPropertyList({date});
+        if (!written) return std::nullopt;
+        return *parsePropertyList(*written)->as<WallTime>();
+    };
+    const WallTime date{std::chrono::milliseconds{1'767'225'600'999}};
+    EXPECT_EQ(trip(date), std::chrono::floor<std::chrono::seconds>(date));
+    const WallTime before2001{std::chrono::seconds{1}};
+    EXPECT_EQ(trip(before2001), before2001);
+    EXPECT_EQ(trip(kDistantPast), std::nullopt);
+    EXPECT_EQ(xmlPropertyList({kDistantPast}).error().code, EOVERFLOW);
+}
+
+TEST(PropertyListTest, TextWithANulIsNotWrittenCutOff) {
+    const std::string text("a\0b", 3);
+    EXPECT_EQ(xmlPropertyList({text}).error().code, EINVAL);
+    EXPECT_FALSE(xmlPropertyList({PropertyArray{{PropertyDictionary{{text, {true}}}}}}));
+}
+
+TEST(PropertyListTest, NumbersDoNotDependOnTheLanguage) {
+    const locale_t german = newlocale(LC_NUMERIC_MASK, "de_DE.UTF-8", nullptr);
+    if (!german) GTEST_SKIP() << "this machine has no locale with a decimal comma";
+    const locale_t before = uselocale(german);
+    const auto written = xmlPropertyList({1.5});
+    const auto read = parse(kInfo);
+    uselocale(before);
+    freelocale(german);
+    EXPECT_NE(textOf(*written).find("<real>1.5"), std::string_view::npos);
+    EXPECT_EQ(*find<double>(*read->as<PropertyDictionary>(), "real"), 1.5);
+}
+
+// Each either fails or gives something; none may crash, run for long or read outside.
+TEST(PropertyListTest, NoDamageToAFileHarms) {
+    EXPECT_FALSE(parse(""));
+    EXPECT_FALSE(parse("hello"));
+    EXPECT_FALSE(parse("bplist00"));
+    const std::string oldStyle = "{ a = (b, <00ff>); \"c\" = { \"d\\U00fc\" = \"\\101\"; }; }";
+    for (const std::string& whole : {std::string{kInfo}, binaryList(), oldStyle}) {
+        for (std::size_t length = 0; length < whole.size(); ++length) {
+            // In memory of its own size, so that reading past its end is noticed.
+            const auto cut = copyOf(bytesOf(whole).first(length));
+            (void)parsePropertyList(cut);
+        }
+        for (std::size_t place = 0; place < whole.size(); ++place)
+            for (const char damage : {'\0', '\x7F', '\xFF', '<', '\xAF'}) {
+                auto broken = whole;
+                broken[place] = damage;
+                (void)parse(broken);
+            }
+    }
+}
+
+TEST(PropertyListTest, ListsThatUnfoldWithoutEndAreRefused) {
+    std::string deep;
+    for (int level = 0; level < 200'000; ++level) deep += "<array>";
+    EXPECT_FALSE(parse("<plist>" + deep));
+    deep.resize(150 * 7);
+    std::string closing;
+    for (int level = 0; level < 150; ++level) closing += "</array>";
+    EXPECT_FALSE(parse("<plist>" + deep + closing + "</plist>"));
+
+    // Array n holds array n + 1 twice; the last may hold the first.
+    for (const bool isCircle : {false, true}) {
+        std::string list = "bplist00", offsets;
+        constexpr int kObjects = 60;
+        for (int object = 0; object < kObjects; ++object) {
+            offsets.push_back(static_cast<char>(list.size()));
+            const char next = static_cast<char>(isCircle ? (object + 1) % kObjects : object + 1);
+            list += object + 1 < kObjects || isCircle ? std::string{"\xA2"} + next + next
+                                                      : std::string{"\xA0"};
+        }
+        const char table = static_cast<char>(list.size());
+        list += offsets + std::string(6, '\0') + "\x01\x01" + std::string(7, '\0') +
+                static_cast<char>(kObjects) + std::string(15, '\0') + table;
+        EXPECT_FALSE(parse(list));
+    }
+}
+
+}  // namespace
+}  // namespace quorvane
