@@ -24,7 +24,7 @@ constexpr char kHelp[] =
     "Shows the playing track on the lock screen. It is installed and started by quorvane-host.\n"
     "\n"
     "Options:\n"
-    "  --installed    this copy has just been installed: an earlier removal is void\n"
+    "  --installed    used by installers: cancel an earlier request to remove the add-on\n"
     "  --uninstall    remove the add-on's login item, files and settings, and quit\n"
     "  -h, --help     show this text and exit\n"
     "  -V, --version  show the version and exit\n";

@@ -116,7 +116,7 @@ int run(const HostCommandLine& line, const LiveServices& services) {
     DeliveredRemoval removal{addOn, {services.log, kIdentifierPrefix, "host"}};
     host.onRemovalDelivered = [&removal] { removal.delivered(); };
     host.onServing = [&host] {
-        say("serving; end with Ctrl-C");
+        say("serving; press Ctrl-C to stop");
         if (!host.hasSecret()) say("without a connection secret no add-on can connect");
     };
     bool hasStarted = false;
@@ -125,14 +125,16 @@ int run(const HostCommandLine& line, const LiveServices& services) {
     const int status = services.application.run(
         [&] {
             if (services.connectPort(std::string{kMessagePortBaseName}))
-                say("another quorvane-host serves this login; waiting for it to end");
+                say("another quorvane-host is serving this login; waiting for it to end");
             else if (!SharedDefaults{sharedSuite(services)}.lockScreenEnabled())
-                say("the card is off; turn it on with: quorvane-host enable");
+                say("the card is off (turn on with: quorvane-host enable)");
             hasStarted = host.start();
             if (!hasStarted) services.application.terminate();
         },
         [&] { host.stop(); });
-    return hasStarted ? status : fail("the system refuses a thread; end other programs and retry");
+    return hasStarted
+               ? status
+               : fail("the system refused to start a thread; end other programs and try again");
 }
 
 AddOnPlace lookAtPlace(const LiveServices& services) {
@@ -173,13 +175,14 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
         status = outcome ? kHostDone : fail(outcome.error());
         services.application.terminate();
     };
-    const auto putInPlace = [&](void (AddOnCommands::*command)(const std::filesystem::path&,
-                                                               AddOnCommands::Done)) {
-        const auto own = bundleToInstall(services.process.executable, makeLiveBundleFiles());
-        if (!line.bundle && !own)
-            return done(std::unexpected{"no add-on came with this program; name one with --from"});
-        (commands.*command)(line.bundle ? std::filesystem::absolute(*line.bundle) : *own, done);
-    };
+    const auto putInPlace =
+        [&](void (AddOnCommands::*command)(const std::filesystem::path&, AddOnCommands::Done)) {
+            const auto own = bundleToInstall(services.process.executable, makeLiveBundleFiles());
+            if (!line.bundle && !own)
+                return done(
+                    std::unexpected{"this program comes without an add-on; give one with --from"});
+            (commands.*command)(line.bundle ? std::filesystem::absolute(*line.bundle) : *own, done);
+        };
     const auto begin = [&] {
         switch (line.command) {
             case Command::install: return putInPlace(&AddOnCommands::install);

@@ -13,7 +13,7 @@ namespace {
 
 using State = AddOnPlace::State;
 
-constexpr char kNotInstalled[] = "the add-on is not installed; do so with: quorvane-host install";
+constexpr char kNotInstalled[] = "the add-on is not installed (run: quorvane-host install)";
 
 }  // namespace
 
@@ -22,9 +22,9 @@ AddOnCommands::AddOnCommands(Services services)
 
 std::expected<AddOnPlace, std::string> AddOnCommands::place() const {
     if (!services_.applicationSupport)
-        return std::unexpected{"this user has no home folder to install anything in"};
+        return std::unexpected{"this user has no home folder to install into"};
     AddOnPlace place = AddOnPlace::look(*services_.applicationSupport, services_.bundleFiles);
-    if (place.state == State::foreign) return std::unexpected{place.trouble + "; it is left alone"};
+    if (place.state == State::foreign) return std::unexpected{place.trouble + "; left unchanged"};
     return place;
 }
 
@@ -49,10 +49,10 @@ void AddOnCommands::update(const std::filesystem::path& bundle, Done done) {
     const auto version = addOnVersionOf(bundle, services_.bundleFiles);
     if (!version) return end(std::unexpected{bundle.string() + " is not the add-on"});
     if (there->state == State::installed && !isOlderVersion(there->version, *version))
-        return end("Version " + there->version +
-                   " is installed; there is nothing newer than it.\n");
+        return end("Version " + there->version + " is installed and is the newest.\n");
     if (auto failure = put(bundle, *there)) return end(std::unexpected{*std::move(failure)});
-    const std::string before = there->version.empty() ? "what was left" : there->version;
+    const std::string before =
+        there->version.empty() ? "an incomplete installation" : there->version;
     replaceRunning(*there, *version, "Updated " + before + " to version " + *version + ".\n");
 }
 
@@ -111,17 +111,17 @@ void AddOnCommands::startAndTell(const AddOnPlace& place, const std::vector<std:
     control_.awaitVersion(
         place.version, [this, text = std::move(text)](AddOnControl::Answer answer) {
             switch (answer) {
-                case AddOnControl::Answer::runs: return end(text + "The add-on runs.\n" + notes());
+                case AddOnControl::Answer::runs:
+                    return end(text + "The add-on is running.\n" + notes());
                 case AddOnControl::Answer::isSilent:
                     return end(text + "The add-on was started" +
-                               (services_.problems.bus ? "" : ", but does not answer yet") + ".\n" +
-                               notes());
+                               (services_.problems.bus ? "" : ", but has not answered yet") +
+                               ".\n" + notes());
                 case AddOnControl::Answer::ended:
-                    return end(std::unexpected{(text.empty() ? "the" : text + "The") +
-                                               " add-on cannot run here: " +
-                                               services_.problems.screen.value_or(
-                                                   "it has ended at once, and its log says why") +
-                                               ". Start it later with: quorvane-host launch"});
+                    return end(std::unexpected{
+                        (text.empty() ? "the" : text + "The") + " add-on cannot run here: " +
+                        services_.problems.screen.value_or("it ended at once (see its log)") +
+                        ". Start it later with: quorvane-host launch"});
             }
         });
 }
@@ -139,7 +139,7 @@ void AddOnCommands::launch(Done done) {
     const auto there = place();
     if (!there) return end(std::unexpected{there.error()});
     if (there->state != State::installed) return end(std::unexpected{kNotInstalled});
-    if (control_.isRunning()) return end("The add-on runs already.\n" + notes());
+    if (control_.isRunning()) return end("The add-on is already running.\n" + notes());
     startAndTell(*there, {}, "");
 }
 
@@ -148,7 +148,7 @@ void AddOnCommands::quit(Done done) {
     if (!control_.isRunning()) return end(std::unexpected{"the add-on is not running"});
     control_.quit([this](bool isGone) {
         if (isGone) return end("The add-on has quit. It starts again at the next login.\n");
-        end(std::unexpected{"the add-on does not quit"});
+        end(std::unexpected{"the add-on did not quit (try again, or log out)"});
     });
 }
 
@@ -188,9 +188,10 @@ void AddOnCommands::uninstall(const AddOnPlace& place) {
     if (place.state != State::installed) {
         const auto removed = services_.fileManager.removeItem(place.supportDirectory);
         if (!removed && !isGone())
-            return end(std::unexpected{"not all could be removed: " + removed.error().description});
+            return end(
+                std::unexpected{"some files could not be removed: " + removed.error().description});
         finishRemoval();
-        return end("Removed what was left of the add-on.\n");
+        return end("Removed the rest of an incomplete installation.\n");
     }
     if (const auto failure = start(place, {AddOnSignals::kUninstallArgument}))
         return end(
@@ -198,8 +199,8 @@ void AddOnCommands::uninstall(const AddOnPlace& place) {
     control_.awaitRemoval(isGone, [this, place](bool isRemoved) {
         if (!isRemoved)
             return end(
-                std::unexpected{"the add-on has not removed itself; its log says why. A running "
-                                "host tries again when the add-on next says hello"});
+                std::unexpected{"the add-on has not removed itself (see its log); a running "
+                                "host tries again when the add-on next connects"});
         finishRemoval();
         end("Removed the add-on, its login item and its settings.\n");
     });

@@ -44,9 +44,9 @@ AddOnPlace AddOnPlace::look(const fs::path& applicationSupport, const BundleFile
         std::error_code error;
         const auto status = fs::symlink_status(folder, error);
         if (status.type() == fs::file_type::not_found) return place;
-        if (error) return foreign(folder, "not to be looked at");
+        if (error) return foreign(folder, "not readable");
         if (fs::is_symlink(status)) return foreign(folder, "a symbolic link");
-        if (!fs::is_directory(status)) return foreign(folder, "no folder");
+        if (!fs::is_directory(status)) return foreign(folder, "not a folder");
     }
     if (const auto version = addOnVersionOf(place.bundle, files)) {
         place.state = State::installed;

@@ -17,16 +17,15 @@ struct CommandRow {
 };
 
 constexpr CommandRow kCommands[] = {
-    {"run", Command::run, "serve the add-on until interrupted (this is the default)"},
-    {"install", Command::install,
-     "put the add-on in its place, turn the card on, start the add-on"},
-    {"update", Command::update, "the same for a newer version than the one installed"},
-    {"launch", Command::launch, "start the installed add-on if it does not run"},
-    {"status", Command::status, "tell whether a host runs, what it plays, and about the add-on"},
-    {"quit", Command::quit, "have the add-on quit until the next login"},
-    {"remove", Command::remove, "have the add-on remove itself with all that it has left"},
-    {"enable", Command::enable, "turn the card on the lock screen on"},
-    {"disable", Command::disable, "turn the card on the lock screen off"},
+    {"run", Command::run, "serve the add-on until interrupted (default)"},
+    {"install", Command::install, "install the add-on, turn the card on, start the add-on"},
+    {"update", Command::update, "install a newer version; the card stays on or off"},
+    {"launch", Command::launch, "start the installed add-on unless it is running"},
+    {"status", Command::status, "show what plays, whether the card is on, and the add-on's state"},
+    {"quit", Command::quit, "quit the add-on until the next login"},
+    {"remove", Command::remove, "remove the add-on with its login item, files and settings"},
+    {"enable", Command::enable, "turn the card on"},
+    {"disable", Command::disable, "turn the card off"},
 };
 
 struct OptionRow {
@@ -37,13 +36,13 @@ struct OptionRow {
 };
 
 constexpr OptionRow kInstallOptions[] = {
-    {"--from", "PATH", "the bundle to install, instead of the one that came with this program",
+    {"--from", "PATH", "install this bundle instead of the one that comes with this program",
      [](HostCommandLine& line, const std::string& value) { line.bundle = value; }},
 };
 
 constexpr OptionRow kRunOptions[] = {
-    {"--player", "KIND",
-     "mpris: the music players of the session (default); scripted: see --script", nullptr},
+    {"--player", "KIND", "mpris: the session's music players (default); scripted: see --script",
+     nullptr},
     {"--script", "FILE", "play the tracks of a JSON file instead of a real player",
      [](HostCommandLine& line, const std::string& value) { line.script = value; }},
     {"--only", "NAME", "follow only players of this name, for example mpv",
@@ -65,7 +64,8 @@ struct Parser {
     bool takeCommand(const std::string& word) {
         const auto row = std::ranges::find(kCommands, word, &CommandRow::name);
         if (row == std::end(kCommands)) return fail("unknown command " + quoted(word));
-        if (command) return fail("one command at a time: " + quoted(word) + " is too much");
+        if (command)
+            return fail("unexpected argument " + quoted(word) + ": give one command at a time");
         command = row->command;
         return true;
     }
@@ -105,7 +105,7 @@ struct Parser {
         else if (kind == "scripted")
             player = Player::scripted;
         else
-            return fail("--player is mpris or scripted, not " + quoted(kind));
+            return fail("--player takes mpris or scripted, not " + quoted(kind));
         return true;
     }
 
@@ -121,9 +121,9 @@ struct Parser {
         if (line.player == Player::scripted && !line.script)
             return fail("--player scripted needs --script FILE");
         if (line.player == Player::mpris && line.script)
-            return fail("--script does not go with --player mpris");
+            return fail("--script cannot be used with --player mpris");
         if (line.player == Player::scripted && line.onlyPlayer)
-            return fail("--only does not go with a scripted player");
+            return fail("--only cannot be used with a scripted player");
         return true;
     }
 
@@ -168,7 +168,7 @@ std::string HostCommandLine::help() {
     std::string text =
         "Usage: quorvane-host [COMMAND] [OPTION]...\n"
         "\n"
-        "Serves the add-on that shows the playing track on the lock screen.\n"
+        "Serves, installs and removes the add-on that shows the playing track on the lock screen.\n"
         "\n"
         "Commands:\n";
     for (const CommandRow& row : kCommands) text += helpRow(std::string{row.name}, row.help);
@@ -184,8 +184,8 @@ std::string HostCommandLine::help() {
         "\nThe format of a script is described in scripted-player.md, in the folder docs of the\n"
         "source and in /usr/share/doc/quorvane-lock-screen of the package.\n"
         "\n"
-        "Exit status: 0 if all went well, 1 if the command failed (of status also if no host\n"
-        "runs), 2 if the command line is wrong.\n";
+        "Exit status: 0 on success, 1 if the command failed (for status: or no host is running),\n"
+        "2 for a wrong command line.\n";
     return text;
 }
 

@@ -36,7 +36,7 @@ std::string minutes(double seconds) {
 }
 
 std::string playing(const QuorvanePlayerState& state, WallTime now) {
-    if (!state.track) return "nothing to play";
+    if (!state.track) return "nothing playing";
     const bool isPlaying = state.playerState == XPCPlayerState::playing;
     const double position =
         state.playerPosition + (isPlaying ? secondsBetween(state.timestamp, now) : 0);
@@ -55,11 +55,11 @@ std::string hostText(const HostStatus& status, WallTime now) {
         case HostStatus::Failure::notReachable:
             return "Quorvane is not reachable; start it with: quorvane-host run";
         case HostStatus::Failure::late:
-            return "Quorvane did not answer in time; if it stays so, end the host and start it "
+            return "Quorvane did not answer in time; if this repeats, stop the host and start it "
                    "again";
         case HostStatus::Failure::noAnswer: break;
     }
-    return "Quorvane did not answer the request; end the host and start it again";
+    return "Quorvane did not answer the request; stop the host and start it again";
 }
 
 std::string cardText(const HostStatus& status) {
@@ -68,11 +68,11 @@ std::string cardText(const HostStatus& status) {
     if (!status.isEnabled) {
         const bool isThere =
             status.place.state != AddOnPlace::State::empty || status.isAddOnRunning;
-        return isThere ? "off; turn it on with: quorvane-host enable" : "off";
+        return isThere ? "off (turn on with: quorvane-host enable)" : "off";
     }
     if (status.lastLockHadNoRoom)
-        return "on, but the last lock screen left no room for it; a lower QUORVANE_SCALE makes it "
-               "smaller";
+        return "on, but the last lock screen had no room for it (make it smaller with a lower "
+               "QUORVANE_SCALE)";
     return "on";
 }
 
@@ -82,27 +82,27 @@ std::string installedText(const AddOnPlace& place) {
             return "version " + printable(place.version) + " as " +
                    printable(place.bundle.string());
         case AddOnPlace::State::damaged:
-            return "damaged; mend it with: quorvane-host install, or use: quorvane-host remove";
+            return "damaged (repair with: quorvane-host install; or run: quorvane-host remove)";
         case AddOnPlace::State::foreign: return "no; " + printable(place.trouble);
         case AddOnPlace::State::empty: break;
     }
-    return "no; do so with: quorvane-host install";
+    return "not installed (run: quorvane-host install)";
 }
 
 std::string addOnText(const HostStatus& status, WallTime now) {
     const auto known = lockScreenAddOnStatus(status.lastSeen, now);
     const auto* waiting = std::get_if<LockScreenAddOnWaitingForUpdate>(&known);
-    std::string text = status.isAddOnRunning ? "runs, but does not answer" : "not running";
+    std::string text = status.isAddOnRunning ? "running, but not answering" : "not running";
     if (status.addOn)
         text = "running, version " + printable(status.addOn->version) + ", " +
                (status.addOn->isConnected ? "connected" : "not connected");
     else if (!status.lastSeen)
-        text += ", and never seen";
+        text += "; never seen";
     else if (!waiting)
         text += "; version " + printable(status.lastSeen->addOnVersion) + " was last seen " +
                 iso8601Text(status.lastSeen->date);
     if (waiting)
-        text += "; waits for an update that draws on system " + printable(waiting->macOSVersion);
+        text += "; needs an update that supports system " + printable(waiting->macOSVersion);
     return text;
 }
 

@@ -18,7 +18,7 @@ std::expected<std::string, std::string> CardSwitch::set(bool isEnabled) const {
         QuorvaneDarwinNotification::lockScreenConfigurationChanged);
     std::string text = "The card is " + already + state + ".\n";
     if (!connectPort(std::string{kMessagePortBaseName}))
-        text += "No host is running: it takes effect with the next quorvane-host run.\n";
+        text += "No host is running: this takes effect with the next quorvane-host run.\n";
     return text;
 }
 

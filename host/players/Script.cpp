@@ -149,12 +149,12 @@ std::expected<Script, std::string> readScript(const std::filesystem::path& file,
     const auto contents = files.read(file, kLargestScript);
     if (!contents) return std::unexpected{contents.error().description};
     const std::string_view text = textOf(contents->contents);
-    if (text.contains('\0')) return fail("not JSON: it holds bytes that are no text");
+    if (text.contains('\0')) return fail("not JSON: it contains bytes that are not text");
 
     rapidjson::Document document;
     document.Parse<kParseFlags>(text.data(), text.size());
     if (document.HasParseError()) return fail(parseError(document, text));
-    if (!document.IsObject()) return fail("must hold one object");
+    if (!document.IsObject()) return fail("must contain one object");
 
     JSONComplaint complaint;
     ArtworkShelf shelf{file.parent_path(), files};

@@ -12,7 +12,7 @@ TEST(EndToEndLife, InstallStatusQuitAndRemoveWithTheHostAlone) {
     InstalledAddOn life;
     const auto installed = life.host({"install"});
     EXPECT_EQ(installed.status, 0) << installed.text;
-    EXPECT_NE(installed.text.find("The add-on runs.\n"), std::string::npos) << installed.text;
+    EXPECT_NE(installed.text.find("The add-on is running.\n"), std::string::npos) << installed.text;
     EXPECT_NE(installed.text.find("no host is running"), std::string::npos) << installed.text;
     EXPECT_TRUE(fs::exists(life.loginItem()));
     EXPECT_NE(life.host({"status"}).text.find("Add-on:  running, version 1.0.0, not connected"),

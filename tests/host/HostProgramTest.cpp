@@ -77,8 +77,8 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
     EXPECT_EQ(result.text,
               "Host:    running, paused \"Low Tide\" by The Quiet Harbour (0:30 of 3:34)\n"
               "Card:    on\n"
-              "Install: no; do so with: quorvane-host install\n"
-              "Add-on:  not running, and never seen\n"
+              "Install: not installed (run: quorvane-host install)\n"
+              "Add-on:  not running; never seen\n"
               "Session: there is no X11 session to show a card in: DISPLAY is not set; use a "
               "terminal of the X11 session\n");
     const auto secret = folder / "data/group.example.quillon.Quorvane/ipc-secret";
@@ -96,7 +96,8 @@ TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
     LoggedProcess first = startHost();
     ASSERT_TRUE(first.says("serving;"));
     LoggedProcess impatient = startHost();
-    ASSERT_TRUE(impatient.says("another quorvane-host serves this login; waiting for it to end"));
+    ASSERT_TRUE(
+        impatient.says("another quorvane-host is serving this login; waiting for it to end"));
     ASSERT_TRUE(impatient.says("busy (attempt 1)"));
     EXPECT_EQ(impatient.count(" error: "), 0) << impatient.log();
     impatient.process().signal(SIGINT);  // which must not make it try without a pause

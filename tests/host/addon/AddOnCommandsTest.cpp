@@ -133,7 +133,7 @@ TEST_F(AddOnCommandsTest, InstallPutsTheBundleInPlaceAndStartsIt) {
     ASSERT_TRUE(outcome) << outcome.error();
     EXPECT_EQ(*outcome, "Installed version 1.1.0 as " + place.string() +
                             ".\nThe card is on; turn it off with: quorvane-host disable\n"
-                            "The add-on runs.\n");
+                            "The add-on is running.\n");
     EXPECT_EQ(installedVersion(), "1.1.0");
     EXPECT_EQ(fs::status(place / "Contents/Linux/Sleeper").permissions() & fs::perms::owner_exec,
               fs::perms::owner_exec);
@@ -159,7 +159,7 @@ TEST_F(AddOnCommandsTest, InstallSaysWhenTheAddOnDoesNotStart) {
     EXPECT_TRUE(launch().error().starts_with("the add-on cannot run here: no screen."));
     staysUp = true;
     EXPECT_TRUE(launch()->ends_with("The add-on runs.\nNote: no screen.\n"));
-    EXPECT_TRUE(launch()->ends_with("The add-on runs already.\nNote: no screen.\n"));
+    EXPECT_TRUE(launch()->ends_with("The add-on is already running.\nNote: no screen.\n"));
 
     problems = {.bus = "no bus"};  // nothing can answer, so there is little to wait for
     copies.clear();
@@ -175,16 +175,16 @@ TEST_F(AddOnCommandsTest, InstallSaysWhenTheAddOnDoesNotStart) {
 }
 
 TEST_F(AddOnCommandsTest, UpdateWantsSomethingOlder) {
-    EXPECT_EQ(update().error(), "the add-on is not installed; do so with: quorvane-host install");
+    EXPECT_EQ(update().error(), "the add-on is not installed (run: quorvane-host install)");
     putOld();
     copies = {{17, std::nullopt}};
     EXPECT_EQ(*update(), "Updated 1.0.0 to version 1.1.0.\nThe add-on runs.\n");
     EXPECT_EQ(installedVersion(), "1.1.0");
     EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled()) << "as the user left it";
     opened.clear();
-    EXPECT_EQ(*update(), "Version 1.1.0 is installed; there is nothing newer than it.\n");
+    EXPECT_EQ(*update(), "Version 1.1.0 is installed and is the newest.\n");
     makeSmallBundle(source, kOwn, "1.0.9");
-    EXPECT_EQ(*update(), "Version 1.1.0 is installed; there is nothing newer than it.\n");
+    EXPECT_EQ(*update(), "Version 1.1.0 is installed and is the newest.\n");
     EXPECT_TRUE(opened.empty());
 }
 
@@ -218,7 +218,7 @@ TEST_F(AddOnCommandsTest, WhatIsNotOursIsLeftAlone) {
     const auto refuses = [&](const std::string& words) {
         for (const auto& outcome : {install(), update(), launch(), remove()}) {
             ASSERT_FALSE(outcome);
-            EXPECT_EQ(outcome.error(), words + "; it is left alone");
+            EXPECT_EQ(outcome.error(), words + "; left unchanged");
         }
         EXPECT_TRUE(opened.empty());
         EXPECT_EQ(removals, 0);
@@ -250,15 +250,15 @@ TEST_F(AddOnCommandsTest, LaunchesAndQuits) {
     EXPECT_EQ(quit().error(), "the add-on is not running");
     putOld();
     answers = "1.0.0";
-    EXPECT_EQ(*launch(), "The add-on runs.\n");
+    EXPECT_EQ(*launch(), "The add-on is running.\n");
     EXPECT_EQ(opened.back(), (std::vector<std::string>{"-n", "-g", place.string()}));
-    EXPECT_EQ(*launch(), "The add-on runs already.\n");
+    EXPECT_EQ(*launch(), "The add-on is already running.\n");
     EXPECT_EQ(opened.size(), 1u);
     obeysNotice = false;
     EXPECT_TRUE(quit()) << "the system asks as well";
     copies = {{17, std::nullopt}};
     obeysSystem = false;
-    EXPECT_EQ(quit().error(), "the add-on does not quit");
+    EXPECT_EQ(quit().error(), "the add-on did not quit (try again, or log out)");
 }
 
 TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
@@ -315,7 +315,7 @@ TEST_F(AddOnCommandsTest, WhatIsLeftOfABundleIsMendedOrRemoved) {
     fs::create_directories(place / "Contents/Linux");
     own.values = {{"removalPending", {true}}, {"removalBundleIdentity", {kOwn}}};
     EXPECT_FALSE(launch());
-    EXPECT_EQ(*remove(), "Removed what was left of the add-on.\n");
+    EXPECT_EQ(*remove(), "Removed the rest of an incomplete installation.\n");
     EXPECT_FALSE(fs::exists(support));
     EXPECT_TRUE(own.values.empty());
     fs::create_directories(place / "Contents/Linux");

@@ -40,10 +40,10 @@ TEST(HostCommandLine, ExplainsWhatIsWrong) {
         {{"--loud=1"}, "unknown option '--loud'"},
         {{"--script"}, "--script needs a value: --script FILE"},
         {{"--script", "--only", "x"}, "--script needs a value: --script FILE"},
-        {{"--player", "spinet"}, "--player is mpris or scripted, not 'spinet'"},
+        {{"--player", "spinet"}, "--player takes mpris or scripted, not 'spinet'"},
         {{"--player", "scripted"}, "--player scripted needs --script FILE"},
-        {{"--player", "mpris", "--script", "x"}, "--script does not go with --player mpris"},
-        {{"--script", "x", "--only", "y"}, "--only does not go with a scripted player"},
+        {{"--player", "mpris", "--script", "x"}, "--script cannot be used with --player mpris"},
+        {{"--script", "x", "--only", "y"}, "--only cannot be used with a scripted player"},
         {{"remove", "--from", "x"}, "--from is an option of 'install' and 'update' only"},
         {{"install", "--script", "x"}, "--script is an option of 'run' only"},
     };

@@ -36,13 +36,13 @@ TEST(HostStatus, TellsWhatTheHostPlays) {
          "Host:    Quorvane did not answer in time; if it stays so, end the host and start it "
          "again"},
         {noAnswer,
-         "Host:    Quorvane did not answer the request; end the host and start it again"}};
+         "Host:    Quorvane did not answer the request; stop the host and start it again"}};
     for (const auto& [failure, line] : failures) {
         status.state = std::unexpected{failure};
         EXPECT_EQ(lineOf(status, "Host"), line);
     }
     status.state = QuorvanePlayerState{};
-    EXPECT_EQ(lineOf(status, "Host"), "Host:    running, nothing to play");
+    EXPECT_EQ(lineOf(status, "Host"), "Host:    running, nothing playing");
     status.state->track = XPCTrack{.title = "A\x1b[2J\u009b1mB", .artist = ""};
     status.state->playerState = XPCPlayerState::paused;
     status.state->playerPosition = 1e300;
@@ -61,8 +61,8 @@ TEST(HostStatus, TellsOfCardAddOnAndSession) {
         EXPECT_EQ(lineOf(status, line.substr(0, line.find(':'))), line);
     };
     expect("Card:    unknown: the shared settings cannot be opened");
-    expect("Install: no; do so with: quorvane-host install");
-    expect("Add-on:  not running, and never seen");
+    expect("Install: not installed (run: quorvane-host install)");
+    expect("Add-on:  not running; never seen");
     status.hasSharedDefaults = true;
     expect("Card:    off");
     status.place = {.supportDirectory = "/a",
@@ -70,19 +70,18 @@ TEST(HostStatus, TellsOfCardAddOnAndSession) {
                     .state = AddOnPlace::State::installed,
                     .version = "1.2\n",
                     .trouble = {}};
-    expect("Card:    off; turn it on with: quorvane-host enable");
+    expect("Card:    off (turn on with: quorvane-host enable)");
     expect("Install: version 1.2? as /a/X.app");
     status.isEnabled = true;
     status.lastLockHadNoRoom = true;
-    EXPECT_TRUE(
-        lineOf(status, "Card").starts_with("Card:    on, but the last lock screen left no"));
+    EXPECT_TRUE(lineOf(status, "Card").starts_with("Card:    on, but the last lock screen had no"));
     status.pendingRemoval.emplace();
     expect("Card:    off; the add-on has been asked to remove itself");
     status.place.state = AddOnPlace::State::damaged;
-    expect("Install: damaged; mend it with: quorvane-host install, or use: quorvane-host remove");
+    expect("Install: damaged (repair with: quorvane-host install; or run: quorvane-host remove)");
     status.place.state = AddOnPlace::State::foreign;
-    status.place.trouble = "/a is no folder";
-    expect("Install: no; /a is no folder");
+    status.place.trouble = "/a is not a folder";
+    expect("Install: no; /a is not a folder");
 
     status.lastSeen = LockScreenAddOnSighting{.addOnVersion = "1.2.0",
                                               .macOSVersion = "26.1.0",
@@ -91,13 +90,13 @@ TEST(HostStatus, TellsOfCardAddOnAndSession) {
                                               .installID = {}};
     expect("Add-on:  not running; version 1.2.0 was last seen 2025-12-31T23:59:55Z");
     status.isAddOnRunning = true;
-    expect("Add-on:  runs, but does not answer; version 1.2.0 was last seen 2025-12-31T23:59:55Z");
+    expect("Add-on:  running, but not answering; version 1.2.0 was last seen 2025-12-31T23:59:55Z");
     status.addOn = AddOnSignals::Status{true, "1.2.1"};
     expect("Add-on:  running, version 1.2.1, connected");
     status.addOn->isConnected = false;
     status.lastSeen->supportsThisMacOS = false;
     expect(
-        "Add-on:  running, version 1.2.1, not connected; waits for an update that draws on system "
+        "Add-on:  running, version 1.2.1, not connected; needs an update that supports system "
         "26.1.0");
     status.problems = {"no bus"};
     expect("Session: no bus");
@@ -196,7 +195,7 @@ TEST(CardSwitch, WritesPostsAndSaysWhatItDid) {
                     .sharedSuite = defaults.table()};
     EXPECT_EQ(card.set(true),
               "The card is on.\n"
-              "No host is running: it takes effect with the next quorvane-host run.\n");
+              "No host is running: this takes effect with the next quorvane-host run.\n");
     const Handle host = ports.serve(kMainPort, {});
     EXPECT_EQ(card.set(true), "The card is already on.\n");
     EXPECT_EQ(card.set(false), "The card is off.\n");

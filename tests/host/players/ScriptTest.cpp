@@ -68,7 +68,7 @@ TEST(Script, NamesFileKeyAndReason) {
     };
     const std::pair<std::string, std::string> rows[] = {
         {"", "line 1: not JSON: The document is empty."},
-        {std::string{"{}\0x", 4}, "not JSON: it holds bytes that are no text"},
+        {std::string{"{}\0x", 4}, "not JSON: it contains bytes that are not text"},
         {"{\"a\":\"\xff\"}", "line 1: not JSON: Invalid encoding in string."},
         {std::string(100'000, '['), "line 1: not JSON: Invalid value."},
         {"{}", "tracks: must be a list of at least one track"},
