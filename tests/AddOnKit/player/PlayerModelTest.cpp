@@ -30,16 +30,14 @@ State song() {
     return state;
 }
 
-// A model whose decoder takes every cover but "broken", those with "late" in their names later.
+// A model whose decoder takes every cover but "broken".
 struct Fixture {
     ManualClock clock;
     int decoded = 0;
     PlayerModel model{clock.wallClock(), [this](ByteView bytes) -> ImageRef {
                           ++decoded;
                           if (textOf(bytes) == "broken") return nullptr;
-                          return std::make_shared<Image>(textOf(bytes).starts_with("late")
-                                                             ? Image::State::arriving
-                                                             : Image::State::ready);
+                          return std::make_shared<Image>();
                       }};
     State state = song();  // what the player says; the cases edit it
 
@@ -128,30 +126,6 @@ TEST(PlayerModel, CountsAndDecodesEachNewCoverOnce) {
     f.model.artworkID.set(std::numeric_limits<std::int64_t>::max());
     f.state.track->artworkData = cover("one");
     EXPECT_DEATH(f.apply(), "");
-}
-
-TEST(PlayerModel, ReportsACoverThatTurnsOutToBeUndecodable) {
-    Fixture f;
-    f.apply();
-    std::vector<std::string> late;
-    f.model.onLateChange = [&](const PlayerModel::Change& change) {
-        late.push_back(change.summary);
-    };
-    std::vector<ImageRef> covers;
-    for (const char* name : {"late 1", "late 2", "late 3"}) {
-        f.state.track->artworkData = cover(name);
-        EXPECT_EQ(f.apply(), "artwork 6 B");
-        EXPECT_TRUE(f.model.isArtworkArriving.get());
-        covers.push_back(f.model.artwork.get());
-        if (covers.size() == 1) covers[0]->state().set(Image::State::ready);
-    }
-    covers[1]->state().set(Image::State::undecodable);  // another one has taken its place
-    EXPECT_TRUE(f.model.isArtworkArriving.get());
-    EXPECT_TRUE(late.empty());
-    covers[2]->state().set(Image::State::undecodable);
-    EXPECT_FALSE(f.model.isArtworkArriving.get());
-    EXPECT_EQ(f.model.artwork.get(), nullptr);
-    EXPECT_EQ(late, std::vector<std::string>{"artwork 6 B (undecodable)"});
 }
 
 TEST(PlayerModel, AnEditHoldsAgainstOldNewsForItsGraceTime) {
