@@ -5,8 +5,8 @@
 
 #include "AddOnKit/card/PlayerView.hpp"
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
+#include "drawing/pictures/CardChrome.hpp"
 #include "drawing/pictures/EncodedImage.hpp"
-#include "platform/linux/card/CardChrome.hpp"
 #include "platform/linux/language/Translations.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
 #include "tools/Files.hpp"

@@ -49,7 +49,7 @@ constexpr OptionRow kRunOptions[] = {
      [](HostCommandLine& line, const std::string& value) { line.onlyPlayer = value; }},
 };
 
-std::string quoted(std::string_view text) { return "'" + std::string{text} + "'"; }
+std::string inQuotes(std::string_view text) { return "'" + std::string{text} + "'"; }
 
 // Takes the arguments one after the other.
 struct Parser {
@@ -63,9 +63,9 @@ struct Parser {
 
     bool takeCommand(const std::string& word) {
         const auto row = std::ranges::find(kCommands, word, &CommandRow::name);
-        if (row == std::end(kCommands)) return fail("unknown command " + quoted(word));
+        if (row == std::end(kCommands)) return fail("unknown command " + inQuotes(word));
         if (command)
-            return fail("unexpected argument " + quoted(word) + ": give one command at a time");
+            return fail("unexpected argument " + inQuotes(word) + ": give one command at a time");
         command = row->command;
         return true;
     }
@@ -73,7 +73,7 @@ struct Parser {
     bool takeOption(const std::string& word) {
         const std::string name = word.substr(0, word.find('='));
         const OptionRow* const row = findOption(name);
-        if (!row) return fail("unknown option " + quoted(name));
+        if (!row) return fail("unknown option " + inQuotes(name));
         std::string value;
         if (name.size() < word.size()) {
             value = word.substr(name.size() + 1);
@@ -105,7 +105,7 @@ struct Parser {
         else if (kind == "scripted")
             player = Player::scripted;
         else
-            return fail("--player takes mpris or scripted, not " + quoted(kind));
+            return fail("--player takes mpris or scripted, not " + inQuotes(kind));
         return true;
     }
 

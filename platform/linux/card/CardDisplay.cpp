@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/card/CardOutline.hpp"
+#include "drawing/pictures/CardOutline.hpp"
 
 namespace quorvane {
 namespace {

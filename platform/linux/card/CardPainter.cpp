@@ -1,6 +1,6 @@
 #include "platform/linux/card/CardPainter.hpp"
 
-#include "platform/linux/card/CardChrome.hpp"
+#include "drawing/pictures/CardChrome.hpp"
 #include "platform/linux/card/PointerPicture.hpp"
 
 namespace quorvane {

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "drawing/CardWindows.hpp"
-#include "platform/linux/card/CardShape.hpp"
+#include "drawing/pictures/CardShape.hpp"
 #include "platform/linux/card/LockerChild.hpp"
 #include "platform/linux/card/PressTracker.hpp"
 #include "platform/linux/x11/X11Session.hpp"

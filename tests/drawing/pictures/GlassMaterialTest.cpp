@@ -10,8 +10,8 @@
 
 #include "AddOnKit/card/PlayerLayout.hpp"
 #include "drawing/pictures/Blur.hpp"
-#include "platform/linux/card/CardChrome.hpp"
-#include "platform/linux/card/CardShape.hpp"
+#include "drawing/pictures/CardChrome.hpp"
+#include "drawing/pictures/CardShape.hpp"
 
 namespace quorvane {
 namespace {

@@ -1,12 +1,12 @@
-#include "platform/linux/card/CardChrome.hpp"
+#include "drawing/pictures/CardChrome.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "drawing/pictures/Blur.hpp"
+#include "drawing/pictures/CardShape.hpp"
 #include "drawing/pictures/GlassMaterial.hpp"
-#include "platform/linux/card/CardShape.hpp"
 
 namespace quorvane {
 namespace {

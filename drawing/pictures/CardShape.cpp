@@ -1,4 +1,4 @@
-#include "platform/linux/card/CardShape.hpp"
+#include "drawing/pictures/CardShape.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
-#include "platform/linux/card/CardOutline.hpp"
+#include "drawing/pictures/CardOutline.hpp"
 
 #include <algorithm>
 #include <ranges>
 
-#include "platform/linux/card/CardShape.hpp"
+#include "drawing/pictures/CardShape.hpp"
 
 namespace quorvane {
 namespace {
