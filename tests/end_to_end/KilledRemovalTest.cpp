@@ -4,8 +4,8 @@
 
 #include "AddOnKit/life/SelfRemoval.hpp"
 #include "platform/LivePlatform.hpp"
+#include "platform/linux/files/BundleLayout.hpp"
 #include "platform/linux/processes/LoginItemLinux.hpp"
-#include "platform/linux/processes/ProcessInfoLinux.hpp"
 #include "tests/end_to_end/InstalledAddOn.hpp"
 #include "tests/support/ForkedChild.hpp"
 

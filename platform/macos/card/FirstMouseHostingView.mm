@@ -75,19 +75,19 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 }
 
 - (void)mouseDown:(NSEvent*)event {
-    [self report:PointerEvent::Kind::down of:event];
+    [self report:quorvane::PointerEvent::Kind::down of:event];
 }
 
 - (void)mouseDragged:(NSEvent*)event {
-    [self report:PointerEvent::Kind::dragged of:event];
+    [self report:quorvane::PointerEvent::Kind::dragged of:event];
 }
 
 - (void)mouseUp:(NSEvent*)event {
-    [self report:PointerEvent::Kind::up of:event];
+    [self report:quorvane::PointerEvent::Kind::up of:event];
 }
 
 - (void)mouseCancelled:(NSEvent*)event {
-    [self report:PointerEvent::Kind::cancelled of:event];
+    [self report:quorvane::PointerEvent::Kind::cancelled of:event];
 }
 
 // Assistive technology

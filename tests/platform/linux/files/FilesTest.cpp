@@ -6,9 +6,9 @@
 #include <set>
 #include <thread>
 
+#include "platform/linux/files/BundleLayout.hpp"
 #include "platform/linux/files/FilesLinux.hpp"
 #include "platform/linux/files/FoldersLinux.hpp"
-#include "platform/linux/processes/ProcessInfoLinux.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace quorvane {
