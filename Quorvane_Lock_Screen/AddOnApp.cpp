@@ -33,7 +33,8 @@ void AddOnApp::run() {
     handoverTask_ = platform_.services.clock.after(Duration{}, [this] { handOver(); });
 }
 
-// What becomes of this copy. It starts in every case but the one in which two would draw cards.
+// The continuation after the handover. This copy starts in every case except where two copies would
+// draw cards.
 struct AddOnApp::AfterHandover {
     const AddOnApp& app;
 

@@ -1,5 +1,5 @@
-// The application's delegate: what a launch is for, which copy of the add-on goes on, and what
-// happens before the process ends.
+// The application's delegate: performs the launch decision, the handover between copies of the
+// add-on, and the cleanup before the process ends.
 #pragma once
 
 #include <memory>
@@ -11,13 +11,13 @@
 
 namespace quorvane {
 
-// Main thread only. Lives in the entry, as long as the main loop runs; `platform` outlives it.
+// Main thread only. Lives in the entry as long as the main loop runs; `platform` outlives it.
 class AddOnApp {
 public:
     explicit AddOnApp(const LivePlatform& platform);
 
     void applicationDidFinishLaunching();
-    // At any time, also before the coordinator has been started.
+    // May be called at any time, also before the coordinator has started.
     void applicationWillTerminate();
 
 private:
@@ -30,8 +30,8 @@ private:
     const LivePlatform& platform_;
     Logger log_;
     std::shared_ptr<AddOnCoordinator> coordinator_;
-    // Each ends when the process is about to: a coordinator that began after that would show
-    // windows that nobody closes.
+    // Both end before the process does, because a coordinator started after that would show windows
+    // that are never closed.
     Timer handoverTask_;
     std::optional<InstanceHandover> handover_;
 };

@@ -11,8 +11,8 @@
 namespace quorvane {
 namespace {
 
-// The version in the log and in the installer's status. The identity in the hello says "0" instead
-// of "-" and is the same otherwise.
+// The version in the log and in the installer's status. The identity in the hello differs only in
+// saying "0" instead of "-".
 std::string shortVersion(const ProcessInfo& process) {
     const auto* version = find<std::string>(process.bundleProperties, "CFBundleShortVersionString");
     return version == nullptr ? "-" : *version;
@@ -121,7 +121,7 @@ void AddOnCoordinator::makeController() {
         platform_.windowServerLoader);
 }
 
-// For the installer's status, which cannot see the lock screen.
+// For the installer's status, because the installer cannot see the lock screen.
 void AddOnCoordinator::noteRoom(bool hasRoom) {
     const UserDefaults& defaults = platform_.services.standardDefaults;
     const bool isNoted = defaults.get(AddOnSignals::kNoRoomKey).has_value();
@@ -144,7 +144,7 @@ void AddOnCoordinator::startInstallerSignals() {
     installerSignals_->start();
 }
 
-// Changes from before the subscriptions count as well; the driver ignores what it already knows.
+// Changes from before the subscriptions count too; the driver ignores repeated values.
 void AddOnCoordinator::observe() {
     observations_.push_back(
         link_->configuration().subscribe(weakly(&AddOnCoordinator::linkChanged)));
@@ -174,8 +174,8 @@ void AddOnCoordinator::listenToNotices() {
 
 void AddOnCoordinator::lockEvent(const PresentationEvent& event) { driver_.handle(event); }
 
-// A removal is no change of what is allowed: the request follows at once and closes the windows in
-// its own order, in which a drag that they end sends nothing any more.
+// A removal is not treated as a change of the permission. The removal request follows at once and
+// closes the windows in its own order, so that a drag that ends with them sends no command.
 void AddOnCoordinator::linkChanged() {
     if (link_->configuration().get().removalRequested) return;
     driver_.handle(event::Link{link_->allowsPlayer()});
@@ -194,13 +194,13 @@ void AddOnCoordinator::draggingChanged() {
 void AddOnCoordinator::present(const PresentationState& state) {
     if (isRemoving_) return;
     controller_->present(state);
-    // Closing a window may wait for a send, in which a newer state may have come.
+    // Closing a window may wait for a send, during which a newer state may have arrived.
     const bool isWanted = driver_.state().windowsWanted();
     client_.setPolling(isWanted);
     refresher_->setActive(isWanted);
 }
 
-// As a task of its own: the lock event is handled to its end first.
+// Posted as a separate task, so that the lock event is fully handled first.
 void AddOnCoordinator::sayHelloSoon() {
     platform_.services.mainThread.post(weakly(&AddOnCoordinator::sayHello));
 }
@@ -249,7 +249,8 @@ void AddOnCoordinator::command(QuorvaneAction action, ModelEdit edit) {
     if (isRemoving_) return;
     log_.standard("command: %{public}s", name(action));
     connectIfNeeded();
-    // Only now: the state that comes with a new connection is older than the user's wish.
+    // After connecting, because the state that a new connection brings is older than the user's
+    // edit.
     if (edit != nullptr) (model_.*edit)();
     client_.perform(action);
     refresher_->nudge();
@@ -283,7 +284,7 @@ void AddOnCoordinator::sendVolume(std::int64_t level) {
     if (isRemoving_) return;
     const std::uint64_t mine = ++volumeCount_;
     connectIfNeeded();
-    // A newer volume that was sent inside the wait has the last word.
+    // A newer volume sent during the wait takes precedence.
     if (mine == volumeCount_) client_.setVolume(level);
 }
 

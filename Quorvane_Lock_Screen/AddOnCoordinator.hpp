@@ -1,5 +1,5 @@
-// The add-on's one long-lived object: it owns every part and joins their callbacks. It decides
-// nothing but the order of start and stop and where each event goes.
+// The add-on's long-lived root object: owns every part and connects their callbacks. It only
+// decides the order of start and stop and where each event goes.
 #pragma once
 
 #include <cstdint>
@@ -22,27 +22,27 @@
 
 namespace quorvane {
 
-// Main thread only. Created with the application's delegate and kept for the life of the process;
-// shared only so that callbacks can hold it weakly.
+// Main thread only. Created with the application's delegate and kept until the process ends. Shared
+// only so that callbacks can hold it weakly.
 class AddOnCoordinator : public std::enable_shared_from_this<AddOnCoordinator> {
 public:
-    // `platform` outlives the coordinator. Nothing is started here.
+    // `platform` outlives the coordinator. Starts no part.
     static std::shared_ptr<AddOnCoordinator> make(const LivePlatform& platform);
 
-    // Once, when this copy of the add-on may run.
+    // Called once, when this copy of the add-on may run.
     void start();
-    // The orderly end of the process: no window outlives it.
+    // The orderly end of the process: closes all windows.
     void willTerminate();
 
 private:
     explicit AddOnCoordinator(const LivePlatform& platform);
 
-    // An action that calls a member function while the coordinator lives and does nothing
-    // afterwards.
+    // Returns an action that calls a member function while the coordinator is alive and has no
+    // effect afterwards.
     template <typename... Parameters>
     std::function<void(Parameters...)> weakly(void (AddOnCoordinator::*member)(Parameters...));
 
-    // start(), in its order
+    // The steps of start(), in order.
     void startClient();
     void makeLink();
     void makeRefresher();
@@ -57,7 +57,7 @@ private:
     void logChange(const PlayerModel::Change& change);
     void refresh();
     void clearModel();
-    // A command and what it changes on the card at once.
+    // Sends a command and makes its immediate change to the card.
     using ModelEdit = void (PlayerModel::*)();
     void command(QuorvaneAction action, ModelEdit edit = nullptr);
     void playPause();

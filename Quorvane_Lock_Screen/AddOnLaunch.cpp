@@ -15,7 +15,7 @@ void remove(const LiveServices& services, const Logger& log) {
         .loginItem = services.installation.loginItem,
         .fileManager = services.installation.fileManager,
         .bundle = services.process.bundle,
-        // Without a home there is no such folder, and the empty path is refused.
+        // Without a home folder the path is empty, and the removal rejects it.
         .supportDirectory = applicationSupport
                                 ? AddOnInstallLocation::supportDirectory(*applicationSupport)
                                 : std::filesystem::path{},

@@ -1,5 +1,5 @@
-// The launch of the add-on up to the point where it runs. It needs no screen: a removal that is
-// pending or asked for is carried out without one.
+// Launch of the add-on up to the point where it runs. It needs no screen, so a pending or requested
+// removal is carried out without one.
 #pragma once
 
 #include <functional>
@@ -8,8 +8,8 @@
 
 namespace quorvane {
 
-// Decides what this launch is for. Either removes the add-on and asks the application to terminate,
-// or calls `run`. Main thread only.
+// Decides the purpose of this launch. Either removes the add-on and asks the application to
+// terminate, or calls `run`. Main thread only.
 void launchAddOn(const LiveServices& services, const std::function<void()>& run);
 
 }  // namespace quorvane

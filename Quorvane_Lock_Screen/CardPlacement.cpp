@@ -7,8 +7,8 @@
 namespace quorvane::CardPlacement {
 namespace {
 
-// From the widest to the narrowest distance between the card and what it must not cover. At the
-// first, the shadow ends before the area begins.
+// Distances between the card and an area to keep clear, widest first. At the first, the shadow ends
+// before the area begins.
 constexpr double kMargins[] = {kCardShadowMargin, 24, 12, 8};
 constexpr double kScreenEdge = 8;  // a moved card keeps this distance from the screen's edges
 constexpr double kScales[] = {1, 0.95, 0.9, 0.85, 0.8};
@@ -27,8 +27,8 @@ bool isInside(const Rect& card, const Rect& screen) {
 
 enum class Axis { upright, level };
 
-// The places beside the areas along one axis, the nearest first: those above or to the right of
-// the card's own, then those below or to the left.
+// The places beside the areas along one axis, nearest first: those above or to the right of the
+// card, then those below or to the left.
 std::vector<Rect> placesBeside(const Rect& card, Axis axis, double margin,
                                std::span<const Rect> keepClear) {
     std::vector<double> offsets;
@@ -60,7 +60,7 @@ std::optional<Rect> clearPlace(const Rect& card, const Rect& screen,
     return std::nullopt;
 }
 
-// At the stated place, centred across the screen.
+// The card at the default place.
 Rect cardOn(const Rect& screen, double scale) {
     const Size size{scale * kCardSize.width, scale * kCardSize.height};
     const double top = screen.maxY() - 0.3 * screen.height;

@@ -1,5 +1,5 @@
-// One card's window: borderless, above everything, never key or main, so that the lock screen keeps
-// the keyboard.
+// One card's window: borderless, above all other windows, never key or main, so that the lock
+// screen keeps the keyboard.
 #pragma once
 
 #include <memory>

@@ -39,8 +39,8 @@ void CardWindowController::present(const PresentationState& state) {
     if (state.cardExpected() && !previous.cardExpected()) rehearseSoon();
 }
 
-// A card that nobody sees brings in, while the lock screen is still arriving, what the first one
-// to be seen would wait for: the drawing code, the fonts, the texts' widths.
+// Builds an invisible card while the lock screen is still appearing. It loads what the first
+// visible card would otherwise wait for: the drawing code, the fonts, the texts' widths.
 void CardWindowController::rehearseSoon() {
     services_.mainThread.post([this, held = std::weak_ptr{state_}] {
         const auto state = held.lock();
@@ -61,8 +61,9 @@ CardWindowSync::Standing CardWindowController::standing() const {
 
 void CardWindowController::apply(const std::vector<CardWindowSync::Step>& steps,
                                  std::string_view reason) {
-    // Closing ends a drag, whose last volume may wait for its send: what comes in meanwhile plans
-    // from what then stands, and the rest of this plan would be carried out against a newer state.
+    // Closing a window ends a drag, whose last volume may block in its send. A call during that
+    // wait makes its own plan from the current windows. The rest of this plan would then act on a
+    // newer state.
     const std::uint64_t plan = ++planCount_;
     for (const CardWindowSync::Step& step : steps) {
         if (plan != planCount_) return;
@@ -102,7 +103,7 @@ bool CardWindowController::buildWindow(const Screen& screen, long index,
                                                 services_.windows.reducesMotion, services_.log);
     auto system =
         services_.windows.makeWindow(CardWindow::settings(place->frame, place->scale), screen);
-    if (system == nullptr) return true;  // the platform has said why
+    if (system == nullptr) return true;  // the platform has logged the reason
     auto window = std::make_unique<CardWindow>(std::move(system), services_.log);
     window->system().setContent(card->stage());
     card->setWindow(&window->system());
@@ -122,8 +123,8 @@ void CardWindowController::liftAboveLock(CardSystemWindow& window) {
         services_.windows.liftAboveLock(window);
 }
 
-// After the current pass of the main loop, so that the windows are on screen before their cards
-// come in.
+// Runs after the current pass of the main loop, so that the windows are on screen before their
+// cards enter.
 void CardWindowController::scheduleShow(CardAppearance appearance) {
     std::vector<std::weak_ptr<GlassCardView>> cards;
     for (const Entry& entry : entries_) cards.push_back(entry.card);
@@ -146,7 +147,7 @@ void CardWindowController::setCardVisible(bool visible) {
     log_.info("card: %{public}s on %ld window(s)", visible ? "fading in" : "fading out",
               static_cast<long>(entries_.size()));
     for (const Entry& entry : entries_) {
-        // A hidden card lets clicks through to the lock screen.
+        // A hidden card passes clicks through to the lock screen.
         entry.window->system().setIgnoresMouseEvents(!visible);
         if (visible && !entry.card->isShown()) entry.card->runEntrance();
         if (!visible && entry.card->isShown()) entry.card->runExit();
@@ -155,7 +156,7 @@ void CardWindowController::setCardVisible(bool visible) {
 
 void CardWindowController::closeAll(std::string_view reason) {
     log_.info("windows: closing %ld (%{public}s)", static_cast<long>(entries_.size()), reason);
-    // Closing may call back in; by then the entries are no longer there.
+    // Closing may re-enter; entries_ is already empty then.
     const std::vector<Entry> closing = std::exchange(entries_, {});
     for (const Entry& entry : closing) {
         entry.window->system().orderOut();
@@ -178,8 +179,8 @@ void CardWindowController::screensChanged() {
     apply(CardWindowSync::rebuildSteps(*state_, standing()), "screens changed");
 }
 
-// The windows move out of the way of a prompt, and back. Where a card finds or loses its only
-// place, or changes its size, all are built again.
+// Moves the windows out of the way of a prompt, and back. If a card gains or loses its only place,
+// or changes its size, all windows are rebuilt.
 void CardWindowController::keepClearChanged() {
     if (!state_->windowsWanted()) return;
     std::vector<std::tuple<Entry*, Screen, Rect>> moves;

@@ -1,5 +1,5 @@
-// Owns the card windows, one for each screen: carries out the plans of CardWindowSync, and plans
-// again when the screens change.
+// Owner of the card windows, one for each screen: carries out the plans of CardWindowSync, and
+// plans again when the screens change.
 #pragma once
 
 #include <cstdint>
@@ -30,18 +30,18 @@ public:
         Screens screens;
         MainThread mainThread;
         BeginActivity beginActivity;
-        // Called at each building: whether any screen had room for a card.
+        // Called at each build: whether any screen had room for a card.
         std::function<void(bool hasRoom)> noteRoom = [](bool) {};
     };
     using MakeContent = std::function<std::unique_ptr<CardContent>(const Screen&)>;
 
-    // With a loader the windows are moved above the lock screen by the window server's private
-    // interface, without one by `liftAboveLock` of the windows' table.
+    // With a loader, the window server's private interface moves the windows above the lock screen.
+    // Without one, `liftAboveLock` of the windows' table does.
     CardWindowController(MakeContent makeContent, Services services,
                          const std::optional<DynamicLoader>& windowServerLoader = std::nullopt);
     ~CardWindowController();
 
-    // Plans the way from the last state to this one, and walks it.
+    // Plans the steps from the last state to this one and carries them out.
     void present(const PresentationState& state);
 
 private:
@@ -56,7 +56,7 @@ private:
     CardWindowSync::Standing standing() const;
     void apply(const std::vector<CardWindowSync::Step>& steps, std::string_view reason);
     void build(CardWindowSync::CardAppearance appearance, std::string_view reason);
-    // Whether the screen has room for the card.
+    // Returns whether the screen has room for the card.
     bool buildWindow(const Screen& screen, long index, CardWindowSync::CardAppearance appearance);
     void liftAboveLock(CardSystemWindow& window);
     void scheduleShow(CardWindowSync::CardAppearance appearance);
@@ -71,7 +71,7 @@ private:
     Logger log_;
     std::optional<SkyLight> skyLight_;
     std::vector<Entry> entries_;  // in screen order
-    // Shared only so that a deferred show can tell whether the controller is still there.
+    // Shared only so that a deferred show can detect that the controller is destroyed.
     std::shared_ptr<PresentationState> state_ = std::make_shared<PresentationState>();
     std::uint64_t planCount_ = 0;
     Handle activity_;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::int64_t kClearGlass = 1;
 
-// Where the entrance begins: a little smaller about the stage's middle and a little lower.
+// The start of the entrance: slightly smaller about the stage's middle and slightly lower.
 Transform entranceStart() {
     const double width = kCardSize.width + 2 * kCardShadowMargin;
     const double height = kCardSize.height + 2 * kCardShadowMargin;
@@ -73,7 +73,7 @@ void GlassCardView::showImmediately() {
 
 void GlassCardView::runExit() {
     isShown_ = false;
-    // The player may have quit: the fade shows the card as it was, not the emptied one.
+    // The player may have quit, so the fade shows the card as it was, not emptied.
     content_->freeze();
     log_.info("exit: window %ld", windowNumber());
     if (window_ == nullptr) {

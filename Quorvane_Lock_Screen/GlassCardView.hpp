@@ -1,5 +1,5 @@
-// The content of a card window: a stage with the glass card and its shadow, and the player's
-// content on it. It knows whether its card is meant to be seen and runs its entrance and exit.
+// The content of a card window: a stage with the glass card, its shadow and the player's content.
+// Tracks whether its card should be visible and runs its entrance and exit.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ namespace quorvane {
 // Main thread only. Owned by the controller's entry; held weakly by fades that end later.
 class GlassCardView : public std::enable_shared_from_this<GlassCardView> {
 public:
-    // How every card and its shadow look.
+    // The look of every card and its shadow.
     static CardStyle style();
 
     GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<CardContent> content,
@@ -22,14 +22,14 @@ public:
 
     bool isShown() const { return isShown_; }
     const std::shared_ptr<CardStage>& stage() const { return stage_; }
-    // The window that shows it; null once that is closed. The window outlives this view or is taken
-    // away first.
+    // The window that shows the card; null once it is closed. The window outlives this view, or is
+    // reset first.
     void setWindow(CardSystemWindow* window) { window_ = window; }
     bool hasWindow() const { return window_ != nullptr; }
 
-    // Spring and fade in; without the spring where motion is reduced.
+    // Springs and fades in; only fades in when Reduce Motion is on.
     void runEntrance();
-    // Visible at once, any animation ended.
+    // Shows the card at once and ends any animation.
     void showImmediately();
     // Fades out with the content frozen, then hides the stage unless an entrance has begun.
     void runExit();

@@ -64,7 +64,7 @@ void LockMonitor::lockUIHidden() {
     emit(event::LockUIHidden{});
 }
 
-// A sleeping machine can miss notices; what is so now repairs what was not heard.
+// A sleeping machine can miss notices; the present state makes up for them.
 void LockMonitor::woke() {
     mainThread_.require();
     const bool lockedNow = isScreenLockedNow();
@@ -73,7 +73,7 @@ void LockMonitor::woke() {
     emit(event::Woke{.isLockedNow = lockedNow});
 }
 
-// For the log only: this state is the system's private matter, so nothing depends on it.
+// Only logged, because this state is private to the system; no decision depends on it.
 void LockMonitor::logSharedLockUIState() const {
     int token = 0;
     const std::uint32_t registered =
@@ -91,7 +91,7 @@ void LockMonitor::logSharedLockUIState() const {
     sources_.notifyCancel(token);
 }
 
-// Always the last thing a handler does. The listener is a copy, since it may destroy the monitor.
+// Handlers call this last. The listener is a copy because it may destroy the monitor.
 void LockMonitor::emit(const PresentationEvent& event) const {
     if (const auto listener = onEvent) listener(event);
 }

@@ -1,5 +1,5 @@
-// Turns the system's notices about the lock screen, and its waking, into presentation events. It
-// decides nothing: each notice is passed on as it arrives.
+// Translator of the system's lock-screen and wake notices into presentation events. It makes no
+// decisions: each notice is passed on as it arrives.
 #pragma once
 
 #include <functional>
@@ -20,14 +20,14 @@ class LockMonitor {
 public:
     LockMonitor(DistributedNotices notices, LockSources sources, LogSink log);
 
-    // Either may be called again without effect, and the monitor may be started again.
+    // Repeated calls of either have no effect. The monitor may be restarted.
     void start();
     void stop();
 
-    // Read afresh on every call. Whatever cannot be read counts as unlocked.
+    // Read again on every call. A state that cannot be read counts as unlocked.
     bool isScreenLockedNow() const;
 
-    // While it is empty, notices are logged and go nowhere.
+    // While it is null, notices are only logged.
     std::function<void(const PresentationEvent&)> onEvent;
 
 private:

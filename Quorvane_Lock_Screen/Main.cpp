@@ -1,4 +1,4 @@
-// The entry of the add-on: makes the live tables and runs the main loop.
+// Entry of the add-on: makes the live tables and runs the main loop.
 
 #include <cstdio>
 #include <optional>
@@ -29,8 +29,8 @@ constexpr char kHelp[] =
     "  -h, --help     show this text and exit\n"
     "  -V, --version  show the version and exit\n";
 
-// The answer to a question that needs no application; nullopt when the words ask none, or ask for
-// the removal, which comes before everything else.
+// The answer to an option that needs no application. Returns nullopt when there is no such option,
+// or for a removal, which takes precedence.
 std::optional<std::string> answerTo(const std::vector<std::string>& words) {
     if (AddOnSignals::contains(words, AddOnSignals::kUninstallArgument)) return std::nullopt;
     const auto asked = [&](const char* longName, const char* shortName) {
@@ -41,11 +41,11 @@ std::optional<std::string> answerTo(const std::vector<std::string>& words) {
     return std::nullopt;
 }
 
-// A session without a screen to show a card on. Only running needs one.
+// Handles a session without a screen. Only running the add-on needs one.
 int runWithoutScreen(const LiveServices& services, const PlatformError& reason) {
     int status = 0;
     const auto refuseToRun = [&] {
-        // The standard error of a detached process is lost.
+        // Also logged, because the standard error of a detached process is lost.
         Logger{services.log, kAddOnBundleIdentifier, "app"}.error("launch: %{public}s",
                                                                   reason.description);
         status = fail(reason);

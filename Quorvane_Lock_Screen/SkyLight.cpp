@@ -10,7 +10,7 @@ namespace {
 
 constexpr char kLibrary[] = "/System/Library/PrivateFrameworks/SkyLight.framework/SkyLight";
 constexpr std::int32_t kSpaceType = 1;
-constexpr std::int32_t kSpaceLevel = 400;  // above the lock screen, which stands at 300
+constexpr std::int32_t kSpaceLevel = 400;  // above the lock screen, which is at 300
 constexpr std::int32_t kAddOptions = 7;    // into the space and out of all others
 
 std::string hexadecimal(std::uint64_t value) {
@@ -54,7 +54,7 @@ bool SkyLight::ensureSpace() {
     connection_ = mainConnectionID_();
     log_.info("SLSMainConnectionID -> %d", connection_);
     const std::uint64_t raw = spaceCreate_(connection_, kSpaceType, nullptr);
-    // The call is declared with 32-bit results in the wild: only that half is certain to be the id.
+    // Some declarations of this call return 32 bits, so only that half is certain to be the id.
     space_ = raw & 0xffff'ffffU;
     log_.info("SLSSpaceCreate(cid, 1, NULL) -> raw 0x%{public}s, using space %llu",
               hexadecimal(raw), space_);

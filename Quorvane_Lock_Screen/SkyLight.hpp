@@ -1,5 +1,5 @@
-// The window server's private interface, loaded at run time: one space above the lock screen, and
-// card windows moved into it.
+// The window server's private interface, loaded at run time: creates one space above the lock
+// screen and moves card windows into it.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +10,15 @@
 
 namespace quorvane {
 
-// Main thread only. Made once; the space lives as long as the process. Failures are logged and
-// swallowed: a window that cannot be moved stays where the system put it.
+// Main thread only. Created once; the space lives as long as the process. Failures are only logged:
+// a window that cannot be moved stays where the system put it.
 class SkyLight {
 public:
     SkyLight(DynamicLoader loader, const LogSink& log);
 
-    // Loads once; a failed load is never tried again. Whether all symbols are there.
+    // Loads once; a failed load is not retried. Returns whether all symbols are there.
     bool load();
-    // Makes the space unless it stands. Whether it stands.
+    // Creates the space if needed. Returns whether it exists.
     bool ensureSpace();
     void put(const CardSystemWindow& window);
 

@@ -1,5 +1,5 @@
-// A scene as assistive technology meets it: what it can do with a control, and what it has to be
-// told when one scene follows another.
+// Accessibility of a scene: the actions of its controls, and the changes to report between two
+// scenes.
 #pragma once
 
 #include <span>
@@ -19,13 +19,13 @@ struct AccessibilityChange {
 
 // Pure.
 
-// What can be asked of a control of this role, in the order in which it is offered.
+// The actions of a control of this role, in the order in which they are offered.
 std::span<const AccessibilityAction> accessibilityActions(SceneControl::Role role);
-// Of controls that disappear first, of those that change last. That the music goes on is no change:
-// the progress is told when it is asked for.
+// Disappeared controls first, then appeared ones, then changed ones. Playback progress does not
+// count as a change; clients query it.
 std::vector<AccessibilityChange> accessibilityChanges(const std::vector<SceneControl>& from,
                                                       const std::vector<SceneControl>& to);
-// The control that is seen at a point of the card; null when there is none.
+// The control at a point of the card; null when there is none.
 const SceneControl* accessibleControlAt(const std::vector<SceneControl>& controls, Point point);
 
 }  // namespace quorvane

@@ -1,4 +1,4 @@
-// The seam between a scene and the system's drawing.
+// The interface between a scene and the system's drawing.
 #pragma once
 
 #include <functional>
@@ -8,8 +8,8 @@
 
 namespace quorvane {
 
-// Draws scenes to one target. One thread. What is costly (laid-out text, scaled pictures) is kept
-// from scene to scene.
+// Draws scenes to one target. One thread. Caches costly results (laid-out text, scaled pictures)
+// between scenes.
 class Canvas {
 public:
     virtual ~Canvas() = default;

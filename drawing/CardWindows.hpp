@@ -1,4 +1,4 @@
-// The windows that cards stand in, and the stages that show a card inside them. Main thread only.
+// The interfaces of card windows and of the stages that show a card inside them. Main thread only.
 #pragma once
 
 #include <cstdint>
@@ -19,11 +19,11 @@ struct PointerEvent {
     Point location;  // points inside the card, origin at its top left, y growing downward
 };
 
-// What assistive technology asks of a control.
+// Actions that assistive technology requests of a control.
 enum class AccessibilityAction { press, increment, decrement };
 
-// What a card's content hears from its stage. All of it is called on the main thread, never inside
-// a call to the stage.
+// The callbacks of a stage to its content. Called on the main thread, never inside a call to the
+// stage.
 struct StageEvents {
     std::function<void(const PointerEvent&)> pointer;
     std::function<void(SceneControl::ID, AccessibilityAction)> accessibility;
@@ -31,7 +31,7 @@ struct StageEvents {
     std::function<void(SceneControl::ID, double)> accessibilityNumber{};
 };
 
-// How the card and its shadow look. Lengths are points; the shadow's offset grows downward.
+// The look of the card and its shadow. Lengths are points; the shadow's offset grows downward.
 struct CardStyle {
     Size card;
     double shadowMargin = 0;  // the stage is the card grown by this on every side
@@ -40,11 +40,11 @@ struct CardStyle {
     double shadowOpacity = 0;
     double shadowRadius = 0;
     double shadowOffset = 0;
-    double textBottom = 0;  // from the card's top; below it are only symbols and bars
+    double textBottom = 0;  // from the card's top; only symbols and bars are below
 };
 
-// The view that carries glass, shadow and content; hidden when made. What is animated, hidden and
-// faded.
+// The view with glass, shadow and content. It is hidden when created. Animations and hiding apply
+// to it.
 class CardStage {
 public:
     virtual ~CardStage() = default;
@@ -54,15 +54,15 @@ public:
     // Animates the stage's transform from `start` to identity over the spring's settling duration.
     // `start` is in stage coordinates with y growing downward.
     virtual void springFrom(const Transform& start, const Spring& spring) = 0;
-    // Shows the scene from now on, on top of the glass.
+    // Shows this scene from now on, on top of the glass.
     virtual void setScene(const Scene& scene) = 0;
     virtual void setEvents(StageEvents events) = 0;
 };
 
 struct WindowSettings {
     Rect frame;  // global points, y growing upward
-    // Below 1 where the lock screen leaves less room than the card's own size. The frame is the
-    // scaled stage's; whatever is in the stage keeps its own points. Only where screens have
+    // Below 1 where the lock screen leaves less room than the card's own size. The frame is that of
+    // the scaled stage; coordinates inside the stage stay unscaled. Used only where screens have
     // keep-clear areas.
     double contentScale = 1;
     std::uint64_t styleMask = 0;
@@ -79,7 +79,7 @@ struct WindowSettings {
     bool ignoresMouseEvents = true;
 };
 
-// One window of the system. It never becomes key or main and never takes the keyboard.
+// One system window. It never becomes key or main and never takes the keyboard.
 class CardSystemWindow {
 public:
     virtual ~CardSystemWindow() = default;
@@ -88,8 +88,8 @@ public:
     virtual unsigned long occlusionState() const = 0;
     virtual void setIgnoresMouseEvents(bool ignores) = 0;
     virtual void setContent(std::shared_ptr<CardStage> stage) = 0;  // null: no content
-    // Moves it. The screen's keep-clear areas are cut out of the window from now on, as they are
-    // when it is made.
+    // Moves the window. From now on this screen's keep-clear areas are cut out of it, as they are
+    // when it is created.
     virtual void setFrame(const Rect& frame, const Screen& screen) = 0;
     virtual void orderFrontRegardless() = 0;
     virtual void orderOut() = 0;
@@ -100,15 +100,15 @@ public:
     // replaces it.
     virtual void animateAlpha(double alpha, Duration duration,
                               std::function<void()> completion) = 0;
-    // Called for each primary button press on the window, before it is handled, with its place in
-    // window coordinates.
+    // The observer is called for each primary button press on the window, before the press is
+    // handled, with its place in window coordinates.
     virtual void setMouseDownObserver(std::function<void(Point)> observer) = 0;
 };
 
 struct CardWindows {
-    // Null when the system cannot make one now; the reason is logged by the platform. The window
-    // never covers any of the screen's keep-clear areas: where its shadow margin reaches into one,
-    // that part is cut out of its shape.
+    // Returns null when the system cannot create a window now; the platform logs the reason. The
+    // window never covers the screen's keep-clear areas: where its shadow margin overlaps one, that
+    // part is cut out of its shape.
     std::function<std::unique_ptr<CardSystemWindow>(const WindowSettings&, const Screen&)>
         makeWindow;
     std::function<std::shared_ptr<CardStage>(const CardStyle&)> makeStage;

@@ -1,4 +1,4 @@
-// One character of UTF-8 text.
+// The decoding of one character of UTF-8 text.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 namespace quorvane {
 
 struct Character {
-    std::size_t length = 1;  // bytes that it takes in the text
+    std::size_t length = 1;  // its bytes in the text
     std::uint32_t code = 0;
     bool isValid = false;
 };

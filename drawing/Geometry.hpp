@@ -1,5 +1,5 @@
-// Points, sizes, rectangles and transforms. Lengths are points unless a name says pixels; which way
-// y grows is said where a rectangle is used.
+// Points, sizes, rectangles and transforms. Lengths are points unless a name says pixels. The
+// direction of y is documented where a rectangle is used.
 #pragma once
 
 #include <algorithm>
@@ -33,7 +33,7 @@ struct Rect {
     constexpr double maxY() const { return y + height; }
     constexpr bool isEmpty() const { return width <= 0 || height <= 0; }
 
-    // Edges belong to the rectangle at the low side only, so that neighbours share no point.
+    // Only the low edges belong to the rectangle, so that neighbours share no point.
     constexpr bool contains(Point point) const {
         return point.x >= x && point.x < maxX() && point.y >= y && point.y < maxY();
     }
@@ -49,7 +49,8 @@ struct Rect {
     constexpr bool operator==(const Rect&) const = default;
 };
 
-// Of a shape as large as `content`, the place that covers the frame about their common middle.
+// The place of a shape with the proportions of `content` that covers the frame around their common
+// centre.
 constexpr Rect covering(const Rect& frame, Size content) {
     const double scale = std::max(frame.width / content.width, frame.height / content.height);
     const Size shown{content.width * scale, content.height * scale};
@@ -62,7 +63,7 @@ constexpr Rect centredIn(const Rect& frame, Size content) {
             content.height};
 }
 
-// A corner of a rectangle is never larger than half its shorter side.
+// The corner radius, limited to half the rectangle's shorter side.
 constexpr double fittingRadius(const Rect& rect, double cornerRadius) {
     return std::max(0.0, std::min({cornerRadius, rect.width / 2, rect.height / 2}));
 }
@@ -71,7 +72,7 @@ constexpr double fittingRadius(const Rect& rect, double cornerRadius) {
 std::string describe(const Rect& rect);
 std::string describe(Point point);
 
-// Scaling about `centre`, then moving by `offset`.
+// Scales around `centre`, then moves by `offset`.
 struct Transform {
     double scale = 1;
     Point centre{};

@@ -9,7 +9,8 @@
 
 namespace quorvane {
 
-// Shared. Two scenes show the same picture when they hold the same object. Any thread may drop it.
+// Shared. Two scenes show the same picture when they hold the same object. Any thread may release
+// it.
 class Image {
 public:
     enum class State { arriving, ready, undecodable };
@@ -17,8 +18,8 @@ public:
     explicit Image(State state = State::ready) : state_(state) {}
     virtual ~Image() = default;
 
-    // Main thread. A platform that decodes a picture when a canvas first draws it sets this then;
-    // until then the canvas draws nothing for it.
+    // Main thread. A platform that decodes a picture when a canvas first draws it sets the state
+    // then; until then the canvas does not draw the picture.
     Observable<State>& state() const { return state_; }
 
 private:
@@ -27,7 +28,7 @@ private:
 
 using ImageRef = std::shared_ptr<const Image>;
 
-// Null when the bytes are no picture that the system can decode, or one too large to be decoded
+// Returns null when the system cannot decode the bytes, or when the picture is too large to decode
 // safely. A picture that is still arriving may turn out to be undecodable later. Main thread.
 using DecodeImage = std::function<ImageRef(ByteView encoded)>;
 

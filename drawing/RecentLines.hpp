@@ -1,4 +1,4 @@
-// Lines of text that were laid out lately, for canvases: laying out costs more than drawing.
+// A cache of recently laid-out text lines for canvases, because layout costs more than drawing.
 #pragma once
 
 #include <algorithm>
@@ -14,8 +14,8 @@ namespace quorvane {
 template <typename Line>
 class RecentLines {
 public:
-    // The line as long as it is, or cut off where it is wider than `fit` points. `layOut()` makes
-    // it when it is not at hand.
+    // The line at its full length, or cut off where it is wider than `fit` points. `layOut()`
+    // creates it if it is not cached.
     template <typename LayOut>
     Line& line(const std::string& text, const FontStyle& font, std::optional<double> fit,
                const LayOut& layOut) {
@@ -32,7 +32,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kKeptLines = 24;  // a card has four, of which the times change
+    static constexpr std::size_t kKeptLines = 24;  // a card has four; its times change
 
     struct Entry {
         std::string text;
@@ -40,7 +40,7 @@ private:
         std::optional<double> fit;
         Line line;
     };
-    std::list<Entry> recent_;  // the last used one first
+    std::list<Entry> recent_;  // most recently used first
 };
 
 }  // namespace quorvane

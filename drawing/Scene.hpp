@@ -1,7 +1,6 @@
-// What the card looks like at one moment, as a value: a flat list of things to draw from back to
-// front, the controls that can be pressed, and when the scene would next differ. Coordinates are
-// points inside the card, origin at its top left, y growing downward. Nothing is painted outside a
-// node's frame.
+// The look of the card at one moment, as a value: a flat list of nodes to draw from back to front,
+// the controls, and the time of the next change. Coordinates are points inside the card, origin at
+// its top left, y growing downward. A node paints only inside its frame.
 #pragma once
 
 #include <optional>
@@ -42,17 +41,17 @@ enum class TextAlignment {
     trailing
 };  // leading is the right edge in a right-to-left scene
 
-// A filled rectangle, rounded when the radius is above 0; half the shorter side makes its ends
-// round.
+// A filled rectangle, rounded if the radius is above 0. A radius of half the shorter side makes
+// round ends.
 struct ShapeNode {
     Rect frame{};
     double cornerRadius = 0;
     Color fill{};
-    double edgeWidth = 0;  // above 0: only so much inside the outline is filled
+    double edgeWidth = 0;  // above 0: only an edge of this width is filled
     bool operator==(const ShapeNode&) const = default;
 };
 
-// Fills its frame, cropped about the middle where the shapes differ.
+// Fills its frame, cropped around the centre where the proportions differ.
 struct ImageNode {
     Rect frame{};
     double cornerRadius = 0;
@@ -63,7 +62,7 @@ struct ImageNode {
 // One line. Text wider than its frame is cut off with an ellipsis at its trailing end, unless
 // `scroll` is set.
 struct TextNode {
-    // The text rests at the edge that it is aligned to, moved `offset` points beyond it. A copy
+    // The text is at the edge that it is aligned to, moved `offset` points beyond it. A copy
     // follows after `gap` points. Both ends of the frame fade over `fade` points.
     struct Scroll {
         double offset = 0;
@@ -72,7 +71,7 @@ struct TextNode {
         bool operator==(const Scroll&) const = default;
     };
 
-    Rect frame{};  // the line is centred in its height
+    Rect frame{};  // the line is centred vertically
     std::string text{};
     FontStyle font{};
     Color color{};
@@ -84,7 +83,7 @@ struct TextNode {
 // A symbol of the system by name, centred in its frame.
 struct SymbolNode {
     Rect frame{};
-    std::string_view name{};  // a literal, "play.fill" and its kin
+    std::string_view name{};  // a string literal such as "play.fill"
     double pointSize = 0;
     Color color{};
     bool operator==(const SymbolNode&) const = default;
@@ -105,20 +104,20 @@ struct GroupEnd {
 
 using SceneNode = std::variant<ShapeNode, ImageNode, TextNode, SymbolNode, GroupBegin, GroupEnd>;
 
-// What a person can act on or a screen reader can read.
+// A part of the card that can be operated or read by a screen reader.
 struct SceneControl {
     enum class ID { previous, playPause, next, love, volume, title, artist, artwork, progress };
     enum class Role { button, slider, text, image, progress };
 
     ID id;
     Role role;
-    Rect frame{};         // the area that takes presses; for texts and images, where they stand
+    Rect frame{};         // the area that takes presses; for texts and images, their place
     std::string label{};  // localised
     std::string value{};  // localised; empty when it has none
     double number = 0;    // of sliders and progress, between the two below
     double minimum = 0;
     double maximum = 0;
-    double step = 0;  // of sliders: what assistive technology adds or takes away at a time
+    double step = 0;  // of sliders: one increment or decrement by assistive technology
     bool operator==(const SceneControl&) const = default;
 };
 
@@ -127,8 +126,8 @@ struct Scene {
     std::vector<SceneControl> controls;
     std::string label{};  // of the card as a whole, localised
     bool isRightToLeft = false;
-    // How long this scene stays as it is while nothing else happens; nothing: for good. Not part of
-    // what is drawn.
+    // How long this scene stays valid without other events; nullopt: indefinitely. Not drawn, so
+    // not compared.
     std::optional<Duration> nextChange;
 
     bool operator==(const Scene& other) const {

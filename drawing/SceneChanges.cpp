@@ -16,13 +16,13 @@ Rect unionOf(const Rect& one, const Rect& two) {
             std::max(one.maxY(), two.maxY()) - top};
 }
 
-// Keeps the areas apart: what overlaps becomes one.
+// Disjoint areas: overlapping ones are merged.
 class Areas {
 public:
     void add(const Leaf& leaf) {
         Rect area = areaOf(leaf);
         if (area.isEmpty()) return;
-        // Growing may bring it upon one that was passed already.
+        // Start again, because the grown area may overlap one that was passed already.
         for (auto other = areas_.begin(); other != areas_.end();) {
             if (!other->intersects(area)) {
                 ++other;
@@ -45,7 +45,7 @@ private:
 std::vector<Rect> changedAreas(const Scene& from, const Scene& to) {
     const std::vector<Leaf> before = leavesOf(from);
     const std::vector<Leaf> after = leavesOf(to);
-    // Which edge is the leading one shows nowhere in the nodes.
+    // The nodes do not record the direction, so a change of it counts as a difference everywhere.
     const auto isSame = [mirrored = from.isRightToLeft != to.isRightToLeft](const Leaf& one,
                                                                             const Leaf& two) {
         return !mirrored && one.looksLike(two);
@@ -53,7 +53,7 @@ std::vector<Rect> changedAreas(const Scene& from, const Scene& to) {
     std::size_t begin = 0;
     std::size_t beforeEnd = before.size();
     std::size_t afterEnd = after.size();
-    // Something that came or went moves all that follows to another place of the list.
+    // An inserted or removed leaf shifts all later ones in the list, so skip the equal ends.
     if (beforeEnd != afterEnd) {
         while (begin < std::min(beforeEnd, afterEnd) && isSame(before[begin], after[begin]))
             ++begin;

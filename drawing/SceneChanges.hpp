@@ -1,4 +1,4 @@
-// Where two scenes look different, so that only that is drawn again.
+// The areas in which two scenes differ, so that only those are redrawn.
 #pragma once
 
 #include <vector>
@@ -8,8 +8,8 @@
 
 namespace quorvane {
 
-// Rectangles that share no point and together hold every place at which the scenes may look
-// different; none when they look alike. Pure.
+// Disjoint rectangles that together cover every place where the scenes may look different; empty
+// when they look alike. Pure.
 std::vector<Rect> changedAreas(const Scene& from, const Scene& to);
 
 }  // namespace quorvane

@@ -47,7 +47,7 @@ Rect areaOf(const Leaf& leaf) {
         low = (*group)->transform.apply(low);
         high = (*group)->transform.apply(high);
     }
-    // A clip only makes it smaller and is left out.
+    // Clips are ignored, because they only make the area smaller.
     return {std::min(low.x, high.x), std::min(low.y, high.y), std::abs(high.x - low.x),
             std::abs(high.y - low.y)};
 }

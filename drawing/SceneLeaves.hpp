@@ -1,4 +1,4 @@
-// What of a scene paints, and where. Pure.
+// The painting nodes of a scene and their areas. Pure.
 #pragma once
 
 #include <vector>
@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-// A node that paints, with the groups around it from the outermost in. Refers to its scene.
+// A node that paints, with its enclosing groups, outermost first. Refers to its scene.
 struct Leaf {
     const SceneNode* node;
     std::vector<const GroupBegin*> groups;
@@ -18,7 +18,7 @@ struct Leaf {
 // From back to front.
 std::vector<Leaf> leavesOf(const Scene& scene);
 
-// What a leaf may paint on.
+// The area that a leaf may paint on.
 Rect areaOf(const Leaf& leaf);
 
 }  // namespace quorvane

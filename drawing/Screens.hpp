@@ -12,17 +12,17 @@ namespace quorvane {
 
 struct Screen {
     Rect frame;          // points
-    double scale = 1.0;  // pixels a point
+    double scale = 1.0;  // pixels per point
     // Areas that the lock screen itself needs on this screen, same coordinates as `frame`. Empty
-    // where the system keeps such areas free by itself.
+    // where the system itself keeps such areas free.
     std::vector<Rect> keepClear = {};
 
     bool operator==(const Screen&) const = default;
 };
 
-// Main thread only. `observeChanges` reports a changed set of screens or scales, several notices
-// may arrive for one reconfiguration. `observeKeepClear` reports that only keep-clear areas
-// changed.
+// Main thread only. `observeChanges` reports a changed set of screens or scales; one
+// reconfiguration may cause several notices. `observeKeepClear` reports a change of keep-clear
+// areas only.
 struct Screens {
     std::function<std::vector<Screen>()> list;
     std::function<Handle(std::function<void()> handler)> observeChanges;

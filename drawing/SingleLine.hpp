@@ -1,4 +1,4 @@
-// Text from outside made fit to be drawn on one line.
+// Sanitising of external text for drawing on one line.
 #pragma once
 
 #include <cstddef>
@@ -7,12 +7,12 @@
 
 namespace quorvane {
 
-// More characters than any title that is meant to be read.
+// Longer than any title meant to be read, in characters.
 inline constexpr std::size_t kLongestLine = 400;
 
-// Valid UTF-8 of at most `longest` characters: every broken sequence becomes U+FFFD, every control
-// character and line separator a space, and text that is cut ends in an ellipsis. Works in one
-// pass over what it keeps, whatever follows.
+// Returns valid UTF-8 of at most `longest` characters and, if text was cut, an ellipsis. Every
+// invalid byte becomes U+FFFD; every control character and line separator becomes a space. Reads
+// only the part of the text that it keeps, in one pass.
 std::string singleLine(std::string_view text, std::size_t longest = kLongestLine);
 
 }  // namespace quorvane

@@ -7,7 +7,7 @@
 namespace quorvane {
 namespace {
 
-// x'' + 2 * damping * x' + frequency^2 * x = 0 for the distance x that is left, from x = 1 at rest.
+// x'' + 2 * damping * x' + frequency^2 * x = 0 for the remaining distance x, from x = 1 at rest.
 struct Oscillator {
     double frequency;
     double damping;
@@ -47,8 +47,8 @@ double Spring::progress(double elapsed) const {
 }
 
 double Spring::settlingDuration() const {
-    // The envelope falls as exp(-damping t); without any damping the spring is ended after ten
-    // swings.
+    // The envelope falls as exp(-damping t). The limit of ten swings also ends a spring without
+    // damping.
     const double damping = Oscillator{*this}.damping;
     const double limit = 10 * perceptualDuration;
     return damping <= 0 ? limit : std::min(limit, std::log(1000.0) / damping);

@@ -12,8 +12,8 @@ struct Range {
     std::uint32_t last;
 };
 
-// Characters without a strong direction: digits, punctuation, marks, symbols, emoji. A few rare
-// symbols that lie among letters are left out.
+// Characters without a strong direction: digits, punctuation, marks, symbols, emoji. Omits a few
+// rare symbols that lie among letters.
 constexpr Range kNeutral[] = {
     {0, 0x40},          {0x5B, 0x60},       {0x7B, 0xA9},     {0xAB, 0xB4},     {0xB6, 0xB9},
     {0xBB, 0xBF},       {0xD7, 0xD7},       {0xF7, 0xF7},     {0x2C2, 0x2DF},   {0x300, 0x36F},
@@ -24,8 +24,7 @@ constexpr Range kNeutral[] = {
     {0x1F260, 0x1FBFF}, {0xE0001, 0xE007F},
 };
 
-// The blocks of Hebrew, Arabic and the other scripts written from right to left, and the mark that
-// stands for such a letter.
+// The blocks of Hebrew, Arabic and the other right-to-left scripts, and the right-to-left mark.
 constexpr Range kRightToLeft[] = {
     {0x590, 0x8FF},   {0x200F, 0x200F},   {0xFB1D, 0xFDFF},
     {0xFE70, 0xFEFC}, {0x10800, 0x10FFF}, {0x1E800, 0x1EFFF},

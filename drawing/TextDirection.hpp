@@ -5,8 +5,8 @@
 
 namespace quorvane {
 
-// Whether the text reads from right to left, by its first character with a strong direction, as the
-// Unicode bidirectional algorithm has it; `otherwise` for a text without such a character. Pure.
+// Whether the text reads from right to left, by its first character with a strong direction as in
+// the Unicode bidirectional algorithm; `otherwise` for text without such a character. Pure.
 bool readsRightToLeft(std::string_view text, bool otherwise);
 
 }  // namespace quorvane

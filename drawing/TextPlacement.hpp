@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-// Of a font, in points above and below the baseline.
+// A font's heights above and below the baseline, in points.
 struct LineHeights {
     double ascent = 0;
     double descent = 0;
@@ -17,19 +17,19 @@ struct LineHeights {
 // The baseline's distance from the scene's top: the line is centred in the frame's height.
 double baselineOf(const Rect& frame, const LineHeights& heights);
 
-// The left edge of a line of this width, which may be wider than the frame. A scrolling line rests
-// there.
+// The left edge of a line of this width, which may be wider than the frame; for a scrolling line,
+// its resting place.
 double leftEdgeOf(const TextNode& node, double width, bool isRightToLeft);
 
-// Whether it must be cut to fit; rounding alone is no reason.
+// Whether the line must be cut to fit. Tolerates rounding.
 bool isTooWide(const TextNode& node, double width);
 
-// The left edges of the visible copies of a scrolling line, whose left edge is `rest` when it
-// rests.
+// The left edges of the visible copies of a scrolling line with its resting left edge at `rest`.
 std::vector<double> copiesOf(const TextNode& node, double rest, double width, bool isRightToLeft);
 
-// How strong a scrolling line is at places between its frame's edges, from 0 to 1: full between the
-// two fades, which rise late, so that next to a picture the text is all but gone.
+// The strength of a scrolling line at places between its frame's edges, both from 0 to 1. It is
+// full between the two fades. The fades rise late, so that the text is almost invisible next to a
+// picture.
 struct FadeStop {
     double place = 0;
     double strength = 0;

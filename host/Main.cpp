@@ -1,4 +1,4 @@
-// The entry of quorvane-host: makes the live tables and carries the command out.
+// Entry of quorvane-host: makes the live tables and runs the command.
 
 #include <cstdio>
 #include <memory>
@@ -70,8 +70,8 @@ HostCoordinator::Services coordinatorServices(const LiveServices& services) {
             .sharedSuite = sharedSuite(services)};
 }
 
-// Runs on the signal's thread, before the signal ends the process: the main thread says goodbye, if
-// it is not held up. What it says has reached the bus when it comes back from there.
+// Runs on the signal's thread, before the signal ends the process. The main thread posts the
+// goodbye, unless it is blocked. The goodbye has reached the bus when its echo comes back.
 void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
     struct Goodbye {
         std::unique_ptr<WaitFlag> isSaid = makeWaitFlag();
@@ -82,7 +82,8 @@ void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
         const bool isServing = host.isServing();
         goodbye->echo =
             notices.observe(std::string{rawValue(QuorvaneDarwinNotification::mainAppWillTerminate)},
-                            // Holds what holds it: it must not end on the signal's thread.
+                            // Holds its own owner, so that the handle is not released on the
+                            // signal's thread.
                             [goodbye] { goodbye->isSaid->raise(); });
         host.stop();
         if (!isServing) goodbye->isSaid->raise();

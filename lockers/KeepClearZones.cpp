@@ -10,7 +10,7 @@ namespace quorvane {
 namespace {
 
 constexpr double kUsualDotsPerInch = 96;
-// A larger window would leave the card no room as long as it is remembered.
+// Larger windows are not remembered, because they would leave the card no room.
 constexpr double kLargestPrompt = 0.75;  // of the monitor
 
 Rect aboutMiddle(const Rect& monitor, Size half) {

@@ -1,4 +1,4 @@
-// From what this system shows of a lock to the four notices of the lock. Pure values.
+// The Linux signs of a lock, and their translation to the four lock notices. Pure values.
 #pragma once
 
 #include <vector>
@@ -15,19 +15,19 @@ struct LockSignals {
     bool screenSaverIsActive = false;  // a desktop's screen-saver service says so
     bool sessionSaysLocked = false;    // the login manager's hint
 
-    // Any of the three: a locker may announce nothing, and an announcement may come without a
-    // window that could be seen here.
+    // Any of the three, because a locker may announce nothing, and a lock may be announced without
+    // a window visible to this process.
     constexpr bool isLocked() const {
         return hasLockerWindow || screenSaverIsActive || sessionSaysLocked;
     }
-    // Only what can be seen has room for a card.
+    // Only a locker's window has room for a card.
     constexpr bool isLockUIShown() const { return hasLockerWindow; }
 
     constexpr bool operator==(const LockSignals&) const = default;
 };
 
-// The notices that lead from one state to the next, in the order in which they are true: the screen
-// is locked before the lock's face shows, and that goes before the screen is unlocked.
+// The notices for the change from one state to the next, in order: the screen is locked before the
+// lock UI is shown, and the lock UI is hidden before the screen is unlocked.
 constexpr std::vector<const char*> noticesBetween(const LockSignals& before,
                                                   const LockSignals& after) {
     std::vector<const char*> notices;

@@ -32,7 +32,7 @@ constexpr std::array kKnownLockers = std::to_array<KnownLocker>({
 });
 constexpr KnownLocker kNamedLocker{""};
 
-// Pickers of areas, windows and programs that hold the keyboard over the whole screen for a moment.
+// Pickers of areas, windows and programs. They cover the screen and grab the keyboard for a moment.
 constexpr std::string_view kKnownOverlays[] = {"slop", "Rofi", "flameshot", "Xfce4-screenshooter"};
 
 bool isOneOf(const auto& list, const auto& value) {
@@ -44,7 +44,7 @@ bool hasClassOf(const WindowFacts& window, const KnownLocker& locker, const Lock
     return window.className == locker.className;
 }
 
-// The locker that a client is, told from any of its windows, mapped or not.
+// The known locker that a client belongs to, identified by any of its windows, mapped or not.
 const KnownLocker* lockerOf(std::uint32_t client, const LockFacts& facts) {
     const auto isOf = [&](const KnownLocker& locker) {
         return std::ranges::any_of(facts.windows, [&](const WindowFacts& window) {
@@ -59,13 +59,13 @@ const KnownLocker* lockerOf(std::uint32_t client, const LockFacts& facts) {
 bool isUpAs(const KnownLocker& locker, const WindowFacts& window, const LockFacts& facts) {
     if (!hasClassOf(window, locker, facts)) return false;
     if (!locker.instance.empty() && window.instance != locker.instance) return false;
-    // Its windows may outlive the process that guards them; the keyboard tells.
+    // Its windows may outlive the process that locks; the keyboard grab shows whether it still
+    // runs.
     return !locker.alsoBlanks ||
            (facts.screenSaverIsLocked && facts.keyboard != KeyboardHold::isFree);
 }
 
-// The wallpapers and overlays that cover everything stand below ordinary windows, a lock screen
-// never does.
+// Full-screen wallpapers and overlays are below ordinary windows; a lock screen never is.
 bool isBelowDesktop(const WindowFacts& window, const std::vector<WindowFacts>& windows) {
     for (const WindowFacts& above : windows) {
         if (above.window == window.window) return false;
@@ -84,8 +84,8 @@ bool coversEveryMonitor(std::uint32_t client, const LockFacts& facts) {
     });
 }
 
-// Viewers of other machines, virtual machines and games have a window of the usual kind as well,
-// now or before they went full-screen.
+// Remote desktop viewers, virtual machines and games also have an ordinary window, now or before
+// they went full-screen.
 bool isOfApplication(const WindowFacts& window, const LockFacts& facts) {
     return window.isOfManaged || std::ranges::any_of(facts.windows, [&](const WindowFacts& other) {
                return other.client == window.client && !other.isOverrideRedirect && other.wasShown;

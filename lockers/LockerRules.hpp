@@ -1,5 +1,4 @@
-// Which of the X server's top-level windows are lock screens. Pure values: what is known of the
-// windows goes in, the lockers' windows come out.
+// Rules that find the lock screens among the X server's top-level windows. Pure values.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +9,7 @@
 
 namespace quorvane {
 
-// Whether some client holds the keyboard grabbed. Nothing tells how it was before the first notice.
+// Whether a client has grabbed the keyboard. Unknown until the first notice.
 enum class KeyboardHold { unknown, isFree, isHeld };
 
 // One top-level window. Rectangles are root pixels, y growing downward.
@@ -20,53 +19,54 @@ struct WindowFacts {
     Rect frame;
     bool isMapped = false;
     bool isOverrideRedirect = false;
-    bool wasShown = false;     // mapped at some time, perhaps inside a window manager's frame
+    bool wasShown = false;     // mapped at some time, possibly inside a window manager's frame
     bool isDrawable = true;    // can have visible contents and children
     bool isOfDesktop = false;  // of the window manager or the compositor
     bool isOfManaged = false;  // its client has a window that the window manager lists
-    std::string instance{};    // the two class names; "" where they were not asked for
+    std::string instance{};    // the two class names; "" if not queried
     std::string className{};
 };
 
-// Classes of windows that the user names.
+// Window classes that the user names.
 struct LockerNames {
     std::vector<std::string> lockers;
     std::vector<std::string> overlays;
 
-    // From lists with commas; null for none.
+    // Parses comma-separated lists; null means empty.
     static LockerNames parse(const char* lockers, const char* overlays);
 };
 
 struct LockFacts {
-    std::vector<WindowFacts> windows;  // top one first
+    std::vector<WindowFacts> windows;  // topmost first
     std::vector<Rect> monitors;
     KeyboardHold keyboard = KeyboardHold::unknown;
     bool pointerIsHeld = false;
     LockerNames names{};
-    bool screenSaverIsLocked = false;     // what xscreensaver publishes: locked, not only blank
+    bool screenSaverIsLocked = false;     // published by xscreensaver: locked, not only blank
     std::vector<std::uint32_t> standing;  // the lockers' windows found last time
 };
 
 struct FoundLocker {
     std::uint32_t window = 0;
     Rect frame;
-    // What it needs in the middle of a monitor to ask for the password, at 96 dots per inch.
+    // The space its password prompt needs in a monitor's centre, at 96 dots per inch.
     Size prompt;
 
     bool operator==(const FoundLocker&) const = default;
 };
 
-// Top one first.
+// Topmost first.
 //
-// A locker covers at least one monitor with a mapped override-redirect window. Its class is known
-// or named by the user, or the keyboard is held and more evidence excludes full-screen overlays of
-// other kinds: the pointer is held too, the client covers every monitor, nothing of the desktop is
-// above it, and it never showed an ordinary window. A locker stays found while it is mapped (an
-// unknown one: while the keyboard is held), because a monitor may grow before its locker does.
+// A locker covers at least one monitor with a mapped override-redirect window. Either its class is
+// known or named by the user, or the keyboard is grabbed and further evidence excludes other
+// full-screen overlays: the pointer is grabbed too, the client covers every monitor, no desktop
+// window is above it, and it never showed an ordinary window. A locker stays found while it is
+// mapped (an unknown one: while the keyboard is grabbed), because a monitor may grow before its
+// locker does.
 std::vector<FoundLocker> findLockers(const LockFacts& facts);
 
-// Whether the window covers a monitor as a lock screen would; only of such windows, and of other
-// windows of their clients, are class names and the like needed.
+// Whether the window covers a monitor as a lock screen would. Class names and other details are
+// needed only for such windows and other windows of their clients.
 bool isCandidate(const WindowFacts& window, const std::vector<Rect>& monitors);
 
 bool covers(const Rect& frame, const Rect& area);

@@ -19,7 +19,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
 }
 
-// The whole text as a number; the user's language does not matter here.
+// Parses the whole text as a number, independent of the locale.
 std::optional<double> number(std::string_view text) {
     text = trimmed(text);
     double value = 0;

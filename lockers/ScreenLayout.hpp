@@ -1,5 +1,5 @@
-// From the X server's monitors, in pixels with y growing downward, to screens in points with y
-// growing upward, and back. Pure values.
+// Conversion between the X server's monitors, in pixels with y growing downward, and screens, in
+// points with y growing upward. Pure values.
 #pragma once
 
 #include <optional>
@@ -13,13 +13,13 @@ namespace quorvane {
 
 struct ScreenLayout {
     std::vector<Rect> monitors;  // pixels; the primary one first
-    double scale = 1;            // pixels a point, the same for all: X11 knows no other way
+    double scale = 1;            // pixels per point; X11 has one for all monitors
 
     // The origin of points is the first monitor's bottom-left corner.
     Rect points(const Rect& pixels) const;
     // Whole pixels.
     Rect pixels(const Rect& points) const;
-    // `keepClear` in pixels; each screen gets the part that lies on it.
+    // `keepClear` is in pixels; each screen gets the parts that lie on it.
     std::vector<Screen> screens(const std::vector<Rect>& keepClear) const;
 
     bool operator==(const ScreenLayout&) const = default;
@@ -28,11 +28,11 @@ struct ScreenLayout {
 // The value of a resource such as "Xft.dpi" in the text of the X resource database.
 std::optional<double> numberResource(std::string_view resources, std::string_view name);
 
-// The pixels a point: what the user demands ("1.5"; beyond 0.5 to 8 it does not count), else the
-// desktop's dots per inch against the usual 96 in quarters, never below 1.
+// Pixels per point: the user's demand ("1.5"; ignored outside 0.5 to 8), else the desktop's dots
+// per inch divided by 96, rounded to quarters and limited to 1 to 8.
 double scaleFor(std::optional<std::string_view> demand, std::optional<double> dotsPerInch);
 
-// Several outputs that show the same picture are one screen.
+// Removes duplicates, because several outputs that show the same picture are one screen.
 std::vector<Rect> withoutRepeats(std::vector<Rect> monitors);
 
 }  // namespace quorvane

@@ -1,5 +1,5 @@
-// Putting an application's bundle in its place, so that at any moment the old one or the whole new
-// one stands there.
+// Operations that install an application's bundle atomically: the destination always holds the
+// whole old bundle or the whole new one.
 #pragma once
 
 #include <filesystem>
@@ -10,20 +10,20 @@
 
 namespace quorvane {
 
-// Any thread; one installer at a time in a folder.
+// Any thread; one installer per folder at a time.
 struct BundleFiles {
     // The bundle's property list; empty when it cannot be read.
     std::function<PropertyDictionary(const std::filesystem::path& bundle)> properties;
-    // Copies the bundle to a hidden place in the folder, which is made if it is missing, and writes
-    // the copy to the disk. The copy's path; after a failure none is left.
+    // Copies the bundle into a hidden folder below `folder`, creates `folder` if it is missing, and
+    // syncs the copy to disk. Returns the copy's path. A failure leaves no copy behind.
     std::function<Result<std::filesystem::path>(const std::filesystem::path& bundle,
                                                 const std::filesystem::path& folder)>
         stage;
-    // The copy takes the place, in one step. What stood there is where the copy was.
+    // Moves the copy to `place` in one step. A bundle that was at `place` moves to the copy's path.
     std::function<Result<void>(const std::filesystem::path& staged,
                                const std::filesystem::path& place)>
         putInPlace;
-    // Removes every hidden place in the folder, those of installers that were cut off too.
+    // Removes every hidden copy in the folder, including those of interrupted installers.
     std::function<void(const std::filesystem::path& folder)> discardStaged;
 };
 

@@ -1,5 +1,5 @@
-// Byte buffers. Growing one does not zero the new bytes: replies of a megabyte are read straight
-// in.
+// Byte buffers whose growth does not zero the new bytes, because replies of a megabyte are read
+// directly into them.
 #pragma once
 
 #include <cstddef>
@@ -40,7 +40,7 @@ inline std::string_view textOf(ByteView bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-// In one block. The vector's own copying goes byte by byte, because of its allocator.
+// Appends with one memcpy, because the vector with this allocator copies byte by byte.
 inline void append(Bytes& bytes, ByteView more) {
     if (more.empty()) return;
     const std::size_t before = bytes.size();

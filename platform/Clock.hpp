@@ -1,5 +1,4 @@
-// Time as the core sees it: a monotonic clock with one-shot timers, and wall time where a date is
-// meant.
+// Clock interface of the core: a monotonic clock with one-shot timers, and wall time for dates.
 #pragma once
 
 #include <chrono>
@@ -13,14 +12,14 @@ using Duration = std::chrono::nanoseconds;
 using Instant = std::chrono::time_point<std::chrono::steady_clock, Duration>;
 using WallTime = std::chrono::sys_time<Duration>;
 
-// Earlier than every date that is met in practice, far enough from the type's end to subtract from.
+// Earlier than any date in practice, but far enough from the type's minimum to subtract from.
 inline constexpr WallTime kDistantPast{std::chrono::seconds{-7'000'000'000}};
 
-// Main thread only, except `now`, which any thread may call. `after` calls its action once, on the
-// main thread, never before it has returned, unless the timer is dropped first. A delay of zero or
-// less fires on the next turn of the main loop. `afterAbout` does the same, but may fire up to
-// `tolerance` later, so that the system can let it share the wake-up of another timer. Some systems
-// use up the tolerance in any case.
+// Main thread only, except `now`, which any thread may call. `after` runs its action once on the
+// main thread, never before `after` returns, unless the timer is dropped first. A delay of zero or
+// less fires on the next turn of the main loop. `afterAbout` does the same but may fire up to
+// `tolerance` later, so that the system can coalesce wake-ups. Some systems always use the whole
+// tolerance.
 struct Clock {
     std::function<Instant()> now;
     std::function<Timer(Duration delay, std::function<void()> action)> after;
@@ -30,8 +29,7 @@ struct Clock {
 
 using WallClock = std::function<WallTime()>;
 
-// Any two dates: a main application may send one that is further from the other than a Duration
-// reaches.
+// Accepts any two dates: a main application may send dates further apart than a Duration can hold.
 inline double secondsBetween(WallTime from, WallTime to) {
     using std::chrono::seconds;
     const auto fromSecond = std::chrono::floor<seconds>(from);

@@ -1,4 +1,4 @@
-// Darwin notices: only a name, meaning "something changed, come and ask".
+// Darwin notices: a name without data that tells observers to query the new state.
 #pragma once
 
 #include <functional>
@@ -8,9 +8,9 @@
 
 namespace quorvane {
 
-// Main thread only. Posting reaches every observer of the name in any process of this login, the
-// poster's too; several posts in quick succession may arrive as one. Handlers run on the main
-// thread, never inside `post`.
+// Main thread only. A post reaches every observer of the name in any process of this login,
+// including the poster. Several posts in quick succession may coalesce into one. Handlers run on
+// the main thread, never inside `post`.
 struct DarwinNotices {
     std::function<void(const std::string& name)> post;
     std::function<Handle(const std::string& name, std::function<void()> handler)> observe;

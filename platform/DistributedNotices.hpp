@@ -1,4 +1,4 @@
-// Distributed notices: named, with user info, delivered in every process of the session that
+// Distributed notices: a name with user info, delivered to every process of the session that
 // observes the name.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Loading a library by path and looking symbols up in it.
+// Loader of libraries by path, and of the symbols in them.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@ struct DynamicLoader {
     std::function<void*(const char* path)> open;  // null on failure
     std::function<void*(void* library, const char* name)> symbol;
     std::function<std::optional<std::string>()> lastError;
-    // An array object of the system that holds one number, as the loaded functions take it;
-    // released with the pointer.
+    // A system array object that holds one number, in the form that the loaded functions take. The
+    // object is released with the pointer.
     std::function<std::shared_ptr<const void>(std::uint64_t number)> arrayOfNumber;
 };
 

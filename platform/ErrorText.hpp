@@ -1,4 +1,4 @@
-// What the log says of an error of the platform: the system's words and its number, if it gave one.
+// Log text of a platform error: the system's description and, if it is not 0, the error number.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// The file operations that a removal takes.
+// File operations that removing the add-on needs.
 #pragma once
 
 #include <filesystem>
@@ -12,12 +12,12 @@ namespace quorvane {
 
 // Main thread only.
 struct FileManagerClient {
-    static constexpr int kNoSuchFile = 4;  // the code, in the cocoa domain, of what is not there
+    static constexpr int kNoSuchFile = 4;  // the cocoa domain's code for a missing file
 
-    // With all below it. A symbolic link is removed itself, never what it leads to.
+    // Removes the item recursively. A symbolic link itself is removed, never its target.
     std::function<Result<void>(const std::filesystem::path&)> removeItem;
     std::function<bool(const std::filesystem::path&)> fileExists;
-    // The identifier of the bundle at a place; nothing when it cannot be read.
+    // The bundle identifier of the bundle at a path; nullopt when it cannot be read.
     std::function<std::optional<std::string>(const std::filesystem::path&)> identity;
 };
 

@@ -1,5 +1,5 @@
-// The one way to hold something that must be ended: a timer, an observation, an activity.
-// Destroying the handle ends it.
+// Owner of something that must be ended: a timer, an observation, an activity. Destroying the
+// handle ends it.
 #pragma once
 
 #include <functional>
@@ -15,7 +15,7 @@ public:
     explicit Handle(std::function<void()> release) : release_(std::move(release)) {}
     Handle(Handle&& other) noexcept : release_(std::exchange(other.release_, nullptr)) {}
     Handle& operator=(Handle&& other) noexcept {
-        // The new value is in place before the old one is released: releasing may call back in.
+        // Assign first, then release the old value, because the release may re-enter.
         auto old = std::exchange(release_, std::exchange(other.release_, nullptr));
         if (old) old();
         return *this;
@@ -33,7 +33,7 @@ private:
     std::function<void()> release_;
 };
 
-// Destroying it cancels the timer. A timer that has fired still counts as held until its owner
+// Destroying it cancels the timer. A timer that has fired still converts to true until its owner
 // drops it.
 using Timer = Handle;
 

@@ -1,11 +1,11 @@
-// Lets code that calls out notice that its own object was destroyed meanwhile.
+// Token that lets an object detect its own destruction during a callback.
 #pragma once
 
 #include <memory>
 
 namespace quorvane {
 
-// A member of the object whose life it stands for. Main thread only.
+// A member of the object whose lifetime it tracks. Main thread only.
 class LifeToken {
 public:
     class Watch {

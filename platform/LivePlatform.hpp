@@ -1,5 +1,5 @@
-// Every live table of one edition, made once at the entry. The build picks the platform that
-// defines the functions. This is the only header of the seam that looks up into drawing/.
+// The live tables of one edition, created once in the entry point. The build selects the platform
+// that defines the functions. No other header of platform/ includes drawing/.
 #pragma once
 
 #include <filesystem>
@@ -32,29 +32,29 @@ namespace quorvane {
 
 // The application object. Main thread only, `terminate` included.
 struct Application {
-    // Runs the main loop. `didFinishLaunching` is called on its first turn, `willTerminate` once
-    // when it is asked to end in order (by `terminate` or by an interrupt from the terminal).
-    // Returns the process's exit status: 0 unless the system went away under it.
+    // Runs the main loop. Calls `didFinishLaunching` on its first turn, and `willTerminate` once on
+    // an orderly end, which `terminate` or an interrupt from the terminal requests. Returns the
+    // process's exit status: 0 unless the system itself went away.
     std::function<int(std::function<void()> didFinishLaunching,
                       std::function<void()> willTerminate)>
         run;
     std::function<void()> terminate;
-    // From now on SIGTERM calls the action on another thread and then ends the process by the
-    // signal's default.
+    // From now on SIGTERM calls the action on another thread and then ends the process with the
+    // signal's default action.
     std::function<void(std::function<void()> action)> handleTerminationSignal;
 };
 
-// What the life of an installed application takes, from its launch to its removal.
+// Tables that an installed application uses from launch to removal.
 struct Installation {
     LoginItemClient loginItem;
     FileManagerClient fileManager;
     RunningApplications runningApplications;
     RunOpenCommand runOpenCommand;
-    // The user's folder for the files of applications; nothing when the user has no home folder.
+    // The user's folder for application files; nullopt when the user has no home folder.
     std::optional<std::filesystem::path> applicationSupport;
 };
 
-// What needs no screen: both the add-on and its host run on these.
+// Services that need no screen; both the add-on and its host use them.
 struct LiveServices {
     Application application;
     ProcessInfo process;
@@ -65,7 +65,7 @@ struct LiveServices {
     MakeSerialQueue makeSerialQueue;
     ConnectPort connectPort;
     OpenPort openPort;
-    // Names the calling thread as debuggers show it.
+    // Sets the calling thread's name, which debuggers show.
     std::function<void(const std::string& name)> nameCurrentThread{};
     DistributedNotices distributedNotices;
     DarwinNotices darwinNotices;
@@ -73,35 +73,35 @@ struct LiveServices {
     FillRandom fillRandom;
     std::function<std::string()> makeUUID;  // random, upper-case hexadecimal with hyphens
     UserDefaults standardDefaults;
-    // The suite of an App Group; nothing when it cannot be opened.
+    // The suite of an App Group; nullopt when it cannot be opened.
     std::function<std::optional<UserDefaults>(const std::string& suite)> openSuite;
     Installation installation{};
-    // Owns what the tables refer to; dropped last.
+    // Owns what the tables refer to; destroyed last.
     std::shared_ptr<void> owner;
 };
 
-// What the card needs besides.
+// Services that only the card needs, together with those that need no screen.
 struct LivePlatform {
     LiveServices services;
     LockSources lockSources;
     Screens screens;
     CardWindows cardWindows;
     DecodeImage decodeImage;
-    // The loader of the private window-server interface, on systems that have one; without it
-    // cardWindows.liftAboveLock does the same work.
+    // The loader of the private window-server interface on systems that have one. On other systems
+    // cardWindows.liftAboveLock does that work.
     std::optional<DynamicLoader> windowServerLoader;
     BeginActivity beginActivity;
-    // The text for a key in the user's language; the key itself when there is none.
+    // The text for a key in the user's language; the key itself when it has no translation.
     std::function<std::string(const std::string& key)> localized;
     std::function<bool()> isRightToLeft;
-    // Gives up for good what a copy that shows cards does not need of the system. Main thread;
+    // Permanently gives up access to the system that a card process does not need. Main thread;
     // called once, before the coordinator starts.
     std::function<void()> confine = [] {};
     std::shared_ptr<void> owner;
 };
 
-// `domain` names the preferences domain of the standard defaults. Fails with a plain sentence when
-// the system lacks something that no table can do without.
+// `domain` is the preferences domain of the standard defaults. Fails with a plain sentence when the
+// system lacks something that every table needs.
 Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
                                       const std::string& domain);
 Result<LivePlatform> makeLivePlatform(LiveServices services);

@@ -1,4 +1,4 @@
-// The unified log: loggers that name where a line comes from, and the sink that the platform
+// The unified log: loggers that carry the origin of a line, and the sink that the platform
 // provides.
 #pragma once
 
@@ -28,11 +28,11 @@ struct LogLine {
     std::span<const LogArgument> arguments;
 };
 
-// Any thread. The line is borrowed for the call.
+// Any thread. The line is valid only during the call.
 using LogSink = std::function<void(const LogLine&)>;
 
-// Cheap to copy. Subsystem and category are literals or outlive the logger. An empty sink drops
-// every line.
+// Cheap to copy. Subsystem and category are literals or outlive the logger. A logger with an empty
+// sink drops every line.
 class Logger {
 public:
     Logger() = default;

@@ -1,5 +1,5 @@
-// Format strings of log lines. Their placeholders are checked against the arguments' types while
-// compiling, and they stay in the program as they stand in the source.
+// Format strings of log lines. The compiler checks their placeholders against the arguments' types,
+// and the program keeps them unchanged.
 #pragma once
 
 #include <concepts>
@@ -10,18 +10,17 @@
 
 namespace quorvane {
 
-// One argument. Text is borrowed: it lives as long as the call that logs it.
+// One argument. Text is borrowed for the duration of the logging call.
 using LogArgument = std::variant<std::int64_t, std::uint64_t, double, std::string_view>;
 
-// One placeholder as it stands in a format string: "%{public}s", "%{private}s", "%s", "%{bool}d",
-// "%d", "%ld", "%u",
-// "%lu", "%llu", "%f".
+// One placeholder of a format string: "%{public}s", "%{private}s", "%s", "%{bool}d", "%d", "%ld",
+// "%u", "%lu", "%llu" or "%f".
 struct LogPlaceholder {
     enum class Kind { text, boolean, int32, int64, uint32, uint64, real };
     Kind kind = Kind::text;
-    bool isPrivate = false;  // text that is not marked public
-    std::size_t begin = 0;   // place of the '%'
-    std::size_t end = 0;     // one past its last letter
+    bool isPrivate = false;  // true for text that is not marked public
+    std::size_t begin = 0;   // index of the '%'
+    std::size_t end = 0;     // index after its last character
 };
 
 namespace detail {
@@ -52,8 +51,8 @@ constexpr bool readLetters(std::string_view letters, LogPlaceholder& placeholder
 
 }  // namespace detail
 
-// Finds the next placeholder at or after `from`. False when there is none; a '%' that starts none
-// of the known placeholders leaves `placeholder.end` at 0.
+// Finds the next placeholder at or after `from`. Returns false when there is no '%'. A '%' that
+// begins no known placeholder leaves `placeholder.end` at 0.
 constexpr bool nextPlaceholder(std::string_view format, std::size_t from,
                                LogPlaceholder& placeholder) {
     const std::size_t begin = format.find('%', from);

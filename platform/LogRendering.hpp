@@ -1,4 +1,4 @@
-// A log line as text, for systems whose log takes text and for tests.
+// Rendering of a log line as text, for systems with a text log and for tests.
 #pragma once
 
 #include <string>
@@ -7,7 +7,8 @@
 
 namespace quorvane {
 
-// Booleans render as true and false, private text as "<private>" unless `showsPrivate`.
+// Booleans render as true and false; private text renders as "<private>" unless `showsPrivate` is
+// set.
 std::string render(const LogLine& line, bool showsPrivate);
 
 }  // namespace quorvane

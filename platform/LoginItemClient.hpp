@@ -1,4 +1,4 @@
-// The add-on's entry among the things that are started at login.
+// The add-on's login item.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-// Main thread only. It is about the application that asks, as the system knows it.
+// Main thread only. Acts on the calling application, as the system identifies it.
 struct LoginItemClient {
     static constexpr std::int64_t kNotRegistered = 0;
     static constexpr std::int64_t kEnabled = 1;

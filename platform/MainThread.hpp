@@ -1,4 +1,5 @@
-// The way back to the main thread, and on the main thread the way to "after the current pass".
+// Queue of actions for the main thread. Code on the main thread uses it to run an action after the
+// current turn of the loop.
 #pragma once
 
 #include <functional>
@@ -6,7 +7,7 @@
 namespace quorvane {
 
 // `post` may be called from any thread; actions run on the main thread in the order of posting,
-// never inside the call. Actions that are still waiting when the main loop ends are dropped.
+// never inside the call. Actions still pending when the main loop ends are dropped.
 struct MainThread {
     std::function<void(std::function<void()> action)> post;
 };

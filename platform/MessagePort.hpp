@@ -16,47 +16,47 @@ namespace quorvane {
 // The status numbers of a send, the same on every system.
 enum PortStatus : std::int32_t {
     kPortSuccess = 0,
-    kPortSendTimeout = -1,     // the request was not taken in time
-    kPortReceiveTimeout = -2,  // it was taken, the reply did not come in time
+    kPortSendTimeout = -1,     // the server did not accept the request in time
+    kPortReceiveTimeout = -2,  // the request was sent, but the reply did not arrive in time
     kPortIsInvalid = -3,       // the port is known to be dead; nothing was sent
     kPortTransportError =
-        -4,  // the port died or refused while sending, or the message is over the bound
-    kPortBecameInvalid = -5,  // the port died while the reply was awaited
+        -4,  // the port died or refused while sending, or the message exceeds the limit
+    kPortBecameInvalid = -5,  // the port died while the client waited for the reply
 };
 
 struct PortRequest {
     std::int32_t messageID = 0;
-    ByteView secret{};  // the body's beginning, apart: copies of it are the sender's to wipe
+    ByteView secret{};  // start of the body; `send` wipes its own copies of it
     ByteView body{};
     Duration sendTimeout{};
-    Duration receiveTimeout{};  // not looked at when no reply is awaited
+    Duration receiveTimeout{};  // ignored when no reply is awaited
     bool awaitsReply = false;
-    Bytes replyMemory{};  // of an earlier reply, for this one's body; need not be used
+    Bytes replyMemory{};  // buffer of an earlier reply that `send` may reuse
 };
 
 struct PortReply {
     std::int32_t status = kPortSuccess;
-    std::optional<Bytes> body{};  // absent when none came; a server's empty reply is absent too
+    std::optional<Bytes> body{};  // nullopt without a reply, and for an empty reply
 };
 
-// The sending end of one port. One thread at a time, but for `cancel`. A waiting send on the main
-// thread may run the main loop: notices, timers and even the destruction of this object's owner can
-// happen inside `send`. Destroying it closes the port; destroying it inside its own `send` is safe
-// and ends that send with kPortBecameInvalid.
+// The sending end of one port. One thread at a time, except `cancel`. A `send` that waits on the
+// main thread may run the main loop: notices and timers can fire inside `send`, and this object's
+// owner can be destroyed. Destroying the object closes the port. Destroying it inside its own
+// `send` is safe and ends that send with kPortBecameInvalid.
 class RemotePort {
 public:
     virtual ~RemotePort() = default;
     virtual PortReply send(PortRequest request) = 0;
-    // Any thread. Ends a send under way and all later ones at once, with the statuses of a port
-    // that has died.
+    // Any thread. Ends the current send and fails all later ones at once, with the statuses of a
+    // dead port.
     virtual void cancel() = 0;
 };
 
-// Nothing when no process serves the name. Any thread.
+// Returns null when no process serves the name. Any thread.
 using ConnectPort = std::function<std::unique_ptr<RemotePort>(const std::string& name)>;
 
-// The body of a reply. What is long, and the same from one reply to the next, need not be copied
-// into each: it is shared, and put in between.
+// The body of a reply. A long part that is the same in many replies is shared and inserted at
+// `place`, so that it is not copied into each reply.
 struct PortAnswer {
     PortAnswer() = default;
     PortAnswer(Bytes whole) : bytes(std::move(whole)) {}
@@ -70,15 +70,15 @@ struct PortAnswer {
 
     Bytes bytes;
     std::shared_ptr<const Bytes> shared;
-    std::size_t place = 0;  // of `shared` within `bytes`
+    std::size_t place = 0;  // offset in `bytes` where `shared` is inserted
 };
 
-// Answers one request on the thread that runs the port; an empty answer is an empty reply.
+// Answers one request on the thread that runs the port. An empty answer sends an empty reply.
 using PortHandler = std::function<PortAnswer(std::int32_t messageID, ByteView body)>;
 
-// The serving end of one port. `run` serves requests on the calling thread until `stop`, which any
-// thread may call, also before `run`. The name is free again when the object is destroyed or its
-// process dies.
+// The serving end of one port. `run` serves requests on the calling thread until `stop`. Any thread
+// may call `stop`, even before `run`. Destroying the object, or the end of its process, frees the
+// name.
 class LocalPort {
 public:
     virtual ~LocalPort() = default;
@@ -86,7 +86,7 @@ public:
     virtual void stop() = 0;
 };
 
-// Nothing when another process (or another port of this one) serves the name. Any thread.
+// Returns null when another process, or another port of this one, serves the name. Any thread.
 using OpenPort =
     std::function<std::unique_ptr<LocalPort>(const std::string& name, PortHandler handler)>;
 

@@ -1,4 +1,4 @@
-// A value that tells when it has changed.
+// A value that notifies its subscribers of changes.
 #pragma once
 
 #include <functional>
@@ -10,8 +10,8 @@
 
 namespace quorvane {
 
-// Main thread only. Writing an equal value is silent. Listeners are called after the new value is
-// in place, in the order of subscription; one that is dropped while they are being called is not
+// Main thread only. Writing an equal value notifies no listener. Listeners run after the new value
+// is stored, in the order of subscription. A listener that is dropped during notification is not
 // called any more. A listener may write the value again, subscribe, or drop its own handle. Handles
 // may outlive the observable.
 template <typename T>
@@ -27,7 +27,7 @@ public:
     void set(T value) {
         if (value == value_) return;
         value_ = std::move(value);
-        // A copy: listeners may subscribe while it is walked.
+        // Iterate over a copy, because listeners may subscribe during the loop.
         const auto listeners = *listeners_;
         for (const auto& listener : listeners)
             if (const auto action = *listener) action();

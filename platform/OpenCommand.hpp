@@ -1,4 +1,4 @@
-// The system's launcher of applications, a command of its own.
+// The system command that launches applications.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,8 @@ struct OpenCommandEnd {
     std::string output;  // all of its standard output
 };
 
-// Runs it with the arguments and returns when it has ended. Fails when it could not be started.
+// Runs the command with the arguments and returns when it has exited. Fails when it cannot be
+// started.
 using RunOpenCommand =
     std::function<Result<OpenCommandEnd>(const std::vector<std::string>& arguments)>;
 

@@ -1,5 +1,4 @@
-// How an operation of the system reports failure: the system's own number and its own words.
-// Nothing throws.
+// A failed system operation: the system's number and its description. No operation throws.
 #pragma once
 
 #include <expected>
@@ -8,7 +7,7 @@
 namespace quorvane {
 
 struct PlatformError {
-    // Where a number comes from; numbers of different domains are never compared.
+    // The source of the number. Numbers of different domains are never compared.
     enum class Domain { posix, cocoa, service, bus };
 
     Domain domain = Domain::posix;

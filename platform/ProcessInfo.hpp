@@ -1,5 +1,5 @@
-// Facts about this process and its system, read once at the entry, and the operations on the
-// process itself.
+// Facts about this process and its system, read once at the entry point, and operations on the
+// process.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ struct SystemVersion {
 
 struct ProcessInfo {
     std::vector<std::string> arguments;  // the executable first
-    std::filesystem::path executable{};  // its file; empty when it cannot be told
+    std::filesystem::path executable{};  // its file; empty when unknown
     std::int32_t pid = 0;
     SystemVersion systemVersion;
     std::filesystem::path bundle;         // the bundle's folder; empty when not run from one

@@ -1,4 +1,4 @@
-// The values that property lists, user defaults and notices carry.
+// The value types of property lists, user defaults and notices.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +29,7 @@ struct PropertyValue {
     bool operator==(const PropertyValue& other) const { return value == other.value; }
 };
 
-// The value under `key` if it is there and of type T, else nothing.
+// The value under `key` if it exists and is of type T, else null.
 template <typename T>
 const T* find(const PropertyDictionary& dictionary, std::string_view key) {
     const auto entry = dictionary.find(key);

@@ -1,5 +1,5 @@
-// Files that others name: artwork that a player points to, a script that a user gives. Whatever
-// stands at the path, reading it neither hangs on a pipe or a device nor takes more than the limit.
+// Reader of files at untrusted paths, such as artwork that a player points to or a script that a
+// user names. Reading never hangs on a pipe or device and never exceeds the limit.
 #pragma once
 
 #include <cstdint>
@@ -25,11 +25,10 @@ struct StampedFile {
     Bytes contents{};
 };
 
-// Any thread. Both follow symbolic links and fail for everything but a regular file.
+// Any thread. Both operations follow symbolic links and fail for anything but a regular file.
 struct RegularFiles {
     std::function<Result<FileStamp>(const std::filesystem::path&)> stamp;
-    // Fails as well when the file is larger than `limit` bytes, also when it grows while it is
-    // read.
+    // Also fails when the file is larger than `limit` bytes, or grows beyond it during the read.
     std::function<Result<StampedFile>(const std::filesystem::path&, std::uint64_t limit)> read;
 };
 

@@ -13,16 +13,17 @@ namespace quorvane {
 
 struct RunningCopy {
     std::int32_t pid = 0;
-    std::optional<WallTime> launchDate;  // comparable with those of the same process's other looks
+    std::optional<WallTime> launchDate;  // comparable with other dates that this process read
     bool operator==(const RunningCopy&) const = default;
 };
 
 // Main thread only.
 struct RunningApplications {
-    // Those that have not ended, this process among them if it is one.
+    // The copies that have not exited, including this process if it is one.
     std::function<std::vector<RunningCopy>(const std::string& bundleIdentifier)> running;
     std::function<RunningCopy()> current;
-    // Asks the application to quit in order; it may refuse. Nothing happens when it has ended.
+    // Asks the application to quit in an orderly way; it may refuse. Does nothing when it has
+    // already exited.
     std::function<void(std::int32_t pid)> terminate;
 };
 

@@ -7,13 +7,13 @@
 
 namespace quorvane {
 
-// Any thread may add actions. Destroying the queue lets the running action finish and drops those
-// that wait.
+// Any thread may add actions. Destroying the queue lets the running action finish and drops pending
+// ones.
 class SerialQueue {
 public:
     virtual ~SerialQueue() = default;
-    // False when the system refuses the queue's thread: the action is dropped and never runs.
-    // Throws nothing.
+    // Returns false when the system refuses to create the queue's thread; the action is then
+    // dropped and never runs. Does not throw.
     [[nodiscard]] virtual bool async(std::function<void()> action) = 0;
 };
 

@@ -1,5 +1,5 @@
-// What this login session lacks for the card, each as a sentence for its user: what is the case,
-// then what to do.
+// Problems of this login session that keep the card from working. Each is a sentence for the user:
+// the problem, then what to do.
 #pragma once
 
 #include <optional>
@@ -13,7 +13,7 @@ struct LiveServices;
 struct SessionProblems {
     std::optional<std::string> screen{};  // no card can show
     std::optional<std::string> ports{};   // no host can be reached
-    std::optional<std::string> bus{};     // no notice is heard, and no player
+    std::optional<std::string> bus{};     // no notices and no players
 
     std::vector<std::string> sentences() const {
         std::vector<std::string> all;
@@ -25,7 +25,7 @@ struct SessionProblems {
 
 // Main thread only.
 SessionProblems findSessionProblems(const LiveServices& services);
-// The second of them. Any thread.
+// Finds only the `ports` problem. Any thread.
 std::optional<std::string> findPortsProblem();
 
 }  // namespace quorvane

@@ -1,4 +1,4 @@
-// The volumes of the session's sound server: one per stream that a program plays, and the system's.
+// Volumes of the session's sound server: one per stream that a program plays, and the system's.
 #pragma once
 
 #include <cstdint>
@@ -15,30 +15,31 @@ struct LiveServices;
 
 struct SoundStream {
     std::uint32_t number = 0;
-    std::int64_t processID = 0;  // 0 when the program does not state it
-    std::string application{};   // the name that the program gives itself
+    std::int64_t processID = 0;  // 0 when the program does not report it
+    std::string application{};   // the name that the program reports
     bool isPlaying = false;
-    double volume = 1;  // 0...1, and 0 while muted
+    double volume = 1;  // 0...1; 0 while muted
     bool operator==(const SoundStream&) const = default;
 };
 
 struct SoundLevels {
     std::vector<SoundStream> streams{};
-    std::optional<double> system{};  // of the output that new streams use
+    std::optional<double> system{};  // volume of the default output
     bool operator==(const SoundLevels&) const = default;
 };
 
-// Main thread only. Nothing here blocks on the server.
+// Main thread only. No call blocks on the server.
 struct SoundServer {
-    // Connects, and calls the handler with the levels and after each change of them; with no levels
-    // when the server cannot be reached or has gone away, once. Dropping the handle disconnects.
+    // Connects, then calls the handler with the levels and again after each change. Calls it once
+    // with empty levels when the server cannot be reached or goes away. Dropping the handle
+    // disconnects.
     std::function<Handle(std::function<void(SoundLevels)> handler)> observe;
-    // Of one stream or, with nullopt, of the system; ends its muting. Does nothing while no
-    // observation is connected.
+    // Sets the volume of one stream or, with nullopt, of the system, and unmutes it. Does nothing
+    // while no observation is connected.
     std::function<void(std::optional<std::uint32_t> stream, double volume)> setVolume;
 };
 
-// A table that reaches no server where the session has none. `services` outlives it.
+// Returns a table without a server where the session has none. `services` must outlive the table.
 SoundServer makeLiveSoundServer(const LiveServices& services);
 
 }  // namespace quorvane

@@ -1,4 +1,4 @@
-// Asserts that an object is used on the thread on which it was made.
+// Check that an object is used only on the thread that created it.
 #pragma once
 
 #include <cstdlib>
@@ -9,8 +9,8 @@ namespace quorvane {
 // A member of the object that it guards.
 class ThreadCheck {
 public:
-    // On any other thread the process ends here: what two threads break together shows later, and
-    // somewhere else.
+    // Aborts on any other thread, because the damage of a data race would appear later and
+    // elsewhere.
     void require() const {
         if (std::this_thread::get_id() != owner_) std::abort();
     }

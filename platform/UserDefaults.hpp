@@ -1,4 +1,4 @@
-// A persistent store of one preferences domain or suite.
+// Persistent store of one preferences domain or suite.
 #pragma once
 
 #include <functional>
@@ -11,12 +11,12 @@
 
 namespace quorvane {
 
-// Main thread only. Writes are seen by `get` at once and by other processes after `synchronize` at
-// the latest.
+// Main thread only. `get` sees writes at once; other processes see them after `synchronize` at the
+// latest.
 struct UserDefaults {
     std::function<std::optional<PropertyValue>(const std::string& key)> get;
-    // Those of the keys that have a value, all as they were at one moment: another process may be
-    // changing them.
+    // The values of those keys that have one, read together as a snapshot, because another process
+    // may be changing them.
     std::function<PropertyDictionary(const std::vector<std::string>& keys)> getTogether;
     // Nullopt removes the key.
     std::function<void(const std::string& key, std::optional<PropertyValue> value)> set;

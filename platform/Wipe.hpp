@@ -1,4 +1,4 @@
-// Overwrites secret bytes in a way that the compiler must carry out.
+// Erasure of secret bytes that the compiler cannot optimise away.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace quorvane {
 
-// Stores to memory that nobody reads any more may be left out; volatile ones may not.
+// The compiler may drop stores to memory that is not read again, but not volatile stores.
 inline void wipe(std::span<std::byte> bytes) {
     volatile std::byte* place = bytes.data();
     for (std::size_t left = bytes.size(); left > 0; --left) *place++ = std::byte{0};

@@ -1,5 +1,5 @@
-// The words between the add-on and the installer: distributed notices with their payload, and the
-// add-on's command line. Both sides spell them from here.
+// Names that the add-on and the installer share: distributed notices with their payload, and the
+// add-on's command line.
 #pragma once
 
 #include <optional>
@@ -11,13 +11,13 @@
 namespace quorvane {
 
 struct AddOnSignals {
-    // Notices. None has a sending object.
+    // Notices, all without a sending object.
     static constexpr const char* kStatusRequest =
         "example.quillon.Quorvane.LockScreenAddOn.statusRequest";
     static constexpr const char* kStatus = "example.quillon.Quorvane.LockScreenAddOn.status";
     static constexpr const char* kQuit = "example.quillon.Quorvane.LockScreenAddOn.quit";
 
-    // Arguments that the installer starts the add-on with.
+    // Arguments with which the installer starts the add-on.
     static constexpr const char* kUninstallArgument = "--uninstall";
     static constexpr const char* kInstalledArgument = "--installed";
 
@@ -33,7 +33,8 @@ struct AddOnSignals {
         bool operator==(const Status&) const = default;
 
         PropertyDictionary userInfo() const;
-        // Nothing when a key is missing or of another type: whoever posted it is no add-on of ours.
+        // Returns nullopt when a key is missing or has another type, because such a sender is not
+        // the add-on.
         static std::optional<Status> fromUserInfo(const PropertyDictionary& userInfo);
     };
 };

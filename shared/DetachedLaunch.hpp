@@ -1,4 +1,5 @@
-// Starts an application bundle as a new background instance that is no child of the caller.
+// Launcher that starts an application bundle as a new background instance, not a child of the
+// caller.
 #pragma once
 
 #include <expected>
@@ -13,7 +14,7 @@
 namespace quorvane {
 
 struct DetachedLaunch {
-    // The system's launcher ended with another status than 0.
+    // The system's launcher exited with a status other than 0.
     struct Failure {
         std::int32_t status = 0;
         std::string output;
@@ -24,7 +25,7 @@ struct DetachedLaunch {
 
     RunOpenCommand runOpen;  // the system's launcher
 
-    // Nothing when it was started; else the launcher's failure, or why it could not be run.
+    // Fails with the launcher's failure, or with the error that kept the launcher from running.
     std::expected<void, std::variant<Failure, PlatformError>> launch(
         const std::filesystem::path& bundle, const std::vector<std::string>& arguments) const;
 };

@@ -1,5 +1,5 @@
-// The preferences of the add-on that carry a removal from one launch to the next. The installer
-// clears what a removal that was cut off has left.
+// Preference keys of the add-on that carry a removal from one launch to the next. The installer
+// clears the keys that an interrupted removal has left.
 #pragma once
 
 namespace quorvane {

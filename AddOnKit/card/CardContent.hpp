@@ -7,15 +7,15 @@
 
 namespace quorvane {
 
-// Main thread only. One for each card window; its stage outlives it.
+// Main thread only. Each card window has its own content. The stage outlives the content.
 class CardContent {
 public:
     virtual ~CardContent() = default;
     // Draws into this stage and listens to its events from now on.
     virtual void attach(std::shared_ptr<CardStage> stage) = 0;
-    // While not shown it draws nothing and keeps no timer.
+    // While hidden, the content draws nothing and keeps no timer.
     virtual void setShown(bool shown) = 0;
-    // Keeps the picture as it is while the card fades out, until the next setShown. Calls nothing.
+    // Keeps the current picture while the card fades out, until the next setShown. Makes no calls.
     virtual void freeze() = 0;
 };
 

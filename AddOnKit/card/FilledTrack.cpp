@@ -9,7 +9,7 @@ void drawFilledTrack(Scene& scene, const Rect& track, double filledWidth, double
     scene.nodes.push_back(ShapeNode{track, radius, Color::white(PlayerLayout::kTrackOpacity)});
     if (filledWidth <= 0) return;
 
-    // A part shorter than it is thick keeps its round end and is cut off by the track's own.
+    // A fill shorter than the track's thickness keeps its round end; the track's end clips it.
     const double width = std::max(filledWidth, track.height);
     const double hidden = width - filledWidth;
     const double x = scene.isRightToLeft ? track.maxX() - filledWidth : track.x - hidden;

@@ -1,4 +1,4 @@
-// A bar with round ends that is filled from its leading edge: progress and volume.
+// Filled bar with round ends, for progress and volume. The fill begins at the leading edge.
 #pragma once
 
 #include "drawing/Scene.hpp"

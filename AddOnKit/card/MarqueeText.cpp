@@ -8,7 +8,7 @@
 namespace quorvane {
 namespace {
 
-constexpr double kSpeed = 32;  // points a second
+constexpr double kSpeed = 32;  // points per second
 constexpr double kGap = 40;
 constexpr double kRest = 2.5;  // seconds
 constexpr double kFade = 12;   // at each end
@@ -43,7 +43,8 @@ double MarqueeText::elapsed(Instant now) const {
 
 TextNode MarqueeText::node(const Rect& field, Instant now) const {
     TextNode node{.frame = field, .text = text, .font = font, .color = color};
-    // Only a text with room beside it is aligned with the rest of the card.
+    // Only a text that fits its field is aligned with the card; a longer one begins at its own
+    // start.
     if (isTooLong() && readsRightToLeft(text, isRightToLeft) != isRightToLeft)
         node.alignment = TextAlignment::trailing;
     if (!scrolls()) return node;
@@ -57,8 +58,8 @@ TextNode MarqueeText::node(const Rect& field, Instant now) const {
 std::optional<Duration> MarqueeText::nextChange(Instant now, double scale) const {
     if (!scrolls() || frozenTime) return std::nullopt;
     const double moved = phase(elapsed(now), textWidth) - kRest;
-    // Frames fall on whole pixels of the way, always the same number of them apart: the text moves
-    // evenly, and a frame that comes a little late still shows the pixel that it was meant for.
+    // Frames fall on whole pixels, a constant number of pixels apart. So the text moves evenly, and
+    // a slightly late frame still shows its intended pixel.
     const double pixel = 1 / (kSpeed * scale);
     const double step = pixel * std::ceil(kShortestFrame / pixel);
     if (moved < 0) return durationOf(step - moved);

@@ -1,4 +1,4 @@
-// A line of text that scrolls round when it is too long for its field, resting at the start of
+// Scrolling line of text for a title that is too long for its field. It pauses at the start of
 // every cycle.
 #pragma once
 
@@ -9,31 +9,31 @@
 
 namespace quorvane {
 
-// A view value. A text that is too long rests on its own start and moves toward it, whichever way
-// the card is laid out.
+// View value. A text that is too long pauses at its own beginning and scrolls toward its end,
+// whichever direction the card is laid out in.
 struct MarqueeText {
     std::string text;
     FontStyle font{};
     Color color{};
     bool reduceMotion = false;
     std::optional<double> frozenTime{};          // draws this moment of the cycle, in seconds
-    std::optional<bool> reduceMotionOverride{};  // instead of reduceMotion when set
+    std::optional<bool> reduceMotionOverride{};  // replaces reduceMotion when set
     bool isRightToLeft = false;                  // the card's layout
     double textWidth = 0;
     double fieldWidth = 0;
     std::optional<Instant> start{};  // of the first cycle
 
-    // How far a text of this width has moved after `elapsed` seconds.
+    // The distance that a text of this width has moved after `elapsed` seconds, in points.
     static double offset(double elapsed, double width);
-    // How long one round of it takes, in seconds.
+    // The duration of one cycle, in seconds.
     static double cycle(double width);
 
     bool isTooLong() const { return textWidth > fieldWidth; }
     bool scrolls() const;
-    // A text that scrolls fades out inside its field, and in before it, so that its beginning is
-    // not dimmed while it rests.
+    // A scrolling text fades out inside its field. It fades in before the field, so that its
+    // beginning is not dimmed during the pause.
     TextNode node(const Rect& field, Instant now) const;
-    // How long until it moves by another pixel; nullopt for a text that stays where it is.
+    // The time until the text moves by another pixel; nullopt when it does not move.
     std::optional<Duration> nextChange(Instant now, double scale) const;
 
 private:

@@ -10,8 +10,8 @@ namespace quorvane {
 namespace {
 
 constexpr Duration kArtworkFade = std::chrono::milliseconds{350};
-// A change that comes late by one part in so many of the time since the last is not seen; the
-// times' second shares its wake-up with the poll.
+// A frame may be late by 1/kUnseenShare of its wait, which is not visible. This lets the
+// once-a-second change of the times share its wake-up with the poll.
 constexpr int kUnseenShare = 200;
 
 }  // namespace
@@ -67,10 +67,12 @@ void PlayerCard::setShown(bool shown) {
     observations_.clear();
     nextDraw_.reset();
     const auto pressed = std::exchange(pressed_, std::nullopt);
-    // What moved has long settled when the card comes back; its marquees go on from their starts.
+    // Transitions restart at rest when the card is shown again; the marquees keep their start
+    // times.
     interaction_ = {.titleStart = interaction_.titleStart, .artistStart = interaction_.artistStart};
     artwork_.reset();
-    // Last: what the end of a drag sends may run the main loop, and the card be destroyed there.
+    // Last, because the command at the end of a drag may run the main loop, which may destroy the
+    // card.
     if (pressed == SceneControl::ID::volume) slider().dragEnded();
 }
 
@@ -119,7 +121,8 @@ void PlayerCard::drawNext() {
             environment_.clock.afterAbout(*wait, *wait / kUnseenShare, [this] { scroll(); });
 }
 
-// As `draw`, when only time has passed. Reduce Motion may have been turned on meanwhile.
+// Like `draw`, but for frames where only time has passed. Reduce Motion may have been turned on
+// since.
 void PlayerCard::scroll() {
     const Instant now = environment_.clock.now();
     if (!stage_ || !shown_.holds(now) || reducesMotion()) return draw();
@@ -128,7 +131,7 @@ void PlayerCard::scroll() {
     stage_->setScene(shown_.scene);
 }
 
-// One drawing for all changes of a pass of the main loop.
+// Coalesces all changes of one main-loop pass into one drawing.
 void PlayerCard::drawSoon() {
     if (isFrozen_) return;
     nextDraw_ = environment_.clock.after({}, [this] { draw(); });
@@ -149,7 +152,7 @@ void PlayerCard::followArtwork(Instant now) {
     Transition& change = interaction_.artworkChange;
     const ImageRef& artwork = model_.artwork.get();
     if (model_.isArtworkArriving.get()) {
-        // What was there before stays until the new one can be drawn.
+        // The previous artwork stays until the new one can be drawn.
         interaction_.oldArtwork = artwork_.value_or(nullptr);
         change = Transition{0};
         return;
@@ -172,7 +175,7 @@ const SceneControl* PlayerCard::control(SceneControl::ID id) const {
 
 void PlayerCard::pointerDown(Point location) {
     const auto life = life_.watch();
-    endPress();  // of a press whose end was never told
+    endPress();  // ends a previous press whose release never arrived
     if (life.isOver()) return;
     const auto found =
         std::ranges::find_if(shown_.scene.controls, [&](const SceneControl& candidate) {
@@ -203,7 +206,7 @@ void PlayerCard::pointerUp(Point location) {
     if (fires) fire(*id);
 }
 
-// Ends the press without the button's action. A drag ends at the volume it has come to.
+// Ends the press without the button's action. A drag ends at its current volume.
 void PlayerCard::endPress() {
     if (!pressed_) return;
     if (pressed_ == SceneControl::ID::volume) {
@@ -229,7 +232,7 @@ void PlayerCard::accessibility(SceneControl::ID id, AccessibilityAction action) 
     if (action == AccessibilityAction::press) fire(id);
 }
 
-// Last in everything that calls it: the action may change or end anything.
+// Must be the caller's last call, because the action may change or destroy any object.
 void PlayerCard::fire(SceneControl::ID id) {
     const std::function<void()>* action = nullptr;
     switch (id) {

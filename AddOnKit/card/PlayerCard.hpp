@@ -1,5 +1,5 @@
-// The content of one card window: it draws the player's model, follows presses and drags, and calls
-// the card's actions.
+// Content of one card window: draws the player's model, tracks presses and drags, and calls the
+// card's actions.
 #pragma once
 
 #include <functional>
@@ -22,19 +22,19 @@ namespace quorvane {
 struct PlayerCardEnvironment {
     Clock clock;
     WallClock wallClock;
-    Localized localized{};  // unset: the keys themselves
+    Localized localized{};  // when null, the keys themselves
     MeasureText measureText{};
     std::function<bool()> reducesMotion{};
     std::function<bool()> isRightToLeft{};
-    double scale = 1;  // pixels a point of the card's screen
+    double scale = 1;  // pixels per point of the card's screen
     std::optional<WallTime> playerFrozenDate{};
     std::optional<double> marqueeFrozenTime{};
     std::optional<bool> marqueeReduceMotion{};
 };
 
-// Main thread only. The model outlives it. While shown it draws when the model has changed, when it
-// is touched, and when its scene says so. While frozen it draws nothing, and while not shown it
-// also keeps no timer and no subscription. A button's action may end in the card's destruction.
+// Main thread only. The model outlives the card. While shown, the card draws when the model
+// changes, on input, and when its scene's next change is due. While frozen it draws nothing. While
+// not shown it also keeps no timer and no subscription. A button's action may destroy the card.
 class PlayerCard final : public CardContent {
 public:
     PlayerCard(PlayerModel& model, PlayerActions actions, PlayerCardEnvironment environment);
@@ -76,13 +76,13 @@ private:
     PlayerInteraction interaction_;
     std::optional<SceneControl::ID> pressed_;
 
-    // What was drawn last, to notice what has changed.
+    // The values drawn last, to detect changes.
     std::optional<std::string> title_;
     std::optional<std::string> artist_;
     std::optional<ImageRef> artwork_;  // the last one that was not still arriving
     LifeToken life_;
 
-    // Last: their ends may not find a half-destroyed card.
+    // Declared last so that they are destroyed first, while the card is still whole.
     std::vector<Handle> observations_;
     Timer nextDraw_;
 };

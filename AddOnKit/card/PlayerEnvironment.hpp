@@ -1,4 +1,4 @@
-// What the card's views read besides the model, as values.
+// Inputs of the card's views other than the model, as values.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@
 
 namespace quorvane {
 
-// The text for a key in the user's language.
+// Returns the text for a key in the user's language.
 using Localized = std::function<std::string(const std::string& key)>;
 
 struct PlayerEnvironment {
@@ -18,9 +18,9 @@ struct PlayerEnvironment {
     MeasureText measureText;
     bool isRightToLeft = false;
     bool reduceMotion = false;  // the system's setting
-    double scale = 1;           // pixels a point on this screen
+    double scale = 1;           // pixels per point on this screen
 
-    // For still renderings: the view as of this date, the marquees at this time of their cycle.
+    // For still renderings: the view at this date, the marquees at this time of their cycle.
     std::optional<WallTime> playerFrozenDate{};
     std::optional<double> marqueeFrozenTime{};  // seconds
     std::optional<bool> marqueeReduceMotion{};  // replaces the system's setting

@@ -12,17 +12,17 @@ constexpr double kRight = kCardWidth - kContentInsets.trailing;
 constexpr double kTop = kContentInsets.top;
 constexpr double kBottom = kCardHeight - kContentInsets.bottom;
 
-// Fields are higher than their line of text, so that marks above and below letters have room.
+// Fields are taller than their line of text, so that marks above and below letters have room.
 constexpr double kTrackFieldHeight = 28;
 constexpr double kTitleMiddle = kTop + 11;
 constexpr double kArtistMiddle = kTop + 33;
-// The position cannot be dragged: its bar is thinner than the volume's.
+// The position cannot be dragged, so its bar is thinner than the volume's.
 constexpr double kProgressThickness = 4;
 constexpr double kTimeFieldHeight = 20;
 constexpr double kTimeFieldWidth = 80;
 constexpr double kTimeSpacing = 12;  // from the bar to the middle of the times
 constexpr double kButtonSpacing = 26;
-constexpr double kTransportMiddle = 146;  // as far from the times as from the volume
+constexpr double kTransportMiddle = 146;  // equally far from the times and the volume
 
 constexpr Rect centred(double x, double y, double width, double height) {
     return {x - width / 2, y - height / 2, width, height};

@@ -1,4 +1,4 @@
-// Where the card's elements stand, in points from the card's top left.
+// Positions of the card's elements, in points from the card's top left.
 #pragma once
 
 #include "drawing/Geometry.hpp"
@@ -7,8 +7,8 @@ namespace quorvane {
 
 struct PlayerGeometry {
     Rect artwork;
-    Rect title;        // of the texts: the line's field
-    Rect lonelyTitle;  // without an artist below it
+    Rect title;        // for texts: the field of the line
+    Rect lonelyTitle;  // the title's field when there is no artist below it
     Rect artist;
     Rect heart;
     Rect progress;
@@ -21,8 +21,9 @@ struct PlayerGeometry {
     Rect volume;
     Rect loudSpeaker;
 
-    // The heart takes room from the texts only while it is shown. Right to left everything is
-    // mirrored but the transport buttons: their arrows show the tape's direction, not the text's.
+    // The heart takes room from the texts only while it is shown. In right-to-left layouts
+    // everything is mirrored except the transport buttons: their arrows show the tape's direction,
+    // not the text's.
     static PlayerGeometry make(bool showsHeart, bool isRightToLeft);
 };
 

@@ -1,5 +1,5 @@
-// What the card remembers of the recent past to draw its movements: presses, the slider's drag, the
-// marquees' starts, the artwork that was there before.
+// State that the card keeps to draw its animations: presses, the slider's drag, the marquees'
+// starts and the previous artwork.
 #pragma once
 
 #include <optional>
@@ -10,7 +10,7 @@
 
 namespace quorvane {
 
-// A plain value. At rest every transition stands at 0, but the artwork's, which stands at 1.
+// Plain value. At rest every transition is at 0, except the artwork's, which is at 1.
 struct PlayerInteraction {
     Transition previous{};
     Transition playPause{};
@@ -21,10 +21,10 @@ struct PlayerInteraction {
     std::optional<Instant> titleStart{};
     std::optional<Instant> artistStart{};
 
-    ImageRef oldArtwork{};        // what the present artwork replaces; null: the note
+    ImageRef oldArtwork{};        // replaced by the present artwork; null: the placeholder note
     Transition artworkChange{1};  // from the old one to the present one
 
-    // Nothing for a control that is no button.
+    // Null for a control that is not a button.
     Transition* press(SceneControl::ID control) {
         switch (control) {
             case SceneControl::ID::previous: return &previous;

@@ -1,5 +1,5 @@
-// The card's scene with what is needed to bring its marquees on: most frames of a card show nothing
-// else new.
+// The card's scene, with what is needed to advance its marquees. Most frames of a card change only
+// the marquees.
 #pragma once
 
 #include <cstddef>
@@ -11,21 +11,21 @@
 
 namespace quorvane {
 
-// A value.
+// Plain value.
 struct PlayerScene {
     struct Marquee {
-        std::size_t node;  // its place among the scene's
+        std::size_t node;  // index into the scene's nodes
         Rect field;
         MarqueeText text;
     };
 
     Scene scene{};
-    std::vector<Marquee> marquees{};      // those that scroll
-    std::optional<Instant> holdsUntil{};  // but for its marquees; nothing: for good
-    double scale = 1;                     // pixels a point
+    std::vector<Marquee> marquees{};      // the scrolling ones
+    std::optional<Instant> holdsUntil{};  // marquees excepted; nullopt: no limit
+    double scale = 1;                     // pixels per point
 
     bool holds(Instant now) const { return !holdsUntil || now < *holdsUntil; }
-    // While it holds, this is the scene as it would be made anew.
+    // Until holdsUntil, the result equals a newly composed scene.
     void scroll(Instant now);
 };
 

@@ -1,5 +1,5 @@
-// The texts of the card for people, as keys of the string tables in localization/, which hold them
-// with these comments. A key is also the English text.
+// The card's user-visible texts, as keys of the string tables in localization/. The tables also
+// hold each entry's comment. A key is also the English text.
 #pragma once
 
 namespace quorvane::PlayerStrings {

@@ -17,21 +17,21 @@ namespace {
 
 using namespace PlayerLayout;
 
-constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while something moves
-// Of a card at rest.
+constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while an animation runs
+// Upper bounds for a card at rest.
 constexpr std::size_t kMostNodes = 21;
 constexpr std::size_t kMostControls = 9;
 constexpr double kNoteSize = 30;
 constexpr double kPlaceholderFill = 0.1;
-constexpr double kArtworkEdge = 0.1;  // keeps dark artwork apart from the glass
+constexpr double kArtworkEdge = 0.1;  // separates dark artwork from the glass
 constexpr double kUnlovedOpacity = 0.7;
-// How far, in points, the bar may go at once so that it can move with the times, once a second, and
-// needs no frames of its own.
+// The largest step, in points, that the bar may take at once. A slower bar moves with the times,
+// once a second, and needs no extra frames.
 constexpr double kMostStep = 3;
 constexpr double kProgressOpacity = 0.55;
 constexpr double kSpeakerSymbolSize = 17;
 
-// Draws one scene. Its parts append what they show and note when they would next differ.
+// Composes one scene. Each part appends its nodes and records when they would next differ.
 class Composer {
 public:
     Composer(const PlayerView& view, const PlayerInteraction& interaction,
@@ -93,8 +93,8 @@ private:
     void artwork() {
         const double arrived = interaction_.artworkChange.at(moment_.now);
         const ImageRef& image = model_.artwork.get();
-        // A picture covers what is under it, so the old one stays whole below a new one; the
-        // placeholder does not, so an old picture has to leave.
+        // A picture covers what is below it, so the old one stays opaque under a new one. The
+        // placeholder does not cover, so an old picture fades out.
         if (arrived < 1) faded(interaction_.oldArtwork, image ? 1 : 1 - arrived);
         faded(image, arrived);
         scene_.controls.push_back({.id = SceneControl::ID::artwork,
@@ -164,7 +164,7 @@ private:
         const double position =
             model_.position(environment_.playerFrozenDate.value_or(moment_.date));
         const std::optional<double> duration = model_.duration.get();
-        // Whole pixels: between two of them the scene stays equal.
+        // Rounded to whole pixels, so that the scene stays equal between two of them.
         const double pixels = geometry_.progress.width * environment_.scale;
         const bool isSlow = duration && pixels <= *duration * kMostStep * environment_.scale;
         const double shown = isSlow && position < *duration ? std::floor(position) : position;
@@ -186,7 +186,7 @@ private:
             changesIn(progressChange(position, duration, isSlow ? 0 : pixels));
     }
 
-    // Until a time's next second or, of so many, the bar's next pixel.
+    // The time until the next second of either text or, if `pixels` > 0, the bar's next pixel.
     static std::optional<Duration> progressChange(double position, std::optional<double> duration,
                                                   double pixels) {
         if (duration && position >= *duration) return std::nullopt;
@@ -195,7 +195,7 @@ private:
         if (duration) {
             const double left = *duration - position;
             const double other = left - std::floor(left);
-            // Both texts at once where one would follow the other in no time.
+            // If both texts would change within kTogether, one frame changes both.
             wait =
                 std::abs(wait - other) < kTogether ? std::max(wait, other) : std::min(wait, other);
             if (pixels > 0) {
@@ -203,7 +203,7 @@ private:
                 wait = std::min(wait, pixel - std::fmod(position, pixel));
             }
         }
-        // A little beyond the edge, so that rounding cannot leave the scene just before it.
+        // Slightly past the edge, so that rounding cannot leave the scene just before it.
         constexpr Duration kBeyond = std::chrono::milliseconds{1};
         return kBeyond + std::chrono::duration_cast<Duration>(std::chrono::duration<double>(wait));
     }

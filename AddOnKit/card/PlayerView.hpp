@@ -15,8 +15,8 @@ struct PlayerMoment {
     WallTime date;
 };
 
-// A view value: the same model, interaction, moment and environment give the same scene. Main
-// thread only.
+// View value: the same model, interaction, moment and environment give the same scene. Main thread
+// only.
 struct PlayerView {
     const PlayerModel& model;
     const PlayerEnvironment& environment;

@@ -1,4 +1,4 @@
-// How a button answers a press: a highlight behind it, its symbol a little smaller and dimmer.
+// Look of a pressed button: a highlight behind it, its symbol a little smaller and dimmer.
 #pragma once
 
 #include "AddOnKit/card/Transition.hpp"
@@ -6,15 +6,15 @@
 
 namespace quorvane {
 
-// A style value.
+// Style value.
 struct PressHighlightStyle {
     double width = 0;  // of the button
     double height = 0;
-    bool circle = true;  // the highlight's shape; otherwise a rounded one of the frame
+    bool circle = true;  // the highlight's shape; otherwise a rounded rectangle of the frame
 
     // Appends the button, centred in `place`, to the scene. `amount` is 0 at rest, 1 while pressed.
     void draw(Scene& scene, const Rect& place, double amount, SymbolNode symbol) const;
-    // Starts the way to the pressed or the resting look.
+    // Starts the animation to the pressed or the resting look.
     static void turn(Transition& amount, bool isPressed, Instant now);
 };
 

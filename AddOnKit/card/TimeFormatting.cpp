@@ -9,7 +9,7 @@ namespace {
 
 constexpr char kMinus[] = "\u2212";
 constexpr char kUnknown[] = "\u2212\u2013:\u2013\u2013";
-// Whole numbers beyond it are not exact in a double anyway.
+// Larger whole numbers are not exact in a double.
 constexpr double kLongest = 9e15;
 
 }  // namespace

@@ -1,11 +1,11 @@
-// A number on its way from one value to another.
+// Animated number that moves from one value to another.
 #pragma once
 
 #include "platform/Clock.hpp"
 
 namespace quorvane {
 
-// A plain value; at rest it stays where it is. Turning round in the middle continues from there.
+// Plain value; at rest it does not change. Reversing midway continues from the current value.
 class Transition {
 public:
     enum class Curve { easeOut, easeInOut, spring };
@@ -13,7 +13,7 @@ public:
     Transition() = default;
     explicit Transition(double value) : from_(value), to_(value) {}
 
-    // For a spring `duration` is its perceptual duration; it has no bounce.
+    // For a spring, `duration` is its perceptual duration. The spring does not bounce.
     void moveTo(double value, Curve curve, Duration duration, Instant now);
     double at(Instant now) const;
     double target() const { return to_; }

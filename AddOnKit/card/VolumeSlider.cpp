@@ -12,12 +12,12 @@ namespace {
 
 using PlayerLayout::kVolumeThickness;
 
-constexpr std::int64_t kStep = 5;  // of assistive technology
+constexpr std::int64_t kStep = 5;  // for assistive technology
 constexpr double kFullVolume = 100;
 constexpr double kDraggedThickness = 10;
 constexpr double kFillOpacity = 0.8;
 constexpr double kDraggedFillOpacity = 0.95;
-constexpr double kSmallestTarget = 34;  // the track alone would be hard to hit
+constexpr double kSmallestTarget = 34;  // because the track alone would be hard to hit
 constexpr Duration kThickeningResponse = std::chrono::milliseconds{250};
 
 }  // namespace

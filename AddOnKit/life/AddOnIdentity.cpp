@@ -15,8 +15,8 @@ std::string storedInstallID(const UserDefaults& defaults,
     if (text != nullptr && !text->empty()) return *text;
     const std::string made = makeUUID();
     defaults.set(kKey, PropertyValue{made});
-    // At once: a signal may end the process soon. Without it the next launch is another
-    // installation.
+    // Written at once, because a signal may soon end the process. If the write is lost, the next
+    // launch counts as another installation.
     if (const auto written = defaults.synchronize(); !written)
         log.error("link: the install identifier was not stored: %{public}s",
                   errorText(written.error()));

@@ -1,4 +1,4 @@
-// Who this copy of the add-on is, computed once at start.
+// Identity of this copy of the add-on, computed once at start.
 #pragma once
 
 #include <functional>
@@ -12,14 +12,14 @@
 namespace quorvane {
 
 struct AddOnIdentity {
-    std::string installID;  // stays until the preferences are cleared
+    std::string installID;  // kept until the preferences are cleared
     std::string addOnVersion;
     std::string macOSVersion;  // major.minor.patch
     bool supportsThisMacOS = false;
     SupersedeOnce supersedeOnce;
     bool operator==(const AddOnIdentity&) const = default;
 
-    // Makes and stores an install identifier when the defaults hold none.
+    // Creates and stores an install identifier when the defaults hold none.
     static AddOnIdentity make(const ProcessInfo& process, const UserDefaults& defaults,
                               const std::function<std::string()>& makeUUID, const Logger& log);
 };

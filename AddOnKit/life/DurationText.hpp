@@ -1,4 +1,4 @@
-// Durations as they stand in log lines.
+// Durations as log lines show them.
 #pragma once
 
 #include <string>

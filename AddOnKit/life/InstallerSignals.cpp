@@ -25,7 +25,7 @@ void InstallerSignals::stop() { tokens_.clear(); }
 void InstallerSignals::setConnected(bool isConnected) {
     if (isConnected == isConnected_) return;
     isConnected_ = isConnected;
-    if (tokens_.empty()) return;  // nobody can have asked yet
+    if (tokens_.empty()) return;  // no installer can have asked yet
     log_.info("installer: connected %{bool}d; posting the status", isConnected_);
     postStatus();
 }

@@ -1,5 +1,5 @@
-// Answers the installer, which may ask a running add-on for its status and ask it to quit, over
-// distributed notices: they work even when the link is down.
+// Answers to the installer, which asks a running add-on for its status or to quit. Uses distributed
+// notices because they work even when the link is down.
 #pragma once
 
 #include <functional>
@@ -17,11 +17,11 @@ public:
     InstallerSignals(std::string version, DistributedNotices center, std::function<void()> quit,
                      const LogSink& log);
 
-    // Either may be called again without effect.
+    // Repeated calls of either have no effect.
     void start();
     void stop();
 
-    // Whether the link to the main application stands. After start, a change is posted.
+    // Whether the link to the main application is up. After start, each change is posted.
     void setConnected(bool isConnected);
 
 private:

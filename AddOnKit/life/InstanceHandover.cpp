@@ -19,7 +19,7 @@ void InstanceHandover::waitOnly(std::function<void(Outcome)> completion) {
     begin();
 }
 
-// An unknown launch date is the most distant past; equal dates are told apart by the lower pid.
+// An unknown launch date counts as the distant past. For equal dates, the lower pid is older.
 bool InstanceHandover::isOlder(const RunningCopy& copy) const {
     const auto age = [](const RunningCopy& each) {
         return std::tuple{each.launchDate.value_or(WallTime::min()), each.pid};
@@ -49,7 +49,7 @@ void InstanceHandover::begin() {
     ask(older);
 }
 
-// Counts the polls, not the time that has passed: each look comes before the check of the time.
+// Counts polls, not elapsed time: each poll looks for copies before it checks the limit.
 void InstanceHandover::waitOn() {
     timer_ = operations_.clock.after(timing_.poll, [this] {
         elapsed_ += timing_.poll;
@@ -60,7 +60,7 @@ void InstanceHandover::waitOn() {
     });
 }
 
-// `older` is what the last look found, never empty: a further look could find that they have gone.
+// `older` comes from the last look and is never empty. Another look might find that they have quit.
 void InstanceHandover::ask(const PIDs& older) {
     if (!asks_) return finish(TimedOut{older});
     asked_ = older;

@@ -1,5 +1,5 @@
-// The rule that only one copy of the add-on draws cards: a starting copy waits for older ones to
-// quit, asks them to, and gives up itself if they won't.
+// Handover between copies of the add-on, so that only one draws cards. A starting copy waits for
+// older ones to quit, asks them to, and quits itself if they won't.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-// Main thread only. Destroying it ends the handover without an outcome.
+// Main thread only. Destroying it cancels the handover without an outcome.
 class InstanceHandover {
 public:
     using RunningCopy = quorvane::RunningCopy;
@@ -60,9 +60,9 @@ public:
 
     InstanceHandover(RunningCopy me, Operations operations, Timing timing);
 
-    // Ends in exactly one outcome, inside the call or later.
+    // Calls `completion` exactly once, inside the call or later.
     void resolve(std::function<void(Outcome)> completion);
-    // The same without asking: copies that are left end it with TimedOut.
+    // Like resolve, but asks no copy to quit: copies that remain give TimedOut.
     void waitOnly(std::function<void(Outcome)> completion);
 
 private:

@@ -20,7 +20,7 @@ LaunchDecision LaunchPerformer::decide() const {
     if (isPendingRemovalOfThisBundle()) return LaunchDecision::finishRemoval;
     log.standard("launch: a removal flag left by another copy of the add-on; clearing it");
     defaults.removeDomain();
-    // The next launch finds a flag that is still there and clears it again.
+    // If this fails, the next launch finds the flag and clears it again.
     if (const auto written = defaults.synchronize(); !written)
         log.error("launch: the removal flag was not cleared: %{public}s",
                   errorText(written.error()));
@@ -48,13 +48,13 @@ void LaunchPerformer::perform(const std::function<void()>& finishRemoval,
     run();
 }
 
-// This copy was installed after the removal was asked for.
+// The removal was requested before this copy was installed, so it does not apply.
 void LaunchPerformer::voidRemovalRequest() const {
     if (!sharedDefaults) return;
     for (const SharedDefaultsKey key : {SharedDefaultsKey::lockScreenRemovalRequested,
                                         SharedDefaultsKey::lockScreenRemovalTargetInstallID})
         sharedDefaults->set(std::string{rawValue(key)}, std::nullopt);
-    // The first hello supersedes a request that is still there.
+    // If this fails, the first hello supersedes the request.
     if (const auto written = sharedDefaults->synchronize(); !written)
         log.error("launch: the removal request was not cleared: %{public}s",
                   errorText(written.error()));

@@ -1,5 +1,4 @@
-// What a launch of the add-on is for: to run, to finish a removal that was interrupted, or to
-// uninstall.
+// Purpose of a launch of the add-on: to run, to finish an interrupted removal, or to uninstall.
 #pragma once
 
 #include <filesystem>
@@ -21,13 +20,14 @@ struct LaunchPerformer {
     UserDefaults defaults;  // the add-on's own
     std::optional<UserDefaults> sharedDefaults;
     std::filesystem::path bundle;
-    // The identifier of the bundle at a place; nullopt when it cannot be read.
+    // The identifier of the bundle at a path; nullopt when it cannot be read.
     std::function<std::optional<std::string>(const std::filesystem::path&)> identity;
     Logger log;  // category "removal"
 
-    // May clear the add-on's preferences: a flag that another copy of the add-on left there.
+    // May clear the add-on's preferences, to drop a flag that another copy of the add-on left
+    // there.
     LaunchDecision decide() const;
-    // Decides, does what goes before running, and calls exactly one of the three.
+    // Decides, prepares for running if needed, and calls exactly one of the three.
     void perform(const std::function<void()>& finishRemoval, const std::function<void()>& uninstall,
                  const std::function<void()>& run) const;
 

@@ -1,4 +1,4 @@
-// Keeps the add-on registered to be started at login.
+// Registration of the add-on to start at login.
 #pragma once
 
 #include "platform/Log.hpp"
@@ -6,8 +6,8 @@
 
 namespace quorvane {
 
-// Registers the add-on unless it is, or the user has switched it off. Never stops the launch. Main
-// thread only.
+// Registers the add-on unless it is registered or the user has switched it off. An error never
+// stops the launch. Main thread only.
 void ensureLoginItemIsRegistered(const LoginItemClient& client, const Logger& log);
 
 }  // namespace quorvane

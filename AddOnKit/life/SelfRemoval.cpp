@@ -32,7 +32,7 @@ void SelfRemoval::perform() const {
     terminate();
 }
 
-// Before anything is deleted: from here on the next launch of this bundle continues the removal.
+// Comes before any deletion. From then on the next launch of this bundle continues the removal.
 Result<void> SelfRemoval::markPending() const {
     std::optional<PropertyValue> identity;
     if (auto identifier = fileManager.identity(bundle))
@@ -56,7 +56,7 @@ bool SelfRemoval::removeLoginItem() const {
     return true;
 }
 
-// The installer makes a folder, not a link to one, and puts no bundle of others there.
+// The installer creates a real folder, not a symlink, and never puts another bundle there.
 bool SelfRemoval::isOwnSupportDirectory() const {
     if (supportDirectory.filename() != kAddOnBundleIdentifier) return false;
     std::error_code error;

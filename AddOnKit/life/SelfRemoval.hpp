@@ -1,5 +1,5 @@
-// Removes the add-on from the user's account: its login item, its files, its preferences. A flag
-// written before the first deletion lets the next launch finish what was interrupted.
+// Removal of the add-on from the user's account: login item, files and preferences. A flag written
+// before the first deletion lets the next launch finish an interrupted removal.
 #pragma once
 
 #include <filesystem>
@@ -12,8 +12,8 @@
 
 namespace quorvane {
 
-// Run by a process that does nothing else; it ends with `terminate` in every case, and without a
-// deletion when the flag cannot be written. Main thread only.
+// Runs in a process that does nothing else. It always ends with `terminate`, and deletes nothing
+// when the flag cannot be written. Main thread only.
 struct SelfRemoval {
     UserDefaults defaults;
     LoginItemClient loginItem;
@@ -30,7 +30,7 @@ private:
     bool removeLoginItem() const;
     bool isOwnSupportDirectory() const;
     bool removeSupportDirectory() const;
-    bool removeBundle() const;  // whether it is gone
+    bool removeBundle() const;  // true when it no longer exists
     bool remove(const std::filesystem::path& path, const char* label) const;
     void clearPreferences() const;
 };

@@ -1,17 +1,17 @@
-// The word, said once, that this copy of the add-on was installed after a removal was requested, so
-// that the removal is not meant for it.
+// One-time statement that this copy of the add-on was installed after a removal was requested, so
+// that the removal does not apply to it.
 #pragma once
 
 #include <chrono>
 
 namespace quorvane {
 
-// How long an installation keeps the word for its first hello. A removal that is requested later
-// holds, even when the main application was not there to be greeted before.
+// How long after its launch a new installation sends the statement, if its hellos fail. A removal
+// requested later applies, even if no hello reached the main application before.
 inline constexpr std::chrono::minutes kSupersedeLifetime{5};
 
-// Main thread only. Pending until the main application has received it: a hello that was not sent
-// must not use it up, or the next one would fetch the old removal.
+// Main thread only. Pending until the main application has received it. A hello that was not sent
+// must not consume it, because the next hello would then fetch the old removal.
 class SupersedeOnce {
 public:
     SupersedeOnce() = default;
@@ -21,7 +21,8 @@ public:
     bool isPending() const { return isPending_; }
     void consume() { isPending_ = false; }
 
-    // Equal when loaded alike: who the add-on is does not change when the word is consumed.
+    // Compares only `loaded_`, because consuming the statement does not change the add-on's
+    // identity.
     bool operator==(const SupersedeOnce& other) const { return loaded_ == other.loaded_; }
 
 private:

@@ -1,11 +1,11 @@
-// The systems whose lock screen the card is made for.
+// The macOS versions whose lock screen supports the card.
 #pragma once
 
 #include <cstdint>
 
 namespace quorvane::SupportedMacOS {
 
-// Newer systems count as unsupported too: what lies above their lock screen is not known yet.
+// Newer versions are unsupported too, because what lies above their lock screen is not known yet.
 constexpr bool supports(std::int64_t major) { return major == 26 || major == 27; }
 
 }  // namespace quorvane::SupportedMacOS

@@ -21,7 +21,7 @@ void AddOnLink::start() {
 }
 
 void AddOnLink::sayHello() {
-    // The removal flag counts before the stop that follows it: its observers come in between.
+    // Check the removal flag too: its observers run before the stop that follows it.
     if (isStopped_.get() || configuration_.get().removalRequested) return;
     if (inFlight_) {
         followUpRequested_ = true;
@@ -60,7 +60,7 @@ void AddOnLink::helloEnded(const LockScreenHelloResult& result) {
     const auto life = life_.watch();
     if (result.outcome != Outcome::notSent) identity_.supersedeOnce.consume();
     if (result.outcome == Outcome::answered) apply(result.configuration);
-    // An observer of the answer may have said hello itself: then that one is the follow-up.
+    // If an observer of the answer has already sent a hello, that one is the follow-up.
     if (life.isOver() || isStopped_.get() || inFlight_) return;
     if (followUp) {
         sayHello();

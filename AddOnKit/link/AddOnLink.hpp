@@ -1,5 +1,5 @@
-// Introduces the add-on to the main application, again and again, and keeps the configuration that
-// comes back.
+// Periodic introduction of the add-on to the main application. Keeps the configuration that the
+// main application answers with.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@
 
 namespace quorvane {
 
-// Main thread only. Owned by the coordinator. Listeners and actions may call back in or destroy the
+// Main thread only. Owned by the coordinator. Listeners and actions may re-enter or destroy the
 // link.
 class AddOnLink {
 public:
@@ -26,20 +26,20 @@ public:
     AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
               std::function<void()> onRemovalRequested, LogSink log);
 
-    // Says hello now, and again a minute after each answer.
+    // Sends a hello now, and again a minute after each answer.
     void start();
-    // Says hello now. While one is on its way, a single further one follows it, however often it is
-    // asked for.
+    // Sends a hello now. If one is in flight, a single follow-up is sent after it, however many
+    // calls there were.
     void sayHello();
-    // For good: no more hellos, and an answer that still comes is ignored.
+    // Permanent: sends no more hellos and ignores a late answer.
     void stop();
 
     // Whether the card may be shown; changes only together with one of the two observables.
     bool allowsPlayer() const;
     const AddOnIdentity& identity() const { return identity_; }
 
-    // The last answer. It outlives hellos that fail: a main application that is restarted or busy
-    // has not turned the card off.
+    // The last answer. A failed hello does not reset it, because a restarted or busy main
+    // application has not turned the card off.
     Observable<LockScreenAddOnConfiguration>& configuration() { return configuration_; }
     Observable<bool>& isStopped() { return isStopped_; }
 
@@ -59,7 +59,7 @@ private:
     Timer loop_;                     // the pause until the loop's next hello
     bool loopAwaitsAnswer_ = false;  // the pause begins with the next answer
     std::uint64_t helloCount_ = 0;
-    std::optional<std::uint64_t> inFlight_;  // the number of the hello on its way
+    std::optional<std::uint64_t> inFlight_;  // the number of the hello in flight
     bool followUpRequested_ = false;
     Logger log_;
     LifeToken life_;

@@ -1,4 +1,4 @@
-// What the card's controls do, filled in by the coordinator.
+// Actions of the card's controls, set by the coordinator.
 #pragma once
 
 #include <cstdint>

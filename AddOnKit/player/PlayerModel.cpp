@@ -12,8 +12,8 @@ namespace {
 
 constexpr Duration kLovedGrace = std::chrono::milliseconds{1500};
 constexpr Duration kVolumeGrace = std::chrono::seconds{1};
-// A report that is less than this away from where the card believes the player to be is the same
-// playback; following it would only make the progress jitter.
+// A report within this distance of the card's position counts as the same playback, because
+// following it would only make the progress jitter.
 constexpr double kPositionTolerance = 1.5;  // seconds
 
 // Two states with equal identities show the same track. The separator occurs in no title.
@@ -73,7 +73,7 @@ std::optional<PlayerModel::Change> PlayerModel::apply(const QuorvanePlayerState&
     applyVolume(state.volume, notes);
     applyLength(track);
     applyPosition(state, isSameTrack && wentOnPlaying);
-    // Last: what these set in motion finds everything else in place.
+    // Last, because their observers must find all other fields up to date.
     isPlaying.set(plays);
     isVisible.set(shows);
 
@@ -96,7 +96,7 @@ void PlayerModel::applyArtwork(const XPCTrack* track, Notes& notes) {
     static const std::optional<SharedBytes> kNone;
     const std::optional<SharedBytes>& data = track == nullptr ? kNone : track->artworkData;
     if (data == lastArtworkData_) return;
-    // Views tell covers apart by this number; starting over would make two of them one.
+    // Views distinguish covers by this number; wrapping around would make two covers equal.
     if (artworkID.get() == std::numeric_limits<std::int64_t>::max()) std::abort();
     lastArtworkData_ = data;
     setArtwork(data ? decodeImage_(data->view()) : nullptr);
@@ -126,7 +126,7 @@ void PlayerModel::artworkSettled() {
 }
 
 void PlayerModel::applyHeart(const QuorvanePlayerState& state, Notes& notes) {
-    std::string reason;  // against it
+    std::string reason;  // why it is hidden
     if (!state.track)
         reason = "no track";
     else if (state.track->isAdvertisement)

@@ -1,5 +1,5 @@
-// What the card shows: the one observable model that turns each player state into the few values
-// that are drawn, and carries the user's edits until the main application confirms them.
+// Observable model of what the card shows. Turns each player state into the few values that are
+// drawn, and keeps the user's edits until the main application confirms them.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@
 
 namespace quorvane {
 
-// Main thread only, which every operation asserts: it must be the thread that made the model. Every
+// Main thread only; every operation asserts that it runs on the thread that made the model. Each
 // observable is written only when its value changes.
 class PlayerModel {
 public:
@@ -33,9 +33,9 @@ public:
 
     PlayerModel(WallClock now, DecodeImage decodeImage);
 
-    // Nullopt when nothing that is summarised has changed.
+    // Returns nullopt when no field of the summary has changed.
     std::optional<Change> apply(const QuorvanePlayerState& state);
-    // Empties the card. Nullopt when it is empty already.
+    // Empties the card. Returns nullopt when it is already empty.
     std::optional<std::string> clear();
     // The extrapolated playback position in seconds.
     double position(WallTime date) const;
@@ -46,7 +46,7 @@ public:
     void beginVolumeDrag();
     void endVolumeDrag();
 
-    // A change that comes with no state: the artwork turned out to be undecodable.
+    // Reports a change that no state brought: the artwork could not be decoded.
     std::function<void(const Change&)> onLateChange;
 
     // Calls the listener after any of the observed fields has changed.
@@ -63,13 +63,13 @@ public:
     Observable<bool> showsHeart{false};
     Observable<bool> isLoved{false};
     Observable<std::optional<double>>
-        duration;  // seconds; nothing for live streams and unknown lengths
+        duration;  // seconds; nullopt for live streams and unknown lengths
     Observable<bool> isLiveStream{false};
     Observable<std::int64_t> volume{50};  // percent
     Observable<bool> isDraggingVolume{false};
 
 private:
-    using Notes = std::vector<std::string>;  // what an update has changed, in a few words each
+    using Notes = std::vector<std::string>;  // the changes of an update, a few words each
 
     // The steps of apply, in their order.
     TrackText switchTrack(const XPCTrack* track, const std::string& identity, Notes& notes);

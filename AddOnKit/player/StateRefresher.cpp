@@ -7,8 +7,9 @@ namespace quorvane {
 namespace {
 
 constexpr Duration kPollPeriod = std::chrono::seconds{2};
-// The card's times change once a second, so every window of this length has a wake-up to share. The
-// windows are a period apart, wherever in them the polls fall: the average is the period.
+// The card's times change once a second, so every window of this length contains a wake-up to
+// share. Windows start one period apart wherever the polls fall in them, so polls average one per
+// period.
 constexpr Duration kPollTolerance = std::chrono::seconds{1};
 constexpr Duration kFollowUpDelay = std::chrono::milliseconds{800};
 
@@ -23,7 +24,7 @@ void StateRefresher::setActive(bool active) {
         poll_.reset();
     } else if (!isPolling_) {
         isPolling_ = true;
-        // The first window ends, not begins, a period from now.
+        // So that the first window ends, rather than begins, one period from now.
         pollDue_ = clock_.now() - kPollTolerance;
         refreshWhatIsDue();
     }
@@ -54,10 +55,10 @@ void StateRefresher::refreshWhatIsDue() {
     const auto life = life_.watch();
     const auto action = refresh_;  // a copy, since it may destroy the refresher
     action();
-    // The refresh may have ended the polling, or have ended and begun it again.
+    // The refresh may have ended the polling, or ended and restarted it.
     if (!isPoll || life.isOver() || !isPolling_ || poll_) return;
     const Instant end = clock_.now();
-    // A main application that answers slowly is not asked again without a pause.
+    // Leave a pause, so that a slow main application is not asked back to back.
     if (pollDue_ <= end) pollDue_ = end + kPollPeriod - kPollTolerance;
     poll_ = clock_.afterAbout(pollDue_ - end, kPollTolerance, [this] { refreshWhatIsDue(); });
 }

@@ -1,4 +1,4 @@
-// The times at which the main application is asked for a fresh player state: steadily while a card
+// Schedule of player-state requests to the main application: at a steady interval while a card
 // could be shown, and once more soon after each command.
 #pragma once
 
@@ -9,8 +9,8 @@
 
 namespace quorvane {
 
-// Main thread only. Owned by the coordinator. `refresh` may take its time, call back in or destroy
-// the refresher.
+// Main thread only. Owned by the coordinator. `refresh` may block, re-enter or destroy the
+// refresher.
 class StateRefresher {
 public:
     StateRefresher(Clock clock, std::function<void()> refresh);
@@ -19,7 +19,7 @@ public:
     void setActive(bool active);
     // A command was sent: one refresh, 0.8 seconds after the last of a burst.
     void nudge();
-    // For good.
+    // Permanent: no refresh follows.
     void stop();
 
 private:

@@ -31,8 +31,8 @@ void VolumeSender::arm() {
     timer_ = clock_.after(std::max(*deadline - clock_.now(), Duration{}), [this] { fire(); });
 }
 
-// The timer may have been armed for an earlier value than the one that is held now: then it is not
-// due yet, and the rest of its time is waited for.
+// The timer may have been armed for an earlier value than the pending one. That value is not yet
+// due, so the timer is armed again for the rest of its interval.
 void VolumeSender::fire() {
     timer_.reset();
     const auto due = throttle_.due(clock_.now());
@@ -40,7 +40,7 @@ void VolumeSender::fire() {
     send(due);
 }
 
-// Always the last thing an operation does. The action is a copy, since it may destroy the sender.
+// Every operation calls this last. The action is a copy because it may destroy the sender.
 void VolumeSender::send(std::optional<std::int64_t> value) {
     if (!value) return;
     const Send action = send_;

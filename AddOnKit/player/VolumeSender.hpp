@@ -1,4 +1,4 @@
-// Paces the volume commands of a drag and delivers the value it ends on.
+// Sender of a drag's volume commands: limits their rate and always delivers the final value.
 #pragma once
 
 #include <cstdint>
@@ -9,20 +9,20 @@
 
 namespace quorvane {
 
-// Main thread only. Owned by the coordinator. `send` may call back in or destroy the sender.
+// Main thread only. Owned by the coordinator. `send` may re-enter or destroy the sender.
 class VolumeSender {
 public:
     using Send = std::function<void(std::int64_t volume)>;
 
     VolumeSender(Clock clock, Send send);
 
-    // A new volume: sent now, or within one interval unless a newer one takes its place.
+    // Sends a new volume now, or within one interval unless a newer one replaces it.
     void submit(std::int64_t value);
     void beginDrag() { throttle_.beginDrag(); }
-    // The drag has ended: sends the value it ended on, even if that was sent before. A drag that
-    // offered no value sends none.
+    // The drag has ended: sends its final value, even if that value was sent before. Sends nothing
+    // after a drag without a value.
     void flush();
-    // Drops everything without sending.
+    // Discards all values without sending.
     void cancel();
 
 private:

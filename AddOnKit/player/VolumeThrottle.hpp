@@ -1,5 +1,5 @@
-// Decides which volumes are sent while a drag runs: at most twelve a second, the last one always.
-// A pure value; VolumeSender keeps the time.
+// Rate limit for the volumes of a drag: at most twelve a second, and always the last one.
+// Pure value; VolumeSender runs the timer.
 #pragma once
 
 #include <cstdint>
@@ -12,22 +12,22 @@ namespace quorvane {
 struct VolumeThrottle {
     static constexpr Duration kInterval{83'333'333};  // a twelfth of a second
 
-    Duration interval = kInterval;        // the least time between two sends
-    std::optional<Instant> lastSend;      // when a value was last let through
+    Duration interval = kInterval;        // the minimum time between two sends
+    std::optional<Instant> lastSend;      // when a value was last sent
     std::optional<std::int64_t> pending;  // a value that is held back
     std::optional<std::int64_t> latest;   // the value offered last
 
-    // A drag begins: what was offered before is no part of it. A held value is still owed.
+    // A drag begins: earlier values are not part of it. A pending value is still sent.
     void beginDrag() { latest = pending; }
-    // The value if it is to be sent now; otherwise it is held back.
+    // Returns the value if it is to be sent now; otherwise keeps it pending.
     std::optional<std::int64_t> offer(std::int64_t value, Instant now);
-    // The held value if its time has come.
+    // The pending value if its time has come.
     std::optional<std::int64_t> due(Instant now);
-    // When the held value's time comes; nullopt when none is held.
+    // The time at which the pending value is due; nullopt when there is none.
     std::optional<Instant> deadline() const;
-    // The value offered last, if any, sent or not. Holds nothing afterwards.
+    // The last value offered, if any, sent or not. Clears the pending value.
     std::optional<std::int64_t> flush();
-    // Forgets what was offered.
+    // Discards all values offered.
     void cancel();
 };
 

@@ -7,7 +7,7 @@ using Appearance = CardWindowSync::CardAppearance;
 using Step = CardWindowSync::Step;
 using Standing = CardWindowSync::Standing;
 
-// Nothing stands and nothing is held afterwards.
+// Closes all windows and ends the activity.
 std::vector<Step> clearAway(const Standing& standing) {
     std::vector<Step> plan;
     if (standing.windowCount >= 1) plan.emplace_back(CardWindowSync::CloseAll{});
@@ -15,8 +15,7 @@ std::vector<Step> clearAway(const Standing& standing) {
     return plan;
 }
 
-// From no window to one for each screen. Without any screen there is nothing to stay responsive
-// for.
+// From no window to one for each screen. Without a screen the activity is not needed.
 void appendBuild(std::vector<Step>& plan, Appearance appearance, const Standing& standing) {
     if (standing.screenCount >= 1) {
         plan.emplace_back(CardWindowSync::Build{appearance});
@@ -36,7 +35,7 @@ std::vector<Step> CardWindowSync::steps(const PresentationState& from, const Pre
         appendBuild(plan, to.hasMusic ? Appearance::entrance : Appearance::hidden, standing);
         return plan;
     }
-    // Windows that were not wanted but stand all the same have an invisible card.
+    // If the windows were up although not wanted, their card was invisible.
     const bool wasVisible = from.windowsWanted() && from.hasMusic;
     if (wasVisible != to.hasMusic) plan.emplace_back(SetCardVisible{to.hasMusic});
     return plan;
@@ -47,7 +46,7 @@ std::vector<Step> CardWindowSync::rebuildSteps(const PresentationState& state,
     if (!state.windowsWanted()) return clearAway(standing);
     std::vector<Step> plan;
     if (standing.windowCount >= 1) plan.emplace_back(CloseAll{});
-    // A card that was in sight already has made its entrance.
+    // A card that was already visible does not repeat its entrance.
     const Appearance shown =
         standing.windowCount == 0 ? Appearance::entrance : Appearance::immediate;
     appendBuild(plan, state.hasMusic ? shown : Appearance::hidden, standing);

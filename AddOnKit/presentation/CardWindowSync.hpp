@@ -1,5 +1,5 @@
-// Turns presentation decisions into ordered steps on the card windows. Pure functions of plain
-// values; the window controller carries the steps out.
+// Plan of ordered window steps for a presentation decision. Pure functions of plain values; the
+// window controller carries the steps out.
 #pragma once
 
 #include <cstddef>
@@ -13,9 +13,9 @@ namespace quorvane {
 struct CardWindowSync {
     // How the card looks in newly built windows.
     enum class CardAppearance {
-        hidden,    // the windows stand, the card cannot be seen
-        entrance,  // it comes in with its animation
-        immediate  // it is there at once
+        hidden,    // the windows are up, the card is invisible
+        entrance,  // the card enters with its animation
+        immediate  // the card is visible at once
     };
 
     // One window for each screen.
@@ -31,7 +31,7 @@ struct CardWindowSync {
     struct CloseAll {
         bool operator==(const CloseAll&) const = default;
     };
-    // The process activity keeps the add-on responsive while windows stand.
+    // The process activity keeps the add-on responsive while windows are up.
     struct BeginActivity {
         bool operator==(const BeginActivity&) const = default;
     };
@@ -40,7 +40,7 @@ struct CardWindowSync {
     };
     using Step = std::variant<Build, SetCardVisible, CloseAll, BeginActivity, EndActivity>;
 
-    // What there is now.
+    // What exists now.
     struct Standing {
         std::size_t windowCount = 0;
         bool isActivityActive = false;

@@ -18,8 +18,8 @@ PresentationDriver::PresentationDriver(Clock clock, LogSink log)
     : clock_(std::move(clock)), log_(std::move(log), kAddOnBundleIdentifier, "presenter") {}
 
 void PresentationDriver::handle(const PresentationEvent& event) {
-    // One at a time: an event sent by a listener would otherwise overtake the news of the change
-    // that is being handled, and that older news would then have the last word.
+    // One event at a time. Otherwise an event sent by a listener would overtake the notification of
+    // the change being handled, and the older state would be reported last.
     waiting_.push_back(event);
     if (isHandling_) return;
     const auto life = life_.watch();
@@ -44,16 +44,16 @@ void PresentationDriver::handleOne(const PresentationEvent& event) {
     updateDelay();
     if (state_ == old) return;
     logState();
-    // Both the listener and what it is told are copies: it may replace itself or destroy the
+    // Copies of the listener and its argument: the listener may replace itself or destroy the
     // driver.
     const PresentationState news = state_;
-    // The news are told, the event is handled: an unlock that comes inside a wait of the listener
-    // must not find the windows standing until that wait is over.
+    // Clear isHandling_ before notifying: the listener may block, and an unlock that arrives
+    // meanwhile must close the windows at once.
     isHandling_ = false;
     if (const auto listener = onChange) listener(news);
 }
 
-// A lock notice counts every time; a wake only when it reveals what no notice told.
+// A lock notice always counts; a wake counts only when it reveals a missed notice.
 bool PresentationDriver::hasFoundLock(const PresentationEvent& event,
                                       const PresentationState& old) const {
     if (std::holds_alternative<event::Locked>(event)) return true;

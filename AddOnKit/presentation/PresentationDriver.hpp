@@ -1,5 +1,5 @@
-// Owns the presentation state: applies events to it, runs the reveal delay, logs every change and
-// tells its two listeners.
+// Owner of the presentation state: applies events to it, runs the reveal delay, logs every change
+// and notifies its two listeners.
 #pragma once
 
 #include <deque>
@@ -17,9 +17,9 @@ namespace quorvane {
 std::string describe(const PresentationState& state);
 
 // Main thread only. Owned by the coordinator, which sets the listeners before it sends events. A
-// listener may destroy the driver or send further events. Those sent by onLocked are handled after
-// the current one; those sent by onChange at once, so that what it does after a call that may have
-// sent some goes by `state`, not by the news it was told.
+// listener may destroy the driver or send further events. Events sent by onLocked are handled after
+// the current one. Events sent by onChange are handled at once. So after a call that may have sent
+// events, onChange must read `state`, not the state it was passed.
 class PresentationDriver {
 public:
     PresentationDriver(Clock clock, LogSink log);
@@ -30,8 +30,7 @@ public:
 
     // After every change, with the new state.
     std::function<void(const PresentationState&)> onChange;
-    // The screen has just been found locked: at every lock notice, and at a wake that shows that
-    // one was missed.
+    // The screen was found locked: at every lock notice, and at a wake that reveals a missed one.
     std::function<void()> onLocked;
 
 private:

@@ -1,4 +1,4 @@
-// What can happen to the presentation of the card. Pure values.
+// Events of the card's presentation. Pure values.
 #pragma once
 
 #include <variant>
@@ -7,7 +7,7 @@ namespace quorvane {
 
 namespace event {
 
-// Whether the main application lets the card be shown has changed.
+// Whether the main application allows the card has changed.
 struct Link {
     bool allowsPlayer;
     bool operator==(const Link&) const = default;

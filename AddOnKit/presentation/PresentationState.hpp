@@ -1,5 +1,5 @@
-// When card windows should stand on the lock screen and when the card in them should be seen. Pure
-// values: no clock, no log, no callbacks.
+// State that decides when card windows are up on the lock screen and when their card is visible.
+// Pure values: no clock, no log, no callbacks.
 #pragma once
 
 #include "AddOnKit/presentation/PresentationEvent.hpp"
@@ -19,7 +19,7 @@ struct PresentationState {
     constexpr bool cardShown() const { return windowsWanted() && hasMusic; }
     // The reveal delay runs exactly while this holds.
     constexpr bool awaitingDelay() const { return isLocked && isLockUIShown && !delayElapsed; }
-    // Nothing but the delay is still in the card's way.
+    // Only the delay still keeps the card from showing.
     constexpr bool cardExpected() const { return awaitingDelay() && allowsPlayer && hasMusic; }
 
     [[nodiscard]] constexpr PresentationState applying(const PresentationEvent& event) const;
@@ -32,14 +32,14 @@ struct PresentationRules {
 
     constexpr void operator()(event::Link e) { next.allowsPlayer = e.allowsPlayer; }
     constexpr void operator()(event::Music e) { next.hasMusic = e.isPlaying; }
-    // A wake repairs what was missed: it is a lock or an unlock like any other.
+    // A wake makes up for missed notices: it acts as a lock or an unlock.
     constexpr void operator()(event::Woke e) {
         if (e.isLockedNow)
             (*this)(event::Locked{});
         else
             (*this)(event::Unlocked{});
     }
-    // A repeated lock keeps an elapsed delay, a fresh one starts without.
+    // A repeated lock keeps an elapsed delay; a new one starts without it.
     constexpr void operator()(event::Locked) {
         next.delayElapsed = next.isLocked && next.delayElapsed;
         next.isLocked = true;
@@ -47,13 +47,13 @@ struct PresentationRules {
     constexpr void operator()(event::Unlocked) {
         next.isLocked = next.isLockUIShown = next.delayElapsed = false;
     }
-    // A late timer may fire after the unlock; it then changes nothing.
+    // A late timer may fire after the unlock; it then has no effect.
     constexpr void operator()(event::DelayElapsed) {
         next.delayElapsed = next.delayElapsed || (next.isLocked && next.isLockUIShown);
     }
-    // What the main application allowed still holds when it comes back.
+    // The main application's permission still holds when it comes back.
     constexpr void operator()(event::QuorVaneQuit) { next.hasMusic = false; }
-    // Also while unlocked: this notice may overtake the lock notice.
+    // Applies while unlocked too: this notice may overtake the lock notice.
     constexpr void operator()(event::LockUIShown) { next.isLockUIShown = true; }
     constexpr void operator()(event::LockUIHidden) {
         next.isLockUIShown = next.delayElapsed = false;

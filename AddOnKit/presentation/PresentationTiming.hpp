@@ -1,4 +1,4 @@
-// How long the parts of showing and hiding the card take, and how far they move.
+// Durations and distances of the card's appearance and disappearance.
 #pragma once
 
 #include <chrono>
@@ -7,7 +7,7 @@
 
 namespace quorvane::PresentationTiming {
 
-// From the lock screen's own appearance to the card's: the lock screen settles first.
+// From the lock screen's appearance to the card's, so that the lock screen settles first.
 inline constexpr Duration kRevealDelay = std::chrono::milliseconds{800};
 
 inline constexpr double kEntrancePerceptualDuration = 0.5;  // seconds, of the entrance's spring

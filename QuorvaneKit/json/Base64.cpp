@@ -11,8 +11,8 @@ constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::uint32_t kNoLetter = 0x8000'0000;
 
-// Each letter's six bits at the place they take in a group, one table per place: four look-ups and
-// three ORs decode a group, and any stranger among its letters shows in the top bit.
+// Each letter's six bits at their position in a group, one table per position. Four look-ups and
+// three ORs decode a group; an invalid letter sets the top bit.
 using GroupTables = std::array<std::array<std::uint32_t, 256>, 4>;
 
 constexpr GroupTables makeGroupTables() {
@@ -62,7 +62,7 @@ public:
     }
 
 private:
-    // The hot path: as far as all four characters of a group are letters.
+    // The hot path: decodes while all four characters of a group are letters.
     unsigned char* decodePlainGroups(unsigned char* out) {
         const auto* in = reinterpret_cast<const unsigned char*>(next_);
         const auto* const end = reinterpret_cast<const unsigned char*>(end_);
@@ -80,8 +80,8 @@ private:
         return out;
     }
 
-    // A group with an escape in it, or the padded last one. The number of its bytes, 0 if it is
-    // none.
+    // Decodes a group with an escape in it, or the padded last one. Returns its byte count, 0 if
+    // invalid.
     int decodeOneGroup(unsigned char* out) {
         std::uint32_t group = 0;
         std::size_t letters = 0;

@@ -8,15 +8,15 @@
 
 namespace quorvane {
 
-// Whether the text still stands as it did between the quotes of a JSON string, where an encoder may
-// have written "\/" for each "/".
+// Whether the text is still raw, as between the quotes of a JSON string, where an encoder may have
+// written "\/" for each "/".
 enum class Base64Form { plain, escapedSolidus };
 
 std::size_t base64Length(std::size_t byteCount);
 void appendBase64(Bytes& text, ByteView bytes);
 
-// Nothing unless the whole text is groups of four letters, the last one padded if need be. The bits
-// that padding leaves over are not looked at. Takes memory of three quarters of the text.
+// Returns nullopt unless the whole text is groups of four letters, the last one padded if needed.
+// Ignores the bits left over by padding. Allocates three quarters of the text's size.
 std::optional<Bytes> decodeBase64(std::string_view text, Base64Form form = Base64Form::plain);
 
 }  // namespace quorvane

@@ -1,4 +1,4 @@
-// Why a record could not be read from its text, or written to it.
+// Reason why a record could not be read from its text or written to it.
 #pragma once
 
 #include <expected>
@@ -8,7 +8,7 @@ namespace quorvane {
 
 struct CodingError {
     enum class Kind {
-        dataCorrupted,  // no JSON object, or a value outside its field's table or format
+        dataCorrupted,  // not a JSON object, or a value outside its field's table or format
         keyNotFound,
         valueNotFound,  // null where a value is required
         typeMismatch,
@@ -16,7 +16,7 @@ struct CodingError {
     };
 
     Kind kind = Kind::dataCorrupted;
-    std::string_view key;  // a literal; empty when no single field is to blame
+    std::string_view key;  // a literal; empty when no single field caused it
 
     bool operator==(const CodingError&) const = default;
 };

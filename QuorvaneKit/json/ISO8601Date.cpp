@@ -17,7 +17,7 @@ void appendDigits(std::string& text, unsigned value, int count) {
         *place = static_cast<char>('0' + value % 10);
 }
 
-// A cursor over the text; the first thing that does not fit clears `fits`.
+// Cursor over the text; the first mismatch clears `fits`.
 struct Reader {
     std::string_view rest;
     bool fits = true;

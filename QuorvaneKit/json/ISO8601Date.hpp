@@ -1,4 +1,4 @@
-// Dates as the link writes them: internet date-time text with whole seconds.
+// Dates in the link's text form: internet date-time with whole seconds.
 #pragma once
 
 #include <optional>
@@ -9,12 +9,12 @@
 
 namespace quorvane {
 
-// In UTC; a fraction of a second is dropped.
+// In UTC; drops a fraction of a second.
 std::string iso8601Text(WallTime time);
 
-// "2026-01-31T08:15:00Z", or a numeric offset such as "+01:00" in place of the Z. A date
-// that WallTime cannot hold becomes the nearest one that it can; encoders write such dates for
-// "never" and "always". Nullopt for any other form and for a day or time that does not exist.
+// Accepts "2026-01-31T08:15:00Z", or a numeric offset such as "+01:00" in place of the Z. A date
+// outside WallTime's range becomes its nearest limit, because encoders write such dates for "never"
+// and "always". Returns nullopt for any other form and for a day or time that does not exist.
 std::optional<WallTime> wallTimeFromISO8601(std::string_view text);
 
 }  // namespace quorvane

@@ -9,17 +9,17 @@
 namespace quorvane {
 namespace {
 
-// The parser reads up to a NUL behind the text.
+// The parser reads up to a NUL after the text.
 constexpr std::size_t kRoomBehindText = 1;
 
-// Strings are checked here to be UTF-8: the parser's own check lets half a surrogate pair through.
-// Numbers stay text: most are not asked for, and the parser's conversion of extreme exponents
-// cannot be trusted. Nor can its scan of strings by vector instructions, which lets some control
-// characters pass where they happen to be aligned; it is left off.
+// Strings are checked here to be UTF-8, because the parser's own check accepts half a surrogate
+// pair. Numbers stay text, because most are not requested and the parser's conversion of extreme
+// exponents is unreliable. The parser's vectorised string scan is off, because it accepts some
+// control characters at certain alignments.
 constexpr unsigned kParseFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
                                  rapidjson::kParseNumbersAsStringsFlag;
 
-// What the parser reports its events to. Answering false ends the parse.
+// Handler of the parser's events. Returning false ends the parse.
 class Collector {
 public:
     Collector(std::span<const JSONField> fields, std::span<JSONValue> values)
@@ -67,11 +67,11 @@ public:
     bool Double(double) { return false; }
 
 private:
-    // Neither the root nor a field: nothing below it is asked for.
+    // Neither the root nor a field: no value below it is requested.
     static constexpr std::size_t kNowhere = SIZE_MAX - 1;
 
-    // The field that `key` names in the innermost open object. Nowhere too when the field has its
-    // value already: the first of two equal keys counts.
+    // The field that `key` names in the innermost open object. Also kNowhere when the field already
+    // has a value, because the first of two equal keys counts.
     std::size_t placeOf(std::string_view key) const {
         const std::size_t parent = parents_[depth_ - 1];
         if (parent == kNowhere) return kNowhere;
@@ -83,7 +83,7 @@ private:
     }
 
     bool keep(JSONValue::Kind kind, std::string_view text = {}, bool boolean = false) {
-        if (depth_ == 0) return false;  // the text is a lone value
+        if (depth_ == 0) return false;  // the text is a single value
         if (place_ != kNowhere) values_[place_] = {kind, boolean, text};
         return true;
     }
@@ -105,7 +105,7 @@ private:
     std::span<JSONValue> values_;
     std::array<std::size_t, kDeepestNesting> parents_{};
     std::size_t depth_ = 0;
-    std::size_t place_ = kNowhere;  // of the value that comes next
+    std::size_t place_ = kNowhere;  // of the next value
     bool isObject_ = false;
 };
 
@@ -130,7 +130,7 @@ CodingResult<void> readJSON(JSONText& text, std::span<const JSONField> fields,
     rapidjson::InsituStringStream stream{text.data()};
     rapidjson::Reader reader;
     const bool isComplete = !reader.Parse<kParseFlags>(stream, collector).IsError();
-    // A NUL within the text looks like its end to the parser.
+    // The parser takes a NUL within the text for its end.
     if (isComplete && stream.Tell() == text.size()) return {};
     const bool isOtherValue =
         !collector.isObject() && reader.GetParseErrorCode() == rapidjson::kParseErrorTermination;

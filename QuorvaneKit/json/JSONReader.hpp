@@ -1,5 +1,5 @@
-// Reads one JSON object in place and keeps only the values that are asked for. What is not asked
-// for is checked and passed over, so the memory taken does not depend on the text.
+// In-place reader of one JSON object that keeps only the requested values. Other values are checked
+// and skipped, so memory use does not depend on the text.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,7 @@ namespace quorvane {
 
 inline constexpr std::size_t kRootObject = SIZE_MAX;
 
-// A value that is asked for. `parent` is the place, in the list of fields, of the object it stands
-// in.
+// A requested value. `parent` is the index, in the list of fields, of the object that contains it.
 struct JSONField {
     std::string_view key;
     std::size_t parent = kRootObject;
@@ -27,7 +26,7 @@ struct JSONValue {
     std::string_view text;  // of a number as written, of a string without its escapes
 };
 
-// The text to read, followed by the room that reading in place needs. Values point into it.
+// The text to read, followed by the room that in-place reading needs. Values point into it.
 class JSONText {
 public:
     explicit JSONText(Bytes text);
@@ -44,9 +43,9 @@ private:
     std::size_t size_;
 };
 
-// `values` has one place for each of `fields`. The whole text must be one JSON object and nothing
-// more, in UTF-8 throughout, nested at most kDeepestNesting deep. Of a key that stands twice in one
-// object the first value counts, whatever the second is.
+// `values` has one entry for each of `fields`. The whole text must be one JSON object in UTF-8,
+// nested at most kDeepestNesting deep. If a key occurs twice in an object, the first value counts,
+// whatever the second is.
 inline constexpr std::size_t kDeepestNesting = 512;
 CodingResult<void> readJSON(JSONText& text, std::span<const JSONField> fields,
                             std::span<JSONValue> values);

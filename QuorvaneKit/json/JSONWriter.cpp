@@ -44,7 +44,7 @@ bool JSONWriter::string(std::string_view value) {
 }
 
 void JSONWriter::plainString(const std::function<void(Bytes& text)>& append) {
-    // An empty raw value makes the writer set the comma or colon that belongs before this one.
+    // An empty raw value makes the writer add the comma or colon before this value.
     writer_->json.RawValue("", 0, rapidjson::kStringType);
     writer_->stream.Put('"');
     append(text_);

@@ -1,4 +1,4 @@
-// Writes JSON text, without white space.
+// Writer of JSON text without white space.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,8 @@
 
 namespace quorvane {
 
-// Appends to `text`, which must outlive it. The caller keeps the order of keys and values.
+// Appends to `text`, which must outlive it. The caller is responsible for the order of keys and
+// values.
 class JSONWriter {
 public:
     explicit JSONWriter(Bytes& text);
@@ -23,11 +24,11 @@ public:
     void key(std::string_view name);
     void boolean(bool value);
     void integer(std::int64_t value);
-    // False, and nothing is written, for a number that is not finite.
+    // Returns false, and writes nothing, for a number that is not finite.
     [[nodiscard]] bool number(double value);
-    // False, and nothing is written, for text that is not UTF-8.
+    // Returns false, and writes nothing, for text that is not UTF-8.
     [[nodiscard]] bool string(std::string_view value);
-    // A string whose letters `append` adds to the text itself; none of them needs an escape.
+    // A string whose letters `append` adds to the text directly; none of them may need an escape.
     void plainString(const std::function<void(Bytes& text)>& append);
 
 private:

@@ -6,8 +6,8 @@
 namespace quorvane {
 namespace {
 
-// Length of the sequence that `text`, not empty, begins with; 0 if it is ill-formed. The bounds of
-// the second byte rule out overlong forms, surrogates and values that are too great.
+// Length of the first sequence of `text`, which is not empty; 0 if it is ill-formed. The bounds of
+// the second byte exclude overlong forms, surrogates and values that are too large.
 std::size_t sequenceLength(std::string_view text) {
     const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
     const unsigned lead = byteAt(0);

@@ -1,12 +1,12 @@
-// Whether text is well-formed UTF-8.
+// Check for well-formed UTF-8.
 #pragma once
 
 #include <string_view>
 
 namespace quorvane {
 
-// Refuses what the standard refuses: overlong forms, surrogates, values past U+10FFFF, and
-// sequences cut short.
+// Rejects what the standard rejects: overlong forms, surrogates, values above U+10FFFF, and
+// truncated sequences.
 bool isValidUTF8(std::string_view text);
 
 }  // namespace quorvane

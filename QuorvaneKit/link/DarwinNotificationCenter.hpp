@@ -1,4 +1,4 @@
-// Posts Darwin notices by their names.
+// Sender of Darwin notices by name.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-// Main thread only. A notice reaches every observer of its name in this login.
+// Main thread only. A notice reaches every observer of its name in this login session.
 class DarwinNotificationCenter {
 public:
     explicit DarwinNotificationCenter(DarwinNotices notices) : notices_(std::move(notices)) {}

@@ -1,4 +1,4 @@
-// Listens for one Darwin notice.
+// Observer of one Darwin notice.
 #pragma once
 
 #include <functional>
@@ -9,15 +9,15 @@
 
 namespace quorvane {
 
-// Main thread only; the callback runs there too. It does not run any more once `stop` was called or
-// the observer is gone.
+// Main thread only; the callback runs there too. The callback does not run after `stop` or after
+// the observer is destroyed.
 class DarwinNotificationObserver {
 public:
     DarwinNotificationObserver(DarwinNotices notices, std::string name,
                                std::function<void()> callback)
         : notices_(std::move(notices)), name_(std::move(name)), callback_(std::move(callback)) {}
 
-    // A second start changes nothing.
+    // Has no effect while observing.
     void start() {
         if (!isObserving()) registration_ = notices_.observe(name_, callback_);
     }

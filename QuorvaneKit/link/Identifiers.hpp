@@ -1,4 +1,4 @@
-// The names by which the applications, their shared folder and their logs are known to the system.
+// Names of the applications, their shared folder and their logs in the system.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,4 @@
-// The add-on's side of the hello: one question to the main application, and what became of it.
+// The add-on's side of the hello: one query to the main application, and its outcome.
 #pragma once
 
 #include <chrono>
@@ -13,19 +13,19 @@
 
 namespace quorvane {
 
-// Longer than the three seconds in which the main application answers or gives up, so that its
-// empty reply arrives as such.
+// Longer than the three seconds within which the main application answers or gives up, so that its
+// empty reply is still received.
 inline constexpr Duration kLockScreenHelloReceiveTimeout = std::chrono::seconds{5};
 
 // As MessagePortClient::sendQuery.
 using SendQuery = std::function<void(MessageType type, Bytes payload, Duration timeout,
                                      std::function<void(QueryOutcome)> completion)>;
 
-// What became of a hello. Without an answer the configuration shows nothing and removes nothing.
+// The outcome of a hello. Without an answer, the configuration shows no card and removes nothing.
 struct LockScreenHelloResult {
     enum class Outcome {
-        notSent,     // the main application has not received it, as far as can be known
-        unanswered,  // received, but not answered, or with something undecodable
+        notSent,     // as far as is known, the main application has not received it
+        unanswered,  // received, but the answer is missing or undecodable
         answered
     };
     Outcome outcome = Outcome::notSent;
@@ -33,8 +33,8 @@ struct LockScreenHelloResult {
     bool operator==(const LockScreenHelloResult&) const = default;
 };
 
-// The completion runs when `sendQuery` runs its own; inside the call only for a hello that does not
-// encode, which is logged and not sent.
+// The completion runs when `sendQuery` runs its own. It runs inside the call only when the hello
+// cannot be encoded; that is logged, and no hello is sent.
 void sendLockScreenHello(const LockScreenAddOnHello& hello, const SendQuery& sendQuery,
                          const Logger& log, std::function<void(LockScreenHelloResult)> completion);
 

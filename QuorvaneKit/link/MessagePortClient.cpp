@@ -8,7 +8,7 @@ MessagePortClient::MessagePortClient(std::string_view portBaseName,
                                      std::function<std::optional<Bytes>()> secret,
                                      Services services,
                                      std::optional<MessagePortLocalResponder> localResponder)
-    // Apart from its count: what work in flight still holds of it is a few bytes.
+    // Not make_shared: weak references from pending work then keep only the control block alive.
     : state_(new State{*this, std::string{portBaseName}, std::move(secret), std::move(services),
                        std::move(localResponder)}) {}
 

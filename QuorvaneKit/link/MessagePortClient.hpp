@@ -1,6 +1,6 @@
-// The add-on's end of the link to the main application: it holds the last player state, knows
-// whether the main application is there, sends commands, and runs queries over four ports of their
-// own so that a slow one never delays the state.
+// The add-on's end of the link to the main application. Holds the last player state, tracks whether
+// the main application is there, and sends commands. Queries use four separate ports, so that a
+// slow query never delays the state.
 #pragma once
 
 #include <array>
@@ -24,16 +24,16 @@
 
 namespace quorvane {
 
-// What became of a query.
+// The outcome of a query.
 struct QueryOutcome {
     enum class Kind { sent, notSent, expiredInQueue };
     Kind kind = Kind::notSent;
-    std::int32_t status = 0;       // of `sent`: the port's send status
-    std::optional<Bytes> reply{};  // of `sent`: absent when none came
+    std::int32_t status = 0;       // for `sent`: the port's send status
+    std::optional<Bytes> reply{};  // for `sent`: nullopt when there was none
     bool operator==(const QueryOutcome&) const = default;
 };
 
-// Answers queries inside the process; a client that has one never connects.
+// Answers queries inside the process; a client that has a responder never connects.
 struct MessagePortLocalResponder {
     using Operation = std::function<void(Bytes request, std::function<void(Bytes)> completion)>;
     Operation history;
@@ -41,9 +41,9 @@ struct MessagePortLocalResponder {
     Operation lastFmImage;
 };
 
-// Main thread only; the sends of queries alone run on their slots' queues. A waiting send may run
-// the main loop, so every operation may be entered again from inside another, and the client may
-// even be destroyed there.
+// Main thread only, except that queries are sent on their slots' queues. A send that waits may run
+// the main loop. So any operation may be re-entered from inside another, and the client may even be
+// destroyed there.
 class MessagePortClient {
 public:
     using QueryOutcome = quorvane::QueryOutcome;
@@ -57,26 +57,26 @@ public:
         DarwinNotices darwinNotices;
     };
 
-    // `secret` reads the connection secret afresh; it is called on the main thread and on the
+    // `secret` reads the connection secret each time. It is called on the main thread and on the
     // slots' queues.
     MessagePortClient(std::string_view portBaseName, std::function<std::optional<Bytes>()> secret,
                       Services services,
                       std::optional<MessagePortLocalResponder> localResponder = std::nullopt);
     ~MessagePortClient();
-    MessagePortClient(const MessagePortClient&) = delete;  // its state refers to it
+    MessagePortClient(const MessagePortClient&) = delete;  // because its state refers to it
     MessagePortClient& operator=(const MessagePortClient&) = delete;
 
-    // Connects and listens for "playerStateChanged". Calling it again while disconnected tries to
-    // connect again.
+    // Connects and listens for "playerStateChanged". Calling it again while disconnected retries
+    // the connection.
     void start();
-    // Disconnects and listens no more.
+    // Disconnects and stops listening.
     void stop();
     void connect();
     void disconnect();
-    // Blocks for at most the send and receive timeouts, one second each. Asked for from inside a
-    // request's own wait, one more request follows on a later turn of the main loop.
+    // Blocks for at most the send and receive timeouts, one second each. A call from inside another
+    // request's wait sends one more request on a later turn of the main loop.
     void requestStateUpdate();
-    // While states are asked for again and again, the memory of a reply is kept for the next.
+    // While polling, the client reuses the memory of a reply for the next one.
     void setPolling(bool isPolling);
 
     void perform(QuorvaneAction action);
@@ -98,8 +98,8 @@ public:
     void setVolume(std::int64_t value);  // sent as 0...255
     void setRating(std::int64_t value);  // sent as 0...255
 
-    // The completion runs once, on the main thread, never inside the call; not at all once the
-    // client is gone.
+    // The completion runs once, on the main thread, never inside the call. It does not run after
+    // the client is destroyed.
     void sendQuery(MessageType type, Bytes payload, Duration timeout,
                    std::function<void(QueryOutcome)> completion);
 
@@ -113,7 +113,7 @@ public:
 
 private:
     struct State;
-    std::shared_ptr<State> state_;  // shared only to be held weakly by work in flight
+    std::shared_ptr<State> state_;  // shared only so that pending work can hold it weakly
 };
 
 }  // namespace quorvane

@@ -17,8 +17,8 @@ std::string_view titleOf(const std::optional<QuorvanePlayerState>& state) {
     return state && state->track ? std::string_view{state->track->title} : "none";
 }
 
-// Only the client itself holds its state for longer than an expression: so it is gone in the moment
-// in which the client is, and whoever holds it weakly can tell.
+// Only the client itself holds its state for longer than an expression. So the state is destroyed
+// together with the client, and weak holders can detect that.
 template <typename T>
 T* living(const std::weak_ptr<T>& weak) {
     return weak.lock().get();
@@ -58,12 +58,12 @@ void MessagePortClient::State::start() {
     isStopped = false;
     const std::weak_ptr alive = weak_from_this();
     connect();
-    // Stopped inside the wait: it stays so.
+    // If it was stopped during the wait, it stays stopped.
     if (alive.expired() || isStopped) return;
     stateChangedObserver.start();
 }
 
-// A client that was stopped is not brought back by a notice.
+// A notice does not restart a stopped client.
 void MessagePortClient::State::stop() {
     log.info("Stopping message port client");
     isStopped = true;
@@ -109,7 +109,7 @@ void MessagePortClient::State::stateChangedNotice() {
     }
 }
 
-// Of the right length, for one send; wiped after it.
+// Returns a secret of the right length for one send; the caller wipes it afterwards.
 std::optional<Bytes> MessagePortClient::State::readSecret() const {
     auto bytes = secret();
     if (!bytes) {
@@ -128,8 +128,8 @@ void MessagePortClient::State::requestStateUpdate() {
         log.info("requestStateUpdate: no remote port");
         return;
     }
-    // From inside a waiting send: one more request when it is over tells everything that this one
-    // would. Sending it here would nest one wait in another as often as notices come.
+    // Called from inside a waiting send. One more request after it brings the same state as this
+    // one. Sending here would nest a wait for every notice.
     if (isRequesting) {
         requestsAgain = true;
         return;
@@ -178,7 +178,7 @@ void MessagePortClient::State::receive(PortReply reply) {
     const auto previous = std::exchange(playerState, *std::move(decoded));
     log.info("State received - track: %s -> %s, position: %fs", titleOf(previous),
              titleOf(playerState), playerState->playerPosition);
-    // Copies: the callback may replace itself or the state, or destroy the client.
+    // Copies, because the callback may replace itself or the state, or destroy the client.
     const auto callback = owner.onStateChanged;
     const QuorvanePlayerState state = *playerState;
     if (callback) callback(state);
@@ -233,7 +233,8 @@ void MessagePortClient::State::sendQuery(MessageType type, Bytes payload, Durati
 
 void MessagePortClient::State::queryFinished(std::size_t slot, const QueryOutcome& outcome) {
     --querySlotLoad[slot];
-    // One dead port means that the main application has gone; the others are looked up anew too.
+    // One dead port means that the main application has quit, so the other ports are looked up
+    // again too.
     const bool portHasDied = outcome.status == kPortIsInvalid ||
                              outcome.status == kPortTransportError ||
                              outcome.status == kPortBecameInvalid;

@@ -1,4 +1,4 @@
-// What stands behind MessagePortClient. Main thread only.
+// Implementation of MessagePortClient. Main thread only.
 #pragma once
 
 #include <vector>
@@ -10,9 +10,9 @@
 
 namespace quorvane {
 
-// Whatever calls out (a send, a listener, a callback) may come back in, connect anew, or destroy
-// the client. So each such call is followed by a look at whether this object still lives, and at
-// `connection`, whether the port it was about is still the one that is held.
+// Every call out (a send, a listener, a callback) may re-enter, reconnect, or destroy the client.
+// So after each such call the code checks that this object is still alive, and by `connection` that
+// the port it used is still the current one.
 struct MessagePortClient::State : std::enable_shared_from_this<MessagePortClient::State> {
     State(MessagePortClient& owner, std::string portBaseName,
           std::function<std::optional<Bytes>()> secret, Services services,
@@ -36,7 +36,7 @@ struct MessagePortClient::State : std::enable_shared_from_this<MessagePortClient
     void receive(PortReply reply);
     void queryFinished(std::size_t slot, const QueryOutcome& outcome);
     void forgetQueryPorts();
-    // The action on a later turn of the main loop, if this object still lives then.
+    // Runs the action on a later turn of the main loop, if this object is still alive.
     void later(std::function<void(State&)> action);
 
     MessagePortClient& owner;
@@ -52,12 +52,12 @@ struct MessagePortClient::State : std::enable_shared_from_this<MessagePortClient
     std::int64_t portAttempts = 0;
 
     std::unique_ptr<RemotePort> remotePort;
-    std::uint64_t connection = 0;  // counts the ports held and dropped
+    std::uint64_t connection = 0;  // +1 for each port held or dropped
     bool isStopped = false;        // since the last start
     bool isRequesting = false;
-    bool requestsAgain = false;  // asked for while a request was under way
+    bool requestsAgain = false;  // requested during another request
     bool isPolling = false;
-    Bytes replyMemory;  // while polling; fresh from the system it costs more than what is read in
+    Bytes replyMemory;  // while polling; reallocating it costs more than reading a reply
 
     std::vector<QuerySlot> querySlots;
     std::array<int, kQueryPortCount> querySlotLoad{};

@@ -1,4 +1,4 @@
-// What the main application installs in the message-port server.
+// Handlers that the main application installs in the message-port server.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@
 
 namespace quorvane {
 
-// All are called on the ports' threads. Those of the main port must be quick and answer at once. A
-// query's handler may answer later and from any thread, once; an answer that comes after the
-// query's timeout or the server's end is dropped. An unset handler answers nothing.
+// All are called on the ports' threads. The main port's handlers must be quick and answer at once.
+// A query's handler may answer later, once, from any thread. An answer after the query's timeout or
+// after the server stopped is dropped. A null handler gives an empty answer.
 struct MessagePortHandlers {
-    // Nothing in place of the answer: the request did not decode.
+    // nullopt: the request did not decode.
     using Answer = std::function<void(std::optional<Bytes> reply)>;
     using QueryHandler = std::function<void(Bytes request, Answer answer)>;
 

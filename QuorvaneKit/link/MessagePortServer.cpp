@@ -26,7 +26,7 @@ Duration retryDelay(std::int64_t attempts) {
 }  // namespace
 
 struct MessagePortServer::State {
-    // One endpoint with its thread. Stays at its place while the thread runs.
+    // One endpoint with its thread. Its address is stable while the thread runs.
     struct PortThread {
         PortThread(Endpoint itsEndpoint, std::string itsPortName, std::string itsThreadName,
                    const MessagePortServer& server, const State& state)
@@ -63,7 +63,7 @@ struct MessagePortServer::State {
 
     mutable std::mutex handleLock;
     bool stopRequested = false;          // under handleLock
-    std::deque<PortThread> portThreads;  // made and cleared while no thread runs
+    std::deque<PortThread> portThreads;  // changed only while no thread runs
     std::unique_ptr<WaitFlag> stopping;  // ends the pauses between attempts
 };
 
@@ -116,7 +116,7 @@ void MessagePortServer::State::makePortThreads(const MessagePortServer& server) 
                              *this);
 }
 
-// A thread that the system refuses is one that never becomes ready.
+// If the system refuses a thread, its port never becomes ready.
 void MessagePortServer::State::startThread(PortThread& entry) try {
     entry.thread = std::thread{[this, &entry] {
         if (services.nameCurrentThread) services.nameCurrentThread(entry.threadName);
@@ -149,7 +149,7 @@ std::unique_ptr<LocalPort> MessagePortServer::State::openWhenFree(PortThread& en
     };
     bool isEnding = false;
     for (std::int64_t attempt = 1;; ++attempt) {
-        // The flag may be raised a moment before the stop itself: no reason to try without a pause.
+        // The flag may be raised just before the stop itself; do not retry without a pause then.
         if (isEnding || isStopRequested()) {
             log.info("Message port %{public}s stopped before it could open", entry.portName);
             return nullptr;
@@ -160,7 +160,7 @@ std::unique_ptr<LocalPort> MessagePortServer::State::openWhenFree(PortThread& en
     }
 }
 
-// A name that is taken is no error: this host then waits for its turn.
+// A taken name is not an error: this host waits for its turn.
 void MessagePortServer::State::logFailure(const std::string& portName, std::int64_t attempt) const {
     if (const auto problem = services.portsProblem())
         log.error("Message port %{public}s cannot be opened (attempt %ld): %{public}s; retrying",

@@ -1,5 +1,5 @@
-// The main application's end of the link: it serves the main port and the four query ports, each
-// on a thread of its own, and routes what comes with the right secret to its handlers.
+// The main application's end of the link. Serves the main port and the four query ports, each on
+// its own thread, and routes requests with the right secret to the handlers.
 #pragma once
 
 #include <functional>
@@ -17,8 +17,8 @@
 
 namespace quorvane {
 
-// Made, started, stopped and destroyed on one thread that is none of its ports'. When a name is
-// taken by another process, its port waits and tries again until the name is free.
+// Created, started, stopped and destroyed on one thread, which is not a port's thread. When another
+// process holds a name, its port retries until the name is free.
 class MessagePortServer {
 public:
     using Endpoint = PortEndpoint;
@@ -26,10 +26,10 @@ public:
     struct Services {
         LogSink log;
         OpenPort openPort;
-        // Why no port can be opened, whatever its name; nullopt when a name is taken, or free. Any
-        // thread.
+        // The reason why no port can be opened, whatever its name; nullopt when a name is merely
+        // taken, or free. Any thread.
         std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
-        // Names the calling thread as debuggers show it; may be unset.
+        // Sets the calling thread's name for debuggers; may be null.
         std::function<void(const std::string& name)> nameCurrentThread;
         MakeWaitFlag makeWaitFlag = &quorvane::makeWaitFlag;
     };
@@ -39,17 +39,17 @@ public:
     // Stops.
     ~MessagePortServer();
 
-    // Both are set before a port opens and do not change until `stop` has returned. The secret may
+    // Set both before a port opens; do not change them until `stop` has returned. The secret may
     // still be set by `openPort`, inside the call that opens the first port. Without a secret every
     // request is dropped.
     MessagePortHandlers handlers;
     std::optional<Bytes> expectedSecret;
 
-    // Returns when every port is open, or after at most two seconds for each that is not; such a
-    // port goes on trying.
+    // Returns when every port is open. Waits at most two seconds for each port that is not; such a
+    // port keeps retrying.
     void start();
-    // Returns when all threads have ended and the names are free again; a handler that is still
-    // awaited is not waited for.
+    // Returns when all threads have ended and the names are free again. Does not wait for pending
+    // handlers.
     void stop();
 
 private:

@@ -3,13 +3,13 @@
 namespace quorvane {
 namespace {
 
-// Both are kSecretLength long. No early exit, because the time must not tell how much of a guess is
-// right, and no copies, because those would stay on the stack.
+// Both are kSecretLength long. No early exit, because the time must not reveal how much of a guess
+// is right. No copies, because they would stay on the stack.
 bool isSameSecret(ByteView left, ByteView right) {
     std::byte difference{};
     for (std::size_t i = 0; i < MessagePortWire::kSecretLength; ++i)
         difference |= left[i] ^ right[i];
-    // Through a volatile, so that the decision cannot be moved into the loop.
+    // Volatile, so that the compiler cannot move the decision into the loop.
     const volatile std::byte decided = difference;
     return decided == std::byte{};
 }

@@ -10,8 +10,8 @@ namespace quorvane {
 struct MessagePortWire {
     static constexpr std::size_t kSecretLength = 32;
 
-    // The payload, a part of `framed`; nothing when the secret in front of it is not the expected
-    // one, or either is of a wrong length. Takes the same time wherever the first difference lies.
+    // Returns the payload, a part of `framed`. Returns nullopt when the secret before it is wrong,
+    // or either length is. Takes the same time wherever the first difference is.
     static std::optional<ByteView> unwrap(ByteView framed, ByteView expectedSecret);
 };
 

@@ -1,4 +1,4 @@
-// The names of the link's ports and of the threads and queues that serve them.
+// Names of the link's ports and of the threads and queues that serve them.
 #pragma once
 
 #include <cstddef>

@@ -60,7 +60,7 @@ QueryOutcome QueryPort::send(MessageType type, ByteView payload, Duration timeou
     if (reply.status != kPortSuccess && !isCancelled())
         services_.log.error("Query %d on query port %ld failed, status: %d", identifier, index_,
                             reply.status);
-    // A port that was only slow is still the right one, and knows to skip the late reply.
+    // A port that was only slow is still valid, and skips the late reply.
     if (reply.status != kPortSuccess && reply.status != kPortReceiveTimeout) forgetRemotePort();
     return {
         .kind = QueryOutcome::Kind::sent, .status = reply.status, .reply = std::move(reply.body)};
@@ -102,7 +102,8 @@ QuerySlot::QuerySlot(std::size_t index, std::string name, const MakeSerialQueue&
 
 void QuerySlot::send(MessageType type, Bytes payload, Duration timeout, Instant enqueued,
                      std::function<void(QueryOutcome)> done) {
-    // The port is held while it is used: the client may be destroyed at the same time.
+    // The task holds the port while it uses it, because the client may be destroyed at the same
+    // time.
     const bool isQueued = queue_->async(
         [weak = std::weak_ptr{port_}, type, payload = std::move(payload), timeout, enqueued, done] {
             if (const auto port = weak.lock()) done(port->send(type, payload, timeout, enqueued));

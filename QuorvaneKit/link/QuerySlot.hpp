@@ -1,4 +1,4 @@
-// One of the client's four ways to the query ports: a queue of its own and the port at its end.
+// One of the client's four channels to the query ports: a queue and its port.
 #pragma once
 
 #include <array>
@@ -13,13 +13,13 @@
 
 namespace quorvane {
 
-// The slot for the next query: the one with the least load, and among equals the one that comes
-// first after the slot used last.
+// Returns the slot for the next query: the one with the least load. Among equals, the first after
+// the slot used last.
 std::size_t chooseQuerySlot(const std::array<int, kQueryPortCount>& load,
                             std::optional<std::size_t> lastUsed);
 
-// The sending end of one query port, made on first use. Lives on its slot's queue, but for `cancel`
-// and `notAvailable`, which any thread may call.
+// The sending end of one query port, connected on first use. Used on its slot's queue, except
+// `cancel` and `notAvailable`, which any thread may call.
 class QueryPort {
 public:
     struct Services {
@@ -31,11 +31,11 @@ public:
 
     QueryPort(std::size_t index, std::string name, Services services);
 
-    // Blocks until the query is answered or has failed. A port found dead is forgotten, so that the
-    // next query looks it up again.
+    // Blocks until the query is answered or has failed. A dead port is dropped, so that the next
+    // query looks it up again.
     QueryOutcome send(MessageType type, ByteView payload, Duration timeout, Instant enqueued);
     void forgetRemotePort();
-    // Ends the query under way and refuses all later ones.
+    // Cancels the query in flight and rejects all later ones.
     void cancel();
     // Logs that the query was not sent.
     QueryOutcome notAvailable(MessageType type) const;
@@ -53,25 +53,25 @@ private:
     bool isCancelled_ = false;                // under mutex_
 };
 
-// Lives on the main thread. Queries go out one at a time, in order.
+// Used on the main thread. Sends queries one at a time, in order.
 class QuerySlot {
 public:
     QuerySlot(std::size_t index, std::string name, const MakeSerialQueue& makeSerialQueue,
               QueryPort::Services services);
 
     // `done` runs on the slot's queue, or inside the call when the system refuses the queue's
-    // thread; not at all once the slot is gone.
+    // thread. It does not run after the slot is destroyed.
     void send(MessageType type, Bytes payload, Duration timeout, Instant enqueued,
               std::function<void(QueryOutcome)> done);
-    // After the query in flight, if there is one.
+    // Takes effect after the query in flight, if there is one.
     void forgetRemotePort();
-    // For good: the query in flight ends at once.
+    // Permanent: the query in flight ends at once.
     void cancel() { port_->cancel(); }
 
 private:
-    std::shared_ptr<QueryPort> port_;  // shared only to be held weakly by what waits in the queue
+    std::shared_ptr<QueryPort> port_;  // shared only so that queued work can hold it weakly
     std::unique_ptr<SerialQueue> queue_;
-    bool mayHoldRemotePort_ = false;  // otherwise its queue's thread need not be woken to forget
+    bool mayHoldRemotePort_ = false;  // if false, forgetting need not wake the queue's thread
 };
 
 }  // namespace quorvane

@@ -1,4 +1,4 @@
-// The names of the Darwin notices between the main application and its companions.
+// Names of the Darwin notices between the main application and its companions.
 #pragma once
 
 #include <optional>
@@ -8,11 +8,11 @@
 namespace quorvane {
 
 enum class QuorvaneDarwinNotification {
-    // The link of the lock screen, and the main application's life.
+    // For the lock screen's link and the main application's lifecycle.
     playerStateChanged,
     lockScreenConfigurationChanged,
     mainAppWillTerminate,
-    // The main application's own: desktop widgets, dock and status item.
+    // For the main application's own features: desktop widgets, dock and status item.
     activeWidgetsChanged,
     installedWidgetsChanged,
     dockEnabledChanged,
@@ -40,7 +40,7 @@ enum class QuorvaneWidgetNotification { widgetReset, widgetSettingsChanged, widg
 std::string_view rawValue(QuorvaneDarwinNotification notification);
 std::string rawValue(QuorvaneWidgetNotification notification, std::string_view widgetIdentifier);
 
-// Nothing for a name that is none of the notices; those of single widgets are not among them.
+// Returns nullopt for an unknown name; the per-widget notices are not included.
 std::optional<QuorvaneDarwinNotification> quorvaneDarwinNotification(std::string_view rawValue);
 
 }  // namespace quorvane

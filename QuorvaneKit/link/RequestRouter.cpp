@@ -4,8 +4,8 @@
 
 namespace quorvane {
 
-// The place where a handler leaves its answer. The port's thread owns it while it waits; the
-// handler holds it weakly, so an answer that comes later goes nowhere.
+// Holder of a handler's answer. The port's thread owns it while it waits. The handler holds it
+// weakly, so a late answer is dropped.
 struct RequestRouter::PendingAnswer {
     explicit PendingAnswer(const MakeWaitFlag& makeFlag) : arrived(makeFlag()) {}
 
@@ -116,7 +116,7 @@ std::optional<Bytes> RequestRouter::ask(const Query& query, ByteView payload) {
     const bool isRaised = pending->arrived->waitFor(query.timeout);
     if (!isRaised) log_.error("%{public}s handler timed out", query.name);
     const std::lock_guard guard{pending->mutex};
-    // Raised without an answer: cancelled.
+    // Raised without an answer: the wait was cancelled.
     if (!isRaised || !pending->isAnswered) return Bytes{};
     return std::move(pending->reply);
 }

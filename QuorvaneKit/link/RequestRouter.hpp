@@ -1,4 +1,4 @@
-// Decides what becomes of one request that a port has received.
+// Dispatcher of the requests that one port receives.
 #pragma once
 
 #include <memory>
@@ -26,8 +26,8 @@ struct MainEndpoint {
 };
 using PortEndpoint = std::variant<QueryEndpoint, MainEndpoint>;
 
-// One for each port, on that port's thread but for `cancel`. Handlers and secret outlive it and
-// stay as they are.
+// One for each port. Used on that port's thread, except `cancel`. Handlers and secret outlive it
+// and do not change.
 class RequestRouter {
 public:
     RequestRouter(PortEndpoint endpoint, const MessagePortHandlers& handlers,
@@ -37,7 +37,8 @@ public:
     // The reply; empty when the request is dropped or has none. Waits for a query's handler.
     PortAnswer answer(std::int32_t messageID, ByteView body);
 
-    // Ends the wait for a handler, now and from now on; the reply is then empty. Any thread.
+    // Ends the current wait for a handler and prevents further ones; the reply is then empty. Any
+    // thread.
     void cancel();
 
 private:
@@ -50,7 +51,7 @@ private:
         const MessagePortHandlers::QueryHandler& handler;
         Duration timeout;
     };
-    // Nothing when the handler could not decode the request.
+    // Returns nullopt when the handler could not decode the request.
     std::optional<Bytes> ask(const Query& query, ByteView payload);
     Bytes history(ByteView payload);
     std::shared_ptr<PendingAnswer> makePendingAnswer();

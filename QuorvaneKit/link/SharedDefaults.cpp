@@ -41,8 +41,8 @@ Result<void> SharedDefaults::setLockScreenPendingRemoval(
     const std::optional<LockScreenPendingRemoval>& removal) {
     const std::lock_guard guard{mutex_};
     if (!suite_) return {};
-    // Each write reaches other processes by itself. The flag is set only while its target is, so
-    // that no moment and no crash shows a removal that is meant for any add-on.
+    // Each write reaches other processes separately. The flag is set only while its target is, so
+    // that no process sees, even after a crash, a removal that applies to any add-on.
     if (!removal) write(Key::lockScreenRemovalRequested, std::nullopt);
     const auto target = removal ? removal->targetInstallID : std::nullopt;
     write(Key::lockScreenRemovalTargetInstallID,

@@ -1,4 +1,4 @@
-// The defaults that the main application and its companions share, key by key.
+// Typed access to the defaults that the main application and its companions share.
 #pragma once
 
 #include <mutex>
@@ -12,11 +12,11 @@
 
 namespace quorvane {
 
-// Over the suite of the App Group. Accesses are serialised, so that threads which share this object
-// (and reach the suite through nothing else) need no care of their own. A value that is missing or
-// of another type reads as the key's default. Without a suite every read yields the default and
-// every write is skipped. A write has reached the other processes when it returns, unless it says
-// why it has not.
+// Wraps the suite of the App Group. Accesses are serialised, so threads that share this object need
+// no further locking, provided they access the suite only through it. A value that is missing or
+// has the wrong type reads as the key's default. Without a suite every read returns the default and
+// every write is skipped. A write has reached the other processes when it returns, unless it
+// returns an error.
 class SharedDefaults {
 public:
     explicit SharedDefaults(std::optional<UserDefaults> suite) : suite_(std::move(suite)) {}
@@ -24,14 +24,14 @@ public:
     bool lockScreenEnabled() const;  // false by default
     Result<void> setLockScreenEnabled(bool isEnabled);
 
-    // The request and its target are read in one look, and written in an order that keeps them
-    // together, so that no process sees a removal without the target that it is meant for.
+    // The request and its target are read together, and written in an order that keeps them
+    // consistent. So no process sees a removal without its target.
     std::optional<LockScreenPendingRemoval> lockScreenPendingRemoval() const;
     Result<void> setLockScreenPendingRemoval(
         const std::optional<LockScreenPendingRemoval>& removal);
 
     std::optional<LockScreenAddOnSighting> lockScreenAddOnLastSeen() const;
-    // A sighting whose texts do not encode is not kept.
+    // A sighting whose texts cannot be encoded is not stored.
     Result<void> setLockScreenAddOnLastSeen(const std::optional<LockScreenAddOnSighting>& sighting);
 
 private:

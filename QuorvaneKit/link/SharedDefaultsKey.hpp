@@ -1,4 +1,4 @@
-// Every key of the App Group's shared defaults, so that no new one takes a name that is in use.
+// List of all keys of the App Group's shared defaults, so that a new key cannot reuse a name.
 #pragma once
 
 #include <cstddef>
@@ -7,12 +7,12 @@
 namespace quorvane {
 
 enum class SharedDefaultsKey : std::size_t {
-    // Of the lock screen.
+    // For the lock screen.
     lockScreenEnabled,
     lockScreenRemovalRequested,
     lockScreenRemovalTargetInstallID,
     lockScreenAddOnLastSeen,
-    // Of the main application's own features, which alone knows their values.
+    // For the main application's own features; only the main application knows their values.
     didShowStatusItemArrow,
     dockEnabled,
     hasCompletedOnboarding,

@@ -1,4 +1,4 @@
-// A flag that threads wait for, the one way in which the server's threads pass time.
+// Flag that threads wait for; the server's threads wait in no other way.
 #pragma once
 
 #include <functional>
@@ -8,18 +8,18 @@
 
 namespace quorvane {
 
-// Any thread. Once raised it stays raised. An interface, so that tests decide how time passes.
+// Any thread. Once raised it stays raised. An interface, so that tests can control time.
 class WaitFlag {
 public:
     virtual ~WaitFlag() = default;
     virtual void raise() = 0;
-    // True as soon as the flag is raised; false when the time has passed without that.
+    // Returns true as soon as the flag is raised, false when the time limit passes first.
     virtual bool waitFor(Duration limit) = 0;
 };
 
 using MakeWaitFlag = std::function<std::unique_ptr<WaitFlag>()>;
 
-// Flags that wait in real time.
+// Creates a flag that waits in real time.
 std::unique_ptr<WaitFlag> makeWaitFlag();
 
 }  // namespace quorvane

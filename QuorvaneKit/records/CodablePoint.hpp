@@ -1,4 +1,4 @@
-// The place of a desktop widget as the shared defaults keep it.
+// Position of a desktop widget as the shared defaults store it.
 #pragma once
 
 namespace quorvane {

@@ -1,4 +1,4 @@
-// The size of a desktop widget as the shared defaults keep it, with the manifest it was made for.
+// Size of a desktop widget as the shared defaults store it, with the manifest it was made for.
 #pragma once
 
 #include <string>

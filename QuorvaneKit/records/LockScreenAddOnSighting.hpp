@@ -1,4 +1,4 @@
-// What the main application remembers of the add-on's last hello, for its settings display.
+// The main application's record of the add-on's last hello, for its settings display.
 #pragma once
 
 #include <optional>

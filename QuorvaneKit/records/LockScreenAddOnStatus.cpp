@@ -8,7 +8,7 @@
 namespace quorvane {
 namespace {
 
-// Takes the number before the next dot off the text.
+// Removes the number before the next dot from the text and returns it.
 std::uint64_t takeNumber(std::string_view& text) {
     const std::string_view part = text.substr(0, text.find('.'));
     text.remove_prefix(part.size() < text.size() ? part.size() + 1 : part.size());
@@ -34,7 +34,8 @@ LockScreenAddOnStatus lockScreenAddOnStatus(const std::optional<LockScreenAddOnS
     if (!sighting->supportsThisMacOS ||
         isOlderVersion(sighting->addOnVersion, kMinimumAddOnVersion))
         return LockScreenAddOnWaitingForUpdate{sighting->macOSVersion};
-    // A date far ahead is one from before the clock was set back, and says nothing about now.
+    // A date far in the future is from before the clock was set back, so it does not show that the
+    // add-on is connected.
     const bool isRecent = sighting->date <= now + kLockScreenSightingLifetime &&
                           sighting->date >= now - kLockScreenSightingLifetime;
     if (isRecent) return LockScreenAddOnConnected{sighting->addOnVersion};

@@ -1,4 +1,4 @@
-// What the main application's settings show of the add-on, derived from its last hello.
+// Status of the add-on in the main application's settings, derived from its last hello.
 #pragma once
 
 #include <chrono>
@@ -34,16 +34,16 @@ using LockScreenAddOnStatus =
     std::variant<LockScreenAddOnConnected, LockScreenAddOnNotConnected,
                  LockScreenAddOnWaitingForUpdate, LockScreenAddOnNotInstalled>;
 
-// One hello may be missed, and half an interval is allowed for delay.
+// Allows for one missed hello and half an interval of delay.
 inline constexpr std::chrono::seconds kLockScreenSightingLifetime =
     kLockScreenHelloInterval * 5 / 2;
 
-// An add-on that has never been seen is taken for not installed. One that needs an update is shown
-// so whether it is running or not: connecting would not help it.
+// An add-on that was never seen counts as not installed. One that needs an update is shown as such
+// whether it is running or not, because connecting would not help it.
 LockScreenAddOnStatus lockScreenAddOnStatus(const std::optional<LockScreenAddOnSighting>& sighting,
                                             WallTime now);
 
-// Dotted decimal numbers, compared number by number; one that is missing or none counts as 0.
+// Compares dotted decimal numbers one by one; a missing or invalid number counts as 0.
 bool isOlderVersion(std::string_view version, std::string_view other);
 
 }  // namespace quorvane

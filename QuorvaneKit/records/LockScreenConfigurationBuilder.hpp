@@ -1,4 +1,4 @@
-// The main application's answer to a hello, from what its user wants.
+// Builder of the main application's answer to a hello, from the user's settings.
 #pragma once
 
 #include <string_view>
@@ -14,7 +14,7 @@ struct LockScreenConfigurationBuilder {
     bool isEnabled = false;
     bool removalRequested = false;
 
-    // A removal switches the card off, whatever the user wanted of it.
+    // A removal turns the card off, whatever the user's setting.
     LockScreenAddOnConfiguration build() const {
         return {isEnabled && !removalRequested, removalRequested,
                 std::string{kMinimumAddOnVersion}};

@@ -8,7 +8,7 @@ LockScreenHelloOutcome decideLockScreenHello(
     if (!pendingRemoval) return LockScreenHelloOutcome::answer;
     if (hello.supersedesRemoval) return LockScreenHelloOutcome::supersedeRemoval;
     const auto& target = pendingRemoval->targetInstallID;
-    // Where either side does not know who is meant, the removal is delivered.
+    // If either side does not know the target, the removal is delivered.
     if (!target || !hello.installID || *target == *hello.installID)
         return LockScreenHelloOutcome::deliverRemoval;
     return LockScreenHelloOutcome::supersedeRemoval;

@@ -9,14 +9,14 @@
 namespace quorvane {
 
 enum class LockScreenHelloOutcome {
-    answer,            // the configuration as it is
+    answer,            // the configuration unchanged
     deliverRemoval,    // a configuration that requests removal
-    supersedeRemoval,  // the pending removal is void: clear it, then the configuration as it is
+    supersedeRemoval,  // clears the pending removal, then answers with the configuration unchanged
 };
 
-// A removal of the add-on that has been asked for and not carried out yet.
+// A removal of the add-on that was requested and is not yet carried out.
 struct LockScreenPendingRemoval {
-    std::optional<std::string> targetInstallID;  // absent: meant for whichever add-on says hello
+    std::optional<std::string> targetInstallID;  // nullopt: applies to any add-on that says hello
     bool operator==(const LockScreenPendingRemoval&) const = default;
 };
 

@@ -1,4 +1,4 @@
-// The handshake of the lock-screen link: the add-on's hello and the configuration that answers it.
+// Records of the lock-screen handshake: the add-on's hello and the configuration that answers it.
 // Field names are the keys on the wire.
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-// What the add-on of this source speaks, and how often it says hello of itself.
+// The protocol version of this add-on, and the interval of its periodic hello.
 inline constexpr std::int64_t kLockScreenHelloProtocolVersion = 1;
 inline constexpr std::chrono::seconds kLockScreenHelloInterval{60};
 

@@ -1,4 +1,4 @@
-// The message identifiers of the link and the ports that take them.
+// Message identifiers of the link, and the ports that accept them.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ enum class MessageType : std::int32_t {
     lockScreenHello = 14,
 };
 
-// Nothing for a number that is no message type.
+// Returns nullopt for a number that is not a message type.
 std::optional<MessageType> messageType(std::int32_t identifier);
 bool isQuery(MessageType type);
 

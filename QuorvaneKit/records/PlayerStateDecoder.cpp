@@ -9,12 +9,12 @@
 namespace quorvane {
 namespace {
 
-// The place behind the quote that opens the artwork's text; npos if there is none.
+// Returns the position after the quote that opens the artwork's text; npos if there is none.
 //
-// Wherever the key, a colon and a quote stand in text that is JSON, that last quote opens a value:
-// the key's first quote either opens the key or, escaped, is part of one that the second quote
-// closes. Were the first quote the end of a string, the letter after it would not be JSON, with or
-// without the value.
+// In valid JSON, if the key is followed by a colon and a quote, that quote opens a value. The key's
+// first quote either opens the key or, escaped, is part of a key that the second quote closes. If
+// the first quote ended a string, the letter after it would not be valid JSON, with or without the
+// value.
 std::size_t findArtworkText(std::string_view reply) {
     constexpr std::string_view kKey = "\"artworkData\"";
     const auto skipSpace = [&](std::size_t place) {
@@ -40,8 +40,8 @@ Bytes without(std::string_view reply, std::size_t begin, std::size_t length) {
 
 }  // namespace
 
-// Artwork taken out of a reply's text before the rest is parsed: it is nearly all of the text, and
-// looking at it once is enough.
+// Artwork taken out of a reply's text before the rest is parsed. It is nearly all of the text, so
+// the decoder reads it only once.
 struct PlayerStateDecoder::Lifted {
     std::size_t begin;  // of the text between its quotes
     std::size_t length;
@@ -57,8 +57,8 @@ CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes& reply) {
     return state;
 }
 
-// Nothing when the reply has no artwork, or has it with other escapes than "\/", which are the
-// parser's to read.
+// Returns nullopt when the reply has no artwork, or when the artwork has escapes other than "\/",
+// which are left to the parser.
 std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
     std::string_view reply) const {
     const std::size_t begin = findArtworkText(reply);
@@ -66,7 +66,7 @@ std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
     const std::string_view text = reply.substr(begin);
     if (last_ && text.starts_with(last_->text) && text.substr(last_->text.size()).starts_with('"'))
         return Lifted{begin, last_->text.size(), last_->bytes, true};
-    // What decodes has no escape but "\/" in it, hence the first quote is where the string ends.
+    // Decodable text has no escape except "\/", so the first quote ends the string.
     const std::size_t length = text.find('"');
     if (length == std::string_view::npos) return std::nullopt;
     auto bytes = decodeBase64(text.substr(0, length), Base64Form::escapedSolidus);
@@ -80,7 +80,7 @@ CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeAround(const Lifted&
     const char* const place = rest.data() + lifted.begin;
     bool isInTrack = false;
     auto state = coding::readRecord<QuorvanePlayerState>(rest, [&](std::string_view text) {
-        // The key may have stood elsewhere, in an object that is not asked for.
+        // The key may occur elsewhere, in an object that is not requested.
         if (text.data() != place) return readBase64(text);
         isInTrack = true;
         return std::optional{lifted.bytes};

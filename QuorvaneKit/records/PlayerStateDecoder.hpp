@@ -1,4 +1,4 @@
-// Decodes player states as they come from poll to poll, most of them with the artwork of the last.
+// Decoder for successive player states, most of which repeat the last one's artwork.
 #pragma once
 
 #include <optional>
@@ -10,12 +10,12 @@
 
 namespace quorvane {
 
-// Decodes exactly as XPCCodableHelpers does. Artwork whose text is that of the last good reply is
-// handed out as the same object, neither decoded nor copied again. For that the decoder keeps the
-// reply in which the artwork came, until one comes with another or with none. One thread at a time.
+// Decodes exactly as XPCCodableHelpers does. Artwork with the same text as in the last good reply
+// is returned as the same object, not decoded or copied again. For that purpose the decoder keeps
+// the reply with the artwork until one arrives with other artwork or none. One thread at a time.
 class PlayerStateDecoder {
 public:
-    // Takes what is in `reply`; what is there afterwards is memory to be used again.
+    // Consumes the contents of `reply`; afterwards it holds memory for reuse.
     CodingResult<QuorvanePlayerState> decode(Bytes& reply);
 
 private:

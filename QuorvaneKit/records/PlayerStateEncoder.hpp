@@ -1,4 +1,4 @@
-// Encodes player states as they are asked for from poll to poll.
+// Encoder for successive player states.
 #pragma once
 
 #include <optional>
@@ -9,8 +9,9 @@
 
 namespace quorvane {
 
-// Encodes exactly as XPCCodableHelpers does, in one or more parts. The base64 text of the last
-// state's artwork is kept, and is part of every reply with the same artwork. One thread at a time.
+// Encodes exactly as XPCCodableHelpers does, in one or more parts. Keeps the base64 text of the
+// last state's artwork and shares it with every reply that has the same artwork. One thread at a
+// time.
 class PlayerStateEncoder {
 public:
     CodingResult<PortAnswer> encode(const QuorvanePlayerState& state);

@@ -1,4 +1,4 @@
-// The commands that the add-on sends to the main application.
+// Commands that the add-on sends to the main application.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +26,7 @@ enum class QuorvaneAction : std::int64_t {
     switchPlayer = 41,
 };
 
-// Nothing for a number that is no action.
+// Returns nullopt for a number that is not an action.
 std::optional<QuorvaneAction> quorvaneAction(std::int64_t rawValue);
 // The action's name as spelled above.
 std::string_view name(QuorvaneAction action);

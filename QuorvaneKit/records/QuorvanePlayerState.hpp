@@ -1,5 +1,5 @@
-// The snapshot of the player that the main application hands out, as plain values. Field names are
-// the keys on the wire.
+// Snapshot of the player that the main application sends, as plain values. Field names are the keys
+// on the wire.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ enum class XPCPlayerType { appleMusic, spotify };  // coded as these names
 // Numbered from 1 on purpose: 0 is not a repeat mode.
 enum class XPCRepeatMode : std::int64_t { all = 1, one = 2, off = 3 };
 
-// Nothing for a raw value that names no case.
+// Returns nullopt for an unknown raw value.
 std::optional<XPCPlayerState> xpcPlayerState(std::int64_t rawValue);
 std::optional<XPCPlayerType> xpcPlayerType(std::string_view rawValue);
 std::optional<XPCRepeatMode> xpcRepeatMode(std::int64_t rawValue);
@@ -30,7 +30,7 @@ struct XPCPlayerCapabilities {
     bool canDislike = false;
     bool canRate = false;
     bool canAddToLibrary = false;
-    bool hasThreeStateRepeat = false;  // all, one, off; otherwise it only toggles
+    bool hasThreeStateRepeat = false;  // all, one, off; if false, repeat only toggles
     bool operator==(const XPCPlayerCapabilities&) const = default;
 };
 
@@ -49,7 +49,7 @@ struct XPCTrack {
 };
 
 struct QuorvanePlayerState {
-    std::optional<XPCTrack> track{};  // absent when nothing is loaded
+    std::optional<XPCTrack> track{};  // absent when no track is loaded
     XPCPlayerState playerState = XPCPlayerState::unknown;
     std::optional<XPCPlayerType> playerType{};
     XPCPlayerCapabilities capabilities{};

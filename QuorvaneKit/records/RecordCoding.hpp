@@ -1,4 +1,4 @@
-// Reads and writes whole records by the table of their fields. Used by the coder alone.
+// Reader and writer of whole records, driven by the table of their fields. Used only by the coder.
 #pragma once
 
 #include <array>
@@ -30,7 +30,7 @@ struct Wrapped<std::optional<T>> {
 template <typename Member>
 using Inner = typename Wrapped<Member>::Type;
 
-// How many values a type asks for below itself: its fields, each followed by what it asks for.
+// The number of values that a type requests below itself: its fields, each followed by its own.
 template <typename T>
 constexpr std::size_t valueCount() {
     if constexpr (!kIsRecord<T>) {
@@ -64,7 +64,7 @@ inline constexpr auto kJSONFields = [] {
     return fields;
 }();
 
-// Values come in the order of kJSONFields<Record>.
+// Values are in the order of kJSONFields<Record>.
 template <typename Record>
 class RecordReader {
 public:
@@ -130,7 +130,7 @@ CodingResult<Record> readRecord(JSONText& text, const ReadBytes& readBytes = rea
     return RecordReader<Record>{values, readBytes}.read();
 }
 
-// The key of the field that JSON cannot carry, if there is one.
+// Returns the key of the first field that JSON cannot represent, if any.
 template <typename Record>
 std::optional<std::string_view> writeFields(JSONWriter& writer, const Record& record,
                                             const WriteBytes& writeBytes) {

@@ -1,5 +1,4 @@
-// The keys of every record on the wire, in the order in which they are written. Used by the coder
-// alone.
+// Keys of every record on the wire, in the order in which they are written. Used only by the coder.
 #pragma once
 
 #include <string_view>
@@ -13,8 +12,8 @@
 
 namespace quorvane {
 
-// A field of an optional type may be absent anyway; `keepsDefault` is for others that older senders
-// leave out.
+// A field of an optional type may always be absent. `keepsDefault` is for other fields that older
+// senders omit.
 enum class WhenAbsent { fails, keepsDefault };
 
 template <typename Record, typename Member>

@@ -17,8 +17,8 @@ using Kind = CodingError::Kind;
 // Far more digits than any encoder writes for a double.
 constexpr std::size_t kLongestNumber = 1024;
 
-// The quick conversion, which not every standard library has. It does not tell what is too great
-// from what is too small, and converts neither.
+// The fast conversion, which not every standard library has. It does not distinguish a value that
+// is too large from one that is too small, and converts neither.
 template <typename Number>
 std::optional<Number> quicklyFrom(std::string_view text) {
     if constexpr (requires(const char* place, Number& value) {
@@ -31,8 +31,8 @@ std::optional<Number> quicklyFrom(std::string_view text) {
     return std::nullopt;
 }
 
-// `text` is a number of JSON already. The stream with the classic locale is the only other
-// conversion that the process's locale does not spoil; to make the first one takes 0.1 ms.
+// `text` is already a valid JSON number. A stream with the classic locale is the only other
+// conversion that ignores the process's locale; creating the first one takes 0.1 ms.
 std::optional<double> doubleFrom(std::string_view text) {
     if (text.size() > kLongestNumber) return std::nullopt;
     if (const auto value = quicklyFrom<double>(text)) return value;
@@ -40,8 +40,8 @@ std::optional<double> doubleFrom(std::string_view text) {
     stream.imbue(std::locale::classic());
     double value = 0;
     stream >> value;
-    // Too great for a double, which is refused, or too small for one, which some libraries report
-    // too although they have rounded it.
+    // Too large for a double, which is rejected, or too small for one, which some libraries also
+    // report as an error although they have rounded it.
     if (stream.fail() && !(std::abs(value) < 1)) return std::nullopt;
     return value;
 }
@@ -72,7 +72,7 @@ ValueError readValue(const JSONValue& value, std::int64_t& result) {
     const auto [rest, error] = std::from_chars(value.text.data(), end, result);
     if (error != std::errc{}) return Kind::dataCorrupted;
     if (rest == end) return {};
-    // 2 to the 63rd is exact as a double, the greatest 64-bit integer is not.
+    // 2 to the 63rd is exact as a double; the greatest 64-bit integer is not.
     constexpr double kBound = 9'223'372'036'854'775'808.0;
     const auto number = doubleFrom(value.text);
     if (!number || *number < -kBound || *number >= kBound) return Kind::dataCorrupted;

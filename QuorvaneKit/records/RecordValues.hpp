@@ -1,5 +1,4 @@
-// Single values of records: what each type takes from JSON, and how it is written. Used by the
-// coder alone.
+// Reader and writer of a record's single values. Used only by the coder.
 #pragma once
 
 #include <cstdint>
@@ -14,11 +13,11 @@
 
 namespace quorvane {
 
-// Nothing when the value was taken.
+// nullopt when the value was read.
 using ValueError = std::optional<CodingError::Kind>;
 
-// Types are strict: no number for a bool, no text for a number. A number written with a point or an
-// exponent still is an integer if its value is one ("64.0").
+// Types are strict: a number is not a bool, text is not a number. A number written with a point or
+// an exponent is an integer if its value is one ("64.0").
 ValueError readValue(const JSONValue& value, bool& result);
 ValueError readValue(const JSONValue& value, std::int64_t& result);
 ValueError readValue(const JSONValue& value, double& result);
@@ -28,7 +27,7 @@ ValueError readValue(const JSONValue& value, XPCPlayerState& result);
 ValueError readValue(const JSONValue& value, XPCPlayerType& result);
 ValueError readValue(const JSONValue& value, XPCRepeatMode& result);
 
-// False for a value that JSON cannot carry.
+// Returns false for a value that JSON cannot represent.
 [[nodiscard]] bool writeValue(JSONWriter& writer, bool value);
 [[nodiscard]] bool writeValue(JSONWriter& writer, std::int64_t value);
 [[nodiscard]] bool writeValue(JSONWriter& writer, double value);

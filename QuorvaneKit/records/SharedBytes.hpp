@@ -1,4 +1,4 @@
-// Immutable bytes that are passed on by reference: artwork travels from the wire to the card
+// Immutable bytes that are passed by reference, so that artwork reaches the card from the wire
 // without a copy.
 #pragma once
 
@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-// Compares by contents; the same object is equal at once.
+// Compares by contents; comparing an object with itself takes constant time.
 class SharedBytes {
 public:
     explicit SharedBytes(Bytes bytes) : bytes_(std::make_shared<const Bytes>(std::move(bytes))) {}
@@ -17,7 +17,7 @@ public:
     std::size_t size() const { return bytes_->size(); }
     bool isSameObject(const SharedBytes& other) const { return bytes_ == other.bytes_; }
     bool operator==(const SharedBytes& other) const {
-        // As text, because then the comparison is one of whole blocks of memory.
+        // As text, because that compares whole blocks of memory.
         return bytes_ == other.bytes_ || textOf(*bytes_) == textOf(*other.bytes_);
     }
 

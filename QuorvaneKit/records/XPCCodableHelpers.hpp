@@ -1,5 +1,5 @@
-// The one way in which records become JSON text and come back: keys as the fields are named, in
-// their order; absent optionals left out; dates as ISO 8601 text; bytes as base64.
+// Conversion of records to JSON text and back. Keys are the field names, in their order; absent
+// optionals are omitted; dates are ISO 8601 text; bytes are base64.
 #pragma once
 
 #include <concepts>
@@ -27,8 +27,8 @@ struct XPCCodableHelpers {
     static CodingResult<Bytes> encode(const Record& record);
 
     // Strict: every type as declared, every required key present, every enumeration value known.
-    // Null stands for an absent optional, keys that are not known are passed over, of a key that
-    // stands twice the first counts. Takes memory in proportion to the text at most.
+    // Null means an absent optional, unknown keys are skipped, and the first of two equal keys
+    // counts. Memory use is at most proportional to the text.
     template <CodableRecord Record>
     static CodingResult<Record> decode(Bytes text);
 };

@@ -10,7 +10,7 @@ namespace {
 constexpr int kPasses = 3;
 
 // Three running means whose variances add up to the Gaussian's. Widths are odd, so that no mean
-// moves the picture; only some of them take the larger width.
+// shifts the picture. They are the two odd widths around the ideal one.
 std::array<int, kPasses> meanWidths(double deviation) {
     const double variance = 12 * deviation * deviation;
     int lower = static_cast<int>(std::sqrt(variance / kPasses + 1));
@@ -23,7 +23,8 @@ std::array<int, kPasses> meanWidths(double deviation) {
     return widths;
 }
 
-// One line of `count` values `stride` apart. `line` is room for it with its ends drawn out.
+// One line of `count` values `stride` apart. `line` is a buffer for the line with its ends
+// extended.
 void mean(float* values, int count, int stride, int width, std::vector<float>& line) {
     const int reach = width / 2;
     const int end = count + 2 * reach + 1;

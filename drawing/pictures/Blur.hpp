@@ -1,4 +1,4 @@
-// Planes of numbers and the blur that makes glass and shadow soft. Pure functions.
+// Planes of numbers, and the blur for glass and shadow. Pure functions.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace quorvane {
 
-// One value for each place of a grid, row by row.
+// A grid of values, row by row.
 struct Plane {
     int width = 0;
     int height = 0;
@@ -23,16 +23,16 @@ struct Plane {
                       static_cast<std::size_t>(x)];
     }
     float at(int x, int y) const { return const_cast<Plane*>(this)->at(x, y); }
-    // Between the values above and below a height whose whole numbers are the rows' middles: one
-    // value a column, and one more that repeats the last.
+    // Interpolates between the rows above and below `y`; whole numbers are the rows' centres.
+    // Writes one value per column, and one more that repeats the last.
     void readLine(float y, std::vector<float>& line) const;
 };
 
-// Between two neighbours of a line; places outside take the nearest value.
+// Interpolates between two neighbours of a line; places outside it take the nearest value.
 float sampled(const std::vector<float>& line, float x);
 
-// Blurs like a Gaussian of this standard deviation, by three running means, so the cost does not
-// grow with it. Beyond an edge its last value goes on.
+// Approximates a Gaussian of this standard deviation by three running means, so that the cost does
+// not depend on the deviation. Edge values are repeated beyond the edges.
 void blur(Plane& plane, double deviation);
 
 }  // namespace quorvane

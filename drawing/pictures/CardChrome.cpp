@@ -18,7 +18,7 @@ constexpr float kEdgeBottom = 0.12F;
 
 double edgePixels(double scale) { return std::max(1.0, kEdgeWidth * scale); }
 
-// How much of a pixel lies inside an outline this many pixels away from its centre.
+// The share of a pixel inside an outline this many pixels away from the pixel's centre.
 float coverage(double distance) { return static_cast<float>(std::clamp(0.5 - distance, 0.0, 1.0)); }
 
 // The shadow's opacity, one value for every few points.
@@ -59,7 +59,7 @@ std::uint32_t lightened(std::uint32_t pixel, float share) {
     return kOpaqueBlack | channel(16) | channel(8) | channel(0);
 }
 
-// The glass over black of the shadow's opacity, as far as each covers the pixel.
+// The glass over black of the shadow's opacity, weighted by coverage.
 std::uint32_t blended(std::uint32_t glass, float covered, float shadow) {
     const auto channel = [&](int shift) {
         return static_cast<std::uint32_t>(static_cast<float>(glass >> shift & 0xff) * covered +
@@ -71,7 +71,7 @@ std::uint32_t blended(std::uint32_t glass, float covered, float shadow) {
            channel(0);
 }
 
-// What one row is drawn from.
+// Draws the chrome row by row.
 struct Painter {
     const CardStyle& style;
     double scale;
@@ -83,8 +83,8 @@ struct Painter {
     std::vector<std::uint32_t> glassRow{};
     std::vector<float> shadowLine{};
 
-    // The columns of a row in which there is nothing but glass: clear of edge and corners. They end
-    // before the row does.
+    // The columns of a row that contain only glass, without edge or corners. They end before the
+    // row does.
     std::pair<int, int> insideOf(int y) const {
         const int corner = static_cast<int>(std::ceil(style.cornerRadius * scale * 1.5));
         const int rim = static_cast<int>(std::ceil(edge)) + 2;

@@ -1,4 +1,4 @@
-// Everything of a card but its content: the glass with its light edge, and the shadow around it.
+// The card without its content: the glass with its light edge, and the shadow around it.
 #pragma once
 
 #include "drawing/CardWindows.hpp"
@@ -6,8 +6,8 @@
 
 namespace quorvane {
 
-// `backdrop` is what stands behind the stage, one value a pixel. The result has the same size, is
-// opaque inside the card and clear but for the shadow outside; the shadow shows only there. Pure.
+// `backdrop` holds the pixels behind the stage. The result has the same size. It is opaque inside
+// the card and, apart from the shadow, transparent outside; the shadow is only outside. Pure.
 Pixels makeCardChrome(const Pixels& backdrop, const CardStyle& style, double scale);
 
 }  // namespace quorvane

@@ -33,7 +33,7 @@ std::vector<PixelRect> cardOutline(const CardStyle& style, double scale,
     const int height = pixels(style.card.height + 2 * style.shadowMargin);
     std::vector<PixelRect> bands;
     for (int y = 0; y < height; ++y) {
-        // The card bulges everywhere, so each row of it is one run through the middle.
+        // The card is convex, so each row of it is one run through the middle.
         const int middle = width / 2;
         if (!isCovered(middle, y)) continue;
         const int left = *std::ranges::partition_point(std::views::iota(0, middle),

@@ -1,4 +1,4 @@
-// The card's shape in whole pixels, for a window that shows nothing but the card.
+// The card's shape in whole pixels, for a window that shows only the card.
 #pragma once
 
 #include <vector>
@@ -8,9 +8,9 @@
 
 namespace quorvane {
 
-// The pixels of the stage whose middle is inside the card, in bands from top to bottom. While the
-// card moves, those inside both its place at rest and the moved one: an entrance then uncovers no
-// pixel that it has covered before. Pure.
+// The pixels of the stage whose centre is inside the card, in bands from top to bottom. While the
+// card moves, only the pixels inside both its resting and its moved place, so that an entrance
+// uncovers no pixel that it has covered before. Pure.
 std::vector<PixelRect> cardOutline(const CardStyle& style, double scale,
                                    const Transform& transform);
 

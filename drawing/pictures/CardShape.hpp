@@ -1,5 +1,5 @@
-// The card's outline: straight edges and corners whose curvature grows and falls steadily, as wide
-// as circles of the stated radius but without their sudden start.
+// The card's outline: straight edges, and corners whose curvature grows and falls steadily. The
+// corners are as wide as circles of the stated radius, without their abrupt start.
 #pragma once
 
 #include <limits>
@@ -13,8 +13,8 @@ class CardShape {
 public:
     CardShape(Size card, double cornerRadius);
 
-    // About how far a point lies outside the outline; negative inside. Where that is more than
-    // `limit` either way it may be any number beyond it: a corner's curve costs much.
+    // The approximate distance of a point from the outline; negative inside. Beyond `limit` either
+    // way the result may be any number beyond it, because the exact curve of a corner is costly.
     double distance(Point point, double limit = std::numeric_limits<double>::infinity()) const;
     bool contains(Point point) const { return distance(point) < 0; }
 

@@ -1,5 +1,4 @@
-// A picture as encoded bytes. A canvas decodes it when it first draws it, at the size that is
-// shown.
+// A picture as encoded bytes. A canvas decodes it on first drawing, at the size that is shown.
 #pragma once
 
 #include "drawing/Image.hpp"

@@ -9,20 +9,21 @@ namespace {
 
 constexpr double kPointsAValue = 4;
 constexpr double kBlurDeviation = 22;  // points
-// How far colours are spread, and how much further in bright places, because dimming dulls them.
+// The increase of saturation, and the extra increase in bright places, because dimming dulls
+// colours.
 constexpr float kSpread = 0.35F;
 constexpr float kBrightSpread = 3.5F;
-constexpr float kHalfBright = 0.35F;  // the light at which half of that is added
-// The quietest text on the card is white of this opacity; it has to be readable, 4.5 and a little
-// for what lies between the values that are looked at.
+constexpr float kHalfBright = 0.35F;  // luminance at which half of that is added
+// The faintest text on the card is white of this opacity. Its contrast must be 4.5; the extra
+// allows for pixels interpolated between the checked values.
 constexpr float kTextOpacity = 0.58F;
 constexpr float kTextContrast = 4.6F;
 // The same text's contrast at the card's bottom. The volume's fill then has 3.5, plain white more.
 constexpr float kSymbolContrast = 2.5F;
-constexpr double kTransition = 96;  // points from the one contrast to the other
-constexpr float kDimming = 0.62F;   // of what is dark enough already
+constexpr double kTransition = 96;  // points between the two contrasts
+constexpr float kDimming = 0.62F;   // for light that is dark enough already
 constexpr float kHighestScale = 4;
-constexpr float kVeil = 0.011F;   // keeps the card apart from a black screen
+constexpr float kVeil = 0.011F;   // separates the card from a black screen
 constexpr float kSheen = 0.018F;  // light from above, fading toward the middle
 constexpr float kSheenReach = 0.6F;
 
@@ -52,7 +53,7 @@ float luminance(float red, float green, float blue) {
     return kRedShare * red + kGreenShare * green + kBlueShare * blue;
 }
 
-// Light in whole numbers, which add up faster: every pixel of the backdrop comes by.
+// Light as integers, which sum faster, because every pixel of the backdrop is summed.
 constexpr float kLightUnit = 1 << 20;
 
 struct LightSum {
@@ -73,7 +74,7 @@ const LightUnits& lightUnits() {
     return table;
 }
 
-// Adds the light of each `step` pixels of a row to their sum.
+// Adds the light of each `step` pixels of a row to the corresponding sum.
 void addUp(const std::uint32_t* row, int width, int step, std::vector<LightSum>& sums) {
     const LightUnits& units = lightUnits();
     int x = 0;
@@ -89,7 +90,8 @@ void addUp(const std::uint32_t* row, int width, int step, std::vector<LightSum>&
     }
 }
 
-// The mean light of each square of `step` pixels. Light adds up; the encoded shades do not.
+// The mean of each square of `step` pixels, in linear light, because encoded values must not be
+// averaged.
 GlassPicture reduced(const Pixels& picture, int step) {
     const int width = (picture.width + step - 1) / step;
     const int height = (picture.height + step - 1) / step;
@@ -119,7 +121,7 @@ float sheen(int y, const PixelRect& card, int step) {
     return kSheen * left * left;
 }
 
-// The light of the quietest text on channels of different light.
+// A table of the faintest text's light over a channel's light.
 class TextLight {
 public:
     TextLight() {
@@ -147,8 +149,8 @@ struct Light {
         const float letters = luminance(text.on(red), text.on(green), text.on(blue));
         return letters + 0.05F >= contrast * (luminance(red, green, blue) + 0.05F);
     }
-    // Spreads the channels away from grey, a pale colour's further than a full one's. None falls
-    // below 0, so that the hue remains.
+    // Spreads the channels away from grey, further for pale colours than for saturated ones. No
+    // channel falls below 0, so that the hue is kept.
     Light spread() const {
         const float grey = luminance(red, green, blue);
         if (grey <= 0) return *this;
@@ -161,17 +163,17 @@ struct Light {
     }
 };
 
-// How much of the light stays. What is bright is pressed together below what the text bears, what
-// is dark keeps its share: a sun behind the card takes nothing from the sky around it. Less light
-// is always more readable.
+// The share of the light that stays. Bright light is compressed below the text's limit and dark
+// light keeps its share, so that a sun behind the card does not darken the sky around it. Less
+// light is always more readable.
 float scaleFor(const Light& light, const TextLight& text, float contrast) {
-    constexpr float kAdded = kVeil + kSheen;  // everywhere, so that the sheen stays to be seen
+    constexpr float kAdded = kVeil + kSheen;  // added everywhere, so that the sheen stays visible
     constexpr int kHalvings = 12;
     float readable = 0;
     if (light.scaled(kHighestScale, kAdded).isReadable(text, contrast)) {
         readable = kHighestScale;
     } else {
-        // Always as many, and added without a choice: no processor could guess which half it is.
+        // A fixed number of steps without branches, because the branch would be unpredictable.
         float half = kHighestScale / 2;
         for (int i = 0; i < kHalvings; ++i, half /= 2)
             readable +=
@@ -181,13 +183,13 @@ float scaleFor(const Light& light, const TextLight& text, float contrast) {
     return readable > 0 ? readable * (1 - std::exp(-kDimming / readable)) : 0;
 }
 
-// The contrast to keep this many points below the last quiet text. It falls without a visible edge.
+// The contrast to keep this many points below the last faint text. It falls without a visible edge.
 float leastContrast(double below) {
     const auto share = static_cast<float>(std::clamp(below / kTransition, 0.0, 1.0));
     return kTextContrast + (kSymbolContrast - kTextContrast) * share * share * (3 - 2 * share);
 }
 
-// The places whose values the card's pixels are mixed from.
+// The values that the card's pixels are interpolated from.
 PixelRect placesUnder(const PixelRect& card, const GlassPicture& glass) {
     const int left = card.x / glass.step - 1;
     const int top = card.y / glass.step - 1;
@@ -196,7 +198,7 @@ PixelRect placesUnder(const PixelRect& card, const GlassPicture& glass) {
         .intersection({0, 0, glass.red.width, glass.red.height});
 }
 
-// Spreads the colours, dims, adds veil and sheen, and encodes for the screen.
+// Increases saturation, dims, adds veil and sheen, and encodes for the screen.
 void tone(GlassPicture& glass, const PixelRect& card, double textBottom, double scale) {
     static const TextLight text;
     const PixelRect places = placesUnder(card, glass);

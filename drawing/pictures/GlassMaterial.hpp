@@ -1,5 +1,5 @@
-// The card's material: the locker's picture behind it, blurred and darkened as far as white text
-// needs it. Pure functions.
+// The card's glass: the locker's picture behind it, blurred and darkened as far as white text
+// needs. Pure functions.
 #pragma once
 
 #include <cstdint>
@@ -9,15 +9,14 @@
 
 namespace quorvane {
 
-// Brightness as the eye weighs it, 0 to 1, of a pixel in the screen's usual colour space.
+// Relative luminance, 0 to 1, of an sRGB pixel.
 double relativeLuminance(std::uint32_t pixel);
-// How well white text of this opacity stands out from a pixel, 1 to 21.
+// The contrast ratio of white text of this opacity on a pixel, 1 to 21.
 double contrastWithWhite(std::uint32_t pixel, double opacity = 1);
 
 // `card` is the part of the backdrop, in its pixels, that the glass will cover. Down to
-// `textBottom` points below its top, each pixel gives the card's quietest text a contrast of at
-// least 4.5. Further down the glass is lighter, with at least 3 for plain white and the volume's
-// fill.
+// `textBottom` points below its top, the card's faintest text has a contrast of at least 4.5 on
+// each pixel. Further down the glass is lighter; plain white and the volume's fill have at least 3.
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
                        double scale);
 

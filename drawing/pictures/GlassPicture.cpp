@@ -10,14 +10,14 @@
 namespace quorvane {
 namespace {
 
-// Shades and what lies between them in whole numbers, which are rounded down in one step.
+// Shades as fixed-point numbers, which are rounded down by one shift.
 constexpr int kShadeBits = 16;
 constexpr float kShadeUnit = 1 << kShadeBits;
 
 constexpr int kGrainSize = 64;  // a power of two
 
-// Evenly spread below one shade, the same for the same place. No eye finds the repetition of what
-// is at the most one shade.
+// Noise evenly distributed below one shade, the same for the same place. Its repetition is
+// invisible because it is at most one shade.
 struct Grain {
     std::array<std::array<std::uint32_t, kGrainSize>, kGrainSize> rows{};
 
@@ -37,8 +37,8 @@ private:
     }
 };
 
-// The shades of a row of values, at this height between them. The first and the last stand there
-// twice: beyond their middles nothing changes.
+// The shades of one line, interpolated at this height. The first and the last are repeated, because
+// beyond their centres the shade is constant.
 std::vector<std::uint32_t> shadesAt(const Plane& plane, float height) {
     std::vector<float> line;
     plane.readLine(height, line);
@@ -50,10 +50,11 @@ std::vector<std::uint32_t> shadesAt(const Plane& plane, float height) {
     return shades;
 }
 
-// From one value to the next, pixel by pixel.
+// Interpolates from one value to the next, pixel by pixel.
 class Ramp {
 public:
-    // `halves` half pixels after the value, of as many as lie between two values.
+    // Starts `halves` half pixels after the value; `halvesAValue` is the distance between two
+    // values.
     Ramp(const std::vector<std::uint32_t>& shades, int value, int halves, int halvesAValue) {
         const std::uint32_t* const from = &shades[static_cast<std::size_t>(value)];
         const int rise = (static_cast<int>(from[1]) - static_cast<int>(from[0])) / halvesAValue;
@@ -80,7 +81,8 @@ void GlassPicture::readRow(int y, int begin, int end, std::uint32_t* pixels) con
     const auto reds = shadesAt(red, height);
     const auto greens = shadesAt(green, height);
     const auto blues = shadesAt(blue, height);
-    // A value stands in the middle of its pixels: half pixels are the unit in which all is whole.
+    // A value lies at the centre of its pixels, so positions are counted in half pixels, which are
+    // integers.
     const int halvesAValue = 2 * step;
     for (int x = begin; x < end;) {
         const int place = 2 * x + 1 + step;

@@ -1,4 +1,4 @@
-// The card's material as a picture of few values.
+// The card's glass as a low-resolution picture.
 #pragma once
 
 #include <cstdint>
@@ -7,16 +7,16 @@
 
 namespace quorvane {
 
-// One value for a square of pixels, colours as a screen takes them, 0 to 1. Soft as it is, it is
-// sampled between its values.
+// One value per square of pixels; screen-encoded colours, 0 to 1. Pixels are interpolated between
+// values, which suffices because the glass is soft.
 struct GlassPicture {
-    int step = 1;  // pixels a value, in width and height
+    int step = 1;  // pixels per value, in width and height
     Plane red;
     Plane green;
     Plane blue;
 
     // The opaque pixels of one row from `begin` up to `end`. Colours between two shades are
-    // scattered over both, or wide soft areas would show bands.
+    // dithered, because wide soft areas would otherwise show bands.
     void readRow(int y, int begin, int end, std::uint32_t* pixels) const;
 };
 

@@ -8,8 +8,8 @@ namespace {
 
 enum class Order { bigEndian, littleEndian };
 
-// Numbers at places of a header. Places beyond the end read as nothing, and so does all that is
-// made of them.
+// Numbers at offsets of a header. Reading beyond the end returns nullopt, and so does anything
+// computed from it.
 class Header {
 public:
     explicit Header(ByteView bytes) : bytes_(bytes) {}
@@ -62,18 +62,18 @@ std::optional<PictureSize> readBMP(const Header& header) {
 }
 
 bool isStartOfFrame(std::uint32_t marker) {
-    // 0xC4, 0xC8 and 0xCC lie between them and are something else.
+    // 0xC4, 0xC8 and 0xCC lie in this range but are not frames.
     return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
 }
 
-// Segments follow one another, each with its length; the size stands in the start of frame.
+// A JPEG is a sequence of segments with lengths; the start of frame contains the size.
 std::optional<PictureSize> readJPEG(const Header& header) {
     std::size_t place = 2;
     while (place < header.size()) {
         const auto marker = header.number(place, 2, Order::bigEndian);
         if (!marker || *marker < 0xFF00) return std::nullopt;
         const std::uint32_t kind = *marker & 0xFF;
-        if (kind == 0xFF) {  // filling
+        if (kind == 0xFF) {  // fill byte
             ++place;
             continue;
         }
@@ -83,7 +83,7 @@ std::optional<PictureSize> readJPEG(const Header& header) {
         if (isStartOfFrame(kind))
             return sizeOf(header.number(place + 7, 2, Order::bigEndian),
                           header.number(place + 5, 2, Order::bigEndian));
-        // The picture itself begins, or ends, before its size was told.
+        // The picture data begins, or the file ends, before a size was found.
         if (kind == 0xDA || kind == 0xD9) return std::nullopt;
         place += 2 + *length;
     }
@@ -107,7 +107,7 @@ std::optional<PictureSize> readWebP(const Header& header) {
     const auto width = header.number(26, 2, Order::littleEndian);
     const auto height = header.number(28, 2, Order::littleEndian);
     if (!width || !height) return std::nullopt;
-    return PictureSize{*width & kLow14, *height & kLow14};  // above them stands a scale
+    return PictureSize{*width & kLow14, *height & kLow14};  // the upper bits are a scale
 }
 
 struct Format {

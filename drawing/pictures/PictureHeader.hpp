@@ -1,4 +1,4 @@
-// What the first bytes of a picture say, read without decoding it.
+// The size and type of a picture, read from its first bytes without decoding it.
 #pragma once
 
 #include <optional>
@@ -8,8 +8,8 @@
 
 namespace quorvane {
 
-// The size of a PNG, JPEG, GIF, BMP or WebP picture. Nothing for anything else, and where the
-// header is cut off. Never reads beyond the bytes.
+// The size of a PNG, JPEG, GIF, BMP or WebP picture; nullopt for anything else and for a truncated
+// header. Never reads beyond the bytes.
 std::optional<PictureSize> readPictureSize(ByteView encoded);
 // The media type of such a picture, "image/png" for example; null for anything else.
 const char* readPictureType(ByteView encoded);

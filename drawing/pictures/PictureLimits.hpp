@@ -1,4 +1,4 @@
-// How large a picture from outside may be, and how much of it is kept.
+// Limits for the size of external pictures and for the part of them that is kept.
 #pragma once
 
 #include <algorithm>
@@ -12,8 +12,8 @@ struct PictureSize {
     bool operator==(const PictureSize&) const = default;
 };
 
-// Decoding takes memory for every pixel of the original, however few bytes hold it: that memory
-// would be the sender's choice.
+// Decoding needs memory for every pixel of the original, however few encoded bytes it has, so
+// without a limit the sender would choose how much memory is used.
 inline constexpr std::uint32_t kLongestPictureSide = 16'384;
 inline constexpr std::uint64_t kMostPicturePixels = 40'000'000;
 
@@ -26,8 +26,8 @@ constexpr bool isDecodable(const PictureSize& size) {
 // More than any screen shows of the card's artwork.
 inline constexpr std::uint32_t kKeptPictureSide = 256;
 
-// The longer side, in pixels, of what is kept of a picture: its shorter one then has
-// kKeptPictureSide, or all it has.
+// The longer side, in pixels, of the kept picture. Its shorter side is kKeptPictureSide, or the
+// original's if that is smaller.
 constexpr std::uint32_t keptLongerSide(const PictureSize& size) {
     const std::uint32_t longer = std::max(size.width, size.height);
     const std::uint32_t shorter = std::min(size.width, size.height);

@@ -1,4 +1,4 @@
-// Pictures in memory and whole-pixel rectangles, for what is read from and sent to the X server.
+// Pictures in memory and whole-pixel rectangles, as read from and sent to the X server.
 #pragma once
 
 #include <algorithm>
@@ -35,10 +35,10 @@ struct PixelRect {
     constexpr bool operator==(const PixelRect&) const = default;
 };
 
-// As pictures lie in memory here: one std::uint32_t each.
+// Bytes per pixel of our pictures: one std::uint32_t each.
 inline constexpr int kBytesAPixel = 4;
 
-// What holds both.
+// The smallest rectangle that contains both.
 constexpr PixelRect unionOf(const PixelRect& one, const PixelRect& two) {
     const int left = std::min(one.x, two.x);
     const int top = std::min(one.y, two.y);
@@ -75,7 +75,7 @@ struct Pixels {
           height(rows),
           values(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows), value) {}
 
-    // A copy of so many values.
+    // Copies the values.
     Pixels(int columns, int rows, const std::uint32_t* from)
         : width(columns),
           height(rows),
@@ -93,14 +93,14 @@ struct Pixels {
 
 inline constexpr std::uint32_t kOpaqueBlack = 0xff000000;
 
-// Gives one value to the pixels in `area`; what of it is outside the picture does not count.
+// Sets the pixels in `area` to one value; ignores the part outside the picture.
 inline void fill(Pixels& target, const PixelRect& area, std::uint32_t value) {
     const PixelRect place = area.intersection(target.bounds());
     for (int y = place.y; y < place.maxY(); ++y)
         std::fill_n(target.row(y) + place.x, place.width, value);
 }
 
-// Copies `source` so that its top left comes to (x, y); what falls outside is left away.
+// Copies `source` with its top left to (x, y); ignores the part outside the target.
 inline void copyInto(Pixels& target, const Pixels& source, int x, int y) {
     const PixelRect place = source.bounds().movedBy(x, y).intersection(target.bounds());
     for (int line = place.y; line < place.maxY(); ++line)

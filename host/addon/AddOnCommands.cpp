@@ -69,8 +69,8 @@ std::optional<std::string> AddOnCommands::put(const std::filesystem::path& bundl
     return std::nullopt;
 }
 
-// Before the new one stands there: its next launch would go on with a removal that was cut off, and
-// its hello would be answered with one that was asked for.
+// Runs before the new bundle is in place. Otherwise the new bundle's next launch would continue an
+// interrupted removal, and its hello would be answered with a requested one.
 void AddOnCommands::forgetRemoval() {
     static_cast<void>(
         SharedDefaults{services_.sharedSuite}.setLockScreenPendingRemoval(std::nullopt));
@@ -80,8 +80,8 @@ void AddOnCommands::forgetRemoval() {
     static_cast<void>(services_.addOnDefaults->synchronize());
 }
 
-// The old copy goes first: it runs from what is thrown away. One that does not go is the new one's
-// to deal with.
+// Quits the old copy first, because it runs from the bundle that is discarded. If it does not quit,
+// the new copy handles it.
 void AddOnCommands::replaceRunning(const AddOnPlace& place, const std::string& version,
                                    std::string text) {
     AddOnPlace now = place;
@@ -126,7 +126,7 @@ void AddOnCommands::startAndTell(const AddOnPlace& place, const std::vector<std:
         });
 }
 
-// What keeps the card from showing although the add-on runs.
+// The problems that keep the card from showing although the add-on runs.
 std::string AddOnCommands::notes() const {
     std::string text;
     for (const std::string& problem : services_.problems.sentences())
@@ -165,7 +165,8 @@ void AddOnCommands::remove(Done done) {
     control_.quit([this, place = *there](bool) { uninstall(place); });
 }
 
-// Whichever copy says hello from now on hears of it, if the quitting or the removal below fails.
+// Records the request, so that a copy's next hello receives the removal if quitting or removing
+// fails.
 void AddOnCommands::recordRemoval() {
     SharedDefaults shared{services_.sharedSuite};
     LockScreenPendingRemoval removal;
@@ -180,7 +181,7 @@ void AddOnCommands::recordRemoval() {
         QuorvaneDarwinNotification::lockScreenConfigurationChanged);
 }
 
-// A bundle of which only a part is left cannot remove itself.
+// A partial bundle cannot remove itself.
 void AddOnCommands::uninstall(const AddOnPlace& place) {
     const auto isGone = [this, place] {
         return !services_.fileManager.fileExists(place.supportDirectory);
@@ -206,7 +207,7 @@ void AddOnCommands::uninstall(const AddOnPlace& place) {
     });
 }
 
-// Forgets the request, the add-on that was seen, and that its card was on.
+// Clears the request, the last sighting of the add-on, and the card's switch.
 void AddOnCommands::finishRemoval() {
     SharedDefaults shared{services_.sharedSuite};
     static_cast<void>(shared.setLockScreenPendingRemoval(std::nullopt));

@@ -1,4 +1,4 @@
-// What `quorvane-host` does with the add-on for people: install, update, launch, quit, remove.
+// The add-on commands of `quorvane-host`: install, update, launch, quit, remove.
 #pragma once
 
 #include <expected>
@@ -19,9 +19,9 @@
 
 namespace quorvane {
 
-// Main thread only; one command at a time. Each ends by calling `done` once, later or inside the
-// call, with what was done or with one sentence why it failed. After a failure things are as they
-// were, unless the sentence says how far it got. Each may be repeated.
+// Main thread only; one command at a time. Each calls `done` once, later or inside the call, with a
+// text of what was done, or one sentence with the reason of a failure. A failed command changes
+// nothing, unless the sentence says how far it got. Each may be repeated.
 class AddOnCommands {
 public:
     struct Services {
@@ -42,16 +42,16 @@ public:
 
     // Puts the bundle in its place, turns the card on and starts the add-on.
     void install(const std::filesystem::path& bundle, Done done);
-    // The same for a newer version than the one installed; the card stays on or off.
+    // Like install, but only for a newer version than the installed one; the card stays on or off.
     void update(const std::filesystem::path& bundle, Done done);
     void launch(Done done);
     void quit(Done done);
-    // Has the add-on remove itself with all that it has left.
+    // Makes the add-on remove itself and everything it has stored.
     void remove(Done done);
 
 private:
     std::expected<AddOnPlace, std::string> place() const;
-    // Both return why it was not done.
+    // Both return the reason of a failure; nullopt when it worked.
     std::optional<std::string> put(const std::filesystem::path& bundle, const AddOnPlace& place);
     std::optional<std::string> start(const AddOnPlace& place,
                                      const std::vector<std::string>& arguments) const;

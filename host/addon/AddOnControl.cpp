@@ -6,9 +6,9 @@ namespace quorvane {
 namespace {
 
 constexpr Duration kQuitPatience = std::chrono::seconds{3};
-// A new copy gives an older one twelve seconds.
+// A new copy waits twelve seconds for an older one.
 constexpr Duration kStartPatience = std::chrono::seconds{20};
-// Time enough to end at once.
+// Enough for a copy that ends at once.
 constexpr Duration kDeafStartPatience = std::chrono::seconds{2};
 constexpr Duration kRemovalPatience = std::chrono::seconds{10};
 constexpr int kLooksBetweenRequests = 5;
@@ -33,7 +33,7 @@ void AddOnControl::quit(std::function<void(bool)> done) {
     });
 }
 
-// One that has been asked to remove itself does not listen to the notice any more.
+// A copy that was asked to remove itself no longer listens to the notice.
 void AddOnControl::askAsTheSystemAsks() {
     for (const RunningCopy& copy :
          services_.applications.running(std::string{kAddOnBundleIdentifier}))
@@ -60,7 +60,7 @@ void AddOnControl::awaitVersion(const std::string& version, std::function<void(A
         });
 }
 
-// It may have missed earlier requests: it hears them only once it has started.
+// Requests again, because an add-on does not receive requests before it has started.
 void AddOnControl::requestStatus() {
     if (looks_++ % kLooksBetweenRequests == 0)
         services_.notices.post(AddOnSignals::kStatusRequest, {});

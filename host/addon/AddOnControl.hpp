@@ -1,4 +1,4 @@
-// A running add-on as the installer deals with it: is it there, and will it go?
+// The installer's view of a running add-on: finds it, quits it, and waits for it.
 #pragma once
 
 #include <functional>
@@ -12,25 +12,25 @@
 
 namespace quorvane {
 
-// Main thread only. One question at a time; the answer comes later, once.
+// Main thread only. One operation at a time; each calls back once, later.
 class AddOnControl {
 public:
     struct Services {
         RunningApplications applications;
         DistributedNotices notices;
         Clock clock;
-        bool canHearNotices = true;  // false without a bus: nothing answers, so waiting is short
+        bool canHearNotices = true;  // false without a bus: no add-on answers, so waits are short
     };
     enum class Answer { runs, ended, isSilent };
 
     explicit AddOnControl(Services services);
 
     bool isRunning() const;
-    // Asks every copy to quit, by notice and, where that fails, as the system asks. `done` gets
-    // whether none is left.
+    // Asks every copy to quit, by notice and, if that fails, through the system. `done` receives
+    // true when no copy is left.
     void quit(std::function<void(bool)> done);
-    // Waits until an add-on of this version says that it is there. A copy that has just been
-    // launched may first have to wait for another one to go.
+    // Waits until an add-on of this version answers. A newly launched copy may first have to wait
+    // for another one to quit.
     void awaitVersion(const std::string& version, std::function<void(Answer)> done);
     // Waits until the condition holds, for as long as a copy takes to remove itself.
     void awaitRemoval(std::function<bool()> isRemoved, std::function<void(bool)> done);

@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Nothing but what a bundle's folder holds, or nothing at all.
+// Whether the folder is empty or holds only a bundle's "Contents".
 bool mayBeLeftOfBundle(const fs::path& folder) {
     std::error_code error;
     fs::directory_iterator place{folder, error};

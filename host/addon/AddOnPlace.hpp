@@ -1,4 +1,4 @@
-// What stands where the add-on is installed.
+// State of the folder where the add-on is installed.
 #pragma once
 
 #include <optional>
@@ -13,21 +13,21 @@ struct AddOnPlace {
     enum class State {
         empty,
         installed,
-        damaged,  // what is left of a bundle
-        foreign,  // not ours to touch; `trouble` says what it is
+        damaged,  // the remains of a bundle
+        foreign,  // not the add-on's; left alone. `trouble` describes it
     };
 
     std::filesystem::path supportDirectory;
     std::filesystem::path bundle;
     State state = State::empty;
-    std::string version;  // of an installed one; "-" when it does not say
+    std::string version;  // of an installed bundle; "-" when it has none
     std::string trouble;
 
     static AddOnPlace look(const std::filesystem::path& applicationSupport,
                            const BundleFiles& files);
 };
 
-// The version of a bundle that is the add-on; nothing when it is not.
+// The version of a bundle that is the add-on; nullopt when it is not the add-on.
 std::optional<std::string> addOnVersionOf(const std::filesystem::path& bundle,
                                           const BundleFiles& files);
 

@@ -1,4 +1,4 @@
-// Which bundle `quorvane-host install` installs when none is named.
+// The bundle that `quorvane-host install` installs by default.
 #pragma once
 
 #include <optional>
@@ -7,8 +7,8 @@
 
 namespace quorvane {
 
-// The add-on's bundle that belongs to this program: in the folder above it, as when built, or in
-// "lib/quorvane" beside the folder it lies in, as when packaged.
+// The add-on's bundle that belongs to this program: in the parent of the program's folder, as when
+// built, or in "lib/quorvane" there, as when packaged.
 std::optional<std::filesystem::path> bundleToInstall(const std::filesystem::path& program,
                                                      const BundleFiles& files);
 

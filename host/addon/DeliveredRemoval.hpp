@@ -1,5 +1,5 @@
-// Follows up a removal that the add-on was asked for in the answer to its hello. The add-on then
-// only closes its windows and waits; its files go when it is started again to remove itself.
+// Follow-up of a removal that was delivered to the add-on in the answer to its hello. The add-on
+// then only closes its windows and waits; its files go when it is started again to remove itself.
 #pragma once
 
 #include "host/addon/AddOnCommands.hpp"
@@ -11,12 +11,12 @@ namespace quorvane {
 // Main thread only.
 class DeliveredRemoval {
 public:
-    // Longer than `quorvane-host remove` takes, which carries out its removal itself.
+    // Longer than `quorvane-host remove` takes, which carries out its own removal.
     static constexpr Duration kPatience = std::chrono::seconds{20};
 
     DeliveredRemoval(AddOnCommands::Services services, Logger log);
 
-    // If the removal is still pending some time later, quits the add-on and removes it.
+    // If the removal is still pending after kPatience, quits the add-on and removes it.
     void delivered();
 
 private:

@@ -51,7 +51,7 @@ constexpr OptionRow kRunOptions[] = {
 
 std::string inQuotes(std::string_view text) { return "'" + std::string{text} + "'"; }
 
-// Takes the arguments one after the other.
+// Takes the arguments one by one.
 struct Parser {
     std::span<const std::string> arguments;
     HostCommandLine line{};
@@ -150,7 +150,7 @@ std::string helpRow(std::string left, std::string_view right) {
 
 std::expected<HostCommandLine, std::string> HostCommandLine::parse(
     std::span<const std::string> arguments) {
-    // Help is given whatever else is there.
+    // --help takes precedence over all other arguments.
     if (contains(arguments, "--help", "-h")) return HostCommandLine{.command = Command::help};
     if (contains(arguments, "--version", "-V")) return HostCommandLine{.command = Command::version};
     Parser parser{.arguments = arguments};

@@ -8,10 +8,10 @@
 
 namespace quorvane {
 
-// What the program exits with.
+// The program's exit statuses.
 enum HostExitStatus {
     kHostDone = 0,
-    kHostFailed = 1,  // of `status` also: no host is running
+    kHostFailed = 1,  // also for `status` when no host is running
     kHostMisused = 2,
 };
 
@@ -33,12 +33,12 @@ struct HostCommandLine {
 
     Command command = Command::run;
     Player player = Player::mpris;
-    std::optional<std::string> script{};      // always there when scripted
+    std::optional<std::string> script{};      // always set when scripted
     std::optional<std::string> onlyPlayer{};  // the name of the players to follow
-    std::optional<std::string> bundle{};      // to install; the program's own when not named
+    std::optional<std::string> bundle{};      // to install; nullopt: the program's own
     bool operator==(const HostCommandLine&) const = default;
 
-    // `arguments` without the program's own name. A failure is one sentence for a person.
+    // `arguments` excludes the program's own name. An error is one sentence for the user.
     static std::expected<HostCommandLine, std::string> parse(
         std::span<const std::string> arguments);
     static std::string help();

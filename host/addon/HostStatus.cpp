@@ -10,7 +10,7 @@ namespace quorvane {
 
 namespace {
 
-// Titles come from anywhere and go to a terminal, which takes control characters for commands.
+// Titles are untrusted and are printed to a terminal, which would interpret control characters.
 std::string printable(std::string_view text) {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -29,7 +29,7 @@ std::string printable(std::string_view text) {
 }
 
 std::string minutes(double seconds) {
-    // Whoever answers may say anything; beyond this a double has no whole seconds anyway.
+    // The answer is untrusted; larger doubles do not represent whole seconds anyway.
     const auto whole = static_cast<std::int64_t>(std::clamp(seconds, 0.0, 9e15));
     const std::string rest = std::to_string(whole % 60);
     return std::to_string(whole / 60) + (rest.size() < 2 ? ":0" : ":") + rest;

@@ -1,4 +1,4 @@
-// What `quorvane-host status` prints.
+// The data and text of `quorvane-host status`.
 #pragma once
 
 #include <expected>
@@ -28,7 +28,7 @@ struct HostStatus {
     std::optional<AddOnSignals::Status> addOn;  // what it answered
     std::vector<std::string> problems;          // of the session
 
-    // A few lines for a person.
+    // A few lines for the user.
     std::string text(WallTime now) const;
 };
 

@@ -1,4 +1,4 @@
-// Gathers what `quorvane-host status` prints.
+// Collector of the data for `quorvane-host status`.
 #pragma once
 
 #include <functional>
@@ -30,7 +30,7 @@ public:
 
     explicit HostStatusQuery(Services services) : services_(std::move(services)) {}
 
-    // Asks the host, which may take two seconds, and then the add-on, which has half a second to
+    // Asks the host, which may take two seconds, then the add-on, which has half a second to
     // answer. `done` runs once, later.
     void start(std::function<void(HostStatus)> done);
 

@@ -1,4 +1,4 @@
-// Turns the card on the lock screen on and off, for `quorvane-host enable` and `disable`.
+// Switch for the card on the lock screen, used by `quorvane-host enable` and `disable`.
 #pragma once
 
 #include <expected>
@@ -16,7 +16,7 @@ struct CardSwitch {
     DarwinNotices darwinNotices;
     std::optional<UserDefaults> sharedSuite;
 
-    // Says what was done, or why nothing was. Main thread only.
+    // Returns a text of what was done, or the reason of a failure. Main thread only.
     std::expected<std::string, std::string> set(bool isEnabled) const;
 };
 

@@ -7,15 +7,15 @@ namespace quorvane {
 
 namespace {
 
-// A change of track comes as a handful of changes in quick succession, the artwork last. The add-on
-// hears of them once.
+// A track change arrives as several changes in quick succession, the artwork last. They are
+// coalesced into one notice to the add-on.
 constexpr Duration kCoalescing = std::chrono::milliseconds{50};
 constexpr std::size_t kPortCount = kQueryPortCount + 1;
 
 }  // namespace
 
-// What the handlers on the ports' threads reach. `host` is empty once the coordinator is gone; it
-// is looked at on the main thread only.
+// State that the handlers on the ports' threads share. `host` is null once the coordinator is
+// destroyed; only the main thread reads it.
 struct HostCoordinator::Link {
     PublishedState state;
     MainThread mainThread;
@@ -23,7 +23,7 @@ struct HostCoordinator::Link {
     WallClock wallClock;
     HostCoordinator* host = nullptr;
 
-    // Runs the action on the main thread, soon, if the coordinator is still there.
+    // Runs the action soon on the main thread, if the coordinator is still alive.
     static void post(const std::shared_ptr<Link>& link,
                      std::function<void(HostCoordinator&)> action) {
         link->mainThread.post([weak = std::weak_ptr{link}, action = std::move(action)] {
@@ -80,7 +80,7 @@ void HostCoordinator::stop() {
     waits_.end();
     ports_->end();
     starting_.reset();
-    server_->stop();  // its threads look at `server_`
+    server_->stop();  // its threads use `server_`
     server_.reset();
     if (isServing()) {
         log_.info("host: ending");
@@ -93,8 +93,8 @@ bool HostCoordinator::isServing() const { return openPorts_ == kPortCount; }
 
 bool HostCoordinator::hasSecret() const { return server_ && server_->expectedSecret; }
 
-// On the main port's thread, before any port of this server answers. Not earlier, because a new
-// secret would cut off the add-on of a host that still serves.
+// Runs on the main port's thread, before any port of this server answers. Not earlier, because a
+// new secret would cut off the add-on of a host that still serves.
 void HostCoordinator::findSecret() {
     auto& secret = server_->expectedSecret;
     secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));
@@ -111,11 +111,11 @@ OpenPort HostCoordinator::countingOpenPort() {
 }
 
 void HostCoordinator::portOpened() {
-    if (!server_) return;  // the news came after the end
+    if (!server_) return;  // posted before the server stopped
     ++openPorts_;
     if (!isServing()) return;
     log_.info("host: serving");
-    // Whoever was here before us is gone: the add-on connects anew and says who it is.
+    // Any previous host has ended, so make the add-on reconnect and say hello.
     notices_.post(QuorvaneDarwinNotification::playerStateChanged);
     notices_.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
     if (onServing) onServing();
@@ -156,8 +156,8 @@ void HostCoordinator::playerChanged() {
     announceSoon();
 }
 
-// The card already shows what its command was to bring about. Where that fails, a notice without a
-// change makes the card ask for the true state.
+// The card already shows the command's expected result. If the command fails, a notice without a
+// change makes the card request the true state.
 void HostCoordinator::commandEnded(bool isCarriedOut) {
     if (isCarriedOut) return;
     announced_.reset();

@@ -1,5 +1,5 @@
-// The main application's side of the link, as a whole: it owns the player, the ports' server and
-// what is said to the add-on.
+// The main application's side of the link: owns the player, the ports' server and the notices to
+// the add-on.
 #pragma once
 
 #include <memory>
@@ -19,15 +19,15 @@
 
 namespace quorvane {
 
-// Main thread only. What the ports' threads need is shared with them; everything else they post
-// here.
+// Main thread only. The ports' threads share only the state they need; they post everything else to
+// the main thread.
 class HostCoordinator {
 public:
     struct Services {
         LogSink log;
         OpenPort openPort;
         std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
-        std::function<void(const std::string& name)> nameCurrentThread;  // may be unset
+        std::function<void(const std::string& name)> nameCurrentThread;  // may be null
         FileStore files;
         FillRandom fillRandom;
         MainThread mainThread;
@@ -41,10 +41,10 @@ public:
     HostCoordinator(Services services, std::unique_ptr<PlayerSource> player);
     ~HostCoordinator();
 
-    // Serves from now on, or from when the host that holds the ports' names has ended. False when
-    // the system refuses the thread for that.
+    // Serves from now on, or once the host that holds the ports' names has ended. Returns false
+    // when the system refuses the thread.
     bool start();
-    // Tells the add-on, if it was served. The names are free afterwards.
+    // Notifies the add-on, if it was served. Frees the ports' names.
     void stop();
 
     // Whether all ports are open.
@@ -54,7 +54,7 @@ public:
     bool hasSecret() const;
     // Called when all ports have opened.
     std::function<void()> onServing;
-    // Called when the add-on was told to remove itself.
+    // Called when the add-on was asked to remove itself.
     std::function<void()> onRemovalDelivered;
 
 private:
@@ -79,10 +79,10 @@ private:
     EndableWaits waits_;
     std::optional<MainPortFirst> ports_;  // outlives the server, whose threads call it
     std::optional<MessagePortServer> server_;
-    // Starts the server, which may take as long as another host lives. Destroyed before it.
+    // Starts the server, which may block until another host ends. Destroyed before the server.
     std::unique_ptr<SerialQueue> starting_;
     std::size_t openPorts_ = 0;
-    std::optional<PlayerSnapshot> announced_;  // nullopt: the next announcement is due regardless
+    std::optional<PlayerSnapshot> announced_;  // nullopt: always announce the next snapshot
     Timer announcement_;
 };
 

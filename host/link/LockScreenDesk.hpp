@@ -1,4 +1,4 @@
-// Answers the add-on's hellos from the shared defaults, and notes there what they say.
+// Responder to the add-on's hellos: answers from the shared defaults and records each hello there.
 #pragma once
 
 #include <functional>
@@ -15,11 +15,11 @@ class LockScreenDesk {
 public:
     LockScreenDesk(SharedDefaults& defaults, WallClock now, Logger log);
 
-    // The encoded configuration. A hello that cannot be understood is answered with one that keeps
-    // the card off.
+    // Returns the encoded configuration. An undecodable hello gets a configuration that keeps the
+    // card off.
     Bytes answer(Bytes request);
 
-    // Called while the answer is made that asks the add-on to remove itself.
+    // Called while making an answer that asks the add-on to remove itself.
     std::function<void()> onRemovalDelivered;
 
 private:

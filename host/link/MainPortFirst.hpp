@@ -1,4 +1,4 @@
-// Opens a host's ports so that of two hosts that start together one gets all of them.
+// Order of opening a host's ports: if two hosts start together, one of them gets all ports.
 #pragma once
 
 #include <condition_variable>
@@ -9,17 +9,17 @@
 
 namespace quorvane {
 
-// The holder of the main port is the host that serves: a query port counts as taken until this
-// process holds the main port. Any thread.
+// The host that holds the main port is the one that serves. So a query port counts as taken until
+// this process holds the main port. Any thread.
 class MainPortFirst {
 public:
     // `onMainPort` runs on the main port's thread before any port answers a request.
     MainPortFirst(OpenPort openPort, std::function<void()> onMainPort);
 
-    // An attempt to open a query port waits until the main port was tried as often, so that all
-    // ports of a host that ends are taken over in one round.
+    // An attempt to open a query port waits until the main port has been tried as often, so that
+    // all ports of a host that ends are taken over in one round.
     std::unique_ptr<LocalPort> open(const std::string& name, PortHandler handler);
-    // Ends the waits, now and from now on.
+    // Ends the current waits and prevents further ones.
     void end();
 
 private:

@@ -6,10 +6,10 @@ namespace quorvane {
 
 namespace {
 
-// What a look at a file has brought.
+// The result of checking a file.
 struct Look {
     bool isUnchanged = false;         // the file is the one that was read before
-    std::optional<StampedFile> file;  // else its contents, if it could be read
+    std::optional<StampedFile> file;  // otherwise its contents, if readable
 };
 
 Look lookAt(const RegularFiles& files, const std::filesystem::path& path,
@@ -32,8 +32,8 @@ struct ArtworkLoader::State : std::enable_shared_from_this<State> {
     std::string wantedTrack;
     std::optional<std::filesystem::path> wanted;
     bool isLooking = false;
-    bool isOutdated = false;  // another look is due once the one under way is done
-    // What was read last; `picture` is empty while something else is wanted.
+    bool isOutdated = false;  // check again after the present check
+    // The file read last; `picture` is nullopt while another file is wanted.
     std::optional<std::filesystem::path> knownPath;
     std::optional<FileStamp> knownStamp;
     std::optional<SharedBytes> picture;
@@ -46,8 +46,8 @@ void ArtworkLoader::State::look(SerialQueue& queue) {
     if (!wanted) return;
     isOutdated = isLooking;
     if (isLooking) return;
-    // The queue and everything behind it may be gone when the answer is there. A look that the
-    // system has no thread for brings no picture; the next one tries again.
+    // The state and the queue may be destroyed before the result arrives. If the system refuses a
+    // thread, no picture is read; the next check retries.
     isLooking = queue.async([weak = weak_from_this(), queue = &queue, files = files,
                              mainThread = mainThread, path = *wanted,
                              known = knownPath == wanted ? knownStamp : std::nullopt] {

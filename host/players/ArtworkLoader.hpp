@@ -1,4 +1,4 @@
-// The picture that a player points to, read in the background and kept until another one is wanted.
+// Background loader of the picture that a player points to; keeps it until another is wanted.
 #pragma once
 
 #include <filesystem>
@@ -14,8 +14,8 @@
 
 namespace quorvane {
 
-// Main thread only; the files are read on a queue of its own, so that a slow or dead file system
-// costs the picture and nothing else. A picture that cannot be read is none.
+// Main thread only. Files are read on a separate queue, so that a slow or dead file system delays
+// only the picture. A picture that cannot be read is nullopt.
 class ArtworkLoader {
 public:
     static constexpr std::uint64_t kLargest = 8u << 20;
@@ -25,17 +25,17 @@ public:
                   std::function<void()> onLoaded);
     ~ArtworkLoader();
 
-    // The URL of the picture that is wanted from now on, for the given track. A player may use one
-    // file for all its tracks, so each track has the file looked at anew.
+    // Sets the URL of the wanted picture and its track. The file is checked again for each track,
+    // because a player may use one file for all its tracks.
     void want(const std::string& trackKey, const std::string& url);
-    // Looks whether the wanted file has changed, or is there by now.
+    // Checks whether the wanted file has changed or now exists.
     void lookAgain();
 
     const std::optional<SharedBytes>& picture() const;
 
 private:
     struct State;
-    std::shared_ptr<State> state_;  // shared only to be held weakly by work in flight
+    std::shared_ptr<State> state_;  // shared only so that pending work can hold it weakly
     std::unique_ptr<SerialQueue> queue_;
 };
 

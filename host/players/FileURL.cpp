@@ -34,7 +34,7 @@ std::optional<std::filesystem::path> localFile(std::string_view url) {
         constexpr std::string_view thisMachine = "localhost/";
         if (rest.starts_with(thisMachine)) rest.remove_prefix(thisMachine.size() - 1);
     }
-    // A path's own '?' and '#' are written as escapes; bare ones end it.
+    // A path writes its own '?' and '#' as escapes; unescaped ones end it.
     rest = rest.substr(0, rest.find_first_of("?#"));
     if (!rest.starts_with('/')) return std::nullopt;
     const auto path = percentDecoded(rest);

@@ -1,4 +1,4 @@
-// Files of this machine that are named by a URL.
+// Local files named by URLs.
 #pragma once
 
 #include <filesystem>
@@ -8,11 +8,11 @@
 
 namespace quorvane {
 
-// The path of a "file:" URL of this machine, its percent escapes resolved. Nothing for every other
-// URL: what lies on the network is not fetched.
+// The path of a "file:" URL of this machine, with its percent escapes decoded. Returns nullopt for
+// every other URL, because files on the network are not fetched.
 std::optional<std::filesystem::path> localFile(std::string_view url);
 
-// The text with its percent escapes resolved; nothing when one is malformed or stands for NUL.
+// The text with its percent escapes decoded; nullopt when one is malformed or decodes to NUL.
 std::optional<std::string> percentDecoded(std::string_view text);
 
 }  // namespace quorvane

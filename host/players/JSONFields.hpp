@@ -1,5 +1,5 @@
-// The fields of a JSON object written by a person: every misspelt key, wrong type and value out of
-// range is told with its place.
+// Reader of a hand-written JSON object's fields: reports every misspelt key, wrong type and value
+// out of range with its place.
 #pragma once
 
 #include <rapidjson/document.h>
@@ -13,15 +13,15 @@
 
 namespace quorvane {
 
-// Gathers the first complaint of several readers.
+// The first complaint of several readers.
 struct JSONComplaint {
-    std::string text;  // empty: none
+    std::string text;  // empty: no complaint
 
     void add(const std::string& place, const std::string& reason);
 };
 
-// A field that is absent or wrong is read as nothing; a wrong one is complained about. Lives no
-// longer than the value and the complaint it was made with.
+// A field that is absent or invalid reads as nullopt or null; an invalid one adds a complaint. The
+// value and the complaint must outlive this object.
 class JSONFields {
 public:
     // `place` is the object's own key path, "" for the root.
@@ -47,7 +47,7 @@ public:
     }
     const rapidjson::Value* object(const char* key);
     const rapidjson::Value* array(const char* key);
-    // Complains about keys that none of the calls above has asked for. Call last.
+    // Complains about keys that no call above has requested. Call last.
     void refuseOthers();
 
     std::string place(std::string_view key) const;

@@ -69,7 +69,7 @@ std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer&
         case QuorvaneAction::toggleMute: return changeVolume(action, volume, volumeBeforeMute);
         case QuorvaneAction::toggleShuffle: return toggleShuffle(player);
         case QuorvaneAction::toggleRepeat: return toggleRepeat(player);
-        case QuorvaneAction::switchPlayer:  // a choice among players
+        case QuorvaneAction::switchPlayer:  // handled by the choice among players
         case QuorvaneAction::toggleLove:    // MPRIS cannot express loving and rating
         case QuorvaneAction::toggleDislike:
         case QuorvaneAction::increaseRating:

@@ -1,5 +1,5 @@
-// What a command of the card becomes: a message to the player over MPRIS, or a new volume at the
-// sound server. Pure values.
+// The action of a card's command: a message to the player over MPRIS, or a new volume at the sound
+// server. Pure values.
 #pragma once
 
 #include <cstdint>
@@ -25,14 +25,13 @@ struct MprisRaise {
     bool operator==(const MprisRaise&) const = default;
 };
 struct SetSoundVolume {
-    std::optional<std::uint32_t> stream;  // the system's volume without one
+    std::optional<std::uint32_t> stream;  // nullopt: the system's volume
     double volume;
     bool operator==(const SetSoundVolume&) const = default;
 };
 using MprisCommand = std::variant<MprisCall, MprisSet, MprisRaise, SetSoundVolume>;
 
-// Both return nullopt when the command cannot be carried out. `volumeBeforeMute` is what unmuting
-// goes back to.
+// Both return nullopt when the command cannot be carried out. Unmuting restores `volumeBeforeMute`.
 std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer& player,
                                        const PlayerVolume& volume, double volumeBeforeMute);
 std::optional<MprisCommand> volumeCommand(std::int64_t percent, const PlayerVolume& volume);

@@ -6,8 +6,8 @@ namespace quorvane {
 
 namespace {
 
-// Players that do not know their position say 0 whenever they are asked. Their own reckoning is
-// better than a card that jumps back to the start.
+// Some players do not know their position and always report 0. For them the extrapolated position
+// is kept, so that the card does not jump back to the start.
 bool knowsNoPosition(const MprisPlayback& before, const MediaPlayer& player) {
     return before.heardAt && before.heard == 0 && player.position == 0 && before.anchor.isPlaying;
 }

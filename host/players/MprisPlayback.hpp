@@ -1,5 +1,5 @@
-// Where an MPRIS player's playback stands. Its position is heard of only now and then, so it is
-// reckoned in between. Pure values.
+// Playback position of an MPRIS player. The player reports it only occasionally, so it is
+// extrapolated in between. Pure values.
 #pragma once
 
 #include <cstdint>
@@ -15,13 +15,13 @@ struct MprisPlayback {
     std::string player;
     std::string trackKey;
     PlaybackAnchor anchor;
-    std::optional<Instant> heardAt{};  // when the player last told its position
-    std::int64_t heard = 0;            // what it told, in microseconds
+    std::optional<Instant> heardAt{};  // when the player last reported its position
+    std::int64_t heard = 0;            // the reported position, in microseconds
 
-    // The playback after the player has said something; `before` is empty at first.
+    // The playback after a report from the player; `before` is nullopt at first.
     static MprisPlayback following(const std::optional<MprisPlayback>& before,
                                    const MediaPlayer& player, Instant now);
-    // Whether the position has to be asked for: what is reckoned rests on something that changed.
+    // Whether the position must be requested, because the extrapolation's basis has changed.
     bool isInDoubt(const std::optional<MprisPlayback>& before) const;
 };
 

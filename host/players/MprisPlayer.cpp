@@ -9,7 +9,7 @@ namespace quorvane {
 
 namespace {
 
-// However many clients ask for the state, a player is asked no more often than this.
+// The minimum interval between requests to a player, however many clients ask for the state.
 constexpr Duration kFreshness = std::chrono::seconds{1};
 
 }  // namespace
@@ -83,7 +83,7 @@ void MprisPlayer::followCurrent() {
     artwork_.want(player->busName + ' ' + playback_->trackKey, artworkURLOf(*player));
 }
 
-// A server that was not there is looked for again with each track and each pause.
+// If the server was not available, retries with each new track and each pause.
 void MprisPlayer::followSound(const MediaPlayer& player, bool looksAgain) {
     if (!needsSoundServer(player)) {
         soundObservation_.reset();

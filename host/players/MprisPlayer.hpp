@@ -1,4 +1,4 @@
-// The music players of the session as one player: the one that is chosen among them.
+// The music players of the session as one player: the one chosen among them.
 #pragma once
 
 #include <memory>
@@ -16,8 +16,8 @@
 
 namespace quorvane {
 
-// Main thread only. Nothing wakes the process while no player announces anything and no client
-// asks. The sound server is connected only while the chosen player needs it.
+// Main thread only. Does not wake the process while no player sends a change and no client asks.
+// The sound server is connected only while the chosen player needs it.
 class MprisPlayer : public PlayerSource {
 public:
     struct Services {
@@ -53,12 +53,12 @@ private:
     Logger log_;
     PlayerChoice choice_;
     std::optional<MprisPlayback> playback_;
-    SoundLevels sound_;  // empty while the server is not needed or not there
+    SoundLevels sound_;  // empty while the server is not needed or not available
     double volumeBeforeMute_ = 0.5;
     std::optional<Instant> freshenedAt_;
     ArtworkLoader artwork_;
     Handle soundObservation_;
-    Handle observation_;  // last: its callback uses everything above
+    Handle observation_;  // last, because its callback uses all members above
 };
 
 }  // namespace quorvane

@@ -13,9 +13,9 @@ namespace {
 
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
 constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
-// No card shows more; a player must not be able to make states too large to be sent.
+// No card shows more, and a player must not make states too large to be sent.
 constexpr std::size_t kLongestText = 4096;
-// Streams without an end are announced with no length or with an absurd one.
+// Endless streams report no length or an absurd one.
 constexpr double kLongestTrack = 7 * 24 * 3600;
 
 const PropertyDictionary& metadataOf(const MediaPlayer& player) {
@@ -31,7 +31,7 @@ std::string_view nameOnBus(const MediaPlayer& player) {
     return name;
 }
 
-// At most kLongestText bytes, cut between two characters.
+// At most kLongestText bytes, cut at a character boundary.
 std::string withinReason(std::string text) {
     if (text.size() <= kLongestText) return text;
     std::size_t end = kLongestText;
@@ -57,7 +57,7 @@ std::optional<double> numberOf(const PropertyDictionary& dictionary, std::string
     return std::nullopt;
 }
 
-// A list of names as one text. Some players give a text where a list is asked for.
+// A list of names as one text. Some players send a text where a list is specified.
 std::string joinedNames(const PropertyDictionary& metadata, std::string_view key) {
     if (find<std::string>(metadata, key)) return textOf(metadata, key);
     const auto* names = find<PropertyArray>(metadata, key);
@@ -82,7 +82,7 @@ bool isAddress(std::string_view text) { return text.find("://") != std::string_v
 
 bool isOnNetwork(std::string_view url) { return isAddress(url) && !url.starts_with("file:"); }
 
-// Some players make a title of an untagged track's address, or of the part after its last slash.
+// Some players use an untagged track's address, or the part after its last slash, as the title.
 bool isMadeOfAddress(const std::string& title, const std::string& url) {
     const auto endsIn = [end = '/' + title](const std::optional<std::string>& text) {
         return text && text->ends_with(end);
@@ -107,7 +107,7 @@ std::string fileTitleOf(const std::string& url) {
     return isValidUTF8(name) ? name : "";  // a file's name may hold any bytes
 }
 
-// A network URL is never part of it: its path or its query may hold a secret.
+// The result never contains a network URL, because its path or query may hold a secret.
 std::string titleOf(const MediaPlayer& player) {
     const PropertyDictionary& metadata = metadataOf(player);
     const std::string url = textOf(metadata, "xesam:url");
@@ -132,7 +132,7 @@ bool isSpotify(const MediaPlayer& player) {
     return player.identity == "Spotify" || isNamed(player, "spotify");
 }
 
-// The streaming service marks what it plays between tracks in the identifier.
+// The service marks what it plays between tracks in the identifier.
 bool isAdvertisement(const PropertyDictionary& metadata) {
     const std::string identifier = trackIdentifier(metadata);
     return identifier.starts_with("spotify:ad:") || identifier.starts_with("/com/spotify/ad/");
@@ -192,7 +192,8 @@ std::string artworkURLOf(const MediaPlayer& player) {
 std::string trackKeyOf(const MediaPlayer& player) {
     const auto track = trackOf(player);
     if (!track) return "";
-    // Some players give every track the same identifier, others change titles within a stream.
+    // The identifier is not enough: some players use one for all tracks, others change titles
+    // within a stream.
     constexpr char separator = '\x1f';
     const PropertyDictionary& metadata = metadataOf(player);
     return trackIdentifier(metadata) + separator + textOf(metadata, "xesam:url") + separator +

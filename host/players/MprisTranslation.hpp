@@ -1,4 +1,4 @@
-// From the words of MPRIS to the records of the link. Pure functions.
+// Translation from MPRIS to the records of the link. Pure functions.
 #pragma once
 
 #include <optional>
@@ -10,25 +10,25 @@
 
 namespace quorvane {
 
-// The player's state without artwork, volume, position and timestamp. It has no track when nothing
+// The player's state without artwork, volume, position and timestamp. The track is absent when none
 // is loaded.
 QuorvanePlayerState playerStateOf(const MediaPlayer& player);
 
-// Where the artwork of the current track is said to be; "" when it has none.
+// The URL of the current track's artwork; "" when it has none.
 std::string artworkURLOf(const MediaPlayer& player);
-// Differs between two tracks of one player; "" when nothing is loaded.
+// Differs between two tracks of one player; "" when no track is loaded.
 std::string trackKeyOf(const MediaPlayer& player);
-// The playback speed, 1 unless the player states another sensible one.
+// The playback speed, 1 unless the player reports another plausible one.
 double rateOf(const MediaPlayer& player);
 
-// A player that only repeats what another one says.
+// Whether the player only mirrors another one.
 bool isProxy(const MediaPlayer& player);
-// Whether the name's last parts are `name`: "mpv" fits "org.mpris.MediaPlayer2.mpv" and
-// "org.mpris.MediaPlayer2.mpv.instance7".
+// Whether the bus name, after its common prefix, is `name` or begins with `name` and a dot: "mpv"
+// matches "org.mpris.MediaPlayer2.mpv" and "org.mpris.MediaPlayer2.mpv.instance7".
 bool isNamed(const MediaPlayer& player, std::string_view name);
 
-// Whether the player permits what the flag, such as "CanPause", stands for; true when it does not
-// say.
+// Whether the player allows the operation of the flag, such as "CanPause"; true when the flag is
+// absent.
 bool allows(const MediaPlayer& player, std::string_view flag);
 
 // Whether the player gives its track neither a title nor a URL.

@@ -1,4 +1,4 @@
-// Which of several players the card follows. Pure values.
+// Rule that decides which of several players the card follows. Pure values.
 #pragma once
 
 #include <cstdint>
@@ -18,15 +18,15 @@ struct PlayerCandidate {
     bool isNameless = false;  // its track has neither a title nor a URL
 };
 
-// A player that plays goes before one that is paused, that before one that is stopped. Among equals
-// the followed one stays, so that a sound from elsewhere does not take the card away; else the one
-// that began to play last. A nameless track counts from when it plays, because some idle players
-// call themselves paused. A choice by hand holds until its player is gone, or until it does not
-// play and another one begins to.
+// A playing player precedes a paused one, a paused one precedes a stopped one. Among equals the
+// followed player stays, so that a sound from another player does not take over the card. Otherwise
+// the player that started last wins. A nameless track counts only once it has played, because some
+// idle players report themselves as paused. A manual choice holds until its player quits, or until
+// it is not playing and another one starts.
 struct PlayerChoice {
     struct Known {
         XPCPlayerState state = XPCPlayerState::unknown;
-        std::uint64_t beganToPlay = 0;  // the count at that time; 0: it has not been seen to
+        std::uint64_t beganToPlay = 0;  // the count at that time; 0: never seen playing
         bool operator==(const Known&) const = default;
     };
 
@@ -36,7 +36,7 @@ struct PlayerChoice {
     std::uint64_t count = 0;
 
     [[nodiscard]] PlayerChoice applying(std::span<const PlayerCandidate> candidates) const;
-    // The next one in the order of names is chosen by hand.
+    // Chooses the next player by name, as a manual choice.
     [[nodiscard]] PlayerChoice switching() const;
     bool operator==(const PlayerChoice&) const = default;
 };

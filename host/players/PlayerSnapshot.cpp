@@ -7,7 +7,7 @@ namespace quorvane {
 
 namespace {
 
-// Less than this is not seen on the card, which shows whole seconds and a slow bar.
+// A smaller difference is not visible on the card, which shows whole seconds and a slow bar.
 constexpr double kNoticeableSeconds = 0.3;
 
 double inSeconds(Duration duration) { return std::chrono::duration<double>(duration).count(); }
@@ -37,7 +37,7 @@ QuorvanePlayerState stateAt(const PlayerSnapshot& snapshot, Instant now, WallTim
 }
 
 bool isNews(const PlayerSnapshot& before, const PlayerSnapshot& after, Instant now) {
-    // The state at the same moment, with the position left to the comparison below.
+    // The state at a fixed moment; the comparison below handles the position.
     const auto withoutPosition = [](const PlayerSnapshot& snapshot) {
         return stateAt({snapshot.state, {}}, {}, {});
     };

@@ -1,4 +1,4 @@
-// What a player is doing, as a value from which its state at any moment follows.
+// Playback of a player, as a value that determines its state at any moment.
 #pragma once
 
 #include <optional>
@@ -8,33 +8,33 @@
 
 namespace quorvane {
 
-// Where playback stood at one moment and how it goes on from there.
+// The position at one moment and how playback continues from there.
 struct PlaybackAnchor {
     double seconds = 0;
     Instant at{};
     double rate = 1;
     bool isPlaying = false;
-    std::optional<double> duration{};  // seconds; playback stands still when it gets there
+    std::optional<double> duration{};  // seconds; playback stops there
 
     double secondsAt(Instant now) const;
-    // The same playback, told from `now`.
+    // The same playback, anchored at `now`.
     PlaybackAnchor movedTo(Instant now) const;
     bool operator==(const PlaybackAnchor&) const = default;
 };
 
 struct PlayerSnapshot {
-    QuorvanePlayerState state;  // its position and timestamp are not looked at: the anchor tells
+    QuorvanePlayerState state;  // its position and timestamp are ignored in favour of the anchor
     PlaybackAnchor anchor;
 };
 
-// The record that is handed out at a moment, given on both clocks. Timestamps are whole seconds on
-// the wire, and the receiver reckons from them at normal speed. Therefore the moment is given as
-// the last whole second and the position is set back by what is cut off, below 0 if need be: the
-// receiver arrives at the position of this very moment.
+// The record to send at a moment, given on both clocks. Timestamps are whole seconds on the wire,
+// and the receiver extrapolates from them at normal speed. So the timestamp is the last whole
+// second, and the position is reduced by the fraction that is cut off, below 0 if needed. The
+// receiver then arrives at the exact position of this moment.
 QuorvanePlayerState stateAt(const PlayerSnapshot& snapshot, Instant now, WallTime wallTime);
 
-// Whether a receiver that follows `before` by itself has to hear of `after`. Playback that merely
-// went on as foretold is no news.
+// Whether a receiver that extrapolates from `before` must be notified of `after`. Normal playback
+// progress does not count as a change.
 bool isNews(const PlayerSnapshot& before, const PlayerSnapshot& after, Instant now);
 
 }  // namespace quorvane

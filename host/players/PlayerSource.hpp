@@ -1,4 +1,4 @@
-// Where the music comes from: the players of the session, or a script.
+// Source of the music: the players of the session, or a script.
 #pragma once
 
 #include <cstdint>
@@ -15,12 +15,12 @@ public:
     virtual ~PlayerSource() = default;
 
     virtual PlayerSnapshot snapshot() const = 0;
-    // These return false when the player cannot do it; then nothing changes.
+    // These return false, and change nothing, when the player does not support it.
     virtual bool perform(QuorvaneAction action) = 0;
     virtual bool setVolume(std::int64_t percent) = 0;  // clamped to 0...100
     virtual bool setRating(std::int64_t percent) = 0;  // clamped to 0...100
-    // A client asked for the state: what the player does not announce is brought up to date, soon
-    // after.
+    // A client asked for the state: soon afterwards, updates the fields whose changes the player
+    // does not announce.
     virtual void freshen() {}
 
     // Called after the snapshot may have changed, never inside `snapshot`.

@@ -14,8 +14,8 @@ bool isSameText(std::string_view one, std::string_view other) {
     return std::ranges::equal(one, other, {}, lower, lower);
 }
 
-// A browser plays from a helper process, and a sandboxed player hides its number: these are known
-// by the name that they give to both services.
+// A browser plays from a helper process, and a sandboxed player hides its process ID. Such players
+// are matched by the name that they give to both services.
 bool plays(const SoundStream& stream, const MediaPlayer& player) {
     if (player.processID != 0 && stream.processID == player.processID) return true;
     return !stream.application.empty() && isSameText(stream.application, player.identity);
@@ -26,7 +26,7 @@ bool plays(const SoundStream& stream, const MediaPlayer& player) {
 PlayerVolume PlayerVolume::of(const MediaPlayer& player, const SoundLevels& sound) {
     const double own = ownVolumeOf(player).value_or(1);
     if (!needsSoundServer(player)) return {Owner::player, own};
-    // Of several streams, the one that plays; of those the latest.
+    // Of several streams, prefers one that plays; among those the latest.
     const SoundStream* best = nullptr;
     const auto order = [](const SoundStream& stream) {
         return std::tuple{stream.isPlaying, stream.number};

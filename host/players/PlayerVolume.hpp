@@ -1,4 +1,4 @@
-// The volume that the card shows for a player, and whose it is. Pure values.
+// The volume that the card shows for a player, and its owner. Pure values.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,9 @@ namespace quorvane {
 struct PlayerVolume {
     enum class Owner {
         player,
-        stream,  // of the player, at the sound server
+        stream,  // the player's stream at the sound server
         system,
-        none,  // nothing that a command could change
+        none,  // no volume that a command could change
     };
 
     Owner owner = Owner::none;
@@ -22,11 +22,11 @@ struct PlayerVolume {
     std::optional<std::uint32_t> stream{};
     bool operator==(const PlayerVolume&) const = default;
 
-    // The player's own volume, else that of its stream, else the system's.
+    // The player's own volume, else its stream's, else the system's.
     static PlayerVolume of(const MediaPlayer& player, const SoundLevels& sound);
 };
 
-// Whether the player's volume has to be looked for at the sound server.
+// Whether the player's volume must be read from the sound server.
 bool needsSoundServer(const MediaPlayer& player);
 
 }  // namespace quorvane

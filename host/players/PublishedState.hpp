@@ -1,4 +1,4 @@
-// The player's state as the ports' threads hand it out, while the main thread does something else.
+// The player's state, available to the ports' threads while the main thread is busy.
 #pragma once
 
 #include <mutex>
@@ -11,7 +11,8 @@ namespace quorvane {
 class PublishedState {
 public:
     void publish(PlayerSnapshot snapshot) {
-        // What it held is let go of outside the lock: it may be a large picture.
+        // The old snapshot is destroyed after the lock is released, because it may hold a large
+        // picture.
         const std::lock_guard guard{mutex_};
         std::swap(snapshot_, snapshot);
     }

@@ -15,11 +15,12 @@ constexpr std::uint64_t kLargestScript = 4u << 20;
 constexpr std::uint64_t kLargestArtwork = 8u << 20;
 constexpr double kLongestTrack = 7 * 24 * 3600;
 
-// Deeply nested text must not use up the stack; text that is not UTF-8 must not reach the link.
+// Iterative, so that deep nesting cannot overflow the stack; validated, so that only UTF-8 reaches
+// the link.
 constexpr unsigned kParseFlags =
     rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
 
-// Artwork files, each read once however many tracks share it.
+// Cache of artwork files, so that a file shared by several tracks is read once.
 class ArtworkShelf {
 public:
     ArtworkShelf(std::filesystem::path folder, const RegularFiles& files)

@@ -1,5 +1,5 @@
-// The tracks and settings of a scripted player, and the JSON file they are read from. The file's
-// format is described in docs/scripted-player.md.
+// Tracks and settings of a scripted player, read from a JSON file. docs/scripted-player.md
+// describes the file's format.
 #pragma once
 
 #include <cstdint>
@@ -32,8 +32,8 @@ struct Script {
     double startPosition = 0;    // seconds into that track
 };
 
-// Reads the file and the artwork it points to. A failure is one sentence for a person that names
-// the file, the key and the reason.
+// Reads the file and the artwork it refers to. An error is one sentence for the user that names the
+// file, the key and the reason.
 std::expected<Script, std::string> readScript(const std::filesystem::path& file,
                                               const RegularFiles& files);
 

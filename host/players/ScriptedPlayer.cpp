@@ -61,8 +61,8 @@ bool ScriptedPlayer::perform(QuorvaneAction action) {
         case QuorvaneAction::removeRating: return setRating(0);
         case QuorvaneAction::toggleShuffle: return toggleShuffle(), true;
         case QuorvaneAction::toggleRepeat: return toggleRepeat(), true;
-        case QuorvaneAction::activatePlayer:              // it has no window
-        case QuorvaneAction::switchPlayer: return false;  // and there is only one
+        case QuorvaneAction::activatePlayer:              // the player has no window
+        case QuorvaneAction::switchPlayer: return false;  // there is only one player
     }
     return false;
 }
@@ -158,7 +158,7 @@ void ScriptedPlayer::toggleShuffle() {
     std::ranges::sort(order_);
     place_ = playing;
     if (script_.shuffleEnabled) {
-        // The track that plays stays, the others follow it in random order.
+        // The current track stays; the others follow it in random order.
         std::swap(order_[0], order_[playing]);
         std::shuffle(order_.begin() + 1, order_.end(), random_);
         place_ = 0;

@@ -1,5 +1,5 @@
-// A player that plays a script: its tracks advance with the clock, and every command works. For the
-// demonstration and for tests.
+// Player that plays a script: its tracks advance with the clock, and every command works. For
+// demonstrations and tests.
 #pragma once
 
 #include <random>
@@ -26,8 +26,8 @@ private:
     std::optional<double> duration() const;
 
     void playPause();
-    // The next track of the order, or the first when the script repeats; stops at the very end.
-    // `byItself` is true when the track before has come to its end.
+    // Goes to the next track of the order, or to the first when the script repeats; stops at the
+    // end. `byItself` is true when the previous track has ended.
     void advance(bool byItself);
     void goBack();
     void begin(std::size_t place, double seconds, XPCPlayerState state);
@@ -43,13 +43,13 @@ private:
 
     Script script_;
     Clock clock_;
-    // The order in which the tracks are played, as indices, and the place in it.
+    // The order in which the tracks are played, as indices, and the current place in it.
     std::vector<std::size_t> order_;
     std::size_t place_ = 0;
     XPCPlayerState state_ = XPCPlayerState::paused;
     PlaybackAnchor anchor_;
     bool isMuted_ = false;
-    std::minstd_rand random_;  // always the same seed: a demonstration can be repeated
+    std::minstd_rand random_;  // always the same seed, so that a demonstration is repeatable
     Timer endOfTrack_;
 };
 

@@ -1,5 +1,5 @@
-// Wait flags that can be ended all at once: whoever starts the ports' server must be able to stop
-// it while it waits for another process to let go of the ports.
+// Wait flags that can all be ended at once, so that the ports' server can be stopped while it waits
+// for another process to release the ports.
 #pragma once
 
 #include <memory>
@@ -10,11 +10,11 @@
 
 namespace quorvane {
 
-// Any thread. The flags outlive it if need be.
+// Any thread. Flags may outlive it.
 class EndableWaits {
 public:
     MakeWaitFlag make() const;
-    // Raises every flag that there is, and those that are made from now on.
+    // Raises all existing flags and every flag made later.
     void end();
 
 private:

@@ -1,4 +1,4 @@
-// Looks again and again until something holds.
+// Repeated check until a condition holds or a time limit passes.
 #pragma once
 
 #include <functional>
@@ -7,13 +7,13 @@
 
 namespace quorvane {
 
-// Main thread only. Destroying it ends the looking; nothing is called then.
+// Main thread only. Destroying it cancels the poll without calling `done`.
 class Poll {
 public:
     explicit Poll(Clock clock) : clock_(std::move(clock)) {}
 
-    // `done` is told whether the condition has come to hold in time, later, once. It may start the
-    // poll anew.
+    // Calls `done` once, later, with true if the condition held in time. `done` may restart the
+    // poll.
     void start(Duration patience, std::function<bool()> condition, std::function<void(bool)> done);
 
 private:

@@ -1,4 +1,4 @@
-// The card windows, from the drawing module that is loaded when the first card is made.
+// Loader of the drawing module, which provides the card windows and loads with the first card.
 #pragma once
 
 #include <filesystem>
@@ -8,13 +8,13 @@
 
 namespace quorvane {
 
-// Main thread only. The module stays loaded. Where it cannot be loaded that is logged at each
-// attempt, and there are no windows.
+// Main thread only. The module stays loaded. If it cannot be loaded, each attempt logs that, and
+// there are no windows.
 class CardModuleLoader {
 public:
     CardModuleLoader(std::filesystem::path file, CardModuleServices services);
 
-    // `liftAboveLock` and `reducesMotion` are left out. Refers to the loader.
+    // `liftAboveLock` and `reducesMotion` stay empty. The table refers to this loader.
     CardWindows windows();
 
 private:

@@ -25,8 +25,8 @@
 namespace quorvane {
 namespace {
 
-// The C library gives each thread a heap of its own, so that they need not wait for one another.
-// Here they seldom run at once, and what each leaves free in its heap would be kept five times.
+// The C library gives each thread its own heap so that threads need not wait for each other. The
+// threads here seldom run at once, and each of the five heaps would retain its free memory.
 void shareOneHeap() { mallopt(M_ARENA_MAX, 1); }
 
 std::filesystem::path moduleFile() {
@@ -35,7 +35,7 @@ std::filesystem::path moduleFile() {
     return executable.parent_path() / kCardModuleFile;
 }
 
-// In the order in which they are made; the later ones refer to the earlier ones.
+// Members are in construction order; later ones refer to earlier ones.
 struct PlatformLinux {
     PlatformLinux(const LiveServices& services, std::unique_ptr<X11SessionLinux> session)
         : x11(std::move(session)),
@@ -75,8 +75,8 @@ Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& service
 }
 
 ImageRef decodeImage(ByteView encoded) {
-    // The bytes are decoded when they are first drawn: until then the drawing libraries are not
-    // loaded.
+    // The bytes are decoded on first drawing, so that the drawing libraries are not loaded before
+    // that.
     const auto size = readPictureSize(encoded);
     if (!size || !isDecodable(*size)) return nullptr;
     return std::make_shared<EncodedImage>(copyOf(encoded), Image::State::arriving);
@@ -93,14 +93,13 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
     platform.lockSources = owner->watcher.sources();
     platform.screens = owner->x11->screens();
     platform.cardWindows = owner->cards.windows();
-    // A card's window is made inside the locker's own; nothing is left to lift.
+    // No-op: a card's window is a child of the locker's window and needs no lifting.
     platform.cardWindows.liftAboveLock = [](CardSystemWindow&) {};
     platform.cardWindows.reducesMotion = [state = owner.get()] {
         return state->motion.isReduced();
     };
     platform.decodeImage = decodeImage;
-    // Nothing here slows down or suspends a process that has no window in front; the handle only
-    // has to exist while it is held.
+    // This system does not slow down or suspend background processes, so an empty handle is enough.
     platform.beginActivity = [](std::uint64_t, const std::string&) { return Handle{[] {}}; };
     const std::vector<std::string> locales = preferredLocales();
     platform.localized = [texts = Translations{localeFolder(services.process.bundle), locales}](

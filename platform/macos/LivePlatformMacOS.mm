@@ -2,7 +2,7 @@
 #error "This file needs automatic reference counting."
 #endif
 
-// The tables of this edition that the card needs.
+// The live tables that the card needs.
 #include "platform/LivePlatform.hpp"
 #include "platform/macos/card/CardWindowsMacOS.hpp"
 #include "platform/macos/card/LocalizationMacOS.hpp"

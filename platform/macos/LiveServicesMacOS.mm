@@ -2,7 +2,7 @@
 #error "This file needs automatic reference counting."
 #endif
 
-// The tables of this edition that need no screen.
+// The live tables that need no screen.
 #include "platform/LivePlatform.hpp"
 #include "platform/macos/files/FilesMacOS.hpp"
 #include "platform/macos/files/UserDefaultsMacOS.hpp"

@@ -1,4 +1,4 @@
-# The adapters' files, a list a room. Included by the macOS edition and by the tests that run them on Linux.
+# The platform files, one list per folder. Used by the macOS edition and by the tests that run the files on Linux.
 set(QUORVANE_MACOS_FOUNDATION
     foundation/DynamicLoaderMacOS.mm
     foundation/FoundationValues.mm

@@ -83,7 +83,7 @@ void AccessibilityLinux::askForBus() {
 
 void AccessibilityLinux::connect(const std::string& address) {
     connection_ = AtspiConnection::open(loop_, address, [this] {
-        // Later: a connection is not dropped from inside its own call.
+        // Deferred, because a connection must not be dropped inside its own callback.
         goodbye_ = loop_.clock().after({}, [this] { disconnect(); });
     });
     if (!connection_) return log_.error("accessibility: the accessibility bus cannot be reached");

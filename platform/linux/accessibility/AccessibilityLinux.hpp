@@ -1,4 +1,4 @@
-// Makes cards known to assistive technology, over the accessibility bus.
+// Publisher of cards to assistive technology over the accessibility bus.
 #pragma once
 
 #include <memory>
@@ -13,9 +13,8 @@
 
 namespace quorvane {
 
-// Main thread only. While no card is to be seen it does nothing at all. While one is, it asks the
-// session whether assistive technology is in use, hears when that changes, and connects to the
-// accessibility bus only then.
+// Main thread only. Idle while no card is visible. While one is, it queries and observes whether
+// the session uses assistive technology, and connects to the accessibility bus only then.
 class AccessibilityLinux final : public AccessibleCards {
 public:
     AccessibilityLinux(EventLoop& loop, SessionBus& sessionBus, Logger log);
@@ -43,7 +42,7 @@ private:
     Timer goodbye_;
 };
 
-// From the properties of the session's accessibility status.
+// Reads the properties of the session's accessibility status.
 bool isAssistiveTechnologyInUse(const PropertyDictionary& status);
 
 }  // namespace quorvane

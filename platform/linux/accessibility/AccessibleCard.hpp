@@ -1,17 +1,17 @@
-// Between the card windows and assistive technology. The windows are in the drawing module, the
-// connection to the accessibility bus is the program's.
+// Interface between the card windows, which are in the drawing module, and the program's connection
+// to the accessibility bus.
 #pragma once
 
 #include "drawing/CardWindows.hpp"
 
 namespace quorvane {
 
-// A card that is to be seen. Main thread only.
+// A visible card. Main thread only.
 class AccessibleCard {
 public:
     virtual ~AccessibleCard() = default;
     virtual const Scene& accessibleScene() const = 0;
-    // Where the card's own top left corner is, in root pixels, and how many of them are a point.
+    // The card's top left corner in root pixels, and the number of root pixels per point.
     virtual Point accessibleOrigin() const = 0;
     virtual double accessibleScale() const = 0;
     virtual Size accessibleSize() const = 0;  // points
@@ -20,12 +20,12 @@ public:
     virtual void setNumber(SceneControl::ID control, double number) = 0;
 };
 
-// Who makes cards known. Main thread only; it outlives the cards.
+// Registry that exposes cards. Main thread only; outlives the cards.
 class AccessibleCards {
 public:
     virtual ~AccessibleCards() = default;
     virtual void appeared(AccessibleCard& card) = 0;
-    virtual void changed(AccessibleCard& card) = 0;  // its scene did
+    virtual void changed(AccessibleCard& card) = 0;  // its scene changed
     virtual void disappeared(AccessibleCard& card) = 0;
 };
 

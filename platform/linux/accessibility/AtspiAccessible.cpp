@@ -1,4 +1,4 @@
-// What every object tells of itself, and what the application tells besides.
+// The interface that every object implements, and the interface of the application.
 #include "platform/linux/accessibility/AtspiObject.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
 
@@ -11,7 +11,7 @@ std::string atspiName(const AtspiNode& node) {
 
 namespace {
 
-// As the interface numbers and names them.
+// Number and name of a role in the interface.
 struct Role {
     std::uint32_t number;
     const char* name;
@@ -172,7 +172,7 @@ int toolkit(sd_bus*, const char*, const char*, const char*, sd_bus_message* repl
 
 int version(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*,
             sd_bus_error*) {
-    return sd_bus_message_append(reply, "s", "2.1");  // of the interfaces
+    return sd_bus_message_append(reply, "s", "2.1");  // version of the interfaces
 }
 
 int applicationNumber(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply,

@@ -1,4 +1,4 @@
-// What assistive technology can do with a control. A press is a click.
+// Actions that assistive technology can perform on a control. A press is a click.
 #include <span>
 
 #include "drawing/AccessibleScene.hpp"
@@ -12,7 +12,7 @@ std::span<const AccessibilityAction> actionsOf(const AtspiNode& node) {
     return accessibilityActions(node.control->role);
 }
 
-// The names are the interface's own and not for people.
+// These names belong to the interface and are not translated.
 const char* nameOf(AccessibilityAction action) {
     switch (action) {
         case AccessibilityAction::press: return "click";

@@ -1,5 +1,5 @@
-// What clients may copy of the objects in advance: nothing. There are few of them, and asking for
-// one costs less than keeping every client's copy of all of them right.
+// The object cache for clients, always empty: there are few objects, and querying one costs less
+// than updating every client's copies.
 #include "platform/linux/accessibility/AtspiObject.hpp"
 
 namespace quorvane {

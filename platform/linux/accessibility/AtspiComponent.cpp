@@ -1,4 +1,4 @@
-// Where objects stand.
+// Positions and sizes of objects.
 #include <cmath>
 
 #include "drawing/AccessibleScene.hpp"
@@ -7,12 +7,12 @@
 namespace quorvane {
 namespace {
 
-// As the interface numbers them. The window of a card is the card.
+// Numbers of the interface. A card is its own window.
 enum class Coordinates : std::uint32_t { screen = 0, window = 1, parent = 2 };
 constexpr std::uint32_t kWidgetLayer = 3;
 constexpr std::uint32_t kWindowLayer = 7;
 
-// Of the card's top left, in the coordinates that are asked for, in pixels.
+// The card's top left corner in the requested coordinates, in pixels.
 Point originFor(const AtspiNode& node, Coordinates coordinates) {
     const bool isInCard =
         coordinates == Coordinates::window || (coordinates == Coordinates::parent && node.control);
@@ -73,7 +73,7 @@ int contains(sd_bus_message* call, void* data, sd_bus_error*) {
     return sd_bus_reply_method_return(call, "b", isInside);
 }
 
-// The card's control there, else the object itself, if it is there.
+// The card's control at the point, else the object itself if it contains the point.
 std::optional<AtspiNode> nodeAt(const AtspiNode& node, const Asked& asked) {
     if (!node.card || !extents(node, asked.coordinates).contains(asked.point)) return std::nullopt;
     if (node.control) return node;
@@ -109,7 +109,7 @@ int opacity(sd_bus_message* call, void*, sd_bus_error*) {
     return sd_bus_reply_method_return(call, "d", 1.0);
 }
 
-// The keyboard is the locker's.
+// Refuses the keyboard focus, because the locker owns the keyboard.
 int refuse(sd_bus_message* call, void*, sd_bus_error*) {
     return sd_bus_reply_method_return(call, "b", 0);
 }

@@ -12,7 +12,7 @@ constexpr char kSocket[] = "org.a11y.atspi.Socket";
 constexpr char kEvents[] = "org.a11y.atspi.Event.Object";
 constexpr char kLocal[] = "org.freedesktop.DBus.Local";
 
-// One instance of this for each interface: which objects have it.
+// Finds objects with the interface; instantiated once per interface.
 template <const AtspiInterface* interface>
 int find(sd_bus*, const char* path, const char*, void* data, void** found, sd_bus_error*) {
     const auto node = atspiObjects(data).tree.find(path);
@@ -34,8 +34,7 @@ std::unique_ptr<AtspiConnection> AtspiConnection::open(EventLoop& loop, const st
     return connection->start(loop, address) < 0 ? nullptr : std::move(connection);
 }
 
-// What was not sent is of no interest any more, and waiting for a bus that does not read would
-// stall.
+// Drops unsent messages, because waiting for a bus that does not read would block.
 AtspiConnection::~AtspiConnection() { sd_bus_close_unref(bus_); }
 
 int AtspiConnection::addObjects() {
@@ -52,7 +51,7 @@ int AtspiConnection::addObjects() {
 }
 
 int AtspiConnection::start(EventLoop& loop, const std::string& address) {
-    // The library itself makes these signals. Waiting for the first here would block.
+    // The library generates these signals. Waiting for the first one here would block.
     const auto onConnected = [](sd_bus_message*, void* self, sd_bus_error*) {
         return static_cast<AtspiConnection*>(self)->embed();
     };
@@ -77,7 +76,7 @@ int AtspiConnection::start(EventLoop& loop, const std::string& address) {
     return result;
 }
 
-// Tells the registry of the application; it asks for everything else.
+// Registers the application; the registry then queries everything else.
 int AtspiConnection::embed() {
     const char* name = nullptr;
     if (const int result = sd_bus_get_unique_name(bus_, &name); result < 0) return result;
@@ -88,7 +87,7 @@ int AtspiConnection::embed() {
 
 void AtspiConnection::childChanged(const AtspiNode& parent, const char* what, int index,
                                    const std::string& child) {
-    if (objects_.busName.empty()) return;  // nobody knows the application yet
+    if (objects_.busName.empty()) return;  // the application is not yet registered
     sd_bus_emit_signal(bus_, AtspiTree::path(parent).c_str(), kEvents, "ChildrenChanged",
                        "siiva{sv}", what, index, 0, "(so)", objects_.busName.c_str(), child.c_str(),
                        0);

@@ -1,4 +1,4 @@
-// The connection to the accessibility bus, on which the cards are objects.
+// Connection to the accessibility bus, which exposes the cards as objects.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -13,11 +13,11 @@
 
 namespace quorvane {
 
-// Main thread only. From the bus's first answer on the application is among those that assistive
-// technology finds; destroying the connection takes it away.
+// Main thread only. From the bus's first answer on, assistive technology can find the application;
+// destroying the connection removes it.
 class AtspiConnection {
 public:
-    // Null when the bus cannot be reached. `lost` is called when it goes away later.
+    // Returns null when the bus cannot be reached. Calls `lost` when the bus goes away later.
     static std::unique_ptr<AtspiConnection> open(EventLoop& loop, const std::string& address,
                                                  std::function<void()> lost);
     ~AtspiConnection();
@@ -29,7 +29,7 @@ public:
     void remove(const AccessibleCard& card);
 
 private:
-    // What was told of a card.
+    // State of a card as last reported.
     struct Told {
         const AccessibleCard* card;
         std::vector<SceneControl> controls;

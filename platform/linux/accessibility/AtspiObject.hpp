@@ -1,5 +1,5 @@
-// What the interfaces of accessible objects share: the object that a message is for, and how
-// objects and texts are written into answers.
+// Shared parts of the accessible objects' interfaces: lookup of a message's target object, and
+// encoding of objects and texts in replies.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -12,13 +12,13 @@
 
 namespace quorvane {
 
-// What every handler gets as its user data.
+// The user data of every handler.
 struct AtspiObjects {
     AtspiTree tree;
-    std::string busName;                 // our own unique one
-    std::int32_t applicationNumber = 0;  // the registry gives it
+    std::string busName;                 // this connection's unique name
+    std::int32_t applicationNumber = 0;  // assigned by the registry
 
-    // Null names no object.
+    // Appends a reference to the object; null appends the null reference.
     int append(sd_bus_message* message, const AtspiNode* node) const {
         return node ? sd_bus_message_append(message, "(so)", busName.c_str(),
                                             AtspiTree::path(*node).c_str())
@@ -28,7 +28,7 @@ struct AtspiObjects {
 
 inline AtspiObjects& atspiObjects(void* userData) { return *static_cast<AtspiObjects*>(userData); }
 
-// The object at a path that was found already; the application if it has gone since.
+// The object at a path that was found before; the application if the object has been removed since.
 inline AtspiNode atspiNode(void* userData, const char* path) {
     return atspiObjects(userData).tree.find(path).value_or(AtspiNode{});
 }
@@ -36,7 +36,7 @@ inline AtspiNode atspiNode(void* userData, sd_bus_message* call) {
     return atspiNode(userData, sd_bus_message_get_path(call));
 }
 
-// An interface: which objects have it, and its members.
+// An interface: its members and the objects that implement it.
 struct AtspiInterface {
     const char* name;
     bool (*isOf)(const AtspiNode& node);
@@ -52,7 +52,7 @@ extern const AtspiInterface kAtspiValue;
 inline constexpr const AtspiInterface* kAtspiInterfaces[] = {
     &kAtspiAccessible, &kAtspiApplication, &kAtspiAction, &kAtspiComponent, &kAtspiValue};
 
-// Of the one object that stands for the cache.
+// Members of the single cache object.
 extern const sd_bus_vtable kAtspiCacheMembers[];
 
 // The name that a screen reader speaks.

@@ -25,7 +25,7 @@ std::string AtspiTree::path(const AtspiNode& card, SceneControl::ID control) {
            std::to_string(static_cast<int>(control));
 }
 
-// There are never more than a few dozen.
+// A linear search, because there are never more than a few dozen objects.
 std::optional<AtspiNode> AtspiTree::find(std::string_view wanted) const {
     if (wanted == kRootPath) return AtspiNode{};
     for (const AtspiNode& card : cards_) {

@@ -1,5 +1,4 @@
-// The objects that assistive technology finds: the application, in it the cards that are to be
-// seen, in each card its controls.
+// Tree of accessible objects: the application, its visible cards, each card's controls.
 #pragma once
 
 #include <optional>
@@ -11,14 +10,14 @@
 
 namespace quorvane {
 
-// The application has neither card nor control, a card itself has no control.
+// One object. The application has neither card nor control; a card has no control.
 struct AtspiNode {
-    int number = 0;  // of the card; no two cards ever have the same
+    int number = 0;  // of the card; never reused
     AccessibleCard* card = nullptr;
-    const SceneControl* control = nullptr;  // until the card's next scene
+    const SceneControl* control = nullptr;  // valid until the card's next scene
 };
 
-// Main thread only. Knows cards between `add` and `remove`.
+// Main thread only. Contains a card from `add` to `remove`.
 class AtspiTree {
 public:
     static constexpr char kPrefix[] = "/org/a11y/atspi/accessible";
@@ -28,7 +27,7 @@ public:
     void remove(const AccessibleCard& card) { cards_.erase(entry(card)); }
     AtspiNode node(const AccessibleCard& card) const;
 
-    // Nothing when no object has this path now.
+    // Returns nullopt when no object currently has this path.
     std::optional<AtspiNode> find(std::string_view path) const;
     static std::string path(const AtspiNode& node);
     static std::string path(const AtspiNode& card, SceneControl::ID control);

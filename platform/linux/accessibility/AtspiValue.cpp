@@ -1,4 +1,4 @@
-// The numbers of sliders and of progress.
+// Numeric values of sliders and progress indicators.
 #include "platform/linux/accessibility/AtspiObject.hpp"
 
 namespace quorvane {

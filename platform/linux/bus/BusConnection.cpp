@@ -37,7 +37,7 @@ struct BusConnection::State : std::enable_shared_from_this<State> {
     Listeners<> losses;
     Listeners<> reconnections;
     bool isEstablished = false;  // the bus has answered on this connection
-    bool isMissed = false;       // and that has been logged; until the bus answers again
+    bool isMissed = false;       // no bus, and that was logged; until the bus answers again
     Duration retryDelay = kFirstRetryDelay;
     Timer retry;
 
@@ -88,13 +88,13 @@ int BusConnection::State::open() {
 int BusConnection::State::watchConnection() {
     constexpr char kLocal[] = "org.freedesktop.DBus.Local";
     constexpr char kBus[] = "org.freedesktop.DBus";
-    // A socket that accepts the connection is not yet a bus that answers.
+    // A socket that accepts the connection does not prove that a bus answers.
     const auto onAnswer = [](sd_bus_message* answer, void* self, sd_bus_error*) {
         if (!sd_bus_message_is_method_error(answer, nullptr))
             static_cast<State*>(self)->established();
         return 0;
     };
-    // Later: a connection is not dropped from inside its own call.
+    // Deferred, because a connection must not be dropped inside its own callback.
     const auto onDisconnected = [](sd_bus_message*, void* self, sd_bus_error*) {
         auto* state = static_cast<State*>(self);
         state->loop.mainThread().post([weak = state->weak_from_this()] {
@@ -107,14 +107,14 @@ int BusConnection::State::watchConnection() {
         sd_bus_call_method_async(bus, &answerSlot, kBus, "/org/freedesktop/DBus",
                                  "org.freedesktop.DBus.Peer", "Ping", onAnswer, this, nullptr);
     if (result < 0) return result;
-    // The library itself makes this signal; the bus is not asked for it.
+    // The library generates this signal locally, without a request to the bus.
     return sd_bus_match_signal(bus, &disconnectedSlot, kLocal, nullptr, kLocal, "Disconnected",
                                onDisconnected, this);
 }
 
 void BusConnection::State::install(Match& match) {
     const auto onMessage = [](sd_bus_message* message, void* self, sd_bus_error*) {
-        // A copy: the handler may drop its own handle.
+        // A copy, because the handler may drop its own handle.
         const auto handler = static_cast<Match*>(self)->handler;
         handler(message);
         return 0;
@@ -158,8 +158,8 @@ void BusConnection::State::drop() {
     bus = sd_bus_close_unref(bus);
 }
 
-// A use in the meantime does not postpone the timer. At the longest delays it shares the wake-up of
-// the hello.
+// Using the connection does not postpone the timer. At the longest delays the tolerance lets it
+// coalesce with the hello's timer.
 void BusConnection::State::retryLater() {
     if (retry) return;
     retry = loop.clock().afterAbout(retryDelay, retryDelay / 4, [this] {

@@ -1,4 +1,4 @@
-// A connection to a message bus that comes back after every loss.
+// Connection to a message bus that reconnects after every loss.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -13,31 +13,32 @@
 
 namespace quorvane {
 
-// Main thread only. Connects on first use. Without a bus `connection` is null and matches receive
-// nothing; that is logged once. The next use tries again, and so does a timer, after a second at
-// first and after twice as long each time, up to some minutes. Matches are installed on each new
-// connection.
+// Main thread only. Connects on first use. Without a bus, `connection` is null and matches receive
+// nothing; the failure is logged once. The next use retries, and so does a timer: after a second at
+// first, then after twice the delay each time, up to some minutes. Each new connection installs the
+// matches again.
 class BusConnection {
 public:
-    ~BusConnection();  // sends what still waits
+    ~BusConnection();  // sends pending messages
     BusConnection(const BusConnection&) = delete;
     BusConnection& operator=(const BusConnection&) = delete;
 
-    // Attached to the main loop; valid until the next turn of the loop. Ask again instead of
-    // keeping it.
+    // Attached to the main loop and valid until the loop's next turn. Call it again instead of
+    // keeping the pointer.
     sd_bus* connection();
-    // Calls the handler for each message that fits the match rule of the bus. In the order of calls
-    // with what is sent afterwards: a signal sent after `match` is heard by it.
+    // Calls the handler for each message that fits the match rule of the bus. Ordered with later
+    // sends: the handler receives a signal that is sent after `match`.
     Handle match(const std::string& rule, std::function<void(sd_bus_message*)> handler);
-    // Called when an established connection is lost: what services have said may no longer hold.
+    // Calls the handler when an established connection is lost: state reported by services may be
+    // stale.
     Handle observeLoss(std::function<void()> handler);
-    // Called after each connecting that follows a failure or a loss: questions sent before it had
-    // no answer.
+    // Calls the handler after each reconnection that follows a failure or a loss: earlier requests
+    // received no reply.
     Handle observeReconnection(std::function<void()> handler);
 
 protected:
-    // `name` is for the log and outlives the connection. `open` returns a negative error number
-    // where it leaves no bus.
+    // `name` appears in the log and outlives the connection. `open` returns a negative error number
+    // on failure.
     using Open = int (*)(sd_bus** bus);
     BusConnection(EventLoop& loop, Logger log, const char* name, Open open);
 

@@ -22,7 +22,7 @@ Handle askBus(sd_bus* bus, const BusQuestion& call, Duration deadline,
     };
     if (!bus || !call) return {};
     const auto answered = [](sd_bus_message* reply, void* self, sd_bus_error*) {
-        // Moved out first: it may drop the handle, and it runs no second time.
+        // Moved out first, because it may drop the handle and must not run twice.
         const auto action = std::exchange(static_cast<Pending*>(self)->onReply, nullptr);
         if (action) action(sd_bus_message_is_method_error(reply, nullptr) ? nullptr : reply);
         return 0;

@@ -1,5 +1,4 @@
-// Questions over a message bus: calls whose answer is awaited by a callback, for as long as
-// somebody holds the question.
+// Asynchronous calls over a message bus, which a handle cancels.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -18,13 +17,13 @@ struct BusQuestionDeleter {
 };
 using BusQuestion = std::unique_ptr<sd_bus_message, BusQuestionDeleter>;
 
-// A call that does not start the service it is for. Null without a bus.
+// Creates a call that does not auto-start its service. Null without a bus.
 BusQuestion newBusQuestion(sd_bus* bus, const std::string& destination, const std::string& path,
                            const std::string& interface, const std::string& method);
 
-// `onReply` runs once, on a later turn of the main loop: with the answer, or with null when there
-// is none in time or an error instead. Dropping the handle forgets the call. A call that cannot be
-// sent gives an empty handle and never answers.
+// Runs `onReply` once, on a later turn of the main loop: with the reply, or with null on an error
+// or a timeout. Dropping the handle cancels the call. A call that cannot be sent returns an empty
+// handle and never runs `onReply`.
 Handle askBus(sd_bus* bus, const BusQuestion& call, Duration deadline,
               std::function<void(sd_bus_message* reply)> onReply);
 

@@ -16,7 +16,7 @@ bool isText(char type) {
            type == SD_BUS_TYPE_SIGNATURE;
 }
 
-// Reads T from the message and keeps it as Kept.
+// Reads a T from the message and stores it as a Kept.
 template <typename T, typename Kept>
 int readBasic(sd_bus_message* message, char type, std::optional<PropertyValue>& value) {
     T read{};
@@ -45,7 +45,7 @@ int readNumber(sd_bus_message* message, char type, std::optional<PropertyValue>&
         case SD_BUS_TYPE_INT64: return readBasic<std::int64_t, std::int64_t>(message, type, value);
         case SD_BUS_TYPE_UINT64: {
             const int result = readBasic<std::uint64_t, std::int64_t>(message, type, value);
-            // Beyond what the property types hold.
+            // Out of range of the property types.
             if (result > 0 && *value->as<std::int64_t>() < 0) value.reset();
             return result;
         }
@@ -95,7 +95,7 @@ int appendText(sd_bus_message* message, const std::string& text) {
     return sd_bus_message_append_basic(message, SD_BUS_TYPE_STRING, text.c_str());
 }
 
-// Appends the value itself, inside a variant that is open already.
+// Appends the value itself inside an open variant.
 struct AppendValue {
     sd_bus_message* message;
 

@@ -1,4 +1,4 @@
-// Property values as the bus carries them, in both directions.
+// Conversion of property values to and from bus messages.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -9,19 +9,19 @@
 
 namespace quorvane {
 
-// All return 0 or more, or the bus library's negative error number; the message is of no use after
-// an error.
+// All functions return 0 or more, or the bus library's negative error number. After an error the
+// message is unusable.
 //
-// Reading takes one value of any type at the message's place. Integers of every size, object paths
-// and signatures become integers and strings; variants are looked through; what has no counterpart
-// (descriptors, other structures than a date, dictionaries with other keys than text) is passed
-// over and leaves nothing, and is left out of arrays and dictionaries.
+// Reading takes one value of any type at the message's current position. Integers of all sizes
+// become integers; object paths and signatures become strings; variants are unwrapped. Values
+// without a counterpart are skipped, and omitted from arrays and dictionaries: descriptors,
+// structures other than a date, dictionaries whose keys are not text.
 int readBusValue(sd_bus_message* message, std::optional<PropertyValue>& value);
-// A value of type "a{sv}" or any other dictionary with text keys.
+// Reads a value of type "a{sv}", or any other dictionary with text keys.
 int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary);
 
-// As a variant: "b", "x", "d", "s", "ay", "av", "a{sv}", and "(x)" for a date, its nanoseconds
-// since 1970 UTC. Text that is not UTF-8 or holds a NUL cannot be sent.
+// Appends a variant: "b", "x", "d", "s", "ay", "av", "a{sv}", or "(x)" for a date in nanoseconds
+// since 1970 UTC. Fails for text that is not UTF-8 or contains a NUL.
 int appendBusVariant(sd_bus_message* message, const PropertyValue& value);
 int appendBusDictionary(sd_bus_message* message, const PropertyDictionary& dictionary);
 

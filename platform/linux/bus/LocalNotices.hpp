@@ -1,5 +1,5 @@
-// Distributed notices that this process makes itself out of what the system shows it, above all the
-// notices of the lock. They never travel over the bus: nobody there can forge a lock.
+// Distributed notices that this process creates from system state, above all the lock notices. They
+// never use the bus, so no bus client can forge a lock.
 #pragma once
 
 #include <memory>
@@ -13,16 +13,16 @@
 
 namespace quorvane {
 
-// Main thread only. Handles may outlive it.
+// Main thread only. Handles may outlive the object.
 class LocalNotices {
 public:
     explicit LocalNotices(MainThread mainThread);
 
-    // The names that belong to the system, and so are delivered here and nowhere else.
+    // Whether the name belongs to the system; only this object delivers such names.
     static bool owns(std::string_view name) { return name.starts_with("com.apple."); }
 
-    // Reaches this process's observers of the name, on a later turn of the main loop and in the
-    // order of delivering.
+    // Notifies this process's observers of the name on a later turn of the main loop, in the order
+    // of the calls.
     void deliver(const std::string& name, const PropertyDictionary& userInfo = {});
     Handle observe(const std::string& name, DistributedNotices::Handler handler);
 
@@ -30,7 +30,7 @@ private:
     using Observers = Listeners<const std::string&, const PropertyDictionary&>;
 
     MainThread mainThread_;
-    // Shared only for the weak pointers of what is on its way.
+    // Shared only for the weak pointers of pending deliveries.
     std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
 };
 

@@ -27,8 +27,8 @@ std::string taken(char* text) {
     return copy;
 }
 
-// The session that this process was started in. A service of the user is in none and belongs to the
-// session on the user's screen.
+// The session that this process was started in. A user service has no session and uses the one on
+// the user's screen.
 std::string sessionName() {
     if (const char* name = std::getenv("XDG_SESSION_ID"); name && *name) return name;
     char* name = nullptr;

@@ -1,5 +1,4 @@
-// What the login manager knows of this session: whether it calls itself locked, and wakes of the
-// machine.
+// Session state from the login manager: its locked hint, and wake-ups of the machine.
 #pragma once
 
 #include <functional>
@@ -11,9 +10,9 @@
 
 namespace quorvane {
 
-// Main thread only. The session counts as locked while the login manager says so: no longer when
-// the bus or the login manager goes away, and again when it is back and still says so. Without a
-// login manager, or outside its sessions, nothing is reported.
+// Main thread only. The session counts as locked while the login manager reports it as locked. That
+// ends when the bus or the login manager goes away, and resumes when it is back and still reports a
+// lock. Without a login manager, or outside its sessions, no event is reported.
 class LogindLinux {
 public:
     struct Events {

@@ -1,4 +1,4 @@
-// Whether the user wants less motion, by the settings of the desktop.
+// The user's reduced-motion setting, from the desktop's settings.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +11,17 @@
 
 namespace quorvane {
 
-// Main thread only. The last answer is at hand at any time; each refresh asks again and waits for
-// nothing. The desktop's portal comes first; where it is missing or does not know, the toolkits'
-// switch for animations decides; without both, motion is not reduced.
+// Main thread only. The last answer is always available; each refresh queries again without
+// blocking. The desktop's portal has priority. If it is missing or lacks the setting, the toolkits'
+// animation switch decides; without both, motion is not reduced.
 class MotionSetting {
 public:
-    // `toolkitAnimates` reads the toolkits' switch: 0 is off, nullopt unknown.
+    // `toolkitAnimates` reads the toolkits' switch: 0 is off, nullopt is unknown.
     MotionSetting(SessionBus& bus, std::function<std::optional<std::int32_t>()> toolkitAnimates)
         : bus_(bus), toolkitAnimates_(std::move(toolkitAnimates)) {}
 
     bool isReduced() const { return isReduced_; }
-    // An answer that comes too late for one lock serves the next.
+    // An answer that is too late for one lock applies to the next.
     void refresh();
 
 private:
@@ -31,8 +31,8 @@ private:
     Handle question_;
 };
 
-// From the portal's settings by namespace: the desktops' common "reduced-motion", else GNOME's
-// switch for animations; nullopt when neither is there.
+// Reads the portal's settings, keyed by namespace: the common "reduced-motion", else GNOME's
+// animation switch; nullopt when neither exists.
 std::optional<bool> reducesMotion(const PropertyDictionary& settings);
 
 }  // namespace quorvane

@@ -14,7 +14,7 @@ constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
 constexpr char kBus[] = "org.freedesktop.DBus";
 constexpr char kBusPath[] = "/org/freedesktop/DBus";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
-// A player that takes longer is one that hangs.
+// A player that takes longer counts as hung.
 constexpr Duration kPatience = std::chrono::seconds{5};
 
 }  // namespace
@@ -53,7 +53,8 @@ void MprisPlayers::findPlayers() {
     }));
 }
 
-// The bus answers this, not the player: one that hangs now is known by what it says later.
+// The bus answers this, not the player. A player that hangs now is matched by its owner when it
+// sends signals later.
 void MprisPlayers::findOwner(const std::string& name) {
     sd_bus* bus = bus_.connection();
     const BusQuestion question = newBusQuestion(bus, kBus, kBusPath, kBus, "GetNameOwner");
@@ -147,8 +148,8 @@ void MprisPlayers::onPropertiesChanged(sd_bus_message* message) {
     forSender(message, [&](Entry& entry) {
         for (const auto& [key, value] : changes)
             entry.player.properties.insert_or_assign(key, value);
-        // Some values are said to have changed without being told, or the player did not answer
-        // when it was asked first.
+        // Some properties changed without their new values, or the player did not answer the first
+        // request.
         if (isIncomplete || !entry.isDescribed) describe(entry);
         if (entry.isDescribed) changed();
     });
@@ -187,14 +188,14 @@ void MprisPlayers::set(const std::string& name, const std::string& property,
         tell(message);
 }
 
-// What comes of it is seen in the player's properties.
+// Expects no reply, because the result appears in the player's properties.
 void MprisPlayers::tell(const BusQuestion& call) {
     if (!call) return;
     sd_bus_message_set_expect_reply(call.get(), 0);
     sd_bus_send(nullptr, call.get(), nullptr);
 }
 
-// Listeners hear once of what one turn of the main loop has brought, however much that was.
+// Coalesces all changes of one turn of the main loop into one notification.
 void MprisPlayers::changed() {
     if (std::exchange(isPublishing_, true)) return;
     mainThread_.post([weak = weak_from_this()] {

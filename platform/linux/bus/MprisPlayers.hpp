@@ -1,4 +1,4 @@
-// The players of the session bus that speak MPRIS, and what they said last.
+// The MPRIS players of the session bus, with the state they last reported.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -18,13 +18,13 @@
 
 namespace quorvane {
 
-// Main thread only. Implements the table of the same operations.
+// Main thread only. Implements the operations of the MediaPlayers table.
 class MprisPlayers : public std::enable_shared_from_this<MprisPlayers> {
 public:
     MprisPlayers(SessionBus& bus, Clock clock, MainThread mainThread)
         : bus_(bus), clock_(std::move(clock)), mainThread_(std::move(mainThread)) {}
 
-    // Begins to listen and to look around.
+    // Subscribes to signals and looks for players.
     void start();
     const std::vector<MediaPlayer>& list() const { return list_; }
     Handle observe(std::function<void()> handler) {
@@ -36,10 +36,10 @@ public:
     void set(const std::string& name, const std::string& property, const PropertyValue& value);
 
 private:
-    // One name on the bus and the player behind it. The handles are its pending questions, which
-    // end with the entry.
+    // One name on the bus and its player. The handles are pending requests, which the entry's
+    // destruction cancels.
     struct Entry {
-        std::string owner;  // the connection's own name, from which its signals come
+        std::string owner;  // the connection's unique name, the sender of its signals
         bool isDescribed = false;
         MediaPlayer player;
         Handle processID;
@@ -55,7 +55,7 @@ private:
     void onNameOwner(sd_bus_message* message);
     void onPropertiesChanged(sd_bus_message* message);
     void onSeeked(sd_bus_message* message);
-    // The names that the sender of a signal owns.
+    // Calls the action for each entry whose owner sent the signal.
     template <typename Action>
     void forSender(sd_bus_message* message, Action action);
     void takePosition(Entry& entry, std::int64_t microseconds);
@@ -68,7 +68,7 @@ private:
     Clock clock_;
     MainThread mainThread_;
     std::map<std::string, Entry> entries_;
-    std::vector<Handle> lookups_;  // questions to the bus
+    std::vector<Handle> lookups_;  // requests to the bus
     std::vector<MediaPlayer> list_;
     bool isPublishing_ = false;
     Observable<std::uint64_t> revision_{0};

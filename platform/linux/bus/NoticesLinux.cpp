@@ -11,7 +11,7 @@ namespace {
 constexpr char kNotice[] = "Notice";
 constexpr char kDarwinNotice[] = "DarwinNotice";
 
-// Sends one signal; `userInfo` is null where the signal carries none.
+// Sends one signal; `userInfo` is null for signals without it.
 int send(sd_bus* bus, const char* member, const std::string& name,
          const PropertyDictionary* userInfo) {
     sd_bus_message* message = nullptr;

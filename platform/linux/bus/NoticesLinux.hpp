@@ -8,14 +8,15 @@
 
 namespace quorvane {
 
-// What travels, from this path: Notice(s name, a{sv} userInfo) and DarwinNotice(s name).
+// Signals from this path: Notice(s name, a{sv} userInfo) and DarwinNotice(s name).
 inline constexpr char kNoticePath[] = "/example/quillon/Quorvane";
 inline constexpr char kNoticeInterface[] = "example.quillon.Quorvane.Notices";
 
-// Both tables refer to the bus. Without a bus posting does nothing and nothing is heard. A name
-// with a quote or a backslash, which no match rule can hold, is never heard either.
+// Both tables refer to the bus. Without a bus, posting does nothing and observers receive nothing.
+// They also receive nothing for a name with a quote or a backslash, because no match rule can
+// contain it.
 //
-// Names that LocalNotices owns are observed there only; posting such a name reaches nobody.
+// Names that LocalNotices owns are observed only there; posting such a name does nothing.
 DistributedNotices makeDistributedNotices(SessionBus& bus, LocalNotices& localNotices, Logger log);
 DarwinNotices makeDarwinNotices(SessionBus& bus, Logger log);
 

@@ -13,7 +13,7 @@ constexpr const char* kServices[] = {"org.freedesktop.ScreenSaver", "org.gnome.S
                                      "org.xfce.ScreenSaver"};
 constexpr auto kAnswerDeadline = std::chrono::seconds{5};
 
-// Each service lives at the path of its name.
+// Each service's object path is derived from its name.
 std::string pathOf(std::string name) {
     std::ranges::replace(name, '.', '/');
     return "/" + name;
@@ -55,7 +55,7 @@ void ScreenSaverSignals::observe(std::size_t index) {
         bus_.match("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
                    "member='NameOwnerChanged',arg0='" +
                        service.name + "'",
-                   // A service that has gone gives no answer, and is not active.
+                   // A service that has exited does not answer, so it counts as inactive.
                    [this, index](sd_bus_message*) { ask(index); }));
 }
 

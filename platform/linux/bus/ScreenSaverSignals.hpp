@@ -1,4 +1,4 @@
-// The screen-saver services of the desktops: whether any of them says that it is active.
+// State of the desktops' screen-saver services: whether any reports itself active.
 #pragma once
 
 #include <functional>
@@ -10,18 +10,19 @@
 
 namespace quorvane {
 
-// Main thread only. A desktop without such a service, or a session without a bus, is never active;
-// a question starts no service. A service that ends, or whose bus goes away, is no longer active.
+// Main thread only. Inactive on a desktop without such a service and in a session without a bus.
+// Queries do not auto-start a service. A service becomes inactive when it ends or its bus goes
+// away.
 class ScreenSaverSignals {
 public:
-    // Calls `changed` when the first of them becomes active and when the last one ceases to be.
+    // Calls `changed` when the first service becomes active and when the last becomes inactive.
     ScreenSaverSignals(SessionBus& bus, std::function<void()> changed);
 
     bool isActive() const;
 
 private:
     struct Service {
-        std::string name;  // of the bus and of the interface
+        std::string name;  // both the bus name and the interface
         bool isActive = false;
         std::vector<Handle> observations;
         Handle question;

@@ -9,8 +9,8 @@
 namespace quorvane {
 namespace {
 
-// The owner of a bus can read and forge every notice. An address that is inherited by mistake, for
-// example through `sudo`, names another user's.
+// A bus's owner can read and forge every notice. An address that is inherited by mistake, for
+// example through `sudo`, leads to another user's bus.
 bool runsAsThisUser(sd_bus* bus) {
     ucred peer{};
     socklen_t size = sizeof peer;

@@ -1,11 +1,11 @@
-// The connection to the session's message bus.
+// Connection to the session's message bus.
 #pragma once
 
 #include "platform/linux/bus/BusConnection.hpp"
 
 namespace quorvane {
 
-// Only a bus that runs as the same user is used.
+// Uses only a bus that runs as the same user.
 class SessionBus : public BusConnection {
 public:
     SessionBus(EventLoop& loop, Logger log);

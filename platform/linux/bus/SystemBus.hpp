@@ -1,4 +1,4 @@
-// The connection to the machine's message bus.
+// Connection to the system message bus.
 #pragma once
 
 #include <utility>

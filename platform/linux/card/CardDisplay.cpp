@@ -67,13 +67,13 @@ void CardDisplay::beginWatching() {
     if (watch_->isWatching()) lockerRests();
 }
 
-// At once: the edge changes together with what is behind the margin, or before it where something
-// moves in from outside.
+// Checked at each drawing, because the edge changes together with the pixels behind the margin, or
+// before them where something moves in from outside.
 void CardDisplay::lockerHasDrawn() {
     if (isFollowing_ && lockerPicture_.visibleEdge(place()) != edge_) stopFollowing();
 }
 
-// A background whose edge is not the visible one is a picture in the making, or is painted over.
+// If the background's edge differs from the visible one, the picture is unfinished or painted over.
 void CardDisplay::lockerRests() {
     auto background = lockerPicture_.background(place());
     if (!background || lockerPicture_.visibleEdge(place()) != background->edge) return;
@@ -82,7 +82,7 @@ void CardDisplay::lockerRests() {
         stopFollowing();
         return watch_->awaitRest();
     }
-    // Around the card the locker itself is visible now.
+    // Outside the card's outline the locker itself is visible now.
     auto visible = lockerPicture_.visible(child_.place());
     std::vector<PixelRect> other = child_.outline();
     other.insert(other.end(), child_.holes().begin(), child_.holes().end());

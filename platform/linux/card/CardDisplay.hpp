@@ -1,5 +1,5 @@
-// All that a card window needs while it is to be seen: the backdrop, the glass, the picture in
-// memory. Made when it begins to show and dropped when it ends, so a hidden card holds no pixels.
+// The pixels of a visible card window: the backdrop, the glass, the picture in memory. Created when
+// the window is shown and destroyed when it is hidden, so that a hidden card holds no pixels.
 #pragma once
 
 #include <functional>
@@ -15,30 +15,31 @@
 
 namespace quorvane {
 
-// Main thread only. The child outlives it. Nothing around the card is ever wrong: the margin with
-// the card's shadow shows only while the locker's picture behind it is known at every moment.
-// Otherwise the window has the card's own shape.
+// Main thread only. The child outlives it. The window includes the margin with the shadow only
+// while the locker's picture behind it is known at every moment, so that stale pixels never show
+// around the card. Otherwise the window has the card's own shape.
 class CardDisplay {
 public:
-    // Reads the backdrop, so the child is still unmapped. Null when the locker has gone or there is
-    // no memory. `transform` is the stage's at first. `backdropChanged` is called when the backdrop
-    // has changed; the caller then draws everything again.
+    // Reads the backdrop, so the child must still be unmapped. Returns null when the locker's
+    // window is gone or memory is short. `transform` is the stage's initial transform.
+    // `backdropChanged` is called when the backdrop has changed; the caller then redraws
+    // everything.
     static std::unique_ptr<CardDisplay> make(X11Session& x11, const Clock& clock,
                                              LockerChild& child, const CardStyle& style,
                                              double scale, std::shared_ptr<PictureCache> pictures,
                                              const Transform& transform,
                                              std::function<void()> backdropChanged);
 
-    // What a frame need not wait for: each call after one does a part of it, and leaves time for
-    // the next frame.
+    // Work that a frame need not wait for. Call after each frame: each call does one part of the
+    // work and leaves time for the next frame.
     void afterFrame();
-    // Whether the backdrop is the locker's picture now, known without a look behind the window.
+    // Whether the backdrop follows the locker's picture without reading behind the window.
     bool isFollowing() const { return isFollowing_; }
     void draw(const StageLook& look);
-    // Draws only these areas of the scene, in card coordinates, and these of the stage.
+    // Draws only these areas of the scene, in card coordinates.
     void drawParts(const StageLook& look, const std::vector<Rect>& cardAreas);
     void sceneChanged() { painter_.forgetScene(); }
-    // Shows again what was drawn last.
+    // Shows this part of the last drawing again.
     void showAgain(const PixelRect& part);
 
 private:

@@ -28,8 +28,8 @@ std::shared_ptr<CardResources> makeResources(const CardModuleServices& services)
     return resources;
 }
 
-// Pictures of a window are megabytes each and live as long as a card or a movement. By itself the C
-// library would soon take them from its heap, where the hole that each leaves stays in memory.
+// Window pictures are megabytes each and live as long as a card or a movement. By default the C
+// library would soon allocate them from its heap, where the hole each leaves stays resident.
 void giveLargeBlocksBack() {
     constexpr int kLarge = 256 * 1024;
     mallopt(M_MMAP_THRESHOLD, kLarge);

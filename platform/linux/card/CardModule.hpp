@@ -1,5 +1,5 @@
-// The drawing module: everything that needs the drawing libraries, in a library of its own that is
-// loaded when the first card is made. Until then the add-on runs without them.
+// The interface of the drawing module, a separate library with all code that needs the drawing
+// libraries. The add-on loads it with the first card and runs without those libraries until then.
 #pragma once
 
 #include "drawing/CardWindows.hpp"
@@ -17,8 +17,8 @@ struct CardModuleServices {
     Clock clock;
     MainThread mainThread;
     LogSink log;
-    MakeSerialQueue makeSerialQueue{};  // for decoding pictures; without it that is done at once
-    AccessibleCards* accessibility = nullptr;  // who is told of the cards that are to be seen
+    MakeSerialQueue makeSerialQueue{};         // for decoding pictures; synchronous if empty
+    AccessibleCards* accessibility = nullptr;  // notified of the cards that are visible
 };
 
 // The module's one exported function, under the name below. It fills `makeWindow`, `makeStage` and

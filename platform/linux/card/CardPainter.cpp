@@ -40,13 +40,13 @@ void clipTo(cairo_t* cairo, const CairoRegion& region) {
 
 bool canScroll(const StageLook& look) { return look.isResting() && !look.pointer; }
 
-// The rows and the columns in which the card is opaque from edge to edge; empty where it is not
-// even in its middle. It bulges everywhere, so looking at the ends of a row or column is enough.
+// The rows and the columns in which the card is opaque from edge to edge; empty if its centre is
+// not opaque. The card is convex, so checking the ends of a row or column is enough.
 std::array<PixelRect, 2> opaqueCross(const Pixels& chrome) {
     const int middleX = chrome.width / 2;
     const int middleY = chrome.height / 2;
     const auto isOpaque = [&](int x, int y) { return chrome.at(x, y) >= kOpaqueBlack; };
-    // From the middle to the last place before the edge at which `holds`.
+    // Walks from the middle toward the edge; returns the last place for which `holds` is true.
     const auto last = [](int middle, int edge, const auto& holds) {
         const int step = edge < middle ? -1 : 1;
         int place = middle;
@@ -121,7 +121,7 @@ void CardPainter::drawPart(cairo_surface_t* target, const StageLook& look, const
     cairo_clip(context.get());
     cairo_translate(context.get(), part.x, part.y);
     copyFrom(context.get(), surfaceOver(pixels).get());
-    // Rows that the kept part takes for drawn may look different now.
+    // This drawing may have changed rows that the cached part assumes unchanged.
     if (scrolling_ && !scrolling_->part().intersection(part).isEmpty()) scrolling_.reset();
     if (scrolling_ || !canScroll(look)) return;
     scrolling_ = ScrollingPart::make(
@@ -146,7 +146,7 @@ void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
         drawScene(cairo, look.scene);
     } else {
         copyFrom(cairo, backdropSurface_.get());
-        // An entrance's first frame shows nothing yet, and does not wait for what comes next.
+        // The first frame of an entrance shows no card yet, so it does not wait for the glass.
         if (look.alpha > 0) drawMoving(cairo, look);
     }
     if (look.pointer)
@@ -154,7 +154,7 @@ void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
                     look.alpha);
 }
 
-// Behind opaque glass nothing is drawn, and the glass is copied there, not mixed.
+// Opaque glass is copied, not blended, and nothing is drawn behind it.
 void CardPainter::drawGround(cairo_t* cairo) const {
     const CairoRegion opaque{cairo_region_create()};
     for (const PixelRect& part : opaque_) addTo(opaque, part);
@@ -194,7 +194,7 @@ void CardPainter::drawMoving(cairo_t* cairo, const StageLook& look) {
     cairo_translate(cairo, low.x * scale_, low.y * scale_);
     cairo_scale(cairo, transform.scale, transform.scale);
     cairo_set_source_surface(cairo, moving_.get(), 0, 0);
-    // What lies between two pixels is mixed from both, also where nothing is scaled.
+    // Interpolate between pixels, also for fractional offsets without scaling.
     cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_BILINEAR);
     cairo_paint_with_alpha(cairo, look.alpha);
 }

@@ -1,5 +1,5 @@
-// Puts a card's picture together: the locker's picture, over it the stage with shadow, glass and
-// scene, over that a pointer.
+// A painter of a card's layers: the locker's picture, the stage with shadow, glass and scene, and a
+// pointer on top.
 #pragma once
 
 #include <array>
@@ -19,14 +19,14 @@ namespace quorvane {
 struct StageLook {
     const Scene& scene;
     Transform transform;             // in stage coordinates
-    double alpha = 1;                // 0: only what is behind
+    double alpha = 1;                // 0: only the backdrop
     std::optional<Point> pointer{};  // in stage coordinates
 
     bool isResting() const { return alpha >= 1 && transform == Transform::identity(); }
 };
 
-// Main thread only. Keeps what is costly: the glass for as long as the backdrop is the same, and a
-// picture of the whole stage while that moves or fades.
+// Main thread only. Caches the costly results: the glass until the backdrop changes, and a picture
+// of the whole stage while the stage moves or fades.
 class CardPainter {
 public:
     CardPainter(const CardStyle& style, double scale, std::shared_ptr<PictureCache> pictures);
@@ -34,17 +34,17 @@ public:
     // `backdrop` has the size of the stage in pixels.
     void setBackdrop(Pixels backdrop);
     const Pixels& backdrop() const { return backdrop_; }
-    // Glass and shadow over the backdrop, for the next drawing that needs them. False when they are
-    // there.
+    // Makes glass and shadow over the backdrop, for the next drawing that needs them. Returns false
+    // when they exist already.
     bool makeChrome();
-    // The scene looks different somewhere.
+    // Call when the scene looks different somewhere.
     void forgetScene() { moving_.reset(); }
 
-    // Draws all of it.
+    // Draws the whole stage.
     void draw(cairo_surface_t* target, const StageLook& look);
-    // Draws these parts, in pixels of the stage, and leaves the others alone. They turn from the
-    // old look to the new one without a step between, for a target that is being read meanwhile.
-    // Returns what of them may have changed.
+    // Draws only these parts, in pixels of the stage. Each pixel changes from the old value to the
+    // new one in a single write, because the target may be read at the same time. Returns the parts
+    // that may have changed.
     std::vector<PixelRect> drawParts(cairo_surface_t* target, const StageLook& look,
                                      std::span<const PixelRect> parts);
     // The whole pixels of the stage under an area of the card.
@@ -62,7 +62,7 @@ private:
     double scale_;
     Pixels backdrop_;
     Pixels chrome_;
-    CairoSurface backdropSurface_;  // the two over the pixels above
+    CairoSurface backdropSurface_;  // these two refer to the pixels above
     CairoSurface chromeSurface_;
     std::array<PixelRect, 2> opaque_{};  // where the chrome hides the backdrop
     CairoSurface moving_;

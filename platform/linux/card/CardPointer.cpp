@@ -23,8 +23,8 @@ CardPointer::CardPointer(X11Session& x11, LockerChild& child, const CardStyle& s
     observeCursor();
 }
 
-// The server reports the displayed cursor's changes on any window that asks; with the child's own
-// the selection ends with the card.
+// The server reports changes of the displayed cursor to any selecting window. Selecting on the
+// child makes the selection end with the card.
 void CardPointer::observeCursor() {
     xcb_connection_t* connection = x11_.connection();
     const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
@@ -59,7 +59,7 @@ CardPointer::~CardPointer() {
 // In card coordinates.
 Point CardPointer::locationOf(Point rootPoint) const {
     const Point origin = child_.origin();
-    // A pixel is pointed at by its middle.
+    // The pointer's position is the centre of its pixel.
     return {(rootPoint.x + 0.5 - origin.x) / scale_ - style_.shadowMargin,
             (rootPoint.y + 0.5 - origin.y) / scale_ - style_.shadowMargin};
 }
@@ -83,7 +83,8 @@ void CardPointer::handle(const RawPointerEvent& event) {
 
 void CardPointer::moved(Point rootPoint) {
     const bool isOver = isOnCard(rootPoint);
-    // The locker's pointer is looked at once for each visit, and at its changes.
+    // The locker's pointer is queried once each time the pointer enters the card, and when the
+    // cursor changes.
     const bool shows = isOver && (isOver_ ? showsArrow_ : lockerHidesPointer());
     isOver_ = isOver;
     if (!std::exchange(showsArrow_, shows) && !shows) return;
@@ -96,7 +97,7 @@ void CardPointer::report(const std::optional<PointerEvent>& event) {
     if (event) listener_.event(*event);
 }
 
-// A locker that hides the pointer holds it grabbed with an empty picture.
+// A locker hides the pointer by grabbing it with an empty cursor picture.
 bool CardPointer::lockerHidesPointer() {
     xcb_connection_t* connection = x11_.connection();
     const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);

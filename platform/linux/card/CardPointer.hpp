@@ -1,5 +1,6 @@
-// The pointer over a card: presses for its content, and an arrow where the locker hides its own.
-// The locker may move the card away from under the pointer, and show or hide its own, at any time.
+// The pointer over a card: presses for its content, and an arrow where the locker hides the
+// pointer. At any time the card may move away from under the pointer, and the locker may show or
+// hide the pointer.
 #pragma once
 
 #include <functional>
@@ -13,25 +14,25 @@
 
 namespace quorvane {
 
-// Main thread only. Lives while a card takes presses: the server is asked for the pointer for only
-// as long. Lockers hold the pointer grabbed, so no window gets it; its raw events do come, and the
-// place is compared with the card's.
+// Main thread only. Exists only while a card takes presses, so that the server sends pointer events
+// only then. Lockers grab the pointer, so our window receives no pointer events. The raw events
+// still arrive, and their position is compared with the card's.
 class CardPointer {
 public:
     struct Listener {
         std::function<void(const PointerEvent&)> event;
-        // Where an arrow is to be drawn, in stage coordinates, or that none is.
+        // Where to draw an arrow, in stage coordinates; nullopt to draw none.
         std::function<void(std::optional<Point>)> arrow;
     };
 
-    // The child outlives it. A press that is under way when it ends is cancelled.
+    // The child outlives it. The destructor cancels a press in progress.
     CardPointer(X11Session& x11, LockerChild& child, const CardStyle& style, double scale,
                 Listener listener);
     ~CardPointer();
     CardPointer(const CardPointer&) = delete;
     CardPointer& operator=(const CardPointer&) = delete;
 
-    // The card is elsewhere now, the pointer where it was.
+    // Call when the card has moved and the pointer has not.
     void cardMoved();
 
 private:

@@ -52,7 +52,7 @@ Transform CardStageX11::transformAt(Instant now) const {
 }
 
 void CardStageX11::deliver(const PointerEvent& event) const {
-    // The content may replace its events while it hears this one.
+    // A copy, because the content may replace its events inside this call.
     const auto pointer = events_.pointer;
     if (pointer) pointer(event);
 }

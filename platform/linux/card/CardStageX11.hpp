@@ -1,5 +1,4 @@
-// The stage of a card on X11: what it shows and how it moves. It draws nothing itself; the window
-// that it stands in does.
+// The stage of a card on X11: its scene and its movement. Its window draws it.
 #pragma once
 
 #include <optional>
@@ -10,14 +9,14 @@
 
 namespace quorvane {
 
-// What a stage tells the window that it stands in.
+// The callbacks of a stage to its window.
 class StageHost {
 public:
     virtual ~StageHost() = default;
     // These parts of the scene look different now; card coordinates.
     virtual void sceneChanged(const std::vector<Rect>& areas) = 0;
     virtual void controlsChanged() = 0;
-    // Whether it is hidden, or how it moves, has changed.
+    // Its visibility or its movement has changed.
     virtual void stageChanged() = 0;
 };
 
@@ -32,12 +31,12 @@ public:
     void setScene(const Scene& scene) override;
     void setEvents(StageEvents events) override { events_ = std::move(events); }
 
-    // For the window. The host outlives its standing there: it takes itself away.
+    // For the window. The host resets this to null before it ends.
     void setHost(StageHost* host) { host_ = host; }
     const CardStyle& style() const { return style_; }
     const Scene& scene() const { return scene_; }
     bool isHidden() const { return isHidden_; }
-    // A movement begins with the first frame that shows it, however long that took to draw.
+    // A movement begins with the first frame that shows it, however long that frame took to draw.
     void beginMovement(Instant now);
     bool isMoving(Instant now) const;
     Transform transformAt(Instant now) const;

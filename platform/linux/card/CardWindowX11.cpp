@@ -10,7 +10,7 @@ namespace {
 
 constexpr Duration kFrame = std::chrono::nanoseconds{1'000'000'000 / 60};
 constexpr unsigned long kOcclusionVisible = 2;
-// The time a locker has to paint what a moving card has uncovered.
+// The time a locker gets to repaint the area that a moving card has uncovered.
 constexpr Duration kRepaintTime = std::chrono::milliseconds{150};
 
 }  // namespace
@@ -62,7 +62,7 @@ void CardWindowX11::setContent(std::shared_ptr<CardStage> stage) {
 }
 
 // A visible card is hidden while it moves, because the picture at its new place can be read only
-// without it. The server has a background at once. Other lockers have to paint first.
+// without the card. The server repaints a background at once; other lockers must paint first.
 void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     screen_ = screen;
     if (!child_->isStanding()) return;
@@ -117,7 +117,7 @@ void CardWindowX11::setMouseDownObserver(std::function<void(Point)> observer) {
     mouseDownObserver_ = std::move(observer);
 }
 
-// Ends it where it is; the window's alpha is its goal already.
+// Ends the fade; `alpha_` already is its target value.
 void CardWindowX11::endFade() {
     auto fade = std::exchange(fade_, std::nullopt);
     if (fade && fade->completion) resources_->mainThread.post(std::move(fade->completion));
@@ -145,8 +145,8 @@ bool CardWindowX11::isToBeSeen() const {
     return isOrderedIn_ && stage_ && !stage_->isHidden() && (alpha_ > 0 || fade_);
 }
 
-// One update follows on all that is changed in a turn of the main loop: an entrance changes five
-// things, and none of the looks in between is to be seen.
+// Coalesces all changes of one main-loop turn into one update: an entrance changes five things, and
+// no intermediate state may be visible.
 void CardWindowX11::updateSoon() {
     if (std::exchange(isUpdatePosted_, true)) return;
     post([](CardWindowX11& self) {
@@ -161,7 +161,7 @@ void CardWindowX11::update() {
     finishFade(now);
     if (!isToBeSeen()) {
         hide();
-        // A fade that nobody sees takes its time too.
+        // An invisible fade also runs for its full duration.
         beginAnimations(now);
         if (fade_) updateAfter(*fade_->begin + fade_->duration - now);
         return;
@@ -173,7 +173,7 @@ void CardWindowX11::update() {
     beginAnimations(resources_->clock.now());
     display_->afterFrame();
     const Instant done = resources_->clock.now();
-    // The next frame counts from this one's time, however long its drawing took.
+    // The next frame is timed from the start of this one, however long drawing took.
     if (isMoving(now)) updateAfter(kFrame - (done - now));
 }
 
@@ -226,7 +226,7 @@ void CardWindowX11::drawParts(const std::vector<Rect>& cardAreas) {
 void CardWindowX11::sceneChanged(const std::vector<Rect>& areas) {
     if (!display_) return;
     display_->sceneChanged();
-    // While it moves the next frame shows it anyway; an update that is due draws everything too.
+    // The next frame of a movement, or a posted update, draws everything anyway.
     if (nextFrame_ || isUpdatePosted_) return;
     if (alpha_ >= 1)
         drawParts(areas);
@@ -252,7 +252,7 @@ void CardWindowX11::syncPointer() {
                               .arrow = [this](std::optional<Point> place) { moveArrow(place); }});
 }
 
-// Posted, so that no content is called from inside a call to its window.
+// Posted, so that the content is never called from inside a call to its window.
 void CardWindowX11::pointerEvent(const PointerEvent& event) {
     post([event, stage = std::weak_ptr{stage_}](CardWindowX11& self) {
         const auto content = stage.lock();
@@ -267,7 +267,7 @@ void CardWindowX11::pointerEvent(const PointerEvent& event) {
     });
 }
 
-// A hidden card is none for anybody.
+// A hidden card is not exposed to assistive technology.
 void CardWindowX11::tellAccessibility(bool isSeen) {
     if (!resources_->accessibility || std::exchange(isAccessible_, isSeen) == isSeen) return;
     if (isSeen)

@@ -1,4 +1,4 @@
-// A card window on X11: when it is seen, how it fades, and who hears of presses.
+// A card window on X11: visibility, fades, and the delivery of presses.
 #pragma once
 
 #include <memory>
@@ -17,7 +17,7 @@
 
 namespace quorvane {
 
-// What the card windows share.
+// Resources shared by the card windows.
 struct CardResources {
     X11Session& x11;
     Clock clock;
@@ -28,19 +28,19 @@ struct CardResources {
     Listeners<> picturesArrived{};
 };
 
-// Main thread only. On the X server it is mapped only while there is something of the card to see:
-// at alpha 0 the lock screen is as if there were no card. When the locker goes the server destroys
-// the window; from then on it is a window that shows nothing.
+// Main thread only. The X window is mapped only while part of the card is visible: at alpha 0 the
+// lock screen looks as if there were no card. When the locker's window is destroyed the server
+// destroys this one too; afterwards this object shows nothing.
 class CardWindowX11 final : public CardSystemWindow, private StageHost, private AccessibleCard {
 public:
-    // Null when no locker's window can take it; the reason is logged.
+    // Returns null when no locker's window can hold it; the reason is logged.
     static std::unique_ptr<CardWindowX11> make(std::shared_ptr<CardResources> resources,
                                                const WindowSettings& settings,
                                                const Screen& screen);
     ~CardWindowX11() override;
 
     long number() const override { return number_; }
-    // Whether it was ordered in and still stands.
+    // Whether it was ordered in and still exists.
     bool isVisible() const override { return isOrderedIn_; }
     unsigned long occlusionState() const override;
     void setIgnoresMouseEvents(bool ignores) override;
@@ -57,7 +57,7 @@ private:
     struct Fade {
         double from;
         double to;
-        std::optional<Instant> begin;  // of the first frame that shows it
+        std::optional<Instant> begin;  // time of the first frame that shows it
         Duration duration;
         std::function<void()> completion;
     };
@@ -90,7 +90,7 @@ private:
     void draw(Instant now);
     void drawParts(const std::vector<Rect>& cardAreas);
     double alphaAt(Instant now) const;
-    double scale() const { return screen_.scale * contentScale_; }  // pixels a point of the stage
+    double scale() const { return screen_.scale * contentScale_; }  // pixels per point of the stage
     StageLook look(Instant now) const;
     void syncPointer();
     void pointerEvent(const PointerEvent& event);
@@ -106,19 +106,19 @@ private:
     bool ignoresMouseEvents_;
     bool isOrderedIn_ = false;
     bool isUpdatePosted_ = false;
-    bool isAccessible_ = false;  // assistive technology has been told of it
+    bool isAccessible_ = false;  // assistive technology knows of it
     std::shared_ptr<CardStageX11> stage_;
     std::optional<Fade> fade_;
-    Instant readableAt_{};  // the locker's picture at the card's place
+    Instant readableAt_{};  // when the locker's picture can be read
     std::optional<Point> arrow_;
     std::function<void(Point)> mouseDownObserver_;
     Timer nextFrame_;
     Handle pictures_;
-    // Each refers to the one before.
+    // Each refers to the one above.
     std::unique_ptr<LockerChild> child_;
     std::unique_ptr<CardDisplay> display_;
     std::unique_ptr<CardPointer> pointer_;
-    // What posted actions hold instead of the window.
+    // Posted actions hold this instead of the window.
     std::shared_ptr<CardWindowX11*> self_ = std::make_shared<CardWindowX11*>(this);
 };
 

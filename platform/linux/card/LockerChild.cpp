@@ -10,7 +10,7 @@
 namespace quorvane {
 namespace {
 
-// Where a rectangle of a screen, in global points, lies on the root, in pixels.
+// Converts a rectangle of a screen from global points to root pixels.
 Rect rootPixels(const Rect& rect, const Screen& screen, const Rect& pixelFrame) {
     return {pixelFrame.x + (rect.minX() - screen.frame.minX()) * screen.scale,
             pixelFrame.y + (screen.frame.maxY() - rect.maxY()) * screen.scale,
@@ -23,7 +23,7 @@ std::optional<LockerWindow> lockerAt(X11Session& x11, Point point) {
     return std::nullopt;
 }
 
-// The pictures here have eight bits a colour, blue lowest.
+// Our pictures have eight bits per channel, blue lowest.
 bool hasUsualColors(const xcb_screen_t& screen, xcb_visualid_t visual) {
     for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0;
          xcb_depth_next(&depth))
@@ -80,7 +80,7 @@ bool LockerChild::create(const Rect& frame, const Screen& screen) {
     depth_ = geometry->depth;
     place_ = placeFor(frame, screen);
     const xcb_window_t window = xcb_generate_id(connection);
-    // No background: until it is drawn into, the window shows what was there before.
+    // No background: until something is drawn, the window keeps the pixels that were there before.
     const std::uint32_t values[] = {XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST, 1,
                                     XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE |
                                         XCB_EVENT_MASK_STRUCTURE_NOTIFY};
@@ -125,7 +125,7 @@ void LockerChild::handle(const xcb_generic_event_t& event) {
             if (!std::exchange(isStanding_, false)) return;
             isMapped_ = false;
             x11_.noteOwnWindow(window_, false);
-            // Last: whoever hears of it may drop this object.
+            // Last, because the listener may destroy this object.
             const auto destroyed = events_.destroyed;
             if (destroyed) destroyed();
             return;
@@ -216,9 +216,10 @@ void LockerChild::destroy() {
     x11_.noteOwnWindow(window_, false);
 }
 
-// Some lockers show their picture in a child that fills their window, and ask for the password in
-// another. The card belongs right over the first and under all else. It is stacked once, before it
-// is mapped. A part of its margin may be off the screen, where no child of the locker reaches.
+// Some lockers show their picture in a child that fills their window, and the password prompt in
+// another child. The card belongs directly above the first and below all others. It is stacked
+// once, before it is mapped. Part of its margin may be off the screen, where no child of the locker
+// reaches.
 void LockerChild::stackAboveCover() {
     xcb_connection_t* connection = x11_.connection();
     const auto tree =

@@ -1,4 +1,4 @@
-// A window of ours inside a locker's window: where it stands, what stands over it, and its end.
+// Our window inside a locker's window: its place, its stacking order, its shape and its end.
 #pragma once
 
 #include <xcb/shape.h>
@@ -15,17 +15,17 @@
 
 namespace quorvane {
 
-// Main thread only. It is above the lock because its parent is, so it is never raised; it grabs
-// nothing and hears of no keys. The server destroys it together with the locker's window; from then
-// on every request is without effect.
+// Main thread only. It is above the lock because its parent is, so it is never raised. It grabs
+// nothing and receives no key events. The server destroys it together with the locker's window;
+// requests after that have no effect.
 class LockerChild {
 public:
     struct Events {
-        std::function<void()> destroyed;  // by somebody else
+        std::function<void()> destroyed;  // by another client or by the server
         std::function<void(const PixelRect& part)> exposed;
     };
 
-    // Null when no locker covers the place; the reason is logged.
+    // Returns null when no locker covers the place; the reason is logged.
     static std::unique_ptr<LockerChild> make(X11Session& x11, const Logger& log, const Rect& frame,
                                              const Screen& screen, Events events);
     ~LockerChild();
@@ -37,25 +37,25 @@ public:
     const LockerWindow& locker() const { return locker_; }
     bool isStanding() const { return isStanding_; }
     bool isMapped() const { return isMapped_; }
-    // Whether any of it can be seen while it is mapped.
+    // Whether it is fully covered while mapped.
     bool isObscured() const { return isObscured_; }
-    // In the locker's window.
+    // In the locker's window coordinates.
     const PixelRect& place() const { return place_; }
-    // Of its top left, in root pixels.
+    // Its top left, in root pixels.
     Point origin() const { return {locker_.frame.x + place_.x, locker_.frame.y + place_.y}; }
-    // Whether a point of the root lies on it and not on a window over it.
+    // Whether a point of the root lies on it and no window above it covers the point.
     bool isOnTopAt(Point rootPoint);
-    // Where a frame on a screen would come to lie in the locker's window.
+    // The place in the locker's window of a frame on a screen.
     PixelRect placeFor(const Rect& frame, const Screen& screen) const;
 
-    // What is visible of the locker's picture stays in the window until something is drawn.
+    // The window keeps the visible locker's picture until something is drawn.
     void map();
     void unmap();
     void moveTo(const PixelRect& place);
     // Leaves these areas of the screen out of the window.
     void cutOut(const std::vector<Rect>& areas, const Screen& screen);
-    // Gives the window this shape, less what is cut out; without parts the whole rectangle. Where
-    // the server has no shapes the window stays a rectangle.
+    // Gives the window this shape, less the areas cut out; empty means the whole rectangle. Without
+    // the Shape extension the window stays a rectangle.
     void setOutline(std::vector<PixelRect> parts);
     const std::vector<PixelRect>& outline() const { return outline_; }
     // In the window's coordinates; they may reach beyond it.

@@ -12,11 +12,11 @@ namespace {
 
 constexpr std::size_t kMostThroughConnection = 65536;  // bytes
 constexpr std::uint32_t kEveryPlane = ~0U;
-// Stays where the locker's window has no background at all, and is like nothing that one sees.
+// Remains where the locker's window has no background. A colour that no locker is likely to show.
 constexpr std::uint32_t kUntouched = 0xfd02fb;
 constexpr int kEdge = 2;  // pixels
 
-// The strips along an area, outside of it.
+// The strips just outside an area's four sides.
 std::array<PixelRect, 4> sidesOf(const PixelRect& area) {
     const PixelRect around = grownBy(area, kEdge);
     return {PixelRect{around.x, around.y, around.width, kEdge},
@@ -41,8 +41,9 @@ Pixels opaque(const PixelRect& area, const void* values) {
 
 }  // namespace
 
-// In the window's coordinates. The server refuses to read what is not on the screen. Both sizes
-// change while the screen is locked, and the connection's own record of the screen never does.
+// In the window's coordinates. The server refuses to read pixels that are not on the screen. Both
+// sizes are queried, because they change while the screen is locked and the connection's record of
+// the screen is never updated.
 std::optional<PixelRect> LockerPicture::readable() {
     xcb_connection_t* connection = x11_.connection();
     const auto rootRequest = xcb_get_geometry(connection, x11_.screen().root);
@@ -105,8 +106,8 @@ std::optional<LockerPicture::Background> LockerPicture::background(const LockerP
 
 std::optional<Pixels> LockerPicture::readBackground(const PixelRect& area) {
     xcb_connection_t* connection = x11_.connection();
-    // An invisible window: the server draws it into separate memory, with the background of the
-    // window around it. It is below all others for as long as the reading takes.
+    // An invisible window: the server draws it into separate memory, with its parent's background.
+    // It exists only during the reading, below all other windows.
     const xcb_window_t mirror = xcb_generate_id(connection);
     const std::uint32_t untouched[] = {kUntouched};
     const std::uint32_t parents[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE};
@@ -130,8 +131,8 @@ std::optional<Pixels> LockerPicture::readBackground(const PixelRect& area) {
     return picture;
 }
 
-// The connection would take several milliseconds for a picture of megabytes. For an edge it is
-// faster.
+// A picture of megabytes takes several milliseconds through the connection. For an edge the
+// connection is faster.
 std::optional<Pixels> LockerPicture::read(xcb_drawable_t drawable, const PixelRect& area,
                                           const ServerMemory* lent) {
     const std::size_t length =

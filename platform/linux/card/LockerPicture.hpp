@@ -1,5 +1,5 @@
-// What a locker shows: the pixels behind a card. They are read once for each place and change,
-// never in a rhythm.
+// A reader of the pixels that a locker shows behind a card. They are read once for each place and
+// change, never at an interval.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -14,28 +14,28 @@
 
 namespace quorvane {
 
-// The place of our window, and what it leaves to the locker, in the window's coordinates.
+// The place of our window, and the holes it leaves for the locker, in the window's coordinates.
 struct LockerPlace {
     PixelRect area;
     std::vector<PixelRect> holes{};
 };
 
-// The pixels just outside the area, black in the holes: a locker shows there what it wants.
+// The pixels just outside the area; black in the holes, because a locker may draw anything there.
 using EdgePixels = std::vector<std::uint32_t>;
 
-// Reads areas of one locker's window, in its coordinates. What lies outside it comes out black.
-// Main thread only. Returns nullopt when the window has gone.
+// Reads areas of one locker's window, in its coordinates. Pixels outside it are black. Main thread
+// only. Returns nullopt when the window is gone.
 class LockerPicture {
 public:
     LockerPicture(X11Session& x11, xcb_window_t locker) : x11_(x11), locker_(locker) {}
 
-    // What is on the screen there now, windows inside the locker's included. The pixels may come
-    // through `lent`, memory for as many pixels that is not in use yet.
+    // The pixels on the screen there now, including windows inside the locker's. `lent` is unused
+    // memory for as many pixels, through which the pixels may be read.
     std::optional<Pixels> visible(const PixelRect& area, const ServerMemory* lent = nullptr);
     std::optional<EdgePixels> visibleEdge(const LockerPlace& place);
-    // The locker's background, which the server keeps under every window inside, ours too. i3lock
-    // shows all it draws that way. Other lockers paint over their background, and some change it
-    // in steps: only where it is also visible is it the locker's picture.
+    // The locker's background, which the server keeps under every window inside, including ours.
+    // i3lock draws everything into its background. Other lockers paint over theirs, and some change
+    // it in steps, so the background is the locker's picture only where it is also visible.
     struct Background {
         Pixels picture;
         EdgePixels edge;

@@ -8,9 +8,9 @@
 namespace quorvane {
 namespace {
 
-// i3lock clears and paints a screen within 20 ms; somebody types a key every 100 ms or more.
+// i3lock clears and paints a screen within 20 ms; keys are typed 100 ms or more apart.
 constexpr Duration kSettleTime = std::chrono::milliseconds{100};
-// A locker that draws without a rest is looked at this often.
+// The longest interval between checks while a locker draws without a pause.
 constexpr Duration kLongestPause = std::chrono::seconds{3};
 
 const xcb_query_extension_reply_t* present(xcb_connection_t* connection,
@@ -29,7 +29,7 @@ LockerPictureWatch::LockerPictureWatch(X11Session& x11, Clock clock, xcb_window_
 
 LockerPictureWatch::~LockerPictureWatch() {
     if (damage_ == XCB_NONE) return;
-    // The locker may have gone, and the server's damage object with it; the error is harmless.
+    // The locker's window may be gone, and the damage object with it; the error is harmless.
     xcb_damage_destroy(x11_.connection(), damage_);
     xcb_xfixes_destroy_region(x11_.connection(), region_);
 }
@@ -38,7 +38,7 @@ void LockerPictureWatch::begin(xcb_window_t locker) {
     xcb_connection_t* connection = x11_.connection();
     const auto* extension = present(connection, xcb_damage_id);
     if (!extension || !present(connection, xcb_xfixes_id)) return;
-    // The server refuses the requests of clients that have not named a version.
+    // The server rejects requests from clients that have not negotiated a version.
     const auto damageVersion = xcb_damage_query_version(connection, 1, 1);
     const auto fixesVersion = xcb_xfixes_query_version(connection, 5, 0);
     if (!xcbReply(xcb_damage_query_version_reply, connection, damageVersion) ||
@@ -48,7 +48,8 @@ void LockerPictureWatch::begin(xcb_window_t locker) {
     damage_ = xcb_generate_id(connection);
     xcb_xfixes_create_region(connection, region_, 0, nullptr);
     xcb_damage_create(connection, damage_, locker, XCB_DAMAGE_REPORT_LEVEL_BOUNDING_BOX);
-    // A new object begins with the whole window damaged, which the server reports at once.
+    // A new damage object starts with the whole window damaged, and the server reports this at
+    // once.
     const unsigned beginning =
         xcb_damage_subtract(connection, damage_, XCB_NONE, XCB_NONE).sequence;
     events_ = x11_.observeEvents(
@@ -66,8 +67,8 @@ void LockerPictureWatch::awaitRest() {
     if (isWatching() && !pauseEnd_) waitFor(kSettleTime);
 }
 
-// The server reports damage that reaches farther than what it has reported since the last taking.
-// While nothing is taken, a locker that draws all the time wakes nobody.
+// The server reports only damage beyond the damage already reported since the last subtract.
+// Without a subtract, a locker that draws all the time does not wake this process.
 void LockerPictureWatch::noticed() {
     if (pauseEnd_ && !isImmediate_) return;
     if (!takeDrawing()) return;
@@ -90,8 +91,8 @@ void LockerPictureWatch::pauseEnded() {
     listener_.rested();
 }
 
-// Our own drawing counts as damage of the locker's window too. The server clips what a locker
-// draws to the outside of our window, so it is the damage that reaches past our edges.
+// Our own drawing also damages the locker's window. The server clips the locker's drawing to the
+// outside of our window, so the locker's damage is the damage that extends past our edges.
 bool LockerPictureWatch::takeDrawing() {
     xcb_connection_t* connection = x11_.connection();
     xcb_damage_subtract(connection, damage_, XCB_NONE, region_);

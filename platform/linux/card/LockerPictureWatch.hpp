@@ -1,4 +1,5 @@
-// Watches a locker's drawing around a card: reports it at once, and when it has come to rest.
+// A watch over a locker's drawing around a card: reports each drawing, and when drawing has
+// stopped.
 #pragma once
 
 #include <xcb/damage.h>
@@ -12,16 +13,16 @@
 
 namespace quorvane {
 
-// Main thread only. The server reports the drawing. While the locker is at rest nothing is polled.
-// Without the Damage extension nothing is ever reported.
+// Main thread only. Driven by the server's damage events; nothing is polled while the locker is at
+// rest. Without the Damage extension it never reports anything.
 class LockerPictureWatch {
 public:
     struct Listener {
-        std::function<void()> drawn;   // at once, at each drawing; only while `setImmediate` is on
+        std::function<void()> drawn;   // at each drawing, only while `setImmediate` is on
         std::function<void()> rested;  // the locker has not drawn for a settle time
     };
 
-    // `area` is the place of our window inside the locker's: what is drawn there is our own.
+    // `area` is the place of our window inside the locker's; drawing inside it is our own.
     LockerPictureWatch(X11Session& x11, Clock clock, xcb_window_t locker, const PixelRect& area,
                        Listener listener);
     ~LockerPictureWatch();
@@ -30,7 +31,7 @@ public:
 
     bool isWatching() const { return damage_ != XCB_NONE; }
     void setImmediate(bool isImmediate) { isImmediate_ = isImmediate; }
-    // Reports the next rest also when nothing is drawn before it.
+    // Reports the next rest even if nothing is drawn before it.
     void awaitRest();
 
 private:

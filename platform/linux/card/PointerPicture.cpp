@@ -8,7 +8,7 @@ namespace quorvane {
 namespace {
 
 constexpr double kOutline = 1;  // points
-// Around from the tip.
+// The corners in order, from the tip.
 constexpr std::array<Point, 7> kArrow{
     {{0, 0}, {0, 16.2}, {3.7, 12.8}, {6.1, 18.4}, {8.9, 17.2}, {6.5, 11.8}, {11.6, 11.6}}};
 

@@ -7,9 +7,9 @@
 
 namespace quorvane {
 
-// `tip` is in the context's units, `scale` those a point.
+// `tip` is in the context's units; `scale` is units per point.
 void drawPointer(cairo_t* cairo, Point tip, double scale, double alpha);
-// What it covers when its tip is there, in points.
+// The area it covers with its tip there, in points.
 Rect pointerArea(Point tip);
 
 }  // namespace quorvane

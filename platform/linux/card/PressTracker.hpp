@@ -1,4 +1,4 @@
-// One press of the primary button on a card, from its going down to its end. Pure values.
+// The state of one press of the primary button on a card. Pure values.
 #pragma once
 
 #include <optional>
@@ -7,8 +7,7 @@
 
 namespace quorvane {
 
-// A press begins on the card and then goes on wherever the pointer moves. Another button ends it
-// without its having meant anything.
+// A press begins on the card and continues wherever the pointer moves. Another button cancels it.
 class PressTracker {
 public:
     bool isPressed() const { return isPressed_; }

@@ -24,7 +24,7 @@ bool isAlikeButForItsWay(const SceneNode& one, const SceneNode& two) {
            before->scroll->fade == after->scroll->fade;
 }
 
-// Pictures may still be on their way, and what is in a group may move.
+// Pictures may still be loading, and nodes in a group may move.
 bool canBeKept(const Leaf& leaf) {
     return leaf.groups.empty() && !std::holds_alternative<ImageNode>(*leaf.node);
 }
@@ -57,8 +57,8 @@ std::optional<ScrollingPart> ScrollingPart::make(const Scene& scene, const Pixel
     Scene still;
     still.isRightToLeft = scene.isRightToLeft;
     for (const Leaf& leaf : made.leavesIn(scene)) {
-        // Lines come last here. Only a shape would cover them: symbols and other lines are nothing
-        // but margin where they meet them.
+        // Lines are drawn last here. Only a shape could cover them: symbols and other lines overlap
+        // them only with empty margins.
         const bool covers = !made.lines_.empty() && std::holds_alternative<ShapeNode>(*leaf.node);
         if (covers || !canBeKept(leaf)) return std::nullopt;
         made.nodes_.push_back(*leaf.node);
@@ -80,7 +80,7 @@ bool ScrollingPart::isMadeOf(std::span<const Leaf> leaves) const {
     });
 }
 
-// Those that may paint on the part.
+// The leaves that may paint on the part.
 std::vector<Leaf> ScrollingPart::leavesIn(const Scene& scene) const {
     const Rect area{place_.point(part_.x), place_.point(part_.y), part_.width / place_.scale,
                     part_.height / place_.scale};
@@ -101,7 +101,7 @@ bool ScrollingPart::addLine(std::size_t number, TextLayouts& texts) {
     const int top = std::max({baseline + coverage->top(), frame.y, part_.y});
     const int bottom = std::min({baseline + coverage->bottom(), frame.maxY(), part_.maxY()});
     const PixelRect rows{part_.x, top, part_.width, bottom - top};
-    // `rows` may be empty: letters outside of their frame are not shown.
+    // `rows` may be empty, because letters outside their frame are not shown.
     if (!rows.isEmpty()) rows_ = rows_.isEmpty() ? rows : unionOf(rows_, rows);
     lines_.push_back(
         {number, line.width, baseline, rows, coverage, pixelOf(node.color), strengthsOf(node)});
@@ -124,8 +124,8 @@ std::vector<ScrollingPart::Copy> ScrollingPart::copiesOf(std::span<const Leaf> l
     for (const Line& line : lines_) {
         const TextNode& node = *scrollingText(*leaves[line.node].node);
         const auto pixel = [&](double x) { return std::round(place_.pixel(x)); };
-        // The rest is rounded by itself: frames made for whole pixels of the way then show whole
-        // pixels.
+        // The resting place is rounded separately, so that frames timed for whole pixels of
+        // scrolling move by whole pixels.
         const double rest = place_.point(pixel(leftEdgeOf(node, line.width, isRightToLeft_)));
         for (const double left : quorvane::copiesOf(node, rest, line.width, isRightToLeft_))
             copies.push_back({&line, static_cast<int>(pixel(left)) - part_.x});

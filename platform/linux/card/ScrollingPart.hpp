@@ -1,5 +1,5 @@
-// A part of the card in which nothing changes but how far lines of text have scrolled. Most frames
-// show only that, so what stands still there is drawn once.
+// A part of the card in which only the scroll positions of text lines change. Most frames change
+// only these, so the rest of the part is drawn once.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace quorvane {
 // Main thread only.
 class ScrollingPart {
 public:
-    // Where a scene lies on its stage: points around it, pixels a point.
+    // Where a scene lies on its stage: points around it, pixels per point.
     struct Place {
         double margin;
         double scale;
@@ -29,34 +29,34 @@ public:
         double point(double pixel) const { return pixel / scale - margin; }
     };
 
-    // `draw` gives the part's pixels, opaque ones, as they are with another scene. Nothing where no
-    // line scrolls, or where more goes on than can be kept.
+    // `draw` returns the part's opaque pixels with another scene. Returns nullopt where no line
+    // scrolls, or where other nodes prevent caching.
     static std::optional<ScrollingPart> make(const Scene& scene, const PixelRect& part,
                                              const Place& place, TextLayouts& texts,
                                              const std::function<Pixels(const Scene&)>& draw);
 
     const PixelRect& part() const { return part_; }
-    // Brings the lines to where the scene has them, in a picture of the whole stage that shows the
-    // part already. Every pixel turns from its old value to the new one without a step between.
-    // Returns the rows in which there are letters: no other ever changes. Nothing, and nothing is
-    // drawn, when there the scene differs in more than how far lines are.
+    // Moves the lines to their positions in the scene, in a picture of the whole stage that shows
+    // the part already. Each pixel changes from its old value to the new one in a single write.
+    // Returns the rows that contain letters; no other rows change. Returns nullopt and draws
+    // nothing when the scene differs there in more than scroll positions.
     std::optional<PixelRect> draw(cairo_surface_t* stage, const Scene& scene,
                                   const PixelRect& part) const;
 
 private:
     struct Line {
-        std::size_t node;  // its place among `nodes_`
+        std::size_t node;  // index into `nodes_`
         double width;      // points
         int baseline;      // row of the stage
-        PixelRect rows;    // with letters, of the part
+        PixelRect rows;    // of the part, those with letters
         std::shared_ptr<const LineCoverage> coverage;
         std::uint32_t color;
         std::vector<std::uint16_t> strengths;
     };
-    // A copy of a line as it stands now.
+    // A copy of a line at its current position.
     struct Copy {
         const Line* line;
-        int x;  // of its left edge, from the part's
+        int x;  // its left edge, from the part's
     };
 
     ScrollingPart(const PixelRect& part, const Place& place, bool isRightToLeft)
@@ -74,7 +74,7 @@ private:
     std::vector<SceneNode> nodes_{};
     std::vector<Line> lines_{};
     PixelRect rows_{};  // of all lines
-    Pixels still_{};    // these rows without the lines, with room at their ends
+    Pixels still_{};    // these rows without the lines, padded at their ends
 };
 
 }  // namespace quorvane

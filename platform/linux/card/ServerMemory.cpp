@@ -41,7 +41,7 @@ ServerMemory::~ServerMemory() {
 
 bool ServerMemory::attach(int descriptor) {
     const xcb_shm_seg_t segment = xcb_generate_id(connection_);
-    // Takes the descriptor over, in every case.
+    // Takes ownership of the descriptor, even on failure.
     const auto request = xcb_shm_attach_fd_checked(connection_, segment, descriptor, false);
     const XcbReply<xcb_generic_error_t> error{xcb_request_check(connection_, request)};
     if (error) return false;

@@ -1,4 +1,4 @@
-// Memory that the X server reads and writes straight, beside this process.
+// Memory shared by this process and the X server.
 #pragma once
 
 #include <xcb/shm.h>
@@ -9,12 +9,11 @@
 
 namespace quorvane {
 
-// Main thread only. The server keeps it for as long as requests that name the segment are under
-// way.
+// Main thread only. The server keeps it while requests that name the segment are pending.
 class ServerMemory {
 public:
-    // Null where the server does not share memory by descriptors: one on another machine, or an old
-    // one. Zeroed.
+    // Zeroed memory. Returns null where the server cannot share memory by file descriptor: a remote
+    // server or an old one.
     static std::unique_ptr<ServerMemory> make(xcb_connection_t* connection, std::size_t size);
     ~ServerMemory();
     ServerMemory(const ServerMemory&) = delete;

@@ -53,8 +53,8 @@ bool WindowBuffer::allocate() {
 }
 
 void WindowBuffer::waitUntilRead() {
-    // A reply means that everything before it is done. Waiting here and not for an event of the
-    // server's keeps the main loop asleep between two frames.
+    // A reply means that all earlier requests are done. Waiting here, and not for a completion
+    // event, lets the main loop sleep between two frames.
     if (std::exchange(isBeingRead_, false))
         xcbReply(xcb_get_input_focus_reply, connection_, xcb_get_input_focus(connection_));
 }
@@ -77,7 +77,7 @@ void WindowBuffer::show(std::span<const PixelRect> parts) {
     }
 }
 
-// A request has a longest length, so the part goes in strips.
+// Sent in strips, because a request has a maximum length.
 void WindowBuffer::send(const PixelRect& part) {
     const std::size_t longest = std::size_t{xcb_get_maximum_request_length(connection_)} * 4;
     const auto rowLength = static_cast<std::size_t>(part.width) * kBytesAPixel;

@@ -1,4 +1,4 @@
-// What a card window shows, in memory that the X server reads straight from.
+// The pixels of a card window, in memory shared with the X server.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -13,24 +13,24 @@
 
 namespace quorvane {
 
-// Main thread only. Without shared memory (a server on another machine) the pixels are sent through
-// the connection. Requests about a window that has gone are without effect.
+// Main thread only. Without shared memory (a remote server) the pixels are sent through the
+// connection. Requests about a destroyed window have no effect.
 class WindowBuffer {
 public:
-    // Null when there is no memory for it. `depth` is the window's, 24 or 32.
+    // Returns null when memory is short. `depth` is the window's, 24 or 32.
     static std::unique_ptr<WindowBuffer> make(xcb_connection_t* connection, xcb_window_t window,
                                               int width, int height, std::uint8_t depth);
     ~WindowBuffer();
     WindowBuffer(const WindowBuffer&) = delete;
     WindowBuffer& operator=(const WindowBuffer&) = delete;
 
-    // The picture to draw into. The server may still be reading what was shown last.
+    // The picture to draw into. The server may still be reading the pixels shown last.
     cairo_surface_t* surface() const { return surface_.get(); }
-    // Waits until it has done so.
+    // Waits until the server has read them.
     void waitUntilRead();
-    // Brings these parts into the window.
+    // Copies these parts to the window.
     void show(std::span<const PixelRect> parts);
-    // Null when the pixels go through the connection.
+    // Null when the pixels are sent through the connection.
     const ServerMemory* shared() const { return shared_.get(); }
     PixelRect bounds() const { return {0, 0, width_, height_}; }
 
@@ -47,7 +47,7 @@ private:
     int height_;
     std::uint8_t depth_;
     xcb_gcontext_t context_;
-    std::byte* memory_ = nullptr;  // of one of these
+    std::byte* memory_ = nullptr;  // owned by one of these two
     std::unique_ptr<ServerMemory> shared_;
     std::unique_ptr<std::byte[]> own_;
     CairoSurface surface_;

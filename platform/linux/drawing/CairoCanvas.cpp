@@ -32,7 +32,7 @@ bool isVisible(cairo_t* cairo, const Rect& frame) {
     return frame.intersects({left, top, right - left, bottom - top});
 }
 
-// Draws a scene's nodes, one kind a function.
+// Draws a scene's nodes, one function per kind.
 struct Painter {
     cairo_t* cairo;
     double scale;

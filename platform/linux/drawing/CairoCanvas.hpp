@@ -1,4 +1,4 @@
-// The canvas of this edition: Cairo for shapes, Pango for text, gdk-pixbuf for pictures.
+// The Linux canvas: Cairo for shapes, Pango for text, gdk-pixbuf for pictures.
 #pragma once
 
 #include <memory>
@@ -13,16 +13,16 @@ namespace quorvane {
 // Main thread only.
 class CairoCanvas final : public Canvas {
 public:
-    // `scale` is the pixels a point of the target. Canvases may share their pictures; without any
-    // they decode at once.
+    // `scale` is the target's pixels per point. Canvases may share a picture cache; null creates a
+    // private cache that decodes synchronously.
     explicit CairoCanvas(double scale, std::shared_ptr<PictureCache> pictures = nullptr,
                          std::string fontFamilies = TextLayouts::kSystemFont);
 
-    // The context's user space is the scene's: points, with y growing downward. Only what its clip
-    // lets through is drawn, and nothing outside a node's frame.
+    // The context's user space is the scene's: points, with y growing downward. Draws only inside
+    // the clip, and nothing outside a node's frame.
     void drawOn(cairo_t* cairo, const Scene& scene);
 
-    // What `draw` draws on, from its top left; its pixels are those of this canvas's scale.
+    // The surface that `draw` draws on, from its top left, at this canvas's scale.
     void setTarget(CairoSurface target) { target_ = std::move(target); }
     void draw(const Scene& scene) override;
 

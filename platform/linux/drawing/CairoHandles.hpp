@@ -1,4 +1,4 @@
-// Owners of the drawing libraries' objects, and what a context is asked in several places.
+// Owning handles of the drawing libraries' objects, and shared helpers for contexts.
 #pragma once
 
 #include <cairo.h>
@@ -35,8 +35,8 @@ private:
     cairo_t* cairo_;
 };
 
-// Pixels of the device a unit of the context's user space, where that is neither turned nor
-// stretched.
+// Device pixels per unit of user space; nullopt when the context is rotated or not uniformly
+// scaled.
 inline std::optional<double> uprightScale(cairo_t* cairo) {
     cairo_matrix_t matrix{};
     cairo_get_matrix(cairo, &matrix);

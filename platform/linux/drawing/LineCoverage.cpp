@@ -11,25 +11,25 @@
 namespace quorvane {
 namespace {
 
-constexpr int kPlacesAPixel = 4;  // at which a letter may begin
-constexpr double kWidest = 8000;  // pixels; Cairo's pictures end at four times as many
+constexpr int kPlacesAPixel = 4;  // positions per pixel for a letter
+constexpr double kWidest = 8000;  // pixels; Cairo's surfaces end at about four times as many
 
-// Where the letters paint, from the line's left edge and baseline. As wide as whole blocks.
+// The ink area of the letters, from the line's left edge and baseline. Its width is whole blocks.
 PixelRect inkOf(const TextLine& line, double scale) {
     PangoRectangle ink{};
     pango_layout_line_get_extents(pango_layout_get_line_readonly(line.layout.get(), 0), &ink,
                                   nullptr);
     if (ink.width <= 0 || ink.height <= 0) return {};
     const double pixels = scale / PANGO_SCALE;
-    // A pixel more all around: letters are rounded to their places, and so is what Pango tells.
+    // One pixel more on every side, because letter positions and Pango's extents are rounded.
     PixelRect rect = pixelsTouchedBy(
         Rect{ink.x * pixels, ink.y * pixels, ink.width * pixels, ink.height * pixels}.grownBy(1));
     rect.width = (rect.width + kMixedAtOnce - 1) / kMixedAtOnce * kMixedAtOnce;
     return rect;
 }
 
-// Cairo keeps the pictures of letters, which is many times faster than to fill their outlines, but
-// puts them on whole pixels only. In this picture a pixel is a part of one.
+// Cairo's cached letter pictures are many times faster than filling outlines, but Cairo places them
+// on whole pixels only. So this surface is drawn several times as wide.
 CairoSurface drawnWide(const TextLine& line, double scale, const PixelRect& ink) {
     CairoSurface surface{
         cairo_image_surface_create(CAIRO_FORMAT_A8, ink.width * kPlacesAPixel, ink.height)};
@@ -41,8 +41,8 @@ CairoSurface drawnWide(const TextLine& line, double scale, const PixelRect& ink)
     return surface;
 }
 
-// What follows is made for the compiler: loops of a fixed length over single bytes, which it turns
-// into a few instructions for many of them.
+// The following loops have a fixed length and work on single bytes, so that the compiler can
+// vectorise them.
 void copyMeans(const unsigned char* wide, std::uint8_t* narrow, int width) {
     std::array<std::uint32_t, kMixedAtOnce> pixels;
     static_assert(sizeof pixels == kPlacesAPixel * kMixedAtOnce);
@@ -64,7 +64,7 @@ bool isEmpty(const std::uint8_t* coverage) {
     return std::ranges::all_of(words, [](std::uint64_t word) { return word == 0; });
 }
 
-// How much of the colour comes into each byte of the pixels, 0 to 255.
+// The weight of the colour in each byte of the pixels, 0 to 255.
 Block weightsOf(const std::uint8_t* coverage, const std::uint16_t* strengths) {
     std::array<std::uint32_t, kMixedAtOnce> weights;
     for (std::size_t i = 0; i < kMixedAtOnce; ++i) {

@@ -1,5 +1,5 @@
-// The letters of a line as coverage, to be mixed into pixels in any colour at any place: far fewer
-// bytes to go through than a picture of them.
+// The letters of a line as a coverage mask that can be blended into pixels in any colour at any
+// place. It has far fewer bytes than a picture.
 #pragma once
 
 #include <cairo.h>
@@ -14,26 +14,25 @@
 
 namespace quorvane {
 
-// Pixels are mixed in blocks, so rows of them have this many more than are to be seen.
+// Pixels are blended in blocks, so rows have this many more pixels than are visible.
 inline constexpr int kMixedAtOnce = 16;
 
 class LineCoverage {
 public:
-    // Of a line at this many pixels a point; the line keeps the last one. Null for one with letters
-    // that have colours of their own, such as emoji, for one without any ink, and for one too long
-    // to be kept.
+    // The coverage of a line at this many pixels per point; the line caches the last one. Returns
+    // null for a line with coloured letters such as emoji, without ink, or too long to cache.
     static std::shared_ptr<const LineCoverage> of(const TextLine& line, double scale);
 
-    // Rows with ink, from the baseline downward; above it they are negative.
+    // Rows with ink, counted downward from the baseline; rows above it are negative.
     int top() const { return ink_.y; }
     int bottom() const { return ink_.maxY(); }
 
-    // Puts the context's source through the letters. Its user space is that of pixels; the line's
-    // left edge and baseline are at `x` and `y` of it.
+    // Paints the context's source through the letters. User space is in pixels; the line's left
+    // edge and baseline are at `x` and `y`.
     void show(cairo_t* cairo, int x, int y) const;
 
-    // Mixes `color` (0xffRRGGBB) into a row of opaque pixels, `y` rows below the baseline, the
-    // line's left edge at `x` of it. `strengths` has as many columns as `pixels`, 256 each at full
+    // Blends `color` (0xffRRGGBB) into a row of opaque pixels, `y` rows below the baseline, with
+    // the line's left edge at column `x`. `strengths` has one value per pixel; 256 is full
     // strength.
     void mixInto(std::span<std::uint32_t> pixels, std::span<const std::uint16_t> strengths,
                  std::uint32_t color, int x, int y) const;
@@ -46,7 +45,7 @@ private:
 
     double scale_;
     PixelRect ink_;  // from the line's left edge and baseline
-    int stride_;     // after the ink's columns follow empty ones
+    int stride_;     // the ink's columns and empty ones after them
     std::vector<std::uint8_t> values_;
 };
 

@@ -7,7 +7,7 @@
 namespace quorvane {
 namespace {
 
-constexpr std::size_t kKeptPictures = 4;  // the present and the last one, on two scales
+constexpr std::size_t kKeptPictures = 4;  // the current and the last one, at two scales
 
 CairoSurface decode(const Image& image, PixelSize size) {
     const auto* const encoded = dynamic_cast<const EncodedImage*>(&image);
@@ -24,7 +24,7 @@ PictureCache::PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainTh
 
 void PictureCache::Entry::settle(CairoSurface decoded) {
     surface = std::move(decoded);
-    // Held: whoever observes the state may let go of the image.
+    // Held, because an observer of the state may release the image.
     if (const auto held = image.lock())
         held->state().set(surface ? Image::State::ready : Image::State::undecodable);
 }
@@ -48,7 +48,7 @@ cairo_surface_t* PictureCache::picture(const ImageRef& image, PixelSize size) {
 void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& image) {
     const auto action = [image, size = entry->size, waiting = std::weak_ptr{entry},
                          mainThread = mainThread_, arrived = std::weak_ptr{arrived_}] {
-        // A function object can only carry what is copied, hence the shared owner.
+        // Shared, because a std::function must be copyable.
         const auto decoded = std::make_shared<CairoSurface>(decode(*image, size));
         mainThread.post([decoded, waiting, arrived] {
             const auto target = waiting.lock();

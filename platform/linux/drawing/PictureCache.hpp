@@ -1,4 +1,4 @@
-// Pictures decoded at the sizes they are shown in.
+// A cache of pictures decoded at the sizes they are shown in.
 #pragma once
 
 #include <functional>
@@ -12,25 +12,25 @@
 
 namespace quorvane {
 
-// Main thread only. Holds few pictures and only as many pixels as are shown; the encoded bytes
-// belong to the image and go with it.
+// Main thread only. Holds few pictures, with only the pixels that are shown. The image owns the
+// encoded bytes.
 class PictureCache {
 public:
-    // With a queue pictures are decoded there, and `arrived` is called on the main thread for each.
-    // Without one, or when the system refuses its thread, they are decoded at once.
+    // Decodes pictures on the queue and calls `arrived` on the main thread for each. Without a
+    // queue, or when the system refuses its thread, decodes synchronously.
     PictureCache() = default;
     PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainThread,
                  std::function<void()> arrived);
 
-    // Valid until the next call. The image at another size while this one is being decoded; null
-    // while there is none, and for an undecodable image. Sets the image's state.
+    // Valid until the next call. Returns the image at another size while this size is being
+    // decoded; null if there is none, and for an undecodable image. Sets the image's state.
     cairo_surface_t* picture(const ImageRef& image, PixelSize size);
 
 private:
     struct Entry {
         std::weak_ptr<const Image> image;
         PixelSize size;
-        CairoSurface surface{};  // null while it is being decoded, and if it cannot be
+        CairoSurface surface{};  // null while decoding, and if undecodable
 
         void settle(CairoSurface decoded);
     };
@@ -38,11 +38,11 @@ private:
 
     void start(const std::shared_ptr<Entry>& entry, const ImageRef& image);
 
-    Entries recent_;  // the last used one first
+    Entries recent_;  // most recently used first
     MainThread mainThread_;
-    // Shared so that a picture that arrives late can tell whether the cache still exists.
+    // Shared, so that a late result can check whether the cache still exists.
     std::shared_ptr<std::function<void()>> arrived_;
-    std::unique_ptr<SerialQueue> queue_;  // last: its running action ends before the rest goes
+    std::unique_ptr<SerialQueue> queue_;  // declared last, so that its running action ends first
 };
 
 }  // namespace quorvane

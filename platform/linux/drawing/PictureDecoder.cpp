@@ -16,8 +16,8 @@ struct Sizing {
     bool isRefused = false;
 };
 
-// Called as soon as the header has been read. A smaller size spares the decoder most of the work
-// where the format allows it; a size of nothing stops it.
+// Called as soon as the header has been read. A smaller size saves the decoder most of the work if
+// the format allows it; a size of 0 stops it.
 void sizePrepared(GdkPixbufLoader* loader, int width, int height, gpointer data) {
     auto& sizing = *static_cast<Sizing*>(data);
     const PictureSize original{static_cast<std::uint32_t>(std::max(width, 0)),
@@ -36,7 +36,7 @@ void sizePrepared(GdkPixbufLoader* loader, int width, int height, gpointer data)
     gdk_pixbuf_loader_set_size(loader, scaled(width), scaled(height));
 }
 
-// In pieces, so that a refused picture is not read to its end.
+// Feeds the loader in pieces, so that a refused picture is not read to its end.
 bool feed(GdkPixbufLoader* loader, ByteView encoded, const Sizing& sizing) {
     constexpr std::size_t kPiece = 16 * 1024;
     while (!encoded.empty()) {
@@ -50,16 +50,16 @@ bool feed(GdkPixbufLoader* loader, ByteView encoded, const Sizing& sizing) {
 }
 
 GObjectOwner<GdkPixbuf> load(ByteView encoded, PixelSize size) {
-    // A loader that finds out the type by itself reads the system's list of all types of files, and
-    // may come to another one than the header that was looked at.
+    // A loader that detects the type itself reads the system's list of file types, and may detect
+    // another type than our header check.
     const char* const type = readPictureType(encoded);
     if (!type) return nullptr;
     const GObjectOwner<GdkPixbufLoader> loader{gdk_pixbuf_loader_new_with_mime_type(type, nullptr)};
-    if (!loader) return nullptr;  // nobody here decodes it
+    if (!loader) return nullptr;  // no decoder is installed
     Sizing sizing{size};
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(sizePrepared), &sizing);
     const bool isFed = feed(loader.get(), encoded, sizing);
-    // A loader has to be closed, whatever came before. Of a picture that breaks off the rest is
+    // A loader must be closed even after a failure. The missing part of a truncated picture is
     // grey.
     if (!gdk_pixbuf_loader_close(loader.get(), nullptr) || !isFed) return nullptr;
     GdkPixbuf* const pixbuf = gdk_pixbuf_loader_get_pixbuf(loader.get());

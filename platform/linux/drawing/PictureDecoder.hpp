@@ -1,4 +1,4 @@
-// From a picture's bytes to the pixels that are shown of it.
+// The decoder of a picture's bytes into the pixels that are shown.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@ struct PixelSize {
     bool operator==(const PixelSize&) const = default;
 };
 
-// Fills `size`, cropped about the middle. Null when the bytes are no picture or one too large.
-// Any thread.
+// The picture fills `size`, cropped around its centre. Returns null when the bytes are not a
+// picture or the picture is too large. Any thread.
 CairoSurface decodePicture(ByteView encoded, PixelSize size);
 
 }  // namespace quorvane

@@ -1,4 +1,4 @@
-// Symbols drawn lately, to be shown again: filling their outlines takes far longer.
+// A cache of recently drawn symbols, because filling their outlines takes far longer.
 #pragma once
 
 #include <list>
@@ -12,7 +12,7 @@ namespace quorvane {
 // Main thread only.
 class SymbolMasks {
 public:
-    // As `drawSymbol`. Kept is what is upright and stands on whole pixels.
+    // As `drawSymbol`. Caches only upright symbols on whole pixels.
     void draw(cairo_t* cairo, const SymbolNode& symbol, bool isRightToLeft);
 
 private:
@@ -20,7 +20,7 @@ private:
         std::string_view name;
         double pointSize;
         Size frame;    // points
-        double scale;  // pixels a point
+        double scale;  // pixels per point
         bool isRightToLeft;
         bool operator==(const Key&) const = default;
     };
@@ -31,7 +31,7 @@ private:
 
     cairo_surface_t* maskOf(const Key& key);
 
-    std::list<Entry> recent_;  // the last used one first
+    std::list<Entry> recent_;  // most recently used first
 };
 
 }  // namespace quorvane

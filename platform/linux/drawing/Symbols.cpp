@@ -10,10 +10,10 @@ namespace quorvane {
 namespace {
 
 // Outlines are drawn with y growing downward around the frame's centre; 1 is the point size.
-constexpr double kPen = 0.085;    // of lines
+constexpr double kPen = 0.085;    // line width
 constexpr double kCorner = 0.06;  // radius that rounds the corners of filled shapes
 
-// Adds the path as an area whose corners are rounded outward: shapes are given smaller by it.
+// Fills the path and rounds its corners outward. Shapes are defined smaller by this radius.
 void fillRounded(cairo_t* cairo, double corner = kCorner) {
     cairo_set_line_width(cairo, 2 * corner);
     cairo_fill_preserve(cairo);
@@ -35,7 +35,7 @@ void triangle(cairo_t* cairo, double x, double length, double halfHeight) {
 }
 
 void drawPlay(cairo_t* cairo) {
-    // Right of the middle of its bounds: a triangle's weight lies at its base.
+    // Shifted right of the centre, because a triangle's visual weight lies at its base.
     triangle(cairo, -0.25, 0.63, 0.365);
 }
 
@@ -73,7 +73,7 @@ void drawHeart(cairo_t* cairo) {
     strokeLine(cairo);
 }
 
-// Filled up to the outer edge of the line of the empty one, so that loving does not resize it.
+// Filled up to the outer edge of the empty heart's line, so that toggling does not change its size.
 void drawFilledHeart(cairo_t* cairo) {
     heartPath(cairo);
     fillRounded(cairo, kPen / 2);
@@ -117,7 +117,7 @@ void drawSpeaker(cairo_t* cairo) {
 void drawLoudSpeaker(cairo_t* cairo) {
     cairo_translate(cairo, -0.13, 0);
     speakerBody(cairo);
-    constexpr double kSpread = 0.72;  // of each wave, to both sides of straight ahead
+    constexpr double kSpread = 0.72;  // radians of each wave, to both sides of straight ahead
     for (const double radius : {0.28, 0.49, 0.7}) {
         cairo_arc(cairo, -0.02, 0, radius, -kSpread, kSpread);
         strokeLine(cairo);
@@ -149,7 +149,7 @@ bool drawSymbol(cairo_t* cairo, const SymbolNode& node, bool isRightToLeft) {
     const CairoState state{cairo};
     cairo_rectangle(cairo, node.frame.x, node.frame.y, node.frame.width, node.frame.height);
     cairo_clip(cairo);
-    // Fills and lines overlap, so they are joined at full strength before they become translucent.
+    // Fills and lines overlap, so they are combined at full opacity before alpha is applied.
     cairo_push_group_with_content(cairo, CAIRO_CONTENT_ALPHA);
     cairo_translate(cairo, node.frame.midX(), node.frame.midY());
     const bool isMirrored = isRightToLeft && facesTextDirection(node.name);

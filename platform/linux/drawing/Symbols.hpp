@@ -1,4 +1,4 @@
-// The symbols of the card as outlines of our own, one family: the same pen, the same round joins.
+// The card's symbols as our own outlines, in one family: the same pen, the same round joins.
 #pragma once
 
 #include <cairo.h>
@@ -10,8 +10,8 @@
 
 namespace quorvane {
 
-// False, with nothing drawn, for a name that is not in the family. Symbols that point to or from
-// what stands beside them face the other way from right to left.
+// Returns false and draws nothing for an unknown name. Symbols that point to or from their
+// neighbour are mirrored in right-to-left scenes.
 bool drawSymbol(cairo_t* cairo, const SymbolNode& symbol, bool isRightToLeft);
 
 std::vector<std::string_view> symbolNames();

@@ -10,8 +10,8 @@
 namespace quorvane {
 namespace {
 
-// To whole pixels where that can be said: letters are then equally sharp wherever they stand, and
-// their distances do not tremble while the line moves.
+// Snaps to whole pixels unless the context is rotated, so that letters are equally sharp everywhere
+// and their spacing does not jitter while the line moves.
 Point snapped(cairo_t* cairo, Point point) {
     cairo_matrix_t matrix{};
     cairo_get_matrix(cairo, &matrix);
@@ -36,7 +36,7 @@ CairoPattern fading(const TextNode& node) {
     return paint;
 }
 
-constexpr double kPictureMargin = 8;     // points around the line, for what reaches out of it
+constexpr double kPictureMargin = 8;     // points around the line, for overhanging letters
 constexpr double kWidestPicture = 8192;  // pixels
 
 void fillOpaque(cairo_t* cairo, const TextLine& line, const Color& color, Point start) {
@@ -44,7 +44,7 @@ void fillOpaque(cairo_t* cairo, const TextLine& line, const Color& color, Point 
     fillLine(cairo, line, start);
 }
 
-// Null for a line too long to be kept as a picture.
+// Returns null for a line too long to cache as a picture.
 const TextPicture* pictureOf(const TextLine& line, const Color& color, double scale) {
     TextPicture& picture = line.picture;
     if (picture.surface && picture.color == color && picture.scale == scale) return &picture;
@@ -57,13 +57,13 @@ const TextPicture* pictureOf(const TextLine& line, const Color& color, double sc
                color, scale};
     const CairoContext cairo{cairo_create(picture.surface.get())};
     cairo_scale(cairo.get(), scale, scale);
-    // The baseline lies on whole pixels, as it will where the picture is put.
+    // The baseline is on a whole pixel, as it is where the picture is placed.
     const double baseline = std::round((kPictureMargin + line.heights.ascent) * scale) / scale;
     fillOpaque(cairo.get(), line, color, {kPictureMargin, baseline});
     return &picture;
 }
 
-// Makes the line's own pixels, opaque ones, the context's source.
+// Sets the context's source to the line's own opaque pixels.
 void setLineAsSource(cairo_t* cairo, const TextLine& line, const Color& color, Point start,
                      std::optional<double> scale) {
     const auto* picture = scale ? pictureOf(line, color, *scale) : nullptr;
@@ -82,8 +82,8 @@ void setLineAsSource(cairo_t* cairo, const TextLine& line, const Color& color, P
     cairo_set_source(cairo, pattern.get());
 }
 
-// The line with its left edge and baseline at `start`, on whole pixels. `paint` is the colour that
-// it has where.
+// The line with its left edge and baseline at `start`, on whole pixels. `paint` is its colour at
+// each place.
 void drawLine(cairo_t* cairo, const TextLine& line, const Color& color, Point start,
               cairo_pattern_t* paint) {
     const CairoState state{cairo};
@@ -103,8 +103,8 @@ void drawLine(cairo_t* cairo, const TextLine& line, const Color& color, Point st
 void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts,
                 cairo_pattern_t* paint) {
     const TextLine& line = texts.line(node.text, node.font);
-    // The rest is rounded by itself: frames made for whole pixels of the way then show whole
-    // pixels.
+    // The resting place is rounded separately, so that frames timed for whole pixels of scrolling
+    // move by whole pixels.
     const Point start = snapped(
         cairo, {leftEdgeOf(node, line.width, isRightToLeft), baselineOf(node.frame, line.heights)});
     for (const double left : copiesOf(node, start.x, line.width, isRightToLeft))
@@ -119,8 +119,8 @@ void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLay
     drawLine(cairo, *line, node.color, start, evenly(node.color).get());
 }
 
-// A colour that changes takes far longer than an even one, so only the two ends are drawn with it.
-// They meet the middle on whole pixels, or a seam would show.
+// A gradient takes far longer than a solid colour, so only the two ends use it. The ends meet the
+// middle on whole pixels, because otherwise a seam would show.
 void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
     const Rect& frame = node.frame;
     const double fade = std::min(node.scroll->fade, frame.width / 2);

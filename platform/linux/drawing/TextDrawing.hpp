@@ -1,4 +1,4 @@
-// Draws one line of text.
+// The drawing of one line of text.
 #pragma once
 
 #include <cairo.h>

@@ -27,8 +27,8 @@ double points(int pangoUnits) { return static_cast<double>(pangoUnits) / PANGO_S
 GObjectOwner<PangoContext> makeContext() {
     GObjectOwner<PangoContext> context{
         pango_font_map_create_context(pango_cairo_font_map_get_default())};
-    // Grey edges: the text moves and stands on a picture. No hinting: widths are then the same at
-    // every scale.
+    // Grey antialiasing, because the text moves and lies over a picture. No hinting, so that widths
+    // are the same at every scale.
     cairo_font_options_t* const options = cairo_font_options_create();
     cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
     cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
@@ -68,7 +68,8 @@ TextLine TextLayouts::layOut(const std::string& text, const FontStyle& font,
     if (font.hasTabularDigits) {
         PangoAttrList* const attributes = pango_attr_list_new();
         pango_attr_list_insert(attributes, pango_attr_font_features_new("tnum=1"));
-        // Dashes in place of digits: as narrow as fonts have them, they would join into strokes.
+        // Dashes replace the digits of an unknown time. Without extra spacing they would join into
+        // one line.
         if (shown.find("\u2013") != std::string::npos)
             pango_attr_list_insert(attributes, pango_attr_letter_spacing_new(static_cast<int>(
                                                    kDashSpacing * font.size * PANGO_SCALE)));

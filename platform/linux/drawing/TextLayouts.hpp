@@ -1,4 +1,4 @@
-// Lines of text, laid out with the system's fonts and kept for the next scene.
+// A cache of text lines laid out with the system's fonts.
 #pragma once
 
 #include <pango/pango.h>
@@ -18,20 +18,20 @@ namespace quorvane {
 
 class LineCoverage;
 
-// A line with letters in colours of their own, drawn once, to be shown again at other places.
+// A line with coloured letters, drawn once and reused at other places.
 struct TextPicture {
     CairoSurface surface{};
-    Color color{};     // of its other letters, opaque
-    double scale = 0;  // pixels a point
+    Color color{};     // of its uncoloured letters, opaque
+    double scale = 0;  // pixels per point
 };
 
 // One laid-out line. Lengths are points and the same at every scale.
 struct TextLine {
     GObjectOwner<PangoLayout> layout;
     double width = 0;
-    // Of the font, not of these letters: lines of one font share a baseline.
+    // Of the font, not of these letters, so that lines of one font share a baseline.
     LineHeights heights{};
-    // Kept by whoever draws the line, as long as the line is: one of these.
+    // Filled by the drawing code, one of the two, and kept as long as the line.
     mutable std::shared_ptr<const LineCoverage> coverage{};
     mutable TextPicture picture{};
 };
@@ -42,11 +42,11 @@ public:
     // A list of font families in order of preference, as fontconfig takes it.
     explicit TextLayouts(std::string families = kSystemFont);
 
-    // The line as long as it is, or cut off with an ellipsis where it is wider than `fit` points.
+    // The line at its full length, or cut off with an ellipsis where it is wider than `fit` points.
     const TextLine& line(const std::string& text, const FontStyle& font,
                          std::optional<double> fit = std::nullopt);
 
-    // The desktop's interface font where fontconfig knows one, then the one the card was drawn
+    // The desktop's interface font if fontconfig knows it, then the font the card was designed
     // with.
     static constexpr char kSystemFont[] = "system-ui,Inter,sans";
 
@@ -61,12 +61,13 @@ private:
 
     std::string families_;
     GObjectOwner<PangoContext> context_;
-    // Asking for them takes longer than to lay out a time. A card has three fonts.
+    // Cached, because querying them takes longer than laying out a short text. A card has three
+    // fonts.
     std::vector<FontHeights> heights_;
     RecentLines<TextLine> recent_;
 };
 
-// Measures with layouts of its own.
+// The measure function owns its layouts.
 MeasureText makeMeasureText(std::string families = TextLayouts::kSystemFont);
 
 }  // namespace quorvane

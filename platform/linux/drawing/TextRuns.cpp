@@ -32,8 +32,8 @@ void fillLine(cairo_t* cairo, const TextLine& line, Point start) {
         PangoFont* const font = run.item->analysis.font;
         const double rise = pango_units_to_double(run.y_offset);
         cairo_move_to(cairo, x + pango_units_to_double(run.start_x_offset), start.y - rise);
-        // Cairo moves letters that it draws itself to whole pixels, which makes their distances
-        // uneven; outlines stay where they are. Pictures such as emoji have no outlines.
+        // Cairo snaps letters that it draws itself to whole pixels, which makes their spacing
+        // uneven. Filled outlines keep their exact positions. Emoji have no outlines.
         if (hasColors(font)) {
             pango_cairo_show_glyph_string(cairo, font, run.glyphs);
         } else if (font) {

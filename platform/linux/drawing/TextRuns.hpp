@@ -1,4 +1,4 @@
-// Puts the letters of a laid-out line on a picture.
+// The drawing of a laid-out line's letters.
 #pragma once
 
 #include <cairo.h>
@@ -7,11 +7,11 @@
 
 namespace quorvane {
 
-// With the context's source, the line's left end and baseline at `start`. Letters stand exactly
-// where they were laid out, between pixels too.
+// Draws with the context's source; the line's left end and baseline are at `start`. Letters keep
+// their exact layout positions, including fractions of a pixel.
 void fillLine(cairo_t* cairo, const TextLine& line, Point start);
 
-// Whether letters of it may have colours of their own, as emoji have.
+// Whether the line may have coloured letters, such as emoji.
 bool hasColors(const TextLine& line);
 
 }  // namespace quorvane

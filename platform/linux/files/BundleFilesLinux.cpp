@@ -59,7 +59,7 @@ Result<void> copyFolder(const path& from, const path& to, int depth) {
     return syncAndClose(FileDescriptor{open(to.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}, to);
 }
 
-// A bundle is of files and folders; a link in it would lead out of what was looked at.
+// A bundle contains only files and folders; a link could lead outside the checked bundle.
 Result<void> copyItem(const path& from, const path& to, int depth) {
     const FileDescriptor source{
         open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)};
@@ -80,7 +80,7 @@ Result<path> stage(const path& bundle, const path& folder) {
     if (copied) copied = syncFolder(hidden);
     if (copied) return copy;
     static_cast<void>(makeFileManager().removeItem(hidden));
-    rmdir(folder.c_str());  // unless there is more in it
+    rmdir(folder.c_str());  // fails, as intended, when the folder is not empty
     return std::unexpected{std::move(copied).error()};
 }
 

@@ -1,4 +1,4 @@
-// Where a bundle keeps what: "X.app/Contents/Info.plist" and "X.app/Contents/Linux/<program>".
+// Layout of a bundle: "X.app/Contents/Info.plist" and "X.app/Contents/Linux/<program>".
 #pragma once
 
 #include <filesystem>
@@ -12,7 +12,8 @@ namespace quorvane {
 std::filesystem::path bundleOfExecutable(const std::filesystem::path& executable);
 // The dictionary of "Contents/Info.plist"; empty when it is missing or not a dictionary.
 PropertyDictionary propertiesOfBundle(const std::filesystem::path& bundle);
-// "Contents/Linux/<CFBundleExecutable>" in it; nullopt when the properties name none.
+// "Contents/Linux/<CFBundleExecutable>" in the bundle; nullopt when the properties name no
+// executable.
 std::optional<std::filesystem::path> executableOfBundle(const std::filesystem::path& bundle,
                                                         const PropertyDictionary& properties);
 

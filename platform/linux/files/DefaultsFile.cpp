@@ -56,7 +56,7 @@ PropertyDictionary DefaultsFile::values(const std::vector<std::string>& keys) {
 }
 
 void DefaultsFile::set(const std::string& key, std::optional<PropertyValue> value) {
-    // Kept among the changes, a value that no list can hold would hold up all that come after it.
+    // Reject a value that no property list can hold; in changes_ it would block all later changes.
     if (value) {
         const auto list = xmlPropertyList(PropertyValue{PropertyDictionary{{key, *value}}});
         if (!list)
@@ -78,12 +78,12 @@ Result<void> DefaultsFile::flush() {
     auto lock = FileLock::acquire(lockOf(file_), kLockPatience);
     if (!lock) return std::unexpected{std::move(lock).error()};
     auto written = writeChanges();
-    // An emptied domain leaves nothing behind.
+    // A removed domain leaves no lock file behind.
     if (written && !stamp_) lock->removeFile();
     return written;
 }
 
-// Under the lock.
+// The caller holds the lock.
 Result<void> DefaultsFile::writeChanges() {
     if (isRemoved_) {
         if (unlink(file_.c_str()) != 0 && errno != ENOENT)
@@ -112,7 +112,7 @@ Result<void> DefaultsFile::writeChanges() {
     return {};
 }
 
-// Fails when a file is there that cannot be read: writing would destroy it.
+// Fails when the file exists but cannot be read, because a write would then destroy it.
 Result<void> DefaultsFile::refresh() {
     const auto standing = files_.stamp(file_);
     if (!standing && standing.error().code != ENOENT && standing.error().code != ENOTDIR)

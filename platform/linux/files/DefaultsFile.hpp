@@ -12,14 +12,14 @@
 
 namespace quorvane {
 
-// Main thread only; other processes may use the same file. A write reads the file, changes its own
-// keys and puts the result in place, all under a lock, so writers keep each other's keys. Reading
-// looks at the file's stamp first and reads it again only when that has changed.
+// Main thread only; other processes may use the same file. A write locks the file, reads it,
+// changes its own keys and replaces it, so writers keep each other's keys. A read checks the file's
+// stamp and reads the file again only when the stamp has changed.
 //
-// What cannot be written is kept and tried again with the next write and with `synchronize`; until
-// then only this process sees it. A file that is no property list counts as empty. It is never
-// overwritten: the first write renames it to "<name>.malformed", or with a number when that is
-// taken.
+// Changes that cannot be written are kept and retried with the next write and with `synchronize`;
+// until then only this process sees them. A file that is not a property list counts as empty. It is
+// never overwritten: the first write renames it to "<name>.malformed", with a number when that name
+// is taken.
 class DefaultsFile {
 public:
     DefaultsFile(std::filesystem::path file, Logger log);
@@ -41,10 +41,10 @@ private:
     const std::filesystem::path file_;
     const Logger log_;
     const RegularFiles files_;
-    std::optional<FileStamp> stamp_;  // of the file as last read; nothing when there was none
+    std::optional<FileStamp> stamp_;  // of the file as last read; nullopt if there was none
     PropertyDictionary stored_;       // its contents
     bool isMalformed_ = false;
-    bool isRemoved_ = false;  // not written yet: the whole domain goes, then come the changes
+    bool isRemoved_ = false;  // not written yet: first clear the domain, then apply changes_
     Changes changes_;         // not written yet
 };
 

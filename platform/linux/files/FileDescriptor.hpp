@@ -1,4 +1,4 @@
-// An open file descriptor that is closed with its holder.
+// Owner of an open file descriptor, which it closes on destruction.
 #pragma once
 
 #include <unistd.h>

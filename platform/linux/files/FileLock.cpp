@@ -14,7 +14,7 @@ namespace {
 
 using Deadline = std::chrono::steady_clock::time_point;
 
-// The system has no wait for a lock that ends by itself.
+// The system offers no lock call with a timeout, so this polls.
 constexpr auto kInterval = std::chrono::milliseconds{2};
 
 // 0 or an error number.
@@ -44,7 +44,7 @@ Result<FileLock> FileLock::acquire(const std::filesystem::path& file, Duration p
         if (!descriptor) return posixError("open " + file.string());
         if (const int code = waitForLock(descriptor, deadline); code != 0)
             return posixError("flock " + file.string(), code);
-        // Who held it before may have removed the file: then this lock excludes nobody.
+        // The previous holder may have removed the file; then this lock excludes no other process.
         if (isStillAt(descriptor, file)) return FileLock{file, std::move(descriptor)};
     }
 }

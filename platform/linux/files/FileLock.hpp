@@ -1,4 +1,4 @@
-// A lock between processes, held by way of a file of its own.
+// Lock between processes, backed by its own file.
 #pragma once
 
 #include <filesystem>
@@ -9,14 +9,14 @@
 
 namespace quorvane {
 
-// Move-only; released with its object or its process.
+// Move-only; released when the object is destroyed or the process ends.
 class FileLock {
 public:
-    // Makes the file when it is missing. Waits while another process holds the lock, and fails with
-    // ETIMEDOUT when that takes longer than `patience`: a stopped process must not stop this one.
+    // Creates the file if it is missing. Waits while another process holds the lock. Fails with
+    // ETIMEDOUT after `patience`, so that a stopped process cannot block this one.
     static Result<FileLock> acquire(const std::filesystem::path& file, Duration patience);
 
-    // Removes the file. Whoever waits for the lock notices and makes a new one.
+    // Removes the file. Processes that wait for the lock notice this and create a new file.
     void removeFile();
 
 private:

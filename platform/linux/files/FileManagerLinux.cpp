@@ -16,7 +16,7 @@
 namespace quorvane {
 namespace {
 
-// What holds a folder open at each level; no bundle is nearly as deep.
+// Limits the recursion, which keeps one folder open per level; no bundle is nearly as deep.
 constexpr int kDeepestFolder = 64;
 
 struct DirectoryCloser {
@@ -39,8 +39,8 @@ Result<std::vector<std::string>> namesIn(DIR* directory, const std::filesystem::
     return names;
 }
 
-// Through descriptors and never through a link: what is swapped for a link meanwhile is not
-// entered.
+// Works with descriptors and never follows links, so that a folder that is swapped for a link
+// during the removal is not entered.
 Result<void> removeFolderAt(int folder, const std::string& name, const std::filesystem::path& path,
                             int depth) {
     if (depth > kDeepestFolder) return posixError(path, ELOOP);
@@ -79,7 +79,7 @@ Result<void> removeItem(const std::filesystem::path& path) {
     return removed;
 }
 
-// What cannot be looked at counts as there.
+// A path that cannot be examined counts as existing.
 bool fileExists(const std::filesystem::path& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);

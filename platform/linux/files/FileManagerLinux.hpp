@@ -1,11 +1,11 @@
-// Removal of files and folders, and who a bundle says it is.
+// Removal of files and folders, and bundle identifiers.
 #pragma once
 
 #include "platform/FileManagerClient.hpp"
 
 namespace quorvane {
 
-// Removing stops at the first thing that refuses; what was removed before stays so.
+// Removal stops at the first item that fails; items removed before that stay removed.
 FileManagerClient makeFileManager();
 
 }  // namespace quorvane

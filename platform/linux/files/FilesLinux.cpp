@@ -18,7 +18,7 @@
 namespace quorvane {
 namespace {
 
-// Far above every file of the link; it keeps a mistaken path from filling the memory.
+// Far above the size of any file of the link; protects the memory from a wrong path.
 constexpr std::uint64_t kLargestFile = 256 << 20;
 
 std::optional<std::filesystem::path> containerOfGroup(const std::string& group) {
@@ -70,18 +70,18 @@ Result<void> makePrivateFolders(const std::filesystem::path& folder) {
         if (mkdir(folder.c_str(), 0700) == 0) return {};
         code = errno;
     }
-    // What stands there already, a folder or not, shows when it is used.
+    // An existing entry that is not a folder causes an error on its first use.
     if (code == EEXIST) return {};
     return posixError("mkdir " + folder.string(), code);
 }
 
 namespace {
 
-// Writes a temporary file and has `place` (rename or link) put it under the file's name.
+// Writes a temporary file and calls `place` (rename or link) to give it the final name.
 Result<void> writeAndPlace(const std::filesystem::path& file, ByteView contents,
                            int (*place)(const char* from, const char* to)) {
     const auto folder = file.has_parent_path() ? file.parent_path() : std::filesystem::path{"."};
-    // Hidden and in the same folder: only within one file system are both atomic.
+    // Hidden, and in the same folder, because both calls work only within one file system.
     std::string temporary = folder / ("." + file.filename().string() + ".XXXXXX");
     const FileDescriptor descriptor{mkostemp(temporary.data(), O_CLOEXEC)};  // mode 0600
     if (!descriptor) return posixError("create " + temporary);
@@ -127,7 +127,7 @@ FillRandom makeFillRandom() {
 
 std::string makeRandomUUID() {
     sd_id128_t identifier{};
-    sd_id128_randomize(&identifier);  // marks version and variant as well
+    sd_id128_randomize(&identifier);  // also sets the version and variant bits
     std::string text;
     for (int index = 0; index < 16; ++index) {
         char digits[3];

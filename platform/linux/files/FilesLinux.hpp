@@ -10,18 +10,18 @@ namespace quorvane {
 
 // Any thread.
 
-// Makes what is missing of the folder and of those above it, with mode 0700.
+// Creates the folder and its missing parents with mode 0700.
 Result<void> makePrivateFolders(const std::filesystem::path& folder);
 Result<void> writeAll(int descriptor, ByteView bytes);
-// Writes the folder's names to the disk: a renamed file's is itself lost in a crash until then.
+// Syncs the folder's entries to disk; before that, a crash can lose the name of a renamed file.
 Result<void> syncFolder(const std::filesystem::path& folder);
-// Old or new contents stand there at any moment, also after a crash of the machine. Mode 0600. The
-// folder must be there.
+// Replaces the file atomically, even across a crash of the machine: it has the old or the new
+// contents. Mode 0600. The folder must exist.
 Result<void> writeFileAtomically(const std::filesystem::path& file, ByteView contents);
 
-// A container is $XDG_DATA_HOME/<group>. It is made with mode 0700, and narrowed to that if it
-// stands with more. One that is a symbolic link or another user's is refused: whoever owns it could
-// put a secret of their own there.
+// A container is $XDG_DATA_HOME/<group>. It is created with mode 0700, and an existing folder with
+// a wider mode is narrowed to that. A symbolic link or a folder of another user is refused, because
+// its owner could plant a secret there.
 FileStore makeFileStore();
 FillRandom makeFillRandom();
 // A random UUID, upper-case.

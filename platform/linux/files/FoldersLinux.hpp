@@ -1,4 +1,4 @@
-// Where this user's files go.
+// Folders for this user's files.
 #pragma once
 
 #include <filesystem>
@@ -7,15 +7,14 @@
 
 namespace quorvane {
 
-// Nothing when the user has no home folder that can be found.
+// Returns nullopt when the user's home folder cannot be found.
 std::optional<std::filesystem::path> homeFolder();
-// $XDG_CONFIG_HOME and $XDG_DATA_HOME. As the standard for them asks, one that is empty or not
-// absolute counts as unset: then they are ".config" and ".local/share" in the home folder. Nothing
-// is made here.
+// $XDG_CONFIG_HOME and $XDG_DATA_HOME. As their standard requires, an empty or relative value
+// counts as unset; then they are ".config" and ".local/share" in the home folder. Creates nothing.
 std::optional<std::filesystem::path> configFolder();
 std::optional<std::filesystem::path> dataFolder();
 
-// A name that other parties give and that becomes a file's or folder's: one component, not hidden.
+// Whether an untrusted name is usable as a file or folder name: one component, not hidden.
 bool isPlainFileName(std::string_view name);
 
 }  // namespace quorvane

@@ -35,8 +35,8 @@ void appendUTF8(std::string& text, unsigned unit) {
     }
 }
 
-// Reads from the front. A reader that answers false leaves the rest as it is; the list is
-// malformed.
+// Reads from the front of the text. A read function that returns false leaves the rest unread; the
+// list is then malformed.
 class Reader {
 public:
     explicit Reader(std::string_view text) : rest_(text) {}
@@ -44,7 +44,7 @@ public:
     bool readRoot(PropertyValue& value) {
         return readValue(value, 0) && peek() == '\0' && rest_.empty();
     }
-    // The next character that means something; NUL at the end, or where a NUL stands.
+    // The next significant character; NUL at the end of the text or for a NUL in it.
     char peek() {
         while (skipBlank() || skipComment()) {
         }

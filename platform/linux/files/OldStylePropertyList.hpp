@@ -1,5 +1,5 @@
-// The oldest form of property lists, text as in { key = "value"; list = (a, b); data = <00ff>; },
-// which the system's library does not read.
+// Parser of old-style property lists, which the system's library does not read. They are text:
+// { key = "value"; list = (a, b); data = <00ff>; }
 #pragma once
 
 #include "platform/PlatformError.hpp"
@@ -7,11 +7,10 @@
 
 namespace quorvane {
 
-// Whether this is the form, as far as the first character tells: its root is a dictionary or an
-// array.
+// Whether the first significant character opens a dictionary or an array, as old-style lists do.
 bool isOldStyleList(ByteView contents);
-// Each value is a text, data, an array or a dictionary. Fails with EINVAL for what is malformed,
-// and for what nests deeper or holds more than any honest list.
+// Each value is text, data, an array or a dictionary. Fails with EINVAL for malformed lists and for
+// lists beyond the limits on depth and number of values.
 Result<PropertyValue> parseOldStyleList(ByteView contents);
 
 }  // namespace quorvane

@@ -1,4 +1,4 @@
-// Errors of system calls in the seam's form.
+// Errors of system calls as PlatformError.
 #pragma once
 
 #include <cerrno>
@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-// `what` names the call or the file that failed.
+// `what` is the call or the file that failed.
 inline std::unexpected<PlatformError> posixError(const std::string& what, int code = errno) {
     return std::unexpected{
         PlatformError{.domain = PlatformError::Domain::posix,
@@ -17,7 +17,7 @@ inline std::unexpected<PlatformError> posixError(const std::string& what, int co
                       .description = what + ": " + std::system_category().message(code)}};
 }
 
-// What the log says of an error number.
+// The log text for an error number.
 inline std::string errnoText(int code) {
     return errorText({.code = code, .description = std::system_category().message(code)});
 }

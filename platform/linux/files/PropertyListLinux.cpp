@@ -11,7 +11,8 @@
 #include "platform/linux/files/PosixError.hpp"
 #include "platform/linux/files/PropertyListSafety.hpp"
 
-// Newer versions of the library have other names for dates, which the oldest supported one lacks.
+// Newer versions of the library rename the date functions, but the oldest supported version lacks
+// the new names.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace quorvane {
@@ -27,7 +28,8 @@ struct MemoryDeleter {
 };
 using Text = std::unique_ptr<char, MemoryDeleter>;
 
-// The library reads and writes real numbers with the decimal sign of the current locale.
+// Sets the "C" locale for this thread, because the library reads and writes real numbers with the
+// decimal sign of the current locale.
 class PlainNumbers {
 public:
     PlainNumbers() : before_(uselocale(plain())) {}
@@ -49,7 +51,7 @@ constexpr WallTime kReferenceDate{std::chrono::seconds{978'307'200}};
 
 std::unexpected<PlatformError> malformed(const char* why) { return posixError(why, EINVAL); }
 
-// The readers fill a value in its place.
+// The read functions fill a value in place.
 using Storage = PropertyValue::Storage;
 
 Result<void> readNode(plist_t node, int depth, Storage& value);
@@ -125,8 +127,9 @@ Result<void> readNode(plist_t node, int depth, Storage& value) {
     }
 }
 
-// Newer versions write what `plist_new_uint` is given as unsigned and have a second function for
-// signed numbers; older ones write it as signed. A template, so that the missing name is no error.
+// Newer versions of the library write a `plist_new_uint` number as unsigned and add a function for
+// signed numbers; older versions write it as signed. This is a template so that a missing name is
+// not an error.
 template <typename Integer>
 plist_t integerNode(Integer number) {
     if constexpr (requires { plist_new_int(number); })

@@ -1,4 +1,4 @@
-// Property lists as files hold them.
+// Reader and writer of property lists in their file formats.
 #pragma once
 
 #include "platform/PlatformError.hpp"
@@ -8,12 +8,12 @@ namespace quorvane {
 
 // Any thread.
 
-// The XML, the binary and the old-style text form, whose values are texts, data, arrays and
-// dictionaries. Fails with EINVAL for what is none of them, for types that properties do not have,
-// and for lists that nest deeper or hold more than any honest one.
+// Reads the XML, binary and old-style text formats; the last has only text, data, arrays and
+// dictionaries. Fails with EINVAL for other formats, for types that PropertyValue lacks, and for
+// lists beyond the limits on depth and number of values.
 Result<PropertyValue> parsePropertyList(ByteView contents);
-// The XML form. Dates lose their fractions of a second. Fails with EINVAL for text with a NUL, and
-// with EOVERFLOW for a date more than 68 years away from 2001, which the library cannot hold.
+// Writes the XML format. Dates lose fractions of a second. Fails with EINVAL for text with a NUL,
+// and with EOVERFLOW for a date more than 68 years from 2001, which the library cannot hold.
 Result<Bytes> xmlPropertyList(const PropertyValue& value);
 
 }  // namespace quorvane

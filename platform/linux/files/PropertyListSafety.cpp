@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view kBinaryStart = "bplist00";
 constexpr std::size_t kTrailerSize = 32;
 
-// Walks the objects of a binary list. Everything is checked before it is read.
+// Walks the objects of a binary list. Checks every range before reading it.
 class BinaryWalk {
 public:
     explicit BinaryWalk(ByteView contents) : contents_(contents) {}
@@ -36,7 +36,8 @@ private:
         return value;
     }
 
-    // The count of a text's units or a container's values at `place`, which is moved behind it.
+    // The count of a text's units or a container's values at `place`. Moves `place` behind the
+    // count.
     std::optional<std::uint64_t> count(std::uint64_t& place, std::uint64_t marker) const {
         ++place;
         if ((marker & 0xF) != 0xF) return marker & 0xF;
@@ -101,8 +102,8 @@ bool xmlListIsSafe(ByteView contents) {
     for (auto place = text.find('<'); place != text.npos; place = text.find('<', place + 1)) {
         const std::string_view tag = text.substr(place + 1);
         const bool isValue = !tag.starts_with('/') && !tag.starts_with('!');
-        // Depth is not counted: closing tags in a comment would deceive the count. So many
-        // containers do no harm even when each stands in the one before.
+        // Depth is not checked, because closing tags in comments would falsify it. This many
+        // containers are harmless even when fully nested.
         if (isValue && ++values > kMostListValues) return false;
     }
     return true;

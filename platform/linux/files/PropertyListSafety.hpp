@@ -1,5 +1,5 @@
-// What the library that reads property lists must not be given: it follows a list until the stack
-// or the memory ends, and ends the process itself where text holds a NUL.
+// Checks of property lists before the library parses them. The library follows a list until it
+// exhausts the stack or the memory, and it ends the process on text with a NUL.
 #pragma once
 
 #include <cstddef>
@@ -8,15 +8,15 @@
 
 namespace quorvane {
 
-// Values in a list, each counted as often as it is referred to.
+// Limit on the values in a list; each counts once per reference to it.
 inline constexpr std::size_t kMostListValues = 20'000;
 inline constexpr int kDeepestList = 100;
 
 bool isBinaryList(ByteView contents);
-// Of the binary form, whose containers refer to others by number: whether all of it that can be
-// reached is there and unfolds within the limits. A container that holds itself does not.
+// Whether all reachable objects of a binary list lie within the data and unfold within the limits.
+// Containers refer to others by number, so a container that contains itself fails.
 bool binaryListIsSafe(ByteView contents);
-// The same of the XML form. Values in comments count too.
+// The same check for the XML format. Values in comments count too.
 bool xmlListIsSafe(ByteView contents);
 
 }  // namespace quorvane

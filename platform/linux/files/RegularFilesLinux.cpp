@@ -32,7 +32,7 @@ Result<FileStamp> stampOfPath(const std::filesystem::path& path) {
 }
 
 Result<StampedFile> readFile(const std::filesystem::path& path, std::uint64_t limit) {
-    // Opening a pipe would wait for its other end.
+    // O_NONBLOCK, because opening a pipe would wait for its other end.
     const FileDescriptor file{open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)};
     struct stat status {};
     if (!file || fstat(file.get(), &status) != 0) return posixError(path);
@@ -41,7 +41,7 @@ Result<StampedFile> readFile(const std::filesystem::path& path, std::uint64_t li
     if (stamp->size > limit) return posixError(path, EFBIG);
 
     StampedFile result{.stamp = *stamp, .contents = {}};
-    // One byte more than there should be: the system's own files say 0 and hold more.
+    // One byte more than the stated size, because files of /proc report 0 and contain more.
     std::uint64_t capacity = stamp->size + 1;
     std::uint64_t filled = 0;
     while (true) {

@@ -8,12 +8,12 @@ namespace {
 
 constexpr std::uint32_t kMagic = 0x950412de;
 
-// The header's numbers, by their place in the file.
+// Offsets of the header's numbers in the file.
 constexpr std::size_t kRevisionPlace = 4;
 constexpr std::size_t kCountPlace = 8;
-constexpr std::size_t kKeysPlace = 12;   // where the table of keys begins
-constexpr std::size_t kTextsPlace = 16;  // and that of texts
-constexpr std::size_t kEntrySize = 8;    // of both: a length, then where the text begins
+constexpr std::size_t kKeysPlace = 12;   // offset of the table of keys
+constexpr std::size_t kTextsPlace = 16;  // offset of the table of texts
+constexpr std::size_t kEntrySize = 8;    // in both tables: the text's length and offset
 
 std::optional<std::uint32_t> numberAt(ByteView file, std::size_t place) {
     std::uint32_t number = 0;
@@ -37,14 +37,14 @@ std::optional<MessageCatalogue> MessageCatalogue::parse(ByteView file) {
     const auto count = numberAt(file, kCountPlace);
     const auto keys = numberAt(file, kKeysPlace);
     const auto texts = numberAt(file, kTextsPlace);
-    // A higher major revision, in the upper half, would have another form.
+    // A higher major revision (upper half) has another format.
     if (numberAt(file, 0) != kMagic || !texts || *revision >> 16 > 1) return std::nullopt;
     MessageCatalogue catalogue;
     for (std::size_t i = 0; i < *count; ++i) {
         const auto key = textAt(file, *keys + i * kEntrySize);
         const auto text = textAt(file, *texts + i * kEntrySize);
         if (!key || !text) return std::nullopt;
-        // The empty key's text is about the catalogue itself.
+        // The empty key's text describes the catalogue itself.
         if (!key->empty() && !text->empty()) catalogue.texts_.emplace(*key, *text);
     }
     return catalogue;

@@ -1,6 +1,5 @@
-// A catalogue of translated texts, as gettext's msgfmt compiles it. It is read here and not through
-// the C library, which would need the user's locale to be installed and to be set for the whole
-// process.
+// Catalogue of translated texts, as gettext's msgfmt compiles it. This class reads it because the C
+// library would need the user's locale to be installed, and set for the whole process.
 #pragma once
 
 #include <functional>
@@ -16,7 +15,8 @@ namespace quorvane {
 // A plain value; its texts are in UTF-8.
 class MessageCatalogue {
 public:
-    // Nothing when the bytes are no catalogue of this machine's byte order, or a damaged one.
+    // Returns nullopt when the bytes are damaged or are not a catalogue in this machine's byte
+    // order.
     static std::optional<MessageCatalogue> parse(ByteView file);
 
     // Null when there is no translation.

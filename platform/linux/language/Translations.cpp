@@ -10,7 +10,7 @@ constexpr std::uint64_t kLargestCatalogue = 1 << 20;
 
 std::optional<MessageCatalogue> readCatalogue(const std::filesystem::path& folder,
                                               const std::string& name) {
-    // The environment's words become no paths of their own.
+    // Values from the environment must not form other paths.
     if (name.empty() || name.find('/') != std::string::npos) return std::nullopt;
     const auto file = makeLiveRegularFiles().read(
         folder / name / "LC_MESSAGES" / "quorvane-lock-screen.mo", kLargestCatalogue);

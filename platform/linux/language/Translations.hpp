@@ -1,4 +1,4 @@
-// The program's texts in the user's language, from the catalogues in its bundle.
+// Texts of the program in the user's language, from the catalogues in its bundle.
 #pragma once
 
 #include <filesystem>
@@ -9,11 +9,11 @@
 
 namespace quorvane {
 
-// Read whole when made, so that a bundle that is removed later is not missed. Any thread.
+// Reads the whole catalogue on construction, so that removing the bundle later does no harm. Any
+// thread.
 class Translations {
 public:
-    // The first of the locales that has a catalogue in the folder counts; with none of them the
-    // texts are their keys.
+    // Uses the first locale with a catalogue in the folder. Without one, the texts are their keys.
     Translations(const std::filesystem::path& folder, const std::vector<std::string>& locales);
 
     std::string text(const std::string& key) const;
@@ -22,7 +22,7 @@ private:
     MessageCatalogue catalogue_;
 };
 
-// Where a bundle has its catalogues.
+// The folder of a bundle's catalogues.
 std::filesystem::path localeFolder(const std::filesystem::path& bundle);
 
 }  // namespace quorvane

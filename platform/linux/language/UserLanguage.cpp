@@ -20,7 +20,7 @@ std::string_view withoutSuffixes(std::string_view locale) {
 }  // namespace
 
 bool isRightToLeftLocale(std::string_view locale) {
-    // Some languages are written in several ways; the modifier tells.
+    // Some languages use several scripts; the modifier names the script.
     if (locale.ends_with("@arabic") || locale.ends_with("@hebrew")) return true;
     if (locale.ends_with("@latin") || locale.ends_with("@devanagari")) return false;
     const auto language = locale.substr(0, locale.find_first_of("_.@"));
@@ -28,7 +28,7 @@ bool isRightToLeftLocale(std::string_view locale) {
 }
 
 std::string_view localeOfMessages() {
-    // In this order, the first that is set and not empty.
+    // Use the first that is set and not empty.
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
         if (const char* value = std::getenv(name); value && *value) return value;
     return {};

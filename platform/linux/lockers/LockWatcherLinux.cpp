@@ -8,7 +8,7 @@ namespace {
 
 constexpr char kLockedKey[] = "CGSSessionScreenIsLocked";
 constexpr std::string_view kLockUIState = "com.apple.sessionagent.screenLockUIIsShowing";
-// The status numbers of the notify calls.
+// Status codes of the notify calls.
 constexpr std::uint32_t kNotifyOK = 0;
 constexpr std::uint32_t kNotifyInvalidName = 1;
 
@@ -35,8 +35,9 @@ void LockWatcherLinux::update() {
     for (const char* notice : noticesBetween(before, signals_)) notices_.deliver(notice);
 }
 
-// Whoever observes wakes has just begun to observe the lock. Where the lock's face shows already it
-// is announced once more, as its coming was missed; that the screen is locked is asked for anyway.
+// A client that observes wakes has just begun to observe the lock. If the lock UI is already shown,
+// its notice is delivered again, because this client missed it. The client queries the locked state
+// itself.
 Handle LockWatcherLinux::observeWake(std::function<void()> handler) {
     if (signals_.isLockUIShown()) notices_.deliver(kScreenLockUIIsShown);
     return wakeListeners_.add(std::move(handler));
@@ -50,7 +51,8 @@ LockSources LockWatcherLinux::sources() {
             },
             .observeWake =
                 [this](std::function<void()> handler) { return observeWake(std::move(handler)); },
-            // One state is known here, and it is read afresh; a registration holds nothing.
+            // Only one state exists, and each call reads its current value, so a registration holds
+            // no data.
             .notifyRegisterCheck =
                 [this](const char* name, int& token) {
                     if (name != kLockUIState) return kNotifyInvalidName;

@@ -1,5 +1,5 @@
-// The lock watcher: turns all signs of a lock on this system into the notices of the lock and the
-// lock's other sources.
+// The Linux lock watcher: translates this system's signs of a lock into the lock notices and the
+// other lock sources.
 #pragma once
 
 #include <functional>
@@ -19,9 +19,9 @@ class LockWatcherLinux {
 public:
     LockWatcherLinux(ServicesLinux& services, X11Session& x11);
 
-    // Refers to the watcher.
+    // The result refers to the watcher.
     LockSources sources();
-    // Called when the screen has become locked, before the notice is delivered.
+    // Called when the screen becomes locked, before the notice is delivered.
     Handle observeLocking(std::function<void()> handler) {
         return lockingListeners_.add(std::move(handler));
     }

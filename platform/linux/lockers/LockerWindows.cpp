@@ -30,10 +30,11 @@ LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const 
       }) {
     evaluate();
     quiet_ = x11.observeQuiet([this] { evaluate(); });
-    // Before the other listeners ask for the zones. Those rebuild the cards, which are not to be
-    // moved first.
+    // Registered first, so that the zones are current when the other listeners ask for them.
+    // `update` does not report changed zones: those listeners rebuild the cards, which must not
+    // move before that.
     monitorChanges_ = monitors_.observe([this] {
-        promptSize_ = {};  // other monitors, other prompts
+        promptSize_ = {};  // prompts differ on other monitors
         update();
     });
 }
@@ -47,7 +48,7 @@ void LockerWindows::evaluate() {
     if (!isStale_) return;
     const Changes changes = update();
     if (changes.screens) monitors_.reportSoon();
-    // Without a locker no card has to give way.
+    // Without a locker there is no card to move.
     if (changes.zones && !windows_.empty()) zoneListeners_.call();
 }
 
@@ -60,10 +61,10 @@ LockerWindows::Changes LockerWindows::update() {
     for (const FoundLocker& locker : found) windows.push_back({locker.window, locker.frame});
     LockScene scene = sceneOf(facts, found);
     if (!found.empty()) promptSize_ = scene.lastPrompt = promptsSeen(scene);
-    // Zones first: the listeners of a new locker ask for them.
+    // Zones first, because the listeners of a new locker ask for them.
     const bool zonesChanged = std::exchange(zones_, keepClearZones(scene)) != zones_;
-    // A lock whose windows have all gone is over, even if the next one's windows exist already: the
-    // cards in the old ones have gone with them.
+    // A lock whose windows are all gone is over, even if the next lock's windows already exist,
+    // because the cards in the old windows are gone too.
     const bool isOver = std::ranges::none_of(windows_, [&](const LockerWindow& old) {
         return isFound(found, old.window) && !destroyed.contains(old.window);
     });
@@ -74,8 +75,8 @@ LockerWindows::Changes LockerWindows::update() {
     return {zonesChanged, screensChanged};
 }
 
-// A card is gone when the window that held it is, and one can be made when a locker's window has
-// reached a further monitor.
+// A card is gone when its locker's window is gone. A card can be made when a locker's window has
+// reached another monitor.
 bool LockerWindows::changesScreens(const std::set<xcb_window_t>& destroyed) {
     std::vector<xcb_window_t> now;
     for (const Rect& monitor : monitors_.layout().monitors) {
@@ -107,8 +108,8 @@ LockFacts LockerWindows::gather() {
     return facts;
 }
 
-// The pointer is looked at only where it decides, for a while: some lockers hold the keyboard
-// first.
+// Checks the pointer grab only if it decides the result. Repeats the check for a while, because
+// some lockers grab the keyboard first.
 std::vector<FoundLocker> LockerWindows::find(LockFacts facts) {
     nextLook_.reset();
     const auto without = findLockers(facts);
@@ -123,7 +124,8 @@ std::vector<FoundLocker> LockerWindows::find(LockFacts facts) {
     return without;
 }
 
-// Looks closer at the clients that have a window over a whole screen, mapped or not yet.
+// Watches closely the windows that cover a whole screen, mapped or not yet, and describes their
+// clients.
 void LockerWindows::describeClients(LockFacts& facts) {
     std::set<std::uint32_t> clients;
     for (WindowFacts& window : facts.windows) {
@@ -143,7 +145,7 @@ void LockerWindows::describeClients(LockFacts& facts) {
 
 void LockerWindows::describeWindows(LockFacts& facts, const std::set<std::uint32_t>& clients) {
     if (clients.empty()) return;
-    // Matters only to clients that are recognised by their hold of the keyboard.
+    // Needed only for clients that are recognised by their keyboard grab.
     const bool isHeld = facts.keyboard == KeyboardHold::isHeld;
     using Clients = std::set<std::uint32_t>;
     const Clients desktop = isHeld ? topLevels_.desktopClients() : Clients{};
@@ -172,7 +174,8 @@ LockScene LockerWindows::sceneOf(const LockFacts& facts, const std::vector<Found
     std::vector<Rect> above;
     for (const WindowFacts& window : facts.windows) {
         if (isFound(found, window.window)) {
-            // What is above any of them counts: the lowest may be the one on the prompt's screen.
+            // Windows above any locker window count, because the lowest may be on the prompt's
+            // screen.
             scene.dialogs.insert(scene.dialogs.end(), above.begin(), above.end());
             above.clear();
         } else if (window.isMapped && window.isOverrideRedirect) {

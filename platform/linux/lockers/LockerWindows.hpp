@@ -1,4 +1,4 @@
-// The lockers' windows that are on the X server now, and the areas that they need.
+// The lockers' current windows on the X server, and the areas that they need.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +17,8 @@
 
 namespace quorvane {
 
-// Main thread only. Gathers what the rules want to know, and asks the server no more than that:
-// while no window covers a screen, events are counted up without a single request.
+// Main thread only. Gathers the facts that the rules need and queries the server for nothing else:
+// while no window covers a screen, events are processed without requests.
 class LockerWindows {
 public:
     LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const Clock& clock);
@@ -27,8 +27,8 @@ public:
     Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
     // Root pixels.
     const std::vector<Rect>& zones() const { return zones_; }
-    // Reports changed zones of a lock that goes on. A change of the monitors is reported by those,
-    // and the zones are right by then.
+    // Reports changed zones of a continuing lock. MonitorsLinux reports a change of the monitors;
+    // the zones are up to date by then.
     Handle observeZones(std::function<void()> handler) {
         return zoneListeners_.add(std::move(handler));
     }
@@ -38,7 +38,7 @@ private:
     void evaluate();
     struct Changes {
         bool zones = false;
-        bool screens = false;  // of a lock that goes on: a card is gone, or there is room for one
+        bool screens = false;  // of a continuing lock: a card is gone or can be made
     };
     Changes update();
     LockFacts gather();
@@ -56,8 +56,8 @@ private:
     std::vector<LockerWindow> windows_;
     std::vector<xcb_window_t> onMonitors_;  // the locker's window on each monitor
     std::vector<Rect> zones_;
-    Size promptSize_;    // that holds every prompt seen so far
-    int looksLeft_ = 0;  // at the pointer, for a client that may be about to grab it
+    Size promptSize_;    // holds every prompt seen so far
+    int looksLeft_ = 0;  // remaining checks for a pointer grab
     Timer nextLook_;
     Listeners<> listeners_;
     Listeners<> zoneListeners_;

@@ -1,4 +1,4 @@
-// The X11 session of this edition: one connection and what is read from it.
+// The Linux X11 session: one connection, with the monitors, lockers and pointer read from it.
 #pragma once
 
 #include <memory>
@@ -11,10 +11,10 @@
 
 namespace quorvane {
 
-// Main thread only. Lives as long as the platform's tables.
+// Main thread only. It lives as long as the platform's tables.
 class X11SessionLinux : public X11Session {
 public:
-    // `onLost` is called once when the server goes away; the session then knows what it last knew.
+    // `onLost` is called once when the server goes away; the session then keeps its last state.
     static Result<std::unique_ptr<X11SessionLinux>> open(EventLoop& loop,
                                                          const std::string& display,
                                                          std::function<void()> onLost);
@@ -34,7 +34,7 @@ public:
     void noteOwnWindow(xcb_window_t window, bool exists) override;
     void flush() override { x11_->flush(); }
 
-    // Refers to the session.
+    // The result refers to the session.
     Screens screens();
 
 private:

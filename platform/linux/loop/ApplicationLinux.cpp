@@ -12,8 +12,8 @@ Application ApplicationLinux::table() {
                        const std::function<void()>& willTerminate) {
                     return run(didFinishLaunching, willTerminate);
                 },
-            // The loop ends after the handler that asks for it, so nothing of the callers' is torn
-            // down under them.
+            // The loop ends after the current handler returns, so the callers' objects outlive
+            // their calls.
             .terminate = [this] { loop_.quit(EXIT_SUCCESS); },
             .handleTerminationSignal =
                 [this](std::function<void()> action) { termination_.emplace(std::move(action)); }};
@@ -25,7 +25,7 @@ int ApplicationLinux::run(const std::function<void()>& didFinishLaunching,
     Handle watch;
     bool hasLaunched = false;
     loop_.mainThread().post([&] {
-        // Not before: an end in order is the end of something that has begun.
+        // Not earlier, because only a launched application can end in an orderly way.
         watch = loop_.watch(interrupt.descriptor(), EPOLLIN, [&](std::uint32_t) {
             interrupt.wait();
             loop_.quit(EXIT_SUCCESS);

@@ -1,4 +1,4 @@
-// The application object over the main loop.
+// Application object on top of the main loop.
 #pragma once
 
 #include <functional>
@@ -10,8 +10,8 @@
 
 namespace quorvane {
 
-// Main thread only. SIGINT asks for the orderly end; it does so only while `run` runs, before and
-// after it ends the process.
+// Main thread only. SIGINT requests an orderly end while `run` runs; before and after that it ends
+// the process.
 class ApplicationLinux {
 public:
     explicit ApplicationLinux(EventLoop& loop) : loop_(loop) {}

@@ -82,7 +82,7 @@ Handle EventLoop::watch(int descriptor, std::uint32_t events,
         sd_event_source* source = nullptr;
     };
     const auto callback = [](sd_event_source*, int, std::uint32_t happened, void* self) {
-        // A copy: the handler may drop its own handle.
+        // A copy, because the handler may drop its own handle.
         const auto action = static_cast<Watch*>(self)->handler;
         action(happened);
         return 0;
@@ -105,7 +105,7 @@ int EventLoop::run() {
     State& state = *state_;
     while (!state.status) {
         const int result = sd_event_run(state.event, UINT64_MAX);
-        // The loop itself has broken, which leaves no way to be called again.
+        // The loop itself has failed and cannot run again.
         if (result < 0) quit(EXIT_FAILURE);
     }
     return *std::exchange(state.status, std::nullopt);

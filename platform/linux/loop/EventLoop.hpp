@@ -1,4 +1,4 @@
-// The main loop: one epoll loop with timers, file descriptors and actions from other threads.
+// Main loop: one epoll loop with timers, file descriptors and actions from other threads.
 #pragma once
 
 #include <systemd/sd-event.h>
@@ -13,8 +13,8 @@
 
 namespace quorvane {
 
-// Main thread only, but for what `mainThread().post` takes. Nothing wakes the process while nothing
-// is due. Handles, timers and the tables made here may outlive the loop; they do nothing then.
+// Main thread only, except `mainThread().post`. The process does not wake up while no event is due.
+// Handles, timers and the tables made here may outlive the loop and then do nothing.
 class EventLoop {
 public:
     EventLoop();
@@ -23,19 +23,21 @@ public:
     EventLoop& operator=(const EventLoop&) = delete;
 
     sd_event* event() const;
-    // Counts on while the machine sleeps: what fell due meanwhile runs right after the wake.
+    // The clock keeps counting while the machine sleeps: timers due during sleep run right after
+    // it.
     Clock clock();
     MainThread mainThread();
-    // `events` and the handler's argument are epoll bits. The descriptor stays the caller's and
-    // must be open until the handle is dropped. One watch a descriptor. A descriptor that cannot be
-    // waited on (a plain file, a closed number) gives an empty handle.
+    // `events` and the handler's argument are epoll bits. The caller keeps ownership of the
+    // descriptor and keeps it open until the handle is dropped. One watch per descriptor. Returns
+    // an empty handle for a descriptor that epoll cannot watch (a plain file, a closed number).
     Handle watch(int descriptor, std::uint32_t events, std::function<void(std::uint32_t)> handler);
-    // Called each time before the loop sleeps, for sources that buffer events in memory.
+    // Called each time before the loop sleeps, for event sources that buffer in memory.
     Handle beforeSleep(std::function<void()> action);
 
-    // Runs until `quit`; its argument is the result. May be called again afterwards.
+    // Runs until `quit` and returns the status passed to it. May be called again afterwards.
     int run();
-    // Of several calls the first decides. Before `run` it makes `run` return at once.
+    // The first of several calls determines the status. A call before `run` makes `run` return at
+    // once.
     void quit(int status);
 
 private:

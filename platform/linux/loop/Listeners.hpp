@@ -1,4 +1,4 @@
-// A list of callbacks that may change while it is being called.
+// List of callbacks that may change during notification.
 #pragma once
 
 #include <functional>
@@ -10,15 +10,15 @@
 
 namespace quorvane {
 
-// One thread. A listener may add listeners and drop any handle, its own too; one that is dropped
-// while the list is being called is not called any more. Handles may outlive the list.
+// One thread. A listener may add listeners and drop any handle, including its own. A listener that
+// is dropped during notification is not called any more. Handles may outlive the list.
 template <typename... Arguments>
 class Listeners {
 public:
     using Listener = std::function<void(Arguments...)>;
 
     Listeners() = default;
-    // `changed` is called whenever the list becomes empty or is empty no more.
+    // Calls `changed` when the list becomes empty and when it becomes non-empty.
     explicit Listeners(std::function<void()> changed) { state_->changed = std::move(changed); }
     Listeners(const Listeners&) = delete;
     Listeners& operator=(const Listeners&) = delete;
@@ -40,8 +40,8 @@ public:
     }
 
     void call(Arguments... arguments) const {
-        // Not by the list itself, which the listeners may change; the copy keeps each one alive
-        // while it runs.
+        // Iterates over a copy, because listeners may change the list. The copy keeps each listener
+        // alive while it runs.
         const auto slots = state_->slots;
         for (const auto& slot : slots)
             if (slot->isHeld) slot->listener(arguments...);
@@ -56,7 +56,7 @@ private:
         std::vector<std::shared_ptr<Slot>> slots;
         std::function<void()> changed;
     };
-    std::shared_ptr<State> state_ = std::make_shared<State>();  // shared for the handles' weak ones
+    std::shared_ptr<State> state_ = std::make_shared<State>();  // shared for handles' weak pointers
 };
 
 }  // namespace quorvane

@@ -18,8 +18,8 @@ void PostQueue::signal() const { eventfd_write(descriptor_, 1); }
 
 void PostQueue::post(std::function<void()> action) {
     const std::lock_guard guard{mutex_};
-    // Dropped here, a closed queue's action ends on the posting thread, which still owns what it
-    // holds.
+    // A closed queue drops the action on the posting thread, which still owns the action's
+    // captures.
     if (isClosed_) return;
     if (actions_.empty()) signal();
     actions_.push_back(std::move(action));
@@ -52,7 +52,7 @@ void PostQueue::stopRunning() {
 }
 
 void PostQueue::close() {
-    std::deque<std::function<void()>> dropped;  // ends after the lock: its captures may post
+    std::deque<std::function<void()>> dropped;  // destroyed after the unlock: its captures may post
     const std::lock_guard guard{mutex_};
     isClosed_ = true;
     dropped.swap(actions_);

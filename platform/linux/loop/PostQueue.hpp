@@ -1,4 +1,4 @@
-// Actions on their way to the main thread.
+// Queue of actions for the main thread.
 #pragma once
 
 #include <deque>
@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-// `post` on any thread, the rest on the main thread.
+// `post` may run on any thread, all else on the main thread.
 class PostQueue {
 public:
     PostQueue();
@@ -15,14 +15,14 @@ public:
     PostQueue(const PostQueue&) = delete;
     PostQueue& operator=(const PostQueue&) = delete;
 
-    // Readable while actions wait; -1 when the system gave none.
+    // Readable while actions wait; -1 when the system could not create it.
     int descriptor() const { return descriptor_; }
     void post(std::function<void()> action);
-    // Runs what waits now; what that posts in turn waits for the next call.
+    // Runs the actions that wait now; actions posted by them wait for the next call.
     void run();
-    // Leaves what still waits for later, and keeps the loop from sleeping once.
+    // Leaves the remaining actions for later, and keeps the loop from sleeping once.
     void stopRunning();
-    // Drops what waits and what is posted from now on.
+    // Drops waiting actions and all later ones.
     void close();
 
 private:

@@ -11,7 +11,7 @@
 namespace quorvane {
 namespace {
 
-// What the queue shares with its thread, which may outlive the queue by the end of one action.
+// State shared by the queue and its thread, which may outlive the queue by the end of one action.
 struct QueueWork {
     explicit QueueWork(std::string itsLabel) : label(std::move(itsLabel)) {}
 
@@ -21,8 +21,8 @@ struct QueueWork {
         while (true) {
             changed.wait(lock, [this] { return isClosed || !actions.empty(); });
             if (isClosed) return;
-            // The action is destroyed before the next one runs, and outside the lock: it may hold
-            // the last of something that takes long to end.
+            // Destroy the action before the next one runs, and outside the lock, because it may own
+            // objects whose destruction takes long.
             auto action = std::move(actions.front());
             actions.pop_front();
             lock.unlock();
@@ -54,7 +54,7 @@ public:
     }
 
     bool async(std::function<void()> action) override {
-        // Up to the last line, for the action may end the queue.
+        // Holds the lock to the end, because the action may destroy the queue.
         const std::lock_guard guard{work_->mutex};
         if (!thread_.joinable() && !startThread()) return false;
         work_->actions.push_back(std::move(action));
@@ -70,7 +70,7 @@ private:
         return false;
     }
 
-    // What waits is dropped at once, and outside the lock.
+    // Drops waiting actions at once, outside the lock.
     void close() {
         std::deque<std::function<void()>> dropped;
         const std::lock_guard guard{work_->mutex};
@@ -79,9 +79,9 @@ private:
         work_->changed.notify_one();
     }
 
-    // Shared, because an action that destroys its own queue leaves the thread behind.
+    // Shared, because the thread outlives the queue when an action destroys its own queue.
     const std::shared_ptr<QueueWork> work_;
-    std::thread thread_;  // begun under the mutex
+    std::thread thread_;  // started under the mutex
 };
 
 }  // namespace

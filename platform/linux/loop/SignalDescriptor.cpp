@@ -10,11 +10,11 @@
 namespace quorvane {
 namespace {
 
-// A signal handler gets nothing but the signal's number.
+// Global, because a signal handler receives only the signal's number.
 std::atomic<int> descriptors[NSIG];
 static_assert(std::atomic<int>::is_always_lock_free);
 
-// The descriptor counts; a stop is more than all signals that fit in a lifetime.
+// The descriptor holds a count; a stop adds more than all signals of a lifetime could.
 constexpr std::uint64_t kOne = 1;
 constexpr std::uint64_t kStop = std::uint64_t{1} << 40;
 

@@ -1,4 +1,4 @@
-// A signal of the system as a descriptor that becomes readable.
+// System signal as a descriptor that becomes readable.
 #pragma once
 
 #include <signal.h>
@@ -9,8 +9,9 @@
 
 namespace quorvane {
 
-// One a signal at a time. A handler and not a blocked signal: programs that this one starts inherit
-// what is blocked or ignored, but no handlers. The earlier disposition comes back in the end.
+// At most one per signal at a time. Uses a handler instead of a blocked signal, because child
+// programs inherit blocked and ignored signals, but no handlers. The destructor restores the
+// earlier disposition.
 class SignalDescriptor {
 public:
     explicit SignalDescriptor(int signal);
@@ -19,8 +20,8 @@ public:
     SignalDescriptor& operator=(const SignalDescriptor&) = delete;
 
     int descriptor() const { return descriptor_.get(); }
-    // Waits for the signal, also for one that came before. False after `stopWaiting`, unless the
-    // signal has come too.
+    // Waits for the signal; a signal that came earlier counts. Returns false after `stopWaiting`,
+    // unless the signal has come too.
     bool wait() const;
     void stopWaiting() const;
 
@@ -30,7 +31,7 @@ private:
     struct sigaction before_ {};
 };
 
-// Makes writing to a socket or pipe that nobody reads an error instead of the end of the process.
+// Makes a write to a socket or pipe without a reader fail instead of ending the process.
 void surviveBrokenPipes();
 
 }  // namespace quorvane

@@ -23,7 +23,7 @@ TerminationSignal::~TerminationSignal() {
 }
 
 void TerminationSignal::watch() const {
-    // Whoever started this process may have left the signal blocked; it must get through somewhere.
+    // The parent process may have left the signal blocked, so unblock it in this thread.
     sigset_t only;
     sigemptyset(&only);
     sigaddset(&only, SIGTERM);

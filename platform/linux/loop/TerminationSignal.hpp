@@ -1,4 +1,5 @@
-// SIGTERM ends the process at once, whatever the main thread is doing, after one last action.
+// Handler of SIGTERM that runs one last action and ends the process at once, whatever the main
+// thread is doing.
 #pragma once
 
 #include <functional>
@@ -9,9 +10,9 @@
 
 namespace quorvane {
 
-// From its making to its destruction, on a thread of its own: on SIGTERM it runs the action, gives
-// the signal its default meaning back and sends it again. Without a thread the signal keeps its
-// default.
+// Active for the lifetime of the object, on its own thread. On SIGTERM it runs the action, restores
+// the signal's default disposition and sends the signal again. If the thread cannot be created, the
+// signal keeps its default.
 class TerminationSignal {
 public:
     explicit TerminationSignal(std::function<void()> action);

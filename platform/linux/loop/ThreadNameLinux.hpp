@@ -1,11 +1,11 @@
-// Names of threads, as debuggers and the process list show them.
+// Thread names for debuggers and the process list.
 #pragma once
 
 #include <string>
 
 namespace quorvane {
 
-// The kernel keeps 15 letters; the end of a long name says more than its beginning.
+// The kernel keeps 15 characters, so a long name keeps its end, which is more specific.
 void nameCurrentThread(const std::string& name);
 
 }  // namespace quorvane

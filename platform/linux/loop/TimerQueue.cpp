@@ -7,11 +7,11 @@
 namespace quorvane {
 namespace {
 
-// Left to itself the loop delays a timer by up to a quarter of a second to save wake-ups; the card
-// has few timers and needs them on time.
+// By default the loop delays a timer by up to 250 ms to coalesce wake-ups, but the card has few
+// timers and needs them on time.
 constexpr std::uint64_t kAccuracyMicroseconds = 1;
 
-// Rounded up: woken a moment too early, the loop would have to sleep again.
+// Rounds up, because the loop would have to sleep again after an early wake-up.
 std::uint64_t microsecondsUpTo(Instant instant) {
     const auto time = std::chrono::ceil<std::chrono::microseconds>(instant.time_since_epoch());
     return static_cast<std::uint64_t>(std::max<std::int64_t>(time.count(), 0));
@@ -60,8 +60,8 @@ void TimerQueue::arm() {
     sd_event_source_set_enabled(source_, SD_EVENT_ONESHOT);
 }
 
-// All that fall due before the first of them must run are run together, when the last of these is
-// due: no timer waits for company that it does not get.
+// Coalesces all timers that are due before the earliest deadline (due time plus tolerance), and
+// wakes when the last of them is due. No timer waits for another that is never added.
 Instant TimerQueue::nextWake() const {
     Instant limit = Instant::max();
     for (const auto& [place, waiting] : timers_) limit = std::min(limit, waiting.latest);
@@ -71,8 +71,8 @@ Instant TimerQueue::nextWake() const {
 void TimerQueue::runDue() {
     const Instant time = now();
     isStopped_ = false;
-    // A timer made by one of these actions is due later than `time`, even with no delay, so that
-    // descriptors get their turn too.
+    // A timer that one of these actions creates is due later than `time`, even with no delay, so
+    // that file descriptors get their turn.
     while (!isStopped_ && !timers_.empty()) {
         const auto first = timers_.begin();
         if (first->first.first > time) break;

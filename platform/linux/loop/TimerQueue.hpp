@@ -1,4 +1,4 @@
-// The timers of the main loop: one system timer, set for as few wake-ups as they allow.
+// Timers of the main loop on one system timer, which coalesces wake-ups within the tolerances.
 #pragma once
 
 #include <systemd/sd-event.h>
@@ -12,24 +12,24 @@
 
 namespace quorvane {
 
-// Main thread only. Several timers that are due run in the order of their times, and of their
-// making where those are equal; the loop's own timers give no such order. While nothing waits,
-// nothing is set.
+// Main thread only. Due timers run in the order of their times, and timers with equal times in the
+// order of their creation; sd-event guarantees no such order. While the queue is empty, no system
+// timer is set.
 class TimerQueue : public std::enable_shared_from_this<TimerQueue> {
 public:
     ~TimerQueue();
 
     // 0 or the loop's negative error number.
     int attach(sd_event* event);
-    // The action runs `tolerance` late at most, and that only together with another timer.
+    // The action runs at most `tolerance` late, and late only together with another timer.
     Timer after(Duration delay, Duration tolerance, std::function<void()> action);
-    // Leaves what is still due for later.
+    // Leaves the remaining due timers for later.
     void stopRunning() { isStopped_ = true; }
 
     static Instant now();
 
 private:
-    // The second member counts the timers made, so that equal times keep their order.
+    // The second member counts the timers created, so that equal times keep their order.
     using Place = std::pair<Instant, std::uint64_t>;
     struct Waiting {
         Instant latest;

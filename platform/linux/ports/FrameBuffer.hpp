@@ -1,5 +1,5 @@
-// The small buffer through which everything on a port's socket is first read: a short message
-// arrives whole in one system call.
+// Small receive buffer of a port's socket, through which a short message arrives in one system
+// call.
 #pragma once
 
 #include <array>
@@ -13,15 +13,15 @@ namespace quorvane {
 
 class FrameBuffer {
 public:
-    // Received and not yet used.
+    // Bytes received and not yet used.
     std::span<std::byte> filled() { return std::span{bytes_}.subspan(begin_, end_ - begin_); }
     bool holdsHeader() const { return end_ - begin_ >= kFrameHeaderBytes; }
-    // Asks for `holdsHeader`.
+    // Requires `holdsHeader`.
     std::span<const std::byte, kFrameHeaderBytes> header() const {
         return std::span<const std::byte>{bytes_}.subspan(begin_).first<kFrameHeaderBytes>();
     }
 
-    // Where more may be put; never empty unless a whole buffer is filled.
+    // Free space for more bytes; never empty unless the whole buffer is filled.
     std::span<std::byte> room() {
         if (begin_ > 0) {
             std::memmove(bytes_.data(), bytes_.data() + begin_, end_ - begin_);

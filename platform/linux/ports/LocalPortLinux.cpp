@@ -42,14 +42,15 @@ LocalPortLinux::LocalPortLinux(PortFolder folder, std::string name, FileDescript
       wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       memory_(limits.bodyBytes) {}
 
-// The socket's file goes before the lock: a successor's file is never removed.
+// Removes the socket's file before the lock is released, so that a successor's file is never
+// removed.
 LocalPortLinux::~LocalPortLinux() {
     if (listener_) folder_.remove(name_);
 }
 
 bool LocalPortLinux::listen() {
     const auto address = folder_.address(name_);
-    // What still stands there is a dead server's: this process holds the lock.
+    // An existing file belongs to a dead server, because this process holds the lock.
     if (!epoll_ || !wake_ || !address || !folder_.remove(name_)) return false;
     FileDescriptor socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)};
     if (!socket || bind(socket.get(), address->get(), address->length) != 0) return false;
@@ -84,9 +85,10 @@ void LocalPortLinux::run() {
             else if (!isStopped_)
                 serve(*static_cast<PortConnection*>(event.data.ptr));
         }
-        // After the clients: making room for a new one may end one whose event came along.
+        // After the clients, because accepting one may drop another whose event is in this batch.
         if (isSomebodyWaiting) acceptWaiting();
-        // By the time before the clients were served: while a handler ran, nobody was read.
+        // Uses the time before the clients were served, because no client was read while a handler
+        // ran.
         if (nextDeadline_ && woke >= *nextDeadline_) expire(woke);
     }
 }
@@ -115,7 +117,7 @@ void LocalPortLinux::acceptWaiting() {
     }
 }
 
-// Without free descriptors the listener would stay ready and keep the loop turning.
+// With no free descriptors the listener would stay readable and make the loop spin.
 void LocalPortLinux::pauseListening() {
     watch(listener_.get(), 0, &listener_, EPOLL_CTL_MOD);
     listensAgain_ = now() + kAcceptPause;
@@ -124,7 +126,7 @@ void LocalPortLinux::pauseListening() {
 
 void LocalPortLinux::add(FileDescriptor socket) {
     if (connections_.size() >= limits_.connections) dropFromGreediest();
-    // A client without the secret gets nothing to fill it with.
+    // Safe for clients without the secret, because they receive nothing to fill it with.
     askForSendRoom(socket.get());
     auto connection = std::make_unique<PortConnection>(std::move(socket), limits_, memory_);
     connection->place = connections_.size();
@@ -146,8 +148,8 @@ void LocalPortLinux::serve(PortConnection& connection) {
 }
 
 void LocalPortLinux::drop(PortConnection& connection) {
-    // Closing alone does not end the watch while a child of this process, forked but not yet
-    // another program, holds the socket too; the next event would then name what is gone.
+    // Closing the socket does not end the watch while a forked child that has not yet called exec
+    // holds it too. The next event would then refer to a destroyed connection.
     watch(connection.socket(), 0, nullptr, EPOLL_CTL_DEL);
     const std::size_t place = connection.place;
     std::swap(connections_[place], connections_.back());
@@ -155,8 +157,8 @@ void LocalPortLinux::drop(PortConnection& connection) {
     connections_.pop_back();
 }
 
-// So that no process can crowd out the others: the one with the most connections loses the one that
-// it used least lately.
+// Keeps one process from crowding out the others: the process with the most connections loses its
+// least recently used one.
 void LocalPortLinux::dropFromGreediest() {
     std::map<std::int32_t, std::size_t> counts;
     for (const auto& connection : connections_) ++counts[connection->peer()];
@@ -177,7 +179,7 @@ void LocalPortLinux::expire(Instant present) {
     for (std::size_t place = 0; place < connections_.size();) {
         PortConnection& connection = *connections_[place];
         if (connection.deadline() && present >= *connection.deadline()) {
-            drop(connection);  // another one takes its place
+            drop(connection);  // moves another connection into this place
         } else {
             noteDeadline(connection.deadline());
             ++place;

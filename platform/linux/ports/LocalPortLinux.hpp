@@ -1,4 +1,4 @@
-// The serving end of a port: one loop over the listening socket and its clients.
+// Serving end of a port: one loop over the listening socket and its clients.
 #pragma once
 
 #include <atomic>
@@ -14,10 +14,10 @@ struct epoll_event;
 
 namespace quorvane {
 
-// Owns its name while it lives. No client can make it wait: whoever is slow only waits itself.
+// Owns its name for its lifetime. A slow client delays only itself.
 class LocalPortLinux final : public LocalPort {
 public:
-    // Nothing when the name is taken, or the folder is not fit for it.
+    // Returns null when the name is taken or the folder is unsuitable.
     static std::unique_ptr<LocalPort> open(PortFolder folder, const std::string& name,
                                            PortHandler handler, const PortLimits& limits);
     ~LocalPortLinux() override;
@@ -51,11 +51,11 @@ private:
     FileDescriptor wake_;
     std::atomic<bool> isStopped_ = false;
 
-    PortMemory memory_;  // before the connections, which give back to it
+    PortMemory memory_;  // before the connections, which return memory to it
     std::vector<std::unique_ptr<PortConnection>> connections_;
     std::uint64_t uses_ = 0;
-    std::optional<Instant> nextDeadline_;  // not after the first that is due
-    std::optional<Instant> listensAgain_;  // while nothing is accepted
+    std::optional<Instant> nextDeadline_;  // not later than the first deadline
+    std::optional<Instant> listensAgain_;  // set while accepting is paused
 };
 
 }  // namespace quorvane

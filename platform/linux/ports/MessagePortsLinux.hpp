@@ -1,5 +1,5 @@
-// The message ports of this edition: Unix stream sockets in a folder of the user's own.
-// docs/wire-format.md gives every byte.
+// Message ports of this edition: Unix stream sockets in a private folder of the user.
+// docs/wire-format.md defines every byte.
 #pragma once
 
 #include <filesystem>
@@ -9,8 +9,8 @@
 
 namespace quorvane {
 
-// The folder of this user's ports. When the system has no place for it, every name counts as served
-// by nobody and none can be served.
+// The folder of this user's ports. If the system has no place for it, no name is served and none
+// can be.
 std::filesystem::path portFolderOfUser();
 
 ConnectPort makeConnectPortLinux(std::filesystem::path folder);

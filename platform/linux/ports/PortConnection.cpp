@@ -10,7 +10,7 @@
 namespace quorvane {
 namespace {
 
-// Requests begin with a secret, which stays in memory no longer than they are handled.
+// A request begins with a secret, which stays in memory only while the request is handled.
 constexpr std::size_t kWipedBytes = 32;
 
 Instant now() { return std::chrono::steady_clock::now(); }
@@ -25,7 +25,7 @@ void wipeStart(std::span<std::byte> bytes) {
     wipe(bytes.first(std::min(bytes.size(), kWipedBytes)));
 }
 
-// The number of bytes; 0 when there are none now; nothing when the connection is over.
+// Returns the number of bytes; 0 when none are available now; nullopt when the connection is over.
 std::optional<std::size_t> receiveNow(int socket, std::span<std::byte> place) {
     const ssize_t count = recv(socket, place.data(), place.size(), MSG_DONTWAIT);
     if (count > 0) return static_cast<std::size_t>(count);
@@ -58,7 +58,7 @@ bool PortConnection::serve(const PortHandler& handler) {
     if (!answerComplete(handler)) return false;
     const bool isIdle = !request_ && buffer_.filled().empty();
     if (output_)
-        return true;  // its deadline was set when it began
+        return true;  // `write` has set its deadline
     else if (isIdle)
         deadline_.reset();
     else if (!deadline_)
@@ -106,8 +106,8 @@ bool PortConnection::answerComplete(const PortHandler& handler) {
     return true;
 }
 
-// A request that is longer than the buffer gets a place of its own, of which nothing is touched
-// before it arrives.
+// A request longer than the buffer gets its own memory, whose pages stay untouched until bytes
+// arrive.
 bool PortConnection::beginBody(std::size_t length) {
     if (length <= buffer_.filled().size() + buffer_.room().size()) return true;
     auto buffer = memory_.takeBuffer(length);

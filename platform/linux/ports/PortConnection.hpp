@@ -1,5 +1,5 @@
-// One client of a local port: what it has sent of a request, and what it has not yet taken of a
-// reply.
+// One client of a local port: the part of a request received so far, and the part of a reply not
+// yet sent.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-// Memory that all clients of a port may take up together.
+// Memory limit that all clients of a port share.
 class BodyBudget {
 public:
     explicit BodyBudget(std::size_t total) : left_(total) {}
@@ -28,14 +28,15 @@ private:
     std::size_t left_;
 };
 
-// What the clients of a port share. Apart for requests and replies: anybody can begin a long
-// request, but only who knows the secret gets a long reply.
+// Memory shared by the clients of a port. Requests and replies have separate limits, because any
+// process of the user can begin a long request, but only clients with the secret receive a long
+// reply.
 class PortMemory {
 public:
     explicit PortMemory(std::size_t bodyBytes) : replies(bodyBytes), requests_(bodyBytes) {}
 
-    // For a long request; counts until it is given back. One spare buffer is kept: memory fresh
-    // from the system costs more than what is read into it.
+    // Takes a buffer for a long request, which counts until it is given back. Keeps one spare
+    // buffer, because fresh memory from the system costs more than reading into it.
     std::optional<Bytes> takeBuffer(std::size_t size) {
         if (!requests_.take(size)) return std::nullopt;
         Bytes buffer = std::exchange(spare_, {});
@@ -48,7 +49,7 @@ public:
         if (buffer.capacity() <= kLargestSpare) spare_ = std::move(buffer);
     }
 
-    BodyBudget replies;  // those that wait to be taken
+    BodyBudget replies;  // replies that wait to be sent
 
 private:
     static constexpr std::size_t kLargestSpare = 2 * 1024 * 1024;
@@ -56,25 +57,25 @@ private:
     Bytes spare_;
 };
 
-// Never blocks. Owned by its port, on the port's thread.
+// Never blocks. Owned by its port and used on the port's thread.
 class PortConnection {
 public:
     PortConnection(FileDescriptor socket, const PortLimits& limits, PortMemory& memory);
     ~PortConnection();
 
-    // Reads what there is, answers what is complete and writes what can be taken. False when the
-    // connection is over.
+    // Reads available bytes, answers complete requests and writes as much as the socket takes.
+    // Returns false when the connection is over.
     bool serve(const PortHandler& handler);
 
     int socket() const { return socket_.get(); }
     std::int32_t peer() const { return peer_; }
-    // While a reply waits to be taken, nothing is read.
+    // While a reply waits to be sent, the connection reads nothing.
     bool isWriting() const { return output_.has_value(); }
-    // When what has been begun must be complete; nothing between requests.
+    // The deadline for completing the current request or reply; nullopt when idle.
     std::optional<Instant> deadline() const { return deadline_; }
 
-    std::uint64_t lastUse = 0;  // the owner's count of events
-    std::size_t place = 0;      // in the owner's list
+    std::uint64_t lastUse = 0;  // the owner's event count
+    std::size_t place = 0;      // index in the owner's list
     std::uint32_t watched = 0;  // the events that the owner waits for
 
 private:
@@ -82,7 +83,7 @@ private:
         FrameHeader header;
         PortAnswer body;
         std::size_t sent = 0;
-        bool isCounted = false;  // in the memory that waiting replies share
+        bool isCounted = false;  // counted in the limit for waiting replies
     };
 
     bool read();
@@ -100,7 +101,7 @@ private:
     PortMemory& memory_;
     std::int32_t peer_ = 0;
     FrameBuffer buffer_;
-    std::optional<RequestHeader> request_;  // read, its body not yet complete
+    std::optional<RequestHeader> request_;  // header read, body not yet complete
     Bytes body_;                            // of a request that does not fit the small buffer
     std::size_t bodyFilled_ = 0;
     std::uint64_t sequence_ = 0;

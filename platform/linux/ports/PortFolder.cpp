@@ -56,8 +56,8 @@ std::optional<FileDescriptor> PortFolder::lock(const std::string& name) const {
                                O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR)};
     if (!lock || flock(lock.get(), LOCK_EX | LOCK_NB) != 0) return std::nullopt;
     fchmod(lock.get(), kOwnFile);
-    // Somebody may have removed the file between opening and locking it: then this lock is one that
-    // nobody else would meet.
+    // Another process may have removed the file between open and lock; then no other process would
+    // see this lock.
     struct stat held {};
     struct stat standing {};
     if (fstat(lock.get(), &held) != 0 ||

@@ -1,4 +1,4 @@
-// The folder that holds the sockets of the ports, and what stands in it.
+// Folder of the ports' sockets and lock files.
 #pragma once
 
 #include <sys/socket.h>
@@ -18,22 +18,22 @@ struct SocketAddress {
     const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&name); }
 };
 
-// Open only when the folder is a real one, belongs to this user and is closed to all others.
+// Opens only a real folder that belongs to this user and is closed to all others.
 class PortFolder {
 public:
-    // A client looks; a server makes the folder and closes it to others.
+    // A client only looks; a server creates the folder and closes it to others.
     enum class Purpose { look, serve };
     static std::optional<PortFolder> open(const std::filesystem::path& path, Purpose purpose);
 
-    // Of the socket with this name; valid while the folder is open. Nothing when the name cannot be
-    // a file's or is too long.
+    // The address of the socket with this name; valid while the folder is open. Nullopt when the
+    // name is not a valid file name or is too long.
     std::optional<SocketAddress> address(const std::string& name) const;
 
-    // The lock that makes its holder the one owner of the name; nothing when somebody has it.
+    // The lock that makes its holder the name's only owner; nullopt when another holds it.
     std::optional<FileDescriptor> lock(const std::string& name) const;
 
     bool remove(const std::string& name) const;
-    // Keeps the socket file from others and from being cleaned away while it is in use.
+    // Protects the socket file from other users and from cleanup while it is in use.
     void protect(const std::string& name) const;
 
 private:

@@ -12,12 +12,13 @@ namespace quorvane {
 namespace {
 
 constexpr Duration kLongestLimit = std::chrono::hours{24};
-// How far the socket's own limit may be off before it is set anew, and so how late a wait may end.
+// Tolerance between the wanted and the set receive limit of the socket before it is set again, and
+// so how late a wait may end.
 constexpr Duration kLimitTolerance = std::chrono::milliseconds{20};
 
 Instant now() { return std::chrono::steady_clock::now(); }
 
-// Saturating: callers may ask for a very long time.
+// Clamps the timeout, because callers may pass a very long one.
 Instant deadlineAfter(Duration timeout) {
     return now() + std::clamp(timeout, Duration{}, kLongestLimit);
 }
@@ -28,7 +29,8 @@ std::unique_ptr<RemotePort> RemotePortLinux::connect(const PortFolder& folder,
                                                      const std::string& name) {
     const auto address = folder.address(name);
     if (!address) return nullptr;
-    // Not blocking while it connects: a full queue of a stuck server is no port, not a wait.
+    // Connects without blocking, so that a stuck server with a full queue counts as no port instead
+    // of blocking.
     FileDescriptor socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)};
     if (!socket || ::connect(socket.get(), address->get(), address->length) != 0 ||
         !peerIsOwnUser(socket.get()))
@@ -66,7 +68,7 @@ std::int32_t RemotePortLinux::sendFrame(const PortRequest& request) {
                                                     .sequence = sequence_ + 1});
     const FrameParts parts{header, request.secret, request.body};
     std::size_t sent = 0;
-    // The clock is asked only when the kernel does not take it all at once.
+    // Read the clock only when the kernel does not take the whole frame at once.
     std::optional<Instant> deadline;
     while (sent < header.size() + length) {
         const ssize_t count = sendFrameRest(socket_.get(), parts, sent);
@@ -78,7 +80,7 @@ std::int32_t RemotePortLinux::sendFrame(const PortRequest& request) {
         } else {
             if (!deadline) deadline = deadlineAfter(request.sendTimeout);
             if (waitForRoom(*deadline)) continue;
-            if (sent > 0) close();  // nothing can follow half a frame
+            if (sent > 0) close();  // no frame can follow half a frame
             return kPortSendTimeout;
         }
     }
@@ -86,7 +88,7 @@ std::int32_t RemotePortLinux::sendFrame(const PortRequest& request) {
     return kPortSuccess;
 }
 
-// False when the deadline has come first.
+// Returns false when the deadline passes first.
 bool RemotePortLinux::waitForRoom(Instant deadline) const {
     while (true) {
         const Duration left = deadline - now();
@@ -122,7 +124,7 @@ PortReply RemotePortLinux::receiveReply(Duration timeout, Bytes memory) {
 }
 
 PortReply RemotePortLinux::receiveBody(std::size_t length, Instant deadline, Bytes body) {
-    body.clear();  // else what is in it would be copied when it grows
+    body.clear();  // avoids copying its old contents when it grows
     body.resize(length);
     const auto early = buffer_.filled().first(std::min(length, buffer_.filled().size()));
     std::ranges::copy(early, body.begin());
@@ -168,8 +170,9 @@ RemotePortLinux::Received RemotePortLinux::skipStale(Instant deadline) {
     return Received::something;
 }
 
-// Waits by the socket's own time limit: one system call where polling first would be two. The
-// deadline is looked at before each wait, so a peer that sends byte by byte gains nothing.
+// Waits with the socket's own receive timeout, because polling first would need a second system
+// call. Checks the deadline before each wait, so that a peer that sends byte by byte cannot extend
+// it.
 RemotePortLinux::Received RemotePortLinux::receive(std::span<std::byte> place, int flags,
                                                    Instant deadline, std::size_t& count) {
     while (true) {
@@ -185,7 +188,7 @@ RemotePortLinux::Received RemotePortLinux::receive(std::span<std::byte> place, i
         }
         if (result == 0) return Received::closed;
         if (errno != EAGAIN && errno != EINTR) return Received::closed;
-        // The socket's limit may have been a little short.
+        // The socket's timeout may have been slightly too short.
         if (errno == EAGAIN && now() >= deadline) return Received::timedOut;
     }
 }

@@ -1,4 +1,4 @@
-// The sending end of a port: one connection to the process that serves the name.
+// Sending end of a port: one connection to the process that serves the name.
 #pragma once
 
 #include <sys/time.h>
@@ -14,18 +14,18 @@
 
 namespace quorvane {
 
-// As a socket's time limit, rounded up as a whole: a million microseconds beside the seconds would
-// be refused, and the wait would have no end.
+// Converts to a socket timeout, rounded up as a whole: the system refuses a microsecond part of a
+// million, and the wait would then never end.
 constexpr timeval timevalUpTo(Duration limit) {
     const auto rounded = std::chrono::ceil<std::chrono::microseconds>(limit);
     const auto seconds = std::chrono::floor<std::chrono::seconds>(rounded);
     return {.tv_sec = seconds.count(), .tv_usec = (rounded - seconds).count()};
 }
 
-// A waiting send blocks its thread and runs nothing meanwhile. A connection that died stays dead.
+// A waiting send blocks its thread and runs no other work on it. A dead connection stays dead.
 class RemotePortLinux final : public RemotePort {
 public:
-    // Nothing when nobody of this user serves the name. Never waits.
+    // Returns null when no process of this user serves the name. Never waits.
     static std::unique_ptr<RemotePort> connect(const PortFolder& folder, const std::string& name);
 
     PortReply send(PortRequest request) override;
@@ -48,12 +48,12 @@ private:
     void limitReceiving(Duration limit);
     void close();
 
-    std::mutex mutex_;       // keeps `cancel` off a number that has become another file's
+    std::mutex mutex_;       // keeps `cancel` off a reused descriptor number
     FileDescriptor socket_;  // closed under mutex_
     FrameBuffer buffer_;
     std::uint64_t sequence_ = 0;
-    std::size_t staleBytes_ = 0;            // of a late reply's body, still to be skipped
-    std::optional<Duration> receiveLimit_;  // as the socket has it; it begins with none
+    std::size_t staleBytes_ = 0;            // bytes of a late reply's body still to skip
+    std::optional<Duration> receiveLimit_;  // as set on the socket, initially none
 };
 
 }  // namespace quorvane

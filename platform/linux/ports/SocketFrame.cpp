@@ -92,7 +92,7 @@ ssize_t sendFrameRest(int socket, const FrameParts& parts, std::size_t sent) {
     for (std::size_t i = 0; i < parts.size(); ++i) {
         const ByteView unsent = parts[i].subspan(std::min(sent, parts[i].size()));
         sent -= parts[i].size() - unsent.size();
-        // The call only reads what is pointed to.
+        // sendmsg only reads the memory.
         rest[i] = {const_cast<std::byte*>(unsent.data()), unsent.size()};
     }
     msghdr message{};

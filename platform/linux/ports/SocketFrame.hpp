@@ -1,4 +1,4 @@
-// The header in front of every message on a port's socket. docs/wire-format.md gives its bytes.
+// Header of every message on a port's socket. docs/wire-format.md defines its bytes.
 #pragma once
 
 #include <sys/types.h>
@@ -28,7 +28,7 @@ struct RequestHeader {
 
 struct ReplyHeader {
     std::uint32_t length = 0;
-    std::int32_t status = 0;  // 0, or kPortTransportError in place of a reply over the bound
+    std::int32_t status = 0;  // 0, or kPortTransportError for a reply over the size limit
     std::uint64_t sequence = 0;
     bool operator==(const ReplyHeader&) const = default;
 };
@@ -36,21 +36,20 @@ struct ReplyHeader {
 FrameHeader encode(const RequestHeader& header);
 FrameHeader encode(const ReplyHeader& header);
 
-// Nothing when the bytes break a rule of the format, the bound of the length among them.
+// Both return nullopt when the bytes violate the format, including its length limit.
 std::optional<RequestHeader> decodeRequestHeader(
     std::span<const std::byte, kFrameHeaderBytes> bytes);
 std::optional<ReplyHeader> decodeReplyHeader(std::span<const std::byte, kFrameHeaderBytes> bytes);
 
-// Room in the kernel for what a socket sends: a state with artwork goes out in one piece then,
-// where both ends would take turns otherwise. As far as the system allows; less is slower, nothing
-// else.
+// Enlarges the socket's send buffer so that a state with artwork is sent in one piece and the two
+// ends need not take turns. The system may grant less, which only costs speed.
 void askForSendRoom(int socket);
 
 // A message's bytes in order; parts may be empty.
 using FrameParts = std::array<ByteView, 4>;
 
-// Writes as much of the parts as the kernel takes at once, beginning after the first `sent` bytes
-// of them all. The number of bytes, or -1 with errno.
+// Writes as much of the parts as the kernel takes at once, starting after their first `sent` bytes.
+// Returns the number of bytes, or -1 with errno.
 ssize_t sendFrameRest(int socket, const FrameParts& parts, std::size_t sent);
 
 }  // namespace quorvane

@@ -28,7 +28,7 @@ std::optional<std::string_view> valueOf(std::string_view entry, std::string_view
     return std::nullopt;
 }
 
-// As values of any kind are written.
+// Escapes a value of a desktop entry.
 std::string escapedValue(std::string_view text) {
     std::string escaped;
     for (const char character : text) switch (character) {
@@ -41,7 +41,7 @@ std::string escapedValue(std::string_view text) {
     return escaped;
 }
 
-// As an argument of a command line is written, which is then a value like any other.
+// Quotes an argument of an Exec command line; the result still needs the escaping of a value.
 std::string quotedArgument(std::string_view text) {
     std::string quoted = "\"";
     for (const char character : text) {

@@ -21,9 +21,9 @@ using Filter = std::unique_ptr<void, void (*)(scmp_filter_ctx)>;
 
 constexpr std::uint32_t kRefused = SCMP_ACT_ERRNO(EPERM);
 
-// Rings among them: what is asked for through one passes by the filter.
+// Includes io_uring, because the filter does not see system calls requested through a ring.
 constexpr int kUnused[] = {
-#ifndef __SANITIZE_ADDRESS__  // looks for leaks by tracing its own process
+#ifndef __SANITIZE_ADDRESS__  // its leak check traces its own process
     SCMP_SYS(ptrace),
 #endif
     SCMP_SYS(process_vm_readv), SCMP_SYS(process_vm_writev),
@@ -33,10 +33,10 @@ constexpr int kUnused[] = {
     SCMP_SYS(keyctl),
 };
 
-// All families but those of local sockets and of the kernel's own messages, which are local too;
-// sandboxes that a picture loader starts use them. A rule looks at an argument once, and a rule for
-// each family would make a long filter; these are all that are above the higher one, and those
-// below it that have another bit or none.
+// Forbids all socket families except AF_UNIX and AF_NETLINK, which are both local; the sandboxes of
+// a picture loader use them. A rule can test an argument only once, and one rule per family would
+// make a long filter. These rules cover the families above AF_NETLINK, and those below it that have
+// a different bit set or none.
 int forbidNetwork(scmp_filter_ctx filter) {
     constexpr std::uint32_t kHighest = AF_NETLINK;
     constexpr std::uint32_t kOtherBits[] = {2, 4, 8};
@@ -56,10 +56,10 @@ int forbidNetwork(scmp_filter_ctx filter) {
 void forbidCoreDumps() {
     const rlimit none{0, 0};
     setrlimit(RLIMIT_CORE, &none);
-    // A program that takes cores over a pipe is not bound by the limit, but gets no memory.
+    // A core handler on a pipe ignores the limit, but an empty filter leaves it no memory.
     const FileDescriptor mask{open("/proc/self/coredump_filter", O_WRONLY | O_CLOEXEC)};
     if (!mask || write(mask.get(), "0", 1) < 0)
-        return;  // built without it: then there is the limit
+        return;  // the kernel lacks the filter; the limit remains
 }
 
 Result<void> confineProcess(Network network) {

@@ -12,14 +12,15 @@ namespace quorvane {
 namespace {
 
 void useUsualSignals() {
-    // What a script starts in its background ignores the interrupt that asks it to end.
+    // A background job of a script inherits an ignored SIGINT, which is the request to quit.
     for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-// Everything but the descriptor that goes away when the program begins.
+// Replaces the standard streams with /dev/null and closes all other descriptors except `kept`,
+// which closes on exec.
 bool useNothingOfTheCallers(int kept) {
     const int null = open("/dev/null", O_RDWR);
     if (null < 0) return false;
@@ -30,7 +31,7 @@ bool useNothingOfTheCallers(int kept) {
     return chdir("/") == 0;
 }
 
-// In the child's child. The number of what failed goes through the descriptor.
+// Runs in the grandchild. Reports the errno of a failure through the descriptor.
 [[noreturn]] void begin(const std::filesystem::path& executable, char** arguments, int report) {
     useUsualSignals();
     if (useNothingOfTheCallers(report)) execv(executable.c_str(), arguments);
@@ -58,7 +59,7 @@ Result<void> startDetached(const std::filesystem::path& executable,
     int ends[2] = {-1, -1};
     if (pipe2(ends, O_CLOEXEC) != 0) return posixError("pipe");
     const FileDescriptor reading{ends[0]};
-    // Above the standard ones, which the program's are put over, also when some are not open.
+    // Above the standard descriptors even when some are closed, because the child replaces those.
     FileDescriptor writing{fcntl(ends[1], F_DUPFD_CLOEXEC, 4)};
     close(ends[1]);
     const pid_t pid = fork();

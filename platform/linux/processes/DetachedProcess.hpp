@@ -1,4 +1,4 @@
-// Starts a program that lives on its own.
+// Launcher for programs that outlive the caller.
 #pragma once
 
 #include <filesystem>
@@ -9,9 +9,9 @@
 
 namespace quorvane {
 
-// As the child of the system's or the session's first process, in a session of its own, in the root
-// folder, with the usual signals and nothing open but /dev/null. Returns once it has begun or could
-// not.
+// Starts the program as a child of the system's or the session's first process, in its own session,
+// in the root folder, with default signals and only /dev/null open. Returns once it has started or
+// failed to.
 Result<void> startDetached(const std::filesystem::path& executable,
                            std::vector<std::string> arguments);
 

@@ -1,4 +1,4 @@
-// The tables of an installed application's life on this system.
+// Tables that an installed application uses on this system.
 #pragma once
 
 #include "platform/LivePlatform.hpp"

@@ -1,6 +1,6 @@
 #include "platform/linux/processes/LogLinux.hpp"
 
-// Every line would carry the place in this file.
+// Otherwise every line would carry a position in this file.
 #define SD_JOURNAL_SUPPRESS_LOCATION
 #include <fcntl.h>
 #include <sys/uio.h>
@@ -49,7 +49,7 @@ void appendEscape(std::string& text, unsigned char character) {
     text += character == '\n' ? "\\n" : character == '\t' ? "\\t" : escape;
 }
 
-// Escapes C0, DEL and, where it stands as UTF-8, C1: terminals obey all three.
+// Escapes C0, DEL and UTF-8-encoded C1, because terminals obey all three.
 std::string withoutControls(std::string_view text) {
     std::string safe;
     safe.reserve(text.size());
@@ -67,13 +67,13 @@ std::string withoutControls(std::string_view text) {
     return safe;
 }
 
-// In one piece, so that lines of several threads and processes do not mix.
+// Writes a line in one piece, so that lines of several threads and processes do not mix.
 void writeTo(int descriptor, const std::string& line) {
     std::string_view rest = line;
     while (!rest.empty()) {
         const ssize_t written = write(descriptor, rest.data(), rest.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return;  // nobody to tell
+        if (written < 0) return;  // no place to report it
         rest.remove_prefix(static_cast<std::size_t>(written));
     }
 }
@@ -107,7 +107,7 @@ LogOptions LogOptions::fromEnvironment(std::string identifier) {
 }
 
 LogSink makeLogSink(LogOptions options) {
-    // The journal's own function reports success when there is none.
+    // The journal's own function reports success even when there is no journal.
     if (!options.file.empty() || access(kJournalSocket, F_OK) != 0) options.toStandardError = true;
     const auto file = std::make_shared<FileDescriptor>(openedLog(options.file));
     return [options = std::move(options), file](const LogLine& line) {

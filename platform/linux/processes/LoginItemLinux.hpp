@@ -1,4 +1,4 @@
-// The add-on's login item: an XDG autostart entry of the user's.
+// The add-on's login item: an XDG autostart entry of the user.
 #pragma once
 
 #include <optional>
@@ -8,9 +8,9 @@
 
 namespace quorvane {
 
-// The entry is <folder>/<bundle identifier>.desktop. Its status is 0 when there is none or when it
-// starts another executable, 1 when it starts this one, 2 when the user has switched it off, and 3
-// when this process runs from no bundle. Registering replaces the entry, unregistering removes it.
+// The entry is <folder>/<bundle identifier>.desktop. The status is 0 when it is missing or starts
+// another executable, 1 when it starts this one, 2 when the user has disabled it, and 3 when this
+// process does not run from a bundle. Registering replaces the entry; unregistering removes it.
 LoginItemClient makeLoginItem(std::optional<std::filesystem::path> autostartFolder,
                               const ProcessInfo& process);
 

@@ -18,7 +18,7 @@ std::expected<OpenCommandLine, std::string> OpenCommandLine::parse(
         if (word == "-n" || word == "--new")
             line.isAlwaysNew = true;
         else if (word == "-g" || word == "--background")
-            continue;  // applications here come to the front by themselves or not at all
+            continue;  // this program never brings an application to the front
         else if (word.starts_with('-'))
             return std::unexpected{"unknown option '" + word + "'"};
         else if (line.bundle.empty())

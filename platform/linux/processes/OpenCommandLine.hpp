@@ -1,4 +1,4 @@
-// The command line of quorvane-open. Pure values.
+// Command line of quorvane-open, as a plain value.
 #pragma once
 
 #include <expected>
@@ -12,12 +12,12 @@ struct OpenCommandLine {
     enum class Command { open, help, version };
 
     Command command = Command::open;
-    bool isAlwaysNew = false;  // also when the application runs already
+    bool isAlwaysNew = false;  // even if the application already runs
     std::string bundle{};
     std::vector<std::string> arguments{};  // the application's
     bool operator==(const OpenCommandLine&) const = default;
 
-    // `arguments` without the program's own name. A failure is one sentence for a person.
+    // `arguments` excludes the program's own name. The error is one sentence for the user.
     static std::expected<OpenCommandLine, std::string> parse(
         std::span<const std::string> arguments);
     static std::string help();

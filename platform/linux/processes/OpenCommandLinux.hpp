@@ -1,4 +1,4 @@
-// This system's launcher of applications, quorvane-open, as a command that is run.
+// Runner of quorvane-open, this system's launcher of applications.
 #pragma once
 
 #include "platform/OpenCommand.hpp"
@@ -7,8 +7,8 @@ namespace quorvane {
 
 inline constexpr char kOpenCommand[] = "quorvane-open";
 
-// Runs the one beside this program's executable, else the one in PATH. What it says on standard
-// error, its complaints, is part of its output.
+// Runs the quorvane-open beside this program's executable, else the one in PATH. The output
+// includes its standard error, which holds its error messages.
 RunOpenCommand makeRunOpenCommand();
 
 }  // namespace quorvane

@@ -1,4 +1,4 @@
-// The entry of quorvane-open.
+// Entry point of quorvane-open.
 
 #include <cstdio>
 
@@ -22,7 +22,7 @@ bool isRunning(const PropertyDictionary& properties) {
 
 int openBundle(const OpenCommandLine& line) {
     std::error_code error;
-    // The application knows its bundle by its own path, which holds no links.
+    // Resolve links, because the application derives its bundle from its own resolved path.
     const auto bundle = std::filesystem::canonical(line.bundle, error);
     if (error) return fail(1, line.bundle + ": " + error.message());
     const PropertyDictionary properties = propertiesOfBundle(bundle);

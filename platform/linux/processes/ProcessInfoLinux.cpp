@@ -7,9 +7,9 @@
 namespace quorvane {
 namespace {
 
-// What the core asks of the system's version is whether the card can stand on its lock screen, and
-// it asks in the numbers of the other edition. This edition stands in for its first supported
-// version; the kernel's own number would switch the card off.
+// The core uses the system's version, in the numbers of the other edition, to decide whether the
+// lock screen can show the card. This edition reports the first version that supports it; the
+// kernel's own version would disable the card.
 constexpr SystemVersion kInterfaceVersion{26, 0, 0};
 
 }  // namespace

@@ -32,7 +32,7 @@ std::string contentsOf(const std::filesystem::path& file) {
     return read ? std::string{textOf(read->contents)} : std::string{};
 }
 
-// The numbers among a folder's names, with the folder's descriptor.
+// Calls the handler with the folder's descriptor and each entry name that is a number.
 template <typename Handler>
 void forEachNumber(const char* path, Handler&& handle) {
     const std::unique_ptr<DIR, int (*)(DIR*)> folder{opendir(path), closedir};
@@ -46,8 +46,8 @@ void forEachNumber(const char* path, Handler&& handle) {
 }
 
 std::optional<std::uint64_t> startTicksIn(std::string_view status) {
-    // The name stands in brackets and may hold anything. A space and the third field follow; the
-    // start is the 22nd.
+    // The program name is in brackets and may contain any character. After a space comes field 3;
+    // the start time is field 22.
     const std::size_t bracket = status.rfind(')');
     if (bracket == status.npos) return std::nullopt;
     std::size_t field = bracket + 2;
@@ -93,7 +93,7 @@ std::string withoutScreen(std::string display) {
 std::optional<ProcessExecutable> executableOf(pid_t pid) {
     const auto folder = folderOf(pid);
     std::error_code error;
-    // Ended ones that wait for their parent have no executable any more.
+    // Processes that have exited and wait for their parent have no executable.
     std::string path = std::filesystem::read_symlink(folder / "exe", error).string();
     if (error || !isOfThisUser(folder)) return std::nullopt;
     const bool isDeleted = path.ends_with(kDeletedMark);

@@ -1,4 +1,4 @@
-// What the system tells of this user's processes.
+// Facts about this user's processes, from the process table.
 #pragma once
 
 #include <sys/types.h>
@@ -15,26 +15,26 @@ namespace quorvane {
 
 struct ProcessExecutable {
     std::filesystem::path path;
-    bool isDeleted = false;  // under the process
+    bool isDeleted = false;  // while the process runs
 };
 
 struct ProcessRecord {
     pid_t pid = 0;
     ProcessExecutable executable;
-    // When its first thread besides the main one began, since the system's start, in
-    // sysconf(_SC_CLK_TCK) a second; nothing before it has one.
+    // Start time of its first thread other than the main one, in ticks since boot,
+    // sysconf(_SC_CLK_TCK) per second; nullopt while it has none.
     std::optional<std::uint64_t> threadTicks;
     std::string display;        // DISPLAY, without its screen
     std::string runtimeFolder;  // XDG_RUNTIME_DIR
 };
 
-// Nothing when it has ended, when it is another user's or when it may not be looked at.
+// Returns nullopt when the process has exited, belongs to another user or cannot be examined.
 std::optional<ProcessRecord> processRecord(pid_t pid);
-// With the variables as they are now, which need not be those it was started with.
+// Uses the current environment variables, which may differ from those at the start.
 ProcessRecord ownProcessRecord();
-// Those whose executable's path, which ends in a mark where it was deleted, is wanted; of any user,
-// in no order that matters. There are hundreds of processes and few are wanted: one system call
-// each.
+// The processes whose executable path is wanted; a deleted executable's path ends with a mark.
+// Includes all users, in no particular order. Uses one system call per process, because there are
+// hundreds and few match.
 std::vector<pid_t> processesWhere(const std::function<bool(std::string_view executable)>& isWanted);
 
 }  // namespace quorvane

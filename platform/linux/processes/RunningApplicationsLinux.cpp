@@ -21,7 +21,7 @@ WallTime timeOf(clockid_t clock) {
     return WallTime{std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec}};
 }
 
-// Read once: the user may set the clock while copies of different age are compared.
+// Read once, because the user may set the clock between comparisons of copies.
 WallTime startOfSystem() {
     static const WallTime start =
         timeOf(CLOCK_REALTIME) - timeOf(CLOCK_BOOTTIME).time_since_epoch();
@@ -58,14 +58,14 @@ struct Applications {
         const auto bundle = bundleOfExecutable(process.executable.path);
         if (bundle.empty()) return false;
         if (const auto own = files.identity(bundle)) return *own == identifier;
-        // Its bundle was deleted under it, and it goes on: then it is known by its name.
+        // Its bundle was deleted while it runs, so compare its name instead.
         return process.executable.isDeleted && placeInBundle(process) == placeInBundle(self) &&
                files.identity(bundleOfExecutable(self.executable.path)) == identifier;
     }
 
     std::vector<RunningCopy> running(const std::string& identifier) const {
         std::vector<RunningCopy> copies;
-        // The few that lie in a bundle are looked at more closely.
+        // Examine only the few processes in a bundle more closely.
         const auto isInBundle = [](std::string_view executable) {
             return executable.find(kPlaceInBundle) != executable.npos;
         };
@@ -79,8 +79,7 @@ struct Applications {
 };
 
 void terminate(std::int32_t pid) {
-    // The number may be another process's by the time of the signal; a descriptor stays with its
-    // own.
+    // The pid may be reused before the signal is sent; a pidfd always refers to the same process.
     const FileDescriptor process{static_cast<int>(syscall(SYS_pidfd_open, pid, 0))};
     if (!process) return;
     const auto record = processRecord(pid);

@@ -1,4 +1,4 @@
-// The applications of this login, found in the process table.
+// Applications of this login, found in the process table.
 #pragma once
 
 #include "platform/RunningApplications.hpp"
@@ -6,12 +6,13 @@
 namespace quorvane {
 
 // A process is an application when its executable lies in a bundle. It counts when it belongs to
-// the same user and the same login: both on one display or, where one of the two has none, both
-// with one runtime folder. Asking one to quit sends it SIGINT.
+// the same user and the same login: same display or, if either process has no display, same runtime
+// folder. Requests to quit send SIGINT.
 //
-// A process begins as a copy of its parent and can be recognised only once it has become its own
-// program. Its launch date is that of its first thread besides the main one, so that a copy which
-// another one could not see yet is never older than that one. Without such a thread it is now.
+// A process begins as a copy of its parent and is recognisable only after it has become its own
+// program. Its launch date is the start of its first thread other than the main one, so that a copy
+// that another copy could not yet see is never older than that one. Without such a thread, the
+// launch date is the current time.
 RunningApplications makeRunningApplications();
 
 }  // namespace quorvane

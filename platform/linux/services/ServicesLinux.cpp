@@ -19,12 +19,13 @@
 namespace quorvane {
 namespace {
 
-// The parts that nobody but the tables reaches.
+// The parts that only the tables use.
 struct LiveServicesLinux : ServicesLinux {
     explicit LiveServicesLinux(const LogSink& log)
         : ServicesLinux(log), defaultsLog(log, kPlatformSubsystem, "defaults") {}
 
-    // One store a domain, however often it is opened: each keeps what could not be written yet.
+    // Keeps one store per domain across repeated opens, because a store holds the changes not yet
+    // written.
     std::optional<UserDefaults> openDefaults(const std::string& domain) {
         const auto folder = configFolder();
         if (!folder || !isPlainFileName(domain)) return std::nullopt;
@@ -93,7 +94,7 @@ Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
         return state->openDefaults(suite);
     };
     fillFileTables(services);
-    // Others find the part of it that they know.
+    // ServicesLinux::of casts this pointer to the base class.
     services.owner = std::shared_ptr<ServicesLinux>{owner};
     return services;
 }

@@ -1,4 +1,4 @@
-// What stands behind the live tables of this edition. LiveServices::owner points to one of these.
+// State behind the live tables of this edition. LiveServices::owner points to it.
 #pragma once
 
 #include <functional>
@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-// The adapters' own lines are logged under this subsystem.
+// The subsystem of the platform's own log lines.
 inline constexpr char kPlatformSubsystem[] = "example.quillon.Quorvane.Platform";
 
 struct ServicesLinux {
@@ -23,7 +23,7 @@ struct ServicesLinux {
     SystemBus systemBus;
     // The lock watcher delivers the notices of the lock here.
     LocalNotices localNotices;
-    // Ends the main loop with this status after the orderly termination: the system went away.
+    // Requests an orderly termination with this exit status, because the system went away.
     std::function<void(int status)> fail;
 
     static ServicesLinux& of(const LiveServices& services) {

@@ -1,4 +1,4 @@
-// What the environment of a program says of its session. Portable.
+// Session problems found in the program's environment. Portable.
 #pragma once
 
 #include <optional>
@@ -7,13 +7,13 @@
 
 namespace quorvane {
 
-// From the environment's variables; an unset one is empty.
+// Takes the values of the environment variables; an unset one is empty.
 std::optional<std::string> screenProblem(std::string_view display, std::string_view waylandDisplay);
-// `reason` is why the runtime folder cannot be used.
+// `reason` says why the runtime folder cannot be used.
 std::string portsProblem(std::string_view runtimeVariable, const std::string& runtimeFolder,
                          const std::string& reason);
 
-// The value, "" when it is unset.
+// The variable's value; "" when it is unset.
 std::string_view environmentVariable(const char* name);
 
 }  // namespace quorvane

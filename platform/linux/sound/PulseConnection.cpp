@@ -32,7 +32,7 @@ bool PulseConnection::connect() {
         library_.pa_context_new(library_.pa_threaded_mainloop_get_api(loop_), "quorvane-host");
     if (!context_) return false;
     library_.pa_context_set_state_callback(context_, onState, this);
-    // A server that does not run is not started for this.
+    // Does not start a server that is not running.
     return library_.pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) >= 0;
 }
 
@@ -58,7 +58,7 @@ double PulseConnection::levelOf(const pa_cvolume& volume, int isMuted) const {
     return std::min(1.0, static_cast<double>(library_.pa_cvolume_max(&volume)) / PA_VOLUME_NORM);
 }
 
-// The channels keep their balance.
+// Keeps the balance of the channels.
 pa_cvolume PulseConnection::scaled(pa_cvolume channels, double level) const {
     const double clamped = std::clamp(level, 0.0, 1.0);
     library_.pa_cvolume_scale(&channels,
@@ -85,7 +85,7 @@ void PulseConnection::onState(pa_context* context, void* self) {
     connection.read();
 }
 
-// The server, its output, its streams, one after the other.
+// Reads the server, its output and its streams, in this order.
 void PulseConnection::read() {
     isOutdated_ = isReading_;
     if (std::exchange(isReading_, true)) return;

@@ -1,4 +1,4 @@
-// One connection to the sound server, and the levels there.
+// One connection to the sound server, with its current levels.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@
 
 namespace quorvane {
 
-// Made, used and destroyed on the main thread. The library runs a thread for the connection; its
-// callbacks run there, with the loop's lock held, which the main thread takes for its calls.
+// Created, used and destroyed on the main thread. The library runs a thread for the connection. Its
+// callbacks run there under the loop's lock, which the main thread takes for its calls.
 class PulseConnection {
 public:
-    // `onLevels` is called on the library's thread, with no levels when the connection fails.
+    // Calls `onLevels` on the library's thread; with empty levels when the connection fails.
     PulseConnection(const PulseLibrary& library, std::function<void(SoundLevels)> onLevels);
     ~PulseConnection();
     PulseConnection(const PulseConnection&) = delete;
@@ -43,17 +43,17 @@ private:
     const std::function<void(SoundLevels)> onLevels_;
     pa_threaded_mainloop* loop_ = nullptr;
     pa_context* context_ = nullptr;
-    // Under the loop's lock.
+    // Guarded by the loop's lock.
     struct Reading {
-        std::string sink;  // the output that new streams use
+        std::string sink;  // the default output
         pa_cvolume sinkChannels{};
-        std::map<std::uint32_t, pa_cvolume> streamChannels;  // by the stream's number
+        std::map<std::uint32_t, pa_cvolume> streamChannels;  // by stream number
         SoundLevels levels;
     };
     Reading known_;
-    Reading next_;  // what has been read of it
+    Reading next_;  // the part read so far
     bool isReading_ = false;
-    bool isOutdated_ = false;  // a change came while reading: read again
+    bool isOutdated_ = false;  // changed during the read: read again
 };
 
 }  // namespace quorvane

@@ -1,12 +1,12 @@
-// The client library of the PulseAudio protocol, which PipeWire serves too. It is loaded when the
-// first player needs it: linked, it would cost every host 2 MB and 20 libraries.
+// Client library of the PulseAudio protocol, which PipeWire also serves. It is loaded when the
+// first player needs it, because linking it would cost every host 2 MB and 20 libraries.
 #pragma once
 
 #include <pulse/pulseaudio.h>
 
 namespace quorvane {
 
-// The functions that are used of it, each under its own name.
+// The functions used from the library, each under its own name.
 // clang-format off
 #define QUORVANE_PULSE_FUNCTIONS(use) \
     use(pa_context_connect) use(pa_context_disconnect) use(pa_context_get_server_info) \
@@ -26,7 +26,7 @@ struct PulseLibrary {
     QUORVANE_PULSE_FUNCTIONS(QUORVANE_PULSE_MEMBER)
 #undef QUORVANE_PULSE_MEMBER
 
-    // The library, kept loaded from then on; null when the system lacks it.
+    // Loads the library on the first call and keeps it loaded; null when the system lacks it.
     static const PulseLibrary* get();
 };
 

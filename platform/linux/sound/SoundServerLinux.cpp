@@ -10,7 +10,7 @@ namespace {
 
 using Handler = std::function<void(SoundLevels)>;
 
-// The handler runs on the main thread, while its handle lives.
+// The handler runs on the main thread while its handle is held.
 Handle observe(const MainThread& mainThread, std::weak_ptr<PulseConnection>& current,
                Handler handler) {
     const auto held = std::make_shared<Handler>(std::move(handler));

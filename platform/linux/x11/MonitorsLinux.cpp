@@ -20,8 +20,7 @@ double dotsPerInchOf(int pixels, int millimeters) {
     return millimeters == 0 ? 0 : pixels * kMillimetersPerInch / millimeters;
 }
 
-// The screen's own. Of a screen whose first monitor is turned, the notice has width and height
-// exchanged.
+// The screen's own value. The event has width and height swapped when the first monitor is rotated.
 double dotsPerInchOf(const xcb_randr_screen_change_notify_event_t& change) {
     const bool isTurned =
         (change.rotation & (XCB_RANDR_ROTATION_ROTATE_90 | XCB_RANDR_ROTATION_ROTATE_270)) != 0;
@@ -44,13 +43,13 @@ void MonitorsLinux::observeServer() {
     observations_.push_back(x11_.observeWindow(x11_.root(), [this](const auto& event) {
         if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY) return;
         const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        // A changed monitor definition is announced only as a new configuration of the root.
+        // The server announces a changed monitor definition only as a ConfigureNotify of the root.
         if (change.window == x11_.root()) settle();
     }));
     const auto* extension = x11_.extension(xcb_randr_id);
     if (!extension) return;
     hasRandR_ = true;
-    // A server of an older version refuses what it does not know.
+    // An older server rejects requests that it does not know.
     xcb_discard_reply(
         x11_.connection(),
         xcb_randr_query_version(x11_.connection(), kMonitorsMajor, kMonitorsMinor).sequence);
@@ -62,7 +61,7 @@ void MonitorsLinux::observeServer() {
     };
     observations_.push_back(x11_.observeEvents(typeOf(XCB_RANDR_NOTIFY),
                                                [this](const xcb_generic_event_t&) { settle(); }));
-    // The connection's record of the screen stays as it was when the connection was made.
+    // The connection's record of the screen is never updated after connecting.
     observations_.push_back(
         x11_.observeEvents(typeOf(XCB_RANDR_SCREEN_CHANGE_NOTIFY), [this](const auto& event) {
             screenDotsPerInch_ = dotsPerInchOf(
@@ -71,7 +70,7 @@ void MonitorsLinux::observeServer() {
         }));
 }
 
-// A reconfiguration comes as many events; each one starts the wait again.
+// A reconfiguration causes many events; each one restarts the timer.
 void MonitorsLinux::settle() {
     settled_ = clock_.after(kSettleTime, [this] { refresh(); });
 }
@@ -95,7 +94,7 @@ void MonitorsLinux::readLayout() {
     const auto monitors = withoutRepeats(readMonitors());
     const auto userDotsPerInch =
         numberResource(textOf(x11_.connection(), resources, XCB_ATOM_STRING), "Xft.dpi");
-    if (monitors.empty()) return;  // the server is going; what was known serves until the end
+    if (monitors.empty()) return;  // the server is going away; keep the last layout
     const auto demand = std::getenv(kScaleVariable);
     layout_ = {monitors, scaleFor(demand ? std::optional<std::string_view>{demand} : std::nullopt,
                                   userDotsPerInch)};

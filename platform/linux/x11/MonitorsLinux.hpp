@@ -1,4 +1,4 @@
-// The monitors as the X server arranges them now.
+// The monitors and their current arrangement on the X server.
 #pragma once
 
 #include <functional>
@@ -16,14 +16,15 @@ public:
     MonitorsLinux(X11Connection& x11, const Clock& clock);
 
     const ScreenLayout& layout() const { return layout_; }
-    // The user's, else the screen's own, as programs on X11 take them.
+    // The user's setting, else the screen's own value, as is usual on X11.
     double dotsPerInch() const { return dotsPerInch_; }
-    // Reads everything again at once; the user's dots per inch change without a notice.
+    // Reads everything again at once. Needed because the server sends no event when the user's dots
+    // per inch change.
     void refresh();
-    // The screens are to be reported although their layout is the same.
+    // Reports the screens soon, even if their layout stays the same.
     void reportSoon();
-    // Reports a layout that differs from the one before. The layout is read, and reported once,
-    // when the server has been quiet for a moment: lockers follow the monitors in that time.
+    // Reports a changed layout. The layout is read and reported once, after the server has been
+    // quiet for a moment, so that lockers can follow the monitors first.
     Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
 
 private:

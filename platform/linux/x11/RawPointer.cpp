@@ -9,7 +9,7 @@
 namespace quorvane {
 namespace {
 
-// From this version on raw events also reach clients that do not hold the grab.
+// Since this version, raw events also reach clients that do not hold the grab.
 constexpr std::uint16_t kMajorVersion = 2;
 constexpr std::uint16_t kMinorVersion = 2;
 
@@ -84,20 +84,20 @@ void RawPointer::handle(const xcb_generic_event_t& event) {
             if (touch_ != raw.detail) return;
             touch_.reset();
             return press(kPrimary, false);
-        // A fast mouse moves a thousand times a second; one report of many is enough.
+        // A fast mouse sends a thousand moves a second, so moves are coalesced.
         case XCB_INPUT_RAW_MOTION:
         case XCB_INPUT_RAW_TOUCH_UPDATE: hasMoved_ = true;
     }
 }
 
-// The server moves the pointer with the first finger, so its place is the pointer's.
+// The server moves the pointer with the first finger, so the pointer's position is the finger's.
 void RawPointer::beginTouch(std::uint32_t touch, std::uint16_t device) {
     if (touch_ || !isTouchScreen(device)) return;
     touch_ = touch;
     press(kPrimary, true);
 }
 
-// A finger on a touch pad begins a touch as well, but presses nothing.
+// A finger on a touch pad also begins a touch, but is not a press.
 bool RawPointer::isTouchScreen(std::uint16_t device) {
     const auto reply = xcbReply(xcb_input_xi_query_device_reply, x11_.connection(),
                                 xcb_input_xi_query_device(x11_.connection(), device));
@@ -128,12 +128,12 @@ void RawPointer::press(unsigned button, bool isDown) {
 void RawPointer::reportMove() {
     Point place;
     if (!std::exchange(hasMoved_, false) || !position(place)) return;
-    // The last moves may still come in after the button is up.
+    // The last moves may arrive after the button is up.
     if (!buttonsDown_.empty()) listeners_.call({RawPointerEvent::Kind::moved, 0, place});
     moveListeners_.call(place);
 }
 
-// Raw events carry the button as the hardware numbers it, before the user's choice of hand.
+// Raw events carry the physical button number, before the user's button mapping.
 unsigned RawPointer::logicalButton(unsigned physicalButton) {
     const auto mapping = xcbReply(xcb_get_pointer_mapping_reply, x11_.connection(),
                                   xcb_get_pointer_mapping(x11_.connection()));
@@ -143,7 +143,7 @@ unsigned RawPointer::logicalButton(unsigned physicalButton) {
     return xcb_get_pointer_mapping_map(mapping.get())[physicalButton - 1];
 }
 
-// Raw events carry movements, not places.
+// Raw events carry relative movements, not positions.
 bool RawPointer::position(Point& point) {
     const auto reply = xcbReply(xcb_query_pointer_reply, x11_.connection(),
                                 xcb_query_pointer(x11_.connection(), x11_.root()));

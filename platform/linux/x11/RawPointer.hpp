@@ -1,5 +1,5 @@
-// The pointer while another client holds it grabbed: raw events of buttons and of a touch screen,
-// and the place they happen at.
+// The pointer while another client has grabbed it: raw events of buttons and of a touch screen,
+// with their positions.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -15,11 +15,10 @@
 
 namespace quorvane {
 
-// Main thread only. Nothing is selected on the server without a listener; moves only while a button
-// or finger is down or a listener wants moves. Only raw events of pointers and touch screens are
-// selected, never those of the keys that are being typed. The first finger on a touch screen is
-// reported as the primary button, the others are ignored. Without XInput 2 on the server nothing is
-// ever reported.
+// Main thread only. Selects no events without a listener, and moves only while a button or finger
+// is down or a listener wants moves. Selects only raw events of pointers and touch screens, never
+// of keys. Reports the first finger on a touch screen as the primary button and ignores other
+// fingers. Without XInput 2.2 on the server it never reports anything.
 class RawPointer {
 public:
     explicit RawPointer(X11Connection& x11);
@@ -39,10 +38,10 @@ private:
     bool position(Point& point);
 
     X11Connection& x11_;
-    int major_ = -1;  // the extension's number; 0 when the server lacks it, -1 before the first use
+    int major_ = -1;  // extension opcode; 0: not supported, -1: not queried yet
     std::uint32_t selected_ = 0;
     std::set<unsigned> buttonsDown_;
-    std::optional<std::uint32_t> touch_;  // the first finger's
+    std::optional<std::uint32_t> touch_;  // ID of the first finger
     bool hasMoved_ = false;
     Listeners<const RawPointerEvent&> listeners_;
     Listeners<Point> moveListeners_;

@@ -5,7 +5,8 @@
 namespace quorvane {
 namespace {
 
-// Takes bytes from the front. At the end it fails and gives nothing more.
+// Reads bytes from the front. After reading past the end it has failed and returns only empty
+// values.
 class Reader {
 public:
     explicit Reader(ByteView bytes)
@@ -43,7 +44,7 @@ private:
 }  // namespace
 
 std::optional<std::int32_t> toolkitSetting(X11Session& x11, std::string_view name) {
-    // The settings of the first screen; a second one that is not part of the same desktop is rare.
+    // The settings of the first screen; separate screens with their own desktops are rare.
     const auto owner =
         xcbReply(xcb_get_selection_owner_reply, x11.connection(),
                  xcb_get_selection_owner(x11.connection(), x11.atom("_XSETTINGS_S0")));

@@ -12,11 +12,11 @@
 namespace quorvane {
 namespace {
 
-// Focus changes tell of keyboard grabs: the server reports them as if the focus moved.
+// Focus events reveal keyboard grabs, because the server reports a grab as a focus change.
 constexpr std::uint32_t kWindowMask = XCB_EVENT_MASK_FOCUS_CHANGE;
 constexpr std::uint32_t kParentMask = kWindowMask | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
 constexpr std::uint32_t kClosestMask = kParentMask | XCB_EVENT_MASK_PROPERTY_CHANGE;
-// The root's own changes are of interest to the screens, which share this connection.
+// The monitors, which share this connection, need the root's own changes.
 constexpr std::uint32_t kRootMask = kParentMask | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
 
 constexpr char kScreenSaverStatus[] = "_SCREENSAVER_STATUS";
@@ -27,7 +27,8 @@ TopLevels::TopLevels(X11Connection& x11, std::function<void()> changed)
     : x11_(x11), changed_(std::move(changed)), root_(x11.root()) {
     events_ = x11_.observeWindows(
         [this](xcb_window_t window, const xcb_generic_event_t& event) { handle(window, event); });
-    // First listen, then look: what happens in between is reported and does no harm twice.
+    // Select events before reading the state: changes in between are reported, and applying one
+    // twice is harmless.
     select(x11_.root(), kRootMask);
     readChildren(root_);
     findOverlay();
@@ -40,7 +41,8 @@ std::vector<WindowStack::Entry> TopLevels::windows() const {
             if (isForeign(entry.window)) list.push_back(entry);
     };
     for (const WindowStack& stack : overlays_) {
-        // A server does not list its overlay: one that was found is mapped, but not in the stack.
+        // The server does not list its overlay among the root's children: an overlay missing from
+        // the stack is mapped.
         const auto* overlay = root_.find(stack.parent());
         if (!overlay || overlay->isMapped) add(stack);
     }
@@ -73,7 +75,7 @@ WindowStack* TopLevels::stackOf(xcb_window_t parent) {
 }
 
 bool TopLevels::handleStack(WindowStack& stack, const xcb_generic_event_t& event) {
-    // All events about children carry the child in the same place.
+    // All events about children carry the child's ID at the same offset.
     const xcb_window_t child = reinterpret_cast<const xcb_map_notify_event_t&>(event).window;
     switch (event.response_type & 0x7f) {
         case XCB_CREATE_NOTIFY:
@@ -83,7 +85,7 @@ bool TopLevels::handleStack(WindowStack& stack, const xcb_generic_event_t& event
                 select(child, kWindowMask);
             break;
         case XCB_REPARENT_NOTIFY: {
-            // A window that comes back tells its place but not its size.
+            // The event carries the position of a returning window but not its size.
             if (!stack.apply(event) || !stack.find(child)) return true;
             if (const auto found = WindowQuestion{x11_.connection(), child}.answer())
                 stack.put(found->entry);
@@ -150,7 +152,7 @@ const TopLevels::Details* TopLevels::details(xcb_window_t window) {
     const auto found = question.answer();
     const std::string names = textOf(connection, asked, XCB_ATOM_STRING);
     if (!found) return nullptr;
-    // Two texts, each closed with a NUL.
+    // Two NUL-terminated strings.
     Details details{.isDrawable = found->isDrawable, .instance = names.c_str(), .className = {}};
     if (names.size() > details.instance.size())
         details.className = names.c_str() + details.instance.size() + 1;
@@ -160,7 +162,7 @@ const TopLevels::Details* TopLevels::details(xcb_window_t window) {
 void TopLevels::watchClosely(xcb_window_t window) {
     if (watchedClosely_.insert(window).second) {
         select(window, kClosestMask);
-        details_.erase(window);  // the class may have been set before this was heard
+        details_.erase(window);  // the class may have been set before property events were selected
     }
 }
 
@@ -214,8 +216,8 @@ std::set<std::uint32_t> TopLevels::managedClients() {
     return clients;
 }
 
-// No event reports a pointer grab reliably. The server answers a grab of an unmapped window with
-// "already grabbed" or "not viewable": the request cannot succeed, so it never takes the pointer.
+// No event reports a pointer grab reliably. The server answers a grab on an unmapped window with
+// "already grabbed" or "not viewable", so this request never succeeds and never takes the pointer.
 bool TopLevels::pointerIsHeld() {
     xcb_connection_t* connection = x11_.connection();
     if (probe_ == XCB_WINDOW_NONE) {
@@ -252,9 +254,9 @@ void TopLevels::noteOwn(xcb_window_t window, bool exists) {
         noted_.erase(window);
 }
 
-// To ask for the overlay makes one where there is none, and for a moment hides everything. So it is
-// asked for only where somebody is known to use it: a compositor, or a locker whose second window
-// stands on the root.
+// Requesting the overlay creates one if there is none, which hides everything for a moment. So it
+// is requested only if a client is known to use it: a compositor, or a locker whose second window
+// is a child of the root.
 void TopLevels::findOverlay() {
     const std::string selection = "_NET_WM_CM_S" + std::to_string(x11_.screenNumber());
     const auto owner =

@@ -1,4 +1,4 @@
-// The top-level windows of the X server and what of them matters to finding lockers.
+// The top-level windows of the X server, with the details needed to find lockers.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -17,10 +17,10 @@
 
 namespace quorvane {
 
-// Main thread only. Follows the root's children and those of the server's own windows above them,
-// such as the composite overlay, into which some lockers put their window; and whether the keyboard
-// is grabbed. It only listens: it grabs nothing, and changes nothing but its own event masks, those
-// of the root and of foreign windows.
+// Main thread only. Follows the root's children, and the children of the server's own windows such
+// as the composite overlay, because some lockers put their window there. Also follows whether the
+// keyboard is grabbed. It only listens: it grabs nothing, and changes only its own event masks on
+// the root and on foreign windows.
 class TopLevels {
 public:
     struct Details {
@@ -32,33 +32,34 @@ public:
     // `changed` is called for each event that may matter, never inside a call to this object.
     TopLevels(X11Connection& x11, std::function<void()> changed);
 
-    // Top one first; this connection's own windows are left out.
+    // Topmost first, without this connection's own windows.
     std::vector<WindowStack::Entry> windows() const;
     KeyboardHold keyboard() const { return keyboard_; }
 
-    // The same for all windows of one connection.
+    // The same number for all windows of one connection.
     std::uint32_t clientOf(xcb_window_t window) const { return x11_.clientOf(window); }
-    // Asks the server once and remembers. Nothing when the window has gone.
+    // Asks the server once and caches the answer. Null when the window is gone.
     const Details* details(xcb_window_t window);
-    // From now on changes of the window's children and of its class are changes too.
+    // From now on also reports changes of the window's children and of its class.
     void watchClosely(xcb_window_t window);
-    // Those watched closely that were destroyed since this was last asked. A new window may have
-    // the number of one of them already.
+    // The closely watched windows that were destroyed since the last call. A new window may already
+    // reuse one of their IDs.
     std::set<xcb_window_t> takeDestroyed() { return std::exchange(destroyed_, {}); }
-    // The windows inside a window that is watched closely: mapped, drawable, in the root's pixels.
+    // The mapped, drawable windows inside a closely watched window, in root pixels.
     std::vector<Rect> mappedChildren(xcb_window_t parent, const Rect& frame);
     // The clients that manage the desktop: window manager and compositor.
     std::set<std::uint32_t> desktopClients();
     // The clients with a window that the window manager lists.
     std::set<std::uint32_t> managedClients();
-    // Whether another client holds the pointer grabbed.
+    // Whether another client has grabbed the pointer.
     bool pointerIsHeld();
-    // What xscreensaver publishes. While it is followed its changes are changes too; otherwise the
-    // root window's properties are left alone, to which status bars write every second.
+    // The state that xscreensaver publishes. While followed, its changes are reported too.
+    // Otherwise the root window's property events are not selected, because status bars write
+    // properties every second.
     void followScreenSaver(bool follows);
     bool screenSaverIsLocked();
 
-    // Windows that this process made over another connection.
+    // Marks windows that this process created over another connection.
     void noteOwn(xcb_window_t window, bool exists);
 
 private:
@@ -78,7 +79,7 @@ private:
     X11Connection& x11_;
     std::function<void()> changed_;
     WindowStack root_;
-    std::vector<WindowStack> overlays_;  // of windows that the server itself made
+    std::vector<WindowStack> overlays_;  // of windows created by the server itself
     KeyboardHold keyboard_ = KeyboardHold::unknown;
     xcb_window_t probe_ = XCB_WINDOW_NONE;  // never mapped
     std::map<xcb_window_t, Details> details_;

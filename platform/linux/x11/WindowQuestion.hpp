@@ -1,4 +1,4 @@
-// What a window is like, asked of the X server.
+// A pending query to the X server for a window's attributes and geometry.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -10,8 +10,8 @@
 
 namespace quorvane {
 
-// Asked when it is made. There may be hundreds of windows: whoever asks about all of them before he
-// takes the first answer waits once.
+// The constructor sends the requests. Create the queries for all windows before taking the first
+// answer: one round trip instead of hundreds.
 class WindowQuestion {
 public:
     struct Answer {
@@ -25,7 +25,7 @@ public:
           attributes_(xcb_get_window_attributes(connection, window)),
           geometry_(xcb_get_geometry(connection, window)) {}
 
-    // To be taken once. Nothing when the window has gone.
+    // Call once. Returns nullopt when the window is gone.
     std::optional<Answer> answer() const {
         const auto attributes = xcbReply(xcb_get_window_attributes_reply, connection_, attributes_);
         const auto geometry = xcbReply(xcb_get_geometry_reply, connection_, geometry_);

@@ -87,7 +87,7 @@ bool WindowStack::configure(const xcb_configure_notify_event_t& event) {
         entries_.insert(entries_.begin(), entry);
         return true;
     }
-    // A sibling that is not known is one that has gone since: the top is as good a guess as any.
+    // An unknown sibling no longer exists, so the window goes on top as a guess.
     const auto sibling = placeOf(event.above_sibling);
     entries_.insert(sibling == entries_.end() ? sibling : sibling + 1, entry);
     return true;
@@ -97,12 +97,12 @@ bool WindowStack::reparent(const xcb_reparent_notify_event_t& event) {
     if (event.parent != parent_) return remove(event.window);
     const auto place = placeOf(event.window);
     Entry entry = place == entries_.end() ? Entry{event.window, {}, false, false} : *place;
-    // The size is not told. It comes with the next configuration; a window that the server moves
-    // back here when its window manager ends had one before.
+    // The event carries no size. The next ConfigureNotify brings it; a window that the server
+    // returns here when its window manager ends keeps its known size.
     entry.frame.x = event.x;
     entry.frame.y = event.y;
     entry.isOverrideRedirect = event.override_redirect != 0;
-    entry.wasShown = true;  // a window manager's frame holds what is shown
+    entry.wasShown = true;  // windows in a window manager's frame are shown
     remove(event.window);
     entries_.push_back(entry);
     return true;

@@ -1,5 +1,5 @@
-// The children of one window in their stacking order, kept up to date from its substructure
-// events, so that the server need not be asked again after each of them.
+// The children of one window in stacking order, updated from its substructure events so that no new
+// query is needed after each event.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -18,19 +18,19 @@ public:
         Rect frame;  // in the parent's pixels, borders included
         bool isMapped = false;
         bool isOverrideRedirect = false;
-        bool wasShown = false;  // mapped at some time, or in another parent before
+        bool wasShown = false;  // mapped at some time, or once in another parent
     };
 
     explicit WindowStack(xcb_window_t parent = XCB_WINDOW_NONE) : parent_(parent) {}
 
     xcb_window_t parent() const { return parent_; }
-    // Bottom one first.
+    // Bottom-most first.
     std::span<const Entry> entries() const { return entries_; }
     const Entry* find(xcb_window_t window) const;
 
-    // Puts the window on top, or replaces what is known of it.
+    // Adds the window on top, or replaces its entry.
     void put(const Entry& entry);
-    // Takes in an event that was reported on the parent. Whether it changed anything.
+    // Applies an event that was reported on the parent. Returns whether it changed anything.
     bool apply(const xcb_generic_event_t& event);
 
 private:

@@ -18,8 +18,8 @@ std::uint8_t typeOf(const xcb_generic_event_t& event) {
     return static_cast<std::uint8_t>(event.response_type & ~kSentFlag);
 }
 
-// The window that the event is reported on. Input events carry it behind root and time, all others
-// right behind the sequence number; so do the extensions' own events that concern one window or
+// The window that the event is reported on. Input events carry it after root and time. All others
+// carry it right after the sequence number, including extension events about one window or
 // drawable.
 xcb_window_t windowOf(const xcb_generic_event_t& event) {
     switch (typeOf(event)) {
@@ -81,7 +81,8 @@ X11Connection::X11Connection(EventLoop& loop, xcb_connection_t* connection, int 
       onLost_(std::move(onLost)),
       watch_(loop.watch(xcb_get_file_descriptor(connection), EPOLLIN,
                         [this](std::uint32_t) { readEvents(); })),
-      // Waiting for a reply takes in events on the way, which no descriptor tells of any more.
+      // Waiting for a reply may also read events into the queue; the descriptor does not signal
+      // those.
       beforeSleep_(loop.beforeSleep([this] { handleQueued(); })) {}
 
 X11Connection::~X11Connection() {
@@ -149,8 +150,8 @@ void X11Connection::handleQueued() {
         while (dispatchOne(xcb_poll_for_queued_event(connection_))) continue;
         quietListeners_.call();
         xcb_flush(connection_);
-        // Its listeners may have waited for replies, and sending reads too where there is something
-        // to read: either may have taken in further events, which would not wake the loop.
+        // The listeners may have waited for replies, and flushing may read too. Either may have
+        // queued further events, which would not wake the loop.
     } while (dispatchOne(xcb_poll_for_queued_event(connection_)));
     checkConnection();
 }
@@ -171,7 +172,7 @@ void X11Connection::dispatch(const xcb_generic_event_t& event) {
 
 void X11Connection::checkConnection() {
     if (!onLost_ || xcb_connection_has_error(connection_) == 0) return;
-    watch_.reset();  // its descriptor is closed or readable for ever
+    watch_.reset();  // its descriptor is closed or always readable
     std::exchange(onLost_, nullptr)();
 }
 

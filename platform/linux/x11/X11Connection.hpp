@@ -1,4 +1,4 @@
-// The connection to the X server on the main loop: its events, handed to whom they concern.
+// The connection to the X server on the main loop, with event dispatch to observers.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -15,14 +15,14 @@
 
 namespace quorvane {
 
-// Main thread only. Errors of requests are not reported: nearly all of them are about windows that
-// have gone since. When the server goes away, `onLost` is called once; every later request is then
-// without effect, and every reply is missing.
+// Main thread only. Request errors are not reported, because nearly all concern windows that no
+// longer exist. When the server goes away, `onLost` is called once; later requests have no effect
+// and later replies are null.
 class X11Connection {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;
 
-    // `display` is "" for the one that the environment names. Fails with a plain sentence.
+    // `display` "" means the display named by the environment. An error carries a readable message.
     static Result<std::unique_ptr<X11Connection>> open(EventLoop& loop, const std::string& display,
                                                        std::function<void()> onLost);
     ~X11Connection();
@@ -32,22 +32,22 @@ public:
     xcb_connection_t* connection() const { return connection_; }
     const xcb_screen_t& screen() const { return *screen_; }
     xcb_window_t root() const { return screen_->root; }
-    // Of the screen's selections, such as "_NET_WM_CM_S0".
+    // The number in the screen's selections, such as "_NET_WM_CM_S0".
     int screenNumber() const { return screenNumber_; }
     xcb_atom_t atom(const char* name);
-    // Null when the server does not have the extension.
+    // Null when the server lacks the extension.
     const xcb_query_extension_reply_t* extension(xcb_extension_t& extension);
-    // The same for all windows that one connection made; 0 for the server itself.
+    // The same number for all windows that one connection created; 0 for the server itself.
     std::uint32_t clientOf(xcb_window_t window) const;
-    // Whether the window is one that this connection made.
+    // Whether this connection created the window.
     bool isOwn(xcb_window_t window) const;
 
     Handle observeWindow(xcb_window_t window, EventHandler handler);
-    // Events of all windows, with the window each one is reported on.
+    // Events of all windows, each with the window it is reported on.
     Handle observeWindows(std::function<void(xcb_window_t, const xcb_generic_event_t&)> handler);
     Handle observeEvents(std::uint8_t type, EventHandler handler);
-    // Called when all events that have come in are handled, before the loop sleeps: the place to
-    // draw one conclusion from many events.
+    // Called after all received events are handled and before the loop sleeps. Use it to coalesce
+    // many events into one reaction.
     Handle observeQuiet(std::function<void()> handler);
     void flush();
 

@@ -1,5 +1,5 @@
 // The connection to the X server that the lock watcher, the screens and the card windows share. An
-// interface, because the drawing module is loaded later and reaches the connection through it.
+// interface, because the drawing module is loaded later and uses the connection through it.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -15,18 +15,19 @@
 
 namespace quorvane {
 
-// A locker's full-screen window that stands now. Root coordinates in pixels, y growing downward.
+// A locker's full-screen window that exists now. Root coordinates in pixels, y growing downward.
 struct LockerWindow {
     xcb_window_t window = XCB_WINDOW_NONE;
     Rect frame;
     bool operator==(const LockerWindow&) const = default;
 };
 
-// A raw event of the pointer, delivered while lockers hold it grabbed. Root coordinates in pixels.
+// A raw pointer event, delivered even while a locker has grabbed the pointer. Root coordinates in
+// pixels.
 struct RawPointerEvent {
     enum class Kind { down, moved, up };
     Kind kind;
-    unsigned button = 0;  // of down and up: 1 is the primary one
+    unsigned button = 0;  // for down and up: 1 is the primary button
     Point position;
 };
 
@@ -37,26 +38,26 @@ public:
     virtual xcb_connection_t* connection() = 0;
     virtual const xcb_screen_t& screen() = 0;
     virtual xcb_atom_t atom(const char* name) = 0;
-    // Every core event that is reported on this window. The window's event mask is the caller's.
+    // Every core event that is reported on this window. The caller sets the window's event mask.
     virtual Handle observeWindow(xcb_window_t window,
                                  std::function<void(const xcb_generic_event_t&)> handler) = 0;
     // Every event of one type of an extension: its first event plus the extension's own number.
     virtual Handle observeEvents(std::uint8_t type,
                                  std::function<void(const xcb_generic_event_t&)> handler) = 0;
     // Primary and other buttons; `moved` only while `observePointer` is held and a button is down.
-    // Selected on the server only while somebody observes. Keyboard events are never selected.
+    // Selected on the server only while there is an observer. Keyboard events are never selected.
     virtual Handle observePointer(std::function<void(const RawPointerEvent&)> handler) = 0;
-    // Every movement of the pointer, also with no button down. Each one wakes the process: held
-    // only while a card shows a pointer of its own.
+    // Every movement of the pointer, also with no button down. Each one wakes the process, so hold
+    // the handle only while a card takes presses.
     virtual Handle observePointerMoves(std::function<void(Point)> handler) = 0;
-    // The locker windows that stand now, top one first, and their changes.
+    // The current locker windows, topmost first, and their changes.
     virtual std::vector<LockerWindow> lockerWindows() = 0;
     virtual Handle observeLockerWindows(std::function<void()> handler) = 0;
-    // The monitor's area of a screen of the Screens table in root pixels.
+    // The monitor area, in root pixels, of a screen from the Screens table.
     virtual Rect pixelFrame(const Screen& screen) = 0;
-    // Windows of ours inside a locker's window, so that they are not taken for the locker's own.
+    // Marks our windows inside a locker's window, so that they are not mistaken for the locker's.
     virtual void noteOwnWindow(xcb_window_t window, bool exists) = 0;
-    // Sends what is buffered.
+    // Sends buffered requests.
     virtual void flush() = 0;
 };
 

@@ -1,4 +1,4 @@
-// Replies of the X server, freed with their owner.
+// Owning handles for replies of the X server, and helpers to wait for them.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -17,8 +17,8 @@ template <typename T>
 using XcbReply = std::unique_ptr<T, FreeDeleter>;
 
 // Waits for the reply of a request, for example xcbReply(xcb_get_geometry_reply, connection,
-// cookie). Null when the request failed, which for a window of somebody else is nothing unusual, or
-// when the connection is lost.
+// cookie). Returns null when the request failed, which is usual for foreign windows, or when the
+// connection is lost.
 template <typename Reply, typename Cookie>
 XcbReply<Reply> xcbReply(Reply* (*wait)(xcb_connection_t*, Cookie, xcb_generic_error_t**),
                          xcb_connection_t* connection, Cookie cookie) {
@@ -28,15 +28,15 @@ XcbReply<Reply> xcbReply(Reply* (*wait)(xcb_connection_t*, Cookie, xcb_generic_e
     return reply;
 }
 
-// Asks for a property of text. Whoever asks for all that he wants to know before he waits for the
-// first reply waits once.
+// Requests a text property. Send all requests before waiting for the first reply: one round trip
+// instead of many.
 inline xcb_get_property_cookie_t askForText(xcb_connection_t* connection, xcb_window_t window,
                                             xcb_atom_t property, xcb_atom_t type) {
     constexpr std::uint32_t kMostWords = 1u << 18;
     return xcb_get_property(connection, false, window, property, type, 0, kMostWords);
 }
 
-// The text, "" when there is none of that type.
+// The text; "" when the property is missing or of another type.
 inline std::string textOf(xcb_connection_t* connection, xcb_get_property_cookie_t asked,
                           xcb_atom_t type) {
     const auto reply = xcbReply(xcb_get_property_reply, connection, asked);

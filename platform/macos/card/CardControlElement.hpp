@@ -1,4 +1,4 @@
-// One control of a card as assistive technology meets it. For Objective-C++ only.
+// Accessibility element of one card control. For Objective-C++ only.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -7,7 +7,7 @@
 
 @class FirstMouseHostingView;
 
-// Owned by the view that draws the control; what is asked of it goes to that view's events.
+// Owned by the view that draws the control. Requests go to that view's events.
 @interface CardControlElement : NSAccessibilityElement
 - (instancetype)initInView:(FirstMouseHostingView*)view;
 - (void)setControl:(const quorvane::SceneControl&)control;

@@ -66,7 +66,7 @@ NSAccessibilityRole roleOf(SceneControl::Role role) {
     return @(control_.maximum);
 }
 
-// Wherever the window stands by then; in screen coordinates.
+// In screen coordinates, at the window's current position.
 - (NSRect)accessibilityFrame {
     return NSAccessibilityFrameInView(view_, quorvane::cgRect(control_.frame));
 }

@@ -5,8 +5,8 @@
 
 #include <functional>
 
-// Never key, never main: the keyboard stays with the lock screen.
+// Never key and never main, so that the keyboard stays with the lock screen.
 @interface CardPanel : NSPanel
-// Called for each event of the primary button, before it is handled, with its place in the window.
+// Called before each event of the primary button is handled, with its location in the window.
 @property(nonatomic) std::function<void(NSEventType type, NSPoint location)> onPrimaryButton;
 @end

@@ -6,6 +6,7 @@
 #include <functional>
 
 @interface CardRootView : NSView
-// Called when the pointer comes, moves or goes over the window, while the window takes the mouse.
+// Called when the pointer enters, moves in or leaves the window, while the window accepts mouse
+// events.
 @property(nonatomic) std::function<void()> onPointerMoved;
 @end

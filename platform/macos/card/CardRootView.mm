@@ -9,7 +9,7 @@
 - (instancetype)initWithFrame:(NSRect)frame {
     self = [super initWithFrame:frame];
     if (self == nil) return nil;
-    // The application is never active and the window never key, hence "always".
+    // "Always", because the application is never active and the window never key.
     const NSTrackingAreaOptions options = NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved |
                                           NSTrackingActiveAlways | NSTrackingInVisibleRect;
     [self addTrackingArea:[[NSTrackingArea alloc] initWithRect:NSRect {}

@@ -6,7 +6,7 @@
 
 #include "drawing/CardWindows.hpp"
 
-// Draws nothing where the card itself is: the glass stays clear. No click stays in it.
+// Draws nothing inside the card's outline, so that the glass stays clear. Clicks pass through it.
 @interface CardShadowView : NSView
 - (instancetype)initWithFrame:(NSRect)frame style:(const quorvane::CardStyle&)style;
 @end

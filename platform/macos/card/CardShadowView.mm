@@ -11,7 +11,7 @@ using quorvane::CFHandle;
 
 @implementation CardShadowView {
     quorvane::CardStyle style_;
-    // A layer of our own: the system resets shadows of a view's.
+    // A separate layer, because the system resets the shadow of a view's own layer.
     CALayer* caster_;
 }
 

@@ -18,14 +18,14 @@ public:
     void setScene(const Scene& scene) override;
     void setEvents(StageEvents events) override;
 
-    // For the window that it stands in.
+    // For the window that contains the stage.
     CardRootView* root() const { return root_; }
     const CardStyle& style() const { return style_; }
 
 private:
     CardStyle style_;
     CardRootView* root_;
-    NSView* stage_;  // what is hidden and moved
+    NSView* stage_;  // the view that is hidden and moved
     FirstMouseHostingView* content_;
 };
 

@@ -28,7 +28,7 @@ NSGlassEffectView* makeGlass(const CardStyle& style, NSView* content) {
     return glass;
 }
 
-// About the layer's origin, at its bottom left, as the system places it for a view.
+// Relative to the layer's origin at its bottom left, where the system places a view's layer.
 CATransform3D layerTransform(const Transform& transform, double height) {
     const Point centre{transform.centre.x, height - transform.centre.y};
     const CATransform3D toOrigin = CATransform3DMakeTranslation(-centre.x, -centre.y, 0);
@@ -64,7 +64,7 @@ void CardStageMacOS::removeAnimations() {
     stage_.layer.transform = CATransform3DIdentity;
 }
 
-// An animation alone: the layer's own transform is the system's to set.
+// Uses only an animation, because the system sets the layer's own transform.
 void CardStageMacOS::springFrom(const Transform& start, const Spring& spring) {
     CASpringAnimation* const animation =
         [[CASpringAnimation alloc] initWithPerceptualDuration:spring.perceptualDuration

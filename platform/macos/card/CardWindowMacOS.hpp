@@ -1,4 +1,4 @@
-// A card window: a panel with a stage in it. For Objective-C++ only.
+// Card window: a panel that contains a stage. For Objective-C++ only.
 #pragma once
 
 #include "drawing/MarginMouse.hpp"
@@ -19,7 +19,7 @@ public:
     unsigned long occlusionState() const override;
     void setIgnoresMouseEvents(bool ignores) override;
     void setContent(std::shared_ptr<CardStage> stage) override;
-    // The lock screen keeps nothing clear here.
+    // The lock screen reserves no areas here.
     void setFrame(const Rect& frame, const Screen& screen) override;
     void orderFrontRegardless() override;
     void orderOut() override;
@@ -38,7 +38,7 @@ private:
     std::function<void(Point)> mouseDownObserver_;
     MarginMouse mouse_;
     Clock clock_;
-    Timer nextLook_;  // at the pointer, while no event tells where it is
+    Timer nextLook_;  // polls the pointer while no events report it
 };
 
 }  // namespace quorvane

@@ -9,7 +9,7 @@
 namespace quorvane {
 namespace {
 
-// A hand takes longer from the card's edge to a button.
+// Shorter than the time a hand takes from the card's edge to a button.
 constexpr Duration kPointerInterval = std::chrono::milliseconds{50};
 
 void runAnimation(double seconds, void (^changes)(void), void (^completion)(void)) {
@@ -87,7 +87,7 @@ void CardWindowMacOS::close() {
 }
 
 void CardWindowMacOS::setAlpha(double alpha) {
-    // A running fade ends only when another one takes its place.
+    // A zero-length animation, because only another animation ends a running fade.
     CardPanel* const panel = panel_;
     runAnimation(
         0,
@@ -121,8 +121,8 @@ void CardWindowMacOS::primaryButton(NSEventType type, Point location) {
     followPointer();
 }
 
-// The system takes clicks on the whole rectangle of a window that was once told to take them, also
-// where nothing is drawn. On the shadow's margin they are the lock screen's.
+// A window that once accepted mouse events gets clicks on its whole rectangle, even where it draws
+// nothing. Clicks on the shadow's margin belong to the lock screen.
 void CardWindowMacOS::followPointer() {
     const NSPoint pointer = NSEvent.mouseLocation;
     const NSRect frame = panel_.frame;
@@ -131,7 +131,8 @@ void CardWindowMacOS::followPointer() {
 }
 
 void CardWindowMacOS::applyMouse() {
-    // Each setting goes to the window server, and this runs at every movement.
+    // Set only on change, because each setting goes to the window server and this runs at every
+    // movement.
     if (panel_.ignoresMouseEvents != mouse_.ignoresMouse())
         panel_.ignoresMouseEvents = mouse_.ignoresMouse();
     nextLook_ = mouse_.mustAskForPointer()

@@ -6,8 +6,8 @@
 
 namespace quorvane {
 
-// Windows are lifted through the window server's own interface, by the core: `liftAboveLock` does
-// nothing.
+// `liftAboveLock` does nothing, because the core lifts windows through the window server's private
+// interface.
 CardWindows makeCardWindowsMacOS(const Clock& clock);
 
 }  // namespace quorvane

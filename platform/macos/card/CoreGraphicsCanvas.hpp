@@ -1,5 +1,5 @@
-// The canvas of this edition: Core Graphics for shapes and pictures, Core Text for lines, the
-// system's own symbols. For Objective-C++ only.
+// Canvas of this edition: Core Graphics for shapes and pictures, Core Text for lines, the system's
+// own symbols. For Objective-C++ only.
 #pragma once
 
 #include "drawing/Canvas.hpp"
@@ -11,8 +11,8 @@ namespace quorvane {
 // Main thread only.
 class CoreGraphicsCanvas final : public Canvas {
 public:
-    // Draws on the current graphics context, whose space is the scene's: points, with y growing
-    // downward. Nothing is drawn where there is no current context.
+    // Draws on the current graphics context, in the scene's coordinates: points, with y growing
+    // downward. Draws nothing without a current context.
     void draw(const Scene& scene) override;
 
 private:

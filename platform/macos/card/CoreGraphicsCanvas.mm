@@ -11,7 +11,7 @@
 namespace quorvane {
 namespace {
 
-// The context's state until the end of the scope.
+// Saves the context's state and restores it at the end of the scope.
 class SavedState {
 public:
     explicit SavedState(CGContextRef context) : context_(context) { CGContextSaveGState(context); }
@@ -31,13 +31,13 @@ void setFill(CGContextRef context, const Color& color) {
     CGContextSetFillColorWithColor(context, makeColor(color).get());
 }
 
-// Lets what was drawn before through as strongly as the stops say.
+// Fades the earlier drawing to the strengths of the stops.
 void drawFade(CGContextRef context, const TextNode& node) {
     const auto stops = fadeStops(node);
     std::array<CGFloat, 4 * stops.size()> components{};
     std::array<CGFloat, stops.size()> places{};
     for (std::size_t i = 0; i < stops.size(); ++i) {
-        // The system wants the places in ascending order.
+        // The stops are in ascending order, as Core Graphics requires.
         const FadeStop& stop = stops[i];
         places[i] = stop.place;
         components[4 * i + 3] = stop.strength;
@@ -51,7 +51,7 @@ void drawFade(CGContextRef context, const TextNode& node) {
                                 {frame.maxX(), frame.y}, 0);
 }
 
-// Draws a scene's nodes, one kind a function.
+// Draws a scene's nodes, one function per kind.
 struct Painter {
     CGContextRef context;
     bool isRightToLeft;
@@ -64,7 +64,7 @@ struct Painter {
             addRounded(context, shape.frame.grownBy(-shape.edgeWidth),
                        shape.cornerRadius - shape.edgeWidth);
         setFill(context, shape.fill);
-        // What lies inside both outlines stays empty.
+        // The even-odd rule keeps the area inside both outlines empty.
         CGContextEOFillPath(context);
     }
 
@@ -77,7 +77,7 @@ struct Painter {
         const Rect place =
             covering(node.frame, {static_cast<double>(CGImageGetWidth(image->pixels())),
                                   static_cast<double>(CGImageGetHeight(image->pixels()))});
-        // Pictures stand upright where y grows upward.
+        // Flips the context, because pictures are drawn upright where y grows upward.
         CGContextTranslateCTM(context, place.x, place.maxY());
         CGContextScaleCTM(context, 1, -1);
         CGContextSetInterpolationQuality(context, kCGInterpolationHigh);
@@ -105,7 +105,7 @@ struct Painter {
         const SavedState state{context};
         CGContextClipToRect(context, cgRect(node.frame));
         setFill(context, node.color);
-        // Letters stand upright where y grows upward.
+        // Flips the text, because letters are drawn upright where y grows upward.
         CGContextSetTextMatrix(context, CGAffineTransformMakeScale(1, -1));
         if (node.scroll)
             drawScrolling(node);

@@ -1,4 +1,4 @@
-// Values of the core as Core Graphics knows them. For Objective-C++ only.
+// Conversions of core values to Core Graphics. For Objective-C++ only.
 #pragma once
 
 #import <CoreGraphics/CoreGraphics.h>
@@ -19,7 +19,7 @@ inline CFHandle<CGColorRef> makeColor(const Color& color) {
 }
 
 inline CFHandle<CGPathRef> makeRoundedPath(const Rect& rect, double cornerRadius) {
-    // The system refuses corners that do not fit.
+    // Core Graphics refuses corners that do not fit.
     const double radius = fittingRadius(rect, cornerRadius);
     return CFHandle<CGPathRef>{CGPathCreateWithRoundedRect(cgRect(rect), radius, radius, nullptr)};
 }

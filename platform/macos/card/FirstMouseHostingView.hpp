@@ -1,16 +1,16 @@
-// The view that draws a card's scene and hears what is done to it. For Objective-C++ only.
+// View that draws a card's scene and reports its input events. For Objective-C++ only.
 #pragma once
 
 #import <AppKit/AppKit.h>
 
 #include "drawing/CardWindows.hpp"
 
-// Takes the first click: its window is never key. Its coordinates are the scene's.
+// Accepts the first click, because its window is never key. Uses the scene's coordinates.
 @interface FirstMouseHostingView : NSView
 @property(nonatomic) quorvane::StageEvents events;
-// Draws anew where it looks different.
+// Redraws only the areas that changed.
 - (void)showScene:(const quorvane::Scene&)scene;
-// Whether the control can do it.
+// Returns whether the control supports the action.
 - (BOOL)perform:(quorvane::AccessibilityAction)action on:(const quorvane::SceneControl&)control;
 - (void)setNumber:(double)number of:(const quorvane::SceneControl&)control;
 @end

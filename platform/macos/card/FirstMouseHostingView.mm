@@ -55,7 +55,7 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     [self updateControlElements];
     for (const quorvane::AccessibilityChange& change : changes) {
         const auto element = elements_.find(change.control);
-        // What came or went changes the whole card.
+        // For an added or removed control, the subject is the whole card.
         const id subject = element == elements_.end() ? self : element->second;
         NSAccessibilityPostNotification(subject, quorvane::noticeOf(change.kind));
     }
@@ -69,7 +69,7 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 
 - (void)report:(quorvane::PointerEvent::Kind)kind of:(NSEvent*)event {
     const NSPoint place = [self convertPoint:event.locationInWindow fromView:nil];
-    // The content may replace its events while it hears this one.
+    // A copy, because the handler may replace the events.
     const auto pointer = _events.pointer;
     if (pointer) pointer({kind, {place.x, place.y}});
 }
@@ -116,7 +116,7 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     return control == nullptr ? self : elements_.at(control->id);
 }
 
-// An element stays the same while its control is there: assistive technology holds on to it.
+// Keeps a control's element while the control exists, because assistive technology holds on to it.
 - (void)updateControlElements {
     std::erase_if(elements_, [&](const auto& each) {
         return std::ranges::find(scene_.controls, each.first, &quorvane::SceneControl::id) ==

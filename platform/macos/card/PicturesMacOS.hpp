@@ -1,11 +1,11 @@
-// Pictures decoded by ImageIO.
+// Picture decoding with ImageIO.
 #pragma once
 
 #include "drawing/Image.hpp"
 
 namespace quorvane {
 
-// Decodes at once, and keeps no more of a picture than a card shows.
+// Decodes immediately, and keeps no more of a picture than a card shows.
 ImageRef decodeImageMacOS(ByteView encoded);
 
 }  // namespace quorvane

@@ -23,7 +23,7 @@ std::uint32_t lengthUnder(CFStringRef key, NSDictionary* properties) {
     return number && *number > 0 ? static_cast<std::uint32_t>(std::min(*number, kMost)) : 0;
 }
 
-// As the picture's header tells it: nothing is decoded for it.
+// The size from the picture's header, without decoding.
 PictureSize sizeOf(CGImageSourceRef source) {
     NSDictionary* const options = @{(__bridge NSString*)kCGImageSourceShouldCache : @NO};
     NSDictionary* const properties =
@@ -36,7 +36,7 @@ PictureSize sizeOf(CGImageSourceRef source) {
 }  // namespace
 
 ImageRef decodeImageMacOS(ByteView encoded) {
-    // A source is made of anything; whether it is a picture shows in its properties.
+    // The system creates a source from any data; only its properties show whether it is a picture.
     const CFHandle<CGImageSourceRef> source{
         CGImageSourceCreateWithData((__bridge CFDataRef)dataFrom(encoded), nullptr)};
     if (!source) return nullptr;

@@ -5,7 +5,7 @@
 
 namespace quorvane {
 
-// The lock screen keeps its own areas free here: no screen has any to keep clear.
+// No screen has areas to keep clear, because the lock screen keeps its own areas free.
 Screens makeScreensMacOS();
 
 }  // namespace quorvane

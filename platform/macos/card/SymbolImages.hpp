@@ -1,4 +1,4 @@
-// The system's symbols in the sizes and colours that were drawn lately. For Objective-C++ only.
+// Cache of the system's symbols in the sizes and colours drawn. For Objective-C++ only.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -11,10 +11,10 @@
 
 namespace quorvane {
 
-// Main thread only. A card's symbols come in few sizes and colours, so none is ever dropped.
+// Main thread only. Drops no entry, because a card's symbols have few sizes and colours.
 class SymbolImages {
 public:
-    // Nil for a name that the system does not know.
+    // Returns nil for an unknown symbol name.
     NSImage* image(const SymbolNode& symbol);
 
 private:

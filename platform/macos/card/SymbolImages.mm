@@ -15,14 +15,14 @@ NSImage* makeImage(const SymbolNode& symbol) {
                                               green:color.green
                                                blue:color.blue
                                               alpha:color.alpha];
-    // One colour for all layers; a hierarchy would make some of them fainter.
+    // One colour for all layers, because a hierarchical configuration would make some fainter.
     NSImageSymbolConfiguration* const size =
         [NSImageSymbolConfiguration configurationWithPointSize:symbol.pointSize
                                                         weight:NSFontWeightRegular];
     NSImageSymbolConfiguration* const look =
         [size configurationByApplyingConfiguration:[NSImageSymbolConfiguration
                                                        configurationWithPaletteColors:@[ tint ]]];
-    // What it means is told by the card's controls.
+    // No description here, because the card's controls describe the symbol.
     NSImage* const plain = [NSImage imageWithSystemSymbolName:stringFrom(symbol.name)
                                      accessibilityDescription:nil];
     return [plain imageWithSymbolConfiguration:look];

@@ -1,4 +1,4 @@
-// Lines of text, laid out by Core Text and kept for the next scene. For Objective-C++ only.
+// Cache of text lines laid out by Core Text. For Objective-C++ only.
 #pragma once
 
 #import <CoreText/CoreText.h>
@@ -17,13 +17,13 @@ namespace quorvane {
 struct TextLine {
     CFHandle<CTLineRef> line{};
     double width = 0;
-    LineHeights heights{};  // of the font, not of these letters
+    LineHeights heights{};  // of the font, not of this text
 };
 
 // Main thread only. References stay valid until the next call.
 class TextLinesMacOS {
 public:
-    // The line as long as it is, or cut off with an ellipsis where it is wider than `fit` points.
+    // The whole line or, if it is wider than `fit` points, the line truncated with an ellipsis.
     const TextLine& line(const std::string& text, const FontStyle& font,
                          std::optional<double> fit = std::nullopt);
 

@@ -48,7 +48,7 @@ TextLine layOut(const std::string& text, const FontStyle& style, std::optional<d
         line = CFHandle<CTLineRef>{
             CTLineCreateTruncatedLine(line.get(), *fit, kCTLineTruncationEnd, ellipsis.get())};
     }
-    // Nothing fits a field narrower than the ellipsis.
+    // The line is null when the field is narrower than the ellipsis.
     const double width =
         line ? CTLineGetTypographicBounds(line.get(), nullptr, nullptr, nullptr) : 0;
     return {std::move(line), width, {font.ascender, -font.descender}};

@@ -41,7 +41,7 @@ Result<void> putInPlace(const path& staged, const path& place) {
     const auto rename = [&](unsigned int how) {
         return renamex_np(staged.c_str(), place.c_str(), how) == 0;
     };
-    // Either way in one step; two programs cannot both find the place empty.
+    // Both renames are atomic, so two programs cannot both find the place empty.
     if (rename(RENAME_SWAP) || (errno == ENOENT && rename(RENAME_EXCL))) return {};
     const int code = errno;
     return std::unexpected{

@@ -1,4 +1,4 @@
-// What a bundle on disk says of itself.
+// Properties of a bundle on disk.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-// The dictionary of "Contents/Info.plist"; empty when it cannot be read or is none.
+// The dictionary of "Contents/Info.plist"; empty when it is unreadable or not a dictionary.
 PropertyDictionary propertiesOfBundleMacOS(const std::filesystem::path& bundle);
 
 }  // namespace quorvane

@@ -10,7 +10,7 @@
 
 namespace quorvane {
 
-// From the file: the system's bundle objects keep what they have read once.
+// Reads the file directly, because the system's bundle objects cache their first read.
 PropertyDictionary propertiesOfBundleMacOS(const std::filesystem::path& bundle) {
     @autoreleasepool {
         NSData* data = [NSData dataWithContentsOfURL:urlFrom(bundle / "Contents" / "Info.plist")

@@ -1,4 +1,4 @@
-// The shared container, whole files, randomness.
+// The shared container, whole files and random bytes.
 #pragma once
 
 #include <string>

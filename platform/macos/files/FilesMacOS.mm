@@ -16,7 +16,8 @@ constexpr NSInteger kFileExists = 516;  // NSFileWriteFileExistsError
 
 std::optional<std::filesystem::path> containerOfGroup(const std::string& group) {
     NSFileManager* files = NSFileManager.defaultManager;
-    // A place for every name, whether or not the folder is there or this program may use it.
+    // The system returns a URL for every name, even if the folder is missing or forbidden to this
+    // program.
     NSURL* url = [files containerURLForSecurityApplicationGroupIdentifier:stringFrom(group)];
     if (![files createDirectoryAtURL:url withIntermediateDirectories:YES attributes:nil error:nil])
         return std::nullopt;
@@ -47,7 +48,7 @@ Result<void> writeAtomically(const std::filesystem::path& path, ByteView content
     }
 }
 
-// No option of writeToURL is both atomic and keeps an existing file, but a hard link is.
+// Uses a hard link, because writeToURL has no option that is atomic and keeps an existing file.
 Result<void> createAtomically(const std::filesystem::path& path, ByteView contents) {
     @autoreleasepool {
         auto temporary = path;

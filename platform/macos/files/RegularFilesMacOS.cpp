@@ -19,7 +19,7 @@ std::unexpected<PlatformError> failed(const std::filesystem::path& path, int cod
 
 class OpenFile {
 public:
-    // Opening a pipe would otherwise wait for its other end.
+    // O_NONBLOCK, because opening a pipe would wait for its other end.
     explicit OpenFile(const std::filesystem::path& path)
         : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
     OpenFile(const OpenFile&) = delete;
@@ -49,7 +49,7 @@ Result<FileStamp> stampOf(const std::filesystem::path& path) {
     return stampFrom(status, path);
 }
 
-// Up to `limit` bytes and one more, which tells that the file is larger.
+// Reads up to `limit` bytes and one more, which shows that the file is larger.
 Result<Bytes> readUpTo(int file, std::uint64_t limit, const std::filesystem::path& path) {
     constexpr std::size_t kStep = 1 << 16;
     Bytes contents;

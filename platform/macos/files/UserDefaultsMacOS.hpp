@@ -8,9 +8,9 @@
 
 namespace quorvane {
 
-// Of this application, whose preferences domain is `domain`.
+// Defaults of this application, whose preferences domain is `domain`.
 UserDefaults makeStandardDefaultsMacOS(const std::string& domain);
-// Of a suite; nothing when the system refuses the name.
+// Defaults of a suite; nullopt when the system refuses the name.
 std::optional<UserDefaults> openSuiteMacOS(const std::string& suite);
 
 }  // namespace quorvane

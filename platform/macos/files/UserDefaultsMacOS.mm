@@ -20,7 +20,7 @@ void set(NSUserDefaults* defaults, const std::string& key,
 }
 
 Result<void> synchronize(NSString* domain) {
-    // It tells nothing but whether it worked.
+    // The call reports only success or failure.
     if (CFPreferencesAppSynchronize((__bridge CFStringRef)domain)) return {};
     return std::unexpected{
         PlatformError{.domain = PlatformError::Domain::service,
@@ -28,7 +28,7 @@ Result<void> synchronize(NSString* domain) {
                       .description = "the preferences could not be synchronized"}};
 }
 
-// One call for all of them: the system's daemon may bring in new values between two.
+// One call for all keys, because the system's daemon may deliver new values between two calls.
 PropertyDictionary valuesTogether(NSUserDefaults* defaults, const std::vector<std::string>& keys) {
     NSDictionary* all = [defaults dictionaryRepresentation];
     PropertyDictionary values;

@@ -1,4 +1,4 @@
-// One reference to a Core Foundation object.
+// Owner of one reference to a Core Foundation object.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -7,7 +7,8 @@
 
 namespace quorvane {
 
-// Move-only; takes over the reference that a "Create" or "Copy" function returned, and releases it.
+// Move-only. Takes ownership of the reference that a "Create" or "Copy" function returned, and
+// releases it.
 template <typename Reference>
 class CFHandle {
 public:
@@ -23,7 +24,7 @@ public:
         if (reference_) CFRelease(reference_);
     }
 
-    // A reference of one's own to an object that somebody else holds.
+    // Retains an object that another owner holds.
     static CFHandle retaining(Reference reference) {
         if (reference) CFRetain(reference);
         return CFHandle{reference};

@@ -1,4 +1,4 @@
-// Values of the seam as Foundation objects and back. For Objective-C++ only.
+// Conversions between platform values and Foundation objects. For Objective-C++ only.
 #pragma once
 
 #import <Foundation/Foundation.h>
@@ -12,7 +12,7 @@
 
 namespace quorvane {
 
-// Text that is not UTF-8 becomes empty: the system has no string for it.
+// Returns an empty string for text that is not UTF-8, because the system cannot represent it.
 NSString* stringFrom(std::string_view text);
 // Empty for nil.
 std::string textFrom(NSString* string);
@@ -22,21 +22,21 @@ NSURL* urlFrom(const std::filesystem::path& path);
 std::filesystem::path pathFrom(NSURL* url);
 
 NSData* dataFrom(ByteView bytes);
-// One behind the other.
+// Concatenates the parts.
 NSMutableData* dataFromParts(std::span<const ByteView> parts);
 Bytes bytesFrom(NSData* data);
 
-// Dates beyond what the seam can hold become its first or last.
+// Clamps dates outside the range of WallTime.
 WallTime wallTimeFrom(NSDate* date);
 
 id objectFrom(const PropertyValue& value);
 NSDictionary* dictionaryFrom(const PropertyDictionary& dictionary);
-// Nothing for nil and for objects that are no property-list values. Such objects inside an array or
-// a dictionary are left out.
+// Returns nullopt for nil and for objects that are not property-list values. Omits such objects
+// from arrays and dictionaries.
 std::optional<PropertyValue> valueFrom(id object);
 PropertyDictionary propertiesFrom(NSDictionary* dictionary);
 
-// Numbers of Cocoa and of POSIX keep their domains, all others are a service's.
+// Cocoa and POSIX errors keep their domains; all others get the service domain.
 PlatformError errorFrom(NSError* error);
 
 }  // namespace quorvane

@@ -62,7 +62,7 @@ NSString* stringFrom(std::string_view text) {
 }
 
 std::string textFrom(NSString* string) {
-    // Null also for text with half a surrogate pair.
+    // Also null for text with half a surrogate pair.
     const char* const text = string.UTF8String;
     if (!text) return {};
     return {text, [string lengthOfBytesUsingEncoding:NSUTF8StringEncoding]};

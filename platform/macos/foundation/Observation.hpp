@@ -1,4 +1,4 @@
-// Notices of a notification centre inside this process. For Objective-C++ only.
+// Observation of a notification centre inside this process. For Objective-C++ only.
 #pragma once
 
 #import <Foundation/Foundation.h>

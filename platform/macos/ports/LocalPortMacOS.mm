@@ -13,7 +13,7 @@
 namespace quorvane {
 namespace {
 
-// The returned reference is the system's. No data is an empty reply, sent at once.
+// Transfers the returned reference to the system. Null sends an empty reply at once.
 CFDataRef received(CFMessagePortRef, SInt32 messageID, CFDataRef data, void* info) {
     @autoreleasepool {
         const auto& handler = *static_cast<const PortHandler*>(info);
@@ -31,7 +31,7 @@ public:
         std::unique_ptr<LocalPortMacOS> port{new LocalPortMacOS{std::move(handler)}};
         CFMessagePortContext context{};
         context.info = &port->handler_;
-        Boolean isOthers = false;  // another port of this process has the name
+        Boolean isOthers = false;  // another port of this process owns the name
         CFHandle<CFMessagePortRef> opened{CFMessagePortCreateLocal(
             nullptr, (__bridge CFStringRef)stringFrom(name), received, &context, &isOthers)};
         if (!opened || isOthers) return nullptr;
@@ -60,7 +60,7 @@ public:
         const std::lock_guard guard{mutex_};
         isStopped_ = true;
         if (!loop_) return;
-        // A loop that has not begun to run forgets a stop, but not a block.
+        // Posts a block, because a loop that does not run yet would ignore a stop.
         const CFRunLoopRef loop = loop_;
         CFRunLoopPerformBlock(loop, kCFRunLoopDefaultMode, ^{
           CFRunLoopStop(loop);
@@ -83,7 +83,7 @@ private:
         loop_ = nullptr;
     }
 
-    PortHandler handler_;  // its address is the system's while the port is valid
+    PortHandler handler_;  // the system holds its address while the port is valid
     CFHandle<CFMessagePortRef> port_;
     std::mutex mutex_;
     bool isStopped_ = false;       // under mutex_

@@ -5,8 +5,8 @@
 
 namespace quorvane {
 
-// The system keeps one object a name: a second remote port of the same name in this process ends
-// with the first.
+// The system keeps one object per name: a second remote port of a name in this process becomes
+// invalid with the first.
 ConnectPort makeConnectPortMacOS();
 OpenPort makeOpenPortMacOS();
 

@@ -20,15 +20,16 @@ class RemotePortMacOS final : public RemotePort {
 public:
     explicit RemotePortMacOS(CFHandle<CFMessagePortRef> port) : port_(std::move(port)) {}
 
-    // Else the next port of this name would be the same object, dead or not.
+    // Invalidate, or the next port of this name would be the same object, dead or not.
     ~RemotePortMacOS() override { cancel(); }
 
-    // A send that waits looks at the port whenever its run loop has woken.
+    // A waiting send checks the port each time its run loop wakes.
     void cancel() override { CFMessagePortInvalidate(port_.get()); }
 
     PortReply send(PortRequest request) override {
         @autoreleasepool {
-            // This object may be gone when the call returns: waiting runs the thread's run loop.
+            // Retain the port, because waiting runs the thread's run loop, which may destroy this
+            // object.
             const auto port = CFHandle<CFMessagePortRef>::retaining(port_.get());
             NSMutableData* const body = dataFromParts(std::array{request.secret, request.body});
             const std::size_t secretLength = request.secret.size();

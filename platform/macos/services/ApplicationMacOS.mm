@@ -50,7 +50,8 @@ int run(std::function<void()> didFinishLaunching, std::function<void()> willTerm
           [application terminate:nil];
         });
         [application run];
-        // Only where the loop was stopped: `terminate:` ends the process from inside.
+        // Reached only when the loop was stopped, because `terminate:` ends the process inside
+        // `run`.
         delegate = nil;
     }
     return 0;

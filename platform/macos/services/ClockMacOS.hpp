@@ -1,12 +1,12 @@
-// Time from the system's monotonic clock, timers on the main queue.
+// Clock on the system's monotonic clock, with timers on the main queue.
 #pragma once
 
 #include "platform/Clock.hpp"
 
 namespace quorvane {
 
-// The clock keeps counting while the machine sleeps; a timer that is due meanwhile fires later, by
-// the time slept.
+// The clock keeps counting while the machine sleeps. A timer that falls due during sleep fires
+// later, by the time slept.
 Clock makeClockMacOS();
 
 }  // namespace quorvane

@@ -14,7 +14,8 @@ namespace {
 Timer startTimer(Duration delay, Duration tolerance, std::function<void()> action) {
     dispatch_source_t source =
         dispatch_source_create(DISPATCH_SOURCE_TYPE_TIMER, 0, 0, dispatch_get_main_queue());
-    // Stands still while the machine sleeps; the time that goes on is the day's, which can be set.
+    // This timer pauses while the machine sleeps. The only timer time that does not is wall time,
+    // which the user can set.
     const auto start = dispatch_time(DISPATCH_TIME_NOW, std::max(delay, Duration::zero()).count());
     dispatch_source_set_timer(source, start, DISPATCH_TIME_FOREVER,
                               static_cast<std::uint64_t>(tolerance.count()));
@@ -22,7 +23,7 @@ Timer startTimer(Duration delay, Duration tolerance, std::function<void()> actio
       action();
     });
     dispatch_activate(source);
-    // On the queue that it fires on, a cancelled source never fires again.
+    // A source cancelled on its own queue never fires again.
     return Timer{[source] { dispatch_source_cancel(source); }};
 }
 

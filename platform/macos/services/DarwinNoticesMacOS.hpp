@@ -1,4 +1,4 @@
-// The Darwin notification centre. Its notices cross from one login to another.
+// Darwin notices over the system's Darwin notification centre, which other logins share.
 #pragma once
 
 #include "platform/DarwinNotices.hpp"

@@ -17,7 +17,7 @@ using Handler = std::function<void()>;
 
 void received(CFNotificationCenterRef, void* observer, CFNotificationName, const void*,
               CFDictionaryRef) {
-    // A copy: the handler may end its own observation.
+    // A copy, because the handler may end its own observation.
     const Handler handler = *static_cast<Handler*>(observer);
     handler();
 }
@@ -29,7 +29,7 @@ void post(const std::string& name) {
 }
 
 Handle observe(const std::string& name, Handler handler) {
-    // The centre keeps the bare address and hands it back.
+    // The centre stores the bare address and passes it to the callback.
     const auto observer = std::make_shared<Handler>(std::move(handler));
     CFNotificationCenterAddObserver(CFNotificationCenterGetDarwinNotifyCenter(), observer.get(),
                                     received, (__bridge CFStringRef)stringFrom(name), nullptr,

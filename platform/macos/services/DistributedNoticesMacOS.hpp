@@ -1,12 +1,12 @@
-// The distributed notification centre of the login session.
+// Distributed notices over the session's distributed notification centre.
 #pragma once
 
 #include "platform/DistributedNotices.hpp"
 
 namespace quorvane {
 
-// The centre of a program that is never active holds notices back unless they are asked for at
-// once: they are here, on both ends.
+// Both ends request immediate delivery, because the centre holds notices back from a program that
+// is never active.
 DistributedNotices makeDistributedNoticesMacOS();
 
 }  // namespace quorvane

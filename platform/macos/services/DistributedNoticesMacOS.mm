@@ -19,7 +19,7 @@
 
 @implementation QuorvaneNoticeObserver
 - (void)received:(NSNotification*)notification {
-    // A copy: the handler may end its own observation.
+    // A copy, because the handler may end its own observation.
     const auto received = handler;
     received(quorvane::propertiesFrom(notification.userInfo));
 }
@@ -44,7 +44,7 @@ Handle observe(const std::string& name, DistributedNotices::Handler handler) {
                       name:stringFrom(name)
                     object:nil
         suspensionBehavior:NSNotificationSuspensionBehaviorDeliverImmediately];
-    // The centre holds no reference to it: the handle does.
+    // The handle owns the observer, because the centre does not.
     return Handle{
         [observer] { [[NSDistributedNotificationCenter defaultCenter] removeObserver:observer]; }};
 }

@@ -1,4 +1,4 @@
-// The life of an installed application: login item, files, running copies, launcher.
+// Tables of an installed application: login item, files, running copies, launcher.
 #pragma once
 
 #include "platform/LivePlatform.hpp"
@@ -7,10 +7,10 @@ namespace quorvane {
 
 LoginItemClient makeLoginItemMacOS();
 FileManagerClient makeFileManagerMacOS();
-// What it tells of the others stands still until the main loop has turned.
+// Information about other applications changes only when the main loop runs.
 RunningApplications makeRunningApplicationsMacOS();
-// What the launcher says on standard error, its complaints, is part of its output. The main loop
-// may turn before the call returns.
+// The output includes the launcher's standard error, which holds its error messages. The main loop
+// may run before the call returns.
 RunOpenCommand makeRunOpenCommandMacOS();
 
 Installation makeInstallationMacOS();

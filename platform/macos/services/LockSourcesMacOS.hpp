@@ -1,4 +1,4 @@
-// What the system tells about the lock besides its notices.
+// The system's lock-state sources other than notices.
 #pragma once
 
 #include "platform/LockSources.hpp"

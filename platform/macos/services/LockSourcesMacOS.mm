@@ -19,7 +19,7 @@ std::optional<PropertyValue> sessionDictionary() {
 }
 
 Handle observeWake(std::function<void()> handler) {
-    // The workspace's notices come to its own centre only.
+    // The workspace posts its notices only to its own centre.
     return observe(NSWorkspace.sharedWorkspace.notificationCenter, NSWorkspaceDidWakeNotification,
                    std::move(handler));
 }

@@ -1,12 +1,12 @@
-// The unified log.
+// Log sink for the unified log.
 #pragma once
 
 #include "platform/Log.hpp"
 
 namespace quorvane {
 
-// Format strings reach the log as they stand in the program, so that it can store them by their
-// place and redact what is private.
+// The log receives format strings unchanged, so that it can store them by address and redact
+// private values.
 LogSink makeLogSinkMacOS();
 
 }  // namespace quorvane

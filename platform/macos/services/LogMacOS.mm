@@ -27,7 +27,7 @@ os_log_type_t typeOf(LogLevel level) {
     std::unreachable();
 }
 
-// The system never frees a log object, so each is made once.
+// Creates each log object once, because the system never frees one.
 class LogObjects {
 public:
     os_log_t find(std::string_view subsystem, std::string_view category) {
@@ -51,7 +51,8 @@ LogSink makeLogSinkMacOS() {
         const os_log_type_t type = typeOf(line.level);
         if (!os_log_type_enabled(log, type)) return;
         OSLogBuffer buffer{line};
-        // What the system's macros expand to; those take no format but a literal at their place.
+        // The call that the system's macros expand to; the macros themselves accept only a literal
+        // format.
         _os_log_impl(&__dso_handle, log, type, line.format.data(), buffer.data(), buffer.size());
     };
 }

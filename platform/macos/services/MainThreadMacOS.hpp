@@ -1,4 +1,4 @@
-// The main queue as the way back to the main thread.
+// Posting to the main thread over the main queue.
 #pragma once
 
 #include "platform/MainThread.hpp"

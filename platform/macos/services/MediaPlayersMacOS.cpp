@@ -1,4 +1,5 @@
-// This system has no common interface to its players: Quorvane itself talks to each of them.
+// Empty tables: this system has no common interface to its players, so Quorvane itself talks to
+// each of them.
 #include "platform/MediaPlayers.hpp"
 #include "platform/SoundServer.hpp"
 

@@ -37,7 +37,7 @@ std::string_view textFrom(const LogArgument& argument) {
 }  // namespace
 
 OSLogBuffer::OSLogBuffer(const LogLine& line) : bytes_{0, 0} {
-    // The pointers in the buffer must stay: no text may move.
+    // Reserve, because the buffer points to the texts and they must not move.
     texts_.reserve(line.arguments.size());
     std::size_t from = 0;
     LogPlaceholder placeholder;
@@ -59,7 +59,7 @@ OSLogBuffer::OSLogBuffer(const LogLine& line) : bytes_{0, 0} {
 }
 
 void OSLogBuffer::addText(const LogPlaceholder& placeholder, std::string_view text) {
-    // Text without a mark has neither flag: the log decides, and keeps it private.
+    // Unmarked text has neither flag; the log then treats it as private.
     const bool isMarked = placeholder.end - placeholder.begin > 2;
     std::uint8_t privacy = 0;
     if (isMarked) privacy = placeholder.isPrivate ? kPrivate : kPublic;

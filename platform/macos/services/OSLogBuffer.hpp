@@ -1,4 +1,4 @@
-// The arguments of one line in the form in which the unified log takes them.
+// Arguments of one log line in the unified log's binary format.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +9,10 @@
 
 namespace quorvane {
 
-// Two bytes, whether any argument is private and any is text, and how many there are; then for each
-// argument its kind with its privacy, its size, and the number itself or a pointer to the text. It
-// is what the compiler builds where a line is logged by the system's macro. Borrows nothing from
-// the line, but its texts are its own: it cannot be copied.
+// Two bytes come first: flags for private arguments and text arguments, and the argument count.
+// Each argument follows: its kind and privacy, its size, and its number or a pointer to its text.
+// The compiler builds the same format for the system's logging macro. The buffer owns its texts and
+// borrows nothing from the line, so it cannot be copied.
 class OSLogBuffer {
 public:
     explicit OSLogBuffer(const LogLine& line);
@@ -30,7 +30,7 @@ private:
     void append(Value value);
 
     std::vector<std::uint8_t> bytes_;
-    std::vector<std::string> texts_;  // with a NUL behind each, which a line's text need not have
+    std::vector<std::string> texts_;  // NUL-terminated, unlike a line's texts
 };
 
 }  // namespace quorvane

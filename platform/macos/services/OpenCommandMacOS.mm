@@ -25,7 +25,7 @@ Result<OpenCommandEnd> run(const std::vector<std::string>& arguments) {
     task.standardError = pipe;
     NSError* error = nil;
     if (![task launchAndReturnError:&error]) return std::unexpected{errorFrom(error)};
-    // To the end before waiting: it could not end while the pipe is full.
+    // Read to the end before waiting, because the launcher cannot exit while the pipe is full.
     NSData* output = [pipe.fileHandleForReading readDataToEndOfFileAndReturnError:nil];
     [task waitUntilExit];
     std::string text{textOf(bytesFrom(output))};

@@ -7,7 +7,7 @@ namespace quorvane {
 
 ProcessInfo makeProcessInfoMacOS(int argumentCount, char** arguments);
 BeginActivity makeBeginActivityMacOS();
-// Names the calling thread. The system takes 63 bytes.
+// Sets the calling thread's name. The system keeps 63 bytes.
 void nameCurrentThreadMacOS(const std::string& name);
 
 }  // namespace quorvane

@@ -21,7 +21,7 @@ ProcessInfo makeProcessInfoMacOS(int argumentCount, char** arguments) {
             .executable = pathFrom(bundle.executableURL),
             .pid = process.processIdentifier,
             .systemVersion = {version.majorVersion, version.minorVersion, version.patchVersion},
-            // A bare executable has the folder that it lies in for its bundle.
+            // For a bare executable the system reports its folder as the bundle.
             .bundle =
                 bundle.bundleIdentifier ? pathFrom(bundle.bundleURL) : std::filesystem::path{},
             .bundleProperties = propertiesFrom(bundle.infoDictionary),

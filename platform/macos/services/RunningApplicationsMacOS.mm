@@ -12,7 +12,7 @@ namespace {
 
 RunningCopy copyFrom(NSRunningApplication* application) {
     RunningCopy copy{.pid = application.processIdentifier, .launchDate = std::nullopt};
-    // Only what was started through the system's launcher has one.
+    // Only applications that the system's launcher started have a launch date.
     if (NSDate* date = application.launchDate) copy.launchDate = wallTimeFrom(date);
     return copy;
 }

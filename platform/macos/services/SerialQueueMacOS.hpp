@@ -5,7 +5,7 @@
 
 namespace quorvane {
 
-// Destroying such a queue waits for the running action, unless that is who destroys it.
+// Destroying such a queue waits for the running action, unless that action destroys the queue.
 MakeSerialQueue makeSerialQueuesMacOS();
 
 }  // namespace quorvane

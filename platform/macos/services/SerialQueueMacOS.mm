@@ -12,7 +12,7 @@
 namespace quorvane {
 namespace {
 
-constexpr char kOwnQueue = 0;  // its address marks the queue that an action runs on
+constexpr char kOwnQueue = 0;  // its address is the key that identifies an action's queue
 
 class SerialQueueMacOS final : public SerialQueue {
 public:
@@ -23,7 +23,7 @@ public:
 
     ~SerialQueueMacOS() override {
         *isClosed_ = true;
-        // The system runs what was added; there is no dropping. All that waits finds it closed.
+        // The system cannot drop added blocks, so pending ones run and find the queue closed.
         if (dispatch_get_specific(&kOwnQueue) != this)
             dispatch_sync(queue_, ^{
                           });

@@ -1,4 +1,4 @@
-// A login of this system has a screen, ports and notices.
+// Finds no problems, because every login on this system has a screen, ports and notices.
 #include "platform/SessionProblems.hpp"
 
 namespace quorvane {

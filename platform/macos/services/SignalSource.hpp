@@ -1,4 +1,4 @@
-// Signals as events of a queue. For Objective-C++ only.
+// Signal sources on a dispatch queue. For Objective-C++ only.
 #pragma once
 
 #import <dispatch/dispatch.h>
@@ -7,11 +7,11 @@
 
 namespace quorvane {
 
-// Calls the handler on the queue for each such signal, which from now on does nothing else. Ends
-// with its last reference.
+// Calls the handler on the queue for each such signal, and disables the signal's default action.
+// The source ends with its last reference.
 dispatch_source_t startSignalSource(int signal, dispatch_queue_t queue, dispatch_block_t handler);
 
-// As Application::handleTerminationSignal promises.
+// Implements Application::handleTerminationSignal.
 void handleTerminationSignalMacOS(std::function<void()> action);
 
 }  // namespace quorvane

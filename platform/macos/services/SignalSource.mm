@@ -10,7 +10,7 @@
 namespace quorvane {
 
 dispatch_source_t startSignalSource(int signal, dispatch_queue_t queue, dispatch_block_t handler) {
-    // The source is delivered although the signal itself is ignored.
+    // The source receives the signal even though it is ignored.
     ::signal(signal, SIG_IGN);
     dispatch_source_t source = dispatch_source_create(DISPATCH_SOURCE_TYPE_SIGNAL,
                                                       static_cast<uintptr_t>(signal), 0, queue);

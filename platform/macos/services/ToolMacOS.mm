@@ -12,7 +12,7 @@ namespace quorvane {
 namespace {
 
 void terminate() {
-    // After the pass that asks for it, so that nothing of the callers' is torn down under them.
+    // Deferred to the next turn of the loop, so that the callers' objects outlive their calls.
     dispatch_async(dispatch_get_main_queue(), ^{
       CFRunLoopStop(CFRunLoopGetCurrent());
     });
