@@ -31,8 +31,8 @@ std::vector<double> copiesOf(const TextNode& node, double rest, double width, bo
     const double distance = width + node.scroll->gap;
     if (distance <= 0) return edges;
     const double direction = isAlignedLeft(node, isRightToLeft) ? -1 : 1;
-    for (double way = node.scroll->offset; way > -node.frame.width; way -= distance) {
-        const double left = rest + direction * way;
+    for (double moved = node.scroll->offset; moved > -node.frame.width; moved -= distance) {
+        const double left = rest + direction * moved;
         if (left < node.frame.maxX() && left + width > node.frame.x) edges.push_back(left);
     }
     return edges;

@@ -6,11 +6,11 @@
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
 #include "host/addon/AddOnCommands.hpp"
-#include "host/addon/BundleToInstall.hpp"
+#include "host/addon/BundleSource.hpp"
 #include "host/addon/DeliveredRemoval.hpp"
 #include "host/addon/HostCommandLine.hpp"
 #include "host/addon/HostStatusQuery.hpp"
-#include "host/link/CardSwitch.hpp"
+#include "host/link/CardEnabledSetting.hpp"
 #include "host/link/HostCoordinator.hpp"
 #include "host/players/MprisPlayer.hpp"
 #include "host/players/ScriptedPlayer.hpp"
@@ -138,9 +138,9 @@ int run(const HostCommandLine& line, const LiveServices& services) {
                : fail("the system refused to start a thread; end other programs and try again");
 }
 
-AddOnPlace lookAtPlace(const LiveServices& services) {
+AddOnInstallation lookAtPlace(const LiveServices& services) {
     const auto& folder = services.installation.applicationSupport;
-    return folder ? AddOnPlace::look(*folder, makeLiveBundleFiles()) : AddOnPlace{};
+    return folder ? AddOnInstallation::look(*folder, makeLiveBundleFiles()) : AddOnInstallation{};
 }
 
 int tellStatus(const LiveServices& services) {
@@ -198,9 +198,9 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
 }
 
 int switchCard(bool isEnabled, const LiveServices& services) {
-    const auto done = CardSwitch{.connectPort = services.connectPort,
-                                 .darwinNotices = services.darwinNotices,
-                                 .sharedSuite = sharedSuite(services)}
+    const auto done = CardEnabledSetting{.connectPort = services.connectPort,
+                                         .darwinNotices = services.darwinNotices,
+                                         .sharedSuite = sharedSuite(services)}
                           .set(isEnabled);
     if (!done) return fail(done.error());
     print(*done);

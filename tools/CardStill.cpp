@@ -92,12 +92,12 @@ CardStill::CardStill(const QuorvanePlayerState& state, const CardRenderOptions& 
       date_(later(state.timestamp, options.at)),
       model_([date = date_] { return date; }, decodeImage),
       canvas_(options.scale, nullptr,
-              options.fonts.empty() ? TextLayouts::kSystemFont : options.fonts) {
+              options.fonts.empty() ? TextLayoutCache::kSystemFont : options.fonts) {
     model_.apply(state);
     environment_ = {.localized = [texts = Translations{QUORVANE_LOCALE_FOLDER, preferredLocales()}](
                                      const std::string& key) { return texts.text(key); },
-                    .measureText = makeMeasureText(options.fonts.empty() ? TextLayouts::kSystemFont
-                                                                         : options.fonts),
+                    .measureText = makeMeasureText(
+                        options.fonts.empty() ? TextLayoutCache::kSystemFont : options.fonts),
                     .isRightToLeft = isRightToLeft(options),
                     .reduceMotion = options.reducesMotion,
                     .scale = options.scale};

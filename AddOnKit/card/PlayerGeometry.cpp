@@ -42,7 +42,7 @@ PlayerGeometry PlayerGeometry::make(bool showsHeart, bool isRightToLeft) {
     const double textRight = showsHeart ? g.heart.x : kRight;
     const double textWidth = textRight - textLeft;
     g.title = {textLeft, kTitleMiddle - kTrackFieldHeight / 2, textWidth, kTrackFieldHeight};
-    g.lonelyTitle = g.title.movedBy(0, (kArtistMiddle - kTitleMiddle) / 2);
+    g.titleOnly = g.title.movedBy(0, (kArtistMiddle - kTitleMiddle) / 2);
     g.artist = {textLeft, kArtistMiddle - kTrackFieldHeight / 2, textWidth, kTrackFieldHeight};
 
     g.progress = {textLeft, g.artwork.maxY() - kProgressThickness, kRight - textLeft,
@@ -59,7 +59,7 @@ PlayerGeometry PlayerGeometry::make(bool showsHeart, bool isRightToLeft) {
                 g.loudSpeaker.x - kSpeakerSpacing - sliderLeft, kVolumeRowHeight};
 
     if (isRightToLeft)
-        for (Rect* rect : {&g.artwork, &g.title, &g.lonelyTitle, &g.artist, &g.heart, &g.progress,
+        for (Rect* rect : {&g.artwork, &g.title, &g.titleOnly, &g.artist, &g.heart, &g.progress,
                            &g.elapsed, &g.remaining, &g.quietSpeaker, &g.volume, &g.loudSpeaker})
             rect->x = kCardWidth - rect->maxX();
 

@@ -7,8 +7,8 @@ namespace quorvane {
 
 struct PlayerGeometry {
     Rect artwork;
-    Rect title;        // for texts: the field of the line
-    Rect lonelyTitle;  // the title's field when there is no artist below it
+    Rect title;      // for texts: the field of the line
+    Rect titleOnly;  // the title's field when there is no artist below it
     Rect artist;
     Rect heart;
     Rect progress;

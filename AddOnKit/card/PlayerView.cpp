@@ -124,7 +124,7 @@ private:
 
     void texts() {
         const bool hasArtist = !model_.artist.get().empty();
-        text(SceneControl::ID::title, hasArtist ? geometry_.title : geometry_.lonelyTitle,
+        text(SceneControl::ID::title, hasArtist ? geometry_.title : geometry_.titleOnly,
              model_.title.get(), FontStyle::Weight::semibold, Color::white(),
              interaction_.titleStart);
         if (hasArtist)

@@ -20,7 +20,7 @@ std::string_view titleOf(const std::optional<QuorvanePlayerState>& state) {
 // Only the client itself holds its state for longer than an expression. So the state is destroyed
 // together with the client, and weak holders can detect that.
 template <typename T>
-T* living(const std::weak_ptr<T>& weak) {
+T* pointerIfAlive(const std::weak_ptr<T>& weak) {
     return weak.lock().get();
 }
 
@@ -223,7 +223,7 @@ void MessagePortClient::State::sendQuery(MessageType type, Bytes payload, Durati
         [weak = weak_from_this(), mainThread = services.mainThread, slot,
          completion = std::move(completion)](QueryOutcome outcome) {
             mainThread.post([weak, slot, completion, outcome = std::move(outcome)] {
-                State* const self = living(weak);
+                State* const self = pointerIfAlive(weak);
                 if (self == nullptr) return;
                 self->queryFinished(slot, outcome);
                 completion(outcome);
@@ -243,7 +243,7 @@ void MessagePortClient::State::queryFinished(std::size_t slot, const QueryOutcom
 
 void MessagePortClient::State::later(std::function<void(State&)> action) {
     services.mainThread.post([weak = weak_from_this(), action = std::move(action)] {
-        if (State* const self = living(weak)) action(*self);
+        if (State* const self = pointerIfAlive(weak)) action(*self);
     });
 }
 

@@ -11,7 +11,7 @@
 namespace quorvane {
 namespace {
 
-using State = AddOnPlace::State;
+using State = AddOnInstallation::State;
 
 constexpr char kNotInstalled[] = "the add-on is not installed (run: quorvane-host install)";
 
@@ -20,10 +20,11 @@ constexpr char kNotInstalled[] = "the add-on is not installed (run: quorvane-hos
 AddOnCommands::AddOnCommands(Services services)
     : services_(std::move(services)), control_(services_.control) {}
 
-std::expected<AddOnPlace, std::string> AddOnCommands::place() const {
+std::expected<AddOnInstallation, std::string> AddOnCommands::place() const {
     if (!services_.applicationSupport)
         return std::unexpected{"this user has no home folder to install into"};
-    AddOnPlace place = AddOnPlace::look(*services_.applicationSupport, services_.bundleFiles);
+    AddOnInstallation place =
+        AddOnInstallation::look(*services_.applicationSupport, services_.bundleFiles);
     if (place.state == State::foreign) return std::unexpected{place.trouble + "; left unchanged"};
     return place;
 }
@@ -57,7 +58,7 @@ void AddOnCommands::update(const std::filesystem::path& bundle, Done done) {
 }
 
 std::optional<std::string> AddOnCommands::put(const std::filesystem::path& bundle,
-                                              const AddOnPlace& place) {
+                                              const AddOnInstallation& place) {
     services_.bundleFiles.discardStaged(place.supportDirectory);
     const auto staged = services_.bundleFiles.stage(bundle, place.supportDirectory);
     if (!staged) return "nothing was installed: " + staged.error().description;
@@ -82,9 +83,9 @@ void AddOnCommands::forgetRemoval() {
 
 // Quits the old copy first, because it runs from the bundle that is discarded. If it does not quit,
 // the new copy handles it.
-void AddOnCommands::replaceRunning(const AddOnPlace& place, const std::string& version,
+void AddOnCommands::replaceRunning(const AddOnInstallation& place, const std::string& version,
                                    std::string text) {
-    AddOnPlace now = place;
+    AddOnInstallation now = place;
     now.version = version;
     const auto proceed = [this, now, text = std::move(text)](bool) {
         services_.bundleFiles.discardStaged(now.supportDirectory);
@@ -94,7 +95,7 @@ void AddOnCommands::replaceRunning(const AddOnPlace& place, const std::string& v
     control_.quit(proceed);
 }
 
-std::optional<std::string> AddOnCommands::start(const AddOnPlace& place,
+std::optional<std::string> AddOnCommands::start(const AddOnInstallation& place,
                                                 const std::vector<std::string>& arguments) const {
     const auto started =
         DetachedLaunch{.runOpen = services_.runOpenCommand}.launch(place.bundle, arguments);
@@ -104,8 +105,8 @@ std::optional<std::string> AddOnCommands::start(const AddOnPlace& place,
     return std::get<PlatformError>(started.error()).description;
 }
 
-void AddOnCommands::startAndTell(const AddOnPlace& place, const std::vector<std::string>& arguments,
-                                 std::string text) {
+void AddOnCommands::startAndTell(const AddOnInstallation& place,
+                                 const std::vector<std::string>& arguments, std::string text) {
     if (const auto failure = start(place, arguments))
         return end(std::unexpected{text + "It could not be started: " + *failure});
     control_.awaitVersion(
@@ -182,7 +183,7 @@ void AddOnCommands::recordRemoval() {
 }
 
 // A partial bundle cannot remove itself.
-void AddOnCommands::uninstall(const AddOnPlace& place) {
+void AddOnCommands::uninstall(const AddOnInstallation& place) {
     const auto isGone = [this, place] {
         return !services_.fileManager.fileExists(place.supportDirectory);
     };

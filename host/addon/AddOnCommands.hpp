@@ -8,7 +8,7 @@
 #include <string>
 
 #include "host/addon/AddOnControl.hpp"
-#include "host/addon/AddOnPlace.hpp"
+#include "host/addon/AddOnInstallation.hpp"
 #include "platform/BundleFiles.hpp"
 #include "platform/DarwinNotices.hpp"
 #include "platform/FileManagerClient.hpp"
@@ -50,19 +50,21 @@ public:
     void remove(Done done);
 
 private:
-    std::expected<AddOnPlace, std::string> place() const;
+    std::expected<AddOnInstallation, std::string> place() const;
     // Both return the reason of a failure; nullopt when it worked.
-    std::optional<std::string> put(const std::filesystem::path& bundle, const AddOnPlace& place);
-    std::optional<std::string> start(const AddOnPlace& place,
+    std::optional<std::string> put(const std::filesystem::path& bundle,
+                                   const AddOnInstallation& place);
+    std::optional<std::string> start(const AddOnInstallation& place,
                                      const std::vector<std::string>& arguments) const;
 
-    void replaceRunning(const AddOnPlace& place, const std::string& version, std::string text);
-    void startAndTell(const AddOnPlace& place, const std::vector<std::string>& arguments,
+    void replaceRunning(const AddOnInstallation& place, const std::string& version,
+                        std::string text);
+    void startAndTell(const AddOnInstallation& place, const std::vector<std::string>& arguments,
                       std::string text);
     std::string notes() const;
     void forgetRemoval();
     void recordRemoval();
-    void uninstall(const AddOnPlace& place);
+    void uninstall(const AddOnInstallation& place);
     void finishRemoval();
     void end(Outcome outcome);
 

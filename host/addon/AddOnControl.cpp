@@ -28,13 +28,13 @@ void AddOnControl::quit(std::function<void(bool)> done) {
     const Duration patience = services_.canHearNotices ? kQuitPatience : Duration{};
     poll_.start(patience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
         if (obeyed) return done(true);
-        askAsTheSystemAsks();
+        requestQuitBySignal();
         poll_.start(kQuitPatience, isGone, done);
     });
 }
 
 // A copy that was asked to remove itself no longer listens to the notice.
-void AddOnControl::askAsTheSystemAsks() {
+void AddOnControl::requestQuitBySignal() {
     for (const RunningCopy& copy :
          services_.applications.running(std::string{kAddOnBundleIdentifier}))
         services_.applications.terminate(copy.pid);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/waits/Poll.hpp"
+#include "host/waits/ConditionPoll.hpp"
 #include "platform/DistributedNotices.hpp"
 #include "platform/RunningApplications.hpp"
 #include "shared/AddOnSignals.hpp"
@@ -36,11 +36,11 @@ public:
     void awaitRemoval(std::function<bool()> isRemoved, std::function<void(bool)> done);
 
 private:
-    void askAsTheSystemAsks();
+    void requestQuitBySignal();
     void requestStatus();
 
     Services services_;
-    Poll poll_;
+    ConditionPoll poll_;
     Handle observation_;
     bool hasAnswered_ = false;
     int looks_ = 0;

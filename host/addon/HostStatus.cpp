@@ -67,7 +67,7 @@ std::string cardText(const HostStatus& status) {
     if (status.pendingRemoval) return "off; the add-on has been asked to remove itself";
     if (!status.isEnabled) {
         const bool isThere =
-            status.place.state != AddOnPlace::State::empty || status.isAddOnRunning;
+            status.place.state != AddOnInstallation::State::empty || status.isAddOnRunning;
         return isThere ? "off (turn on with: quorvane-host enable)" : "off";
     }
     if (status.lastLockHadNoRoom)
@@ -76,15 +76,15 @@ std::string cardText(const HostStatus& status) {
     return "on";
 }
 
-std::string installedText(const AddOnPlace& place) {
+std::string installedText(const AddOnInstallation& place) {
     switch (place.state) {
-        case AddOnPlace::State::installed:
+        case AddOnInstallation::State::installed:
             return "version " + printable(place.version) + " as " +
                    printable(place.bundle.string());
-        case AddOnPlace::State::damaged:
+        case AddOnInstallation::State::damaged:
             return "damaged (repair with: quorvane-host install; or run: quorvane-host remove)";
-        case AddOnPlace::State::foreign: return "no; " + printable(place.trouble);
-        case AddOnPlace::State::empty: break;
+        case AddOnInstallation::State::foreign: return "no; " + printable(place.trouble);
+        case AddOnInstallation::State::empty: break;
     }
     return "not installed (run: quorvane-host install)";
 }

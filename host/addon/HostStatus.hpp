@@ -9,7 +9,7 @@
 #include "QuorvaneKit/records/LockScreenAddOnSighting.hpp"
 #include "QuorvaneKit/records/LockScreenHelloOutcome.hpp"
 #include "QuorvaneKit/records/QuorvanePlayerState.hpp"
-#include "host/addon/AddOnPlace.hpp"
+#include "host/addon/AddOnInstallation.hpp"
 #include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
@@ -23,7 +23,7 @@ struct HostStatus {
     std::optional<LockScreenPendingRemoval> pendingRemoval;
     bool lastLockHadNoRoom = false;
     std::optional<LockScreenAddOnSighting> lastSeen;
-    AddOnPlace place{};
+    AddOnInstallation place{};
     bool isAddOnRunning = false;                // a copy is in the process table
     std::optional<AddOnSignals::Status> addOn;  // what it answered
     std::vector<std::string> problems;          // of the session

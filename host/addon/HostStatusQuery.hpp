@@ -23,7 +23,7 @@ public:
         DistributedNotices distributedNotices;
         std::optional<UserDefaults> sharedSuite;
         std::optional<UserDefaults> addOnDefaults;
-        std::function<AddOnPlace()> lookAtPlace;
+        std::function<AddOnInstallation()> lookAtPlace;
         std::function<bool()> isAddOnRunning;
         SessionProblems problems{};
     };

@@ -17,7 +17,7 @@ constexpr std::size_t kPortCount = kQueryPortCount + 1;
 // State that the handlers on the ports' threads share. `host` is null once the coordinator is
 // destroyed; only the main thread reads it.
 struct HostCoordinator::Link {
-    PublishedState state;
+    SharedSnapshot state;
     MainThread mainThread;
     std::function<Instant()> now;
     WallClock wallClock;
@@ -58,7 +58,7 @@ HostCoordinator::~HostCoordinator() {
 bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
     playerChanged();
-    waits_ = EndableWaits{};
+    waits_ = CancellableWaits{};
     ports_.emplace(services_.openPort, [this] { findSecret(); });
     server_.emplace(MessagePortServer::Services{.log = services_.log,
                                                 .openPort = countingOpenPort(),
@@ -124,7 +124,7 @@ void HostCoordinator::portOpened() {
 MessagePortHandlers HostCoordinator::makeHandlers() const {
     MessagePortHandlers handlers;
     handlers.onStateRequested = [link = link_] {
-        Link::post(link, [](HostCoordinator& host) { host.player_->freshen(); });
+        Link::post(link, [](HostCoordinator& host) { host.player_->refresh(); });
         return std::optional{stateAt(link->state.snapshot(), link->now(), link->wallClock())};
     };
     handlers.onActionReceived = [link = link_](QuorvaneAction action) {

@@ -8,11 +8,11 @@
 #include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
 #include "QuorvaneKit/link/MessagePortServer.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
-#include "host/link/LockScreenDesk.hpp"
+#include "host/link/HelloResponder.hpp"
 #include "host/link/MainPortFirst.hpp"
 #include "host/players/PlayerSource.hpp"
-#include "host/players/PublishedState.hpp"
-#include "host/waits/EndableWaits.hpp"
+#include "host/players/SharedSnapshot.hpp"
+#include "host/waits/CancellableWaits.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/SerialQueue.hpp"
@@ -73,10 +73,10 @@ private:
     Logger log_;
     std::unique_ptr<PlayerSource> player_;
     SharedDefaults defaults_;
-    LockScreenDesk desk_;
+    HelloResponder desk_;
     DarwinNotificationCenter notices_;
     std::shared_ptr<Link> link_;  // shared with the ports' threads
-    EndableWaits waits_;
+    CancellableWaits waits_;
     std::optional<MainPortFirst> ports_;  // outlives the server, whose threads call it
     std::optional<MessagePortServer> server_;
     // Starts the server, which may block until another host ends. Destroyed before the server.

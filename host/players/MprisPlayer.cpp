@@ -132,7 +132,7 @@ bool MprisPlayer::carryOut(const std::string& busName, const std::optional<Mpris
     return true;
 }
 
-void MprisPlayer::freshen() {
+void MprisPlayer::refresh() {
     const MediaPlayer* player = current();
     const Instant now = services_.clock.now();
     if (!player || (freshenedAt_ && now - *freshenedAt_ < kFreshness)) return;

@@ -37,7 +37,7 @@ public:
     bool perform(QuorvaneAction action) override;
     bool setVolume(std::int64_t percent) override;
     bool setRating(std::int64_t) override { return false; }  // MPRIS cannot express it
-    void freshen() override;
+    void refresh() override;
 
 private:
     const MediaPlayer* current() const;

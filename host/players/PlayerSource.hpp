@@ -21,7 +21,7 @@ public:
     virtual bool setRating(std::int64_t percent) = 0;  // clamped to 0...100
     // A client asked for the state: soon afterwards, updates the fields whose changes the player
     // does not announce.
-    virtual void freshen() {}
+    virtual void refresh() {}
 
     // Called after the snapshot may have changed, never inside `snapshot`.
     std::function<void()> onChanged;

@@ -2,7 +2,7 @@
 // mouse on the margin.
 #include <gtest/gtest.h>
 
-#include "drawing/MarginMouse.hpp"
+#include "drawing/MarginHitTest.hpp"
 #include "drawing/TextPlacement.hpp"
 #include "drawing/pictures/PictureLimits.hpp"
 
@@ -66,8 +66,8 @@ TEST(Geometry, PicturesCoverTheirFrames) {
     EXPECT_EQ(fittingRadius({0, 0, 40, 6}, -1), 0);
 }
 
-TEST(MarginMouse, TakesTheCardAndLeavesTheMargin) {
-    MarginMouse mouse;
+TEST(MarginHitTest, TakesTheCardAndLeavesTheMargin) {
+    MarginHitTest mouse;
     mouse.setCard({.card = {400, 222}, .shadowMargin = 52});
     mouse.moveTo({20, 20});
     EXPECT_TRUE(mouse.ignoresMouse());  // as the owner wants at first

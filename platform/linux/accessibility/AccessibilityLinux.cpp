@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/linux/bus/BusQuestion.hpp"
+#include "platform/linux/bus/BusRequest.hpp"
 #include "platform/linux/bus/BusValues.hpp"
 
 namespace quorvane {
@@ -62,9 +62,9 @@ void AccessibilityLinux::watch() {
 
 void AccessibilityLinux::askWhetherInUse() {
     sd_bus* const bus = sessionBus_.connection();
-    const auto call = newBusQuestion(bus, kService, kPath, kProperties, "GetAll");
+    const auto call = newBusRequest(bus, kService, kPath, kProperties, "GetAll");
     if (call) sd_bus_message_append(call.get(), "s", kStatus);
-    question_ = askBus(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    question_ = sendBusRequest(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
         PropertyDictionary status;
         if (reply && readBusDictionary(reply, status) < 0) status.clear();
         if (!isAssistiveTechnologyInUse(status)) return disconnect();
@@ -74,8 +74,8 @@ void AccessibilityLinux::askWhetherInUse() {
 
 void AccessibilityLinux::askForBus() {
     sd_bus* const bus = sessionBus_.connection();
-    const auto call = newBusQuestion(bus, kService, kPath, kService, "GetAddress");
-    question_ = askBus(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    const auto call = newBusRequest(bus, kService, kPath, kService, "GetAddress");
+    question_ = sendBusRequest(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
         const char* address = nullptr;
         if (reply && sd_bus_message_read(reply, "s", &address) > 0) connect(address);
     });

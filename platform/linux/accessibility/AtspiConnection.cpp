@@ -95,19 +95,19 @@ void AtspiConnection::childChanged(const AtspiNode& parent, const char* what, in
 
 void AtspiConnection::add(AccessibleCard& card) {
     const AtspiNode node = objects_.tree.add(card);
-    told_.push_back({&card, card.accessibleScene().controls});
+    lastSent_.push_back({&card, card.accessibleScene().controls});
     childChanged({}, "add", objects_.tree.indexInParent(node), AtspiTree::path(node));
 }
 
 void AtspiConnection::changed(const AccessibleCard& card) {
     using Kind = AccessibilityChange::Kind;
-    const auto told = std::ranges::find(told_, &card, &Told::card);
-    if (told == told_.end()) return;
+    const auto sent = std::ranges::find(lastSent_, &card, &LastSent::card);
+    if (sent == lastSent_.end()) return;
     const AtspiNode node = objects_.tree.node(card);
-    const auto before = std::exchange(told->controls, card.accessibleScene().controls);
-    for (const AccessibilityChange& change : accessibilityChanges(before, told->controls)) {
+    const auto before = std::exchange(sent->controls, card.accessibleScene().controls);
+    for (const AccessibilityChange& change : accessibilityChanges(before, sent->controls)) {
         const bool hasGone = change.kind == Kind::disappeared;
-        const auto& controls = hasGone ? before : told->controls;
+        const auto& controls = hasGone ? before : sent->controls;
         const auto control = std::ranges::find(controls, change.control, &SceneControl::id);
         const auto index = static_cast<int>(control - controls.begin());
         const std::string path = AtspiTree::path(node, change.control);
@@ -123,9 +123,9 @@ void AtspiConnection::changed(const AccessibleCard& card) {
 }
 
 void AtspiConnection::remove(const AccessibleCard& card) {
-    const auto told = std::ranges::find(told_, &card, &Told::card);
-    if (told == told_.end()) return;
-    told_.erase(told);
+    const auto sent = std::ranges::find(lastSent_, &card, &LastSent::card);
+    if (sent == lastSent_.end()) return;
+    lastSent_.erase(sent);
     const AtspiNode node = objects_.tree.node(card);
     const int index = objects_.tree.indexInParent(node);
     objects_.tree.remove(card);

@@ -30,7 +30,7 @@ public:
 
 private:
     // State of a card as last reported.
-    struct Told {
+    struct LastSent {
         const AccessibleCard* card;
         std::vector<SceneControl> controls;
     };
@@ -44,7 +44,7 @@ private:
 
     sd_bus* bus_ = nullptr;
     AtspiObjects objects_;
-    std::vector<Told> told_;
+    std::vector<LastSent> lastSent_;
     std::function<void()> lost_;
 };
 

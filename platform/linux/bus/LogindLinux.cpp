@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "platform/linux/bus/BusQuestion.hpp"
+#include "platform/linux/bus/BusRequest.hpp"
 #include "platform/linux/bus/BusValues.hpp"
 
 namespace quorvane {
@@ -71,9 +71,9 @@ void LogindLinux::observe(const std::string& rule, void (LogindLinux::*handler)(
 
 void LogindLinux::askForHint() {
     sd_bus* const bus = bus_.connection();
-    const auto call = newBusQuestion(bus, kService, sessionPath_, kProperties, "Get");
+    const auto call = newBusRequest(bus, kService, sessionPath_, kProperties, "Get");
     if (call) sd_bus_message_append(call.get(), "ss", kSession, kLockedHint);
-    question_ = askBus(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    question_ = sendBusRequest(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
         int isLocked = 0;
         setLocked(reply && sd_bus_message_read(reply, "v", "b", &isLocked) >= 0 && isLocked != 0);
     });

@@ -1,6 +1,6 @@
 #include "platform/linux/bus/MotionSetting.hpp"
 
-#include "platform/linux/bus/BusQuestion.hpp"
+#include "platform/linux/bus/BusRequest.hpp"
 #include "platform/linux/bus/BusValues.hpp"
 
 namespace quorvane {
@@ -17,12 +17,12 @@ constexpr auto kAnswerDeadline = std::chrono::seconds{2};
 
 void MotionSetting::refresh() {
     sd_bus* bus = bus_.connection();
-    const auto call = newBusQuestion(bus, kPortal, kPortalPath, kSettings, "ReadAll");
+    const auto call = newBusRequest(bus, kPortal, kPortalPath, kSettings, "ReadAll");
     if (call) sd_bus_message_append(call.get(), "as", 2, kAppearance, kGnomeInterface);
     const auto decide = [this](const PropertyDictionary& settings) {
         isReduced_ = reducesMotion(settings).value_or(toolkitAnimates_() == 0);
     };
-    question_ = askBus(bus, call, kAnswerDeadline, [decide](sd_bus_message* reply) {
+    question_ = sendBusRequest(bus, call, kAnswerDeadline, [decide](sd_bus_message* reply) {
         PropertyDictionary settings;
         if (reply && readBusDictionary(reply, settings) < 0) settings.clear();
         decide(settings);

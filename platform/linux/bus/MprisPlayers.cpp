@@ -44,8 +44,8 @@ void MprisPlayers::start() {
 void MprisPlayers::findPlayers() {
     lookups_.clear();
     sd_bus* bus = bus_.connection();
-    const BusQuestion question = newBusQuestion(bus, kBus, kBusPath, kBus, "ListNames");
-    lookups_.push_back(askBus(bus, question, kPatience, [this](sd_bus_message* reply) {
+    const BusRequest question = newBusRequest(bus, kBus, kBusPath, kBus, "ListNames");
+    lookups_.push_back(sendBusRequest(bus, question, kPatience, [this](sd_bus_message* reply) {
         if (!reply || sd_bus_message_enter_container(reply, 'a', "s") < 0) return;
         const char* name = nullptr;
         while (sd_bus_message_read_basic(reply, 's', &name) > 0)
@@ -57,13 +57,14 @@ void MprisPlayers::findPlayers() {
 // sends signals later.
 void MprisPlayers::findOwner(const std::string& name) {
     sd_bus* bus = bus_.connection();
-    const BusQuestion question = newBusQuestion(bus, kBus, kBusPath, kBus, "GetNameOwner");
+    const BusRequest question = newBusRequest(bus, kBus, kBusPath, kBus, "GetNameOwner");
     if (question) sd_bus_message_append(question.get(), "s", name.c_str());
-    lookups_.push_back(askBus(bus, question, kPatience, [this, name](sd_bus_message* reply) {
-        const char* owner = nullptr;
-        if (!reply || sd_bus_message_read(reply, "s", &owner) < 0) return;
-        if (!entries_.contains(name)) add(name, owner);
-    }));
+    lookups_.push_back(
+        sendBusRequest(bus, question, kPatience, [this, name](sd_bus_message* reply) {
+            const char* owner = nullptr;
+            if (!reply || sd_bus_message_read(reply, "s", &owner) < 0) return;
+            if (!entries_.contains(name)) add(name, owner);
+        }));
 }
 
 void MprisPlayers::add(const std::string& name, const std::string& owner) {
@@ -71,42 +72,44 @@ void MprisPlayers::add(const std::string& name, const std::string& owner) {
     entry.owner = owner;
     entry.player.busName = name;
     sd_bus* bus = bus_.connection();
-    const BusQuestion question =
-        newBusQuestion(bus, kBus, kBusPath, kBus, "GetConnectionUnixProcessID");
+    const BusRequest question =
+        newBusRequest(bus, kBus, kBusPath, kBus, "GetConnectionUnixProcessID");
     if (question) sd_bus_message_append(question.get(), "s", owner.c_str());
-    entry.processID = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
-        std::uint32_t processID = 0;
-        if (!reply || sd_bus_message_read(reply, "u", &processID) < 0) return;
-        entry.player.processID = processID;
-        if (entry.isDescribed) changed();
-    });
+    entry.processID =
+        sendBusRequest(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
+            std::uint32_t processID = 0;
+            if (!reply || sd_bus_message_read(reply, "u", &processID) < 0) return;
+            entry.player.processID = processID;
+            if (entry.isDescribed) changed();
+        });
     describe(entry);
 }
 
 void MprisPlayers::askIdentity(Entry& entry) {
     sd_bus* bus = bus_.connection();
-    const BusQuestion question =
-        newBusQuestion(bus, entry.player.busName, kPath, kProperties, "Get");
+    const BusRequest question = newBusRequest(bus, entry.player.busName, kPath, kProperties, "Get");
     if (question) sd_bus_message_append(question.get(), "ss", kRoot, "Identity");
-    entry.identity = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
-        const char* text = nullptr;
-        if (!reply || sd_bus_message_read(reply, "v", "s", &text) < 0) return;
-        entry.player.identity = text;
-        if (entry.isDescribed) changed();
-    });
+    entry.identity =
+        sendBusRequest(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
+            const char* text = nullptr;
+            if (!reply || sd_bus_message_read(reply, "v", "s", &text) < 0) return;
+            entry.player.identity = text;
+            if (entry.isDescribed) changed();
+        });
 }
 
 void MprisPlayers::describe(Entry& entry) {
     if (entry.description) return;
     if (!entry.isDescribed) askIdentity(entry);
     sd_bus* bus = bus_.connection();
-    const BusQuestion question =
-        newBusQuestion(bus, entry.player.busName, kPath, kProperties, "GetAll");
+    const BusRequest question =
+        newBusRequest(bus, entry.player.busName, kPath, kProperties, "GetAll");
     if (question) sd_bus_message_append(question.get(), "s", kPlayer);
-    entry.description = askBus(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
-        entry.description.reset();
-        if (reply) onDescription(entry, reply);
-    });
+    entry.description =
+        sendBusRequest(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
+            entry.description.reset();
+            if (reply) onDescription(entry, reply);
+        });
 }
 
 void MprisPlayers::onDescription(Entry& entry, sd_bus_message* reply) {
@@ -173,23 +176,23 @@ void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {
 }
 
 void MprisPlayers::call(const std::string& name, const std::string& method) {
-    tell(newBusQuestion(bus_.connection(), name, kPath, kPlayer, method));
+    tell(newBusRequest(bus_.connection(), name, kPath, kPlayer, method));
 }
 
 void MprisPlayers::raise(const std::string& name) {
-    tell(newBusQuestion(bus_.connection(), name, kPath, kRoot, "Raise"));
+    tell(newBusRequest(bus_.connection(), name, kPath, kRoot, "Raise"));
 }
 
 void MprisPlayers::set(const std::string& name, const std::string& property,
                        const PropertyValue& value) {
-    const BusQuestion message = newBusQuestion(bus_.connection(), name, kPath, kProperties, "Set");
+    const BusRequest message = newBusRequest(bus_.connection(), name, kPath, kProperties, "Set");
     if (message && sd_bus_message_append(message.get(), "ss", kPlayer, property.c_str()) >= 0 &&
         appendBusVariant(message.get(), value) >= 0)
         tell(message);
 }
 
 // Expects no reply, because the result appears in the player's properties.
-void MprisPlayers::tell(const BusQuestion& call) {
+void MprisPlayers::tell(const BusRequest& call) {
     if (!call) return;
     sd_bus_message_set_expect_reply(call.get(), 0);
     sd_bus_send(nullptr, call.get(), nullptr);

@@ -13,7 +13,7 @@
 #include "platform/MainThread.hpp"
 #include "platform/MediaPlayers.hpp"
 #include "platform/Observable.hpp"
-#include "platform/linux/bus/BusQuestion.hpp"
+#include "platform/linux/bus/BusRequest.hpp"
 #include "platform/linux/bus/SessionBus.hpp"
 
 namespace quorvane {
@@ -60,7 +60,7 @@ private:
     void forSender(sd_bus_message* message, Action action);
     void takePosition(Entry& entry, std::int64_t microseconds);
     void askIdentity(Entry& entry);
-    void tell(const BusQuestion& call);
+    void tell(const BusRequest& call);
     void changed();
     void publish();
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/bus/BusQuestion.hpp"
+#include "platform/linux/bus/BusRequest.hpp"
 
 namespace quorvane {
 namespace {
@@ -63,12 +63,13 @@ void ScreenSaverSignals::ask(std::size_t index) {
     Service& service = services_[index];
     sd_bus* bus = bus_.connection();
     const auto call =
-        newBusQuestion(bus, service.name, pathOf(service.name), service.name, "GetActive");
-    service.question = askBus(bus, call, kAnswerDeadline, [this, index](sd_bus_message* reply) {
-        int isActive = 0;
-        if (reply && sd_bus_message_read(reply, "b", &isActive) < 0) isActive = 0;
-        set(index, isActive != 0);
-    });
+        newBusRequest(bus, service.name, pathOf(service.name), service.name, "GetActive");
+    service.question =
+        sendBusRequest(bus, call, kAnswerDeadline, [this, index](sd_bus_message* reply) {
+            int isActive = 0;
+            if (reply && sd_bus_message_read(reply, "b", &isActive) < 0) isActive = 0;
+            set(index, isActive != 0);
+        });
 }
 
 void ScreenSaverSignals::set(std::size_t index, bool isActive) {

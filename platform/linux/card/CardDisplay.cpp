@@ -20,7 +20,7 @@ bool agreeOutside(const std::vector<PixelRect>& parts, Pixels one, Pixels other)
 }  // namespace
 
 std::unique_ptr<CardDisplay> CardDisplay::make(X11Session& x11, const Clock& clock,
-                                               LockerChild& child, const CardStyle& style,
+                                               CardXWindow& child, const CardStyle& style,
                                                double scale, std::shared_ptr<PictureCache> pictures,
                                                const Transform& transform,
                                                std::function<void()> backdropChanged) {
@@ -30,7 +30,7 @@ std::unique_ptr<CardDisplay> CardDisplay::make(X11Session& x11, const Clock& clo
     return display->prepare() ? std::move(display) : nullptr;
 }
 
-CardDisplay::CardDisplay(X11Session& x11, const Clock& clock, LockerChild& child,
+CardDisplay::CardDisplay(X11Session& x11, const Clock& clock, CardXWindow& child,
                          const CardStyle& style, double scale,
                          std::shared_ptr<PictureCache> pictures, const Transform& transform,
                          std::function<void()> backdropChanged)
@@ -39,7 +39,7 @@ CardDisplay::CardDisplay(X11Session& x11, const Clock& clock, LockerChild& child
       child_(child),
       style_(style),
       scale_(scale),
-      lockerPicture_(x11, child.locker().window),
+      backdrop_(x11, child.locker().window),
       painter_(style, scale, std::move(pictures)),
       transform_(transform),
       backdropChanged_(std::move(backdropChanged)) {}
@@ -49,7 +49,7 @@ bool CardDisplay::prepare() {
     buffer_ = WindowBuffer::make(x11_.connection(), child_.window(), place.width, place.height,
                                  child_.depth());
     if (!buffer_) return false;
-    auto visible = lockerPicture_.visible(place, buffer_->shared());
+    auto visible = backdrop_.visible(place, buffer_->shared());
     if (!visible) return false;
     painter_.setBackdrop(std::move(*visible));
     shapeAsCard();
@@ -62,28 +62,28 @@ void CardDisplay::afterFrame() {
 
 void CardDisplay::beginWatching() {
     watch_.emplace(x11_, clock_, child_.locker().window, child_.place(),
-                   LockerPictureWatch::Listener{.drawn = [this] { lockerHasDrawn(); },
-                                                .rested = [this] { lockerRests(); }});
+                   BackdropWatch::Listener{.drawn = [this] { lockerHasDrawn(); },
+                                           .rested = [this] { lockerRests(); }});
     if (watch_->isWatching()) lockerRests();
 }
 
 // Checked at each drawing, because the edge changes together with the pixels behind the margin, or
 // before them where something moves in from outside.
 void CardDisplay::lockerHasDrawn() {
-    if (isFollowing_ && lockerPicture_.visibleEdge(place()) != edge_) stopFollowing();
+    if (isFollowing_ && backdrop_.visibleEdge(place()) != edge_) stopFollowing();
 }
 
 // If the background's edge differs from the visible one, the picture is unfinished or painted over.
 void CardDisplay::lockerRests() {
-    auto background = lockerPicture_.background(place());
-    if (!background || lockerPicture_.visibleEdge(place()) != background->edge) return;
+    auto background = backdrop_.background(place());
+    if (!background || backdrop_.visibleEdge(place()) != background->edge) return;
     if (isFollowing_) {
         if (agreeOutside(child_.holes(), background->picture, painter_.backdrop())) return;
         stopFollowing();
         return watch_->awaitRest();
     }
     // Outside the card's outline the locker itself is visible now.
-    auto visible = lockerPicture_.visible(child_.place());
+    auto visible = backdrop_.visible(child_.place());
     std::vector<PixelRect> other = child_.outline();
     other.insert(other.end(), child_.holes().begin(), child_.holes().end());
     if (visible && agreeOutside(other, std::move(*visible), background->picture))
@@ -92,7 +92,7 @@ void CardDisplay::lockerRests() {
 
 LockerPlace CardDisplay::place() const { return {child_.place(), child_.holes()}; }
 
-void CardDisplay::follow(LockerPicture::Background background) {
+void CardDisplay::follow(Backdrop::Background background) {
     isFollowing_ = true;
     watch_->setImmediate(true);
     edge_ = std::move(background.edge);

@@ -7,10 +7,10 @@
 #include <optional>
 
 #include "platform/Clock.hpp"
+#include "platform/linux/card/Backdrop.hpp"
+#include "platform/linux/card/BackdropWatch.hpp"
 #include "platform/linux/card/CardPainter.hpp"
-#include "platform/linux/card/LockerChild.hpp"
-#include "platform/linux/card/LockerPicture.hpp"
-#include "platform/linux/card/LockerPictureWatch.hpp"
+#include "platform/linux/card/CardXWindow.hpp"
 #include "platform/linux/card/WindowBuffer.hpp"
 
 namespace quorvane {
@@ -25,7 +25,7 @@ public:
     // `backdropChanged` is called when the backdrop has changed; the caller then redraws
     // everything.
     static std::unique_ptr<CardDisplay> make(X11Session& x11, const Clock& clock,
-                                             LockerChild& child, const CardStyle& style,
+                                             CardXWindow& child, const CardStyle& style,
                                              double scale, std::shared_ptr<PictureCache> pictures,
                                              const Transform& transform,
                                              std::function<void()> backdropChanged);
@@ -43,31 +43,31 @@ public:
     void showAgain(const PixelRect& part);
 
 private:
-    CardDisplay(X11Session& x11, const Clock& clock, LockerChild& child, const CardStyle& style,
+    CardDisplay(X11Session& x11, const Clock& clock, CardXWindow& child, const CardStyle& style,
                 double scale, std::shared_ptr<PictureCache> pictures, const Transform& transform,
                 std::function<void()> backdropChanged);
     bool prepare();
     void beginWatching();
     void lockerHasDrawn();
     void lockerRests();
-    void follow(LockerPicture::Background background);
+    void follow(Backdrop::Background background);
     void stopFollowing();
     void shapeAsCard();
     LockerPlace place() const;
 
     X11Session& x11_;
     Clock clock_;
-    LockerChild& child_;
+    CardXWindow& child_;
     CardStyle style_;
     double scale_;
-    LockerPicture lockerPicture_;
+    Backdrop backdrop_;
     CardPainter painter_;
     std::unique_ptr<WindowBuffer> buffer_;
     Transform transform_;  // of the last drawing
     std::function<void()> backdropChanged_;
     bool isFollowing_ = false;
     EdgePixels edge_;  // around the backdrop that is followed
-    std::optional<LockerPictureWatch> watch_;
+    std::optional<BackdropWatch> watch_;
 };
 
 }  // namespace quorvane

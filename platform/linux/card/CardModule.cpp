@@ -4,7 +4,7 @@
 
 #include "platform/linux/card/CardStageX11.hpp"
 #include "platform/linux/card/CardWindowX11.hpp"
-#include "platform/linux/drawing/TextLayouts.hpp"
+#include "platform/linux/drawing/TextLayoutCache.hpp"
 
 namespace quorvane {
 namespace {

@@ -124,7 +124,7 @@ void CardPainter::drawPart(cairo_surface_t* target, const StageLook& look, const
     // This drawing may have changed rows that the cached part assumes unchanged.
     if (scrolling_ && !scrolling_->part().intersection(part).isEmpty()) scrolling_.reset();
     if (scrolling_ || !canScroll(look)) return;
-    scrolling_ = ScrollingPart::make(
+    scrolling_ = ScrollingRegion::make(
         look.scene, part, {style_.shadowMargin, scale_}, canvas_.texts(),
         [&](const Scene& still) { return picture({.scene = still, .transform = {}}, part); });
 }

@@ -9,7 +9,7 @@
 
 #include "drawing/CardWindows.hpp"
 #include "drawing/pictures/Pixels.hpp"
-#include "platform/linux/card/ScrollingPart.hpp"
+#include "platform/linux/card/ScrollingRegion.hpp"
 #include "platform/linux/drawing/CairoCanvas.hpp"
 #include "platform/linux/drawing/CairoHandles.hpp"
 
@@ -66,7 +66,7 @@ private:
     CairoSurface chromeSurface_;
     std::array<PixelRect, 2> opaque_{};  // where the chrome hides the backdrop
     CairoSurface moving_;
-    std::optional<ScrollingPart> scrolling_;  // as the target shows it
+    std::optional<ScrollingRegion> scrolling_;  // as the target shows it
     CairoCanvas canvas_;
 };
 

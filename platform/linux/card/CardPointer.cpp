@@ -10,7 +10,7 @@
 
 namespace quorvane {
 
-CardPointer::CardPointer(X11Session& x11, LockerChild& child, const CardStyle& style, double scale,
+CardPointer::CardPointer(X11Session& x11, CardXWindow& child, const CardStyle& style, double scale,
                          Listener listener)
     : x11_(x11),
       child_(child),
@@ -23,8 +23,8 @@ CardPointer::CardPointer(X11Session& x11, LockerChild& child, const CardStyle& s
     observeCursor();
 }
 
-// The server reports changes of the displayed cursor to any selecting window. Selecting on the
-// child makes the selection end with the card.
+// The server reports changes of the displayed cursor to any selecting window. The selection ends
+// with this pointer, and at the latest with the card's window.
 void CardPointer::observeCursor() {
     xcb_connection_t* connection = x11_.connection();
     const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
@@ -52,6 +52,8 @@ void CardPointer::cardMoved() {
 }
 
 CardPointer::~CardPointer() {
+    if (cursorChanges_ && child_.isStanding())
+        xcb_xfixes_select_cursor_input(x11_.connection(), child_.window(), 0);
     report(press_.cancel());
     if (showsArrow_) listener_.arrow(std::nullopt);
 }

@@ -8,7 +8,7 @@
 
 #include "drawing/CardWindows.hpp"
 #include "drawing/pictures/CardShape.hpp"
-#include "platform/linux/card/LockerChild.hpp"
+#include "platform/linux/card/CardXWindow.hpp"
 #include "platform/linux/card/PressTracker.hpp"
 #include "platform/linux/x11/X11Session.hpp"
 
@@ -26,7 +26,7 @@ public:
     };
 
     // The child outlives it. The destructor cancels a press in progress.
-    CardPointer(X11Session& x11, LockerChild& child, const CardStyle& style, double scale,
+    CardPointer(X11Session& x11, CardXWindow& child, const CardStyle& style, double scale,
                 Listener listener);
     ~CardPointer();
     CardPointer(const CardPointer&) = delete;
@@ -46,7 +46,7 @@ private:
     bool lockerHidesPointer();
 
     X11Session& x11_;
-    LockerChild& child_;
+    CardXWindow& child_;
     CardStyle style_;
     CardShape shape_;
     double scale_;

@@ -22,7 +22,7 @@ std::unique_ptr<CardWindowX11> CardWindowX11::make(std::shared_ptr<CardResources
         new CardWindowX11{std::move(resources), settings, screen}};
     CardWindowX11& self = *window;
     window->child_ =
-        LockerChild::make(self.resources_->x11, self.resources_->log, settings.frame, screen,
+        CardXWindow::make(self.resources_->x11, self.resources_->log, settings.frame, screen,
                           {.destroyed = [&self] { self.vanish(); },
                            .exposed =
                                [&self](const PixelRect& part) {

@@ -12,7 +12,7 @@
 #include "platform/linux/card/CardDisplay.hpp"
 #include "platform/linux/card/CardPointer.hpp"
 #include "platform/linux/card/CardStageX11.hpp"
-#include "platform/linux/card/LockerChild.hpp"
+#include "platform/linux/card/CardXWindow.hpp"
 #include "platform/linux/loop/Listeners.hpp"
 
 namespace quorvane {
@@ -115,7 +115,7 @@ private:
     Timer nextFrame_;
     Handle pictures_;
     // Each refers to the one above.
-    std::unique_ptr<LockerChild> child_;
+    std::unique_ptr<CardXWindow> child_;
     std::unique_ptr<CardDisplay> display_;
     std::unique_ptr<CardPointer> pointer_;
     // Posted actions hold this instead of the window.

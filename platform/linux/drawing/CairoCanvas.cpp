@@ -38,7 +38,7 @@ struct Painter {
     double scale;
     bool isRightToLeft;
     PictureCache& pictures;
-    TextLayouts& texts;
+    TextLayoutCache& texts;
     SymbolMasks& symbols;
     std::vector<double> groupOpacities{};
 

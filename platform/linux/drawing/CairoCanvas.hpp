@@ -6,7 +6,7 @@
 #include "drawing/Canvas.hpp"
 #include "platform/linux/drawing/PictureCache.hpp"
 #include "platform/linux/drawing/SymbolMasks.hpp"
-#include "platform/linux/drawing/TextLayouts.hpp"
+#include "platform/linux/drawing/TextLayoutCache.hpp"
 
 namespace quorvane {
 
@@ -16,7 +16,7 @@ public:
     // `scale` is the target's pixels per point. Canvases may share a picture cache; null creates a
     // private cache that decodes synchronously.
     explicit CairoCanvas(double scale, std::shared_ptr<PictureCache> pictures = nullptr,
-                         std::string fontFamilies = TextLayouts::kSystemFont);
+                         std::string fontFamilies = TextLayoutCache::kSystemFont);
 
     // The context's user space is the scene's: points, with y growing downward. Draws only inside
     // the clip, and nothing outside a node's frame.
@@ -26,12 +26,12 @@ public:
     void setTarget(CairoSurface target) { target_ = std::move(target); }
     void draw(const Scene& scene) override;
 
-    TextLayouts& texts() { return texts_; }
+    TextLayoutCache& texts() { return texts_; }
 
 private:
     double scale_;
     std::shared_ptr<PictureCache> pictures_;
-    TextLayouts texts_;
+    TextLayoutCache texts_;
     SymbolMasks symbols_;
     CairoSurface target_;
 };

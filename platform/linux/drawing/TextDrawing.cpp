@@ -4,8 +4,8 @@
 #include <cmath>
 #include <optional>
 
-#include "platform/linux/drawing/LineCoverage.hpp"
-#include "platform/linux/drawing/TextRuns.hpp"
+#include "platform/linux/drawing/GlyphCoverage.hpp"
+#include "platform/linux/drawing/ShapedRuns.hpp"
 
 namespace quorvane {
 namespace {
@@ -22,12 +22,12 @@ Point snapped(cairo_t* cairo, Point point) {
     return point;
 }
 
-CairoPattern evenly(const Color& color) {
+CairoPattern solidPattern(const Color& color) {
     return CairoPattern{cairo_pattern_create_rgba(color.red, color.green, color.blue, color.alpha)};
 }
 
 // The line's colour, fading toward both ends of the frame.
-CairoPattern fading(const TextNode& node) {
+CairoPattern fadePattern(const TextNode& node) {
     CairoPattern paint{cairo_pattern_create_linear(node.frame.x, 0, node.frame.maxX(), 0)};
     const Color& color = node.color;
     for (const FadeStop& stop : fadeStops(node))
@@ -88,7 +88,7 @@ void drawLine(cairo_t* cairo, const TextLine& line, const Color& color, Point st
               cairo_pattern_t* paint) {
     const CairoState state{cairo};
     const std::optional<double> scale = uprightScale(cairo);
-    const auto coverage = scale ? LineCoverage::of(line, *scale) : nullptr;
+    const auto coverage = scale ? GlyphCoverage::of(line, *scale) : nullptr;
     if (!coverage) {
         setLineAsSource(cairo, line, color, start, scale);
         return cairo_mask(cairo, paint);
@@ -100,7 +100,7 @@ void drawLine(cairo_t* cairo, const TextLine& line, const Color& color, Point st
                    static_cast<int>(std::lround(start.y)));
 }
 
-void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts,
+void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts,
                 cairo_pattern_t* paint) {
     const TextLine& line = texts.line(node.text, node.font);
     // The resting place is rounded separately, so that frames timed for whole pixels of scrolling
@@ -111,22 +111,23 @@ void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLa
         drawLine(cairo, line, node.color, snapped(cairo, {left, start.y}), paint);
 }
 
-void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
+void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts) {
     const TextLine* line = &texts.line(node.text, node.font);
     if (isTooWide(node, line->width)) line = &texts.line(node.text, node.font, node.frame.width);
     const Point start = snapped(cairo, {leftEdgeOf(node, line->width, isRightToLeft),
                                         baselineOf(node.frame, line->heights)});
-    drawLine(cairo, *line, node.color, start, evenly(node.color).get());
+    drawLine(cairo, *line, node.color, start, solidPattern(node.color).get());
 }
 
 // A gradient takes far longer than a solid colour, so only the two ends use it. The ends meet the
 // middle on whole pixels, because otherwise a seam would show.
-void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
+void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft,
+                   TextLayoutCache& texts) {
     const Rect& frame = node.frame;
     const double fade = std::min(node.scroll->fade, frame.width / 2);
     const double left = snapped(cairo, {frame.x + fade, 0}).x;
     const double right = snapped(cairo, {frame.maxX() - fade, 0}).x;
-    const CairoPattern ends = fading(node);
+    const CairoPattern ends = fadePattern(node);
     const auto drawBetween = [&](double begin, double end, cairo_pattern_t* paint) {
         if (end <= begin) return;
         const CairoState state{cairo};
@@ -135,13 +136,13 @@ void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft, Tex
         drawCopies(cairo, node, isRightToLeft, texts, paint);
     };
     drawBetween(frame.x, left, ends.get());
-    drawBetween(left, right, evenly(node.color).get());
+    drawBetween(left, right, solidPattern(node.color).get());
     drawBetween(right, frame.maxX(), ends.get());
 }
 
 }  // namespace
 
-void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts) {
+void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts) {
     const CairoState state{cairo};
     const Rect& frame = node.frame;
     cairo_rectangle(cairo, frame.x, frame.y, frame.width, frame.height);

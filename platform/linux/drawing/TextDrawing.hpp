@@ -4,10 +4,10 @@
 #include <cairo.h>
 
 #include "drawing/Scene.hpp"
-#include "platform/linux/drawing/TextLayouts.hpp"
+#include "platform/linux/drawing/TextLayoutCache.hpp"
 
 namespace quorvane {
 
-void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayouts& texts);
+void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts);
 
 }  // namespace quorvane

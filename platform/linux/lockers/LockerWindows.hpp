@@ -11,7 +11,7 @@
 #include "platform/Clock.hpp"
 #include "platform/linux/loop/Listeners.hpp"
 #include "platform/linux/x11/MonitorsLinux.hpp"
-#include "platform/linux/x11/TopLevels.hpp"
+#include "platform/linux/x11/TopLevelWindows.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Session.hpp"
 
@@ -51,7 +51,7 @@ private:
     MonitorsLinux& monitors_;
     Clock clock_;
     LockerNames names_;
-    TopLevels topLevels_;
+    TopLevelWindows topLevels_;
     bool isStale_ = true;
     std::vector<LockerWindow> windows_;
     std::vector<xcb_window_t> onMonitors_;  // the locker's window on each monitor

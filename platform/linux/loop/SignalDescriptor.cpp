@@ -42,7 +42,10 @@ SignalDescriptor::SignalDescriptor(int signal)
     install(signal, wakeSigHandler, &before_);
 }
 
-SignalDescriptor::~SignalDescriptor() { sigaction(signal_, &before_, nullptr); }
+SignalDescriptor::~SignalDescriptor() {
+    sigaction(signal_, &before_, nullptr);
+    descriptors[signal_] = -1;  // a handler that still runs must not write into a reused number
+}
 
 bool SignalDescriptor::wait() const {
     // The thread sanitizer runs no handlers inside eventfd_read, but does inside poll.

@@ -1,7 +1,7 @@
 // Card window: a panel that contains a stage. For Objective-C++ only.
 #pragma once
 
-#include "drawing/MarginMouse.hpp"
+#include "drawing/MarginHitTest.hpp"
 #include "platform/Clock.hpp"
 #include "platform/macos/card/CardPanel.hpp"
 #include "platform/macos/card/CardStageMacOS.hpp"
@@ -36,7 +36,7 @@ private:
     CardPanel* panel_;
     std::shared_ptr<CardStageMacOS> stage_;
     std::function<void(Point)> mouseDownObserver_;
-    MarginMouse mouse_;
+    MarginHitTest mouse_;
     Clock clock_;
     Timer nextLook_;  // polls the pointer while no events report it
 };

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "drawing/Canvas.hpp"
-#include "drawing/RecentLines.hpp"
+#include "drawing/LineCache.hpp"
 #include "drawing/TextPlacement.hpp"
 #include "platform/macos/foundation/CFHandle.hpp"
 
@@ -28,7 +28,7 @@ public:
                          std::optional<double> fit = std::nullopt);
 
 private:
-    RecentLines<TextLine> recent_;
+    LineCache<TextLine> recent_;
 };
 
 }  // namespace quorvane

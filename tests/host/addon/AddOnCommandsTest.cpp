@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "QuorvaneKit/link/SharedDefaults.hpp"
-#include "host/addon/BundleToInstall.hpp"
+#include "host/addon/BundleSource.hpp"
 #include "host/addon/DeliveredRemoval.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"

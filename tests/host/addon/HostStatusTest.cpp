@@ -7,7 +7,7 @@
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 #include "host/addon/HostStatusQuery.hpp"
-#include "host/link/CardSwitch.hpp"
+#include "host/link/CardEnabledSetting.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
@@ -67,7 +67,7 @@ TEST(HostStatus, TellsOfCardAddOnAndSession) {
     expect("Card:    off");
     status.place = {.supportDirectory = "/a",
                     .bundle = "/a/X.app",
-                    .state = AddOnPlace::State::installed,
+                    .state = AddOnInstallation::State::installed,
                     .version = "1.2\n",
                     .trouble = {}};
     expect("Card:    off (turn on with: quorvane-host enable)");
@@ -77,9 +77,9 @@ TEST(HostStatus, TellsOfCardAddOnAndSession) {
     EXPECT_TRUE(lineOf(status, "Card").starts_with("Card:    on, but the last lock screen had no"));
     status.pendingRemoval.emplace();
     expect("Card:    off; the add-on has been asked to remove itself");
-    status.place.state = AddOnPlace::State::damaged;
+    status.place.state = AddOnInstallation::State::damaged;
     expect("Install: damaged (repair with: quorvane-host install; or run: quorvane-host remove)");
-    status.place.state = AddOnPlace::State::foreign;
+    status.place.state = AddOnInstallation::State::foreign;
     status.place.trouble = "/a is not a folder";
     expect("Install: no; /a is not a folder");
 
@@ -114,7 +114,7 @@ protected:
                                .distributedNotices = notices.distributed(),
                                .sharedSuite = defaults.table(),
                                .addOnDefaults = addOnDefaults.table(),
-                               .lookAtPlace = [] { return AddOnPlace{}; },
+                               .lookAtPlace = [] { return AddOnInstallation{}; },
                                .isAddOnRunning = [] { return true; }}};
         std::vector<HostStatus> answers;
         query.start([&](HostStatus status) { answers.push_back(std::move(status)); });
@@ -180,7 +180,7 @@ TEST_F(HostStatusQueryTest, AnswersThatAreNone) {
     EXPECT_EQ(ask().state, std::unexpected{notReachable});
 }
 
-TEST(CardSwitch, WritesPostsAndSaysWhatItDid) {
+TEST(CardEnabledSetting, WritesPostsAndSaysWhatItDid) {
     MemoryDefaults defaults;
     FakeNotices notices;
     MemoryPorts ports;
@@ -190,9 +190,9 @@ TEST(CardSwitch, WritesPostsAndSaysWhatItDid) {
             ++posts;
             EXPECT_GT(defaults.synchronizations, 0) << "who is told must find it written";
         });
-    CardSwitch card{.connectPort = ports.connectPort(),
-                    .darwinNotices = notices.darwin(),
-                    .sharedSuite = defaults.table()};
+    CardEnabledSetting card{.connectPort = ports.connectPort(),
+                            .darwinNotices = notices.darwin(),
+                            .sharedSuite = defaults.table()};
     EXPECT_EQ(card.set(true),
               "The card is on.\n"
               "No host is running: this takes effect with the next quorvane-host run.\n");

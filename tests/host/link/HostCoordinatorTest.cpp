@@ -29,7 +29,7 @@ struct FakePlayer : PlayerSource {
     bool perform(QuorvaneAction action) override { return hear(std::string{name(action)}); }
     bool setVolume(std::int64_t v) override { return hear("volume " + std::to_string(v)); }
     bool setRating(std::int64_t v) override { return hear("rating " + std::to_string(v)); }
-    void freshen() override { heard.push_back("freshen"); }
+    void refresh() override { heard.push_back("refresh"); }
 
     bool hear(std::string command) {
         heard.push_back(std::move(command));
@@ -201,7 +201,7 @@ TEST_F(HostCoordinatorTest, HandsOutTheStateOfTheMoment) {
     EXPECT_DOUBLE_EQ(answer.playerPosition, 52) << "without the main thread's doing";
     EXPECT_TRUE(takeHeard().empty());
     main.run();
-    EXPECT_EQ(takeHeard(), Texts{"freshen"});
+    EXPECT_EQ(takeHeard(), Texts{"refresh"});
 }
 
 TEST_F(HostCoordinatorTest, CommandsReachThePlayerOnTheMainThread) {

@@ -195,10 +195,10 @@ TEST_F(MprisPlayerTest, AsksAgainWhenSomebodyLooksButNotAllTheTime) {
     MediaPlayer& mpv = add(kMpv, "Playing", "song");
     start();
     takeSaid();
-    for (int i = 0; i < 5; ++i) player->freshen();
+    for (int i = 0; i < 5; ++i) player->refresh();
     EXPECT_EQ(takeSaid().size(), 1u);
     clock.advance(2s);
-    player->freshen();
+    player->refresh();
     EXPECT_EQ(takeSaid().size(), 1u);
     tellPosition(mpv, 3);
     EXPECT_TRUE(takeSaid().empty()) << "an answer is no reason to ask";
@@ -210,7 +210,7 @@ TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
     read();
     EXPECT_EQ(artwork(), "");
     files.put("/late.png", "late");
-    player->freshen();
+    player->refresh();
     EXPECT_EQ(artwork(), "");
     read();
     EXPECT_EQ(artwork(), "late");
@@ -221,12 +221,12 @@ TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
     EXPECT_EQ(files.reads, 1);
     files.put("/late.png", "later");
     clock.advance(2s);
-    player->freshen();
+    player->refresh();
     read();
     EXPECT_EQ(artwork(), "later");
     clock.advance(2s);
     files.remove("/late.png");
-    player->freshen();
+    player->refresh();
     read();
     EXPECT_EQ(artwork(), "");
 }

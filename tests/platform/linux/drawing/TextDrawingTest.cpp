@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/linux/drawing/TextLayouts.hpp"
+#include "platform/linux/drawing/TextLayoutCache.hpp"
 #include "tests/platform/linux/drawing/DrawnScene.hpp"
 
 namespace quorvane {
@@ -102,7 +102,7 @@ TEST(TextDrawing, LettersStandWhereTheyWereLaidOut) {
 }
 
 TEST(TextDrawing, LaysOutOnlyWhatCouldBeRead) {
-    TextLayouts layouts;
+    TextLayoutCache layouts;
     const double bound = layouts.line(std::string(401, 'W'), kFont).width;
     EXPECT_EQ(layouts.line(std::string(100'000, 'W'), kFont).width, bound);
 }

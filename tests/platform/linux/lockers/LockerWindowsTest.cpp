@@ -1,7 +1,7 @@
 // Which windows on a real X server are taken for lockers, and what the watcher tells of them.
 #include <random>
 
-#include "platform/linux/x11/TopLevels.hpp"
+#include "platform/linux/x11/TopLevelWindows.hpp"
 #include "tests/platform/linux/lockers/LockFixture.hpp"
 
 namespace quorvane {
@@ -308,7 +308,7 @@ TEST_F(LockerWindows, AreStackedAsTheServerSays) {
     watch();
     auto x11 = X11Connection::open(loop(), server.display(), [] {});
     ASSERT_TRUE(x11);
-    TopLevels topLevels{**x11, [] {}};
+    TopLevelWindows topLevels{**x11, [] {}};
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::minstd_rand random{seed};
