@@ -46,7 +46,7 @@ TEST(EndToEndLife, AnUpdateWhileTheCardShowsBringsItBack) {
     LoggedProcess locker = life.session.startLocker();
     ASSERT_TRUE(life.says("entrance: window"));
     const auto updated = life.host({"update", "--from", life.copyBundle("new/X.app", "1.10.0")});
-    EXPECT_EQ(updated.text, "Updated 1.0.0 to version 1.10.0.\nThe add-on runs.\n");
+    EXPECT_EQ(updated.text, "Updated 1.0.0 to version 1.10.0.\nThe add-on is running.\n");
     // In one log, so in this order: the new card comes after the old one has gone.
     EXPECT_TRUE(life.says("installer: quitting"));
     EXPECT_TRUE(life.says("windows: closing 1"));

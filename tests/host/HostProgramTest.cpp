@@ -67,7 +67,7 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.text.starts_with("Host:    Quorvane is not reachable")) << result.text;
     LoggedProcess host = startHost();
-    ASSERT_TRUE(host.says("the card is off; turn it on with"));
+    ASSERT_TRUE(host.says("the card is off (turn on with"));
     ASSERT_TRUE(host.says("serving;"));
     result = run({"enable"});
     EXPECT_EQ(result.status, 0);

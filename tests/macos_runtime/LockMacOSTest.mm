@@ -256,6 +256,7 @@ TEST_F(LockMacOSTest, TheInstallerIsAnsweredAndObeyed) {
 
 TEST_F(LockMacOSTest, AnUninstallLeavesNothing) {
     setAnswer("SMAppService.status", 1);
+    setAnswer("CFPreferencesAppSynchronize", true);
     run(
         [this] {
             keep({"SMAppService", "removeItem", "removePersistentDomain", "terminate:"});

@@ -31,14 +31,14 @@ const std::vector<Element>& elements() {
         {"title", {98, 25, 66, 13}, kText},
         {"artist", {98, 46, 119, 17}, kText},
         {"heart", {360, 33, 20, 18}},
-        {"progress", {98, 78, 282, 6}},
+        {"progress", {98, 80, 282, 4}},
         {"elapsed", {99, 91, 27, 10}, kText},
         {"remaining", {344, 91, 36, 10}, kText},
-        {"previous", {112, 139, 34, 22}, kExact, false},
-        {"pause", {190, 137, 20, 26}, kExact, false},
-        {"next", {254, 139, 34, 22}, kExact, false},
-        {"quiet speaker", {20, 187, 9, 14}},
-        {"volume", {38, 191, 312, 6}},
+        {"previous", {112, 135, 34, 22}, kExact, false},
+        {"pause", {190, 133, 20, 26}, kExact, false},
+        {"next", {254, 135, 34, 22}, kExact, false},
+        {"quiet speaker", {26.5, 187, 9, 14}},
+        {"volume", {50, 191, 300, 6}},
         {"loud speaker", {358, 185, 21, 18}},
     };
     return all;
@@ -143,10 +143,10 @@ TEST(Picture, ShowsWhatIsHeld) {
     CardRenderOptions options;
     options.pressed = SceneControl::ID::playPause;
     expectElements(Drawn{"Tideline", "Harbour Lights", options},
-                   changed("pause", {176, 126, 48, 48}));
+                   changed("pause", {176, 122, 48, 48}));
     options.pressed = SceneControl::ID::volume;
     expectElements(Drawn{"Tideline", "Harbour Lights", options},
-                   changed("volume", {38, 189, 312, 10}));
+                   changed("volume", {50, 189, 300, 10}));
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ TEST(HostCommandLine, ExplainsWhatIsWrong) {
     const std::pair<Arguments, std::string> rows[] = {
         {{"sing"}, "unknown command 'sing'"},
         {{""}, "unknown command ''"},
-        {{"run", "status"}, "one command at a time: 'status' is too much"},
+        {{"run", "status"}, "unexpected argument 'status': give one command at a time"},
         {{"--loud"}, "unknown option '--loud'"},
         {{"--loud=1"}, "unknown option '--loud'"},
         {{"--script"}, "--script needs a value: --script FILE"},

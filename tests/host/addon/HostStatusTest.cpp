@@ -33,7 +33,7 @@ TEST(HostStatus, TellsWhatTheHostPlays) {
     const std::pair<HostStatus::Failure, const char*> failures[] = {
         {notReachable, "Host:    Quorvane is not reachable; start it with: quorvane-host run"},
         {late,
-         "Host:    Quorvane did not answer in time; if it stays so, end the host and start it "
+         "Host:    Quorvane did not answer in time; if this repeats, stop the host and start it "
          "again"},
         {noAnswer,
          "Host:    Quorvane did not answer the request; stop the host and start it again"}};
