@@ -4,12 +4,13 @@
 #include <optional>
 #include <span>
 
+#include "AddOnKit/card/PlayerLayout.hpp"
 #include "drawing/Geometry.hpp"
 
 namespace quorvane {
 
-inline constexpr Size kCardSize{400, 222};
-inline constexpr double kCardCornerRadius = 30;
+using PlayerLayout::kCardCornerRadius;
+using PlayerLayout::kCardSize;
 inline constexpr double kCardShadowMargin = 52;
 
 namespace CardPlacement {
