@@ -7,7 +7,6 @@ set(QUORVANE_MACOS_FOUNDATION
 set(QUORVANE_MACOS_FILES
     files/BundleFilesMacOS.mm
     files/BundlePropertiesMacOS.mm
-    files/FileManagerMacOS.mm
     files/FilesMacOS.mm
     files/RegularFilesMacOS.cpp
     files/UserDefaultsMacOS.mm
@@ -17,8 +16,10 @@ set(QUORVANE_MACOS_SERVICES
     services/ClockMacOS.mm
     services/DarwinNoticesMacOS.mm
     services/DistributedNoticesMacOS.mm
+    services/FileManagerMacOS.mm
     services/InstallationMacOS.mm
     services/LockSourcesMacOS.mm
+    services/LiveServicesMacOS.mm
     services/LogMacOS.mm
     services/LoginItemMacOS.mm
     services/MainThreadMacOS.mm
@@ -52,5 +53,5 @@ set(QUORVANE_MACOS_CARD
     card/SymbolImages.mm
     card/TextLinesMacOS.mm
 )
-set(QUORVANE_MACOS_SOURCES LiveServicesMacOS.mm LivePlatformMacOS.mm)
+set(QUORVANE_MACOS_SOURCES LivePlatformMacOS.mm)
 list(APPEND QUORVANE_MACOS_SOURCES ${QUORVANE_MACOS_FOUNDATION} ${QUORVANE_MACOS_FILES} ${QUORVANE_MACOS_SERVICES} ${QUORVANE_MACOS_PORTS} ${QUORVANE_MACOS_CARD})
