@@ -1,6 +1,6 @@
 #include "drawing/SingleLine.hpp"
 
-#include "drawing/Character.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 namespace {

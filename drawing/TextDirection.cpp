@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "drawing/Character.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 namespace {

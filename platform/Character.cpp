@@ -1,4 +1,4 @@
-#include "drawing/Character.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 
