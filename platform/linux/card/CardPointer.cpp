@@ -29,8 +29,9 @@ void CardPointer::observeCursor() {
     xcb_connection_t* connection = x11_.connection();
     const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
     if (!extension || !extension->present) return;
-    xcbReply(xcb_xfixes_query_version_reply, connection,
-             xcb_xfixes_query_version(connection, 5, 0));
+    // The server refuses XFixes requests until a version is agreed; the answer does not matter
+    // here.
+    xcb_discard_reply(connection, xcb_xfixes_query_version(connection, 5, 0).sequence);
     xcb_xfixes_select_cursor_input(connection, child_.window(),
                                    XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR);
     cursorChanges_ = x11_.observeEvents(
