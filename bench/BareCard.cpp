@@ -1,5 +1,5 @@
-// Opens the card's libraries, writes two lines of text, decodes one picture, says so, and waits:
-// what any program must take that does as much.
+// Opens the card's libraries, draws two lines of text, decodes a picture, prints a line and waits:
+// the least memory that a card can use.
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <pango/pangocairo.h>

@@ -1,5 +1,5 @@
-// Opens the libraries that the add-on opens, says so, and waits: what any program of this size must
-// take to start.
+// Opens the add-on's libraries, prints a line and waits: the least time in which the add-on can
+// start.
 
 #include <unistd.h>
 

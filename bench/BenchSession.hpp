@@ -1,5 +1,5 @@
-// A session of a timed program's own: X server, bus and folders, in which host, add-on and a real
-// locker run. The screen has two pixels a point.
+// A private session with X server, bus and folders, in which host, add-on and a real locker run.
+// The screen has two pixels per point.
 #pragma once
 
 #include <string>
@@ -15,9 +15,9 @@ namespace quorvane {
 
 class BenchSession {
 public:
-    // One scripted track that plays, or stands still.
+    // Plays one scripted track, or holds it paused.
     BenchSession(const std::string& title, bool isPlaying) {
-        unsetenv("WAYLAND_DISPLAY");  // lockers of X servers refuse to start beside it
+        unsetenv("WAYLAND_DISPLAY");  // X11 lockers refuse to start when it is set
         FrameWatch::setDotsPerInch(x_.display(), 192);
         folder_.write("script.json",
                       R"({"player": "appleMusic", "volume": 64, "autoplay": )" +
@@ -30,7 +30,7 @@ public:
             .wait(std::chrono::seconds{20});
         host_ = start({HOST_PROGRAM, "run", "--player", "scripted", "--script",
                        (folder_ / "script.json").string()});
-        // Main and query ports each say it.
+        // The main port and each query port log it.
         for (int port = 0; port < 5; ++port) require(host_, "started on dedicated thread");
     }
 
@@ -44,7 +44,7 @@ public:
              "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent", "QUORVANE_LOG=stderr",
              "LC_ALL=C.UTF-8"}};
     }
-    // Watching the lock and knowing the music when this returns.
+    // Returns when the add-on watches the lock and has a state.
     LoggedProcess startAddOn() const {
         LoggedProcess addOn = start({ADDON_PROGRAM});
         require(addOn, kReady);

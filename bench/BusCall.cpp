@@ -17,7 +17,7 @@ void check(int result, const char* what) {
     die(what);
 }
 
-// Null for an address: a stream between the two alone, of which this is one end.
+// An empty address means a stream between the two processes, of which `socket` is one end.
 sd_bus* open(const std::string& address, int socket, bool isServer) {
     sd_bus* bus = nullptr;
     check(sd_bus_new(&bus), "sd_bus_new");
@@ -36,8 +36,9 @@ sd_bus* open(const std::string& address, int socket, bool isServer) {
 
 class BusCall final : public LinkRival {
 public:
-    BusCall(BusContents contents, int processor, const std::string& address)
-        : contents_(std::move(contents)),
+    BusCall(LinkShape shape, int processor, const std::string& address)
+        : request_(shape.request, std::byte{1}),
+          reply_(shape.reply, std::byte{2}),
           address_(address),
           server_(processor, [this](const auto& ready) { serve(ready); }),
           bus_(open(address_, ends_.sockets[0], false)) {
@@ -51,14 +52,13 @@ public:
         check(sd_bus_message_new_method_call(bus_, &message, address_.empty() ? nullptr : kName,
                                              "/bench", kName, kMember),
               "a method call");
-        check(sd_bus_message_append_array(message, 'y', contents_.request.data(),
-                                          contents_.request.size()),
+        check(sd_bus_message_append_array(message, 'y', request_.data(), request_.size()),
               "the request");
         check(sd_bus_call(bus_, message, 10'000'000, nullptr, &answer), "sd_bus_call");
         const void* bytes = nullptr;
         std::size_t size = 0;
         check(sd_bus_message_read_array(answer, 'y', &bytes, &size), "the reply");
-        contents_.take({static_cast<const std::byte*>(bytes), size});
+        if (size != reply_.size()) std::abort();
         sd_bus_message_unref(answer);
         sd_bus_message_unref(message);
     }
@@ -92,14 +92,13 @@ private:
         check(sd_bus_message_read_array(message, 'y', &bytes, &size), "the request");
         sd_bus_message* reply = nullptr;
         check(sd_bus_message_new_method_return(message, &reply), "a reply");
-        const ByteView contents = contents_.makeReply();
-        check(sd_bus_message_append_array(reply, 'y', contents.data(), contents.size()),
-              "the reply");
+        check(sd_bus_message_append_array(reply, 'y', reply_.data(), reply_.size()), "the reply");
         check(sd_bus_send(nullptr, reply, nullptr), "sd_bus_send");
         sd_bus_message_unref(reply);
     }
 
-    const BusContents contents_;
+    const Bytes request_;
+    const Bytes reply_;
     const std::string address_;
     const Ends ends_;
     ServerProcess server_;
@@ -109,19 +108,7 @@ private:
 }  // namespace
 
 std::unique_ptr<LinkRival> makeBusCall(LinkShape shape, int processor, const std::string& address) {
-    BusContents contents{
-        .request = Bytes(shape.request, std::byte{1}),
-        .makeReply = [reply = Bytes(shape.reply, std::byte{2})] { return ByteView{reply}; },
-        .take =
-            [length = shape.reply](ByteView reply) {
-                if (reply.size() != length) std::abort();
-            }};
-    return makeBusCall(std::move(contents), processor, address);
-}
-
-std::unique_ptr<LinkRival> makeBusCall(BusContents contents, int processor,
-                                       const std::string& address) {
-    return std::make_unique<BusCall>(std::move(contents), processor, address);
+    return std::make_unique<BusCall>(shape, processor, address);
 }
 
 }  // namespace quorvane

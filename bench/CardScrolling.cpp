@@ -14,8 +14,8 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using SteadyClock = std::chrono::steady_clock;
 
-// Together shorter than the title's way; the frames are counted apart, since the server works more
-// while it tells of them.
+// Together shorter than the title's motion. Frames are counted separately, because reporting them
+// costs the server time.
 constexpr auto kLook = seconds{10};
 constexpr auto kCount = seconds{3};
 
@@ -23,7 +23,7 @@ std::size_t framesIn(const BenchSession& session, milliseconds time) {
     return FrameWatch{session.display()}.watch(SteadyClock::now() + time).size();
 }
 
-// A clock's second is a frame or two; a title that moves is six in this time at the least.
+// The times draw a frame or two in this span, a moving title at least six.
 bool becomes(const BenchSession& session, bool isMoving) {
     const auto deadline = SteadyClock::now() + seconds{40};
     while (SteadyClock::now() < deadline)
@@ -31,7 +31,7 @@ bool becomes(const BenchSession& session, bool isMoving) {
     return false;
 }
 
-// The process and what it has started, and so on.
+// The process and all its descendants.
 std::vector<pid_t> familyOf(pid_t process) {
     std::vector<pid_t> family{process};
     std::error_code ignored;
@@ -57,16 +57,16 @@ std::vector<Rival> rivals(const TemporaryFolder& profile) {
     std::ranges::replace(title, ' ', '+');
     return {
         {"a Qt 6 widget", QT_CARD, {kLongTitle, artwork}, {}},
-        // There is no graphics processor for its other renderers.
+        // The other renderers need a graphics processor.
         {"GTK 4 widgets", GTK_CARD, {kLongTitle, artwork}, {"GDK_SCALE=2", "GSK_RENDERER=cairo"}},
         {"a page in Chromium",
          "chromium",
          {std::string{"--app=file://"} + CARD_PAGE + "?title=" + title + "&artwork=" + artwork,
           "--user-data-dir=" + profile.path().string(), "--window-position=0,0",
           "--window-size=400,222", "--force-device-scale-factor=2", "--no-sandbox",
-          "--test-type",  // says nothing about the flag before it
+          "--test-type",  // no warning about the flag before it
           "--disable-gpu", "--no-first-run",
-          // It has nothing to fetch.
+          // No network access.
           "--host-resolver-rules=MAP * ~NOTFOUND", "--disable-quic",
           "--disable-background-networking", "--disable-component-update", "--disable-sync"},
          {}}};
@@ -87,7 +87,7 @@ std::optional<ScrollingCard> observe(BenchSession& session, const Rival& rival) 
     const auto card = observeScrolling(session, process.process().pid());
     const std::vector<pid_t> family = familyOf(process.process().pid());
     process.process().end(SIGTERM);
-    // Those that it has started notice a moment later.
+    // Its children end a moment later.
     for (int tries = 0; tries < 50; ++tries) {
         if (std::ranges::none_of(family, [](pid_t one) { return kill(one, 0) == 0; })) break;
         std::this_thread::sleep_for(milliseconds{100});
@@ -132,7 +132,11 @@ void tellCardRivals(BenchSession& session, const ScrollingCard& own) {
         memory.what = memories.empty() ? "its proportional memory then" : "";
         share.figure = memory.figure = "its title never moved";
         if (card) {
-            share.ratio = own.share / card->share;
+            const double ratio = own.share / card->share;
+            share.ratio = ratio;
+            share.goal = "≤ 0.5 ×";
+            share.isMet = ratio <= 0.5;
+            share.reason = "most of a frame's time is waking and copying in the X server";
             share.against += ", " + numberText(card->frames) + " frames a second";
             share.figure = numberText(card->share, " %");
             memory.ratio = own.memory / card->memory;

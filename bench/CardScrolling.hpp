@@ -1,4 +1,4 @@
-// A card while its title scrolls: the add-on's, and the same card in other toolkits.
+// Observes a card while its title scrolls: the add-on's, and the same card in other toolkits.
 #pragma once
 
 #include <sys/types.h>
@@ -12,16 +12,16 @@ inline constexpr char kLongTitle[] = "A Slow Parade of Clouds over the Long Way 
 
 struct ScrollingCard {
     double share = 0;   // of one processor, percent: the program and the X server
-    double frames = 0;  // a second
+    double frames = 0;  // per second
     double memory = 0;  // proportional, bytes, of all the program's processes
 };
 
-// Waits until the program's title has rested and moves again, and looks on from there: all cards
-// are seen in the same part of their round, and none while it starts. Nothing when no title moves.
+// Waits until the program's title has rested and moves again, then observes it, so that every card
+// is measured in the same part of its round and none while it starts. nullopt when no title moves.
 std::optional<ScrollingCard> observeScrolling(BenchSession& session, pid_t program);
 
-// Measures the rivals on the session's X server, one after the other, and tells the rows. One that
-// is not installed is said to be so.
+// Measures the rivals on the session's X server, one after another, and reports a row for each,
+// also for one that is not installed.
 void tellCardRivals(BenchSession& session, const ScrollingCard& own);
 
 }  // namespace quorvane

@@ -24,7 +24,7 @@ FrameWatch::FrameWatch(const std::string& display)
                                              xcb_damage_query_version(connection_, 1, 1), nullptr));
     xcb_damage_create(connection_, xcb_generate_id(connection_), rootOf(connection_),
                       XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
-    // The watch begins with a report of the whole screen, which is behind the server's next answer.
+    // The first report covers the whole screen; the reply comes after it.
     std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     while (xcb_generic_event_t* const event = xcb_poll_for_event(connection_)) std::free(event);
 }
@@ -52,7 +52,7 @@ void FrameWatch::setDotsPerInch(const std::string& display, int dots) {
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, rootOf(connection),
                         XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8,
                         static_cast<std::uint32_t>(text.size()), text.data());
-    // Answered once the server has done what came before.
+    // The reply comes after the server has handled the change.
     std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     xcb_disconnect(connection);
 }

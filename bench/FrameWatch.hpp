@@ -1,4 +1,4 @@
-// Sees every frame that any program brings onto a screen, with the moment at which it came.
+// Records every frame that any program draws on a screen, with its time.
 #pragma once
 
 #include <xcb/damage.h>
@@ -13,11 +13,11 @@ namespace quorvane {
 
 struct Frame {
     std::chrono::steady_clock::time_point time;
-    int width = 0;  // of what was drawn, pixels
+    int width = 0;  // of the drawn area, pixels
     int height = 0;
 };
 
-// The server tells of each drawing after it has done it.
+// The server reports each drawing after it is done.
 class FrameWatch {
 public:
     explicit FrameWatch(const std::string& display);
@@ -25,10 +25,10 @@ public:
     FrameWatch& operator=(const FrameWatch&) = delete;
     ~FrameWatch() { xcb_disconnect(connection_); }
 
-    // All that come until the deadline.
+    // All frames until the deadline.
     std::vector<Frame> watch(std::chrono::steady_clock::time_point until);
 
-    // Tells programs that start from now on how many pixels an inch has.
+    // Sets the pixels per inch for programs that start later.
     static void setDotsPerInch(const std::string& display, int dots);
 
 private:

@@ -1,8 +1,8 @@
 // A call over a message port against other ways to carry the same bytes.
 //
-// Each side of each rival is a process of its own, pinned: clients to one processor, servers and
-// the message bus to another (or all to one with --same-cpu). Rounds of all take turns; a ratio is
-// the median over the rounds. Making the reply's contents is nobody's part of it.
+// Each side of each rival is a process pinned to a processor: clients to one, servers and the
+// message bus to another (or all to one with --same-cpu). Rounds of all rivals take turns; a ratio
+// is the median over the rounds. No rival makes the reply's contents inside the measured time.
 
 #include <signal.h>
 
@@ -35,15 +35,11 @@ struct Contestant {
     Times times{};
     int calls = 3;
 
-    // About two milliseconds a round: short against other programs' turns.
+    // A round takes about two milliseconds, which is short beside the scheduler's turns.
     void warmUp() {
-        if (rival)
-            calls =
-                static_cast<int>(std::clamp(2000.0 / microsecondsPerCall(*rival, 50), 3.0, 2000.0));
+        calls = static_cast<int>(std::clamp(2000.0 / microsecondsPerCall(*rival, 50), 3.0, 2000.0));
     }
-    void round() {
-        if (rival) times.add(microsecondsPerCall(*rival, calls));
-    }
+    void round() { times.add(microsecondsPerCall(*rival, calls)); }
 };
 
 struct Place {
@@ -57,18 +53,16 @@ std::string sizeName(std::size_t size) {
     return size < 1024 * 1024 ? std::to_string(size / 1024) + " KB" : "1 MB";
 }
 
-// Why a rival comes nearer than it should. A bare stream does nothing but let the kernel copy the
-// bytes and wake the other side, which takes all the same time.
+// Why a rival is closer than the goal. A bare stream only lets the kernel copy the bytes and wake
+// the other side, which costs every rival the same.
 std::string reasonFor(double rivalOverBare, double least) {
     if (rivalOverBare >= least)
-        return "beyond a bare stream come framing, the secret's check and both time limits";
-    return "a bare Unix stream, which only wakes the other side and copies the bytes through the "
-           "kernel as all do, is itself but " +
-           numberText(rivalOverBare, " ×") + " faster than it";
+        return "the port adds framing, the secret's check and both time limits to a bare stream";
+    return "a bare Unix stream is itself only " + numberText(rivalOverBare, " ×") + " faster";
 }
 
-void tell(const std::string& what, const std::array<Contestant, 5>& all, LinkShape shape) {
-    const auto& [port, bare, bus, peers, zeroMQ] = all;
+void tell(const std::string& what, const std::array<Contestant, 4>& all, LinkShape shape) {
+    const auto& [port, bare, bus, peers] = all;
     const double overBare = port.times.over(bare.times);
     report({.what = what,
             .ratio = overBare,
@@ -77,10 +71,9 @@ void tell(const std::string& what, const std::array<Contestant, 5>& all, LinkSha
             .goal = "≤ 1.25 ×",
             .isMet = overBare <= 1.25,
             .reason =
-                "both sides take fresh memory for what they receive, and time limits have system "
-                "calls of their own"});
+                "both sides allocate memory for what they receive, and the time limits need system "
+                "calls"});
     const auto faster = [&](const Contestant& rival, const char* name, double least) {
-        if (!rival.rival) return;
         const double times = rival.times.over(port.times);
         report({.what = "",
                 .ratio = times,
@@ -92,16 +85,14 @@ void tell(const std::string& what, const std::array<Contestant, 5>& all, LinkSha
     };
     faster(bus, "faster than sd-bus through dbus-daemon", shape.reply >= kLarge ? 9 : 3.3);
     faster(peers, "faster than sd-bus peer to peer", 1);
-    faster(zeroMQ, "faster than ZeroMQ ipc", 1);
 }
 
 void compare(const std::string& what, LinkShape shape, const Place& place) {
     const int processor = place.processor;
-    std::array<Contestant, 5> all{Contestant{makePortCall(shape, processor, place.folder)},
+    std::array<Contestant, 4> all{Contestant{makePortCall(shape, processor, place.folder)},
                                   Contestant{makeBareStream(shape, processor)},
                                   Contestant{makeBusCall(shape, processor, place.busAddress)},
-                                  Contestant{makeBusCall(shape, processor, "")},
-                                  Contestant{makeZeroMQCall(shape, processor, place.folder)}};
+                                  Contestant{makeBusCall(shape, processor, "")}};
     for (Contestant& one : all) one.warmUp();
     for (int round = 0; round < kRounds; ++round)
         for (Contestant& one : all) one.round();
@@ -112,7 +103,7 @@ int runBench(bool onOneProcessor) {
     signal(SIGPIPE, SIG_IGN);
     const int processor = onOneProcessor ? 0 : secondProcessor();
     pin(processor);
-    const PrivateBus bus;  // stays where it was started
+    const PrivateBus bus;  // stays on the processor it was started on
     pin(0);
     const TemporaryFolder folder;
     const Place place{processor, folder.path(), bus.address()};

@@ -1,4 +1,4 @@
-// The main application's end of the link in a process of its own, for the timed programs.
+// The main application's end of the link in its own process.
 #pragma once
 
 #include <csignal>

@@ -1,4 +1,4 @@
-// What the timed programs share: places on processors, rounds and their medians.
+// Helpers of the timed programs: pinning to processors, rounds and their medians.
 #pragma once
 
 #include <sched.h>
@@ -24,7 +24,7 @@ inline void pin(int processor) {
     if (sched_setaffinity(0, sizeof set, &set) != 0) die("sched_setaffinity");
 }
 
-// Where the other side of a pair belongs: next to the first where there is only one processor.
+// The processor for the other side of a pair; the first one where there is only one.
 inline int secondProcessor() { return sysconf(_SC_NPROCESSORS_ONLN) < 2 ? 0 : 1; }
 
 inline double median(std::vector<double> values) {
@@ -45,8 +45,8 @@ double microsecondsOf(Action&& action) {
     return microsecondsSince(begin);
 }
 
-// The times of one contestant, a value a round, and how they relate to another's. Ratios are taken
-// within a round, so that what slows the machine for a moment slows both.
+// The times of one contestant, one value per round. Ratios are taken within a round, so that a
+// moment in which the machine is slow slows both sides.
 struct Times {
     std::vector<double> rounds{};  // microseconds
 

@@ -1,4 +1,4 @@
-// What the kernel tells of a process, for the timed programs.
+// The kernel's figures for a process.
 #pragma once
 
 #include <sys/types.h>
@@ -38,7 +38,7 @@ inline ProcessMemory memoryOf(pid_t process) {
     return memory;
 }
 
-// How often its threads have gone to sleep by themselves, and so been woken.
+// Voluntary context switches of all its threads: each ends in a wake-up.
 inline std::int64_t wakeUpsOf(pid_t process) {
     std::int64_t sum = 0;
     std::error_code ignored;
@@ -56,7 +56,7 @@ inline std::int64_t wakeUpsOf(pid_t process) {
     return sum;
 }
 
-// Seconds that its threads have been on a processor.
+// Seconds that its threads have run.
 inline double processorTimeOf(pid_t process) {
     double sum = 0;
     std::error_code ignored;

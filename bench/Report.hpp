@@ -1,4 +1,4 @@
-// The table that every timed program prints, as docs/performance.md shows it.
+// The table that a timed program prints for docs/performance.md.
 #pragma once
 
 #include <optional>
@@ -6,21 +6,21 @@
 
 namespace quorvane {
 
-// One measured thing. A goal that is missed needs its reason.
+// One measurement. A goal needs a reason that is shown when it is missed.
 struct ReportRow {
     std::string what;
     std::optional<double> ratio{};
-    std::string against{};  // what the ratio is to
+    std::string against{};  // the floor or rival of the ratio
     std::string figure{};
     std::string goal{};
     std::optional<bool> isMet{};
-    std::string reason{};  // shown only where the goal is missed
+    std::string reason{};
 };
 
 void beginReport(const std::string& title);
 void report(const ReportRow& row);
 
-// "12.3 µs", "1.23 ms" or "4.56 s", with three figures that count.
+// "12.3 µs", "1.23 ms" or "4.56 s": three significant figures.
 std::string timeText(double microseconds);
 // "12.3 MB".
 std::string sizeText(double bytes);

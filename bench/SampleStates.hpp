@@ -1,4 +1,4 @@
-// Player states with artwork of a given length, for the timed programs.
+// Player states with artwork of a given length.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-// The same seed gives the same bytes; they are as hard to guess as those of a picture.
+// The same seed gives the same bytes. They are as incompressible as a picture.
 inline SharedBytes sampleArtwork(std::size_t size, std::uint32_t seed) {
     Bytes bytes(size);
     std::uint32_t bits = seed | 1;

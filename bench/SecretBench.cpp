@@ -1,5 +1,6 @@
-// Whether the time of the secret's check tells how much of a guess is right: guesses that are wrong
-// in the first byte, in the last byte and not at all, turn by turn, against a check by memcmp.
+// Tests whether the time of the secret's check depends on how much of a guess is right. Guesses
+// that are wrong in the first byte, wrong in the last byte and right take turns, beside a check by
+// memcmp.
 #include <cstring>
 #include <optional>
 
@@ -14,7 +15,7 @@ constexpr int kRounds = 301;
 constexpr int kChecks = 20'000;
 constexpr std::size_t kLength = MessagePortWire::kSecretLength;
 
-// The compiler can neither see into it nor leave it out.
+// Hides the value from the optimiser and keeps it alive.
 template <typename Value>
 void keep(Value& value) {
     asm volatile("" : "+m"(value) : : "memory");
@@ -22,7 +23,7 @@ void keep(Value& value) {
 
 using Unwrap = std::optional<ByteView> (*)(ByteView framed, ByteView secret);
 
-// The same with a comparison that ends at the first difference.
+// The same check with a comparison that stops at the first difference.
 [[gnu::noinline]] std::optional<ByteView> unwrapByMemcmp(ByteView framed, ByteView secret) {
     if (secret.size() != kLength || framed.size() < kLength) return std::nullopt;
     if (std::memcmp(framed.data(), secret.data(), kLength) != 0) return std::nullopt;
@@ -47,7 +48,7 @@ int runBench() {
     request.resize(kLength + 33);
     Times first, last, right, comparison;
     const auto guess = [&](Times& times, Unwrap unwrap, std::optional<std::size_t> wrongPlace) {
-        // In place, since another place in memory has another speed.
+        // Changed in place, because another address may have another speed.
         if (wrongPlace) request[*wrongPlace] ^= std::byte{1};
         times.add(timeOfChecks(unwrap, request, secret));
         if (wrongPlace) request[*wrongPlace] ^= std::byte{1};
@@ -67,8 +68,7 @@ int runBench() {
                 .figure = numberText(times.median() / kChecks * 1000, " ns"),
                 .goal = goal,
                 .isMet = ratio >= least && ratio <= most,
-                .reason = "after the comparison a right request goes another way: it hands out its "
-                          "payload"});
+                .reason = "after the comparison only a right request has its payload extracted"});
     };
     beginReport("The secret's check");
     row("wrong in the first byte", first, last, "wrong in the last byte", 0.98, 1.02, "within 2 %");

@@ -1,6 +1,5 @@
-// A hundred thousand requests of 64 clients at once, mixed, with right and wrong secrets: whether
-// any is lost, whether any is answered that must be dropped, what memory the server takes, and how
-// many it answers in a second.
+// Sends a hundred thousand requests from 64 clients at once, with right and wrong secrets, and
+// counts those that are lost or answered wrongly. Also measures the server's memory and throughput.
 
 #include <sys/mman.h>
 
@@ -23,7 +22,7 @@ constexpr int kKinds = 8;
 constexpr int kRequestsAClient = kRequests / kClients / kKinds * kKinds;
 constexpr std::size_t kArtworkSize = 20 * 1024;
 
-// In memory of both processes.
+// Shared by both processes.
 struct Counts {
     std::atomic<int> states;
     std::atomic<int> volumes;
@@ -51,7 +50,7 @@ MessagePortHandlers countingHandlers(Counts& counts) {
     return handlers;
 }
 
-// One client: its connections, and how often a reply was not as it must be.
+// A client: its connections, and a count of wrong replies.
 class Client {
 public:
     Client(const std::filesystem::path& folder, int number)
@@ -73,7 +72,7 @@ public:
             default: return toTheWrongPort();
         }
     }
-    // Behind all that was sent before it, so that the server has done that.
+    // Waits until the server has handled all earlier requests.
     void settle() { state(false); }
     int wrong() const { return wrong_; }
 
@@ -167,7 +166,7 @@ int runBench() {
             .figure = sizeText(growth) + " of " + sizeText(outcome.late.anonymous),
             .goal = "flat (≤ 1 MB)",
             .isMet = growth <= 1e6,
-            .reason = "replies that wait for their clients"});
+            .reason = "the server holds replies until their clients read them"});
     report({.what = "throughput",
             .figure = numberText(kSent / outcome.seconds / 1000, " thousand requests a second")});
     return 0;

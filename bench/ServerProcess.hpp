@@ -1,4 +1,4 @@
-// The serving side of a measured link: a process of its own, on a processor of its own.
+// The serving side of a measured link: a process pinned to a processor.
 #pragma once
 
 #include <signal.h>
@@ -11,11 +11,11 @@
 
 namespace quorvane {
 
-// Gone with this object.
+// Killed with this object.
 class ServerProcess {
 public:
-    // `serve` calls `ready` when clients may come, and is killed in the end. Returns when it is
-    // ready.
+    // Runs `serve` in the process and returns when it has called `ready`, after which clients may
+    // connect.
     using Serve = std::function<void(const std::function<void()>& ready)>;
     ServerProcess(int processor, const Serve& serve) {
         int ends[2];
