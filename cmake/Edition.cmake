@@ -1,4 +1,4 @@
-# The edition that is built, by the system that it is built for. What differs outside platform/ is said here.
+# Selects the edition by target system. Differences outside platform/ are set here.
 if(APPLE)
     set(QUORVANE_PLATFORM_FOLDER platform/macos)
     set(QUORVANE_SERVICES quorvane_macos)       # what needs no screen

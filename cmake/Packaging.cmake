@@ -1,6 +1,6 @@
-# What `cmake --install` puts where, and the Debian package, made by cpack.
+# Install rules, and the Debian package that cpack makes.
 include(GNUInstallDirs)
-# Not the folder of the machine's kind: the bundle is looked for beside the folder of the programs.
+# No multiarch folder: the host looks for the bundle in lib beside the bin folder.
 set(QUORVANE_INSTALLED_BUNDLE "lib/quorvane/Quorvane Lock Screen.app")
 
 install(TARGETS quorvane-host quorvane-open RUNTIME)
@@ -10,7 +10,7 @@ install(FILES "${QUORVANE_BUNDLE}/Contents/Info.plist" DESTINATION "${QUORVANE_I
 install(DIRECTORY "${QUORVANE_BUNDLE}/Contents/Resources" DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents")
 install(FILES packaging/quorvane-host.service DESTINATION lib/systemd/user)
 
-# Compressed as the distribution wants it: without a time in it.
+# Compressed without a timestamp, as Debian requires.
 find_program(GZIP gzip REQUIRED)
 set(compressed "")
 function(quorvane_compressed source name)

@@ -1,5 +1,5 @@
-# The JSON library's headers, in RAPIDJSON_INCLUDE_DIR. One line of its releases, an assignment to a constant that nobody
-# calls, is refused by newer compilers: they get a copy without it.
+# Finds the JSON library's headers: RAPIDJSON_INCLUDE_DIR. Newer compilers reject one unused operator of its releases, an
+# assignment to a constant member, so they get a copy without it.
 find_path(QUORVANE_RAPIDJSON rapidjson/document.h REQUIRED)
 set(RAPIDJSON_INCLUDE_DIR "${QUORVANE_RAPIDJSON}")
 if(NOT CMAKE_CXX_COMPILER_ID STREQUAL GNU)

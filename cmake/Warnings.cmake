@@ -3,7 +3,7 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverl
 if(QUORVANE_WERROR)
     add_compile_options(-Werror)
 endif()
-# GCC 12 warns of uninitialised optionals and variants where they are returned by value.
+# GCC 12 wrongly reports optionals and variants returned by value as uninitialised.
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     add_compile_options(-Wno-maybe-uninitialized)
 endif()

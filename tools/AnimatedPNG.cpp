@@ -45,7 +45,7 @@ void appendChunk(Bytes& file, std::string_view type, ByteView content) {
 
 constexpr std::size_t kSignatureLength = 8;
 
-// Calls `visit` with type and content of every chunk of a file that Cairo has written.
+// Calls `visit` with the type and content of each chunk of a PNG file written by Cairo.
 template <typename Visit>
 void forEachChunk(ByteView file, const Visit& visit) {
     constexpr std::size_t kFrame = 12;  // length, type and checksum around the content
@@ -66,7 +66,7 @@ const std::uint32_t* rowOf(cairo_surface_t* surface, int y) {
                                                       cairo_image_surface_get_stride(surface));
 }
 
-// What differs between two pictures of one size; empty when nothing does.
+// The area in which two pictures of the same size differ; empty when they are equal.
 Area difference(cairo_surface_t* a, cairo_surface_t* b) {
     const int width = cairo_image_surface_get_width(a);
     const int height = cairo_image_surface_get_height(a);
@@ -131,7 +131,7 @@ Bytes AnimatedPNG::finish() const {
     });
     Bytes control;
     appendNumber(control, static_cast<std::uint32_t>(frames_.size()), 4);
-    appendNumber(control, 0, 4);  // plays: for ever
+    appendNumber(control, 0, 4);  // plays: without end
     appendChunk(file, "acTL", control);
     // Image data before the first frame's control chunk is not part of the animation.
     forEachChunk(still_, [&](std::string_view type, ByteView content) {
@@ -147,8 +147,8 @@ Bytes AnimatedPNG::finish() const {
         appendNumber(head,
                      static_cast<std::uint32_t>(std::lround(frame.count * 1000 / framesPerSecond_)),
                      2);
-        appendNumber(head, 1000, 2);  // of these a second
-        appendNumber(head, 0, 2);     // stays for the next frame, replaces what was there
+        appendNumber(head, 1000, 2);  // units a second
+        appendNumber(head, 0, 2);     // keep the frame, replace its area
         appendChunk(file, "fcTL", head);
         forEachChunk(frame.png, [&](std::string_view type, ByteView content) {
             if (type != "IDAT") return;

@@ -1,4 +1,4 @@
-// Pictures as PNG files, still and animated.
+// Writes still and animated PNG files.
 #pragma once
 
 #include "platform/Bytes.hpp"
@@ -8,8 +8,8 @@ namespace quorvane {
 
 Bytes encodePNG(cairo_surface_t* picture);
 
-// An animation from frames that are added one by one; stores only the area in which a frame differs
-// from the one before. Loops without end.
+// An endless animation. Stores of each added frame only the area that differs from the frame
+// before.
 class AnimatedPNG {
 public:
     explicit AnimatedPNG(double framesPerSecond) : framesPerSecond_(framesPerSecond) {}
@@ -17,8 +17,8 @@ public:
     // An image surface of the same size as the first.
     void add(CairoSurface frame);
 
-    // Makes the last added frame the picture that viewers without animation show; the first
-    // frame when this is never called.
+    // Makes the last added frame the still picture, which viewers without animation show. The
+    // default is the first frame.
     void keepLastAsStill();
 
     Bytes finish() const;
@@ -35,7 +35,7 @@ private:
     double framesPerSecond_;
     std::vector<Frame> frames_;
     CairoSurface last_;
-    Bytes still_;  // a PNG file, shown only where nothing is animated
+    Bytes still_;  // a PNG file for viewers without animation
 };
 
 }  // namespace quorvane

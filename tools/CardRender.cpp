@@ -67,7 +67,7 @@ Point middleOf(SceneControl::ID control, bool isRightToLeft) {
         case SceneControl::ID::next: return middle(geometry.next);
         case SceneControl::ID::love: return middle(geometry.heart);
         case SceneControl::ID::volume: return middle(geometry.volume);
-        default: std::unreachable();  // no other one can be asked for
+        default: std::unreachable();  // the options accept no other control
     }
 }
 

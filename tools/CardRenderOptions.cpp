@@ -53,7 +53,7 @@ std::string shortest(double value) {
     return text.str();
 }
 
-// A field that takes a number in a range.
+// Sets a field to a number in a range.
 template <typename Field>
 Apply numberIn(Field CardRenderOptions::*field, double lowest, double highest) {
     return [=](CardRenderOptions& options, const std::string& text) -> Outcome {
@@ -99,7 +99,7 @@ struct Option {
     Apply apply;
 };
 
-// Those that take a value.
+// Options that take a value.
 const std::vector<Option>& options() {
     constexpr double kLongTime = 1e9;
     static const std::vector<Option> all = {

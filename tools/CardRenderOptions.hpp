@@ -15,21 +15,21 @@ struct CardRenderOptions {
     std::string outputFile;
     std::string artworkFile;  // replaces the state's artwork when not empty
     std::string backdrop = "#20242c";
-    std::string fonts;  // empty: the system's
+    std::string fonts;  // empty: the system's fonts
     double at = 0;      // seconds after the state was taken
     double marquee = 0;
     double scale = 2;
     std::optional<double> span;  // seconds of an animated picture
     double framesPerSecond = 30;
     std::string language;               // a locale; empty: the environment's
-    std::optional<bool> isRightToLeft;  // unset: as the language is
+    std::optional<bool> isRightToLeft;  // nullopt: the language's direction
     bool reducesMotion = false;
-    std::optional<SceneControl::ID> pressed;  // the volume: dragged
-    std::optional<SceneControl::ID> asked;    // its place is told, nothing is drawn
+    std::optional<SceneControl::ID> pressed;  // the volume is dragged
+    std::optional<SceneControl::ID> asked;    // prints its place and draws nothing
     bool showsHelp = false;
 };
 
-// The error is one sentence for a person.
+// The error is a sentence for the user.
 std::expected<CardRenderOptions, std::string> parseCardRenderOptions(
     const std::vector<std::string>& arguments);
 

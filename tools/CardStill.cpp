@@ -58,7 +58,7 @@ void paint(cairo_t* cairo, Pixels& pixels) {
     const CairoSurface surface = surfaceOver(pixels);
     cairo_set_source_surface(cairo, surface.get(), 0, 0);
     cairo_paint(cairo);
-    cairo_set_source_rgb(cairo, 0, 0, 0);  // lets go of the surface
+    cairo_set_source_rgb(cairo, 0, 0, 0);  // releases the surface
 }
 
 PixelSize pixelSize(Size size, double scale) {

@@ -1,4 +1,4 @@
-// The card at one moment as a picture: backdrop, glass and shadow, content.
+// Draws the card at one moment: backdrop, glass and shadow, content.
 #pragma once
 
 #include <expected>
@@ -14,12 +14,12 @@
 
 namespace quorvane {
 
-// What the options leave open is as in the environment's language.
+// Takes language and direction from the environment where the options name none.
 bool isRightToLeft(const CardRenderOptions& options);
 
 class CardStill {
 public:
-    // Fails with a sentence when the backdrop cannot be had.
+    // Fails with a sentence when the backdrop can't be read.
     static std::expected<std::unique_ptr<CardStill>, std::string> make(
         const QuorvanePlayerState& state, const CardRenderOptions& options);
 
@@ -35,7 +35,7 @@ private:
     PlayerEnvironment environment_;
     PlayerInteraction interaction_;
     CairoCanvas canvas_;
-    Pixels chrome_;  // of the stage: the card and the margin around it; empty: the content alone
+    Pixels chrome_;  // the card and its margin; empty to draw the content alone
     Pixels backdrop_;
 };
 

@@ -1,4 +1,4 @@
-// Whole files in and out, for tools. A failure is one sentence that names the file.
+// Reads and writes whole files. An error is a sentence that names the file.
 #pragma once
 
 #include <expected>
@@ -14,7 +14,7 @@ inline std::expected<Bytes, std::string> readFile(const std::string& path) {
     std::ifstream file{path, std::ios::binary};
     if (!file.is_open()) return std::unexpected{path + ": cannot be read"};
     std::ostringstream text;
-    // A folder opens, but nothing can be read from it.
+    // Opening a folder succeeds; reading from it fails.
     if (!(text << file.rdbuf()) && file.peek() != std::ifstream::traits_type::eof())
         return std::unexpected{path + ": cannot be read"};
     return copyOf(bytesOf(text.str()));

@@ -1,4 +1,4 @@
-// screen-film: films a part of the X server's screen until it is asked to end.
+// screen-film: films a part of the X server's screen until SIGTERM or SIGINT.
 
 #include <time.h>
 #include <xcb/xcb.h>
@@ -39,7 +39,7 @@ struct Area {
 
 using Display = std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)>;
 
-// Null when the server is gone, or has no such area.
+// Null when the server is gone or the area is outside its screen.
 CairoSurface grab(xcb_connection_t* display, const Area& area) {
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(display)).data->root;
     const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> reply{
@@ -90,7 +90,7 @@ std::expected<void, std::string> film(const Area& area, const std::string& file)
     while (!isOver) {
         CairoSurface frame = grab(display.get(), area);
         if (!frame) return std::unexpected{"the screen has no such area"};
-        // A picture that came late stands for those that were missed: the film keeps its time.
+        // A late picture lasts for the missed ones too, so that the film keeps real time.
         do {
             animation.add(CairoSurface{cairo_surface_reference(frame.get())});
             next = later(next);

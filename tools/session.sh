@@ -1,8 +1,8 @@
-# Sourced by ./run: a session of its own. X server, bus and folders are private; all that was started here is ended here.
+# Sourced by ./run: a private session with X server, bus and folders. Its end stops every process that it started.
 
 session_pids=()
 
-# background NAME COMMAND...: starts it with its output in $session/NAME.log; its process in $started.
+# background NAME COMMAND...: starts the command with its output in $session/NAME.log and sets $started to its process.
 background() {
     local name=$1
     shift
@@ -11,7 +11,7 @@ background() {
     session_pids+=("$started")
 }
 
-# end PID: ends what was started, and waits.
+# end PID: ends the process and waits for it.
 end() {
     kill "$1" 2>/dev/null || return 0
     wait "$1" 2>/dev/null || true
@@ -19,13 +19,13 @@ end() {
 
 end_session() {
     local index
-    # It was started detached, and ends in order.
+    # The add-on runs detached; the host asks it to quit.
     [ -z "${has_add_on:-}" ] || "$host" quit >/dev/null 2>&1 || true
     for ((index = ${#session_pids[@]} - 1; index >= 0; index--)); do end "${session_pids[index]}"; done
     [ -z "${session:-}" ] || rm -rf "$session" ${saver_home:+"$saver_home"}
 }
 
-# wait_for NAME TEXT [SECONDS]: until the text stands in that log, after the lines that earlier calls have passed.
+# wait_for NAME TEXT [SECONDS]: waits for the text in that log, after the line where the last call found its text.
 declare -A passed
 wait_for() {
     local file=$session/$1.log text=$2 deadline=$((SECONDS + ${3:-30})) line
@@ -40,7 +40,7 @@ wait_for() {
     return 1
 }
 
-# begin_session WIDTH HEIGHT: an X server (in a window where there is a display), a bus, folders.
+# begin_session WIDTH HEIGHT: starts an X server (in a window if there is a display) and a bus, and makes folders.
 begin_session() {
     session=$(mktemp -d "${TMPDIR:-/tmp}/quorvane-XXXXXX")
     chmod 700 "$session"
@@ -72,7 +72,7 @@ begin_session() {
     export QUORVANE_LOG=stderr
 }
 
-# begin_live: folders of its own for what is installed, in the session that this is started in.
+# begin_live: uses the current session, with private folders for what is installed.
 begin_live() {
     session=$(mktemp -d "${TMPDIR:-/tmp}/quorvane-XXXXXX")
     chmod 700 "$session"
@@ -82,13 +82,13 @@ begin_live() {
     export XDG_CONFIG_HOME=$session/config XDG_DATA_HOME=$session/data
 }
 
-# install_add_on: what is shown is what is installed, in the session's folders; its log is $session/add-on.log.
+# install_add_on: installs the add-on in the session's folders; its log is $session/add-on.log.
 install_add_on() {
     has_add_on=yes
     QUORVANE_LOG=$session/add-on.log "$host" install || fail "the add-on could not be installed"
 }
 
-# start_player: mpv, with two tones, a cover and nobody to hear them.
+# start_player: starts mpv with two tones and a cover, without sound.
 start_player() {
     local music=$session/music plugin=/usr/lib/mpv-mpris/mpris.so pitch
     [ -e "$plugin" ] || plugin=/etc/mpv/scripts/mpris.so
@@ -103,7 +103,7 @@ start_player() {
         --script="$plugin" "$music"/*.flac
 }
 
-# start_locker NAME: a session of processes of its own, for end_locker.
+# start_locker NAME: starts the locker in its own process session, which end_locker kills.
 start_locker() {
     case $1 in
         i3lock) background locker setsid i3lock -n -i "$root/tools/demo/wallpaper.png" ;;
@@ -117,7 +117,7 @@ start_locker() {
     locker=$started
 }
 
-# xscreensaver does not lock root's screen: it runs as nobody then.
+# xscreensaver refuses to lock root's screen, so for root it runs as nobody.
 start_xscreensaver() {
     local as_user=() deadline=$((SECONDS + 20))
     saver_home=$(mktemp -d "${TMPDIR:-/tmp}/quorvane-XXXXXX")
@@ -135,7 +135,7 @@ start_xscreensaver() {
     done
 }
 
-# end_locker: at once and with its helpers, as lockers hold on to what they lock.
+# end_locker: kills the locker and its helpers, because lockers ignore milder signals.
 end_locker() {
     kill -KILL -- "-$locker" 2>/dev/null || true
     wait "$locker" 2>/dev/null || true

@@ -1,4 +1,4 @@
-# Sourced by the commands: where things are, plain messages, and the packages that a command needs.
+# Sourced by the commands: the root folder, messages, packages and builds.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -48,7 +48,7 @@ install_packages() {
     rm -f "$log"
 }
 
-# Reads apt's status lines (KIND:PACKAGE:PERCENT:TEXT) and prints a line at every tenth of the way.
+# Reads apt's status lines (KIND:PACKAGE:PERCENT:TEXT) and prints a line every ten percent.
 show_progress() {
     awk -F: '
         /^(dl|pm)status:/ && int($3 / 10) != last[$1] {
@@ -58,7 +58,7 @@ show_progress() {
         }'
 }
 
-# On a Mac: the command line tools and what Homebrew has.
+# Installs the command line tools and the Homebrew packages.
 install_on_mac() {
     xcrun --find clang++ >/dev/null 2>&1 || fail "install Xcode, or its command line tools: xcode-select --install"
     local package
