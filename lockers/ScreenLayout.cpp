@@ -74,9 +74,9 @@ std::optional<double> numberResource(std::string_view resources, std::string_vie
     return std::nullopt;
 }
 
-double scaleFor(std::optional<std::string_view> demand, std::optional<double> dotsPerInch) {
-    if (const auto scale = demand ? number(*demand) : std::nullopt)
-        if (*scale >= kLeastDemand && *scale <= kMostScale) return *scale;
+double scaleFor(std::string_view demand, std::optional<double> dotsPerInch) {
+    const auto scale = number(demand);
+    if (scale && *scale >= kLeastDemand && *scale <= kMostScale) return *scale;
     if (!dotsPerInch) return 1;
     const double steps = std::round(*dotsPerInch / kUsualDotsPerInch / kScaleStep);
     return std::clamp(steps * kScaleStep, 1.0, kMostScale);

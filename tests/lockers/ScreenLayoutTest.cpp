@@ -64,10 +64,7 @@ TEST(ScreenLayout, TakesItsScaleFromTheUserThenTheDesktop) {
         {" 3 ", 192, 3},
     };
     for (const Case& each : cases)
-        EXPECT_EQ(
-            scaleFor(each.demand ? std::optional<std::string_view>{each.demand} : std::nullopt,
-                     each.dots),
-            each.scale)
+        EXPECT_EQ(scaleFor(each.demand, each.dots), each.scale)
             << (each.demand ? each.demand : "no demand") << " at " << each.dots.value_or(-1);
 }
 

@@ -1,11 +1,15 @@
 #include "platform/linux/bus/BusConnection.hpp"
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <map>
 #include <utility>
 
+#include "platform/Listeners.hpp"
 #include "platform/linux/files/PosixError.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 
 namespace quorvane {
 namespace {
@@ -14,6 +18,23 @@ using std::chrono::seconds;
 
 constexpr Duration kFirstRetryDelay = seconds{1};
 constexpr Duration kLastRetryDelay = seconds{512};
+
+// A bus's owner can read and forge every notice. An address that is inherited by mistake, for
+// example through `sudo`, leads to another user's bus.
+bool runsAsThisUser(sd_bus* bus) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    const int descriptor = sd_bus_get_fd(bus);
+    return descriptor >= 0 && getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
+           peer.uid == geteuid();
+}
+
+int openSessionBus(sd_bus** bus) {
+    const int result = sd_bus_open_user(bus);
+    if (result < 0 || runsAsThisUser(*bus)) return result;
+    *bus = sd_bus_close_unref(*bus);
+    return -EPERM;
+}
 
 }  // namespace
 
@@ -200,5 +221,11 @@ Handle BusConnection::observeLoss(std::function<void()> handler) {
 Handle BusConnection::observeReconnection(std::function<void()> handler) {
     return state_->reconnections.add(std::move(handler));
 }
+
+SessionBus::SessionBus(EventLoop& loop, Logger log)
+    : BusConnection(loop, std::move(log), "session", openSessionBus) {}
+
+SystemBus::SystemBus(EventLoop& loop, Logger log)
+    : BusConnection(loop, std::move(log), "system", sd_bus_open_system) {}
 
 }  // namespace quorvane

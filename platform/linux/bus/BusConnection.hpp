@@ -47,4 +47,15 @@ private:
     std::shared_ptr<State> state_;  // shared only for the handles' weak pointers
 };
 
+// The session's bus. Uses only a bus that runs as the same user.
+class SessionBus : public BusConnection {
+public:
+    SessionBus(EventLoop& loop, Logger log);
+};
+
+class SystemBus : public BusConnection {
+public:
+    SystemBus(EventLoop& loop, Logger log);
+};
+
 }  // namespace quorvane

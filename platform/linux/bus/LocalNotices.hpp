@@ -8,8 +8,8 @@
 
 #include "platform/DistributedNotices.hpp"
 #include "platform/Handle.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/MainThread.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 
 namespace quorvane {
 

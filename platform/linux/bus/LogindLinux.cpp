@@ -8,6 +8,7 @@
 
 #include "platform/linux/bus/BusRequest.hpp"
 #include "platform/linux/bus/BusValues.hpp"
+#include "platform/linux/files/Environment.hpp"
 
 namespace quorvane {
 namespace {
@@ -30,7 +31,8 @@ std::string taken(char* text) {
 // The session that this process was started in. A user service has no session and uses the one on
 // the user's screen.
 std::string sessionName() {
-    if (const char* name = std::getenv("XDG_SESSION_ID"); name && *name) return name;
+    if (const auto name = environmentVariable("XDG_SESSION_ID"); !name.empty())
+        return std::string{name};
     char* name = nullptr;
     if (sd_pid_get_session(0, &name) >= 0 || sd_uid_get_display(getuid(), &name) >= 0)
         return taken(name);

@@ -211,7 +211,7 @@ void MprisPlayers::publish() {
     list_.clear();
     for (const auto& [name, entry] : entries_)
         if (entry.isDescribed) list_.push_back(entry.player);
-    revision_.set(revision_.get() + 1);
+    listeners_.call();
 }
 
 }  // namespace quorvane

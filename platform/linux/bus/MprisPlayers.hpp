@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "platform/Listeners.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/MediaPlayers.hpp"
-#include "platform/Observable.hpp"
+#include "platform/linux/bus/BusConnection.hpp"
 #include "platform/linux/bus/BusRequest.hpp"
-#include "platform/linux/bus/SessionBus.hpp"
 
 namespace quorvane {
 
@@ -27,9 +27,7 @@ public:
     // Subscribes to signals and looks for players.
     void start();
     const std::vector<MediaPlayer>& list() const { return list_; }
-    Handle observe(std::function<void()> handler) {
-        return revision_.subscribe(std::move(handler));
-    }
+    Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
     void refresh(const std::string& name);
     void call(const std::string& name, const std::string& method);
     void raise(const std::string& name);
@@ -71,7 +69,7 @@ private:
     std::vector<Handle> lookups_;  // requests to the bus
     std::vector<MediaPlayer> list_;
     bool isPublishing_ = false;
-    Observable<std::uint64_t> revision_{0};
+    Listeners<> listeners_;
     std::vector<Handle> observations_;
 };
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/linux/loop/Listeners.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/linux/loop/PostQueue.hpp"
 #include "platform/linux/loop/TimerQueue.hpp"
 

@@ -7,10 +7,10 @@
 
 #include <array>
 #include <charconv>
-#include <cstdlib>
 #include <memory>
 
 #include "platform/RegularFiles.hpp"
+#include "platform/linux/files/Environment.hpp"
 
 namespace quorvane {
 namespace {
@@ -116,15 +116,11 @@ std::optional<ProcessRecord> processRecord(pid_t pid) {
 }
 
 ProcessRecord ownProcessRecord() {
-    const auto variable = [](const char* name) {
-        const char* const value = std::getenv(name);
-        return std::string{value ? value : ""};
-    };
     return {.pid = getpid(),
             .executable = executableOf(getpid()).value_or(ProcessExecutable{}),
             .threadTicks = threadTicksOf(getpid()),
-            .display = withoutScreen(variable("DISPLAY")),
-            .runtimeFolder = variable("XDG_RUNTIME_DIR")};
+            .display = withoutScreen(std::string{environmentVariable("DISPLAY")}),
+            .runtimeFolder = std::string{environmentVariable("XDG_RUNTIME_DIR")}};
 }
 
 std::vector<pid_t> processesWhere(

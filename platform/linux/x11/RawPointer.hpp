@@ -9,7 +9,7 @@
 #include <optional>
 #include <set>
 
-#include "platform/linux/loop/Listeners.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Session.hpp"
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "lockers/LockerRules.hpp"
-#include "platform/linux/loop/Listeners.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/linux/x11/WindowStack.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -62,8 +63,7 @@ Result<std::unique_ptr<X11Connection>> X11Connection::open(EventLoop& loop,
         xcb_connect(display.empty() ? nullptr : display.c_str(), &screen);
     if (const int error = xcb_connection_has_error(connection)) {
         xcb_disconnect(connection);
-        const char* environment = std::getenv("DISPLAY");
-        const std::string name = !display.empty() ? display : environment ? environment : "";
+        const std::string name{display.empty() ? environmentVariable("DISPLAY") : display};
         return std::unexpected(PlatformError{PlatformError::Domain::service, error,
                                              "cannot open the display \"" + name + "\": " +
                                                  reasonOf(error) + "; start it in an X11 session"});

@@ -9,9 +9,9 @@
 #include <unordered_map>
 
 #include "platform/Handle.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/PlatformError.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 
 namespace quorvane {
 
