@@ -2,12 +2,12 @@
 // never use the bus, so no bus client can forge a lock.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "platform/DistributedNotices.hpp"
 #include "platform/Handle.hpp"
+#include "platform/LifeToken.hpp"
 #include "platform/Listeners.hpp"
 #include "platform/MainThread.hpp"
 
@@ -16,7 +16,7 @@ namespace quorvane {
 // Main thread only. Handles may outlive the object.
 class LocalNotices {
 public:
-    explicit LocalNotices(MainThread mainThread);
+    explicit LocalNotices(MainThread mainThread) : mainThread_(std::move(mainThread)) {}
 
     // Whether the name belongs to the system; only this object delivers such names.
     static bool owns(std::string_view name) { return name.starts_with("com.apple."); }
@@ -27,11 +27,9 @@ public:
     Handle observe(const std::string& name, DistributedNotices::Handler handler);
 
 private:
-    using Observers = Listeners<const std::string&, const PropertyDictionary&>;
-
     MainThread mainThread_;
-    // Shared only for the weak pointers of pending deliveries.
-    std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
+    Listeners<const std::string&, const PropertyDictionary&> observers_;
+    LifeToken life_;  // for pending deliveries
 };
 
 }  // namespace quorvane

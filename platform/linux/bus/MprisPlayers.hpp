@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "platform/LifeToken.hpp"
 #include "platform/Listeners.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/MediaPlayers.hpp"
@@ -19,7 +19,7 @@
 namespace quorvane {
 
 // Main thread only. Implements the operations of the MediaPlayers table.
-class MprisPlayers : public std::enable_shared_from_this<MprisPlayers> {
+class MprisPlayers {
 public:
     MprisPlayers(SessionBus& bus, Clock clock, MainThread mainThread)
         : bus_(bus), clock_(std::move(clock)), mainThread_(std::move(mainThread)) {}
@@ -71,6 +71,7 @@ private:
     bool isPublishing_ = false;
     Listeners<> listeners_;
     std::vector<Handle> observations_;
+    LifeToken life_;
 };
 
 }  // namespace quorvane
