@@ -23,8 +23,12 @@ class RawPointer {
 public:
     explicit RawPointer(X11Connection& x11);
 
-    Handle observe(std::function<void(const RawPointerEvent&)> handler);
-    Handle observeMoves(std::function<void(Point)> handler);
+    Handle observe(std::function<void(const RawPointerEvent&)> handler) {
+        return listeners_.add(std::move(handler));
+    }
+    Handle observeMoves(std::function<void(Point)> handler) {
+        return moveListeners_.add(std::move(handler));
+    }
 
 private:
     bool isSupported();
