@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/DistributedNotices.hpp"
 #include "platform/Handle.hpp"
@@ -23,12 +24,20 @@ public:
 
     // Notifies this process's observers of the name on a later turn of the main loop, in the order
     // of the calls.
-    void deliver(const std::string& name, const PropertyDictionary& userInfo = {});
-    Handle observe(const std::string& name, DistributedNotices::Handler handler);
+    void deliver(const std::string& name) {
+        mainThread_.post([this, name, life = life_.watch()] {
+            if (!life.isOver()) observers_.call(name);
+        });
+    }
+    Handle observe(const std::string& name, DistributedNotices::Handler handler) {
+        return observers_.add([name, handler = std::move(handler)](const std::string& delivered) {
+            if (delivered == name) handler({});
+        });
+    }
 
 private:
     MainThread mainThread_;
-    Listeners<const std::string&, const PropertyDictionary&> observers_;
+    Listeners<const std::string&> observers_;
     LifeToken life_;  // for pending deliveries
 };
 
