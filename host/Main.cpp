@@ -96,7 +96,7 @@ AddOnCommands::Services addOnServices(const LiveServices& services) {
     return {.applicationSupport = services.installation.applicationSupport,
             .bundleFiles = makeLiveBundleFiles(),
             .fileManager = services.installation.fileManager,
-            .runOpenCommand = services.installation.runOpenCommand,
+            .openApplication = services.installation.openApplication,
             .control = {.applications = services.installation.runningApplications,
                         .notices = services.distributedNotices,
                         .clock = services.clock,

@@ -94,7 +94,7 @@ CardStill::CardStill(const QuorvanePlayerState& state, const CardRenderOptions& 
       canvas_(options.scale, nullptr,
               options.fonts.empty() ? TextLayoutCache::kSystemFont : options.fonts) {
     model_.apply(state);
-    environment_ = {.localized = [texts = Translations{QUORVANE_LOCALE_FOLDER, preferredLocales()}](
+    environment_ = {.localized = [texts = Translations{preferredLocales()}](
                                      const std::string& key) { return texts.text(key); },
                     .measureText = makeMeasureText(
                         options.fonts.empty() ? TextLayoutCache::kSystemFont : options.fonts),

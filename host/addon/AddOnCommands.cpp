@@ -98,7 +98,7 @@ void AddOnCommands::replaceRunning(const AddOnInstallation& place, const std::st
 std::optional<std::string> AddOnCommands::start(const AddOnInstallation& place,
                                                 const std::vector<std::string>& arguments) const {
     const auto started =
-        DetachedLaunch{.runOpen = services_.runOpenCommand}.launch(place.bundle, arguments);
+        DetachedLaunch{.open = services_.openApplication}.launch(place.bundle, arguments);
     if (started) return std::nullopt;
     if (const auto* failure = std::get_if<DetachedLaunch::Failure>(&started.error()))
         return failure->description();

@@ -12,7 +12,7 @@
 #include "platform/BundleFiles.hpp"
 #include "platform/DarwinNotices.hpp"
 #include "platform/FileManagerClient.hpp"
-#include "platform/OpenCommand.hpp"
+#include "platform/OpenApplication.hpp"
 #include "platform/SessionProblems.hpp"
 #include "platform/UserDefaults.hpp"
 #include "shared/DetachedLaunch.hpp"
@@ -28,7 +28,7 @@ public:
         std::optional<std::filesystem::path> applicationSupport;
         BundleFiles bundleFiles;
         FileManagerClient fileManager;
-        RunOpenCommand runOpenCommand;
+        OpenApplication openApplication;
         AddOnControl::Services control;
         DarwinNotices darwinNotices;
         std::optional<UserDefaults> sharedSuite;

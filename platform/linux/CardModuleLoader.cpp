@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 
 namespace quorvane {
 

@@ -7,7 +7,7 @@ namespace {
 
 TEST(DetachedLaunch, TellsItsFailuresApart) {
     Result<DetachedLaunch::Ended> answer = DetachedLaunch::Ended{3, ""};
-    const DetachedLaunch open{.runOpen = [&](const auto&) { return answer; }};
+    const DetachedLaunch open{.open = [&](const auto&, const auto&) { return answer; }};
     auto failed = open.launch("/X.app", {});
     ASSERT_FALSE(failed);
     EXPECT_EQ(std::get<DetachedLaunch::Failure>(failed.error()).description(),

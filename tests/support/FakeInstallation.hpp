@@ -33,7 +33,7 @@ struct FakeInstallation {
                 .runningApplications = {.running = [this](const auto&) { return copies; },
                                         .current = [this] { return copies.back(); },
                                         .terminate = [](std::int32_t) {}},
-                .runOpenCommand = [](const auto&) -> Result<OpenCommandEnd> {
+                .openApplication = [](const auto&, const auto&) -> Result<OpenCommandEnd> {
                     return OpenCommandEnd{};
                 },
                 .applicationSupport = "/support"};

@@ -9,7 +9,7 @@
 #include "platform/PropertyValue.hpp"
 #include "platform/linux/accessibility/AccessibleCard.hpp"
 #include "platform/linux/accessibility/AtspiConnection.hpp"
-#include "platform/linux/bus/SessionBus.hpp"
+#include "platform/linux/bus/BusConnection.hpp"
 
 namespace quorvane {
 

@@ -17,7 +17,7 @@ bool isText(char type) {
 }
 
 // Reads a T from the message and stores it as a Kept.
-template <typename T, typename Kept>
+template <typename T, typename Kept = std::int64_t>
 int readBasic(sd_bus_message* message, char type, std::optional<PropertyValue>& value) {
     T read{};
     const int result = sd_bus_message_read_basic(message, type, &read);
@@ -35,16 +35,14 @@ int readText(sd_bus_message* message, char type, std::string& text) {
 int readNumber(sd_bus_message* message, char type, std::optional<PropertyValue>& value) {
     switch (type) {
         case SD_BUS_TYPE_BOOLEAN: return readBasic<int, bool>(message, type, value);
-        case SD_BUS_TYPE_BYTE: return readBasic<std::uint8_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_INT16: return readBasic<std::int16_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_UINT16:
-            return readBasic<std::uint16_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_INT32: return readBasic<std::int32_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_UINT32:
-            return readBasic<std::uint32_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_INT64: return readBasic<std::int64_t, std::int64_t>(message, type, value);
+        case SD_BUS_TYPE_BYTE: return readBasic<std::uint8_t>(message, type, value);
+        case SD_BUS_TYPE_INT16: return readBasic<std::int16_t>(message, type, value);
+        case SD_BUS_TYPE_UINT16: return readBasic<std::uint16_t>(message, type, value);
+        case SD_BUS_TYPE_INT32: return readBasic<std::int32_t>(message, type, value);
+        case SD_BUS_TYPE_UINT32: return readBasic<std::uint32_t>(message, type, value);
+        case SD_BUS_TYPE_INT64: return readBasic<std::int64_t>(message, type, value);
         case SD_BUS_TYPE_UINT64: {
-            const int result = readBasic<std::uint64_t, std::int64_t>(message, type, value);
+            const int result = readBasic<std::uint64_t>(message, type, value);
             // Out of range of the property types.
             if (result > 0 && *value->as<std::int64_t>() < 0) value.reset();
             return result;

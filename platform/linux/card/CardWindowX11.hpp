@@ -6,6 +6,7 @@
 
 #include "drawing/CardWindows.hpp"
 #include "platform/Clock.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/linux/accessibility/AccessibleCard.hpp"
@@ -13,7 +14,6 @@
 #include "platform/linux/card/CardPointer.hpp"
 #include "platform/linux/card/CardStageX11.hpp"
 #include "platform/linux/card/CardXWindow.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 
 namespace quorvane {
 

@@ -1,8 +1,9 @@
 #include "platform/linux/language/UserLanguage.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <iterator>
+
+#include "platform/linux/files/Environment.hpp"
 
 namespace quorvane {
 namespace {
@@ -30,7 +31,7 @@ bool isRightToLeftLocale(std::string_view locale) {
 std::string_view localeOfMessages() {
     // Use the first that is set and not empty.
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
-        if (const char* value = std::getenv(name); value && *value) return value;
+        if (const auto value = environmentVariable(name); !value.empty()) return value;
     return {};
 }
 
@@ -38,8 +39,7 @@ std::vector<std::string> preferredLocales() {
     const std::string_view locale = localeOfMessages();
     if (locale.empty() || locale == "C" || locale == "POSIX") return {};
     std::vector<std::string> locales;
-    const char* const variable = std::getenv("LANGUAGE");
-    for (std::string_view rest{variable ? variable : ""}; !rest.empty();) {
+    for (auto rest = environmentVariable("LANGUAGE"); !rest.empty();) {
         const auto name = rest.substr(0, rest.find(':'));
         if (!name.empty()) locales.emplace_back(name);
         rest.remove_prefix(std::min(name.size() + 1, rest.size()));

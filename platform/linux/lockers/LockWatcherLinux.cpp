@@ -14,7 +14,7 @@ constexpr std::uint32_t kNotifyInvalidName = 1;
 
 }  // namespace
 
-LockWatcherLinux::LockWatcherLinux(ServicesLinux& services, X11Session& x11)
+LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, X11Session& x11)
     : notices_(services.localNotices),
       x11_(x11),
       screenSavers_(services.sessionBus, [this] { update(); }),

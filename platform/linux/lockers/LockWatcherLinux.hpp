@@ -5,11 +5,11 @@
 #include <functional>
 
 #include "lockers/LockSignals.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/LockSources.hpp"
 #include "platform/linux/bus/LogindLinux.hpp"
 #include "platform/linux/bus/ScreenSaverSignals.hpp"
-#include "platform/linux/loop/Listeners.hpp"
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 #include "platform/linux/x11/X11Session.hpp"
 
 namespace quorvane {
@@ -17,7 +17,7 @@ namespace quorvane {
 // Main thread only. Delivers the four notices to this process's own observers.
 class LockWatcherLinux {
 public:
-    LockWatcherLinux(ServicesLinux& services, X11Session& x11);
+    LockWatcherLinux(HeadlessPlatform& services, X11Session& x11);
 
     // The result refers to the watcher.
     LockSources sources();

@@ -10,11 +10,11 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <utility>
 
 #include "platform/LogRendering.hpp"
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
 
 namespace quorvane {
@@ -36,11 +36,6 @@ LevelRow rowOf(LogLevel level) {
         case LogLevel::fault: return {"fault", "2"};
     }
     std::unreachable();
-}
-
-bool isVariable(const char* name, std::string_view value) {
-    const char* set = std::getenv(name);
-    return set && value == set;
 }
 
 void appendEscape(std::string& text, unsigned char character) {
@@ -99,11 +94,11 @@ bool writeToJournal(const LogLine& line, const LogOptions& options) {
 }  // namespace
 
 LogOptions LogOptions::fromEnvironment(std::string identifier) {
-    const char* const target = std::getenv("QUORVANE_LOG");
+    const std::string_view target = environmentVariable("QUORVANE_LOG");
     return {.identifier = std::move(identifier),
-            .toStandardError = isVariable("QUORVANE_LOG", "stderr"),
-            .showsPrivate = isVariable("QUORVANE_LOG_PRIVATE", "1"),
-            .file = target && target[0] == '/' ? target : ""};
+            .toStandardError = target == "stderr",
+            .showsPrivate = environmentVariable("QUORVANE_LOG_PRIVATE") == "1",
+            .file = target.starts_with('/') ? target : ""};
 }
 
 LogSink makeLogSink(LogOptions options) {

@@ -2,13 +2,13 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <system_error>
 
 #include "platform/SessionProblems.hpp"
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/ports/MessagePortsLinux.hpp"
 #include "platform/linux/ports/PortFolder.hpp"
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 
 namespace quorvane {
 
@@ -16,12 +16,10 @@ std::optional<std::string> screenProblem(std::string_view display,
                                          std::string_view waylandDisplay) {
     if (!waylandDisplay.empty())
         return "this is a Wayland session, and for now the card needs an X11 session; choose one "
-               "at "
-               "the login screen";
+               "at the login screen";
     if (display.empty())
         return "there is no X11 session to show a card in: DISPLAY is not set; use a terminal of "
-               "the "
-               "X11 session";
+               "the X11 session";
     return std::nullopt;
 }
 
@@ -35,11 +33,6 @@ std::string portsProblem(std::string_view runtimeVariable, const std::string& ru
     return "there is no runtime folder, where host and add-on meet: " + found +
            " cannot be used (" + reason +
            "); log in at the login screen, or set the variable to a folder of yours with mode 0700";
-}
-
-std::string_view environmentVariable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value ? value : "";
 }
 
 std::optional<std::string> findPortsProblem() {
@@ -58,7 +51,7 @@ SessionProblems findSessionProblems(const LiveServices& services) {
     SessionProblems problems{.screen = screenProblem(environmentVariable("DISPLAY"),
                                                      environmentVariable("WAYLAND_DISPLAY")),
                              .ports = findPortsProblem()};
-    if (!ServicesLinux::of(services).sessionBus.connection())
+    if (!HeadlessPlatform::of(services).sessionBus.connection())
         problems.bus =
             "there is no session bus, on which players and the add-on are heard; log in at the "
             "login screen, or start the session with dbus-run-session";

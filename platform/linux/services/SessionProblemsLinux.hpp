@@ -13,7 +13,4 @@ std::optional<std::string> screenProblem(std::string_view display, std::string_v
 std::string portsProblem(std::string_view runtimeVariable, const std::string& runtimeFolder,
                          const std::string& reason);
 
-// The variable's value; "" when it is unset.
-std::string_view environmentVariable(const char* name);
-
 }  // namespace quorvane

@@ -18,6 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 using Outcome = AddOnCommands::Outcome;
+using Opened = std::pair<fs::path, std::vector<std::string>>;
 
 const std::string kOwn = "example.quillon.Quorvane.LockScreenAddOn";
 
@@ -29,26 +30,28 @@ protected:
     }
 
     AddOnCommands::Services services() {
-        return {.applicationSupport = data,
-                .bundleFiles = files,
-                .fileManager = {.removeItem = [this](const fs::path& path) -> Result<void> {
-                                    ++removals;
-                                    fs::remove_all(path);
-                                    return {};
-                                },
-                                .fileExists = [](const fs::path& path) { return fs::exists(path); },
-                                .identity = {}},
-                .runOpenCommand = [this](const auto& arguments) { return open(arguments); },
-                .control = {.applications = {.running = [this](const auto&) { return copies; },
-                                             .current = {},
-                                             .terminate = [this](std::int32_t) { systemAsks(); }},
-                            .notices = notices.distributed(),
-                            .clock = clock.clock(),
-                            .canHearNotices = !problems.bus},
-                .darwinNotices = darwin.darwin(),
-                .sharedSuite = shared.table(),
-                .addOnDefaults = own.table(),
-                .problems = problems};
+        return {
+            .applicationSupport = data,
+            .bundleFiles = files,
+            .fileManager = {.removeItem = [this](const fs::path& path) -> Result<void> {
+                                ++removals;
+                                fs::remove_all(path);
+                                return {};
+                            },
+                            .fileExists = [](const fs::path& path) { return fs::exists(path); },
+                            .identity = {}},
+            .openApplication = [this](const fs::path& bundle,
+                                      const auto& arguments) { return open(bundle, arguments); },
+            .control = {.applications = {.running = [this](const auto&) { return copies; },
+                                         .current = {},
+                                         .terminate = [this](std::int32_t) { systemAsks(); }},
+                        .notices = notices.distributed(),
+                        .clock = clock.clock(),
+                        .canHearNotices = !problems.bus},
+            .darwinNotices = darwin.darwin(),
+            .sharedSuite = shared.table(),
+            .addOnDefaults = own.table(),
+            .problems = problems};
     }
     // What the command has said when it has ended.
     template <typename Command>
@@ -94,7 +97,7 @@ protected:
     FakeNotices darwin;
     FakeNotices notices;
     std::vector<RunningCopy> copies;
-    std::vector<std::vector<std::string>> opened;
+    std::vector<Opened> opened;
     std::string answers = "1.1.0";  // the version that a running copy says it is
     bool obeysNotice = true;
     bool obeysSystem = true;
@@ -106,8 +109,8 @@ private:
     void systemAsks() {
         if (obeysSystem) copies.clear();
     }
-    Result<OpenCommandEnd> open(const std::vector<std::string>& arguments) {
-        opened.push_back(arguments);
+    Result<OpenCommandEnd> open(const fs::path& bundle, const std::vector<std::string>& arguments) {
+        opened.push_back({bundle, arguments});
         if (AddOnSignals::contains(arguments, AddOnSignals::kUninstallArgument)) {
             if (removesItself) fs::remove_all(support);
         } else if (staysUp) {
@@ -138,8 +141,7 @@ TEST_F(AddOnCommandsTest, InstallPutsTheBundleInPlaceAndStartsIt) {
     EXPECT_EQ(fs::status(place / "Contents/Linux/Sleeper").permissions() & fs::perms::owner_exec,
               fs::perms::owner_exec);
     EXPECT_EQ(entries(), 1u);
-    EXPECT_EQ(opened, (std::vector<std::vector<std::string>>{
-                          {"-n", "-g", place.string(), "--args", "--installed"}}));
+    EXPECT_EQ(opened, (std::vector<Opened>{{place, {"--installed"}}}));
     EXPECT_TRUE(SharedDefaults{shared.table()}.lockScreenEnabled());
     // Neither an earlier removal that was cut off nor one that was asked for meets the new one.
     EXPECT_FALSE(shared.values.contains("lockScreenRemovalRequested"));
@@ -251,7 +253,7 @@ TEST_F(AddOnCommandsTest, LaunchesAndQuits) {
     putOld();
     answers = "1.0.0";
     EXPECT_EQ(*launch(), "The add-on is running.\n");
-    EXPECT_EQ(opened.back(), (std::vector<std::string>{"-n", "-g", place.string()}));
+    EXPECT_EQ(opened.back(), (Opened{place, {}}));
     EXPECT_EQ(*launch(), "The add-on is already running.\n");
     EXPECT_EQ(opened.size(), 1u);
     obeysNotice = false;
@@ -278,8 +280,7 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
     ASSERT_TRUE(pending) << "it hears of it when it next says hello";
     EXPECT_EQ(pending->targetInstallID, "ID");
     EXPECT_EQ(hellos, 1);
-    EXPECT_EQ(opened.back(),
-              (std::vector<std::string>{"-n", "-g", place.string(), "--args", "--uninstall"}));
+    EXPECT_EQ(opened.back(), (Opened{place, {"--uninstall"}}));
     EXPECT_EQ(removals, 0);
 
     removesItself = true;

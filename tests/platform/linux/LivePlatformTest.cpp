@@ -18,9 +18,9 @@
 namespace quorvane {
 namespace {
 
-class LivePlatformLinux : public testing::Test {
+class LivePlatformTest : public testing::Test {
 protected:
-    LivePlatformLinux() {
+    LivePlatformTest() {
         setenv("HOME", folder.path().c_str(), 1);
         setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
         setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
@@ -41,7 +41,7 @@ protected:
     RecordingLog log;
 };
 
-TEST_F(LivePlatformLinux, SaysPlainlyWhyThereIsNone) {
+TEST_F(LivePlatformTest, SaysPlainlyWhyThereIsNone) {
     EXPECT_EQ(
         make().error().description,
         "there is no X11 session to show a card in: DISPLAY is not set; use a terminal of the "
@@ -58,7 +58,7 @@ TEST_F(LivePlatformLinux, SaysPlainlyWhyThereIsNone) {
     EXPECT_NE(make().error().description.find("Wayland"), std::string::npos);
 }
 
-TEST_F(LivePlatformLinux, EndsWithTheServer) {
+TEST_F(LivePlatformTest, EndsWithTheServer) {
     PrivateXServer server;
     setenv("DISPLAY", server.display().c_str(), 1);
     auto platform = make();
@@ -71,7 +71,7 @@ TEST_F(LivePlatformLinux, EndsWithTheServer) {
     EXPECT_TRUE(log.contains("x11: the X server has gone away"));
 }
 
-TEST_F(LivePlatformLinux, FillsEveryTable) {
+TEST_F(LivePlatformTest, FillsEveryTable) {
     PrivateXServer server;
     setenv("DISPLAY", server.display().c_str(), 1);
     setenv("LANG", "he_IL.UTF-8", 1);
@@ -114,7 +114,7 @@ bool hasLoaded(const std::string& name) {
     return false;
 }
 
-TEST_F(LivePlatformLinux, LeavesTheDrawingLibrariesAloneUntilTheFirstWindow) {
+TEST_F(LivePlatformTest, LeavesTheDrawingLibrariesAloneUntilTheFirstWindow) {
     PrivateXServer server;
     EventLoop loop;
     auto session = X11SessionLinux::open(loop, server.display(), [] {});

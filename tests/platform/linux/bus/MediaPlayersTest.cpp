@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/MediaPlayers.hpp"
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 #include "tests/platform/linux/bus/FakeMprisPlayer.hpp"
 #include "tests/support/LoopRunner.hpp"
 #include "tests/support/PrivateBus.hpp"
@@ -17,7 +17,7 @@ class MediaPlayersTest : public testing::Test {
 protected:
     MediaPlayersTest() {
         privateBus.useHere();
-        linux = std::make_shared<ServicesLinux>(LogSink{});
+        linux = std::make_shared<HeadlessPlatform>(LogSink{});
         services.clock = linux->loop.clock();
         services.mainThread = linux->loop.mainThread();
         services.owner = linux;
@@ -59,7 +59,7 @@ protected:
     }
 
     PrivateBus privateBus;
-    std::shared_ptr<ServicesLinux> linux;
+    std::shared_ptr<HeadlessPlatform> linux;
     LiveServices services;
     std::optional<MediaPlayers> players;
     Handle observation;

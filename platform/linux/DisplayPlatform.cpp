@@ -13,12 +13,13 @@
 #include "platform/linux/CardModuleLoader.hpp"
 #include "platform/linux/accessibility/AccessibilityLinux.hpp"
 #include "platform/linux/bus/MotionSetting.hpp"
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/language/Translations.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
 #include "platform/linux/lockers/LockWatcherLinux.hpp"
 #include "platform/linux/lockers/X11SessionLinux.hpp"
 #include "platform/linux/processes/Confinement.hpp"
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 #include "platform/linux/services/SessionProblemsLinux.hpp"
 #include "platform/linux/x11/ToolkitSettings.hpp"
 
@@ -36,13 +37,14 @@ std::filesystem::path moduleFile() {
 }
 
 // Members are in construction order; later ones refer to earlier ones.
-struct PlatformLinux {
-    PlatformLinux(const LiveServices& services, std::unique_ptr<X11SessionLinux> session)
+struct DisplayPlatform {
+    DisplayPlatform(const LiveServices& services, std::unique_ptr<X11SessionLinux> session)
         : x11(std::move(session)),
-          watcher(ServicesLinux::of(services), *x11),
-          motion(ServicesLinux::of(services).sessionBus,
+          watcher(HeadlessPlatform::of(services), *x11),
+          motion(HeadlessPlatform::of(services).sessionBus,
                  [this] { return toolkitSetting(*x11, "Gtk/EnableAnimations"); }),
-          accessibility(ServicesLinux::of(services).loop, ServicesLinux::of(services).sessionBus,
+          accessibility(HeadlessPlatform::of(services).loop,
+                        HeadlessPlatform::of(services).sessionBus,
                         {services.log, kPlatformSubsystem, "accessibility"}),
           cards(moduleFile(), {.x11 = *x11,
                                .clock = services.clock,
@@ -67,10 +69,10 @@ Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& service
     if (problem && display.empty())
         return std::unexpected(PlatformError{PlatformError::Domain::service, 0, *problem});
     if (problem) log.error("x11: %{public}s", *problem);
-    auto& state = ServicesLinux::of(services);
+    auto& state = HeadlessPlatform::of(services);
     return X11SessionLinux::open(state.loop, "", [&state, log] {
         log.error("x11: the X server has gone away");
-        state.fail(EXIT_FAILURE);
+        state.loop.quit(EXIT_FAILURE);
     });
 }
 
@@ -88,7 +90,7 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
     shareOneHeap();
     auto session = openSession(services);
     if (!session) return std::unexpected(std::move(session).error());
-    const auto owner = std::make_shared<PlatformLinux>(services, *std::move(session));
+    const auto owner = std::make_shared<DisplayPlatform>(services, *std::move(session));
     LivePlatform platform;
     platform.lockSources = owner->watcher.sources();
     platform.screens = owner->x11->screens();
@@ -102,14 +104,15 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
     // This system does not slow down or suspend background processes, so an empty handle is enough.
     platform.beginActivity = [](std::uint64_t, const std::string&) { return Handle{[] {}}; };
     const std::vector<std::string> locales = preferredLocales();
-    platform.localized = [texts = Translations{localeFolder(services.process.bundle), locales}](
-                             const std::string& key) { return texts.text(key); };
+    platform.localized = [texts = Translations{locales}](const std::string& key) {
+        return texts.text(key);
+    };
     platform.isRightToLeft = [isRightToLeft =
                                   !locales.empty() && isRightToLeftLocale(locales.front())] {
         return isRightToLeft;
     };
     platform.confine = [log = Logger{services.log, kPlatformSubsystem, "process"}] {
-        const auto confined = confineProcess(networkForDisplay(std::getenv("DISPLAY")));
+        const auto confined = confineProcess(networkForDisplay(environmentVariable("DISPLAY")));
         if (!confined) log.error("process: not confined: %{public}s", errorText(confined.error()));
     };
     platform.services = std::move(services);

@@ -16,11 +16,18 @@ NSArray<NSString*>* stringsFrom(const std::vector<std::string>& texts) {
     return strings;
 }
 
-Result<OpenCommandEnd> run(const std::vector<std::string>& arguments) {
+Result<OpenCommandEnd> openApplication(const std::filesystem::path& bundle,
+                                       const std::vector<std::string>& arguments) {
+    // A new instance, not brought to the front.
+    std::vector<std::string> words{"-n", "-g", bundle.string()};
+    if (!arguments.empty()) {
+        words.emplace_back("--args");
+        words.insert(words.end(), arguments.begin(), arguments.end());
+    }
     NSPipe* pipe = [NSPipe pipe];
     NSTask* task = [[NSTask alloc] init];
     task.executableURL = urlFrom("/usr/bin/open");
-    task.arguments = stringsFrom(arguments);
+    task.arguments = stringsFrom(words);
     task.standardOutput = pipe;
     task.standardError = pipe;
     NSError* error = nil;
@@ -35,6 +42,6 @@ Result<OpenCommandEnd> run(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
-RunOpenCommand makeRunOpenCommandMacOS() { return run; }
+OpenApplication makeOpenApplicationMacOS() { return openApplication; }
 
 }  // namespace quorvane

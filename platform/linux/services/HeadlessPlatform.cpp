@@ -1,44 +1,40 @@
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 
-#include <map>
-#include <memory>
+#include <unistd.h>
 
 #include "platform/linux/bus/NoticesLinux.hpp"
-#include "platform/linux/files/DefaultsFile.hpp"
+#include "platform/linux/files/BundleLayout.hpp"
+#include "platform/linux/files/FileManagerLinux.hpp"
 #include "platform/linux/files/FilesLinux.hpp"
 #include "platform/linux/files/FoldersLinux.hpp"
-#include "platform/linux/loop/ApplicationLinux.hpp"
 #include "platform/linux/loop/SerialQueueLinux.hpp"
-#include "platform/linux/loop/ThreadNameLinux.hpp"
 #include "platform/linux/ports/MessagePortsLinux.hpp"
 #include "platform/linux/processes/Confinement.hpp"
-#include "platform/linux/processes/InstallationLinux.hpp"
+#include "platform/linux/processes/DetachedProcess.hpp"
 #include "platform/linux/processes/LogLinux.hpp"
-#include "platform/linux/processes/ProcessInfoLinux.hpp"
+#include "platform/linux/processes/LoginItemLinux.hpp"
+#include "platform/linux/processes/RunningApplicationsLinux.hpp"
 
 namespace quorvane {
 namespace {
 
-// The parts that only the tables use.
-struct LiveServicesLinux : ServicesLinux {
-    explicit LiveServicesLinux(const LogSink& log)
-        : ServicesLinux(log), defaultsLog(log, kPlatformSubsystem, "defaults") {}
+// The core uses the system's version, in the numbers of the other edition, to decide whether the
+// lock screen can show the card. This edition reports the first version that supports it; the
+// kernel's own version would disable the card.
+constexpr SystemVersion kInterfaceVersion{26, 0, 0};
 
-    // Keeps one store per domain across repeated opens, because a store holds the changes not yet
-    // written.
-    std::optional<UserDefaults> openDefaults(const std::string& domain) {
-        const auto folder = configFolder();
-        if (!folder || !isPlainFileName(domain)) return std::nullopt;
-        auto& store = defaults[domain];
-        if (!store)
-            store = std::make_unique<DefaultsFile>(*folder / (domain + ".plist"), defaultsLog);
-        return store->table();
-    }
-
-    ApplicationLinux application{loop};
-    Logger defaultsLog;
-    std::map<std::string, std::unique_ptr<DefaultsFile>> defaults;
-};
+ProcessInfo makeProcessInfo(int argumentCount, char** arguments) {
+    std::error_code none;
+    const auto executable = std::filesystem::read_symlink("/proc/self/exe", none);
+    ProcessInfo info{.arguments = {arguments, arguments + argumentCount},
+                     .executable = executable,
+                     .pid = getpid(),
+                     .systemVersion = kInterfaceVersion,
+                     .bundle = bundleOfExecutable(executable),
+                     .bundleProperties = {}};
+    info.bundleProperties = propertiesOfBundle(info.bundle);
+    return info;
+}
 
 std::string programName(const ProcessInfo& process) {
     return process.arguments.empty()
@@ -53,16 +49,30 @@ void fillFileTables(LiveServices& services) {
     services.files = makeFileStore();
     services.fillRandom = makeFillRandom();
     services.makeUUID = makeRandomUUID;
-    services.installation = makeInstallation(services.process);
+    auto autostart = configFolder();
+    if (autostart) *autostart /= "autostart";
+    services.installation = {.loginItem = makeLoginItem(autostart, services.process),
+                             .fileManager = makeFileManager(),
+                             .runningApplications = makeRunningApplications(),
+                             .openApplication = openApplication,
+                             .applicationSupport = dataFolder()};
 }
 
 }  // namespace
 
-ServicesLinux::ServicesLinux(const LogSink& log)
+HeadlessPlatform::HeadlessPlatform(const LogSink& log)
     : sessionBus(loop, Logger{log, kPlatformSubsystem, "bus"}),
       systemBus(loop, Logger{log, kPlatformSubsystem, "bus"}),
       localNotices(loop.mainThread()),
-      fail([this](int status) { loop.quit(status); }) {}
+      defaultsLog(log, kPlatformSubsystem, "defaults") {}
+
+std::optional<UserDefaults> HeadlessPlatform::openDefaults(const std::string& domain) {
+    const auto folder = configFolder();
+    if (!folder || !isPlainFileName(domain)) return std::nullopt;
+    auto& store = defaults[domain];
+    if (!store) store = std::make_unique<DefaultsFile>(*folder / (domain + ".plist"), defaultsLog);
+    return store->table();
+}
 
 Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
                                       const std::string& domain) {
@@ -74,7 +84,7 @@ Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
     LiveServices services;
     services.process = makeProcessInfo(argumentCount, arguments);
     services.log = makeLogSink(LogOptions::fromEnvironment(programName(services.process)));
-    const auto owner = std::make_shared<LiveServicesLinux>(services.log);
+    const auto owner = std::make_shared<HeadlessPlatform>(services.log);
     if (!owner->loop.event()) return failed("The system gives no event loop.");
     const auto standardDefaults = owner->openDefaults(domain);
     if (!standardDefaults) return failed("This user has no home folder to keep settings in.");
@@ -94,8 +104,7 @@ Result<LiveServices> makeLiveServices(int argumentCount, char** arguments,
         return state->openDefaults(suite);
     };
     fillFileTables(services);
-    // ServicesLinux::of casts this pointer to the base class.
-    services.owner = std::shared_ptr<ServicesLinux>{owner};
+    services.owner = owner;
     return services;
 }
 
