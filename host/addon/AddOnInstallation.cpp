@@ -61,4 +61,12 @@ AddOnInstallation AddOnInstallation::look(const fs::path& applicationSupport,
     return place;
 }
 
+std::optional<fs::path> bundleToInstall(const fs::path& program, const BundleFiles& files) {
+    const fs::path above = program.parent_path().parent_path();
+    for (const fs::path& folder : {above, above / "lib" / "quorvane"})
+        if (auto bundle = AddOnInstallLocation::bundleIn(folder); addOnVersionOf(bundle, files))
+            return bundle;
+    return std::nullopt;
+}
+
 }  // namespace quorvane

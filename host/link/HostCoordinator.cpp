@@ -1,5 +1,7 @@
 #include "host/link/HostCoordinator.hpp"
 
+#include <mutex>
+
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/MessagePortSecret.hpp"
 
@@ -14,22 +16,35 @@ constexpr std::size_t kPortCount = kQueryPortCount + 1;
 
 }  // namespace
 
-// State that the handlers on the ports' threads share. `host` is null once the coordinator is
-// destroyed; only the main thread reads it.
+// What the handlers on the ports' threads share. They end before the coordinator, which only the
+// main thread uses.
 struct HostCoordinator::Link {
-    SharedSnapshot state;
+    HostCoordinator& host;
     MainThread mainThread;
     std::function<Instant()> now;
     WallClock wallClock;
-    HostCoordinator* host = nullptr;
+    std::mutex mutex;
+    PlayerSnapshot snapshot{};  // under mutex
 
     // Runs the action soon on the main thread, if the coordinator is still alive.
     static void post(const std::shared_ptr<Link>& link,
                      std::function<void(HostCoordinator&)> action) {
         link->mainThread.post([weak = std::weak_ptr{link}, action = std::move(action)] {
-            const auto held = weak.lock();
-            if (held && held->host) action(*held->host);
+            if (const auto held = weak.lock()) action(held->host);
         });
+    }
+    // Makes the state available while the main thread is busy.
+    void publish(PlayerSnapshot newest) {
+        // The old snapshot is destroyed after the lock is released, because it may hold a large
+        // picture.
+        const std::lock_guard guard{mutex};
+        std::swap(snapshot, newest);
+    }
+    QuorvanePlayerState state() {
+        std::unique_lock lock{mutex};
+        const PlayerSnapshot present = snapshot;
+        lock.unlock();
+        return stateAt(present, now(), wallClock());
     }
 };
 
@@ -38,22 +53,16 @@ HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource
       log_(services_.log, kIdentifierPrefix, "host"),
       player_(std::move(player)),
       defaults_(services_.sharedSuite),
-      desk_(defaults_, services_.wallClock, log_),
+      hellos_(defaults_, services_.wallClock, log_),
       notices_(services_.darwinNotices),
-      link_(std::make_shared<Link>()) {
-    desk_.onRemovalDelivered = [this] {
+      link_(std::make_shared<Link>(*this, services_.mainThread, services_.clock.now,
+                                   services_.wallClock)) {
+    hellos_.onRemovalDelivered = [this] {
         if (onRemovalDelivered) onRemovalDelivered();
     };
-    link_->mainThread = services_.mainThread;
-    link_->now = services_.clock.now;
-    link_->wallClock = services_.wallClock;
-    link_->host = this;
 }
 
-HostCoordinator::~HostCoordinator() {
-    stop();
-    link_->host = nullptr;
-}
+HostCoordinator::~HostCoordinator() { stop(); }
 
 bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
@@ -125,7 +134,7 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
     MessagePortHandlers handlers;
     handlers.onStateRequested = [link = link_] {
         Link::post(link, [](HostCoordinator& host) { host.player_->refresh(); });
-        return std::optional{stateAt(link->state.snapshot(), link->now(), link->wallClock())};
+        return std::optional{link->state()};
     };
     handlers.onActionReceived = [link = link_](QuorvaneAction action) {
         Link::post(link, [action](HostCoordinator& host) {
@@ -146,13 +155,13 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
     handlers.onLockScreenHelloReceived = [link = link_](Bytes request,
                                                         MessagePortHandlers::Answer answer) {
         Link::post(link, [request = std::move(request), answer = std::move(answer)](
-                             HostCoordinator& host) { answer(host.desk_.answer(request)); });
+                             HostCoordinator& host) { answer(host.hellos_.answer(request)); });
     };
     return handlers;
 }
 
 void HostCoordinator::playerChanged() {
-    link_->state.publish(player_->snapshot());
+    link_->publish(player_->snapshot());
     announceSoon();
 }
 

@@ -11,7 +11,6 @@
 #include "host/link/HelloResponder.hpp"
 #include "host/link/MainPortFirst.hpp"
 #include "host/players/PlayerSource.hpp"
-#include "host/players/SharedSnapshot.hpp"
 #include "host/waits/CancellableWaits.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MainThread.hpp"
@@ -73,7 +72,7 @@ private:
     Logger log_;
     std::unique_ptr<PlayerSource> player_;
     SharedDefaults defaults_;
-    HelloResponder desk_;
+    HelloResponder hellos_;
     DarwinNotificationCenter notices_;
     std::shared_ptr<Link> link_;  // shared with the ports' threads
     CancellableWaits waits_;

@@ -3,12 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include "QuorvaneKit/link/PortNames.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
-#include "host/addon/BundleSource.hpp"
 #include "host/addon/DeliveredRemoval.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/MemoryPorts.hpp"
 #include "tests/support/SmallBundle.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
@@ -45,6 +46,7 @@ protected:
                             .notices = notices.distributed(),
                             .clock = clock.clock(),
                             .canHearNotices = !problems.bus},
+                .connectPort = ports.connectPort(),
                 .darwinNotices = darwin.darwin(),
                 .sharedSuite = shared.table(),
                 .addOnDefaults = own.table(),
@@ -93,6 +95,7 @@ protected:
     ManualClock clock;
     FakeNotices darwin;
     FakeNotices notices;
+    MemoryPorts ports;
     std::vector<RunningCopy> copies;
     std::vector<std::vector<std::string>> opened;
     std::string answers = "1.1.0";  // the version that a running copy says it is
@@ -321,6 +324,29 @@ TEST_F(AddOnCommandsTest, WhatIsLeftOfABundleIsMendedOrRemoved) {
     fs::create_directories(place / "Contents/Linux");
     EXPECT_TRUE(install());
     EXPECT_EQ(installedVersion(), "1.1.0");
+}
+
+TEST_F(AddOnCommandsTest, TurningTheCardOnOrOffIsStoredThenAnnounced) {
+    int posts = 0;
+    const Handle observation =
+        darwin.darwin().observe("example.quillon.Quorvane.lockScreenConfigurationChanged", [&] {
+            ++posts;
+            EXPECT_GT(shared.synchronizations, 0) << "a receiver must find the new value";
+        });
+    const auto turn = [&](bool isOn) {
+        return run([&](AddOnCommands& it, auto done) { it.setCardEnabled(isOn, done); });
+    };
+    EXPECT_EQ(turn(true),
+              "The card is on.\n"
+              "No host is running: this takes effect with the next quorvane-host run.\n");
+    const Handle host = ports.serve(std::string{kMessagePortBaseName}, {});
+    EXPECT_EQ(turn(true), "The card is already on.\n");
+    EXPECT_EQ(turn(false), "The card is off.\n");
+    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled());
+    EXPECT_EQ(posts, 3);
+    shared.refuses = true;
+    EXPECT_EQ(turn(true).error(), "the shared settings cannot be written: full");
+    EXPECT_EQ(posts, 3);
 }
 
 TEST_F(AddOnCommandsTest, TheBundleThatCameWithTheProgramIsFound) {

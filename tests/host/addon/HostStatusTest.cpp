@@ -4,10 +4,8 @@
 
 #include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
-#include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 #include "host/addon/HostStatusQuery.hpp"
-#include "host/link/CardEnabledSetting.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
@@ -108,14 +106,17 @@ const Bytes kSecret(MessagePortWire::kSecretLength, std::byte{9});
 class HostStatusQueryTest : public testing::Test {
 protected:
     HostStatus ask() {
-        HostStatusQuery query{{.connectPort = ports.connectPort(),
-                               .files = store.table(),
-                               .clock = clock.clock(),
-                               .distributedNotices = notices.distributed(),
-                               .sharedSuite = defaults.table(),
-                               .addOnDefaults = addOnDefaults.table(),
-                               .lookAtPlace = [] { return AddOnInstallation{}; },
-                               .isAddOnRunning = [] { return true; }}};
+        HostStatusQuery query{
+            {.control = {.applications =
+                             {.running = [](const auto&) { return std::vector<RunningCopy>(1); },
+                              .current = {},
+                              .terminate = {}},
+                         .notices = notices.distributed(),
+                         .clock = clock.clock()},
+             .connectPort = ports.connectPort(),
+             .sharedSuite = defaults.table(),
+             .addOnDefaults = addOnDefaults.table()},
+            store.table()};
         std::vector<HostStatus> answers;
         query.start([&](HostStatus status) { answers.push_back(std::move(status)); });
         if (addOnSays) notices.deliver(AddOnSignals::kStatus, *addOnSays);
@@ -178,36 +179,6 @@ TEST_F(HostStatusQueryTest, AnswersThatAreNone) {
     }
     host.reset();
     EXPECT_EQ(ask().state, std::unexpected{notReachable});
-}
-
-TEST(CardEnabledSetting, WritesPostsAndSaysWhatItDid) {
-    MemoryDefaults defaults;
-    FakeNotices notices;
-    MemoryPorts ports;
-    int posts = 0;
-    const Handle observation =
-        notices.darwin().observe("example.quillon.Quorvane.lockScreenConfigurationChanged", [&] {
-            ++posts;
-            EXPECT_GT(defaults.synchronizations, 0) << "who is told must find it written";
-        });
-    CardEnabledSetting card{.connectPort = ports.connectPort(),
-                            .darwinNotices = notices.darwin(),
-                            .sharedSuite = defaults.table()};
-    EXPECT_EQ(card.set(true),
-              "The card is on.\n"
-              "No host is running: this takes effect with the next quorvane-host run.\n");
-    const Handle host = ports.serve(kMainPort, {});
-    EXPECT_EQ(card.set(true), "The card is already on.\n");
-    EXPECT_EQ(card.set(false), "The card is off.\n");
-    EXPECT_FALSE(SharedDefaults{defaults.table()}.lockScreenEnabled());
-    EXPECT_EQ(posts, 3);
-
-    card.sharedSuite->synchronize = []() -> Result<void> {
-        return std::unexpected{PlatformError{.description = "Read-only file system"}};
-    };
-    EXPECT_EQ(card.set(true).error(),
-              "the shared settings cannot be written: Read-only file system");
-    EXPECT_EQ(posts, 3);
 }
 
 }  // namespace

@@ -69,11 +69,6 @@ TEST_F(ScriptedPlayerTest, GoesForthAndBack) {
     clock.advance(2s);
     act(QuorvaneAction::previousTrack);
     EXPECT_EQ(title(), "one");
-    player->seek(250);
-    EXPECT_DOUBLE_EQ(position(), 100) << "within the track";
-    player->seek(95);
-    clock.advance(6s);
-    EXPECT_EQ(title(), "two") << "the track's end follows the seek";
     act(QuorvaneAction::playPause);
     act(QuorvaneAction::nextTrack);
     EXPECT_EQ(state().playerState, XPCPlayerState::paused) << "over a change of tracks";
