@@ -71,6 +71,7 @@ private:
     std::vector<Handle> lookups_;  // requests to the bus
     std::vector<MediaPlayer> list_;
     bool isPublishing_ = false;
+    bool isLost_ = false;  // the players went away with the bus
     Observable<std::uint64_t> revision_{0};
     std::vector<Handle> observations_;
 };
