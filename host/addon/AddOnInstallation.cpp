@@ -34,9 +34,7 @@ AddOnInstallation AddOnInstallation::look(const fs::path& applicationSupport,
                                           const BundleFiles& files) {
     AddOnInstallation place{
         .supportDirectory = AddOnInstallLocation::supportDirectory(applicationSupport),
-        .bundle = AddOnInstallLocation::bundle(applicationSupport),
-        .version = {},
-        .trouble = {}};
+        .bundle = AddOnInstallLocation::bundle(applicationSupport)};
     const auto foreign = [&](const fs::path& path, const char* what) {
         place.state = State::foreign;
         place.trouble = path.string() + " is " + what;

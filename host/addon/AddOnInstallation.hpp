@@ -16,11 +16,11 @@ struct AddOnInstallation {
         foreign,  // not the add-on's; left alone. `trouble` describes it
     };
 
-    std::filesystem::path supportDirectory;
-    std::filesystem::path bundle;
+    std::filesystem::path supportDirectory{};
+    std::filesystem::path bundle{};
     State state = State::empty;
-    std::string version;  // of an installed bundle; "-" when it has none
-    std::string trouble;
+    std::string version{};  // of an installed bundle; "-" when it has none
+    std::string trouble{};
 
     static AddOnInstallation look(const std::filesystem::path& applicationSupport,
                                   const BundleFiles& files);

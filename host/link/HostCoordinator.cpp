@@ -4,6 +4,9 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/MessagePortSecret.hpp"
+#include "QuorvaneKit/records/LockScreenConfigurationBuilder.hpp"
+#include "QuorvaneKit/records/LockScreenHelloOutcome.hpp"
+#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 
 namespace quorvane {
 
@@ -53,14 +56,9 @@ HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource
       log_(services_.log, kIdentifierPrefix, "host"),
       player_(std::move(player)),
       defaults_(services_.sharedSuite),
-      hellos_(defaults_, services_.wallClock, log_),
       notices_(services_.darwinNotices),
       link_(std::make_shared<Link>(*this, services_.mainThread, services_.clock.now,
-                                   services_.wallClock)) {
-    hellos_.onRemovalDelivered = [this] {
-        if (onRemovalDelivered) onRemovalDelivered();
-    };
-}
+                                   services_.wallClock)) {}
 
 HostCoordinator::~HostCoordinator() { stop(); }
 
@@ -130,6 +128,15 @@ void HostCoordinator::portOpened() {
     if (onServing) onServing();
 }
 
+template <typename Value>
+std::function<void(Value)> HostCoordinator::handlerOf(bool (PlayerSource::*command)(Value)) const {
+    return [command, link = link_](Value value) {
+        Link::post(link, [command, value](HostCoordinator& host) {
+            host.commandEnded((*host.player_.*command)(value));
+        });
+    };
+}
+
 MessagePortHandlers HostCoordinator::makeHandlers() const {
     MessagePortHandlers handlers;
     handlers.onStateRequested = [link = link_] {
@@ -142,20 +149,12 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
             host.commandEnded(host.player_->perform(action));
         });
     };
-    handlers.onVolumeChangeReceived = [link = link_](std::int64_t volume) {
-        Link::post(link, [volume](HostCoordinator& host) {
-            host.commandEnded(host.player_->setVolume(volume));
-        });
-    };
-    handlers.onRatingChangeReceived = [link = link_](std::int64_t rating) {
-        Link::post(link, [rating](HostCoordinator& host) {
-            host.commandEnded(host.player_->setRating(rating));
-        });
-    };
+    handlers.onVolumeChangeReceived = handlerOf(&PlayerSource::setVolume);
+    handlers.onRatingChangeReceived = handlerOf(&PlayerSource::setRating);
     handlers.onLockScreenHelloReceived = [link = link_](Bytes request,
                                                         MessagePortHandlers::Answer answer) {
         Link::post(link, [request = std::move(request), answer = std::move(answer)](
-                             HostCoordinator& host) { answer(host.hellos_.answer(request)); });
+                             HostCoordinator& host) { answer(host.answerHello(request)); });
     };
     return handlers;
 }
@@ -184,6 +183,42 @@ void HostCoordinator::announce() {
     if (announced_ && !isNews(*announced_, now, services_.clock.now())) return;
     announced_ = std::move(now);
     if (isServing()) notices_.post(QuorvaneDarwinNotification::playerStateChanged);
+}
+
+Bytes HostCoordinator::answerHello(Bytes request) {
+    const auto hello = XPCCodableHelpers::decode<LockScreenAddOnHello>(std::move(request));
+    LockScreenAddOnConfiguration configuration = LockScreenConfigurationBuilder{}.build();
+    if (hello)
+        configuration = configurationFor(*hello);
+    else
+        log_.error("Lock-screen hello undecodable: answering locked");
+    return XPCCodableHelpers::encode(configuration).value_or(Bytes{});
+}
+
+LockScreenAddOnConfiguration HostCoordinator::configurationFor(const LockScreenAddOnHello& hello) {
+    report("the add-on's hello",
+           defaults_.setLockScreenAddOnLastSeen(sightingOf(hello, services_.wallClock())));
+    LockScreenConfigurationBuilder builder{.isEnabled = defaults_.lockScreenEnabled(),
+                                           .removalRequested = false};
+    switch (decideLockScreenHello(defaults_.lockScreenPendingRemoval(), hello)) {
+        case LockScreenHelloOutcome::answer: break;
+        case LockScreenHelloOutcome::deliverRemoval:
+            log_.standard("hello: asking the add-on to remove itself");
+            builder.removalRequested = true;
+            if (onRemovalDelivered) onRemovalDelivered();
+            break;
+        case LockScreenHelloOutcome::supersedeRemoval:
+            log_.standard("hello: from an add-on that the pending removal is not meant for");
+            report("the end of the removal", defaults_.setLockScreenPendingRemoval(std::nullopt));
+            break;
+    }
+    return builder.build();
+}
+
+void HostCoordinator::report(const char* what, const Result<void>& written) const {
+    if (!written)
+        log_.error("defaults: cannot keep %{public}s: %{public}s", what,
+                   written.error().description);
 }
 
 }  // namespace quorvane

@@ -47,7 +47,8 @@ PlayerSnapshot MprisPlayer::snapshot() const {
 void MprisPlayer::follow() {
     std::vector<PlayerCandidate> candidates;
     for (const MediaPlayer& player : services_.players.list()) {
-        if (isProxy(player) || (onlyNamed_ && !isNamed(player, *onlyNamed_))) continue;
+        if (isNamed(player, "playerctld")) continue;  // it mirrors another player
+        if (onlyNamed_ && !isNamed(player, *onlyNamed_)) continue;
         const QuorvanePlayerState state = playerStateOf(player);
         if (state.track)
             candidates.push_back({player.busName, state.playerState, isNameless(player)});

@@ -64,14 +64,14 @@ TEST_F(ScriptedPlayerTest, GoesForthAndBack) {
     act(QuorvaneAction::nextTrack);
     clock.advance(4s);
     act(QuorvaneAction::previousTrack);
-    EXPECT_EQ(title(), "two") << "after three seconds, back to the track's start";
+    EXPECT_EQ(title(), "two") << "after three seconds, the track restarts";
     EXPECT_DOUBLE_EQ(position(), 0);
     clock.advance(2s);
     act(QuorvaneAction::previousTrack);
     EXPECT_EQ(title(), "one");
     act(QuorvaneAction::playPause);
     act(QuorvaneAction::nextTrack);
-    EXPECT_EQ(state().playerState, XPCPlayerState::paused) << "over a change of tracks";
+    EXPECT_EQ(state().playerState, XPCPlayerState::paused) << "a change of tracks keeps the state";
     EXPECT_EQ(clock.pendingTimers(), 0u);
 }
 
@@ -85,7 +85,7 @@ TEST_F(ScriptedPlayerTest, Repeats) {
     EXPECT_EQ(title(), "three");
     EXPECT_DOUBLE_EQ(position(), 1);
     act(QuorvaneAction::nextTrack);
-    EXPECT_EQ(title(), "one") << "asked for, the next track comes all the same";
+    EXPECT_EQ(title(), "one") << "the command advances although one track repeats";
 
     std::vector<XPCRepeatMode> modes;
     for (int i = 0; i < 3; ++i) {
@@ -93,7 +93,7 @@ TEST_F(ScriptedPlayerTest, Repeats) {
         modes.push_back(*state().repeatMode);
     }
     EXPECT_EQ(modes, (std::vector{XPCRepeatMode::off, XPCRepeatMode::all, XPCRepeatMode::one}));
-    EXPECT_FALSE(player->perform(QuorvaneAction::toggleLove)) << "which this player cannot";
+    EXPECT_FALSE(player->perform(QuorvaneAction::toggleLove)) << "not among its capabilities";
 }
 
 TEST_F(ScriptedPlayerTest, VolumeLoveAndRating) {
@@ -107,12 +107,12 @@ TEST_F(ScriptedPlayerTest, VolumeLoveAndRating) {
     act(QuorvaneAction::toggleDislike);
     act(QuorvaneAction::toggleLove);
     EXPECT_EQ(state().isLoved, true);
-    EXPECT_EQ(state().isDisliked, false) << "loved and disliked at once";
+    EXPECT_EQ(state().isDisliked, false) << "a track cannot be loved and disliked";
     act(QuorvaneAction::increaseRating);
     act(QuorvaneAction::nextTrack);
     EXPECT_EQ(state().isLoved, std::nullopt);
     act(QuorvaneAction::previousTrack);
-    EXPECT_EQ(state().isLoved, true) << "kept with its track";
+    EXPECT_EQ(state().isLoved, true) << "stored per track";
     EXPECT_EQ(state().rating, 20);
 }
 
