@@ -15,13 +15,14 @@ namespace {
 std::string printable(std::string_view text) {
     std::string result;
     for (std::size_t place = 0; place < text.size();) {
-        const auto [length, code, isValid] = characterAt(text, place);
-        const bool isControl = code < 0x20 || (code >= 0x7F && code <= 0x9F);
-        if (isValid && !isControl)
-            result += text.substr(place, length);
-        else
+        const Character character = characterAt(text, place);
+        const bool isControl =
+            character.code < 0x20 || (character.code >= 0x7F && character.code <= 0x9F);
+        if (character.isValid && isControl)
             result += '?';
-        place += length;
+        else
+            result += text.substr(place, character.length);
+        place += character.length;
     }
     return result;
 }

@@ -19,8 +19,8 @@ constexpr std::size_t kPortCount = kQueryPortCount + 1;
 
 }  // namespace
 
-// What the handlers on the ports' threads share. They end before the coordinator, which only the
-// main thread uses.
+// State that the handlers on the ports' threads share. The handlers end before the coordinator.
+// They use `host` only in actions for the main thread.
 struct HostCoordinator::Link {
     HostCoordinator& host;
     MainThread mainThread;
@@ -128,15 +128,6 @@ void HostCoordinator::portOpened() {
     if (onServing) onServing();
 }
 
-template <typename Value>
-std::function<void(Value)> HostCoordinator::handlerOf(bool (PlayerSource::*command)(Value)) const {
-    return [command, link = link_](Value value) {
-        Link::post(link, [command, value](HostCoordinator& host) {
-            host.commandEnded((*host.player_.*command)(value));
-        });
-    };
-}
-
 MessagePortHandlers HostCoordinator::makeHandlers() const {
     MessagePortHandlers handlers;
     handlers.onStateRequested = [link = link_] {
@@ -148,6 +139,13 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
             host.log_.info("host: %{public}s", name(action));
             host.commandEnded(host.player_->perform(action));
         });
+    };
+    const auto handlerOf = [this](bool (PlayerSource::*command)(std::int64_t percent)) {
+        return [command, link = link_](std::int64_t percent) {
+            Link::post(link, [command, percent](HostCoordinator& host) {
+                host.commandEnded((*host.player_.*command)(percent));
+            });
+        };
     };
     handlers.onVolumeChangeReceived = handlerOf(&PlayerSource::setVolume);
     handlers.onRatingChangeReceived = handlerOf(&PlayerSource::setRating);

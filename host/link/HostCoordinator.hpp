@@ -62,8 +62,6 @@ private:
     void findSecret();
     OpenPort countingOpenPort();
     MessagePortHandlers makeHandlers() const;
-    template <typename Value>
-    std::function<void(Value)> handlerOf(bool (PlayerSource::*command)(Value)) const;
     void portOpened();
     void playerChanged();
     void commandEnded(bool isCarriedOut);

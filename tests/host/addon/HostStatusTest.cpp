@@ -76,7 +76,7 @@ TEST(HostStatus, IsAFewLinesOfText) {
          "Install: damaged (repair with: quorvane-host install; or run: quorvane-host remove)\n"
          "Add-on:  running, but not answering; version 1.2.0 was last seen "
          "2025-12-31T23:59:55Z\n"},
-        {{.state = playing(XPCPlayerState::paused, 61.9, {"A\x1b[2J\u009b1mB\xff", ""}),
+        {{.state = playing(XPCPlayerState::paused, 61.9, {"A\x1b[2J\u009b1mB", ""}),
           .hasSharedDefaults = true,
           .isEnabled = true,
           .pendingRemoval = LockScreenPendingRemoval{},
@@ -84,7 +84,7 @@ TEST(HostStatus, IsAFewLinesOfText) {
           .isAddOnRunning = true,
           .addOn = AddOnSignals::Status{true, "1.2.1"},
           .problems = {"no bus"}},
-         "Host:    running, paused \"A?[2J?1mB?\" (1:01)\n"
+         "Host:    running, paused \"A?[2J?1mB\" (1:01)\n"
          "Card:    off; the add-on has been asked to remove itself\n"
          "Install: no; /a is not a folder\n"
          "Add-on:  running, version 1.2.1, connected\n"

@@ -57,6 +57,17 @@ TEST_F(ScriptedPlayerTest, PlaysThroughAndStops) {
     act(QuorvaneAction::playPause);
     clock.advance(3s);
     EXPECT_DOUBLE_EQ(position(), 3);
+    act(QuorvaneAction::playPause);
+    clock.advance(10s);
+    act(QuorvaneAction::playPause);
+    clock.advance(98s);
+    EXPECT_EQ(title(), "two") << "a pause postpones the end of the track";
+    EXPECT_DOUBLE_EQ(position(), 1);
+
+    script = threeTracks();
+    script.startPosition = 250;
+    start(std::move(script));
+    EXPECT_DOUBLE_EQ(position(), 100) << "limited to the track";
 }
 
 TEST_F(ScriptedPlayerTest, GoesForthAndBack) {
