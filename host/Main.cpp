@@ -189,7 +189,10 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
     const auto line = HostCommandLine::parse(words);
-    if (!line) return fail(line.error() + "\nTry: quorvane-host --help"), kHostMisused;
+    if (!line) {
+        say(line.error() + "\nTry: quorvane-host --help");
+        return kHostMisused;
+    }
     if (line->command == Command::help) return print(HostCommandLine::help()), kHostDone;
     if (line->command == Command::version)
         return print("quorvane-host " QUORVANE_VERSION "\n"), kHostDone;

@@ -110,8 +110,7 @@ void AddOnCommands::startAndTell(const AddOnInstallation& place,
                                  const std::vector<std::string>& arguments, std::string text) {
     if (const auto failure = start(place, arguments))
         return fail(text + "It could not be started: " + *failure);
-    control_.awaitVersion(place.version, [this,
-                                          text = std::move(text)](AddOnControl::Answer answer) {
+    const auto tell = [this, text = std::move(text)](AddOnControl::Answer answer) {
         switch (answer) {
             case AddOnControl::Answer::runs:
                 return end(text + "The add-on is running.\n" + notes());
@@ -124,7 +123,8 @@ void AddOnCommands::startAndTell(const AddOnInstallation& place,
                             services_.problems.screen.value_or("it ended at once (see its log)") +
                             ". Start it later with: quorvane-host launch");
         }
-    });
+    };
+    control_.awaitVersion(place.version, tell);
 }
 
 // The problems that keep the card from showing although the add-on runs.

@@ -148,14 +148,13 @@ std::string HostCommandLine::help() {
             helpRows(kInstallOptions) + "\nOther options:\n" +
             helpRow("-h, --help", "show this text and exit") +
             helpRow("-V, --version", "show the version and exit");
-    return text +
-           "\nThe format of a script is described in scripted-player.md, in the folder docs of "
-           "the\n"
-           "source and in /usr/share/doc/quorvane-lock-screen of the package.\n"
-           "\n"
-           "Exit status: 0 on success, 1 if the command failed (for status: or no host is "
-           "running),\n"
-           "2 for a wrong command line.\n";
+    text +=
+        "\nThe format of a script is described in scripted-player.md, in the folder docs of the\n"
+        "source and in /usr/share/doc/quorvane-lock-screen of the package.\n"
+        "\n"
+        "Exit status: 0 on success, 1 if the command failed (for status: or no host is running),\n"
+        "2 for a wrong command line.\n";
+    return text;
 }
 
 }  // namespace quorvane
