@@ -8,10 +8,9 @@
 #include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
 #include "QuorvaneKit/link/MessagePortServer.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
-#include "host/link/HelloResponder.hpp"
+#include "QuorvaneKit/records/LockScreenRecords.hpp"
 #include "host/link/MainPortFirst.hpp"
 #include "host/players/PlayerSource.hpp"
-#include "host/players/SharedSnapshot.hpp"
 #include "host/waits/CancellableWaits.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MainThread.hpp"
@@ -54,7 +53,7 @@ public:
     bool hasSecret() const;
     // Called when all ports have opened.
     std::function<void()> onServing;
-    // Called when the add-on was asked to remove itself.
+    // Called while making an answer that asks the add-on to remove itself.
     std::function<void()> onRemovalDelivered;
 
 private:
@@ -68,12 +67,16 @@ private:
     void commandEnded(bool isCarriedOut);
     void announceSoon();
     void announce();
+    // Returns the encoded configuration, made from the shared defaults, and records the hello
+    // there. An undecodable hello gets a configuration that keeps the card off.
+    Bytes answerHello(Bytes request);
+    LockScreenAddOnConfiguration configurationFor(const LockScreenAddOnHello& hello);
+    void report(const char* what, const Result<void>& written) const;
 
     Services services_;
     Logger log_;
     std::unique_ptr<PlayerSource> player_;
     SharedDefaults defaults_;
-    HelloResponder desk_;
     DarwinNotificationCenter notices_;
     std::shared_ptr<Link> link_;  // shared with the ports' threads
     CancellableWaits waits_;

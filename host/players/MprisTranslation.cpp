@@ -223,6 +223,4 @@ bool isNamed(const MediaPlayer& player, std::string_view name) {
     return rest.starts_with(name) && (rest.size() == name.size() || rest[name.size()] == '.');
 }
 
-bool isProxy(const MediaPlayer& player) { return isNamed(player, "playerctld"); }
-
 }  // namespace quorvane

@@ -32,7 +32,12 @@ void MprisPlayers::start() {
     listen(fromPlayers + kBusProperties + "',member='PropertiesChanged',arg0='" + kPlayer + "'",
            &MprisPlayers::onPropertiesChanged);
     listen(fromPlayers + kPlayer + "',member='Seeked'", &MprisPlayers::onSeeked);
+    observations_.push_back(bus_.observeLoss([this] {
+        isLost_ = true;
+        changed();
+    }));
     observations_.push_back(bus_.observeReconnection([this] {
+        isLost_ = false;
         entries_.clear();
         changed();
         findPlayers();
@@ -191,6 +196,8 @@ void MprisPlayers::changed() {
 
 void MprisPlayers::publish() {
     isPublishing_ = false;
+    // Not earlier, because a loss may be noticed while an entry is in use.
+    if (std::exchange(isLost_, false)) entries_.clear();
     list_.clear();
     for (const auto& [name, entry] : entries_)
         if (entry.isDescribed) list_.push_back(entry.player);

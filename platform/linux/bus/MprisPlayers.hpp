@@ -69,6 +69,7 @@ private:
     std::vector<Handle> lookups_;  // requests to the bus
     std::vector<MediaPlayer> list_;
     bool isPublishing_ = false;
+    bool isLost_ = false;  // the players went away with the bus
     Listeners<> listeners_;
     std::vector<Handle> observations_;
     LifeToken life_;

@@ -1,14 +1,15 @@
-// The commands over real files, with an add-on that does what it is told, or does not.
+// The commands over real files and a simulated add-on, which obeys or does not.
 #include "host/addon/AddOnCommands.hpp"
 
 #include <gtest/gtest.h>
 
+#include "QuorvaneKit/link/PortNames.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
-#include "host/addon/BundleSource.hpp"
 #include "host/addon/DeliveredRemoval.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/MemoryPorts.hpp"
 #include "tests/support/SmallBundle.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
@@ -48,6 +49,7 @@ protected:
                         .notices = notices.distributed(),
                         .clock = clock.clock(),
                         .canHearNotices = !problems.bus},
+            .connectPort = ports.connectPort(),
             .darwinNotices = darwin.darwin(),
             .sharedSuite = shared.table(),
             .addOnDefaults = own.table(),
@@ -96,6 +98,7 @@ protected:
     ManualClock clock;
     FakeNotices darwin;
     FakeNotices notices;
+    MemoryPorts ports;
     std::vector<RunningCopy> copies;
     std::vector<Opened> opened;
     std::string answers = "1.1.0";  // the version that a running copy says it is
@@ -143,7 +146,7 @@ TEST_F(AddOnCommandsTest, InstallPutsTheBundleInPlaceAndStartsIt) {
     EXPECT_EQ(entries(), 1u);
     EXPECT_EQ(opened, (std::vector<Opened>{{place, {"--installed"}}}));
     EXPECT_TRUE(SharedDefaults{shared.table()}.lockScreenEnabled());
-    // Neither an earlier removal that was cut off nor one that was asked for meets the new one.
+    // Interrupted and requested removals do not apply to the new bundle.
     EXPECT_FALSE(shared.values.contains("lockScreenRemovalRequested"));
     EXPECT_EQ(own.values.size(), 1u);
     EXPECT_TRUE(install()) << "again";
@@ -163,7 +166,7 @@ TEST_F(AddOnCommandsTest, InstallSaysWhenTheAddOnDoesNotStart) {
     EXPECT_TRUE(launch()->ends_with("The add-on is running.\nNote: no screen.\n"));
     EXPECT_TRUE(launch()->ends_with("The add-on is already running.\nNote: no screen.\n"));
 
-    problems = {.bus = "no bus"};  // nothing can answer, so there is little to wait for
+    problems = {.bus = "no bus"};  // no answer can arrive, so waits are short
     copies.clear();
     answers = "";
     const Instant begin = clock.clock().now();
@@ -172,7 +175,7 @@ TEST_F(AddOnCommandsTest, InstallSaysWhenTheAddOnDoesNotStart) {
     EXPECT_TRUE(quit());
     EXPECT_LE(clock.clock().now() - begin, 3s);
     problems = {};
-    answers = "0.9.0";  // an old copy, which would not go
+    answers = "0.9.0";  // an old copy that did not quit
     EXPECT_TRUE(install()->ends_with("has not answered yet.\n"));
 }
 
@@ -182,7 +185,7 @@ TEST_F(AddOnCommandsTest, UpdateWantsSomethingOlder) {
     copies = {{17, std::nullopt}};
     EXPECT_EQ(*update(), "Updated 1.0.0 to version 1.1.0.\nThe add-on is running.\n");
     EXPECT_EQ(installedVersion(), "1.1.0");
-    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled()) << "as the user left it";
+    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled()) << "unchanged";
     opened.clear();
     EXPECT_EQ(*update(), "Version 1.1.0 is installed and is the newest.\n");
     makeSmallBundle(source, kOwn, "1.0.9");
@@ -192,7 +195,7 @@ TEST_F(AddOnCommandsTest, UpdateWantsSomethingOlder) {
 
 TEST_F(AddOnCommandsTest, WhateverFailsLeavesTheOldOneInPlace) {
     putOld();
-    // The n-th file operation that can fail does.
+    // The n-th file operation fails.
     for (int failing = 1; failing <= 2; ++failing) {
         int calls = 0;
         const auto fails = [&calls, failing]() -> std::optional<std::unexpected<PlatformError>> {
@@ -210,7 +213,7 @@ TEST_F(AddOnCommandsTest, WhateverFailsLeavesTheOldOneInPlace) {
         };
         EXPECT_EQ(install().error(), "nothing was installed: no space left");
         EXPECT_EQ(installedVersion(), "1.0.0");
-        EXPECT_EQ(entries(), 1u) << "nothing is left lying around";
+        EXPECT_EQ(entries(), 1u) << "no staged files remain";
     }
     EXPECT_TRUE(opened.empty());
     EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled());
@@ -241,7 +244,7 @@ TEST_F(AddOnCommandsTest, WhatIsNotOursIsLeftAlone) {
     fs::create_symlink("/etc/passwd", source / "Contents/link");
     EXPECT_EQ(install().error(), "nothing was installed: " + (source / "Contents/link").string() +
                                      ": Too many levels of symbolic links");
-    EXPECT_FALSE(fs::exists(support)) << "as it was";
+    EXPECT_FALSE(fs::exists(support)) << "unchanged";
     makeSmallBundle(folder / "Y.app", "another.Bundle");
     source = folder / "Y.app";
     EXPECT_EQ(install().error(), source.string() + " is not the add-on");
@@ -257,7 +260,7 @@ TEST_F(AddOnCommandsTest, LaunchesAndQuits) {
     EXPECT_EQ(*launch(), "The add-on is already running.\n");
     EXPECT_EQ(opened.size(), 1u);
     obeysNotice = false;
-    EXPECT_TRUE(quit()) << "the system asks as well";
+    EXPECT_TRUE(quit()) << "by signal";
     copies = {{17, std::nullopt}};
     obeysSystem = false;
     EXPECT_EQ(quit().error(), "the add-on did not quit (try again, or log out)");
@@ -270,14 +273,14 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
     own.values = {{"installID", {std::string{"ID"}}}};
     shared.values = {{"lockScreenEnabled", {true}}};
     removesItself = false;
-    int hellos = 0;  // that a running copy is told to say
+    int hellos = 0;  // requests for a hello
     const Handle observation = darwin.darwin().observe(
         "example.quillon.Quorvane.lockScreenConfigurationChanged", [&] { ++hellos; });
     Outcome outcome = remove();
     ASSERT_FALSE(outcome);
     EXPECT_TRUE(outcome.error().starts_with("the add-on has not removed itself"));
     const auto pending = SharedDefaults{shared.table()}.lockScreenPendingRemoval();
-    ASSERT_TRUE(pending) << "it hears of it when it next says hello";
+    ASSERT_TRUE(pending) << "delivered with the answer to its next hello";
     EXPECT_EQ(pending->targetInstallID, "ID");
     EXPECT_EQ(hellos, 1);
     EXPECT_EQ(opened.back(), (Opened{place, {"--uninstall"}}));
@@ -293,7 +296,7 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
 TEST_F(AddOnCommandsTest, ADeliveredRemovalIsCarriedOutUnlessItsCommandHasDoneSo) {
     for (const bool isPending : {false, true}) {
         putOld();
-        copies = {{17, std::nullopt}};  // it has closed its windows and waits
+        copies = {{17, std::nullopt}};  // has closed its windows and waits
         obeysNotice = false;
         shared.values.clear();
         DeliveredRemoval removal{services(), {}};
@@ -322,6 +325,29 @@ TEST_F(AddOnCommandsTest, WhatIsLeftOfABundleIsMendedOrRemoved) {
     fs::create_directories(place / "Contents/Linux");
     EXPECT_TRUE(install());
     EXPECT_EQ(installedVersion(), "1.1.0");
+}
+
+TEST_F(AddOnCommandsTest, TurningTheCardOnOrOffIsStoredThenAnnounced) {
+    int posts = 0;
+    const Handle observation =
+        darwin.darwin().observe("example.quillon.Quorvane.lockScreenConfigurationChanged", [&] {
+            ++posts;
+            EXPECT_GT(shared.synchronizations, 0) << "a receiver must find the new value";
+        });
+    const auto turn = [&](bool isOn) {
+        return run([&](AddOnCommands& it, auto done) { it.setCardEnabled(isOn, done); });
+    };
+    EXPECT_EQ(turn(true),
+              "The card is on.\n"
+              "No host is running: this takes effect with the next quorvane-host run.\n");
+    const Handle host = ports.serve(std::string{kMessagePortBaseName}, {});
+    EXPECT_EQ(turn(true), "The card is already on.\n");
+    EXPECT_EQ(turn(false), "The card is off.\n");
+    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled());
+    EXPECT_EQ(posts, 3);
+    shared.refuses = true;
+    EXPECT_EQ(turn(true).error(), "the shared settings cannot be written: full");
+    EXPECT_EQ(posts, 3);
 }
 
 TEST_F(AddOnCommandsTest, TheBundleThatCameWithTheProgramIsFound) {

@@ -184,14 +184,14 @@ TEST_F(MediaPlayersTest, ListensToNoNonsense) {
     EXPECT_EQ(find("fake")->position, 7'000'000);
 }
 
-TEST_F(MediaPlayersTest, ABusThatComesBackIsLookedOverAnew) {
+TEST_F(MediaPlayersTest, ALostBusHasNoPlayersUntilItIsBack) {
     std::optional<FakeMprisPlayer> fake;
     fake.emplace("fake", loop());
     startUntilListed("fake");
     privateBus.kill();
     fake.reset();
-    privateBus.start();
     ASSERT_TRUE(until([&] { return players->list().empty(); }));
+    privateBus.start();
     fake.emplace("returned", loop());
     EXPECT_TRUE(until([&] { return find("returned") != nullptr; }));
 }
