@@ -62,10 +62,10 @@ public:
 
     void round() {
         const int before = updates_;
-        const std::int64_t pictures = model_.artworkID.get();
+        const ImageRef picture = model_.artwork.get();
         times_.add(microsecondsOf([this] { client_.requestStateUpdate(); }));
         if (updates_ != before + 1) std::abort();
-        newPictures_ += model_.artworkID.get() - pictures;
+        if (model_.artwork.get() != picture) ++newPictures_;
     }
     const Times& times() const { return times_; }
     std::int64_t newPictures() const { return newPictures_; }

@@ -81,23 +81,6 @@ void PlayerCard::freeze() {
     nextDraw_.reset();
 }
 
-PlayerEnvironment PlayerCard::viewEnvironment() const {
-    const PlayerCardEnvironment& e = environment_;
-    return {.localized = e.localized ? e.localized : [](const std::string& key) { return key; },
-            .measureText = e.measureText ? e.measureText
-                                         : [](const std::string&, const FontStyle&) { return 0.0; },
-            .isRightToLeft = e.isRightToLeft && e.isRightToLeft(),
-            .reduceMotion = reducesMotion(),
-            .scale = e.scale,
-            .playerFrozenDate = e.playerFrozenDate,
-            .marqueeFrozenTime = e.marqueeFrozenTime,
-            .marqueeReduceMotion = e.marqueeReduceMotion};
-}
-
-bool PlayerCard::reducesMotion() const {
-    return environment_.reducesMotion && environment_.reducesMotion();
-}
-
 void PlayerCard::draw() {
     if (!stage_) return;
     const Instant now = environment_.clock.now();
@@ -105,7 +88,11 @@ void PlayerCard::draw() {
     followArtwork(now);
     VolumeSlider::thicken(interaction_.thickening, model_.isDraggingVolume.get(), now);
 
-    const PlayerEnvironment environment = viewEnvironment();
+    const PlayerEnvironment environment{.localized = environment_.localized,
+                                        .measureText = environment_.measureText,
+                                        .isRightToLeft = environment_.isRightToLeft(),
+                                        .reduceMotion = environment_.reducesMotion(),
+                                        .scale = environment_.scale};
     PlayerScene made =
         PlayerView{model_, environment}.scene(interaction_, {now, environment_.wallClock()});
     const bool isNew = !(made.scene == shown_.scene);
@@ -125,7 +112,7 @@ void PlayerCard::drawNext() {
 // since.
 void PlayerCard::scroll() {
     const Instant now = environment_.clock.now();
-    if (!stage_ || !shown_.holds(now) || reducesMotion()) return draw();
+    if (!stage_ || !shown_.holds(now) || environment_.reducesMotion()) return draw();
     shown_.scroll(now);
     drawNext();
     stage_->setScene(shown_.scene);

@@ -135,7 +135,7 @@ private:
         }
         const std::size_t sends = platform_.mainApp.commands.size() - before;
         // One may be left over from the drag before.
-        ASSERT_LE(sends, 2 + moves * 10ms / VolumeThrottle::kInterval);
+        ASSERT_LE(sends, 2 + moves * 10ms / VolumeSender::kInterval);
         if (any(4) == 0) return;  // the pointer vanishes
         platform_.pointer(PointerEvent::Kind::up, anywhere());
         platform_.settle();
