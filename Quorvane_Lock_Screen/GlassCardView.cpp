@@ -80,8 +80,8 @@ void GlassCardView::runExit() {
         hideIfStillNotShown();
         return;
     }
-    window_->animateAlpha(0, PresentationTiming::kFadeOut, [weak = weak_from_this()] {
-        if (const auto self = weak.lock()) self->hideIfStillNotShown();
+    window_->animateAlpha(0, PresentationTiming::kFadeOut, [this, life = life_.watch()] {
+        if (!life.isOver()) hideIfStillNotShown();
     });
 }
 
