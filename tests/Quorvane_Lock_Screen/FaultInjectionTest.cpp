@@ -99,7 +99,7 @@ TEST(FaultInjection, NoFaultLeavesAWindowOrSpoilsTheNextLock) {
         }
 }
 
-// What a waiting send lets in may come in any of them.
+// A waiting send may run the main loop: an unlock or the end may arrive inside any send.
 class InsideASend : public testing::TestWithParam<bool> {};
 
 TEST_P(InsideASend, AnUnlockOrTheEndLeavesNothingBehind) {

@@ -1,5 +1,4 @@
-// A whole platform in memory, with the main application behind its ports. Nothing moves but by the
-// test's hand.
+// A whole platform in memory, with the main application behind its ports. Only the test moves it.
 #pragma once
 
 #include <algorithm>
@@ -37,7 +36,7 @@ struct Faults {
     }
 };
 
-// The main application's end of the link: it plays one track and notes what it is told.
+// The main application's end of the link: it plays one track and records its requests.
 class ScriptedMainApp {
 public:
     Bytes secret = Bytes(MessagePortWire::kSecretLength, std::byte{7});

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "tests/AddOnKit/card/PlayingModel.hpp"
+#include "tests/AddOnKit/player/PlayingModel.hpp"
 #include "tests/support/FakeCardWindows.hpp"
 
 namespace quorvane {
@@ -336,7 +336,7 @@ TEST_F(PlayerCardTest, FadesToNewArtworkOnceItIsDecodedAndReleasesTheOld) {
     EXPECT_TRUE(old.expired());
 
     // The placeholder replaces undecodable artwork, unless newer artwork has arrived since.
-    for (const char* bytes : {"reed", "broken"}) {
+    for (const char* bytes : {"reed", "rubble"}) {
         playWithArtwork(bytes);
         clock.advance(0s);
     }

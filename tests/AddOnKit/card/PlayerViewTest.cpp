@@ -9,7 +9,7 @@
 #include "AddOnKit/card/PlayerGeometry.hpp"
 #include "AddOnKit/card/PlayerLayout.hpp"
 #include "AddOnKit/card/TimeFormatting.hpp"
-#include "tests/AddOnKit/card/PlayingModel.hpp"
+#include "tests/AddOnKit/player/PlayingModel.hpp"
 
 namespace quorvane {
 namespace {

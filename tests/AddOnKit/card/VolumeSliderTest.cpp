@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/AddOnKit/card/PlayingModel.hpp"
+#include "tests/AddOnKit/player/PlayingModel.hpp"
 
 namespace quorvane {
 namespace {
