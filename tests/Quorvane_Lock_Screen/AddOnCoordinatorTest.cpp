@@ -12,7 +12,8 @@ using namespace std::chrono_literals;
 using ID = SceneControl::ID;
 using Kind = PointerEvent::Kind;
 
-constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
+constexpr char kCleared[] =
+    "state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card hidden";
 constexpr char kConfigurationChanged[] = "example.quillon.Quorvane.lockScreenConfigurationChanged";
 constexpr char kMainAppQuits[] = "example.quillon.Quorvane.mainAppWillTerminate";
 
@@ -185,9 +186,7 @@ TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgai
     EXPECT_EQ(platform.stage()->scenes.size(), scenes) << "the fade shows the card as it was";
     EXPECT_FALSE(platform.isCardSeen());
     EXPECT_EQ(platform.windows.open().size(), 1u);
-    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
-                    "hidden"),
-              1);
+    EXPECT_EQ(count(kCleared), 1);
     const Lines lines = platform.log.take();
     EXPECT_EQ(lines.front(), "notice: mainAppWillTerminate; hiding the card");
     EXPECT_EQ(lines.back(),
@@ -195,8 +194,7 @@ TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgai
     platform.mainApp.quit();
     platform.pass(10s);
     EXPECT_FALSE(platform.isCardSeen());
-    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
-                    "hidden"),
+    EXPECT_EQ(count(kCleared),
               0);  // the quit has cleared it already
 
     platform.mainApp.launch();
@@ -207,9 +205,7 @@ TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgai
     platform.mainApp.quit();  // without a notice
     platform.pass(10s);
     EXPECT_FALSE(platform.isCardSeen());
-    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
-                    "hidden"),
-              1);
+    EXPECT_EQ(count(kCleared), 1);
 }
 
 // The state that a new connection brings is older than the user's edit.

@@ -8,8 +8,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
-
 std::shared_ptr<AddOnCoordinator> started(FakePlatform& platform) {
     auto coordinator = AddOnCoordinator::make(platform.live);
     coordinator->start();

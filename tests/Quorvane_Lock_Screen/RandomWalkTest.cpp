@@ -166,8 +166,6 @@ private:
         if (!isLocked_ || !isShown_) together_ = Duration{};
     }
 
-    static constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
-
     const unsigned seed_ = std::random_device{}();
     testing::ScopedTrace trace_{__FILE__, __LINE__, "seed " + std::to_string(seed_)};
     std::mt19937 random_{seed_};

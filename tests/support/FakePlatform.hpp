@@ -24,6 +24,8 @@
 
 namespace quorvane {
 
+inline constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
+
 // Which call of the operations that can fail does fail.
 struct Faults {
     int calls = 0;
