@@ -25,9 +25,7 @@ PlayerCard::~PlayerCard() {
 }
 
 void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
-    if (stage_) stage_->setEvents({});
     stage_ = std::move(stage);
-    if (!stage_) return;
     stage_->setEvents(
         {.pointer =
              [this](const PointerEvent& event) {
@@ -45,9 +43,6 @@ void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
              [this](SceneControl::ID id, double number) {
                  if (isShown_ && id == SceneControl::ID::volume) slider().setNumber(number);
              }});
-    if (!isShown_) return;
-    shown_ = {};
-    draw();
 }
 
 void PlayerCard::setShown(bool shown) {
@@ -82,7 +77,6 @@ void PlayerCard::freeze() {
 }
 
 void PlayerCard::draw() {
-    if (!stage_) return;
     const Instant now = environment_.clock.now();
     followTexts(now);
     followArtwork(now);
@@ -112,7 +106,7 @@ void PlayerCard::drawNext() {
 // since.
 void PlayerCard::scroll() {
     const Instant now = environment_.clock.now();
-    if (!stage_ || !shown_.holds(now) || environment_.reducesMotion()) return draw();
+    if (!shown_.holds(now) || environment_.reducesMotion()) return draw();
     shown_.scroll(now);
     drawNext();
     stage_->setScene(shown_.scene);

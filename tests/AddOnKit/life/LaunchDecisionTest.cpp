@@ -49,24 +49,19 @@ TEST_F(LaunchDecisionTest, ArgumentsComeBeforeThePreferences) {
 }
 
 TEST_F(LaunchDecisionTest, AFlagOfAnotherCopyIsCleared) {
-    const auto clears = [this](std::optional<std::string> recorded,
-                               std::optional<std::string> own) {
-        setPending(std::move(recorded));
-        identity = std::move(own);
+    using Identity = std::optional<std::string>;
+    for (const auto& [recorded, own] :
+         {std::pair{Identity{}, Identity{kOwn}}, {kOwn, {}}, {"another.Bundle", kOwn}}) {
+        setPending(recorded);
+        identity = own;
+        defaults.refuses = !recorded;
         EXPECT_EQ(decide({}), run);
         EXPECT_TRUE(defaults.values.empty());
-        EXPECT_EQ(
-            log.take(),
-            (Lines{"launch: a removal flag left by another copy of the add-on; clearing it"}));
-    };
-    clears(std::nullopt, kOwn);
-    clears(kOwn, std::nullopt);
-    clears("another.Bundle", kOwn);
+        Lines lines{"launch: a removal flag left by another copy of the add-on; clearing it"};
+        if (!recorded) lines.push_back("launch: the removal flag was not cleared: full (error 28)");
+        EXPECT_EQ(log.take(), lines);
+    }
     EXPECT_EQ(defaults.synchronizations, 3);
-    defaults.refuses = true;
-    setPending(std::nullopt);
-    EXPECT_EQ(decide({}), run);
-    EXPECT_EQ(log.lines().back().text, "launch: the removal flag was not cleared: full (error 28)");
 }
 
 TEST_F(LaunchDecisionTest, AFreshInstallVoidsTheRemovalRequest) {
