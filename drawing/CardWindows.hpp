@@ -112,9 +112,6 @@ struct CardWindows {
     std::function<std::unique_ptr<CardSystemWindow>(const WindowSettings&, const Screen&)>
         makeWindow;
     std::function<std::shared_ptr<CardStage>(const CardStyle&)> makeStage;
-    // Moves the window above the lock screen, for systems where that is one operation of the window
-    // system.
-    std::function<void(CardSystemWindow&)> liftAboveLock;
     std::function<bool()> reducesMotion;
     MeasureText measureText;
 };

@@ -88,7 +88,7 @@ struct LivePlatform {
     CardWindows cardWindows;
     DecodeImage decodeImage;
     // The loader of the private window-server interface on systems that have one. On other systems
-    // cardWindows.liftAboveLock does that work.
+    // new windows are above the lock screen.
     std::optional<DynamicLoader> windowServerLoader;
     BeginActivity beginActivity;
     // The text for a key in the user's language; the key itself when it has no translation.

@@ -1,4 +1,4 @@
-// The system's lock-state sources other than notices. Main thread only.
+// What the system says about the lock: the names of its notices, and its other sources.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,13 @@
 
 namespace quorvane {
 
+// Distributed notices without user info. They may come in any order.
+inline constexpr char kScreenIsLocked[] = "com.apple.screenIsLocked";
+inline constexpr char kScreenIsUnlocked[] = "com.apple.screenIsUnlocked";
+inline constexpr char kScreenLockUIIsShown[] = "com.apple.screenLockUIIsShown";
+inline constexpr char kScreenLockUIIsHidden[] = "com.apple.screenLockUIIsHidden";
+
+// Main thread only.
 struct LockSources {
     // The current session's dictionary; nullopt outside a graphical session. The root may be of any
     // type.

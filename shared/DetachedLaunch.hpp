@@ -21,7 +21,6 @@ struct DetachedLaunch {
         std::string description() const;
         bool operator==(const Failure&) const = default;
     };
-    using Ended = OpenCommandEnd;
 
     OpenApplication open;
 

@@ -136,7 +136,7 @@ private:
     void button(SceneControl::ID id, const Rect& frame, const Transition& press,
                 std::string_view symbol, double size, double opacity,
                 const PlayerStrings::Entry& label) {
-        PressHighlightStyle{.width = frame.width, .height = frame.height}.draw(
+        PressHighlightStyle::draw(
             scene_, frame, press.at(moment_.now),
             SymbolNode{.name = symbol, .pointSize = size, .color = Color::white(opacity)});
         scene_.controls.push_back({.id = id,

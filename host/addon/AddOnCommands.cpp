@@ -6,7 +6,7 @@
 #include "QuorvaneKit/link/PortNames.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnStatus.hpp"
-#include "shared/RemovalKeys.hpp"
+#include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
 namespace {
@@ -76,9 +76,10 @@ std::optional<std::string> AddOnCommands::put(const std::filesystem::path& bundl
 void AddOnCommands::forgetRemoval() {
     static_cast<void>(
         SharedDefaults{services_.sharedSuite}.setLockScreenPendingRemoval(std::nullopt));
-    if (!services_.addOnDefaults || !services_.addOnDefaults->get(kRemovalPendingKey)) return;
-    services_.addOnDefaults->set(kRemovalPendingKey, std::nullopt);
-    services_.addOnDefaults->set(kRemovalBundleIdentityKey, std::nullopt);
+    if (!services_.addOnDefaults || !services_.addOnDefaults->get(AddOnSignals::kRemovalPendingKey))
+        return;
+    services_.addOnDefaults->set(AddOnSignals::kRemovalPendingKey, std::nullopt);
+    services_.addOnDefaults->set(AddOnSignals::kRemovalBundleIdentityKey, std::nullopt);
     static_cast<void>(services_.addOnDefaults->synchronize());
 }
 

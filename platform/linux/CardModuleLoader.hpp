@@ -14,7 +14,7 @@ class CardModuleLoader {
 public:
     CardModuleLoader(std::filesystem::path file, CardModuleServices services);
 
-    // `liftAboveLock` and `reducesMotion` stay empty. The table refers to this loader.
+    // `reducesMotion` stays empty. The table refers to this loader.
     CardWindows windows();
 
 private:

@@ -8,7 +8,6 @@
 
 #include "drawing/pictures/EncodedImage.hpp"
 #include "drawing/pictures/PictureHeader.hpp"
-#include "platform/ErrorText.hpp"
 #include "platform/LivePlatform.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
 #include "platform/linux/accessibility/AccessibilityLinux.hpp"
@@ -95,8 +94,6 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
     platform.lockSources = owner->watcher.sources();
     platform.screens = owner->x11->screens();
     platform.cardWindows = owner->cards.windows();
-    // No-op: a card's window is a child of the locker's window and needs no lifting.
-    platform.cardWindows.liftAboveLock = [](CardSystemWindow&) {};
     platform.cardWindows.reducesMotion = [state = owner.get()] {
         return state->motion.isReduced();
     };

@@ -1,5 +1,4 @@
-// A whole platform in memory, with the main application behind its ports. Nothing moves but by the
-// test's hand.
+// A whole platform in memory, with the main application behind its ports. Only the test moves it.
 #pragma once
 
 #include <algorithm>
@@ -25,6 +24,8 @@
 
 namespace quorvane {
 
+inline constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
+
 // Which call of the operations that can fail does fail.
 struct Faults {
     int calls = 0;
@@ -37,7 +38,7 @@ struct Faults {
     }
 };
 
-// The main application's end of the link: it plays one track and notes what it is told.
+// The main application's end of the link: it plays one track and records its requests.
 class ScriptedMainApp {
 public:
     Bytes secret = Bytes(MessagePortWire::kSecretLength, std::byte{7});
