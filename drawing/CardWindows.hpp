@@ -5,7 +5,6 @@
 #include <functional>
 #include <memory>
 
-#include "drawing/Canvas.hpp"
 #include "drawing/Geometry.hpp"
 #include "drawing/Scene.hpp"
 #include "drawing/Screens.hpp"

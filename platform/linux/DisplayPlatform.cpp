@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "drawing/pictures/EncodedImage.hpp"
-#include "drawing/pictures/PictureHeader.hpp"
 #include "platform/LivePlatform.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
 #include "platform/linux/accessibility/AccessibilityLinux.hpp"
@@ -78,8 +77,7 @@ Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& service
 ImageRef decodeImage(ByteView encoded) {
     // The bytes are decoded on first drawing, so that the drawing libraries are not loaded before
     // that.
-    const auto size = readPictureSize(encoded);
-    if (!size || !isDecodable(*size)) return nullptr;
+    if (!pictureType(encoded)) return nullptr;
     return std::make_shared<EncodedImage>(copyOf(encoded), Image::State::arriving);
 }
 

@@ -7,7 +7,6 @@
 #include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "QuorvaneKit/records/PlayerStateDecoder.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
-#include "drawing/pictures/PictureHeader.hpp"
 #include "host/players/FileURL.hpp"
 #include "host/players/Script.hpp"
 #include "platform/linux/drawing/PictureDecoder.hpp"
@@ -102,10 +101,7 @@ void readScriptFile(ByteView input) {
 }
 
 void readPicture(ByteView input) {
-    const auto size = readPictureSize(input);
-    if (!size || !isDecodable(*size)) return;
-    // Small ones only: a large one is slow, not different.
-    if (size->width <= 512 && size->height <= 512) decodePicture(input, {16, 16});
+    decodePicture(input, {16, 16});
 }
 
 void readURL(ByteView input) {

