@@ -23,8 +23,6 @@ public:
     void changed(AccessibleCard& card) override;
     void disappeared(AccessibleCard& card) override;
 
-    bool isConnected() const { return connection_ != nullptr; }
-
 private:
     void watch();
     void askWhetherInUse();

@@ -18,6 +18,14 @@ std::string_view withoutSuffixes(std::string_view locale) {
     return locale.substr(0, locale.find_first_of(".@"));
 }
 
+// The locale of messages in this process's environment; "" when none is set.
+std::string_view localeOfMessages() {
+    // Use the first that is set and not empty.
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (const auto value = environmentVariable(name); !value.empty()) return value;
+    return {};
+}
+
 }  // namespace
 
 bool isRightToLeftLocale(std::string_view locale) {
@@ -26,13 +34,6 @@ bool isRightToLeftLocale(std::string_view locale) {
     if (locale.ends_with("@latin") || locale.ends_with("@devanagari")) return false;
     const auto language = locale.substr(0, locale.find_first_of("_.@"));
     return std::ranges::find(kRightToLeftLanguages, language) != std::end(kRightToLeftLanguages);
-}
-
-std::string_view localeOfMessages() {
-    // Use the first that is set and not empty.
-    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
-        if (const auto value = environmentVariable(name); !value.empty()) return value;
-    return {};
 }
 
 std::vector<std::string> preferredLocales() {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Observable.hpp"
+#include "platform/Listeners.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/ManualSerialQueues.hpp"
@@ -26,7 +26,7 @@ protected:
 
     MediaPlayers table() {
         return {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
-                .observe = [this](auto handler) { return revision.subscribe(std::move(handler)); },
+                .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
                 .refresh = [this](const std::string& name) { said.push_back("? " + name); },
                 .call = [this](const std::string& name,
                                const std::string& method) { said.push_back(method + ' ' + name); },
@@ -89,7 +89,7 @@ protected:
         it.positionAt = clock.clock().now();
         announce();
     }
-    void announce() { revision.set(revision.get() + 1); }
+    void announce() { listeners.call(); }
     // Runs the queue's reads and delivers their results.
     void read() {
         while (queues.runNext(kQueue)) main.run();
@@ -112,7 +112,7 @@ protected:
     MemoryFiles files;
     ManualSerialQueues queues;
     std::vector<MediaPlayer> players;
-    Observable<int> revision{0};
+    Listeners<> listeners;
     std::vector<std::string> said;
     std::function<void(SoundLevels)> onSound;
     int soundObservations = 0;
