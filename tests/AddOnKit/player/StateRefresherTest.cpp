@@ -35,11 +35,12 @@ TEST_F(StateRefresherTest, PollsWhileActiveAndOnceAfterABurstOfCommands) {
     EXPECT_EQ(refreshes, 1);
     EXPECT_EQ(countOver(1999ms), 0);
     EXPECT_EQ(countOver(1ms), 1);
-    clock.advance(900ms);
-    refresher->nudge();  // due after a poll, which answers it
-    EXPECT_EQ(countOver(1100ms), 1);
+    clock.advance(200ms);
+    refresher->nudge();  // due together with a poll, which answers it
+    EXPECT_EQ(countOver(1800ms), 1);
     EXPECT_EQ(countOver(100s), 50);
     refresher->setActive(false);
+    EXPECT_EQ(clock.pendingTimers(), 0u);
     for (int i = 0; i < 3; ++i) {
         refresher->nudge();
         EXPECT_EQ(countOver(300ms), 0);
@@ -49,6 +50,7 @@ TEST_F(StateRefresherTest, PollsWhileActiveAndOnceAfterABurstOfCommands) {
     refresher->setActive(true);
     refresher->nudge();
     refresher->stop();
+    EXPECT_EQ(clock.pendingTimers(), 0u);
     refresher->setActive(true);
     refresher->nudge();
     EXPECT_EQ(clock.pendingTimers(), 0u);
@@ -64,7 +66,7 @@ TEST_F(StateRefresherTest, PollsEveryTwoSecondsOnAverageWhenItSharesWakeUps) {
 }
 
 TEST_F(StateRefresherTest, ARefreshMayTakeLongEndThePollingOrDestroyTheRefresher) {
-    during = [&] { clock.advance(3s); };
+    during = [&] { clock.advance(1s); };
     refresher->setActive(true);
     during = [] {};
     EXPECT_EQ(countOver(1999ms), 0) << "the whole pause follows";

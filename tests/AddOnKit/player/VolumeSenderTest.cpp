@@ -66,14 +66,16 @@ TEST_F(VolumeSenderTest, SendsNothingOnceCancelledOrDestroyed) {
     submit({1, 2});
     sender->cancel();
     sender->flush();
+    submit({3});  // pending
+    sender->cancel();
     sender->beginDrag();
     sender->flush();
     EXPECT_EQ(clock.pendingTimers(), 0u);
     clock.advance(1s);
-    submit({3, 4});
+    submit({4, 5});
     sender.reset();
     EXPECT_EQ(clock.pendingTimers(), 0u);
-    EXPECT_EQ(sent, (Values{1, 3}));
+    EXPECT_EQ(sent, (Values{1, 4}));
 }
 
 // The main thread was busy: the timer of an earlier value fires after a newer send.
