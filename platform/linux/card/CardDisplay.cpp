@@ -105,6 +105,7 @@ void CardDisplay::draw(const StageLook& look) {
 }
 
 void CardDisplay::drawParts(const StageLook& look, const std::vector<Rect>& cardAreas) {
+    if (!look.isResting()) return draw(look);
     std::vector<PixelRect> parts;
     for (const Rect& area : cardAreas) {
         const PixelRect part = painter_.pixelsOf(area);

@@ -35,7 +35,7 @@ public:
     // Whether the backdrop follows the locker's picture without reading behind the window.
     bool isFollowing() const { return isFollowing_; }
     void draw(const StageLook& look);
-    // Draws only these areas of the scene, in card coordinates.
+    // Draws only these areas of the scene, in card coordinates, if the stage rests.
     void drawParts(const StageLook& look, const std::vector<Rect>& cardAreas);
     void sceneChanged() { painter_.forgetScene(); }
     // Shows this part of the last drawing again.

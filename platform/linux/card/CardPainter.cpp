@@ -85,11 +85,13 @@ PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
 void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
     part_ = {};
     const CairoContext context{cairo_create(target)};
-    if (look.isResting())
+    if (look.isResting()) {
         paint(context.get(), ground());
-    else
+        drawScene(context.get(), look.scene);
+    } else {
         drawMoving(context.get(), look);
-    drawTop(context.get(), look);
+    }
+    if (look.pointer) drawPointer(context.get(), *look.pointer, scale_, look.alpha);
 }
 
 std::vector<PixelRect> CardPainter::drawParts(cairo_surface_t* target, const StageLook& look,
@@ -98,15 +100,13 @@ std::vector<PixelRect> CardPainter::drawParts(cairo_surface_t* target, const Sta
     for (const PixelRect& part : parts) {
         if (part_.width != part.width || part_.height != part.height)
             part_ = Pixels{part.width, part.height};
+        copyInto(part_, ground(), -part.x, -part.y);  // faster than by Cairo
         {
             const CairoSurface surface = surfaceOver(part_);
             const CairoContext context{cairo_create(surface.get())};
             cairo_translate(context.get(), -part.x, -part.y);
-            if (look.isResting())
-                copyInto(part_, ground(), -part.x, -part.y);  // faster than Cairo
-            else
-                drawMoving(context.get(), look);
-            drawTop(context.get(), look);
+            drawScene(context.get(), look.scene);
+            if (look.pointer) drawPointer(context.get(), *look.pointer, scale_, look.alpha);
         }
         const PixelRect rows = update(target, part_, part);
         if (!rows.isEmpty()) changed.push_back(rows);
@@ -127,11 +127,6 @@ void CardPainter::drawMoving(cairo_t* cairo, const StageLook& look) {
     // Interpolate between pixels, also for fractional offsets without scaling.
     cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_BILINEAR);
     cairo_paint_with_alpha(cairo, look.alpha);
-}
-
-void CardPainter::drawTop(cairo_t* cairo, const StageLook& look) {
-    if (look.isResting()) drawScene(cairo, look.scene);
-    if (look.pointer) drawPointer(cairo, *look.pointer, scale_, look.alpha);
 }
 
 const Pixels& CardPainter::ground() {

@@ -43,9 +43,9 @@ public:
 
     // Draws the whole stage.
     void draw(cairo_surface_t* target, const StageLook& look);
-    // Draws only these parts, in pixels of the stage. Each pixel changes from the old value to the
-    // new one in a single write, because the target may be read at the same time. Returns the rows
-    // of the parts that have changed.
+    // Draws only these parts of a resting stage, in its pixels. Each pixel changes from the old
+    // value to the new one in a single write, because the target may be read at the same time.
+    // Returns the rows of the parts that have changed.
     std::vector<PixelRect> drawParts(cairo_surface_t* target, const StageLook& look,
                                      std::span<const PixelRect> parts);
     // The whole pixels of the stage under an area of the card.
@@ -53,7 +53,6 @@ public:
 
 private:
     void drawMoving(cairo_t* cairo, const StageLook& look);
-    void drawTop(cairo_t* cairo, const StageLook& look);
     const Pixels& ground();
     const Pixels& moving(const Scene& scene);
     void drawScene(cairo_t* cairo, const Scene& scene);

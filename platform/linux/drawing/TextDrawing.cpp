@@ -98,9 +98,12 @@ CairoSurface drawn(const TextLine& line, double scale, const Color& color, const
 // The line keeps the last result.
 const LinePixels& pixelsOf(const TextLine& line, double scale, const Color& color) {
     LinePixels& last = line.pixels;
-    if (last.scale == scale && last.color == color) return last;
+    const Color opaque{color.red, color.green, color.blue};
+    const bool hasOtherColor =
+        last.surface && isColored(last.surface.get()) && last.color != opaque;
+    if (last.scale == scale && !hasOtherColor) return last;
     const PixelRect ink = inkOf(line, scale);
-    last = {scale, color, ink, ink.isEmpty() ? nullptr : drawn(line, scale, color, ink)};
+    last = {scale, opaque, ink, ink.isEmpty() ? nullptr : drawn(line, scale, opaque, ink)};
     return last;
 }
 
@@ -111,6 +114,7 @@ const TextLine& lineOf(const TextNode& node, TextLayoutCache& texts) {
 }
 
 // The pixels of `area` with copies of the letters, whose ink begins at row `top` and these columns.
+// Copies do not overlap, because the gap between them is wider than letters overhang.
 CairoSurface copiesIn(const PixelRect& area, const LinePixels& letters, int top,
                       const std::vector<int>& columns) {
     CairoSurface field{cairo_image_surface_create(
