@@ -51,9 +51,9 @@ void LaunchPerformer::perform(const std::function<void()>& finishRemoval,
 // The removal was requested before this copy was installed, so it does not apply.
 void LaunchPerformer::voidRemovalRequest() const {
     if (!sharedDefaults) return;
-    for (const SharedDefaultsKey key : {SharedDefaultsKey::lockScreenRemovalRequested,
-                                        SharedDefaultsKey::lockScreenRemovalTargetInstallID})
-        sharedDefaults->set(std::string{rawValue(key)}, std::nullopt);
+    for (const char* const key : {SharedDefaultsKey::lockScreenRemovalRequested,
+                                  SharedDefaultsKey::lockScreenRemovalTargetInstallID})
+        sharedDefaults->set(key, std::nullopt);
     // If this fails, the first hello supersedes the request.
     if (const auto written = sharedDefaults->synchronize(); !written)
         log.error("launch: the removal request was not cleared: %{public}s",

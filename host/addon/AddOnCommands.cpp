@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnStatus.hpp"
 #include "shared/RemovalKeys.hpp"
@@ -178,8 +178,7 @@ void AddOnCommands::recordRemoval() {
             own && own->as<std::string>())
             removal.targetInstallID = *own->as<std::string>();
     static_cast<void>(shared.setLockScreenPendingRemoval(removal));
-    DarwinNotificationCenter{services_.darwinNotices}.post(
-        QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
 }
 
 // A partial bundle cannot remove itself.

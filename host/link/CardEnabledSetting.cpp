@@ -1,7 +1,7 @@
 #include "host/link/CardEnabledSetting.hpp"
 
-#include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 
 namespace quorvane {
@@ -14,8 +14,7 @@ std::expected<std::string, std::string> CardEnabledSetting::set(bool isEnabled) 
     if (const auto written = defaults.setLockScreenEnabled(isEnabled); !written)
         return std::unexpected{"the shared settings cannot be written: " +
                                written.error().description};
-    DarwinNotificationCenter{darwinNotices}.post(
-        QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
     std::string text = "The card is " + already + state + ".\n";
     if (!connectPort(std::string{kMessagePortBaseName}))
         text += "No host is running: this takes effect with the next quorvane-host run.\n";

@@ -9,8 +9,8 @@ namespace quorvane {
 HelloResponder::HelloResponder(SharedDefaults& defaults, WallClock now, Logger log)
     : defaults_(defaults), now_(std::move(now)), log_(std::move(log)) {}
 
-Bytes HelloResponder::answer(Bytes request) {
-    const auto hello = XPCCodableHelpers::decode<LockScreenAddOnHello>(std::move(request));
+Bytes HelloResponder::answer(ByteView request) {
+    const auto hello = XPCCodableHelpers::decode<LockScreenAddOnHello>(request);
     LockScreenAddOnConfiguration configuration = LockScreenConfigurationBuilder{}.build();
     if (hello)
         configuration = configurationFor(*hello);

@@ -17,7 +17,7 @@ public:
 
     // Returns the encoded configuration. An undecodable hello gets a configuration that keeps the
     // card off.
-    Bytes answer(Bytes request);
+    Bytes answer(ByteView request);
 
     // Called while making an answer that asks the add-on to remove itself.
     std::function<void()> onRemovalDelivered;

@@ -5,14 +5,14 @@
 #include <memory>
 #include <optional>
 
-#include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
+#include "QuorvaneKit/link/CancellableWait.hpp"
 #include "QuorvaneKit/link/MessagePortServer.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "host/link/HelloResponder.hpp"
 #include "host/link/MainPortFirst.hpp"
 #include "host/players/PlayerSource.hpp"
 #include "host/players/SharedSnapshot.hpp"
-#include "host/waits/CancellableWaits.hpp"
+#include "platform/DarwinNotices.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/SerialQueue.hpp"
@@ -74,10 +74,9 @@ private:
     std::unique_ptr<PlayerSource> player_;
     SharedDefaults defaults_;
     HelloResponder desk_;
-    DarwinNotificationCenter notices_;
-    std::shared_ptr<Link> link_;  // shared with the ports' threads
-    CancellableWaits waits_;
-    std::optional<MainPortFirst> ports_;  // outlives the server, whose threads call it
+    std::shared_ptr<Link> link_;             // shared with the ports' threads
+    std::shared_ptr<CancellableWait> wait_;  // all waits of the server since `start`
+    std::optional<MainPortFirst> ports_;     // outlives the server, whose threads call it
     std::optional<MessagePortServer> server_;
     // Starts the server, which may block until another host ends. Destroyed before the server.
     std::unique_ptr<SerialQueue> starting_;

@@ -85,10 +85,9 @@ private:
     // That the state has changed, as any program of the session could say it.
     void notify() {
         session_
-            .start(
-                {"dbus-send", "--session", "--type=signal", "/example/quillon/Quorvane",
-                 "example.quillon.Quorvane.Notices.DarwinNotice",
-                 "string:" + std::string{rawValue(QuorvaneDarwinNotification::playerStateChanged)}})
+            .start({"dbus-send", "--session", "--type=signal", "/example/quillon/Quorvane",
+                    "example.quillon.Quorvane.Notices.DarwinNotice",
+                    std::string{"string:"} + QuorvaneDarwinNotification::playerStateChanged})
             .process()
             .wait(std::chrono::seconds{10});
     }

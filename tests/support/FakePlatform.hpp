@@ -97,8 +97,7 @@ private:
                 commands.push_back("volume " + std::to_string(first));
                 return {};
             case MessageType::lockScreenHello:
-                hellos.push_back(
-                    XPCCodableHelpers::decode<LockScreenAddOnHello>(copyOf(*payload)).value());
+                hellos.push_back(XPCCodableHelpers::decode<LockScreenAddOnHello>(*payload).value());
                 return lies ? copyOf(bytesOf("yes")) : encoded(configuration);
             default: return {};
         }
