@@ -9,13 +9,11 @@
 
 #include "platform/Clock.hpp"
 #include "platform/Handle.hpp"
+#include "platform/ReleaseWith.hpp"
 
 namespace quorvane {
 
-struct BusRequestDeleter {
-    void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-};
-using BusRequest = std::unique_ptr<sd_bus_message, BusRequestDeleter>;
+using BusRequest = std::unique_ptr<sd_bus_message, ReleaseWith<sd_bus_message_unref>>;
 
 // Creates a call that does not auto-start its service. Null without a bus.
 BusRequest newBusRequest(sd_bus* bus, const std::string& destination, const std::string& path,

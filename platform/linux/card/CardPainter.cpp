@@ -19,11 +19,6 @@ void copyFrom(cairo_t* cairo, cairo_surface_t* source) {
     cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
 }
 
-struct CloseRegion {
-    void operator()(cairo_region_t* region) const { cairo_region_destroy(region); }
-};
-using CairoRegion = std::unique_ptr<cairo_region_t, CloseRegion>;
-
 void addTo(const CairoRegion& region, const PixelRect& part) {
     const cairo_rectangle_int_t rectangle{part.x, part.y, part.width, part.height};
     cairo_region_union_rectangle(region.get(), &rectangle);

@@ -7,18 +7,13 @@
 #include <memory>
 #include <optional>
 
-namespace quorvane {
+#include "platform/ReleaseWith.hpp"
 
-template <auto release>
-struct ReleaseWith {
-    template <typename T>
-    void operator()(T* object) const {
-        release(object);
-    }
-};
+namespace quorvane {
 
 using CairoContext = std::unique_ptr<cairo_t, ReleaseWith<cairo_destroy>>;
 using CairoSurface = std::unique_ptr<cairo_surface_t, ReleaseWith<cairo_surface_destroy>>;
+using CairoRegion = std::unique_ptr<cairo_region_t, ReleaseWith<cairo_region_destroy>>;
 using CairoPattern = std::unique_ptr<cairo_pattern_t, ReleaseWith<cairo_pattern_destroy>>;
 template <typename T>
 using GObjectOwner = std::unique_ptr<T, ReleaseWith<g_object_unref>>;

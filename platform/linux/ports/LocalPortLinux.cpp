@@ -31,7 +31,7 @@ std::unique_ptr<LocalPort> LocalPortLinux::open(PortFolder folder, const std::st
     return port;
 }
 
-LocalPortLinux::LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock,
+LocalPortLinux::LocalPortLinux(PortFolder folder, std::string name, FileLock lock,
                                PortHandler handler, const PortLimits& limits)
     : folder_(std::move(folder)),
       name_(std::move(name)),
@@ -111,8 +111,8 @@ void LocalPortLinux::acceptWaiting() {
                 errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM;
             if (isOutOfResources) pauseListening();
             if (errno != ECONNABORTED && errno != EINTR) return;
-        } else if (peerIsOwnUser(socket.get())) {
-            add(std::move(socket));
+        } else if (const auto peer = ownPeer(socket.get())) {
+            add(std::move(socket), *peer);
         }
     }
 }
@@ -124,11 +124,11 @@ void LocalPortLinux::pauseListening() {
     noteDeadline(listensAgain_);
 }
 
-void LocalPortLinux::add(FileDescriptor socket) {
+void LocalPortLinux::add(FileDescriptor socket, pid_t peer) {
     if (connections_.size() >= limits_.connections) dropFromGreediest();
     // Safe for clients without the secret, because they receive nothing to fill it with.
     askForSendRoom(socket.get());
-    auto connection = std::make_unique<PortConnection>(std::move(socket), limits_, memory_);
+    auto connection = std::make_unique<PortConnection>(std::move(socket), peer, limits_, memory_);
     connection->place = connections_.size();
     connection->lastUse = ++uses_;
     connection->watched = EPOLLIN;
@@ -160,7 +160,7 @@ void LocalPortLinux::drop(PortConnection& connection) {
 // Keeps one process from crowding out the others: the process with the most connections loses its
 // least recently used one.
 void LocalPortLinux::dropFromGreediest() {
-    std::map<std::int32_t, std::size_t> counts;
+    std::map<pid_t, std::size_t> counts;
     for (const auto& connection : connections_) ++counts[connection->peer()];
     const auto rank = [&](const std::unique_ptr<PortConnection>& connection) {
         return std::pair{counts[connection->peer()],

@@ -26,7 +26,7 @@ public:
     void stop() override;
 
 private:
-    LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock, PortHandler handler,
+    LocalPortLinux(PortFolder folder, std::string name, FileLock lock, PortHandler handler,
                    const PortLimits& limits);
 
     bool listen();
@@ -34,7 +34,7 @@ private:
     int wait(std::span<epoll_event> events) const;
     void acceptWaiting();
     void pauseListening();
-    void add(FileDescriptor socket);
+    void add(FileDescriptor socket, pid_t peer);
     void serve(PortConnection& connection);
     void drop(PortConnection& connection);
     void dropFromGreediest();
@@ -43,7 +43,7 @@ private:
 
     const PortFolder folder_;
     const std::string name_;
-    const FileDescriptor lock_;
+    const FileLock lock_;
     const PortHandler handler_;
     const PortLimits limits_;
     FileDescriptor listener_;
