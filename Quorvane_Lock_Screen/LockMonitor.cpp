@@ -15,10 +15,10 @@ LockMonitor::LockMonitor(DistributedNotices notices, LockSources sources, LogSin
 void LockMonitor::start() {
     if (isStarted_) return;
     isStarted_ = true;
-    observe("com.apple.screenIsLocked", &LockMonitor::screenLocked);
-    observe("com.apple.screenIsUnlocked", &LockMonitor::screenUnlocked);
-    observe("com.apple.screenLockUIIsShown", &LockMonitor::lockUIShown);
-    observe("com.apple.screenLockUIIsHidden", &LockMonitor::lockUIHidden);
+    observe(kScreenIsLocked, &LockMonitor::screenLocked);
+    observe(kScreenIsUnlocked, &LockMonitor::screenUnlocked);
+    observe(kScreenLockUIIsShown, &LockMonitor::lockUIShown);
+    observe(kScreenLockUIIsHidden, &LockMonitor::lockUIHidden);
     wakeObserver_ = sources_.observeWake([this] { woke(); });
     log_.info("lock monitor started; locked now %{bool}d", isScreenLockedNow());
     logSharedLockUIState();

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "platform/Trimmed.hpp"
+
 namespace quorvane {
 namespace {
 
@@ -11,13 +13,6 @@ constexpr double kUsualDotsPerInch = 96;
 constexpr double kScaleStep = 0.25;
 constexpr double kLeastDemand = 0.5;
 constexpr double kMostScale = 8;
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kBlank = " \t\r\n";
-    const auto first = text.find_first_not_of(kBlank);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
-}
 
 // Parses the whole text as a number, independent of the locale.
 std::optional<double> number(std::string_view text) {

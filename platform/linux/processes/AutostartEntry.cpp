@@ -2,17 +2,12 @@
 
 #include <optional>
 
+#include "platform/Trimmed.hpp"
+
 namespace quorvane {
 namespace {
 
 constexpr std::string_view kGroup = "[Desktop Entry]";
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == text.npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
 
 std::optional<std::string_view> valueOf(std::string_view entry, std::string_view key) {
     bool isInGroup = false;

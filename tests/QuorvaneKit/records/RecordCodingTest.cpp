@@ -86,7 +86,7 @@ TEST(RecordCoding, OnlyRawValuesInTheTablesNameAnything) {
     std::string actions;
     for (std::int64_t raw = -300; raw < 300; ++raw) {
         if (const auto action = quorvaneAction(raw))
-            actions.append(std::to_string(raw)).append(name(*action)).append(" ");
+            actions.append(std::to_string(raw)).append(actionName(*action)).append(" ");
         const bool isState = raw >= 0 && raw <= 3;
         const bool isMode = raw >= 1 && raw <= 3;
         EXPECT_EQ(xpcPlayerState(raw).has_value(), isState) << raw;
