@@ -91,7 +91,7 @@ private:
                 state.timestamp = now_();
                 return lies ? copyOf(bytesOf("{\"track\":[")) : encoded(state);
             case MessageType::performAction:
-                commands.emplace_back(name(quorvaneAction(first).value()));
+                commands.emplace_back(actionName(quorvaneAction(first).value()));
                 return {};
             case MessageType::setVolume:
                 commands.push_back("volume " + std::to_string(first));

@@ -78,7 +78,6 @@ public:
     std::optional<Instant> deadline() const { return deadline_; }
 
     std::uint64_t lastUse = 0;  // the owner's event count
-    std::size_t place = 0;      // index in the owner's list
     std::uint32_t watched = 0;  // the events that the owner waits for
 
 private:
