@@ -4,6 +4,7 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnLaunch.hpp"
+#include "platform/Seconds.hpp"
 
 namespace quorvane {
 namespace {
@@ -19,10 +20,10 @@ std::string joined(const InstanceHandover::PIDs& pids) {
 
 // "10.0 seconds", "0.25 seconds".
 std::string durationText(Duration duration) {
-    const double seconds = std::chrono::duration<double>(duration).count();
     char digits[32];
-    const auto end =
-        std::to_chars(std::begin(digits), std::end(digits), seconds, std::chars_format::fixed).ptr;
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), secondsOf(duration),
+                                   std::chars_format::fixed)
+                         .ptr;
     std::string text{std::begin(digits), end};
     if (text.find('.') == text.npos) text += ".0";
     return text + " seconds";

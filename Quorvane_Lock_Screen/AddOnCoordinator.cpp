@@ -152,9 +152,8 @@ void AddOnCoordinator::observe() {
 
 void AddOnCoordinator::listenToNotices() {
     const DarwinNotices& notices = platform_.services.darwinNotices;
-    const auto add = [&](QuorvaneDarwinNotification name, void (AddOnCoordinator::*member)()) {
-        auto observer = std::make_unique<DarwinNotificationObserver>(
-            notices, std::string{rawValue(name)}, weakly(member));
+    const auto add = [&](const char* name, void (AddOnCoordinator::*member)()) {
+        auto observer = std::make_unique<DarwinNotificationObserver>(notices, name, weakly(member));
         observer->start();
         darwinObservers_.push_back(std::move(observer));
     };
@@ -235,7 +234,7 @@ void AddOnCoordinator::clearModel() {
 
 void AddOnCoordinator::command(QuorvaneAction action, ModelEdit edit) {
     if (isRemoving_) return;
-    log_.standard("command: %{public}s", name(action));
+    log_.standard("command: %{public}s", actionName(action));
     connectIfNeeded();
     // After connecting, because the state that a new connection brings is older than the user's
     // edit.

@@ -3,8 +3,10 @@
 #include <cstdio>
 #include <memory>
 
+#include "QuorvaneKit/link/CancellableWait.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "host/addon/AddOnCommands.hpp"
 #include "host/addon/DeliveredRemoval.hpp"
 #include "host/addon/HostCommandLine.hpp"
@@ -72,21 +74,25 @@ HostCoordinator::Services coordinatorServices(const LiveServices& services) {
 // goodbye, unless it is blocked. The goodbye has reached the bus when its echo comes back.
 void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
     struct Goodbye {
-        std::unique_ptr<WaitFlag> isSaid = makeWaitFlag();
+        CancellableWait wait;
+        bool isSaid = false;  // changed by `wait`
         Handle echo;
+
+        void said() {
+            wait.update([this] { isSaid = true; });
+        }
     };
     const auto goodbye = std::make_shared<Goodbye>();
     services.mainThread.post([&host, goodbye, notices = services.darwinNotices] {
         const bool isServing = host.isServing();
-        goodbye->echo =
-            notices.observe(std::string{rawValue(QuorvaneDarwinNotification::mainAppWillTerminate)},
-                            // Holds its own owner, so that the handle is not released on the
-                            // signal's thread.
-                            [goodbye] { goodbye->isSaid->raise(); });
+        goodbye->echo = notices.observe(QuorvaneDarwinNotification::mainAppWillTerminate,
+                                        // Holds its own owner, so that the handle is not released
+                                        // on the signal's thread.
+                                        [goodbye] { goodbye->said(); });
         host.stop();
-        if (!isServing) goodbye->isSaid->raise();
+        if (!isServing) goodbye->said();
     });
-    goodbye->isSaid->waitFor(std::chrono::seconds{1});
+    goodbye->wait.waitFor(std::chrono::seconds{1}, [&goodbye] { return goodbye->isSaid; });
 }
 
 AddOnCommands::Services addOnServices(const LiveServices& services) {

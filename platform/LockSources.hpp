@@ -1,4 +1,5 @@
-// What the system says about the lock: the names of its notices, and its other sources.
+// The system's lock-state sources: the names of its notices, and tables for the others. Main thread
+// only.
 #pragma once
 
 #include <cstdint>
@@ -10,13 +11,12 @@
 
 namespace quorvane {
 
-// Distributed notices without user info. They may come in any order.
+// The distributed notices of a lock, the same on every system.
 inline constexpr char kScreenIsLocked[] = "com.apple.screenIsLocked";
 inline constexpr char kScreenIsUnlocked[] = "com.apple.screenIsUnlocked";
 inline constexpr char kScreenLockUIIsShown[] = "com.apple.screenLockUIIsShown";
 inline constexpr char kScreenLockUIIsHidden[] = "com.apple.screenLockUIIsHidden";
 
-// Main thread only.
 struct LockSources {
     // The current session's dictionary; nullopt outside a graphical session. The root may be of any
     // type.

@@ -11,6 +11,7 @@
 #include "AddOnKit/card/TimeFormatting.hpp"
 #include "AddOnKit/card/VolumeSlider.hpp"
 #include "drawing/SingleLine.hpp"
+#include "platform/Seconds.hpp"
 
 namespace quorvane {
 namespace {
@@ -205,7 +206,7 @@ private:
         }
         // Slightly past the edge, so that rounding cannot leave the scene just before it.
         constexpr Duration kBeyond = std::chrono::milliseconds{1};
-        return kBeyond + std::chrono::duration_cast<Duration>(std::chrono::duration<double>(wait));
+        return kBeyond + durationOf(wait);
     }
 
     void transport() {

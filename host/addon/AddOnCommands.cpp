@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnStatus.hpp"
 #include "shared/AddOnSignals.hpp"
@@ -177,8 +177,7 @@ void AddOnCommands::recordRemoval() {
             own && own->as<std::string>())
             removal.targetInstallID = *own->as<std::string>();
     static_cast<void>(shared.setLockScreenPendingRemoval(removal));
-    DarwinNotificationCenter{services_.darwinNotices}.post(
-        QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
 }
 
 // A partial bundle cannot remove itself.
@@ -225,8 +224,7 @@ void AddOnCommands::setCardEnabled(bool isEnabled, Done done) {
     const std::string already = shared.lockScreenEnabled() == isEnabled ? "already " : "";
     if (const auto written = shared.setLockScreenEnabled(isEnabled); !written)
         return fail("the shared settings cannot be written: " + written.error().description);
-    DarwinNotificationCenter{services_.darwinNotices}.post(
-        QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
     std::string text = "The card is " + already + (isEnabled ? "on" : "off") + ".\n";
     if (!services_.connectPort(std::string{kMessagePortBaseName}))
         text += "No host is running: this takes effect with the next quorvane-host run.\n";

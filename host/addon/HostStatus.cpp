@@ -16,9 +16,7 @@ std::string printable(std::string_view text) {
     std::string result;
     for (std::size_t place = 0; place < text.size();) {
         const Character character = characterAt(text, place);
-        const bool isControl =
-            character.code < 0x20 || (character.code >= 0x7F && character.code <= 0x9F);
-        if (character.isValid && isControl)
+        if (character.isValid && isControl(character.code))
             result += '?';
         else
             result += text.substr(place, character.length);

@@ -61,7 +61,7 @@ void HostStatusQuery::askHost() {
     const bool isLate = reply.status == kPortSendTimeout || reply.status == kPortReceiveTimeout;
     status_.state = std::unexpected{isLate ? Failure::late : Failure::noAnswer};
     if (reply.status != kPortSuccess || !reply.body) return;
-    auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*std::move(reply.body));
+    auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*reply.body);
     if (state) status_.state = *std::move(state);
 }
 

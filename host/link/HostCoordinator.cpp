@@ -4,6 +4,7 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/MessagePortSecret.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "QuorvaneKit/records/LockScreenConfigurationBuilder.hpp"
 #include "QuorvaneKit/records/LockScreenHelloOutcome.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
@@ -56,7 +57,6 @@ HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource
       log_(services_.log, kIdentifierPrefix, "host"),
       player_(std::move(player)),
       defaults_(services_.sharedSuite),
-      notices_(services_.darwinNotices),
       link_(std::make_shared<Link>(*this, services_.mainThread, services_.clock.now,
                                    services_.wallClock)) {}
 
@@ -65,13 +65,13 @@ HostCoordinator::~HostCoordinator() { stop(); }
 bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
     playerChanged();
-    waits_ = CancellableWaits{};
+    wait_ = std::make_shared<CancellableWait>();
     ports_.emplace(services_.openPort, [this] { findSecret(); });
     server_.emplace(MessagePortServer::Services{.log = services_.log,
                                                 .openPort = countingOpenPort(),
                                                 .portsProblem = services_.portsProblem,
                                                 .nameCurrentThread = services_.nameCurrentThread,
-                                                .makeWaitFlag = waits_.make()});
+                                                .makeWait = [wait = wait_] { return wait; }});
     server_->handlers = makeHandlers();
     starting_ = services_.makeSerialQueue("example.quillon.Quorvane.host");
     return starting_->async([server = &*server_, link = link_] {
@@ -84,14 +84,14 @@ void HostCoordinator::stop() {
     if (!server_) return;
     player_->onChanged = nullptr;
     announcement_.reset();
-    waits_.end();
+    wait_->cancel();
     ports_->end();
     starting_.reset();
     server_->stop();  // its threads use `server_`
     server_.reset();
     if (isServing()) {
         log_.info("host: ending");
-        notices_.post(QuorvaneDarwinNotification::mainAppWillTerminate);
+        services_.darwinNotices.post(QuorvaneDarwinNotification::mainAppWillTerminate);
     }
     openPorts_ = 0;
 }
@@ -123,8 +123,8 @@ void HostCoordinator::portOpened() {
     if (!isServing()) return;
     log_.info("host: serving");
     // Any previous host has ended, so make the add-on reconnect and say hello.
-    notices_.post(QuorvaneDarwinNotification::playerStateChanged);
-    notices_.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::playerStateChanged);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
     if (onServing) onServing();
 }
 
@@ -136,7 +136,7 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
     };
     handlers.onActionReceived = [link = link_](QuorvaneAction action) {
         Link::post(link, [action](HostCoordinator& host) {
-            host.log_.info("host: %{public}s", name(action));
+            host.log_.info("host: %{public}s", actionName(action));
             host.commandEnded(host.player_->perform(action));
         });
     };
@@ -180,11 +180,11 @@ void HostCoordinator::announce() {
     PlayerSnapshot now = player_->snapshot();
     if (announced_ && !isNews(*announced_, now, services_.clock.now())) return;
     announced_ = std::move(now);
-    if (isServing()) notices_.post(QuorvaneDarwinNotification::playerStateChanged);
+    if (isServing()) services_.darwinNotices.post(QuorvaneDarwinNotification::playerStateChanged);
 }
 
-Bytes HostCoordinator::answerHello(Bytes request) {
-    const auto hello = XPCCodableHelpers::decode<LockScreenAddOnHello>(std::move(request));
+Bytes HostCoordinator::answerHello(ByteView request) {
+    const auto hello = XPCCodableHelpers::decode<LockScreenAddOnHello>(request);
     LockScreenAddOnConfiguration configuration = LockScreenConfigurationBuilder{}.build();
     if (hello)
         configuration = configurationFor(*hello);

@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "QuorvaneKit/json/UTF8.hpp"
 #include "host/players/FileURL.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 

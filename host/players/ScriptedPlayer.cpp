@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "platform/Seconds.hpp"
+
 namespace quorvane {
 
 namespace {
@@ -109,9 +111,8 @@ void ScriptedPlayer::setState(XPCPlayerState state) {
 void ScriptedPlayer::armEndOfTrack() {
     endOfTrack_.reset();
     if (!anchor_.isPlaying || !anchor_.duration) return;
-    const std::chrono::duration<double> rest{*anchor_.duration - anchor_.seconds};
     endOfTrack_ =
-        clock_.after(std::chrono::duration_cast<Duration>(rest), [this] { advance(true); });
+        clock_.after(durationOf(*anchor_.duration - anchor_.seconds), [this] { advance(true); });
 }
 
 bool ScriptedPlayer::setVolume(std::int64_t percent) {

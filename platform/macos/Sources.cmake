@@ -8,7 +8,7 @@ set(QUORVANE_MACOS_FILES
     files/BundleFilesMacOS.mm
     files/BundlePropertiesMacOS.mm
     files/FilesMacOS.mm
-    files/RegularFilesMacOS.cpp
+    ../posix/RegularFilesPosix.cpp
     files/UserDefaultsMacOS.mm
 )
 set(QUORVANE_MACOS_SERVICES

@@ -92,14 +92,13 @@ private:
                 state.timestamp = now_();
                 return lies ? copyOf(bytesOf("{\"track\":[")) : encoded(state);
             case MessageType::performAction:
-                commands.emplace_back(name(quorvaneAction(first).value()));
+                commands.emplace_back(actionName(quorvaneAction(first).value()));
                 return {};
             case MessageType::setVolume:
                 commands.push_back("volume " + std::to_string(first));
                 return {};
             case MessageType::lockScreenHello:
-                hellos.push_back(
-                    XPCCodableHelpers::decode<LockScreenAddOnHello>(copyOf(*payload)).value());
+                hellos.push_back(XPCCodableHelpers::decode<LockScreenAddOnHello>(*payload).value());
                 return lies ? copyOf(bytesOf("yes")) : encoded(configuration);
             default: return {};
         }

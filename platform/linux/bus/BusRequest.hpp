@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "platform/Clock.hpp"
+#include "platform/Handle.hpp"
+#include "platform/ReleaseWith.hpp"
 #include "platform/linux/bus/BusConnection.hpp"
 
 namespace quorvane {
@@ -23,10 +25,7 @@ struct BusMethod {
     std::vector<std::string> arguments{};  // those that are text
 };
 
-struct BusRequestDeleter {
-    void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-};
-using BusRequest = std::unique_ptr<sd_bus_message, BusRequestDeleter>;
+using BusRequest = std::unique_ptr<sd_bus_message, ReleaseWith<sd_bus_message_unref>>;
 
 // Creates a call that does not auto-start its service. Null without a bus.
 BusRequest newBusRequest(sd_bus* bus, const BusMethod& method);

@@ -3,13 +3,9 @@
 #include <utility>
 
 #include "drawing/SceneChanges.hpp"
+#include "platform/Seconds.hpp"
 
 namespace quorvane {
-namespace {
-
-double secondsOf(Duration duration) { return std::chrono::duration<double>(duration).count(); }
-
-}  // namespace
 
 void CardStageX11::setHidden(bool hidden) {
     if (std::exchange(isHidden_, hidden) != hidden && host_) host_->stageChanged();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/Seconds.hpp"
+
 namespace quorvane {
 namespace {
 
@@ -124,9 +126,8 @@ void CardWindowX11::endFade() {
 double CardWindowX11::alphaAt(Instant now) const {
     if (!fade_) return alpha_;
     if (!fade_->begin) return fade_->from;
-    const auto elapsed = std::chrono::duration<double>(now - *fade_->begin);
-    const auto whole = std::chrono::duration<double>(fade_->duration);
-    const double share = whole.count() > 0 ? elapsed / whole : 1;
+    const double whole = secondsOf(fade_->duration);
+    const double share = whole > 0 ? secondsOf(now - *fade_->begin) / whole : 1;
     return fade_->from + (fade_->to - fade_->from) * easeInOut(share);
 }
 

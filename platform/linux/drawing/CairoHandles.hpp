@@ -8,15 +8,9 @@
 
 #include "drawing/pictures/Pixels.hpp"
 
-namespace quorvane {
+#include "platform/ReleaseWith.hpp"
 
-template <auto release>
-struct ReleaseWith {
-    template <typename T>
-    void operator()(T* object) const {
-        release(object);
-    }
-};
+namespace quorvane {
 
 using CairoContext = std::unique_ptr<cairo_t, ReleaseWith<cairo_destroy>>;
 using CairoSurface = std::unique_ptr<cairo_surface_t, ReleaseWith<cairo_surface_destroy>>;

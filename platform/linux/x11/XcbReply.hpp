@@ -9,14 +9,12 @@
 #include <string>
 #include <vector>
 
+#include "platform/ReleaseWith.hpp"
+
 namespace quorvane {
 
-struct FreeDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
 template <typename T>
-using XcbReply = std::unique_ptr<T, FreeDeleter>;
+using XcbReply = std::unique_ptr<T, ReleaseWith<std::free>>;
 
 // Waits for the reply of a request, for example xcbReply(xcb_get_geometry_reply, connection,
 // cookie). Returns null when the request failed, which is usual for foreign windows, or when the

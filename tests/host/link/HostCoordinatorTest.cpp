@@ -26,7 +26,7 @@ const std::string kQueryPort = queryPortName(kMessagePortBaseName, 2);
 
 struct FakePlayer : PlayerSource {
     PlayerSnapshot snapshot() const override { return value; }
-    bool perform(QuorvaneAction action) override { return hear(std::string{name(action)}); }
+    bool perform(QuorvaneAction action) override { return hear(std::string{actionName(action)}); }
     bool setVolume(std::int64_t v) override { return hear("volume " + std::to_string(v)); }
     bool setRating(std::int64_t v) override { return hear("rating " + std::to_string(v)); }
     void refresh() override { heard.push_back("refresh"); }

@@ -201,7 +201,8 @@ TEST(MprisCommand, ActionsBecomeCallsAndProperties) {
         player.properties["Shuffle"] = {false};
         player.properties["LoopStatus"] = text("None");
         player.properties[forbidden] = {false};
-        EXPECT_EQ(commandFor(action, player, half, 0.7), expected) << forbidden << name(action);
+        EXPECT_EQ(commandFor(action, player, half, 0.7), expected)
+            << forbidden << actionName(action);
     }
     for (const auto action : {toggleShuffle, toggleRepeat})
         EXPECT_EQ(commandFor(action, mpv(), half, 1), std::nullopt)

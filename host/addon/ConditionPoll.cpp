@@ -1,4 +1,4 @@
-#include "host/waits/ConditionPoll.hpp"
+#include "host/addon/ConditionPoll.hpp"
 
 #include <utility>
 
