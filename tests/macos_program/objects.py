@@ -1,0 +1,591 @@
+"""The Objective-C runtime for an emulated program: classes, messages, reference counts, pools and blocks.
+
+The program's own classes come from its metadata, the types of the system's from platform/macos/sdk/. The effect of
+`-[NSData length]` is the entry "NSData length" of the effects, that of the function `CFRelease` is "CFRelease".
+"""
+
+import contextlib
+import re
+import struct
+from collections import Counter
+from dataclasses import dataclass, field
+
+from program import WORD, Fault, Program
+import declarations
+
+INSTANCES = 0x400000000  # where the system's objects are; nothing is mapped there
+HAS_COPY, IS_GLOBAL = 1 << 25, 1 << 28  # flags of a block
+KINDS = {"CGPoint": "dd", "CGSize": "dd", "CGRect": "dddd", "CGAffineTransform": "M6", "CATransform3D": "M16",
+         "NSOperatingSystemVersion": "M3"}  # fmt: skip
+KINDS |= {"void": "", "SEL": "s", "float": "f", "CGFloat": "d", "double": "d", "uint8_t": "C", "uint32_t": "I"}
+KINDS |= dict.fromkeys(("BOOL", "bool", "Boolean"), "B") | dict.fromkeys(("int", "SInt32", "pid_t", "int32_t"), "i")
+KINDS |= dict.fromkeys(("long", "long long", "NSInteger"), "q") | dict.fromkeys(("id", "instancetype", "ObjectType", "KeyType"), "@")
+KINDS |= dict.fromkeys(("NSUInteger", "unsigned long", "unsigned long long", "size_t", "uint64_t"), "Q")
+ROOT = {"init": "@", "class": "@", "isKindOfClass:": "B@"}  # what NSObject itself has; see Declared.kind
+
+
+@dataclass
+class Member:
+    """A declared method, property's accessor or function."""
+
+    name: str
+    result: str  # kinds, see Declared.kind
+    arguments: list
+    is_owned: bool = False  # the caller owns the result
+    made: str = ""  # class of the result
+    property: str = ""
+    is_held: bool = False
+
+
+class Declared:
+    """What platform/macos/sdk/ says of the system."""
+
+    def __init__(self):
+        everything = declarations.read_all()
+        self.types = {found.name: found.text for found in everything if found.kind in ("type", "enum")}
+        self.classes = {found.name: found.text for found in everything if found.kind in ("class", "protocol")}
+        self.constants = {found.name for found in everything if found.kind == "constant"}
+        self.functions = {found.name: self._function(found) for found in everything if found.kind == "function"}
+        self.members = {}  # owner, whether of the class, selector -> member
+        for found in everything:
+            if found.kind == "method":
+                self.members[found.owner, found.name[0] == "+", found.selectors[0]] = self._method(found)
+            elif found.kind == "property":
+                self._add_property(found)
+
+    def kind(self, text):
+        """A letter for a type: "@" object, "p" pointer, "s" C string, "M" words in memory, a "d" for each real, else as in struct."""
+        text = re.sub(r"<[^()]*>|\b(const|extern|struct|__unsafe_unretained)\b|__attribute__\(\(.*?\)\)", " ", text)
+        text = " ".join(text.replace("*", " * ").split())
+        if "(^" in text or text.endswith("Ref"):
+            return "@"
+        if text.endswith("]") or "(*" in text:
+            return "p"
+        if text.endswith("*"):
+            base = text[:-1].strip()
+            return "s" if base == "char" else "@" if base in self.classes or base == "NSObject" else "p"
+        if text in KINDS:
+            return KINDS[text]
+        return self.kind(re.search(rf"^enum {text} : (\w+)|^typedef (.*?)\b{text}\b", self.types[text]).expand(r"\1\2"))
+
+    def _function(self, found):
+        text = re.sub(r"\s*__attribute__\(\(.*?\)\)", "", found.text)
+        result, parameters = re.match(r"(?:extern )?(.*?)\b\w+\s*\((.*)\);$", text).groups()
+        parts = re.split(r",\s*(?![^()]*\))", parameters) if parameters not in ("void", "") else []
+        kinds = [self.kind(part if "(^" in part else re.sub(r"\b\w+(\[\])?$", r"\1", part)) for part in parts]
+        is_owned = self.kind(result) == "@" and bool(re.search("Create|Copy|create", found.name))
+        return Member(found.name, self.kind(result), kinds, is_owned, result.removesuffix("Ref ").strip())
+
+    def _method(self, found):
+        types = re.findall(r"[-+:]\s*\(((?:[^()]|\([^()]*(?:\([^()]*\)[^()]*)*\))*)\)", found.text)
+        is_owned = bool(re.match(r"(alloc|new|copy|mutableCopy|init)(?![a-z])", found.selectors[0]))
+        return Member(found.selectors[0], self.kind(types[0]), [self.kind(each) for each in types[1:]], is_owned)
+
+    def _add_property(self, found):
+        listed, type_text = re.match(r"@property\s*(?:\(([^)]*)\))?\s*(.*?)\s*\w+\s*(?:__attribute__.*)?;$", found.text).groups()
+        attributes, kind = set(re.findall(r"\w+", listed or "")), self.kind(type_text)
+        is_held = kind == "@" and not attributes & {"weak", "unsafe_unretained"}
+        for selector in found.selectors:
+            kinds = ("", [kind]) if selector.endswith(":") else (kind, [])
+            member = Member(selector, *kinds, made=re.sub(r"<.*>|[*\s]", "", type_text), property=found.name, is_held=is_held)
+            self.members[found.owner, "class" in attributes, selector] = member
+
+    def member(self, owner, is_class, selector):
+        """A class's own, or that of a protocol which it adopts."""
+        adopted = re.search(r"<([\w, ]+)>$", self.classes.get(owner, ""))
+        for each in (owner, *(re.findall(r"\w+", adopted.group(1)) if adopted else ())):
+            if found := self.members.get((each, is_class, selector)):
+                return found
+        return Member(selector, ROOT[selector][0], list(ROOT[selector][1:])) if owner == "NSObject" and selector in ROOT else None
+
+    def superclass(self, name):
+        match = re.search(rf"@interface {name}\s*(?:<[\w, ]+>)? : (\w+)", self.classes.get(name, ""))
+        return match.group(1) if match else None if name == "NSObject" else "NSObject"
+
+
+@dataclass(eq=False)
+class Class:
+    name: str
+    above: "Class"
+    size: int = 0  # of an instance of the program's; 0 for a class of the system
+    methods: dict = field(default_factory=dict)
+    class_methods: dict = field(default_factory=dict)
+
+    def chain(self):
+        found = self
+        while found:
+            yield found
+            found = found.above
+
+
+@dataclass(eq=False)
+class Thing:
+    """An object. A new one has no references; an immortal one needs none."""
+
+    address: int
+    cls: Class
+    value: object = None
+    name: str = ""
+    is_immortal: bool = False
+    count: int = 0
+    fields: dict = field(default_factory=dict)
+    parts: list = field(default_factory=list)  # objects to which it has a reference
+    buffers: list = field(default_factory=list)  # its memory
+
+
+class Pointer(int):
+    """The address of memory of the program."""
+
+
+def shown(value):
+    """The text of an argument in a transcript."""
+    if value is None or isinstance(value, Pointer):
+        return "pointer" if value else "nil"
+    if isinstance(value, bool):
+        return "YES" if value else "NO"
+    if isinstance(value, float):
+        return f"{value:.6g}"
+    if isinstance(value, tuple):
+        parts = [shown(each) for each in value]
+        return f"{{{{{parts[0]}, {parts[1]}}}, {{{parts[2]}, {parts[3]}}}}}" if len(parts) == 4 else f"{{{', '.join(parts)}}}"
+    if not isinstance(value, Thing):
+        return str(value)
+    plain = value.value
+    if isinstance(plain, str):
+        return f'@"{plain}"'
+    if isinstance(plain, (bool, int, float)):
+        return shown(plain)
+    if isinstance(plain, bytearray):
+        return f"<{len(plain)} bytes>"
+    if isinstance(plain, list) and value.cls.name.endswith("Array"):
+        return f"[{', '.join(map(shown, plain))}]"
+    if isinstance(plain, dict):
+        return f"{{{', '.join(f'{shown(key)}: {shown(each)}' for key, each in plain.values())}}}"
+    return value.name
+
+
+class Runtime(Program):
+    """`effects` is the table of them, `quiet` names classes and calls that are not noted in the transcript."""
+
+    def __init__(self, path, effects, quiet):
+        self.effects, self.quiet, self.declared = RUNTIME | effects, quiet, Declared()
+        self.things, self.pools, self.weak = {}, [], {}  # address -> object; lists; location -> object
+        self.classes, self.own_classes, self.found = {}, {}, {}
+        self.next_instance, self.numbers, self.selectors, self.transcript = INSTANCES, Counter(), {}, []
+        super().__init__(path)
+        listed = self.sections["__objc_classlist"]
+        for address in self.read_words(listed.address, listed.size // 8):
+            self.class_at(address)
+
+    def note(self, text):
+        self.transcript.append(text)
+
+    # Classes
+
+    def class_named(self, name):
+        if name not in self.classes:
+            above = self.declared.superclass(name)
+            self.classes[name] = Class(name, self.class_named(above) if above else None)
+        return self.classes[name]
+
+    def class_at(self, address):
+        """The class whose object is there, or None."""
+        if address in self.own_classes:
+            return self.own_classes[address]
+        if name := next((name for name, place in self.imports.items() if place == address), None):
+            return self.class_named(name[len("_OBJC_CLASS_$_") :]) if name.startswith("_OBJC_CLASS") else None
+        if not self.is_in("__objc_data", address):
+            return None
+        metaclass, above, _, _, data = self.read_words(address, 5)
+        name = self.text_at(self.read_word(data + 24))
+        methods, class_methods = (dict(self._methods(each)) for each in (data, self.read_word(metaclass + 32)))
+        found = Class(name, self.class_at(above), self.read_word(data + 8, "<i"), methods, class_methods)
+        self.own_classes[address] = self.classes[name] = found
+        return found
+
+    def _methods(self, data):
+        if methods := self.read_word(data + 32):
+            for index in range(self.read_word(methods + 4, "<i")):
+                name, _, code = self.read_words(methods + 8 + 24 * index, 3)
+                yield self.text_at(name), code
+
+    def is_in(self, name, address):
+        section = self.sections[name]
+        return section.address <= address < section.address + section.size
+
+    # Objects
+
+    def new(self, class_name, value=None, name="", is_immortal=False, address=None, **fields):
+        """An object without a reference."""
+        if address is None:
+            address, self.next_instance = self.next_instance, self.next_instance + 16
+        self.numbers[class_name] += 1
+        name = name or f"<{class_name}#{self.numbers[class_name]}>"
+        thing = Thing(address, self.class_named(class_name), value, name, is_immortal, fields=fields)
+        if isinstance(value, list):
+            thing.parts = value
+        self.things[address] = thing
+        return thing
+
+    def instance(self, cls):
+        """A new instance, which the caller owns."""
+        size = next((each.size for each in cls.chain() if each.size), 0)
+        thing = self.new(cls.name, address=self.allocate(size, content=bytes(size)) if size else None)
+        for each in reversed(list(cls.chain())):
+            if code := each.methods.get(".cxx_construct"):
+                self.call(code, thing.address, 0)
+        return self.retain(thing)
+
+    def box(self, value):
+        """The object for a Python value."""
+        if value is None or isinstance(value, Thing):
+            return value
+        if isinstance(value, (bool, int, float, str)):
+            return self.new("NSString" if isinstance(value, str) else "NSNumber", value)
+        if isinstance(value, bytes):
+            return self.new("NSData", bytearray(value))
+        if isinstance(value, list):
+            return self.new("NSArray", [self.retain(self.box(each)) for each in value])
+        made = self.new("NSDictionary", {})
+        for key, each in value.items():
+            self.set_item(made, self.box(key), self.box(each))
+        return made
+
+    def set_item(self, dictionary, key, value):
+        dictionary.parts += self.retain(key), self.retain(value)
+        dictionary.value[key.value] = key, value
+
+    def set_field(self, thing, name, value, is_held=True):
+        value, old = self.copied(value) if isinstance(value, Thing) else value, thing.fields.get(name)
+        thing.fields[name] = value
+        if is_held and value is not None:
+            thing.parts.append(self.retain(value))
+        if is_held and old is not None:
+            thing.parts.remove(old)
+            self.release(old)
+
+    def plain(self, thing):
+        """The Python value of an object."""
+        value = thing.value
+        if isinstance(value, dict):
+            return {key: self.plain(each) for key, (_, each) in value.items()}
+        return [self.plain(each) for each in value] if isinstance(value, list) else value
+
+    def buffer(self, thing, data):
+        """Memory with the data, which lives as long as the object."""
+        if not thing.buffers:
+            thing.buffers.append(self.allocate(len(data), content=bytes(data)))
+        return thing.buffers[0]
+
+    def thing(self, address):
+        if not address:
+            return None
+        if address in self.things:
+            return self.things[address]
+        if self.is_in("__cfstring", address):
+            text, length = self.read_words(address + 16, 2)
+            return self.new("NSString", self.read(text, length).decode(), is_immortal=True, address=address)
+        if cls := self.class_at(address):
+            return self.new("Class", cls, name=cls.name, is_immortal=True, address=address)
+        with contextlib.suppress(Exception):
+            if self.read_word(address) in (self.imports["__NSConcreteStackBlock"], self.imports["__NSConcreteGlobalBlock"]):
+                return Thing(address, self.class_named("Block"), name="<block>", is_immortal=True)
+        raise Fault(f"use of the object at {address:#x}, which was deallocated")
+
+    def retain(self, thing):
+        if thing is not None:
+            thing.count += 1
+        return thing
+
+    def release(self, thing):
+        if thing is None or thing.is_immortal:
+            return
+        if thing.count < 1:
+            raise Fault(f"over-release of {thing.name}")
+        thing.count -= 1
+        if thing.count == 0:
+            self._deallocate(thing)
+
+    def autorelease(self, thing):
+        if thing is not None:
+            if not self.pools:
+                raise Fault(f"{thing.name} is autoreleased without a pool")
+            self.pools[-1].append(thing)
+        return thing
+
+    def pop_pools(self, count):
+        """Leaves that many. What is released may autorelease something in turn."""
+        while len(self.pools) > count:
+            while self.pools[-1]:
+                self.release(self.pools[-1].pop())
+            self.pools.pop()
+
+    @contextlib.contextmanager
+    def pool(self):
+        count = len(self.pools)
+        self.pools.append([])
+        yield
+        self.pop_pools(count)
+
+    def _deallocate(self, thing):
+        for location in [place for place, target in self.weak.items() if target is thing]:
+            self.write_words(location, 0)
+            del self.weak[location]
+        for cls in thing.cls.chain():
+            if effect := self.effects.get(f"{cls.name} dealloc"):
+                effect(self, thing)
+            if code := cls.methods.get(".cxx_destruct"):
+                self.call(code, thing.address, 0)
+        del self.things[thing.address]
+        for part in thing.parts:
+            self.release(part)
+        for address in thing.buffers:
+            self.free(address)
+        if thing.address < INSTANCES:
+            self.free(thing.address)
+
+    def living(self):
+        return Counter(thing.cls.name for thing in self.things.values() if not thing.is_immortal)
+
+    # Blocks
+
+    def copied(self, thing):
+        """The block itself when it is on the heap or captures nothing; else a copy, without a reference."""
+        if thing is None or thing.cls.name != "Block" or thing.address in self.things:
+            return thing
+        flags = self.read_word(thing.address + 8, "<i")
+        if flags & IS_GLOBAL:
+            return thing
+        _, size, copy = self.read_words(self.read_word(thing.address + 24), 3)
+        made = self.new("Block", name="<block>", address=self.allocate(size, content=self.read(thing.address, size)))
+        if flags & HAS_COPY:
+            self.call(copy, made.address, thing.address)
+        return made
+
+    def end_block(self, thing):
+        if self.read_word(thing.address + 8, "<i") & HAS_COPY:
+            self.call(self.read_word(self.read_word(thing.address + 24) + 24), thing.address)
+
+    def run_block(self, block, *arguments):
+        return self.call(self.read_word(block.address + 16), block.address, *arguments)
+
+    # Messages
+
+    def implements(self, thing, selector):
+        return next((cls.methods[selector] for cls in thing.cls.chain() if selector in cls.methods), 0)
+
+    def send(self, thing, selector, *arguments):
+        """A message from the system to an object of the program."""
+        code = self.implements(thing, selector)
+        if not code:
+            raise Fault(f"{thing.name} does not implement {selector}")
+        if selector not in self.selectors:
+            self.selectors[selector] = self.place(selector.encode() + b"\0")
+        with self.pool():
+            words = [each.address if isinstance(each, Thing) else each for each in arguments]
+            return self.call(code, thing.address, self.selectors[selector], *words)
+
+    def message(self, receiver, selector, above=None):
+        """Returns the program's own method, or runs the effect of the system's."""
+        if not receiver:
+            for index in range(4):
+                self.set_real(index, 0.0)
+            return 0
+        thing = self.thing(receiver)
+        is_class = thing.cls.name == "Class"
+        cls = above or (thing.value if is_class else thing.cls)
+        key = cls.name, is_class, selector
+        if key not in self.found:
+            self.found[key] = self._found(cls, is_class, selector)
+        found = self.found[key]
+        return found if isinstance(found, int) else found(thing)
+
+    def _found(self, cls, is_class, selector):
+        for each in cls.chain():
+            own = each.class_methods if is_class else each.methods
+            if selector in own:
+                return own[selector]
+            effect, member = self.effects.get(f"{each.name} {selector}"), self.declared.member(each.name, is_class, selector)
+            if effect is None and member and member.property:
+                effect = self._accessor(member)
+            if effect and member:
+                # A question is not noted, only what changes something.
+                is_quiet = bool({each.name, f"{each.name} {selector}"} & self.quiet) or member.result not in ("", "B") and not member.is_owned
+                is_quiet |= bool(member.property and not member.arguments)
+                return lambda thing: self._run_method(thing, member, effect, is_class, is_quiet)
+        raise Fault(f"unknown effect: {'+' if is_class else '-'}[{cls.name} {selector}]")
+
+    def _run_method(self, thing, member, effect, is_class, is_quiet):
+        arguments = self.arguments(member.arguments, 2)
+        if not is_quiet:
+            words = (f"{word}:{shown(value)}" for word, value in zip(member.name.split(":"), arguments))
+            self.note(f"{'+' if is_class else '-'}[{thing.name.strip('<>')} {' '.join(words) or member.name}]")
+        value = self.box(effect(self, thing, *arguments)) if member.result == "@" else effect(self, thing, *arguments)
+        if member.result == "@" and not (member.is_owned and value is thing):
+            self.retain(value)
+            if not member.is_owned:
+                self.autorelease(value)
+        self.set_result(member.result, value)
+
+    def _accessor(self, member):
+        """A property keeps what it is set to. An object that it must have is made when it is asked for."""
+        if member.arguments:
+            return lambda _, thing, value: self.set_field(thing, member.property, value, member.is_held)
+
+        def look(_, thing):
+            if thing.fields.get(member.property) is None and member.is_held and member.made in self.declared.classes:
+                self.set_field(thing, member.property, self.new(member.made))
+            return thing.fields.get(member.property)
+
+        return look
+
+    # Arguments and functions
+
+    def arguments(self, kinds, words):
+        reals, values = 0, []
+        for kind in kinds:
+            if kind[0] in "df":
+                parts = tuple(self.real(reals + index, f"<{kind[0]}") for index in range(len(kind)))
+                reals += len(kind)
+                values.append(parts if len(parts) > 1 else parts[0])
+            else:
+                values.append(self._argument(kind, self.word(words)))
+                words += 1
+        return values
+
+    def _argument(self, kind, word):
+        if kind in "@s":
+            return self.thing(word) if kind == "@" else self.text_at(word)
+        if kind in "iq":
+            bits = 32 if kind == "i" else 64
+            return (word & 2**bits - 1 ^ 1 << bits - 1) - (1 << bits - 1)
+        if kind == "B":
+            return bool(word & 0xFF)
+        if kind[0] == "M":
+            return struct.unpack(f"<{kind[1:]}d", self.read(word, 8 * int(kind[1:])))
+        return Pointer(word) if kind == "p" else word & {"C": 0xFF, "I": 2**32 - 1, "Q": WORD}[kind]
+
+    def set_result(self, kind, value):
+        if kind[:1] == "d":
+            for index, part in enumerate(value if isinstance(value, tuple) else (value or 0.0,) * len(kind)):
+                self.set_real(index, float(part))
+        elif kind[:1] == "M":
+            self.write(self.word(8), value)
+        elif kind:
+            self.set_word(0, value.address if isinstance(value, Thing) else int(value or 0))
+
+    def imported_function(self, name):
+        short = name[1:].replace("$", "_")
+        effect, declared = self.effects.get(short), self.declared.functions.get(short)
+        if declared and effect is None and declared.is_owned:
+            effect = self._creation(declared)
+        if effect is None:
+            return lambda: self._unknown(name)
+        if declared:
+            return lambda: self._run_function(declared, effect)
+        if short.startswith("objc_msgSend"):
+            return lambda: effect(self)
+        count = effect.__code__.co_argcount - 1
+        return lambda: self._run_plain(effect, count)
+
+    def _unknown(self, name):
+        raise Fault(f"unknown effect: {name}")
+
+    def _run_plain(self, effect, count):
+        result = effect(self, *(self.word(index) for index in range(count)))
+        if result is not None:
+            self.set_result("d" if isinstance(result, float) else "Q", result)
+
+    def _run_function(self, declared, effect):
+        arguments = self.arguments(declared.arguments, 0)
+        if not declared.result and declared.name not in self.quiet:
+            self.note(f"{declared.name}({', '.join(map(shown, arguments))})")
+        value = effect(self, *arguments)
+        value = self.box(value) if declared.result == "@" else value
+        self.set_result(declared.result, self.retain(value) if declared.is_owned else value)
+
+    def _creation(self, declared):
+        """An object that is shown as the call that made it."""
+
+        def create(_, *arguments):
+            made = self.new(declared.made, name=f"{declared.name}({', '.join(map(shown, arguments))})")
+            made.parts += [self.retain(each) for each in arguments if isinstance(each, Thing)]
+            return made
+
+        return create
+
+
+# What compiled code calls by itself.
+
+
+def send_super(s):
+    receiver, cls = s.read_words(s.word(0), 2)
+    s.set_word(0, receiver)
+    return s.message(receiver, s.text_at(s.word(1)), s.class_at(cls).above)
+
+
+def alloc_init(s, cls):
+    thing = s.instance(s.class_at(cls))
+    code = s.implements(thing, "init")
+    return s.call(code, thing.address, 0) if code else thing
+
+
+def store_strong(s, place, address):
+    old = s.thing(s.read_word(place))
+    s.retain(s.thing(address))
+    s.write_words(place, address)
+    s.release(old)
+
+
+def store_weak(s, place, address):
+    s.write_words(place, address)
+    s.weak.pop(place, None)
+    if address:
+        s.weak[place] = s.thing(address)
+    return address
+
+
+def assign_captured(s, place, address, flags):
+    thing = s.retain(s.copied(s.thing(address)))
+    s.write_words(place, thing.address if thing else 0)
+
+
+def returned(s, address):
+    return s.autorelease(s.thing(address))
+
+
+def retained(s, address):
+    return s.retain(s.thing(address))
+
+
+def retained_and_returned(s, address):
+    return s.autorelease(s.retain(s.thing(address)))
+
+
+RUNTIME = {
+    "objc_msgSend": lambda s: s.message(s.word(0), s.text_at(s.word(1))),
+    "objc_msgSendSuper2": send_super,
+    "objc_alloc": lambda s, cls: s.instance(s.class_at(cls)),
+    "objc_alloc_init": alloc_init,
+    "objc_retain": retained,
+    "objc_retainAutoreleasedReturnValue": retained,
+    "objc_claimAutoreleasedReturnValue": retained,
+    "objc_release": lambda s, address: s.release(s.thing(address)),
+    "objc_autorelease": returned,
+    "objc_autoreleaseReturnValue": returned,
+    "objc_retainAutorelease": retained_and_returned,
+    "objc_retainAutoreleaseReturnValue": retained_and_returned,
+    "objc_retainBlock": lambda s, address: s.retain(s.copied(s.thing(address))),
+    "_Block_object_assign": assign_captured,
+    "Block dealloc": Runtime.end_block,
+    "objc_storeStrong": store_strong,
+    "objc_storeWeak": store_weak,
+    "objc_initWeak": store_weak,
+    "objc_destroyWeak": lambda s, place: s.weak.pop(place, None) and None,
+    "objc_loadWeakRetained": lambda s, place: s.retain(s.weak.get(place)) or 0,
+    "objc_autoreleasePoolPush": lambda s: s.pools.append([]) or len(s.pools),
+    "objc_autoreleasePoolPop": lambda s, mark: s.pop_pools(mark - 1),
+    "NSObject init": lambda s, thing: thing,
+    "NSObject class": lambda s, thing: thing,
+    "NSObject isKindOfClass:": lambda s, thing, cls: cls.value in thing.cls.chain(),
+}

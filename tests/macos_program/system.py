@@ -1,0 +1,823 @@
+"""macOS for the emulated add-on: what classes and functions of the system do, as far as the add-on can tell.
+
+One user's session with one display. Nothing happens by itself: a scenario moves the clock, posts notices and clicks.
+"""
+
+import math
+import plistlib
+import re
+import struct
+
+from objects import Runtime, Thing, shown
+from program import Fault
+
+SECOND = 10**9
+START = 1_767_225_600  # the wall clock's, 2026-01-01T00:00:00Z
+PID = 4711
+SUPPORT = "/Users/u/Library/Application Support"
+BUNDLE = f"{SUPPORT}/example.quillon.Quorvane.LockScreenAddOn/Quorvane Lock Screen.app"
+CONTAINERS = "/Users/u/Library/Group Containers"
+PORT = "group.example.quillon.Quorvane.messageport"
+DATA = ("_OBJC_CLASS", "_OBJC_METACLASS", "_OBJC_EHTYPE", "__NSConcrete", "___CFConstantString", "__objc_empty_cache", "___std",
+        "__dispatch_main_q", "__dispatch_source_type_", "__DefaultRuneLocale", "___objc_personality")  # fmt: skip
+WEIGHTS = {"NSFontWeightRegular": 0.0, "NSFontWeightMedium": 0.23, "NSFontWeightSemibold": 0.3, "NSFontWeightBold": 0.4}
+IDENTITY = (1.0, *(0.0,) * 4) * 3 + (1.0,)
+LEVELS = {0: "default", 1: "info", 2: "debug", 16: "error", 17: "fault"}
+PLACEHOLDER = re.compile(r"%(?:\{(\w+)\})?(s|d|u|f|ld|lu|llu)")
+NUMBER_KINDS = {"d": "<i", "u": "<I", "f": "<d", "ld": "<q"}
+# The window server's functions: how many arguments, what they return.
+WINDOW_SERVER = {"SLSMainConnectionID": (0, 77), "SLSSpaceCreate": (3, 0x500000009), "SLSSpaceSetAbsoluteLevel": (3, 0),
+                 "SLSShowSpaces": (2, 0), "SLSSpaceAddWindowsAndRemoveFromSpaces": (4, 0)}  # fmt: skip
+
+
+class Ended(Exception):
+    """The process has ended."""
+
+
+class System(Runtime):
+    def __init__(self, bundle, options, documented, answer):
+        """The lines are documented that may be logged; `answer` is the main application's, to message, port and body."""
+        self.options, self.documented, self.answer = options, documented, answer
+        self.now, self.thread_storage, self.errno = 0, 0, 0
+        self.queues, self.current, self.sources, self.fades = [], None, [], []
+        self.preferences, self.observers, self.singletons = {}, [], {}
+        self.ports, self.has_main_application, self.displays = {}, True, [(0.0, 0.0, 1920.0, 1080.0)]
+        self.windows, self.pressed, self.pointer, self.context = [], None, (0.0, 0.0), None
+        files = [path for path in bundle.rglob("*") if path.is_file()]
+        self.files = {f"{BUNDLE}/{path.relative_to(bundle).as_posix()}": path.read_bytes() for path in files}
+        super().__init__(bundle / "Contents" / "MacOS" / bundle.stem, EFFECTS, QUIET)
+        self.main_queue = self.new("OS_dispatch_queue", [], "main", True, self.imports["__dispatch_main_q"])
+        self.global_queue = self.new("OS_dispatch_queue", [], "global", True)
+        self.queues += [self.main_queue, self.global_queue]
+        self.copies = []
+        self.add_copy(PID, 100.0)
+
+    def start(self, scenario):
+        """The process from its start to its end; the scenario is what happens while the application runs."""
+        self.scenario = scenario
+        words = [f"{BUNDLE}/Contents/MacOS/Quorvane Lock Screen", *self.options]
+        places = [self.place(word.encode() + b"\0") for word in words]
+        with self.pool():
+            status = self.call(self.entry(), len(words), self.place(struct.pack(f"<{len(words) + 1}Q", *places, 0)), 0, 0)
+        if status != 0:
+            raise Fault(f"the program returned {status}")
+
+    def imported_data(self, name):
+        short = name[1:]
+        if name.startswith(DATA):
+            return bytes(0x1000 if "Rune" in name else 16)
+        if short not in self.declared.constants:
+            return None
+        if short in WEIGHTS or short == "CATransform3DIdentity":
+            return doubles(*([WEIGHTS[short]] if short in WEIGHTS else IDENTITY))
+        return struct.pack("<Q", 0 if short == "kSecRandomDefault" else self.new("NSString", short, is_immortal=True).address)
+
+    def shared(self, class_name, name=""):
+        if (class_name, name) not in self.singletons:
+            self.singletons[class_name, name] = self.new(class_name, name=name, is_immortal=True)
+        return self.singletons[class_name, name]
+
+    def add_copy(self, pid, launched):
+        date = self.new("NSDate", launched, is_immortal=True)
+        copy = self.new("NSRunningApplication", name=f"<copy {pid}>", is_immortal=True, processIdentifier=pid, launchDate=date)
+        self.copies.append(copy)
+        return copy
+
+    # Queues, timers, signals
+
+    def run_on(self, queue, block, *arguments):
+        before, self.current = self.current, queue
+        with self.pool():
+            self.run_block(block, *arguments)
+        self.current = before
+
+    def drain(self, queue):
+        while queue.value:
+            block = queue.value.pop(0)
+            self.run_on(queue, block)
+            self.release(block)
+
+    def settle(self):
+        """Runs what waits in queues, until nothing does."""
+        while waiting := next((queue for queue in self.queues if queue.value), None):
+            self.drain(waiting)
+
+    def fire(self, source):
+        source.fields["start"] = None
+        handler = self.retain(source.fields["handler"])
+        self.retain(source)
+        self.run_on(source.fields["queue"], handler)
+        self.release(handler)
+        self.release(source)
+        self.settle()
+
+    def pass_time(self, seconds):
+        """Fires the timers and ends the fades that fall due, each at its time."""
+        end = self.now + round(seconds * SECOND)
+        self.settle()
+        while True:
+            armed = [each for each in self.sources if each.fields.get("is_active") and each.fields.get("start") is not None]
+            due = [(each.fields["start"], each) for each in armed] + self.fades
+            at, what = min(due, key=lambda each: each[0], default=(end + 1, None))
+            if at > end:
+                break
+            self.now = max(self.now, at)
+            if what.cls.name == "OS_dispatch_source":
+                self.fire(what)
+                continue
+            self.fades.remove((at, what))
+            self.run_on(self.main_queue, what)
+            self.release(what)
+            self.settle()
+        self.now = end
+
+    def raise_signal(self, number):
+        for source in [each for each in self.sources if each.fields.get("signal") == number]:
+            self.fire(source)
+
+    # Notices and messages
+
+    def observe(self, center, name, observer, deliver):
+        self.observers.append((center, name.value, observer, deliver))
+
+    def post(self, name):
+        """A notice of the system, which every observer of that name gets."""
+        found = [deliver for _, each, _, deliver in self.observers if each == name]
+        if not found:
+            raise Fault(f"nothing observes {name}")
+        for deliver in found:
+            with self.pool():
+                deliver()
+        self.settle()
+
+    def end_main_application(self):
+        self.has_main_application = False
+        for port in list(self.ports.values()):
+            invalidate_port(self, port)
+
+    # Windows
+
+    def views(self, window):
+        def below(view):
+            yield view
+            for child in view.fields["subviews"]:
+                yield from below(child)
+
+        content = window.fields.get("contentView")
+        return list(below(content)) if content else []
+
+    def view(self, window, class_name):
+        return next(view for view in self.views(window) if view.cls.name == class_name)
+
+    def frame_in_window(self, view):
+        x, y, width, height = view.fields["frame"]
+        while view := view.fields["above"]:
+            x, y = x + view.fields["frame"][0], y + view.fields["frame"][1]
+        return x, y, width, height
+
+    def point_in(self, view, point):
+        left, bottom, _, height = self.frame_in_window(view)
+        is_flipped = self.implements(view, "isFlipped") and self.send(view, "isFlipped") & 1
+        return point[0] - left, height - (point[1] - bottom) if is_flipped else point[1] - bottom
+
+    def move_pointer(self, window, x, y):
+        """To a point of the window, which gets movements unless it ignores the mouse."""
+        self.pointer = (window.fields["frame"][0] + x, window.fields["frame"][1] + y)
+        if not window.fields["ignoresMouseEvents"]:
+            self.send(window.fields["contentView"], "mouseMoved:", 0)
+
+    def click(self, window, x, y):
+        self.move_pointer(window, x, y)
+        for kind in (1, 2):
+            event = self.new("NSEvent", is_immortal=True, type=kind, locationInWindow=(x, y))
+            if not window.fields["ignoresMouseEvents"]:
+                self.send(window, "sendEvent:", event)
+        self.settle()
+
+    def draw(self, view):
+        self.context = self.new("NSGraphicsContext", is_immortal=True, CGContext=self.new("CGContext", name="context", is_immortal=True))
+        self.send(view, "drawRect:", *view.fields["bounds"])
+        self.context = None
+
+
+def doubles(*values):
+    return struct.pack(f"<{len(values)}d", *values)
+
+
+def compared(one, other):
+    return (one > other) - (one < other)
+
+
+def exists(s, path):
+    return any(each == path or each.startswith(path + "/") for each in s.files)
+
+
+# The C library.
+
+
+def kill(s, pid, number):
+    s.note(f"kill({pid}, {number})")
+    raise Ended
+
+
+def reallocated(s, old, size):
+    address = s.allocate(size, content=s.read(old, min(size, s.blocks[old])) if old else b"")
+    s.free(old)
+    return address
+
+
+def formatted(s, buffer, size, text, place):
+    """Every variable argument is a word at the place."""
+    words = iter(s.read_words(place, 8))
+
+    def argument(match):
+        word, kind = struct.pack("<Q", next(words)), match[2][-1]
+        code = "<d" if kind in "fg" else {"d": "<i", "i": "<i"}.get(match[2], "<q" if kind in "di" else "<Q")
+        (value,) = struct.unpack_from(code, word)
+        return (match[1] + kind.replace("u", "d")) % (s.text_at(value) if kind == "s" else value)
+
+    data = re.sub(r"(%[-+ 0#]*\d*(?:\.\d+)?)((?:ll|l|z)?[diuxsfg])", argument, s.text_at(text)).encode()
+    s.write(buffer, data[: max(size - 1, 0)] + b"\0" if size else b"")
+    return len(data)
+
+
+def parsed_real(s, text, end, *_):
+    number = re.match(r"[-+]?[\d.]+([eE][-+]?\d+)?", s.text_at(text))[0]
+    if end:
+        s.write_words(end, text + len(number))
+    return float(number)
+
+
+def errno_place(s):
+    s.errno = s.errno or s.place(bytes(8))
+    return s.errno
+
+
+def thread_variable(s, variable):
+    """None has an initial value but zero."""
+    s.thread_storage = s.thread_storage or s.place(bytes(s.sections["__thread_bss"].size + 64))
+    return s.thread_storage + s.read_word(variable + 16)
+
+
+def looked_up(s, library, name):
+    name = s.text_at(name)
+    if name not in s.imports:
+        s.imports[name] = s.add_exit(name, lambda: window_server(s, name))
+    return s.imports[name]
+
+
+def window_server(s, name):
+    count, result = WINDOW_SERVER[name]
+    words = [s.word(index) for index in range(count)]
+    s.note(f"{name}({', '.join(shown(s.thing(word)) if word >= 2**32 else str(word) for word in words)})")
+    s.set_word(0, result)
+
+
+def logged(s, image, log, level, text, buffer, size):
+    """Notes the line, if it is documented and the buffer is what the system expects of its format."""
+    if (LEVELS[level], text) not in s.documented:
+        raise Fault(f"the log line is not in docs/log-lines.md: {LEVELS[level]}: {text}")
+    data, at, flags = s.read(buffer, size), 2, 0
+    places, values = PLACEHOLDER.findall(text), []
+    for privacy, kind in places:
+        header, content = tuple(data[at : at + 2]), data[at + 2 : at + 2 + data[at + 1]]
+        at += 2 + len(content)
+        if kind == "s":
+            expected = 0x20 | {"public": 2, "private": 1}.get(privacy, 0), 8
+            flags |= 2 | (privacy == "private")
+            value = s.text_at(struct.unpack("<Q", content)[0])
+            values.append(value if privacy == "public" else f"<{value}>")
+        else:
+            expected = 0, 4 if kind in ("d", "u") else 8
+            (value,) = struct.unpack(NUMBER_KINDS.get(kind, "<Q"), content)
+            values.append(shown(bool(value) if privacy == "bool" else value))
+        if header != expected:
+            raise Fault(f"an argument of the log line {text!r} is encoded as {header}, not {expected}")
+    if at != size or data[:2] != bytes([flags, len(places)]):
+        raise Fault(f"the log line {text!r} has the buffer {data.hex()}")
+    parts = iter(values)
+    s.note(f"log {log.name} {LEVELS[level]}: {PLACEHOLDER.sub(lambda _: next(parts), text)}")
+
+
+# Queues and sources.
+
+
+def make_queue(s, label, attributes):
+    s.queues.append(s.new("OS_dispatch_queue", [], s.text_at(label)))
+    return s.retain(s.queues[-1])
+
+
+def make_source(s, kind, handle, mask, queue):
+    name = next(name for name, place in s.imports.items() if place == kind)
+    source = s.new("OS_dispatch_source", queue=s.thing(queue), mask=mask)
+    if name.endswith("signal"):
+        source.fields["signal"] = handle
+    s.sources.append(source)
+    return s.retain(source)
+
+
+def set_timer(s, source, start, interval, leeway):
+    if interval != 2**64 - 1:
+        raise Fault("a timer that repeats")
+    fields = s.thing(source).fields
+    fields["start"] = start
+    s.note(f"timer in {(start - s.now) / SECOND:g} s, leeway {leeway / SECOND:g} s, flags {fields['mask']}")
+
+
+def end_source(s, source):
+    if "is_active" not in source.fields:
+        raise Fault("a source is released that was never activated")
+    s.sources.remove(source)
+
+
+def cancel_source(s, source):
+    source = s.thing(source)
+    source.fields["is_active"] = False
+    s.set_field(source, "handler", None)
+
+
+def run_now(s, queue, block):
+    s.drain(s.thing(queue))
+    s.run_on(s.thing(queue), s.thing(block))
+
+
+# Foundation.
+
+
+def make_string(s, thing, data, length, encoding):
+    try:
+        thing.value = s.read(data, length).decode()
+        return thing
+    except UnicodeDecodeError:
+        return s.release(thing)
+
+
+def enumerate_items(s, thing, state, room, count):
+    items = [key for key, _ in thing.value.values()] if isinstance(thing.value, dict) else thing.value
+    start = s.read_word(state)
+    items = items[start : start + count]
+    s.write_words(room, *(item.address for item in items))
+    s.write_words(state, start + len(items), room, state + 24, 0)
+    return len(items)
+
+
+def make_dictionary(s, cls, objects, keys, count):
+    made = s.new("NSDictionary", {})
+    for key, value in zip(s.read_words(keys, count), s.read_words(objects, count)):
+        s.set_item(made, s.thing(key), s.thing(value))
+    return made
+
+
+def make_url(s, path):
+    return s.new("NSURL", path, path)
+
+
+def make_attributed(s, thing, text, attributes):
+    font = attributes.value["kCTFontAttributeName"][1]
+    s.set_field(thing, "font", font)
+    thing.fields["text"], thing.name = text.value, f"{shown(text)} in {font.name}"
+    return thing
+
+
+def remove_item(s, manager, url, place):
+    path = url.value
+    if not exists(s, path):
+        error = s.new("NSError", code=4, domain=s.box("NSCocoaErrorDomain"), localizedDescription=s.box(f"{path} is not there."))
+        error.parts += [s.retain(error.fields["domain"]), s.retain(error.fields["localizedDescription"])]
+        s.write_words(place, s.autorelease(s.retain(error)).address)
+        return False
+    s.files = {each: data for each, data in s.files.items() if each != path and not each.startswith(path + "/")}
+    return True
+
+
+def preferences(s, defaults):
+    return s.preferences.setdefault(defaults.name, {})
+
+
+def translated(s, bundle, key, value, table):
+    strings = s.files[f"{BUNDLE}/Contents/Resources/en.lproj/Localizable.strings"].decode()
+    return re.search(rf'^"{re.escape(key.value)}" = "(.*)";', strings, re.M).group(1)
+
+
+def name_suite(s, defaults, name):
+    defaults.name = f"<defaults {name.value}>"
+    return defaults
+
+
+def begin_activity(s, process, options, reason):
+    s.note(f"activity {options:#x} {shown(reason)}")
+    return s.new("NSObject", name="<activity>")
+
+
+def observe_distributed(s, center, observer, selector, name, sender, behaviour):
+    def deliver():
+        notice = s.autorelease(s.retain(s.new("NSNotification")))
+        s.send(observer, selector, notice)
+
+    s.observe(center, name, observer, deliver)
+
+
+def observe_with_block(s, center, name, sender, queue, block):
+    token = s.new("NSObject", name=f"<observer of {name.value}>")
+    s.set_field(token, "block", block)
+    s.observe(center, name, s.retain(token), lambda: s.run_on(s.main_queue, token.fields["block"], 0))
+    s.note(f"observer of {name.value} on {shown(queue)}")
+    return token
+
+
+def stop_observing(s, center, observer):
+    gone = [each for each in s.observers if each[0] is center and each[2] is observer]
+    s.observers = [each for each in s.observers if each not in gone]
+    if observer.cls.name == "NSObject":
+        s.release(observer)
+
+
+def observe_darwin(s, center, observer, callback, name, sender, behaviour):
+    s.observe(center, name, int(observer), lambda: s.call(callback, center.address, observer, name.address, 0, 0))
+
+
+def stop_observing_darwin(s, center, observer, name, sender):
+    s.observers = [each for each in s.observers if each[:3] != (center, name.value, observer)]
+
+
+def make_remote_port(s, allocator, name):
+    """The same object again while it is valid."""
+    if name.value not in s.ports and s.has_main_application:
+        s.note(f"port {name.value}")
+        s.ports[name.value] = s.new("CFMessagePort", name=name.value)
+    return s.ports.get(name.value)
+
+
+def invalidate_port(s, port):
+    port.fields["is_invalid"] = True
+    s.ports.pop(port.name, None)
+
+
+def send_request(s, port, number, body, send_timeout, reply_timeout, mode, place):
+    if port.fields.get("is_invalid"):
+        return -3
+    text = bytes(body.value[32:])
+    s.note(f"request {number} to {port.name.removeprefix(PORT)}: {text}, {send_timeout:g} s, {reply_timeout:g} s, {shown(mode)}")
+    if mode and s.current in (None, s.main_queue):
+        s.drain(s.main_queue)  # while the call waits, the thread's run loop runs
+    answer = s.answer(number, port.name, bytes(body.value))
+    if mode and answer:
+        s.write_words(place, s.retain(s.box(answer)).address)
+    return 0
+
+
+# AppKit.
+
+
+def run_application(s, application):
+    s.send(application.fields["delegate"], "applicationDidFinishLaunching:", 0)
+    s.settle()
+    s.scenario(s)
+    s.send(application.fields["delegate"], "applicationWillTerminate:", 0)
+    s.settle()
+
+
+def end_application(s, application, sender):
+    s.send(application.fields["delegate"], "applicationWillTerminate:", 0)
+    raise Ended
+
+
+def make_window(s, window, frame, style, backing, is_deferred):
+    s.windows.append(window)
+    window.fields.update(frame=frame, windowNumber=40 + s.numbers[window.cls.name], ignoresMouseEvents=False)
+    return window
+
+
+def order_front(s, window):
+    window.fields.update(visible=True, occlusionState=2)
+    for view in s.views(window):
+        if s.implements(view, "layout"):
+            s.send(view, "layout")
+
+
+def close_window(s, window):
+    window.fields["visible"] = False
+    if window.fields.get("releasedWhenClosed", True):
+        s.release(window)
+
+
+def animator(s, window):
+    s.note(f"-[{window.name.strip('<>')} animator]")
+    return window
+
+
+def send_event(s, window, event):
+    """The topmost view under the pointer that takes the first click gets the press and what follows."""
+    if event.fields["type"] == 1:
+        x, y = event.fields["locationInWindow"]
+        s.pressed = None
+        for view in s.views(window):
+            left, bottom, width, height = s.frame_in_window(view)
+            if s.implements(view, "mouseDown:") and left <= x < left + width and bottom <= y < bottom + height:
+                s.pressed = view if s.send(view, "acceptsFirstMouse:", event) & 1 else None
+    if s.pressed:
+        s.send(s.pressed, {1: "mouseDown:", 2: "mouseUp:"}[event.fields["type"]], event)
+
+
+def animate(s, cls, changes, completion):
+    context = s.retain(s.new("NSAnimationContext"))
+    s.run_block(changes, context.address)
+    if completion:
+        s.fades.append((s.now + round(context.fields["duration"] * SECOND), s.retain(s.copied(completion))))
+    s.release(context)
+
+
+def make_view(s, view, frame):
+    view.fields.update(frame=frame, bounds=(0.0, 0.0, *frame[2:]), subviews=[], above=None)
+    return view
+
+
+def add_subview(s, view, child):
+    view.fields["subviews"].append(child)
+    view.parts.append(s.retain(child))
+    child.fields["above"] = view
+
+
+def layer_of(s, view):
+    if view.fields.get("wantsLayer") and "layer" not in view.fields:
+        s.set_field(view, "layer", s.new("CALayer"))
+    return view.fields.get("layer")
+
+
+def set_glass_content(s, glass, view):
+    s.set_field(glass, "contentView", view)
+    add_subview(s, glass, view)
+
+
+def screens(s, cls):
+    return [s.new("NSScreen", frame=frame, backingScaleFactor=2.0) for frame in s.displays]
+
+
+def make_font(s, cls, size, weight):
+    return s.new("NSFont", size, f"{size:g} points, weight {weight:g}", ascender=0.95 * size, descender=-0.25 * size)
+
+
+def line_width(s, line, *_):
+    """A letter is half as wide as the font is high."""
+    text = line.parts[0]
+    return 0.5 * text.fields["font"].value * len(text.fields["text"]) if "text" in text.fields else 100.0
+
+
+def joined_transforms(s, rows, columns):
+    return doubles(*(sum(rows[4 * i + k] * columns[4 * k + j] for k in range(4)) for i in range(4) for j in range(4)))
+
+
+def gradient(s, space, components, places, count):
+    stops = (s.read(place, 8 * size) for place, size in ((components, 4 * count), (places, count)))
+    colors, positions = (struct.unpack(f"<{len(data) // 8}d", data) for data in stops)
+    return s.new("CGGradient", name=f"gradient of {shown(positions)[1:-1]}: {', '.join(map(shown, colors))}")
+
+
+def nothing(s, *_):
+    """What has no effect but its note."""
+
+
+def shared(s, cls):
+    return s.shared(cls.name)
+
+
+def value_of(s, thing, *_):
+    return thing.value
+
+
+def given(s, cls, value):
+    return value
+
+
+EFFECTS = {
+    "malloc": lambda s, size: s.allocate(size),
+    "calloc": lambda s, count, size: s.allocate(count * size, content=bytes(count * size)),
+    "realloc": reallocated,
+    "aligned_alloc": lambda s, alignment, size: s.allocate(size, alignment),
+    "free": lambda s, address: s.free(address),
+    "memcpy": lambda s, to, source, size: s.write(to, s.read(source, size)),
+    "memmove": lambda s, to, source, size: s.write(to, s.read(source, size)),
+    "memset": lambda s, to, byte, size: s.write(to, bytes([byte & 255]) * size),
+    "bzero": lambda s, to, size: s.write(to, bytes(size)),
+    "memcmp": lambda s, one, other, size: compared(s.read(one, size), s.read(other, size)),
+    "memchr": lambda s, at, byte, size: (s.read(at, size).find(bytes([byte & 255])) + 1 or 1 - at) + at - 1,
+    "strcmp": lambda s, one, other: compared(s.text_at(one), s.text_at(other)),
+    "strlen": lambda s, text: len(s.text_at(text).encode()),
+    "strtod": parsed_real,
+    "strtod_l": parsed_real,
+    "newlocale": lambda s: 1,
+    "snprintf": lambda s, buffer, size, text: formatted(s, buffer, size, text, s.stack()),
+    "vsnprintf": formatted,
+    "__toupper": lambda s, letter: letter - 32 if 97 <= letter <= 122 else letter,
+    "exp": lambda s: math.exp(s.real(0)),
+    "fmod": lambda s: math.fmod(s.real(0), s.real(1)),
+    "__error": errno_place,
+    "__cxa_atexit": lambda s: 0,
+    "_tlv_bootstrap": thread_variable,
+    "getenv": lambda s: 0,
+    "getpid": lambda s: PID,
+    "signal": lambda s, number, action: s.note(f"signal({number}, {('SIG_DFL', 'SIG_IGN')[action]})"),
+    "kill": kill,
+    "clock_gettime": lambda s, clock, place: s.write_words(place, *divmod(s.now + (0 if clock else START * SECOND), SECOND)) or 0,
+    "lstat": lambda s, path, place: s.write(place, struct.pack("<iH", 0, 0o40755)) or 0 if exists(s, s.text_at(path)) else -1,
+    "dlopen": lambda s, path, mode: s.note(f"dlopen({s.text_at(path)}, {mode})") or 1,
+    "dlsym": looked_up,
+    "os_log_create": lambda s, subsystem, category: s.new("OS_os_log", name=f"{subsystem.split('.')[-1]}:{category}"),
+    "os_log_type_enabled": lambda s, log, level: True,
+    "_os_log_impl": logged,
+    "notify_register_check": lambda s, name, token: s.write(token, struct.pack("<i", 3)),
+    "notify_get_state": lambda s, token, place: s.write_words(place, 1),
+    "notify_cancel": lambda s, token: s.note(f"notify_cancel({token})"),
+    # Queues and sources
+    "dispatch_queue_create": make_queue,
+    "dispatch_queue_set_specific": lambda s, queue, key, value: s.thing(queue).fields.update({key: value}),
+    "dispatch_get_specific": lambda s, key: s.current.fields.get(key, 0) if s.current else 0,
+    "dispatch_get_global_queue": lambda s: s.global_queue,
+    "dispatch_async": lambda s, queue, block: s.thing(queue).value.append(s.retain(s.copied(s.thing(block)))),
+    "dispatch_sync": run_now,
+    "dispatch_time": lambda s, base, delta: s.now + delta,
+    "dispatch_source_create": make_source,
+    "dispatch_source_set_timer": set_timer,
+    "dispatch_source_set_event_handler": lambda s, source, block: s.set_field(s.thing(source), "handler", s.thing(block)),
+    "dispatch_activate": lambda s, source: s.thing(source).fields.update(is_active=True),
+    "dispatch_source_cancel": cancel_source,
+    "OS_dispatch_source dealloc": end_source,
+    "OS_dispatch_queue dealloc": lambda s, queue: s.queues.remove(queue),
+    # Values
+    "NSString initWithBytes:length:encoding:": make_string,
+    "NSString UTF8String": lambda s, text: s.buffer(text, text.value.encode() + b"\0"),
+    "NSString lengthOfBytesUsingEncoding:": lambda s, text, encoding: len(text.value.encode()),
+    "NSString isEqualToString:": lambda s, text, other: other is not None and text.value == other.value,
+    "NSNumber numberWithInt:": given,
+    "NSNumber numberWithLongLong:": given,
+    "NSNumber numberWithUnsignedLongLong:": given,
+    "NSNumber numberWithDouble:": given,
+    "NSNumber numberWithBool:": given,
+    "NSNumber doubleValue": value_of,
+    "NSNumber longLongValue": value_of,
+    "NSNumber boolValue": value_of,
+    "CFGetTypeID": lambda s, thing: isinstance(thing.value, bool),
+    "CFBooleanGetTypeID": lambda s: True,
+    "CFNumberIsFloatType": lambda s, number: isinstance(number.value, float),
+    "CFRetain": lambda s, thing: s.retain(thing),
+    "CFRelease": lambda s, thing: s.release(thing),
+    "NSArray arrayWithObjects:count:": lambda s, cls, items, count: [s.thing(each) for each in s.read_words(items, count)],
+    "NSArray countByEnumeratingWithState:objects:count:": enumerate_items,
+    "NSArray firstObject": lambda s, array: array.value[0],
+    "NSMutableArray arrayWithCapacity:": lambda s, cls, capacity: s.new("NSMutableArray", []),
+    "NSMutableArray addObject:": lambda s, array, item: array.value.append(s.retain(item)),
+    "NSFastEnumeration countByEnumeratingWithState:objects:count:": enumerate_items,
+    "NSDictionary dictionaryWithObjects:forKeys:count:": make_dictionary,
+    "NSDictionary objectForKeyedSubscript:": lambda s, dictionary, key: dictionary.value.get(key.value, (0, None))[1],
+    "NSDictionary countByEnumeratingWithState:objects:count:": enumerate_items,
+    "NSMutableDictionary dictionaryWithCapacity:": lambda s, cls, capacity: s.new("NSMutableDictionary", {}),
+    "NSMutableDictionary setObject:forKeyedSubscript:": lambda s, dictionary, value, key: s.set_item(dictionary, key, value),
+    "NSData dataWithBytes:length:": lambda s, cls, data, length: s.read(data, length),
+    "NSData bytes": lambda s, data: s.buffer(data, data.value),
+    "NSData length": lambda s, data: len(data.value),
+    "NSMutableData dataWithCapacity:": lambda s, cls, capacity: s.new("NSMutableData", bytearray()),
+    "NSMutableData appendBytes:length:": lambda s, data, more, length: data.value.extend(s.read(more, length)),
+    "NSMutableData mutableBytes": lambda s, data: s.buffer(data, data.value),
+    "NSDate dateWithTimeIntervalSince1970:": lambda s, cls, seconds: s.new("NSDate", seconds),
+    "NSDate timeIntervalSince1970": value_of,
+    "NSURL fileURLWithPath:": lambda s, cls, path: make_url(s, path.value),
+    "NSURL path": value_of,
+    "NSUUID UUID": lambda s, cls: s.new("NSUUID", "5D1A7C52-0D3B-4A53-9E0B-1F9A3C6C8E11"),
+    "NSUUID UUIDString": value_of,
+    "NSAttributedString initWithString:attributes:": make_attributed,
+    "NSValue valueWithCATransform3D:": lambda s, cls, parts: s.new("NSValue", name=shown(parts)),
+    # Process, bundle, files, preferences
+    "NSProcessInfo processInfo": shared,
+    "NSProcessInfo processIdentifier": lambda s, process: PID,
+    "NSProcessInfo operatingSystemVersion": lambda s, process: struct.pack("<3q", 26, 1, 2),
+    "NSProcessInfo beginActivityWithOptions:reason:": begin_activity,
+    "NSProcessInfo endActivity:": nothing,
+    "NSBundle mainBundle": shared,
+    "NSBundle bundleURL": lambda s, bundle: make_url(s, BUNDLE),
+    "NSBundle executableURL": lambda s, bundle: make_url(s, f"{BUNDLE}/Contents/MacOS/Quorvane Lock Screen"),
+    "NSBundle bundleIdentifier": lambda s, bundle: plistlib.loads(s.files[f"{BUNDLE}/Contents/Info.plist"])["CFBundleIdentifier"],
+    "NSBundle infoDictionary": lambda s, bundle: plistlib.loads(s.files[f"{BUNDLE}/Contents/Info.plist"]),
+    "NSBundle localizedStringForKey:value:table:": translated,
+    "NSFileManager defaultManager": shared,
+    "NSFileManager URLsForDirectory:inDomains:": lambda s, manager, *which: [make_url(s, SUPPORT)] if which == (14, 1) else [],
+    "NSFileManager containerURLForSecurityApplicationGroupIdentifier:": (
+        lambda s, manager, group: make_url(s, f"{CONTAINERS}/{group.value}")
+    ),
+    "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:": lambda s, *_: True,
+    "NSFileManager fileExistsAtPath:": lambda s, manager, path: exists(s, path.value),
+    "NSFileManager removeItemAtURL:error:": remove_item,
+    "NSData dataWithContentsOfURL:options:error:": lambda s, cls, url, options, error: s.files.get(url.value),
+    "NSPropertyListSerialization propertyListWithData:options:format:error:": (
+        lambda s, cls, data, *_: plistlib.loads(bytes(data.value))
+    ),
+    "NSUserDefaults standardUserDefaults": shared,
+    "NSUserDefaults initWithSuiteName:": name_suite,
+    "NSUserDefaults objectForKey:": lambda s, defaults, key: preferences(s, defaults).get(key.value),
+    "NSUserDefaults setObject:forKey:": lambda s, defaults, value, key: preferences(s, defaults).update({key.value: s.plain(value)}),
+    "NSUserDefaults removeObjectForKey:": lambda s, defaults, key: preferences(s, defaults).pop(key.value, None),
+    "NSUserDefaults dictionaryRepresentation": lambda s, defaults: dict(preferences(s, defaults)),
+    "NSUserDefaults removePersistentDomainForName:": lambda s, defaults, domain: preferences(s, defaults).clear(),
+    "CFPreferencesAppSynchronize": lambda s, domain: s.note(f"synchronise {domain.value}") or True,
+    "SMAppService mainAppService": shared,
+    "SMAppService registerAndReturnError:": lambda s, service, error: service.fields.update(status=1) or True,
+    "SMAppService unregisterAndReturnError:": lambda s, service, error: service.fields.update(status=0) or True,
+    "NSRunningApplication currentApplication": lambda s, cls: s.copies[0],
+    "NSRunningApplication runningApplicationsWithBundleIdentifier:": lambda s, cls, identifier: list(s.copies),
+    "NSRunningApplication runningApplicationWithProcessIdentifier:": (
+        lambda s, cls, pid: next(each for each in s.copies if each.fields["processIdentifier"] == pid)
+    ),
+    "NSRunningApplication terminate": lambda s, copy: True,
+    # Notices and ports
+    "NSDistributedNotificationCenter defaultCenter": shared,
+    "NSDistributedNotificationCenter addObserver:selector:name:object:suspensionBehavior:": observe_distributed,
+    "NSDistributedNotificationCenter postNotificationName:object:userInfo:deliverImmediately:": nothing,
+    "NSNotification userInfo": nothing,
+    "NSNotificationCenter defaultCenter": shared,
+    "NSNotificationCenter addObserverForName:object:queue:usingBlock:": observe_with_block,
+    "NSNotificationCenter removeObserver:": stop_observing,
+    "NSOperationQueue mainQueue": shared,
+    "CFNotificationCenterGetDarwinNotifyCenter": lambda s: s.shared("CFNotificationCenter"),
+    "CFNotificationCenterAddObserver": observe_darwin,
+    "CFNotificationCenterRemoveObserver": stop_observing_darwin,
+    "CFMessagePortCreateRemote": make_remote_port,
+    "CFMessagePortSendRequest": send_request,
+    "CFMessagePortInvalidate": invalidate_port,
+    "CGSessionCopyCurrentDictionary": lambda s: {"kCGSSessionOnConsoleKey": True},
+    # Application and windows
+    "NSApplication sharedApplication": shared,
+    "NSApplication setActivationPolicy:": lambda s, application, policy: True,
+    "NSApplication run": run_application,
+    "NSApplication terminate:": end_application,
+    "NSWorkspace sharedWorkspace": shared,
+    "NSWorkspace notificationCenter": lambda s, workspace: s.shared("NSNotificationCenter", "<workspace's center>"),
+    "NSScreen screens": screens,
+    "NSEvent mouseLocation": lambda s, cls: s.pointer,
+    "NSWindow initWithContentRect:styleMask:backing:defer:": make_window,
+    "NSWindow orderFrontRegardless": order_front,
+    "NSWindow orderOut:": lambda s, window, sender: window.fields.update(visible=False),
+    "NSWindow close": close_window,
+    "NSWindow dealloc": lambda s, window: s.windows.remove(window),
+    "NSWindow animator": animator,
+    "NSWindow sendEvent:": send_event,
+    "NSAnimationContext runAnimationGroup:completionHandler:": animate,
+    "NSAppearance appearanceNamed:": lambda s, cls, name: s.new("NSAppearance", name=name.value),
+    "NSView initWithFrame:": make_view,
+    "NSView addSubview:": add_subview,
+    "NSView layer": layer_of,
+    "NSView layout": nothing,
+    "NSView addTrackingArea:": nothing,
+    "NSView setNeedsDisplayInRect:": nothing,
+    "NSView convertPoint:fromView:": lambda s, view, point, other: s.point_in(view, point),
+    "NSGlassEffectView setContentView:": set_glass_content,
+    "NSTrackingArea initWithRect:options:owner:userInfo:": lambda s, area, *_: area,
+    "NSLayoutAnchor constraintEqualToAnchor:": lambda s, one, other: s.new("NSLayoutConstraint", name=f"{one.name} = {other.name}"),
+    "NSLayoutConstraint activateConstraints:": nothing,
+    "NSAccessibilityPostNotification": nothing,
+    "CALayer layer": lambda s, cls: s.new(cls.name),
+    "CALayer addSublayer:": nothing,
+    "CALayer addAnimation:forKey:": nothing,
+    "CALayer removeAllAnimations": nothing,
+    "CASpringAnimation initWithPerceptualDuration:bounce:": lambda s, animation, *_: animation,
+    "CASpringAnimation settlingDuration": lambda s, animation: 1.5,
+    "CATransaction begin": nothing,
+    "CATransaction commit": nothing,
+    "CATransaction setDisableActions:": nothing,
+    "CATransform3DMakeTranslation": lambda s, x, y, z: doubles(*IDENTITY[:12], x, y, z, 1),
+    "CATransform3DMakeScale": lambda s, x, y, z: doubles(x, *IDENTITY[1:5], y, *IDENTITY[1:5], z, *IDENTITY[11:]),
+    "CATransform3DConcat": joined_transforms,
+    # Drawing
+    "NSGraphicsContext currentContext": lambda s, cls: s.context,
+    "NSFont systemFontOfSize:weight:": make_font,
+    "NSFont monospacedDigitSystemFontOfSize:weight:": make_font,
+    "NSColor clearColor": shared,
+    "NSColor colorWithSRGBRed:green:blue:alpha:": lambda s, cls, *parts: s.new("NSColor", name=f"colour {shown(list(parts))}"),
+    "NSImageSymbolConfiguration configurationWithPointSize:weight:": (
+        lambda s, cls, size, weight: s.new("NSImageSymbolConfiguration", name=f"{size:g} points, weight {weight:g}")
+    ),
+    "NSImageSymbolConfiguration configurationWithPaletteColors:": (
+        lambda s, cls, colors: s.new("NSImageSymbolConfiguration", name=shown(colors))
+    ),
+    "NSImageSymbolConfiguration configurationByApplyingConfiguration:": (
+        lambda s, one, other: s.new("NSImageSymbolConfiguration", name=f"{one.name}, {other.name}")
+    ),
+    "NSImage imageWithSystemSymbolName:accessibilityDescription:": lambda s, cls, name, _: s.new("NSImage", name=name.value),
+    "NSImage imageWithSymbolConfiguration:": lambda s, image, look: s.new("NSImage", name=f"{image.name} ({look.name})"),
+    "NSImage size": lambda s, image: (20.0, 16.0),
+    "NSImage drawInRect:fromRect:operation:fraction:respectFlipped:hints:": nothing,
+    "CTLineGetTypographicBounds": line_width,
+    "CGGradientCreateWithColorComponents": gradient,
+    "CGImageSourceCopyPropertiesAtIndex": lambda s, *_: {"kCGImagePropertyPixelWidth": 600, "kCGImagePropertyPixelHeight": 600},
+    "CGImageGetWidth": lambda s, image: 256,
+    "CGImageGetHeight": lambda s, image: 256,
+    "CGAffineTransformMakeScale": lambda s, x, y: doubles(x, 0, 0, y, 0, 0),
+}
+EFFECTS |= dict.fromkeys(("pthread_self", "pthread_mach_thread_np"), lambda s: 1)
+EFFECTS |= {f"pthread_{what}": lambda s: 0 for what in ("mutex_lock", "mutex_unlock", "mutex_destroy", "cond_broadcast")}
+EFFECTS |= dict.fromkeys("""CTLineDraw CGPathAddRect CGPathAddRoundedRect CGContextSaveGState CGContextRestoreGState
+    CGContextTranslateCTM CGContextScaleCTM CGContextAddPath CGContextEOFillPath CGContextClip CGContextClipToRect
+    CGContextSetFillColorWithColor CGContextSetAlpha CGContextSetBlendMode CGContextSetInterpolationQuality
+    CGContextBeginTransparencyLayer CGContextEndTransparencyLayer CGContextSetTextMatrix CGContextSetTextPosition
+    CGContextDrawImage CGContextDrawLinearGradient""".split(), nothing)  # fmt: skip
+# What changes nothing that can be seen, or is asked for again and again.
+QUIET = {"_os_log_impl", "NSString", "NSMutableArray", "NSMutableDictionary", "NSMutableData", "NSAttributedString", "NSObject",
+         "CFRelease", "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:", "NSFileManager fileExistsAtPath:"}  # fmt: skip
