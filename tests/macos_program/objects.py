@@ -7,8 +7,7 @@ The program's own classes come from its metadata, the types of the system's from
 import contextlib
 import re
 import struct
-from collections import Counter
-from dataclasses import dataclass, field
+from collections import Counter, namedtuple
 
 from program import WORD, Fault, Program
 import declarations
@@ -24,17 +23,9 @@ KINDS |= dict.fromkeys(("NSUInteger", "unsigned long", "unsigned long long", "si
 ROOT = {"init": "@", "class": "@", "isKindOfClass:": "B@"}  # what NSObject itself has; see Declared.kind
 
 
-@dataclass
-class Member:
-    """A declared method, property's accessor or function."""
-
-    name: str
-    result: str  # kinds, see Declared.kind
-    arguments: list
-    is_owned: bool = False  # the caller owns the result
-    made: str = ""  # class of the result
-    property: str = ""
-    is_held: bool = False
+# A declared method, property's accessor or function: the kinds of its result and arguments, whether the caller owns the result,
+# the class of the result, the property, and whether the object holds what the property is set to.
+Member = namedtuple("Member", "name result arguments is_owned made property is_held", defaults=(False, "", "", False))
 
 
 class Declared:
@@ -103,13 +94,10 @@ class Declared:
         return match.group(1) if match else None if name == "NSObject" else "NSObject"
 
 
-@dataclass(eq=False)
 class Class:
-    name: str
-    above: "Class"
-    size: int = 0  # of an instance of the program's; 0 for a class of the system
-    methods: dict = field(default_factory=dict)
-    class_methods: dict = field(default_factory=dict)
+    def __init__(self, name, above, size=0, methods=(), class_methods=()):
+        """A class of the system has size 0."""
+        self.name, self.above, self.size, self.methods, self.class_methods = name, above, size, dict(methods), dict(class_methods)
 
     def chain(self):
         found = self
@@ -118,19 +106,13 @@ class Class:
             found = found.above
 
 
-@dataclass(eq=False)
 class Thing:
     """An object. A new one has no references; an immortal one needs none."""
 
-    address: int
-    cls: Class
-    value: object = None
-    name: str = ""
-    is_immortal: bool = False
-    count: int = 0
-    fields: dict = field(default_factory=dict)
-    parts: list = field(default_factory=list)  # objects to which it has a reference
-    buffers: list = field(default_factory=list)  # its memory
+    def __init__(self, address, cls, value, name, is_immortal, fields):
+        self.address, self.cls, self.value, self.name, self.is_immortal, self.fields = address, cls, value, name, is_immortal, fields
+        self.count, self.buffers = 0, []  # references to it, its memory
+        self.parts = value if isinstance(value, list) else []  # objects to which it has a reference
 
 
 class Pointer(int):
@@ -198,10 +180,9 @@ class Runtime(Program):
             return None
         metaclass, above, _, _, data = self.read_words(address, 5)
         name = self.text_at(self.read_word(data + 24))
-        methods, class_methods = (dict(self._methods(each)) for each in (data, self.read_word(metaclass + 32)))
-        found = Class(name, self.class_at(above), self.read_word(data + 8, "<i"), methods, class_methods)
-        self.own_classes[address] = self.classes[name] = found
-        return found
+        methods = [self._methods(each) for each in (data, self.read_word(metaclass + 32))]
+        self.own_classes[address] = self.classes[name] = Class(name, self.class_at(above), self.read_word(data + 8, "<i"), *methods)
+        return self.classes[name]
 
     def _methods(self, data):
         if methods := self.read_word(data + 32):
@@ -221,11 +202,8 @@ class Runtime(Program):
             address, self.next_instance = self.next_instance, self.next_instance + 16
         self.numbers[class_name] += 1
         name = name or f"<{class_name}#{self.numbers[class_name]}>"
-        thing = Thing(address, self.class_named(class_name), value, name, is_immortal, fields=fields)
-        if isinstance(value, list):
-            thing.parts = value
-        self.things[address] = thing
-        return thing
+        self.things[address] = Thing(address, self.class_named(class_name), value, name, is_immortal, fields)
+        return self.things[address]
 
     def instance(self, cls):
         """A new instance, which the caller owns."""
@@ -289,7 +267,7 @@ class Runtime(Program):
             return self.new("Class", cls, name=cls.name, is_immortal=True, address=address)
         with contextlib.suppress(Exception):
             if self.read_word(address) in (self.imports["__NSConcreteStackBlock"], self.imports["__NSConcreteGlobalBlock"]):
-                return Thing(address, self.class_named("Block"), name="<block>", is_immortal=True)
+                return Thing(address, self.class_named("Block"), None, "<block>", True, {})
         raise Fault(f"use of the object at {address:#x}, which was deallocated")
 
     def retain(self, thing):
@@ -545,11 +523,6 @@ def store_weak(s, place, address):
     return address
 
 
-def assign_captured(s, place, address, flags):
-    thing = s.retain(s.copied(s.thing(address)))
-    s.write_words(place, thing.address if thing else 0)
-
-
 def returned(s, address):
     return s.autorelease(s.thing(address))
 
@@ -569,18 +542,13 @@ RUNTIME = {
     "objc_alloc_init": alloc_init,
     "objc_retain": retained,
     "objc_retainAutoreleasedReturnValue": retained,
-    "objc_claimAutoreleasedReturnValue": retained,
     "objc_release": lambda s, address: s.release(s.thing(address)),
-    "objc_autorelease": returned,
     "objc_autoreleaseReturnValue": returned,
     "objc_retainAutorelease": retained_and_returned,
     "objc_retainAutoreleaseReturnValue": retained_and_returned,
-    "objc_retainBlock": lambda s, address: s.retain(s.copied(s.thing(address))),
-    "_Block_object_assign": assign_captured,
     "Block dealloc": Runtime.end_block,
     "objc_storeStrong": store_strong,
     "objc_storeWeak": store_weak,
-    "objc_initWeak": store_weak,
     "objc_destroyWeak": lambda s, place: s.weak.pop(place, None) and None,
     "objc_loadWeakRetained": lambda s, place: s.retain(s.weak.get(place)) or 0,
     "objc_autoreleasePoolPush": lambda s: s.pools.append([]) or len(s.pools),

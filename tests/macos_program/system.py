@@ -8,7 +8,7 @@ import plistlib
 import re
 import struct
 
-from objects import Runtime, Thing, shown
+from objects import Runtime, shown
 from program import Fault
 
 SECOND = 10**9
@@ -30,6 +30,14 @@ WINDOW_SERVER = {"SLSMainConnectionID": (0, 77), "SLSSpaceCreate": (3, 0x5000000
                  "SLSShowSpaces": (2, 0), "SLSSpaceAddWindowsAndRemoveFromSpaces": (4, 0)}  # fmt: skip
 
 
+def doubles(*values):
+    return struct.pack(f"<{len(values)}d", *values)
+
+
+def compared(one, other):
+    return (one > other) - (one < other)
+
+
 class Ended(Exception):
     """The process has ended."""
 
@@ -38,9 +46,9 @@ class System(Runtime):
     def __init__(self, bundle, options, documented, answer):
         """The lines are documented that may be logged; `answer` is the main application's, to message, port and body."""
         self.options, self.documented, self.answer = options, documented, answer
-        self.now, self.thread_storage, self.errno = 0, 0, 0
+        self.now, self.errno = 0, 0
         self.queues, self.current, self.sources, self.fades = [], None, [], []
-        self.preferences, self.observers, self.singletons = {}, [], {}
+        self.domains, self.observers, self.singletons = {}, [], {}
         self.ports, self.has_main_application, self.displays = {}, True, [(0.0, 0.0, 1920.0, 1080.0)]
         self.windows, self.pressed, self.pointer, self.context = [], None, (0.0, 0.0), None
         files = [path for path in bundle.rglob("*") if path.is_file()]
@@ -153,7 +161,7 @@ class System(Runtime):
     def end_main_application(self):
         self.has_main_application = False
         for port in list(self.ports.values()):
-            invalidate_port(self, port)
+            self.invalidate_port(port)
 
     # Windows
 
@@ -199,401 +207,311 @@ class System(Runtime):
         self.send(view, "drawRect:", *view.fields["bounds"])
         self.context = None
 
+    def exists(self, path):
+        return any(each == path or each.startswith(path + "/") for each in self.files)
 
-def doubles(*values):
-    return struct.pack(f"<{len(values)}d", *values)
+    # The C library
 
+    def kill(self, pid, number):
+        self.note(f"kill({pid}, {number})")
+        raise Ended
 
-def compared(one, other):
-    return (one > other) - (one < other)
+    def reallocated(self, old, size):
+        address = self.allocate(size, content=self.read(old, min(size, self.blocks[old])) if old else b"")
+        self.free(old)
+        return address
 
+    def printed(self, buffer, size, text):
+        """The variable arguments are words on the stack."""
+        words = iter(self.read_words(self.stack(), 8))
 
-def exists(s, path):
-    return any(each == path or each.startswith(path + "/") for each in s.files)
+        def argument(match):
+            word, kind = struct.pack("<Q", next(words)), match[2][-1]
+            code = "<d" if kind in "fg" else {"d": "<i", "i": "<i"}.get(match[2], "<q" if kind in "di" else "<Q")
+            (value,) = struct.unpack_from(code, word)
+            return (match[1] + kind.replace("u", "d")) % (self.text_at(value) if kind == "s" else value)
 
+        data = re.sub(r"(%[-+ 0#]*\d*(?:\.\d+)?)((?:ll|l|z)?[diuxsfg])", argument, self.text_at(text)).encode()
+        self.write(buffer, data[: max(size - 1, 0)] + b"\0" if size else b"")
+        return len(data)
 
-# The C library.
+    def parsed_real(self, text, end, *_):
+        number = re.match(r"[-+]?[\d.]+([eE][-+]?\d+)?", self.text_at(text))[0]
+        if end:
+            self.write_words(end, text + len(number))
+        return float(number)
 
+    def errno_place(self):
+        self.errno = self.errno or self.place(bytes(8))
+        return self.errno
 
-def kill(s, pid, number):
-    s.note(f"kill({pid}, {number})")
-    raise Ended
+    def looked_up(self, library, name):
+        name = self.text_at(name)
+        if name not in self.imports:
+            self.imports[name] = self.add_exit(name, lambda: self.window_server(name))
+        return self.imports[name]
 
+    def window_server(self, name):
+        count, result = WINDOW_SERVER[name]
+        words = [self.word(index) for index in range(count)]
+        self.note(f"{name}({', '.join(shown(self.thing(word)) if word >= 2**32 else str(word) for word in words)})")
+        self.set_word(0, result)
 
-def reallocated(s, old, size):
-    address = s.allocate(size, content=s.read(old, min(size, s.blocks[old])) if old else b"")
-    s.free(old)
-    return address
+    def logged(self, image, log, level, text, buffer, size):
+        """Notes the line, if it is documented and the buffer is what the system expects of its format."""
+        if (LEVELS[level], text) not in self.documented:
+            raise Fault(f"the log line is not in docs/log-lines.md: {LEVELS[level]}: {text}")
+        data, at, flags = self.read(buffer, size), 2, 0
+        places, values = PLACEHOLDER.findall(text), []
+        for privacy, kind in places:
+            header, content = tuple(data[at : at + 2]), data[at + 2 : at + 2 + data[at + 1]]
+            at += 2 + len(content)
+            if kind == "s":
+                expected = 0x20 | {"public": 2, "private": 1}.get(privacy, 0), 8
+                flags |= 2 | (privacy == "private")
+                value = self.text_at(struct.unpack("<Q", content)[0])
+                values.append(value if privacy == "public" else f"<{value}>")
+            else:
+                expected = 0, 4 if kind in ("d", "u") else 8
+                (value,) = struct.unpack(NUMBER_KINDS.get(kind, "<Q"), content)
+                values.append(shown(bool(value) if privacy == "bool" else value))
+            if header != expected:
+                raise Fault(f"an argument of the log line {text!r} is encoded as {header}, not {expected}")
+        if at != size or data[:2] != bytes([flags, len(places)]):
+            raise Fault(f"the log line {text!r} has the buffer {data.hex()}")
+        parts = iter(values)
+        self.note(f"log {log.name} {LEVELS[level]}: {PLACEHOLDER.sub(lambda _: next(parts), text)}")
 
+    # Queues and sources
 
-def formatted(s, buffer, size, text, place):
-    """Every variable argument is a word at the place."""
-    words = iter(s.read_words(place, 8))
+    def make_queue(self, label, attributes):
+        self.queues.append(self.new("OS_dispatch_queue", [], self.text_at(label)))
+        return self.retain(self.queues[-1])
 
-    def argument(match):
-        word, kind = struct.pack("<Q", next(words)), match[2][-1]
-        code = "<d" if kind in "fg" else {"d": "<i", "i": "<i"}.get(match[2], "<q" if kind in "di" else "<Q")
-        (value,) = struct.unpack_from(code, word)
-        return (match[1] + kind.replace("u", "d")) % (s.text_at(value) if kind == "s" else value)
+    def make_source(self, kind, handle, mask, queue):
+        name = next(name for name, place in self.imports.items() if place == kind)
+        source = self.new("OS_dispatch_source", queue=self.thing(queue), mask=mask)
+        if name.endswith("signal"):
+            source.fields["signal"] = handle
+        self.sources.append(source)
+        return self.retain(source)
 
-    data = re.sub(r"(%[-+ 0#]*\d*(?:\.\d+)?)((?:ll|l|z)?[diuxsfg])", argument, s.text_at(text)).encode()
-    s.write(buffer, data[: max(size - 1, 0)] + b"\0" if size else b"")
-    return len(data)
+    def set_timer(self, source, start, interval, leeway):
+        if interval != 2**64 - 1:
+            raise Fault("a timer that repeats")
+        fields = self.thing(source).fields
+        fields["start"] = start
+        self.note(f"timer in {(start - self.now) / SECOND:g} s, leeway {leeway / SECOND:g} s, flags {fields['mask']}")
 
+    def end_source(self, source):
+        if "is_active" not in source.fields:
+            raise Fault("a source is released that was never activated")
+        self.sources.remove(source)
 
-def parsed_real(s, text, end, *_):
-    number = re.match(r"[-+]?[\d.]+([eE][-+]?\d+)?", s.text_at(text))[0]
-    if end:
-        s.write_words(end, text + len(number))
-    return float(number)
+    def cancel_source(self, source):
+        source = self.thing(source)
+        source.fields["is_active"] = False
+        self.set_field(source, "handler", None)
 
+    def run_now(self, queue, block):
+        self.drain(self.thing(queue))
+        self.run_on(self.thing(queue), self.thing(block))
 
-def errno_place(s):
-    s.errno = s.errno or s.place(bytes(8))
-    return s.errno
+    # Foundation
 
+    def make_string(self, thing, data, length, encoding):
+        try:
+            thing.value = self.read(data, length).decode()
+            return thing
+        except UnicodeDecodeError:
+            return self.release(thing)
 
-def thread_variable(s, variable):
-    """None has an initial value but zero."""
-    s.thread_storage = s.thread_storage or s.place(bytes(s.sections["__thread_bss"].size + 64))
-    return s.thread_storage + s.read_word(variable + 16)
+    def enumerate_items(self, thing, state, room, count):
+        items = [key for key, _ in thing.value.values()] if isinstance(thing.value, dict) else thing.value
+        start = self.read_word(state)
+        items = items[start : start + count]
+        self.write_words(room, *(item.address for item in items))
+        self.write_words(state, start + len(items), room, state + 24, 0)
+        return len(items)
 
+    def make_dictionary(self, cls, objects, keys, count):
+        made = self.new("NSDictionary", {})
+        for key, value in zip(self.read_words(keys, count), self.read_words(objects, count)):
+            self.set_item(made, self.thing(key), self.thing(value))
+        return made
 
-def looked_up(s, library, name):
-    name = s.text_at(name)
-    if name not in s.imports:
-        s.imports[name] = s.add_exit(name, lambda: window_server(s, name))
-    return s.imports[name]
+    def make_url(self, path):
+        return self.new("NSURL", path, path)
 
-
-def window_server(s, name):
-    count, result = WINDOW_SERVER[name]
-    words = [s.word(index) for index in range(count)]
-    s.note(f"{name}({', '.join(shown(s.thing(word)) if word >= 2**32 else str(word) for word in words)})")
-    s.set_word(0, result)
-
-
-def logged(s, image, log, level, text, buffer, size):
-    """Notes the line, if it is documented and the buffer is what the system expects of its format."""
-    if (LEVELS[level], text) not in s.documented:
-        raise Fault(f"the log line is not in docs/log-lines.md: {LEVELS[level]}: {text}")
-    data, at, flags = s.read(buffer, size), 2, 0
-    places, values = PLACEHOLDER.findall(text), []
-    for privacy, kind in places:
-        header, content = tuple(data[at : at + 2]), data[at + 2 : at + 2 + data[at + 1]]
-        at += 2 + len(content)
-        if kind == "s":
-            expected = 0x20 | {"public": 2, "private": 1}.get(privacy, 0), 8
-            flags |= 2 | (privacy == "private")
-            value = s.text_at(struct.unpack("<Q", content)[0])
-            values.append(value if privacy == "public" else f"<{value}>")
-        else:
-            expected = 0, 4 if kind in ("d", "u") else 8
-            (value,) = struct.unpack(NUMBER_KINDS.get(kind, "<Q"), content)
-            values.append(shown(bool(value) if privacy == "bool" else value))
-        if header != expected:
-            raise Fault(f"an argument of the log line {text!r} is encoded as {header}, not {expected}")
-    if at != size or data[:2] != bytes([flags, len(places)]):
-        raise Fault(f"the log line {text!r} has the buffer {data.hex()}")
-    parts = iter(values)
-    s.note(f"log {log.name} {LEVELS[level]}: {PLACEHOLDER.sub(lambda _: next(parts), text)}")
-
-
-# Queues and sources.
-
-
-def make_queue(s, label, attributes):
-    s.queues.append(s.new("OS_dispatch_queue", [], s.text_at(label)))
-    return s.retain(s.queues[-1])
-
-
-def make_source(s, kind, handle, mask, queue):
-    name = next(name for name, place in s.imports.items() if place == kind)
-    source = s.new("OS_dispatch_source", queue=s.thing(queue), mask=mask)
-    if name.endswith("signal"):
-        source.fields["signal"] = handle
-    s.sources.append(source)
-    return s.retain(source)
-
-
-def set_timer(s, source, start, interval, leeway):
-    if interval != 2**64 - 1:
-        raise Fault("a timer that repeats")
-    fields = s.thing(source).fields
-    fields["start"] = start
-    s.note(f"timer in {(start - s.now) / SECOND:g} s, leeway {leeway / SECOND:g} s, flags {fields['mask']}")
-
-
-def end_source(s, source):
-    if "is_active" not in source.fields:
-        raise Fault("a source is released that was never activated")
-    s.sources.remove(source)
-
-
-def cancel_source(s, source):
-    source = s.thing(source)
-    source.fields["is_active"] = False
-    s.set_field(source, "handler", None)
-
-
-def run_now(s, queue, block):
-    s.drain(s.thing(queue))
-    s.run_on(s.thing(queue), s.thing(block))
-
-
-# Foundation.
-
-
-def make_string(s, thing, data, length, encoding):
-    try:
-        thing.value = s.read(data, length).decode()
+    def make_attributed(self, thing, text, attributes):
+        font = attributes.value["kCTFontAttributeName"][1]
+        self.set_field(thing, "font", font)
+        thing.fields["text"], thing.name = text.value, f"{shown(text)} in {font.name}"
         return thing
-    except UnicodeDecodeError:
-        return s.release(thing)
 
-
-def enumerate_items(s, thing, state, room, count):
-    items = [key for key, _ in thing.value.values()] if isinstance(thing.value, dict) else thing.value
-    start = s.read_word(state)
-    items = items[start : start + count]
-    s.write_words(room, *(item.address for item in items))
-    s.write_words(state, start + len(items), room, state + 24, 0)
-    return len(items)
-
-
-def make_dictionary(s, cls, objects, keys, count):
-    made = s.new("NSDictionary", {})
-    for key, value in zip(s.read_words(keys, count), s.read_words(objects, count)):
-        s.set_item(made, s.thing(key), s.thing(value))
-    return made
-
-
-def make_url(s, path):
-    return s.new("NSURL", path, path)
-
-
-def make_attributed(s, thing, text, attributes):
-    font = attributes.value["kCTFontAttributeName"][1]
-    s.set_field(thing, "font", font)
-    thing.fields["text"], thing.name = text.value, f"{shown(text)} in {font.name}"
-    return thing
-
-
-def remove_item(s, manager, url, place):
-    path = url.value
-    if not exists(s, path):
-        error = s.new("NSError", code=4, domain=s.box("NSCocoaErrorDomain"), localizedDescription=s.box(f"{path} is not there."))
-        error.parts += [s.retain(error.fields["domain"]), s.retain(error.fields["localizedDescription"])]
-        s.write_words(place, s.autorelease(s.retain(error)).address)
-        return False
-    s.files = {each: data for each, data in s.files.items() if each != path and not each.startswith(path + "/")}
-    return True
-
-
-def preferences(s, defaults):
-    return s.preferences.setdefault(defaults.name, {})
-
-
-def translated(s, bundle, key, value, table):
-    strings = s.files[f"{BUNDLE}/Contents/Resources/en.lproj/Localizable.strings"].decode()
-    return re.search(rf'^"{re.escape(key.value)}" = "(.*)";', strings, re.M).group(1)
-
-
-def name_suite(s, defaults, name):
-    defaults.name = f"<defaults {name.value}>"
-    return defaults
-
-
-def begin_activity(s, process, options, reason):
-    s.note(f"activity {options:#x} {shown(reason)}")
-    return s.new("NSObject", name="<activity>")
-
-
-def observe_distributed(s, center, observer, selector, name, sender, behaviour):
-    def deliver():
-        notice = s.autorelease(s.retain(s.new("NSNotification")))
-        s.send(observer, selector, notice)
-
-    s.observe(center, name, observer, deliver)
-
-
-def observe_with_block(s, center, name, sender, queue, block):
-    token = s.new("NSObject", name=f"<observer of {name.value}>")
-    s.set_field(token, "block", block)
-    s.observe(center, name, s.retain(token), lambda: s.run_on(s.main_queue, token.fields["block"], 0))
-    s.note(f"observer of {name.value} on {shown(queue)}")
-    return token
-
-
-def stop_observing(s, center, observer):
-    gone = [each for each in s.observers if each[0] is center and each[2] is observer]
-    s.observers = [each for each in s.observers if each not in gone]
-    if observer.cls.name == "NSObject":
-        s.release(observer)
-
-
-def observe_darwin(s, center, observer, callback, name, sender, behaviour):
-    s.observe(center, name, int(observer), lambda: s.call(callback, center.address, observer, name.address, 0, 0))
-
-
-def stop_observing_darwin(s, center, observer, name, sender):
-    s.observers = [each for each in s.observers if each[:3] != (center, name.value, observer)]
-
-
-def make_remote_port(s, allocator, name):
-    """The same object again while it is valid."""
-    if name.value not in s.ports and s.has_main_application:
-        s.note(f"port {name.value}")
-        s.ports[name.value] = s.new("CFMessagePort", name=name.value)
-    return s.ports.get(name.value)
-
-
-def invalidate_port(s, port):
-    port.fields["is_invalid"] = True
-    s.ports.pop(port.name, None)
-
-
-def send_request(s, port, number, body, send_timeout, reply_timeout, mode, place):
-    if port.fields.get("is_invalid"):
-        return -3
-    text = bytes(body.value[32:])
-    s.note(f"request {number} to {port.name.removeprefix(PORT)}: {text}, {send_timeout:g} s, {reply_timeout:g} s, {shown(mode)}")
-    if mode and s.current in (None, s.main_queue):
-        s.drain(s.main_queue)  # while the call waits, the thread's run loop runs
-    answer = s.answer(number, port.name, bytes(body.value))
-    if mode and answer:
-        s.write_words(place, s.retain(s.box(answer)).address)
-    return 0
-
-
-# AppKit.
-
-
-def run_application(s, application):
-    s.send(application.fields["delegate"], "applicationDidFinishLaunching:", 0)
-    s.settle()
-    s.scenario(s)
-    s.send(application.fields["delegate"], "applicationWillTerminate:", 0)
-    s.settle()
-
-
-def end_application(s, application, sender):
-    s.send(application.fields["delegate"], "applicationWillTerminate:", 0)
-    raise Ended
-
-
-def make_window(s, window, frame, style, backing, is_deferred):
-    s.windows.append(window)
-    window.fields.update(frame=frame, windowNumber=40 + s.numbers[window.cls.name], ignoresMouseEvents=False)
-    return window
-
-
-def order_front(s, window):
-    window.fields.update(visible=True, occlusionState=2)
-    for view in s.views(window):
-        if s.implements(view, "layout"):
-            s.send(view, "layout")
-
-
-def close_window(s, window):
-    window.fields["visible"] = False
-    if window.fields.get("releasedWhenClosed", True):
-        s.release(window)
-
-
-def animator(s, window):
-    s.note(f"-[{window.name.strip('<>')} animator]")
-    return window
-
-
-def send_event(s, window, event):
-    """The topmost view under the pointer that takes the first click gets the press and what follows."""
-    if event.fields["type"] == 1:
-        x, y = event.fields["locationInWindow"]
-        s.pressed = None
-        for view in s.views(window):
-            left, bottom, width, height = s.frame_in_window(view)
-            if s.implements(view, "mouseDown:") and left <= x < left + width and bottom <= y < bottom + height:
-                s.pressed = view if s.send(view, "acceptsFirstMouse:", event) & 1 else None
-    if s.pressed:
-        s.send(s.pressed, {1: "mouseDown:", 2: "mouseUp:"}[event.fields["type"]], event)
-
-
-def animate(s, cls, changes, completion):
-    context = s.retain(s.new("NSAnimationContext"))
-    s.run_block(changes, context.address)
-    if completion:
-        s.fades.append((s.now + round(context.fields["duration"] * SECOND), s.retain(s.copied(completion))))
-    s.release(context)
-
-
-def make_view(s, view, frame):
-    view.fields.update(frame=frame, bounds=(0.0, 0.0, *frame[2:]), subviews=[], above=None)
-    return view
-
-
-def add_subview(s, view, child):
-    view.fields["subviews"].append(child)
-    view.parts.append(s.retain(child))
-    child.fields["above"] = view
-
-
-def layer_of(s, view):
-    if view.fields.get("wantsLayer") and "layer" not in view.fields:
-        s.set_field(view, "layer", s.new("CALayer"))
-    return view.fields.get("layer")
-
-
-def set_glass_content(s, glass, view):
-    s.set_field(glass, "contentView", view)
-    add_subview(s, glass, view)
-
-
-def screens(s, cls):
-    return [s.new("NSScreen", frame=frame, backingScaleFactor=2.0) for frame in s.displays]
-
-
-def make_font(s, cls, size, weight):
-    return s.new("NSFont", size, f"{size:g} points, weight {weight:g}", ascender=0.95 * size, descender=-0.25 * size)
-
-
-def line_width(s, line, *_):
-    """A letter is half as wide as the font is high."""
-    text = line.parts[0]
-    return 0.5 * text.fields["font"].value * len(text.fields["text"]) if "text" in text.fields else 100.0
-
-
-def joined_transforms(s, rows, columns):
-    return doubles(*(sum(rows[4 * i + k] * columns[4 * k + j] for k in range(4)) for i in range(4) for j in range(4)))
-
-
-def gradient(s, space, components, places, count):
-    stops = (s.read(place, 8 * size) for place, size in ((components, 4 * count), (places, count)))
-    colors, positions = (struct.unpack(f"<{len(data) // 8}d", data) for data in stops)
-    return s.new("CGGradient", name=f"gradient of {shown(positions)[1:-1]}: {', '.join(map(shown, colors))}")
-
-
-def nothing(s, *_):
-    """What has no effect but its note."""
-
-
-def shared(s, cls):
-    return s.shared(cls.name)
-
-
-def value_of(s, thing, *_):
-    return thing.value
-
-
-def given(s, cls, value):
-    return value
+    def remove_item(self, manager, url, place):
+        if not self.exists(url.value):
+            raise Fault(f"{url.value} is removed, which is not there")
+        self.files = {path: data for path, data in self.files.items() if not path.startswith(url.value + "/")}
+        return True
+
+    def domain(self, defaults):
+        return self.domains.setdefault(defaults.name, {})
+
+    def translated(self, bundle, key, value, table):
+        strings = self.files[f"{BUNDLE}/Contents/Resources/en.lproj/Localizable.strings"].decode()
+        return re.search(rf'^"{re.escape(key.value)}" = "(.*)";', strings, re.M).group(1)
+
+    def name_suite(self, defaults, name):
+        defaults.name = f"<defaults {name.value}>"
+        return defaults
+
+    def begin_activity(self, process, options, reason):
+        self.note(f"activity {options:#x} {shown(reason)}")
+        return self.new("NSObject", name="<activity>")
+
+    def observe_distributed(self, center, observer, selector, name, sender, behaviour):
+        def deliver():
+            notice = self.autorelease(self.retain(self.new("NSNotification")))
+            self.send(observer, selector, notice)
+
+        self.observe(center, name, observer, deliver)
+
+    def observe_with_block(self, center, name, sender, queue, block):
+        token = self.new("NSObject", name=f"<observer of {name.value}>")
+        self.set_field(token, "block", block)
+        self.observe(center, name, self.retain(token), lambda: self.run_on(self.main_queue, token.fields["block"], 0))
+        self.note(f"observer of {name.value} on {shown(queue)}")
+        return token
+
+    def stop_observing(self, center, observer):
+        gone = [each for each in self.observers if each[0] is center and each[2] is observer]
+        self.observers = [each for each in self.observers if each not in gone]
+        if observer.cls.name == "NSObject":
+            self.release(observer)
+
+    def observe_darwin(self, center, observer, callback, name, sender, behaviour):
+        self.observe(center, name, int(observer), lambda: self.call(callback, center.address, observer, name.address, 0, 0))
+
+    def stop_observing_darwin(self, center, observer, name, sender):
+        self.observers = [each for each in self.observers if each[:3] != (center, name.value, observer)]
+
+    def make_remote_port(self, allocator, name):
+        """The same object again while it is valid."""
+        if name.value not in self.ports and self.has_main_application:
+            self.note(f"port {name.value}")
+            self.ports[name.value] = self.new("CFMessagePort", name=name.value)
+        return self.ports.get(name.value)
+
+    def invalidate_port(self, port):
+        port.fields["is_invalid"] = True
+        self.ports.pop(port.name, None)
+
+    def send_request(self, port, number, body, send_timeout, reply_timeout, mode, place):
+        if port.fields.get("is_invalid"):
+            return -3
+        text = bytes(body.value[32:])
+        self.note(f"request {number} to {port.name.removeprefix(PORT)}: {text}, {send_timeout:g} s, {reply_timeout:g} s, {shown(mode)}")
+        if mode and self.current in (None, self.main_queue):
+            self.drain(self.main_queue)  # while the call waits, the thread's run loop runs
+        answer = self.answer(number, port.name, bytes(body.value))
+        if mode and answer:
+            self.write_words(place, self.retain(self.box(answer)).address)
+        return 0
+
+    # AppKit
+
+    def run_application(self, application):
+        self.send(application.fields["delegate"], "applicationDidFinishLaunching:", 0)
+        self.settle()
+        self.scenario(self)
+        self.send(application.fields["delegate"], "applicationWillTerminate:", 0)
+        self.settle()
+
+    def end_application(self, application, sender):
+        self.send(application.fields["delegate"], "applicationWillTerminate:", 0)
+        raise Ended
+
+    def make_window(self, window, frame, style, backing, is_deferred):
+        self.windows.append(window)
+        window.fields.update(frame=frame, windowNumber=40 + self.numbers[window.cls.name], ignoresMouseEvents=False)
+        return window
+
+    def order_front(self, window):
+        window.fields.update(visible=True, occlusionState=2)
+        for view in self.views(window):
+            if self.implements(view, "layout"):
+                self.send(view, "layout")
+
+    def close_window(self, window):
+        window.fields["visible"] = False
+        if window.fields.get("releasedWhenClosed", True):
+            self.release(window)
+
+    def animator(self, window):
+        self.note(f"-[{window.name.strip('<>')} animator]")
+        return window
+
+    def send_event(self, window, event):
+        """The topmost view under the pointer that takes the first click gets the press and what follows."""
+        if event.fields["type"] == 1:
+            x, y = event.fields["locationInWindow"]
+            self.pressed = None
+            for view in self.views(window):
+                left, bottom, width, height = self.frame_in_window(view)
+                if self.implements(view, "mouseDown:") and left <= x < left + width and bottom <= y < bottom + height:
+                    self.pressed = view if self.send(view, "acceptsFirstMouse:", event) & 1 else None
+        if self.pressed:
+            self.send(self.pressed, {1: "mouseDown:", 2: "mouseUp:"}[event.fields["type"]], event)
+
+    def animate(self, cls, changes, completion):
+        context = self.retain(self.new("NSAnimationContext"))
+        self.run_block(changes, context.address)
+        if completion:
+            self.fades.append((self.now + round(context.fields["duration"] * SECOND), self.retain(self.copied(completion))))
+        self.release(context)
+
+    def make_view(self, view, frame):
+        view.fields.update(frame=frame, bounds=(0.0, 0.0, *frame[2:]), subviews=[], above=None)
+        return view
+
+    def add_subview(self, view, child):
+        view.fields["subviews"].append(child)
+        view.parts.append(self.retain(child))
+        child.fields["above"] = view
+
+    def layer_of(self, view):
+        if view.fields.get("wantsLayer") and "layer" not in view.fields:
+            self.set_field(view, "layer", self.new("CALayer"))
+        return view.fields.get("layer")
+
+    def set_glass_content(self, glass, view):
+        self.set_field(glass, "contentView", view)
+        self.add_subview(glass, view)
+
+    def screens(self, cls):
+        return [self.new("NSScreen", frame=frame, backingScaleFactor=2.0) for frame in self.displays]
+
+    def make_font(self, cls, size, weight):
+        return self.new("NSFont", size, f"{size:g} points, weight {weight:g}", ascender=0.95 * size, descender=-0.25 * size)
+
+    def line_width(self, line, *_):
+        """A letter is half as wide as the font is high."""
+        text = line.parts[0]
+        return 0.5 * text.fields["font"].value * len(text.fields["text"]) if "text" in text.fields else 100.0
+
+    def joined_transforms(self, rows, columns):
+        return doubles(*(sum(rows[4 * i + k] * columns[4 * k + j] for k in range(4)) for i in range(4) for j in range(4)))
+
+    def gradient(self, space, components, places, count):
+        stops = (self.read(place, 8 * size) for place, size in ((components, 4 * count), (places, count)))
+        colors, positions = (struct.unpack(f"<{len(data) // 8}d", data) for data in stops)
+        return self.new("CGGradient", name=f"gradient of {shown(positions)[1:-1]}: {', '.join(map(shown, colors))}")
 
 
 EFFECTS = {
     "malloc": lambda s, size: s.allocate(size),
-    "calloc": lambda s, count, size: s.allocate(count * size, content=bytes(count * size)),
-    "realloc": reallocated,
-    "aligned_alloc": lambda s, alignment, size: s.allocate(size, alignment),
+    "realloc": System.reallocated,
     "free": lambda s, address: s.free(address),
     "memcpy": lambda s, to, source, size: s.write(to, s.read(source, size)),
     "memmove": lambda s, to, source, size: s.write(to, s.read(source, size)),
@@ -601,75 +519,55 @@ EFFECTS = {
     "bzero": lambda s, to, size: s.write(to, bytes(size)),
     "memcmp": lambda s, one, other, size: compared(s.read(one, size), s.read(other, size)),
     "memchr": lambda s, at, byte, size: (s.read(at, size).find(bytes([byte & 255])) + 1 or 1 - at) + at - 1,
-    "strcmp": lambda s, one, other: compared(s.text_at(one), s.text_at(other)),
     "strlen": lambda s, text: len(s.text_at(text).encode()),
-    "strtod": parsed_real,
-    "strtod_l": parsed_real,
-    "newlocale": lambda s: 1,
-    "snprintf": lambda s, buffer, size, text: formatted(s, buffer, size, text, s.stack()),
-    "vsnprintf": formatted,
+    "strtod_l": System.parsed_real,
+    "snprintf": System.printed,
     "__toupper": lambda s, letter: letter - 32 if 97 <= letter <= 122 else letter,
-    "exp": lambda s: math.exp(s.real(0)),
     "fmod": lambda s: math.fmod(s.real(0), s.real(1)),
-    "__error": errno_place,
-    "__cxa_atexit": lambda s: 0,
-    "_tlv_bootstrap": thread_variable,
-    "getenv": lambda s: 0,
+    "__error": System.errno_place,
     "getpid": lambda s: PID,
     "signal": lambda s, number, action: s.note(f"signal({number}, {('SIG_DFL', 'SIG_IGN')[action]})"),
-    "kill": kill,
+    "kill": System.kill,
     "clock_gettime": lambda s, clock, place: s.write_words(place, *divmod(s.now + (0 if clock else START * SECOND), SECOND)) or 0,
-    "lstat": lambda s, path, place: s.write(place, struct.pack("<iH", 0, 0o40755)) or 0 if exists(s, s.text_at(path)) else -1,
+    "lstat": lambda s, path, place: s.write(place, struct.pack("<iH", 0, 0o40755)) or 0 if s.exists(s.text_at(path)) else -1,
     "dlopen": lambda s, path, mode: s.note(f"dlopen({s.text_at(path)}, {mode})") or 1,
-    "dlsym": looked_up,
+    "dlsym": System.looked_up,
     "os_log_create": lambda s, subsystem, category: s.new("OS_os_log", name=f"{subsystem.split('.')[-1]}:{category}"),
     "os_log_type_enabled": lambda s, log, level: True,
-    "_os_log_impl": logged,
+    "_os_log_impl": System.logged,
     "notify_register_check": lambda s, name, token: s.write(token, struct.pack("<i", 3)),
     "notify_get_state": lambda s, token, place: s.write_words(place, 1),
     "notify_cancel": lambda s, token: s.note(f"notify_cancel({token})"),
     # Queues and sources
-    "dispatch_queue_create": make_queue,
+    "dispatch_queue_create": System.make_queue,
     "dispatch_queue_set_specific": lambda s, queue, key, value: s.thing(queue).fields.update({key: value}),
     "dispatch_get_specific": lambda s, key: s.current.fields.get(key, 0) if s.current else 0,
     "dispatch_get_global_queue": lambda s: s.global_queue,
     "dispatch_async": lambda s, queue, block: s.thing(queue).value.append(s.retain(s.copied(s.thing(block)))),
-    "dispatch_sync": run_now,
+    "dispatch_sync": System.run_now,
     "dispatch_time": lambda s, base, delta: s.now + delta,
-    "dispatch_source_create": make_source,
-    "dispatch_source_set_timer": set_timer,
+    "dispatch_source_create": System.make_source,
+    "dispatch_source_set_timer": System.set_timer,
     "dispatch_source_set_event_handler": lambda s, source, block: s.set_field(s.thing(source), "handler", s.thing(block)),
     "dispatch_activate": lambda s, source: s.thing(source).fields.update(is_active=True),
-    "dispatch_source_cancel": cancel_source,
-    "OS_dispatch_source dealloc": end_source,
+    "dispatch_source_cancel": System.cancel_source,
+    "OS_dispatch_source dealloc": System.end_source,
     "OS_dispatch_queue dealloc": lambda s, queue: s.queues.remove(queue),
     # Values
-    "NSString initWithBytes:length:encoding:": make_string,
+    "NSString initWithBytes:length:encoding:": System.make_string,
     "NSString UTF8String": lambda s, text: s.buffer(text, text.value.encode() + b"\0"),
     "NSString lengthOfBytesUsingEncoding:": lambda s, text, encoding: len(text.value.encode()),
-    "NSString isEqualToString:": lambda s, text, other: other is not None and text.value == other.value,
-    "NSNumber numberWithInt:": given,
-    "NSNumber numberWithLongLong:": given,
-    "NSNumber numberWithUnsignedLongLong:": given,
-    "NSNumber numberWithDouble:": given,
-    "NSNumber numberWithBool:": given,
-    "NSNumber doubleValue": value_of,
-    "NSNumber longLongValue": value_of,
-    "NSNumber boolValue": value_of,
     "CFGetTypeID": lambda s, thing: isinstance(thing.value, bool),
     "CFBooleanGetTypeID": lambda s: True,
     "CFNumberIsFloatType": lambda s, number: isinstance(number.value, float),
     "CFRetain": lambda s, thing: s.retain(thing),
     "CFRelease": lambda s, thing: s.release(thing),
     "NSArray arrayWithObjects:count:": lambda s, cls, items, count: [s.thing(each) for each in s.read_words(items, count)],
-    "NSArray countByEnumeratingWithState:objects:count:": enumerate_items,
+    "NSArray countByEnumeratingWithState:objects:count:": System.enumerate_items,
     "NSArray firstObject": lambda s, array: array.value[0],
-    "NSMutableArray arrayWithCapacity:": lambda s, cls, capacity: s.new("NSMutableArray", []),
-    "NSMutableArray addObject:": lambda s, array, item: array.value.append(s.retain(item)),
-    "NSFastEnumeration countByEnumeratingWithState:objects:count:": enumerate_items,
-    "NSDictionary dictionaryWithObjects:forKeys:count:": make_dictionary,
+    "NSDictionary dictionaryWithObjects:forKeys:count:": System.make_dictionary,
     "NSDictionary objectForKeyedSubscript:": lambda s, dictionary, key: dictionary.value.get(key.value, (0, None))[1],
-    "NSDictionary countByEnumeratingWithState:objects:count:": enumerate_items,
+    "NSDictionary countByEnumeratingWithState:objects:count:": System.enumerate_items,
     "NSMutableDictionary dictionaryWithCapacity:": lambda s, cls, capacity: s.new("NSMutableDictionary", {}),
     "NSMutableDictionary setObject:forKeyedSubscript:": lambda s, dictionary, value, key: s.set_item(dictionary, key, value),
     "NSData dataWithBytes:length:": lambda s, cls, data, length: s.read(data, length),
@@ -678,47 +576,36 @@ EFFECTS = {
     "NSMutableData dataWithCapacity:": lambda s, cls, capacity: s.new("NSMutableData", bytearray()),
     "NSMutableData appendBytes:length:": lambda s, data, more, length: data.value.extend(s.read(more, length)),
     "NSMutableData mutableBytes": lambda s, data: s.buffer(data, data.value),
-    "NSDate dateWithTimeIntervalSince1970:": lambda s, cls, seconds: s.new("NSDate", seconds),
-    "NSDate timeIntervalSince1970": value_of,
-    "NSURL fileURLWithPath:": lambda s, cls, path: make_url(s, path.value),
-    "NSURL path": value_of,
+    "NSURL fileURLWithPath:": lambda s, cls, path: s.make_url(path.value),
     "NSUUID UUID": lambda s, cls: s.new("NSUUID", "5D1A7C52-0D3B-4A53-9E0B-1F9A3C6C8E11"),
-    "NSUUID UUIDString": value_of,
-    "NSAttributedString initWithString:attributes:": make_attributed,
+    "NSAttributedString initWithString:attributes:": System.make_attributed,
     "NSValue valueWithCATransform3D:": lambda s, cls, parts: s.new("NSValue", name=shown(parts)),
     # Process, bundle, files, preferences
-    "NSProcessInfo processInfo": shared,
     "NSProcessInfo processIdentifier": lambda s, process: PID,
     "NSProcessInfo operatingSystemVersion": lambda s, process: struct.pack("<3q", 26, 1, 2),
-    "NSProcessInfo beginActivityWithOptions:reason:": begin_activity,
-    "NSProcessInfo endActivity:": nothing,
-    "NSBundle mainBundle": shared,
-    "NSBundle bundleURL": lambda s, bundle: make_url(s, BUNDLE),
-    "NSBundle executableURL": lambda s, bundle: make_url(s, f"{BUNDLE}/Contents/MacOS/Quorvane Lock Screen"),
+    "NSProcessInfo beginActivityWithOptions:reason:": System.begin_activity,
+    "NSBundle bundleURL": lambda s, bundle: s.make_url(BUNDLE),
+    "NSBundle executableURL": lambda s, bundle: s.make_url(f"{BUNDLE}/Contents/MacOS/Quorvane Lock Screen"),
     "NSBundle bundleIdentifier": lambda s, bundle: plistlib.loads(s.files[f"{BUNDLE}/Contents/Info.plist"])["CFBundleIdentifier"],
     "NSBundle infoDictionary": lambda s, bundle: plistlib.loads(s.files[f"{BUNDLE}/Contents/Info.plist"]),
-    "NSBundle localizedStringForKey:value:table:": translated,
-    "NSFileManager defaultManager": shared,
-    "NSFileManager URLsForDirectory:inDomains:": lambda s, manager, *which: [make_url(s, SUPPORT)] if which == (14, 1) else [],
+    "NSBundle localizedStringForKey:value:table:": System.translated,
+    "NSFileManager URLsForDirectory:inDomains:": lambda s, manager, *which: [s.make_url(SUPPORT)] if which == (14, 1) else [],
     "NSFileManager containerURLForSecurityApplicationGroupIdentifier:": (
-        lambda s, manager, group: make_url(s, f"{CONTAINERS}/{group.value}")
+        lambda s, manager, group: s.make_url(f"{CONTAINERS}/{group.value}")
     ),
     "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:": lambda s, *_: True,
-    "NSFileManager fileExistsAtPath:": lambda s, manager, path: exists(s, path.value),
-    "NSFileManager removeItemAtURL:error:": remove_item,
+    "NSFileManager fileExistsAtPath:": lambda s, manager, path: s.exists(path.value),
+    "NSFileManager removeItemAtURL:error:": System.remove_item,
     "NSData dataWithContentsOfURL:options:error:": lambda s, cls, url, options, error: s.files.get(url.value),
     "NSPropertyListSerialization propertyListWithData:options:format:error:": (
         lambda s, cls, data, *_: plistlib.loads(bytes(data.value))
     ),
-    "NSUserDefaults standardUserDefaults": shared,
-    "NSUserDefaults initWithSuiteName:": name_suite,
-    "NSUserDefaults objectForKey:": lambda s, defaults, key: preferences(s, defaults).get(key.value),
-    "NSUserDefaults setObject:forKey:": lambda s, defaults, value, key: preferences(s, defaults).update({key.value: s.plain(value)}),
-    "NSUserDefaults removeObjectForKey:": lambda s, defaults, key: preferences(s, defaults).pop(key.value, None),
-    "NSUserDefaults dictionaryRepresentation": lambda s, defaults: dict(preferences(s, defaults)),
-    "NSUserDefaults removePersistentDomainForName:": lambda s, defaults, domain: preferences(s, defaults).clear(),
+    "NSUserDefaults initWithSuiteName:": System.name_suite,
+    "NSUserDefaults objectForKey:": lambda s, defaults, key: s.domain(defaults).get(key.value),
+    "NSUserDefaults setObject:forKey:": lambda s, defaults, value, key: s.domain(defaults).update({key.value: s.plain(value)}),
+    "NSUserDefaults removeObjectForKey:": lambda s, defaults, key: s.domain(defaults).pop(key.value, None),
+    "NSUserDefaults removePersistentDomainForName:": lambda s, defaults, domain: s.domain(defaults).clear(),
     "CFPreferencesAppSynchronize": lambda s, domain: s.note(f"synchronise {domain.value}") or True,
-    "SMAppService mainAppService": shared,
     "SMAppService registerAndReturnError:": lambda s, service, error: service.fields.update(status=1) or True,
     "SMAppService unregisterAndReturnError:": lambda s, service, error: service.fields.update(status=0) or True,
     "NSRunningApplication currentApplication": lambda s, cls: s.copies[0],
@@ -728,68 +615,49 @@ EFFECTS = {
     ),
     "NSRunningApplication terminate": lambda s, copy: True,
     # Notices and ports
-    "NSDistributedNotificationCenter defaultCenter": shared,
-    "NSDistributedNotificationCenter addObserver:selector:name:object:suspensionBehavior:": observe_distributed,
-    "NSDistributedNotificationCenter postNotificationName:object:userInfo:deliverImmediately:": nothing,
-    "NSNotification userInfo": nothing,
-    "NSNotificationCenter defaultCenter": shared,
-    "NSNotificationCenter addObserverForName:object:queue:usingBlock:": observe_with_block,
-    "NSNotificationCenter removeObserver:": stop_observing,
-    "NSOperationQueue mainQueue": shared,
+    "NSDistributedNotificationCenter addObserver:selector:name:object:suspensionBehavior:": System.observe_distributed,
+    "NSNotificationCenter addObserverForName:object:queue:usingBlock:": System.observe_with_block,
+    "NSNotificationCenter removeObserver:": System.stop_observing,
     "CFNotificationCenterGetDarwinNotifyCenter": lambda s: s.shared("CFNotificationCenter"),
-    "CFNotificationCenterAddObserver": observe_darwin,
-    "CFNotificationCenterRemoveObserver": stop_observing_darwin,
-    "CFMessagePortCreateRemote": make_remote_port,
-    "CFMessagePortSendRequest": send_request,
-    "CFMessagePortInvalidate": invalidate_port,
+    "CFNotificationCenterAddObserver": System.observe_darwin,
+    "CFNotificationCenterRemoveObserver": System.stop_observing_darwin,
+    "CFMessagePortCreateRemote": System.make_remote_port,
+    "CFMessagePortSendRequest": System.send_request,
+    "CFMessagePortInvalidate": System.invalidate_port,
     "CGSessionCopyCurrentDictionary": lambda s: {"kCGSSessionOnConsoleKey": True},
     # Application and windows
-    "NSApplication sharedApplication": shared,
     "NSApplication setActivationPolicy:": lambda s, application, policy: True,
-    "NSApplication run": run_application,
-    "NSApplication terminate:": end_application,
-    "NSWorkspace sharedWorkspace": shared,
+    "NSApplication run": System.run_application,
+    "NSApplication terminate:": System.end_application,
     "NSWorkspace notificationCenter": lambda s, workspace: s.shared("NSNotificationCenter", "<workspace's center>"),
-    "NSScreen screens": screens,
+    "NSScreen screens": System.screens,
     "NSEvent mouseLocation": lambda s, cls: s.pointer,
-    "NSWindow initWithContentRect:styleMask:backing:defer:": make_window,
-    "NSWindow orderFrontRegardless": order_front,
+    "NSWindow initWithContentRect:styleMask:backing:defer:": System.make_window,
+    "NSWindow orderFrontRegardless": System.order_front,
     "NSWindow orderOut:": lambda s, window, sender: window.fields.update(visible=False),
-    "NSWindow close": close_window,
+    "NSWindow close": System.close_window,
     "NSWindow dealloc": lambda s, window: s.windows.remove(window),
-    "NSWindow animator": animator,
-    "NSWindow sendEvent:": send_event,
-    "NSAnimationContext runAnimationGroup:completionHandler:": animate,
+    "NSWindow animator": System.animator,
+    "NSWindow sendEvent:": System.send_event,
+    "NSAnimationContext runAnimationGroup:completionHandler:": System.animate,
     "NSAppearance appearanceNamed:": lambda s, cls, name: s.new("NSAppearance", name=name.value),
-    "NSView initWithFrame:": make_view,
-    "NSView addSubview:": add_subview,
-    "NSView layer": layer_of,
-    "NSView layout": nothing,
-    "NSView addTrackingArea:": nothing,
-    "NSView setNeedsDisplayInRect:": nothing,
+    "NSView initWithFrame:": System.make_view,
+    "NSView addSubview:": System.add_subview,
+    "NSView layer": System.layer_of,
     "NSView convertPoint:fromView:": lambda s, view, point, other: s.point_in(view, point),
-    "NSGlassEffectView setContentView:": set_glass_content,
+    "NSGlassEffectView setContentView:": System.set_glass_content,
     "NSTrackingArea initWithRect:options:owner:userInfo:": lambda s, area, *_: area,
     "NSLayoutAnchor constraintEqualToAnchor:": lambda s, one, other: s.new("NSLayoutConstraint", name=f"{one.name} = {other.name}"),
-    "NSLayoutConstraint activateConstraints:": nothing,
-    "NSAccessibilityPostNotification": nothing,
     "CALayer layer": lambda s, cls: s.new(cls.name),
-    "CALayer addSublayer:": nothing,
-    "CALayer addAnimation:forKey:": nothing,
-    "CALayer removeAllAnimations": nothing,
     "CASpringAnimation initWithPerceptualDuration:bounce:": lambda s, animation, *_: animation,
     "CASpringAnimation settlingDuration": lambda s, animation: 1.5,
-    "CATransaction begin": nothing,
-    "CATransaction commit": nothing,
-    "CATransaction setDisableActions:": nothing,
     "CATransform3DMakeTranslation": lambda s, x, y, z: doubles(*IDENTITY[:12], x, y, z, 1),
     "CATransform3DMakeScale": lambda s, x, y, z: doubles(x, *IDENTITY[1:5], y, *IDENTITY[1:5], z, *IDENTITY[11:]),
-    "CATransform3DConcat": joined_transforms,
+    "CATransform3DConcat": System.joined_transforms,
     # Drawing
     "NSGraphicsContext currentContext": lambda s, cls: s.context,
-    "NSFont systemFontOfSize:weight:": make_font,
-    "NSFont monospacedDigitSystemFontOfSize:weight:": make_font,
-    "NSColor clearColor": shared,
+    "NSFont systemFontOfSize:weight:": System.make_font,
+    "NSFont monospacedDigitSystemFontOfSize:weight:": System.make_font,
     "NSColor colorWithSRGBRed:green:blue:alpha:": lambda s, cls, *parts: s.new("NSColor", name=f"colour {shown(list(parts))}"),
     "NSImageSymbolConfiguration configurationWithPointSize:weight:": (
         lambda s, cls, size, weight: s.new("NSImageSymbolConfiguration", name=f"{size:g} points, weight {weight:g}")
@@ -803,21 +671,35 @@ EFFECTS = {
     "NSImage imageWithSystemSymbolName:accessibilityDescription:": lambda s, cls, name, _: s.new("NSImage", name=name.value),
     "NSImage imageWithSymbolConfiguration:": lambda s, image, look: s.new("NSImage", name=f"{image.name} ({look.name})"),
     "NSImage size": lambda s, image: (20.0, 16.0),
-    "NSImage drawInRect:fromRect:operation:fraction:respectFlipped:hints:": nothing,
-    "CTLineGetTypographicBounds": line_width,
-    "CGGradientCreateWithColorComponents": gradient,
+    "CTLineGetTypographicBounds": System.line_width,
+    "CGGradientCreateWithColorComponents": System.gradient,
     "CGImageSourceCopyPropertiesAtIndex": lambda s, *_: {"kCGImagePropertyPixelWidth": 600, "kCGImagePropertyPixelHeight": 600},
     "CGImageGetWidth": lambda s, image: 256,
     "CGImageGetHeight": lambda s, image: 256,
     "CGAffineTransformMakeScale": lambda s, x, y: doubles(x, 0, 0, y, 0, 0),
 }
-EFFECTS |= dict.fromkeys(("pthread_self", "pthread_mach_thread_np"), lambda s: 1)
+# What only has a note, what gives the only object of its class, what gives an object's value, what makes an object of a value.
+NOTED = [
+    "NSProcessInfo endActivity:", "NSDistributedNotificationCenter postNotificationName:object:userInfo:deliverImmediately:",
+    "NSNotification userInfo", "NSView layout", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",
+    "NSLayoutConstraint activateConstraints:", "NSAccessibilityPostNotification", "CALayer addSublayer:",
+    "CALayer addAnimation:forKey:", "CALayer removeAllAnimations", "CATransaction begin", "CATransaction commit",
+    "CATransaction setDisableActions:", "NSImage drawInRect:fromRect:operation:fraction:respectFlipped:hints:",
+    *(f"CGContext{what}" for what in """SaveGState RestoreGState TranslateCTM ScaleCTM AddPath EOFillPath Clip ClipToRect
+    SetFillColorWithColor SetBlendMode SetInterpolationQuality BeginTransparencyLayer EndTransparencyLayer SetTextMatrix
+    SetTextPosition DrawImage DrawLinearGradient""".split()), "CTLineDraw", "CGPathAddRect", "CGPathAddRoundedRect",
+]  # fmt: skip
+SHARED = [
+    "NSProcessInfo processInfo", "NSBundle mainBundle", "NSFileManager defaultManager", "NSUserDefaults standardUserDefaults",
+    "SMAppService mainAppService", "NSDistributedNotificationCenter defaultCenter", "NSNotificationCenter defaultCenter",
+    "NSOperationQueue mainQueue", "NSApplication sharedApplication", "NSWorkspace sharedWorkspace", "NSColor clearColor",
+]  # fmt: skip
+VALUES = ["NSNumber longLongValue", "NSNumber boolValue", "NSDate timeIntervalSince1970", "NSURL path", "NSUUID UUIDString"]
+BOXED = [f"NSNumber numberWith{kind}:" for kind in ("LongLong", "UnsignedLongLong", "Bool")]
+EFFECTS |= dict.fromkeys(NOTED, lambda s, *_: None) | dict.fromkeys(SHARED, lambda s, cls: s.shared(cls.name))
+EFFECTS |= dict.fromkeys(VALUES, lambda s, thing: thing.value) | dict.fromkeys(BOXED, lambda s, cls, value: value)
 EFFECTS |= {f"pthread_{what}": lambda s: 0 for what in ("mutex_lock", "mutex_unlock", "mutex_destroy", "cond_broadcast")}
-EFFECTS |= dict.fromkeys("""CTLineDraw CGPathAddRect CGPathAddRoundedRect CGContextSaveGState CGContextRestoreGState
-    CGContextTranslateCTM CGContextScaleCTM CGContextAddPath CGContextEOFillPath CGContextClip CGContextClipToRect
-    CGContextSetFillColorWithColor CGContextSetAlpha CGContextSetBlendMode CGContextSetInterpolationQuality
-    CGContextBeginTransparencyLayer CGContextEndTransparencyLayer CGContextSetTextMatrix CGContextSetTextPosition
-    CGContextDrawImage CGContextDrawLinearGradient""".split(), nothing)  # fmt: skip
+EFFECTS |= dict.fromkeys(("pthread_self", "pthread_mach_thread_np"), lambda s: 1)
 # What changes nothing that can be seen, or is asked for again and again.
 QUIET = {"_os_log_impl", "NSString", "NSMutableArray", "NSMutableDictionary", "NSMutableData", "NSAttributedString", "NSObject",
          "CFRelease", "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:", "NSFileManager fileExistsAtPath:"}  # fmt: skip
