@@ -242,13 +242,6 @@ class Runtime(Program):
             thing.parts.remove(old)
             self.release(old)
 
-    def plain(self, thing):
-        """The Python value of an object."""
-        value = thing.value
-        if isinstance(value, dict):
-            return {key: self.plain(each) for key, (_, each) in value.items()}
-        return [self.plain(each) for each in value] if isinstance(value, list) else value
-
     def buffer(self, thing, data):
         """Memory with the data, which lives as long as the object."""
         if not thing.buffers:
@@ -523,29 +516,12 @@ def store_weak(s, place, address):
     return address
 
 
-def returned(s, address):
-    return s.autorelease(s.thing(address))
-
-
-def retained(s, address):
-    return s.retain(s.thing(address))
-
-
-def retained_and_returned(s, address):
-    return s.autorelease(s.retain(s.thing(address)))
-
-
 RUNTIME = {
     "objc_msgSend": lambda s: s.message(s.word(0), s.text_at(s.word(1))),
     "objc_msgSendSuper2": send_super,
     "objc_alloc": lambda s, cls: s.instance(s.class_at(cls)),
     "objc_alloc_init": alloc_init,
-    "objc_retain": retained,
-    "objc_retainAutoreleasedReturnValue": retained,
     "objc_release": lambda s, address: s.release(s.thing(address)),
-    "objc_autoreleaseReturnValue": returned,
-    "objc_retainAutorelease": retained_and_returned,
-    "objc_retainAutoreleaseReturnValue": retained_and_returned,
     "Block dealloc": Runtime.end_block,
     "objc_storeStrong": store_strong,
     "objc_storeWeak": store_weak,
@@ -553,7 +529,11 @@ RUNTIME = {
     "objc_loadWeakRetained": lambda s, place: s.retain(s.weak.get(place)) or 0,
     "objc_autoreleasePoolPush": lambda s: s.pools.append([]) or len(s.pools),
     "objc_autoreleasePoolPop": lambda s, mark: s.pop_pools(mark - 1),
-    "NSObject init": lambda s, thing: thing,
-    "NSObject class": lambda s, thing: thing,
     "NSObject isKindOfClass:": lambda s, thing, cls: cls.value in thing.cls.chain(),
 }
+RUNTIME |= dict.fromkeys(("objc_retain", "objc_retainAutoreleasedReturnValue"), lambda s, place: s.retain(s.thing(place)))
+RUNTIME |= dict.fromkeys(
+    ("objc_retainAutorelease", "objc_retainAutoreleaseReturnValue"), lambda s, place: s.autorelease(s.retain(s.thing(place)))
+)
+RUNTIME["objc_autoreleaseReturnValue"] = lambda s, place: s.autorelease(s.thing(place))
+RUNTIME |= dict.fromkeys(("NSObject init", "NSObject class"), lambda s, thing: thing)

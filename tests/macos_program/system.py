@@ -194,13 +194,18 @@ class System(Runtime):
         if not window.fields["ignoresMouseEvents"]:
             self.send(window.fields["contentView"], "mouseMoved:", 0)
 
-    def click(self, window, x, y):
-        self.move_pointer(window, x, y)
-        for kind in (1, 2):
-            event = self.new("NSEvent", is_immortal=True, type=kind, locationInWindow=(x, y))
-            if not window.fields["ignoresMouseEvents"]:
-                self.send(window, "sendEvent:", event)
-        self.settle()
+    def drag(self, window, *points, end=2):
+        """Presses at the first point and releases at the last. The window gets what follows a press that it got."""
+        self.move_pointer(window, *points[0])
+        gets = not window.fields["ignoresMouseEvents"]
+        for kind, (x, y) in [(1, points[0]), *((6, point) for point in points[1:]), (end, points[-1])]:
+            self.pointer = (window.fields["frame"][0] + x, window.fields["frame"][1] + y)
+            if gets:
+                self.send(window, "sendEvent:", self.new("NSEvent", is_immortal=True, type=kind, locationInWindow=(x, y)))
+            self.settle()
+
+    def text(self):
+        return "\n".join(self.transcript)
 
     def draw(self, view):
         self.context = self.new("NSGraphicsContext", is_immortal=True, CGContext=self.new("CGContext", name="context", is_immortal=True))
@@ -405,7 +410,8 @@ class System(Runtime):
 
     def invalidate_port(self, port):
         port.fields["is_invalid"] = True
-        self.ports.pop(port.name, None)
+        if self.ports.get(port.name) is port:
+            del self.ports[port.name]
 
     def send_request(self, port, number, body, send_timeout, reply_timeout, mode, place):
         if port.fields.get("is_invalid"):
@@ -462,7 +468,7 @@ class System(Runtime):
                 if self.implements(view, "mouseDown:") and left <= x < left + width and bottom <= y < bottom + height:
                     self.pressed = view if self.send(view, "acceptsFirstMouse:", event) & 1 else None
         if self.pressed:
-            self.send(self.pressed, {1: "mouseDown:", 2: "mouseUp:"}[event.fields["type"]], event)
+            self.send(self.pressed, {1: "mouseDown:", 2: "mouseUp:", 6: "mouseDragged:", 40: "mouseCancelled:"}[event.fields["type"]], event)
 
     def animate(self, cls, changes, completion):
         context = self.retain(self.new("NSAnimationContext"))
@@ -602,7 +608,7 @@ EFFECTS = {
     ),
     "NSUserDefaults initWithSuiteName:": System.name_suite,
     "NSUserDefaults objectForKey:": lambda s, defaults, key: s.domain(defaults).get(key.value),
-    "NSUserDefaults setObject:forKey:": lambda s, defaults, value, key: s.domain(defaults).update({key.value: s.plain(value)}),
+    "NSUserDefaults setObject:forKey:": lambda s, defaults, value, key: s.domain(defaults).update({key.value: value.value}),
     "NSUserDefaults removeObjectForKey:": lambda s, defaults, key: s.domain(defaults).pop(key.value, None),
     "NSUserDefaults removePersistentDomainForName:": lambda s, defaults, domain: s.domain(defaults).clear(),
     "CFPreferencesAppSynchronize": lambda s, domain: s.note(f"synchronise {domain.value}") or True,
@@ -624,6 +630,7 @@ EFFECTS = {
     "CFMessagePortCreateRemote": System.make_remote_port,
     "CFMessagePortSendRequest": System.send_request,
     "CFMessagePortInvalidate": System.invalidate_port,
+    "CFMessagePort dealloc": System.invalidate_port,
     "CGSessionCopyCurrentDictionary": lambda s: {"kCGSSessionOnConsoleKey": True},
     # Application and windows
     "NSApplication setActivationPolicy:": lambda s, application, policy: True,
