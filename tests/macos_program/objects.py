@@ -347,14 +347,22 @@ class Runtime(Program):
 
     def send(self, thing, selector, *arguments):
         """A message from the system to an object of the program."""
+        with self.pool():
+            return self._sent(thing, selector, *arguments)
+
+    def ask(self, thing, selector, *arguments):
+        """Notes the object that the program answers."""
+        with self.pool():
+            self.note(f"{thing.name} {selector} -> {shown(self.thing(self._sent(thing, selector, *arguments)))}")
+
+    def _sent(self, thing, selector, *arguments):
         code = self.implements(thing, selector)
         if not code:
             raise Fault(f"{thing.name} does not implement {selector}")
         if selector not in self.selectors:
             self.selectors[selector] = self.place(selector.encode() + b"\0")
-        with self.pool():
-            words = [each.address if isinstance(each, Thing) else each for each in arguments]
-            return self.call(code, thing.address, self.selectors[selector], *words)
+        words = [each.address if isinstance(each, Thing) else each for each in arguments]
+        return self.call(code, thing.address, self.selectors[selector], *words)
 
     def message(self, receiver, selector, above=None):
         """Returns the program's own method, or runs the effect of the system's."""

@@ -25,6 +25,8 @@ IDENTITY = (1.0, *(0.0,) * 4) * 3 + (1.0,)
 LEVELS = {0: "default", 1: "info", 2: "debug", 16: "error", 17: "fault"}
 PLACEHOLDER = re.compile(r"%(?:\{(\w+)\})?(s|d|u|f|ld|lu|llu)")
 NUMBER_KINDS = {"d": "<i", "u": "<I", "f": "<d", "ld": "<q"}
+DOWN, UP, MOVED, DRAGGED, CANCELLED = 1, 2, 5, 6, 40  # types of events
+MOUSE = {DOWN: "mouseDown:", UP: "mouseUp:", DRAGGED: "mouseDragged:", CANCELLED: "mouseCancelled:"}
 # The window server's functions: how many arguments, what they return.
 WINDOW_SERVER = {"SLSMainConnectionID": (0, 77), "SLSSpaceCreate": (3, 0x500000009), "SLSSpaceSetAbsoluteLevel": (3, 0),
                  "SLSShowSpaces": (2, 0), "SLSSpaceAddWindowsAndRemoveFromSpaces": (4, 0)}  # fmt: skip
@@ -43,16 +45,18 @@ class Ended(Exception):
 
 
 class System(Runtime):
-    def __init__(self, bundle, options, documented, answer):
-        """The lines are documented that may be logged; `answer` is the main application's, to message, port and body."""
-        self.options, self.documented, self.answer = options, documented, answer
+    def __init__(self, bundle, options, documented, secret, answers):
+        """The lines are documented that may be logged; the answers are the main application's, by message."""
+        self.options, self.documented, self.secret, self.answers = options, documented, secret, answers
         self.now, self.errno = 0, 0
         self.queues, self.current, self.sources, self.fades = [], None, [], []
         self.domains, self.observers, self.singletons = {}, [], {}
         self.ports, self.has_main_application, self.displays = {}, True, [(0.0, 0.0, 1920.0, 1080.0)]
         self.windows, self.pressed, self.pointer, self.context = [], None, (0.0, 0.0), None
+        self.session, self.picture_size = {"kCGSSessionOnConsoleKey": True}, 600
         files = [path for path in bundle.rglob("*") if path.is_file()]
         self.files = {f"{BUNDLE}/{path.relative_to(bundle).as_posix()}": path.read_bytes() for path in files}
+        self.files[f"{CONTAINERS}/group.example.quillon.Quorvane/ipc-secret"] = secret
         super().__init__(bundle / "Contents" / "MacOS" / bundle.stem, EFFECTS, QUIET)
         self.main_queue = self.new("OS_dispatch_queue", [], "main", True, self.imports["__dispatch_main_q"])
         self.global_queue = self.new("OS_dispatch_queue", [], "global", True)
@@ -188,21 +192,16 @@ class System(Runtime):
         is_flipped = self.implements(view, "isFlipped") and self.send(view, "isFlipped") & 1
         return point[0] - left, height - (point[1] - bottom) if is_flipped else point[1] - bottom
 
-    def move_pointer(self, window, x, y):
-        """To a point of the window, which gets movements unless it ignores the mouse."""
+    def mouse(self, window, kind, x, y):
+        """A window that ignores the mouse gets neither movements nor presses. It gets what follows a press that it got."""
         self.pointer = (window.fields["frame"][0] + x, window.fields["frame"][1] + y)
-        if not window.fields["ignoresMouseEvents"]:
+        if kind in (MOVED, DOWN):
+            self.gets_mouse = not window.fields["ignoresMouseEvents"]
+        if self.gets_mouse and kind in (MOVED, DOWN):
             self.send(window.fields["contentView"], "mouseMoved:", 0)
-
-    def drag(self, window, *points, end=2):
-        """Presses at the first point and releases at the last. The window gets what follows a press that it got."""
-        self.move_pointer(window, *points[0])
-        gets = not window.fields["ignoresMouseEvents"]
-        for kind, (x, y) in [(1, points[0]), *((6, point) for point in points[1:]), (end, points[-1])]:
-            self.pointer = (window.fields["frame"][0] + x, window.fields["frame"][1] + y)
-            if gets:
-                self.send(window, "sendEvent:", self.new("NSEvent", is_immortal=True, type=kind, locationInWindow=(x, y)))
-            self.settle()
+        if self.gets_mouse and kind != MOVED:
+            self.send(window, "sendEvent:", self.new("NSEvent", is_immortal=True, type=kind, locationInWindow=(x, y)))
+        self.settle()
 
     def text(self):
         return "\n".join(self.transcript)
@@ -416,13 +415,14 @@ class System(Runtime):
     def send_request(self, port, number, body, send_timeout, reply_timeout, mode, place):
         if port.fields.get("is_invalid"):
             return -3
-        text = bytes(body.value[32:])
-        self.note(f"request {number} to {port.name.removeprefix(PORT)}: {text}, {send_timeout:g} s, {reply_timeout:g} s, {shown(mode)}")
+        secret, rest = bytes(body.value[:32]), bytes(body.value[32:])
+        if secret != self.secret:
+            raise Fault(f"request {number} does not begin with the secret")
+        self.note(f"request {number} to {port.name.removeprefix(PORT)}: {rest}, {send_timeout:g} s, {reply_timeout:g} s, {shown(mode)}")
         if mode and self.current in (None, self.main_queue):
             self.drain(self.main_queue)  # while the call waits, the thread's run loop runs
-        answer = self.answer(number, port.name, bytes(body.value))
-        if mode and answer:
-            self.write_words(place, self.retain(self.box(answer)).address)
+        if mode:
+            self.write_words(place, self.retain(self.box(self.answers[number])).address)
         return 0
 
     # AppKit
@@ -460,7 +460,7 @@ class System(Runtime):
 
     def send_event(self, window, event):
         """The topmost view under the pointer that takes the first click gets the press and what follows."""
-        if event.fields["type"] == 1:
+        if event.fields["type"] == DOWN:
             x, y = event.fields["locationInWindow"]
             self.pressed = None
             for view in self.views(window):
@@ -468,7 +468,7 @@ class System(Runtime):
                 if self.implements(view, "mouseDown:") and left <= x < left + width and bottom <= y < bottom + height:
                     self.pressed = view if self.send(view, "acceptsFirstMouse:", event) & 1 else None
         if self.pressed:
-            self.send(self.pressed, {1: "mouseDown:", 2: "mouseUp:", 6: "mouseDragged:", 40: "mouseCancelled:"}[event.fields["type"]], event)
+            self.send(self.pressed, MOUSE[event.fields["type"]], event)
 
     def animate(self, cls, changes, completion):
         context = self.retain(self.new("NSAnimationContext"))
@@ -631,7 +631,7 @@ EFFECTS = {
     "CFMessagePortSendRequest": System.send_request,
     "CFMessagePortInvalidate": System.invalidate_port,
     "CFMessagePort dealloc": System.invalidate_port,
-    "CGSessionCopyCurrentDictionary": lambda s: {"kCGSSessionOnConsoleKey": True},
+    "CGSessionCopyCurrentDictionary": lambda s: s.session,
     # Application and windows
     "NSApplication setActivationPolicy:": lambda s, application, policy: True,
     "NSApplication run": System.run_application,
@@ -652,6 +652,11 @@ EFFECTS = {
     "NSView addSubview:": System.add_subview,
     "NSView layer": System.layer_of,
     "NSView convertPoint:fromView:": lambda s, view, point, other: s.point_in(view, point),
+    "NSView window": lambda s, view: next((each for each in s.windows if view in s.views(each)), None),
+    "NSWindow convertPointFromScreen:": lambda s, window, point: tuple(each - at for each, at in zip(point, window.fields["frame"])),
+    "NSAccessibilityFrameInView": lambda s, view, frame: frame,
+    "NSMutableArray arrayWithCapacity:": lambda s, cls, capacity: s.new("NSMutableArray", []),
+    "NSMutableArray addObject:": lambda s, array, item: array.value.append(s.retain(item)),
     "NSGlassEffectView setContentView:": System.set_glass_content,
     "NSTrackingArea initWithRect:options:owner:userInfo:": lambda s, area, *_: area,
     "NSLayoutAnchor constraintEqualToAnchor:": lambda s, one, other: s.new("NSLayoutConstraint", name=f"{one.name} = {other.name}"),
@@ -680,7 +685,9 @@ EFFECTS = {
     "NSImage size": lambda s, image: (20.0, 16.0),
     "CTLineGetTypographicBounds": System.line_width,
     "CGGradientCreateWithColorComponents": System.gradient,
-    "CGImageSourceCopyPropertiesAtIndex": lambda s, *_: {"kCGImagePropertyPixelWidth": 600, "kCGImagePropertyPixelHeight": 600},
+    "CGImageSourceCopyPropertiesAtIndex": (
+        lambda s, *_: dict.fromkeys(("kCGImagePropertyPixelWidth", "kCGImagePropertyPixelHeight"), s.picture_size)
+    ),
     "CGImageGetWidth": lambda s, image: 256,
     "CGImageGetHeight": lambda s, image: 256,
     "CGAffineTransformMakeScale": lambda s, x, y: doubles(x, 0, 0, y, 0, 0),
@@ -693,7 +700,7 @@ NOTED = [
     "CALayer addAnimation:forKey:", "CALayer removeAllAnimations", "CATransaction begin", "CATransaction commit",
     "CATransaction setDisableActions:", "NSImage drawInRect:fromRect:operation:fraction:respectFlipped:hints:",
     *(f"CGContext{what}" for what in """SaveGState RestoreGState TranslateCTM ScaleCTM AddPath EOFillPath Clip ClipToRect
-    SetFillColorWithColor SetBlendMode SetInterpolationQuality BeginTransparencyLayer EndTransparencyLayer SetTextMatrix
+    SetFillColorWithColor SetAlpha SetBlendMode SetInterpolationQuality BeginTransparencyLayer EndTransparencyLayer SetTextMatrix
     SetTextPosition DrawImage DrawLinearGradient""".split()), "CTLineDraw", "CGPathAddRect", "CGPathAddRoundedRect",
 ]  # fmt: skip
 SHARED = [
@@ -702,7 +709,7 @@ SHARED = [
     "NSOperationQueue mainQueue", "NSApplication sharedApplication", "NSWorkspace sharedWorkspace", "NSColor clearColor",
 ]  # fmt: skip
 VALUES = ["NSNumber longLongValue", "NSNumber boolValue", "NSDate timeIntervalSince1970", "NSURL path", "NSUUID UUIDString"]
-BOXED = [f"NSNumber numberWith{kind}:" for kind in ("LongLong", "UnsignedLongLong", "Bool")]
+BOXED = [f"NSNumber numberWith{kind}:" for kind in ("LongLong", "UnsignedLongLong", "Double", "Bool")]
 EFFECTS |= dict.fromkeys(NOTED, lambda s, *_: None) | dict.fromkeys(SHARED, lambda s, cls: s.shared(cls.name))
 EFFECTS |= dict.fromkeys(VALUES, lambda s, thing: thing.value) | dict.fromkeys(BOXED, lambda s, cls, value: value)
 EFFECTS |= {f"pthread_{what}": lambda s: 0 for what in ("mutex_lock", "mutex_unlock", "mutex_destroy", "cond_broadcast")}
