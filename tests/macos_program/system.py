@@ -220,6 +220,15 @@ class System(Runtime):
         self.note(f"kill({pid}, {number})")
         raise Ended
 
+    def free_wiped(self, address):
+        """The program wipes each of its copies of the secret."""
+        self.check_wiped(self.read(address, self.blocks.get(address, 0)))
+        self.free(address)
+
+    def check_wiped(self, content):
+        if self.secret in content:
+            raise Fault("memory is freed that holds the secret")
+
     def reallocated(self, old, size):
         address = self.allocate(size, content=self.read(old, min(size, self.blocks[old])) if old else b"")
         self.free(old)
@@ -518,7 +527,7 @@ class System(Runtime):
 EFFECTS = {
     "malloc": lambda s, size: s.allocate(size),
     "realloc": System.reallocated,
-    "free": lambda s, address: s.free(address),
+    "free": System.free_wiped,
     "memcpy": lambda s, to, source, size: s.write(to, s.read(source, size)),
     "memmove": lambda s, to, source, size: s.write(to, s.read(source, size)),
     "memset": lambda s, to, byte, size: s.write(to, bytes([byte & 255]) * size),
@@ -579,6 +588,9 @@ EFFECTS = {
     "NSData dataWithBytes:length:": lambda s, cls, data, length: s.read(data, length),
     "NSData bytes": lambda s, data: s.buffer(data, data.value),
     "NSData length": lambda s, data: len(data.value),
+    "NSMutableData dealloc": (
+        lambda s, data: s.check_wiped(s.read(data.buffers[0], len(data.value)) if data.buffers else bytes(data.value))
+    ),
     "NSMutableData dataWithCapacity:": lambda s, cls, capacity: s.new("NSMutableData", bytearray()),
     "NSMutableData appendBytes:length:": lambda s, data, more, length: data.value.extend(s.read(more, length)),
     "NSMutableData mutableBytes": lambda s, data: s.buffer(data, data.value),
