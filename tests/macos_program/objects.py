@@ -14,6 +14,7 @@ import declarations
 
 INSTANCES = 0x400000000  # where the system's objects are; nothing is mapped there
 HAS_COPY, IS_GLOBAL = 1 << 25, 1 << 28  # flags of a block
+UTF16 = 0x7D0  # flags of a constant string that is not ASCII
 KINDS = {"CGPoint": "dd", "CGSize": "dd", "CGRect": "dddd", "CGAffineTransform": "M6", "CATransform3D": "M16",
          "NSOperatingSystemVersion": "M3"}  # fmt: skip
 KINDS |= {"void": "", "SEL": "s", "float": "f", "CGFloat": "d", "double": "d", "uint8_t": "C", "uint32_t": "I"}
@@ -24,8 +25,8 @@ ROOT = {"init": "@", "class": "@", "isKindOfClass:": "B@"}  # what NSObject itse
 
 
 # A declared method, property's accessor or function: the kinds of its result and arguments, whether the caller owns the result,
-# the class of the result, the property, and whether the object holds what the property is set to.
-Member = namedtuple("Member", "name result arguments is_owned made property is_held", defaults=(False, "", "", False))
+# the class of the result, the property, and whether the object holds what the property is set to, and whether that is never.
+Member = namedtuple("Member", "name result arguments is_owned made property is_held is_fixed", defaults=(False, "", "", False, False))
 
 
 class Declared:
@@ -78,7 +79,8 @@ class Declared:
         is_held = kind == "@" and not attributes & {"weak", "unsafe_unretained"}
         for selector in found.selectors:
             kinds = ("", [kind]) if selector.endswith(":") else (kind, [])
-            member = Member(selector, *kinds, made=re.sub(r"<.*>|[*\s]", "", type_text), property=found.name, is_held=is_held)
+            made = re.sub(r"<.*>|[*\s]", "", type_text)
+            member = Member(selector, *kinds, False, made, found.name, is_held, "readonly" in attributes)
             self.members[found.owner, "class" in attributes, selector] = member
 
     def member(self, owner, is_class, selector):
@@ -254,8 +256,9 @@ class Runtime(Program):
         if address in self.things:
             return self.things[address]
         if self.is_in("__cfstring", address):
-            text, length = self.read_words(address + 16, 2)
-            return self.new("NSString", self.read(text, length).decode(), is_immortal=True, address=address)
+            flags, place, length = self.read_words(address + 8, 3)
+            text = self.read(place, 2 * length).decode("utf-16-le") if flags == UTF16 else self.read(place, length).decode()
+            return self.new("NSString", text, is_immortal=True, address=address)
         if cls := self.class_at(address):
             return self.new("Class", cls, name=cls.name, is_immortal=True, address=address)
         with contextlib.suppress(Exception):
@@ -414,6 +417,8 @@ class Runtime(Program):
         def look(_, thing):
             if thing.fields.get(member.property) is None and member.is_held and member.made in self.declared.classes:
                 self.set_field(thing, member.property, self.new(member.made))
+            if member.is_fixed and member.property not in thing.fields:
+                raise Fault(f"unknown value: {thing.name}.{member.property}")
             return thing.fields.get(member.property)
 
         return look

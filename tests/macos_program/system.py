@@ -53,7 +53,7 @@ class System(Runtime):
         self.domains, self.observers, self.singletons = {}, [], {}
         self.ports, self.has_main_application, self.displays = {}, True, [(0.0, 0.0, 1920.0, 1080.0)]
         self.windows, self.pressed, self.pointer, self.context = [], None, (0.0, 0.0), None
-        self.session, self.picture_size = {"kCGSSessionOnConsoleKey": True}, 600
+        self.session, self.picture_size, self.refuses_login_item = {"kCGSSessionOnConsoleKey": True}, 600, False
         files = [path for path in bundle.rglob("*") if path.is_file()]
         self.files = {f"{BUNDLE}/{path.relative_to(bundle).as_posix()}": path.read_bytes() for path in files}
         self.files[f"{CONTAINERS}/group.example.quillon.Quorvane/ipc-secret"] = secret
@@ -63,6 +63,9 @@ class System(Runtime):
         self.queues += [self.main_queue, self.global_queue]
         self.copies = []
         self.add_copy(PID, 100.0)
+        self.shared("NSApplication").fields["userInterfaceLayoutDirection"] = 0
+        self.shared("NSWorkspace").fields["accessibilityDisplayShouldReduceMotion"] = False
+        self.shared("SMAppService").fields["status"] = 0
 
     def start(self, scenario):
         """The process from its start to its end; the scenario is what happens while the application runs."""
@@ -89,11 +92,10 @@ class System(Runtime):
             self.singletons[class_name, name] = self.new(class_name, name=name, is_immortal=True)
         return self.singletons[class_name, name]
 
-    def add_copy(self, pid, launched):
-        date = self.new("NSDate", launched, is_immortal=True)
-        copy = self.new("NSRunningApplication", name=f"<copy {pid}>", is_immortal=True, processIdentifier=pid, launchDate=date)
-        self.copies.append(copy)
-        return copy
+    def add_copy(self, pid, launched, is_terminated=False):
+        fields = {"processIdentifier": pid, "launchDate": self.new("NSDate", launched, is_immortal=True), "terminated": is_terminated}
+        self.copies.append(self.new("NSRunningApplication", name=f"<copy {pid}>", is_immortal=True, **fields))
+        return self.copies[-1]
 
     # Queues, timers, signals
 
@@ -362,9 +364,22 @@ class System(Runtime):
         thing.fields["text"], thing.name = text.value, f"{shown(text)} in {font.name}"
         return thing
 
+    def failed(self, place, domain, code, text):
+        error = self.new("NSError", code=code)
+        self.set_field(error, "domain", self.box(domain))
+        self.set_field(error, "localizedDescription", self.box(text))
+        self.write_words(place, self.autorelease(self.retain(error)).address)
+        return False
+
+    def register(self, service, place):
+        if self.refuses_login_item:
+            return self.failed(place, "NSPOSIXErrorDomain", 1, "Operation not permitted")
+        service.fields["status"] = 1
+        return True
+
     def remove_item(self, manager, url, place):
         if not self.exists(url.value):
-            raise Fault(f"{url.value} is removed, which is not there")
+            return self.failed(place, "NSCocoaErrorDomain", 4, "No such file")
         self.files = {path: data for path, data in self.files.items() if not path.startswith(url.value + "/")}
         return True
 
@@ -571,6 +586,7 @@ EFFECTS = {
     # Values
     "NSString initWithBytes:length:encoding:": System.make_string,
     "NSString UTF8String": lambda s, text: s.buffer(text, text.value.encode() + b"\0"),
+    "NSString isEqualToString:": lambda s, text, other: other is not None and text.value == other.value,
     "NSString lengthOfBytesUsingEncoding:": lambda s, text, encoding: len(text.value.encode()),
     "CFGetTypeID": lambda s, thing: isinstance(thing.value, bool),
     "CFBooleanGetTypeID": lambda s: True,
@@ -624,7 +640,7 @@ EFFECTS = {
     "NSUserDefaults removeObjectForKey:": lambda s, defaults, key: s.domain(defaults).pop(key.value, None),
     "NSUserDefaults removePersistentDomainForName:": lambda s, defaults, domain: s.domain(defaults).clear(),
     "CFPreferencesAppSynchronize": lambda s, domain: s.note(f"synchronise {domain.value}") or True,
-    "SMAppService registerAndReturnError:": lambda s, service, error: service.fields.update(status=1) or True,
+    "SMAppService registerAndReturnError:": System.register,
     "SMAppService unregisterAndReturnError:": lambda s, service, error: service.fields.update(status=0) or True,
     "NSRunningApplication currentApplication": lambda s, cls: s.copies[0],
     "NSRunningApplication runningApplicationsWithBundleIdentifier:": lambda s, cls, identifier: list(s.copies),
@@ -720,7 +736,7 @@ SHARED = [
     "SMAppService mainAppService", "NSDistributedNotificationCenter defaultCenter", "NSNotificationCenter defaultCenter",
     "NSOperationQueue mainQueue", "NSApplication sharedApplication", "NSWorkspace sharedWorkspace", "NSColor clearColor",
 ]  # fmt: skip
-VALUES = ["NSNumber longLongValue", "NSNumber boolValue", "NSDate timeIntervalSince1970", "NSURL path", "NSUUID UUIDString"]
+VALUES = ["NSNumber doubleValue", "NSNumber longLongValue", "NSNumber boolValue", "NSDate timeIntervalSince1970", "NSURL path", "NSUUID UUIDString"]
 BOXED = [f"NSNumber numberWith{kind}:" for kind in ("LongLong", "UnsignedLongLong", "Double", "Bool")]
 EFFECTS |= dict.fromkeys(NOTED, lambda s, *_: None) | dict.fromkeys(SHARED, lambda s, cls: s.shared(cls.name))
 EFFECTS |= dict.fromkeys(VALUES, lambda s, thing: thing.value) | dict.fromkeys(BOXED, lambda s, cls, value: value)
