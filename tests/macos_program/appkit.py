@@ -207,6 +207,7 @@ EFFECTS = {
     "NSApplication setActivationPolicy:": lambda s, application, policy: True,
     "NSApplication run": System.run_application,
     "NSApplication terminate:": System.end_application,
+    "NSColor clearColor": lambda s, cls: s.shared("NSColor", "NSColor.clearColor"),
     "NSWorkspace notificationCenter": lambda s, workspace: s.shared("NSNotificationCenter", "<workspace's center>"),
     "NSScreen screens": System.screens,
     "NSEvent mouseLocation": lambda s, cls: s.pointer,
@@ -262,7 +263,7 @@ EFFECTS = {
     "CGImageGetHeight": lambda s, image: 256,
     "CGAffineTransformMakeScale": lambda s, x, y: doubles(x, 0, 0, y, 0, 0),
 }
-# What only has a note, what gives the only object of its class, what gives an object's value, what makes an object of a value.
+# What only has a note, what gives an object's value, what makes an object of a value.
 NOTED = [
     "NSProcessInfo endActivity:", "NSDistributedNotificationCenter postNotificationName:object:userInfo:deliverImmediately:",
     "NSNotification userInfo", "NSView layout", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",
@@ -273,12 +274,9 @@ NOTED = [
     SetFillColorWithColor SetAlpha SetBlendMode SetInterpolationQuality BeginTransparencyLayer EndTransparencyLayer SetTextMatrix
     SetTextPosition DrawImage DrawLinearGradient""".split()), "CTLineDraw", "CGPathAddRect", "CGPathAddRoundedRect",
 ]  # fmt: skip
-SHARED = [
-    "NSProcessInfo processInfo", "NSBundle mainBundle", "NSFileManager defaultManager", "NSUserDefaults standardUserDefaults",
-    "SMAppService mainAppService", "NSDistributedNotificationCenter defaultCenter", "NSNotificationCenter defaultCenter",
-    "NSOperationQueue mainQueue", "NSApplication sharedApplication", "NSWorkspace sharedWorkspace", "NSColor clearColor",
-]  # fmt: skip
-VALUES = ["NSNumber doubleValue", "NSNumber longLongValue", "NSNumber boolValue", "NSDate timeIntervalSince1970", "NSURL path", "NSUUID UUIDString"]
+VALUES = ["NSNumber doubleValue", "NSNumber longLongValue", "NSNumber boolValue", "NSDate timeIntervalSince1970", "NSURL path",
+          "NSUUID UUIDString"]  # fmt: skip
 BOXED = [f"NSNumber numberWith{kind}:" for kind in ("LongLong", "UnsignedLongLong", "Double", "Bool")]
-EFFECTS |= dict.fromkeys(NOTED, lambda s, *_: None) | dict.fromkeys(SHARED, lambda s, cls: s.shared(cls.name))
-EFFECTS |= dict.fromkeys(VALUES, lambda s, thing: thing.value) | dict.fromkeys(BOXED, lambda s, cls, value: value)
+EFFECTS |= dict.fromkeys(NOTED, lambda s, *_: None)
+EFFECTS |= dict.fromkeys(VALUES, lambda s, thing: thing.value)
+EFFECTS |= dict.fromkeys(BOXED, lambda s, cls, value: value)

@@ -18,7 +18,7 @@ class Foundation(Library):
     def __init__(self, bundle, effects, documented, secret, answers):
         """The answers are the main application's, by message."""
         self.answers, self.ports, self.has_main_application = answers, {}, True
-        self.domains, self.observers, self.singletons, self.copies = {}, [], {}, []
+        self.domains, self.observers, self.copies = {}, [], []
         self.session, self.refuses_login_item = {"kCGSSessionOnConsoleKey": True}, False
         files = [path for path in bundle.rglob("*") if path.is_file()]
         self.files = {f"{BUNDLE}/{path.relative_to(bundle).as_posix()}": path.read_bytes() for path in files}
@@ -61,11 +61,6 @@ class Foundation(Library):
         return False
 
     # Process, bundle, files, preferences
-
-    def shared(self, class_name, name=""):
-        if (class_name, name) not in self.singletons:
-            self.singletons[class_name, name] = self.new(class_name, name=name, is_immortal=True)
-        return self.singletons[class_name, name]
 
     def add_copy(self, pid, launched, is_terminated=False):
         fields = {"processIdentifier": pid, "launchDate": self.new("NSDate", launched, is_immortal=True), "terminated": is_terminated}
@@ -177,6 +172,7 @@ class Foundation(Library):
 
 
 EFFECTS = {
+    "NSDistributedNotificationCenter defaultCenter": lambda s, cls: s.shared(cls.name),
     "NSString initWithBytes:length:encoding:": Foundation.make_string,
     "NSString UTF8String": lambda s, text: s.buffer(text, text.value.encode() + b"\0"),
     "NSString isEqualToString:": lambda s, text, other: other is not None and text.value == other.value,

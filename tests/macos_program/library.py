@@ -233,5 +233,7 @@ EFFECTS = {
 EFFECTS |= {f"pthread_{what}": lambda s: 0 for what in ("mutex_lock", "mutex_unlock", "mutex_destroy", "cond_broadcast")}
 EFFECTS |= dict.fromkeys(("pthread_self", "pthread_mach_thread_np"), lambda s: 1)
 # What changes nothing that can be seen, or is asked for again and again.
-QUIET = {"_os_log_impl", "NSString", "NSMutableArray", "NSMutableDictionary", "NSMutableData", "NSAttributedString", "NSObject",
-         "CFRelease", "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:", "NSFileManager fileExistsAtPath:"}  # fmt: skip
+QUIET = {
+    "NSString", "NSMutableArray", "NSMutableDictionary", "NSMutableData", "NSAttributedString", "NSObject", "CFRelease", "_os_log_impl",
+    "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:", "NSFileManager fileExistsAtPath:",
+}  # fmt: skip

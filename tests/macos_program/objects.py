@@ -74,7 +74,7 @@ class Runtime(Program):
     def __init__(self, path, effects, quiet):
         self.effects, self.quiet, self.declared = RUNTIME | effects, quiet, Declared()
         self.things, self.pools, self.weak = {}, [], {}  # address -> object; lists; location -> object
-        self.classes, self.own_classes, self.found = {}, {}, {}
+        self.classes, self.own_classes, self.found, self.singletons = {}, {}, {}, {}
         self.next_instance, self.numbers, self.selectors, self.transcript = INSTANCES, Counter(), {}, []
         super().__init__(path)
         listed = self.sections["__objc_classlist"]
@@ -138,6 +138,11 @@ class Runtime(Program):
             if code := each.methods.get(".cxx_construct"):
                 self.call(code, thing.address, 0)
         return self.retain(thing)
+
+    def shared(self, class_name, name=""):
+        if (class_name, name) not in self.singletons:
+            self.singletons[class_name, name] = self.new(class_name, name=name, is_immortal=True)
+        return self.singletons[class_name, name]
 
     def box(self, value):
         """The object for a Python value."""
@@ -312,11 +317,11 @@ class Runtime(Program):
                 return own[selector]
             effect, member = self.effects.get(f"{each.name} {selector}"), self.declared.member(each.name, is_class, selector)
             if effect is None and member and member.property:
-                effect = self._accessor(member)
+                effect = self._accessor(member, is_class and each.name)
             if effect and member:
                 # A question is not noted, only what changes something.
-                is_quiet = bool({each.name, f"{each.name} {selector}"} & self.quiet) or member.result not in ("", "B") and not member.is_owned
-                is_quiet |= bool(member.property and not member.arguments)
+                is_question = member.result not in ("", "B") and not member.is_owned or member.property and not member.arguments
+                is_quiet = is_question or not self.quiet.isdisjoint((each.name, f"{each.name} {selector}"))
                 return lambda thing: self._run_method(thing, member, effect, is_class, is_quiet)
         raise Fault(f"unknown effect: {'+' if is_class else '-'}[{cls.name} {selector}]")
 
@@ -332,8 +337,10 @@ class Runtime(Program):
                 self.autorelease(value)
         self.set_result(member.result, value)
 
-    def _accessor(self, member):
-        """A property keeps what it is set to. An object that it must have is made when it is asked for."""
+    def _accessor(self, member, owner):
+        """A property keeps what it is set to. An object that it must have is made when it is asked for, once for a class."""
+        if member.made == owner:
+            return lambda _, cls: self.shared(cls.name)
         if member.arguments:
             return lambda _, thing, value: self.set_field(thing, member.property, value, member.is_held)
 
