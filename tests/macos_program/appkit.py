@@ -23,10 +23,10 @@ def doubles(*values):
 
 
 class System(Foundation):
-    def __init__(self, bundle, options, documented, secret, answers):
+    def __init__(self, bundle, options, documented, secret, answers, effects=None, program=""):
         self.options, self.displays, self.picture_size = options, [(0.0, 0.0, 1920.0, 1080.0)], 600
         self.windows, self.pressed, self.pointer, self.context = [], None, (0.0, 0.0), None
-        super().__init__(bundle, EFFECTS, documented, secret, answers)
+        super().__init__(bundle, EFFECTS | (effects or {}), documented, secret, answers, program)
         self.shared("NSApplication").fields["userInterfaceLayoutDirection"] = 0
         self.shared("NSWorkspace").fields["accessibilityDisplayShouldReduceMotion"] = False
 
@@ -266,7 +266,7 @@ EFFECTS = {
 # What only has a note, what gives an object's value, what makes an object of a value.
 NOTED = [
     "NSProcessInfo endActivity:", "NSDistributedNotificationCenter postNotificationName:object:userInfo:deliverImmediately:",
-    "NSNotification userInfo", "NSView layout", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",
+    "NSView layout", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",
     "NSLayoutConstraint activateConstraints:", "NSAccessibilityPostNotification", "CALayer addSublayer:",
     "CALayer addAnimation:forKey:", "CALayer removeAllAnimations", "CATransaction begin", "CATransaction commit",
     "CATransaction setDisableActions:", "NSImage drawInRect:fromRect:operation:fraction:respectFlipped:hints:",
@@ -276,7 +276,7 @@ NOTED = [
 ]  # fmt: skip
 VALUES = ["NSNumber doubleValue", "NSNumber longLongValue", "NSNumber boolValue", "NSDate timeIntervalSince1970", "NSURL path",
           "NSUUID UUIDString"]  # fmt: skip
-BOXED = [f"NSNumber numberWith{kind}:" for kind in ("LongLong", "UnsignedLongLong", "Double", "Bool")]
+BOXED = [f"NSNumber numberWith{kind}:" for kind in ("Int", "LongLong", "UnsignedLongLong", "Double", "Bool")]
 EFFECTS |= dict.fromkeys(NOTED, lambda s, *_: None)
 EFFECTS |= dict.fromkeys(VALUES, lambda s, thing: thing.value)
 EFFECTS |= dict.fromkeys(BOXED, lambda s, cls, value: value)

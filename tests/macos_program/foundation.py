@@ -15,7 +15,7 @@ PORT = "group.example.quillon.Quorvane.messageport"
 
 
 class Foundation(Library):
-    def __init__(self, bundle, effects, documented, secret, answers):
+    def __init__(self, bundle, effects, documented, secret, answers, program):
         """The answers are the main application's, by message."""
         self.answers, self.ports, self.has_main_application = answers, {}, True
         self.domains, self.observers, self.copies = {}, [], []
@@ -23,7 +23,7 @@ class Foundation(Library):
         files = [path for path in bundle.rglob("*") if path.is_file()]
         self.files = {f"{BUNDLE}/{path.relative_to(bundle).as_posix()}": path.read_bytes() for path in files}
         self.files[f"{CONTAINERS}/group.example.quillon.Quorvane/ipc-secret"] = secret
-        super().__init__(bundle / "Contents" / "MacOS" / bundle.stem, EFFECTS | effects, documented, secret)
+        super().__init__(program or bundle / "Contents" / "MacOS" / bundle.stem, EFFECTS | effects, documented, secret)
         self.add_copy(PID, 100.0)
         self.shared("SMAppService").fields["status"] = 0
 
@@ -54,6 +54,8 @@ class Foundation(Library):
         return self.new("NSURL", path, path)
 
     def failed(self, place, domain, code, text):
+        if not place:
+            return False
         error = self.new("NSError", code=code)
         self.set_field(error, "domain", self.box(domain))
         self.set_field(error, "localizedDescription", self.box(text))
@@ -85,6 +87,10 @@ class Foundation(Library):
     def domain(self, defaults):
         return self.domains.setdefault(defaults.name, {})
 
+    def set_preference(self, defaults, value, key):
+        value.is_immortal = True
+        self.domain(defaults)[key.value] = value
+
     def translated(self, bundle, key, value, table):
         strings = self.files[f"{BUNDLE}/Contents/Resources/en.lproj/Localizable.strings"].decode()
         return re.search(rf'^"{re.escape(key.value)}" = "(.*)";', strings, re.M).group(1)
@@ -102,19 +108,20 @@ class Foundation(Library):
     def observe(self, center, name, observer, deliver):
         self.observers.append((center, name.value, observer, deliver))
 
-    def post(self, name):
+    def post(self, name, user_info=None):
         """A notice of the system, which every observer of that name gets."""
         found = [deliver for _, each, _, deliver in self.observers if each == name]
         if not found:
             raise Fault(f"nothing observes {name}")
         for deliver in found:
             with self.pool():
-                deliver()
+                deliver(user_info)
         self.settle()
 
     def observe_distributed(self, center, observer, selector, name, sender, behaviour):
-        def deliver():
+        def deliver(user_info):
             notice = self.autorelease(self.retain(self.new("NSNotification")))
+            self.set_field(notice, "userInfo", self.box(user_info))
             self.send(observer, selector, notice)
 
         self.observe(center, name, observer, deliver)
@@ -122,7 +129,7 @@ class Foundation(Library):
     def observe_with_block(self, center, name, sender, queue, block):
         token = self.new("NSObject", name=f"<observer of {name.value}>")
         self.set_field(token, "block", block)
-        self.observe(center, name, self.retain(token), lambda: self.run_on(self.main_queue, token.fields["block"], 0))
+        self.observe(center, name, self.retain(token), lambda _: self.run_on(self.main_queue, token.fields["block"], 0))
         self.note(f"observer of {name.value} on {shown(queue)}")
         return token
 
@@ -133,7 +140,7 @@ class Foundation(Library):
             self.release(observer)
 
     def observe_darwin(self, center, observer, callback, name, sender, behaviour):
-        self.observe(center, name, int(observer), lambda: self.call(callback, center.address, observer, name.address, 0, 0))
+        self.observe(center, name, int(observer), lambda _: self.call(callback, center.address, observer, name.address, 0, 0))
 
     def stop_observing_darwin(self, center, observer, name, sender):
         self.observers = [each for each in self.observers if each[:3] != (center, name.value, observer)]
@@ -222,8 +229,9 @@ EFFECTS = {
     ),
     "NSUserDefaults initWithSuiteName:": Foundation.name_suite,
     "NSUserDefaults objectForKey:": lambda s, defaults, key: s.domain(defaults).get(key.value),
-    "NSUserDefaults setObject:forKey:": lambda s, defaults, value, key: s.domain(defaults).update({key.value: value.value}),
+    "NSUserDefaults setObject:forKey:": Foundation.set_preference,
     "NSUserDefaults removeObjectForKey:": lambda s, defaults, key: s.domain(defaults).pop(key.value, None),
+    "NSUserDefaults dictionaryRepresentation": lambda s, defaults: dict(s.domain(defaults)),
     "NSUserDefaults removePersistentDomainForName:": lambda s, defaults, domain: s.domain(defaults).clear(),
     "CFPreferencesAppSynchronize": lambda s, domain: s.note(f"synchronise {domain.value}") or True,
     "SMAppService registerAndReturnError:": Foundation.register,

@@ -139,6 +139,11 @@ class Library(Runtime):
         return address
 
     def printed(self, buffer, size, text):
+        data = self.formatted(text).encode()
+        self.write(buffer, data[: max(size - 1, 0)] + b"\0" if size else b"")
+        return len(data)
+
+    def formatted(self, text):
         """The variable arguments are words on the stack."""
         words = iter(self.read_words(self.stack(), 8))
 
@@ -148,9 +153,7 @@ class Library(Runtime):
             (value,) = struct.unpack_from(code, word)
             return (match[1] + kind.replace("u", "d")) % (self.text_at(value) if kind == "s" else value)
 
-        data = re.sub(r"(%[-+ 0#]*\d*(?:\.\d+)?)((?:ll|l|z)?[diuxsfg])", argument, self.text_at(text)).encode()
-        self.write(buffer, data[: max(size - 1, 0)] + b"\0" if size else b"")
-        return len(data)
+        return re.sub(r"(%[-+ 0#]*\d*(?:\.\d+)?)((?:ll|l|z)?[diuxsfg])", argument, self.text_at(text))
 
     def parsed_real(self, text, end, *_):
         number = re.match(r"[-+]?[\d.]+([eE][-+]?\d+)?", self.text_at(text))[0]

@@ -345,7 +345,7 @@ class Runtime(Program):
             return lambda _, thing, value: self.set_field(thing, member.property, value, member.is_held)
 
         def look(_, thing):
-            if thing.fields.get(member.property) is None and member.is_held and member.made in self.declared.classes:
+            if member.property not in thing.fields and member.is_held and member.made in self.declared.classes:
                 self.set_field(thing, member.property, self.new(member.made))
             if member.is_fixed and member.property not in thing.fields:
                 raise Fault(f"unknown value: {thing.name}.{member.property}")
