@@ -99,7 +99,7 @@ class System(Foundation):
 
     def make_window(self, window, frame, style, backing, is_deferred):
         self.windows.append(window)
-        window.fields.update(frame=frame, windowNumber=40 + self.numbers[window.cls.name], ignoresMouseEvents=False)
+        window.fields.update(frame=frame, windowNumber=40 + self.numbers[window.cls.name], ignoresMouseEvents=False, backingScaleFactor=2.0)
         return window
 
     def order_front(self, window):
@@ -125,9 +125,13 @@ class System(Foundation):
             for view in self.views(window):
                 left, bottom, width, height = self.frame_in_window(view)
                 if self.implements(view, "mouseDown:") and left <= x < left + width and bottom <= y < bottom + height:
-                    self.pressed = view if self.send(view, "acceptsFirstMouse:", event) & 1 else None
-        if self.pressed:
-            self.send(self.pressed, MOUSE[event.fields["type"]], event)
+                    self.pressed = view if self._sent(view, "acceptsFirstMouse:", event) & 1 else None
+        view = self.pressed
+        if view:
+            self._sent(view, MOUSE[event.fields["type"]], event)
+        for each in (window, view):  # the system goes on using both
+            if each and each.address not in self.things:
+                raise Fault(f"{each.name} is deallocated while it handles an event")
 
     def animate(self, cls, changes, completion):
         context = self.retain(self.new("NSAnimationContext"))

@@ -18,6 +18,7 @@ class Foundation(Library):
     def __init__(self, bundle, effects, documented, secret, answers, program):
         """The answers are the main application's, by message."""
         self.answers, self.ports, self.has_main_application = answers, {}, True
+        self.while_waiting = lambda: None  # what happens while a request waits for its answer
         self.domains, self.observers, self.copies = {}, [], []
         self.session, self.refuses_login_item = {"kCGSSessionOnConsoleKey": True}, False
         files = [path for path in bundle.rglob("*") if path.is_file()]
@@ -168,6 +169,7 @@ class Foundation(Library):
         self.note(f"request {number} to {port.name.removeprefix(PORT)}: {rest}, {send_timeout:g} s, {reply_timeout:g} s, {shown(mode)}")
         if mode and self.current in (None, self.main_queue):
             self.drain(self.main_queue)  # while the call waits, the thread's run loop runs
+            self.while_waiting()
         if mode:
             self.write_words(place, self.retain(self.box(self.answers[number])).address)
         return 0
@@ -187,6 +189,7 @@ EFFECTS = {
     "CFGetTypeID": lambda s, thing: isinstance(thing.value, bool),
     "CFBooleanGetTypeID": lambda s: True,
     "CFNumberIsFloatType": lambda s, number: isinstance(number.value, float),
+    "CFAutorelease": lambda s, thing: s.autorelease(thing),
     "CFRetain": lambda s, thing: s.retain(thing),
     "CFRelease": lambda s, thing: s.release(thing),
     "NSArray arrayWithObjects:count:": lambda s, cls, items, count: [s.thing(each) for each in s.read_words(items, count)],
@@ -207,6 +210,8 @@ EFFECTS = {
     "NSMutableData appendBytes:length:": lambda s, data, more, length: data.value.extend(s.read(more, length)),
     "NSMutableData mutableBytes": lambda s, data: s.buffer(data, data.value),
     "NSURL fileURLWithPath:": lambda s, cls, path: s.make_url(path.value),
+    "NSURL fileURLWithFileSystemRepresentation:isDirectory:relativeToURL:": lambda s, cls, path, *_: s.make_url(path),
+    "NSURL fileSystemRepresentation": lambda s, url: s.buffer(url, url.value.encode() + b"\0"),
     "NSUUID UUID": lambda s, cls: s.new("NSUUID", "5D1A7C52-0D3B-4A53-9E0B-1F9A3C6C8E11"),
     "NSProcessInfo processIdentifier": lambda s, process: PID,
     "NSProcessInfo operatingSystemVersion": lambda s, process: struct.pack("<3q", 26, 1, 2),

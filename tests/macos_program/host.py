@@ -95,19 +95,21 @@ class Host(System):
     def run_loop(self):
         loop = self.loop()
         loop.fields["is_stopped"] = False
+        while not loop.fields["is_stopped"]:
+            self.turn(loop)
+
+    def turn(self, loop):
+        """What has become due; for the main thread the scenario first."""
         if self.thread is self.threads[0]:
             self.settle()
-            self.scenario(self)
-        while not loop.fields["is_stopped"]:
-            if self.thread is self.threads[0]:
-                self.pass_time(0.05)
-            else:
-                self.switch()
-                if "asked" in loop.fields:
-                    loop.fields["answer"] = self.answer(*loop.fields.pop("asked"))
-                while loop.value:
-                    self.run_block(loop.value[0])
-                    self.release(loop.value.pop(0))
+            scenario, self.scenario = self.scenario, lambda mac: mac.pass_time(0.05)
+            return scenario(self)
+        self.switch()
+        if "asked" in loop.fields:
+            loop.fields["answer"] = self.answer(*loop.fields.pop("asked"))
+        while loop.value:
+            self.run_block(loop.value[0])
+            self.release(loop.value.pop(0))
 
     def make_local_port(self, allocator, name, callout, context, is_others):
         port = self.ports[name.value] = self.new("CFMessagePort", name=name.value, callout=callout, info=self.read_word(context + 8))
@@ -199,6 +201,7 @@ EFFECTS = {
     "pthread_cond_destroy": lambda s: 0,
     "CFRunLoopGetCurrent": Host.loop,
     "CFRunLoopRun": Host.run_loop,
+    "CFRunLoopRunInMode": lambda s, *_: s.turn(s.loop()) or 4,  # kCFRunLoopRunHandledSource
     "CFRunLoopStop": lambda s, loop: loop.fields.update(is_stopped=True),
     "CFRunLoopPerformBlock": lambda s, loop, mode, block: loop.value.append(s.retain(s.copied(block))),
     "CFMessagePortCreateLocal": Host.make_local_port,

@@ -205,6 +205,7 @@ EFFECTS = {
     "strtod_l": Library.parsed_real,
     "snprintf": Library.printed,
     "__toupper": lambda s, letter: letter - 32 if 97 <= letter <= 122 else letter,
+    "pow": lambda s: math.pow(s.real(0), s.real(1)),
     "fmod": lambda s: math.fmod(s.real(0), s.real(1)),
     "__error": Library.errno_place,
     "getpid": lambda s: PID,

@@ -465,6 +465,7 @@ RUNTIME = {
     "objc_alloc": lambda s, cls: s.instance(s.class_at(cls)),
     "objc_alloc_init": alloc_init,
     "objc_release": lambda s, address: s.release(s.thing(address)),
+    "objc_retainBlock": lambda s, address: s.retain(s.copied(s.thing(address))),
     "Block dealloc": Runtime.end_block,
     "objc_storeStrong": store_strong,
     "objc_storeWeak": store_weak,
