@@ -230,7 +230,6 @@ EFFECTS = {
     "NSView convertPoint:fromView:": lambda s, view, point, other: s.point_in(view, point),
     "NSView window": lambda s, view: next((each for each in s.windows if view in s.views(each)), None),
     "NSWindow convertPointFromScreen:": lambda s, window, point: tuple(each - at for each, at in zip(point, window.fields["frame"])),
-    "NSAccessibilityFrameInView": lambda s, view, frame: frame,
     "NSMutableArray arrayWithCapacity:": lambda s, cls, capacity: s.new("NSMutableArray", []),
     "NSMutableArray addObject:": lambda s, array, item: array.value.append(s.retain(item)),
     "NSGlassEffectView setContentView:": System.set_glass_content,

@@ -31,18 +31,15 @@ class Host(System):
     # Threads
 
     def switch(self):
-        """Lets each other thread run until it waits."""
+        """Lets the next thread run. This one goes on when each has run until it waits."""
         here = self.thread
-        others = [each for each in self.threads if each is not here and not each.has_ended]
-        if not others:
+        at = self.threads.index(here)
+        following = next((each for each in self.threads[at + 1 :] + self.threads[:at] if not each.has_ended), None)
+        if following is None:
             return
-        following = self.threads[self.threads.index(here) + 1 :] + self.threads
-        self._go(next(each for each in following if each in others), here)
-
-    def _go(self, thread, here):
         registers, here.pools = self.unicorn.context_save(), self.pools
-        self.thread, self.pools = thread, thread.pools
-        thread.turn.release()
+        self.thread, self.pools = following, following.pools
+        following.turn.release()
         here.turn.acquire()
         self.unicorn.context_restore(registers)
         if self.fault and here is self.threads[0]:
@@ -197,7 +194,6 @@ EFFECTS = {
     "pthread_join": Host.join_thread,
     "pthread_cond_wait": Host.wait,
     "pthread_cond_timedwait": Host.wait,
-    "pthread_cond_signal": lambda s: 0,
     "pthread_cond_destroy": lambda s: 0,
     "CFRunLoopGetCurrent": Host.loop,
     "CFRunLoopRun": Host.run_loop,
@@ -215,7 +211,6 @@ EFFECTS = {
     "pthread_setspecific": lambda s, key, value: 0,
     "pthread_setname_np": lambda s, name: s.note(f"thread {s.text_at(name)}") or 0,
     "lstat": Host.status_of,
-    "stat": Host.status_of,
     "renamex_np": Host.rename,
     "opendir": Host.open_folder,
     "readdir": Host.read_folder,
