@@ -7,5 +7,5 @@ enum NSEventType : NSUInteger { NSEventTypeLeftMouseDown = 1, NSEventTypeLeftMou
 @interface NSEvent : NSObject
 @property(readonly) NSEventType type;
 @property(readonly) NSPoint locationInWindow;
-@property(class, readonly) NSPoint mouseLocation;  // from memory
+@property(class, readonly) NSPoint mouseLocation;
 @end

@@ -35,8 +35,8 @@ typedef NSInteger NSWindowLevel;
 @property CGFloat alphaValue;
 @property BOOL ignoresMouseEvents;
 @property(strong) NSView* contentView;
-- (void)setFrame:(NSRect)frameRect display:(BOOL)flag;  // from memory
-- (NSPoint)convertPointFromScreen:(NSPoint)point;       // from memory
+- (void)setFrame:(NSRect)frameRect display:(BOOL)flag;
+- (NSPoint)convertPointFromScreen:(NSPoint)point;
 - (void)orderFrontRegardless;
 - (void)orderOut:(id)sender;
 - (void)close;

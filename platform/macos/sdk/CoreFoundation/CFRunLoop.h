@@ -14,6 +14,5 @@ void CFRunLoopWakeUp(CFRunLoopRef rl);
 void CFRunLoopStop(CFRunLoopRef rl);
 void CFRunLoopPerformBlock(CFRunLoopRef rl, CFTypeRef mode, void (^block)(void));
 void CFRunLoopAddSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
-void CFRunLoopRemoveSource(CFRunLoopRef rl, CFRunLoopSourceRef source,
-                           CFRunLoopMode mode);  // from memory
+void CFRunLoopRemoveSource(CFRunLoopRef rl, CFRunLoopSourceRef source, CFRunLoopMode mode);
 }

@@ -6,5 +6,5 @@
 
 @interface NSURL : NSObject
 @property(readonly, copy) NSString* path;
-+ (NSURL*)fileURLWithPath:(NSString*)path;  // from memory
++ (NSURL*)fileURLWithPath:(NSString*)path;
 @end

@@ -5,7 +5,7 @@
 
 @interface CALayer : NSObject
 + (instancetype)layer;
-@property CGRect frame;  // from memory
+@property CGRect frame;
 @property CATransform3D transform;
 @property CGColorRef shadowColor;
 @property float shadowOpacity;
