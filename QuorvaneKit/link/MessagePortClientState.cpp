@@ -74,6 +74,8 @@ void MessagePortClient::State::stop() {
 void MessagePortClient::State::connect() {
     ++portAttempts;
     if (localResponder) return;
+    // First, because on macOS both ports of one name would be the same object.
+    if (remotePort) disconnect();
     auto port = services.connectPort(portBaseName);
     if (port == nullptr) {
         log.error("Message port not available");

@@ -232,6 +232,12 @@ double contrastWithWhite(std::uint32_t pixel, double opacity) {
     return (relativeLuminance(text) + 0.05) / (relativeLuminance(pixel) + 0.05);
 }
 
+double darkTintOpacity() {
+    std::uint32_t grey = 255;
+    while (contrastWithWhite(grey * 0x010101, kTextOpacity) < kTextContrast) --grey;
+    return 1 - grey / 255.0;
+}
+
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
                        double scale) {
     const int step = std::max(1, static_cast<int>(std::lround(kPointsAValue * scale)));

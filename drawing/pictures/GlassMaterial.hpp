@@ -13,6 +13,8 @@ namespace quorvane {
 double relativeLuminance(std::uint32_t pixel);
 // The contrast ratio of white text of this opacity on a pixel, 1 to 21.
 double contrastWithWhite(std::uint32_t pixel, double opacity = 1);
+// The opacity of a black tint that is just dark enough for the card's faintest text on white.
+double darkTintOpacity();
 
 // `card` is the part of the backdrop, in its pixels, that the glass will cover. Down to
 // `textBottom` points below its top, the card's faintest text has a contrast of at least 4.5 on

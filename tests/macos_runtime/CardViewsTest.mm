@@ -47,6 +47,10 @@ TEST_F(CardViewsTest, ArePutTogetherFromTheBack) {
 
 TEST_F(CardViewsTest, TheShadowFallsAroundTheCardOnly) {
     EXPECT_EQ(([shadow_ hitTest:{100, 100}]), nil);
+    NSWindow* const window = [NSWindow new];
+    macrt::setAnswer(window, "backingScaleFactor", 2);
+    macrt::setAnswer(shadow_, "window", window);
+    [shadow_ viewDidChangeBackingProperties];
     [shadow_ layout];
 }
 

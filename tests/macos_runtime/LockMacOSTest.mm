@@ -7,6 +7,7 @@
 #include "AddOnKit/card/PlayerGeometry.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
+#include "platform/macos/foundation/FoundationValues.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
 #include "tests/macos_runtime/fakes/DispatchFakes.hpp"
@@ -147,7 +148,7 @@ private:
         NSString* const identifier = macrt::makeString(kAddOnBundleIdentifier);
         NSString* const bundle = @"/Applications/Quorvane Lock Screen.app";
         setAnswer("NSBundle.infoDictionary", @{@"CFBundleShortVersionString" : @"1.2.3"});
-        setAnswer("NSBundle.bundleURL", [NSURL fileURLWithPath:bundle]);
+        setAnswer("NSBundle.bundleURL", urlFrom(macrt::textOf(bundle)));
         setAnswer("NSBundle.bundleIdentifier", identifier);
         setAnswer("NSProcessInfo.processIdentifier", 4711);
         setAnswer("NSProcessInfo.operatingSystemVersion", NSOperatingSystemVersion{26, 1, 2});
@@ -158,9 +159,9 @@ private:
         setAnswer("NSPropertyListSerialization.propertyListWithData:options:format:error:",
                   @{@"CFBundleIdentifier" : identifier});
         setAnswer("NSFileManager.URLsForDirectory:inDomains:",
-                  @[ [NSURL fileURLWithPath:@"/Users/u/Library/Application Support"] ]);
+                  @[ urlFrom("/Users/u/Library/Application Support") ]);
         setAnswer("NSFileManager.containerURLForSecurityApplicationGroupIdentifier:",
-                  [NSURL fileURLWithPath:@"/Groups/quorvane"]);
+                  urlFrom("/Groups/quorvane"));
         macrt::files()["/Groups/quorvane/ipc-secret"] = textOf(mainApp_.secret);
         setAnswer(
             "CGSessionCopyCurrentDictionary",

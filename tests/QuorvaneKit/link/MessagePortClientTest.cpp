@@ -171,6 +171,15 @@ TEST_F(MessagePortClientTest, CommandsAreOneByteAndAwaitNothing) {
     EXPECT_EQ(ports.sent[1].messageID, 4);
 }
 
+TEST_F(MessagePortClientTest, DropsItsPortBeforeItAsksForTheNext) {
+    connect();
+    std::vector<bool> seen;
+    const Handle handle =
+        client->isConnected().subscribe([&] { seen.push_back(client->isConnected().get()); });
+    client->connect();
+    EXPECT_EQ(seen, (std::vector<bool>{false, true}));
+}
+
 TEST_F(MessagePortClientTest, AReplysMemoryIsKeptOnlyWhilePolling) {
     connect();
     client->requestStateUpdate();

@@ -131,6 +131,15 @@ TEST(GlassMaterial, MeasuresContrastAsReadersDo) {
     EXPECT_NEAR(contrastWithWhite(0xffff0000), 4.0, 0.01);
 }
 
+TEST(GlassMaterial, TintsWhiteJustDarkEnough) {
+    const auto contrastUnder = [](double tint) {
+        const auto grey = static_cast<std::uint32_t>(std::lround(255 * (1 - tint)));
+        return contrastWithWhite(grey * 0x010101, PlayerLayout::kSecondaryOpacity);
+    };
+    EXPECT_GE(contrastUnder(darkTintOpacity()), 4.5);
+    EXPECT_LT(contrastUnder(darkTintOpacity() - 0.02), 4.5);
+}
+
 TEST(Blur, SpreadsLikeAGaussianWithoutMovingOrLosingLight) {
     for (const double deviation : {0.8, 2.0, 5.5, 11.0}) {
         Plane plane{121, 101};

@@ -7,8 +7,9 @@
 
 namespace macrt {
 
-// Runs what was added to the main queue, and what that adds, until nothing is left.
-void drainMainQueue();
+// Runs what was added to the main queue, and what that adds, until nothing is left. Whether there
+// was anything.
+bool drainMainQueue();
 // The same for every other queue, each action as on its own queue.
 void drainQueues();
 // Moves the time that timers go by, firing what falls due on the way.

@@ -3,6 +3,7 @@
 #include "tests/macos_runtime/fakes/PortFakes.hpp"
 
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 #include "tests/macos_runtime/fakes/DispatchFakes.hpp"
@@ -114,6 +115,14 @@ void CFRunLoopPerformBlock(CFRunLoopRef, CFTypeRef, void (^block)(void)) {
     ports.blocks.push_back(block);
 }
 void CFRunLoopStop(CFRunLoopRef) { ports.isStopped = true; }
+
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval,
+                                      Boolean returnAfterSourceHandled) {
+    macrt::note("run loop in " + textOf(mode) +
+                (returnAfterSourceHandled ? " for one source" : ""));
+    if (!macrt::drainMainQueue()) throw std::logic_error{"the loop waits for ever"};
+    return static_cast<CFRunLoopRunResult>(4);  // a source was handled
+}
 
 void CFRunLoopRun() {
     ports.isStopped = false;  // a stop from before is forgotten

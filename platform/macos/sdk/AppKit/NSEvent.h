@@ -2,7 +2,11 @@
 
 #include <Foundation/Foundation.h>
 
-enum NSEventType : NSUInteger { NSEventTypeLeftMouseDown = 1, NSEventTypeLeftMouseUp = 2 };
+enum NSEventType : NSUInteger {
+    NSEventTypeLeftMouseDown = 1,
+    NSEventTypeLeftMouseUp = 2,
+    NSEventTypeMouseCancelled = 40
+};
 
 @interface NSEvent : NSObject
 @property(readonly) NSEventType type;

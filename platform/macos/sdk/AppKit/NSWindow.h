@@ -11,6 +11,7 @@ typedef NSUInteger NSWindowStyleMask;
 typedef NSUInteger NSWindowCollectionBehavior;
 typedef NSUInteger NSWindowOcclusionState;
 typedef NSInteger NSWindowLevel;
+enum NSWindowAnimationBehavior : NSInteger { NSWindowAnimationBehaviorNone = 2 };
 
 @interface NSWindow : NSResponder
 - (instancetype)initWithContentRect:(NSRect)contentRect
@@ -31,6 +32,9 @@ typedef NSInteger NSWindowLevel;
 @property NSWindowCollectionBehavior collectionBehavior;
 @property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 @property BOOL hidesOnDeactivate;
+@property BOOL canHide;
+@property NSWindowAnimationBehavior animationBehavior;
+@property(readonly) CGFloat backingScaleFactor;
 @property BOOL acceptsMouseMovedEvents;
 @property CGFloat alphaValue;
 @property BOOL ignoresMouseEvents;

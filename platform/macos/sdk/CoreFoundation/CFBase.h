@@ -14,4 +14,5 @@ extern "C" {
 CFTypeID CFGetTypeID(CFTypeRef cf);
 CFTypeRef CFRetain(CFTypeRef cf);
 void CFRelease(CFTypeRef cf);
+CFTypeRef CFAutorelease(CFTypeRef arg);
 }

@@ -7,6 +7,7 @@
 + (instancetype)layer;
 @property CGRect frame;
 @property CATransform3D transform;
+@property CGFloat contentsScale;
 @property CGColorRef shadowColor;
 @property float shadowOpacity;
 @property CGSize shadowOffset;
