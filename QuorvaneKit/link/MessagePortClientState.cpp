@@ -75,10 +75,11 @@ void MessagePortClient::State::connect() {
     ++portAttempts;
     if (localResponder) return;
     // First, because on macOS both ports of one name would be the same object.
-    if (remotePort) disconnect();
+    remotePort.reset();
     auto port = services.connectPort(portBaseName);
     if (port == nullptr) {
         log.error("Message port not available");
+        isConnected.set(false);
         return;
     }
     const std::weak_ptr alive = weak_from_this();
