@@ -14,15 +14,14 @@ set(QUORVANE_MACOS_SERVICES
     services/ClockMacOS.mm
     services/DarwinNoticesMacOS.mm
     services/DistributedNoticesMacOS.mm
+    services/EmptyServicesMacOS.cpp
     services/InstallationMacOS.mm
     services/LockSourcesMacOS.mm
     services/LiveServicesMacOS.mm
     services/LogMacOS.mm
-    services/MediaPlayersMacOS.cpp
     services/OSLogBuffer.cpp
     services/ProcessInfoMacOS.mm
     services/QueuesMacOS.mm
-    services/SessionProblemsMacOS.cpp
     services/SignalSource.mm
     services/ToolMacOS.mm
 )

@@ -58,7 +58,7 @@ TEST_F(CardViewsTest, SpringInFromALittleBelow) {
     macrt::setAnswer("CASpringAnimation.settlingDuration", 0.8125);
     stage_->setHidden(false);
     stage_->removeAnimations();
-    stage_->springFrom({.scale = 0.94, .centre = {252, 163}, .offset = {0, 12}},
+    stage_->springFrom({.scale = 0.94, .centre = {252, 163}, .offset = {5, 12}},
                        {.perceptualDuration = 0.5, .bounce = 0.05});
 }
 

@@ -81,6 +81,7 @@ TEST_F(PortsMacOSTest, ServesUntilItIsStopped) {
     macrt::whileRunning() = [&] {
         EXPECT_EQ(macrt::callPort("group.port", 7, "x"), "7x");
         EXPECT_EQ(macrt::callPort("group.port", 2, ""), "");
+        EXPECT_EQ(macrt::callPort("group.port", 3, ""), "3");
         port->stop();
     };
     port->run();

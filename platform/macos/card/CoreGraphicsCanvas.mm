@@ -2,7 +2,6 @@
 
 #include "drawing/SymbolFacing.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
-#include "platform/macos/card/DecodedImage.hpp"
 #include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {

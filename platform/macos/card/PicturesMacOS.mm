@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "drawing/pictures/PictureLimits.hpp"
-#include "platform/macos/card/DecodedImage.hpp"
+#include "platform/macos/card/CoreGraphicsValues.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
 #include "platform/macos/foundation/ReferenceCounting.hpp"
 

@@ -4,7 +4,6 @@
 #include <stdio.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "platform/macos/files/FilesMacOS.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
@@ -40,11 +39,7 @@ Result<void> putInPlace(const path& staged, const path& place) {
     };
     // Both renames are atomic, so two programs cannot both find the place empty.
     if (rename(RENAME_SWAP) || (errno == ENOENT && rename(RENAME_EXCL))) return {};
-    const int code = errno;
-    return std::unexpected{
-        PlatformError{.domain = PlatformError::Domain::posix,
-                      .code = code,
-                      .description = place.native() + ": " + std::strerror(code)}};
+    return posixErrorMacOS(place, errno);
 }
 
 void discardStaged(const path& folder) {

@@ -1,6 +1,7 @@
 // The shared container, whole files, bundles, preferences and random bytes.
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -13,6 +14,9 @@ namespace quorvane {
 FileStore makeFileStoreMacOS();
 FillRandom makeFillRandomMacOS();
 std::string makeUUIDMacOS();
+
+// The description is the path and the code's text.
+std::unexpected<PlatformError> posixErrorMacOS(const std::filesystem::path& path, int code);
 
 // The dictionary of "Contents/Info.plist"; empty when it is unreadable or not a dictionary.
 PropertyDictionary propertiesOfBundleMacOS(const std::filesystem::path& bundle);

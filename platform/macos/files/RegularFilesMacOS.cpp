@@ -6,16 +6,18 @@
 #include <cstring>
 
 #include "platform/RegularFiles.hpp"
+#include "platform/macos/files/FilesMacOS.hpp"
 
 namespace quorvane {
-namespace {
 
-std::unexpected<PlatformError> failed(const std::filesystem::path& path, int code) {
+std::unexpected<PlatformError> posixErrorMacOS(const std::filesystem::path& path, int code) {
     return std::unexpected{
         PlatformError{.domain = PlatformError::Domain::posix,
                       .code = code,
                       .description = path.native() + ": " + std::strerror(code)}};
 }
+
+namespace {
 
 class OpenFile {
 public:
@@ -35,7 +37,8 @@ private:
 };
 
 Result<FileStamp> stampFrom(const struct stat& status, const std::filesystem::path& path) {
-    if (!S_ISREG(status.st_mode)) return failed(path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    if (!S_ISREG(status.st_mode))
+        return posixErrorMacOS(path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
     return FileStamp{.device = static_cast<std::uint64_t>(status.st_dev),
                      .file = status.st_ino,
                      .size = static_cast<std::uint64_t>(status.st_size),
@@ -45,7 +48,7 @@ Result<FileStamp> stampFrom(const struct stat& status, const std::filesystem::pa
 
 Result<FileStamp> stampOf(const std::filesystem::path& path) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) return failed(path, errno);
+    if (stat(path.c_str(), &status) != 0) return posixErrorMacOS(path, errno);
     return stampFrom(status, path);
 }
 
@@ -59,15 +62,15 @@ Result<Bytes> readUpTo(int file, std::uint64_t limit, const std::filesystem::pat
         const ssize_t count = ::read(file, contents.data() + filled, kStep);
         contents.resize(filled + static_cast<std::size_t>(count > 0 ? count : 0));
         if (count == 0) return contents;
-        if (count < 0 && errno != EINTR) return failed(path, errno);
+        if (count < 0 && errno != EINTR) return posixErrorMacOS(path, errno);
     }
-    return failed(path, EFBIG);
+    return posixErrorMacOS(path, EFBIG);
 }
 
 Result<StampedFile> readFile(const std::filesystem::path& path, std::uint64_t limit) {
     const OpenFile file{path};
     struct stat status {};
-    if (file.get() < 0 || fstat(file.get(), &status) != 0) return failed(path, errno);
+    if (file.get() < 0 || fstat(file.get(), &status) != 0) return posixErrorMacOS(path, errno);
     const auto stamp = stampFrom(status, path);
     if (!stamp) return std::unexpected{stamp.error()};
     auto contents = readUpTo(file.get(), limit, path);

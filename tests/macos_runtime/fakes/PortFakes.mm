@@ -98,7 +98,8 @@ SInt32 CFMessagePortSendRequest(CFMessagePortRef remote, SInt32 msgid, CFDataRef
 }
 
 CFRunLoopSourceRef CFMessagePortCreateRunLoopSource(CFAllocatorRef, CFMessagePortRef local,
-                                                    CFIndex) {
+                                                    CFIndex order) {
+    macrt::note("port source " + std::to_string(order));
     return (CFRunLoopSourceRef)CFRetain(local);
 }
 
