@@ -10,9 +10,6 @@
 #include "platform/macos/foundation/FoundationValues.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
-#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
-#include "tests/macos_runtime/fakes/NoticeFakes.hpp"
-#include "tests/macos_runtime/fakes/PortFakes.hpp"
 #include "tests/macos_runtime/fakes/SystemFakes.hpp"
 #include "tests/support/FakePlatform.hpp"
 

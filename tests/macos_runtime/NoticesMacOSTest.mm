@@ -3,7 +3,7 @@
 #include "platform/macos/services/ServicesMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
-#include "tests/macos_runtime/fakes/NoticeFakes.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 namespace quorvane {
 namespace {

@@ -1,7 +1,6 @@
 // Message ports: both ends.
 #include "platform/macos/ports/MessagePortsMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
-#include "tests/macos_runtime/fakes/PortFakes.hpp"
 #include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 namespace quorvane {

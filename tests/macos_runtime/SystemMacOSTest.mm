@@ -11,8 +11,6 @@
 #include "platform/macos/foundation/FoundationValues.hpp"
 #include "platform/macos/services/ServicesMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
-#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
-#include "tests/macos_runtime/fakes/NoticeFakes.hpp"
 #include "tests/macos_runtime/fakes/SystemFakes.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 

@@ -1,5 +1,5 @@
 // Queues, timers and signal sources.
-#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 #import <dispatch/dispatch.h>
 
@@ -7,8 +7,6 @@
 #include <deque>
 #include <map>
 #include <utility>
-
-#include "tests/macos_runtime/fakes/Answers.hpp"
 
 @interface FakeQueue : NSObject <OS_dispatch_queue> {
 @public

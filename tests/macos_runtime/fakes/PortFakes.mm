@@ -1,13 +1,10 @@
 // Message ports and the run loop that serves them, which runs what a test has written down and
 // comes back.
-#include "tests/macos_runtime/fakes/PortFakes.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 #include <set>
 #include <stdexcept>
 #include <utility>
-
-#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
-#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 @interface FakePort : NSObject {
 @public
