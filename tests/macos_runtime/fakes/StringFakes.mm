@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <map>
 
+#include "QuorvaneKit/json/UTF8.hpp"
 #include "tests/macos_runtime/fakes/Fakes.hpp"
 
 @implementation NSString {
@@ -11,7 +12,7 @@
                        length:(NSUInteger)len
                      encoding:(NSStringEncoding)encoding {
     text_.assign(static_cast<const char*>(bytes), len);
-    return self;
+    return quorvane::isValidUTF8(text_) ? self : nil;
 }
 - (const char*)UTF8String {
     return text_.c_str();
