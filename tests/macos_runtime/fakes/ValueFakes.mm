@@ -96,6 +96,7 @@ static NSNumber* numberOf(auto value) {
 
 @implementation NSMutableData
 + (instancetype)dataWithCapacity:(NSUInteger)aNumItems {
+    macrt::note("data of " + std::to_string(aNumItems));
     return [self new];
 }
 - (void*)mutableBytes {
