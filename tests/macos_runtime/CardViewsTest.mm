@@ -133,6 +133,7 @@ TEST_F(CardViewsTest, HaveAnElementForEveryControl) {
         NSAccessibilityElement* const button = macrt::itemsOf(children)[0];
         NSAccessibilityElement* const slider = macrt::itemsOf(children)[1];
         NSAccessibilityElement* const text = macrt::itemsOf(children)[2];
+        EXPECT_TRUE(content_.isAccessibilityElement);
         EXPECT_EQ(content_.accessibilityRole, NSAccessibilityGroupRole);
         EXPECT_EQ(button.accessibilityRole, NSAccessibilityButtonRole);
         EXPECT_EQ(macrt::textOf(button.accessibilityLabel), "Next Track");

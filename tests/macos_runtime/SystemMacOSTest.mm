@@ -2,6 +2,8 @@
 #import <AppKit/AppKit.h>
 #import <ServiceManagement/ServiceManagement.h>
 
+#include <sys/stat.h>
+
 #include <csignal>
 
 #include "platform/BundleFiles.hpp"
@@ -298,6 +300,8 @@ TEST_F(SystemMacOSTest, FilesOfTheBundleAreManagedWithTheirErrors) {
         read,
         @{@"CFBundleIdentifier" : @5LL});
     EXPECT_FALSE(files.identity("/x.app"));
+    setAnswer(read, @[ @"a.bundle" ]);
+    EXPECT_FALSE(files.identity("/x.app"));
 }
 
 TEST_F(SystemMacOSTest, BundlesAreStagedOutOfSight) {
@@ -361,6 +365,10 @@ TEST_F(SystemMacOSTest, RegularFilesAreReadUpToTheirLimit) {
     ASSERT_TRUE(file);
     EXPECT_EQ(textOf(file->contents), "12345");
     EXPECT_EQ(file->stamp, files.stamp(folder.path() / "art").value());
+    struct stat status {};
+    ASSERT_EQ(stat((folder / "art").c_str(), &status), 0);
+    EXPECT_EQ(file->stamp.modifiedNanoseconds,
+              status.st_mtim.tv_sec * 1'000'000'000 + status.st_mtim.tv_nsec);
     EXPECT_FALSE(files.read(folder.path() / "art", 4));
     EXPECT_FALSE(files.stamp(folder.path()));
 }
