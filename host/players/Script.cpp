@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::uint64_t kLargestScript = 4u << 20;
 constexpr std::uint64_t kLargestArtwork = 8u << 20;
-constexpr double kLongestTrack = 7 * 24 * 3600;
 
 // Iterative, so that deep nesting cannot overflow the stack; validated, so that only UTF-8 reaches
 // the link.

@@ -267,6 +267,10 @@ TEST_F(AddOnCoordinatorTest, ABundleWithoutAVersionHasADashForOne) {
 // wait decide about the windows.
 TEST_F(AddOnCoordinatorTest, EventsDuringADragsEndDecideAboutTheWindows) {
     enum class Within { unlock, screensChange, unlockUnderPress };
+    const auto changeScreens = [this] {
+        platform.screens.list.front().scale += 1;
+        platform.screens.changed();
+    };
     for (const Within within : {Within::unlock, Within::screensChange, Within::unlockUnderPress}) {
         lockAndShow();
         const auto area = *platform.frame(ID::volume);
@@ -277,14 +281,14 @@ TEST_F(AddOnCoordinatorTest, EventsDuringADragsEndDecideAboutTheWindows) {
         platform.ports.failures.clear();
         platform.ports.duringSend = [&] {
             if (within == Within::screensChange)
-                platform.screens.changed();
+                changeScreens();
             else
                 platform.unlock();
         };
         if (within == Within::unlockUnderPress)
             platform.pointer(Kind::down, quarter);
         else
-            platform.screens.changed();
+            changeScreens();
         EXPECT_FALSE(platform.ports.duringSend);
         platform.settle();
         EXPECT_EQ(platform.windows.open().size(), within == Within::screensChange ? 1u : 0u);
