@@ -18,6 +18,7 @@ constexpr char kGroup[] = "group.example.quillon.Quorvane";
 struct FilesTest : testing::Test {
     TemporaryFolder folder;
     FileStore files = makeFileStore();
+    const RegularFiles regular = makeLiveRegularFiles();
 
     FilesTest() {
         setenv("HOME", (folder / "home").c_str(), 1);
@@ -26,6 +27,11 @@ struct FilesTest : testing::Test {
     }
     std::filesystem::path standardContainer() const {
         return folder / "home/.local/share" / kGroup;
+    }
+    int errorOf(const std::filesystem::path& path, std::uint64_t limit = 100) {
+        const auto read = regular.read(path, limit);
+        EXPECT_TRUE(read || read.error().description.starts_with(path.string()));
+        return read ? 0 : read.error().code;
     }
 };
 
@@ -127,49 +133,36 @@ TEST_F(FilesTest, ABundleIsKnownByItsLayout) {
     EXPECT_TRUE(propertiesOfBundle("").empty());
 }
 
-class RegularFilesTest : public testing::Test {
-protected:
-    TemporaryFolder folder;
-    const RegularFiles files = makeLiveRegularFiles();
-
-    int errorOf(const std::filesystem::path& path, std::uint64_t limit = 100) {
-        const auto read = files.read(path, limit);
-        if (read) return 0;
-        EXPECT_TRUE(read.error().description.starts_with(path.string()));
-        return read.error().code;
-    }
-};
-
-TEST_F(RegularFilesTest, ReadsUpToTheLimit) {
+TEST_F(FilesTest, RegularFilesAreReadUpToTheLimit) {
     const auto path = folder.write("file", "0123456789");
-    EXPECT_EQ(textOf(files.read(path, 10).value().contents), "0123456789");
+    EXPECT_EQ(textOf(regular.read(path, 10).value().contents), "0123456789");
     EXPECT_EQ(errorOf(path, 9), EFBIG);
-    EXPECT_TRUE(files.read(folder.write("empty", ""), 0)->contents.empty());
+    EXPECT_TRUE(regular.read(folder.write("empty", ""), 0)->contents.empty());
     std::filesystem::create_symlink(path, folder / "link");
-    EXPECT_EQ(textOf(files.read(folder / "link", 10)->contents), "0123456789");
+    EXPECT_EQ(textOf(regular.read(folder / "link", 10)->contents), "0123456789");
     // Says that it is empty and is not.
-    EXPECT_FALSE(files.read("/proc/self/status", 1 << 20)->contents.empty());
+    EXPECT_FALSE(regular.read("/proc/self/status", 1 << 20)->contents.empty());
     EXPECT_EQ(errorOf("/proc/self/status", 20), EFBIG);
 }
 
-TEST_F(RegularFilesTest, RefusesWhatIsNoPlainFile) {
+TEST_F(FilesTest, RefusesWhatIsNoPlainFile) {
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     EXPECT_EQ(errorOf(folder / "pipe"), EINVAL) << "and does not wait for a writer";
     EXPECT_EQ(errorOf("/dev/zero"), EINVAL);
     EXPECT_EQ(errorOf(folder.path()), EISDIR);
     EXPECT_EQ(errorOf(folder / "absent"), ENOENT);
-    EXPECT_FALSE(files.stamp(folder / "pipe"));
-    EXPECT_FALSE(files.stamp(folder / "absent"));
+    EXPECT_FALSE(regular.stamp(folder / "pipe"));
+    EXPECT_FALSE(regular.stamp(folder / "absent"));
 }
 
-TEST_F(RegularFilesTest, TheStampTellsVersionsApart) {
+TEST_F(FilesTest, TheStampTellsVersionsApart) {
     const auto path = folder.write("file", "one");
-    const FileStamp first = files.stamp(path).value();
+    const FileStamp first = regular.stamp(path).value();
     EXPECT_EQ(first.size, 3u);
-    EXPECT_EQ(first, files.stamp(path));
+    EXPECT_EQ(first, regular.stamp(path));
     // Another file of the same size at the same place, as an atomic write leaves it.
     std::filesystem::rename(folder.write("new", "two"), path);
-    EXPECT_NE(first, files.stamp(path));
+    EXPECT_NE(first, regular.stamp(path));
 }
 
 }  // namespace

@@ -53,8 +53,8 @@ TEST_F(PortContract, EveryLengthComesThroughWhole) {
         EXPECT_TRUE(*reply.body == body) << length;
         memory = *std::move(reply.body);
     }
-    const LongBody largest{kLargestBody};
-    PortRequest asked = request(largest.view());
+    const std::string largest(kLargestBody, '\0');
+    PortRequest asked = request(bytesOf(largest));
     asked.messageID = 3;
     EXPECT_EQ(remote->send(asked).status, kPortSuccess);
 }
@@ -64,8 +64,8 @@ TEST_F(PortContract, OverTheBoundIsRefusedAndThePortStaysGood) {
     const ServedPort port{
         open, [&](std::int32_t, ByteView) { return Bytes(++calls == 1 ? kLargestBody + 1 : 5); }};
     const auto remote = connect(kName);
-    const LongBody tooLong{kLargestBody + 1};
-    EXPECT_EQ(remote->send(request(tooLong.view())).status, kPortTransportError);
+    const std::string tooLong(kLargestBody + 1, '\0');
+    EXPECT_EQ(remote->send(request(bytesOf(tooLong))).status, kPortTransportError);
     EXPECT_EQ(calls, 0);
     EXPECT_EQ(remote->send(request({})).status, kPortTransportError);
     EXPECT_EQ(remote->send(request({})).body->size(), 5U);

@@ -28,7 +28,6 @@ public:
         if (port_ != nullptr) thread_ = std::thread{[this] { port_->run(); }};
     }
     ~ServedPort() { stop(); }
-    bool isOpen() const { return port_ != nullptr; }
     void stop() {
         if (port_ == nullptr) return;
         port_->stop();
@@ -55,15 +54,6 @@ inline PortRequest request(ByteView body, Duration timeout = 20s) {
 inline std::string textIn(const PortReply& reply) {
     return reply.body ? std::string{textOf(*reply.body)} : "nothing";
 }
-
-// Zeros, made in one go: filling a long Bytes takes seconds in a build that is checked.
-struct LongBody {
-    explicit LongBody(std::size_t itsLength) : length(itsLength) {}
-    ByteView view() const { return {bytes.get(), length}; }
-
-    const std::size_t length;
-    const std::unique_ptr<std::byte[]> bytes = std::make_unique<std::byte[]>(length);
-};
 
 // A blocking socket that gives up after 20 s.
 class BareSocket {

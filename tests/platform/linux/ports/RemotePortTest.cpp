@@ -72,11 +72,11 @@ TEST_F(RemotePortTest, CancellingEndsTheWaitAtOnceAndForGood) {
 }
 
 TEST_F(RemotePortTest, AServerThatDiesOrSleepsWhileTheRequestIsSent) {
-    const LongBody body{8 << 20};
-    EXPECT_EQ(remote->send(request(body.view(), 10ms)).status, kPortSendTimeout);
+    const std::string body(8 << 20, '\0');
+    EXPECT_EQ(remote->send(request(bytesOf(body), 10ms)).status, kPortSendTimeout);
     EXPECT_EQ(remote->send(request({})).status, kPortIsInvalid);  // no frame follows half a frame
     reconnect();
-    auto reply = sendLater(request(body.view()));
+    auto reply = sendLater(request(bytesOf(body)));
     client.receive(1 << 20);
     client.close();
     EXPECT_EQ(reply.get().status, kPortTransportError);
@@ -207,7 +207,6 @@ TEST(RemotePortLookup, LongFoldersAreReachedAllTheSame) {
     std::filesystem::create_directories(path);
     chmod(path.c_str(), 0700);
     const ServedPort port{makeOpenPortLinux(path), echo};
-    ASSERT_TRUE(port.isOpen());
     EXPECT_EQ(textIn(makeConnectPortLinux(path)(kName)->send(request(bytesOf("far")))), "far");
     EXPECT_TRUE(std::filesystem::is_socket(path / kName));
 }

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "QuorvaneKit/link/LockScreenHelloClient.hpp"
+#include "QuorvaneKit/link/MessagePortSecret.hpp"
 #include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/link/SharedDefaultsKey.hpp"
@@ -13,6 +14,7 @@
 #include "platform/MessagePort.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/MemoryFileStore.hpp"
 #include "tests/support/RecordingLog.hpp"
 
 namespace quorvane {
@@ -129,8 +131,6 @@ TEST(SharedNames, EachNoticeAndEachKeyHasItsOwn) {
     notices.insert(std::begin(Notice::kOthers), std::end(Notice::kOthers));
     notices.insert(std::begin(Notice::kWidgetPrefixes), std::end(Notice::kWidgetPrefixes));
     EXPECT_EQ(notices.size(), 25u);
-    for (const std::string_view name : notices)
-        EXPECT_TRUE(name.starts_with("example.quillon.Quorvane.")) << name;
     std::set<std::string_view> keys{Key::lockScreenEnabled, Key::lockScreenRemovalRequested,
                                     Key::lockScreenRemovalTargetInstallID,
                                     Key::lockScreenAddOnLastSeen};
@@ -185,6 +185,45 @@ TEST(SharedDefaults, ReadsDefaultsWithoutASuiteAndForValuesOfOtherTypes) {
     memory.values["lockScreenRemovalRequested"] = PropertyValue{true};
     memory.values["lockScreenRemovalTargetInstallID"] = PropertyValue{std::int64_t{7}};
     EXPECT_EQ(other.lockScreenPendingRemoval(), LockScreenPendingRemoval{});
+}
+
+TEST(MessagePortSecret, TheFirstWriterWinsAndEveryFailureIsLogged) {
+    constexpr char kFile[] = "/container/ipc-secret";
+    const Bytes own(32, std::byte{5});
+    const Bytes other(32, std::byte{7});
+    int randomStatus = 0;
+    MemoryFileStore store;
+    RecordingLog log;
+    const auto make = [&] {
+        const FillRandom fillRandom = [&](std::span<std::byte> place) -> std::expected<void, int> {
+            if (randomStatus != 0) return std::unexpected{randomStatus};
+            std::ranges::copy(own, place.begin());
+            return {};
+        };
+        return MessagePortSecret::make(fillRandom, store.table(), log.sink());
+    };
+    EXPECT_FALSE(MessagePortSecret::read(store.table()));
+    EXPECT_EQ(make(), own);
+    EXPECT_EQ(MessagePortSecret::read(store.table()), own);
+    store.files[kFile] = Bytes(33);  // judged where it is used
+    EXPECT_EQ(MessagePortSecret::read(store.table()), Bytes(33));
+    EXPECT_EQ(make(), own) << "a secret that no client can use is replaced";
+    store.files.clear();
+    store.beforeWrite = [&] { store.files[kFile] = other; };
+    EXPECT_EQ(make(), other);
+    EXPECT_EQ(store.files.at(kFile), other);
+    EXPECT_TRUE(log.lines().empty());
+
+    store.writeFailure = "disk full";
+    EXPECT_FALSE(make());
+    store.container.reset();
+    EXPECT_FALSE(make());
+    EXPECT_FALSE(MessagePortSecret::read(store.table()));
+    randomStatus = -50;
+    EXPECT_FALSE(make());
+    EXPECT_EQ(log.take(), (Lines{"Failed to write IPC secret: disk full",
+                                 "App Group container unavailable; cannot persist IPC secret",
+                                 "Failed to generate IPC secret (SecRandomCopyBytes status -50)"}));
 }
 
 }  // namespace
