@@ -26,45 +26,29 @@ using Kind = QueryOutcome::Kind;
 const LockScreenAddOnHello kHello{1, "1.2.3", "26.1.0", true, "A", false};
 
 TEST(LockScreenHello, TheOutcomeFollowsThePendingRemoval) {
-    using ID = std::optional<std::string>;
-    struct Row {
-        std::optional<LockScreenPendingRemoval> pending;
-        ID helloID;
-        bool supersedes;
-        Outcome outcome;
-    };
-    const LockScreenPendingRemoval forAnyone;
-    const LockScreenPendingRemoval forA{"A"};
-    for (const auto& [pending, helloID, supersedes, outcome] :
-         {Row{{}, "A", false, Outcome::answer}, Row{{}, ID{}, true, Outcome::answer},
-          Row{forA, "A", true, Outcome::supersedeRemoval},
-          Row{forAnyone, ID{}, true, Outcome::supersedeRemoval},
-          Row{forA, "A", false, Outcome::deliverRemoval},
-          Row{forAnyone, "A", false, Outcome::deliverRemoval},
-          Row{forA, ID{}, false, Outcome::deliverRemoval},
-          Row{forA, "B", false, Outcome::supersedeRemoval}}) {
+    using Removal = LockScreenPendingRemoval;
+    const auto decide = [](const std::optional<Removal>& pending, std::optional<std::string> id,
+                           bool supersedes) {
         LockScreenAddOnHello hello = kHello;
-        hello.installID = helloID;
+        hello.installID = std::move(id);
         hello.supersedesRemoval = supersedes;
-        EXPECT_EQ(decideLockScreenHello(pending, hello), outcome);
-    }
+        return decideLockScreenHello(pending, hello);
+    };
+    EXPECT_EQ(decide({}, "A", false), Outcome::answer);
+    EXPECT_EQ(decide({}, {}, true), Outcome::answer);
+    EXPECT_EQ(decide(Removal{"A"}, "A", true), Outcome::supersedeRemoval);
+    EXPECT_EQ(decide(Removal{}, {}, true), Outcome::supersedeRemoval);
+    EXPECT_EQ(decide(Removal{"A"}, "A", false), Outcome::deliverRemoval);
+    EXPECT_EQ(decide(Removal{}, "A", false), Outcome::deliverRemoval);
+    EXPECT_EQ(decide(Removal{"A"}, {}, false), Outcome::deliverRemoval);
+    EXPECT_EQ(decide(Removal{"A"}, "B", false), Outcome::supersedeRemoval);
 }
 
 TEST(LockScreenHelloClient, TellsWhetherTheHelloWasSentAndAnswered) {
     using Result = LockScreenHelloResult;
-    const LockScreenAddOnConfiguration failure{false, false, "0"};
     const LockScreenAddOnConfiguration good{true, true, "1.0.0"};
     const Bytes reply = *XPCCodableHelpers::encode(good);
-    using Answer = std::optional<Bytes>;
-    for (const auto& [query, result] :
-         {std::pair{QueryOutcome{Kind::sent, kPortSuccess, reply},
-                    Result{Result::Outcome::answered, good}},
-          {{Kind::notSent, 0, reply}, {}},
-          {{Kind::expiredInQueue, 0, reply}, {}},
-          {{Kind::sent, kPortSendTimeout, reply}, {}},
-          {{Kind::sent, kPortReceiveTimeout, reply}, {Result::Outcome::unanswered, failure}},
-          {{Kind::sent, 0, Answer{}}, {Result::Outcome::unanswered, failure}},
-          {{Kind::sent, 0, copyOf(bytesOf("{}"))}, {Result::Outcome::unanswered, failure}}}) {
+    const auto send = [](const QueryOutcome& query) {
         std::vector<Result> results;
         const SendQuery sendQuery = [&](MessageType type, const Bytes& payload, Duration timeout,
                                         const std::function<void(QueryOutcome)>& completion) {
@@ -75,8 +59,19 @@ TEST(LockScreenHelloClient, TellsWhetherTheHelloWasSentAndAnswered) {
         };
         sendLockScreenHello(kHello, sendQuery, Logger{},
                             [&](const auto& ended) { results.push_back(ended); });
-        EXPECT_EQ(results, std::vector{result});
-    }
+        return results;
+    };
+    EXPECT_EQ(send({Kind::sent, 0, reply}), (std::vector{Result{Result::Outcome::answered, good}}));
+    for (const auto& query : {QueryOutcome{Kind::sent, kPortReceiveTimeout, reply},
+                              {Kind::sent, 0, std::nullopt},
+                              {Kind::sent, 0, copyOf(bytesOf("{}"))}})
+        EXPECT_EQ(send(query),
+                  (std::vector{Result{Result::Outcome::unanswered, {false, false, "0"}}}));
+    for (const auto& query : {QueryOutcome{Kind::notSent, 0, reply},
+                              {Kind::expiredInQueue, 0, reply},
+                              {Kind::sent, kPortSendTimeout, reply}})
+        EXPECT_EQ(send(query),
+                  (std::vector{Result{Result::Outcome::notSent, {false, false, "0"}}}));
 }
 
 TEST(LockScreenHelloClient, AHelloThatDoesNotEncodeIsLoggedAndNotSent) {

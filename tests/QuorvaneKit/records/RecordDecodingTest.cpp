@@ -186,9 +186,8 @@ constexpr std::string_view kNoJSONValues =
 
 // What became of each value, where it is not asked for: the grammar holds there too.
 void expectEach(std::string_view values, const CodingResult<QuorvanePlayerState>& expected) {
-    for (std::size_t begin = 0, end = 0; end != std::string_view::npos; begin = end + 3) {
-        end = values.find(" | ", begin);
-        const std::string value{values.substr(begin, end - begin)};
+    for (const auto part : std::views::split(values, std::string_view{" | "})) {
+        const std::string value{std::string_view{part}};
         for (const std::string& unknown : {value, "[0 ,{\"a\":" + value + "}, 0]"})
             EXPECT_EQ(decodeState(replaced(kSampleText, R"("volume")",
                                            R"("unknown":)" + unknown + R"(,"volume")")),
