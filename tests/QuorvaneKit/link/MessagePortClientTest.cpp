@@ -173,15 +173,18 @@ TEST_F(MessagePortClientTest, ADisconnectInsideARequestEndsItQuietly) {
 
 TEST_F(MessagePortClientTest, AFailureOfAnOldPortDoesNotDropTheNewOne) {
     connect();
-    ports.duringSend = [&] {
-        mainPort.reset();  // the main application dies, and a new one is there at once
-        serveMain();
-        client->connect();
-    };
-    client->requestStateUpdate();
-    EXPECT_TRUE(client->isConnected().get());
-    mainThread.run();
-    EXPECT_EQ(log.take().size(), 2U);  // the connection and its state
+    for (const auto send :
+         {&MessagePortClient::requestStateUpdate, &MessagePortClient::playPause}) {
+        ports.duringSend = [&] {
+            mainPort.reset();  // the main application dies, and a new one is there at once
+            serveMain();
+            client->connect();
+        };
+        ((*client).*send)();
+        EXPECT_TRUE(client->isConnected().get());
+        mainThread.run();
+        EXPECT_EQ(log.take().size(), 2U);  // the connection and its state
+    }
 }
 
 TEST_F(MessagePortClientTest, SurvivesItsOwnEndInsideEverythingThatCallsOut) {

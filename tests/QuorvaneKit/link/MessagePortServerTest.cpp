@@ -82,7 +82,10 @@ TEST_F(MessagePortServerTest, RetriesABusyNameByTheStatedScheduleAndTakesItOver)
         // The retrying port, and `start` in its first two seconds.
         wait->untilWaiting(wait->elapsed() < 2s ? 2 : 1);
         if (attempt == 16) holder.reset();
-        wait->advance(attempt < 9 ? 500ms : 2s);
+        const Duration delay = attempt < 9 ? 500ms : 2s;
+        wait->advance(delay - 1ns);
+        wait->untilWaiting(wait->elapsed() < 2s ? 2 : 1);
+        wait->advance(1ns);
     }
     expected.push_back(wait->elapsed());
     started.get();

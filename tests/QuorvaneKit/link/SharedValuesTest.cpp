@@ -40,7 +40,7 @@ TEST(LockScreenHello, TheOutcomeFollowsThePendingRemoval) {
     EXPECT_EQ(decide(Removal{}, {}, true), Outcome::supersedeRemoval);
     EXPECT_EQ(decide(Removal{"A"}, "A", false), Outcome::deliverRemoval);
     EXPECT_EQ(decide(Removal{}, "A", false), Outcome::deliverRemoval);
-    EXPECT_EQ(decide(Removal{"A"}, {}, false), Outcome::deliverRemoval);
+    EXPECT_EQ(decide(Removal{"B"}, {}, false), Outcome::deliverRemoval);
     EXPECT_EQ(decide(Removal{"A"}, "B", false), Outcome::supersedeRemoval);
 }
 
