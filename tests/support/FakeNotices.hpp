@@ -37,11 +37,11 @@ public:
 
     // The number of observers that heard it.
     int deliver(const std::string& name, const PropertyDictionary& userInfo = {}) {
-        const auto observers = *observers_;
+        const auto observers = observers_;
         int count = 0;
-        for (const auto& [observed, handler] : observers)
-            if (observed == name && *handler) {
-                (*handler)(userInfo);
+        for (const auto& [number, observer] : Observers{*observers})
+            if (observer.first == name && observers->contains(number)) {
+                observer.second(userInfo);
                 ++count;
             }
         return count;
@@ -49,20 +49,17 @@ public:
     std::size_t observerCount() const { return observers_->size(); }
 
 private:
-    using Observer = std::pair<std::string, std::shared_ptr<DistributedNotices::Handler>>;
+    using Observers = std::map<int, std::pair<std::string, DistributedNotices::Handler>>;
 
     Handle add(const std::string& name, DistributedNotices::Handler handler) {
-        auto slot = std::make_shared<DistributedNotices::Handler>(std::move(handler));
-        observers_->emplace_back(name, slot);
-        return Handle{[slot, list = std::weak_ptr{observers_}] {
-            *slot = nullptr;
-            if (const auto observers = list.lock())
-                std::erase_if(*observers,
-                              [&](const Observer& each) { return each.second == slot; });
+        observers_->emplace(++last_, std::pair{name, std::move(handler)});
+        return Handle{[number = last_, list = std::weak_ptr{observers_}] {
+            if (const auto observers = list.lock()) observers->erase(number);
         }};
     }
 
-    std::shared_ptr<std::vector<Observer>> observers_ = std::make_shared<std::vector<Observer>>();
+    std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
+    int last_ = 0;
 };
 
 }  // namespace quorvane
