@@ -8,19 +8,6 @@
 namespace quorvane {
 namespace {
 
-TEST(ScreenLayout, PutsTheOriginAtThePrimaryMonitorsBottomLeft) {
-    // Primary on the right, a taller one on its left, one above.
-    const ScreenLayout layout{
-        {{1200, 400, 1920, 1080}, {0, 0, 1200, 1600}, {1200, -680, 1920, 1080}}, 1};
-    const auto screens = layout.screens({});
-    ASSERT_EQ(screens.size(), 3u);
-    EXPECT_EQ(screens[0].frame, (Rect{0, 0, 1920, 1080}));
-    EXPECT_EQ(screens[1].frame, (Rect{-1200, -120, 1200, 1600}));
-    EXPECT_EQ(screens[2].frame, (Rect{0, 1080, 1920, 1080}));
-    for (std::size_t i = 0; i < screens.size(); ++i)
-        EXPECT_EQ(layout.pixels(screens[i].frame), layout.monitors[i]);
-}
-
 TEST(ScreenLayout, MeasuresInPoints) {
     // 1366 pixels are no whole number of points at one and a half.
     for (const double scale : {1.0, 1.25, 1.5, 2.0, 2.75}) {

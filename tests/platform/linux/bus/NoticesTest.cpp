@@ -25,6 +25,7 @@ struct NoticesTest : testing::Test {
     DistributedNotices distributed = makeDistributedNotices(bus, local, log);
     DarwinNotices darwin = makeDarwinNotices(bus, log);
     Lines trail;
+    std::vector<PropertyDictionary> heard;
 
     NoticesTest() { privateBus.useHere(); }
     // What was sent before has arrived when this returns.
@@ -55,10 +56,9 @@ TEST_F(NoticesTest, AreHeardByNameAndUntilTheHandleGoes) {
     distributed.post(kName, {});
     distributed.post(kName, {});
     EXPECT_TRUE(trail.empty());
-    const Lines heard = takeSettled();
-    EXPECT_EQ(std::ranges::count(heard, "first"), 1);
-    EXPECT_EQ(std::ranges::count(heard, "second"), 2);
-    EXPECT_EQ(heard.size(), 3u);
+    Lines names = takeSettled();
+    std::ranges::sort(names);
+    EXPECT_EQ(names, (Lines{"first", "second", "second"}));
     second.reset();
     distributed.post(kName, {});
     {
@@ -81,7 +81,6 @@ TEST_F(NoticesTest, CarryEveryTypeAndLogWhatTheBusCannot) {
         {"list", {PropertyArray{{std::int64_t{1}}, {std::string{""}}, {PropertyArray{}}}}},
         {"nested", {PropertyDictionary{{"flag", {false}}}}},
         {"empty", {PropertyDictionary{}}}};
-    std::vector<PropertyDictionary> heard;
     const Handle handle = distributed.observe(
         kName, [&](const PropertyDictionary& userInfo) { heard.push_back(userInfo); });
     distributed.post(kName, {{"text", {std::string{"\xff\xfe"}}}});
@@ -96,7 +95,6 @@ TEST_F(NoticesTest, CarryEveryTypeAndLogWhatTheBusCannot) {
 
 // As other programs, in other languages, may put it.
 TEST_F(NoticesTest, ForeignSignalsAreReadOrDropped) {
-    std::vector<PropertyDictionary> heard;
     const Handle handle = distributed.observe(
         kName, [&](const PropertyDictionary& userInfo) { heard.push_back(userInfo); });
     const auto emit = [&](const char* types, auto... values) {

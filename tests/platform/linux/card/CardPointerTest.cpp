@@ -126,13 +126,17 @@ TEST_F(CardPointer, AnotherButtonOrTheEndOfTheCardCancels) {
     EXPECT_EQ(events.back(), Kind::cancelled);
 }
 
-TEST_F(CardPointer, PlacesArePointsAtEveryScale) {
-    setenv("QUORVANE_SCALE", "2", 1);
+TEST_F(CardPointer, PlacesArePointsAndPixelsSharpAtEveryScale) {
+    setenv("QUORVANE_SCALE", "1.5", 1);
     lock();
-    showHere(-20, 0);
-    clickAt(200, 300);
-    // The window's top left is at (-40, 0), the card's at (64, 104).
-    EXPECT_EQ(places.at(0), (Point{(200.5 - 64) / 2, (300.5 - 104) / 2}));
+    showHere(20, 30);
+    EXPECT_EQ(viewer->frame(cardWindow()), (Rect{30, 45, 756, 489}));
+    stage->setScene(sceneOf({{{100, 100, 20, 20}, 0, {0, 1, 0, 1}}}));
+    const Screenshot shot = look();
+    EXPECT_EQ(std::ranges::count(shot.pixels, 0xff00ff00), 30 * 30);
+    EXPECT_EQ(shot.at(30 + 228, 45 + 228), 0xff00ff00);
+    clickAt(208, 223);
+    EXPECT_EQ(places.at(0), (Point{(208.5 - 108) / 1.5, (223.5 - 123) / 1.5}));
 }
 
 TEST_F(CardPointer, ShowsAnArrowOnlyWhereTheLockerHidesIts) {

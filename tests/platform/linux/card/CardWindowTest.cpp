@@ -16,17 +16,6 @@ protected:
         settle();
         return viewer->isViewable(cardWindow());
     }
-    // The restackings and moves inside the locker's window.
-    int restackings() {
-        settle();
-        int count = 0;
-        while (xcb_generic_event_t* event = xcb_poll_for_event(viewer->connection())) {
-            const int type = event->response_type & 0x7f;
-            count += type == XCB_CONFIGURE_NOTIFY || type == XCB_CIRCULATE_NOTIFY;
-            std::free(event);
-        }
-        return count;
-    }
     xcb_window_t mapInLocker(const Rect& frame, std::uint32_t color) {
         const xcb_window_t made = client->makeWindow(frame, {}, lockerWindow);
         setBackground(made, color);
@@ -51,16 +40,14 @@ TEST_F(CardWindow, StandsInsideTheLockersAndIsNeverRaised) {
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->occlusionState(), 2u);
 
-    const Screenshot shown = look();
-    const auto changed = shown.pixels.size() - std::ranges::count(shown.pixels, kLockerColor);
-    EXPECT_GT(changed, 400u * 200);
-    for (const auto& [x, y] : {std::pair{247, 250}, {500, 99}, {752, 250}, {500, 426}})
-        EXPECT_EQ(shown.at(x, y), kLockerColor) << x << ", " << y;
-    EXPECT_NE(shown.at(500, 140), kLockerColor) << "the shadow";
-
     stage->springFrom({0.94, {252, 163}, {0, 12}}, {0.5, 0.05});
     for (int frame = 0; frame < 90; ++frame) advance(milliseconds{17});
-    EXPECT_EQ(restackings(), 0);
+    settle();
+    while (xcb_generic_event_t* event = xcb_poll_for_event(viewer->connection())) {
+        const int type = event->response_type & 0x7f;
+        EXPECT_TRUE(type != XCB_CONFIGURE_NOTIFY && type != XCB_CIRCULATE_NOTIFY);
+        std::free(event);
+    }
     EXPECT_TRUE(log.lines().empty());
 }
 
@@ -224,18 +211,6 @@ TEST_F(CardWindow, LeavesOutWhatIsToBeKeptClear) {
     needed.keepClear = {};
     window->setFrame(settings().frame, needed);
     EXPECT_NE(pixelAt(500, 384), kLockerColor);
-}
-
-TEST_F(CardWindow, IsAsSharpAsItsScreen) {
-    setenv("QUORVANE_SCALE", "1.5", 1);
-    lock();
-    makeCard(20, 30);
-    stage->setScene(sceneOf({kGreenSquare}));
-    showCard();
-    EXPECT_EQ(viewer->frame(cardWindow()), (Rect{30, 45, 756, 489}));
-    const Screenshot shot = look();
-    EXPECT_EQ(std::ranges::count(shot.pixels, kGreen), 30 * 30);
-    EXPECT_EQ(shot.at(30 + 228, 45 + 228), kGreen);
 }
 
 }  // namespace

@@ -78,12 +78,6 @@ TEST(TextDrawing, TabularDigitsDoNotMove) {
     const MeasureText measure = makeMeasureText();
     const FontStyle tabular{.size = 13, .hasTabularDigits = true};
     EXPECT_DOUBLE_EQ(measure("1:11", tabular), measure("0:00", tabular));
-    // Nor do the dashes in their place join.
-    const DrawnScene dashes =
-        drawn(TextNode{.frame = kFrame, .text = "\u2013\u2013", .font = tabular}, 2);
-    const Rect ink = dashes.ink();
-    EXPECT_EQ(dashes.alphaAt(static_cast<int>(2 * ink.midX()), static_cast<int>(2 * ink.midY())),
-              0);
     FontStyle bold = kFont;
     bold.weight = FontStyle::Weight::bold;
     EXPECT_GT(measure("Hamburg", bold), measure("Hamburg", kFont));

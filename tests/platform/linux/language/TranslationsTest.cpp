@@ -50,10 +50,8 @@ TEST(UserLanguages, HaveTheirDirection) {
 
 TEST(UserLanguages, AreReadFromTheEnvironment) {
     using Locales = std::vector<std::string>;
+    for (const char* name : {"LC_MESSAGES", "LC_ALL", "LANGUAGE"}) setenv(name, "", 1);
     setenv("LANG", "de_DE", 1);
-    unsetenv("LC_MESSAGES");
-    unsetenv("LANGUAGE");
-    setenv("LC_ALL", "", 1);
     EXPECT_EQ(preferredLocales(), Locales{"de_DE"});
     setenv("LC_MESSAGES", "ar_EG", 1);
     setenv("LANGUAGE", ":fr_CA::en:", 1);
