@@ -78,7 +78,9 @@ TEST_F(CardWindow, IsOnTheServerOnlyWhileSomethingIsSeenAndFadesAlongItsCurve) {
     EXPECT_EQ(clock.pendingTimers(), 0u) << "nothing ticks at rest";
 
     window->animateAlpha(0, milliseconds{200}, [this] { stage->setHidden(true); });
-    advance(milliseconds{250});
+    advance(milliseconds{100});
+    EXPECT_TRUE(isMapped());
+    advance(milliseconds{150});
     EXPECT_FALSE(isMapped());
     EXPECT_EQ(look(), before);
     window->orderOut();

@@ -123,6 +123,20 @@ TEST_F(EventLoopTest, QuitLeavesTheRestForLater) {
     EXPECT_EQ(trail, (Trail{"one", "two", "three"}));
 }
 
+TEST_F(EventLoopTest, WatchesADescriptorUntilTheHandleGoes) {
+    const FileDescriptor event{eventfd(1, EFD_CLOEXEC)};
+    Handle watch;
+    watch = loop->watch(event.get(), EPOLLIN, [&](std::uint32_t) {
+        trail.push_back("readable");
+        if (trail.size() < 2) return;
+        watch.reset();  // from inside its own handler, and the descriptor stays readable
+        mainThread.post([&] { mainThread.post([&] { loop->quit(0); }); });
+    });
+    loop->run();
+    EXPECT_EQ(trail, Trail(2, "readable"));
+    EXPECT_FALSE(loop->watch(-1, EPOLLIN, [](std::uint32_t) {}));
+}
+
 TEST_F(EventLoopTest, WhatOutlivesTheLoopDoesNothing) {
     const auto held = std::make_shared<int>();
     Timer timer = clock.after(milliseconds{1}, [held] {});
