@@ -61,6 +61,7 @@ TEST(AddOnLink, AllowsThePlayerOnlyOnASupportedSystem) {
         EXPECT_EQ(f.hellos.back().supportsThisMacOS, isSupported);
         f.answer(kEnabled);
         EXPECT_EQ(f.link->allowsPlayer(), isSupported);
+        EXPECT_EQ(f.hellos.size(), 1u);
     }
 }
 
