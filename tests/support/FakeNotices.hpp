@@ -1,7 +1,7 @@
 // Both notice services inside one process: posts reach their observers at once.
 #pragma once
 
-#include <map>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -37,29 +37,28 @@ public:
 
     // The number of observers that heard it.
     int deliver(const std::string& name, const PropertyDictionary& userInfo = {}) {
-        const auto observers = observers_;
         int count = 0;
-        for (const auto& [number, observer] : Observers{*observers})
-            if (observer.first == name && observers->contains(number)) {
-                observer.second(userInfo);
+        for (const auto& [observed, weak] : std::vector{observers_})
+            if (const auto handler = weak.lock(); handler && observed == name) {
+                (*handler)(userInfo);
                 ++count;
             }
         return count;
     }
-    std::size_t observerCount() const { return observers_->size(); }
-
-private:
-    using Observers = std::map<int, std::pair<std::string, DistributedNotices::Handler>>;
-
-    Handle add(const std::string& name, DistributedNotices::Handler handler) {
-        observers_->emplace(++last_, std::pair{name, std::move(handler)});
-        return Handle{[number = last_, list = std::weak_ptr{observers_}] {
-            if (const auto observers = list.lock()) observers->erase(number);
-        }};
+    std::size_t observerCount() const {
+        const auto isHeld = [](const auto& each) { return !each.second.expired(); };
+        return static_cast<std::size_t>(std::ranges::count_if(observers_, isHeld));
     }
 
-    std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
-    int last_ = 0;
+private:
+    // The handle owns the handler.
+    Handle add(const std::string& name, DistributedNotices::Handler handler) {
+        const auto shared = std::make_shared<DistributedNotices::Handler>(std::move(handler));
+        observers_.emplace_back(name, shared);
+        return Handle{[shared] {}};
+    }
+
+    std::vector<std::pair<std::string, std::weak_ptr<DistributedNotices::Handler>>> observers_;
 };
 
 }  // namespace quorvane
