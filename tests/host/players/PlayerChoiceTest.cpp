@@ -2,85 +2,47 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <sstream>
 
 namespace quorvane {
 namespace {
 
-constexpr auto kPlaying = XPCPlayerState::playing;
-constexpr auto kPaused = XPCPlayerState::paused;
-constexpr auto kStopped = XPCPlayerState::stopped;
-
-struct Step {
-    std::vector<PlayerCandidate> candidates;
-    std::string chosen;  // "" for none
-    bool switches = false;
-};
-
-struct Story {
-    const char* name;
-    std::vector<Step> steps;
-};
-
-class PlayerChoiceStories : public testing::TestWithParam<Story> {};
-
-TEST_P(PlayerChoiceStories, IsChosen) {
-    PlayerChoice choice;
-    int number = 0;
-    for (const Step& step : GetParam().steps) {
-        ++number;
-        choice = step.switches ? choice.switching() : choice.applying(step.candidates);
-        EXPECT_EQ(choice.current.value_or(""), step.chosen) << "step " << number;
-    }
+// In a step, "a+ b- c. = a" says that a plays, b is paused and c is stopped, and that a is chosen.
+// "a+?" has no title. "switch" stands for the command.
+PlayerCandidate candidate(const std::string& word) {
+    const XPCPlayerState state = word[1] == '+'   ? XPCPlayerState::playing
+                                 : word[1] == '-' ? XPCPlayerState::paused
+                                                  : XPCPlayerState::stopped;
+    return {word.substr(0, 1), state, word.ends_with('?')};
 }
 
-Step switching(std::string chosen) { return {{}, std::move(chosen), true}; }
-
-INSTANTIATE_TEST_SUITE_P(
-    PlayerChoice, PlayerChoiceStories,
-    testing::Values(
-        Story{"PlayingBeforePausedBeforeStopped",
-              {{{{"a", kStopped}}, "a"},
-               {{{"a", kStopped}, {"b", kPaused}}, "b"},
-               {{{"a", kPlaying}, {"b", kPaused}}, "a"}}},
-        Story{"TheOneThatPlaysKeepsTheCard",
-              {{{{"a", kPlaying}, {"b", kPaused}}, "a"},
-               {{{"a", kPlaying}, {"b", kPlaying}}, "a"},
-               {{{"a", kPaused}, {"b", kPlaying}}, "b"}}},
-        Story{"PausedTogetherTheLastOneStays",
-              {{{{"a", kPaused}, {"b", kPlaying}}, "b"}, {{{"a", kPaused}, {"b", kPaused}}, "b"}}},
-        Story{"TheOneThatBeganToPlayLast",
-              {{{{"c", kPlaying}}, "c"},
-               {{{"b", kPlaying}, {"c", kPlaying}}, "c"},
-               {{{"a", kPlaying}, {"b", kPlaying}, {"c", kPlaying}}, "c"},
-               {{{"a", kPlaying}, {"b", kPlaying}}, "a"}}},
-        Story{"ThePausedOneThatPlayedLast",
-              {{{{"a", kPlaying}, {"b", kPaused}, {"c", kPlaying}}, "a"},
-               {{{"a", kPaused}, {"b", kPaused}, {"c", kPlaying}}, "c"},
-               {{{"a", kPaused}, {"b", kPaused}}, "a"}}},
-        Story{"ANamelessOneFromWhenItPlays",
-              {{{{"a", kPaused, true}}, ""},
-               {{{"a", kPlaying, true}}, "a"},
-               {{{"a", kPaused, true}}, "a"}}},
-        Story{"GoneIsGone",
-              {switching(""), {{{"a", kPlaying}}, "a"}, {{}, ""}, {{{"a", kPaused}}, "a"}}},
-        Story{"AChoiceByHandStandsAgainstPlaying",
-              {{{{"a", kPlaying}, {"b", kPaused}}, "a"},
-               switching("b"),
-               {{{"a", kPlaying}, {"b", kPaused}}, "b"},
-               switching("a"),
-               {{{"a", kPaused}, {"b", kPaused}}, "a"}}},
-        Story{"AChoiceByHandEndsWhenAnotherBeginsToPlay",
-              {{{{"a", kPlaying}, {"b", kPaused}, {"c", kPaused}}, "a"},
-               switching("b"),
-               {{{"a", kPlaying}, {"b", kPaused}, {"c", kPlaying}}, "c"}}},
-        Story{"AChoiceByHandThatPlaysStays",
-              {{{{"a", kPlaying}, {"b", kPlaying}, {"c", kPaused}}, "a"},
-               switching("b"),
-               {{{"a", kPlaying}, {"b", kPlaying}, {"c", kPlaying}}, "b"},
-               {{{"a", kPlaying}, {"b", kPaused}, {"c", kPlaying}}, "b"},
-               {{{"a", kPlaying}, {"c", kPlaying}}, "c"}}}),
-    [](const auto& story) { return story.param.name; });
+TEST(PlayerChoice, FollowsEachStory) {
+    const std::vector<std::string> stories[] = {
+        {"a. = a", "a. b- = b", "a+ b- = a"},
+        {"a+ b- = a", "a+ b+ = a", "a- b+ = b", "a- b- = b"},
+        {"c+ = c", "b+ c+ = c", "a+ b+ c+ = c", "a+ b+ = a"},
+        {"a+ b- c+ = a", "a- b- c+ = c", "a- b- = a"},
+        {"a-? =", "a+? = a", "a-? = a"},
+        {"switch =", "a+ = a", "=", "a- = a"},
+        {"a+ b- = a", "switch = b", "a+ b- = b", "switch = a", "a- b- = a"},
+        {"a+ b- c- = a", "switch = b", "a+ b- c+ = c"},
+        {"a+ b+ c- = a", "switch = b", "a+ b+ c+ = b", "a+ b- c+ = b", "a+ c+ = c"},
+    };
+    for (const auto& story : stories) {
+        PlayerChoice choice;
+        for (const std::string& step : story) {
+            std::istringstream words{step};
+            std::vector<PlayerCandidate> candidates;
+            std::string word;
+            while (words >> word && word != "=" && word != "switch")
+                candidates.push_back(candidate(word));
+            choice = word == "switch" ? choice.switching() : choice.applying(candidates);
+            const std::string chosen = step.ends_with('=') ? "" : step.substr(step.size() - 1);
+            EXPECT_EQ(choice.current.value_or(""), chosen)
+                << testing::PrintToString(story) << " at " << step;
+        }
+    }
+}
 
 }  // namespace
 }  // namespace quorvane
