@@ -10,22 +10,18 @@
 
 namespace quorvane {
 
-class InstalledAddOn {
+class InstalledAddOn : public testing::Test {
 public:
     static constexpr char kIdentifier[] = "example.quillon.Quorvane.LockScreenAddOn";
 
-    InstalledAddOn() = default;
-    ~InstalledAddOn() { killCopies(); }
-    InstalledAddOn(const InstalledAddOn&) = delete;
-    InstalledAddOn& operator=(const InstalledAddOn&) = delete;
+    ~InstalledAddOn() override { killCopies(); }
 
     using Run = LoggedProcess::Run;
     // Runs the host with a command to its end.
-    Run host(const std::vector<std::string>& words,
+    Run host(std::vector<std::string> words,
              const std::map<std::string, std::string>& variables = {}) {
-        std::vector<std::string> command{HOST_PROGRAM};
-        command.insert(command.end(), words.begin(), words.end());
-        return run(command, variables);
+        words.insert(words.begin(), HOST_PROGRAM);
+        return run(words, variables);
     }
     Run run(const std::vector<std::string>& words,
             const std::map<std::string, std::string>& variables = {}) {
@@ -43,8 +39,6 @@ public:
             return true;
         });
     }
-    std::string log() const { return folder().read("log"); }
-
     // Copies the built bundle and changes its version.
     std::filesystem::path copyBundle(const std::string& place, const std::string& version) {
         const auto bundle = folder() / place;
@@ -60,6 +54,11 @@ public:
     }
     static std::string programIn(const std::filesystem::path& bundle) {
         return (bundle / "Contents/Linux/Quorvane Lock Screen").string();
+    }
+    void expectNothingIsLeft() const {
+        EXPECT_FALSE(std::filesystem::exists(support()));
+        EXPECT_FALSE(std::filesystem::exists(loginItem()));
+        EXPECT_FALSE(std::filesystem::exists(folder() / preferences()));
     }
     void killCopies() const {
         std::error_code error;

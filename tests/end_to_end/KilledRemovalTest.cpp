@@ -13,6 +13,7 @@ namespace quorvane {
 namespace {
 
 namespace fs = std::filesystem;
+using EndToEndRemoval = InstalledAddOn;
 
 // Kills the process after its n-th call of a wrapped operation.
 struct Killer {
@@ -64,33 +65,26 @@ bool removeKilledAfter(int calls, const InstalledAddOn& life) {
     return WIFEXITED(status);
 }
 
-void expectNothingIsLeft(const InstalledAddOn& life) {
-    EXPECT_FALSE(fs::exists(life.support()));
-    EXPECT_FALSE(fs::exists(life.loginItem()));
-    EXPECT_FALSE(fs::exists(life.folder() / life.preferences()));
-}
-
-TEST(EndToEndRemoval, KilledAfterAnyStepItIsFinishedByTheNextLaunch) {
-    InstalledAddOn life;
-    life.folder().write("data/neighbour/file", "kept");
-    life.folder().write("config/neighbour.plist", "kept");
-    life.folder().write("config/autostart/neighbour.desktop", "kept");
+TEST_F(EndToEndRemoval, KilledAfterAnyStepItIsFinishedByTheNextLaunch) {
+    folder().write("data/neighbour/file", "kept");
+    folder().write("config/neighbour.plist", "kept");
+    folder().write("config/autostart/neighbour.desktop", "kept");
     bool hasEnded = false;
     int finishedByLaunch = 0;
     int finishedByHost = 0;
     for (int calls = 1; !hasEnded; ++calls) {
-        ASSERT_EQ(life.host({"install"}).status, 0);
-        ASSERT_EQ(life.host({"quit"}).status, 0);
-        hasEnded = removeKilledAfter(calls, life);
+        ASSERT_EQ(host({"install"}).status, 0);
+        ASSERT_EQ(host({"quit"}).status, 0);
+        hasEnded = removeKilledAfter(calls, *this);
         SCOPED_TRACE(calls);
-        if (fs::exists(life.place())) {
+        if (fs::exists(place())) {
             // Only a launch that runs needs a display.
-            LoggedProcess launch = life.session.start({"env", calls == 1 ? "-uNONE" : "-uDISPLAY",
-                                                       InstalledAddOn::programIn(life.place())});
+            LoggedProcess launch =
+                session.start({"env", calls == 1 ? "-uNONE" : "-uDISPLAY", programIn(place())});
             if (calls == 1) {  // not marked yet: it goes on as if nothing had been
                 EXPECT_TRUE(launch.says("lock monitor started"));
                 launch.process().end(SIGINT);
-                EXPECT_EQ(life.host({"remove"}).status, 0);
+                EXPECT_EQ(host({"remove"}).status, 0);
             } else {
                 EXPECT_TRUE(launch.says("launch: a removal is pending; finishing it"));
                 EXPECT_TRUE(launch.says("removal: finished; quitting"));
@@ -98,29 +92,28 @@ TEST(EndToEndRemoval, KilledAfterAnyStepItIsFinishedByTheNextLaunch) {
                 ++finishedByLaunch;
             }
         } else if (!hasEnded) {  // nothing can be launched any more; the settings may be left
-            EXPECT_EQ(life.host({"remove"}).status, 0);
+            EXPECT_EQ(host({"remove"}).status, 0);
             ++finishedByHost;
         }
-        expectNothingIsLeft(life);
+        expectNothingIsLeft();
     }
     EXPECT_EQ(finishedByLaunch, 4);
     EXPECT_EQ(finishedByHost, 4);
     for (const char* file :
          {"data/neighbour/file", "config/neighbour.plist", "config/autostart/neighbour.desktop"})
-        EXPECT_EQ(life.folder().read(file), "kept") << file;
+        EXPECT_EQ(folder().read(file), "kept") << file;
 }
 
-TEST(EndToEndRemoval, AKilledRemovalDoesNotRemoveTheNextInstall) {
-    InstalledAddOn life;
-    ASSERT_EQ(life.host({"install"}).status, 0);
-    ASSERT_EQ(life.host({"quit"}).status, 0);
-    ASSERT_FALSE(removeKilledAfter(6, life));
-    ASSERT_FALSE(fs::exists(life.place()));
-    ASSERT_NE(life.folder().read(life.preferences()).find("removalPending"), std::string::npos);
-    ASSERT_EQ(life.host({"install"}).status, 0);
-    ASSERT_EQ(life.host({"quit"}).status, 0);
-    ASSERT_EQ(life.host({"launch"}).status, 0) << "as at the next login";
-    EXPECT_TRUE(fs::exists(life.place()));
+TEST_F(EndToEndRemoval, AKilledRemovalDoesNotRemoveTheNextInstall) {
+    ASSERT_EQ(host({"install"}).status, 0);
+    ASSERT_EQ(host({"quit"}).status, 0);
+    ASSERT_FALSE(removeKilledAfter(6, *this));
+    ASSERT_FALSE(fs::exists(place()));
+    ASSERT_NE(folder().read(preferences()).find("removalPending"), std::string::npos);
+    ASSERT_EQ(host({"install"}).status, 0);
+    ASSERT_EQ(host({"quit"}).status, 0);
+    ASSERT_EQ(host({"launch"}).status, 0) << "as at the next login";
+    EXPECT_TRUE(fs::exists(place()));
 }
 
 }  // namespace

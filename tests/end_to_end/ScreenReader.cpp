@@ -11,6 +11,7 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -26,22 +27,24 @@ std::string nameOf(AtspiAccessible* object) {
     return taken(atspi_accessible_get_name(object, nullptr));
 }
 
+std::vector<AtspiAccessible*> childrenOf(AtspiAccessible* object) {
+    std::vector<AtspiAccessible*> children;
+    for (int i = 0; i < atspi_accessible_get_child_count(object, nullptr); ++i)
+        if (auto* const child = atspi_accessible_get_child_at_index(object, i, nullptr))
+            children.push_back(child);
+    return children;
+}
+
 AtspiAccessible* application() {
-    AtspiAccessible* const desktop = atspi_get_desktop(0);
-    const int count = atspi_accessible_get_child_count(desktop, nullptr);
-    for (int i = 0; i < count; ++i)
-        if (AtspiAccessible* const child = atspi_accessible_get_child_at_index(desktop, i, nullptr))
-            if (nameOf(child) == kApplication) return child;
+    for (AtspiAccessible* const child : childrenOf(atspi_get_desktop(0)))
+        if (nameOf(child) == kApplication) return child;
     return nullptr;
 }
 
 void walk(AtspiAccessible* object, int depth,
           const std::function<void(AtspiAccessible*, int)>& visit) {
     visit(object, depth);
-    const int count = atspi_accessible_get_child_count(object, nullptr);
-    for (int i = 0; i < count; ++i)
-        if (AtspiAccessible* const child = atspi_accessible_get_child_at_index(object, i, nullptr))
-            walk(child, depth + 1, visit);
+    for (AtspiAccessible* const child : childrenOf(object)) walk(child, depth + 1, visit);
 }
 
 AtspiAccessible* named(const char* name) {
@@ -59,24 +62,20 @@ void describe(AtspiAccessible* object, int depth) {
     if (AtspiAction* const action = atspi_accessible_get_action_iface(object))
         for (int i = 0; i < atspi_action_get_n_actions(action, nullptr); ++i)
             line += " " + taken(atspi_action_get_action_name(action, i, nullptr));
-    char numbers[200];
-    if (AtspiValue* const value = atspi_accessible_get_value_iface(object)) {
-        std::snprintf(numbers, sizeof numbers, " %g of %g..%g by %g",
-                      atspi_value_get_current_value(value, nullptr),
-                      atspi_value_get_minimum_value(value, nullptr),
-                      atspi_value_get_maximum_value(value, nullptr),
-                      atspi_value_get_minimum_increment(value, nullptr));
-        line += numbers;
-    }
+    if (AtspiValue* const value = atspi_accessible_get_value_iface(object))
+        line += taken(g_strdup_printf(" %g of %g..%g by %g",
+                                      atspi_value_get_current_value(value, nullptr),
+                                      atspi_value_get_minimum_value(value, nullptr),
+                                      atspi_value_get_maximum_value(value, nullptr),
+                                      atspi_value_get_minimum_increment(value, nullptr)));
     if (AtspiComponent* const component = atspi_accessible_get_component_iface(object)) {
         AtspiRect* const area =
             atspi_component_get_extents(component, ATSPI_COORD_TYPE_SCREEN, nullptr);
         AtspiAccessible* const top = atspi_component_get_accessible_at_point(
             component, area->x + area->width / 2, area->y + area->height / 2,
             ATSPI_COORD_TYPE_SCREEN, nullptr);
-        std::snprintf(numbers, sizeof numbers, " at %d,%d %dx%d%s", area->x, area->y, area->width,
-                      area->height, top == object ? " itself" : "");
-        line += numbers;
+        line += taken(g_strdup_printf(" at %d,%d %dx%d%s", area->x, area->y, area->width,
+                                      area->height, top == object ? " itself" : ""));
     }
     AtspiAccessible* const parent = atspi_accessible_get_parent(object, nullptr);
     const int index = atspi_accessible_get_index_in_parent(object, nullptr);
