@@ -27,10 +27,10 @@ protected:
                     "b", isInUse});
     }
     bool reader(std::vector<std::string> arguments) {
-        return succeeds({SCREEN_READER}, std::move(arguments));
+        return succeeds({"/usr/bin/python3", SCREEN_READER}, std::move(arguments));
     }
     std::string tree() {
-        LoggedProcess told = session.start({SCREEN_READER, "tree"});
+        LoggedProcess told = session.start({"/usr/bin/python3", SCREEN_READER, "tree"});
         told.says("end of the tree");
         return told.log();
     }
@@ -50,7 +50,7 @@ TEST_F(EndToEndAccessibility, AScreenReaderFindsTheCardAndItsPressesAreClicks) {
     }));
     LoggedProcess host = session.startHost();
     LoggedProcess addOn = session.startAddOn();
-    LoggedProcess listener = session.start({SCREEN_READER, "listen"});
+    LoggedProcess listener = session.start({"/usr/bin/python3", SCREEN_READER, "listen"});
     ASSERT_TRUE(listener.says("listening"));
     LoggedProcess locker = session.startLocker();
     const CardOnScreen card = session.nextCard(addOn);

@@ -155,44 +155,20 @@ TEST_F(HostCoordinatorTest, MakesOneSecretAndDropsEverythingWithoutOne) {
     EXPECT_TRUE(log.contains("Failed to generate IPC secret (SecRandomCopyBytes status 7)"));
 }
 
-TEST_F(HostCoordinatorTest, OnlyTheHolderOfTheMainPortServesAndMakesASecret) {
-    auto other = ports.openPort()(kMainPort, [](std::int32_t, ByteView) { return Bytes{}; });
-    EXPECT_TRUE(host->start());
-    for (std::size_t i = 0; i < kQueryPortCount; ++i)
-        waitUntil([&, name = queryPortName(kMessagePortBaseName, i)] {
-            return log.contains("Message port " + name + " busy (attempt 1); another instance " +
-                                "holds it — retrying until it frees");
-        });
-    EXPECT_TRUE(store.files.empty());
-    store.files[kSecretFile] = Bytes(32, std::byte{1});  // made by the other host
-    other.reset();
-    waitUntil([this] { return host->isServing(); });
-    EXPECT_EQ(secretsMade, 0);
-    EXPECT_FALSE(ask(kMainPort, 1, request()).empty());
-}
-
-TEST_F(HostCoordinatorTest, HandsOutTheStateOfTheMoment) {
+TEST_F(HostCoordinatorTest, AnswersWithoutTheMainThreadAndCommandsThePlayerThere) {
     player->value.state.playerState = XPCPlayerState::playing;
     player->value.anchor = {.seconds = 40, .at = clock.clock().now(), .isPlaying = true};
     serve();
     clock.advance(12s);
-    const auto answer = state();
-    EXPECT_EQ(answer.timestamp, ManualClock::kStart + 13s);
-    EXPECT_DOUBLE_EQ(answer.playerPosition, 53) << "answered without the main thread";
-    EXPECT_TRUE(takeHeard().empty());
-    main.run();
-    EXPECT_EQ(takeHeard(), Texts{"refresh"});
-}
-
-TEST_F(HostCoordinatorTest, CommandsReachThePlayerOnTheMainThread) {
-    serve();
+    EXPECT_EQ(state().timestamp, ManualClock::kStart + 13s);
+    EXPECT_DOUBLE_EQ(state().playerPosition, 53);
     ask(kMainPort, 2, request("\x01"));
     ask(kMainPort, 2, request("\x03"));  // not an action
     ask(kMainPort, 3, request("\x40"));
     ask(kMainPort, 4, request("\xFF"));
     EXPECT_TRUE(takeHeard().empty());
     main.run();
-    EXPECT_EQ(takeHeard(), (Texts{"nextTrack", "volume 64", "rating 255"}));
+    EXPECT_EQ(takeHeard(), (Texts{"refresh", "refresh", "nextTrack", "volume 64", "rating 255"}));
     takeNotices();
     player->obeys = false;
     for (const char* drag : {"\x01", "\x02", "\x03"}) ask(kMainPort, 3, request(drag));
