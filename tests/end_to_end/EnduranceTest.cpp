@@ -12,25 +12,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// What a process holds of the system.
-struct Holdings {
-    std::ptrdiff_t descriptors = 0;
-    std::ptrdiff_t threads = 0;
-    std::size_t ownKilobytes = 0;  // resident and not backed by a file
-
-    static Holdings of(pid_t pid) {
-        const std::filesystem::path folder = "/proc/" + std::to_string(pid);
-        const auto count = [&](const char* name) {
-            return std::distance(std::filesystem::directory_iterator{folder / name}, {});
-        };
-        Holdings holdings{count("fd"), count("task")};
-        std::ifstream status{folder / "status"};
-        for (std::string word; status >> word;)
-            if (word == "RssAnon:") status >> holdings.ownKilobytes;
-        return holdings;
-    }
-};
-
 unsigned fromEnvironment(const char* name, unsigned otherwise) {
     const char* const value = std::getenv(name);
     return value ? static_cast<unsigned>(std::stoul(value)) : otherwise;

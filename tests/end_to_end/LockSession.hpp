@@ -30,6 +30,25 @@ struct CardOnScreen {
     }
 };
 
+// What a process holds of the system.
+struct Holdings {
+    std::ptrdiff_t descriptors = 0;
+    std::ptrdiff_t threads = 0;
+    std::size_t ownKilobytes = 0;  // resident and not backed by a file
+
+    static Holdings of(pid_t pid) {
+        const std::filesystem::path folder = "/proc/" + std::to_string(pid);
+        const auto count = [&](const char* name) {
+            return std::distance(std::filesystem::directory_iterator{folder / name}, {});
+        };
+        Holdings holdings{count("fd"), count("task")};
+        std::ifstream status{folder / "status"};
+        for (std::string word; status >> word;)
+            if (word == "RssAnon:") status >> holdings.ownKilobytes;
+        return holdings;
+    }
+};
+
 class LockSession {
 public:
     LockSession() {

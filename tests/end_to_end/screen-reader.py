@@ -9,11 +9,15 @@ Prints to standard error.
 
 import os
 import sys
+import warnings
 
 import gi
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi
+
+# The successors of some calls are newer than the oldest supported library.
+warnings.simplefilter("ignore", DeprecationWarning)
 
 APPLICATION = "Quorvane Lock Screen"
 
