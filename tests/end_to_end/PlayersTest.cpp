@@ -13,11 +13,9 @@ class RealPlayer : public testing::Test {
 protected:
     void SetUp() override {
         std::filesystem::create_directories(session.folder() / "music");
-        makeMusic("one.flac", "sine=duration=120",
-                  {"-metadata", "title=Still Water", "-metadata", "artist=The Quiet Harbour"});
-        makeMusic("two.flac", "sine=duration=120",
-                  {"-metadata", "title=Low Tide", "-metadata", "artist=The Quiet Harbour"});
-        makeMusic("cover.png", "color=c=orange:size=64x64", {"-frames:v", "1"});
+        makeMusic("one.flac", "sine=duration=120", "Still Water");
+        makeMusic("two.flac", "sine=duration=120", "Low Tide");
+        makeMusic("cover.png", "color=c=orange:size=64x64", "");
         player = session.start({"mpv", "--no-config", "--no-video", "--ao=null", "--idle=no",
                                 "--no-terminal", "--loop-playlist", "--volume=80",
                                 "--script=/usr/lib/mpv-mpris/mpris.so", inMusic("one.flac"),
@@ -29,13 +27,12 @@ protected:
     std::string inMusic(const std::string& name) {
         return (session.folder() / ("music/" + name)).string();
     }
-    void makeMusic(const std::string& name, const char* source, std::vector<std::string> options) {
-        std::vector<std::string> command{"ffmpeg", "-loglevel", "error", "-f",
-                                         "lavfi",  "-i",        source};
-        command.insert(command.end(), options.begin(), options.end());
-        command.push_back(inMusic(name));
-        const auto converted = LoggedProcess::run(command, session.environment());
-        ASSERT_EQ(converted.status, 0) << "ffmpeg: " << converted.text;
+    void makeMusic(const std::string& name, const std::string& source, const std::string& title) {
+        const auto made = LoggedProcess::run(
+            {"ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i", source, "-frames:v", "1",
+             "-metadata", "title=" + title, "-metadata", "artist=The Quiet Harbour", inMusic(name)},
+            session.environment());
+        ASSERT_EQ(made.status, 0) << "ffmpeg: " << made.text;
     }
     // The player's own answer, through an independent tool.
     std::string ask(const std::string& what, const std::string& value = "") {

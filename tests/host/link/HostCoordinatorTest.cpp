@@ -50,25 +50,20 @@ protected:
         auto owned = std::make_unique<FakePlayer>();
         player = owned.get();
         player->value.state.track = XPCTrack{.title = "Title", .artist = "Artist"};
-        host.emplace(
-            HostCoordinator::Services{
-                .log = log.sink(),
-                .openPort = ports.openPort(),
-                .nameCurrentThread = {},
-                .files = store.table(),
-                .fillRandom = [this](std::span<std::byte> bytes) -> std::expected<void, int> {
-                    if (!hasRandom) return std::unexpected{7};
-                    std::ranges::fill(bytes, std::byte{0x5A});
-                    return {};
-                },
-                .mainThread = main.mainThread(),
-                .makeSerialQueue =
-                    [](const std::string&) { return std::make_unique<ThreadQueue>(); },
-                .clock = clock.clock(),
-                .wallClock = clock.wallClock(),
-                .darwinNotices = notices.darwin(),
-                .sharedSuite = defaults.table()},
-            std::move(owned));
+        host.emplace(HostCoordinator::Services{
+                         .log = log.sink(),
+                         .openPort = ports.openPort(),
+                         .nameCurrentThread = {},
+                         .files = store.table(),
+                         .fillRandom = [](auto) { return std::expected<void, int>{}; },
+                         .mainThread = main.mainThread(),
+                         .makeSerialQueue =
+                             [](const std::string&) { return std::make_unique<ThreadQueue>(); },
+                         .clock = clock.clock(),
+                         .wallClock = clock.wallClock(),
+                         .darwinNotices = notices.darwin(),
+                         .sharedSuite = defaults.table()},
+                     std::move(owned));
         for (const char* notice :
              {"playerStateChanged", "lockScreenConfigurationChanged", "mainAppWillTerminate"})
             observations.push_back(
@@ -121,7 +116,6 @@ protected:
     FakeNotices notices;
     MemoryDefaults defaults{.values = {{"lockScreenEnabled", {true}}}};
     MemoryFileStore store;
-    bool hasRandom = true;
     Texts heardNotices;
     std::vector<Handle> observations;
     FakePlayer* player = nullptr;
@@ -182,13 +176,10 @@ TEST_F(HostCoordinatorTest, SaysWhenItComesAndGoes) {
     host->stop();
     EXPECT_EQ(takeNotices(), Texts{"mainAppWillTerminate"});
 
-    hasRandom = false;
-    store.files.clear();
     host->start();
     for (std::size_t i = 0; i < kQueryPortCount; ++i)
         while (!ports.connectPort()(queryPortName(kMessagePortBaseName, i)))
             std::this_thread::yield();
-    EXPECT_FALSE(host->hasSecret());
     host->stop();
     main.run();
     EXPECT_EQ(timesServing, 1) << "the ports opened after the end";

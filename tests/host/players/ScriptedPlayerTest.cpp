@@ -157,7 +157,6 @@ TEST(Script, NamesFileKeyAndReason) {
         {std::string((4u << 20) + 1, ' '), "File too large"},
         {"\n", "line 2: not JSON: The document is empty."},
         {std::string{"{}\0x", 4}, "not JSON: it contains bytes that are not text"},
-        {std::string(100'000, '['), "line 1: not JSON: Invalid value."},
         {"{}", "tracks: must be a list of at least one track"},
         {R"({"tracks":[7]})", "tracks[0]: must be an object"},
         {withTrack(R"("duration":1)"), "tracks[1].artist: is missing"},
