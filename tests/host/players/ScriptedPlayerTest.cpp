@@ -124,6 +124,7 @@ TEST_F(ScriptedPlayerTest, ObeysCommands) {
     EXPECT_EQ(place(), Place("two", 0)) << "after three seconds, the track restarts";
     clock.advance(3s);
     act(previousTrack);
+    act(previousTrack);
     EXPECT_EQ(place(), Place("one", 0));
 
     act(increaseVolume);
