@@ -36,11 +36,9 @@ protected:
     }
     // The player's own answer, through an independent tool.
     std::string ask(const std::string& what, const std::string& value = "") {
-        LoggedProcess tool =
-            session.start({"sh", "-c", "playerctl --player=mpv $0 $1 >&2", what, value});
-        const std::string answer = value.empty() ? tool.next("", 10s) : "";
-        tool.process().wait(10s);
-        return answer;
+        return LoggedProcess::run({"sh", "-c", "playerctl --player=mpv $0 $1", what, value},
+                                  session.environment())
+            .text;
     }
     bool hasCome(const std::string& text) {
         return eventually([&] { return addOn.count(text) > 0; });
@@ -65,9 +63,9 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.next)));
     ASSERT_TRUE(hasCome("state: now 'Low Tide'")) << addOn.log();
 
-    ASSERT_EQ(ask("status"), "Playing");
+    ASSERT_EQ(ask("status"), "Playing\n");
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.playPause)));
-    EXPECT_TRUE(eventually([&] { return ask("status") == "Paused"; })) << host.log();
+    EXPECT_TRUE(eventually([&] { return ask("status") == "Paused\n"; })) << host.log();
     ask("position", "75");
     std::string told;
     EXPECT_TRUE(eventually([&] {

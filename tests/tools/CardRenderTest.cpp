@@ -1,68 +1,15 @@
+// Whole pictures of the card: what is drawn where. Symbols and tracks are held to a point, texts to
+// a few, so that another version of a font passes and a shifted, missing or stray element does not.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "tests/platform/linux/drawing/DrawnScene.hpp"
-#include "tools/AnimatedPNG.hpp"
-#include "tools/CardRenderOptions.hpp"
 #include "tools/CardStill.hpp"
 
 namespace quorvane {
 namespace {
 
-TEST(CardRenderOptions, TakesWhatTheHelpSays) {
-    const auto options = parseCardRenderOptions(
-        {"--at", "1.5", "a.json", "--pressed", "volume", "--direction", "rtl", "b.png"});
-    ASSERT_TRUE(options);
-    EXPECT_EQ(options->at, 1.5);
-    EXPECT_EQ(options->pressed, SceneControl::ID::volume);
-    EXPECT_EQ(options->isRightToLeft, true);
-    EXPECT_EQ(options->stateFile, "a.json");
-    EXPECT_EQ(options->outputFile, "b.png");
-    EXPECT_TRUE(parseCardRenderOptions({"a", "--help"})->showsHelp);
-    const std::pair<std::vector<std::string>, const char*> mistakes[] = {
-        {{"a"}, "a state file and an output file are needed, 1 given"},
-        {{"--scale", "9", "a", "b"}, "--scale takes a number from 0.5 to 8, not \"9\""},
-        {{"--scale", "2x", "a", "b"}, "--scale takes a number from 0.5 to 8, not \"2x\""},
-        {{"--scale"}, "--scale needs a value"},
-        {{"--sclae", "2", "a", "b"}, "there is no option \"--sclae\""}};
-    for (const auto& [arguments, problem] : mistakes)
-        EXPECT_EQ(parseCardRenderOptions(arguments).error(), problem);
-}
-
-// Blue on red.
-CairoSurface filled(Rect blue) {
-    CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_RGB24, 30, 20)};
-    const CairoContext cairo{cairo_create(surface.get())};
-    cairo_set_source_rgb(cairo.get(), 1, 0, 0);
-    cairo_paint(cairo.get());
-    cairo_set_source_rgb(cairo.get(), 0, 0, 1);
-    cairo_rectangle(cairo.get(), blue.x, blue.y, blue.width, blue.height);
-    cairo_fill(cairo.get());
-    cairo_surface_flush(surface.get());
-    return surface;
-}
-
-TEST(AnimatedPNG, HoldsOnlyWhatChanges) {
-    AnimatedPNG animation{10};
-    for (const Rect& blue : {Rect{}, Rect{}, Rect{5, 6, 7, 8}}) animation.add(filled(blue));
-    const Bytes file = animation.finish();
-    EXPECT_TRUE(decodePicture(file, {30, 20}));  // its first frame, for those that know no more
-    const std::string_view text = textOf(file);
-    using namespace std::string_view_literals;
-    std::size_t place = 0;
-    for (const auto part : {"acTL\0\0\0\2"sv,
-                            // 30 x 20 pixels for two tenths of a second.
-                            "fcTL\0\0\0\0\0\0\0\x1e\0\0\0\x14\0\0\0\0\0\0\0\0\0\xc8\x03\xe8"sv,
-                            "fcTL\0\0\0\1\0\0\0\7\0\0\0\x8\0\0\0\5\0\0\0\6"sv, "fdAT\0\0\0\2"sv}) {
-        place = text.find(part, place);
-        EXPECT_NE(place, std::string_view::npos) << testing::PrintToString(part);
-    }
-    EXPECT_TRUE(text.ends_with("IEND\xAE\x42\x60\x82"));
-}
-
-// Whole pictures of the card: what is drawn where. Symbols and tracks are held to a point, texts to
-// a few, so that another version of a font passes and a shifted, missing or stray element does not.
 constexpr double kScale = 2;
 constexpr double kExact = 1;
 constexpr double kText = 4;

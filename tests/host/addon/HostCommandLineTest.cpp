@@ -13,13 +13,11 @@ using Arguments = std::vector<std::string>;
 TEST(HostCommandLine, UnderstandsOrExplainsWhatIsWrong) {
     const std::pair<Arguments, HostCommandLine> understood[] = {
         {{}, {}},
-        {{"status"}, {.command = Command::status}},
         {{"update", "--from", "/X.app"}, {.command = Command::update, .bundle = "/X.app"}},
         {{"run", "--only", "mpv"}, {.onlyPlayer = "mpv"}},
         {{"--script=x=y.json", "run"}, {.script = "x=y.json"}},
         {{"--player=scripted", "--script", "-x"}, {.script = "-x"}},
         {{"nonsense", "-h"}, {.command = Command::help}},
-        {{"-V"}, {.command = Command::version}},
     };
     for (const auto& [arguments, expected] : understood) {
         const auto line = HostCommandLine::parse(arguments);
