@@ -264,8 +264,8 @@ TEST_F(AddOnCommandsTest, ADeliveredRemovalIsCarriedOutUnlessItsCommandHasDoneSo
         DeliveredRemoval removal{services(), {}};
         ASSERT_TRUE(sharedDefaults.setLockScreenPendingRemoval(LockScreenPendingRemoval{}));
         removal.delivered();
-        removal.delivered();
         clock.advance(DeliveredRemoval::kPatience - 1s);
+        removal.delivered();
         EXPECT_FALSE(copies.empty());
         if (!isPending) shared.values.clear();
         for (int step = 0; step < 200; ++step) clock.advance(50ms);
