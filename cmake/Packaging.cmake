@@ -4,7 +4,7 @@ include(GNUInstallDirs)
 set(QUORVANE_INSTALLED_BUNDLE "lib/quorvane/Quorvane Lock Screen.app")
 
 install(TARGETS quorvane-host quorvane-open RUNTIME)
-install(TARGETS quorvane-lock-screen RUNTIME DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
+install(TARGETS quorvane-lock-screen quorvane-card-surface RUNTIME DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
 install(TARGETS quorvane_card LIBRARY DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
 install(FILES "${QUORVANE_BUNDLE}/Contents/Info.plist" DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents")
 install(DIRECTORY "${QUORVANE_BUNDLE}/Contents/Resources" DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents")

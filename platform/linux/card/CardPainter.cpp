@@ -75,17 +75,25 @@ CardPainter::CardPainter(const CardStyle& style, double scale,
     : style_(style), scale_(scale), canvas_(scale, std::move(pictures)) {}
 
 void CardPainter::setBackdrop(Pixels backdrop) {
-    moving_.reset();
-    scrolling_.reset();
-    backdropSurface_.reset();
-    chromeSurface_.reset();
+    setClear(backdrop.width, backdrop.height);
     backdrop_ = std::move(backdrop);
     backdropSurface_ = surfaceOver(backdrop_);
 }
 
+void CardPainter::setClear(int width, int height) {
+    moving_.reset();
+    scrolling_.reset();
+    backdropSurface_.reset();
+    chromeSurface_.reset();
+    backdrop_ = {};
+    bounds_ = {0, 0, width, height};
+}
+
 bool CardPainter::makeChrome() {
     if (chromeSurface_) return false;
-    chrome_ = makeCardChrome(backdrop_, style_, scale_);
+    chrome_ = backdropSurface_
+                  ? makeCardChrome(backdrop_, style_, scale_)
+                  : makeTintedCardChrome(bounds_.width, bounds_.height, style_, scale_);
     chromeSurface_ = surfaceOver(chrome_);
     opaque_ = opaqueCross(chrome_);
     return true;
@@ -94,7 +102,7 @@ bool CardPainter::makeChrome() {
 PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
     return pixelsTouchedBy(
                scaledBy(cardArea.movedBy(style_.shadowMargin, style_.shadowMargin), scale_))
-        .intersection(backdrop_.bounds());
+        .intersection(bounds_);
 }
 
 void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
@@ -145,7 +153,7 @@ void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
         drawGround(cairo);
         drawScene(cairo, look.scene);
     } else {
-        copyFrom(cairo, backdropSurface_.get());
+        drawBackdrop(cairo);
         // The first frame of an entrance shows no card yet, so it does not wait for the glass.
         if (look.alpha > 0) drawMoving(cairo, look);
     }
@@ -154,17 +162,24 @@ void CardPainter::drawLook(cairo_t* cairo, const StageLook& look) {
                     look.alpha);
 }
 
+void CardPainter::drawBackdrop(cairo_t* cairo) const {
+    if (backdropSurface_) return copyFrom(cairo, backdropSurface_.get());
+    cairo_set_operator(cairo, CAIRO_OPERATOR_CLEAR);
+    cairo_paint(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
+}
+
 // Opaque glass is copied, not blended, and nothing is drawn behind it.
 void CardPainter::drawGround(cairo_t* cairo) const {
     const CairoRegion opaque{cairo_region_create()};
     for (const PixelRect& part : opaque_) addTo(opaque, part);
     const CairoRegion clear{cairo_region_create()};
-    addTo(clear, backdrop_.bounds());
+    addTo(clear, bounds_);
     cairo_region_subtract(clear.get(), opaque.get());
     {
         const CairoState state{cairo};
         clipTo(cairo, clear);
-        copyFrom(cairo, backdropSurface_.get());
+        drawBackdrop(cairo);
         cairo_set_source_surface(cairo, chromeSurface_.get(), 0, 0);
         cairo_paint(cairo);
     }
@@ -183,7 +198,7 @@ void CardPainter::drawScene(cairo_t* cairo, const Scene& scene) {
 void CardPainter::drawMoving(cairo_t* cairo, const StageLook& look) {
     if (!moving_) {
         moving_.reset(
-            cairo_image_surface_create(CAIRO_FORMAT_ARGB32, backdrop_.width, backdrop_.height));
+            cairo_image_surface_create(CAIRO_FORMAT_ARGB32, bounds_.width, bounds_.height));
         const CairoContext context{cairo_create(moving_.get())};
         copyFrom(context.get(), chromeSurface_.get());
         drawScene(context.get(), look.scene);

@@ -33,6 +33,8 @@ public:
 
     // `backdrop` has the size of the stage in pixels.
     void setBackdrop(Pixels backdrop);
+    // For a picture with real alpha, whose backdrop cannot be read. In pixels.
+    void setClear(int width, int height);
     const Pixels& backdrop() const { return backdrop_; }
     // Makes glass and shadow over the backdrop, for the next drawing that needs them. Returns false
     // when they exist already.
@@ -52,6 +54,7 @@ public:
 
 private:
     void drawLook(cairo_t* cairo, const StageLook& look);
+    void drawBackdrop(cairo_t* cairo) const;
     void drawGround(cairo_t* cairo) const;
     void drawScene(cairo_t* cairo, const Scene& scene);
     void drawPart(cairo_surface_t* target, const StageLook& look, const PixelRect& part);
@@ -60,7 +63,8 @@ private:
 
     CardStyle style_;
     double scale_;
-    Pixels backdrop_;
+    PixelRect bounds_;
+    Pixels backdrop_;  // empty: clear
     Pixels chrome_;
     CairoSurface backdropSurface_;  // these two refer to the pixels above
     CairoSurface chromeSurface_;

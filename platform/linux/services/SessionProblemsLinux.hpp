@@ -5,15 +5,17 @@
 #include <string>
 #include <string_view>
 
+#include "lockers/WaylandDoors.hpp"
+
 namespace quorvane {
 
-// Takes the values of the environment variables; an unset one is empty.
-std::optional<std::string> screenProblem(std::string_view display, std::string_view waylandDisplay);
+std::optional<std::string> screenProblem(const SessionVariables& session);
 // `reason` says why the runtime folder cannot be used.
 std::string portsProblem(std::string_view runtimeVariable, const std::string& runtimeFolder,
                          const std::string& reason);
 
 // The variable's value; "" when it is unset.
 std::string_view environmentVariable(const char* name);
+SessionVariables sessionVariables();
 
 }  // namespace quorvane
