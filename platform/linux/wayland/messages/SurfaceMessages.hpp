@@ -18,7 +18,7 @@ inline constexpr int kSurfaceSocket = 3;
 // While a surface exists, the add-on sends a message at least this often. Without one for as long
 // as the limit, the process ends, and its surfaces with it.
 inline constexpr std::chrono::milliseconds kBeat{500};
-inline constexpr std::chrono::milliseconds kBeatLimit{1750};
+inline constexpr std::chrono::milliseconds kBeatLimit{1500};
 // Each surface has this many pictures in its memory, one after the other.
 inline constexpr std::uint32_t kPictures = 2;
 
@@ -58,7 +58,7 @@ struct ToSurface {
     Kind kind = Kind::beat;
     std::uint32_t surface = 0;
     std::uint32_t output = 0;
-    PixelRect place{};         // on the output, logical pixels from its top left
+    PixelRect place{};       // on the output, logical pixels from its top left
     std::int32_t width = 0;  // of a picture
     std::int32_t height = 0;
     std::uint32_t picture = 0;
@@ -82,11 +82,11 @@ struct FromSurface {
     Kind kind = Kind::failed;
     std::uint32_t surface = 0;
     std::uint32_t output = 0;
-    PixelRect place{};   // of the output, logical pixels
-    double scale = 1;  // pixels per logical pixel
+    PixelRect place{};  // of the output, logical pixels
+    double scale = 1;   // pixels per logical pixel
     std::uint32_t picture = 0;
     std::uint32_t button = 0;    // 1 is the primary one
-    Point location{};              // logical pixels of the surface
+    Point location{};            // logical pixels of the surface
     bool hasKdeOverlay = false;  // in `ready`
     std::array<char, 96> text{};
 };
