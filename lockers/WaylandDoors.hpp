@@ -8,10 +8,10 @@
 namespace quorvane {
 
 struct SessionVariables {
-    std::string_view sessionType;     // XDG_SESSION_TYPE
-    std::string_view display;         // DISPLAY
-    std::string_view waylandDisplay;  // WAYLAND_DISPLAY
-    std::string_view desktop;         // XDG_CURRENT_DESKTOP
+    std::string_view sessionType{};     // XDG_SESSION_TYPE
+    std::string_view display{};         // DISPLAY
+    std::string_view waylandDisplay{};  // WAYLAND_DISPLAY
+    std::string_view desktop{};         // XDG_CURRENT_DESKTOP
 };
 
 // Whether the session's own display is Wayland. Its X server, if there is one, shows no lock

@@ -62,6 +62,29 @@ TEST_P(CardOn, KeepsItsQuietestTextReadableAndItsSymbolsSeen) {
     }
 }
 
+// The same where the lock screen cannot be read: the glass lets it through unblurred.
+TEST_P(CardOn, KeepsTheSameTextReadableOnTintedGlass) {
+    for (const double scale : {1.0, 1.25, 2.0}) {
+        const Pixels behind = picture(GetParam(), scale);
+        Pixels seen = makeTintedCardChrome(behind.width, behind.height, kStyle, scale);
+        EXPECT_EQ(seen.at(0, 0), 0u);
+        for (int y = 0; y < seen.height; ++y)
+            for (int x = 0; x < seen.width; ++x) {
+                const std::uint32_t glass = seen.at(x, y);
+                const double rest = 1 - (glass >> 24) / 255.0;
+                std::uint32_t both = kOpaqueBlack;
+                for (const int shift : {0, 8, 16})
+                    both += std::uint32_t(std::lround((glass >> shift & 0xff) +
+                                                      rest * (behind.at(x, y) >> shift & 0xff)))
+                            << shift;
+                seen.row(y)[x] = both;
+            }
+        const double text = leastContrast(seen, scale, 55, 271, PlayerLayout::kSecondaryOpacity);
+        EXPECT_GE(text, 4.5) << scale;
+        RecordProperty("tinted", std::to_string(text));
+    }
+}
+
 TEST_P(CardOn, ItsShadowLiesOnlyAroundIt) {
     const Pixels chrome = makeCardChrome(picture(GetParam(), 1), kStyle, 1);
     const auto alpha = [&](int x, int y) { return static_cast<int>(chrome.at(x, y) >> 24); };

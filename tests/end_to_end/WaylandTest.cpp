@@ -1,0 +1,147 @@
+// The card above KDE Plasma's own lock screen: its compositor nested in a virtual X server.
+#include <algorithm>
+#include <filesystem>
+
+#include "tests/end_to_end/LockSession.hpp"
+
+namespace quorvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr char kPassword[] = "quorvane";
+constexpr char kSocket[] = "wayland-quorvane";
+
+class EndToEndWayland : public testing::Test {
+protected:
+    void SetUp() override {
+        if (kwin().empty() || !std::filesystem::exists(PAM_WRAPPER_MODULES))
+            GTEST_SKIP() << "needs the packages of the group wayland in tools/packages.txt";
+        startCompositor();
+        ASSERT_TRUE(eventually([&] { return screenSaver("GetActive") == 0; })) << compositor.log();
+        host = session.startHost();
+        addOn = LoggedProcess{{ADDON_PROGRAM}, environment()};
+        ASSERT_TRUE(addOn.says("lock monitor started")) << addOn.log();
+    }
+
+    static std::filesystem::path kwin() {
+        const std::filesystem::path program{"/usr/bin/kwin_wayland"};
+        return std::filesystem::exists(program) ? program : "";
+    }
+    std::vector<std::string> environment() const {
+        auto variables = session.environment();
+        variables.insert(variables.end(), {std::string{"WAYLAND_DISPLAY="} + kSocket,
+                                           "XDG_SESSION_TYPE=wayland", "XDG_CURRENT_DESKTOP=KDE"});
+        return variables;
+    }
+    // Without a GPU, and with a password of the test's own.
+    void startCompositor() {
+        const TemporaryFolder& folder = session.folder();
+        // A copy has no file capability, which containers refuse.
+        const auto program = folder / "kwin_wayland";
+        std::filesystem::copy_file(kwin(), program);
+        std::string service;
+        for (const char* kind : {"auth", "account", "password", "session"})
+            service += std::string{kind} +
+                       " required " PAM_WRAPPER_MODULES "/pam_matrix.so passdb=" +
+                       (folder / "passdb").string() + "\n";
+        folder.write("pam/kde", service);
+        folder.write("passdb", "root:" + std::string{kPassword} + ":kde\n");
+        auto variables = session.environment();
+        variables.insert(variables.end(), {"KWIN_COMPOSE=Q", "QT_QUICK_BACKEND=software",
+                                           "LD_PRELOAD=libpam_wrapper.so", "PAM_WRAPPER=1",
+                                           "PAM_WRAPPER_SERVICE_DIR=" + (folder / "pam").string(),
+                                           "XDG_CACHE_HOME=" + (folder / "cache").string()});
+        compositor = LoggedProcess{{program.string(), "--x11-display", session.x().display(),
+                                    "--width", "1280", "--height", "800", "--socket", kSocket},
+                                   variables};
+    }
+    int screenSaver(const std::string& method) {
+        return LoggedProcess::run({"dbus-send", "--session", "--print-reply",
+                                   "--reply-timeout=20000", "--dest=org.freedesktop.ScreenSaver",
+                                   "/ScreenSaver", "org.freedesktop.ScreenSaver." + method},
+                                  session.environment())
+            .status;
+    }
+    // The card has entered when this returns.
+    void lock() {
+        xdotool({"mousemove", "640", "780"});
+        ASSERT_EQ(screenSaver("Lock"), 0) << compositor.log();
+        ASSERT_TRUE(addOn.says("lockui: shown")) << addOn.log();
+        card = LockSession::nextCard(addOn);
+        ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
+        EXPECT_TRUE(eventually([&] { return isCardSeen(); })) << addOn.log();
+    }
+    void xdotool(std::vector<std::string> words) {
+        words.insert(words.begin(), "xdotool");
+        LoggedProcess::run(words, session.environment());
+    }
+    // The glass is darker than everything of the lock screen there.
+    bool isCardSeen() const {
+        const Rect glass{card.frame.x + 52 + 80, card.frame.y + 52 + 90, 240, 8};
+        const auto pixels = Screenshot::take(probe.connection(), glass).pixels;
+        return std::ranges::all_of(pixels, [](std::uint32_t pixel) {
+            return (pixel >> 8 & 0xff) < 60 && (pixel & 0xff) < 60;
+        });
+    }
+    std::vector<std::uint32_t> prompt() const {
+        return Screenshot::take(probe.connection(), {500, 465, 220, 30}).pixels;
+    }
+    // The processes with the card's surfaces.
+    int surfaceProcesses() const {
+        const auto run = LoggedProcess::run(
+            {"pgrep", "-c", "-P", std::to_string(addOn_pid()), "-f", "quorvane-card-surface"}, {});
+        return std::atoi(run.text.c_str());
+    }
+    pid_t addOn_pid() const { return const_cast<LoggedProcess&>(addOn).process().pid(); }
+    // Whether the card leaves the screen within two seconds.
+    bool isGoneInTime() const {
+        const auto begin = std::chrono::steady_clock::now();
+        return eventually([&] { return !isCardSeen(); }) &&
+               std::chrono::steady_clock::now() - begin < 2s;
+    }
+
+    LockSession session{"1280x800x24"};
+    X11Client probe = session.probe();
+    LoggedProcess compositor;
+    LoggedProcess host;
+    LoggedProcess addOn;
+    CardOnScreen card;
+};
+
+TEST_F(EndToEndWayland, TheCardStandsAboveTheLockScreenUntilThePasswordIsTyped) {
+    EXPECT_EQ(surfaceProcesses(), 0);
+    lock();
+    EXPECT_EQ(surfaceProcesses(), 1);
+    const PlayerGeometry geometry = PlayerGeometry::make(true, false);
+    const Point next = card.middleOf(geometry.next);
+    xdotool({"mousemove", std::to_string(int(next.x)), std::to_string(int(next.y)), "click", "1"});
+    ASSERT_TRUE(addOn.says("command: nextTrack")) << addOn.log();
+    ASSERT_TRUE(addOn.says("state: track changed"));
+    // Keys reach the prompt: the first one opens it.
+    xdotool({"type", "--delay", "60", kPassword});
+    const auto typed = prompt();
+    xdotool({"key", "BackSpace"});
+    EXPECT_TRUE(eventually([&] { return prompt() != typed; }));
+    xdotool({"type", "e"});
+    EXPECT_TRUE(isCardSeen());
+    xdotool({"key", "Return"});
+    ASSERT_TRUE(addOn.says("unlock: com.apple.screenIsUnlocked")) << compositor.log();
+    EXPECT_TRUE(isGoneInTime());
+    EXPECT_EQ(surfaceProcesses(), 0);
+    EXPECT_EQ(addOn.count("error"), addOn.count("bus error")) << addOn.log();
+}
+
+TEST_F(EndToEndWayland, AStoppedOrKilledAddOnLeavesNoCard) {
+    lock();
+    addOn.process().signal(SIGSTOP);
+    EXPECT_TRUE(isGoneInTime());
+    addOn.process().signal(SIGCONT);
+    EXPECT_TRUE(addOn.says("screens changed")) << "the lock goes on, and the card comes back";
+    EXPECT_TRUE(eventually([&] { return isCardSeen(); })) << addOn.log();
+    addOn.process().end(SIGKILL);
+    EXPECT_TRUE(isGoneInTime());
+}
+
+}  // namespace
+}  // namespace quorvane
