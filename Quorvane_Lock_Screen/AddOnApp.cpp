@@ -1,9 +1,10 @@
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
 
-#include "AddOnKit/life/DurationText.hpp"
-#include "AddOnKit/life/LoginItem.hpp"
+#include <charconv>
+
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnLaunch.hpp"
+#include "platform/Seconds.hpp"
 
 namespace quorvane {
 namespace {
@@ -15,6 +16,40 @@ std::string joined(const InstanceHandover::PIDs& pids) {
         text += std::to_string(pid);
     }
     return text;
+}
+
+// "10.0 seconds", "0.25 seconds".
+std::string durationText(Duration duration) {
+    char digits[32];
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), secondsOf(duration),
+                                   std::chars_format::fixed)
+                         .ptr;
+    std::string text{std::begin(digits), end};
+    if (text.find('.') == text.npos) text += ".0";
+    return text + " seconds";
+}
+
+void registerLoginItem(const LoginItemClient& client, const Logger& log) {
+    if (const auto result = client.registerItem(); !result)
+        log.error("login item: register() failed: %{public}s", errorText(result.error()));
+    else
+        log.info("login item: registered (now %{public}s)", std::to_string(client.status()));
+}
+
+// Registers the add-on to start at login unless it is registered or the user has switched it off.
+// An error never stops the launch.
+void ensureLoginItemIsRegistered(const LoginItemClient& client, const Logger& log) {
+    switch (const std::int64_t status = client.status()) {
+        case LoginItemClient::kEnabled: return;
+        case LoginItemClient::kNotRegistered:
+        case LoginItemClient::kNotFound: return registerLoginItem(client, log);
+        case LoginItemClient::kRequiresApproval:
+            // Only the user can approve it; registering again would not help.
+            return log.info("login item: awaiting approval in Login Items; leaving it alone");
+        default:
+            log.error("login item: unknown status %{public}s; leaving it alone",
+                      std::to_string(status));
+    }
 }
 
 }  // namespace

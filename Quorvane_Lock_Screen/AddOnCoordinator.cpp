@@ -45,11 +45,10 @@ AddOnCoordinator::AddOnCoordinator(const LivePlatform& platform)
       driver_(platform.services.clock, platform.services.log),
       monitor_(platform.services.distributedNotices, platform.lockSources, platform.services.log) {}
 
-template <typename... Parameters>
-std::function<void(Parameters...)> AddOnCoordinator::weakly(
-    void (AddOnCoordinator::*member)(Parameters...)) {
-    return [weak = weak_from_this(), member](Parameters... parameters) {
-        if (const auto self = weak.lock()) (self.get()->*member)(parameters...);
+template <typename Action>
+auto AddOnCoordinator::weakly(Action action) {
+    return [weak = weak_from_this(), action](const auto&... arguments) {
+        if (const auto self = weak.lock()) std::invoke(action, *self, arguments...);
     };
 }
 
@@ -58,8 +57,8 @@ void AddOnCoordinator::start() {
               platform_.services.process.pid);
     startClient();
     makeLink();
-    makeRefresher();
-    makeVolumeSender();
+    refresher_.emplace(platform_.services.clock, weakly(&AddOnCoordinator::refresh));
+    volume_.emplace(platform_.services.clock, weakly(&AddOnCoordinator::sendVolume));
     makeController();
     listenToPresentation();
     startInstallerSignals();
@@ -101,14 +100,6 @@ void AddOnCoordinator::makeLink() {
               identity.installID);
 }
 
-void AddOnCoordinator::makeRefresher() {
-    refresher_.emplace(platform_.services.clock, weakly(&AddOnCoordinator::refresh));
-}
-
-void AddOnCoordinator::makeVolumeSender() {
-    volume_.emplace(platform_.services.clock, weakly(&AddOnCoordinator::sendVolume));
-}
-
 void AddOnCoordinator::makeController() {
     controller_.emplace(
         [this](const Screen& screen) { return makeContent(screen); },
@@ -134,7 +125,8 @@ void AddOnCoordinator::noteRoom(bool hasRoom) {
 void AddOnCoordinator::listenToPresentation() {
     driver_.onChange = weakly(&AddOnCoordinator::present);
     driver_.onLocked = weakly(&AddOnCoordinator::sayHelloSoon);
-    monitor_.onEvent = weakly(&AddOnCoordinator::lockEvent);
+    monitor_.onEvent = weakly(
+        [](AddOnCoordinator& self, const PresentationEvent& event) { self.driver_.handle(event); });
 }
 
 void AddOnCoordinator::startInstallerSignals() {
@@ -160,9 +152,8 @@ void AddOnCoordinator::observe() {
 
 void AddOnCoordinator::listenToNotices() {
     const DarwinNotices& notices = platform_.services.darwinNotices;
-    const auto add = [&](QuorvaneDarwinNotification name, void (AddOnCoordinator::*member)()) {
-        auto observer = std::make_unique<DarwinNotificationObserver>(
-            notices, std::string{rawValue(name)}, weakly(member));
+    const auto add = [&](const char* name, void (AddOnCoordinator::*member)()) {
+        auto observer = std::make_unique<DarwinNotificationObserver>(notices, name, weakly(member));
         observer->start();
         darwinObservers_.push_back(std::move(observer));
     };
@@ -171,8 +162,6 @@ void AddOnCoordinator::listenToNotices() {
     add(QuorvaneDarwinNotification::mainAppWillTerminate,
         &AddOnCoordinator::mainAppWillTerminateNotice);
 }
-
-void AddOnCoordinator::lockEvent(const PresentationEvent& event) { driver_.handle(event); }
 
 // A removal is not treated as a change of the permission. The removal request follows at once and
 // closes the windows in its own order, so that a drag that ends with them sends no command.
@@ -202,10 +191,9 @@ void AddOnCoordinator::present(const PresentationState& state) {
 
 // Posted as a separate task, so that the lock event is fully handled first.
 void AddOnCoordinator::sayHelloSoon() {
-    platform_.services.mainThread.post(weakly(&AddOnCoordinator::sayHello));
+    platform_.services.mainThread.post(
+        weakly([](AddOnCoordinator& self) { self.link_->sayHello(); }));
 }
-
-void AddOnCoordinator::sayHello() { link_->sayHello(); }
 
 void AddOnCoordinator::configurationNotice() {
     log_.standard("notice: lockScreenConfigurationChanged; saying hello");
@@ -215,7 +203,6 @@ void AddOnCoordinator::configurationNotice() {
 void AddOnCoordinator::mainAppWillTerminateNotice() {
     log_.standard("notice: mainAppWillTerminate; hiding the card");
     clearModel();
-    driver_.handle(event::QuorVaneQuit{});
     log_.standard("state: %{public}s", describe(driver_.state()));
 }
 
@@ -247,25 +234,13 @@ void AddOnCoordinator::clearModel() {
 
 void AddOnCoordinator::command(QuorvaneAction action, ModelEdit edit) {
     if (isRemoving_) return;
-    log_.standard("command: %{public}s", name(action));
+    log_.standard("command: %{public}s", actionName(action));
     connectIfNeeded();
     // After connecting, because the state that a new connection brings is older than the user's
     // edit.
     if (edit != nullptr) (model_.*edit)();
     client_.perform(action);
     refresher_->nudge();
-}
-
-void AddOnCoordinator::playPause() {
-    command(QuorvaneAction::playPause, &PlayerModel::togglePlayPause);
-}
-
-void AddOnCoordinator::next() { command(QuorvaneAction::nextTrack); }
-
-void AddOnCoordinator::previous() { command(QuorvaneAction::previousTrack); }
-
-void AddOnCoordinator::toggleLove() {
-    command(QuorvaneAction::toggleLove, &PlayerModel::toggleLove);
 }
 
 void AddOnCoordinator::setVolume(std::int64_t level) {
@@ -289,10 +264,13 @@ void AddOnCoordinator::sendVolume(std::int64_t level) {
 }
 
 PlayerActions AddOnCoordinator::playerActions() {
-    return {.playPause = weakly(&AddOnCoordinator::playPause),
-            .next = weakly(&AddOnCoordinator::next),
-            .previous = weakly(&AddOnCoordinator::previous),
-            .toggleLove = weakly(&AddOnCoordinator::toggleLove),
+    const auto sends = [this](QuorvaneAction action, ModelEdit edit = nullptr) {
+        return weakly([action, edit](AddOnCoordinator& self) { self.command(action, edit); });
+    };
+    return {.playPause = sends(QuorvaneAction::playPause, &PlayerModel::togglePlayPause),
+            .next = sends(QuorvaneAction::nextTrack),
+            .previous = sends(QuorvaneAction::previousTrack),
+            .toggleLove = sends(QuorvaneAction::toggleLove, &PlayerModel::toggleLove),
             .setVolume = weakly(&AddOnCoordinator::setVolume),
             .endVolume = weakly(&AddOnCoordinator::endVolume)};
 }

@@ -37,16 +37,14 @@ public:
 private:
     explicit AddOnCoordinator(const LivePlatform& platform);
 
-    // Returns an action that calls a member function while the coordinator is alive and has no
-    // effect afterwards.
-    template <typename... Parameters>
-    std::function<void(Parameters...)> weakly(void (AddOnCoordinator::*member)(Parameters...));
+    // Returns a callback that runs the action on the coordinator, which stays alive during it, and
+    // has no effect once the coordinator is destroyed.
+    template <typename Action>
+    auto weakly(Action action);
 
     // The steps of start(), in order.
     void startClient();
     void makeLink();
-    void makeRefresher();
-    void makeVolumeSender();
     void makeController();
     void listenToPresentation();
     void startInstallerSignals();
@@ -59,19 +57,13 @@ private:
     void clearModel();
     // Sends a command and makes its immediate change to the card.
     using ModelEdit = void (PlayerModel::*)();
-    void command(QuorvaneAction action, ModelEdit edit = nullptr);
-    void playPause();
-    void next();
-    void previous();
-    void toggleLove();
+    void command(QuorvaneAction action, ModelEdit edit);
     void setVolume(std::int64_t level);
     void endVolume();
     void sendVolume(std::int64_t level);
     void present(const PresentationState& state);
     void noteRoom(bool hasRoom);
-    void lockEvent(const PresentationEvent& event);
     void sayHelloSoon();
-    void sayHello();
     void configurationNotice();
     void mainAppWillTerminateNotice();
     void linkChanged();

@@ -8,7 +8,7 @@
 namespace quorvane {
 namespace {
 
-void remove(const LiveServices& services, const Logger& log) {
+void removeAddOn(const LiveServices& services, const Logger& log) {
     const auto& applicationSupport = services.installation.applicationSupport;
     const SelfRemoval removal{
         .defaults = services.standardDefaults,
@@ -28,22 +28,21 @@ void remove(const LiveServices& services, const Logger& log) {
 
 void launchAddOn(const LiveServices& services, const std::function<void()>& run) {
     const Logger log{services.log, kAddOnBundleIdentifier, "removal"};
-    const LaunchPerformer launch{.arguments = services.process.arguments,
-                                 .defaults = services.standardDefaults,
-                                 .sharedDefaults = services.openSuite(std::string{kAppGroup}),
-                                 .bundle = services.process.bundle,
-                                 .identity = services.installation.fileManager.identity,
-                                 .log = log};
-    launch.perform(
-        [&] {
+    switch (decideLaunch({.arguments = services.process.arguments,
+                          .defaults = services.standardDefaults,
+                          .sharedDefaults = services.openSuite(std::string{kAppGroup}),
+                          .bundle = services.process.bundle,
+                          .identity = services.installation.fileManager.identity,
+                          .log = log})) {
+        case LaunchDecision::run: return run();
+        case LaunchDecision::finishRemoval:
             log.standard("launch: a removal is pending; finishing it");
-            remove(services, log);
-        },
-        [&] {
+            break;
+        case LaunchDecision::uninstall:
             log.standard("launch: asked to uninstall; removing the add-on");
-            remove(services, log);
-        },
-        run);
+            break;
+    }
+    removeAddOn(services, log);
 }
 
 }  // namespace quorvane

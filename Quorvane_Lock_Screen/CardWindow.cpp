@@ -1,8 +1,6 @@
 #include "Quorvane_Lock_Screen/CardWindow.hpp"
 
-#include "QuorvaneKit/link/Identifiers.hpp"
-
-namespace quorvane {
+namespace quorvane::CardWindow {
 namespace {
 
 constexpr std::uint64_t kNonactivatingPanel = 128;
@@ -12,7 +10,7 @@ constexpr std::uint64_t kCollectionBehavior = 337;
 
 }  // namespace
 
-WindowSettings CardWindow::settings(const Rect& frame, double contentScale) {
+WindowSettings settings(const Rect& frame, double contentScale) {
     return {.frame = frame,
             .contentScale = contentScale,
             .styleMask = kNonactivatingPanel,
@@ -29,12 +27,4 @@ WindowSettings CardWindow::settings(const Rect& frame, double contentScale) {
             .ignoresMouseEvents = true};
 }
 
-CardWindow::CardWindow(std::unique_ptr<CardSystemWindow> window, const LogSink& log)
-    : window_(std::move(window)) {
-    window_->setMouseDownObserver([logger = Logger{log, kAddOnBundleIdentifier, "presenter"},
-                                   number = window_->number()](Point location) {
-        logger.debug("window %ld mouse down at %{public}s", number, describe(location));
-    });
-}
-
-}  // namespace quorvane
+}  // namespace quorvane::CardWindow

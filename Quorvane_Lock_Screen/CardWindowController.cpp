@@ -5,6 +5,7 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
+#include "Quorvane_Lock_Screen/CardWindow.hpp"
 
 namespace quorvane {
 namespace {
@@ -31,10 +32,8 @@ CardWindowController::CardWindowController(MakeContent makeContent, Services ser
     if (windowServerLoader) skyLight_.emplace(*windowServerLoader, services_.log);
 }
 
-CardWindowController::~CardWindowController() = default;
-
 void CardWindowController::present(const PresentationState& state) {
-    const PresentationState previous = std::exchange(*state_, state);
+    const PresentationState previous = std::exchange(state_, state);
     apply(CardWindowSync::steps(previous, state, standing()), "state");
     if (state.cardExpected() && !previous.cardExpected()) rehearseSoon();
 }
@@ -42,9 +41,8 @@ void CardWindowController::present(const PresentationState& state) {
 // Builds an invisible card while the lock screen is still appearing. It loads what the first
 // visible card would otherwise wait for: the drawing code, the fonts, the texts' widths.
 void CardWindowController::rehearseSoon() {
-    services_.mainThread.post([this, held = std::weak_ptr{state_}] {
-        const auto state = held.lock();
-        if (state == nullptr || !state->cardExpected()) return;
+    services_.mainThread.post([this, life = life_.watch()] {
+        if (life.isOver() || !state_.cardExpected()) return;
         const std::vector<Screen> screens = services_.screens.list();
         if (screens.empty()) return;
         const auto content = makeContent_(screens.front());
@@ -79,8 +77,9 @@ void CardWindowController::apply(const std::vector<CardWindowSync::Step>& steps,
 
 void CardWindowController::build(CardAppearance appearance, std::string_view reason) {
     const std::vector<Screen> screens = services_.screens.list();
+    ++buildCount_;
     log_.info("windows: building %ld (%{public}s), card %{bool}d",
-              static_cast<long>(screens.size()), reason, state_->cardShown());
+              static_cast<long>(screens.size()), reason, state_.cardShown());
     long index = 0;
     bool hasRoom = false;
     for (const Screen& screen : screens) hasRoom |= buildWindow(screen, ++index, appearance);
@@ -98,49 +97,38 @@ bool CardWindowController::buildWindow(const Screen& screen, long index,
     }
     Screen drawn = screen;
     drawn.scale *= place->scale;
-    auto card = std::make_shared<GlassCardView>(services_.windows.makeStage(GlassCardView::style()),
+    auto card = std::make_unique<GlassCardView>(services_.windows.makeStage(GlassCardView::style()),
                                                 makeContent_(drawn),
                                                 services_.windows.reducesMotion, services_.log);
-    auto system =
+    auto window =
         services_.windows.makeWindow(CardWindow::settings(place->frame, place->scale), screen);
-    if (system == nullptr) return true;  // the platform has logged the reason
-    auto window = std::make_unique<CardWindow>(std::move(system), services_.log);
-    window->system().setContent(card->stage());
-    card->setWindow(&window->system());
-    window->system().setIgnoresMouseEvents(appearance == CardAppearance::hidden);
-    window->system().orderFrontRegardless();
+    if (window == nullptr) return true;  // the platform has logged the reason
+    window->setMouseDownObserver([log = log_, number = window->number()](Point location) {
+        log.debug("window %ld mouse down at %{public}s", number, describe(location));
+    });
+    window->setContent(card->stage());
+    card->setWindow(window.get());
+    window->setIgnoresMouseEvents(appearance == CardAppearance::hidden);
+    window->orderFrontRegardless();
     log_.info("window %ld on screen %ld %{public}s at %{public}s", window->number(), index,
               describe(screen.frame), describe(place->frame));
-    liftAboveLock(window->system());
+    if (skyLight_) skyLight_->put(*window);
     entries_.push_back({screen, place->scale, std::move(window), std::move(card)});
     return true;
-}
-
-void CardWindowController::liftAboveLock(CardSystemWindow& window) {
-    if (skyLight_)
-        skyLight_->put(window);
-    else
-        services_.windows.liftAboveLock(window);
 }
 
 // Runs after the current pass of the main loop, so that the windows are on screen before their
 // cards enter.
 void CardWindowController::scheduleShow(CardAppearance appearance) {
-    std::vector<std::weak_ptr<GlassCardView>> cards;
-    for (const Entry& entry : entries_) cards.push_back(entry.card);
-    services_.mainThread.post(
-        [state = std::weak_ptr{state_}, cards = std::move(cards), appearance] {
-            const auto current = state.lock();
-            if (current == nullptr || !current->cardShown()) return;
-            for (const auto& weak : cards) {
-                const auto card = weak.lock();
-                if (card == nullptr || !card->hasWindow()) continue;
-                if (appearance == CardAppearance::entrance)
-                    card->runEntrance();
-                else
-                    card->showImmediately();
-            }
-        });
+    services_.mainThread.post([this, life = life_.watch(), build = buildCount_, appearance] {
+        if (life.isOver() || build != buildCount_ || !state_.cardShown()) return;
+        for (const Entry& entry : entries_) {
+            if (appearance == CardAppearance::entrance)
+                entry.card->runEntrance();
+            else
+                entry.card->showImmediately();
+        }
+    });
 }
 
 void CardWindowController::setCardVisible(bool visible) {
@@ -148,7 +136,7 @@ void CardWindowController::setCardVisible(bool visible) {
               static_cast<long>(entries_.size()));
     for (const Entry& entry : entries_) {
         // A hidden card passes clicks through to the lock screen.
-        entry.window->system().setIgnoresMouseEvents(!visible);
+        entry.window->setIgnoresMouseEvents(!visible);
         if (visible && !entry.card->isShown()) entry.card->runEntrance();
         if (!visible && entry.card->isShown()) entry.card->runExit();
     }
@@ -159,10 +147,10 @@ void CardWindowController::closeAll(std::string_view reason) {
     // Closing may re-enter; entries_ is already empty then.
     const std::vector<Entry> closing = std::exchange(entries_, {});
     for (const Entry& entry : closing) {
-        entry.window->system().orderOut();
-        entry.window->system().setContent(nullptr);
+        entry.window->orderOut();
+        entry.window->setContent(nullptr);
         entry.card->setWindow(nullptr);
-        entry.window->system().close();
+        entry.window->close();
     }
 }
 
@@ -175,14 +163,14 @@ void CardWindowController::beginActivity() {
 void CardWindowController::screensChanged() {
     log_.info("screens changed: %ld screen(s), %ld window(s), windows wanted %{bool}d",
               static_cast<long>(services_.screens.list().size()),
-              static_cast<long>(entries_.size()), state_->windowsWanted());
-    apply(CardWindowSync::rebuildSteps(*state_, standing()), "screens changed");
+              static_cast<long>(entries_.size()), state_.windowsWanted());
+    apply(CardWindowSync::rebuildSteps(state_, standing()), "screens changed");
 }
 
 // Moves the windows out of the way of a prompt, and back. If a card gains or loses its only place,
 // or changes its size, all windows are rebuilt.
 void CardWindowController::keepClearChanged() {
-    if (!state_->windowsWanted()) return;
+    if (!state_.windowsWanted()) return;
     std::vector<std::tuple<Entry*, Screen, Rect>> moves;
     std::size_t placed = 0;
     for (const Screen& screen : services_.screens.list()) {
@@ -195,12 +183,12 @@ void CardWindowController::keepClearChanged() {
         if (entry != entries_.end()) moves.emplace_back(&*entry, screen, place->frame);
     }
     if (moves.size() != placed || moves.size() != entries_.size()) {
-        apply(CardWindowSync::rebuildSteps(*state_, standing()), "keep clear");
+        apply(CardWindowSync::rebuildSteps(state_, standing()), "keep clear");
         return;
     }
     for (const auto& [entry, screen, frame] : moves) {
         entry->screen = screen;
-        entry->window->system().setFrame(frame, screen);
+        entry->window->setFrame(frame, screen);
     }
 }
 

@@ -11,11 +11,11 @@
 
 #include "AddOnKit/presentation/CardWindowSync.hpp"
 #include "AddOnKit/presentation/PresentationState.hpp"
-#include "Quorvane_Lock_Screen/CardWindow.hpp"
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
 #include "Quorvane_Lock_Screen/SkyLight.hpp"
 #include "drawing/Screens.hpp"
 #include "platform/DynamicLoader.hpp"
+#include "platform/LifeToken.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/ProcessInfo.hpp"
 
@@ -36,10 +36,9 @@ public:
     using MakeContent = std::function<std::unique_ptr<CardContent>(const Screen&)>;
 
     // With a loader, the window server's private interface moves the windows above the lock screen.
-    // Without one, `liftAboveLock` of the windows' table does.
+    // Without one, the platform's windows are there already.
     CardWindowController(MakeContent makeContent, Services services,
                          const std::optional<DynamicLoader>& windowServerLoader = std::nullopt);
-    ~CardWindowController();
 
     // Plans the steps from the last state to this one and carries them out.
     void present(const PresentationState& state);
@@ -48,8 +47,8 @@ private:
     struct Entry {
         Screen screen;
         double scale;  // of the card
-        std::unique_ptr<CardWindow> window;
-        std::shared_ptr<GlassCardView> card;
+        std::unique_ptr<CardSystemWindow> window;
+        std::unique_ptr<GlassCardView> card;
     };
 
     void rehearseSoon();
@@ -58,7 +57,6 @@ private:
     void build(CardWindowSync::CardAppearance appearance, std::string_view reason);
     // Returns whether the screen has room for the card.
     bool buildWindow(const Screen& screen, long index, CardWindowSync::CardAppearance appearance);
-    void liftAboveLock(CardSystemWindow& window);
     void scheduleShow(CardWindowSync::CardAppearance appearance);
     void setCardVisible(bool visible);
     void closeAll(std::string_view reason);
@@ -71,12 +69,13 @@ private:
     Logger log_;
     std::optional<SkyLight> skyLight_;
     std::vector<Entry> entries_;  // in screen order
-    // Shared only so that a deferred show can detect that the controller is destroyed.
-    std::shared_ptr<PresentationState> state_ = std::make_shared<PresentationState>();
+    PresentationState state_;
     std::uint64_t planCount_ = 0;
+    std::uint64_t buildCount_ = 0;
     Handle activity_;
     Handle screenObserver_;
     Handle keepClearObserver_;
+    LifeToken life_;
 };
 
 }  // namespace quorvane

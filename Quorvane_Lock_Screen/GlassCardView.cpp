@@ -1,7 +1,6 @@
 #include "Quorvane_Lock_Screen/GlassCardView.hpp"
 
 #include "AddOnKit/card/PlayerGeometry.hpp"
-#include "AddOnKit/presentation/PresentationTiming.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
 
@@ -9,14 +8,20 @@ namespace quorvane {
 namespace {
 
 constexpr std::int64_t kClearGlass = 1;
+constexpr Spring kEntrance{.perceptualDuration = 0.5, .bounce = 0.05};
+constexpr double kEntranceStartScale = 0.94;
+constexpr double kEntranceStartOffset = 12;  // points, downward
+constexpr Duration kFadeIn = std::chrono::milliseconds{350};
+constexpr Duration kFadeInReducedMotion = std::chrono::milliseconds{300};
+constexpr Duration kFadeOut = std::chrono::milliseconds{200};
 
 // The start of the entrance: slightly smaller about the stage's middle and slightly lower.
 Transform entranceStart() {
     const double width = kCardSize.width + 2 * kCardShadowMargin;
     const double height = kCardSize.height + 2 * kCardShadowMargin;
-    return {.scale = PresentationTiming::kEntranceStartScale,
+    return {.scale = kEntranceStartScale,
             .centre = {width / 2, height / 2},
-            .offset = {0, PresentationTiming::kEntranceStartOffset}};
+            .offset = {0, kEntranceStartOffset}};
 }
 
 }  // namespace
@@ -52,16 +57,10 @@ void GlassCardView::runEntrance() {
     stage_->setHidden(false);
     log_.info("entrance: window %ld, reduce motion %{bool}d", windowNumber(), reduceMotion);
     stage_->removeAnimations();
-    if (!reduceMotion)
-        stage_->springFrom(
-            entranceStart(),
-            Spring{.perceptualDuration = PresentationTiming::kEntrancePerceptualDuration,
-                   .bounce = PresentationTiming::kEntranceBounce});
+    if (!reduceMotion) stage_->springFrom(entranceStart(), kEntrance);
     if (window_ == nullptr) return;
     window_->setAlpha(0);
-    window_->animateAlpha(
-        1, reduceMotion ? PresentationTiming::kFadeInReducedMotion : PresentationTiming::kFadeIn,
-        nullptr);
+    window_->animateAlpha(1, reduceMotion ? kFadeInReducedMotion : kFadeIn, nullptr);
 }
 
 void GlassCardView::showImmediately() {
@@ -80,8 +79,8 @@ void GlassCardView::runExit() {
         hideIfStillNotShown();
         return;
     }
-    window_->animateAlpha(0, PresentationTiming::kFadeOut, [weak = weak_from_this()] {
-        if (const auto self = weak.lock()) self->hideIfStillNotShown();
+    window_->animateAlpha(0, kFadeOut, [this, life = life_.watch()] {
+        if (!life.isOver()) hideIfStillNotShown();
     });
 }
 

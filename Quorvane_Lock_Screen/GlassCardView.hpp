@@ -7,12 +7,13 @@
 
 #include "AddOnKit/card/CardContent.hpp"
 #include "drawing/CardWindows.hpp"
+#include "platform/LifeToken.hpp"
 #include "platform/Log.hpp"
 
 namespace quorvane {
 
-// Main thread only. Owned by the controller's entry; held weakly by fades that end later.
-class GlassCardView : public std::enable_shared_from_this<GlassCardView> {
+// Main thread only. Owned by the controller's entry. A fade may end after the view is destroyed.
+class GlassCardView {
 public:
     // The look of every card and its shadow.
     static CardStyle style();
@@ -25,7 +26,6 @@ public:
     // The window that shows the card; null once it is closed. The window outlives this view, or is
     // reset first.
     void setWindow(CardSystemWindow* window) { window_ = window; }
-    bool hasWindow() const { return window_ != nullptr; }
 
     // Springs and fades in; only fades in when Reduce Motion is on.
     void runEntrance();
@@ -45,6 +45,7 @@ private:
     std::function<bool()> reducesMotion_;
     Logger log_;
     bool isShown_ = false;
+    LifeToken life_;
 };
 
 }  // namespace quorvane

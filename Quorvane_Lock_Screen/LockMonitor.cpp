@@ -15,10 +15,22 @@ LockMonitor::LockMonitor(DistributedNotices notices, LockSources sources, LogSin
 void LockMonitor::start() {
     if (isStarted_) return;
     isStarted_ = true;
-    observe("com.apple.screenIsLocked", &LockMonitor::screenLocked);
-    observe("com.apple.screenIsUnlocked", &LockMonitor::screenUnlocked);
-    observe("com.apple.screenLockUIIsShown", &LockMonitor::lockUIShown);
-    observe("com.apple.screenLockUIIsHidden", &LockMonitor::lockUIHidden);
+    observe(kScreenIsLocked, [this] {
+        log_.info("lock: com.apple.screenIsLocked");
+        emit(event::Locked{});
+    });
+    observe(kScreenIsUnlocked, [this] {
+        log_.info("unlock: com.apple.screenIsUnlocked");
+        emit(event::Unlocked{});
+    });
+    observe(kScreenLockUIIsShown, [this] {
+        log_.info("lockui: shown");
+        emit(event::LockUIShown{});
+    });
+    observe(kScreenLockUIIsHidden, [this] {
+        log_.info("lockui: hidden");
+        emit(event::LockUIHidden{});
+    });
     wakeObserver_ = sources_.observeWake([this] { woke(); });
     log_.info("lock monitor started; locked now %{bool}d", isScreenLockedNow());
     logSharedLockUIState();
@@ -39,29 +51,9 @@ bool LockMonitor::isScreenLockedNow() const {
     return isLocked != nullptr && *isLocked;
 }
 
-void LockMonitor::observe(const std::string& name, void (LockMonitor::*handler)()) {
-    noticeObservers_.push_back(
-        notices_.observe(name, [this, handler](const PropertyDictionary&) { (this->*handler)(); }));
-}
-
-void LockMonitor::screenLocked() {
-    log_.info("lock: com.apple.screenIsLocked");
-    emit(event::Locked{});
-}
-
-void LockMonitor::screenUnlocked() {
-    log_.info("unlock: com.apple.screenIsUnlocked");
-    emit(event::Unlocked{});
-}
-
-void LockMonitor::lockUIShown() {
-    log_.info("lockui: shown");
-    emit(event::LockUIShown{});
-}
-
-void LockMonitor::lockUIHidden() {
-    log_.info("lockui: hidden");
-    emit(event::LockUIHidden{});
+void LockMonitor::observe(const char* notice, std::function<void()> handler) {
+    noticeObservers_.push_back(notices_.observe(
+        notice, [handler = std::move(handler)](const PropertyDictionary&) { handler(); }));
 }
 
 // A sleeping machine can miss notices; the present state makes up for them.

@@ -3,8 +3,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "AddOnKit/presentation/PresentationEvent.hpp"
@@ -31,11 +29,7 @@ public:
     std::function<void(const PresentationEvent&)> onEvent;
 
 private:
-    void observe(const std::string& name, void (LockMonitor::*handler)());
-    void screenLocked();
-    void screenUnlocked();
-    void lockUIShown();
-    void lockUIHidden();
+    void observe(const char* notice, std::function<void()> handler);
     void woke();
     void logSharedLockUIState() const;
     void emit(const PresentationEvent& event) const;

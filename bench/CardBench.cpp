@@ -154,7 +154,7 @@ void drawing(Bench& bench) {
             .figure = timeText(marquee.median()),
             .goal = "≥ 15 ×",
             .isMet = cheaper >= 15,
-            .reason = "it reads, mixes and writes every pixel of the rows with letters"});
+            .reason = "it copies, mixes and compares every pixel of the rows with letters"});
     tellFills("the whole card and its shadow, layouts kept", kept, fills, kRedrawFills,
               "it mixes most pixels several times");
     tellFills("the whole card and its shadow, drawn for the first time", fresh, fills,

@@ -3,11 +3,10 @@ include(GNUInstallDirs)
 # No multiarch folder: the host looks for the bundle in lib beside the bin folder.
 set(QUORVANE_INSTALLED_BUNDLE "lib/quorvane/Quorvane Lock Screen.app")
 
-install(TARGETS quorvane-host quorvane-open RUNTIME)
+install(TARGETS quorvane-host RUNTIME)
 install(TARGETS quorvane-lock-screen quorvane-card-surface RUNTIME DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
 install(TARGETS quorvane_card LIBRARY DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
 install(FILES "${QUORVANE_BUNDLE}/Contents/Info.plist" DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents")
-install(DIRECTORY "${QUORVANE_BUNDLE}/Contents/Resources" DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents")
 install(FILES packaging/quorvane-host.service DESTINATION lib/systemd/user)
 
 # Compressed without a timestamp, as Debian requires.
@@ -22,7 +21,7 @@ function(quorvane_compressed source name)
         DEPENDS "${source}" VERBATIM)
     set(compressed ${compressed} "${target}" PARENT_SCOPE)
 endfunction()
-foreach(page quorvane-host quorvane-open quorvane-lock-screen)
+foreach(page quorvane-host quorvane-lock-screen)
     quorvane_compressed("docs/man/${page}.1" "${page}.1")
     install(FILES "${CMAKE_BINARY_DIR}/packaging/${page}.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
 endforeach()

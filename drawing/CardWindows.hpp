@@ -5,7 +5,6 @@
 #include <functional>
 #include <memory>
 
-#include "drawing/Canvas.hpp"
 #include "drawing/Geometry.hpp"
 #include "drawing/Scene.hpp"
 #include "drawing/Screens.hpp"
@@ -112,9 +111,6 @@ struct CardWindows {
     std::function<std::unique_ptr<CardSystemWindow>(const WindowSettings&, const Screen&)>
         makeWindow;
     std::function<std::shared_ptr<CardStage>(const CardStyle&)> makeStage;
-    // Moves the window above the lock screen, for systems where that is one operation of the window
-    // system.
-    std::function<void(CardSystemWindow&)> liftAboveLock;
     std::function<bool()> reducesMotion;
     MeasureText measureText;
 };

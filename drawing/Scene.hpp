@@ -3,6 +3,7 @@
 // its top left, y growing downward. A node paints only inside its frame.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,6 +35,9 @@ struct FontStyle {
 
     constexpr bool operator==(const FontStyle&) const = default;
 };
+
+// The width of one line of text in points, as it will be drawn. Main thread.
+using MeasureText = std::function<double(const std::string& text, const FontStyle& font)>;
 
 enum class TextAlignment {
     leading,

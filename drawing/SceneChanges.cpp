@@ -1,13 +1,64 @@
 #include "drawing/SceneChanges.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <utility>
 
-#include "drawing/SceneLeaves.hpp"
-
 namespace quorvane {
 namespace {
+
+// A node that paints, with its enclosing groups, outermost first. Refers to its scene.
+struct Leaf {
+    const SceneNode* node;
+    std::vector<const GroupBegin*> groups;
+
+    bool looksLike(const Leaf& other) const {
+        return *node == *other.node &&
+               std::ranges::equal(groups, other.groups,
+                                  [](const auto* one, const auto* two) { return *one == *two; });
+    }
+};
+
+struct FrameOf {
+    template <typename Node>
+    Rect operator()(const Node& node) const {
+        if constexpr (requires { node.frame; })
+            return node.frame;
+        else
+            return {};
+    }
+};
+
+// From back to front.
+std::vector<Leaf> leavesOf(const Scene& scene) {
+    std::vector<Leaf> leaves;
+    leaves.reserve(scene.nodes.size());
+    std::vector<const GroupBegin*> groups;
+    for (const SceneNode& node : scene.nodes) {
+        if (const auto* begin = std::get_if<GroupBegin>(&node))
+            groups.push_back(begin);
+        else if (!std::holds_alternative<GroupEnd>(node))
+            leaves.push_back({&node, groups});
+        else if (!groups.empty())
+            groups.pop_back();
+    }
+    return leaves;
+}
+
+// The area that a leaf may paint on.
+Rect areaOf(const Leaf& leaf) {
+    const Rect frame = std::visit(FrameOf{}, *leaf.node);
+    Point low{frame.minX(), frame.minY()};
+    Point high{frame.maxX(), frame.maxY()};
+    for (auto group = leaf.groups.rbegin(); group != leaf.groups.rend(); ++group) {
+        low = (*group)->transform.apply(low);
+        high = (*group)->transform.apply(high);
+    }
+    // Clips are ignored, because they only make the area smaller.
+    return {std::min(low.x, high.x), std::min(low.y, high.y), std::abs(high.x - low.x),
+            std::abs(high.y - low.y)};
+}
 
 Rect unionOf(const Rect& one, const Rect& two) {
     const double left = std::min(one.minX(), two.minX());

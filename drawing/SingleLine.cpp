@@ -9,7 +9,7 @@ constexpr std::string_view kReplacement = "\uFFFD";
 constexpr std::string_view kEllipsis = "…";
 
 constexpr bool breaksLine(std::uint32_t code) {
-    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x2028 || code == 0x2029;
+    return isControl(code) || code == 0x2028 || code == 0x2029;
 }
 
 }  // namespace

@@ -9,6 +9,11 @@ bool isAlignedLeft(const TextNode& node, bool isRightToLeft) {
     return (node.alignment == TextAlignment::leading) != isRightToLeft;
 }
 
+double riseAt(double t) {
+    const double rise = t * t * (3 - 2 * t);
+    return rise * rise;
+}
+
 }  // namespace
 
 double baselineOf(const Rect& frame, const LineHeights& heights) {
@@ -43,11 +48,16 @@ std::array<FadeStop, 12> fadeStops(const TextNode& node) {
     std::array<FadeStop, 12> stops;
     for (std::size_t i = 0; i < 6; ++i) {
         const double t = static_cast<double>(i) / 5;
-        const double rise = t * t * (3 - 2 * t);
-        stops[i] = {share * t, rise * rise};
-        stops[11 - i] = {1 - share * t, rise * rise};
+        stops[i] = {share * t, riseAt(t)};
+        stops[11 - i] = {1 - share * t, riseAt(t)};
     }
     return stops;
+}
+
+double fadeStrength(const TextNode& node, double x) {
+    const double width = std::min(node.scroll->fade, node.frame.width / 2);
+    const double distance = std::min(x, node.frame.width - x);
+    return distance >= width ? 1 : riseAt(std::max(0.0, distance) / width);
 }
 
 }  // namespace quorvane

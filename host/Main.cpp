@@ -3,14 +3,14 @@
 #include <cstdio>
 #include <memory>
 
+#include "QuorvaneKit/link/CancellableWait.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "host/addon/AddOnCommands.hpp"
-#include "host/addon/BundleSource.hpp"
 #include "host/addon/DeliveredRemoval.hpp"
 #include "host/addon/HostCommandLine.hpp"
 #include "host/addon/HostStatusQuery.hpp"
-#include "host/link/CardEnabledSetting.hpp"
 #include "host/link/HostCoordinator.hpp"
 #include "host/players/MprisPlayer.hpp"
 #include "host/players/ScriptedPlayer.hpp"
@@ -24,13 +24,13 @@ using Command = HostCommandLine::Command;
 
 void print(const std::string& text) { std::fputs(text.c_str(), stdout); }
 
-int fail(const std::string& reason) {
-    std::fprintf(stderr, "quorvane-host: %s\n", reason.c_str());
-    return kHostFailed;
-}
-
 void say(const std::string& sentence) {
     std::fprintf(stderr, "quorvane-host: %s\n", sentence.c_str());
+}
+
+int fail(const std::string& reason) {
+    say(reason);
+    return kHostFailed;
 }
 
 std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
@@ -39,7 +39,7 @@ std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
 
 std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostCommandLine& line,
                                                                      const LiveServices& services) {
-    if (line.player == HostCommandLine::Player::scripted) {
+    if (line.script) {
         auto script = readScript(*line.script, makeLiveRegularFiles());
         if (!script) return std::unexpected{script.error()};
         return std::make_unique<ScriptedPlayer>(*std::move(script), services.clock);
@@ -74,21 +74,25 @@ HostCoordinator::Services coordinatorServices(const LiveServices& services) {
 // goodbye, unless it is blocked. The goodbye has reached the bus when its echo comes back.
 void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
     struct Goodbye {
-        std::unique_ptr<WaitFlag> isSaid = makeWaitFlag();
+        CancellableWait wait;
+        bool isSaid = false;  // changed by `wait`
         Handle echo;
+
+        void said() {
+            wait.update([this] { isSaid = true; });
+        }
     };
     const auto goodbye = std::make_shared<Goodbye>();
     services.mainThread.post([&host, goodbye, notices = services.darwinNotices] {
         const bool isServing = host.isServing();
-        goodbye->echo =
-            notices.observe(std::string{rawValue(QuorvaneDarwinNotification::mainAppWillTerminate)},
-                            // Holds its own owner, so that the handle is not released on the
-                            // signal's thread.
-                            [goodbye] { goodbye->isSaid->raise(); });
+        goodbye->echo = notices.observe(QuorvaneDarwinNotification::mainAppWillTerminate,
+                                        // Holds its own owner, so that the handle is not released
+                                        // on the signal's thread.
+                                        [goodbye] { goodbye->said(); });
         host.stop();
-        if (!isServing) goodbye->isSaid->raise();
+        if (!isServing) goodbye->said();
     });
-    goodbye->isSaid->waitFor(std::chrono::seconds{1});
+    goodbye->wait.waitFor(std::chrono::seconds{1}, [&goodbye] { return goodbye->isSaid; });
 }
 
 AddOnCommands::Services addOnServices(const LiveServices& services) {
@@ -96,11 +100,12 @@ AddOnCommands::Services addOnServices(const LiveServices& services) {
     return {.applicationSupport = services.installation.applicationSupport,
             .bundleFiles = makeLiveBundleFiles(),
             .fileManager = services.installation.fileManager,
-            .runOpenCommand = services.installation.runOpenCommand,
+            .openApplication = services.installation.openApplication,
             .control = {.applications = services.installation.runningApplications,
                         .notices = services.distributedNotices,
                         .clock = services.clock,
                         .canHearNotices = !problems.bus},
+            .connectPort = services.connectPort,
             .darwinNotices = services.darwinNotices,
             .sharedSuite = sharedSuite(services),
             .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier}),
@@ -138,23 +143,8 @@ int run(const HostCommandLine& line, const LiveServices& services) {
                : fail("the system refused to start a thread; end other programs and try again");
 }
 
-AddOnInstallation lookAtPlace(const LiveServices& services) {
-    const auto& folder = services.installation.applicationSupport;
-    return folder ? AddOnInstallation::look(*folder, makeLiveBundleFiles()) : AddOnInstallation{};
-}
-
 int tellStatus(const LiveServices& services) {
-    const AddOnCommands::Services addOn = addOnServices(services);
-    const AddOnControl control{addOn.control};
-    HostStatusQuery query{{.connectPort = services.connectPort,
-                           .files = services.files,
-                           .clock = services.clock,
-                           .distributedNotices = services.distributedNotices,
-                           .sharedSuite = sharedSuite(services),
-                           .addOnDefaults = services.openSuite(std::string{kAddOnBundleIdentifier}),
-                           .lookAtPlace = [&services] { return lookAtPlace(services); },
-                           .isAddOnRunning = [&] { return control.isRunning(); },
-                           .problems = addOn.problems}};
+    HostStatusQuery query{addOnServices(services), services.files};
     bool isRunning = false;
     const auto tell = [&](const HostStatus& status) {
         print(status.text(services.wallClock()));
@@ -163,6 +153,12 @@ int tellStatus(const LiveServices& services) {
     };
     const int status = services.application.run([&] { query.start(tell); }, [] {});
     return status == 0 && isRunning ? kHostDone : kHostFailed;
+}
+
+std::optional<std::filesystem::path> bundleOf(const HostCommandLine& line,
+                                              const LiveServices& services) {
+    if (line.bundle) return std::filesystem::absolute(*line.bundle);
+    return bundleToInstall(services.process.executable, makeLiveBundleFiles());
 }
 
 int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
@@ -176,20 +172,19 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
         status = outcome ? kHostDone : fail(outcome.error());
         services.application.terminate();
     };
-    const auto putInPlace =
-        [&](void (AddOnCommands::*command)(const std::filesystem::path&, AddOnCommands::Done)) {
-            const auto own = bundleToInstall(services.process.executable, makeLiveBundleFiles());
-            if (!line.bundle && !own)
-                return done(
-                    std::unexpected{"this program comes without an add-on; give one with --from"});
-            (commands.*command)(line.bundle ? std::filesystem::absolute(*line.bundle) : *own, done);
-        };
     const auto begin = [&] {
+        const bool installs = line.command == Command::install || line.command == Command::update;
+        const auto bundle = bundleOf(line, services);
+        if (installs && !bundle)
+            return done(
+                std::unexpected{"this program comes without an add-on; give one with --from"});
         switch (line.command) {
-            case Command::install: return putInPlace(&AddOnCommands::install);
-            case Command::update: return putInPlace(&AddOnCommands::update);
+            case Command::install: return commands.install(*bundle, done);
+            case Command::update: return commands.update(*bundle, done);
             case Command::launch: return commands.launch(done);
             case Command::quit: return commands.quit(done);
+            case Command::enable: return commands.setCardEnabled(true, done);
+            case Command::disable: return commands.setCardEnabled(false, done);
             default: return commands.remove(done);
         }
     };
@@ -197,21 +192,11 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
     return ended == 0 ? status : kHostFailed;
 }
 
-int switchCard(bool isEnabled, const LiveServices& services) {
-    const auto done = CardEnabledSetting{.connectPort = services.connectPort,
-                                         .darwinNotices = services.darwinNotices,
-                                         .sharedSuite = sharedSuite(services)}
-                          .set(isEnabled);
-    if (!done) return fail(done.error());
-    print(*done);
-    return kHostDone;
-}
-
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
     const auto line = HostCommandLine::parse(words);
     if (!line) {
-        fail(line.error() + "\nTry: quorvane-host --help");
+        say(line.error() + "\nTry: quorvane-host --help");
         return kHostMisused;
     }
     if (line->command == Command::help) return print(HostCommandLine::help()), kHostDone;
@@ -223,8 +208,6 @@ int main(int argumentCount, char** arguments) {
     if (!services) return fail(services.error().description);
     switch (line->command) {
         case Command::status: return tellStatus(*services);
-        case Command::enable: return switchCard(true, *services);
-        case Command::disable: return switchCard(false, *services);
         case Command::run: return run(*line, *services);
         default: return controlAddOn(*line, *services);
     }

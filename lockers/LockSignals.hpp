@@ -3,12 +3,9 @@
 
 #include <vector>
 
-namespace quorvane {
+#include "platform/LockSources.hpp"
 
-inline constexpr char kScreenIsLocked[] = "com.apple.screenIsLocked";
-inline constexpr char kScreenIsUnlocked[] = "com.apple.screenIsUnlocked";
-inline constexpr char kScreenLockUIIsShown[] = "com.apple.screenLockUIIsShown";
-inline constexpr char kScreenLockUIIsHidden[] = "com.apple.screenLockUIIsHidden";
+namespace quorvane {
 
 struct LockSignals {
     bool hasLockerWindow = false;      // a locker covers the screens

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <string_view>
 
 namespace quorvane {
 namespace {
@@ -112,8 +111,8 @@ std::vector<std::string> splitAtCommas(std::string_view list) {
 
 }  // namespace
 
-LockerNames LockerNames::parse(const char* lockers, const char* overlays) {
-    return {splitAtCommas(lockers ? lockers : ""), splitAtCommas(overlays ? overlays : "")};
+LockerNames LockerNames::parse(std::string_view lockers, std::string_view overlays) {
+    return {splitAtCommas(lockers), splitAtCommas(overlays)};
 }
 
 std::vector<FoundLocker> findLockers(const LockFacts& facts) {

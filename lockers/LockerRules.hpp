@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "drawing/Geometry.hpp"
@@ -32,8 +33,8 @@ struct LockerNames {
     std::vector<std::string> lockers;
     std::vector<std::string> overlays;
 
-    // Parses comma-separated lists; null means empty.
-    static LockerNames parse(const char* lockers, const char* overlays);
+    // Parses comma-separated lists.
+    static LockerNames parse(std::string_view lockers, std::string_view overlays);
 };
 
 struct LockFacts {

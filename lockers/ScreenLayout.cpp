@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "platform/Trimmed.hpp"
+
 namespace quorvane {
 namespace {
 
@@ -11,13 +13,6 @@ constexpr double kUsualDotsPerInch = 96;
 constexpr double kScaleStep = 0.25;
 constexpr double kLeastDemand = 0.5;
 constexpr double kMostScale = 8;
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kBlank = " \t\r\n";
-    const auto first = text.find_first_not_of(kBlank);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
-}
 
 // Parses the whole text as a number, independent of the locale.
 std::optional<double> number(std::string_view text) {
@@ -74,9 +69,9 @@ std::optional<double> numberResource(std::string_view resources, std::string_vie
     return std::nullopt;
 }
 
-double scaleFor(std::optional<std::string_view> demand, std::optional<double> dotsPerInch) {
-    if (const auto scale = demand ? number(*demand) : std::nullopt)
-        if (*scale >= kLeastDemand && *scale <= kMostScale) return *scale;
+double scaleFor(std::string_view demand, std::optional<double> dotsPerInch) {
+    const auto scale = number(demand);
+    if (scale && *scale >= kLeastDemand && *scale <= kMostScale) return *scale;
     if (!dotsPerInch) return 1;
     const double steps = std::round(*dotsPerInch / kUsualDotsPerInch / kScaleStep);
     return std::clamp(steps * kScaleStep, 1.0, kMostScale);

@@ -30,7 +30,7 @@ std::optional<double> numberResource(std::string_view resources, std::string_vie
 
 // Pixels per point: the user's demand ("1.5"; ignored outside 0.5 to 8), else the desktop's dots
 // per inch divided by 96, rounded to quarters and limited to 1 to 8.
-double scaleFor(std::optional<std::string_view> demand, std::optional<double> dotsPerInch);
+double scaleFor(std::string_view demand, std::optional<double> dotsPerInch);
 
 // Removes duplicates, because several outputs that show the same picture are one screen.
 std::vector<Rect> withoutRepeats(std::vector<Rect> monitors);

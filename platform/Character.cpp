@@ -1,5 +1,7 @@
 #include "platform/Character.hpp"
 
+#include <cstring>
+
 namespace quorvane {
 
 Character characterAt(std::string_view text, std::size_t place) {
@@ -19,6 +21,23 @@ Character characterAt(std::string_view text, std::size_t place) {
     const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
     if (code < kSmallest[length] || code > 0x10FFFF || isSurrogate) return {};
     return {length, code, true};
+}
+
+bool isValidUTF8(std::string_view text) {
+    constexpr std::uint64_t kTopBits = 0x8080'8080'8080'8080;
+    while (!text.empty()) {
+        std::uint64_t word = 0;
+        while (text.size() >= sizeof word) {
+            std::memcpy(&word, text.data(), sizeof word);
+            if ((word & kTopBits) != 0) break;
+            text.remove_prefix(sizeof word);
+        }
+        if (text.empty()) break;
+        const Character character = characterAt(text, 0);
+        if (!character.isValid) return false;
+        text.remove_prefix(character.length);
+    }
+    return true;
 }
 
 }  // namespace quorvane

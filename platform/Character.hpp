@@ -1,4 +1,4 @@
-// The decoding of one character of UTF-8 text.
+// The characters of UTF-8 text.
 #pragma once
 
 #include <cstddef>
@@ -17,5 +17,13 @@ struct Character {
 // numbers beyond Unicode are invalid. An invalid character is one byte long, so that decoding
 // continues at the next byte.
 Character characterAt(std::string_view text, std::size_t place);
+
+// Whether every character is valid.
+bool isValidUTF8(std::string_view text);
+
+// Whether the number is a control character's: C0, DEL or C1. A terminal obeys all of them.
+constexpr bool isControl(std::uint32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0);
+}
 
 }  // namespace quorvane

@@ -22,7 +22,7 @@
 #include "platform/LoginItemClient.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/MessagePort.hpp"
-#include "platform/OpenCommand.hpp"
+#include "platform/OpenApplication.hpp"
 #include "platform/ProcessInfo.hpp"
 #include "platform/RunningApplications.hpp"
 #include "platform/SerialQueue.hpp"
@@ -49,7 +49,7 @@ struct Installation {
     LoginItemClient loginItem;
     FileManagerClient fileManager;
     RunningApplications runningApplications;
-    RunOpenCommand runOpenCommand;
+    OpenApplication openApplication;
     // The user's folder for application files; nullopt when the user has no home folder.
     std::optional<std::filesystem::path> applicationSupport;
 };
@@ -88,7 +88,7 @@ struct LivePlatform {
     CardWindows cardWindows;
     DecodeImage decodeImage;
     // The loader of the private window-server interface on systems that have one. On other systems
-    // cardWindows.liftAboveLock does that work.
+    // new windows are above the lock screen.
     std::optional<DynamicLoader> windowServerLoader;
     BeginActivity beginActivity;
     // The text for a key in the user's language; the key itself when it has no translation.

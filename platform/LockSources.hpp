@@ -1,4 +1,5 @@
-// The system's lock-state sources other than notices. Main thread only.
+// The system's lock-state sources: the names of its notices, and tables for the others. Main thread
+// only.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +10,12 @@
 #include "platform/PropertyValue.hpp"
 
 namespace quorvane {
+
+// The distributed notices of a lock, the same on every system.
+inline constexpr char kScreenIsLocked[] = "com.apple.screenIsLocked";
+inline constexpr char kScreenIsUnlocked[] = "com.apple.screenIsUnlocked";
+inline constexpr char kScreenLockUIIsShown[] = "com.apple.screenLockUIIsShown";
+inline constexpr char kScreenLockUIIsHidden[] = "com.apple.screenLockUIIsHidden";
 
 struct LockSources {
     // The current session's dictionary; nullopt outside a graphical session. The root may be of any

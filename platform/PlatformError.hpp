@@ -17,6 +17,12 @@ struct PlatformError {
     bool operator==(const PlatformError&) const = default;
 };
 
+// The text for a log: the description and, if it is not 0, the number.
+inline std::string errorText(const PlatformError& error) {
+    if (error.code == 0) return error.description;
+    return error.description + " (error " + std::to_string(error.code) + ")";
+}
+
 template <typename T>
 using Result = std::expected<T, PlatformError>;
 

@@ -1,15 +1,13 @@
 #include "shared/AddOnInstallLocation.hpp"
 
+#include "QuorvaneKit/link/Identifiers.hpp"
+
 namespace quorvane {
 
 using std::filesystem::path;
 
-path AddOnInstallLocation::applicationSupport(const path& home) {
-    return home / "Library" / "Application Support";
-}
-
 path AddOnInstallLocation::supportDirectory(const path& applicationSupport) {
-    return applicationSupport / "example.quillon.Quorvane.LockScreenAddOn";
+    return applicationSupport / kAddOnBundleIdentifier;
 }
 
 path AddOnInstallLocation::bundle(const path& applicationSupport) {

@@ -7,10 +7,6 @@
 namespace quorvane {
 
 struct AddOnInstallLocation {
-    // The user's application-support folder on systems where it has a fixed place in the home
-    // folder.
-    static std::filesystem::path applicationSupport(const std::filesystem::path& home);
-
     // Both are below the application-support folder; the bundle is inside the support folder.
     static std::filesystem::path supportDirectory(const std::filesystem::path& applicationSupport);
     static std::filesystem::path bundle(const std::filesystem::path& applicationSupport);

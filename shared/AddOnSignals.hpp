@@ -1,5 +1,5 @@
-// Names that the add-on and the installer share: distributed notices with their payload, and the
-// add-on's command line.
+// Names that the add-on and the installer share: distributed notices with their payload, the
+// add-on's command line, and keys of its own defaults.
 #pragma once
 
 #include <optional>
@@ -23,6 +23,10 @@ struct AddOnSignals {
 
     // In the add-on's own defaults: true when the last lock screen left no room for a card.
     static constexpr const char* kNoRoomKey = "lastLockHadNoRoom";
+    // These carry a removal from one launch to the next. The installer clears what an interrupted
+    // removal has left.
+    static constexpr const char* kRemovalPendingKey = "removalPending";                // a boolean
+    static constexpr const char* kRemovalBundleIdentityKey = "removalBundleIdentity";  // a string
 
     static bool contains(const std::vector<std::string>& arguments, std::string_view argument);
 

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "platform/OpenCommand.hpp"
+#include "platform/OpenApplication.hpp"
 #include "platform/PlatformError.hpp"
 
 namespace quorvane {
@@ -21,9 +21,8 @@ struct DetachedLaunch {
         std::string description() const;
         bool operator==(const Failure&) const = default;
     };
-    using Ended = OpenCommandEnd;
 
-    RunOpenCommand runOpen;  // the system's launcher
+    OpenApplication open;
 
     // Fails with the launcher's failure, or with the error that kept the launcher from running.
     std::expected<void, std::variant<Failure, PlatformError>> launch(

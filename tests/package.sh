@@ -26,7 +26,7 @@ export HOME=$work/home XDG_RUNTIME_DIR=$work/run XDG_CONFIG_HOME=$work/config XD
 export DBUS_SESSION_BUS_ADDRESS=unix:path=$work/none QUORVANE_LOG=$work/log
 unset DISPLAY WAYLAND_DISPLAY
 host=$root/usr/bin/quorvane-host
-for page in quorvane-host quorvane-open quorvane-lock-screen; do
+for page in quorvane-host quorvane-lock-screen; do
     gzip -t "$root/usr/share/man/man1/$page.1.gz" || fail "no page $page"
 done
 grep -q "^ExecStart=/usr/bin/quorvane-host run$" "$root/usr/lib/systemd/user/quorvane-host.service" || fail "no user unit"

@@ -30,7 +30,7 @@ std::string problem(const CodingError& error) {
 std::expected<QuorvanePlayerState, std::string> readState(const CardRenderOptions& options) {
     auto text = readFile(options.stateFile);
     if (!text) return std::unexpected{text.error()};
-    auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*std::move(text));
+    auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*text);
     if (!state)
         return std::unexpected{options.stateFile +
                                ": is no player state: " + problem(state.error())};

@@ -47,18 +47,11 @@ std::expected<Pixels, std::string> makeBackdrop(const std::string& what, PixelSi
     return pixels;
 }
 
-// Borrows the pixels.
-CairoSurface surfaceOver(Pixels& pixels) {
-    return CairoSurface{cairo_image_surface_create_for_data(
-        reinterpret_cast<unsigned char*>(pixels.values.data()), CAIRO_FORMAT_ARGB32, pixels.width,
-        pixels.height, pixels.width * 4)};
-}
-
-void paint(cairo_t* cairo, Pixels& pixels) {
+void paint(cairo_t* cairo, const Pixels& pixels) {
+    const CairoState state{cairo};
     const CairoSurface surface = surfaceOver(pixels);
     cairo_set_source_surface(cairo, surface.get(), 0, 0);
     cairo_paint(cairo);
-    cairo_set_source_rgb(cairo, 0, 0, 0);  // releases the surface
 }
 
 PixelSize pixelSize(Size size, double scale) {
@@ -94,7 +87,7 @@ CardStill::CardStill(const QuorvanePlayerState& state, const CardRenderOptions& 
       canvas_(options.scale, nullptr,
               options.fonts.empty() ? TextLayoutCache::kSystemFont : options.fonts) {
     model_.apply(state);
-    environment_ = {.localized = [texts = Translations{QUORVANE_LOCALE_FOLDER, preferredLocales()}](
+    environment_ = {.localized = [texts = Translations{preferredLocales()}](
                                      const std::string& key) { return texts.text(key); },
                     .measureText = makeMeasureText(
                         options.fonts.empty() ? TextLayoutCache::kSystemFont : options.fonts),

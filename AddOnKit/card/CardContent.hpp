@@ -11,7 +11,7 @@ namespace quorvane {
 class CardContent {
 public:
     virtual ~CardContent() = default;
-    // Draws into this stage and listens to its events from now on.
+    // Called once, before setShown. Draws into this stage and listens to its events.
     virtual void attach(std::shared_ptr<CardStage> stage) = 0;
     // While hidden, the content draws nothing and keeps no timer.
     virtual void setShown(bool shown) = 0;

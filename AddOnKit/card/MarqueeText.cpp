@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "drawing/TextDirection.hpp"
+#include "platform/Seconds.hpp"
 
 namespace quorvane {
 namespace {
@@ -20,7 +21,7 @@ double phase(double elapsed, double width) {
     return std::fmod(std::max(elapsed, 0.0), cycle);
 }
 
-Duration durationOf(double seconds) {
+Duration roundedUp(double seconds) {
     return std::chrono::ceil<Duration>(std::chrono::duration<double>(seconds));
 }
 
@@ -38,7 +39,7 @@ bool MarqueeText::scrolls() const {
 
 double MarqueeText::elapsed(Instant now) const {
     if (frozenTime) return *frozenTime;
-    return start ? std::chrono::duration<double>(now - *start).count() : 0;
+    return start ? secondsOf(now - *start) : 0;
 }
 
 TextNode MarqueeText::node(const Rect& field, Instant now) const {
@@ -62,9 +63,9 @@ std::optional<Duration> MarqueeText::nextChange(Instant now, double scale) const
     // a slightly late frame still shows its intended pixel.
     const double pixel = 1 / (kSpeed * scale);
     const double step = pixel * std::ceil(kShortestFrame / pixel);
-    if (moved < 0) return durationOf(step - moved);
+    if (moved < 0) return roundedUp(step - moved);
     const double wait = step - std::fmod(moved, step);
-    return durationOf(wait < step / 2 ? wait + step : wait);
+    return roundedUp(wait < step / 2 ? wait + step : wait);
 }
 
 }  // namespace quorvane

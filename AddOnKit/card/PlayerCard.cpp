@@ -25,9 +25,7 @@ PlayerCard::~PlayerCard() {
 }
 
 void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
-    if (stage_) stage_->setEvents({});
     stage_ = std::move(stage);
-    if (!stage_) return;
     stage_->setEvents(
         {.pointer =
              [this](const PointerEvent& event) {
@@ -45,9 +43,6 @@ void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
              [this](SceneControl::ID id, double number) {
                  if (isShown_ && id == SceneControl::ID::volume) slider().setNumber(number);
              }});
-    if (!isShown_) return;
-    shown_ = {};
-    draw();
 }
 
 void PlayerCard::setShown(bool shown) {
@@ -81,31 +76,17 @@ void PlayerCard::freeze() {
     nextDraw_.reset();
 }
 
-PlayerEnvironment PlayerCard::viewEnvironment() const {
-    const PlayerCardEnvironment& e = environment_;
-    return {.localized = e.localized ? e.localized : [](const std::string& key) { return key; },
-            .measureText = e.measureText ? e.measureText
-                                         : [](const std::string&, const FontStyle&) { return 0.0; },
-            .isRightToLeft = e.isRightToLeft && e.isRightToLeft(),
-            .reduceMotion = reducesMotion(),
-            .scale = e.scale,
-            .playerFrozenDate = e.playerFrozenDate,
-            .marqueeFrozenTime = e.marqueeFrozenTime,
-            .marqueeReduceMotion = e.marqueeReduceMotion};
-}
-
-bool PlayerCard::reducesMotion() const {
-    return environment_.reducesMotion && environment_.reducesMotion();
-}
-
 void PlayerCard::draw() {
-    if (!stage_) return;
     const Instant now = environment_.clock.now();
     followTexts(now);
     followArtwork(now);
     VolumeSlider::thicken(interaction_.thickening, model_.isDraggingVolume.get(), now);
 
-    const PlayerEnvironment environment = viewEnvironment();
+    const PlayerEnvironment environment{.localized = environment_.localized,
+                                        .measureText = environment_.measureText,
+                                        .isRightToLeft = environment_.isRightToLeft(),
+                                        .reduceMotion = environment_.reducesMotion(),
+                                        .scale = environment_.scale};
     PlayerScene made =
         PlayerView{model_, environment}.scene(interaction_, {now, environment_.wallClock()});
     const bool isNew = !(made.scene == shown_.scene);
@@ -125,7 +106,7 @@ void PlayerCard::drawNext() {
 // since.
 void PlayerCard::scroll() {
     const Instant now = environment_.clock.now();
-    if (!stage_ || !shown_.holds(now) || reducesMotion()) return draw();
+    if (!shown_.holds(now) || environment_.reducesMotion()) return draw();
     shown_.scroll(now);
     drawNext();
     stage_->setScene(shown_.scene);

@@ -22,14 +22,11 @@ namespace quorvane {
 struct PlayerCardEnvironment {
     Clock clock;
     WallClock wallClock;
-    Localized localized{};  // when null, the keys themselves
-    MeasureText measureText{};
-    std::function<bool()> reducesMotion{};
-    std::function<bool()> isRightToLeft{};
+    Localized localized;
+    MeasureText measureText;
+    std::function<bool()> reducesMotion;
+    std::function<bool()> isRightToLeft;
     double scale = 1;  // pixels per point of the card's screen
-    std::optional<WallTime> playerFrozenDate{};
-    std::optional<double> marqueeFrozenTime{};
-    std::optional<bool> marqueeReduceMotion{};
 };
 
 // Main thread only. The model outlives the card. While shown, the card draws when the model
@@ -47,8 +44,6 @@ public:
     void freeze() override;
 
 private:
-    PlayerEnvironment viewEnvironment() const;
-    bool reducesMotion() const;
     void draw();
     void drawSoon();
     void drawNext();

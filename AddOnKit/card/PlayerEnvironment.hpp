@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "drawing/Canvas.hpp"
+#include "drawing/Scene.hpp"
 #include "platform/Clock.hpp"
 
 namespace quorvane {

@@ -11,6 +11,7 @@
 #include "AddOnKit/card/TimeFormatting.hpp"
 #include "AddOnKit/card/VolumeSlider.hpp"
 #include "drawing/SingleLine.hpp"
+#include "platform/Seconds.hpp"
 
 namespace quorvane {
 namespace {
@@ -136,7 +137,7 @@ private:
     void button(SceneControl::ID id, const Rect& frame, const Transition& press,
                 std::string_view symbol, double size, double opacity,
                 const PlayerStrings::Entry& label) {
-        PressHighlightStyle{.width = frame.width, .height = frame.height}.draw(
+        PressHighlightStyle::draw(
             scene_, frame, press.at(moment_.now),
             SymbolNode{.name = symbol, .pointSize = size, .color = Color::white(opacity)});
         scene_.controls.push_back({.id = id,
@@ -205,7 +206,7 @@ private:
         }
         // Slightly past the edge, so that rounding cannot leave the scene just before it.
         constexpr Duration kBeyond = std::chrono::milliseconds{1};
-        return kBeyond + std::chrono::duration_cast<Duration>(std::chrono::duration<double>(wait));
+        return kBeyond + durationOf(wait);
     }
 
     void transport() {

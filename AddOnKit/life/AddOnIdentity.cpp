@@ -1,7 +1,5 @@
 #include "AddOnKit/life/AddOnIdentity.hpp"
 
-#include "AddOnKit/life/SupportedMacOS.hpp"
-#include "platform/ErrorText.hpp"
 #include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
@@ -28,6 +26,11 @@ std::string versionOf(const PropertyDictionary& bundleProperties) {
     return version == nullptr ? "0" : *version;
 }
 
+// Newer versions are unsupported too, because what lies above their lock screen is not known yet.
+bool isSupported(const SystemVersion& version) {
+    return version.major == 26 || version.major == 27;
+}
+
 std::string dotted(const SystemVersion& version) {
     return std::to_string(version.major) + "." + std::to_string(version.minor) + "." +
            std::to_string(version.patch);
@@ -40,7 +43,7 @@ AddOnIdentity AddOnIdentity::make(const ProcessInfo& process, const UserDefaults
     return {.installID = storedInstallID(defaults, makeUUID, log),
             .addOnVersion = versionOf(process.bundleProperties),
             .macOSVersion = dotted(process.systemVersion),
-            .supportsThisMacOS = SupportedMacOS::supports(process.systemVersion.major),
+            .supportsThisMacOS = isSupported(process.systemVersion),
             .supersedeOnce = SupersedeOnce{
                 AddOnSignals::contains(process.arguments, AddOnSignals::kInstalledArgument)}};
 }

@@ -45,17 +45,20 @@ void InstanceHandover::begin() {
     }
     const PIDs older = olderCopies();
     if (older.empty()) return finish(Alone{});
-    if (timing_.wait > Duration{}) return waitOn();
+    if (timing_.wait > Duration{}) return poll(timing_.wait);
     ask(older);
 }
 
 // Counts polls, not elapsed time: each poll looks for copies before it checks the limit.
-void InstanceHandover::waitOn() {
-    timer_ = operations_.clock.after(timing_.poll, [this] {
+void InstanceHandover::poll(Duration limit) {
+    timer_ = operations_.clock.after(timing_.poll, [this, limit] {
         elapsed_ += timing_.poll;
         const PIDs left = olderCopies();
-        if (left.empty()) return finish(OthersExited{elapsed_});
-        if (elapsed_ < timing_.wait) return waitOn();
+        const bool hasAsked = !asked_.empty();
+        if (left.empty())
+            return finish(hasAsked ? Outcome{Terminated{asked_}} : OthersExited{elapsed_});
+        if (elapsed_ < limit) return poll(limit);
+        if (hasAsked) return finish(StillRunningAfterTermination{left});
         ask(left);
     });
 }
@@ -68,18 +71,8 @@ void InstanceHandover::ask(const PIDs& older) {
     const PIDs left = olderCopies();
     if (left.empty()) return finish(Terminated{asked_});
     elapsed_ = Duration{};
-    if (timing_.grace > Duration{}) return giveGrace();
+    if (timing_.grace > Duration{}) return poll(timing_.grace);
     finish(StillRunningAfterTermination{left});
-}
-
-void InstanceHandover::giveGrace() {
-    timer_ = operations_.clock.after(timing_.poll, [this] {
-        elapsed_ += timing_.poll;
-        const PIDs left = olderCopies();
-        if (left.empty()) return finish(Terminated{asked_});
-        if (elapsed_ < timing_.grace) return giveGrace();
-        finish(StillRunningAfterTermination{left});
-    });
 }
 
 // The completion may destroy the handover.

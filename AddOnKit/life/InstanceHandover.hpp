@@ -69,9 +69,8 @@ private:
     bool isOlder(const RunningCopy& copy) const;
     PIDs olderCopies() const;
     void begin();
-    void waitOn();
+    void poll(Duration limit);
     void ask(const PIDs& older);
-    void giveGrace();
     void finish(Outcome outcome);
 
     RunningCopy me_;
@@ -79,7 +78,7 @@ private:
     Timing timing_;
     bool asks_ = true;
     Duration elapsed_{};
-    PIDs asked_;
+    PIDs asked_;  // empty before they are asked
     std::function<void(Outcome)> completion_;
     Timer timer_;
 };

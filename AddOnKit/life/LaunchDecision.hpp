@@ -14,8 +14,7 @@ namespace quorvane {
 
 enum class LaunchDecision { run, finishRemoval, uninstall };
 
-// Main thread only.
-struct LaunchPerformer {
+struct LaunchInputs {
     std::vector<std::string> arguments;
     UserDefaults defaults;  // the add-on's own
     std::optional<UserDefaults> sharedDefaults;
@@ -23,17 +22,10 @@ struct LaunchPerformer {
     // The identifier of the bundle at a path; nullopt when it cannot be read.
     std::function<std::optional<std::string>(const std::filesystem::path&)> identity;
     Logger log;  // category "removal"
-
-    // May clear the add-on's preferences, to drop a flag that another copy of the add-on left
-    // there.
-    LaunchDecision decide() const;
-    // Decides, prepares for running if needed, and calls exactly one of the three.
-    void perform(const std::function<void()>& finishRemoval, const std::function<void()>& uninstall,
-                 const std::function<void()>& run) const;
-
-private:
-    bool isPendingRemovalOfThisBundle() const;
-    void voidRemovalRequest() const;
 };
+
+// Main thread only. When the add-on is to run, clears what earlier removals have left: a flag of
+// another copy, and for a new installation the request that it supersedes.
+LaunchDecision decideLaunch(const LaunchInputs& launch);
 
 }  // namespace quorvane

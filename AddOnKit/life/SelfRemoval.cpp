@@ -3,9 +3,8 @@
 #include <system_error>
 
 #include "QuorvaneKit/link/Identifiers.hpp"
-#include "platform/ErrorText.hpp"
 #include "shared/AddOnInstallLocation.hpp"
-#include "shared/RemovalKeys.hpp"
+#include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
 
@@ -37,8 +36,8 @@ Result<void> SelfRemoval::markPending() const {
     std::optional<PropertyValue> identity;
     if (auto identifier = fileManager.identity(bundle))
         identity = PropertyValue{*std::move(identifier)};
-    defaults.set(kRemovalBundleIdentityKey, std::move(identity));
-    defaults.set(kRemovalPendingKey, PropertyValue{true});
+    defaults.set(AddOnSignals::kRemovalBundleIdentityKey, std::move(identity));
+    defaults.set(AddOnSignals::kRemovalPendingKey, PropertyValue{true});
     return defaults.synchronize();
 }
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstdlib>
-#include <limits>
 #include <utility>
 
 namespace quorvane {
@@ -95,18 +93,15 @@ PlayerModel::TrackText PlayerModel::switchTrack(const XPCTrack* track, const std
 void PlayerModel::applyArtwork(const XPCTrack* track, Notes& notes) {
     static const std::optional<SharedBytes> kNone;
     const std::optional<SharedBytes>& data = track == nullptr ? kNone : track->artworkData;
-    if (data == lastArtworkData_) return;
-    // Views distinguish covers by this number; wrapping around would make two covers equal.
-    if (artworkID.get() == std::numeric_limits<std::int64_t>::max()) std::abort();
-    lastArtworkData_ = data;
+    if (data == artworkData_) return;
+    artworkData_ = data;
     setArtwork(data ? decodeImage_(data->view()) : nullptr);
-    artworkID.set(artworkID.get() + 1);
     notes.push_back(artworkNote());
 }
 
 std::string PlayerModel::artworkNote() const {
-    if (!lastArtworkData_) return "artwork none";
-    return "artwork " + std::to_string(lastArtworkData_->size()) + " B" +
+    if (!artworkData_) return "artwork none";
+    return "artwork " + std::to_string(artworkData_->size()) + " B" +
            (artwork.get() == nullptr ? " (undecodable)" : "");
 }
 
@@ -182,7 +177,7 @@ std::optional<std::string> PlayerModel::clear() {
     isLoved.set(false);
     duration.set(std::nullopt);
     isLiveStream.set(false);
-    lastArtworkData_.reset();
+    artworkData_.reset();
     setArtwork(nullptr);
     anchorPosition_ = 0;
     if (!hadSomething) return std::nullopt;
@@ -231,8 +226,8 @@ std::vector<Handle> PlayerModel::observe(const std::function<void()>& listener) 
     mainThread_.require();
     std::vector<Handle> handles;
     const auto add = [&](auto&... fields) { (handles.push_back(fields.subscribe(listener)), ...); };
-    add(isVisible, title, artist, artwork, artworkID, isArtworkArriving, trackID, isPlaying,
-        showsHeart, isLoved, duration, isLiveStream, volume, isDraggingVolume);
+    add(isVisible, title, artist, artwork, isArtworkArriving, trackID, isPlaying, showsHeart,
+        isLoved, duration, isLiveStream, volume, isDraggingVolume);
     return handles;
 }
 

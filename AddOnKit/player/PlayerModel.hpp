@@ -56,7 +56,6 @@ public:
     Observable<std::string> title;
     Observable<std::string> artist;
     Observable<ImageRef> artwork;
-    Observable<std::int64_t> artworkID{0};      // +1 each time the artwork's bytes change
     Observable<bool> isArtworkArriving{false};  // the artwork is still being decoded
     Observable<std::string> trackID;
     Observable<bool> isPlaying{false};
@@ -87,7 +86,7 @@ private:
     WallTime anchorDate_ = kDistantPast;
     WallTime lovedGraceUntil_ = kDistantPast;
     WallTime volumeGraceUntil_ = kDistantPast;
-    std::optional<SharedBytes> lastArtworkData_;
+    std::optional<SharedBytes> artworkData_;
     Handle artworkObservation_;  // while the artwork is arriving
     WallClock now_;
     DecodeImage decodeImage_;

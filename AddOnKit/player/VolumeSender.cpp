@@ -1,6 +1,5 @@
 #include "AddOnKit/player/VolumeSender.hpp"
 
-#include <algorithm>
 #include <utility>
 
 namespace quorvane {
@@ -9,42 +8,46 @@ VolumeSender::VolumeSender(Clock clock, Send send)
     : clock_(std::move(clock)), send_(std::move(send)) {}
 
 void VolumeSender::submit(std::int64_t value) {
-    const auto now = throttle_.offer(value, clock_.now());
-    if (!now) arm();
-    send(now);
+    latest_ = value;
+    if (!isTooSoon()) return sendPaced(value);
+    pending_ = value;
+    if (!timer_) arm();
 }
 
 void VolumeSender::flush() {
     timer_.reset();
-    send(throttle_.flush());
+    pending_.reset();
+    const auto last = std::exchange(latest_, std::nullopt);
+    if (!last) return;
+    const Send action = send_;
+    action(*last);
 }
 
 void VolumeSender::cancel() {
     timer_.reset();
-    throttle_.cancel();
+    pending_.reset();
+    latest_.reset();
 }
 
 void VolumeSender::arm() {
-    if (timer_) return;
-    const auto deadline = throttle_.deadline();
-    if (!deadline) return;
-    timer_ = clock_.after(std::max(*deadline - clock_.now(), Duration{}), [this] { fire(); });
+    timer_ = clock_.after(*lastSend_ + kInterval - clock_.now(), [this] { fire(); });
 }
 
 // The timer may have been armed for an earlier value than the pending one. That value is not yet
 // due, so the timer is armed again for the rest of its interval.
 void VolumeSender::fire() {
     timer_.reset();
-    const auto due = throttle_.due(clock_.now());
-    arm();
-    send(due);
+    if (!pending_) return;
+    if (isTooSoon()) return arm();
+    sendPaced(*pending_);
 }
 
-// Every operation calls this last. The action is a copy because it may destroy the sender.
-void VolumeSender::send(std::optional<std::int64_t> value) {
-    if (!value) return;
+// Must be the caller's last call. The action is a copy because it may destroy the sender.
+void VolumeSender::sendPaced(std::int64_t value) {
+    lastSend_ = clock_.now();
+    pending_.reset();
     const Send action = send_;
-    action(*value);
+    action(value);
 }
 
 }  // namespace quorvane

@@ -21,23 +21,15 @@ struct CardWindowSync {
     // One window for each screen.
     struct Build {
         CardAppearance appearance;
-        bool operator==(const Build&) const = default;
     };
     // Fades the card in or out in all windows.
     struct SetCardVisible {
         bool isVisible;
-        bool operator==(const SetCardVisible&) const = default;
     };
-    struct CloseAll {
-        bool operator==(const CloseAll&) const = default;
-    };
+    struct CloseAll {};
     // The process activity keeps the add-on responsive while windows are up.
-    struct BeginActivity {
-        bool operator==(const BeginActivity&) const = default;
-    };
-    struct EndActivity {
-        bool operator==(const EndActivity&) const = default;
-    };
+    struct BeginActivity {};
+    struct EndActivity {};
     using Step = std::variant<Build, SetCardVisible, CloseAll, BeginActivity, EndActivity>;
 
     // What exists now.

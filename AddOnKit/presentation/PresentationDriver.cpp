@@ -1,9 +1,16 @@
 #include "AddOnKit/presentation/PresentationDriver.hpp"
 
-#include "AddOnKit/presentation/PresentationTiming.hpp"
+#include <chrono>
+
 #include "QuorvaneKit/link/Identifiers.hpp"
 
 namespace quorvane {
+namespace {
+
+// From the lock screen's appearance to the card's, so that the lock screen settles first.
+constexpr Duration kRevealDelay = std::chrono::milliseconds{800};
+
+}  // namespace
 
 std::string describe(const PresentationState& state) {
     const auto field = [](const char* name, bool value) {
@@ -46,11 +53,11 @@ void PresentationDriver::handleOne(const PresentationEvent& event) {
     logState();
     // Copies of the listener and its argument: the listener may replace itself or destroy the
     // driver.
-    const PresentationState news = state_;
+    const PresentationState changed = state_;
     // Clear isHandling_ before notifying: the listener may block, and an unlock that arrives
     // meanwhile must close the windows at once.
     isHandling_ = false;
-    if (const auto listener = onChange) listener(news);
+    if (const auto listener = onChange) listener(changed);
 }
 
 // A lock notice always counts; a wake counts only when it reveals a missed notice.
@@ -70,7 +77,7 @@ void PresentationDriver::updateDelay() {
     if (!state_.awaitingDelay()) {
         delay_.reset();
     } else if (!delay_) {
-        delay_ = clock_.after(PresentationTiming::kRevealDelay, [this] {
+        delay_ = clock_.after(kRevealDelay, [this] {
             delay_.reset();
             handle(event::DelayElapsed{});
         });

@@ -32,10 +32,6 @@ struct Unlocked {
 struct DelayElapsed {
     bool operator==(const DelayElapsed&) const = default;
 };
-// The main application is terminating.
-struct QuorVaneQuit {
-    bool operator==(const QuorVaneQuit&) const = default;
-};
 struct LockUIShown {
     bool operator==(const LockUIShown&) const = default;
 };
@@ -47,6 +43,6 @@ struct LockUIHidden {
 
 using PresentationEvent =
     std::variant<event::Link, event::Music, event::Woke, event::Locked, event::Unlocked,
-                 event::DelayElapsed, event::QuorVaneQuit, event::LockUIShown, event::LockUIHidden>;
+                 event::DelayElapsed, event::LockUIShown, event::LockUIHidden>;
 
 }  // namespace quorvane

@@ -51,8 +51,6 @@ struct PresentationRules {
     constexpr void operator()(event::DelayElapsed) {
         next.delayElapsed = next.delayElapsed || (next.isLocked && next.isLockUIShown);
     }
-    // The main application's permission still holds when it comes back.
-    constexpr void operator()(event::QuorVaneQuit) { next.hasMusic = false; }
     // Applies while unlocked too: this notice may overtake the lock notice.
     constexpr void operator()(event::LockUIShown) { next.isLockUIShown = true; }
     constexpr void operator()(event::LockUIHidden) {

@@ -1,29 +1,28 @@
 #include "QuorvaneKit/json/JSONReader.hpp"
 
+#include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
 #include <array>
 
-#include "QuorvaneKit/json/UTF8.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 namespace {
-
-// The parser reads up to a NUL after the text.
-constexpr std::size_t kRoomBehindText = 1;
 
 // Strings are checked here to be UTF-8, because the parser's own check accepts half a surrogate
 // pair. Numbers stay text, because most are not requested and the parser's conversion of extreme
 // exponents is unreliable. The parser's vectorised string scan is off, because it accepts some
 // control characters at certain alignments.
-constexpr unsigned kParseFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
-                                 rapidjson::kParseNumbersAsStringsFlag;
+constexpr unsigned kParseFlags =
+    rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
 
 // Handler of the parser's events. Returning false ends the parse.
 class Collector {
 public:
-    Collector(std::span<const JSONField> fields, std::span<JSONValue> values)
-        : fields_(fields), values_(values) {}
+    Collector(std::span<const JSONField> fields, std::span<JSONValue> values,
+              const rapidjson::MemoryStream& stream)
+        : fields_(fields), values_(values), stream_(stream) {}
 
     bool isObject() const { return isObject_; }
 
@@ -84,7 +83,8 @@ private:
 
     bool keep(JSONValue::Kind kind, std::string_view text = {}, bool boolean = false) {
         if (depth_ == 0) return false;  // the text is a single value
-        if (place_ != kNowhere) values_[place_] = {kind, boolean, text};
+        if (place_ != kNowhere)
+            values_[place_] = {kind, boolean, std::string{text}, stream_.Tell()};
         return true;
     }
 
@@ -103,6 +103,7 @@ private:
 
     std::span<const JSONField> fields_;
     std::span<JSONValue> values_;
+    const rapidjson::MemoryStream& stream_;
     std::array<std::size_t, kDeepestNesting> parents_{};
     std::size_t depth_ = 0;
     std::size_t place_ = kNowhere;  // of the next value
@@ -111,23 +112,13 @@ private:
 
 }  // namespace
 
-JSONText::JSONText(Bytes text) : bytes_(std::move(text)), size_(bytes_.size()) {
-    if (bytes_.capacity() < size_ + kRoomBehindText) {
-        Bytes roomy;
-        roomy.reserve(size_ + kRoomBehindText);
-        append(roomy, bytes_);
-        bytes_ = std::move(roomy);
-    }
-    bytes_.resize(size_ + kRoomBehindText, std::byte{0});
-}
-
-CodingResult<void> readJSON(JSONText& text, std::span<const JSONField> fields,
+CodingResult<void> readJSON(ByteView text, std::span<const JSONField> fields,
                             std::span<JSONValue> values) {
     // The parser counts in 32 bits.
     constexpr std::size_t kLongestText = std::size_t{1} << 30;
     if (text.size() > kLongestText) return std::unexpected{CodingError{}};
-    Collector collector{fields, values};
-    rapidjson::InsituStringStream stream{text.data()};
+    rapidjson::MemoryStream stream{textOf(text).data(), text.size()};
+    Collector collector{fields, values, stream};
     rapidjson::Reader reader;
     const bool isComplete = !reader.Parse<kParseFlags>(stream, collector).IsError();
     // The parser takes a NUL within the text for its end.

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "QuorvaneKit/json/UTF8.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 namespace {

@@ -6,13 +6,13 @@
 namespace quorvane {
 namespace {
 
-LockScreenHelloResult resultOf(QueryOutcome query) {
+LockScreenHelloResult resultOf(const QueryOutcome& query) {
     using Outcome = LockScreenHelloResult::Outcome;
     const bool isReceived = query.kind == QueryOutcome::Kind::sent &&
                             (query.status == kPortSuccess || query.status == kPortReceiveTimeout);
     if (!isReceived) return {};
     if (query.status != kPortSuccess || !query.reply) return {.outcome = Outcome::unanswered};
-    auto answer = XPCCodableHelpers::decode<LockScreenAddOnConfiguration>(*std::move(query.reply));
+    auto answer = XPCCodableHelpers::decode<LockScreenAddOnConfiguration>(*query.reply);
     if (!answer) return {.outcome = Outcome::unanswered};
     return {.outcome = Outcome::answered, .configuration = *std::move(answer)};
 }
@@ -27,8 +27,8 @@ void sendLockScreenHello(const LockScreenAddOnHello& hello, const SendQuery& sen
         return completion({});
     }
     sendQuery(MessageType::lockScreenHello, *std::move(request), kLockScreenHelloReceiveTimeout,
-              [completion = std::move(completion)](QueryOutcome outcome) {
-                  completion(resultOf(std::move(outcome)));
+              [completion = std::move(completion)](const QueryOutcome& outcome) {
+                  completion(resultOf(outcome));
               });
 }
 

@@ -9,13 +9,16 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/link/DarwinNotificationObserver.hpp"
+#include "QuorvaneKit/link/QuerySlot.hpp"
 #include "QuorvaneKit/records/MessageType.hpp"
+#include "QuorvaneKit/records/PlayerStateDecoder.hpp"
 #include "QuorvaneKit/records/QuorvaneAction.hpp"
-#include "QuorvaneKit/records/QuorvanePlayerState.hpp"
 #include "platform/Clock.hpp"
-#include "platform/DarwinNotices.hpp"
+#include "platform/LifeToken.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/MessagePort.hpp"
@@ -23,15 +26,6 @@
 #include "platform/SerialQueue.hpp"
 
 namespace quorvane {
-
-// The outcome of a query.
-struct QueryOutcome {
-    enum class Kind { sent, notSent, expiredInQueue };
-    Kind kind = Kind::notSent;
-    std::int32_t status = 0;       // for `sent`: the port's send status
-    std::optional<Bytes> reply{};  // for `sent`: nullopt when there was none
-    bool operator==(const QueryOutcome&) const = default;
-};
 
 // Answers queries inside the process; a client that has a responder never connects.
 struct MessagePortLocalResponder {
@@ -41,13 +35,11 @@ struct MessagePortLocalResponder {
     Operation lastFmImage;
 };
 
-// Main thread only, except that queries are sent on their slots' queues. A send that waits may run
-// the main loop. So any operation may be re-entered from inside another, and the client may even be
-// destroyed there.
+// Main thread only, except that queries are sent on their slots' queues. Every call out (a send
+// that waits, a listener, a callback) may run the main loop or other code, which may re-enter,
+// reconnect or destroy the client.
 class MessagePortClient {
 public:
-    using QueryOutcome = quorvane::QueryOutcome;
-
     struct Services {
         LogSink log;
         ConnectPort connectPort;
@@ -62,9 +54,8 @@ public:
     MessagePortClient(std::string_view portBaseName, std::function<std::optional<Bytes>()> secret,
                       Services services,
                       std::optional<MessagePortLocalResponder> localResponder = std::nullopt);
+    // Does not wait for queries in flight.
     ~MessagePortClient();
-    MessagePortClient(const MessagePortClient&) = delete;  // because its state refers to it
-    MessagePortClient& operator=(const MessagePortClient&) = delete;
 
     // Connects and listens for "playerStateChanged". Calling it again while disconnected retries
     // the connection.
@@ -79,7 +70,9 @@ public:
     // While polling, the client reuses the memory of a reply for the next one.
     void setPolling(bool isPolling);
 
-    void perform(QuorvaneAction action);
+    void perform(QuorvaneAction action) {
+        sendCommand(MessageType::performAction, std::to_underlying(action));
+    }
     void playPause() { perform(QuorvaneAction::playPause); }
     void nextTrack() { perform(QuorvaneAction::nextTrack); }
     void previousTrack() { perform(QuorvaneAction::previousTrack); }
@@ -95,25 +88,59 @@ public:
     void toggleRepeat() { perform(QuorvaneAction::toggleRepeat); }
     void activatePlayer() { perform(QuorvaneAction::activatePlayer); }
     void switchPlayer() { perform(QuorvaneAction::switchPlayer); }
-    void setVolume(std::int64_t value);  // sent as 0...255
-    void setRating(std::int64_t value);  // sent as 0...255
+    // Sent as 0...255.
+    void setVolume(std::int64_t value) { sendCommand(MessageType::setVolume, value); }
+    void setRating(std::int64_t value) { sendCommand(MessageType::setRating, value); }
 
     // The completion runs once, on the main thread, never inside the call. It does not run after
     // the client is destroyed.
     void sendQuery(MessageType type, Bytes payload, Duration timeout,
                    std::function<void(QueryOutcome)> completion);
 
-    const Observable<bool>& isConnected() const;
-    Observable<bool>& isConnected();
-    const std::optional<QuorvanePlayerState>& playerState() const;
-    std::int64_t portAttempts() const;
+    const Observable<bool>& isConnected() const { return isConnected_; }
+    Observable<bool>& isConnected() { return isConnected_; }
+    const std::optional<QuorvanePlayerState>& playerState() const { return playerState_; }
+    std::int64_t portAttempts() const { return portAttempts_; }
 
     // Called after each good state reply.
     std::function<void(const QuorvanePlayerState&)> onStateChanged;
 
 private:
-    struct State;
-    std::shared_ptr<State> state_;  // shared only so that pending work can hold it weakly
+    void stateChangedNotice();
+    std::optional<Bytes> readSecret() const;
+    void requestOnce();
+    void receive(PortReply reply);
+    void sendCommand(MessageType type, std::int64_t value);
+    void queryFinished(std::size_t slot, const QueryOutcome& outcome);
+    void forgetQueryPorts();
+    // Runs the action on a later turn of the main loop, if the client is still alive.
+    void later(std::function<void()> action);
+
+    const std::string portBaseName_;
+    const std::function<std::optional<Bytes>()> secret_;
+    const Services services_;
+    const std::optional<MessagePortLocalResponder> localResponder_;
+    const Logger log_;
+
+    PlayerStateDecoder stateDecoder_;
+    std::optional<QuorvanePlayerState> playerState_;
+    Observable<bool> isConnected_{false};
+    std::int64_t portAttempts_ = 0;
+
+    std::unique_ptr<RemotePort> remotePort_;
+    std::uint64_t connection_ = 0;  // +1 for each port held or dropped
+    bool isStopped_ = false;        // since the last start
+    bool isRequesting_ = false;
+    bool requestsAgain_ = false;  // requested during another request
+    bool isPolling_ = false;
+    Bytes replyMemory_;  // while polling; reallocating it costs more than reading a reply
+
+    std::vector<QuerySlot> querySlots_;
+    std::array<int, kQueryPortCount> querySlotLoad_{};
+    std::optional<std::size_t> lastQuerySlot_;
+
+    DarwinNotificationObserver stateChangedObserver_;
+    LifeToken life_;
 };
 
 }  // namespace quorvane

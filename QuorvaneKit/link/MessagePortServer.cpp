@@ -1,7 +1,5 @@
 #include "QuorvaneKit/link/MessagePortServer.hpp"
 
-#include <deque>
-#include <mutex>
 #include <system_error>
 #include <thread>
 
@@ -25,50 +23,20 @@ Duration retryDelay(std::int64_t attempts) {
 
 }  // namespace
 
-struct MessagePortServer::State {
-    // One endpoint with its thread. Its address is stable while the thread runs.
-    struct PortThread {
-        PortThread(Endpoint itsEndpoint, std::string itsPortName, std::string itsThreadName,
-                   const MessagePortServer& server, const State& state)
-            : portName(std::move(itsPortName)),
-              threadName(std::move(itsThreadName)),
-              ready(state.services.makeWaitFlag()),
-              router(itsEndpoint, server.handlers, server.expectedSecret, state.log,
-                     state.services.makeWaitFlag) {}
-
-        const std::string portName;
-        const std::string threadName;
-        const std::unique_ptr<WaitFlag> ready;
-        RequestRouter router;
-        LocalPort* port = nullptr;  // under handleLock, while the port's loop may run
-        std::thread thread;
-    };
-
-    State(Services itsServices, std::string_view baseName)
-        : services(std::move(itsServices)),
-          portBaseName(baseName),
-          log(services.log, kKitLogSubsystem, "MessagePortServer") {}
-
-    void makePortThreads(const MessagePortServer& server);
-    void startThread(PortThread& entry);
-    void runPort(PortThread& entry);
-    std::unique_ptr<LocalPort> openWhenFree(PortThread& entry);
-    void logFailure(const std::string& portName, std::int64_t attempt) const;
-    bool setPort(PortThread& entry, LocalPort* port);
-    bool isStopRequested() const;
-
-    const Services services;
-    const std::string portBaseName;
-    const Logger log;
-
-    mutable std::mutex handleLock;
-    bool stopRequested = false;          // under handleLock
-    std::deque<PortThread> portThreads;  // changed only while no thread runs
-    std::unique_ptr<WaitFlag> stopping;  // ends the pauses between attempts
+// One endpoint with its thread.
+struct MessagePortServer::PortThread {
+    const std::string portName;
+    const std::string threadName;
+    RequestRouter router;
+    bool isReady = false;       // changed by the server's wait
+    LocalPort* port = nullptr;  // under handleLock_, while the port's loop may run
+    std::thread thread{};
 };
 
 MessagePortServer::MessagePortServer(Services services, std::string_view portBaseName)
-    : state_(std::make_unique<State>(std::move(services), portBaseName)) {}
+    : services_(std::move(services)),
+      portBaseName_(portBaseName),
+      log_(services_.log, kKitLogSubsystem, "MessagePortServer") {}
 
 MessagePortServer::~MessagePortServer() {
     stop();
@@ -76,113 +44,100 @@ MessagePortServer::~MessagePortServer() {
 }
 
 void MessagePortServer::start() {
-    State& state = *state_;
-    if (!state.portThreads.empty()) return;
-    {
-        const std::lock_guard guard{state.handleLock};
-        state.stopRequested = false;
+    if (!portThreads_.empty()) return;
+    wait_ = services_.makeWait();
+    for (std::size_t index = 0; index < kQueryPortCount; ++index)
+        addPort(QueryEndpoint{index}, queryPortName(portBaseName_, index),
+                queryPortThreadName(index));
+    addPort(MainEndpoint{}, portBaseName_, std::string{kMainPortThreadName});
+    for (const auto& entry : portThreads_) startThread(*entry);
+    for (const auto& entry : portThreads_) {
+        const bool isReady = wait_->waitFor(kReadyTimeout, [&] { return entry->isReady; });
+        if (!isReady && !wait_->isCancelled())
+            log_.standard("Message port thread %{public}s did not become ready within 2s",
+                          entry->threadName);
     }
-    state.stopping = state.services.makeWaitFlag();
-    state.makePortThreads(*this);
-    for (State::PortThread& entry : state.portThreads) state.startThread(entry);
-    for (State::PortThread& entry : state.portThreads)
-        if (!entry.ready->waitFor(kReadyTimeout))
-            state.log.standard("Message port thread %{public}s did not become ready within 2s",
-                               entry.threadName);
 }
 
 void MessagePortServer::stop() {
-    State& state = *state_;
-    if (state.portThreads.empty()) return;
+    if (portThreads_.empty()) return;
+    wait_->cancel();
     {
-        const std::lock_guard guard{state.handleLock};
-        state.stopRequested = true;
-        for (State::PortThread& entry : state.portThreads)
-            if (entry.port != nullptr) entry.port->stop();
+        const std::lock_guard guard{handleLock_};
+        for (const auto& entry : portThreads_)
+            if (entry->port != nullptr) entry->port->stop();
     }
-    state.stopping->raise();
-    for (State::PortThread& entry : state.portThreads) entry.router.cancel();
-    state.log.info("Message port server stopped");
-    for (State::PortThread& entry : state.portThreads)
-        if (entry.thread.joinable()) entry.thread.join();
-    state.portThreads.clear();
+    log_.info("Message port server stopped");
+    for (const auto& entry : portThreads_)
+        if (entry->thread.joinable()) entry->thread.join();
+    portThreads_.clear();
 }
 
-void MessagePortServer::State::makePortThreads(const MessagePortServer& server) {
-    for (std::size_t index = 0; index < kQueryPortCount; ++index)
-        portThreads.emplace_back(QueryEndpoint{index}, queryPortName(portBaseName, index),
-                                 queryPortThreadName(index), server, *this);
-    portThreads.emplace_back(MainEndpoint{}, portBaseName, std::string{kMainPortThreadName}, server,
-                             *this);
+void MessagePortServer::addPort(PortEndpoint endpoint, std::string portName,
+                                std::string threadName) {
+    portThreads_.push_back(std::unique_ptr<PortThread>{
+        new PortThread{std::move(portName), std::move(threadName),
+                       RequestRouter{endpoint, handlers, expectedSecret, log_, wait_}}});
 }
 
 // If the system refuses a thread, its port never becomes ready.
-void MessagePortServer::State::startThread(PortThread& entry) try {
+void MessagePortServer::startThread(PortThread& entry) try {
     entry.thread = std::thread{[this, &entry] {
-        if (services.nameCurrentThread) services.nameCurrentThread(entry.threadName);
+        if (services_.nameCurrentThread) services_.nameCurrentThread(entry.threadName);
         runPort(entry);
     }};
 } catch (const std::system_error&) {
 }
 
-void MessagePortServer::State::runPort(PortThread& entry) {
+void MessagePortServer::runPort(PortThread& entry) {
     const auto port = openWhenFree(entry);
-    if (port == nullptr) {
-        entry.ready->raise();
-        return;
-    }
+    if (port == nullptr) return setReady(entry);
     if (!setPort(entry, port.get())) {
-        log.info("Message port %{public}s stopped before it finished starting", entry.portName);
-        entry.ready->raise();
-        return;
+        log_.info("Message port %{public}s stopped before it finished starting", entry.portName);
+        return setReady(entry);
     }
-    log.info("Message port %{public}s started on dedicated thread", entry.portName);
-    entry.ready->raise();
+    log_.info("Message port %{public}s started on dedicated thread", entry.portName);
+    setReady(entry);
     port->run();
     setPort(entry, nullptr);
-    log.info("Message port %{public}s thread exited", entry.portName);
+    log_.info("Message port %{public}s thread exited", entry.portName);
 }
 
-std::unique_ptr<LocalPort> MessagePortServer::State::openWhenFree(PortThread& entry) {
+std::unique_ptr<LocalPort> MessagePortServer::openWhenFree(PortThread& entry) {
     const auto handler = [&router = entry.router](std::int32_t messageID, ByteView body) {
         return router.answer(messageID, body);
     };
-    bool isEnding = false;
-    for (std::int64_t attempt = 1;; ++attempt) {
-        // The flag may be raised just before the stop itself; do not retry without a pause then.
-        if (isEnding || isStopRequested()) {
-            log.info("Message port %{public}s stopped before it could open", entry.portName);
-            return nullptr;
-        }
-        if (auto port = services.openPort(entry.portName, handler)) return port;
+    for (std::int64_t attempt = 1; !wait_->isCancelled(); ++attempt) {
+        if (auto port = services_.openPort(entry.portName, handler)) return port;
         if (isReported(attempt)) logFailure(entry.portName, attempt);
-        isEnding = stopping->waitFor(retryDelay(attempt));
+        wait_->waitFor(retryDelay(attempt), [] { return false; });
     }
+    log_.info("Message port %{public}s stopped before it could open", entry.portName);
+    return nullptr;
 }
 
 // A taken name is not an error: this host waits for its turn.
-void MessagePortServer::State::logFailure(const std::string& portName, std::int64_t attempt) const {
-    if (const auto problem = services.portsProblem())
-        log.error("Message port %{public}s cannot be opened (attempt %ld): %{public}s; retrying",
-                  portName, attempt, *problem);
+void MessagePortServer::logFailure(const std::string& portName, std::int64_t attempt) const {
+    if (const auto problem = services_.portsProblem())
+        log_.error("Message port %{public}s cannot be opened (attempt %ld): %{public}s; retrying",
+                   portName, attempt, *problem);
     else
-        log.standard(
+        log_.standard(
             "Message port %{public}s busy (attempt %ld); another instance holds it — retrying "
             "until it frees",
             portName, attempt);
 }
 
-// False when the server is being stopped.
-bool MessagePortServer::State::setPort(PortThread& entry, LocalPort* port) {
-    const std::lock_guard guard{handleLock};
-    if (port != nullptr && stopRequested) return false;
+// Returns false when the server is being stopped.
+bool MessagePortServer::setPort(PortThread& entry, LocalPort* port) {
+    const std::lock_guard guard{handleLock_};
+    if (port != nullptr && wait_->isCancelled()) return false;
     entry.port = port;
     return true;
 }
 
-bool MessagePortServer::State::isStopRequested() const {
-    const std::lock_guard guard{handleLock};
-    return stopRequested;
+void MessagePortServer::setReady(PortThread& entry) {
+    wait_->update([&entry] { entry.isReady = true; });
 }
 
 }  // namespace quorvane

@@ -4,14 +4,15 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "QuorvaneKit/link/MessagePortHandlers.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
 #include "QuorvaneKit/link/RequestRouter.hpp"
-#include "QuorvaneKit/link/WaitFlag.hpp"
 #include "platform/Log.hpp"
 #include "platform/MessagePort.hpp"
 
@@ -21,8 +22,6 @@ namespace quorvane {
 // process holds a name, its port retries until the name is free.
 class MessagePortServer {
 public:
-    using Endpoint = PortEndpoint;
-
     struct Services {
         LogSink log;
         OpenPort openPort;
@@ -31,7 +30,11 @@ public:
         std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
         // Sets the calling thread's name for debuggers; may be null.
         std::function<void(const std::string& name)> nameCurrentThread;
-        MakeWaitFlag makeWaitFlag = &quorvane::makeWaitFlag;
+        // Makes the object with which all of the server waits, once for each start. `stop` cancels
+        // it. Cancelling it earlier, on any thread, ends a `start` that waits.
+        std::function<std::shared_ptr<CancellableWait>()> makeWait = [] {
+            return std::make_shared<CancellableWait>();
+        };
     };
 
     explicit MessagePortServer(Services services,
@@ -53,8 +56,23 @@ public:
     void stop();
 
 private:
-    struct State;
-    std::unique_ptr<State> state_;
+    struct PortThread;
+
+    void addPort(PortEndpoint endpoint, std::string portName, std::string threadName);
+    void startThread(PortThread& entry);
+    void runPort(PortThread& entry);
+    std::unique_ptr<LocalPort> openWhenFree(PortThread& entry);
+    void logFailure(const std::string& portName, std::int64_t attempt) const;
+    bool setPort(PortThread& entry, LocalPort* port);
+    void setReady(PortThread& entry);
+
+    const Services services_;
+    const std::string portBaseName_;
+    const Logger log_;
+    std::shared_ptr<CancellableWait> wait_;
+    std::mutex handleLock_;
+    // Changed only while no thread runs.
+    std::vector<std::unique_ptr<PortThread>> portThreads_;
 };
 
 }  // namespace quorvane

@@ -8,10 +8,22 @@
 #include <optional>
 #include <string>
 
-#include "QuorvaneKit/link/MessagePortClient.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/records/MessageType.hpp"
+#include "platform/Log.hpp"
+#include "platform/MessagePort.hpp"
+#include "platform/SerialQueue.hpp"
 
 namespace quorvane {
+
+// The outcome of a query.
+struct QueryOutcome {
+    enum class Kind { sent, notSent, expiredInQueue };
+    Kind kind = Kind::notSent;
+    std::int32_t status = 0;       // for `sent`: the port's send status
+    std::optional<Bytes> reply{};  // for `sent`: nullopt when there was none
+    bool operator==(const QueryOutcome&) const = default;
+};
 
 // Returns the slot for the next query: the one with the least load. Among equals, the first after
 // the slot used last.

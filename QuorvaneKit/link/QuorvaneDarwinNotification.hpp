@@ -1,46 +1,44 @@
 // Names of the Darwin notices between the main application and its companions.
 #pragma once
 
-#include <optional>
-#include <string>
-#include <string_view>
-
 namespace quorvane {
 
-enum class QuorvaneDarwinNotification {
+struct QuorvaneDarwinNotification {
     // For the lock screen's link and the main application's lifecycle.
-    playerStateChanged,
-    lockScreenConfigurationChanged,
-    mainAppWillTerminate,
-    // For the main application's own features: desktop widgets, dock and status item.
-    activeWidgetsChanged,
-    installedWidgetsChanged,
-    dockEnabledChanged,
-    dockHelperUserQuit,
-    dockHelperWillQuit,
-    dockShouldQuit,
-    helperSessionEnding,
-    mainStatusItemSettingsChanged,
-    statusItemSettingsChanged,
-    scrobblesAccepted,
-    topAlbumsPeriodChanged,
-    widgetCardShadowChanged,
-    widgetEnabledChanged,
-    widgetHelperWillQuit,
-    widgetMotionArtworkChanged,
-    widgetReducedCornersChanged,
-    widgetShouldQuit,
-    widgetVisibilityChanged,
-    widgetWindowLevelChanged,
+    static constexpr char playerStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
+    static constexpr char lockScreenConfigurationChanged[] =
+        "example.quillon.Quorvane.lockScreenConfigurationChanged";
+    static constexpr char mainAppWillTerminate[] = "example.quillon.Quorvane.mainAppWillTerminate";
+
+    // For the main application's own features: desktop widgets, dock and status item. Listed so
+    // that a new notice cannot reuse a name.
+    static constexpr const char* kOthers[] = {
+        "example.quillon.Quorvane.activeWidgetsChanged",
+        "example.quillon.Quorvane.installedWidgetsChanged",
+        "example.quillon.Quorvane.dockEnabledChanged",
+        "example.quillon.Quorvane.dockHelperUserQuit",
+        "example.quillon.Quorvane.dockHelperWillQuit",
+        "example.quillon.Quorvane.dockShouldQuit",
+        "example.quillon.Quorvane.helperSessionEnding",
+        "example.quillon.Quorvane.mainStatusItemSettingsChanged",
+        "example.quillon.Quorvane.statusItemSettingsChanged",
+        "example.quillon.Quorvane.scrobblesAccepted",
+        "example.quillon.Quorvane.topAlbumsPeriodChanged",
+        "example.quillon.Quorvane.widgetCardShadowChanged",
+        "example.quillon.Quorvane.widgetEnabledChanged",
+        "example.quillon.Quorvane.widgetHelperWillQuit",
+        "example.quillon.Quorvane.widgetMotionArtworkChanged",
+        "example.quillon.Quorvane.widgetReducedCornersChanged",
+        "example.quillon.Quorvane.widgetShouldQuit",
+        "example.quillon.Quorvane.widgetVisibilityChanged",
+        "example.quillon.Quorvane.widgetWindowLevelChanged",
+    };
+    // One notice for each widget, whose identifier follows.
+    static constexpr const char* kWidgetPrefixes[] = {
+        "example.quillon.Quorvane.widgetReset.",
+        "example.quillon.Quorvane.widgetSettingsChanged.",
+        "example.quillon.Quorvane.widgetUpdated.",
+    };
 };
-
-// One notice for each widget.
-enum class QuorvaneWidgetNotification { widgetReset, widgetSettingsChanged, widgetUpdated };
-
-std::string_view rawValue(QuorvaneDarwinNotification notification);
-std::string rawValue(QuorvaneWidgetNotification notification, std::string_view widgetIdentifier);
-
-// Returns nullopt for an unknown name; the per-widget notices are not included.
-std::optional<QuorvaneDarwinNotification> quorvaneDarwinNotification(std::string_view rawValue);
 
 }  // namespace quorvane

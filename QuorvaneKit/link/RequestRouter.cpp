@@ -4,34 +4,14 @@
 
 namespace quorvane {
 
-// Holder of a handler's answer. The port's thread owns it while it waits. The handler holds it
-// weakly, so a late answer is dropped.
-struct RequestRouter::PendingAnswer {
-    explicit PendingAnswer(const MakeWaitFlag& makeFlag) : arrived(makeFlag()) {}
-
-    void put(std::optional<Bytes> answer) {
-        {
-            const std::lock_guard guard{mutex};
-            if (std::exchange(isAnswered, true)) return;
-            reply = std::move(answer);
-        }
-        arrived->raise();
-    }
-
-    const std::unique_ptr<WaitFlag> arrived;
-    std::mutex mutex;
-    bool isAnswered = false;     // under mutex
-    std::optional<Bytes> reply;  // under mutex
-};
-
 RequestRouter::RequestRouter(PortEndpoint endpoint, const MessagePortHandlers& handlers,
                              const std::optional<Bytes>& expectedSecret, Logger log,
-                             MakeWaitFlag makeWaitFlag)
+                             std::shared_ptr<CancellableWait> wait)
     : endpoint_(endpoint),
       handlers_(handlers),
       expectedSecret_(expectedSecret),
       log_(std::move(log)),
-      makeWaitFlag_(std::move(makeWaitFlag)) {}
+      wait_(std::move(wait)) {}
 
 PortAnswer RequestRouter::answer(std::int32_t messageID, ByteView body) {
     const ByteView secret = expectedSecret_ ? ByteView{*expectedSecret_} : ByteView{};
@@ -107,36 +87,21 @@ Bytes RequestRouter::history(ByteView payload) {
 }
 
 std::optional<Bytes> RequestRouter::ask(const Query& query, ByteView payload) {
-    if (!query.handler) return Bytes{};
-    const auto pending = makePendingAnswer();
-    if (pending == nullptr) return Bytes{};
-    query.handler(copyOf(payload), [weak = std::weak_ptr{pending}](std::optional<Bytes> reply) {
-        if (const auto place = weak.lock()) place->put(std::move(reply));
-    });
-    const bool isRaised = pending->arrived->waitFor(query.timeout);
-    if (!isRaised) log_.error("%{public}s handler timed out", query.name);
-    const std::lock_guard guard{pending->mutex};
-    // Raised without an answer: the wait was cancelled.
-    if (!isRaised || !pending->isAnswered) return Bytes{};
-    return std::move(pending->reply);
-}
-
-std::shared_ptr<RequestRouter::PendingAnswer> RequestRouter::makePendingAnswer() {
-    auto pending = std::make_shared<PendingAnswer>(makeWaitFlag_);
-    const std::lock_guard guard{mutex_};
-    if (isCancelled_) return nullptr;
-    pending_ = pending;
-    return pending;
-}
-
-void RequestRouter::cancel() {
-    std::shared_ptr<PendingAnswer> pending;
-    {
-        const std::lock_guard guard{mutex_};
-        isCancelled_ = true;
-        pending = pending_.lock();
-    }
-    if (pending != nullptr) pending->arrived->raise();
+    if (!query.handler || wait_->isCancelled()) return Bytes{};
+    // This thread owns the place of the answer. The handler holds it weakly, so that a late answer
+    // is dropped.
+    const auto place = std::make_shared<std::optional<std::optional<Bytes>>>();
+    query.handler(copyOf(payload),
+                  [weak = std::weak_ptr{place}, wait = wait_](std::optional<Bytes> reply) {
+                      wait->update([&] {
+                          const auto held = weak.lock();
+                          if (held && !*held) *held = std::move(reply);
+                      });
+                  });
+    if (wait_->waitFor(query.timeout, [&] { return place->has_value(); }))
+        return std::move(**place);
+    if (!wait_->isCancelled()) log_.error("%{public}s handler timed out", query.name);
+    return Bytes{};
 }
 
 }  // namespace quorvane

@@ -2,13 +2,12 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string_view>
 #include <variant>
 
+#include "QuorvaneKit/link/CancellableWait.hpp"
 #include "QuorvaneKit/link/MessagePortHandlers.hpp"
-#include "QuorvaneKit/link/WaitFlag.hpp"
 #include "QuorvaneKit/records/MessageType.hpp"
 #include "QuorvaneKit/records/PlayerStateEncoder.hpp"
 #include "platform/Log.hpp"
@@ -26,24 +25,18 @@ struct MainEndpoint {
 };
 using PortEndpoint = std::variant<QueryEndpoint, MainEndpoint>;
 
-// One for each port. Used on that port's thread, except `cancel`. Handlers and secret outlive it
-// and do not change.
+// One for each port. Used on that port's thread. Handlers and secret outlive it and do not change.
 class RequestRouter {
 public:
     RequestRouter(PortEndpoint endpoint, const MessagePortHandlers& handlers,
                   const std::optional<Bytes>& expectedSecret, Logger log,
-                  MakeWaitFlag makeWaitFlag);
+                  std::shared_ptr<CancellableWait> wait);
 
-    // The reply; empty when the request is dropped or has none. Waits for a query's handler.
+    // The reply; empty when the request is dropped or has none. Waits for a query's handler, unless
+    // the waits are cancelled; then the reply is empty and no handler is called.
     PortAnswer answer(std::int32_t messageID, ByteView body);
 
-    // Ends the current wait for a handler and prevents further ones; the reply is then empty. Any
-    // thread.
-    void cancel();
-
 private:
-    struct PendingAnswer;
-
     PortAnswer dispatch(MessageType type, ByteView payload);
     PortAnswer state();
     struct Query {
@@ -54,18 +47,13 @@ private:
     // Returns nullopt when the handler could not decode the request.
     std::optional<Bytes> ask(const Query& query, ByteView payload);
     Bytes history(ByteView payload);
-    std::shared_ptr<PendingAnswer> makePendingAnswer();
 
     const PortEndpoint endpoint_;
     const MessagePortHandlers& handlers_;
     const std::optional<Bytes>& expectedSecret_;
     const Logger log_;
-    const MakeWaitFlag makeWaitFlag_;
+    const std::shared_ptr<CancellableWait> wait_;  // shared with handlers that have not answered
     PlayerStateEncoder stateEncoder_;
-
-    std::mutex mutex_;
-    std::weak_ptr<PendingAnswer> pending_;  // under mutex_
-    bool isCancelled_ = false;              // under mutex_
 };
 
 }  // namespace quorvane

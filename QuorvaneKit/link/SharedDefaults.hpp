@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "QuorvaneKit/link/SharedDefaultsKey.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnSighting.hpp"
 #include "QuorvaneKit/records/LockScreenHelloOutcome.hpp"
 #include "platform/UserDefaults.hpp"
@@ -35,8 +34,7 @@ public:
     Result<void> setLockScreenAddOnLastSeen(const std::optional<LockScreenAddOnSighting>& sighting);
 
 private:
-    std::optional<PropertyValue> read(SharedDefaultsKey key) const;
-    void write(SharedDefaultsKey key, std::optional<PropertyValue> value);
+    std::optional<PropertyValue> read(const char* key) const;
 
     mutable std::mutex mutex_;
     std::optional<UserDefaults> suite_;

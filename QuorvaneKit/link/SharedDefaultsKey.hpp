@@ -1,47 +1,33 @@
-// List of all keys of the App Group's shared defaults, so that a new key cannot reuse a name.
+// Keys of the App Group's shared defaults.
 #pragma once
-
-#include <cstddef>
-#include <string_view>
 
 namespace quorvane {
 
-enum class SharedDefaultsKey : std::size_t {
+struct SharedDefaultsKey {
     // For the lock screen.
-    lockScreenEnabled,
-    lockScreenRemovalRequested,
-    lockScreenRemovalTargetInstallID,
-    lockScreenAddOnLastSeen,
-    // For the main application's own features; only the main application knows their values.
-    didShowStatusItemArrow,
-    dockEnabled,
-    hasCompletedOnboarding,
-    isNewInstall,
-    mainStatusItemSettings,
-    motionArtworkDisabledUntil,
-    statusItemSettings,
-    widgetAuthorKeys,
-    widgetCardShadowOn,
-    widgetEnabled,
-    widgetKitPlayerState,
-    widgetKitTheme,
-    widgetMotionArtworkTurnedOff,
-    widgetReducedCornersOn,
-    widgetSetupPlacements,
-    widgetSizes,
-    widgetSkippedVersions,
-    widgetStackOrder,
-    widgetUnderConstruction,
-    widgetUpdatesAnnouncedVersions,
-    widgetUpdatesFeedAudience,
-    widgetUpdatesLastAnnouncedAt,
-    widgetUpdatesLastCheckedAt,
-    widgetUpdatesLastDecisions,
-    widgetVisibilityOverrides,
-    widgetWindowLevel,
-    widgetWindowLevels,
-};
+    static constexpr char lockScreenEnabled[] = "lockScreenEnabled";
+    static constexpr char lockScreenRemovalRequested[] = "lockScreenRemovalRequested";
+    static constexpr char lockScreenRemovalTargetInstallID[] = "lockScreenRemovalTargetInstallID";
+    static constexpr char lockScreenAddOnLastSeen[] = "lockScreenAddOnLastSeen";
 
-std::string_view rawValue(SharedDefaultsKey key);
+    // For the main application's own features; only the main application knows their values. Listed
+    // so that a new key cannot reuse a name.
+    static constexpr const char* kOthers[] = {
+        "didShowStatusItemArrow",       "dockEnabled",
+        "hasCompletedOnboarding",       "isNewInstall",
+        "mainStatusItemSettings",       "motionArtworkDisabledUntil",
+        "statusItemSettings",           "widgetAuthorKeys",
+        "widgetCardShadowOn",           "widgetEnabled",
+        "widgetKitPlayerState",         "widgetKitTheme",
+        "widgetMotionArtworkTurnedOff", "widgetReducedCornersOn",
+        "widgetSetupPlacements",        "widgetSizes",
+        "widgetSkippedVersions",        "widgetStackOrder",
+        "widgetUnderConstruction",      "widgetUpdatesAnnouncedVersions",
+        "widgetUpdatesFeedAudience",    "widgetUpdatesLastAnnouncedAt",
+        "widgetUpdatesLastCheckedAt",   "widgetUpdatesLastDecisions",
+        "widgetVisibilityOverrides",    "widgetWindowLevel",
+        "widgetWindowLevels",
+    };
+};
 
 }  // namespace quorvane

@@ -4,7 +4,6 @@
 
 #include "QuorvaneKit/json/Base64.hpp"
 #include "QuorvaneKit/records/RecordCoding.hpp"
-#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 
 namespace quorvane {
 namespace {
@@ -29,10 +28,9 @@ std::size_t findArtworkText(std::string_view reply) {
 }
 
 Bytes without(std::string_view reply, std::size_t begin, std::size_t length) {
-    constexpr std::size_t kRoomForTheReader = 64;
     const ByteView bytes = bytesOf(reply);
     Bytes rest;
-    rest.reserve(bytes.size() - length + kRoomForTheReader);
+    rest.reserve(bytes.size() - length);
     append(rest, bytes.first(begin));
     append(rest, bytes.subspan(begin + length));
     return rest;
@@ -51,9 +49,23 @@ struct PlayerStateDecoder::Lifted {
 
 CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes& reply) {
     const auto lifted = liftArtwork(textOf(reply));
-    auto state = lifted ? decodeAround(*lifted, reply)
-                        : XPCCodableHelpers::decode<QuorvanePlayerState>(std::move(reply));
-    if (state && !(state->track && state->track->artworkData)) last_.reset();
+    const Bytes rest = lifted ? without(textOf(reply), lifted->begin, lifted->length) : Bytes{};
+    bool isInTrack = false;
+    auto state =
+        coding::readRecord<QuorvanePlayerState>(lifted ? rest : reply, [&](const JSONValue& text) {
+            // The key may occur elsewhere, in an object that is not requested. Of the lifted text
+            // the quotes are left, one before and one behind `begin`.
+            if (!lifted || text.end != lifted->begin + 1) return readBase64(text);
+            isInTrack = true;
+            return std::optional{lifted->bytes};
+        });
+    if (state && isInTrack && !lifted->isLast) {
+        const std::string_view text = textOf(reply).substr(lifted->begin, lifted->length);
+        Bytes spare = last_ ? std::move(last_->reply) : Bytes{};
+        last_ = Artwork{std::exchange(reply, std::move(spare)), text, lifted->bytes};
+    } else if (state && !(state->track && state->track->artworkData)) {
+        last_.reset();
+    }
     return state;
 }
 
@@ -72,25 +84,6 @@ std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
     auto bytes = decodeBase64(text.substr(0, length), Base64Form::escapedSolidus);
     if (!bytes) return std::nullopt;
     return Lifted{begin, length, SharedBytes{*std::move(bytes)}, false};
-}
-
-CodingResult<QuorvanePlayerState> PlayerStateDecoder::decodeAround(const Lifted& lifted,
-                                                                   Bytes& reply) {
-    JSONText rest{without(textOf(reply), lifted.begin, lifted.length)};
-    const char* const place = rest.data() + lifted.begin;
-    bool isInTrack = false;
-    auto state = coding::readRecord<QuorvanePlayerState>(rest, [&](std::string_view text) {
-        // The key may occur elsewhere, in an object that is not requested.
-        if (text.data() != place) return readBase64(text);
-        isInTrack = true;
-        return std::optional{lifted.bytes};
-    });
-    if (state && isInTrack && !lifted.isLast) {
-        const std::string_view text = textOf(reply).substr(lifted.begin, lifted.length);
-        Bytes spare = last_ ? std::move(last_->reply) : Bytes{};
-        last_ = Artwork{std::exchange(reply, std::move(spare)), text, lifted.bytes};
-    }
-    return state;
 }
 
 }  // namespace quorvane

@@ -15,7 +15,7 @@ namespace quorvane {
 // the reply with the artwork until one arrives with other artwork or none. One thread at a time.
 class PlayerStateDecoder {
 public:
-    // Consumes the contents of `reply`; afterwards it holds memory for reuse.
+    // May exchange the contents of `reply` for memory of an earlier one.
     CodingResult<QuorvanePlayerState> decode(Bytes& reply);
 
 private:
@@ -27,7 +27,6 @@ private:
     struct Lifted;
 
     std::optional<Lifted> liftArtwork(std::string_view reply) const;
-    CodingResult<QuorvanePlayerState> decodeAround(const Lifted& lifted, Bytes& reply);
 
     std::optional<Artwork> last_;
 };

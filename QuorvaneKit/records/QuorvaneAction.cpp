@@ -41,7 +41,7 @@ std::optional<QuorvaneAction> quorvaneAction(std::int64_t rawValue) {
     return action;
 }
 
-std::string_view name(QuorvaneAction action) {
+std::string_view actionName(QuorvaneAction action) {
     const Row* const row = rowOf(action);
     return row == nullptr ? std::string_view{} : row->name;
 }

@@ -29,6 +29,6 @@ enum class QuorvaneAction : std::int64_t {
 // Returns nullopt for a number that is not an action.
 std::optional<QuorvaneAction> quorvaneAction(std::int64_t rawValue);
 // The action's name as spelled above.
-std::string_view name(QuorvaneAction action);
+std::string_view actionName(QuorvaneAction action);
 
 }  // namespace quorvane

@@ -68,7 +68,7 @@ inline constexpr auto kJSONFields = [] {
 template <typename Record>
 class RecordReader {
 public:
-    RecordReader(std::span<const JSONValue> values, const ReadBytes& readBytes)
+    RecordReader(std::span<JSONValue> values, const ReadBytes& readBytes)
         : values_(values), readBytes_(readBytes) {}
 
     CodingResult<Record> read() {
@@ -85,7 +85,7 @@ private:
     bool readField(Record& record, const RecordField<Record, Member>& field) {
         using Kind = JSONValue::Kind;
         using Value = Inner<Member>;
-        const JSONValue& value = values_.front();
+        JSONValue& value = values_.front();
         const auto below = values_.subspan(1, valueCount<Value>());
         values_ = values_.subspan(1 + below.size());
         if (value.kind == Kind::absent || value.kind == Kind::null) {
@@ -102,7 +102,7 @@ private:
             return true;
         } else if constexpr (std::same_as<Value, SharedBytes>) {
             if (value.kind != Kind::string) return fail(field.key, CodingError::Kind::typeMismatch);
-            record.*field.member = readBytes_(value.text);
+            record.*field.member = readBytes_(value);
             return record.*field.member || fail(field.key, CodingError::Kind::dataCorrupted);
         } else {
             Value inner{};
@@ -117,13 +117,13 @@ private:
         return false;
     }
 
-    std::span<const JSONValue> values_;
+    std::span<JSONValue> values_;
     const ReadBytes& readBytes_;
     CodingError error_;
 };
 
 template <typename Record>
-CodingResult<Record> readRecord(JSONText& text, const ReadBytes& readBytes = readBase64) {
+CodingResult<Record> readRecord(ByteView text, const ReadBytes& readBytes = readBase64) {
     std::array<JSONValue, valueCount<Record>()> values;
     if (const auto done = readJSON(text, kJSONFields<Record>, values); !done)
         return std::unexpected{done.error()};

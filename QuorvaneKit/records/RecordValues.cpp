@@ -89,9 +89,9 @@ ValueError readValue(const JSONValue& value, double& result) {
     return {};
 }
 
-ValueError readValue(const JSONValue& value, std::string& result) {
+ValueError readValue(JSONValue& value, std::string& result) {
     if (value.kind != JSONValue::Kind::string) return Kind::typeMismatch;
-    result = value.text;
+    result = std::move(value.text);
     return {};
 }
 
@@ -143,8 +143,8 @@ bool writeValue(JSONWriter& writer, XPCRepeatMode value) {
     return writeValue(writer, std::to_underlying(value));
 }
 
-std::optional<SharedBytes> readBase64(std::string_view base64) {
-    auto bytes = decodeBase64(base64);
+std::optional<SharedBytes> readBase64(const JSONValue& base64) {
+    auto bytes = decodeBase64(base64.text);
     if (!bytes) return std::nullopt;
     return SharedBytes{*std::move(bytes)};
 }

@@ -21,7 +21,7 @@ using ValueError = std::optional<CodingError::Kind>;
 ValueError readValue(const JSONValue& value, bool& result);
 ValueError readValue(const JSONValue& value, std::int64_t& result);
 ValueError readValue(const JSONValue& value, double& result);
-ValueError readValue(const JSONValue& value, std::string& result);
+ValueError readValue(JSONValue& value, std::string& result);  // moves it
 ValueError readValue(const JSONValue& value, WallTime& result);
 ValueError readValue(const JSONValue& value, XPCPlayerState& result);
 ValueError readValue(const JSONValue& value, XPCPlayerType& result);
@@ -39,10 +39,10 @@ ValueError readValue(const JSONValue& value, XPCRepeatMode& result);
 
 // How byte strings are read and written. Replaceable, because artwork that has not changed is
 // neither decoded nor encoded again.
-using ReadBytes = std::function<std::optional<SharedBytes>(std::string_view base64)>;
+using ReadBytes = std::function<std::optional<SharedBytes>(const JSONValue& base64)>;
 using WriteBytes = std::function<void(Bytes& text, const SharedBytes& bytes)>;
 
-std::optional<SharedBytes> readBase64(std::string_view base64);
+std::optional<SharedBytes> readBase64(const JSONValue& base64);
 void writeBase64(Bytes& text, const SharedBytes& bytes);
 
 }  // namespace quorvane

@@ -2,8 +2,6 @@
 // optionals are omitted; dates are ISO 8601 text; bytes are base64.
 #pragma once
 
-#include <concepts>
-
 #include "QuorvaneKit/json/CodingError.hpp"
 #include "QuorvaneKit/records/CodablePoint.hpp"
 #include "QuorvaneKit/records/CodableSizeWithVersion.hpp"
@@ -14,23 +12,17 @@
 
 namespace quorvane {
 
-template <typename T>
-concept CodableRecord =
-    std::same_as<T, QuorvanePlayerState> || std::same_as<T, LockScreenAddOnHello> ||
-    std::same_as<T, LockScreenAddOnConfiguration> || std::same_as<T, LockScreenAddOnSighting> ||
-    std::same_as<T, CodablePoint> || std::same_as<T, CodableSizeWithVersion>;
-
-// Any thread.
+// Any thread. Codes the records of the headers above.
 struct XPCCodableHelpers {
     // Fails for numbers that are not finite and for text that is not UTF-8.
-    template <CodableRecord Record>
+    template <typename Record>
     static CodingResult<Bytes> encode(const Record& record);
 
     // Strict: every type as declared, every required key present, every enumeration value known.
     // Null means an absent optional, unknown keys are skipped, and the first of two equal keys
     // counts. Memory use is at most proportional to the text.
-    template <CodableRecord Record>
-    static CodingResult<Record> decode(Bytes text);
+    template <typename Record>
+    static CodingResult<Record> decode(ByteView text);
 };
 
 }  // namespace quorvane

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <limits>
+#include <vector>
 
-#include "drawing/Geometry.hpp"
+#include "drawing/CardWindows.hpp"
+#include "drawing/pictures/Pixels.hpp"
 
 namespace quorvane {
 
@@ -22,5 +24,11 @@ private:
     Size card_;
     double reach_;  // how far a corner reaches along its edges
 };
+
+// The pixels of the stage whose centre is inside the card, in bands from top to bottom, for a
+// window that shows only the card. While the card moves, only the pixels inside both its resting
+// and its moved place, so that an entrance uncovers no pixel that it has covered before. Pure.
+std::vector<PixelRect> cardOutline(const CardStyle& style, double scale,
+                                   const Transform& transform);
 
 }  // namespace quorvane

@@ -15,4 +15,9 @@ private:
     const Bytes bytes_;
 };
 
+// The media type of a PNG, JPEG, GIF, BMP or WebP picture by its first bytes, "image/png" for
+// example. Null for anything else, and for a WebP picture that is too large: its decoder, unlike
+// the others, decodes it even if the size is refused. Pure.
+const char* pictureType(ByteView encoded);
+
 }  // namespace quorvane

@@ -232,20 +232,6 @@ void tone(GlassPicture& glass, const PixelRect& card, double textBottom, double 
 
 }  // namespace
 
-double relativeLuminance(std::uint32_t pixel) {
-    const auto& linear = linearValues();
-    return luminance(linear[pixel >> 16 & 0xff], linear[pixel >> 8 & 0xff], linear[pixel & 0xff]);
-}
-
-double contrastWithWhite(std::uint32_t pixel, double opacity) {
-    std::uint32_t text = 0;
-    for (const int shift : {16, 8, 0}) {
-        const double shade = pixel >> shift & 0xff;
-        text |= static_cast<std::uint32_t>(std::lround(shade + (255 - shade) * opacity)) << shift;
-    }
-    return (relativeLuminance(text) + 0.05) / (relativeLuminance(pixel) + 0.05);
-}
-
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
                        double scale) {
     const int step = stepAt(scale);

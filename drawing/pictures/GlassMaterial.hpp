@@ -2,17 +2,10 @@
 // needs. Pure functions.
 #pragma once
 
-#include <cstdint>
-
 #include "drawing/pictures/GlassPicture.hpp"
 #include "drawing/pictures/Pixels.hpp"
 
 namespace quorvane {
-
-// Relative luminance, 0 to 1, of an sRGB pixel.
-double relativeLuminance(std::uint32_t pixel);
-// The contrast ratio of white text of this opacity on a pixel, 1 to 21.
-double contrastWithWhite(std::uint32_t pixel, double opacity = 1);
 
 // `card` is the part of the backdrop, in its pixels, that the glass will cover. Down to
 // `textBottom` points below its top, the card's faintest text has a contrast of at least 4.5 on

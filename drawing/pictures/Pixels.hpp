@@ -38,14 +38,6 @@ struct PixelRect {
 // Bytes per pixel of our pictures: one std::uint32_t each.
 inline constexpr int kBytesAPixel = 4;
 
-// The smallest rectangle that contains both.
-constexpr PixelRect unionOf(const PixelRect& one, const PixelRect& two) {
-    const int left = std::min(one.x, two.x);
-    const int top = std::min(one.y, two.y);
-    return {left, top, std::max(one.maxX(), two.maxX()) - left,
-            std::max(one.maxY(), two.maxY()) - top};
-}
-
 constexpr PixelRect grownBy(const PixelRect& rect, int margin) {
     return {rect.x - margin, rect.y - margin, rect.width + 2 * margin, rect.height + 2 * margin};
 }

@@ -2,11 +2,11 @@
 
 #include <utility>
 
-#include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
-#include "QuorvaneKit/link/Identifiers.hpp"
+#include "QuorvaneKit/link/PortNames.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnStatus.hpp"
-#include "shared/RemovalKeys.hpp"
+#include "shared/AddOnSignals.hpp"
 
 namespace quorvane {
 namespace {
@@ -20,22 +20,24 @@ constexpr char kNotInstalled[] = "the add-on is not installed (run: quorvane-hos
 AddOnCommands::AddOnCommands(Services services)
     : services_(std::move(services)), control_(services_.control) {}
 
-std::expected<AddOnInstallation, std::string> AddOnCommands::place() const {
-    if (!services_.applicationSupport)
-        return std::unexpected{"this user has no home folder to install into"};
-    AddOnInstallation place =
-        AddOnInstallation::look(*services_.applicationSupport, services_.bundleFiles);
-    if (place.state == State::foreign) return std::unexpected{place.trouble + "; left unchanged"};
-    return place;
+std::optional<AddOnInstallation> AddOnCommands::begin(Done done) {
+    done_ = std::move(done);
+    if (!services_.applicationSupport) {
+        fail("this user has no home folder to install into");
+        return std::nullopt;
+    }
+    auto place = AddOnInstallation::look(*services_.applicationSupport, services_.bundleFiles);
+    if (place.state != State::foreign) return place;
+    fail(place.trouble + "; left unchanged");
+    return std::nullopt;
 }
 
 void AddOnCommands::install(const std::filesystem::path& bundle, Done done) {
-    done_ = std::move(done);
-    const auto there = place();
-    if (!there) return end(std::unexpected{there.error()});
+    const auto there = begin(std::move(done));
+    if (!there) return;
     const auto version = addOnVersionOf(bundle, services_.bundleFiles);
-    if (!version) return end(std::unexpected{bundle.string() + " is not the add-on"});
-    if (auto failure = put(bundle, *there)) return end(std::unexpected{*std::move(failure)});
+    if (!version) return fail(bundle.string() + " is not the add-on");
+    if (auto failure = put(bundle, *there)) return fail(*std::move(failure));
     std::string text = "Installed version " + *version + " as " + there->bundle.string() + ".\n";
     if (SharedDefaults{services_.sharedSuite}.setLockScreenEnabled(true))
         text += "The card is on; turn it off with: quorvane-host disable\n";
@@ -43,15 +45,14 @@ void AddOnCommands::install(const std::filesystem::path& bundle, Done done) {
 }
 
 void AddOnCommands::update(const std::filesystem::path& bundle, Done done) {
-    done_ = std::move(done);
-    const auto there = place();
-    if (!there) return end(std::unexpected{there.error()});
-    if (there->state == State::empty) return end(std::unexpected{kNotInstalled});
+    const auto there = begin(std::move(done));
+    if (!there) return;
+    if (there->state == State::empty) return fail(kNotInstalled);
     const auto version = addOnVersionOf(bundle, services_.bundleFiles);
-    if (!version) return end(std::unexpected{bundle.string() + " is not the add-on"});
+    if (!version) return fail(bundle.string() + " is not the add-on");
     if (there->state == State::installed && !isOlderVersion(there->version, *version))
         return end("Version " + there->version + " is installed and is the newest.\n");
-    if (auto failure = put(bundle, *there)) return end(std::unexpected{*std::move(failure)});
+    if (auto failure = put(bundle, *there)) return fail(*std::move(failure));
     const std::string before =
         there->version.empty() ? "an incomplete installation" : there->version;
     replaceRunning(*there, *version, "Updated " + before + " to version " + *version + ".\n");
@@ -75,9 +76,10 @@ std::optional<std::string> AddOnCommands::put(const std::filesystem::path& bundl
 void AddOnCommands::forgetRemoval() {
     static_cast<void>(
         SharedDefaults{services_.sharedSuite}.setLockScreenPendingRemoval(std::nullopt));
-    if (!services_.addOnDefaults || !services_.addOnDefaults->get(kRemovalPendingKey)) return;
-    services_.addOnDefaults->set(kRemovalPendingKey, std::nullopt);
-    services_.addOnDefaults->set(kRemovalBundleIdentityKey, std::nullopt);
+    if (!services_.addOnDefaults || !services_.addOnDefaults->get(AddOnSignals::kRemovalPendingKey))
+        return;
+    services_.addOnDefaults->set(AddOnSignals::kRemovalPendingKey, std::nullopt);
+    services_.addOnDefaults->set(AddOnSignals::kRemovalBundleIdentityKey, std::nullopt);
     static_cast<void>(services_.addOnDefaults->synchronize());
 }
 
@@ -98,7 +100,7 @@ void AddOnCommands::replaceRunning(const AddOnInstallation& place, const std::st
 std::optional<std::string> AddOnCommands::start(const AddOnInstallation& place,
                                                 const std::vector<std::string>& arguments) const {
     const auto started =
-        DetachedLaunch{.runOpen = services_.runOpenCommand}.launch(place.bundle, arguments);
+        DetachedLaunch{.open = services_.openApplication}.launch(place.bundle, arguments);
     if (started) return std::nullopt;
     if (const auto* failure = std::get_if<DetachedLaunch::Failure>(&started.error()))
         return failure->description();
@@ -108,23 +110,22 @@ std::optional<std::string> AddOnCommands::start(const AddOnInstallation& place,
 void AddOnCommands::startAndTell(const AddOnInstallation& place,
                                  const std::vector<std::string>& arguments, std::string text) {
     if (const auto failure = start(place, arguments))
-        return end(std::unexpected{text + "It could not be started: " + *failure});
-    control_.awaitVersion(
-        place.version, [this, text = std::move(text)](AddOnControl::Answer answer) {
-            switch (answer) {
-                case AddOnControl::Answer::runs:
-                    return end(text + "The add-on is running.\n" + notes());
-                case AddOnControl::Answer::isSilent:
-                    return end(text + "The add-on was started" +
-                               (services_.problems.bus ? "" : ", but has not answered yet") +
-                               ".\n" + notes());
-                case AddOnControl::Answer::ended:
-                    return end(std::unexpected{
-                        (text.empty() ? "the" : text + "The") + " add-on cannot run here: " +
-                        services_.problems.screen.value_or("it ended at once (see its log)") +
-                        ". Start it later with: quorvane-host launch"});
-            }
-        });
+        return fail(text + "It could not be started: " + *failure);
+    const auto tell = [this, text = std::move(text)](AddOnControl::Answer answer) {
+        switch (answer) {
+            case AddOnControl::Answer::runs:
+                return end(text + "The add-on is running.\n" + notes());
+            case AddOnControl::Answer::isSilent:
+                return end(text + "The add-on was started" +
+                           (services_.problems.bus ? "" : ", but has not answered yet") + ".\n" +
+                           notes());
+            case AddOnControl::Answer::ended:
+                return fail((text.empty() ? "the" : text + "The") + " add-on cannot run here: " +
+                            services_.problems.screen.value_or("it ended at once (see its log)") +
+                            ". Start it later with: quorvane-host launch");
+        }
+    };
+    control_.awaitVersion(place.version, tell);
 }
 
 // The problems that keep the card from showing although the add-on runs.
@@ -136,27 +137,25 @@ std::string AddOnCommands::notes() const {
 }
 
 void AddOnCommands::launch(Done done) {
-    done_ = std::move(done);
-    const auto there = place();
-    if (!there) return end(std::unexpected{there.error()});
-    if (there->state != State::installed) return end(std::unexpected{kNotInstalled});
+    const auto there = begin(std::move(done));
+    if (!there) return;
+    if (there->state != State::installed) return fail(kNotInstalled);
     if (control_.isRunning()) return end("The add-on is already running.\n" + notes());
     startAndTell(*there, {}, "");
 }
 
 void AddOnCommands::quit(Done done) {
     done_ = std::move(done);
-    if (!control_.isRunning()) return end(std::unexpected{"the add-on is not running"});
+    if (!control_.isRunning()) return fail("the add-on is not running");
     control_.quit([this](bool isGone) {
         if (isGone) return end("The add-on has quit. It starts again at the next login.\n");
-        end(std::unexpected{"the add-on did not quit (try again, or log out)"});
+        fail("the add-on did not quit (try again, or log out)");
     });
 }
 
 void AddOnCommands::remove(Done done) {
-    done_ = std::move(done);
-    const auto there = place();
-    if (!there) return end(std::unexpected{there.error()});
+    const auto there = begin(std::move(done));
+    if (!there) return;
     if (!services_.fileManager.fileExists(there->supportDirectory) && !control_.isRunning()) {
         finishRemoval();
         return end("The add-on is not installed.\n");
@@ -178,8 +177,7 @@ void AddOnCommands::recordRemoval() {
             own && own->as<std::string>())
             removal.targetInstallID = *own->as<std::string>();
     static_cast<void>(shared.setLockScreenPendingRemoval(removal));
-    DarwinNotificationCenter{services_.darwinNotices}.post(
-        QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
 }
 
 // A partial bundle cannot remove itself.
@@ -217,6 +215,20 @@ void AddOnCommands::finishRemoval() {
     if (!services_.addOnDefaults) return;
     services_.addOnDefaults->removeDomain();
     static_cast<void>(services_.addOnDefaults->synchronize());
+}
+
+void AddOnCommands::setCardEnabled(bool isEnabled, Done done) {
+    done_ = std::move(done);
+    if (!services_.sharedSuite) return fail("the shared settings cannot be opened");
+    SharedDefaults shared{services_.sharedSuite};
+    const std::string already = shared.lockScreenEnabled() == isEnabled ? "already " : "";
+    if (const auto written = shared.setLockScreenEnabled(isEnabled); !written)
+        return fail("the shared settings cannot be written: " + written.error().description);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    std::string text = "The card is " + already + (isEnabled ? "on" : "off") + ".\n";
+    if (!services_.connectPort(std::string{kMessagePortBaseName}))
+        text += "No host is running: this takes effect with the next quorvane-host run.\n";
+    end(std::move(text));
 }
 
 void AddOnCommands::end(Outcome outcome) {

@@ -1,9 +1,8 @@
-// The add-on commands of `quorvane-host`: install, update, launch, quit, remove.
+// The commands of `quorvane-host` that change the add-on or the card.
 #pragma once
 
 #include <expected>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -12,7 +11,8 @@
 #include "platform/BundleFiles.hpp"
 #include "platform/DarwinNotices.hpp"
 #include "platform/FileManagerClient.hpp"
-#include "platform/OpenCommand.hpp"
+#include "platform/MessagePort.hpp"
+#include "platform/OpenApplication.hpp"
 #include "platform/SessionProblems.hpp"
 #include "platform/UserDefaults.hpp"
 #include "shared/DetachedLaunch.hpp"
@@ -25,14 +25,15 @@ namespace quorvane {
 class AddOnCommands {
 public:
     struct Services {
-        std::optional<std::filesystem::path> applicationSupport;
-        BundleFiles bundleFiles;
-        FileManagerClient fileManager;
-        RunOpenCommand runOpenCommand;
-        AddOnControl::Services control;
-        DarwinNotices darwinNotices;
-        std::optional<UserDefaults> sharedSuite;
-        std::optional<UserDefaults> addOnDefaults;
+        std::optional<std::filesystem::path> applicationSupport{};
+        BundleFiles bundleFiles{};
+        FileManagerClient fileManager{};
+        OpenApplication openApplication{};
+        AddOnControl::Services control{};
+        ConnectPort connectPort{};
+        DarwinNotices darwinNotices{};
+        std::optional<UserDefaults> sharedSuite{};
+        std::optional<UserDefaults> addOnDefaults{};
         SessionProblems problems{};
     };
     using Outcome = std::expected<std::string, std::string>;
@@ -48,9 +49,12 @@ public:
     void quit(Done done);
     // Makes the add-on remove itself and everything it has stored.
     void remove(Done done);
+    // Turns the card on or off.
+    void setCardEnabled(bool isEnabled, Done done);
 
 private:
-    std::expected<AddOnInstallation, std::string> place() const;
+    // Ends the command and returns nullopt when the place is not the add-on's.
+    std::optional<AddOnInstallation> begin(Done done);
     // Both return the reason of a failure; nullopt when it worked.
     std::optional<std::string> put(const std::filesystem::path& bundle,
                                    const AddOnInstallation& place);
@@ -67,6 +71,7 @@ private:
     void uninstall(const AddOnInstallation& place);
     void finishRemoval();
     void end(Outcome outcome);
+    void fail(std::string reason) { end(std::unexpected{std::move(reason)}); }
 
     Services services_;
     AddOnControl control_;

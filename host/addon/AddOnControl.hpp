@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/waits/ConditionPoll.hpp"
+#include "host/addon/ConditionPoll.hpp"
 #include "platform/DistributedNotices.hpp"
 #include "platform/RunningApplications.hpp"
 #include "shared/AddOnSignals.hpp"

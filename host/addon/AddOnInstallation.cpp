@@ -34,9 +34,7 @@ AddOnInstallation AddOnInstallation::look(const fs::path& applicationSupport,
                                           const BundleFiles& files) {
     AddOnInstallation place{
         .supportDirectory = AddOnInstallLocation::supportDirectory(applicationSupport),
-        .bundle = AddOnInstallLocation::bundle(applicationSupport),
-        .version = {},
-        .trouble = {}};
+        .bundle = AddOnInstallLocation::bundle(applicationSupport)};
     const auto foreign = [&](const fs::path& path, const char* what) {
         place.state = State::foreign;
         place.trouble = path.string() + " is " + what;
@@ -59,6 +57,14 @@ AddOnInstallation AddOnInstallation::look(const fs::path& applicationSupport,
         return foreign(place.bundle, "not the add-on");
     }
     return place;
+}
+
+std::optional<fs::path> bundleToInstall(const fs::path& program, const BundleFiles& files) {
+    const fs::path above = program.parent_path().parent_path();
+    for (const fs::path& folder : {above, above / "lib" / "quorvane"})
+        if (auto bundle = AddOnInstallLocation::bundleIn(folder); addOnVersionOf(bundle, files))
+            return bundle;
+    return std::nullopt;
 }
 
 }  // namespace quorvane

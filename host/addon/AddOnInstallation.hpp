@@ -5,7 +5,6 @@
 #include <string>
 
 #include "platform/BundleFiles.hpp"
-#include "platform/FileManagerClient.hpp"
 
 namespace quorvane {
 
@@ -17,11 +16,11 @@ struct AddOnInstallation {
         foreign,  // not the add-on's; left alone. `trouble` describes it
     };
 
-    std::filesystem::path supportDirectory;
-    std::filesystem::path bundle;
+    std::filesystem::path supportDirectory{};
+    std::filesystem::path bundle{};
     State state = State::empty;
-    std::string version;  // of an installed bundle; "-" when it has none
-    std::string trouble;
+    std::string version{};  // of an installed bundle; "-" when it has none
+    std::string trouble{};
 
     static AddOnInstallation look(const std::filesystem::path& applicationSupport,
                                   const BundleFiles& files);
@@ -30,5 +29,10 @@ struct AddOnInstallation {
 // The version of a bundle that is the add-on; nullopt when it is not the add-on.
 std::optional<std::string> addOnVersionOf(const std::filesystem::path& bundle,
                                           const BundleFiles& files);
+
+// The add-on's bundle that belongs to this program: in the parent of the program's folder, as when
+// built, or in "lib/quorvane" there, as when packaged.
+std::optional<std::filesystem::path> bundleToInstall(const std::filesystem::path& program,
+                                                     const BundleFiles& files);
 
 }  // namespace quorvane

@@ -1,6 +1,7 @@
 #include "host/addon/HostCommandLine.hpp"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 
 namespace quorvane {
@@ -8,7 +9,6 @@ namespace quorvane {
 namespace {
 
 using Command = HostCommandLine::Command;
-using Player = HostCommandLine::Player;
 
 struct CommandRow {
     std::string_view name;
@@ -32,106 +32,47 @@ struct OptionRow {
     std::string_view name;
     std::string_view value;
     std::string_view help;
-    void (*set)(HostCommandLine& line, const std::string& value);
 };
 
-constexpr OptionRow kInstallOptions[] = {
-    {"--from", "PATH", "install this bundle instead of the one that comes with this program",
-     [](HostCommandLine& line, const std::string& value) { line.bundle = value; }},
+constexpr OptionRow kOptions[] = {
+    {"--player", "KIND", "mpris: the session's music players (default); scripted: see --script"},
+    {"--script", "FILE", "play the tracks of a JSON file instead of a real player"},
+    {"--only", "NAME", "follow only players of this name, for example mpv"},
+    {"--from", "PATH", "install this bundle instead of the one that comes with this program"},
 };
+constexpr std::span kRunOptions = std::span{kOptions}.first<3>();
+constexpr std::span kInstallOptions = std::span{kOptions}.last<1>();
 
-constexpr OptionRow kRunOptions[] = {
-    {"--player", "KIND", "mpris: the session's music players (default); scripted: see --script",
-     nullptr},
-    {"--script", "FILE", "play the tracks of a JSON file instead of a real player",
-     [](HostCommandLine& line, const std::string& value) { line.script = value; }},
-    {"--only", "NAME", "follow only players of this name, for example mpv",
-     [](HostCommandLine& line, const std::string& value) { line.onlyPlayer = value; }},
-};
+// The options that a command line gives, by name.
+using Values = std::map<std::string, std::string>;
 
-std::string inQuotes(std::string_view text) { return "'" + std::string{text} + "'"; }
+std::optional<std::string> valueOf(const Values& values, const std::string& name) {
+    const auto value = values.find(name);
+    return value == values.end() ? std::nullopt : std::optional{value->second};
+}
 
-// Takes the arguments one by one.
-struct Parser {
-    std::span<const std::string> arguments;
-    HostCommandLine line{};
-    std::optional<Command> command{};
-    std::optional<Player> player{};
-    std::string_view firstRunOption{};
-    std::string_view firstInstallOption{};
-    std::string mistake{};
+std::string inQuotes(const std::string& text) { return "'" + text + "'"; }
 
-    bool takeCommand(const std::string& word) {
-        const auto row = std::ranges::find(kCommands, word, &CommandRow::name);
-        if (row == std::end(kCommands)) return fail("unknown command " + inQuotes(word));
-        if (command)
-            return fail("unexpected argument " + inQuotes(word) + ": give one command at a time");
-        command = row->command;
-        return true;
+// The reason why the options do not fit together or do not fit the command, if there is one.
+std::optional<std::string> conflict(Command command, const Values& values) {
+    const bool installs = command == Command::install || command == Command::update;
+    for (const auto& [name, value] : values) {
+        const bool isForInstalling = name == kInstallOptions.front().name;
+        if (isForInstalling && !installs)
+            return name + " is an option of 'install' and 'update' only";
+        if (!isForInstalling && command != Command::run)
+            return name + " is an option of 'run' only";
     }
-
-    bool takeOption(const std::string& word) {
-        const std::string name = word.substr(0, word.find('='));
-        const OptionRow* const row = findOption(name);
-        if (!row) return fail("unknown option " + inQuotes(name));
-        std::string value;
-        if (name.size() < word.size()) {
-            value = word.substr(name.size() + 1);
-        } else if (!arguments.empty()) {
-            value = arguments.front();
-            arguments = arguments.subspan(1);
-        }
-        if (value.empty() || (name.size() == word.size() && value.starts_with("--")))
-            return fail(name + " needs a value: " + name + " " + std::string{row->value});
-        if (!row->set) return takePlayer(value);
-        row->set(line, value);
-        return true;
-    }
-
-    const OptionRow* findOption(std::string_view name) {
-        const auto among = [name](std::span<const OptionRow> rows, std::string_view& first) {
-            const auto row = std::ranges::find(rows, name, &OptionRow::name);
-            if (row == rows.end()) return static_cast<const OptionRow*>(nullptr);
-            if (first.empty()) first = row->name;
-            return &*row;
-        };
-        if (const auto* row = among(kRunOptions, firstRunOption)) return row;
-        return among(kInstallOptions, firstInstallOption);
-    }
-
-    bool takePlayer(const std::string& kind) {
-        if (kind == "mpris")
-            player = Player::mpris;
-        else if (kind == "scripted")
-            player = Player::scripted;
-        else
-            return fail("--player takes mpris or scripted, not " + inQuotes(kind));
-        return true;
-    }
-
-    bool finish() {
-        line.command = command.value_or(Command::run);
-        line.player = player.value_or(line.script ? Player::scripted : Player::mpris);
-        if (line.command != Command::run && !firstRunOption.empty())
-            return fail(std::string{firstRunOption} + " is an option of 'run' only");
-        if (line.command != Command::install && line.command != Command::update &&
-            !firstInstallOption.empty())
-            return fail(std::string{firstInstallOption} +
-                        " is an option of 'install' and 'update' only");
-        if (line.player == Player::scripted && !line.script)
-            return fail("--player scripted needs --script FILE");
-        if (line.player == Player::mpris && line.script)
-            return fail("--script cannot be used with --player mpris");
-        if (line.player == Player::scripted && line.onlyPlayer)
-            return fail("--only cannot be used with a scripted player");
-        return true;
-    }
-
-    bool fail(std::string reason) {
-        mistake = std::move(reason);
-        return false;
-    }
-};
+    const auto player = valueOf(values, "--player");
+    const bool hasScript = values.contains("--script");
+    if (player && player != "mpris" && player != "scripted")
+        return "--player takes mpris or scripted, not " + inQuotes(*player);
+    if (player == "scripted" && !hasScript) return "--player scripted needs --script FILE";
+    if (player == "mpris" && hasScript) return "--script cannot be used with --player mpris";
+    if (hasScript && values.contains("--only"))
+        return "--only cannot be used with a scripted player";
+    return std::nullopt;
+}
 
 bool contains(std::span<const std::string> arguments, std::string_view longName,
               std::string_view shortName) {
@@ -146,6 +87,13 @@ std::string helpRow(std::string left, std::string_view right) {
     return "  " + left + std::string{right} + '\n';
 }
 
+std::string helpRows(std::span<const OptionRow> options) {
+    std::string text;
+    for (const OptionRow& row : options)
+        text += helpRow(std::string{row.name} + ' ' + std::string{row.value}, row.help);
+    return text;
+}
+
 }  // namespace
 
 std::expected<HostCommandLine, std::string> HostCommandLine::parse(
@@ -153,15 +101,39 @@ std::expected<HostCommandLine, std::string> HostCommandLine::parse(
     // --help takes precedence over all other arguments.
     if (contains(arguments, "--help", "-h")) return HostCommandLine{.command = Command::help};
     if (contains(arguments, "--version", "-V")) return HostCommandLine{.command = Command::version};
-    Parser parser{.arguments = arguments};
-    bool isFine = true;
-    while (isFine && !parser.arguments.empty()) {
-        const std::string& word = parser.arguments.front();
-        parser.arguments = parser.arguments.subspan(1);
-        isFine = word.starts_with('-') ? parser.takeOption(word) : parser.takeCommand(word);
+    std::optional<Command> command;
+    Values values;
+    for (auto word = arguments.begin(); word != arguments.end(); ++word) {
+        if (!word->starts_with('-')) {
+            const auto row = std::ranges::find(kCommands, *word, &CommandRow::name);
+            if (row == std::end(kCommands))
+                return std::unexpected{"unknown command " + inQuotes(*word)};
+            if (command)
+                return std::unexpected{"unexpected argument " + inQuotes(*word) +
+                                       ": give one command at a time"};
+            command = row->command;
+            continue;
+        }
+        const std::string name = word->substr(0, word->find('='));
+        const auto option = std::ranges::find(kOptions, name, &OptionRow::name);
+        if (option == std::end(kOptions))
+            return std::unexpected{"unknown option " + inQuotes(name)};
+        std::string value;
+        if (name.size() < word->size())
+            value = word->substr(name.size() + 1);
+        else if (word + 1 != arguments.end() && !word[1].starts_with("--"))
+            value = *++word;
+        if (value.empty())
+            return std::unexpected{name + " needs a value: " + name + " " +
+                                   std::string{option->value}};
+        values[name] = std::move(value);
     }
-    if (!isFine || !parser.finish()) return std::unexpected{parser.mistake};
-    return parser.line;
+    if (auto reason = conflict(command.value_or(Command::run), values))
+        return std::unexpected{*std::move(reason)};
+    return HostCommandLine{.command = command.value_or(Command::run),
+                           .script = valueOf(values, "--script"),
+                           .onlyPlayer = valueOf(values, "--only"),
+                           .bundle = valueOf(values, "--from")};
 }
 
 std::string HostCommandLine::help() {
@@ -172,13 +144,9 @@ std::string HostCommandLine::help() {
         "\n"
         "Commands:\n";
     for (const CommandRow& row : kCommands) text += helpRow(std::string{row.name}, row.help);
-    text += "\nOptions of run:\n";
-    for (const OptionRow& row : kRunOptions)
-        text += helpRow(std::string{row.name} + ' ' + std::string{row.value}, row.help);
-    text += "\nOptions of install and update:\n";
-    for (const OptionRow& row : kInstallOptions)
-        text += helpRow(std::string{row.name} + ' ' + std::string{row.value}, row.help);
-    text += "\nOther options:\n" + helpRow("-h, --help", "show this text and exit") +
+    text += "\nOptions of run:\n" + helpRows(kRunOptions) + "\nOptions of install and update:\n" +
+            helpRows(kInstallOptions) + "\nOther options:\n" +
+            helpRow("-h, --help", "show this text and exit") +
             helpRow("-V, --version", "show the version and exit");
     text +=
         "\nThe format of a script is described in scripted-player.md, in the folder docs of the\n"

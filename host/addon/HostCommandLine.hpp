@@ -29,11 +29,9 @@ struct HostCommandLine {
         help,
         version,
     };
-    enum class Player { mpris, scripted };
 
     Command command = Command::run;
-    Player player = Player::mpris;
-    std::optional<std::string> script{};      // always set when scripted
+    std::optional<std::string> script{};      // to play; nullopt: follow the session's players
     std::optional<std::string> onlyPlayer{};  // the name of the players to follow
     std::optional<std::string> bundle{};      // to install; nullopt: the program's own
     bool operator==(const HostCommandLine&) const = default;

@@ -5,6 +5,7 @@
 
 #include "QuorvaneKit/json/ISO8601Date.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnStatus.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 
@@ -13,17 +14,13 @@ namespace {
 // Titles are untrusted and are printed to a terminal, which would interpret control characters.
 std::string printable(std::string_view text) {
     std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0u;
-        if (byte < 0x20 || byte == 0x7F) {
+    for (std::size_t place = 0; place < text.size();) {
+        const Character character = characterAt(text, place);
+        if (character.isValid && isControl(character.code))
             result += '?';
-        } else if (byte == 0xC2 && next >= 0x80 && next <= 0x9F) {  // U+0080 to U+009F
-            result += '?';
-            ++i;
-        } else {
-            result += text[i];
-        }
+        else
+            result += text.substr(place, character.length);
+        place += character.length;
     }
     return result;
 }

@@ -20,13 +20,13 @@ struct HostStatus {
     std::expected<QuorvanePlayerState, Failure> state = std::unexpected{Failure::notReachable};
     bool hasSharedDefaults = false;
     bool isEnabled = false;
-    std::optional<LockScreenPendingRemoval> pendingRemoval;
+    std::optional<LockScreenPendingRemoval> pendingRemoval{};
     bool lastLockHadNoRoom = false;
-    std::optional<LockScreenAddOnSighting> lastSeen;
+    std::optional<LockScreenAddOnSighting> lastSeen{};
     AddOnInstallation place{};
-    bool isAddOnRunning = false;                // a copy is in the process table
-    std::optional<AddOnSignals::Status> addOn;  // what it answered
-    std::vector<std::string> problems;          // of the session
+    bool isAddOnRunning = false;                  // a copy is in the process table
+    std::optional<AddOnSignals::Status> addOn{};  // what it answered
+    std::vector<std::string> problems{};          // of the session
 
     // A few lines for the user.
     std::string text(WallTime now) const;

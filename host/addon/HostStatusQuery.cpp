@@ -18,20 +18,22 @@ constexpr Duration kAddOnTimeout = std::chrono::milliseconds{500};
 
 void HostStatusQuery::start(std::function<void(HostStatus)> done) {
     done_ = std::move(done);
-    status_.place = services_.lookAtPlace();
+    if (services_.applicationSupport)
+        status_.place =
+            AddOnInstallation::look(*services_.applicationSupport, services_.bundleFiles);
     status_.problems = services_.problems.sentences();
-    status_.isAddOnRunning = services_.isAddOnRunning();
+    status_.isAddOnRunning = AddOnControl{services_.control}.isRunning();
     readDefaults();
     askHost();
-    observation_ = services_.distributedNotices.observe(
+    observation_ = services_.control.notices.observe(
         AddOnSignals::kStatus, [this](const PropertyDictionary& userInfo) {
             const auto answer = AddOnSignals::Status::fromUserInfo(userInfo);
             if (!answer) return;
             status_.addOn = answer;
             finish();
         });
-    timeout_ = services_.clock.after(kAddOnTimeout, [this] { finish(); });
-    services_.distributedNotices.post(AddOnSignals::kStatusRequest, {});
+    timeout_ = services_.control.clock.after(kAddOnTimeout, [this] { finish(); });
+    services_.control.notices.post(AddOnSignals::kStatusRequest, {});
 }
 
 void HostStatusQuery::readDefaults() {
@@ -48,7 +50,7 @@ void HostStatusQuery::askHost() {
     using Failure = HostStatus::Failure;
     const auto port = services_.connectPort(std::string{kMessagePortBaseName});
     if (!port) return;
-    auto secret = MessagePortSecret::checked(MessagePortSecret::read(services_.files));
+    auto secret = MessagePortSecret::checked(MessagePortSecret::read(files_));
     if (!secret) return;
     PortReply reply = port->send({.messageID = static_cast<std::int32_t>(MessageType::requestState),
                                   .secret = *secret,
@@ -59,7 +61,7 @@ void HostStatusQuery::askHost() {
     const bool isLate = reply.status == kPortSendTimeout || reply.status == kPortReceiveTimeout;
     status_.state = std::unexpected{isLate ? Failure::late : Failure::noAnswer};
     if (reply.status != kPortSuccess || !reply.body) return;
-    auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*std::move(reply.body));
+    auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*reply.body);
     if (state) status_.state = *std::move(state);
 }
 

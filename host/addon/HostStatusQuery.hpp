@@ -2,33 +2,19 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 
+#include "host/addon/AddOnCommands.hpp"
 #include "host/addon/HostStatus.hpp"
-#include "platform/DistributedNotices.hpp"
 #include "platform/FileStore.hpp"
-#include "platform/MessagePort.hpp"
-#include "platform/SessionProblems.hpp"
-#include "platform/UserDefaults.hpp"
 
 namespace quorvane {
 
 // Main thread only.
 class HostStatusQuery {
 public:
-    struct Services {
-        ConnectPort connectPort;
-        FileStore files;
-        Clock clock;
-        DistributedNotices distributedNotices;
-        std::optional<UserDefaults> sharedSuite;
-        std::optional<UserDefaults> addOnDefaults;
-        std::function<AddOnInstallation()> lookAtPlace;
-        std::function<bool()> isAddOnRunning;
-        SessionProblems problems{};
-    };
-
-    explicit HostStatusQuery(Services services) : services_(std::move(services)) {}
+    // `files` holds the connection secret.
+    HostStatusQuery(AddOnCommands::Services services, FileStore files)
+        : services_(std::move(services)), files_(std::move(files)) {}
 
     // Asks the host, which may take two seconds, then the add-on, which has half a second to
     // answer. `done` runs once, later.
@@ -39,7 +25,8 @@ private:
     void askHost();
     void finish();
 
-    Services services_;
+    AddOnCommands::Services services_;
+    FileStore files_;
     HostStatus status_;
     std::function<void(HostStatus)> done_;
     Handle observation_;

@@ -1,7 +1,13 @@
 #include "host/link/HostCoordinator.hpp"
 
+#include <mutex>
+
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/MessagePortSecret.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
+#include "QuorvaneKit/records/LockScreenConfigurationBuilder.hpp"
+#include "QuorvaneKit/records/LockScreenHelloOutcome.hpp"
+#include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 
 namespace quorvane {
 
@@ -14,22 +20,35 @@ constexpr std::size_t kPortCount = kQueryPortCount + 1;
 
 }  // namespace
 
-// State that the handlers on the ports' threads share. `host` is null once the coordinator is
-// destroyed; only the main thread reads it.
+// State that the handlers on the ports' threads share. The handlers end before the coordinator.
+// They use `host` only in actions for the main thread.
 struct HostCoordinator::Link {
-    SharedSnapshot state;
+    HostCoordinator& host;
     MainThread mainThread;
     std::function<Instant()> now;
     WallClock wallClock;
-    HostCoordinator* host = nullptr;
+    std::mutex mutex;
+    PlayerSnapshot snapshot{};  // under mutex
 
     // Runs the action soon on the main thread, if the coordinator is still alive.
     static void post(const std::shared_ptr<Link>& link,
                      std::function<void(HostCoordinator&)> action) {
         link->mainThread.post([weak = std::weak_ptr{link}, action = std::move(action)] {
-            const auto held = weak.lock();
-            if (held && held->host) action(*held->host);
+            if (const auto held = weak.lock()) action(held->host);
         });
+    }
+    // Makes the state available while the main thread is busy.
+    void publish(PlayerSnapshot newest) {
+        // The old snapshot is destroyed after the lock is released, because it may hold a large
+        // picture.
+        const std::lock_guard guard{mutex};
+        std::swap(snapshot, newest);
+    }
+    QuorvanePlayerState state() {
+        std::unique_lock lock{mutex};
+        const PlayerSnapshot present = snapshot;
+        lock.unlock();
+        return stateAt(present, now(), wallClock());
     }
 };
 
@@ -38,33 +57,21 @@ HostCoordinator::HostCoordinator(Services services, std::unique_ptr<PlayerSource
       log_(services_.log, kIdentifierPrefix, "host"),
       player_(std::move(player)),
       defaults_(services_.sharedSuite),
-      desk_(defaults_, services_.wallClock, log_),
-      notices_(services_.darwinNotices),
-      link_(std::make_shared<Link>()) {
-    desk_.onRemovalDelivered = [this] {
-        if (onRemovalDelivered) onRemovalDelivered();
-    };
-    link_->mainThread = services_.mainThread;
-    link_->now = services_.clock.now;
-    link_->wallClock = services_.wallClock;
-    link_->host = this;
-}
+      link_(std::make_shared<Link>(*this, services_.mainThread, services_.clock.now,
+                                   services_.wallClock)) {}
 
-HostCoordinator::~HostCoordinator() {
-    stop();
-    link_->host = nullptr;
-}
+HostCoordinator::~HostCoordinator() { stop(); }
 
 bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
     playerChanged();
-    waits_ = CancellableWaits{};
+    wait_ = std::make_shared<CancellableWait>();
     ports_.emplace(services_.openPort, [this] { findSecret(); });
     server_.emplace(MessagePortServer::Services{.log = services_.log,
                                                 .openPort = countingOpenPort(),
                                                 .portsProblem = services_.portsProblem,
                                                 .nameCurrentThread = services_.nameCurrentThread,
-                                                .makeWaitFlag = waits_.make()});
+                                                .makeWait = [wait = wait_] { return wait; }});
     server_->handlers = makeHandlers();
     starting_ = services_.makeSerialQueue("example.quillon.Quorvane.host");
     return starting_->async([server = &*server_, link = link_] {
@@ -77,14 +84,14 @@ void HostCoordinator::stop() {
     if (!server_) return;
     player_->onChanged = nullptr;
     announcement_.reset();
-    waits_.end();
+    wait_->cancel();
     ports_->end();
     starting_.reset();
     server_->stop();  // its threads use `server_`
     server_.reset();
     if (isServing()) {
         log_.info("host: ending");
-        notices_.post(QuorvaneDarwinNotification::mainAppWillTerminate);
+        services_.darwinNotices.post(QuorvaneDarwinNotification::mainAppWillTerminate);
     }
     openPorts_ = 0;
 }
@@ -116,8 +123,8 @@ void HostCoordinator::portOpened() {
     if (!isServing()) return;
     log_.info("host: serving");
     // Any previous host has ended, so make the add-on reconnect and say hello.
-    notices_.post(QuorvaneDarwinNotification::playerStateChanged);
-    notices_.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::playerStateChanged);
+    services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);
     if (onServing) onServing();
 }
 
@@ -125,34 +132,33 @@ MessagePortHandlers HostCoordinator::makeHandlers() const {
     MessagePortHandlers handlers;
     handlers.onStateRequested = [link = link_] {
         Link::post(link, [](HostCoordinator& host) { host.player_->refresh(); });
-        return std::optional{stateAt(link->state.snapshot(), link->now(), link->wallClock())};
+        return std::optional{link->state()};
     };
     handlers.onActionReceived = [link = link_](QuorvaneAction action) {
         Link::post(link, [action](HostCoordinator& host) {
-            host.log_.info("host: %{public}s", name(action));
+            host.log_.info("host: %{public}s", actionName(action));
             host.commandEnded(host.player_->perform(action));
         });
     };
-    handlers.onVolumeChangeReceived = [link = link_](std::int64_t volume) {
-        Link::post(link, [volume](HostCoordinator& host) {
-            host.commandEnded(host.player_->setVolume(volume));
-        });
+    const auto handlerOf = [this](bool (PlayerSource::*command)(std::int64_t percent)) {
+        return [command, link = link_](std::int64_t percent) {
+            Link::post(link, [command, percent](HostCoordinator& host) {
+                host.commandEnded((*host.player_.*command)(percent));
+            });
+        };
     };
-    handlers.onRatingChangeReceived = [link = link_](std::int64_t rating) {
-        Link::post(link, [rating](HostCoordinator& host) {
-            host.commandEnded(host.player_->setRating(rating));
-        });
-    };
+    handlers.onVolumeChangeReceived = handlerOf(&PlayerSource::setVolume);
+    handlers.onRatingChangeReceived = handlerOf(&PlayerSource::setRating);
     handlers.onLockScreenHelloReceived = [link = link_](Bytes request,
                                                         MessagePortHandlers::Answer answer) {
         Link::post(link, [request = std::move(request), answer = std::move(answer)](
-                             HostCoordinator& host) { answer(host.desk_.answer(request)); });
+                             HostCoordinator& host) { answer(host.answerHello(request)); });
     };
     return handlers;
 }
 
 void HostCoordinator::playerChanged() {
-    link_->state.publish(player_->snapshot());
+    link_->publish(player_->snapshot());
     announceSoon();
 }
 
@@ -174,7 +180,43 @@ void HostCoordinator::announce() {
     PlayerSnapshot now = player_->snapshot();
     if (announced_ && !isNews(*announced_, now, services_.clock.now())) return;
     announced_ = std::move(now);
-    if (isServing()) notices_.post(QuorvaneDarwinNotification::playerStateChanged);
+    if (isServing()) services_.darwinNotices.post(QuorvaneDarwinNotification::playerStateChanged);
+}
+
+Bytes HostCoordinator::answerHello(ByteView request) {
+    const auto hello = XPCCodableHelpers::decode<LockScreenAddOnHello>(request);
+    LockScreenAddOnConfiguration configuration = LockScreenConfigurationBuilder{}.build();
+    if (hello)
+        configuration = configurationFor(*hello);
+    else
+        log_.error("Lock-screen hello undecodable: answering locked");
+    return XPCCodableHelpers::encode(configuration).value_or(Bytes{});
+}
+
+LockScreenAddOnConfiguration HostCoordinator::configurationFor(const LockScreenAddOnHello& hello) {
+    report("the add-on's hello",
+           defaults_.setLockScreenAddOnLastSeen(sightingOf(hello, services_.wallClock())));
+    LockScreenConfigurationBuilder builder{.isEnabled = defaults_.lockScreenEnabled(),
+                                           .removalRequested = false};
+    switch (decideLockScreenHello(defaults_.lockScreenPendingRemoval(), hello)) {
+        case LockScreenHelloOutcome::answer: break;
+        case LockScreenHelloOutcome::deliverRemoval:
+            log_.standard("hello: asking the add-on to remove itself");
+            builder.removalRequested = true;
+            if (onRemovalDelivered) onRemovalDelivered();
+            break;
+        case LockScreenHelloOutcome::supersedeRemoval:
+            log_.standard("hello: from an add-on that the pending removal is not meant for");
+            report("the end of the removal", defaults_.setLockScreenPendingRemoval(std::nullopt));
+            break;
+    }
+    return builder.build();
+}
+
+void HostCoordinator::report(const char* what, const Result<void>& written) const {
+    if (!written)
+        log_.error("defaults: cannot keep %{public}s: %{public}s", what,
+                   written.error().description);
 }
 
 }  // namespace quorvane

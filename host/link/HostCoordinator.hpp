@@ -5,14 +5,13 @@
 #include <memory>
 #include <optional>
 
-#include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
+#include "QuorvaneKit/link/CancellableWait.hpp"
 #include "QuorvaneKit/link/MessagePortServer.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
-#include "host/link/HelloResponder.hpp"
+#include "QuorvaneKit/records/LockScreenRecords.hpp"
 #include "host/link/MainPortFirst.hpp"
 #include "host/players/PlayerSource.hpp"
-#include "host/players/SharedSnapshot.hpp"
-#include "host/waits/CancellableWaits.hpp"
+#include "platform/DarwinNotices.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/SerialQueue.hpp"
@@ -54,7 +53,7 @@ public:
     bool hasSecret() const;
     // Called when all ports have opened.
     std::function<void()> onServing;
-    // Called when the add-on was asked to remove itself.
+    // Called while making an answer that asks the add-on to remove itself.
     std::function<void()> onRemovalDelivered;
 
 private:
@@ -68,16 +67,19 @@ private:
     void commandEnded(bool isCarriedOut);
     void announceSoon();
     void announce();
+    // Returns the encoded configuration, made from the shared defaults, and records the hello
+    // there. An undecodable hello gets a configuration that keeps the card off.
+    Bytes answerHello(ByteView request);
+    LockScreenAddOnConfiguration configurationFor(const LockScreenAddOnHello& hello);
+    void report(const char* what, const Result<void>& written) const;
 
     Services services_;
     Logger log_;
     std::unique_ptr<PlayerSource> player_;
     SharedDefaults defaults_;
-    HelloResponder desk_;
-    DarwinNotificationCenter notices_;
-    std::shared_ptr<Link> link_;  // shared with the ports' threads
-    CancellableWaits waits_;
-    std::optional<MainPortFirst> ports_;  // outlives the server, whose threads call it
+    std::shared_ptr<Link> link_;             // shared with the ports' threads
+    std::shared_ptr<CancellableWait> wait_;  // all waits of the server since `start`
+    std::optional<MainPortFirst> ports_;     // outlives the server, whose threads call it
     std::optional<MessagePortServer> server_;
     // Starts the server, which may block until another host ends. Destroyed before the server.
     std::unique_ptr<SerialQueue> starting_;

@@ -17,13 +17,13 @@ std::string plain(double value) {
     return text;
 }
 
-}  // namespace
-
-void JSONComplaint::add(const std::string& place, const std::string& reason) {
-    if (text.empty()) text = place.empty() ? reason : place + ": " + reason;
+bool isBetween(const rapidjson::Value& value, double lowest, double highest) {
+    return value.IsNumber() && value.GetDouble() >= lowest && value.GetDouble() <= highest;
 }
 
-JSONFields::JSONFields(const rapidjson::Value& object, std::string place, JSONComplaint& complaint)
+}  // namespace
+
+JSONFields::JSONFields(const Value& object, std::string place, std::string& complaint)
     : object_(object), place_(std::move(place)), complaint_(complaint) {
     std::set<std::string_view> seen;
     for (const auto& member : object_.GetObject())
@@ -31,18 +31,20 @@ JSONFields::JSONFields(const rapidjson::Value& object, std::string place, JSONCo
             complain(textOfValue(member.name), "is there twice");
 }
 
-const rapidjson::Value* JSONFields::take(const char* key) {
+const rapidjson::Value* JSONFields::take(const char* key,
+                                         const std::function<bool(const Value&)>& isRight,
+                                         const std::string& requirement) {
     taken_.insert(key);
     const auto member = object_.FindMember(key);
-    return member == object_.MemberEnd() ? nullptr : &member->value;
+    if (member == object_.MemberEnd()) return nullptr;
+    if (isRight(member->value)) return &member->value;
+    complain(key, "must be " + requirement);
+    return nullptr;
 }
 
 std::optional<std::string> JSONFields::text(const char* key) {
-    const rapidjson::Value* value = take(key);
-    if (!value) return std::nullopt;
-    if (value->IsString()) return std::string{textOfValue(*value)};
-    complain(key, "must be a text");
-    return std::nullopt;
+    const Value* value = take(key, &Value::IsString, "a text");
+    return value ? std::optional{std::string{textOfValue(*value)}} : std::nullopt;
 }
 
 std::optional<std::string> JSONFields::requiredText(const char* key) {
@@ -52,49 +54,35 @@ std::optional<std::string> JSONFields::requiredText(const char* key) {
 }
 
 std::optional<bool> JSONFields::flag(const char* key) {
-    const rapidjson::Value* value = take(key);
-    if (!value) return std::nullopt;
-    if (value->IsBool()) return value->GetBool();
-    complain(key, "must be true or false");
-    return std::nullopt;
+    const Value* value = take(key, &Value::IsBool, "true or false");
+    return value ? std::optional{value->GetBool()} : std::nullopt;
 }
 
 std::optional<double> JSONFields::number(const char* key, double lowest, double highest) {
-    const rapidjson::Value* value = take(key);
-    if (!value) return std::nullopt;
-    if (value->IsNumber() && value->GetDouble() >= lowest && value->GetDouble() <= highest)
-        return value->GetDouble();
-    complain(key, "must be a number from " + plain(lowest) + " to " + plain(highest));
-    return std::nullopt;
+    const auto isRight = [&](const Value& value) { return isBetween(value, lowest, highest); };
+    const Value* value =
+        take(key, isRight, "a number from " + plain(lowest) + " to " + plain(highest));
+    return value ? std::optional{value->GetDouble()} : std::nullopt;
 }
 
 std::optional<std::int64_t> JSONFields::integer(const char* key, std::int64_t lowest,
                                                 std::int64_t highest) {
-    const rapidjson::Value* value = take(key);
-    if (!value) return std::nullopt;
-    if (value->IsNumber()) {
-        const double number = value->GetDouble();
-        if (number >= static_cast<double>(lowest) && number <= static_cast<double>(highest) &&
-            number == std::floor(number))
-            return static_cast<std::int64_t>(number);
-    }
-    complain(key, "must be a whole number from " + std::to_string(lowest) + " to " +
-                      std::to_string(highest));
-    return std::nullopt;
+    const auto isRight = [&](const Value& value) {
+        return isBetween(value, static_cast<double>(lowest), static_cast<double>(highest)) &&
+               value.GetDouble() == std::floor(value.GetDouble());
+    };
+    const Value* value =
+        take(key, isRight,
+             "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
+    return value ? std::optional{static_cast<std::int64_t>(value->GetDouble())} : std::nullopt;
 }
 
 const rapidjson::Value* JSONFields::object(const char* key) {
-    const rapidjson::Value* value = take(key);
-    if (!value || value->IsObject()) return value;
-    complain(key, "must be an object");
-    return nullptr;
+    return take(key, &Value::IsObject, "an object");
 }
 
 const rapidjson::Value* JSONFields::array(const char* key) {
-    const rapidjson::Value* value = take(key);
-    if (!value || value->IsArray()) return value;
-    complain(key, "must be a list");
-    return nullptr;
+    return take(key, &Value::IsArray, "a list");
 }
 
 void JSONFields::refuseOthers() {
@@ -103,12 +91,9 @@ void JSONFields::refuseOthers() {
             complain(textOfValue(member.name), "is not a known key");
 }
 
-std::string JSONFields::place(std::string_view key) const {
-    return place_.empty() ? std::string{key} : place_ + "." + std::string{key};
-}
-
 void JSONFields::complain(std::string_view key, const std::string& reason) {
-    complaint_.add(place(key), reason);
+    if (!complaint_.empty()) return;
+    complaint_ = (place_.empty() ? "" : place_ + ".") + std::string{key} + ": " + reason;
 }
 
 }  // namespace quorvane

@@ -5,6 +5,7 @@
 #include <rapidjson/document.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,19 +14,15 @@
 
 namespace quorvane {
 
-// The first complaint of several readers.
-struct JSONComplaint {
-    std::string text;  // empty: no complaint
-
-    void add(const std::string& place, const std::string& reason);
-};
-
-// A field that is absent or invalid reads as nullopt or null; an invalid one adds a complaint. The
-// value and the complaint must outlive this object.
+// A field that is absent or invalid reads as nullopt or null; an invalid one adds a complaint.
 class JSONFields {
 public:
-    // `place` is the object's own key path, "" for the root.
-    JSONFields(const rapidjson::Value& object, std::string place, JSONComplaint& complaint);
+    using Value = rapidjson::Value;
+
+    // `place` is the object's own key path, "" for the root. Several readers share one complaint,
+    // which keeps the first; "" when there is none. The value and the complaint must outlive this
+    // object.
+    JSONFields(const Value& object, std::string place, std::string& complaint);
 
     std::optional<std::string> text(const char* key);
     std::optional<std::string> requiredText(const char* key);
@@ -45,20 +42,20 @@ public:
         complain(key, "must be one of " + words);
         return std::nullopt;
     }
-    const rapidjson::Value* object(const char* key);
-    const rapidjson::Value* array(const char* key);
+    const Value* object(const char* key);
+    const Value* array(const char* key);
     // Complains about keys that no call above has requested. Call last.
     void refuseOthers();
 
-    std::string place(std::string_view key) const;
     void complain(std::string_view key, const std::string& reason);
 
 private:
-    const rapidjson::Value* take(const char* key);
+    const Value* take(const char* key, const std::function<bool(const Value&)>& isRight,
+                      const std::string& requirement);
 
-    const rapidjson::Value& object_;
+    const Value& object_;
     std::string place_;
-    JSONComplaint& complaint_;
+    std::string& complaint_;
     std::set<std::string_view> taken_;
 };
 

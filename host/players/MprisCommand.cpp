@@ -21,30 +21,17 @@ std::optional<MprisCommand> setVolume(const PlayerVolume& volume, double level) 
     return std::nullopt;
 }
 
-std::optional<MprisCommand> changeVolume(QuorvaneAction action, const PlayerVolume& volume,
-                                         double volumeBeforeMute) {
-    switch (action) {
-        case QuorvaneAction::increaseVolume: return setVolume(volume, volume.level + kVolumeStep);
-        case QuorvaneAction::decreaseVolume: return setVolume(volume, volume.level - kVolumeStep);
-        default: return setVolume(volume, volume.level > 0 ? 0 : volumeBeforeMute);
-    }
-}
-
 std::optional<MprisCommand> toggleShuffle(const MediaPlayer& player) {
     const auto* shuffle = find<bool>(player.properties, "Shuffle");
-    if (!shuffle || !allows(player, "CanControl")) return std::nullopt;
-    return MprisSet{"Shuffle", {!*shuffle}};
+    return shuffle ? std::optional{MprisSet{"Shuffle", {!*shuffle}}} : std::nullopt;
 }
 
 std::optional<MprisCommand> toggleRepeat(const MediaPlayer& player) {
     const auto mode = playerStateOf(player).repeatMode;
-    if (!mode || !allows(player, "CanControl")) return std::nullopt;
-    const char* next = "None";
-    switch (*mode) {
-        case XPCRepeatMode::all: next = "Track"; break;
-        case XPCRepeatMode::one: next = "None"; break;
-        case XPCRepeatMode::off: next = "Playlist"; break;
-    }
+    if (!mode) return std::nullopt;
+    const char* const next = *mode == XPCRepeatMode::off   ? "Playlist"
+                             : *mode == XPCRepeatMode::all ? "Track"
+                                                           : "None";
     return MprisSet{"LoopStatus", {std::string{next}}};
 }
 
@@ -52,8 +39,9 @@ std::optional<MprisCommand> toggleRepeat(const MediaPlayer& player) {
 
 std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer& player,
                                        const PlayerVolume& volume, double volumeBeforeMute) {
+    const bool canControl = allows(player, "CanControl");
     const auto callIf = [&](const char* property, const char* method) {
-        const bool isAllowed = allows(player, "CanControl") && allows(player, property);
+        const bool isAllowed = canControl && allows(player, property);
         return isAllowed ? std::optional<MprisCommand>{MprisCall{method}} : std::nullopt;
     };
     switch (action) {
@@ -64,11 +52,13 @@ std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer&
         }
         case QuorvaneAction::nextTrack: return callIf("CanGoNext", "Next");
         case QuorvaneAction::previousTrack: return callIf("CanGoPrevious", "Previous");
-        case QuorvaneAction::increaseVolume:
-        case QuorvaneAction::decreaseVolume:
-        case QuorvaneAction::toggleMute: return changeVolume(action, volume, volumeBeforeMute);
-        case QuorvaneAction::toggleShuffle: return toggleShuffle(player);
-        case QuorvaneAction::toggleRepeat: return toggleRepeat(player);
+        case QuorvaneAction::increaseVolume: return setVolume(volume, volume.level + kVolumeStep);
+        case QuorvaneAction::decreaseVolume: return setVolume(volume, volume.level - kVolumeStep);
+        case QuorvaneAction::toggleMute:
+            return setVolume(volume, volume.level > 0 ? 0 : volumeBeforeMute);
+        case QuorvaneAction::toggleShuffle:
+            return canControl ? toggleShuffle(player) : std::nullopt;
+        case QuorvaneAction::toggleRepeat: return canControl ? toggleRepeat(player) : std::nullopt;
         case QuorvaneAction::switchPlayer:  // handled by the choice among players
         case QuorvaneAction::toggleLove:    // MPRIS cannot express loving and rating
         case QuorvaneAction::toggleDislike:

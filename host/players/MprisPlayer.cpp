@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "QuorvaneKit/link/Identifiers.hpp"
 #include "host/players/MprisTranslation.hpp"
 
 namespace quorvane {
@@ -17,7 +18,7 @@ constexpr Duration kFreshness = std::chrono::seconds{1};
 MprisPlayer::MprisPlayer(Services services, std::optional<std::string> onlyNamed)
     : services_(std::move(services)),
       onlyNamed_(std::move(onlyNamed)),
-      log_(services_.log, "example.quillon.Quorvane", "players"),
+      log_(services_.log, kIdentifierPrefix, "players"),
       artwork_(services_.files, services_.mainThread,
                services_.makeSerialQueue("example.quillon.Quorvane.artwork"),
                [this] {
@@ -47,7 +48,8 @@ PlayerSnapshot MprisPlayer::snapshot() const {
 void MprisPlayer::follow() {
     std::vector<PlayerCandidate> candidates;
     for (const MediaPlayer& player : services_.players.list()) {
-        if (isProxy(player) || (onlyNamed_ && !isNamed(player, *onlyNamed_))) continue;
+        if (isNamed(player, "playerctld")) continue;  // it mirrors another player
+        if (onlyNamed_ && !isNamed(player, *onlyNamed_)) continue;
         const QuorvanePlayerState state = playerStateOf(player);
         if (state.track)
             candidates.push_back({player.busName, state.playerState, isNameless(player)});

@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "QuorvaneKit/json/UTF8.hpp"
 #include "host/players/FileURL.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 
@@ -222,7 +222,5 @@ bool isNamed(const MediaPlayer& player, std::string_view name) {
     const std::string_view rest = nameOnBus(player);
     return rest.starts_with(name) && (rest.size() == name.size() || rest[name.size()] == '.');
 }
-
-bool isProxy(const MediaPlayer& player) { return isNamed(player, "playerctld"); }
 
 }  // namespace quorvane

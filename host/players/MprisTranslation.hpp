@@ -21,8 +21,6 @@ std::string trackKeyOf(const MediaPlayer& player);
 // The playback speed, 1 unless the player reports another plausible one.
 double rateOf(const MediaPlayer& player);
 
-// Whether the player only mirrors another one.
-bool isProxy(const MediaPlayer& player);
 // Whether the bus name, after its common prefix, is `name` or begins with `name` and a dot: "mpv"
 // matches "org.mpris.MediaPlayer2.mpv" and "org.mpris.MediaPlayer2.mpv.instance7".
 bool isNamed(const MediaPlayer& player, std::string_view name);

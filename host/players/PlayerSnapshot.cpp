@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/Seconds.hpp"
+
 namespace quorvane {
 
 namespace {
@@ -10,12 +12,10 @@ namespace {
 // A smaller difference is not visible on the card, which shows whole seconds and a slow bar.
 constexpr double kNoticeableSeconds = 0.3;
 
-double inSeconds(Duration duration) { return std::chrono::duration<double>(duration).count(); }
-
 }  // namespace
 
 double PlaybackAnchor::secondsAt(Instant now) const {
-    const double elapsed = isPlaying ? std::max(0.0, inSeconds(now - at)) * rate : 0;
+    const double elapsed = isPlaying ? std::max(0.0, secondsOf(now - at)) * rate : 0;
     const double position = std::max(0.0, seconds + elapsed);
     return duration ? std::min(position, *duration) : position;
 }
@@ -32,7 +32,7 @@ QuorvanePlayerState stateAt(const PlayerSnapshot& snapshot, Instant now, WallTim
     const WallTime wholeSecond = std::chrono::floor<std::chrono::seconds>(wallTime);
     state.timestamp = wholeSecond;
     state.playerPosition = snapshot.anchor.secondsAt(now);
-    if (snapshot.anchor.isPlaying) state.playerPosition -= inSeconds(wallTime - wholeSecond);
+    if (snapshot.anchor.isPlaying) state.playerPosition -= secondsOf(wallTime - wholeSecond);
     return state;
 }
 

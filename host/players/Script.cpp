@@ -20,63 +20,60 @@ constexpr double kLongestTrack = 7 * 24 * 3600;
 constexpr unsigned kParseFlags =
     rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
 
-// Cache of artwork files, so that a file shared by several tracks is read once.
-class ArtworkShelf {
+// Reader of one script's values.
+class Reader {
 public:
-    ArtworkShelf(std::filesystem::path folder, const RegularFiles& files)
+    Reader(std::filesystem::path folder, const RegularFiles& files)
         : folder_(std::move(folder)), files_(files) {}
 
-    std::optional<SharedBytes> read(const std::string& name, std::string& reason) {
-        const auto path = folder_ / std::filesystem::path{name};
-        const auto known = known_.find(path);
-        if (known != known_.end()) return known->second;
-        auto file = files_.read(path, kLargestArtwork);
-        if (!file) {
-            reason = "cannot be read: " + file.error().description;
-            return std::nullopt;
-        }
-        return known_.emplace(path, SharedBytes{std::move(file->contents)}).first->second;
-    }
+    Script root(const rapidjson::Value& value);
+    const std::string& complaint() const { return complaint_; }
 
 private:
+    XPCPlayerCapabilities capabilities(JSONFields& root, std::optional<XPCPlayerType> playerType);
+    ScriptedTrack track(const rapidjson::Value& value, const std::string& place);
+    std::optional<SharedBytes> artwork(JSONFields& fields);
+
     std::filesystem::path folder_;
     const RegularFiles& files_;
-    std::map<std::filesystem::path, SharedBytes> known_;
+    std::map<std::string, SharedBytes> artwork_;  // by name, so that tracks share one picture
+    std::string complaint_;                       // the first; "" when there is none
 };
 
-ScriptedTrack readTrack(const rapidjson::Value& value, const std::string& place,
-                        ArtworkShelf& shelf, JSONComplaint& complaint) {
+std::optional<SharedBytes> Reader::artwork(JSONFields& fields) {
+    const auto name = fields.text("artwork");
+    if (!name) return std::nullopt;
+    if (const auto known = artwork_.find(*name); known != artwork_.end()) return known->second;
+    auto file = files_.read(folder_ / *name, kLargestArtwork);
+    if (file) return artwork_.emplace(*name, SharedBytes{std::move(file->contents)}).first->second;
+    fields.complain("artwork", "cannot be read: " + file.error().description);
+    return std::nullopt;
+}
+
+ScriptedTrack Reader::track(const rapidjson::Value& value, const std::string& place) {
+    JSONFields fields{value, place, complaint_};
     ScriptedTrack result;
-    if (!value.IsObject()) {
-        complaint.add(place, "must be an object");
-        return result;
-    }
-    JSONFields fields{value, place, complaint};
     XPCTrack& track = result.track;
     track.title = fields.requiredText("title").value_or("");
     track.artist = fields.requiredText("artist").value_or("");
     track.album = fields.text("album");
     track.albumArtist = fields.text("albumArtist");
     track.duration = fields.number("duration", 0.1, kLongestTrack);
+    track.artworkData = artwork(fields);
     track.isLoved = fields.flag("isLoved");
     track.isAdvertisement = fields.flag("isAdvertisement").value_or(false);
     track.isLiveStream = fields.flag("isLiveStream").value_or(false);
     track.motionArtworkLoopID = fields.text("motionArtworkLoopID");
     result.isDisliked = fields.flag("isDisliked");
     result.rating = fields.integer("rating", 0, 100);
-    if (const auto name = fields.text("artwork")) {
-        std::string reason;
-        track.artworkData = shelf.read(*name, reason);
-        if (!track.artworkData) fields.complain("artwork", reason);
-    }
     fields.refuseOthers();
     if (!track.isLiveStream && !track.duration)
         fields.complain("duration", "is missing, and the track is not a live stream");
     return result;
 }
 
-XPCPlayerCapabilities readCapabilities(JSONFields& root, std::optional<XPCPlayerType> playerType,
-                                       JSONComplaint& complaint) {
+XPCPlayerCapabilities Reader::capabilities(JSONFields& root,
+                                           std::optional<XPCPlayerType> playerType) {
     const bool isAppleMusic = playerType == XPCPlayerType::appleMusic;
     XPCPlayerCapabilities capabilities{.canLove = isAppleMusic,
                                        .canDislike = isAppleMusic,
@@ -85,7 +82,7 @@ XPCPlayerCapabilities readCapabilities(JSONFields& root, std::optional<XPCPlayer
                                        .hasThreeStateRepeat = isAppleMusic};
     const rapidjson::Value* value = root.object("capabilities");
     if (!value) return capabilities;
-    JSONFields fields{*value, "capabilities", complaint};
+    JSONFields fields{*value, "capabilities", complaint_};
     const auto read = [&](const char* key, bool& field) {
         field = fields.flag(key).value_or(field);
     };
@@ -98,7 +95,7 @@ XPCPlayerCapabilities readCapabilities(JSONFields& root, std::optional<XPCPlayer
     return capabilities;
 }
 
-Script readRoot(const rapidjson::Value& value, ArtworkShelf& shelf, JSONComplaint& complaint) {
+Script Reader::root(const rapidjson::Value& value) {
     using Type = std::optional<XPCPlayerType>;
     static constexpr std::pair<std::string_view, Type> kPlayers[] = {
         {"appleMusic", XPCPlayerType::appleMusic},
@@ -108,25 +105,25 @@ Script readRoot(const rapidjson::Value& value, ArtworkShelf& shelf, JSONComplain
         {"off", XPCRepeatMode::off}, {"one", XPCRepeatMode::one}, {"all", XPCRepeatMode::all}};
 
     Script script;
-    JSONFields fields{value, "", complaint};
+    JSONFields fields{value, "", complaint_};
     script.playerType = fields.choice("player", kPlayers).value_or(script.playerType);
-    script.capabilities = readCapabilities(fields, script.playerType, complaint);
+    script.capabilities = capabilities(fields, script.playerType);
     script.volume = fields.integer("volume", 0, 100).value_or(script.volume);
     script.repeatMode = fields.choice("repeat", kRepeatModes).value_or(script.repeatMode);
     script.shuffleEnabled = fields.flag("shuffle").value_or(script.shuffleEnabled);
     script.autoplay = fields.flag("autoplay").value_or(script.autoplay);
-    const auto startTrack = fields.integer("startTrack", 0, 1'000'000);
-    const auto startPosition = fields.number("startPosition", 0, kLongestTrack);
+    script.startTrack =
+        static_cast<std::size_t>(fields.integer("startTrack", 0, 1'000'000).value_or(0));
+    script.startPosition = fields.number("startPosition", 0, kLongestTrack).value_or(0);
     if (const rapidjson::Value* tracks = fields.array("tracks")) {
-        for (const auto& track : tracks->GetArray()) {
+        for (const auto& each : tracks->GetArray()) {
             const std::string place = "tracks[" + std::to_string(script.tracks.size()) + "]";
-            script.tracks.push_back(readTrack(track, place, shelf, complaint));
+            if (!each.IsObject()) fields.complain(place, "must be an object");
+            script.tracks.push_back(each.IsObject() ? track(each, place) : ScriptedTrack{});
         }
     }
     fields.refuseOthers();
     if (script.tracks.empty()) fields.complain("tracks", "must be a list of at least one track");
-    script.startTrack = static_cast<std::size_t>(startTrack.value_or(0));
-    script.startPosition = startPosition.value_or(0);
     if (!script.tracks.empty() && script.startTrack >= script.tracks.size())
         fields.complain("startTrack", "there are only " + std::to_string(script.tracks.size()) +
                                           " tracks, counted from 0");
@@ -157,10 +154,9 @@ std::expected<Script, std::string> readScript(const std::filesystem::path& file,
     if (document.HasParseError()) return fail(parseError(document, text));
     if (!document.IsObject()) return fail("must contain one object");
 
-    JSONComplaint complaint;
-    ArtworkShelf shelf{file.parent_path(), files};
-    Script script = readRoot(document, shelf, complaint);
-    if (!complaint.text.empty()) return fail(complaint.text);
+    Reader reader{file.parent_path(), files};
+    Script script = reader.root(document);
+    if (!reader.complaint().empty()) return fail(reader.complaint());
     return script;
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "platform/Seconds.hpp"
+
 namespace quorvane {
 
 namespace {
@@ -47,6 +49,7 @@ PlayerSnapshot ScriptedPlayer::snapshot() const {
 }
 
 bool ScriptedPlayer::perform(QuorvaneAction action) {
+    ScriptedTrack& track = current();
     switch (action) {
         case QuorvaneAction::playPause: return playPause(), true;
         case QuorvaneAction::nextTrack: return advance(false), true;
@@ -54,10 +57,14 @@ bool ScriptedPlayer::perform(QuorvaneAction action) {
         case QuorvaneAction::increaseVolume: return setVolume(script_.volume + kVolumeStep);
         case QuorvaneAction::decreaseVolume: return setVolume(script_.volume - kVolumeStep);
         case QuorvaneAction::toggleMute: return toggleMute(), true;
-        case QuorvaneAction::toggleLove: return toggleLove();
-        case QuorvaneAction::toggleDislike: return toggleDislike();
-        case QuorvaneAction::increaseRating: return changeRating(kRatingStep);
-        case QuorvaneAction::decreaseRating: return changeRating(-kRatingStep);
+        case QuorvaneAction::toggleLove:
+            return script_.capabilities.canLove && toggle(track.track.isLoved, track.isDisliked);
+        case QuorvaneAction::toggleDislike:
+            return script_.capabilities.canDislike && toggle(track.isDisliked, track.track.isLoved);
+        case QuorvaneAction::increaseRating:
+            return setRating(track.rating.value_or(0) + kRatingStep);
+        case QuorvaneAction::decreaseRating:
+            return setRating(track.rating.value_or(0) - kRatingStep);
         case QuorvaneAction::removeRating: return setRating(0);
         case QuorvaneAction::toggleShuffle: return toggleShuffle(), true;
         case QuorvaneAction::toggleRepeat: return toggleRepeat(), true;
@@ -86,8 +93,6 @@ void ScriptedPlayer::goBack() {
     begin(place_ - 1, 0, state_);
 }
 
-void ScriptedPlayer::seek(double seconds) { begin(place_, seconds, state_); }
-
 void ScriptedPlayer::begin(std::size_t place, double seconds, XPCPlayerState state) {
     place_ = place;
     const auto length = duration();
@@ -106,9 +111,8 @@ void ScriptedPlayer::setState(XPCPlayerState state) {
 void ScriptedPlayer::armEndOfTrack() {
     endOfTrack_.reset();
     if (!anchor_.isPlaying || !anchor_.duration) return;
-    const std::chrono::duration<double> rest{*anchor_.duration - anchor_.seconds};
     endOfTrack_ =
-        clock_.after(std::chrono::duration_cast<Duration>(rest), [this] { advance(true); });
+        clock_.after(durationOf(*anchor_.duration - anchor_.seconds), [this] { advance(true); });
 }
 
 bool ScriptedPlayer::setVolume(std::int64_t percent) {
@@ -123,26 +127,11 @@ void ScriptedPlayer::toggleMute() {
     changed();
 }
 
-bool ScriptedPlayer::toggleLove() {
-    if (!script_.capabilities.canLove) return false;
-    auto& loved = current().track.isLoved;
-    loved = !loved.value_or(false);
-    if (*loved && current().isDisliked) current().isDisliked = false;
+bool ScriptedPlayer::toggle(std::optional<bool>& mark, std::optional<bool>& opposite) {
+    mark = !mark.value_or(false);
+    if (*mark && opposite) opposite = false;
     changed();
     return true;
-}
-
-bool ScriptedPlayer::toggleDislike() {
-    if (!script_.capabilities.canDislike) return false;
-    auto& disliked = current().isDisliked;
-    disliked = !disliked.value_or(false);
-    if (*disliked && current().track.isLoved) current().track.isLoved = false;
-    changed();
-    return true;
-}
-
-bool ScriptedPlayer::changeRating(std::int64_t by) {
-    return setRating(current().rating.value_or(0) + by);
 }
 
 bool ScriptedPlayer::setRating(std::int64_t percent) {

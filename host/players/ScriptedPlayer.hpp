@@ -18,7 +18,6 @@ public:
     bool perform(QuorvaneAction action) override;
     bool setVolume(std::int64_t percent) override;
     bool setRating(std::int64_t percent) override;
-    void seek(double seconds);
 
 private:
     ScriptedTrack& current() { return script_.tracks[order_[place_]]; }
@@ -33,11 +32,10 @@ private:
     void begin(std::size_t place, double seconds, XPCPlayerState state);
     void setState(XPCPlayerState state);
     void toggleMute();
-    bool toggleLove();
-    bool toggleDislike();
+    // Sets or clears one of the two marks of a track, love and dislike, which exclude each other.
+    bool toggle(std::optional<bool>& mark, std::optional<bool>& opposite);
     void toggleShuffle();
     void toggleRepeat();
-    bool changeRating(std::int64_t by);
     void changed();
     void armEndOfTrack();
 

@@ -22,7 +22,7 @@ public:
 
     CardModuleLoader(std::filesystem::path file, Logger log, Entry entry);
 
-    // `liftAboveLock` and `reducesMotion` stay empty. The table refers to this loader.
+    // `reducesMotion` stays empty. The table refers to this loader.
     CardWindows windows();
 
 private:

@@ -8,7 +8,7 @@ set(QUORVANE_MACOS_FILES
     files/BundleFilesMacOS.mm
     files/BundlePropertiesMacOS.mm
     files/FilesMacOS.mm
-    files/RegularFilesMacOS.cpp
+    ../posix/RegularFilesPosix.cpp
     files/UserDefaultsMacOS.mm
 )
 set(QUORVANE_MACOS_SERVICES
@@ -25,7 +25,7 @@ set(QUORVANE_MACOS_SERVICES
     services/MainThreadMacOS.mm
     services/MediaPlayersMacOS.cpp
     services/OSLogBuffer.cpp
-    services/OpenCommandMacOS.mm
+    services/OpenApplicationMacOS.mm
     services/ProcessInfoMacOS.mm
     services/RunningApplicationsMacOS.mm
     services/SerialQueueMacOS.mm

@@ -1,4 +1,3 @@
-// What a launch does before the coordinator begins, and how it ends.
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
 
 #include <gtest/gtest.h>
@@ -31,7 +30,7 @@ struct AddOnAppTest : testing::Test {
         platform.clock.advance(Duration{});
         platform.settle();
     }
-    // Those of the launch itself; what the coordinator logs comes after.
+    // The lines before the coordinator's first one.
     Lines launchLines() {
         Lines lines;
         for (const auto& line : platform.log.lines()) {
@@ -52,10 +51,28 @@ struct AddOnAppTest : testing::Test {
     std::optional<AddOnApp> app;
 };
 
-TEST_F(AddOnAppTest, RegistersItsLoginItemAndStartsAlone) {
+TEST_F(AddOnAppTest, RegistersItsLoginItemUnlessTheUserHasSwitchedItOff) {
+    const struct {
+        std::int64_t before, after;
+        Lines lines;
+    } rows[] = {{1, 1, {}},
+                {0, 1, {"app 1 login item: registered (now 1)"}},
+                {3, 1, {"app 1 login item: registered (now 1)"}},
+                {2, 2, {"app 1 login item: awaiting approval in Login Items; leaving it alone"}},
+                {7, 7, {"app 3 login item: unknown status 7; leaving it alone"}}};
+    for (const auto& row : rows) {
+        platform.installation.loginItem = row.before;
+        platform.log.take();
+        launch();
+        EXPECT_EQ(platform.installation.loginItem, row.after);
+        EXPECT_EQ(launchLines(), row.lines);
+        EXPECT_TRUE(hasStarted());
+    }
+    platform.log.take();
     platform.installation.loginItem = 0;
+    platform.installation.loginItemRefuses = true;
     launch();
-    EXPECT_EQ(launchLines(), (Lines{"app 1 login item: registered (now 1)"}));
+    EXPECT_EQ(launchLines(), (Lines{"app 3 login item: register() failed: no agent (error 1)"}));
     EXPECT_TRUE(hasStarted());
     EXPECT_EQ(platform.terminations, 0);
 }
@@ -73,14 +90,13 @@ TEST_F(AddOnAppTest, IsConfinedOnceBeforeItStartsAndNotWhenItRemovesItself) {
     EXPECT_EQ(times, 1);
 }
 
-TEST_F(AddOnAppTest, NewerCopiesHandOverToThisOne) {
+TEST_F(AddOnAppTest, StartsBesideNewerCopiesAndOnceOlderOnesHaveQuit) {
     runBeside({{70, ManualClock::kStart + 1s}, {80, ManualClock::kStart + 2s}});
     EXPECT_EQ(launchLines(), (Lines{"app 2 launch: a newer copy (pid 70, 80) is running; starting "
                                     "anyway, it hands over to this one"}));
     EXPECT_TRUE(hasStarted());
-}
 
-TEST_F(AddOnAppTest, WaitsForAnOlderCopyToQuit) {
+    platform.log.take();
     runBeside({{40, std::nullopt}});
     platform.pass(500ms);
     EXPECT_FALSE(hasStarted());
@@ -91,14 +107,18 @@ TEST_F(AddOnAppTest, WaitsForAnOlderCopyToQuit) {
     EXPECT_TRUE(hasStarted());
 }
 
-TEST_F(AddOnAppTest, GivesWayToAnOlderCopyThatStays) {
-    runBeside({{40, std::nullopt}});
+TEST_F(AddOnAppTest, AsksOlderCopiesToQuitAndGivesWayToThem) {
+    runBeside({{40, std::nullopt}, {41, std::nullopt}});
     platform.pass(12s);
     EXPECT_FALSE(hasStarted());
     EXPECT_EQ(platform.terminations, 1);
-    EXPECT_EQ(launchLines().back(),
-              "app 4 launch: an older copy (pid 40) won't quit; quitting this one so only one "
-              "draws cards");
+    EXPECT_EQ(platform.installation.asked, (InstanceHandover::PIDs{40, 41}));
+    EXPECT_EQ(
+        launchLines(),
+        (Lines{"app 3 launch: an older copy (pid 40, 41) is still running after 10.0 seconds; "
+               "asking it to quit",
+               "app 4 launch: an older copy (pid 40, 41) won't quit; quitting this one so "
+               "only one draws cards"}));
 }
 
 TEST_F(AddOnAppTest, EndsSafelyAtEveryPointOfItsLaunch) {
@@ -118,19 +138,20 @@ TEST_F(AddOnAppTest, EndsSafelyAtEveryPointOfItsLaunch) {
     EXPECT_EQ(platform.clock.pendingTimers(), 0u);
 }
 
-TEST_F(AddOnAppTest, UninstallsWithoutEverStarting) {
+TEST_F(AddOnAppTest, RemovesItselfWithoutEverStarting) {
     launch({"--uninstall"});
     EXPECT_EQ(launchLines().front(), "removal 2 launch: asked to uninstall; removing the add-on");
     EXPECT_TRUE(platform.installation.bundles.empty());
     EXPECT_EQ(platform.terminations, 1);
     platform.pass(1s);
     EXPECT_FALSE(hasStarted());
-}
 
-TEST_F(AddOnAppTest, FinishesARemovalAndDeletesNothingWithoutAHome) {
+    // Without a home folder there is no support folder to delete.
+    platform.log.take();
     platform.live.services.installation.applicationSupport.reset();
     platform.live.services.process.bundle = "/nowhere/Quorvane Lock Screen.app";
     platform.installation.bundles.emplace("/nowhere/Quorvane Lock Screen.app", kOwn);
+    platform.installation.bundles.emplace(kBundle, kOwn);
     platform.defaults.values = {{"removalPending", PropertyValue{true}},
                                 {"removalBundleIdentity", PropertyValue{kOwn}}};
     launch();

@@ -12,7 +12,8 @@ using namespace std::chrono_literals;
 using ID = SceneControl::ID;
 using Kind = PointerEvent::Kind;
 
-constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
+constexpr char kCleared[] =
+    "state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card hidden";
 constexpr char kConfigurationChanged[] = "example.quillon.Quorvane.lockScreenConfigurationChanged";
 constexpr char kMainAppQuits[] = "example.quillon.Quorvane.mainAppWillTerminate";
 
@@ -55,14 +56,13 @@ TEST_F(AddOnCoordinatorTest, StartsInItsStatedOrder) {
                      "windows false, card false"}));
 }
 
-TEST_F(AddOnCoordinatorTest, OneLockFromItsNoticeToTheUnlock) {
+TEST_F(AddOnCoordinatorTest, FollowsOneLockFromItsNoticeToTheUnlock) {
     start();
     platform.log.take();
     platform.lock();
     EXPECT_TRUE(platform.windows.open().empty());
     platform.pass(800ms);
     EXPECT_TRUE(platform.isCardSeen());
-    EXPECT_EQ(platform.windows.lifted, (std::vector<long>{101}));
     EXPECT_EQ(platform.activities, 1);
     EXPECT_EQ(platform.log.take(),
               (Lines{"lock: com.apple.screenIsLocked",
@@ -122,7 +122,7 @@ TEST_F(AddOnCoordinatorTest, ARemovalClosesTheWindowsAtOnceAndForGood) {
     platform.notice(kConfigurationChanged);
     EXPECT_TRUE(platform.windows.open().empty());
     EXPECT_EQ(platform.activities, 0);
-    EXPECT_EQ(platform.mainApp.commands, Lines{"volume 0"});  // the drag's end sends no more
+    EXPECT_EQ(platform.mainApp.commands, Lines{"volume 0"});  // the drag's end sends none
     EXPECT_EQ(platform.log.lines().back().text, "Stopping message port client");
     const Lines lines = platform.log.take();
     EXPECT_EQ(Lines(lines.begin() + 1, lines.begin() + 5),
@@ -148,7 +148,7 @@ TEST_F(AddOnCoordinatorTest, ARemovalClosesTheWindowsAtOnceAndForGood) {
     EXPECT_EQ(count("removal: closing the windows"), 0);
 }
 
-// A removal that comes while a refresh connects anew and waits: the client is stopped by then.
+// The removal arrives while a refresh waits for a new connection, and stops the client.
 TEST_F(AddOnCoordinatorTest, ARemovalInsideAWaitingSendIsNotUndoneByIt) {
     lockAndShow();
     platform.ports.failures[std::string{kMessagePortBaseName}] = kPortBecameInvalid;
@@ -169,7 +169,7 @@ TEST_F(AddOnCoordinatorTest, ARemovalInsideAWaitingSendIsNotUndoneByIt) {
     EXPECT_EQ(platform.ports.sent.size(), sent);
 }
 
-TEST_F(AddOnCoordinatorTest, MemoryForPollsIsGivenBackWithTheCard) {
+TEST_F(AddOnCoordinatorTest, MemoryForPollsIsFreedWithTheCard) {
     lockAndShow();
     platform.pass(4s);
     EXPECT_GT(platform.ports.sent.back().replyMemory, 0u);
@@ -186,9 +186,7 @@ TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgai
     EXPECT_EQ(platform.stage()->scenes.size(), scenes) << "the fade shows the card as it was";
     EXPECT_FALSE(platform.isCardSeen());
     EXPECT_EQ(platform.windows.open().size(), 1u);
-    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
-                    "hidden"),
-              1);
+    EXPECT_EQ(count(kCleared), 1);
     const Lines lines = platform.log.take();
     EXPECT_EQ(lines.front(), "notice: mainAppWillTerminate; hiding the card");
     EXPECT_EQ(lines.back(),
@@ -196,8 +194,7 @@ TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgai
     platform.mainApp.quit();
     platform.pass(10s);
     EXPECT_FALSE(platform.isCardSeen());
-    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
-                    "hidden"),
+    EXPECT_EQ(count(kCleared),
               0);  // the quit has cleared it already
 
     platform.mainApp.launch();
@@ -205,16 +202,14 @@ TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgai
     EXPECT_TRUE(platform.isCardSeen());
     EXPECT_EQ(platform.windows.windows.size(), 1u);
 
-    platform.mainApp.quit();  // without a word
+    platform.mainApp.quit();  // without a notice
     platform.pass(10s);
     EXPECT_FALSE(platform.isCardSeen());
-    EXPECT_EQ(count("state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card "
-                    "hidden"),
-              1);
+    EXPECT_EQ(count(kCleared), 1);
 }
 
-// What a new connection tells is older than what the user does meanwhile.
-TEST_F(AddOnCoordinatorTest, AnEditThatMustConnectFirstOutlivesTheNewsOfTheConnection) {
+// The state that a new connection brings is older than the user's edit.
+TEST_F(AddOnCoordinatorTest, AnEditOutlastsTheStateOfAConnectionThatItNeeds) {
     const auto playPauseLabel = [&] {
         platform.clock.advance(Duration{});
         const auto& controls = platform.stage()->scenes.back().controls;
@@ -268,9 +263,9 @@ TEST_F(AddOnCoordinatorTest, ABundleWithoutAVersionHasADashForOne) {
     EXPECT_EQ(platform.mainApp.hellos.at(0).addOnVersion, "0");
 }
 
-// A drag's end sends, and with a connection that must be made anew it waits. What comes in
-// meanwhile has the last word over the windows.
-TEST_F(AddOnCoordinatorTest, WhatComesInWhileADragEndsHasTheLastWord) {
+// The end of a drag sends a volume and waits for a new connection. Events that arrive during the
+// wait decide about the windows.
+TEST_F(AddOnCoordinatorTest, EventsDuringADragsEndDecideAboutTheWindows) {
     enum class Within { unlock, screensChange, unlockUnderPress };
     for (const Within within : {Within::unlock, Within::screensChange, Within::unlockUnderPress}) {
         lockAndShow();

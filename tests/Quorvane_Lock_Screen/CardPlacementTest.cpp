@@ -15,7 +15,7 @@ Rect cardIn(const CardPlacement::Place& place) {
     return place.frame.grownBy(-kCardShadowMargin * place.scale);
 }
 
-TEST(CardPlacement, StandsAtTheStatedPlace) {
+TEST(CardPlacement, HasItsDefaultPlace) {
     EXPECT_EQ(CardPlacement::windowFrame(kFullHD), (Rect{708, 482, 504, 326}));
     EXPECT_EQ(CardPlacement::place(kFullHD, {}),
               (CardPlacement::Place{CardPlacement::windowFrame(kFullHD), 1}));
@@ -35,7 +35,7 @@ TEST(CardPlacement, MovesUpOutOfTheMiddleAndBelowWhenThereIsNoRoomAbove) {
     ASSERT_TRUE(below);
     EXPECT_EQ(cardIn(*below).maxY(), prompt.minY() - kCardShadowMargin);
 
-    // An area beside the card is no reason to move.
+    // An area beside the card does not move it.
     EXPECT_EQ(CardPlacement::place(kFullHD, std::array{Rect{0, 0, 600, 1080}}),
               (CardPlacement::Place{CardPlacement::windowFrame(kFullHD), 1}));
 }
@@ -59,7 +59,7 @@ TEST(CardPlacement, NeverCoversAnAreaAndNeverLeavesTheScreen) {
         }
 }
 
-// In points: what is left of the screen beside i3lock's ring.
+// The screen's size in points, with i3lock's ring in its middle.
 TEST(CardPlacement, SmallScreensGetANarrowerMarginThenTheSideThenASmallerCard) {
     struct Case {
         Size screen;

@@ -8,8 +8,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
-
 std::shared_ptr<AddOnCoordinator> started(FakePlatform& platform) {
     auto coordinator = AddOnCoordinator::make(platform.live);
     coordinator->start();
@@ -99,7 +97,7 @@ TEST(FaultInjection, NoFaultLeavesAWindowOrSpoilsTheNextLock) {
         }
 }
 
-// What a waiting send lets in may come in any of them.
+// A waiting send may run the main loop: an unlock or the end may arrive inside any send.
 class InsideASend : public testing::TestWithParam<bool> {};
 
 TEST_P(InsideASend, AnUnlockOrTheEndLeavesNothingBehind) {

@@ -23,7 +23,7 @@ protected:
     std::size_t any(std::size_t below) { return random_() % below; }
 
     void move() {
-        // Mostly what lets a card stand, or little would be seen of one.
+        // Mostly moves that lead to a card, or the walk would rarely show one.
         const std::size_t kind = any(40);
         if (kind < 5) return lock();
         if (kind < 10) return setLockUI(true);
@@ -98,7 +98,7 @@ private:
         platform_.notice(kStateChanged);
     }
     void allow(bool isAllowed) {
-        if (!isServing_ || platform_.mainApp.lies) return;  // nobody hears of it
+        if (!isServing_ || platform_.mainApp.lies) return;  // the add-on cannot learn of it
         platform_.mainApp.configuration.isEnabled = isAllowed_ = isAllowed;
         platform_.notice("example.quillon.Quorvane.lockScreenConfigurationChanged");
     }
@@ -135,7 +135,7 @@ private:
         }
         const std::size_t sends = platform_.mainApp.commands.size() - before;
         // One may be left over from the drag before.
-        ASSERT_LE(sends, 2 + moves * 10ms / VolumeThrottle::kInterval);
+        ASSERT_LE(sends, 2 + moves * 10ms / VolumeSender::kInterval);
         if (any(4) == 0) return;  // the pointer vanishes
         platform_.pointer(PointerEvent::Kind::up, anywhere());
         platform_.settle();
@@ -159,14 +159,12 @@ private:
             // A hello may find the link broken; a new one begins with a request.
             if (wasWanted || isWanted() || platform_.mainApp.hellos.size() != hellos) continue;
             if (now_ - lastTap_ <= 800ms) continue;  // what a command has changed is asked for
-            ASSERT_EQ(platform_.mainApp.stateRequests, requests) << "nobody looks at the card";
+            ASSERT_EQ(platform_.mainApp.stateRequests, requests) << "polls without a card";
         }
     }
     void noteTogether() {
         if (!isLocked_ || !isShown_) together_ = Duration{};
     }
-
-    static constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
 
     const unsigned seed_ = std::random_device{}();
     testing::ScopedTrace trace_{__FILE__, __LINE__, "seed " + std::to_string(seed_)};

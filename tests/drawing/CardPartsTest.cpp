@@ -4,6 +4,7 @@
 
 #include "drawing/MarginHitTest.hpp"
 #include "drawing/TextPlacement.hpp"
+#include "drawing/pictures/EncodedImage.hpp"
 #include "drawing/pictures/PictureLimits.hpp"
 
 namespace quorvane {
@@ -42,6 +43,10 @@ TEST(TextPlacement, ShowsTheCopiesThatReachIntoTheField) {
     EXPECT_EQ(stops[5].strength, 1);
     EXPECT_DOUBLE_EQ(stops[5].place, 0.1);
     EXPECT_DOUBLE_EQ(stops[6].place, 0.9);
+    for (const FadeStop& stop : stops)
+        EXPECT_NEAR(fadeStrength(node, stop.place * kField.width), stop.strength, 1e-9);
+    node.scroll->fade = 0;
+    EXPECT_EQ(fadeStrength(node, 0), 1);
 }
 
 TEST(PictureLimits, RefuseWhatWouldTakeTooMuchMemory) {
@@ -56,6 +61,34 @@ TEST(PictureLimits, RefuseWhatWouldTakeTooMuchMemory) {
     EXPECT_EQ(keptLongerSide({3000, 1000}), 768u);
     EXPECT_EQ(keptLongerSide({1000, 200}), 1000u);
     EXPECT_EQ(keptLongerSide({16384, 257}), 16320u);
+}
+
+TEST(EncodedImage, TypeIsToldByItsFirstBytes) {
+    using namespace std::string_view_literals;
+    const std::pair<std::string_view, std::string_view> rows[] = {
+        {"\x89PNG\r\n\x1A\n"sv, "image/png"},
+        {"\xFF\xD8\xFF"sv, "image/jpeg"},
+        {"GIF87a"sv, "image/gif"},
+        {"GIF89a"sv, "image/gif"},
+        {"BM"sv, "image/bmp"},
+        // Of 300 by 200 pixels: lossy, lossless, extended.
+        {"RIFF\x24\0\0\0WEBPVP8 \x18\0\0\0\x30\x01\0\x9D\x01\x2A\x2C\x41\xC8\x80"sv, "image/webp"},
+        {"RIFF\x24\0\0\0WEBPVP8L\x18\0\0\0\x2F\x2B\xC1\x31\0....."sv, "image/webp"},
+        {"RIFF\x24\0\0\0WEBPVP8X\x0A\0\0\0\x10\0\0\0\x2B\x01\0\xC7\0\0"sv, "image/webp"}};
+    for (const auto& [start, type] : rows) {
+        EXPECT_STREQ(pictureType(bytesOf(start)), type.data());
+        for (std::size_t length = 0; length < start.size(); ++length)
+            // A copy of exactly that length, so that a byte too many is noticed.
+            EXPECT_EQ(pictureType(copyOf(bytesOf(start).first(length))), nullptr) << type;
+    }
+    for (const auto other :
+         {"<svg/>"sv, "RIFF\x24\0\0\0WAVEVP8X\x0A\0\0\0\x10\0\0\0\x2B\x01\0\xC7\0\0"sv, "GIF88a"sv,
+          "RIFF\x24\0\0\0WEBPICCP\x0A\0\0\0\x10\0\0\0\x2B\x01\0\xC7\0\0"sv,
+          // 16,383 by 16,383, 0 by 200, and 8,001 by 5,000 pixels.
+          "RIFF\x16\0\0\0WEBPVP8L\x0A\0\0\0\x2F\xFE\xBF\xFF\x0F\x88\x88\x08\0\0"sv,
+          "RIFF\x24\0\0\0WEBPVP8 \x18\0\0\0\x30\x01\0\x9D\x01\x2A\0\x40\xC8\x80"sv,
+          "RIFF\x24\0\0\0WEBPVP8X\x0A\0\0\0\x10\0\0\0\x40\x1F\0\x87\x13\0"sv})
+        EXPECT_EQ(pictureType(bytesOf(other)), nullptr) << other;
 }
 
 TEST(Geometry, PicturesCoverTheirFrames) {

@@ -1,5 +1,4 @@
-// The card for people who do not see it: over the real accessibility bus, with the library that
-// screen readers use.
+// The card on a real accessibility bus, read through the library that screen readers use.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +21,7 @@ protected:
                 {"call", "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Peer", "Ping"});
         }));
     }
-    // Not by SIGKILL: it would leave its bus behind.
+    // By SIGTERM, because after SIGKILL its bus would keep running.
     void TearDown() override { launcher.process().end(SIGTERM); }
 
     bool busctl(std::vector<std::string> arguments) {

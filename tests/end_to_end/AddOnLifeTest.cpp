@@ -1,4 +1,4 @@
-// The add-on from its installation to its removal, as processes and files.
+// The add-on's installation, launch, update and removal, with real processes and files.
 
 #include "tests/end_to_end/InstalledAddOn.hpp"
 
@@ -17,7 +17,7 @@ TEST(EndToEndLife, InstallStatusQuitAndRemoveWithTheHostAlone) {
     EXPECT_TRUE(fs::exists(life.loginItem()));
     EXPECT_NE(life.host({"status"}).text.find("Add-on:  running, version 1.0.0, not connected"),
               std::string::npos);
-    LoggedProcess host = life.session.startHostWith({"--script", DEMO_SCRIPT});
+    LoggedProcess host = life.session.startHost();
     ASSERT_TRUE(life.says("Configuration: enabled true, removal false"));
     EXPECT_NE(life.host({"status"}).text.find("Add-on:  running, version 1.0.0, connected"),
               std::string::npos);
@@ -26,7 +26,7 @@ TEST(EndToEndLife, InstallStatusQuitAndRemoveWithTheHostAlone) {
     EXPECT_EQ(life.host({"quit"}).status, 1);
     EXPECT_EQ(life.host({"launch"}).status, 0);
 
-    // While it runs, connected, and with the lock screen's card on it.
+    // Removal while it runs, is connected and shows the card.
     LoggedProcess locker = life.session.startLocker();
     ASSERT_TRUE(life.says("entrance: window"));
     const auto removed = life.host({"remove"});
@@ -47,7 +47,7 @@ TEST(EndToEndLife, AnUpdateWhileTheCardShowsBringsItBack) {
     ASSERT_TRUE(life.says("entrance: window"));
     const auto updated = life.host({"update", "--from", life.copyBundle("new/X.app", "1.10.0")});
     EXPECT_EQ(updated.text, "Updated 1.0.0 to version 1.10.0.\nThe add-on is running.\n");
-    // In one log, so in this order: the new card comes after the old one has gone.
+    // Both copies write one log, so these lines appear in this order.
     EXPECT_TRUE(life.says("installer: quitting"));
     EXPECT_TRUE(life.says("windows: closing 1"));
     EXPECT_TRUE(life.says("launch: 1.10.0"));
@@ -59,19 +59,18 @@ TEST(EndToEndLife, OfTwoCopiesStartedAtOnceOneDraws) {
     InstalledAddOn life;
     LoggedProcess host = life.session.startHost();
     LoggedProcess locker = life.session.startLocker();
-    // Of two processes made at once, the one made first becomes the add-on last.
+    // The process that is created first executes the add-on last.
     const auto gate = life.folder() / "gate";
     LoggedProcess second = life.session.start(
         {"sh", "-c", "until [ -e \"$0\" ]; do sleep 0.05; done; exec \"$@\"", gate, ADDON_PROGRAM});
     LoggedProcess first = life.session.start({ADDON_PROGRAM});
     ASSERT_TRUE(first.says("entrance: window")) << first.log();
     life.folder().write("gate", "");
-    // It waits, then asks.
     const std::string pid = std::to_string(first.process().pid());
     ASSERT_TRUE(second.says("launch: an older copy (pid " + pid +
                             ") is still running after 10.0 seconds; asking it to quit"));
     EXPECT_EQ(second.count("windows: building"), 0);
-    EXPECT_TRUE(first.says("windows: closing 1 (state)")) << "an orderly end";
+    EXPECT_TRUE(first.says("windows: closing 1 (state)"));
     EXPECT_TRUE(first.process().wait(20s));
     EXPECT_TRUE(second.says("launch: the previous copy (pid " + pid + ") quit when asked"));
     EXPECT_TRUE(second.says("entrance: window")) << second.log();
@@ -86,7 +85,7 @@ TEST(EndToEndLife, WhatIsNotTheAddOnsIsNeverDeleted) {
         removal.process().wait(20s);
         return removal.count("refusing to delete");
     };
-    // A link in the support folder's place; the copy that runs is the add-on and goes.
+    // The support folder is a symbolic link. The running copy is the add-on and is deleted.
     life.folder().write("precious/file", "kept");
     fs::create_directories(life.folder() / "data");
     fs::create_directory_symlink(life.folder() / "precious", life.support());
@@ -96,7 +95,7 @@ TEST(EndToEndLife, WhatIsNotTheAddOnsIsNeverDeleted) {
     EXPECT_TRUE(fs::is_symlink(life.support()));
     EXPECT_EQ(life.folder().read("precious/file"), "kept");
 
-    // A foreign bundle inside it, and a copy in a folder that is no bundle by its name.
+    // The support folder holds a foreign bundle.
     fs::remove(life.support());
     life.folder().write(std::string{"data/"} + InstalledAddOn::kIdentifier +
                             "/Quorvane Lock Screen.app/Contents/Info.plist",
@@ -120,7 +119,7 @@ TEST(EndToEndLife, InstallsWithAwkwardFoldersAndFailsPlainly) {
     run = life.run({"env", "-u", "HOME", HOST_PROGRAM, "install"});
     EXPECT_EQ(run.status, 0) << run.text;
 
-    // No folder can be made there; nothing can be written there.
+    // The folder cannot be created; then a file cannot be written.
     run = life.host({"install"}, {{"XDG_DATA_HOME", "/proc/nowhere"}});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.text.starts_with("quorvane-host: nothing was installed: ")) << run.text;
@@ -132,8 +131,8 @@ TEST(EndToEndLife, InstallsWithAwkwardFoldersAndFailsPlainly) {
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.text.find("File too large"), std::string::npos) << run.text;
     fs::remove_all(life.folder() / "new");
-    EXPECT_EQ(std::distance(fs::directory_iterator{life.support()}, {}), 1) << "as it was";
-    // Killed in the middle: the old one stands there, and the next installer tidies up.
+    EXPECT_EQ(std::distance(fs::directory_iterator{life.support()}, {}), 1) << "unchanged";
+    // Killed while copying: the old bundle stays, and the next install discards the copy.
     EXPECT_EQ(limited("").status, -1);
     fs::remove_all(life.folder() / "new");
     EXPECT_NE(life.host({"status"}).text.find("Install: version 1.0.0"), std::string::npos);

@@ -1,4 +1,4 @@
-// The main application comes, goes and hangs while the add-on runs.
+// A host that is killed, disabled or hangs while the add-on runs.
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {
@@ -33,7 +33,7 @@ TEST(EndToEndHangingHost, BlocksNobodyForLongAndShowsNoCard) {
     LockSession session;
     LoggedProcess host = session.startHost();
     host.process().signal(SIGSTOP);
-    LoggedProcess addOn = session.startAddOn();  // connects, and waits in vain for a state
+    LoggedProcess addOn = session.startAddOn();  // connects, but receives no state
     LoggedProcess locker = session.startLocker();
     const auto begun = std::chrono::steady_clock::now();
     ASSERT_TRUE(addOn.says("lockui: shown", 10s)) << addOn.log();

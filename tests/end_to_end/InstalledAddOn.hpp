@@ -1,5 +1,5 @@
-// A session in which the add-on is installed by its host and started by it, out of the test's
-// sight: what it does is in its log.
+// A session in which the host installs and starts the add-on. The add-on is not the test's child,
+// so the test reads its log file.
 #pragma once
 
 #include <map>
@@ -15,13 +15,12 @@ public:
     static constexpr char kIdentifier[] = "example.quillon.Quorvane.LockScreenAddOn";
 
     InstalledAddOn() = default;
-    // What was started detached ends with the test too.
     ~InstalledAddOn() { killCopies(); }
     InstalledAddOn(const InstalledAddOn&) = delete;
     InstalledAddOn& operator=(const InstalledAddOn&) = delete;
 
     using Run = LoggedProcess::Run;
-    // The host with a command, its end awaited.
+    // Runs the host with a command to its end.
     Run host(const std::vector<std::string>& words,
              const std::map<std::string, std::string>& variables = {}) {
         std::vector<std::string> command{HOST_PROGRAM};
@@ -35,7 +34,7 @@ public:
         for (const auto& [name, value] : variables) environment.push_back(name + "=" + value);
         return LoggedProcess::run(words, environment);
     }
-    // Whether the log comes to hold the text, after what earlier calls have passed.
+    // Waits for the text in the log, after those that earlier calls have found.
     bool says(const std::string& text) {
         return eventually([&] {
             const auto place = folder().read("log").find(text, passed_);
@@ -46,7 +45,7 @@ public:
     }
     std::string log() const { return folder().read("log"); }
 
-    // A copy of the built bundle, of another version.
+    // Copies the built bundle and changes its version.
     std::filesystem::path copyBundle(const std::string& place, const std::string& version) {
         const auto bundle = folder() / place;
         std::filesystem::create_directories(bundle.parent_path());

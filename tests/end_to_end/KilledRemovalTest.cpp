@@ -1,4 +1,4 @@
-// A removal that is killed after each of its steps, and what the next launch makes of it.
+// A removal that is killed after each of its steps and finished by the next launch.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Ends the process, as if the power had gone, when a step's call has come back.
+// Kills the process after its n-th call of a wrapped operation.
 struct Killer {
     int lastCall = 0;
     int calls = 0;
@@ -33,8 +33,8 @@ struct Killer {
     }
 };
 
-// Removes what is installed at the place, over the live tables, and is killed after so many calls.
-// Whether it has come to its end.
+// Removes the installed add-on over the live tables and is killed after so many calls. Returns
+// whether the removal has finished.
 bool removeKilledAfter(int calls, const InstalledAddOn& life) {
     ForkedChild child{[&](const ForkedChild::Say&) {
         for (const std::string& entry : life.session.environment()) putenv(strdup(entry.c_str()));
@@ -110,7 +110,6 @@ TEST(EndToEndRemoval, KilledAfterAnyStepItIsFinishedByTheNextLaunch) {
         EXPECT_EQ(life.folder().read(file), "kept") << file;
 }
 
-// What a removal has left does not meet an add-on that is installed after it.
 TEST(EndToEndRemoval, AKilledRemovalDoesNotRemoveTheNextInstall) {
     InstalledAddOn life;
     ASSERT_EQ(life.host({"install"}).status, 0);

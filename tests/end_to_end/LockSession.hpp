@@ -1,5 +1,5 @@
-// A whole session of a test's own: X server, bus and folders, in which the add-on, its host and a
-// real locker run as processes.
+// A private session: X server, bus and folders, in which the add-on, its host and a real locker run
+// as processes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 
 namespace quorvane {
 
-// One card's window, as the add-on's log tells of it.
+// One card's window, as the add-on logs it.
 struct CardOnScreen {
     xcb_window_t window = XCB_WINDOW_NONE;
     Rect frame;  // root pixels, shadow margin included
@@ -31,12 +31,30 @@ struct CardOnScreen {
     }
 };
 
+// What a process holds of the system.
+struct Holdings {
+    std::ptrdiff_t descriptors = 0;
+    std::ptrdiff_t threads = 0;
+    std::size_t ownKilobytes = 0;  // resident and not backed by a file
+
+    static Holdings of(pid_t pid) {
+        const std::filesystem::path folder = "/proc/" + std::to_string(pid);
+        const auto count = [&](const char* name) {
+            return std::distance(std::filesystem::directory_iterator{folder / name}, {});
+        };
+        Holdings holdings{count("fd"), count("task")};
+        std::ifstream status{folder / "status"};
+        for (std::string word; status >> word;)
+            if (word == "RssAnon:") status >> holdings.ownKilobytes;
+        return holdings;
+    }
+};
+
 class LockSession {
 public:
-    explicit LockSession(const std::string& geometry = "1920x1080x24")
-        : geometry_(geometry), x_(geometry) {
-        unsetenv("WAYLAND_DISPLAY");  // lockers of X servers refuse to start beside it, even when
-                                      // it is empty
+    LockSession() {
+        // X lockers refuse to start when the variable exists, even when it is empty.
+        unsetenv("WAYLAND_DISPLAY");
     }
 
     std::vector<std::string> environment() const {
@@ -56,15 +74,12 @@ public:
         return LoggedProcess{arguments, environment()};
     }
     // Serving when this returns.
-    LoggedProcess startHost(const std::string& script = DEMO_SCRIPT) {
-        return startHostWith({"--player", "scripted", "--script", script});
-    }
-    LoggedProcess startHostWith(const std::vector<std::string>& options) {
+    LoggedProcess startHost(const std::vector<std::string>& options = {"--script", DEMO_SCRIPT}) {
         std::vector<std::string> arguments{HOST_PROGRAM, "run"};
         arguments.insert(arguments.end(), options.begin(), options.end());
         start({HOST_PROGRAM, "enable"}).process().wait(std::chrono::seconds{20});
         LoggedProcess host = start(arguments);
-        // Main and query ports each say it.
+        // The main port and the query ports each log it.
         for (int port = 0; port < 5; ++port) host.says("started on dedicated thread");
         return host;
     }
@@ -74,12 +89,10 @@ public:
         addOn.says("lock monitor started");
         return addOn;
     }
-    LoggedProcess startLocker(const std::string& colour = "336699") {
-        return start({"i3lock", "-n", "-c", colour});
-    }
+    LoggedProcess startLocker() { return start({"i3lock", "-n", "-c", "336699"}); }
 
-    // The card that the add-on says next to have built. The place on the log's screen is turned
-    // into root pixels.
+    // The next card that the add-on logs. The logged frame is relative to its screen; the result is
+    // in root pixels.
     static CardOnScreen nextCard(LoggedProcess& addOn) {
         const std::string line = addOn.next(" on screen ");
         CardOnScreen card;
@@ -100,7 +113,7 @@ public:
         return card;
     }
 
-    // Whether more stands in the area than the one colour of a plain lock screen.
+    // Waits until the area shows more than the lock screen's one colour.
     static bool isDrawnOn(const X11Client& probe, const Rect& area) {
         return eventually([&] {
             const auto pixels = Screenshot::take(probe.connection(), area).pixels;
@@ -108,8 +121,8 @@ public:
         });
     }
 
-    // Clicks until the card has felt it: a press in the first milliseconds of its entrance may come
-    // before the add-on listens to the pointer.
+    // Clicks until the card has received it: a press in the first milliseconds of its entrance may
+    // precede the add-on's selection of pointer events.
     static bool click(const X11Client& probe, LoggedProcess& addOn, Point at) {
         for (int attempt = 0; attempt < 20; ++attempt) {
             probe.click(at);
@@ -120,23 +133,24 @@ public:
 
     X11Client probe() const { return X11Client{x_.display()}; }
     PrivateXServer& x() { return x_; }
-    // A new one, on any display; what is started from now on runs there.
-    void replaceXServer() { x_ = PrivateXServer{geometry_}; }
+    // Programs that are started from now on use the new server.
+    void replaceXServer() { x_ = PrivateXServer{kGeometry}; }
     PrivateBus& bus() { return bus_; }
     const TemporaryFolder& folder() const { return folder_; }
 
 private:
+    static constexpr char kGeometry[] = "1920x1080x24";
+
     TemporaryFolder folder_;
-    std::string geometry_;
-    PrivateXServer x_;
+    PrivateXServer x_{kGeometry};
     PrivateBus bus_;
 };
 
-// A session with its host and its add-on, which the case locks.
+// A session with a host and an add-on. The test locks it.
 class EndToEndLock : public testing::Test {
 protected:
     void lock() { lockWith(session.startLocker()); }
-    // The card is seen over the locker when this returns.
+    // The card is visible over the locker when this returns.
     void lockWith(LoggedProcess itsLocker) {
         locker = std::move(itsLocker);
         card = LockSession::nextCard(addOn);

@@ -1,4 +1,4 @@
-// The program's main job on real parts: the lock, the card over it, a click, the unlock.
+// One lock with real programs: the card, a click, the unlock.
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {
@@ -15,7 +15,6 @@ TEST_F(EndToEndLock, TheCardComesFollowsTheMusicObeysAClickAndGoesWithTheLock) {
         EXPECT_EQ(addOn.count(line), 1) << addOn.log();
     EXPECT_EQ(probe.frame(card.window), card.frame);
 
-    // The lock screen is of one colour; artwork, glass and shadow are not.
     EXPECT_TRUE(LockSession::isDrawnOn(probe, card.frame));
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(geometry.next))) << addOn.log();
     ASSERT_TRUE(addOn.says("command: nextTrack")) << addOn.log();
@@ -34,7 +33,7 @@ TEST_F(EndToEndLock, AnUnlockBeforeTheRevealDelayShowsNoCard) {
     ASSERT_TRUE(addOn.says("lockui: shown"));
     locker.process().end(SIGKILL);
     ASSERT_TRUE(addOn.says("unlock: com.apple.screenIsUnlocked"));
-    // A whole further lock passes: the first one has left no timer behind.
+    // The next lock shows the card once, so the first has left no timer.
     locker = session.startLocker();
     ASSERT_TRUE(addOn.says("windows: building 1"));
     EXPECT_EQ(addOn.count("windows: building"), 1);

@@ -1,5 +1,5 @@
-// The card over the distribution's lockers: it keeps out of the way of what they ask for, and what
-// is typed stays theirs.
+// The card over the distribution's lockers: it keeps clear of their prompts, and they receive all
+// typed keys.
 
 #include "tests/end_to_end/LockSession.hpp"
 
@@ -13,7 +13,7 @@ constexpr unsigned kEscape = 9;
 
 class EndToEndLockers : public EndToEndLock {
 protected:
-    // What the locker shows inside its window beside the card and smaller than the screen.
+    // The locker's visible child windows that are smaller than the screen, without the card.
     std::vector<Rect> prompts() {
         std::vector<Rect> frames;
         for (const xcb_window_t window : probe.children(probe.parent(card.window)))
@@ -43,7 +43,7 @@ TEST_F(EndToEndLockers, WhatIsTypedReachesI3lockWhileTheCardShows) {
     ASSERT_FALSE(quiet.empty());
     probe.type(kKeyA);
     EXPECT_TRUE(eventually([&] { return pixels(ring) != quiet; }))
-        << "i3lock draws its ring when it has got a key";
+        << "i3lock draws its ring when it receives a key";
     constexpr std::uint32_t kKeys = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
     for (const xcb_window_t window : {card.window, probe.root()})
         EXPECT_EQ(probe.attributes(window)->all_event_masks & kKeys, 0U);
@@ -74,7 +74,7 @@ TEST_F(EndToEndLockers, TheCardStandsOverXscreensaver) {
     TemporaryFolder home;
     home.write(".xscreensaver",
                "mode: blank\nsplash: False\nfade: False\nlock: True\nlockTimeout: 0:00:00\n");
-    // It does not lock as root; any other account will do.
+    // It refuses to lock as root, so it runs as another user.
     const auto asUser = [&](std::vector<std::string> command) {
         command.insert(command.begin(), {"env", "HOME=" + home.path().string()});
         if (geteuid() == 0)

@@ -1,4 +1,4 @@
-// A real program whose standard error is read line by line.
+// A child process whose standard error is read line by line.
 #pragma once
 
 #include <fcntl.h>
@@ -22,7 +22,7 @@ public:
                   const std::vector<std::string>& environment) {
         int ends[2] = {-1, -1};
         if (pipe2(ends, O_CLOEXEC) != 0) return;
-        // Plain shells know descriptors of one digit only.
+        // Through /proc, because plain shells redirect only descriptors of one digit.
         std::vector<std::string> command{
             "sh", "-c", "exec \"$@\" 2>/proc/self/fd/" + std::to_string(ends[1]), "sh"};
         command.insert(command.end(), arguments.begin(), arguments.end());
@@ -42,7 +42,7 @@ public:
         if (output_ >= 0) ::close(output_);
     }
 
-    // A program run to its end: its exit status, -1 for none, and both of its outputs.
+    // The result of a finished program: its exit status, -1 for none, and both of its outputs.
     struct Run {
         int status;
         std::string text;
@@ -58,8 +58,8 @@ public:
 
     ChildProcess& process() { return process_; }
 
-    // The next line that holds the text, after those that earlier calls have returned; "" when none
-    // comes in time.
+    // The next line that contains the text, after those that earlier calls have returned; "" when
+    // none arrives in time.
     std::string next(std::string_view text,
                      std::chrono::milliseconds patience = std::chrono::seconds{30}) {
         const auto deadline = std::chrono::steady_clock::now() + patience;
@@ -79,7 +79,7 @@ public:
               std::chrono::milliseconds patience = std::chrono::seconds{30}) {
         return !next(text, patience).empty();
     }
-    // How often the text has been said so far, in all that was read.
+    // How often the text occurs in all output so far.
     int count(std::string_view text) {
         readWhatIsThere();
         int times = 0;

@@ -1,5 +1,4 @@
-// A real player, which is heard by nobody: its music on the card, and the card's buttons in its
-// hands.
+// A real player without sound output: the card shows its track, and the card's controls reach it.
 
 #include "tests/end_to_end/LockSession.hpp"
 
@@ -21,7 +20,7 @@ protected:
                                 "--no-terminal", "--loop-playlist", "--volume=80",
                                 "--script=/usr/lib/mpv-mpris/mpris.so", inMusic("one.flac"),
                                 inMusic("two.flac")});
-        host = session.startHostWith({"--player", "mpris"});
+        host = session.startHost({"--player", "mpris"});
         addOn = session.startAddOn();
     }
 
@@ -38,7 +37,7 @@ protected:
         const auto converted = LoggedProcess::run(arguments, session.environment());
         ASSERT_EQ(converted.status, 0) << "ffmpeg: " << converted.text;
     }
-    // What the player itself says, by way of a tool that is not ours.
+    // The player's own answer, through an independent tool.
     std::string ask(const std::string& what, const std::string& value = "") {
         LoggedProcess tool =
             session.start({"sh", "-c", "playerctl --player=mpv $0 $1 >&2", what, value});
@@ -60,7 +59,7 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
     ASSERT_TRUE(hasCome("state: now 'Still Water' — 'The Quiet Harbour'"))
         << addOn.log() << host.log() << player.log();
     ASSERT_TRUE(hasCome("volume 80"));
-    ASSERT_TRUE(hasCome("artwork ")) << "the picture beside the files";
+    ASSERT_TRUE(hasCome("artwork ")) << "the picture next to the files";
     LoggedProcess locker = session.startLocker();
     const CardOnScreen card = LockSession::nextCard(addOn);
     ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();

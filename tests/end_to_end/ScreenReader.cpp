@@ -1,4 +1,4 @@
-// A small client of assistive technology, over the library that screen readers use. Tells on
+// A small client of assistive technology, over the library that screen readers use. Prints to
 // standard error.
 //   screen-reader tree               the card's objects, a line each
 //   screen-reader do NAME ACTION     performs an action of the object
@@ -139,5 +139,5 @@ int run(int count, char** words) {
 
 }  // namespace
 
-// At once: the library keeps what it has found, which is no leak to look for here.
+// Exits without clean-up, because the library keeps objects that would count as leaks.
 int main(int count, char** words) { std::_Exit(run(count, words)); }

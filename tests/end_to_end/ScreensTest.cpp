@@ -41,7 +41,7 @@ TEST(EndToEndScreens, EachHasACardAndOneThatGoesTakesOnlyItsOwn) {
     EXPECT_TRUE(LockSession::isDrawnOn(probe, only.frame));
     EXPECT_FALSE(probe.isViewable(left.window));
     EXPECT_FALSE(probe.isViewable(right.window));
-    EXPECT_EQ(addOn.count("entrance: window"), 2) << "it was there already";
+    EXPECT_EQ(addOn.count("entrance: window"), 2) << "the rebuilt card appears without an entrance";
 
     session.x().setMonitor("right", 960, 1080, 960, 0);
     ASSERT_TRUE(addOn.says("windows: building 2 (screens changed), card true")) << addOn.log();

@@ -1,4 +1,4 @@
-// The program itself, as processes with a bus and folders of their own.
+// quorvane-host as a process, with a private bus and private folders.
 
 #include <gtest/gtest.h>
 
@@ -85,7 +85,7 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
     EXPECT_EQ(modeOf(secret), 0600);
     EXPECT_EQ(file_size(secret), 32u);
 
-    // A host that hangs is there, and `status` does not wait for it for long.
+    // `status` does not wait long for a host that hangs.
     host.process().signal(SIGSTOP);
     result = run({"status"});
     EXPECT_EQ(result.status, 1);
@@ -100,10 +100,10 @@ TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
         impatient.says("another quorvane-host is serving this login; waiting for it to end"));
     ASSERT_TRUE(impatient.says("busy (attempt 1)"));
     EXPECT_EQ(impatient.count(" error: "), 0) << impatient.log();
-    impatient.process().signal(SIGINT);  // which must not make it try without a pause
-    // Without being held up by the two seconds that each port is waited for.
+    impatient.process().signal(
+        SIGINT);  // cancels its waits and must not make it retry without a pause
     EXPECT_EQ(impatient.process().exitStatus(5s), 0);
-    EXPECT_EQ(impatient.count("host: ending"), 0) << "it has served nobody";
+    EXPECT_EQ(impatient.count("host: ending"), 0) << "it has not served";
     EXPECT_EQ(impatient.count("busy (attempt 15)"), 0);
 
     LoggedProcess second = startHost();
@@ -136,7 +136,7 @@ TEST_F(HostProgramTest, SaysGoodbyeHoweverItIsAskedToEnd) {
         bool isOver = false;
         const std::string goodbye = "example.quillon.Quorvane.mainAppWillTerminate";
         const Handle observation = notices.observe(goodbye, [&] { isOver = true; });
-        notices.post(goodbye);  // heard once the bus knows of the observation
+        notices.post(goodbye);  // arrives once the bus has the match
         ASSERT_TRUE(runUntil(loop, [&] { return std::exchange(isOver, false); }));
         LoggedProcess host = startHost();
         ASSERT_TRUE(host.says("serving;"));

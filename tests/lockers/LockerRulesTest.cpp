@@ -134,7 +134,7 @@ TEST(LockerRules, FollowTheUser) {
     named.names = LockerNames::parse("Other,Mine", "Viewer,,");
     EXPECT_EQ(named.names.overlays, std::vector<std::string>{"Viewer"});
     EXPECT_EQ(found(named), Numbers{0x201});
-    named.names = LockerNames::parse(nullptr, nullptr);
+    named.names = LockerNames::parse("", "");
     EXPECT_EQ(found(named), Numbers{0x101});
 }
 

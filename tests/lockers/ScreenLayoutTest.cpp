@@ -39,36 +39,24 @@ TEST(ScreenLayout, GivesEachScreenItsPartOfTheZones) {
 
 TEST(ScreenLayout, TakesItsScaleFromTheUserThenTheDesktop) {
     struct Case {
-        const char* demand;
+        std::string_view demand;
         std::optional<double> dots;
         double scale;
     };
     const Case cases[] = {
-        {nullptr, std::nullopt, 1},
-        {nullptr, 96, 1},
-        {nullptr, 120, 1.25},
-        {nullptr, 144, 1.5},
-        {nullptr, 163, 1.75},
-        {nullptr, 192, 2},
-        {nullptr, 72, 1},
-        {nullptr, 100000, 8},
-        {"2", 96, 2},
-        {"1.5", std::nullopt, 1.5},
-        {"0.5", 192, 0.5},
-        {"", 192, 2},
-        {"0.4", 192, 2},
-        {"9", 192, 2},
-        {"two", 192, 2},
-        {"2x", 192, 2},
-        {"nan", 192, 2},
+        {"", std::nullopt, 1}, {"", 96, 1},
+        {"", 120, 1.25},       {"", 144, 1.5},
+        {"", 163, 1.75},       {"", 192, 2},
+        {"", 72, 1},           {"", 100000, 8},
+        {"2", 96, 2},          {"1.5", std::nullopt, 1.5},
+        {"0.5", 192, 0.5},     {"0.4", 192, 2},
+        {"9", 192, 2},         {"two", 192, 2},
+        {"2x", 192, 2},        {"nan", 192, 2},
         {" 3 ", 192, 3},
     };
     for (const Case& each : cases)
-        EXPECT_EQ(
-            scaleFor(each.demand ? std::optional<std::string_view>{each.demand} : std::nullopt,
-                     each.dots),
-            each.scale)
-            << (each.demand ? each.demand : "no demand") << " at " << each.dots.value_or(-1);
+        EXPECT_EQ(scaleFor(each.demand, each.dots), each.scale)
+            << each.demand << " at " << each.dots.value_or(-1);
 }
 
 TEST(ScreenLayout, FindsANumberAmongTheResources) {

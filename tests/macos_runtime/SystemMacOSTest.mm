@@ -309,18 +309,18 @@ TEST_F(SystemMacOSTest, BundlesTakeTheirPlaceInOneStep) {
 }
 
 TEST_F(SystemMacOSTest, OpenIsReadToItsEndBeforeItIsWaitedFor) {
-    const RunOpenCommand open = makeInstallationMacOS().runOpenCommand;
+    const OpenApplication open = makeInstallationMacOS().openApplication;
     const std::string output = "cannot open\n\n";
     setAnswer("NSPipe.fileHandleForReading", [NSFileHandle new]);
     setAnswer("NSFileHandle.readDataToEndOfFileAndReturnError:",
               [NSData dataWithBytes:output.data() length:output.size()]);
     setAnswer("NSTask.terminationStatus", 1);
-    const auto end = open({"-g", "/x.app"});
+    const auto end = open("/x.app", {"--installed"});
     ASSERT_TRUE(end);
     EXPECT_EQ(end->status, 1);
     EXPECT_EQ(end->output, "cannot open");
     setAnswer("NSTask.error", macrt::makeError(NSCocoaErrorDomain, 4, @"no such file"));
-    EXPECT_EQ(open({}).error().code, 4);
+    EXPECT_EQ(open("/x.app", {}).error().code, 4);
 }
 
 TEST_F(SystemMacOSTest, TheLoaderAnswersAndMakesArrays) {

@@ -23,12 +23,9 @@ TEST(AddOnSignals, AStatusIsReadBackAsItWasWrittenAndNotGuessed) {
 }
 
 TEST(AddOnInstallLocation, TheBundleLiesInTheSupportFolder) {
-    const auto support = AddOnInstallLocation::applicationSupport("/Users/ada");
-    EXPECT_EQ(AddOnInstallLocation::bundle(support),
-              "/Users/ada/Library/Application Support/"
-              "example.quillon.Quorvane.LockScreenAddOn/Quorvane Lock Screen.app");
-    EXPECT_EQ(AddOnInstallLocation::supportDirectory(support),
-              AddOnInstallLocation::bundle(support).parent_path());
+    const std::string support = "/support/example.quillon.Quorvane.LockScreenAddOn";
+    EXPECT_EQ(AddOnInstallLocation::supportDirectory("/support"), support);
+    EXPECT_EQ(AddOnInstallLocation::bundle("/support"), support + "/Quorvane Lock Screen.app");
 }
 
 }  // namespace

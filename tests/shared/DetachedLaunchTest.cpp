@@ -6,13 +6,13 @@ namespace quorvane {
 namespace {
 
 TEST(DetachedLaunch, TellsItsFailuresApart) {
-    Result<DetachedLaunch::Ended> answer = DetachedLaunch::Ended{3, ""};
-    const DetachedLaunch open{.runOpen = [&](const auto&) { return answer; }};
+    Result<OpenCommandEnd> answer = OpenCommandEnd{3, ""};
+    const DetachedLaunch open{.open = [&](const auto&, const auto&) { return answer; }};
     auto failed = open.launch("/X.app", {});
     ASSERT_FALSE(failed);
     EXPECT_EQ(std::get<DetachedLaunch::Failure>(failed.error()).description(),
               "open exited with status 3");
-    answer = DetachedLaunch::Ended{1, "no such application"};
+    answer = OpenCommandEnd{1, "no such application"};
     failed = open.launch("/X.app", {});
     EXPECT_EQ(std::get<DetachedLaunch::Failure>(failed.error()).description(),
               "no such application");

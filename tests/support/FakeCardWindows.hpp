@@ -88,7 +88,6 @@ private:
 struct FakeCardWindows {
     std::vector<std::shared_ptr<FakeWindowState>> windows;
     std::vector<std::shared_ptr<FakeStage>> stages;
-    std::vector<long> lifted;
     bool reducesMotion = false;
     bool makesWindows = true;
 
@@ -110,8 +109,6 @@ struct FakeCardWindows {
                         stages.push_back(std::make_shared<FakeStage>());
                         return stages.back();
                     },
-                .liftAboveLock =
-                    [this](CardSystemWindow& window) { lifted.push_back(window.number()); },
                 .reducesMotion = [this] { return reducesMotion; },
                 .measureText =
                     [](const std::string& text, const FontStyle& font) {

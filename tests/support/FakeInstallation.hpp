@@ -20,8 +20,9 @@ struct FakeInstallation {
     std::map<std::filesystem::path, std::string> bundles;
     std::vector<RunningCopy> copies{kMe};  // this one last
     bool loginItemRefuses = false;
-    int calls = 0;    // of what may fail
-    int failing = 0;  // the number of the one that does
+    std::vector<std::int32_t> asked{};  // to quit
+    int calls = 0;                      // of what may fail
+    int failing = 0;                    // the number of the one that does
 
     Installation table() {
         return {.loginItem = {.status = [this] { return loginItem; },
@@ -30,10 +31,11 @@ struct FakeInstallation {
                 .fileManager = {.removeItem = [this](const auto& path) { return remove(path); },
                                 .fileExists = [this](const auto& path) { return exists(path); },
                                 .identity = [this](const auto& path) { return identity(path); }},
-                .runningApplications = {.running = [this](const auto&) { return copies; },
-                                        .current = [this] { return copies.back(); },
-                                        .terminate = [](std::int32_t) {}},
-                .runOpenCommand = [](const auto&) -> Result<OpenCommandEnd> {
+                .runningApplications = {
+                    .running = [this](const auto&) { return copies; },
+                    .current = [this] { return copies.back(); },
+                    .terminate = [this](std::int32_t pid) { asked.push_back(pid); }},
+                .openApplication = [](const auto&, const auto&) -> Result<OpenCommandEnd> {
                     return OpenCommandEnd{};
                 },
                 .applicationSupport = "/support"};
@@ -58,7 +60,7 @@ private:
         if (!exists(path))
             return std::unexpected{PlatformError{PlatformError::Domain::cocoa, 4, "no such file"}};
         if (++calls == failing)
-            return std::unexpected{PlatformError{.code = 13, .description = "denied"}};
+            return std::unexpected{PlatformError{PlatformError::Domain::cocoa, 13, "denied"}};
         std::erase_if(bundles, liesAt(path));
         return {};
     }

@@ -1,4 +1,4 @@
-// Both notice services inside one process: posts are delivered at once to whoever observes.
+// Both notice services inside one process: posts reach their observers at once.
 #pragma once
 
 #include <map>

@@ -1,5 +1,4 @@
-// A whole platform in memory, with the main application behind its ports. Nothing moves but by the
-// test's hand.
+// A whole platform in memory, with the main application behind its ports. Only the test moves it.
 #pragma once
 
 #include <algorithm>
@@ -25,6 +24,8 @@
 
 namespace quorvane {
 
+inline constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
+
 // Which call of the operations that can fail does fail.
 struct Faults {
     int calls = 0;
@@ -37,7 +38,7 @@ struct Faults {
     }
 };
 
-// The main application's end of the link: it plays one track and notes what it is told.
+// The main application's end of the link: it plays one track and records its requests.
 class ScriptedMainApp {
 public:
     Bytes secret = Bytes(MessagePortWire::kSecretLength, std::byte{7});
@@ -91,14 +92,13 @@ private:
                 state.timestamp = now_();
                 return lies ? copyOf(bytesOf("{\"track\":[")) : encoded(state);
             case MessageType::performAction:
-                commands.emplace_back(name(quorvaneAction(first).value()));
+                commands.emplace_back(actionName(quorvaneAction(first).value()));
                 return {};
             case MessageType::setVolume:
                 commands.push_back("volume " + std::to_string(first));
                 return {};
             case MessageType::lockScreenHello:
-                hellos.push_back(
-                    XPCCodableHelpers::decode<LockScreenAddOnHello>(copyOf(*payload)).value());
+                hellos.push_back(XPCCodableHelpers::decode<LockScreenAddOnHello>(*payload).value());
                 return lies ? copyOf(bytesOf("yes")) : encoded(configuration);
             default: return {};
         }

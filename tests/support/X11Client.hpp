@@ -134,15 +134,13 @@ public:
                 double(size->height)};
     }
     xcb_window_t parent(xcb_window_t window) const {
-        const auto reply = tree(window);
+        const auto reply =
+            xcbReply(xcb_query_tree_reply, connection_, xcb_query_tree(connection_, window));
         return reply ? reply->parent : xcb_window_t{XCB_WINDOW_NONE};
     }
     // From the bottom up.
     std::vector<xcb_window_t> children(xcb_window_t window) const {
-        const auto reply = tree(window);
-        if (!reply) return {};
-        const xcb_window_t* const first = xcb_query_tree_children(reply.get());
-        return {first, first + xcb_query_tree_children_length(reply.get())};
+        return childrenOf(connection_, window);
     }
 
     // The user's hand, through the server's test extension.
@@ -172,10 +170,6 @@ public:
     }
 
 private:
-    XcbReply<xcb_query_tree_reply_t> tree(xcb_window_t window) const {
-        return xcbReply(xcb_query_tree_reply, connection_, xcb_query_tree(connection_, window));
-    }
-
     xcb_connection_t* connection_;
     const xcb_screen_t* screen_;
 };

@@ -11,7 +11,6 @@ namespace {
 constexpr char kService[] = "org.a11y.Bus";
 constexpr char kPath[] = "/org/a11y/bus";
 constexpr char kStatus[] = "org.a11y.Status";
-constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
 constexpr auto kAnswerDeadline = std::chrono::seconds{5};
 
 }  // namespace
@@ -46,25 +45,19 @@ void AccessibilityLinux::disappeared(AccessibleCard& card) {
 }
 
 void AccessibilityLinux::watch() {
-    const auto again = [this](sd_bus_message*) { askWhetherInUse(); };
-    const std::string rule = "type='signal',";
-    matches_.push_back(sessionBus_.match(rule + "path='" + kPath + "',interface='" + kProperties +
+    const auto again = [this] { askWhetherInUse(); };
+    matches_.push_back(sessionBus_.match(std::string{"type='signal',path='"} + kPath +
+                                             "',interface='" + kBusProperties +
                                              "',member='PropertiesChanged',arg0='" + kStatus + "'",
-                                         again));
-    matches_.push_back(sessionBus_.match(rule +
-                                             "sender='org.freedesktop.DBus',"
-                                             "member='NameOwnerChanged',arg0='" +
-                                             kService + "'",
-                                         again));
-    matches_.push_back(sessionBus_.observeReconnection([this] { askWhetherInUse(); }));
+                                         [again](sd_bus_message*) { again(); }));
+    matches_.push_back(sessionBus_.observeOwner(kService, again));
+    matches_.push_back(sessionBus_.observeReconnection(again));
     askWhetherInUse();
 }
 
 void AccessibilityLinux::askWhetherInUse() {
-    sd_bus* const bus = sessionBus_.connection();
-    const auto call = newBusRequest(bus, kService, kPath, kProperties, "GetAll");
-    if (call) sd_bus_message_append(call.get(), "s", kStatus);
-    question_ = sendBusRequest(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    const BusMethod getAll{kService, kPath, kBusProperties, "GetAll", {kStatus}};
+    question_ = callBus(sessionBus_, getAll, kAnswerDeadline, [this](sd_bus_message* reply) {
         PropertyDictionary status;
         if (reply && readBusDictionary(reply, status) < 0) status.clear();
         if (!isAssistiveTechnologyInUse(status)) return disconnect();
@@ -73,9 +66,8 @@ void AccessibilityLinux::askWhetherInUse() {
 }
 
 void AccessibilityLinux::askForBus() {
-    sd_bus* const bus = sessionBus_.connection();
-    const auto call = newBusRequest(bus, kService, kPath, kService, "GetAddress");
-    question_ = sendBusRequest(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    const BusMethod getAddress{kService, kPath, kService, "GetAddress"};
+    question_ = callBus(sessionBus_, getAddress, kAnswerDeadline, [this](sd_bus_message* reply) {
         const char* address = nullptr;
         if (reply && sd_bus_message_read(reply, "s", &address) > 0) connect(address);
     });

@@ -9,7 +9,7 @@
 #include "platform/PropertyValue.hpp"
 #include "platform/linux/accessibility/AccessibleCard.hpp"
 #include "platform/linux/accessibility/AtspiConnection.hpp"
-#include "platform/linux/bus/SessionBus.hpp"
+#include "platform/linux/bus/BusConnection.hpp"
 
 namespace quorvane {
 
@@ -22,8 +22,6 @@ public:
     void appeared(AccessibleCard& card) override;
     void changed(AccessibleCard& card) override;
     void disappeared(AccessibleCard& card) override;
-
-    bool isConnected() const { return connection_ != nullptr; }
 
 private:
     void watch();

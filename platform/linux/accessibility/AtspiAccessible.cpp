@@ -4,11 +4,6 @@
 
 namespace quorvane {
 
-std::string atspiName(const AtspiNode& node) {
-    if (!node.card) return "Quorvane Lock Screen";
-    return node.control ? node.control->label : node.card->accessibleScene().label;
-}
-
 namespace {
 
 // Number and name of a role in the interface.
@@ -17,6 +12,12 @@ struct Role {
     const char* name;
 };
 enum State { kEnabled = 8, kHorizontal = 14, kSensitive = 24, kShowing = 25, kVisible = 30 };
+
+// The name that a screen reader speaks.
+std::string nameOf(const AtspiNode& node) {
+    if (!node.card) return "Quorvane Lock Screen";
+    return node.control ? node.control->label : node.card->accessibleScene().label;
+}
 
 Role roleOf(const AtspiNode& node) {
     if (!node.card) return {75, "application"};
@@ -46,39 +47,26 @@ int answer(sd_bus_message* call, const char* types, auto... values) {
     return sd_bus_reply_method_return(call, types, values...);
 }
 
-int answerReference(sd_bus_message* call, void* data, const AtspiNode* node) {
-    sd_bus_message* reply = nullptr;
-    int result = sd_bus_message_new_method_return(call, &reply);
-    if (result >= 0) result = atspiObjects(data).append(reply, node);
-    if (result >= 0) result = sd_bus_send(nullptr, reply, nullptr);
-    sd_bus_message_unref(reply);
-    return result;
-}
-
 int childAt(sd_bus_message* call, void* data, sd_bus_error*) {
     std::int32_t index = 0;
     if (const int result = sd_bus_message_read(call, "i", &index); result < 0) return result;
     const auto children = atspiObjects(data).tree.children(atspiNode(data, call));
     const bool isThere = index >= 0 && static_cast<std::size_t>(index) < children.size();
-    return answerReference(call, data,
-                           isThere ? &children[static_cast<std::size_t>(index)] : nullptr);
+    return atspiObjects(data).answer(
+        call, isThere ? &children[static_cast<std::size_t>(index)] : nullptr);
 }
 
 int allChildren(sd_bus_message* call, void* data, sd_bus_error*) {
-    sd_bus_message* reply = nullptr;
-    int result = sd_bus_message_new_method_return(call, &reply);
-    if (result >= 0) result = sd_bus_message_open_container(reply, 'a', "(so)");
-    for (const AtspiNode& child : atspiObjects(data).tree.children(atspiNode(data, call)))
-        if (result >= 0) result = atspiObjects(data).append(reply, &child);
-    if (result >= 0) result = sd_bus_message_close_container(reply);
-    if (result >= 0) result = sd_bus_send(nullptr, reply, nullptr);
-    sd_bus_message_unref(reply);
-    return result;
+    const AtspiObjects& objects = atspiObjects(data);
+    return answerAtspiArray(call, "(so)", objects.tree.children(atspiNode(data, call)),
+                            [&](sd_bus_message* reply, const AtspiNode& child) {
+                                return objects.append(reply, &child);
+                            });
 }
 
 int application(sd_bus_message* call, void* data, sd_bus_error*) {
     const AtspiNode root;
-    return answerReference(call, data, &root);
+    return atspiObjects(data).answer(call, &root);
 }
 
 int indexInParent(sd_bus_message* call, void* data, sd_bus_error*) {
@@ -105,21 +93,16 @@ int states(sd_bus_message* call, void* data, sd_bus_error*) {
 
 int interfaces(sd_bus_message* call, void* data, sd_bus_error*) {
     const AtspiNode node = atspiNode(data, call);
-    sd_bus_message* reply = nullptr;
-    int result = sd_bus_message_new_method_return(call, &reply);
-    if (result >= 0) result = sd_bus_message_open_container(reply, 'a', "s");
-    for (const AtspiInterface* interface : kAtspiInterfaces)
-        if (result >= 0 && interface->isOf(node))
-            result = sd_bus_message_append(reply, "s", interface->name);
-    if (result >= 0) result = sd_bus_message_close_container(reply);
-    if (result >= 0) result = sd_bus_send(nullptr, reply, nullptr);
-    sd_bus_message_unref(reply);
-    return result;
+    return answerAtspiArray(call, "s", kAtspiInterfaces,
+                            [&](sd_bus_message* reply, const AtspiInterface* interface) {
+                                if (!interface->isOf(node)) return 0;
+                                return sd_bus_message_append(reply, "s", interface->name);
+                            });
 }
 
 int name(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply, void* data,
          sd_bus_error*) {
-    return sd_bus_message_append(reply, "s", atspiName(atspiNode(data, path)).c_str());
+    return sd_bus_message_append(reply, "s", nameOf(atspiNode(data, path)).c_str());
 }
 
 int nothing(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*,

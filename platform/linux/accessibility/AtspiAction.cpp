@@ -48,15 +48,11 @@ int nothing(sd_bus_message* call, void*, sd_bus_error*) {
 }
 
 int all(sd_bus_message* call, void* data, sd_bus_error*) {
-    sd_bus_message* reply = nullptr;
-    int result = sd_bus_message_new_method_return(call, &reply);
-    if (result >= 0) result = sd_bus_message_open_container(reply, 'a', "(sss)");
-    for (const AccessibilityAction action : actionsOf(atspiNode(data, call)))
-        if (result >= 0) result = sd_bus_message_append(reply, "(sss)", nameOf(action), "", "");
-    if (result >= 0) result = sd_bus_message_close_container(reply);
-    if (result >= 0) result = sd_bus_send(nullptr, reply, nullptr);
-    sd_bus_message_unref(reply);
-    return result;
+    return answerAtspiArray(call, "(sss)", actionsOf(atspiNode(data, call)),
+                            [](sd_bus_message* reply, AccessibilityAction action) {
+                                return sd_bus_message_append(reply, "(sss)", nameOf(action), "",
+                                                             "");
+                            });
 }
 
 int count(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply, void* data,

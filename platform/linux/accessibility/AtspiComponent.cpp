@@ -88,12 +88,7 @@ std::optional<AtspiNode> nodeAt(const AtspiNode& node, const Asked& asked) {
 
 int atPoint(sd_bus_message* call, void* data, sd_bus_error*) {
     const auto found = nodeAt(atspiNode(data, call), readPoint(call));
-    sd_bus_message* reply = nullptr;
-    int result = sd_bus_message_new_method_return(call, &reply);
-    if (result >= 0) result = atspiObjects(data).append(reply, found ? &*found : nullptr);
-    if (result >= 0) result = sd_bus_send(nullptr, reply, nullptr);
-    sd_bus_message_unref(reply);
-    return result;
+    return atspiObjects(data).answer(call, found ? &*found : nullptr);
 }
 
 int layer(sd_bus_message* call, void* data, sd_bus_error*) {

@@ -1,5 +1,5 @@
 // Shared parts of the accessible objects' interfaces: lookup of a message's target object, and
-// encoding of objects and texts in replies.
+// encoding of objects in replies.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -18,11 +18,19 @@ struct AtspiObjects {
     std::string busName;                 // this connection's unique name
     std::int32_t applicationNumber = 0;  // assigned by the registry
 
-    // Appends a reference to the object; null appends the null reference.
+    // A reference to the object; that of null is the null reference.
     int append(sd_bus_message* message, const AtspiNode* node) const {
-        return node ? sd_bus_message_append(message, "(so)", busName.c_str(),
-                                            AtspiTree::path(*node).c_str())
-                    : sd_bus_message_append(message, "(so)", "", "/org/a11y/atspi/null");
+        return sd_bus_message_append(message, "(so)", node ? busName.c_str() : "",
+                                     path(node).c_str());
+    }
+    int answer(sd_bus_message* call, const AtspiNode* node) const {
+        return sd_bus_reply_method_return(call, "(so)", node ? busName.c_str() : "",
+                                          path(node).c_str());
+    }
+
+private:
+    static std::string path(const AtspiNode* node) {
+        return node ? AtspiTree::path(*node) : "/org/a11y/atspi/null";
     }
 };
 
@@ -34,6 +42,20 @@ inline AtspiNode atspiNode(void* userData, const char* path) {
 }
 inline AtspiNode atspiNode(void* userData, sd_bus_message* call) {
     return atspiNode(userData, sd_bus_message_get_path(call));
+}
+
+// Replies with an array. `append` adds one element and returns the bus library's error number.
+template <typename Range, typename Append>
+int answerAtspiArray(sd_bus_message* call, const char* type, Range&& elements, Append append) {
+    sd_bus_message* reply = nullptr;
+    int result = sd_bus_message_new_method_return(call, &reply);
+    if (result >= 0) result = sd_bus_message_open_container(reply, 'a', type);
+    for (const auto& element : elements)
+        if (result >= 0) result = append(reply, element);
+    if (result >= 0) result = sd_bus_message_close_container(reply);
+    if (result >= 0) result = sd_bus_send(nullptr, reply, nullptr);
+    sd_bus_message_unref(reply);
+    return result;
 }
 
 // An interface: its members and the objects that implement it.
@@ -51,11 +73,5 @@ extern const AtspiInterface kAtspiValue;
 
 inline constexpr const AtspiInterface* kAtspiInterfaces[] = {
     &kAtspiAccessible, &kAtspiApplication, &kAtspiAction, &kAtspiComponent, &kAtspiValue};
-
-// Members of the single cache object.
-extern const sd_bus_vtable kAtspiCacheMembers[];
-
-// The name that a screen reader speaks.
-std::string atspiName(const AtspiNode& node);
 
 }  // namespace quorvane

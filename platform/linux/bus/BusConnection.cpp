@@ -1,118 +1,106 @@
 #include "platform/linux/bus/BusConnection.hpp"
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <algorithm>
-#include <map>
+#include <cerrno>
 #include <utility>
 
 #include "platform/linux/files/PosixError.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 
 namespace quorvane {
 namespace {
 
-using std::chrono::seconds;
+constexpr Duration kLastRetryDelay = std::chrono::seconds{512};
 
-constexpr Duration kFirstRetryDelay = seconds{1};
-constexpr Duration kLastRetryDelay = seconds{512};
+// A bus's owner can read and forge every notice. An address that is inherited by mistake, for
+// example through `sudo`, leads to another user's bus.
+bool runsAsThisUser(sd_bus* bus) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    const int descriptor = sd_bus_get_fd(bus);
+    return descriptor >= 0 && getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
+           peer.uid == geteuid();
+}
+
+int openSessionBus(sd_bus** bus) {
+    const int result = sd_bus_open_user(bus);
+    if (result < 0 || runsAsThisUser(*bus)) return result;
+    *bus = sd_bus_close_unref(*bus);
+    return -EPERM;
+}
 
 }  // namespace
 
-struct BusConnection::State : std::enable_shared_from_this<State> {
-    struct Match {
-        State* state;
-        std::string rule;
-        std::function<void(sd_bus_message*)> handler;
-        sd_bus_slot* slot = nullptr;
-    };
-
-    EventLoop& loop;
-    const Logger log;
-    const char* const name;
-    const Open openBus;
-    sd_bus* bus = nullptr;
-    sd_bus_slot* answerSlot = nullptr;
-    sd_bus_slot* disconnectedSlot = nullptr;
-    std::map<std::uint64_t, std::unique_ptr<Match>> matches;
-    std::uint64_t matchesMade = 0;
-    Listeners<> losses;
-    Listeners<> reconnections;
-    bool isEstablished = false;  // the bus has answered on this connection
-    bool isMissed = false;       // no bus, and that was logged; until the bus answers again
-    Duration retryDelay = kFirstRetryDelay;
-    Timer retry;
-
-    State(EventLoop& eventLoop, Logger logger, const char* busName, Open opener)
-        : loop(eventLoop), log(std::move(logger)), name(busName), openBus(opener) {}
-    ~State();
-
-    sd_bus* usable();
-    int open();
-    int watchConnection();
-    void install(Match& match);
-    void established();
-    void lost();
-    void drop();
-    void retryLater();
+struct BusConnection::Match {
+    BusConnection* owner;
+    std::string rule;
+    std::function<void(sd_bus_message*)> handler;
+    sd_bus_slot* slot = nullptr;
 };
 
-BusConnection::State::~State() {
-    for (auto& [number, match] : matches) sd_bus_slot_unref(match->slot);
-    sd_bus_slot_unref(answerSlot);
-    sd_bus_slot_unref(disconnectedSlot);
-    sd_bus_flush_close_unref(bus);
+BusConnection::BusConnection(EventLoop& loop, Logger log, const char* name, Open opener)
+    : loop_(loop), log_(std::move(log)), name_(name), openBus_(opener) {}
+
+BusConnection::~BusConnection() {
+    for (auto& [number, match] : matches_) sd_bus_slot_unref(match->slot);
+    sd_bus_slot_unref(answerSlot_);
+    sd_bus_slot_unref(disconnectedSlot_);
+    sd_bus_flush_close_unref(bus_);
 }
 
-sd_bus* BusConnection::State::usable() {
-    if (bus && sd_bus_is_open(bus) <= 0) lost();
-    if (bus) return bus;
+sd_bus* BusConnection::connection() {
+    if (bus_ && sd_bus_is_open(bus_) <= 0) lost();
+    if (bus_) return bus_;
     const int result = open();
-    if (result >= 0) return bus;
+    if (result >= 0) return bus_;
     drop();
-    if (!std::exchange(isMissed, true))
-        log.error("bus: no %{public}s bus: %{public}s", name, errnoText(-result));
+    if (!std::exchange(isMissed_, true))
+        log_.error("bus: no %{public}s bus: %{public}s", name_, errnoText(-result));
     retryLater();
     return nullptr;
 }
 
-int BusConnection::State::open() {
-    int result = openBus(&bus);
+int BusConnection::open() {
+    int result = openBus_(&bus_);
     if (result < 0) return result;
     result = watchConnection();
     if (result < 0) return result;
-    result = sd_bus_attach_event(bus, loop.event(), SD_EVENT_PRIORITY_NORMAL);
+    result = sd_bus_attach_event(bus_, loop_.event(), SD_EVENT_PRIORITY_NORMAL);
     if (result < 0) return result;
-    for (auto& [number, match] : matches) install(*match);
+    for (auto& [number, match] : matches_) install(*match);
     return 0;
 }
 
-int BusConnection::State::watchConnection() {
+int BusConnection::watchConnection() {
     constexpr char kLocal[] = "org.freedesktop.DBus.Local";
     constexpr char kBus[] = "org.freedesktop.DBus";
     // A socket that accepts the connection does not prove that a bus answers.
     const auto onAnswer = [](sd_bus_message* answer, void* self, sd_bus_error*) {
         if (!sd_bus_message_is_method_error(answer, nullptr))
-            static_cast<State*>(self)->established();
+            static_cast<BusConnection*>(self)->established();
         return 0;
     };
     // Deferred, because a connection must not be dropped inside its own callback.
     const auto onDisconnected = [](sd_bus_message*, void* self, sd_bus_error*) {
-        auto* state = static_cast<State*>(self);
-        state->loop.mainThread().post([weak = state->weak_from_this()] {
-            const auto owner = weak.lock();
-            if (owner && owner->bus && sd_bus_is_open(owner->bus) <= 0) owner->lost();
+        auto* connection = static_cast<BusConnection*>(self);
+        connection->loop_.mainThread().post([connection, life = connection->life_.watch()] {
+            if (life.isOver()) return;
+            if (connection->bus_ && sd_bus_is_open(connection->bus_) <= 0) connection->lost();
         });
         return 0;
     };
     const int result =
-        sd_bus_call_method_async(bus, &answerSlot, kBus, "/org/freedesktop/DBus",
+        sd_bus_call_method_async(bus_, &answerSlot_, kBus, "/org/freedesktop/DBus",
                                  "org.freedesktop.DBus.Peer", "Ping", onAnswer, this, nullptr);
     if (result < 0) return result;
     // The library generates this signal locally, without a request to the bus.
-    return sd_bus_match_signal(bus, &disconnectedSlot, kLocal, nullptr, kLocal, "Disconnected",
+    return sd_bus_match_signal(bus_, &disconnectedSlot_, kLocal, nullptr, kLocal, "Disconnected",
                                onDisconnected, this);
 }
 
-void BusConnection::State::install(Match& match) {
+void BusConnection::install(Match& match) {
     const auto onMessage = [](sd_bus_message* message, void* self, sd_bus_error*) {
         // A copy, because the handler may drop its own handle.
         const auto handler = static_cast<Match*>(self)->handler;
@@ -121,84 +109,80 @@ void BusConnection::State::install(Match& match) {
     };
     const auto onInstalled = [](sd_bus_message* message, void* self, sd_bus_error*) {
         if (const sd_bus_error* error = sd_bus_message_get_error(message))
-            static_cast<Match*>(self)->state->log.error(
+            static_cast<Match*>(self)->owner->log_.error(
                 "bus: match refused: %{public}s", error->message ? error->message : error->name);
         return 0;
     };
-    const int result = sd_bus_add_match_async(bus, &match.slot, match.rule.c_str(), onMessage,
+    const int result = sd_bus_add_match_async(bus_, &match.slot, match.rule.c_str(), onMessage,
                                               onInstalled, &match);
-    if (result < 0) log.error("bus: match not made: %{public}s", errnoText(-result));
+    if (result < 0) log_.error("bus: match not made: %{public}s", errnoText(-result));
 }
 
-void BusConnection::State::established() {
-    isEstablished = true;
-    retryDelay = kFirstRetryDelay;
-    retry.reset();
-    if (!std::exchange(isMissed, false)) return;
-    log.standard("bus: the %{public}s bus is back", name);
-    reconnections.call();
+void BusConnection::established() {
+    isEstablished_ = true;
+    retryDelay_ = kFirstRetryDelay;
+    retry_.reset();
+    if (!std::exchange(isMissed_, false)) return;
+    log_.standard("bus: the %{public}s bus is back", name_);
+    reconnections_.call();
 }
 
-void BusConnection::State::lost() {
+void BusConnection::lost() {
     drop();
-    const bool wasEstablished = std::exchange(isEstablished, false);
+    const bool wasEstablished = std::exchange(isEstablished_, false);
     if (wasEstablished)
-        log.error("bus: the %{public}s bus went away", name);
-    else if (!isMissed)
-        log.error("bus: the %{public}s bus does not answer", name);
-    isMissed = true;
+        log_.error("bus: the %{public}s bus went away", name_);
+    else if (!isMissed_)
+        log_.error("bus: the %{public}s bus does not answer", name_);
+    isMissed_ = true;
     retryLater();
-    if (wasEstablished) losses.call();
+    if (wasEstablished) losses_.call();
 }
 
-void BusConnection::State::drop() {
-    for (auto& [number, match] : matches) match->slot = sd_bus_slot_unref(match->slot);
-    answerSlot = sd_bus_slot_unref(answerSlot);
-    disconnectedSlot = sd_bus_slot_unref(disconnectedSlot);
-    bus = sd_bus_close_unref(bus);
+void BusConnection::drop() {
+    for (auto& [number, match] : matches_) match->slot = sd_bus_slot_unref(match->slot);
+    answerSlot_ = sd_bus_slot_unref(answerSlot_);
+    disconnectedSlot_ = sd_bus_slot_unref(disconnectedSlot_);
+    bus_ = sd_bus_close_unref(bus_);
 }
 
 // Using the connection does not postpone the timer. At the longest delays the tolerance lets it
 // coalesce with the hello's timer.
-void BusConnection::State::retryLater() {
-    if (retry) return;
-    retry = loop.clock().afterAbout(retryDelay, retryDelay / 4, [this] {
-        retry.reset();
-        usable();
+void BusConnection::retryLater() {
+    if (retry_) return;
+    retry_ = loop_.clock().afterAbout(retryDelay_, retryDelay_ / 4, [this] {
+        retry_.reset();
+        connection();
     });
-    retryDelay = std::min(2 * retryDelay, kLastRetryDelay);
+    retryDelay_ = std::min(2 * retryDelay_, kLastRetryDelay);
 }
 
-BusConnection::BusConnection(EventLoop& loop, Logger log, const char* name, Open open)
-    : state_(std::make_shared<State>(loop, std::move(log), name, open)) {}
-BusConnection::~BusConnection() = default;
-
-sd_bus* BusConnection::connection() { return state_->usable(); }
-
 Handle BusConnection::match(const std::string& rule, std::function<void(sd_bus_message*)> handler) {
-    State& state = *state_;
-    sd_bus* bus = state.usable();
-    const auto number = state.matchesMade++;
-    auto& match = *state.matches
-                       .emplace(number, std::make_unique<State::Match>(
-                                            State::Match{&state, rule, std::move(handler)}))
-                       .first->second;
-    if (bus) state.install(match);
-    return Handle{[number, weak = std::weak_ptr{state_}] {
-        const auto owner = weak.lock();
-        if (!owner) return;
-        const auto entry = owner->matches.find(number);
+    const bool isConnected = connection() != nullptr;
+    const auto number = matchesMade_++;
+    auto& match = matches_[number];
+    match = std::make_unique<Match>(Match{this, rule, std::move(handler)});
+    if (isConnected) install(*match);
+    return Handle{[this, number, life = life_.watch()] {
+        if (life.isOver()) return;
+        const auto entry = matches_.find(number);
         sd_bus_slot_unref(entry->second->slot);
-        owner->matches.erase(entry);
+        matches_.erase(entry);
     }};
 }
 
-Handle BusConnection::observeLoss(std::function<void()> handler) {
-    return state_->losses.add(std::move(handler));
+Handle BusConnection::observeOwner(const std::string& service, std::function<void()> handler) {
+    return match(
+        "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+        "member='NameOwnerChanged',arg0='" +
+            service + "'",
+        [handler = std::move(handler)](sd_bus_message*) { handler(); });
 }
 
-Handle BusConnection::observeReconnection(std::function<void()> handler) {
-    return state_->reconnections.add(std::move(handler));
-}
+SessionBus::SessionBus(EventLoop& loop, Logger log)
+    : BusConnection(loop, std::move(log), "session", openSessionBus) {}
+
+SystemBus::SystemBus(EventLoop& loop, Logger log)
+    : BusConnection(loop, std::move(log), "system", sd_bus_open_system) {}
 
 }  // namespace quorvane

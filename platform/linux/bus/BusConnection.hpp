@@ -3,11 +3,15 @@
 
 #include <systemd/sd-bus.h>
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
 #include "platform/Handle.hpp"
+#include "platform/LifeToken.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/Log.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
 
@@ -29,22 +33,62 @@ public:
     // Calls the handler for each message that fits the match rule of the bus. Ordered with later
     // sends: the handler receives a signal that is sent after `match`.
     Handle match(const std::string& rule, std::function<void(sd_bus_message*)> handler);
+    // Calls the handler when a service with this name appears, ends or is replaced.
+    Handle observeOwner(const std::string& service, std::function<void()> handler);
     // Calls the handler when an established connection is lost: state reported by services may be
     // stale.
-    Handle observeLoss(std::function<void()> handler);
+    Handle observeLoss(std::function<void()> handler) { return losses_.add(std::move(handler)); }
     // Calls the handler after each reconnection that follows a failure or a loss: earlier requests
     // received no reply.
-    Handle observeReconnection(std::function<void()> handler);
+    Handle observeReconnection(std::function<void()> handler) {
+        return reconnections_.add(std::move(handler));
+    }
 
 protected:
-    // `name` appears in the log and outlives the connection. `open` returns a negative error number
-    // on failure.
+    // `name` appears in the log and outlives the connection. `opener` returns a negative error
+    // number on failure.
     using Open = int (*)(sd_bus** bus);
-    BusConnection(EventLoop& loop, Logger log, const char* name, Open open);
+    BusConnection(EventLoop& loop, Logger log, const char* name, Open opener);
 
 private:
-    struct State;
-    std::shared_ptr<State> state_;  // shared only for the handles' weak pointers
+    static constexpr Duration kFirstRetryDelay = std::chrono::seconds{1};
+    struct Match;
+
+    int open();
+    int watchConnection();
+    void install(Match& match);
+    void established();
+    void lost();
+    void drop();
+    void retryLater();
+
+    EventLoop& loop_;
+    const Logger log_;
+    const char* const name_;
+    const Open openBus_;
+    sd_bus* bus_ = nullptr;
+    sd_bus_slot* answerSlot_ = nullptr;
+    sd_bus_slot* disconnectedSlot_ = nullptr;
+    std::map<std::uint64_t, std::unique_ptr<Match>> matches_;
+    std::uint64_t matchesMade_ = 0;
+    Listeners<> losses_;
+    Listeners<> reconnections_;
+    bool isEstablished_ = false;  // the bus has answered on this connection
+    bool isMissed_ = false;       // no bus, and that was logged; until the bus answers again
+    Duration retryDelay_ = kFirstRetryDelay;
+    Timer retry_;
+    LifeToken life_;  // last, because handles may be dropped while the other members are destroyed
+};
+
+// The session's bus. Uses only a bus that runs as the same user.
+class SessionBus : public BusConnection {
+public:
+    SessionBus(EventLoop& loop, Logger log);
+};
+
+class SystemBus : public BusConnection {
+public:
+    SystemBus(EventLoop& loop, Logger log);
 };
 
 }  // namespace quorvane

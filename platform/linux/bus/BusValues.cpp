@@ -1,6 +1,7 @@
 #include "platform/linux/bus/BusValues.hpp"
 
 #include <cerrno>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -17,7 +18,7 @@ bool isText(char type) {
 }
 
 // Reads a T from the message and stores it as a Kept.
-template <typename T, typename Kept>
+template <typename T, typename Kept = std::int64_t>
 int readBasic(sd_bus_message* message, char type, std::optional<PropertyValue>& value) {
     T read{};
     const int result = sd_bus_message_read_basic(message, type, &read);
@@ -35,16 +36,14 @@ int readText(sd_bus_message* message, char type, std::string& text) {
 int readNumber(sd_bus_message* message, char type, std::optional<PropertyValue>& value) {
     switch (type) {
         case SD_BUS_TYPE_BOOLEAN: return readBasic<int, bool>(message, type, value);
-        case SD_BUS_TYPE_BYTE: return readBasic<std::uint8_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_INT16: return readBasic<std::int16_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_UINT16:
-            return readBasic<std::uint16_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_INT32: return readBasic<std::int32_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_UINT32:
-            return readBasic<std::uint32_t, std::int64_t>(message, type, value);
-        case SD_BUS_TYPE_INT64: return readBasic<std::int64_t, std::int64_t>(message, type, value);
+        case SD_BUS_TYPE_BYTE: return readBasic<std::uint8_t>(message, type, value);
+        case SD_BUS_TYPE_INT16: return readBasic<std::int16_t>(message, type, value);
+        case SD_BUS_TYPE_UINT16: return readBasic<std::uint16_t>(message, type, value);
+        case SD_BUS_TYPE_INT32: return readBasic<std::int32_t>(message, type, value);
+        case SD_BUS_TYPE_UINT32: return readBasic<std::uint32_t>(message, type, value);
+        case SD_BUS_TYPE_INT64: return readBasic<std::int64_t>(message, type, value);
         case SD_BUS_TYPE_UINT64: {
-            const int result = readBasic<std::uint64_t, std::int64_t>(message, type, value);
+            const int result = readBasic<std::uint64_t>(message, type, value);
             // Out of range of the property types.
             if (result > 0 && *value->as<std::int64_t>() < 0) value.reset();
             return result;
@@ -63,12 +62,15 @@ int readBytes(sd_bus_message* message, std::optional<PropertyValue>& value) {
     return result;
 }
 
+// Reads one value of any type; sets none for a value without a counterpart.
+int readValue(sd_bus_message* message, std::optional<PropertyValue>& value);
+
 int readArray(sd_bus_message* message, const char* contents, std::optional<PropertyValue>& value) {
     int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, contents);
     PropertyArray array;
     while (result >= 0 && (result = sd_bus_message_at_end(message, 0)) == 0) {
         std::optional<PropertyValue> element;
-        result = readBusValue(message, element);
+        result = readValue(message, element);
         if (element) array.push_back(*std::move(element));
     }
     if (result < 0) return result;
@@ -79,7 +81,7 @@ int readArray(sd_bus_message* message, const char* contents, std::optional<Prope
 int readVariant(sd_bus_message* message, const char* contents,
                 std::optional<PropertyValue>& value) {
     int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, contents);
-    if (result >= 0) result = readBusValue(message, value);
+    if (result >= 0) result = readValue(message, value);
     return result < 0 ? result : sd_bus_message_exit_container(message);
 }
 
@@ -88,6 +90,30 @@ int readDate(sd_bus_message* message, std::optional<PropertyValue>& value) {
     const int result = sd_bus_message_read(message, "(x)", &nanoseconds);
     if (result > 0) value = PropertyValue{WallTime{Duration{nanoseconds}}};
     return result;
+}
+
+int readValue(sd_bus_message* message, std::optional<PropertyValue>& value) {
+    char type = 0;
+    const char* contents = nullptr;
+    const int result = sd_bus_message_peek_type(message, &type, &contents);
+    if (result <= 0) return result < 0 ? result : -ENXIO;
+    if (isText(type)) {
+        std::string text;
+        const int read = readText(message, type, text);
+        if (read > 0) value = PropertyValue{std::move(text)};
+        return read;
+    }
+    const std::string_view inner = contents ? contents : "";
+    if (type == SD_BUS_TYPE_VARIANT) return readVariant(message, contents, value);
+    if (type == SD_BUS_TYPE_STRUCT && inner == kDateContents) return readDate(message, value);
+    if (type != SD_BUS_TYPE_ARRAY) return readNumber(message, type, value);
+    if (inner == "y") return readBytes(message, value);
+    if (!inner.starts_with('{')) return readArray(message, contents, value);
+    if (!isText(inner[1])) return sd_bus_message_skip(message, nullptr);
+    PropertyDictionary dictionary;
+    const int read = readBusDictionary(message, dictionary);
+    if (read >= 0) value = PropertyValue{std::move(dictionary)};
+    return read;
 }
 
 int appendText(sd_bus_message* message, const std::string& text) {
@@ -131,30 +157,6 @@ static_assert(std::size(kVariantContents) == std::variant_size_v<PropertyValue::
 
 }  // namespace
 
-int readBusValue(sd_bus_message* message, std::optional<PropertyValue>& value) {
-    char type = 0;
-    const char* contents = nullptr;
-    const int result = sd_bus_message_peek_type(message, &type, &contents);
-    if (result <= 0) return result < 0 ? result : -ENXIO;
-    if (isText(type)) {
-        std::string text;
-        const int read = readText(message, type, text);
-        if (read > 0) value = PropertyValue{std::move(text)};
-        return read;
-    }
-    const std::string_view inner = contents ? contents : "";
-    if (type == SD_BUS_TYPE_VARIANT) return readVariant(message, contents, value);
-    if (type == SD_BUS_TYPE_STRUCT && inner == kDateContents) return readDate(message, value);
-    if (type != SD_BUS_TYPE_ARRAY) return readNumber(message, type, value);
-    if (inner == "y") return readBytes(message, value);
-    if (!inner.starts_with('{')) return readArray(message, contents, value);
-    if (!isText(inner[1])) return sd_bus_message_skip(message, nullptr);
-    PropertyDictionary dictionary;
-    const int read = readBusDictionary(message, dictionary);
-    if (read >= 0) value = PropertyValue{std::move(dictionary)};
-    return read;
-}
-
 int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary) {
     int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, nullptr);
     while (result >= 0 && (result = sd_bus_message_at_end(message, 0)) == 0) {
@@ -169,7 +171,7 @@ int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary) {
             result = sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, contents);
         }
         if (result >= 0) result = readText(message, keyType, key);
-        if (result >= 0) result = readBusValue(message, value);
+        if (result >= 0) result = readValue(message, value);
         if (result >= 0) result = sd_bus_message_exit_container(message);
         if (result >= 0 && value) dictionary.insert_or_assign(std::move(key), *std::move(value));
     }

@@ -3,8 +3,6 @@
 
 #include <systemd/sd-bus.h>
 
-#include <optional>
-
 #include "platform/PropertyValue.hpp"
 
 namespace quorvane {
@@ -12,12 +10,10 @@ namespace quorvane {
 // All functions return 0 or more, or the bus library's negative error number. After an error the
 // message is unusable.
 //
-// Reading takes one value of any type at the message's current position. Integers of all sizes
-// become integers; object paths and signatures become strings; variants are unwrapped. Values
-// without a counterpart are skipped, and omitted from arrays and dictionaries: descriptors,
-// structures other than a date, dictionaries whose keys are not text.
-int readBusValue(sd_bus_message* message, std::optional<PropertyValue>& value);
-// Reads a value of type "a{sv}", or any other dictionary with text keys.
+// Reads a value of type "a{sv}", or any other dictionary with text keys, at the message's current
+// position. Integers of all sizes become integers; object paths and signatures become strings;
+// variants are unwrapped. Values without a counterpart are skipped, and omitted from arrays and
+// dictionaries: descriptors, structures other than a date, dictionaries whose keys are not text.
 int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary);
 
 // Appends a variant: "b", "x", "d", "s", "ay", "av", "a{sv}", or "(x)" for a date in nanoseconds

@@ -8,6 +8,7 @@
 
 #include "platform/linux/bus/BusRequest.hpp"
 #include "platform/linux/bus/BusValues.hpp"
+#include "platform/linux/files/Environment.hpp"
 
 namespace quorvane {
 namespace {
@@ -17,7 +18,6 @@ constexpr char kPath[] = "/org/freedesktop/login1";
 constexpr char kManager[] = "org.freedesktop.login1.Manager";
 constexpr char kSession[] = "org.freedesktop.login1.Session";
 constexpr char kSessions[] = "/org/freedesktop/login1/session";
-constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
 constexpr char kLockedHint[] = "LockedHint";
 constexpr auto kAnswerDeadline = std::chrono::seconds{5};
 
@@ -30,7 +30,8 @@ std::string taken(char* text) {
 // The session that this process was started in. A user service has no session and uses the one on
 // the user's screen.
 std::string sessionName() {
-    if (const char* name = std::getenv("XDG_SESSION_ID"); name && *name) return name;
+    if (const auto name = environmentVariable("XDG_SESSION_ID"); !name.empty())
+        return std::string{name};
     char* name = nullptr;
     if (sd_pid_get_session(0, &name) >= 0 || sd_uid_get_display(getuid(), &name) >= 0)
         return taken(name);
@@ -52,13 +53,10 @@ LogindLinux::LogindLinux(BusConnection& bus, Events events)
     observe(fromService + kPath + "',interface='" + kManager + "',member='PrepareForSleep'",
             &LogindLinux::onPrepareForSleep);
     if (sessionPath_.empty()) return;
-    observe(fromService + sessionPath_ + "',interface='" + kProperties +
+    observe(fromService + sessionPath_ + "',interface='" + kBusProperties +
                 "',member='PropertiesChanged',arg0='" + kSession + "'",
             &LogindLinux::onPropertiesChanged);
-    observe(std::string{"type='signal',sender='org.freedesktop.DBus',"
-                        "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='"} +
-                kService + "'",
-            &LogindLinux::onOwnerChanged);
+    observations_.push_back(bus_.observeOwner(kService, [this] { askForHint(); }));
     observations_.push_back(bus_.observeLoss([this] { setLocked(false); }));
     observations_.push_back(bus_.observeReconnection([this] { askForHint(); }));
     askForHint();
@@ -70,10 +68,8 @@ void LogindLinux::observe(const std::string& rule, void (LogindLinux::*handler)(
 }
 
 void LogindLinux::askForHint() {
-    sd_bus* const bus = bus_.connection();
-    const auto call = newBusRequest(bus, kService, sessionPath_, kProperties, "Get");
-    if (call) sd_bus_message_append(call.get(), "ss", kSession, kLockedHint);
-    question_ = sendBusRequest(bus, call, kAnswerDeadline, [this](sd_bus_message* reply) {
+    const BusMethod get{kService, sessionPath_, kBusProperties, "Get", {kSession, kLockedHint}};
+    question_ = callBus(bus_, get, kAnswerDeadline, [this](sd_bus_message* reply) {
         int isLocked = 0;
         setLocked(reply && sd_bus_message_read(reply, "v", "b", &isLocked) >= 0 && isLocked != 0);
     });

@@ -27,7 +27,6 @@ public:
 private:
     void observe(const std::string& rule, void (LogindLinux::*handler)(sd_bus_message*));
     void askForHint();
-    void onOwnerChanged(sd_bus_message*) { askForHint(); }
     void onPropertiesChanged(sd_bus_message* message);
     void onPrepareForSleep(sd_bus_message* message);
     void setLocked(bool isLocked);

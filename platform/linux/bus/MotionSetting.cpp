@@ -17,7 +17,7 @@ constexpr auto kAnswerDeadline = std::chrono::seconds{2};
 
 void MotionSetting::refresh() {
     sd_bus* bus = bus_.connection();
-    const auto call = newBusRequest(bus, kPortal, kPortalPath, kSettings, "ReadAll");
+    const auto call = newBusRequest(bus, {kPortal, kPortalPath, kSettings, "ReadAll"});
     if (call) sd_bus_message_append(call.get(), "as", 2, kAppearance, kGnomeInterface);
     const auto decide = [this](const PropertyDictionary& settings) {
         isReduced_ = reducesMotion(settings).value_or(toolkitAnimates_() == 0);

@@ -7,7 +7,7 @@
 
 #include "platform/Handle.hpp"
 #include "platform/PropertyValue.hpp"
-#include "platform/linux/bus/SessionBus.hpp"
+#include "platform/linux/bus/BusConnection.hpp"
 
 namespace quorvane {
 

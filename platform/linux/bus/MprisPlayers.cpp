@@ -10,7 +10,6 @@ namespace {
 constexpr char kRoot[] = "org.mpris.MediaPlayer2";
 constexpr char kPlayer[] = "org.mpris.MediaPlayer2.Player";
 constexpr char kPath[] = "/org/mpris/MediaPlayer2";
-constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
 constexpr char kBus[] = "org.freedesktop.DBus";
 constexpr char kBusPath[] = "/org/freedesktop/DBus";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
@@ -30,10 +29,15 @@ void MprisPlayers::start() {
     const std::string fromPlayers = std::string{"type='signal',path='"} + kPath + "',interface='";
     listen(fromBus + "',member='NameOwnerChanged',arg0namespace='" + kRoot + "'",
            &MprisPlayers::onNameOwner);
-    listen(fromPlayers + kProperties + "',member='PropertiesChanged',arg0='" + kPlayer + "'",
+    listen(fromPlayers + kBusProperties + "',member='PropertiesChanged',arg0='" + kPlayer + "'",
            &MprisPlayers::onPropertiesChanged);
     listen(fromPlayers + kPlayer + "',member='Seeked'", &MprisPlayers::onSeeked);
+    observations_.push_back(bus_.observeLoss([this] {
+        isLost_ = true;
+        changed();
+    }));
     observations_.push_back(bus_.observeReconnection([this] {
+        isLost_ = false;
         entries_.clear();
         changed();
         findPlayers();
@@ -43,9 +47,8 @@ void MprisPlayers::start() {
 
 void MprisPlayers::findPlayers() {
     lookups_.clear();
-    sd_bus* bus = bus_.connection();
-    const BusRequest question = newBusRequest(bus, kBus, kBusPath, kBus, "ListNames");
-    lookups_.push_back(sendBusRequest(bus, question, kPatience, [this](sd_bus_message* reply) {
+    const BusMethod list{kBus, kBusPath, kBus, "ListNames"};
+    lookups_.push_back(callBus(bus_, list, kPatience, [this](sd_bus_message* reply) {
         if (!reply || sd_bus_message_enter_container(reply, 'a', "s") < 0) return;
         const char* name = nullptr;
         while (sd_bus_message_read_basic(reply, 's', &name) > 0)
@@ -56,60 +59,46 @@ void MprisPlayers::findPlayers() {
 // The bus answers this, not the player. A player that hangs now is matched by its owner when it
 // sends signals later.
 void MprisPlayers::findOwner(const std::string& name) {
-    sd_bus* bus = bus_.connection();
-    const BusRequest question = newBusRequest(bus, kBus, kBusPath, kBus, "GetNameOwner");
-    if (question) sd_bus_message_append(question.get(), "s", name.c_str());
-    lookups_.push_back(
-        sendBusRequest(bus, question, kPatience, [this, name](sd_bus_message* reply) {
-            const char* owner = nullptr;
-            if (!reply || sd_bus_message_read(reply, "s", &owner) < 0) return;
-            if (!entries_.contains(name)) add(name, owner);
-        }));
+    const BusMethod get{kBus, kBusPath, kBus, "GetNameOwner", {name}};
+    lookups_.push_back(callBus(bus_, get, kPatience, [this, name](sd_bus_message* reply) {
+        const char* owner = nullptr;
+        if (!reply || sd_bus_message_read(reply, "s", &owner) < 0) return;
+        if (!entries_.contains(name)) add(name, owner);
+    }));
 }
 
 void MprisPlayers::add(const std::string& name, const std::string& owner) {
     Entry& entry = entries_[name];
     entry.owner = owner;
     entry.player.busName = name;
-    sd_bus* bus = bus_.connection();
-    const BusRequest question =
-        newBusRequest(bus, kBus, kBusPath, kBus, "GetConnectionUnixProcessID");
-    if (question) sd_bus_message_append(question.get(), "s", owner.c_str());
-    entry.processID =
-        sendBusRequest(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
-            std::uint32_t processID = 0;
-            if (!reply || sd_bus_message_read(reply, "u", &processID) < 0) return;
-            entry.player.processID = processID;
-            if (entry.isDescribed) changed();
-        });
+    const BusMethod get{kBus, kBusPath, kBus, "GetConnectionUnixProcessID", {owner}};
+    entry.processID = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
+        std::uint32_t processID = 0;
+        if (!reply || sd_bus_message_read(reply, "u", &processID) < 0) return;
+        entry.player.processID = processID;
+        if (entry.isDescribed) changed();
+    });
     describe(entry);
 }
 
 void MprisPlayers::askIdentity(Entry& entry) {
-    sd_bus* bus = bus_.connection();
-    const BusRequest question = newBusRequest(bus, entry.player.busName, kPath, kProperties, "Get");
-    if (question) sd_bus_message_append(question.get(), "ss", kRoot, "Identity");
-    entry.identity =
-        sendBusRequest(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
-            const char* text = nullptr;
-            if (!reply || sd_bus_message_read(reply, "v", "s", &text) < 0) return;
-            entry.player.identity = text;
-            if (entry.isDescribed) changed();
-        });
+    const BusMethod get{entry.player.busName, kPath, kBusProperties, "Get", {kRoot, "Identity"}};
+    entry.identity = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
+        const char* text = nullptr;
+        if (!reply || sd_bus_message_read(reply, "v", "s", &text) < 0) return;
+        entry.player.identity = text;
+        if (entry.isDescribed) changed();
+    });
 }
 
 void MprisPlayers::describe(Entry& entry) {
     if (entry.description) return;
     if (!entry.isDescribed) askIdentity(entry);
-    sd_bus* bus = bus_.connection();
-    const BusRequest question =
-        newBusRequest(bus, entry.player.busName, kPath, kProperties, "GetAll");
-    if (question) sd_bus_message_append(question.get(), "s", kPlayer);
-    entry.description =
-        sendBusRequest(bus, question, kPatience, [this, &entry](sd_bus_message* reply) {
-            entry.description.reset();
-            if (reply) onDescription(entry, reply);
-        });
+    const BusMethod get{entry.player.busName, kPath, kBusProperties, "GetAll", {kPlayer}};
+    entry.description = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
+        entry.description.reset();
+        if (reply) onDescription(entry, reply);
+    });
 }
 
 void MprisPlayers::onDescription(Entry& entry, sd_bus_message* reply) {
@@ -176,19 +165,18 @@ void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {
 }
 
 void MprisPlayers::call(const std::string& name, const std::string& method) {
-    tell(newBusRequest(bus_.connection(), name, kPath, kPlayer, method));
+    tell(newBusRequest(bus_.connection(), {name, kPath, kPlayer, method}));
 }
 
 void MprisPlayers::raise(const std::string& name) {
-    tell(newBusRequest(bus_.connection(), name, kPath, kRoot, "Raise"));
+    tell(newBusRequest(bus_.connection(), {name, kPath, kRoot, "Raise"}));
 }
 
 void MprisPlayers::set(const std::string& name, const std::string& property,
                        const PropertyValue& value) {
-    const BusRequest message = newBusRequest(bus_.connection(), name, kPath, kProperties, "Set");
-    if (message && sd_bus_message_append(message.get(), "ss", kPlayer, property.c_str()) >= 0 &&
-        appendBusVariant(message.get(), value) >= 0)
-        tell(message);
+    const BusRequest message =
+        newBusRequest(bus_.connection(), {name, kPath, kBusProperties, "Set", {kPlayer, property}});
+    if (message && appendBusVariant(message.get(), value) >= 0) tell(message);
 }
 
 // Expects no reply, because the result appears in the player's properties.
@@ -201,17 +189,19 @@ void MprisPlayers::tell(const BusRequest& call) {
 // Coalesces all changes of one turn of the main loop into one notification.
 void MprisPlayers::changed() {
     if (std::exchange(isPublishing_, true)) return;
-    mainThread_.post([weak = weak_from_this()] {
-        if (const auto self = weak.lock()) self->publish();
+    mainThread_.post([this, life = life_.watch()] {
+        if (!life.isOver()) publish();
     });
 }
 
 void MprisPlayers::publish() {
     isPublishing_ = false;
+    // Not earlier, because a loss may be noticed while an entry is in use.
+    if (std::exchange(isLost_, false)) entries_.clear();
     list_.clear();
     for (const auto& [name, entry] : entries_)
         if (entry.isDescribed) list_.push_back(entry.player);
-    revision_.set(revision_.get() + 1);
+    listeners_.call();
 }
 
 }  // namespace quorvane

@@ -6,20 +6,20 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "platform/LifeToken.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/MediaPlayers.hpp"
-#include "platform/Observable.hpp"
+#include "platform/linux/bus/BusConnection.hpp"
 #include "platform/linux/bus/BusRequest.hpp"
-#include "platform/linux/bus/SessionBus.hpp"
 
 namespace quorvane {
 
 // Main thread only. Implements the operations of the MediaPlayers table.
-class MprisPlayers : public std::enable_shared_from_this<MprisPlayers> {
+class MprisPlayers {
 public:
     MprisPlayers(SessionBus& bus, Clock clock, MainThread mainThread)
         : bus_(bus), clock_(std::move(clock)), mainThread_(std::move(mainThread)) {}
@@ -27,9 +27,7 @@ public:
     // Subscribes to signals and looks for players.
     void start();
     const std::vector<MediaPlayer>& list() const { return list_; }
-    Handle observe(std::function<void()> handler) {
-        return revision_.subscribe(std::move(handler));
-    }
+    Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
     void refresh(const std::string& name);
     void call(const std::string& name, const std::string& method);
     void raise(const std::string& name);
@@ -71,8 +69,10 @@ private:
     std::vector<Handle> lookups_;  // requests to the bus
     std::vector<MediaPlayer> list_;
     bool isPublishing_ = false;
-    Observable<std::uint64_t> revision_{0};
+    bool isLost_ = false;  // the players went away with the bus
+    Listeners<> listeners_;
     std::vector<Handle> observations_;
+    LifeToken life_;
 };
 
 }  // namespace quorvane

@@ -3,8 +3,8 @@
 
 #include "platform/DarwinNotices.hpp"
 #include "platform/DistributedNotices.hpp"
+#include "platform/linux/bus/BusConnection.hpp"
 #include "platform/linux/bus/LocalNotices.hpp"
-#include "platform/linux/bus/SessionBus.hpp"
 
 namespace quorvane {
 

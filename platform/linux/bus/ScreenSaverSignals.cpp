@@ -51,25 +51,17 @@ void ScreenSaverSignals::observe(std::size_t index) {
                        if (sd_bus_message_read(message, "b", &isActive) >= 0)
                            set(index, isActive != 0);
                    }));
-    service.observations.push_back(
-        bus_.match("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                   "member='NameOwnerChanged',arg0='" +
-                       service.name + "'",
-                   // A service that has exited does not answer, so it counts as inactive.
-                   [this, index](sd_bus_message*) { ask(index); }));
+    // A service that has exited does not answer, so it counts as inactive.
+    service.observations.push_back(bus_.observeOwner(service.name, [this, index] { ask(index); }));
 }
 
 void ScreenSaverSignals::ask(std::size_t index) {
     Service& service = services_[index];
-    sd_bus* bus = bus_.connection();
-    const auto call =
-        newBusRequest(bus, service.name, pathOf(service.name), service.name, "GetActive");
-    service.question =
-        sendBusRequest(bus, call, kAnswerDeadline, [this, index](sd_bus_message* reply) {
-            int isActive = 0;
-            if (reply && sd_bus_message_read(reply, "b", &isActive) < 0) isActive = 0;
-            set(index, isActive != 0);
-        });
+    const BusMethod get{service.name, pathOf(service.name), service.name, "GetActive"};
+    service.question = callBus(bus_, get, kAnswerDeadline, [this, index](sd_bus_message* reply) {
+        int isActive = 0;
+        set(index, reply && sd_bus_message_read(reply, "b", &isActive) >= 0 && isActive != 0);
+    });
 }
 
 void ScreenSaverSignals::set(std::size_t index, bool isActive) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/Handle.hpp"
-#include "platform/linux/bus/SessionBus.hpp"
+#include "platform/linux/bus/BusConnection.hpp"
 
 namespace quorvane {
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "platform/linux/card/CardRequests.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -112,13 +113,11 @@ std::optional<Pixels> Backdrop::readBackground(const PixelRect& area) {
     const std::uint32_t untouched[] = {kUntouched};
     const std::uint32_t parents[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE};
     const std::uint32_t below[] = {XCB_STACK_MODE_BELOW};
-    const auto place = [](int value) { return static_cast<std::int16_t>(value); };
-    const auto size = [](int value) { return static_cast<std::uint16_t>(value); };
+    const xcb_rectangle_t box = boxOf(area);
     x11_.noteOwnWindow(mirror, true);
-    xcb_create_window(connection, XCB_COPY_FROM_PARENT, mirror, locker_, place(area.x),
-                      place(area.y), size(area.width), size(area.height), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL,
-                      untouched);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, mirror, locker_, box.x, box.y, box.width,
+                      box.height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXEL, untouched);
     xcb_composite_redirect_window(connection, mirror, XCB_COMPOSITE_REDIRECT_MANUAL);
     xcb_configure_window(connection, mirror, XCB_CONFIG_WINDOW_STACK_MODE, below);
     xcb_map_window(connection, mirror);
@@ -141,13 +140,11 @@ std::optional<Pixels> Backdrop::read(xcb_drawable_t drawable, const PixelRect& a
     const auto own = lent || !isLarge ? nullptr : ServerMemory::make(x11_.connection(), length);
     const ServerMemory* const memory = lent ? lent : own.get();
     if (!memory) return readThroughConnection(drawable, area);
-    const auto place = [](int value) { return static_cast<std::int16_t>(value); };
-    const auto size = [](int value) { return static_cast<std::uint16_t>(value); };
+    const xcb_rectangle_t box = boxOf(area);
     const auto reply =
         xcbReply(xcb_shm_get_image_reply, x11_.connection(),
-                 xcb_shm_get_image(x11_.connection(), drawable, place(area.x), place(area.y),
-                                   size(area.width), size(area.height), kEveryPlane,
-                                   XCB_IMAGE_FORMAT_Z_PIXMAP, memory->segment(), 0));
+                 xcb_shm_get_image(x11_.connection(), drawable, box.x, box.y, box.width, box.height,
+                                   kEveryPlane, XCB_IMAGE_FORMAT_Z_PIXMAP, memory->segment(), 0));
     if (!reply || reply->size < length) return std::nullopt;
     return opaque(area, memory->data());
 }
@@ -155,12 +152,10 @@ std::optional<Pixels> Backdrop::read(xcb_drawable_t drawable, const PixelRect& a
 std::optional<Pixels> Backdrop::readThroughConnection(xcb_drawable_t drawable,
                                                       const PixelRect& area) {
     xcb_connection_t* connection = x11_.connection();
-    const auto reply =
-        xcbReply(xcb_get_image_reply, connection,
-                 xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable,
-                               static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y),
-                               static_cast<std::uint16_t>(area.width),
-                               static_cast<std::uint16_t>(area.height), kEveryPlane));
+    const xcb_rectangle_t box = boxOf(area);
+    const auto reply = xcbReply(xcb_get_image_reply, connection,
+                                xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable,
+                                              box.x, box.y, box.width, box.height, kEveryPlane));
     if (!reply || xcb_get_image_data_length(reply.get()) / kBytesAPixel < area.width * area.height)
         return std::nullopt;
     return opaque(area, xcb_get_image_data(reply.get()));
@@ -169,11 +164,10 @@ std::optional<Pixels> Backdrop::readThroughConnection(xcb_drawable_t drawable,
 bool Backdrop::hasComposite() {
     if (hasComposite_) return *hasComposite_;
     xcb_connection_t* connection = x11_.connection();
-    const auto* extension = xcb_get_extension_data(connection, &xcb_composite_id);
-    if (!extension || !extension->present) return *(hasComposite_ = false);
-    const auto version = xcbReply(xcb_composite_query_version_reply, connection,
-                                  xcb_composite_query_version(connection, 0, 4));
-    return *(hasComposite_ = version != nullptr);
+    hasComposite_ = presentExtension(connection, xcb_composite_id) &&
+                    xcbReply(xcb_composite_query_version_reply, connection,
+                             xcb_composite_query_version(connection, 0, 4));
+    return *hasComposite_;
 }
 
 }  // namespace quorvane

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <span>
 
+#include "platform/linux/card/CardRequests.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -12,12 +13,6 @@ namespace {
 constexpr Duration kSettleTime = std::chrono::milliseconds{100};
 // The longest interval between checks while a locker draws without a pause.
 constexpr Duration kLongestPause = std::chrono::seconds{3};
-
-const xcb_query_extension_reply_t* present(xcb_connection_t* connection,
-                                           xcb_extension_t& extension) {
-    const auto* found = xcb_get_extension_data(connection, &extension);
-    return found && found->present ? found : nullptr;
-}
 
 }  // namespace
 
@@ -36,8 +31,8 @@ BackdropWatch::~BackdropWatch() {
 
 void BackdropWatch::begin(xcb_window_t locker) {
     xcb_connection_t* connection = x11_.connection();
-    const auto* extension = present(connection, xcb_damage_id);
-    if (!extension || !present(connection, xcb_xfixes_id)) return;
+    const auto* extension = presentExtension(connection, xcb_damage_id);
+    if (!extension || !presentExtension(connection, xcb_xfixes_id)) return;
     // The server rejects requests from clients that have not negotiated a version.
     const auto damageVersion = xcb_damage_query_version(connection, 1, 1);
     const auto fixesVersion = xcb_xfixes_query_version(connection, 5, 0);

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "drawing/pictures/CardOutline.hpp"
+#include "drawing/pictures/CardShape.hpp"
 
 namespace quorvane {
 namespace {
@@ -19,32 +19,19 @@ bool agreeOutside(const std::vector<PixelRect>& parts, Pixels one, Pixels other)
 
 }  // namespace
 
-std::unique_ptr<CardDisplay> CardDisplay::make(X11Session& x11, const Clock& clock,
-                                               CardXWindow& child, const CardStyle& style,
-                                               double scale, std::shared_ptr<PictureCache> pictures,
-                                               const Transform& transform,
-                                               std::function<void()> backdropChanged) {
-    std::unique_ptr<CardDisplay> display{new CardDisplay{x11, clock, child, style, scale,
-                                                         std::move(pictures), transform,
-                                                         std::move(backdropChanged)}};
-    return display->prepare() ? std::move(display) : nullptr;
-}
-
-CardDisplay::CardDisplay(X11Session& x11, const Clock& clock, CardXWindow& child,
-                         const CardStyle& style, double scale,
-                         std::shared_ptr<PictureCache> pictures, const Transform& transform,
+CardDisplay::CardDisplay(X11Session& x11, Clock clock, CardXWindow& child, const CardStyle& style,
+                         double scale, std::shared_ptr<PictureCache> pictures,
                          std::function<void()> backdropChanged)
     : x11_(x11),
-      clock_(clock),
+      clock_(std::move(clock)),
       child_(child),
       style_(style),
       scale_(scale),
       backdrop_(x11, child.locker().window),
       painter_(style, scale, std::move(pictures)),
-      transform_(transform),
       backdropChanged_(std::move(backdropChanged)) {}
 
-bool CardDisplay::prepare() {
+bool CardDisplay::prepare(const Transform& transform) {
     const PixelRect place = child_.place();
     buffer_ = WindowBuffer::make(x11_.connection(), child_.window(), place.width, place.height,
                                  child_.depth());
@@ -52,6 +39,7 @@ bool CardDisplay::prepare() {
     auto visible = backdrop_.visible(place, buffer_->shared());
     if (!visible) return false;
     painter_.setBackdrop(std::move(*visible));
+    transform_ = transform;
     shapeAsCard();
     return true;
 }
@@ -90,8 +78,6 @@ void CardDisplay::lockerRests() {
         follow(std::move(*background));
 }
 
-LockerPlace CardDisplay::place() const { return {child_.place(), child_.holes()}; }
-
 void CardDisplay::follow(Backdrop::Background background) {
     isFollowing_ = true;
     watch_->setImmediate(true);
@@ -111,30 +97,25 @@ void CardDisplay::stopFollowing() {
 void CardDisplay::shapeAsCard() { child_.setOutline(cardOutline(style_, scale_, transform_)); }
 
 void CardDisplay::draw(const StageLook& look) {
-    if (!buffer_) return;
     transform_ = look.transform;
     if (!isFollowing_) shapeAsCard();
-    const PixelRect whole[] = {buffer_->bounds()};
     buffer_->waitUntilRead();
     painter_.draw(buffer_->surface(), look);
-    buffer_->show(whole);
-    x11_.flush();
+    showAgain(buffer_->bounds());
 }
 
 void CardDisplay::drawParts(const StageLook& look, const std::vector<Rect>& cardAreas) {
-    if (!buffer_) return;
+    if (!look.isResting()) return draw(look);
     std::vector<PixelRect> parts;
     for (const Rect& area : cardAreas) {
         const PixelRect part = painter_.pixelsOf(area);
         if (!part.isEmpty()) parts.push_back(part);
     }
-    if (parts.empty()) return;
     buffer_->show(painter_.drawParts(buffer_->surface(), look, parts));
     x11_.flush();
 }
 
 void CardDisplay::showAgain(const PixelRect& part) {
-    if (!buffer_) return;
     const PixelRect parts[] = {part};
     buffer_->show(parts);
     x11_.flush();

@@ -20,15 +20,14 @@ namespace quorvane {
 // around the card. Otherwise the window has the card's own shape.
 class CardDisplay {
 public:
-    // Reads the backdrop, so the child must still be unmapped. Returns null when the locker's
-    // window is gone or memory is short. `transform` is the stage's initial transform.
     // `backdropChanged` is called when the backdrop has changed; the caller then redraws
     // everything.
-    static std::unique_ptr<CardDisplay> make(X11Session& x11, const Clock& clock,
-                                             CardXWindow& child, const CardStyle& style,
-                                             double scale, std::shared_ptr<PictureCache> pictures,
-                                             const Transform& transform,
-                                             std::function<void()> backdropChanged);
+    CardDisplay(X11Session& x11, Clock clock, CardXWindow& child, const CardStyle& style,
+                double scale, std::shared_ptr<PictureCache> pictures,
+                std::function<void()> backdropChanged);
+    // Call first. Reads the backdrop, so the child must still be unmapped. `transform` is the
+    // stage's initial transform. Returns false when the locker's window is gone or memory is short.
+    bool prepare(const Transform& transform);
 
     // Work that a frame need not wait for. Call after each frame: each call does one part of the
     // work and leaves time for the next frame.
@@ -36,24 +35,20 @@ public:
     // Whether the backdrop follows the locker's picture without reading behind the window.
     bool isFollowing() const { return isFollowing_; }
     void draw(const StageLook& look);
-    // Draws only these areas of the scene, in card coordinates.
+    // Draws only these areas of the scene, in card coordinates, if the stage rests.
     void drawParts(const StageLook& look, const std::vector<Rect>& cardAreas);
     void sceneChanged() { painter_.forgetScene(); }
     // Shows this part of the last drawing again.
     void showAgain(const PixelRect& part);
 
 private:
-    CardDisplay(X11Session& x11, const Clock& clock, CardXWindow& child, const CardStyle& style,
-                double scale, std::shared_ptr<PictureCache> pictures, const Transform& transform,
-                std::function<void()> backdropChanged);
-    bool prepare();
     void beginWatching();
     void lockerHasDrawn();
     void lockerRests();
     void follow(Backdrop::Background background);
     void stopFollowing();
     void shapeAsCard();
-    LockerPlace place() const;
+    LockerPlace place() const { return {child_.place(), child_.holes()}; }
 
     X11Session& x11_;
     Clock clock_;

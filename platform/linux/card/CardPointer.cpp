@@ -6,6 +6,7 @@
 #include <span>
 #include <utility>
 
+#include "platform/linux/card/CardRequests.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -27,8 +28,8 @@ CardPointer::CardPointer(X11Session& x11, CardXWindow& child, const CardStyle& s
 // with this pointer, and at the latest with the card's window.
 void CardPointer::observeCursor() {
     xcb_connection_t* connection = x11_.connection();
-    const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
-    if (!extension || !extension->present) return;
+    const auto* extension = presentExtension(connection, xcb_xfixes_id);
+    if (!extension) return;
     // The server refuses XFixes requests until a version is agreed; the answer does not matter
     // here.
     xcb_discard_reply(connection, xcb_xfixes_query_version(connection, 5, 0).sequence);
@@ -103,8 +104,7 @@ void CardPointer::report(const std::optional<PointerEvent>& event) {
 // A locker hides the pointer by grabbing it with an empty cursor picture.
 bool CardPointer::lockerHidesPointer() {
     xcb_connection_t* connection = x11_.connection();
-    const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
-    if (!extension || !extension->present) return false;
+    if (!presentExtension(connection, xcb_xfixes_id)) return false;
     const auto image = xcbReply(xcb_xfixes_get_cursor_image_reply, connection,
                                 xcb_xfixes_get_cursor_image(connection));
     if (!image) return false;

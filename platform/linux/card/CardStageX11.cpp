@@ -3,13 +3,9 @@
 #include <utility>
 
 #include "drawing/SceneChanges.hpp"
+#include "platform/Seconds.hpp"
 
 namespace quorvane {
-namespace {
-
-double secondsOf(Duration duration) { return std::chrono::duration<double>(duration).count(); }
-
-}  // namespace
 
 void CardStageX11::setHidden(bool hidden) {
     if (std::exchange(isHidden_, hidden) != hidden && host_) host_->stageChanged();
@@ -49,22 +45,6 @@ Transform CardStageX11::transformAt(Instant now) const {
     return {.scale = 1 + (start.scale - 1) * left,
             .centre = start.centre,
             .offset = {start.offset.x * left, start.offset.y * left}};
-}
-
-void CardStageX11::deliver(const PointerEvent& event) const {
-    // A copy, because the content may replace its events inside this call.
-    const auto pointer = events_.pointer;
-    if (pointer) pointer(event);
-}
-
-void CardStageX11::perform(SceneControl::ID control, AccessibilityAction action) const {
-    const auto accessibility = events_.accessibility;
-    if (accessibility) accessibility(control, action);
-}
-
-void CardStageX11::setNumber(SceneControl::ID control, double number) const {
-    const auto accessibilityNumber = events_.accessibilityNumber;
-    if (accessibilityNumber) accessibilityNumber(control, number);
 }
 
 }  // namespace quorvane

@@ -40,9 +40,9 @@ public:
     void beginMovement(Instant now);
     bool isMoving(Instant now) const;
     Transform transformAt(Instant now) const;
-    void deliver(const PointerEvent& event) const;
-    void perform(SceneControl::ID control, AccessibilityAction action) const;
-    void setNumber(SceneControl::ID control, double number) const;
+    // Copy a callback before calling it, because the content may replace its events inside the
+    // call.
+    const StageEvents& events() const { return events_; }
 
 private:
     struct Movement {

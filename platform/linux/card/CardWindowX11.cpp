@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/card/PointerPicture.hpp"
+#include "platform/Seconds.hpp"
 
 namespace quorvane {
 namespace {
@@ -126,9 +126,8 @@ void CardWindowX11::endFade() {
 double CardWindowX11::alphaAt(Instant now) const {
     if (!fade_) return alpha_;
     if (!fade_->begin) return fade_->from;
-    const auto elapsed = std::chrono::duration<double>(now - *fade_->begin);
-    const auto whole = std::chrono::duration<double>(fade_->duration);
-    const double share = whole.count() > 0 ? elapsed / whole : 1;
+    const double whole = secondsOf(fade_->duration);
+    const double share = whole > 0 ? secondsOf(now - *fade_->begin) / whole : 1;
     return fade_->from + (fade_->to - fade_->from) * easeInOut(share);
 }
 
@@ -149,9 +148,9 @@ bool CardWindowX11::isToBeSeen() const {
 // no intermediate state may be visible.
 void CardWindowX11::updateSoon() {
     if (std::exchange(isUpdatePosted_, true)) return;
-    post([](CardWindowX11& self) {
-        self.isUpdatePosted_ = false;
-        self.update();
+    post([this] {
+        isUpdatePosted_ = false;
+        update();
     });
 }
 
@@ -168,7 +167,7 @@ void CardWindowX11::update() {
     }
     if (!display_ && now < readableAt_) return updateAfter(readableAt_ - now);
     if (!display_ && !show(now)) return endFade();
-    draw(now);
+    display_->draw(look(now));
     syncPointer();
     beginAnimations(resources_->clock.now());
     display_->afterFrame();
@@ -192,9 +191,10 @@ void CardWindowX11::finishFade(Instant now) {
 
 bool CardWindowX11::show(Instant now) {
     display_ =
-        CardDisplay::make(resources_->x11, resources_->clock, *child_, stage_->style(), scale(),
-                          resources_->pictures, stage_->transformAt(now), [this] { updateSoon(); });
-    if (!display_) {
+        std::make_unique<CardDisplay>(resources_->x11, resources_->clock, *child_, stage_->style(),
+                                      scale(), resources_->pictures, [this] { updateSoon(); });
+    if (!display_->prepare(stage_->transformAt(now))) {
+        display_.reset();
         resources_->log.error("windows: window %ld cannot be shown", number_);
         return false;
     }
@@ -217,19 +217,13 @@ void CardWindowX11::conceal() {
     display_.reset();
 }
 
-void CardWindowX11::draw(Instant now) { display_->draw(look(now)); }
-
-void CardWindowX11::drawParts(const std::vector<Rect>& cardAreas) {
-    display_->drawParts(look(resources_->clock.now()), cardAreas);
-}
-
 void CardWindowX11::sceneChanged(const std::vector<Rect>& areas) {
     if (!display_) return;
     display_->sceneChanged();
     // The next frame of a movement, or a posted update, draws everything anyway.
     if (nextFrame_ || isUpdatePosted_) return;
     if (alpha_ >= 1)
-        drawParts(areas);
+        display_->drawParts(look(resources_->clock.now()), areas);
     else
         updateSoon();
 }
@@ -254,16 +248,17 @@ void CardWindowX11::syncPointer() {
 
 // Posted, so that the content is never called from inside a call to its window.
 void CardWindowX11::pointerEvent(const PointerEvent& event) {
-    post([event, stage = std::weak_ptr{stage_}](CardWindowX11& self) {
+    post([this, event, stage = std::weak_ptr{stage_}] {
         const auto content = stage.lock();
         if (!content) return;
         const CardStyle& style = content->style();
         // In window coordinates y grows upward.
         const Point inWindow{event.location.x + style.shadowMargin,
                              style.card.height + style.shadowMargin - event.location.y};
-        const auto observer = self.mouseDownObserver_;
+        const auto observer = mouseDownObserver_;
         if (event.kind == PointerEvent::Kind::down && observer) observer(inWindow);
-        content->deliver(event);
+        const auto pointer = content->events().pointer;
+        if (pointer) pointer(event);
     });
 }
 
@@ -286,14 +281,18 @@ Point CardWindowX11::accessibleOrigin() const {
 }
 
 void CardWindowX11::perform(SceneControl::ID control, AccessibilityAction action) {
-    post([control, action, stage = std::weak_ptr{stage_}](CardWindowX11&) {
-        if (const auto content = stage.lock()) content->perform(control, action);
+    post([control, action, stage = std::weak_ptr{stage_}] {
+        const auto content = stage.lock();
+        const auto perform = content ? content->events().accessibility : nullptr;
+        if (perform) perform(control, action);
     });
 }
 
 void CardWindowX11::setNumber(SceneControl::ID control, double number) {
-    post([control, number, stage = std::weak_ptr{stage_}](CardWindowX11&) {
-        if (const auto content = stage.lock()) content->setNumber(control, number);
+    post([control, number, stage = std::weak_ptr{stage_}] {
+        const auto content = stage.lock();
+        const auto setNumber = content ? content->events().accessibilityNumber : nullptr;
+        if (setNumber) setNumber(control, number);
     });
 }
 
@@ -304,7 +303,7 @@ void CardWindowX11::moveArrow(std::optional<Point> place) {
     std::vector<Rect> areas;
     for (const auto& tip : {before, place})
         if (tip) areas.push_back(pointerArea(*tip).movedBy(-margin, -margin));
-    drawParts(areas);
+    display_->drawParts(look(resources_->clock.now()), areas);
 }
 
 // The server has destroyed the window.
@@ -314,9 +313,9 @@ void CardWindowX11::vanish() {
     endFade();
 }
 
-void CardWindowX11::post(std::function<void(CardWindowX11&)> action) {
-    resources_->mainThread.post([weak = std::weak_ptr{self_}, action = std::move(action)] {
-        if (const auto self = weak.lock()) action(**self);
+void CardWindowX11::post(std::function<void()> action) {
+    resources_->mainThread.post([life = life_.watch(), action = std::move(action)] {
+        if (!life.isOver()) action();
     });
 }
 

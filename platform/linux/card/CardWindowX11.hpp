@@ -6,6 +6,8 @@
 
 #include "drawing/CardWindows.hpp"
 #include "platform/Clock.hpp"
+#include "platform/LifeToken.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/linux/accessibility/AccessibleCard.hpp"
@@ -13,7 +15,6 @@
 #include "platform/linux/card/CardPointer.hpp"
 #include "platform/linux/card/CardStageX11.hpp"
 #include "platform/linux/card/CardXWindow.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 
 namespace quorvane {
 
@@ -87,8 +88,6 @@ private:
     bool show(Instant now);
     void hide();
     void conceal();
-    void draw(Instant now);
-    void drawParts(const std::vector<Rect>& cardAreas);
     double alphaAt(Instant now) const;
     double scale() const { return screen_.scale * contentScale_; }  // pixels per point of the stage
     StageLook look(Instant now) const;
@@ -96,7 +95,7 @@ private:
     void pointerEvent(const PointerEvent& event);
     void moveArrow(std::optional<Point> place);
     void vanish();
-    void post(std::function<void(CardWindowX11&)> action);
+    void post(std::function<void()> action);
 
     std::shared_ptr<CardResources> resources_;
     Screen screen_;
@@ -118,8 +117,7 @@ private:
     std::unique_ptr<CardXWindow> child_;
     std::unique_ptr<CardDisplay> display_;
     std::unique_ptr<CardPointer> pointer_;
-    // Posted actions hold this instead of the window.
-    std::shared_ptr<CardWindowX11*> self_ = std::make_shared<CardWindowX11*>(this);
+    LifeToken life_;
 };
 
 }  // namespace quorvane

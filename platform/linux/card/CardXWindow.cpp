@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/card/CardRequests.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -33,11 +34,6 @@ bool hasUsualColors(const xcb_screen_t& screen, xcb_visualid_t visual) {
                 return type.data->red_mask == 0xff0000 && type.data->green_mask == 0xff00 &&
                        type.data->blue_mask == 0xff && depth.data->depth >= 24;
     return false;
-}
-
-xcb_rectangle_t rectangleOf(const PixelRect& rect) {
-    return {static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
-            static_cast<std::uint16_t>(rect.width), static_cast<std::uint16_t>(rect.height)};
 }
 
 constexpr std::string_view kWindowName = "Quorvane Lock Screen card";
@@ -84,7 +80,7 @@ bool CardXWindow::create(const Rect& frame, const Screen& screen) {
     const std::uint32_t values[] = {XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST, 1,
                                     XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_VISIBILITY_CHANGE |
                                         XCB_EVENT_MASK_STRUCTURE_NOTIFY};
-    const xcb_rectangle_t box = rectangleOf(place_);
+    const xcb_rectangle_t box = boxOf(place_);
     const auto request = xcb_create_window_checked(
         connection, XCB_COPY_FROM_PARENT, window, locker_.window, box.x, box.y, box.width,
         box.height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
@@ -188,8 +184,7 @@ void CardXWindow::setOutline(std::vector<PixelRect> parts) {
 
 void CardXWindow::applyShape() {
     xcb_connection_t* connection = x11_.connection();
-    const auto* extension = xcb_get_extension_data(connection, &xcb_shape_id);
-    if (!extension || !extension->present) return;
+    if (!presentExtension(connection, xcb_shape_id)) return;
     if (outline_.empty())
         xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0,
                        XCB_NONE);
@@ -201,7 +196,7 @@ void CardXWindow::applyShape() {
 
 void CardXWindow::shape(xcb_shape_so_t operation, const std::vector<PixelRect>& parts) {
     std::vector<xcb_rectangle_t> rectangles;
-    for (const PixelRect& part : parts) rectangles.push_back(rectangleOf(part));
+    for (const PixelRect& part : parts) rectangles.push_back(boxOf(part));
     xcb_shape_rectangles(x11_.connection(), operation, XCB_SHAPE_SK_BOUNDING,
                          XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0,
                          static_cast<std::uint32_t>(rectangles.size()), rectangles.data());

@@ -3,14 +3,14 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include "platform/linux/card/CardRequests.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
 namespace {
 
 bool sharesMemoryByDescriptor(xcb_connection_t* connection) {
-    const auto* extension = xcb_get_extension_data(connection, &xcb_shm_id);
-    if (!extension || !extension->present) return false;
+    if (!presentExtension(connection, xcb_shm_id)) return false;
     const auto version =
         xcbReply(xcb_shm_query_version_reply, connection, xcb_shm_query_version(connection));
     return version && (version->major_version > 1 || version->minor_version >= 2);

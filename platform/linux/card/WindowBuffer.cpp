@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/card/CardRequests.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -13,7 +14,7 @@ std::unique_ptr<WindowBuffer> WindowBuffer::make(xcb_connection_t* connection, x
                                                  int width, int height, std::uint8_t depth) {
     std::unique_ptr<WindowBuffer> buffer{
         new WindowBuffer{connection, window, width, height, depth}};
-    if (!buffer->share() && !buffer->allocate()) return nullptr;
+    if (!buffer->allocate()) return nullptr;
     buffer->surface_.reset(cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(buffer->memory_), CAIRO_FORMAT_ARGB32, width, height,
         width * kBytesAPixel));
@@ -38,17 +39,11 @@ WindowBuffer::~WindowBuffer() {
     xcb_free_gc(connection_, context_);
 }
 
-bool WindowBuffer::share() {
-    shared_ =
-        ServerMemory::make(connection_, static_cast<std::size_t>(width_ * height_) * kBytesAPixel);
-    if (shared_) memory_ = shared_->data();
-    return shared_ != nullptr;
-}
-
 bool WindowBuffer::allocate() {
-    own_.reset(new (std::nothrow)
-                   std::byte[static_cast<std::size_t>(width_ * height_) * kBytesAPixel]());
-    memory_ = own_.get();
+    const std::size_t size = static_cast<std::size_t>(width_ * height_) * kBytesAPixel;
+    shared_ = ServerMemory::make(connection_, size);
+    if (!shared_) own_.reset(new (std::nothrow) std::byte[size]());
+    memory_ = shared_ ? shared_->data() : own_.get();
     return memory_ != nullptr;
 }
 
@@ -68,11 +63,12 @@ void WindowBuffer::show(std::span<const PixelRect> parts) {
             send(part);
             continue;
         }
-        const auto place = [](int value) { return static_cast<std::uint16_t>(value); };
-        xcb_shm_put_image(connection_, window_, context_, place(width_), place(height_),
-                          place(part.x), place(part.y), place(part.width), place(part.height),
-                          static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(part.y),
-                          depth_, XCB_IMAGE_FORMAT_Z_PIXMAP, false, shared_->segment(), 0);
+        const xcb_rectangle_t whole = boxOf(bounds());
+        const xcb_rectangle_t box = boxOf(part);
+        xcb_shm_put_image(connection_, window_, context_, whole.width, whole.height,
+                          static_cast<std::uint16_t>(box.x), static_cast<std::uint16_t>(box.y),
+                          box.width, box.height, box.x, box.y, depth_, XCB_IMAGE_FORMAT_Z_PIXMAP,
+                          false, shared_->segment(), 0);
         isBeingRead_ = true;
     }
 }
@@ -84,17 +80,16 @@ void WindowBuffer::send(const PixelRect& part) {
     const int rows = std::max(1, static_cast<int>((longest - 64) / rowLength));
     std::vector<std::uint8_t> strip;
     for (int y = part.y; y < part.maxY(); y += rows) {
-        const int height = std::min(rows, part.maxY() - y);
+        const xcb_rectangle_t box = boxOf({part.x, y, part.width, std::min(rows, part.maxY() - y)});
         strip.clear();
-        for (int line = y; line < y + height; ++line) {
+        for (int line = y; line < y + box.height; ++line) {
             const auto* row = reinterpret_cast<const std::uint8_t*>(memory_) +
                               (static_cast<std::ptrdiff_t>(line) * width_ + part.x) * kBytesAPixel;
             strip.insert(strip.end(), row, row + rowLength);
         }
-        xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window_, context_,
-                      static_cast<std::uint16_t>(part.width), static_cast<std::uint16_t>(height),
-                      static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(y), 0, depth_,
-                      static_cast<std::uint32_t>(strip.size()), strip.data());
+        xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window_, context_, box.width,
+                      box.height, box.x, box.y, 0, depth_, static_cast<std::uint32_t>(strip.size()),
+                      strip.data());
     }
 }
 

@@ -37,7 +37,6 @@ public:
 private:
     WindowBuffer(xcb_connection_t* connection, xcb_window_t window, int width, int height,
                  std::uint8_t depth);
-    bool share();
     bool allocate();
     void send(const PixelRect& part);
 

@@ -15,7 +15,7 @@ void setColor(cairo_t* cairo, const Color& color) {
 }
 
 void roundedPath(cairo_t* cairo, const Rect& rect, double cornerRadius) {
-    const double radius = std::min({cornerRadius, rect.width / 2, rect.height / 2});
+    const double radius = fittingRadius(rect, cornerRadius);
     if (radius <= 0) return cairo_rectangle(cairo, rect.x, rect.y, rect.width, rect.height);
     constexpr double kQuarter = std::numbers::pi / 2;
     cairo_new_sub_path(cairo);
@@ -26,10 +26,10 @@ void roundedPath(cairo_t* cairo, const Rect& rect, double cornerRadius) {
     cairo_close_path(cairo);
 }
 
-bool isVisible(cairo_t* cairo, const Rect& frame) {
+Rect clipOf(cairo_t* cairo) {
     double left = 0, top = 0, right = 0, bottom = 0;
     cairo_clip_extents(cairo, &left, &top, &right, &bottom);
-    return frame.intersects({left, top, right - left, bottom - top});
+    return {left, top, right - left, bottom - top};
 }
 
 // Draws a scene's nodes, one function per kind.
@@ -39,11 +39,12 @@ struct Painter {
     bool isRightToLeft;
     PictureCache& pictures;
     TextLayoutCache& texts;
-    SymbolMasks& symbols;
+    Symbols& symbols;
+    Rect clip = clipOf(cairo);  // in the coordinates of the nodes that come next
     std::vector<double> groupOpacities{};
 
     void operator()(const ShapeNode& shape) const {
-        if (!isVisible(cairo, shape.frame)) return;
+        if (!clip.intersects(shape.frame)) return;
         const CairoState state{cairo};
         roundedPath(cairo, shape.frame, shape.cornerRadius);
         if (shape.edgeWidth > 0) {
@@ -56,15 +57,15 @@ struct Painter {
     }
 
     void operator()(const SymbolNode& symbol) const {
-        if (isVisible(cairo, symbol.frame)) symbols.draw(cairo, symbol, isRightToLeft);
+        if (clip.intersects(symbol.frame)) symbols.draw(cairo, symbol, isRightToLeft);
     }
 
     void operator()(const TextNode& text) const {
-        if (isVisible(cairo, text.frame)) drawText(cairo, text, isRightToLeft, texts);
+        if (clip.intersects(text.frame)) drawText(cairo, text, isRightToLeft, texts);
     }
 
     void operator()(const ImageNode& node) const {
-        if (!node.image || !isVisible(cairo, node.frame)) return;
+        if (!node.image || !clip.intersects(node.frame)) return;
         const auto pixels = [this](double length) {
             return std::max(1, static_cast<int>(std::lround(length * scale)));
         };
@@ -91,6 +92,7 @@ struct Painter {
             roundedPath(cairo, *group.clip, group.clipCornerRadius);
             cairo_clip(cairo);
         }
+        clip = clipOf(cairo);
         groupOpacities.push_back(group.opacity);
         if (group.opacity < 1) cairo_push_group(cairo);
     }
@@ -104,6 +106,7 @@ struct Painter {
             cairo_paint_with_alpha(cairo, opacity);
         }
         cairo_restore(cairo);
+        clip = clipOf(cairo);
     }
 };
 
@@ -120,13 +123,6 @@ void CairoCanvas::drawOn(cairo_t* cairo, const Scene& scene) {
     Painter painter{cairo, scale_, scene.isRightToLeft, *pictures_, texts_, symbols_};
     for (const SceneNode& node : scene.nodes) std::visit(painter, node);
     while (!painter.groupOpacities.empty()) painter(GroupEnd{});
-}
-
-void CairoCanvas::draw(const Scene& scene) {
-    if (!target_) return;
-    const CairoContext cairo{cairo_create(target_.get())};
-    cairo_scale(cairo.get(), scale_, scale_);
-    drawOn(cairo.get(), scene);
 }
 
 }  // namespace quorvane

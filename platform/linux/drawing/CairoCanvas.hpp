@@ -3,15 +3,14 @@
 
 #include <memory>
 
-#include "drawing/Canvas.hpp"
 #include "platform/linux/drawing/PictureCache.hpp"
-#include "platform/linux/drawing/SymbolMasks.hpp"
+#include "platform/linux/drawing/Symbols.hpp"
 #include "platform/linux/drawing/TextLayoutCache.hpp"
 
 namespace quorvane {
 
 // Main thread only.
-class CairoCanvas final : public Canvas {
+class CairoCanvas {
 public:
     // `scale` is the target's pixels per point. Canvases may share a picture cache; null creates a
     // private cache that decodes synchronously.
@@ -22,18 +21,11 @@ public:
     // the clip, and nothing outside a node's frame.
     void drawOn(cairo_t* cairo, const Scene& scene);
 
-    // The surface that `draw` draws on, from its top left, at this canvas's scale.
-    void setTarget(CairoSurface target) { target_ = std::move(target); }
-    void draw(const Scene& scene) override;
-
-    TextLayoutCache& texts() { return texts_; }
-
 private:
     double scale_;
     std::shared_ptr<PictureCache> pictures_;
     TextLayoutCache texts_;
-    SymbolMasks symbols_;
-    CairoSurface target_;
+    Symbols symbols_;
 };
 
 }  // namespace quorvane

@@ -1,27 +1,28 @@
-// Owning handles of the drawing libraries' objects, and shared helpers for contexts.
+// Owning handles of the drawing libraries' objects.
 #pragma once
 
 #include <cairo.h>
 #include <glib-object.h>
 
 #include <memory>
-#include <optional>
+
+#include "drawing/pictures/Pixels.hpp"
+
+#include "platform/ReleaseWith.hpp"
 
 namespace quorvane {
 
-template <auto release>
-struct ReleaseWith {
-    template <typename T>
-    void operator()(T* object) const {
-        release(object);
-    }
-};
-
 using CairoContext = std::unique_ptr<cairo_t, ReleaseWith<cairo_destroy>>;
 using CairoSurface = std::unique_ptr<cairo_surface_t, ReleaseWith<cairo_surface_destroy>>;
-using CairoPattern = std::unique_ptr<cairo_pattern_t, ReleaseWith<cairo_pattern_destroy>>;
 template <typename T>
 using GObjectOwner = std::unique_ptr<T, ReleaseWith<g_object_unref>>;
+
+// A surface over these pixels, which must exist as long as the surface or a source made of it.
+inline CairoSurface surfaceOver(const Pixels& pixels) {
+    return CairoSurface{cairo_image_surface_create_for_data(
+        reinterpret_cast<unsigned char*>(const_cast<std::uint32_t*>(pixels.values.data())),
+        CAIRO_FORMAT_ARGB32, pixels.width, pixels.height, pixels.width * kBytesAPixel)};
+}
 
 // Saves the context's state and restores it at the end of the scope.
 class CairoState {
@@ -34,14 +35,5 @@ public:
 private:
     cairo_t* cairo_;
 };
-
-// Device pixels per unit of user space; nullopt when the context is rotated or not uniformly
-// scaled.
-inline std::optional<double> uprightScale(cairo_t* cairo) {
-    cairo_matrix_t matrix{};
-    cairo_get_matrix(cairo, &matrix);
-    if (matrix.xy != 0 || matrix.yx != 0 || matrix.xx != matrix.yy) return std::nullopt;
-    return matrix.xx;
-}
 
 }  // namespace quorvane

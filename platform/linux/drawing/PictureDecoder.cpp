@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "drawing/pictures/PictureHeader.hpp"
+#include "drawing/pictures/EncodedImage.hpp"
 #include "drawing/pictures/PictureLimits.hpp"
 
 namespace quorvane {
@@ -50,9 +50,9 @@ bool feed(GdkPixbufLoader* loader, ByteView encoded, const Sizing& sizing) {
 }
 
 GObjectOwner<GdkPixbuf> load(ByteView encoded, PixelSize size) {
-    // A loader that detects the type itself reads the system's list of file types, and may detect
-    // another type than our header check.
-    const char* const type = readPictureType(encoded);
+    // A loader that detects the type itself reads the system's list of file types, and may use a
+    // decoder that is little tested.
+    const char* const type = pictureType(encoded);
     if (!type) return nullptr;
     const GObjectOwner<GdkPixbufLoader> loader{gdk_pixbuf_loader_new_with_mime_type(type, nullptr)};
     if (!loader) return nullptr;  // no decoder is installed
@@ -73,24 +73,15 @@ std::uint32_t premultiplied(const guchar* pixel, bool hasAlpha) {
     return alpha << 24 | times(pixel[0]) << 16 | times(pixel[1]) << 8 | times(pixel[2]);
 }
 
-CairoSurface surfaceOf(const GdkPixbuf* pixbuf) {
-    const int width = gdk_pixbuf_get_width(pixbuf);
-    const int height = gdk_pixbuf_get_height(pixbuf);
+Pixels pixelsOf(const GdkPixbuf* pixbuf) {
+    Pixels pixels{gdk_pixbuf_get_width(pixbuf), gdk_pixbuf_get_height(pixbuf)};
     const int channels = gdk_pixbuf_get_n_channels(pixbuf);
     const bool hasAlpha = gdk_pixbuf_get_has_alpha(pixbuf);
-    CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height)};
-    unsigned char* const target = cairo_image_surface_get_data(surface.get());
-    if (!target) return nullptr;
-    const int stride = cairo_image_surface_get_stride(surface.get());
-    const guchar* const source = gdk_pixbuf_read_pixels(pixbuf);
-    for (int y = 0; y < height; ++y) {
-        const guchar* pixel =
-            source + static_cast<std::ptrdiff_t>(y) * gdk_pixbuf_get_rowstride(pixbuf);
-        auto* const row = reinterpret_cast<std::uint32_t*>(target + std::ptrdiff_t{y} * stride);
-        for (int x = 0; x < width; ++x, pixel += channels) row[x] = premultiplied(pixel, hasAlpha);
-    }
-    cairo_surface_mark_dirty(surface.get());
-    return surface;
+    const guchar* row = gdk_pixbuf_read_pixels(pixbuf);
+    for (int y = 0; y < pixels.height; ++y, row += gdk_pixbuf_get_rowstride(pixbuf))
+        for (int x = 0; x < pixels.width; ++x)
+            pixels.row(y)[x] = premultiplied(row + std::ptrdiff_t{x} * channels, hasAlpha);
+    return pixels;
 }
 
 }  // namespace
@@ -98,17 +89,16 @@ CairoSurface surfaceOf(const GdkPixbuf* pixbuf) {
 CairoSurface decodePicture(ByteView encoded, PixelSize size) {
     const GObjectOwner<GdkPixbuf> pixbuf = load(encoded, size);
     if (!pixbuf) return nullptr;
-    const CairoSurface whole = surfaceOf(pixbuf.get());
-    if (!whole) return nullptr;
+    const Pixels pixels = pixelsOf(pixbuf.get());
+    const CairoSurface whole = surfaceOver(pixels);
 
     CairoSurface shown{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size.width, size.height)};
     const CairoContext cairo{cairo_create(shown.get())};
-    const double width = gdk_pixbuf_get_width(pixbuf.get());
-    const double height = gdk_pixbuf_get_height(pixbuf.get());
-    const double scale = std::max(size.width / width, size.height / height);
+    const double scale = std::max(static_cast<double>(size.width) / pixels.width,
+                                  static_cast<double>(size.height) / pixels.height);
     cairo_translate(cairo.get(), size.width / 2.0, size.height / 2.0);
     cairo_scale(cairo.get(), scale, scale);
-    cairo_set_source_surface(cairo.get(), whole.get(), -width / 2, -height / 2);
+    cairo_set_source_surface(cairo.get(), whole.get(), -pixels.width / 2.0, -pixels.height / 2.0);
     cairo_pattern_set_filter(cairo_get_source(cairo.get()), CAIRO_FILTER_GOOD);
     cairo_pattern_set_extend(cairo_get_source(cairo.get()), CAIRO_EXTEND_PAD);
     cairo_paint(cairo.get());

@@ -4,7 +4,6 @@
 #include <numbers>
 
 #include "drawing/SymbolFacing.hpp"
-#include "platform/linux/drawing/CairoHandles.hpp"
 
 namespace quorvane {
 namespace {
@@ -141,31 +140,52 @@ constexpr Symbol kSymbols[] = {
     {"speaker.wave.3.fill", drawLoudSpeaker},
 };
 
+constexpr std::size_t kKeptMasks = 12;  // a card has seven, of which two may look different
+
 }  // namespace
 
-bool drawSymbol(cairo_t* cairo, const SymbolNode& node, bool isRightToLeft) {
-    const auto symbol = std::ranges::find(kSymbols, node.name, &Symbol::name);
-    if (symbol == std::end(kSymbols)) return false;
+void Symbols::draw(cairo_t* cairo, const SymbolNode& node, bool isRightToLeft) {
+    cairo_matrix_t place{};
+    cairo_get_matrix(cairo, &place);
+    const double scale = place.xx;
+    const Rect frame = scaledBy(node.frame, scale).movedBy(place.x0, place.y0);
+    const PixelRect area = pixelsTouchedBy(frame);
+    cairo_surface_t* const mask =
+        maskOf({node.name, node.pointSize * scale, frame.movedBy(-area.x, -area.y), isRightToLeft});
+    if (!mask) return;
     const CairoState state{cairo};
-    cairo_rectangle(cairo, node.frame.x, node.frame.y, node.frame.width, node.frame.height);
-    cairo_clip(cairo);
-    // Fills and lines overlap, so they are combined at full opacity before alpha is applied.
-    cairo_push_group_with_content(cairo, CAIRO_CONTENT_ALPHA);
-    cairo_translate(cairo, node.frame.midX(), node.frame.midY());
-    const bool isMirrored = isRightToLeft && facesTextDirection(node.name);
-    cairo_scale(cairo, isMirrored ? -node.pointSize : node.pointSize, node.pointSize);
-    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
-    cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
-    cairo_set_source_rgba(cairo, 0, 0, 0, 1);
-    symbol->draw(cairo);
-    const CairoPattern mask{cairo_pop_group(cairo)};
     const Color& color = node.color;
     cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
-    cairo_mask(cairo, mask.get());
-    return true;
+    cairo_identity_matrix(cairo);
+    cairo_mask_surface(cairo, mask, area.x, area.y);
 }
 
-std::vector<std::string_view> symbolNames() {
+// Fills and lines overlap, so they are combined at full opacity before alpha is applied.
+cairo_surface_t* Symbols::maskOf(const Key& key) {
+    const auto known = std::ranges::find(recent_, key, &Entry::key);
+    if (known != recent_.end()) {
+        recent_.splice(recent_.begin(), recent_, known);
+        return recent_.front().mask.get();
+    }
+    const auto symbol = std::ranges::find(kSymbols, key.name, &Symbol::name);
+    if (symbol == std::end(kSymbols)) return nullptr;
+    const PixelRect area = pixelsTouchedBy(key.frame);
+    CairoSurface mask{cairo_image_surface_create(CAIRO_FORMAT_A8, area.width, area.height)};
+    const CairoContext cairo{cairo_create(mask.get())};
+    cairo_rectangle(cairo.get(), key.frame.x, key.frame.y, key.frame.width, key.frame.height);
+    cairo_clip(cairo.get());
+    cairo_translate(cairo.get(), key.frame.midX(), key.frame.midY());
+    const bool isMirrored = key.isRightToLeft && facesTextDirection(key.name);
+    cairo_scale(cairo.get(), isMirrored ? -key.pixelSize : key.pixelSize, key.pixelSize);
+    cairo_set_line_cap(cairo.get(), CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_join(cairo.get(), CAIRO_LINE_JOIN_ROUND);
+    symbol->draw(cairo.get());
+    recent_.push_front({key, std::move(mask)});
+    if (recent_.size() > kKeptMasks) recent_.pop_back();
+    return recent_.front().mask.get();
+}
+
+std::vector<std::string_view> Symbols::names() {
     std::vector<std::string_view> names;
     std::ranges::transform(kSymbols, std::back_inserter(names), &Symbol::name);
     return names;

@@ -1,156 +1,207 @@
 #include "platform/linux/drawing/TextDrawing.hpp"
 
-#include <algorithm>
-#include <cmath>
-#include <optional>
+#include <hb-ot.h>
+#include <pango/pangocairo.h>
 
-#include "platform/linux/drawing/GlyphCoverage.hpp"
-#include "platform/linux/drawing/ShapedRuns.hpp"
+#include <cmath>
+#include <vector>
+
+#include "drawing/TextPlacement.hpp"
+#include "platform/linux/drawing/TextLayoutCache.hpp"
 
 namespace quorvane {
 namespace {
 
-// Snaps to whole pixels unless the context is rotated, so that letters are equally sharp everywhere
-// and their spacing does not jitter while the line moves.
-Point snapped(cairo_t* cairo, Point point) {
-    cairo_matrix_t matrix{};
-    cairo_get_matrix(cairo, &matrix);
-    if (matrix.xy != 0 || matrix.yx != 0) return point;
-    cairo_user_to_device(cairo, &point.x, &point.y);
-    point = {std::round(point.x), std::round(point.y)};
-    cairo_device_to_user(cairo, &point.x, &point.y);
-    return point;
+constexpr int kPlacesAPixel = 4;  // positions per pixel for a letter
+constexpr int kWidest = 32'000;   // pixels; Cairo's surfaces end shortly after
+constexpr int kPieceWidth = 2048;
+constexpr double kHighest = 2;  // in heights of a line, above and below the baseline
+
+bool isColored(cairo_surface_t* letters) {
+    return cairo_image_surface_get_format(letters) == CAIRO_FORMAT_ARGB32;
 }
 
-CairoPattern solidPattern(const Color& color) {
-    return CairoPattern{cairo_pattern_create_rgba(color.red, color.green, color.blue, color.alpha)};
+int bytesAPixelOf(cairo_surface_t* letters) { return isColored(letters) ? kBytesAPixel : 1; }
+
+PangoLayoutLine* laidOut(const TextLine& line) {
+    return pango_layout_get_line_readonly(line.layout.get(), 0);
 }
 
-// The line's colour, fading toward both ends of the frame.
-CairoPattern fadePattern(const TextNode& node) {
-    CairoPattern paint{cairo_pattern_create_linear(node.frame.x, 0, node.frame.maxX(), 0)};
-    const Color& color = node.color;
-    for (const FadeStop& stop : fadeStops(node))
-        cairo_pattern_add_color_stop_rgba(paint.get(), stop.place, color.red, color.green,
-                                          color.blue, color.alpha * stop.strength);
-    return paint;
-}
-
-constexpr double kPictureMargin = 8;     // points around the line, for overhanging letters
-constexpr double kWidestPicture = 8192;  // pixels
-
-void fillOpaque(cairo_t* cairo, const TextLine& line, const Color& color, Point start) {
-    cairo_set_source_rgb(cairo, color.red, color.green, color.blue);
-    fillLine(cairo, line, start);
-}
-
-// Returns null for a line too long to cache as a picture.
-const TextPicture* pictureOf(const TextLine& line, const Color& color, double scale) {
-    TextPicture& picture = line.picture;
-    if (picture.surface && picture.color == color && picture.scale == scale) return &picture;
-    const double width = std::ceil((line.width + 2 * kPictureMargin) * scale);
-    const double height =
-        std::ceil((line.heights.ascent + line.heights.descent + 2 * kPictureMargin) * scale);
-    if (width > kWidestPicture) return nullptr;
-    picture = {CairoSurface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(width),
-                                                       static_cast<int>(height))},
-               color, scale};
-    const CairoContext cairo{cairo_create(picture.surface.get())};
-    cairo_scale(cairo.get(), scale, scale);
-    // The baseline is on a whole pixel, as it is where the picture is placed.
-    const double baseline = std::round((kPictureMargin + line.heights.ascent) * scale) / scale;
-    fillOpaque(cairo.get(), line, color, {kPictureMargin, baseline});
-    return &picture;
-}
-
-// Sets the context's source to the line's own opaque pixels.
-void setLineAsSource(cairo_t* cairo, const TextLine& line, const Color& color, Point start,
-                     std::optional<double> scale) {
-    const auto* picture = scale ? pictureOf(line, color, *scale) : nullptr;
-    if (!picture) {
-        cairo_push_group(cairo);
-        fillOpaque(cairo, line, color, start);
-        return cairo_pop_group_to_source(cairo);
+bool hasColors(const TextLine& line) {
+    for (const GSList* rest = laidOut(line)->runs; rest; rest = rest->next) {
+        PangoFont* const font = static_cast<PangoGlyphItem*>(rest->data)->item->analysis.font;
+        if (!font) continue;
+        hb_face_t* const face = hb_font_get_face(pango_font_get_hb_font(font));
+        if (hb_ot_color_has_png(face) || hb_ot_color_has_layers(face) || hb_ot_color_has_svg(face))
+            return true;
     }
-    const CairoPattern pattern{cairo_pattern_create_for_surface(picture->surface.get())};
-    cairo_matrix_t matrix{};
-    cairo_matrix_init(
-        &matrix, *scale, 0, 0, *scale, std::round(kPictureMargin * *scale) - start.x * *scale,
-        std::round((kPictureMargin + line.heights.ascent) * *scale) - start.y * *scale);
-    cairo_pattern_set_matrix(pattern.get(), &matrix);
-    cairo_pattern_set_filter(pattern.get(), CAIRO_FILTER_NEAREST);
-    cairo_set_source(cairo, pattern.get());
+    return false;
 }
 
-// The line with its left edge and baseline at `start`, on whole pixels. `paint` is its colour at
-// each place.
-void drawLine(cairo_t* cairo, const TextLine& line, const Color& color, Point start,
-              cairo_pattern_t* paint) {
-    const CairoState state{cairo};
-    const std::optional<double> scale = uprightScale(cairo);
-    const auto coverage = scale ? GlyphCoverage::of(line, *scale) : nullptr;
-    if (!coverage) {
-        setLineAsSource(cairo, line, color, start, scale);
-        return cairo_mask(cairo, paint);
+// The area of the letters. The limits bound the memory for marks that pile up and for letters far
+// wider than usual.
+PixelRect inkOf(const TextLine& line, double scale) {
+    PangoRectangle ink{};
+    pango_layout_line_get_extents(laidOut(line), &ink, nullptr);
+    if (ink.width <= 0 || ink.height <= 0) return {};
+    const double pixels = scale / PANGO_SCALE;
+    // One pixel more on every side, because letter positions and Pango's extents are rounded.
+    const PixelRect all = pixelsTouchedBy(
+        Rect{ink.x * pixels, ink.y * pixels, ink.width * pixels, ink.height * pixels}.grownBy(1));
+    const int reach =
+        static_cast<int>(kHighest * (line.heights.ascent + line.heights.descent) * scale);
+    return all.intersection({all.x, -reach, kWidest, 2 * reach});
+}
+
+// The mean of each kPlacesAPixel pixels.
+void narrow(const unsigned char* wide, unsigned char* pixels, int width, int bytesAPixel) {
+    for (int x = 0; x < width; ++x, wide += kPlacesAPixel * bytesAPixel, pixels += bytesAPixel)
+        for (int byte = 0; byte < bytesAPixel; ++byte) {
+            int sum = kPlacesAPixel / 2;
+            for (int place = 0; place < kPlacesAPixel; ++place)
+                sum += wide[place * bytesAPixel + byte];
+            pixels[byte] = static_cast<unsigned char>(sum / kPlacesAPixel);
+        }
+}
+
+// Cairo's cached letter pictures are many times faster than filling outlines, but Cairo places them
+// on whole pixels only. So letters are drawn several times as wide, and in pieces, because a
+// surface's width is limited.
+CairoSurface drawn(const TextLine& line, double scale, const Color& color, const PixelRect& ink) {
+    const cairo_format_t format = hasColors(line) ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_A8;
+    CairoSurface letters{cairo_image_surface_create(format, ink.width, ink.height)};
+    const int bytesAPixel = bytesAPixelOf(letters.get());
+    unsigned char* const pixels = cairo_image_surface_get_data(letters.get());
+    if (!pixels) return nullptr;
+    for (int left = 0; left < ink.width; left += kPieceWidth) {
+        const int width = std::min(kPieceWidth, ink.width - left);
+        const CairoSurface wide{
+            cairo_image_surface_create(format, width * kPlacesAPixel, ink.height)};
+        const CairoContext cairo{cairo_create(wide.get())};
+        cairo_translate(cairo.get(), -(ink.x + left) * kPlacesAPixel, -ink.y);
+        cairo_scale(cairo.get(), scale * kPlacesAPixel, scale);
+        cairo_set_source_rgb(cairo.get(), color.red, color.green, color.blue);
+        pango_cairo_show_layout_line(cairo.get(), laidOut(line));
+        cairo_surface_flush(wide.get());
+        const unsigned char* const data = cairo_image_surface_get_data(wide.get());
+        if (!data) return nullptr;
+        for (int y = 0; y < ink.height; ++y)
+            narrow(data + std::ptrdiff_t{y} * cairo_image_surface_get_stride(wide.get()),
+                   pixels + std::ptrdiff_t{y} * cairo_image_surface_get_stride(letters.get()) +
+                       left * bytesAPixel,
+                   width, bytesAPixel);
     }
-    cairo_set_source(cairo, paint);
-    cairo_user_to_device(cairo, &start.x, &start.y);
-    cairo_identity_matrix(cairo);
-    coverage->show(cairo, static_cast<int>(std::lround(start.x)),
-                   static_cast<int>(std::lround(start.y)));
+    cairo_surface_mark_dirty(letters.get());
+    return letters;
 }
 
-void drawCopies(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts,
-                cairo_pattern_t* paint) {
-    const TextLine& line = texts.line(node.text, node.font);
-    // The resting place is rounded separately, so that frames timed for whole pixels of scrolling
-    // move by whole pixels.
-    const Point start = snapped(
-        cairo, {leftEdgeOf(node, line.width, isRightToLeft), baselineOf(node.frame, line.heights)});
-    for (const double left : copiesOf(node, start.x, line.width, isRightToLeft))
-        drawLine(cairo, line, node.color, snapped(cairo, {left, start.y}), paint);
+// The line keeps the last result.
+const LinePixels& pixelsOf(const TextLine& line, double scale, const Color& color) {
+    LinePixels& last = line.pixels;
+    const Color opaque{color.red, color.green, color.blue};
+    const bool hasOtherColor =
+        last.surface && isColored(last.surface.get()) && last.color != opaque;
+    if (last.scale == scale && !hasOtherColor) return last;
+    const PixelRect ink = inkOf(line, scale);
+    last = {scale, opaque, ink, ink.isEmpty() ? nullptr : drawn(line, scale, opaque, ink)};
+    return last;
 }
 
-void drawStill(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts) {
-    const TextLine* line = &texts.line(node.text, node.font);
-    if (isTooWide(node, line->width)) line = &texts.line(node.text, node.font, node.frame.width);
-    const Point start = snapped(cairo, {leftEdgeOf(node, line->width, isRightToLeft),
-                                        baselineOf(node.frame, line->heights)});
-    drawLine(cairo, *line, node.color, start, solidPattern(node.color).get());
+const TextLine& lineOf(const TextNode& node, TextLayoutCache& texts) {
+    const TextLine& whole = texts.line(node.text, node.font);
+    if (node.scroll || !isTooWide(node, whole.width)) return whole;
+    return texts.line(node.text, node.font, node.frame.width);
 }
 
-// A gradient takes far longer than a solid colour, so only the two ends use it. The ends meet the
-// middle on whole pixels, because otherwise a seam would show.
-void drawScrolling(cairo_t* cairo, const TextNode& node, bool isRightToLeft,
-                   TextLayoutCache& texts) {
-    const Rect& frame = node.frame;
-    const double fade = std::min(node.scroll->fade, frame.width / 2);
-    const double left = snapped(cairo, {frame.x + fade, 0}).x;
-    const double right = snapped(cairo, {frame.maxX() - fade, 0}).x;
-    const CairoPattern ends = fadePattern(node);
-    const auto drawBetween = [&](double begin, double end, cairo_pattern_t* paint) {
-        if (end <= begin) return;
-        const CairoState state{cairo};
-        cairo_rectangle(cairo, begin, frame.y, end - begin, frame.height);
-        cairo_clip(cairo);
-        drawCopies(cairo, node, isRightToLeft, texts, paint);
+// The pixels of `area` with copies of the letters, whose ink begins at row `top` and these columns.
+// Copies do not overlap, because the gap between them is wider than letters overhang.
+CairoSurface copiesIn(const PixelRect& area, const LinePixels& letters, int top,
+                      const std::vector<int>& columns) {
+    CairoSurface field{cairo_image_surface_create(
+        cairo_image_surface_get_format(letters.surface.get()), area.width, area.height)};
+    const auto rowOf = [](const CairoSurface& surface, int y) {
+        return cairo_image_surface_get_data(surface.get()) +
+               std::ptrdiff_t{y} * cairo_image_surface_get_stride(surface.get());
     };
-    drawBetween(frame.x, left, ends.get());
-    drawBetween(left, right, solidPattern(node.color).get());
-    drawBetween(right, frame.maxX(), ends.get());
+    const int bytesAPixel = bytesAPixelOf(field.get());
+    for (const int column : columns) {
+        const PixelRect shown =
+            area.intersection({column, top, letters.ink.width, letters.ink.height});
+        for (int y = shown.y; y < shown.maxY(); ++y)
+            std::copy_n(rowOf(letters.surface, y - top) + (shown.x - column) * bytesAPixel,
+                        shown.width * bytesAPixel,
+                        rowOf(field, y - area.y) + (shown.x - area.x) * bytesAPixel);
+    }
+    cairo_surface_mark_dirty(field.get());
+    return field;
+}
+
+// Fades both ends of a scrolling line.
+void fade(cairo_surface_t* field, const TextNode& node, double scale) {
+    cairo_surface_flush(field);
+    const int bytesAPixel = bytesAPixelOf(field);
+    const std::ptrdiff_t stride = cairo_image_surface_get_stride(field);
+    const int width = cairo_image_surface_get_width(field);
+    const int height = cairo_image_surface_get_height(field);
+    for (int x = 0; x < width / 2; ++x) {
+        const double strength = fadeStrength(node, (x + 0.5) / scale);
+        if (strength >= 1) break;
+        const auto share = static_cast<unsigned>(std::lround(strength * 256));
+        for (const int column : {x, width - 1 - x}) {
+            unsigned char* byte = cairo_image_surface_get_data(field) + column * bytesAPixel;
+            for (int y = 0; y < height; ++y, byte += stride)
+                for (int i = 0; i < bytesAPixel; ++i)
+                    byte[i] = static_cast<unsigned char>(byte[i] * share >> 8);
+        }
+    }
+    cairo_surface_mark_dirty(field);
+}
+
+void paint(cairo_t* cairo, cairo_surface_t* field, const PixelRect& area, const Color& color) {
+    const CairoState state{cairo};
+    cairo_identity_matrix(cairo);
+    if (isColored(field)) {
+        cairo_set_source_surface(cairo, field, area.x, area.y);
+        cairo_paint_with_alpha(cairo, color.alpha);
+    } else {
+        cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
+        cairo_mask_surface(cairo, field, area.x, area.y);
+    }
 }
 
 }  // namespace
 
+// Lines lie on whole pixels, so that letters are equally sharp everywhere and their spacing does
+// not jitter while a line moves.
 void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts) {
-    const CairoState state{cairo};
+    cairo_matrix_t place{};
+    cairo_get_matrix(cairo, &place);
+    const double scale = place.xx;
+    const auto column = [&](double x) {
+        return static_cast<int>(std::lround(x * scale + place.x0));
+    };
+    const auto row = [&](double y) { return static_cast<int>(std::lround(y * scale + place.y0)); };
+
+    const TextLine& line = lineOf(node, texts);
+    const LinePixels& letters = pixelsOf(line, scale, node.color);
     const Rect& frame = node.frame;
-    cairo_rectangle(cairo, frame.x, frame.y, frame.width, frame.height);
-    cairo_clip(cairo);
-    if (node.scroll)
-        drawScrolling(cairo, node, isRightToLeft, texts);
-    else
-        drawStill(cairo, node, isRightToLeft, texts);
+    const PixelRect ink = letters.ink.movedBy(0, row(baselineOf(frame, line.heights)));
+    const int left = column(frame.x);
+    const int top = std::max(row(frame.y), ink.y);
+    const PixelRect area{left, top, column(frame.maxX()) - left,
+                         std::min(row(frame.maxY()), ink.maxY()) - top};
+    if (!letters.surface || area.isEmpty()) return;
+
+    // The resting place is rounded separately, so that frames timed for whole pixels of scrolling
+    // move by whole pixels.
+    const double rest = (column(leftEdgeOf(node, line.width, isRightToLeft)) - place.x0) / scale;
+    std::vector<int> columns;
+    for (const double edge :
+         node.scroll ? copiesOf(node, rest, line.width, isRightToLeft) : std::vector{rest})
+        columns.push_back(column(edge) + ink.x);
+    const CairoSurface field = copiesIn(area, letters, ink.y, columns);
+    if (node.scroll) fade(field.get(), node, scale);
+    paint(cairo, field.get(), area, node.color);
 }
 
 }  // namespace quorvane

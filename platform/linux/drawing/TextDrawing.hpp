@@ -1,13 +1,25 @@
 // The drawing of one line of text.
 #pragma once
 
-#include <cairo.h>
-
 #include "drawing/Scene.hpp"
-#include "platform/linux/drawing/TextLayoutCache.hpp"
+#include "platform/linux/drawing/CairoHandles.hpp"
 
 namespace quorvane {
 
+class TextLayoutCache;
+
+// The letters of a line as pixels, because drawing letters takes far longer than copying their
+// pixels to where the line is now.
+struct LinePixels {
+    double scale = 0;  // pixels per point
+    Color color{};     // of the letters that have no colours themselves, opaque
+    PixelRect ink{};   // from the line's left edge and baseline
+    // The letters' coverage; their premultiplied colours if some letters, such as emoji, have
+    // colours. Null for a line without ink.
+    CairoSurface surface{};
+};
+
+// The context is scaled and moved, but not rotated.
 void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts);
 
 }  // namespace quorvane

@@ -8,22 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "drawing/Canvas.hpp"
 #include "drawing/LineCache.hpp"
 #include "drawing/Scene.hpp"
 #include "drawing/TextPlacement.hpp"
-#include "platform/linux/drawing/CairoHandles.hpp"
+#include "platform/linux/drawing/TextDrawing.hpp"
 
 namespace quorvane {
-
-class GlyphCoverage;
-
-// A line with coloured letters, drawn once and reused at other places.
-struct TextPicture {
-    CairoSurface surface{};
-    Color color{};     // of its uncoloured letters, opaque
-    double scale = 0;  // pixels per point
-};
 
 // One laid-out line. Lengths are points and the same at every scale.
 struct TextLine {
@@ -31,9 +21,7 @@ struct TextLine {
     double width = 0;
     // Of the font, not of these letters, so that lines of one font share a baseline.
     LineHeights heights{};
-    // Filled by the drawing code, one of the two, and kept as long as the line.
-    mutable std::shared_ptr<const GlyphCoverage> coverage{};
-    mutable TextPicture picture{};
+    mutable LinePixels pixels{};  // of its last drawing
 };
 
 // Main thread only. References stay valid until the next call.

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,28 +21,15 @@ using std::filesystem::path;
 constexpr char kHiddenPrefix[] = ".staged-";
 constexpr int kDeepestFolder = 64;
 
-Result<void> syncAndClose(FileDescriptor file, const path& name) {
-    if (fsync(file.get()) != 0) return posixError(name);
-    return {};
-}
-
 Result<void> copyFile(int from, const path& to, mode_t mode) {
-    FileDescriptor target{open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode & 0777)};
+    const FileDescriptor target{
+        open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode & 0777)};
     if (!target) return posixError(to);
-    char buffer[65536];
-    while (true) {
-        const ssize_t length = read(from, buffer, sizeof buffer);
-        if (length < 0 && errno == EINTR) continue;
-        if (length < 0) return posixError(to);
-        if (length == 0) break;
-        if (auto written = writeAll(
-                target.get(), std::as_bytes(std::span{buffer, static_cast<std::size_t>(length)}));
-            !written)
-            return std::unexpected{
-                PlatformError{written.error().domain, written.error().code,
-                              to.string() + ": " + std::move(written).error().description}};
-    }
-    return syncAndClose(std::move(target), to);
+    constexpr std::size_t kStep = 1 << 20;
+    while (const ssize_t count = sendfile(target.get(), from, nullptr, kStep))
+        if (count < 0 && errno != EINTR) return posixError(to);
+    if (fsync(target.get()) != 0) return posixError(to);
+    return {};
 }
 
 Result<void> copyItem(const path& from, const path& to, int depth);
@@ -56,7 +44,7 @@ Result<void> copyFolder(const path& from, const path& to, int depth) {
         if (auto copied = copyItem(from / name, to / name, depth + 1); !copied) return copied;
     }
     if (error) return posixError(from, error.value());
-    return syncAndClose(FileDescriptor{open(to.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}, to);
+    return syncFolder(to);
 }
 
 // A bundle contains only files and folders; a link could lead outside the checked bundle.

@@ -45,16 +45,6 @@ Result<Bytes> readWhole(const std::filesystem::path& file) {
 
 }  // namespace
 
-Result<void> writeAll(int descriptor, ByteView bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return posixError("write");
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
-    return {};
-}
-
 Result<void> syncFolder(const std::filesystem::path& folder) {
     const FileDescriptor descriptor{open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
     if (!descriptor) return posixError("open " + folder.string());
@@ -76,6 +66,16 @@ Result<void> makePrivateFolders(const std::filesystem::path& folder) {
 }
 
 namespace {
+
+Result<void> writeAll(int descriptor, ByteView bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return posixError("write");
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return {};
+}
 
 // Writes a temporary file and calls `place` (rename or link) to give it the final name.
 Result<void> writeAndPlace(const std::filesystem::path& file, ByteView contents,

@@ -12,7 +12,6 @@ namespace quorvane {
 
 // Creates the folder and its missing parents with mode 0700.
 Result<void> makePrivateFolders(const std::filesystem::path& folder);
-Result<void> writeAll(int descriptor, ByteView bytes);
 // Syncs the folder's entries to disk; before that, a crash can lose the name of a renamed file.
 Result<void> syncFolder(const std::filesystem::path& folder);
 // Replaces the file atomically, even across a crash of the machine: it has the old or the new

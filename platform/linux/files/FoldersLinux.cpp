@@ -3,19 +3,20 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <vector>
+
+#include "platform/linux/files/Environment.hpp"
 
 namespace quorvane {
 namespace {
 
-std::optional<std::filesystem::path> absoluteFolder(const char* text) {
-    if (!text || text[0] != '/') return std::nullopt;
+std::optional<std::filesystem::path> absoluteFolder(std::string_view text) {
+    if (!text.starts_with('/')) return std::nullopt;
     return std::filesystem::path{text};
 }
 
 std::optional<std::filesystem::path> folder(const char* variable, const char* inHome) {
-    if (auto path = absoluteFolder(std::getenv(variable))) return path;
+    if (auto path = absoluteFolder(environmentVariable(variable))) return path;
     auto home = homeFolder();
     if (home) *home /= inHome;
     return home;
@@ -24,7 +25,7 @@ std::optional<std::filesystem::path> folder(const char* variable, const char* in
 }  // namespace
 
 std::optional<std::filesystem::path> homeFolder() {
-    if (auto path = absoluteFolder(std::getenv("HOME"))) return path;
+    if (auto path = absoluteFolder(environmentVariable("HOME"))) return path;
     std::vector<char> buffer(16384);
     passwd entry{};
     passwd* found = nullptr;

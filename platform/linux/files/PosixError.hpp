@@ -5,7 +5,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/ErrorText.hpp"
+#include "platform/PlatformError.hpp"
 
 namespace quorvane {
 

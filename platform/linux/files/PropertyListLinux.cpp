@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 
+#include "platform/ReleaseWith.hpp"
 #include "platform/linux/files/OldStylePropertyList.hpp"
 #include "platform/linux/files/PosixError.hpp"
 #include "platform/linux/files/PropertyListSafety.hpp"
@@ -18,15 +19,9 @@
 namespace quorvane {
 namespace {
 
-struct NodeDeleter {
-    void operator()(void* node) const { plist_free(node); }
-};
-using Node = std::unique_ptr<void, NodeDeleter>;
-
-struct MemoryDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
-using Text = std::unique_ptr<char, MemoryDeleter>;
+using Node = std::unique_ptr<void, ReleaseWith<plist_free>>;
+using Iterator = std::unique_ptr<void, ReleaseWith<std::free>>;
+using Text = std::unique_ptr<char, ReleaseWith<std::free>>;
 
 // Sets the "C" locale for this thread, because the library reads and writes real numbers with the
 // decimal sign of the current locale.
@@ -59,7 +54,7 @@ Result<void> readNode(plist_t node, int depth, Storage& value);
 Result<void> readArray(plist_t node, int depth, PropertyArray& array) {
     plist_array_iter place = nullptr;
     plist_array_new_iter(node, &place);
-    const std::unique_ptr<void, MemoryDeleter> owner{place};
+    const Iterator owner{place};
     plist_t item = nullptr;
     for (plist_array_next_item(node, place, &item); item;
          plist_array_next_item(node, place, &item)) {
@@ -71,7 +66,7 @@ Result<void> readArray(plist_t node, int depth, PropertyArray& array) {
 Result<void> readDictionary(plist_t node, int depth, PropertyDictionary& dictionary) {
     plist_dict_iter place = nullptr;
     plist_dict_new_iter(node, &place);
-    const std::unique_ptr<void, MemoryDeleter> owner{place};
+    const Iterator owner{place};
     while (true) {
         char* key = nullptr;
         plist_t item = nullptr;

@@ -1,28 +1,30 @@
-// Texts of the program in the user's language, from the catalogues in its bundle.
+// The card's texts in the user's language, from a table that the build makes of localization/*.po.
 #pragma once
 
-#include <filesystem>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
-
-#include "platform/linux/language/MessageCatalogue.hpp"
 
 namespace quorvane {
 
-// Reads the whole catalogue on construction, so that removing the bundle later does no harm. Any
-// thread.
+// A plain value.
 class Translations {
 public:
-    // Uses the first locale with a catalogue in the folder. Without one, the texts are their keys.
-    Translations(const std::filesystem::path& folder, const std::vector<std::string>& locales);
+    // Uses the first locale with translations. Without one, the texts are their keys.
+    explicit Translations(const std::vector<std::string>& locales);
 
-    std::string text(const std::string& key) const;
+    std::string text(std::string_view key) const;
 
 private:
-    MessageCatalogue catalogue_;
-};
+    struct Row {
+        std::string_view language;
+        std::string_view key;
+        std::string_view text;
+    };
+    static const Row kRows[];
 
-// The folder of a bundle's catalogues.
-std::filesystem::path localeFolder(const std::filesystem::path& bundle);
+    std::span<const Row> rows_;  // of one language
+};
 
 }  // namespace quorvane

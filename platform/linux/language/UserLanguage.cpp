@@ -1,8 +1,9 @@
 #include "platform/linux/language/UserLanguage.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <iterator>
+
+#include "platform/linux/files/Environment.hpp"
 
 namespace quorvane {
 namespace {
@@ -17,6 +18,14 @@ std::string_view withoutSuffixes(std::string_view locale) {
     return locale.substr(0, locale.find_first_of(".@"));
 }
 
+// The locale of messages in this process's environment; "" when none is set.
+std::string_view localeOfMessages() {
+    // Use the first that is set and not empty.
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (const auto value = environmentVariable(name); !value.empty()) return value;
+    return {};
+}
+
 }  // namespace
 
 bool isRightToLeftLocale(std::string_view locale) {
@@ -27,19 +36,11 @@ bool isRightToLeftLocale(std::string_view locale) {
     return std::ranges::find(kRightToLeftLanguages, language) != std::end(kRightToLeftLanguages);
 }
 
-std::string_view localeOfMessages() {
-    // Use the first that is set and not empty.
-    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
-        if (const char* value = std::getenv(name); value && *value) return value;
-    return {};
-}
-
 std::vector<std::string> preferredLocales() {
     const std::string_view locale = localeOfMessages();
     if (locale.empty() || locale == "C" || locale == "POSIX") return {};
     std::vector<std::string> locales;
-    const char* const variable = std::getenv("LANGUAGE");
-    for (std::string_view rest{variable ? variable : ""}; !rest.empty();) {
+    for (auto rest = environmentVariable("LANGUAGE"); !rest.empty();) {
         const auto name = rest.substr(0, rest.find(':'));
         if (!name.empty()) locales.emplace_back(name);
         rest.remove_prefix(std::min(name.size() + 1, rest.size()));

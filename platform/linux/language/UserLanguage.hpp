@@ -11,9 +11,6 @@ namespace quorvane {
 // right to left.
 bool isRightToLeftLocale(std::string_view locale);
 
-// The locale of messages in this process's environment; "" when none is set.
-std::string_view localeOfMessages();
-
 // The user's preferred locales, best first: those of $LANGUAGE, then the locale of messages. Empty
 // when that is unset, "C" or "POSIX", because programs then use their built-in texts.
 std::vector<std::string> preferredLocales();

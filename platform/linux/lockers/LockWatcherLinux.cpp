@@ -14,7 +14,7 @@ constexpr std::uint32_t kNotifyInvalidName = 1;
 
 }  // namespace
 
-LockWatcherLinux::LockWatcherLinux(ServicesLinux& services, LockerSight sight)
+LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, LockerSight sight)
     : notices_(services.localNotices),
       sight_(std::move(sight)),
       screenSavers_(services.sessionBus, [this] { update(); }),

@@ -5,11 +5,11 @@
 #include <functional>
 
 #include "lockers/LockSignals.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/LockSources.hpp"
 #include "platform/linux/bus/LogindLinux.hpp"
 #include "platform/linux/bus/ScreenSaverSignals.hpp"
-#include "platform/linux/loop/Listeners.hpp"
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 
 namespace quorvane {
 
@@ -24,7 +24,7 @@ struct LockerSight {
 // Main thread only. Delivers the four notices to this process's own observers.
 class LockWatcherLinux {
 public:
-    LockWatcherLinux(ServicesLinux& services, LockerSight sight);
+    LockWatcherLinux(HeadlessPlatform& services, LockerSight sight);
 
     // The result refers to the watcher.
     LockSources sources();

@@ -1,16 +1,15 @@
 #include "platform/linux/lockers/LockerWindows.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <set>
 #include <utility>
+
+#include "platform/linux/files/Environment.hpp"
 
 namespace quorvane {
 namespace {
 
 constexpr char kScreenSaverClass[] = "XScreenSaver";
-constexpr char kLockersVariable[] = "QUORVANE_LOCKERS";
-constexpr char kOverlaysVariable[] = "QUORVANE_OVERLAYS";
 constexpr Duration kPointerLookInterval = std::chrono::milliseconds{250};
 constexpr int kPointerLooks = 8;
 
@@ -23,7 +22,8 @@ bool isFound(const std::vector<FoundLocker>& found, std::uint32_t window) {
 LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const Clock& clock)
     : monitors_(monitors),
       clock_(clock),
-      names_(LockerNames::parse(std::getenv(kLockersVariable), std::getenv(kOverlaysVariable))),
+      names_(LockerNames::parse(environmentVariable("QUORVANE_LOCKERS"),
+                                environmentVariable("QUORVANE_OVERLAYS"))),
       topLevels_(x11, [this] {
           isStale_ = true;
           looksLeft_ = kPointerLooks;

@@ -9,7 +9,7 @@
 #include "lockers/KeepClearZones.hpp"
 #include "lockers/LockerRules.hpp"
 #include "platform/Clock.hpp"
-#include "platform/linux/loop/Listeners.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/linux/x11/MonitorsLinux.hpp"
 #include "platform/linux/x11/TopLevelWindows.hpp"
 #include "platform/linux/x11/X11Connection.hpp"

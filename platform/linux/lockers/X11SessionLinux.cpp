@@ -24,36 +24,6 @@ X11SessionLinux::X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock
     });
 }
 
-Handle X11SessionLinux::observeWindow(xcb_window_t window,
-                                      std::function<void(const xcb_generic_event_t&)> handler) {
-    return x11_->observeWindow(window, std::move(handler));
-}
-
-Handle X11SessionLinux::observeEvents(std::uint8_t type,
-                                      std::function<void(const xcb_generic_event_t&)> handler) {
-    return x11_->observeEvents(type, std::move(handler));
-}
-
-Handle X11SessionLinux::observePointer(std::function<void(const RawPointerEvent&)> handler) {
-    return pointer_.observe(std::move(handler));
-}
-
-Handle X11SessionLinux::observePointerMoves(std::function<void(Point)> handler) {
-    return pointer_.observeMoves(std::move(handler));
-}
-
-Handle X11SessionLinux::observeLockerWindows(std::function<void()> handler) {
-    return lockers_.observe(std::move(handler));
-}
-
-Rect X11SessionLinux::pixelFrame(const Screen& screen) {
-    return monitors_.layout().pixels(screen.frame);
-}
-
-void X11SessionLinux::noteOwnWindow(xcb_window_t window, bool exists) {
-    lockers_.noteOwnWindow(window, exists);
-}
-
 Screens X11SessionLinux::screens() {
     return {
         .list = [this] { return monitors_.layout().screens(lockers_.zones()); },

@@ -22,17 +22,29 @@ public:
     xcb_connection_t* connection() override { return x11_->connection(); }
     const xcb_screen_t& screen() override { return x11_->screen(); }
     xcb_atom_t atom(const char* name) override { return x11_->atom(name); }
-    Handle observeWindow(xcb_window_t window,
-                         std::function<void(const xcb_generic_event_t&)> handler) override;
-    Handle observeEvents(std::uint8_t type,
-                         std::function<void(const xcb_generic_event_t&)> handler) override;
-    Handle observePointer(std::function<void(const RawPointerEvent&)> handler) override;
-    Handle observePointerMoves(std::function<void(Point)> handler) override;
+    Handle observeWindow(xcb_window_t window, EventHandler handler) override {
+        return x11_->observeWindow(window, std::move(handler));
+    }
+    Handle observeEvents(std::uint8_t type, EventHandler handler) override {
+        return x11_->observeEvents(type, std::move(handler));
+    }
+    Handle observePointer(std::function<void(const RawPointerEvent&)> handler) override {
+        return pointer_.observe(std::move(handler));
+    }
+    Handle observePointerMoves(std::function<void(Point)> handler) override {
+        return pointer_.observeMoves(std::move(handler));
+    }
     std::vector<LockerWindow> lockerWindows() override { return lockers_.windows(); }
-    Handle observeLockerWindows(std::function<void()> handler) override;
-    Rect pixelFrame(const Screen& screen) override;
-    void noteOwnWindow(xcb_window_t window, bool exists) override;
-    void flush() override { x11_->flush(); }
+    Handle observeLockerWindows(std::function<void()> handler) override {
+        return lockers_.observe(std::move(handler));
+    }
+    Rect pixelFrame(const Screen& screen) override {
+        return monitors_.layout().pixels(screen.frame);
+    }
+    void noteOwnWindow(xcb_window_t window, bool exists) override {
+        lockers_.noteOwnWindow(window, exists);
+    }
+    void flush() override { xcb_flush(connection()); }
 
     // The result refers to the session.
     Screens screens();

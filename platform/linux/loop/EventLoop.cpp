@@ -2,62 +2,43 @@
 
 #include <sys/epoll.h>
 
-#include <optional>
 #include <utility>
 
-#include "platform/linux/loop/Listeners.hpp"
 #include "platform/linux/loop/PostQueue.hpp"
 #include "platform/linux/loop/TimerQueue.hpp"
 
 namespace quorvane {
 
-struct EventLoop::State {
-    sd_event* event = nullptr;
-    std::shared_ptr<TimerQueue> timers = std::make_shared<TimerQueue>();
-    std::shared_ptr<PostQueue> posts = std::make_shared<PostQueue>();
-    sd_event_source* postSource = nullptr;
-    Listeners<> sleepers;
-    std::optional<int> status;
-
-    State();
-    ~State();
-    bool attach();
-};
-
-EventLoop::State::State() {
-    if (sd_event_new(&event) >= 0 && attach()) return;
-    event = sd_event_unref(event);
+EventLoop::EventLoop()
+    : timers_(std::make_shared<TimerQueue>()), posts_(std::make_shared<PostQueue>()) {
+    if (sd_event_new(&event_) < 0 || !attach()) event_ = sd_event_unref(event_);
 }
 
-EventLoop::State::~State() {
-    posts->close();
-    sd_event_source_disable_unref(postSource);
-    timers.reset();
-    sd_event_unref(event);
+EventLoop::~EventLoop() {
+    posts_->close();
+    sd_event_source_disable_unref(postSource_);
+    timers_.reset();
+    sd_event_unref(event_);
 }
 
-bool EventLoop::State::attach() {
+bool EventLoop::attach() {
     const auto onPosted = [](sd_event_source*, int, std::uint32_t, void* self) {
-        static_cast<State*>(self)->posts->run();
+        static_cast<EventLoop*>(self)->posts_->run();
         return 0;
     };
     const auto onPrepare = [](sd_event_source*, void* self) {
-        static_cast<State*>(self)->sleepers.call();
+        static_cast<EventLoop*>(self)->sleepers_.call();
         return 0;
     };
-    return timers->attach(event) >= 0 &&
-           sd_event_add_io(event, &postSource, posts->descriptor(), EPOLLIN, onPosted, this) >= 0 &&
-           sd_event_source_set_prepare(postSource, onPrepare) >= 0;
+    return timers_->attach(event_) >= 0 &&
+           sd_event_add_io(event_, &postSource_, posts_->descriptor(), EPOLLIN, onPosted, this) >=
+               0 &&
+           sd_event_source_set_prepare(postSource_, onPrepare) >= 0;
 }
 
-EventLoop::EventLoop() : state_(std::make_unique<State>()) {}
-EventLoop::~EventLoop() = default;
-
-sd_event* EventLoop::event() const { return state_->event; }
-
 Clock EventLoop::clock() {
-    const auto afterAbout = [weak = std::weak_ptr{state_->timers}](
-                                Duration delay, Duration tolerance, std::function<void()> action) {
+    const auto afterAbout = [weak = std::weak_ptr{timers_}](Duration delay, Duration tolerance,
+                                                            std::function<void()> action) {
         const auto timers = weak.lock();
         return timers ? timers->after(delay, tolerance, std::move(action)) : Timer{};
     };
@@ -70,7 +51,7 @@ Clock EventLoop::clock() {
 }
 
 MainThread EventLoop::mainThread() {
-    return {.post = [weak = std::weak_ptr{state_->posts}](std::function<void()> action) {
+    return {.post = [weak = std::weak_ptr{posts_}](std::function<void()> action) {
         if (const auto posts = weak.lock()) posts->post(std::move(action));
     }};
 }
@@ -89,7 +70,7 @@ Handle EventLoop::watch(int descriptor, std::uint32_t events,
     };
     auto watch = std::make_unique<Watch>(Watch{std::move(handler)});
     const int result =
-        sd_event_add_io(state_->event, &watch->source, descriptor, events, callback, watch.get());
+        sd_event_add_io(event_, &watch->source, descriptor, events, callback, watch.get());
     if (result < 0) return {};
     return Handle{[owned = watch.release()] {
         sd_event_source_disable_unref(owned->source);
@@ -97,24 +78,19 @@ Handle EventLoop::watch(int descriptor, std::uint32_t events,
     }};
 }
 
-Handle EventLoop::beforeSleep(std::function<void()> action) {
-    return state_->sleepers.add(std::move(action));
-}
-
 int EventLoop::run() {
-    State& state = *state_;
-    while (!state.status) {
-        const int result = sd_event_run(state.event, UINT64_MAX);
+    while (!status_) {
+        const int result = sd_event_run(event_, UINT64_MAX);
         // The loop itself has failed and cannot run again.
         if (result < 0) quit(EXIT_FAILURE);
     }
-    return *std::exchange(state.status, std::nullopt);
+    return *std::exchange(status_, std::nullopt);
 }
 
 void EventLoop::quit(int status) {
-    if (!state_->status) state_->status = status;
-    state_->posts->stopRunning();
-    state_->timers->stopRunning();
+    if (!status_) status_ = status;
+    posts_->stopRunning();
+    timers_->stopRunning();
 }
 
 }  // namespace quorvane

@@ -6,12 +6,17 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "platform/Clock.hpp"
 #include "platform/Handle.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/MainThread.hpp"
 
 namespace quorvane {
+
+class PostQueue;
+class TimerQueue;
 
 // Main thread only, except `mainThread().post`. The process does not wake up while no event is due.
 // Handles, timers and the tables made here may outlive the loop and then do nothing.
@@ -22,7 +27,8 @@ public:
     EventLoop(const EventLoop&) = delete;
     EventLoop& operator=(const EventLoop&) = delete;
 
-    sd_event* event() const;
+    // Null when the system gives no loop.
+    sd_event* event() const { return event_; }
     // The clock keeps counting while the machine sleeps: timers due during sleep run right after
     // it.
     Clock clock();
@@ -32,7 +38,7 @@ public:
     // an empty handle for a descriptor that epoll cannot watch (a plain file, a closed number).
     Handle watch(int descriptor, std::uint32_t events, std::function<void(std::uint32_t)> handler);
     // Called each time before the loop sleeps, for event sources that buffer in memory.
-    Handle beforeSleep(std::function<void()> action);
+    Handle beforeSleep(std::function<void()> action) { return sleepers_.add(std::move(action)); }
 
     // Runs until `quit` and returns the status passed to it. May be called again afterwards.
     int run();
@@ -41,8 +47,15 @@ public:
     void quit(int status);
 
 private:
-    struct State;
-    std::unique_ptr<State> state_;
+    bool attach();
+
+    sd_event* event_ = nullptr;
+    // Shared only for the weak pointers of timers and tables.
+    std::shared_ptr<TimerQueue> timers_;
+    std::shared_ptr<PostQueue> posts_;
+    sd_event_source* postSource_ = nullptr;
+    Listeners<> sleepers_;
+    std::optional<int> status_;
 };
 
 }  // namespace quorvane

@@ -1,12 +1,13 @@
 #include "platform/linux/loop/SerialQueueLinux.hpp"
 
+#include <sys/prctl.h>
+
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <system_error>
 #include <thread>
-
-#include "platform/linux/loop/ThreadNameLinux.hpp"
 
 namespace quorvane {
 namespace {
@@ -85,6 +86,11 @@ private:
 };
 
 }  // namespace
+
+void nameCurrentThread(const std::string& name) {
+    constexpr std::size_t kKept = 15;
+    prctl(PR_SET_NAME, name.c_str() + name.size() - std::min(name.size(), kKept));
+}
 
 MakeSerialQueue makeSerialQueuesLinux() {
     return [](std::string label) { return std::make_unique<SerialQueueLinux>(std::move(label)); };

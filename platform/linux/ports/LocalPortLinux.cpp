@@ -31,7 +31,7 @@ std::unique_ptr<LocalPort> LocalPortLinux::open(PortFolder folder, const std::st
     return port;
 }
 
-LocalPortLinux::LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock,
+LocalPortLinux::LocalPortLinux(PortFolder folder, std::string name, FileLock lock,
                                PortHandler handler, const PortLimits& limits)
     : folder_(std::move(folder)),
       name_(std::move(name)),
@@ -74,29 +74,30 @@ void LocalPortLinux::stop() {
 void LocalPortLinux::run() {
     std::array<epoll_event, 64> events;
     while (!isStopped_) {
-        const int count = wait(events);
+        const auto deadline = nextDeadline();
+        const int count = wait(events, deadline);
         if (count < 0 && errno != EINTR) return;
-        const Instant woke = nextDeadline_ ? now() : Instant::min();
-        bool isSomebodyWaiting = false;
+        const Instant woke = deadline ? now() : Instant::min();
+        bool hasNewClients = false;
         for (const epoll_event& event : std::span{events}.first(std::max(count, 0))) {
             if (event.data.ptr == &wake_) continue;
             if (event.data.ptr == &listener_)
-                isSomebodyWaiting = true;
+                hasNewClients = true;
             else if (!isStopped_)
                 serve(*static_cast<PortConnection*>(event.data.ptr));
         }
         // After the clients, because accepting one may drop another whose event is in this batch.
-        if (isSomebodyWaiting) acceptWaiting();
+        if (hasNewClients) acceptWaiting();
         // Uses the time before the clients were served, because no client was read while a handler
         // ran.
-        if (nextDeadline_ && woke >= *nextDeadline_) expire(woke);
+        if (deadline && woke >= *deadline) expire(woke);
     }
 }
 
-int LocalPortLinux::wait(std::span<epoll_event> events) const {
+int LocalPortLinux::wait(std::span<epoll_event> events, std::optional<Instant> deadline) const {
     int milliseconds = -1;
-    if (nextDeadline_) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*nextDeadline_ - now());
+    if (deadline) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - now());
         milliseconds = static_cast<int>(std::max(left.count(), decltype(left.count()){0}));
     }
     return epoll_wait(epoll_.get(), events.data(), static_cast<int>(events.size()), milliseconds);
@@ -111,8 +112,8 @@ void LocalPortLinux::acceptWaiting() {
                 errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM;
             if (isOutOfResources) pauseListening();
             if (errno != ECONNABORTED && errno != EINTR) return;
-        } else if (peerIsOwnUser(socket.get())) {
-            add(std::move(socket));
+        } else if (const auto peer = ownPeer(socket.get())) {
+            add(std::move(socket), *peer);
         }
     }
 }
@@ -121,15 +122,13 @@ void LocalPortLinux::acceptWaiting() {
 void LocalPortLinux::pauseListening() {
     watch(listener_.get(), 0, &listener_, EPOLL_CTL_MOD);
     listensAgain_ = now() + kAcceptPause;
-    noteDeadline(listensAgain_);
 }
 
-void LocalPortLinux::add(FileDescriptor socket) {
+void LocalPortLinux::add(FileDescriptor socket, pid_t peer) {
     if (connections_.size() >= limits_.connections) dropFromGreediest();
     // Safe for clients without the secret, because they receive nothing to fill it with.
     askForSendRoom(socket.get());
-    auto connection = std::make_unique<PortConnection>(std::move(socket), limits_, memory_);
-    connection->place = connections_.size();
+    auto connection = std::make_unique<PortConnection>(std::move(socket), peer, limits_, memory_);
     connection->lastUse = ++uses_;
     connection->watched = EPOLLIN;
     if (watch(connection->socket(), EPOLLIN, connection.get(), EPOLL_CTL_ADD))
@@ -144,23 +143,23 @@ void LocalPortLinux::serve(PortConnection& connection) {
         watch(connection.socket(), wanted, &connection, EPOLL_CTL_MOD);
         connection.watched = wanted;
     }
-    noteDeadline(connection.deadline());
 }
 
 void LocalPortLinux::drop(PortConnection& connection) {
-    // Closing the socket does not end the watch while a forked child that has not yet called exec
-    // holds it too. The next event would then refer to a destroyed connection.
+    unwatch(connection);
+    std::erase_if(connections_, [&](const auto& each) { return each.get() == &connection; });
+}
+
+// Closing the socket does not end the watch while a forked child that has not yet called exec holds
+// it too. The next event would then refer to a destroyed connection.
+void LocalPortLinux::unwatch(const PortConnection& connection) {
     watch(connection.socket(), 0, nullptr, EPOLL_CTL_DEL);
-    const std::size_t place = connection.place;
-    std::swap(connections_[place], connections_.back());
-    connections_[place]->place = place;
-    connections_.pop_back();
 }
 
 // Keeps one process from crowding out the others: the process with the most connections loses its
 // least recently used one.
 void LocalPortLinux::dropFromGreediest() {
-    std::map<std::int32_t, std::size_t> counts;
+    std::map<pid_t, std::size_t> counts;
     for (const auto& connection : connections_) ++counts[connection->peer()];
     const auto rank = [&](const std::unique_ptr<PortConnection>& connection) {
         return std::pair{counts[connection->peer()],
@@ -169,26 +168,24 @@ void LocalPortLinux::dropFromGreediest() {
     drop(**std::ranges::max_element(connections_, {}, rank));
 }
 
+std::optional<Instant> LocalPortLinux::nextDeadline() const {
+    std::optional<Instant> next = listensAgain_;
+    for (const auto& connection : connections_)
+        if (const auto deadline = connection->deadline(); deadline && (!next || *deadline < *next))
+            next = deadline;
+    return next;
+}
+
 void LocalPortLinux::expire(Instant present) {
-    nextDeadline_.reset();
     if (listensAgain_ && present >= *listensAgain_) {
         watch(listener_.get(), EPOLLIN, &listener_, EPOLL_CTL_MOD);
         listensAgain_.reset();
     }
-    noteDeadline(listensAgain_);
-    for (std::size_t place = 0; place < connections_.size();) {
-        PortConnection& connection = *connections_[place];
-        if (connection.deadline() && present >= *connection.deadline()) {
-            drop(connection);  // moves another connection into this place
-        } else {
-            noteDeadline(connection.deadline());
-            ++place;
-        }
-    }
-}
-
-void LocalPortLinux::noteDeadline(std::optional<Instant> deadline) {
-    if (deadline && (!nextDeadline_ || *deadline < *nextDeadline_)) nextDeadline_ = deadline;
+    std::erase_if(connections_, [&](const auto& connection) {
+        const bool isOver = connection->deadline() && present >= *connection->deadline();
+        if (isOver) unwatch(*connection);
+        return isOver;
+    });
 }
 
 }  // namespace quorvane

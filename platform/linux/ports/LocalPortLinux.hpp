@@ -26,24 +26,25 @@ public:
     void stop() override;
 
 private:
-    LocalPortLinux(PortFolder folder, std::string name, FileDescriptor lock, PortHandler handler,
+    LocalPortLinux(PortFolder folder, std::string name, FileLock lock, PortHandler handler,
                    const PortLimits& limits);
 
     bool listen();
     bool watch(int descriptor, std::uint32_t events, void* tag, int operation);
-    int wait(std::span<epoll_event> events) const;
+    int wait(std::span<epoll_event> events, std::optional<Instant> deadline) const;
     void acceptWaiting();
     void pauseListening();
-    void add(FileDescriptor socket);
+    void add(FileDescriptor socket, pid_t peer);
     void serve(PortConnection& connection);
     void drop(PortConnection& connection);
+    void unwatch(const PortConnection& connection);
     void dropFromGreediest();
+    std::optional<Instant> nextDeadline() const;
     void expire(Instant present);
-    void noteDeadline(std::optional<Instant> deadline);
 
     const PortFolder folder_;
     const std::string name_;
-    const FileDescriptor lock_;
+    const FileLock lock_;
     const PortHandler handler_;
     const PortLimits limits_;
     FileDescriptor listener_;
@@ -54,7 +55,6 @@ private:
     PortMemory memory_;  // before the connections, which return memory to it
     std::vector<std::unique_ptr<PortConnection>> connections_;
     std::uint64_t uses_ = 0;
-    std::optional<Instant> nextDeadline_;  // not later than the first deadline
     std::optional<Instant> listensAgain_;  // set while accepting is paused
 };
 

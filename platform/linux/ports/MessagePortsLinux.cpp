@@ -2,8 +2,7 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
-
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/ports/LocalPortLinux.hpp"
 #include "platform/linux/ports/PortFolder.hpp"
 #include "platform/linux/ports/RemotePortLinux.hpp"
@@ -11,8 +10,7 @@
 namespace quorvane {
 
 std::filesystem::path portFolderOfUser() {
-    const char* const variable = std::getenv("XDG_RUNTIME_DIR");
-    std::filesystem::path runtime{variable == nullptr ? "" : variable};
+    std::filesystem::path runtime{environmentVariable("XDG_RUNTIME_DIR")};
     if (!runtime.is_absolute()) runtime = "/run/user/" + std::to_string(geteuid());
     return runtime / "example.quillon.Quorvane";
 }

@@ -15,12 +15,6 @@ constexpr std::size_t kWipedBytes = 32;
 
 Instant now() { return std::chrono::steady_clock::now(); }
 
-std::int32_t peerProcess(int socket) {
-    ucred peer{};
-    socklen_t length = sizeof peer;
-    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 ? peer.pid : 0;
-}
-
 void wipeStart(std::span<std::byte> bytes) {
     wipe(bytes.first(std::min(bytes.size(), kWipedBytes)));
 }
@@ -35,11 +29,9 @@ std::optional<std::size_t> receiveNow(int socket, std::span<std::byte> place) {
 
 }  // namespace
 
-PortConnection::PortConnection(FileDescriptor socket, const PortLimits& limits, PortMemory& memory)
-    : socket_(std::move(socket)),
-      limits_(limits),
-      memory_(memory),
-      peer_(peerProcess(socket_.get())) {}
+PortConnection::PortConnection(FileDescriptor socket, pid_t peer, const PortLimits& limits,
+                               PortMemory& memory)
+    : socket_(std::move(socket)), peer_(peer), limits_(limits), memory_(memory) {}
 
 PortConnection::~PortConnection() {
     dropBody();

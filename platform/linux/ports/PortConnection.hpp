@@ -2,6 +2,8 @@
 // yet sent.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <optional>
 
@@ -60,7 +62,8 @@ private:
 // Never blocks. Owned by its port and used on the port's thread.
 class PortConnection {
 public:
-    PortConnection(FileDescriptor socket, const PortLimits& limits, PortMemory& memory);
+    // `peer` is the client's process.
+    PortConnection(FileDescriptor socket, pid_t peer, const PortLimits& limits, PortMemory& memory);
     ~PortConnection();
 
     // Reads available bytes, answers complete requests and writes as much as the socket takes.
@@ -68,14 +71,13 @@ public:
     bool serve(const PortHandler& handler);
 
     int socket() const { return socket_.get(); }
-    std::int32_t peer() const { return peer_; }
+    pid_t peer() const { return peer_; }
     // While a reply waits to be sent, the connection reads nothing.
     bool isWriting() const { return output_.has_value(); }
     // The deadline for completing the current request or reply; nullopt when idle.
     std::optional<Instant> deadline() const { return deadline_; }
 
     std::uint64_t lastUse = 0;  // the owner's event count
-    std::size_t place = 0;      // index in the owner's list
     std::uint32_t watched = 0;  // the events that the owner waits for
 
 private:
@@ -97,9 +99,9 @@ private:
     void dropOutput();
 
     FileDescriptor socket_;
+    const pid_t peer_;
     const PortLimits& limits_;
     PortMemory& memory_;
-    std::int32_t peer_ = 0;
     FrameBuffer buffer_;
     std::optional<RequestHeader> request_;  // header read, body not yet complete
     Bytes body_;                            // of a request that does not fit the small buffer

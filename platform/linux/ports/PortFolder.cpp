@@ -1,23 +1,18 @@
 #include "platform/linux/ports/PortFolder.hpp"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <cstring>
 
+#include "platform/linux/files/FoldersLinux.hpp"
+
 namespace quorvane {
 namespace {
 
-constexpr std::size_t kLongestName = 80;
 constexpr mode_t kOthers = 077;
 // The sticky bit asks cleaners of the runtime folder to leave the file.
 constexpr mode_t kOwnFile = S_ISVTX | S_IRUSR | S_IWUSR;
-
-bool isFileName(const std::string& name) {
-    return !name.empty() && name.size() <= kLongestName && name != "." && name != ".." &&
-           name.find('/') == std::string::npos && name.find('\0') == std::string::npos;
-}
 
 }  // namespace
 
@@ -36,12 +31,10 @@ std::optional<PortFolder> PortFolder::open(const std::filesystem::path& path, Pu
 }
 
 std::optional<SocketAddress> PortFolder::address(const std::string& name) const {
-    if (!isFileName(name)) return std::nullopt;
+    if (!isPlainFileName(name)) return std::nullopt;
     std::string place = (path_ / name).native();
     SocketAddress address;
-    // A longer path is reached through the open folder.
-    if (place.size() >= sizeof address.name.sun_path)
-        place = "/proc/self/fd/" + std::to_string(descriptor_.get()) + "/" + name;
+    if (place.size() >= sizeof address.name.sun_path) place = throughDescriptor(name);
     if (place.size() >= sizeof address.name.sun_path) return std::nullopt;
     address.name.sun_family = AF_UNIX;
     std::memcpy(address.name.sun_path, place.c_str(), place.size() + 1);
@@ -49,22 +42,19 @@ std::optional<SocketAddress> PortFolder::address(const std::string& name) const 
     return address;
 }
 
-std::optional<FileDescriptor> PortFolder::lock(const std::string& name) const {
-    if (!isFileName(name)) return std::nullopt;
+std::optional<FileLock> PortFolder::lock(const std::string& name) const {
+    if (!isPlainFileName(name)) return std::nullopt;
     const std::string file = name + ".lock";
-    FileDescriptor lock{openat(descriptor_.get(), file.c_str(),
-                               O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR)};
-    if (!lock || flock(lock.get(), LOCK_EX | LOCK_NB) != 0) return std::nullopt;
-    fchmod(lock.get(), kOwnFile);
-    // Another process may have removed the file between open and lock; then no other process would
-    // see this lock.
-    struct stat held {};
-    struct stat standing {};
-    if (fstat(lock.get(), &held) != 0 ||
-        fstatat(descriptor_.get(), file.c_str(), &standing, AT_SYMLINK_NOFOLLOW) != 0 ||
-        held.st_ino != standing.st_ino || held.st_dev != standing.st_dev)
-        return std::nullopt;
-    return lock;
+    auto lock = FileLock::acquire(throughDescriptor(file), Duration{});
+    if (!lock) return std::nullopt;
+    protect(file);
+    return *std::move(lock);
+}
+
+// A path to the checked folder, even when another one stands at its place now. Short enough for any
+// folder.
+std::string PortFolder::throughDescriptor(const std::string& name) const {
+    return "/proc/self/fd/" + std::to_string(descriptor_.get()) + "/" + name;
 }
 
 bool PortFolder::remove(const std::string& name) const {
@@ -75,11 +65,12 @@ void PortFolder::protect(const std::string& name) const {
     fchmodat(descriptor_.get(), name.c_str(), kOwnFile, 0);
 }
 
-bool peerIsOwnUser(int socket) {
+std::optional<pid_t> ownPeer(int socket) {
     ucred peer{};
     socklen_t length = sizeof peer;
-    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 &&
-           peer.uid == geteuid();
+    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) != 0 || peer.uid != geteuid())
+        return std::nullopt;
+    return peer.pid;
 }
 
 }  // namespace quorvane

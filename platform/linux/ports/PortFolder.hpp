@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/linux/files/FileDescriptor.hpp"
+#include "platform/linux/files/FileLock.hpp"
 
 namespace quorvane {
 
@@ -30,7 +31,7 @@ public:
     std::optional<SocketAddress> address(const std::string& name) const;
 
     // The lock that makes its holder the name's only owner; nullopt when another holds it.
-    std::optional<FileDescriptor> lock(const std::string& name) const;
+    std::optional<FileLock> lock(const std::string& name) const;
 
     bool remove(const std::string& name) const;
     // Protects the socket file from other users and from cleanup while it is in use.
@@ -40,11 +41,13 @@ private:
     PortFolder(std::filesystem::path path, FileDescriptor descriptor)
         : path_(std::move(path)), descriptor_(std::move(descriptor)) {}
 
+    std::string throughDescriptor(const std::string& name) const;
+
     std::filesystem::path path_;
     FileDescriptor descriptor_;
 };
 
-// True when the process at the other end runs as this user.
-bool peerIsOwnUser(int socket);
+// The process at the other end; nullopt when it runs as another user.
+std::optional<pid_t> ownPeer(int socket);
 
 }  // namespace quorvane

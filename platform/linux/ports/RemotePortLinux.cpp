@@ -33,7 +33,7 @@ std::unique_ptr<RemotePort> RemotePortLinux::connect(const PortFolder& folder,
     // of blocking.
     FileDescriptor socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)};
     if (!socket || ::connect(socket.get(), address->get(), address->length) != 0 ||
-        !peerIsOwnUser(socket.get()))
+        !ownPeer(socket.get()))
         return nullptr;
     if (fcntl(socket.get(), F_SETFL, 0) != 0) return nullptr;
     askForSendRoom(socket.get());

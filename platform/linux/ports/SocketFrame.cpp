@@ -4,82 +4,64 @@
 #include <sys/uio.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
+#include <cstring>
 
 #include "platform/MessagePort.hpp"
 
 namespace quorvane {
 namespace {
 
-constexpr std::uint32_t magic(const char (&letters)[5]) {
-    std::uint32_t number = 0;
-    for (int i = 3; i >= 0; --i) number = number << 8 | static_cast<unsigned char>(letters[i]);
-    return number;
-}
+// The header's bytes, as little-endian machines hold them.
+struct Wire {
+    std::array<char, 4> magic;
+    std::uint32_t length;
+    std::int32_t code;  // of a request its message identifier, of a reply its status
+    std::uint32_t flags;
+    std::uint64_t sequence;
+};
+static_assert(sizeof(Wire) == kFrameHeaderBytes && std::endian::native == std::endian::little);
 
-constexpr std::uint32_t kRequestMagic = magic("QVrq");
-constexpr std::uint32_t kReplyMagic = magic("QVrp");
+constexpr std::array kRequestMagic{'Q', 'V', 'r', 'q'};
+constexpr std::array kReplyMagic{'Q', 'V', 'r', 'p'};
 constexpr std::uint32_t kAwaitsReplyFlag = 1;
 
-template <typename Number>
-void put(FrameHeader& bytes, std::size_t place, Number number) {
-    for (std::size_t i = 0; i < sizeof number; ++i)
-        bytes[place + i] = static_cast<std::byte>(number >> (8 * i));
-}
-
-template <typename Number>
-Number get(std::span<const std::byte, kFrameHeaderBytes> bytes, std::size_t place) {
-    Number number = 0;
-    for (std::size_t i = 0; i < sizeof number; ++i)
-        number |= std::to_integer<Number>(bytes[place + i]) << (8 * i);
-    return number;
+Wire wireOf(std::span<const std::byte, kFrameHeaderBytes> bytes) {
+    Wire wire;
+    std::memcpy(&wire, bytes.data(), sizeof wire);
+    return wire;
 }
 
 }  // namespace
 
 FrameHeader encode(const RequestHeader& header) {
-    FrameHeader bytes;
-    put(bytes, 0, kRequestMagic);
-    put(bytes, 4, header.length);
-    put(bytes, 8, static_cast<std::uint32_t>(header.messageID));
-    put(bytes, 12, header.awaitsReply ? kAwaitsReplyFlag : 0U);
-    put(bytes, 16, header.sequence);
-    return bytes;
+    return std::bit_cast<FrameHeader>(Wire{kRequestMagic, header.length, header.messageID,
+                                           header.awaitsReply ? kAwaitsReplyFlag : 0,
+                                           header.sequence});
 }
 
 FrameHeader encode(const ReplyHeader& header) {
-    FrameHeader bytes;
-    put(bytes, 0, kReplyMagic);
-    put(bytes, 4, header.length);
-    put(bytes, 8, static_cast<std::uint32_t>(header.status));
-    put(bytes, 12, std::uint32_t{0});
-    put(bytes, 16, header.sequence);
-    return bytes;
+    return std::bit_cast<FrameHeader>(
+        Wire{kReplyMagic, header.length, header.status, 0, header.sequence});
 }
 
 std::optional<RequestHeader> decodeRequestHeader(
     std::span<const std::byte, kFrameHeaderBytes> bytes) {
-    const auto flags = get<std::uint32_t>(bytes, 12);
-    const RequestHeader header{.length = get<std::uint32_t>(bytes, 4),
-                               .messageID = static_cast<std::int32_t>(get<std::uint32_t>(bytes, 8)),
-                               .awaitsReply = flags == kAwaitsReplyFlag,
-                               .sequence = get<std::uint64_t>(bytes, 16)};
-    if (get<std::uint32_t>(bytes, 0) != kRequestMagic || header.length > kLargestBody ||
-        (flags & ~kAwaitsReplyFlag) != 0)
+    const Wire wire = wireOf(bytes);
+    if (wire.magic != kRequestMagic || wire.length > kLargestBody ||
+        (wire.flags & ~kAwaitsReplyFlag) != 0)
         return std::nullopt;
-    return header;
+    return RequestHeader{wire.length, wire.code, wire.flags == kAwaitsReplyFlag, wire.sequence};
 }
 
 std::optional<ReplyHeader> decodeReplyHeader(std::span<const std::byte, kFrameHeaderBytes> bytes) {
-    const ReplyHeader header{.length = get<std::uint32_t>(bytes, 4),
-                             .status = static_cast<std::int32_t>(get<std::uint32_t>(bytes, 8)),
-                             .sequence = get<std::uint64_t>(bytes, 16)};
-    const bool isAnswer = header.status == kPortSuccess && header.length <= kLargestBody;
-    const bool isRefusal = header.status == kPortTransportError && header.length == 0;
-    if (get<std::uint32_t>(bytes, 0) != kReplyMagic || get<std::uint32_t>(bytes, 12) != 0 ||
-        !(isAnswer || isRefusal))
+    const Wire wire = wireOf(bytes);
+    const bool isAnswer = wire.code == kPortSuccess && wire.length <= kLargestBody;
+    const bool isRefusal = wire.code == kPortTransportError && wire.length == 0;
+    if (wire.magic != kReplyMagic || wire.flags != 0 || !(isAnswer || isRefusal))
         return std::nullopt;
-    return header;
+    return ReplyHeader{wire.length, wire.code, wire.sequence};
 }
 
 void askForSendRoom(int socket) {

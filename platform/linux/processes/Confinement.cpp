@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <memory>
-#include <string_view>
 
 #include "platform/linux/files/FileDescriptor.hpp"
 #include "platform/linux/files/PosixError.hpp"
@@ -78,9 +77,8 @@ Result<void> confineProcess(Network network) {
     return {};
 }
 
-Network networkForDisplay(const char* display) {
-    const std::string_view name = display ? display : "";
-    const bool isLocal = name.starts_with(':') || name.starts_with("unix:");
+Network networkForDisplay(std::string_view display) {
+    const bool isLocal = display.starts_with(':') || display.starts_with("unix:");
     return isLocal ? Network::isForbidden : Network::isNeeded;
 }
 

@@ -2,6 +2,8 @@
 // an untrusted picture.
 #pragma once
 
+#include <string_view>
+
 #include "platform/PlatformError.hpp"
 
 namespace quorvane {
@@ -18,6 +20,6 @@ enum class Network { isForbidden, isNeeded };
 Result<void> confineProcess(Network network);
 
 // A remote display needs the network, even after the start.
-Network networkForDisplay(const char* display);
+Network networkForDisplay(std::string_view display);
 
 }  // namespace quorvane

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/linux/files/BundleLayout.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
 #include "platform/linux/files/PosixError.hpp"
 
@@ -48,8 +49,6 @@ bool useNothingOfTheCallers(int kept) {
     _exit(0);
 }
 
-}  // namespace
-
 Result<void> startDetached(const std::filesystem::path& executable,
                            std::vector<std::string> arguments) {
     std::string own = executable.string();
@@ -71,6 +70,26 @@ Result<void> startDetached(const std::filesystem::path& executable,
     waitpid(pid, nullptr, 0);
     if (length == sizeof failure) return posixError(executable, failure);
     return {};
+}
+
+}  // namespace
+
+Result<OpenCommandEnd> openApplication(const std::filesystem::path& bundle,
+                                       const std::vector<std::string>& arguments) {
+    std::error_code error;
+    // Resolve links, because the application derives its bundle from its own resolved path.
+    const auto resolved = std::filesystem::canonical(bundle, error);
+    if (error) return posixError(bundle, error.value());
+    const auto executable = executableOfBundle(resolved, propertiesOfBundle(resolved));
+    if (!executable) {
+        return std::unexpected{PlatformError{.description = bundle.string() +
+                                                            ": not an application: it has no "
+                                                            "Contents/Info.plist that names an "
+                                                            "executable"}};
+    }
+    if (auto started = startDetached(*executable, arguments); !started)
+        return std::unexpected{std::move(started).error()};
+    return OpenCommandEnd{};
 }
 
 }  // namespace quorvane

@@ -10,11 +10,12 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <utility>
 
+#include "platform/Character.hpp"
 #include "platform/LogRendering.hpp"
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
 
 namespace quorvane {
@@ -38,31 +39,22 @@ LevelRow rowOf(LogLevel level) {
     std::unreachable();
 }
 
-bool isVariable(const char* name, std::string_view value) {
-    const char* set = std::getenv(name);
-    return set && value == set;
-}
-
-void appendEscape(std::string& text, unsigned char character) {
+void appendEscape(std::string& text, std::uint32_t code) {
     char escape[5];
-    std::snprintf(escape, sizeof escape, "\\x%02x", character);
-    text += character == '\n' ? "\\n" : character == '\t' ? "\\t" : escape;
+    std::snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned char>(code));
+    text += code == '\n' ? "\\n" : code == '\t' ? "\\t" : escape;
 }
 
-// Escapes C0, DEL and UTF-8-encoded C1, because terminals obey all three.
 std::string withoutControls(std::string_view text) {
     std::string safe;
     safe.reserve(text.size());
-    bool isAfterC2 = false;
-    for (const char next : text) {
-        const auto character = static_cast<unsigned char>(next);
-        const bool isC1 = isAfterC2 && character >= 0x80 && character < 0xA0;
-        isAfterC2 = character == 0xC2;
-        if (isC1) safe.pop_back();
-        if (isC1 || character < 0x20 || character == 0x7F)
-            appendEscape(safe, character);
+    for (std::size_t place = 0; place < text.size();) {
+        const Character character = characterAt(text, place);
+        if (character.isValid && isControl(character.code))
+            appendEscape(safe, character.code);
         else
-            safe += next;
+            safe += text.substr(place, character.length);
+        place += character.length;
     }
     return safe;
 }
@@ -99,11 +91,11 @@ bool writeToJournal(const LogLine& line, const LogOptions& options) {
 }  // namespace
 
 LogOptions LogOptions::fromEnvironment(std::string identifier) {
-    const char* const target = std::getenv("QUORVANE_LOG");
+    const std::string_view target = environmentVariable("QUORVANE_LOG");
     return {.identifier = std::move(identifier),
-            .toStandardError = isVariable("QUORVANE_LOG", "stderr"),
-            .showsPrivate = isVariable("QUORVANE_LOG_PRIVATE", "1"),
-            .file = target && target[0] == '/' ? target : ""};
+            .toStandardError = target == "stderr",
+            .showsPrivate = environmentVariable("QUORVANE_LOG_PRIVATE") == "1",
+            .file = target.starts_with('/') ? target : ""};
 }
 
 LogSink makeLogSink(LogOptions options) {

@@ -3,34 +3,111 @@
 #include <unistd.h>
 
 #include "platform/RegularFiles.hpp"
+#include "platform/Trimmed.hpp"
 #include "platform/linux/files/BundleLayout.hpp"
 #include "platform/linux/files/FilesLinux.hpp"
 #include "platform/linux/files/FoldersLinux.hpp"
 #include "platform/linux/files/PosixError.hpp"
-#include "platform/linux/processes/AutostartEntry.hpp"
 
 namespace quorvane {
 namespace {
 
 constexpr std::uint64_t kLargestEntry = 1 << 20;
+constexpr std::string_view kGroup = "[Desktop Entry]";
+
+std::optional<std::string_view> valueOf(std::string_view entry, std::string_view key) {
+    bool isInGroup = false;
+    while (!entry.empty()) {
+        const std::size_t end = std::min(entry.find('\n'), entry.size());
+        const std::string_view line = trimmed(entry.substr(0, end));
+        entry.remove_prefix(std::min(end + 1, entry.size()));
+        if (line.starts_with('[')) isInGroup = line == kGroup;
+        const std::size_t equals = line.find('=');
+        if (isInGroup && equals != line.npos && trimmed(line.substr(0, equals)) == key)
+            return trimmed(line.substr(equals + 1));
+    }
+    return std::nullopt;
+}
+
+// Escapes a value of a desktop entry.
+std::string escapedValue(std::string_view text) {
+    std::string escaped;
+    for (const char character : text) switch (character) {
+            case '\\': escaped += "\\\\"; break;
+            case '\n': escaped += "\\n"; break;
+            case '\r': escaped += "\\r"; break;
+            case '\t': escaped += "\\t"; break;
+            default: escaped += character;
+        }
+    return escaped;
+}
+
+// Quotes an argument of an Exec command line; the result still needs the escaping of a value.
+std::string quotedArgument(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char character : text) {
+        if (std::string_view{"\"`$\\"}.contains(character)) quoted += '\\';
+        if (character == '%') quoted += '%';
+        quoted += character;
+    }
+    return quoted + '"';
+}
+
+std::string commandOf(const std::filesystem::path& executable) {
+    return escapedValue(quotedArgument(executable.string()));
+}
+
+// Text of an XDG autostart entry: a desktop file that the session manager starts at login.
+std::string entryText(const std::filesystem::path& executable) {
+    return std::string{kGroup} +
+           "\nType=Application\nName=" + escapedValue(executable.filename().string()) +
+           "\nExec=" + commandOf(executable) + "\nTryExec=" + escapedValue(executable.string()) +
+           "\nTerminal=false\nNoDisplay=true\nX-GNOME-Autostart-enabled=true\n";
+}
+
+// What KDE Plasma's compositor reads about the program that connects to it.
+std::string permissionText(const std::filesystem::path& program) {
+    return std::string{kGroup} +
+           "\nType=Application\nName=Quorvane Lock Screen\nExec=" + commandOf(program) +
+           "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=kde_lockscreen_overlay_v1\n";
+}
+
+std::optional<std::filesystem::path> permissionFile(const ProcessInfo& process) {
+    const auto* identifier = find<std::string>(process.bundleProperties, "CFBundleIdentifier");
+    const auto folder = dataFolder();
+    if (identifier == nullptr || !isPlainFileName(*identifier) || !folder) return std::nullopt;
+    return *folder / "applications" / (*identifier + ".desktop");
+}
+
+Result<void> writeEntry(const std::filesystem::path& file, const std::string& text) {
+    if (auto made = makePrivateFolders(file.parent_path()); !made) return made;
+    return writeFileAtomically(file, bytesOf(text));
+}
+
+// Whether the user has disabled the entry, in any desktop's way.
+bool isSwitchedOff(std::string_view entry) {
+    return valueOf(entry, "Hidden") == "true" ||
+           valueOf(entry, "X-GNOME-Autostart-enabled") == "false" ||
+           valueOf(entry, "X-MATE-Autostart-enabled") == "false";
+}
 
 struct LoginItem {
     std::filesystem::path file;
-    AutostartEntry entry;
+    std::filesystem::path executable;  // started without arguments
+    std::optional<std::filesystem::path> permission;
 
     std::int64_t status() const {
         const auto standing = makeLiveRegularFiles().read(file, kLargestEntry);
         if (!standing) return LoginItemClient::kNotRegistered;
         const std::string_view text = textOf(standing->contents);
-        if (AutostartEntry::isSwitchedOff(text)) return LoginItemClient::kRequiresApproval;
-        return entry.isStartedBy(text) ? LoginItemClient::kEnabled
-                                       : LoginItemClient::kNotRegistered;
+        if (isSwitchedOff(text)) return LoginItemClient::kRequiresApproval;
+        return valueOf(text, "Exec") == commandOf(executable) ? LoginItemClient::kEnabled
+                                                              : LoginItemClient::kNotRegistered;
     }
-    Result<void> registerItem() const {
-        if (auto made = makePrivateFolders(file.parent_path()); !made) return made;
-        return writeFileAtomically(file, bytesOf(entry.text()));
-    }
+    Result<void> registerItem() const { return writeEntry(file, entryText(executable)); }
     Result<void> unregisterItem() const {
+        if (permission && unlink(permission->c_str()) != 0 && errno != ENOENT)
+            return posixError(*permission);
         if (unlink(file.c_str()) != 0 && errno != ENOENT) return posixError(file);
         return {};
     }
@@ -41,8 +118,7 @@ std::optional<LoginItem> loginItemOf(const std::filesystem::path& folder,
     const auto* identifier = find<std::string>(process.bundleProperties, "CFBundleIdentifier");
     const auto executable = executableOfBundle(process.bundle, process.bundleProperties);
     if (identifier == nullptr || !isPlainFileName(*identifier) || !executable) return std::nullopt;
-    return LoginItem{folder / (*identifier + ".desktop"),
-                     {executable->filename().string(), *executable}};
+    return LoginItem{folder / (*identifier + ".desktop"), *executable, permissionFile(process)};
 }
 
 LoginItemClient noLoginItem() {
@@ -65,6 +141,17 @@ LoginItemClient makeLoginItem(std::optional<std::filesystem::path> autostartFold
     return {.status = [item = *item] { return item.status(); },
             .registerItem = [item = *item] { return item.registerItem(); },
             .unregisterItem = [item = *item] { return item.unregisterItem(); }};
+}
+
+Result<void> permitAboveLock(const std::filesystem::path& program, const ProcessInfo& process) {
+    const auto file = permissionFile(process);
+    if (!file)
+        return std::unexpected{
+            PlatformError{.description = "only an application in a bundle of a user with a home "
+                                         "is permitted above the lock screen"}};
+    const auto standing = makeLiveRegularFiles().read(*file, kLargestEntry);
+    if (standing && textOf(standing->contents) == permissionText(program)) return {};
+    return writeEntry(*file, permissionText(program));
 }
 
 }  // namespace quorvane

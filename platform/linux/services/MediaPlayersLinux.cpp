@@ -1,12 +1,12 @@
 #include "platform/MediaPlayers.hpp"
 
 #include "platform/linux/bus/MprisPlayers.hpp"
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 
 namespace quorvane {
 
 MediaPlayers makeLiveMediaPlayers(const LiveServices& services) {
-    auto players = std::make_shared<MprisPlayers>(ServicesLinux::of(services).sessionBus,
+    auto players = std::make_shared<MprisPlayers>(HeadlessPlatform::of(services).sessionBus,
                                                   services.clock, services.mainThread);
     players->start();
     return {.list = [players]() -> const std::vector<MediaPlayer>& { return players->list(); },

@@ -2,15 +2,22 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <system_error>
 
 #include "platform/SessionProblems.hpp"
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/ports/MessagePortsLinux.hpp"
 #include "platform/linux/ports/PortFolder.hpp"
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 
 namespace quorvane {
+
+SessionVariables sessionVariables() {
+    return {.sessionType = environmentVariable("XDG_SESSION_TYPE"),
+            .display = environmentVariable("DISPLAY"),
+            .waylandDisplay = environmentVariable("WAYLAND_DISPLAY"),
+            .desktop = environmentVariable("XDG_CURRENT_DESKTOP")};
+}
 
 std::optional<std::string> screenProblem(const SessionVariables& session) {
     if (isWaylandSession(session)) return waylandProblem(session.desktop);
@@ -32,18 +39,6 @@ std::string portsProblem(std::string_view runtimeVariable, const std::string& ru
            "); log in at the login screen, or set the variable to a folder of yours with mode 0700";
 }
 
-std::string_view environmentVariable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value ? value : "";
-}
-
-SessionVariables sessionVariables() {
-    return {.sessionType = environmentVariable("XDG_SESSION_TYPE"),
-            .display = environmentVariable("DISPLAY"),
-            .waylandDisplay = environmentVariable("WAYLAND_DISPLAY"),
-            .desktop = environmentVariable("XDG_CURRENT_DESKTOP")};
-}
-
 std::optional<std::string> findPortsProblem() {
     const auto folder = portFolderOfUser();
     const auto runtime = folder.parent_path();
@@ -59,7 +54,7 @@ std::optional<std::string> findPortsProblem() {
 SessionProblems findSessionProblems(const LiveServices& services) {
     SessionProblems problems{.screen = screenProblem(sessionVariables()),
                              .ports = findPortsProblem()};
-    if (!ServicesLinux::of(services).sessionBus.connection())
+    if (!HeadlessPlatform::of(services).sessionBus.connection())
         problems.bus =
             "there is no session bus, on which players and the add-on are heard; log in at the "
             "login screen, or start the session with dbus-run-session";

@@ -9,13 +9,10 @@
 
 namespace quorvane {
 
+SessionVariables sessionVariables();
 std::optional<std::string> screenProblem(const SessionVariables& session);
 // `reason` says why the runtime folder cannot be used.
 std::string portsProblem(std::string_view runtimeVariable, const std::string& runtimeFolder,
                          const std::string& reason);
-
-// The variable's value; "" when it is unset.
-std::string_view environmentVariable(const char* name);
-SessionVariables sessionVariables();
 
 }  // namespace quorvane

@@ -8,9 +8,9 @@
 
 #include "lockers/WaylandDoors.hpp"
 #include "platform/Clock.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/Log.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 #include "platform/linux/wayland/SurfaceProcess.hpp"
 #include "platform/linux/wayland/WaylandSession.hpp"
 

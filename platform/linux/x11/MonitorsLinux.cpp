@@ -2,9 +2,9 @@
 
 #include <xcb/randr.h>
 
-#include <cstdlib>
 #include <utility>
 
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::uint32_t kMonitorsMajor = 1;
 constexpr std::uint32_t kMonitorsMinor = 5;
-constexpr char kScaleVariable[] = "QUORVANE_SCALE";
 constexpr double kMillimetersPerInch = 25.4;
 constexpr Duration kSettleTime = std::chrono::milliseconds{150};
 
@@ -95,9 +94,7 @@ void MonitorsLinux::readLayout() {
     const auto userDotsPerInch =
         numberResource(textOf(x11_.connection(), resources, XCB_ATOM_STRING), "Xft.dpi");
     if (monitors.empty()) return;  // the server is going away; keep the last layout
-    const auto demand = std::getenv(kScaleVariable);
-    layout_ = {monitors, scaleFor(demand ? std::optional<std::string_view>{demand} : std::nullopt,
-                                  userDotsPerInch)};
+    layout_ = {monitors, scaleFor(environmentVariable("QUORVANE_SCALE"), userDotsPerInch)};
     dotsPerInch_ = userDotsPerInch.value_or(screenDotsPerInch_);
 }
 

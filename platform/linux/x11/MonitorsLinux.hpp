@@ -5,7 +5,7 @@
 
 #include "lockers/ScreenLayout.hpp"
 #include "platform/Clock.hpp"
-#include "platform/linux/loop/Listeners.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 namespace quorvane {

@@ -25,14 +25,6 @@ constexpr unsigned kPrimary = 1;
 RawPointer::RawPointer(X11Connection& x11)
     : x11_(x11), listeners_([this] { select(); }), moveListeners_([this] { select(); }) {}
 
-Handle RawPointer::observe(std::function<void(const RawPointerEvent&)> handler) {
-    return listeners_.add(std::move(handler));
-}
-
-Handle RawPointer::observeMoves(std::function<void(Point)> handler) {
-    return moveListeners_.add(std::move(handler));
-}
-
 bool RawPointer::isSupported() {
     if (major_ >= 0) return major_ > 0;
     const auto* extension = x11_.extension(xcb_input_id);

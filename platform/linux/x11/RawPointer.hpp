@@ -9,7 +9,7 @@
 #include <optional>
 #include <set>
 
-#include "platform/linux/loop/Listeners.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Session.hpp"
 
@@ -23,8 +23,12 @@ class RawPointer {
 public:
     explicit RawPointer(X11Connection& x11);
 
-    Handle observe(std::function<void(const RawPointerEvent&)> handler);
-    Handle observeMoves(std::function<void(Point)> handler);
+    Handle observe(std::function<void(const RawPointerEvent&)> handler) {
+        return listeners_.add(std::move(handler));
+    }
+    Handle observeMoves(std::function<void(Point)> handler) {
+        return moveListeners_.add(std::move(handler));
+    }
 
 private:
     bool isSupported();

@@ -45,13 +45,11 @@ private:
 
 std::optional<std::int32_t> toolkitSetting(X11Session& x11, std::string_view name) {
     // The settings of the first screen; separate screens with their own desktops are rare.
-    const auto owner =
-        xcbReply(xcb_get_selection_owner_reply, x11.connection(),
-                 xcb_get_selection_owner(x11.connection(), x11.atom("_XSETTINGS_S0")));
-    if (!owner || owner->owner == XCB_WINDOW_NONE) return std::nullopt;
+    const xcb_window_t owner = ownerOf(x11.connection(), x11.atom("_XSETTINGS_S0"));
+    if (owner == XCB_WINDOW_NONE) return std::nullopt;
     const xcb_atom_t property = x11.atom("_XSETTINGS_SETTINGS");
-    const std::string settings = textOf(
-        x11.connection(), askForText(x11.connection(), owner->owner, property, property), property);
+    const std::string settings =
+        textOf(x11.connection(), askForText(x11.connection(), owner, property, property), property);
     return numberIn(bytesOf(settings), name);
 }
 

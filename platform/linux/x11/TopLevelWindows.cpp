@@ -3,10 +3,10 @@
 #include <xcb/composite.h>
 
 #include <algorithm>
+#include <optional>
 #include <ranges>
 #include <utility>
 
-#include "platform/linux/x11/WindowQuery.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -20,6 +20,40 @@ constexpr std::uint32_t kClosestMask = kParentMask | XCB_EVENT_MASK_PROPERTY_CHA
 constexpr std::uint32_t kRootMask = kParentMask | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
 
 constexpr char kScreenSaverStatus[] = "_SCREENSAVER_STATUS";
+
+// A pending query for a window's attributes and geometry. The constructor sends the requests.
+// Create the queries for all windows before taking the first answer: one round trip instead of
+// hundreds.
+class WindowQuery {
+public:
+    struct Answer {
+        WindowStack::Entry entry;
+        bool isDrawable;
+    };
+
+    WindowQuery(xcb_connection_t* connection, xcb_window_t window)
+        : connection_(connection),
+          window_(window),
+          attributes_(xcb_get_window_attributes(connection, window)),
+          geometry_(xcb_get_geometry(connection, window)) {}
+
+    // Call once. Returns nullopt when the window is gone.
+    std::optional<Answer> answer() const {
+        const auto attributes = xcbReply(xcb_get_window_attributes_reply, connection_, attributes_);
+        const auto geometry = xcbReply(xcb_get_geometry_reply, connection_, geometry_);
+        if (!attributes || !geometry) return std::nullopt;
+        return Answer{
+            {window_, frameWithBorder(*geometry), attributes->map_state != XCB_MAP_STATE_UNMAPPED,
+             attributes->override_redirect != 0},
+            attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT};
+    }
+
+private:
+    xcb_connection_t* connection_;
+    xcb_window_t window_;
+    xcb_get_window_attributes_cookie_t attributes_;
+    xcb_get_geometry_cookie_t geometry_;
+};
 
 }  // namespace
 
@@ -127,18 +161,18 @@ void TopLevelWindows::select(xcb_window_t window, std::uint32_t mask) {
     xcb_change_window_attributes(x11_.connection(), window, XCB_CW_EVENT_MASK, &mask);
 }
 
+std::vector<std::uint32_t> TopLevelWindows::rootNumbers(const char* property,
+                                                        xcb_atom_t type) const {
+    return numbersOf(x11_.connection(), x11_.root(), x11_.atom(property), type);
+}
+
 void TopLevelWindows::readChildren(WindowStack& stack) {
-    xcb_connection_t* connection = x11_.connection();
-    const auto tree =
-        xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, stack.parent()));
-    if (!tree) return;
     std::vector<WindowQuery> questions;
-    const xcb_window_t* children = xcb_query_tree_children(tree.get());
-    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-        if (x11_.clientOf(children[i]) == 0) followOverlay(children[i]);
-        if (!isForeign(children[i])) continue;
-        select(children[i], kWindowMask);
-        questions.emplace_back(connection, children[i]);
+    for (const xcb_window_t child : childrenOf(x11_.connection(), stack.parent())) {
+        if (x11_.clientOf(child) == 0) followOverlay(child);
+        if (!isForeign(child)) continue;
+        select(child, kWindowMask);
+        questions.emplace_back(x11_.connection(), child);
     }
     for (const WindowQuery& question : questions)
         if (const auto found = question.answer()) stack.put(found->entry);
@@ -167,14 +201,9 @@ void TopLevelWindows::watchClosely(xcb_window_t window) {
 }
 
 std::vector<Rect> TopLevelWindows::mappedChildren(xcb_window_t parent, const Rect& frame) {
-    xcb_connection_t* connection = x11_.connection();
-    const auto tree =
-        xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, parent));
-    if (!tree) return {};
     std::vector<WindowQuery> questions;
-    const xcb_window_t* children = xcb_query_tree_children(tree.get());
-    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i)
-        if (isForeign(children[i])) questions.emplace_back(connection, children[i]);
+    for (const xcb_window_t child : childrenOf(x11_.connection(), parent))
+        if (isForeign(child)) questions.emplace_back(x11_.connection(), child);
     std::vector<Rect> frames;
     for (const WindowQuery& question : questions) {
         const auto found = question.answer();
@@ -188,31 +217,18 @@ std::set<std::uint32_t> TopLevelWindows::desktopClients() {
     const std::string screen = std::to_string(x11_.screenNumber());
     std::set<std::uint32_t> clients;
     for (const std::string& selection : {"WM_S" + screen, "_NET_WM_CM_S" + screen}) {
-        const auto owner =
-            xcbReply(xcb_get_selection_owner_reply, x11_.connection(),
-                     xcb_get_selection_owner(x11_.connection(), x11_.atom(selection.c_str())));
-        if (owner && owner->owner != XCB_WINDOW_NONE) clients.insert(x11_.clientOf(owner->owner));
+        const auto owner = ownerOf(x11_.connection(), x11_.atom(selection.c_str()));
+        if (owner != XCB_WINDOW_NONE) clients.insert(x11_.clientOf(owner));
     }
-    const auto check =
-        xcbReply(xcb_get_property_reply, x11_.connection(),
-                 xcb_get_property(x11_.connection(), false, x11_.root(),
-                                  x11_.atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1));
-    if (check && xcb_get_property_value_length(check.get()) == sizeof(xcb_window_t))
-        clients.insert(
-            x11_.clientOf(*static_cast<const xcb_window_t*>(xcb_get_property_value(check.get()))));
+    for (const xcb_window_t check : rootNumbers("_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW))
+        clients.insert(x11_.clientOf(check));
     return clients;
 }
 
 std::set<std::uint32_t> TopLevelWindows::managedClients() {
-    constexpr std::uint32_t kMostWindows = 4096;
-    const auto list =
-        xcbReply(xcb_get_property_reply, x11_.connection(),
-                 xcb_get_property(x11_.connection(), false, x11_.root(),
-                                  x11_.atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 0, kMostWindows));
     std::set<std::uint32_t> clients;
-    if (!list || list->format != 32) return clients;
-    const auto* windows = static_cast<const xcb_window_t*>(xcb_get_property_value(list.get()));
-    for (std::uint32_t i = 0; i < list->value_len; ++i) clients.insert(x11_.clientOf(windows[i]));
+    for (const xcb_window_t window : rootNumbers("_NET_CLIENT_LIST", XCB_ATOM_WINDOW))
+        clients.insert(x11_.clientOf(window));
     return clients;
 }
 
@@ -238,13 +254,8 @@ void TopLevelWindows::followScreenSaver(bool follows) {
 }
 
 bool TopLevelWindows::screenSaverIsLocked() {
-    const auto status =
-        xcbReply(xcb_get_property_reply, x11_.connection(),
-                 xcb_get_property(x11_.connection(), false, x11_.root(),
-                                  x11_.atom(kScreenSaverStatus), XCB_ATOM_INTEGER, 0, 1));
-    return status && xcb_get_property_value_length(status.get()) == sizeof(xcb_atom_t) &&
-           *static_cast<const xcb_atom_t*>(xcb_get_property_value(status.get())) ==
-               x11_.atom("LOCK");
+    const auto status = rootNumbers(kScreenSaverStatus, XCB_ATOM_INTEGER);
+    return !status.empty() && status.front() == x11_.atom("LOCK");
 }
 
 void TopLevelWindows::noteOwn(xcb_window_t window, bool exists) {
@@ -259,11 +270,8 @@ void TopLevelWindows::noteOwn(xcb_window_t window, bool exists) {
 // is a child of the root.
 void TopLevelWindows::findOverlay() {
     const std::string selection = "_NET_WM_CM_S" + std::to_string(x11_.screenNumber());
-    const auto owner =
-        xcbReply(xcb_get_selection_owner_reply, x11_.connection(),
-                 xcb_get_selection_owner(x11_.connection(), x11_.atom(selection.c_str())));
     const bool isInUse =
-        (owner && owner->owner != XCB_WINDOW_NONE) ||
+        ownerOf(x11_.connection(), x11_.atom(selection.c_str())) != XCB_WINDOW_NONE ||
         std::ranges::any_of(root_.entries(), [this](const WindowStack::Entry& entry) {
             const Details* details = entry.isMapped ? this->details(entry.window) : nullptr;
             return details && details->instance == "obscurer" &&

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "lockers/LockerRules.hpp"
-#include "platform/linux/loop/Listeners.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/linux/x11/WindowStack.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
@@ -71,6 +71,7 @@ private:
     void forget(xcb_window_t window);
     void select(xcb_window_t window, std::uint32_t mask);
     void readChildren(WindowStack& stack);
+    std::vector<std::uint32_t> rootNumbers(const char* property, xcb_atom_t type) const;
     void findOverlay();
     void followOverlay(xcb_window_t overlay);
     WindowStack* stackOf(xcb_window_t parent);

@@ -3,16 +3,6 @@
 #include <algorithm>
 
 namespace quorvane {
-namespace {
-
-template <typename T>
-Rect frameOf(const T& event) {
-    const double border = 2.0 * event.border_width;
-    return {static_cast<double>(event.x), static_cast<double>(event.y), event.width + border,
-            event.height + border};
-}
-
-}  // namespace
 
 const WindowStack::Entry* WindowStack::find(xcb_window_t window) const {
     const auto place = std::ranges::find(entries_, window, &Entry::window);
@@ -36,7 +26,7 @@ bool WindowStack::apply(const xcb_generic_event_t& event) {
         case XCB_CREATE_NOTIFY: {
             const auto& created = reinterpret_cast<const xcb_create_notify_event_t&>(event);
             if (created.parent != parent_) return false;
-            put({created.window, frameOf(created), false, created.override_redirect != 0});
+            put({created.window, frameWithBorder(created), false, created.override_redirect != 0});
             return true;
         }
         case XCB_DESTROY_NOTIFY:
@@ -80,7 +70,7 @@ bool WindowStack::configure(const xcb_configure_notify_event_t& event) {
     const auto place = placeOf(event.window);
     if (place == entries_.end()) return false;
     Entry entry = *place;
-    entry.frame = frameOf(event);
+    entry.frame = frameWithBorder(event);
     entry.isOverrideRedirect = event.override_redirect != 0;
     entries_.erase(place);
     if (event.above_sibling == XCB_WINDOW_NONE) {

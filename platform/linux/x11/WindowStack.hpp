@@ -11,6 +11,14 @@
 
 namespace quorvane {
 
+// The frame in the parent's pixels, borders included, that an event or a reply carries.
+template <typename T>
+Rect frameWithBorder(const T& message) {
+    const double border = 2.0 * message.border_width;
+    return {static_cast<double>(message.x), static_cast<double>(message.y), message.width + border,
+            message.height + border};
+}
+
 class WindowStack {
 public:
     struct Entry {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -62,8 +63,7 @@ Result<std::unique_ptr<X11Connection>> X11Connection::open(EventLoop& loop,
         xcb_connect(display.empty() ? nullptr : display.c_str(), &screen);
     if (const int error = xcb_connection_has_error(connection)) {
         xcb_disconnect(connection);
-        const char* environment = std::getenv("DISPLAY");
-        const std::string name = !display.empty() ? display : environment ? environment : "";
+        const std::string name{display.empty() ? environmentVariable("DISPLAY") : display};
         return std::unexpected(PlatformError{PlatformError::Domain::service, error,
                                              "cannot open the display \"" + name + "\": " +
                                                  reasonOf(error) + "; start it in an X11 session"});
@@ -74,8 +74,7 @@ Result<std::unique_ptr<X11Connection>> X11Connection::open(EventLoop& loop,
 
 X11Connection::X11Connection(EventLoop& loop, xcb_connection_t* connection, int screenNumber,
                              std::function<void()> onLost)
-    : loop_(loop),
-      connection_(connection),
+    : connection_(connection),
       screenNumber_(screenNumber),
       screen_(screenOf(connection, screenNumber)),
       onLost_(std::move(onLost)),
@@ -122,23 +121,12 @@ Handle X11Connection::observeWindow(xcb_window_t window, EventHandler handler) {
     });
 }
 
-Handle X11Connection::observeWindows(
-    std::function<void(xcb_window_t, const xcb_generic_event_t&)> handler) {
-    return windowListeners_.add(std::move(handler));
-}
-
 Handle X11Connection::observeEvents(std::uint8_t type, EventHandler handler) {
     return typeListeners_.add(
         [type, handler = std::move(handler)](const xcb_generic_event_t& event) {
             if (typeOf(event) == type) handler(event);
         });
 }
-
-Handle X11Connection::observeQuiet(std::function<void()> handler) {
-    return quietListeners_.add(std::move(handler));
-}
-
-void X11Connection::flush() { xcb_flush(connection_); }
 
 void X11Connection::readEvents() {
     while (dispatchOne(xcb_poll_for_event(connection_))) continue;

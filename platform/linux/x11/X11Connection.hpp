@@ -9,9 +9,9 @@
 #include <unordered_map>
 
 #include "platform/Handle.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/PlatformError.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 
 namespace quorvane {
 
@@ -44,12 +44,15 @@ public:
 
     Handle observeWindow(xcb_window_t window, EventHandler handler);
     // Events of all windows, each with the window it is reported on.
-    Handle observeWindows(std::function<void(xcb_window_t, const xcb_generic_event_t&)> handler);
+    Handle observeWindows(std::function<void(xcb_window_t, const xcb_generic_event_t&)> handler) {
+        return windowListeners_.add(std::move(handler));
+    }
     Handle observeEvents(std::uint8_t type, EventHandler handler);
     // Called after all received events are handled and before the loop sleeps. Use it to coalesce
     // many events into one reaction.
-    Handle observeQuiet(std::function<void()> handler);
-    void flush();
+    Handle observeQuiet(std::function<void()> handler) {
+        return quietListeners_.add(std::move(handler));
+    }
 
 private:
     X11Connection(EventLoop& loop, xcb_connection_t* connection, int screenNumber,
@@ -60,7 +63,6 @@ private:
     void dispatch(const xcb_generic_event_t& event);
     void checkConnection();
 
-    EventLoop& loop_;
     xcb_connection_t* connection_;
     int screenNumber_;
     const xcb_screen_t* screen_ = nullptr;

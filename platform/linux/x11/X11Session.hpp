@@ -1,5 +1,5 @@
 // The connection to the X server that the lock watcher, the screens and the card windows share. An
-// interface, because the drawing module is loaded later and uses the connection through it.
+// interface, because the drawing module is loaded later and cannot link the program's functions.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -34,16 +34,16 @@ struct RawPointerEvent {
 // Main thread only. Handlers run from the main loop; dropping the handle ends the observation.
 class X11Session {
 public:
+    using EventHandler = std::function<void(const xcb_generic_event_t&)>;
+
     virtual ~X11Session() = default;
     virtual xcb_connection_t* connection() = 0;
     virtual const xcb_screen_t& screen() = 0;
     virtual xcb_atom_t atom(const char* name) = 0;
     // Every core event that is reported on this window. The caller sets the window's event mask.
-    virtual Handle observeWindow(xcb_window_t window,
-                                 std::function<void(const xcb_generic_event_t&)> handler) = 0;
+    virtual Handle observeWindow(xcb_window_t window, EventHandler handler) = 0;
     // Every event of one type of an extension: its first event plus the extension's own number.
-    virtual Handle observeEvents(std::uint8_t type,
-                                 std::function<void(const xcb_generic_event_t&)> handler) = 0;
+    virtual Handle observeEvents(std::uint8_t type, EventHandler handler) = 0;
     // Primary and other buttons; `moved` only while `observePointer` is held and a button is down.
     // Selected on the server only while there is an observer. Keyboard events are never selected.
     virtual Handle observePointer(std::function<void(const RawPointerEvent&)> handler) = 0;

@@ -3,18 +3,18 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <vector>
+
+#include "platform/ReleaseWith.hpp"
 
 namespace quorvane {
 
-struct FreeDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
 template <typename T>
-using XcbReply = std::unique_ptr<T, FreeDeleter>;
+using XcbReply = std::unique_ptr<T, ReleaseWith<std::free>>;
 
 // Waits for the reply of a request, for example xcbReply(xcb_get_geometry_reply, connection,
 // cookie). Returns null when the request failed, which is usual for foreign windows, or when the
@@ -26,6 +26,34 @@ XcbReply<Reply> xcbReply(Reply* (*wait)(xcb_connection_t*, Cookie, xcb_generic_e
     XcbReply<Reply> reply{wait(connection, cookie, &error)};
     std::free(error);
     return reply;
+}
+
+// Bottom-most first; empty when the window is gone.
+inline std::vector<xcb_window_t> childrenOf(xcb_connection_t* connection, xcb_window_t window) {
+    const auto tree =
+        xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, window));
+    if (!tree) return {};
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    return {children, children + xcb_query_tree_children_length(tree.get())};
+}
+
+// A selection's owner; XCB_WINDOW_NONE without one.
+inline xcb_window_t ownerOf(xcb_connection_t* connection, xcb_atom_t selection) {
+    const auto reply = xcbReply(xcb_get_selection_owner_reply, connection,
+                                xcb_get_selection_owner(connection, selection));
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+// The numbers of a property, such as windows or atoms; empty when it is missing or of another type.
+inline std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_window_t window,
+                                            xcb_atom_t property, xcb_atom_t type) {
+    constexpr std::uint32_t kMostNumbers = 4096;
+    const auto reply =
+        xcbReply(xcb_get_property_reply, connection,
+                 xcb_get_property(connection, false, window, property, type, 0, kMostNumbers));
+    if (!reply || reply->format != 32) return {};
+    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
 }
 
 // Requests a text property. Send all requests before waiting for the first reply: one round trip

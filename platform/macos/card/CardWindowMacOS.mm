@@ -4,6 +4,7 @@
 
 #include "platform/macos/card/CardWindowMacOS.hpp"
 
+#include "platform/Seconds.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
 
 namespace quorvane {
@@ -102,7 +103,7 @@ void CardWindowMacOS::animateAlpha(double alpha, Duration duration,
                                    std::function<void()> completion) {
     CardPanel* const panel = panel_;
     runAnimation(
-        std::chrono::duration<double>(duration).count(),
+        secondsOf(duration),
         ^{
           [panel animator].alphaValue = alpha;
         },

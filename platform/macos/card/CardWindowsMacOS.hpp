@@ -6,8 +6,7 @@
 
 namespace quorvane {
 
-// `liftAboveLock` does nothing, because the core lifts windows through the window server's private
-// interface.
+// The core lifts windows through the window server's private interface.
 CardWindows makeCardWindowsMacOS(const Clock& clock);
 
 }  // namespace quorvane

@@ -18,7 +18,6 @@ CardWindows makeCardWindowsMacOS(const Clock& clock) {
                 return std::make_unique<CardWindowMacOS>(settings, clock);
             },
         .makeStage = [](const CardStyle& style) { return std::make_shared<CardStageMacOS>(style); },
-        .liftAboveLock = [](CardSystemWindow&) {},
         .reducesMotion =
             [] { return NSWorkspace.sharedWorkspace.accessibilityDisplayShouldReduceMotion; },
         .measureText = [lines = std::make_shared<TextLinesMacOS>()](

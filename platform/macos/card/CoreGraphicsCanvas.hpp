@@ -2,18 +2,18 @@
 // own symbols. For Objective-C++ only.
 #pragma once
 
-#include "drawing/Canvas.hpp"
+#include "drawing/Scene.hpp"
 #include "platform/macos/card/SymbolImages.hpp"
 #include "platform/macos/card/TextLinesMacOS.hpp"
 
 namespace quorvane {
 
 // Main thread only.
-class CoreGraphicsCanvas final : public Canvas {
+class CoreGraphicsCanvas {
 public:
     // Draws on the current graphics context, in the scene's coordinates: points, with y growing
     // downward. Draws nothing without a current context.
-    void draw(const Scene& scene) override;
+    void draw(const Scene& scene);
 
 private:
     TextLinesMacOS lines_;

@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 
-#include "drawing/Canvas.hpp"
 #include "drawing/LineCache.hpp"
 #include "drawing/TextPlacement.hpp"
 #include "platform/macos/foundation/CFHandle.hpp"

@@ -3,6 +3,7 @@
 #endif
 
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/Seconds.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -17,8 +18,7 @@ NSArray* arrayFrom(const PropertyArray& array) {
 }
 
 NSDate* dateFrom(WallTime time) {
-    const std::chrono::duration<double> seconds = time.time_since_epoch();
-    return [NSDate dateWithTimeIntervalSince1970:seconds.count()];
+    return [NSDate dateWithTimeIntervalSince1970:secondsOf(time.time_since_epoch())];
 }
 
 PropertyArray elementsFrom(NSArray* array) {
@@ -91,7 +91,7 @@ Bytes bytesFrom(NSData* data) {
 WallTime wallTimeFrom(NSDate* date) {
     constexpr double kLimit = 9.2e9;  // seconds; 64 bits of nanoseconds hold a little more
     const double seconds = std::clamp(date.timeIntervalSince1970, -kLimit, kLimit);
-    return WallTime{std::chrono::duration_cast<Duration>(std::chrono::duration<double>{seconds})};
+    return WallTime{durationOf(seconds)};
 }
 
 id objectFrom(const PropertyValue& value) { return std::visit(MakeObject{}, value.value); }

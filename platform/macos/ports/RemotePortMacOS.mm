@@ -4,6 +4,7 @@
 
 #import <CoreFoundation/CoreFoundation.h>
 
+#include "platform/Seconds.hpp"
 #include "platform/Wipe.hpp"
 #include "platform/macos/foundation/CFHandle.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
@@ -11,10 +12,6 @@
 
 namespace quorvane {
 namespace {
-
-CFTimeInterval secondsOf(Duration duration) {
-    return std::chrono::duration<double>(duration).count();
-}
 
 class RemotePortMacOS final : public RemotePort {
 public:

@@ -11,7 +11,7 @@ FileManagerClient makeFileManagerMacOS();
 RunningApplications makeRunningApplicationsMacOS();
 // The output includes the launcher's standard error, which holds its error messages. The main loop
 // may run before the call returns.
-RunOpenCommand makeRunOpenCommandMacOS();
+OpenApplication makeOpenApplicationMacOS();
 
 Installation makeInstallationMacOS();
 

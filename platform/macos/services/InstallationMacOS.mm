@@ -25,7 +25,7 @@ Installation makeInstallationMacOS() {
     return {.loginItem = makeLoginItemMacOS(),
             .fileManager = makeFileManagerMacOS(),
             .runningApplications = makeRunningApplicationsMacOS(),
-            .runOpenCommand = makeRunOpenCommandMacOS(),
+            .openApplication = makeOpenApplicationMacOS(),
             .applicationSupport = applicationSupport()};
 }
 

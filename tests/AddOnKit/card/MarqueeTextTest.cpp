@@ -84,7 +84,7 @@ TEST(MarqueeText, RestsAtItsOwnStartInEitherLayout) {
         }
 }
 
-// Where the text's leading edge stands, in points from the field's.
+// The distance of the text's leading edge from the field's, in points.
 double moved(const TextNode& node) { return node.frame.x + -node.scroll->offset - kField.x; }
 
 TEST(MarqueeText, FadesInBeforeItsFieldAndOutInsideIt) {

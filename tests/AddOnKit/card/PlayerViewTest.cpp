@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "AddOnKit/card/PlayerGeometry.hpp"
 #include "AddOnKit/card/PlayerLayout.hpp"
-#include "AddOnKit/card/PlayerStrings.hpp"
-#include "tests/AddOnKit/card/PlayingModel.hpp"
+#include "AddOnKit/card/TimeFormatting.hpp"
+#include "tests/AddOnKit/player/PlayingModel.hpp"
 
 namespace quorvane {
 namespace {
@@ -79,13 +80,12 @@ TEST(PlayerView, ShowsThePlayersStateWithItsLabels) {
                                              "speaker.fill", "speaker.wave.3.fill"}));
     EXPECT_EQ(all<ImageNode>(f.scene()).at(0).image, f.model.artwork.get());
     const Scene scene = f.scene();
-    EXPECT_EQ(control(scene, ID::previous)->label, "<Previous Track>");
-    EXPECT_EQ(control(scene, ID::playPause)->label, "<Pause>");
-    EXPECT_EQ(control(scene, ID::next)->label, "<Next Track>");
-    EXPECT_EQ(control(scene, ID::love)->label, "<Love>");
-    EXPECT_EQ(control(scene, ID::volume)->label, "<Volume>");
+    const std::pair<ID, const char*> labels[] = {
+        {ID::previous, "<Previous Track>"}, {ID::playPause, "<Pause>"},
+        {ID::next, "<Next Track>"},         {ID::love, "<Love>"},
+        {ID::volume, "<Volume>"},           {ID::title, "Reed"}};
+    for (const auto& [id, label] : labels) EXPECT_EQ(control(scene, id)->label, label);
     EXPECT_EQ(control(scene, ID::volume)->value, "50");
-    EXPECT_EQ(control(scene, ID::title)->label, "Reed");
     EXPECT_EQ(control(scene, ID::progress)->value, "0:30");
     EXPECT_EQ(control(scene, ID::progress)->maximum, 200);
 
@@ -97,7 +97,7 @@ TEST(PlayerView, ShowsThePlayersStateWithItsLabels) {
     EXPECT_EQ(symbols(f.scene()).at(2), "play.fill");
 }
 
-TEST(PlayerView, HidesTheHeartOfWhatCannotBeLovedAndGivesItsRoomToTheTexts) {
+TEST(PlayerView, HidesTheHeartWhereLoveIsNotSupportedAndWidensTheTexts) {
     Fixture f;
     const double withHeart = control(f.scene(), ID::title)->frame.width;
     EXPECT_FALSE(
@@ -180,13 +180,29 @@ TEST(PlayerView, KeepsEverythingInsideTheCardAndTextOffTheArtwork) {
     }
 }
 
-TEST(PlayerView, PlacesTheTimesBelowTheBarAndTheSliderBetweenTheSpeakers) {
+TEST(PlayerView, HasItsLayout) {
     const PlayerGeometry g = PlayerGeometry::make(true, false);
-    EXPECT_GE(g.elapsed.height, 1.5 * PlayerLayout::kTimeTextSize) << "room for high digits";
-    EXPECT_GT(g.elapsed.y, g.progress.maxY());
-    EXPECT_LT(g.elapsed.maxY(), g.playPause.y);
-    EXPECT_EQ(g.volume.x, g.quietSpeaker.maxX() + PlayerLayout::kSpeakerSpacing);
-    EXPECT_EQ(g.volume.maxX(), g.loudSpeaker.x - PlayerLayout::kSpeakerSpacing);
+    const std::pair<Rect, Rect> rows[] = {
+        {g.artwork, {20, 20, 64, 64}},    {g.title, {98, 17, 250, 28}},
+        {g.titleOnly, {98, 28, 250, 28}}, {g.artist, {98, 39, 250, 28}},
+        {g.heart, {348, 20, 44, 44}},     {g.progress, {98, 80, 282, 4}},
+        {g.elapsed, {98, 86, 80, 20}},    {g.remaining, {300, 86, 80, 20}},
+        {g.previous, {106, 124, 44, 44}}, {g.playPause, {176, 122, 48, 48}},
+        {g.next, {250, 124, 44, 44}},     {g.quietSpeaker, {20, 183, 22, 22}},
+        {g.volume, {50, 182, 300, 24}},   {g.loudSpeaker, {358, 183, 22, 22}}};
+    for (const auto& [rect, expected] : rows) EXPECT_EQ(describe(rect), describe(expected));
+}
+
+TEST(PlayerView, ShowsTimesAsText) {
+    constexpr double kInfinite = std::numeric_limits<double>::infinity();
+    const std::pair<double, const char*> rows[] = {
+        {0, "0:00"},         {59.9, "0:59"},      {60, "1:00"},         {599, "9:59"},
+        {3599.999, "59:59"}, {3600, "1:00:00"},   {3661.5, "1:01:01"},  {86'400, "24:00:00"},
+        {-3, "0:00"},        {kInfinite, "0:00"}, {-kInfinite, "0:00"}, {std::nan(""), "0:00"},
+    };
+    for (const auto& [seconds, text] : rows) EXPECT_EQ(TimeFormatting::text(seconds), text);
+    EXPECT_FALSE(TimeFormatting::text(1e300).empty());
+    EXPECT_EQ(TimeFormatting::remaining(200, 10.5), "\u22123:09");
 }
 
 TEST(PlayerView, MirrorsAllButTheTransport) {
@@ -241,8 +257,8 @@ TEST(PlayerViewNextChange, IsNeverWhilePausedAndStill) {
     EXPECT_FALSE(f.scene().nextChange);
 }
 
-// The number of changes of a whole track. The scene is the same until its next change, and another
-// one right after it.
+// The number of changes of a whole track. The scene stays equal until its next change and differs
+// right after it.
 int changesOver(double duration, Duration lateness = 2ms) {
     Fixture f;
     f.state.track->duration = duration;
@@ -261,7 +277,7 @@ int changesOver(double duration, Duration lateness = 2ms) {
     return changes;
 }
 
-TEST(PlayerViewNextChange, AScrolledSceneIsAsOneMadeAnew) {
+TEST(PlayerViewNextChange, AScrolledSceneEqualsANewOne) {
     Fixture f;
     f.state.playerState = XPCPlayerState::paused;
     f.state.track->title = std::string(60, 'W');
@@ -287,7 +303,7 @@ TEST(PlayerViewNextChange, IsExactOverAWholeTrack) {
     EXPECT_LE(ofShort, 282 + 2 * 32);
     // The bar's pixels come with the seconds: one wake-up each.
     EXPECT_EQ(changesOver(214), 214);
-    // What is left changes a moment after what is past: both at once.
+    // The remaining time changes a moment after the elapsed time: both at once.
     EXPECT_EQ(changesOver(214.03, 35ms), 214);
 }
 

@@ -10,22 +10,18 @@ namespace {
 
 const std::string kOwn = "example.quillon.Quorvane.LockScreenAddOn";
 
+using enum LaunchDecision;
+
 struct LaunchDecisionTest : testing::Test {
-    LaunchPerformer performer(std::vector<std::string> arguments) {
+    LaunchDecision decide(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), "add-on");
-        return {.arguments = std::move(arguments),
-                .defaults = defaults.table(),
-                .sharedDefaults = hasShared ? std::optional{shared.table()} : std::nullopt,
-                .bundle = "/nowhere/Quorvane Lock Screen.app",
-                .identity = [this](const std::filesystem::path&) { return identity; },
-                .log = {log.sink(), kOwn, "removal"}};
-    }
-    std::string perform(std::vector<std::string> arguments) {
-        std::string called;
-        performer(std::move(arguments))
-            .perform([&] { called += "finish"; }, [&] { called += "uninstall"; },
-                     [&] { called += "run"; });
-        return called;
+        return decideLaunch(
+            {.arguments = std::move(arguments),
+             .defaults = defaults.table(),
+             .sharedDefaults = hasShared ? std::optional{shared.table()} : std::nullopt,
+             .bundle = "/nowhere/Quorvane Lock Screen.app",
+             .identity = [this](const std::filesystem::path&) { return identity; },
+             .log = {log.sink(), kOwn, "removal"}});
     }
     void setPending(std::optional<std::string> recorded) {
         defaults.values = {{"removalPending", PropertyValue{true}},
@@ -41,55 +37,50 @@ struct LaunchDecisionTest : testing::Test {
 };
 
 TEST_F(LaunchDecisionTest, ArgumentsComeBeforeThePreferences) {
-    EXPECT_EQ(perform({}), "run");
+    EXPECT_EQ(decide({}), run);
     setPending(kOwn);
-    EXPECT_EQ(perform({"--installed"}), "run");
-    EXPECT_EQ(perform({"--installed", "--uninstall"}), "uninstall");
-    EXPECT_EQ(perform({}), "finish");
+    EXPECT_EQ(decide({"--installed"}), run);
+    EXPECT_EQ(decide({"--installed", "--uninstall"}), uninstall);
+    EXPECT_EQ(decide({}), finishRemoval);
     defaults.values["removalPending"] = PropertyValue{std::int64_t{1}};  // not a boolean
-    EXPECT_EQ(perform({}), "run");
+    EXPECT_EQ(decide({}), run);
     EXPECT_TRUE(log.lines().empty());
     EXPECT_TRUE(defaults.values.contains("installID"));
 }
 
 TEST_F(LaunchDecisionTest, AFlagOfAnotherCopyIsCleared) {
-    const auto clears = [this](std::optional<std::string> recorded,
-                               std::optional<std::string> own) {
-        setPending(std::move(recorded));
-        identity = std::move(own);
-        EXPECT_EQ(perform({}), "run");
+    using Identity = std::optional<std::string>;
+    for (const auto& [recorded, own] :
+         {std::pair{Identity{}, Identity{kOwn}}, {kOwn, {}}, {"another.Bundle", kOwn}}) {
+        setPending(recorded);
+        identity = own;
+        defaults.refuses = !recorded;
+        EXPECT_EQ(decide({}), run);
         EXPECT_TRUE(defaults.values.empty());
-        EXPECT_EQ(
-            log.take(),
-            (Lines{"launch: a removal flag left by another copy of the add-on; clearing it"}));
-    };
-    clears(std::nullopt, kOwn);
-    clears(kOwn, std::nullopt);
-    clears("another.Bundle", kOwn);
+        Lines lines{"launch: a removal flag left by another copy of the add-on; clearing it"};
+        if (!recorded) lines.push_back("launch: the removal flag was not cleared: full (error 28)");
+        EXPECT_EQ(log.take(), lines);
+    }
     EXPECT_EQ(defaults.synchronizations, 3);
-    defaults.refuses = true;
-    setPending(std::nullopt);
-    EXPECT_EQ(perform({}), "run");
-    EXPECT_EQ(log.lines().back().text, "launch: the removal flag was not cleared: full (error 28)");
 }
 
 TEST_F(LaunchDecisionTest, AFreshInstallVoidsTheRemovalRequest) {
     shared.values = {{"lockScreenRemovalRequested", PropertyValue{true}},
                      {"lockScreenRemovalTargetInstallID", PropertyValue{kOwn}},
                      {"lockScreenEnabled", PropertyValue{true}}};
-    EXPECT_EQ(perform({}), "run");
+    EXPECT_EQ(decide({}), run);
     EXPECT_EQ(shared.values.size(), 3u);
-    EXPECT_EQ(perform({"--installed", "--uninstall"}), "uninstall");
+    EXPECT_EQ(decide({"--installed", "--uninstall"}), uninstall);
     EXPECT_EQ(shared.values.size(), 3u);
-    EXPECT_EQ(perform({"--installed"}), "run");
+    EXPECT_EQ(decide({"--installed"}), run);
     EXPECT_EQ(shared.values.size(), 1u);
     EXPECT_EQ(shared.synchronizations, 1);
     EXPECT_TRUE(log.lines().empty());
     shared.refuses = true;
-    EXPECT_EQ(perform({"--installed"}), "run");
+    EXPECT_EQ(decide({"--installed"}), run);
     EXPECT_EQ(log.take(), Lines{"launch: the removal request was not cleared: full (error 28)"});
     hasShared = false;
-    EXPECT_EQ(perform({"--installed"}), "run");
+    EXPECT_EQ(decide({"--installed"}), run);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "AddOnKit/life/LoginItem.hpp"
 #include "tests/support/FakeInstallation.hpp"
 #include "tests/support/MemoryDefaults.hpp"
 #include "tests/support/RecordingLog.hpp"
@@ -14,8 +13,9 @@ namespace {
 const std::string kOwn = "example.quillon.Quorvane.LockScreenAddOn";
 const std::filesystem::path kSupport = "/home/me/share/" + kOwn;
 const std::filesystem::path kBundle = kSupport / "Quorvane Lock Screen.app";
-
 const std::filesystem::path kElsewhere = "/opt/Quorvane Lock Screen.app";
+constexpr char kEarlierStepFailed[] =
+    "removal: an earlier step failed, but the bundle is gone; clearing preferences anyway";
 
 struct SelfRemovalTest : testing::Test {
     SelfRemoval removal() {
@@ -104,74 +104,51 @@ TEST_F(SelfRemovalTest, ABundleElsewhereIsDeletedOnlyWhenItIsTheAddOn) {
     EXPECT_EQ(terminations, 3);
 }
 
-TEST_F(SelfRemovalTest, AFolderOfAnotherNameIsNeverDeleted) {
-    support = "/home/me/share";
-    bundle = "/home/me/share/gone.app";
-    removal().perform();
-    EXPECT_TRUE(isThere("/home/me/share/X.app"));
-    EXPECT_TRUE(refusedToDelete("/home/me/share", "support folder"));
-    EXPECT_TRUE(log.contains(
-        "removal: an earlier step failed, but the bundle is gone; clearing preferences anyway"));
-    EXPECT_FALSE(pendingAtEnd);
-}
-
-TEST_F(SelfRemovalTest, ALinkOrAFolderWithAForeignBundleIsNeverDeleted) {
+TEST_F(SelfRemovalTest, OnlyTheAddOnsOwnSupportFolderIsDeleted) {
     const TemporaryFolder folder;
+    const std::filesystem::path link = folder / kOwn;
     std::filesystem::create_directory(folder / "target");
-    support = folder / kOwn;
-    std::filesystem::create_directory_symlink(folder / "target", support);
-    installation.bundles[support] = "";
-    bundle = "/gone.app";
-    removal().perform();
-    EXPECT_TRUE(isThere(support));
-    EXPECT_TRUE(refusedToDelete(support, "support folder"));
-
-    support = kSupport;
+    std::filesystem::create_directory_symlink(folder / "target", link);
+    installation.bundles[link] = "";
     installation.bundles[kBundle] = "another.Bundle";
-    removal().perform();
-    EXPECT_TRUE(isThere(kBundle));
-    EXPECT_TRUE(refusedToDelete(support, "support folder"));
+    bundle = "/gone.app";
+    for (const auto& [place, content] :
+         {std::pair{std::filesystem::path{"/home/me/share"}, "/home/me/share/X.app"},
+          std::pair{link, link.c_str()}, std::pair{kSupport, kBundle.c_str()}}) {
+        support = place;
+        removal().perform();
+        EXPECT_TRUE(isThere(content));
+        EXPECT_TRUE(refusedToDelete(support, "support folder"));
+        EXPECT_TRUE(log.contains(kEarlierStepFailed));
+        EXPECT_FALSE(pendingAtEnd);
+        log.take();
+    }
 }
 
-TEST_F(SelfRemovalTest, WhicheverCallFailsTheNextRunFindsWhatIsLeft) {
-    bundle = kElsewhere;  // so that each has a call of its own
+TEST_F(SelfRemovalTest, TheNextRunRemovesWhatAFailedCallHasLeft) {
+    bundle = kElsewhere;  // so that folder and bundle are deleted by two calls
+    const char* const lines[] = {"removal: unregister() failed: no agent (error 1)",
+                                 "removal: deleting the support folder failed: denied (error 13)",
+                                 "removal: deleting the bundle failed: denied (error 13)",
+                                 "removal: finished; quitting"};
     for (int failing = 1; failing <= 4; ++failing) {
         installation = {.bundles = {{kBundle, kOwn}, {bundle, kOwn}, *kOthers.begin()},
                         .failing = failing};
         removal().perform();
+        EXPECT_TRUE(log.contains(lines[failing - 1]));
+        EXPECT_EQ(log.contains(kEarlierStepFailed), failing < 3);
         EXPECT_EQ(isThere(bundle), failing == 3);
-        EXPECT_EQ(pendingAtEnd, failing == 3) << "as long as the bundle is there to go on";
+        EXPECT_EQ(pendingAtEnd, failing == 3) << "while the bundle is there to continue";
         EXPECT_EQ(defaults.values.contains("removalBundleIdentity"), failing == 3);
-        EXPECT_EQ(installation.calls, 3) << "none is left out because another one failed";
-        if (failing > 3) break;
+        EXPECT_EQ(installation.calls, 3) << "no call is omitted because another one failed";
+        log.take();
         removal().perform();
         EXPECT_TRUE(isAllGone()) << failing;
         EXPECT_FALSE(pendingAtEnd);
+        EXPECT_EQ(log.contains("removal: the support folder was already gone"), failing != 2);
+        EXPECT_FALSE(log.contains(kEarlierStepFailed));
     }
     EXPECT_TRUE(defaults.values.empty());
-    EXPECT_TRUE(log.contains("removal: unregister() failed: no agent (error 1)"));
-    EXPECT_TRUE(log.contains("removal: deleting the support folder failed: denied (error 13)"));
-}
-
-TEST_F(SelfRemovalTest, TheLoginItemIsRegisteredUnlessTheUserSaidNo) {
-    const Logger logger{log.sink(), kOwn, "app"};
-    const auto after = [&](std::int64_t status) {
-        installation.loginItem = status;
-        ensureLoginItemIsRegistered(removal().loginItem, logger);
-        return installation.loginItem;
-    };
-    EXPECT_EQ(after(1), 1);
-    EXPECT_TRUE(log.lines().empty());
-    EXPECT_EQ(after(0), 1);
-    EXPECT_EQ(after(3), 1);
-    EXPECT_EQ(after(2), 2);
-    EXPECT_EQ(after(7), 7);
-    installation.loginItemRefuses = true;
-    EXPECT_EQ(after(0), 0);
-    EXPECT_EQ(log.take(), (Lines{"login item: registered (now 1)", "login item: registered (now 1)",
-                                 "login item: awaiting approval in Login Items; leaving it alone",
-                                 "login item: unknown status 7; leaving it alone",
-                                 "login item: register() failed: no agent (error 1)"}));
 }
 
 }  // namespace

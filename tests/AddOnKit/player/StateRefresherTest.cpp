@@ -11,108 +11,78 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct Fixture {
-    ManualClock clock;
-    int refreshes = 0;
-    std::function<void()> during;  // what happens inside a refresh
-    std::unique_ptr<StateRefresher> refresher =
-        std::make_unique<StateRefresher>(clock.clock(), [this] {
-            ++refreshes;
-            if (during) during();
-        });
-
+struct StateRefresherTest : testing::Test {
     int countOver(Duration duration) {
         refreshes = 0;
         clock.advance(duration);
         return refreshes;
     }
+
+    ManualClock clock;
+    int refreshes = 0;
+    std::function<void()> during = [] {};  // runs inside a refresh
+    std::unique_ptr<StateRefresher> refresher =
+        std::make_unique<StateRefresher>(clock.clock(), [this] {
+            ++refreshes;
+            const auto action = during;  // a copy, since it may replace itself
+            action();
+        });
 };
 
-TEST(StateRefresher, PollsOnlyWhileActive) {
-    Fixture f;
-    f.refresher->setActive(true);
-    f.refresher->setActive(true);
-    EXPECT_EQ(f.refreshes, 1);
-    EXPECT_EQ(f.clock.pendingTimers(), 1u);
-    EXPECT_EQ(f.countOver(1999ms), 0);
-    EXPECT_EQ(f.countOver(1ms), 1);
-    EXPECT_EQ(f.countOver(10s), 5);
-    f.refresher->setActive(false);
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);
-    EXPECT_EQ(f.countOver(10s), 0);
-    f.refresher->setActive(true);
-    EXPECT_EQ(f.refreshes, 1);
-}
-
-TEST(StateRefresher, ABurstOfCommandsRefreshesOnceAfterTheLast) {
-    Fixture f;
+TEST_F(StateRefresherTest, PollsWhileActiveAndOnceAfterABurstOfCommands) {
+    refresher->setActive(true);
+    refresher->setActive(true);
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_EQ(countOver(1999ms), 0);
+    EXPECT_EQ(countOver(1ms), 1);
+    clock.advance(200ms);
+    refresher->nudge();  // due together with a poll, which answers it
+    EXPECT_EQ(countOver(1800ms), 1);
+    EXPECT_EQ(countOver(100s), 50);
+    refresher->setActive(false);
+    EXPECT_EQ(clock.pendingTimers(), 0u);
     for (int i = 0; i < 3; ++i) {
-        f.refresher->nudge();
-        EXPECT_EQ(f.countOver(300ms), 0);
+        refresher->nudge();
+        EXPECT_EQ(countOver(300ms), 0);
     }
-    EXPECT_EQ(f.countOver(499ms), 0);
-    EXPECT_EQ(f.countOver(1ms), 1);
-    EXPECT_EQ(f.countOver(10s), 0);
-    // A poll that is due with it makes no second one.
-    f.refresher->setActive(true);
-    f.clock.advance(900ms);
-    f.refresher->nudge();
-    EXPECT_EQ(f.countOver(1100ms), 1);
+    EXPECT_EQ(countOver(499ms), 0);
+    EXPECT_EQ(countOver(1ms), 1);
+    refresher->setActive(true);
+    refresher->nudge();
+    refresher->stop();
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    refresher->setActive(true);
+    refresher->nudge();
+    EXPECT_EQ(clock.pendingTimers(), 0u);
 }
 
-TEST(StateRefresher, PollsEveryTwoSecondsOnAverageWhenItSharesWakeUps) {
-    Fixture f;
+TEST_F(StateRefresherTest, PollsEveryTwoSecondsOnAverageWhenItSharesWakeUps) {
     Timer other;
-    std::function<void()> tick = [&] { other = f.clock.clock().after(1001ms, tick); };
-    f.clock.advance(300ms);
+    std::function<void()> tick = [&] { other = clock.clock().after(1001ms, tick); };
+    clock.advance(300ms);
     tick();
-    f.refresher->setActive(true);
-    EXPECT_NEAR(f.countOver(100s), 50, 1);
+    refresher->setActive(true);
+    EXPECT_NEAR(countOver(100s), 50, 1);
 }
 
-TEST(StateRefresher, StopsForGood) {
-    Fixture f;
-    f.refresher->setActive(true);
-    f.refresher->nudge();
-    f.refresher->stop();
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);
-    f.refreshes = 0;
-    f.refresher->setActive(true);
-    f.refresher->nudge();
-    EXPECT_EQ(f.refreshes, 0);
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);
-}
-
-TEST(StateRefresher, ARefreshThatTakesItsTimeIsFollowedByTheWholePause) {
-    Fixture f;
-    f.during = [&] { f.clock.advance(3s); };
-    f.refresher->setActive(true);
-    f.during = nullptr;
-    EXPECT_EQ(f.countOver(1999ms), 0);
-    EXPECT_EQ(f.countOver(1ms), 1);
-}
-
-TEST(StateRefresher, ARefreshMayTurnTheRefresherOffAndOnOrDestroyIt) {
-    Fixture f;
-    f.during = [&] { f.refresher->setActive(false); };
-    f.refresher->setActive(true);
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);
-    f.during = [&] {
-        f.during = nullptr;
-        f.refresher->setActive(false);
-        f.refresher->setActive(true);
+TEST_F(StateRefresherTest, ARefreshMayTakeLongEndThePollingOrDestroyTheRefresher) {
+    during = [&] { clock.advance(1s); };
+    refresher->setActive(true);
+    during = [] {};
+    EXPECT_EQ(countOver(1999ms), 0) << "the whole pause follows";
+    EXPECT_EQ(countOver(1ms), 1);
+    during = [&] {
+        during = [] {};
+        refresher->setActive(false);
+        refresher->setActive(true);
     };
-    f.refresher->setActive(true);
-    EXPECT_EQ(f.clock.pendingTimers(), 1u);
-    f.refresher->nudge();
-    f.during = [&] { f.refresher.reset(); };
-    EXPECT_EQ(f.countOver(10s), 1);  // the nudge's; the poll went with the refresher
-    f.refresher = std::make_unique<StateRefresher>(f.clock.clock(), [&] {
-        f.refresher.reset();
-        ++f.refreshes;  // the action is still whole
-    });
-    f.refresher->setActive(true);
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);
+    EXPECT_EQ(countOver(2s), 2);
+    EXPECT_EQ(clock.pendingTimers(), 1u);
+    during = [&] { refresher->setActive(false); };
+    EXPECT_EQ(countOver(10s), 1);
+    during = [&] { refresher.reset(); };
+    refresher->setActive(true);
+    EXPECT_EQ(clock.pendingTimers(), 0u);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 #include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "tests/QuorvaneKit/records/SampleRecords.hpp"
-#include "tests/support/ManualWaits.hpp"
+#include "tests/support/ManualWait.hpp"
 #include "tests/support/MemoryPorts.hpp"
 #include "tests/support/RecordingLog.hpp"
 
@@ -25,20 +25,20 @@ constexpr char kQueryThree[] = "group.example.quillon.Quorvane.messageport.query
 class MessagePortServerTest : public testing::Test {
 protected:
     std::unique_ptr<MessagePortServer> makeServer() {
-        auto server = std::make_unique<MessagePortServer>(
-            MessagePortServer::Services{.log = log.sink(),
-                                        .openPort =
-                                            [this](const std::string& name, PortHandler handler) {
-                                                noteAttempt(name);
-                                                return ports.openPort()(name, std::move(handler));
-                                            },
-                                        .portsProblem = [this] { return portsProblem; },
-                                        .nameCurrentThread =
-                                            [this](const std::string& name) {
-                                                const std::lock_guard guard{mutex};
-                                                threadNames.insert(name);
-                                            },
-                                        .makeWaitFlag = waits.make()});
+        auto server = std::make_unique<MessagePortServer>(MessagePortServer::Services{
+            .log = log.sink(),
+            .openPort =
+                [this](const std::string& name, PortHandler handler) {
+                    noteAttempt(name);
+                    return ports.openPort()(name, std::move(handler));
+                },
+            .portsProblem = [this] { return portsProblem; },
+            .nameCurrentThread =
+                [this](const std::string& name) {
+                    const std::lock_guard guard{mutex};
+                    threadNames.insert(name);
+                },
+            .makeWait = [this] { return wait = std::make_shared<ManualWait>(); }});
         server->expectedSecret = Bytes(32, std::byte{9});
         server->handlers.onStateRequested = [] { return sampleState(); };
         server->handlers.onHistoryQueryReceived = [this](Bytes,
@@ -49,7 +49,7 @@ protected:
     }
     void noteAttempt(const std::string& name) {
         const std::lock_guard guard{mutex};
-        attempts[name].push_back(waits.elapsed());
+        attempts[name].push_back(wait->elapsed());
     }
     Lines linesAbout(const std::string& port) const {
         Lines lines;
@@ -68,7 +68,7 @@ protected:
         started = std::async(std::launch::async, [made = server.get()] { made->start(); });
         for (const std::string port : {kMain, kQueryOne, kQueryTwo, kQueryThree})
             while (ask(port, 1).status == 999) std::this_thread::yield();
-        waits.untilWaiting(2);  // `start` and the port
+        wait->untilWaiting(2);  // `start` and the port
         return server;
     }
 
@@ -81,7 +81,7 @@ protected:
     RecordingLog log;
     MemoryPorts ports;
     std::optional<std::string> portsProblem;
-    ManualWaits waits;
+    std::shared_ptr<ManualWait> wait;  // of the last start
 };
 
 TEST_F(MessagePortServerTest, ServesFiveNamesUntilItStops) {
@@ -114,13 +114,13 @@ TEST_F(MessagePortServerTest, RetriesABusyNameByTheStatedScheduleAndTakesItOver)
     const auto server = makeBlockedServer();
     std::vector<Duration> expected;
     for (int attempt = 1; attempt <= 16; ++attempt) {
-        expected.push_back(waits.elapsed());
+        expected.push_back(wait->elapsed());
         // The retrying port, and `start` in its first two seconds.
-        waits.untilWaiting(waits.elapsed() < 2s ? 2 : 1);
+        wait->untilWaiting(wait->elapsed() < 2s ? 2 : 1);
         if (attempt == 16) holder.reset();
-        waits.advance(attempt < 9 ? 500ms : 2s);
+        wait->advance(attempt < 9 ? 500ms : 2s);
     }
-    expected.push_back(waits.elapsed());
+    expected.push_back(wait->elapsed());
     started.get();
     while (ask(kQueryZero, 14).status == 999) std::this_thread::yield();
     {
@@ -142,11 +142,11 @@ TEST_F(MessagePortServerTest, RetriesABusyNameByTheStatedScheduleAndTakesItOver)
 TEST_F(MessagePortServerTest, StoppingEndsRetriesAndWaitsForHandlersAtOnce) {
     portsProblem = "no folder";
     const auto server = makeBlockedServer();
-    waits.advance(2s);
+    wait->advance(2s);
     started.get();
-    waits.untilWaiting(1);
+    wait->untilWaiting(1);
     auto reply = std::async(std::launch::async, [&] { return ask(kQueryTwo, 13); });
-    waits.untilWaiting(2);
+    wait->untilWaiting(2);
     server->stop();
     const std::string port = std::string{"Message port "} + kQueryZero;
     EXPECT_EQ(linesAbout(kQueryZero),
@@ -159,7 +159,7 @@ TEST_F(MessagePortServerTest, ASlowQueryHoldsOnlyItsOwnPort) {
     const auto server = makeServer();
     server->start();
     auto slow = std::async(std::launch::async, [&] { return ask(kQueryTwo, 13); });
-    waits.untilWaiting(1);
+    wait->untilWaiting(1);
     EXPECT_TRUE(ask(kMain, 1).body);
     EXPECT_EQ(ask(queryPortName(kMain, 1), 14).status, 0);
     historyAnswer(copyOf(bytesOf("history")));

@@ -2,46 +2,29 @@
 
 #include <set>
 
-#include "QuorvaneKit/link/DarwinNotificationCenter.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
+#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
+#include "QuorvaneKit/link/SharedDefaultsKey.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
 
 namespace quorvane {
 namespace {
 
-TEST(DarwinNotification, NamesStandUnderThePrefixAndComeBack) {
+TEST(DarwinNotification, EachNameIsItsOwnAndStandsUnderThePrefix) {
     using Name = QuorvaneDarwinNotification;
-    std::set<std::string_view> names;
-    for (int index = 0; index <= static_cast<int>(Name::widgetWindowLevelChanged); ++index) {
-        const auto name = static_cast<Name>(index);
-        EXPECT_TRUE(rawValue(name).starts_with(std::string{kIdentifierPrefix} + "."));
-        EXPECT_EQ(quorvaneDarwinNotification(rawValue(name)), name);
-        names.insert(rawValue(name));
-    }
-    EXPECT_EQ(names.size(), 22u);
-    EXPECT_EQ(quorvaneDarwinNotification("example.quillon.Quorvane.LockScreenAddOn.quit"),
-              std::nullopt);
-
-    std::vector<std::string> posted;
-    const DarwinNotificationCenter center{
-        {.post = [&](const std::string& name) { posted.push_back(name); }, .observe = {}}};
-    center.post(Name::playerStateChanged);
-    center.post(Name::lockScreenConfigurationChanged);
-    center.post(Name::mainAppWillTerminate);
-    center.post(Name::widgetWindowLevelChanged);
-    center.post(QuorvaneWidgetNotification::widgetReset, "a");
-    center.post(QuorvaneWidgetNotification::widgetSettingsChanged, "b");
-    center.post(QuorvaneWidgetNotification::widgetUpdated, "c");
-    EXPECT_EQ(posted,
-              (std::vector<std::string>{"example.quillon.Quorvane.playerStateChanged",
-                                        "example.quillon.Quorvane.lockScreenConfigurationChanged",
-                                        "example.quillon.Quorvane.mainAppWillTerminate",
-                                        "example.quillon.Quorvane.widgetWindowLevelChanged",
-                                        "example.quillon.Quorvane.widgetReset.a",
-                                        "example.quillon.Quorvane.widgetSettingsChanged.b",
-                                        "example.quillon.Quorvane.widgetUpdated.c"}));
+    EXPECT_STREQ(Name::playerStateChanged, "example.quillon.Quorvane.playerStateChanged");
+    EXPECT_STREQ(Name::lockScreenConfigurationChanged,
+                 "example.quillon.Quorvane.lockScreenConfigurationChanged");
+    EXPECT_STREQ(Name::mainAppWillTerminate, "example.quillon.Quorvane.mainAppWillTerminate");
+    std::set<std::string_view> names{Name::playerStateChanged, Name::lockScreenConfigurationChanged,
+                                     Name::mainAppWillTerminate};
+    names.insert(std::begin(Name::kOthers), std::end(Name::kOthers));
+    names.insert(std::begin(Name::kWidgetPrefixes), std::end(Name::kWidgetPrefixes));
+    EXPECT_EQ(names.size(), 25u);
+    for (const std::string_view name : names)
+        EXPECT_TRUE(name.starts_with(std::string{kIdentifierPrefix} + ".")) << name;
 }
 
 const LockScreenAddOnSighting kSighting{"1.2.3", "26.1.0", true, ManualClock::kStart, "A"};
@@ -109,13 +92,12 @@ TEST(SharedDefaults, ReadsDefaultsWithoutASuiteAndForValuesOfOtherTypes) {
 }
 
 TEST(SharedDefaults, NoTwoKeysShareAName) {
-    std::set<std::string_view> names;
-    const auto last = static_cast<std::size_t>(SharedDefaultsKey::widgetWindowLevels);
-    for (std::size_t index = 0; index <= last; ++index)
-        names.insert(rawValue(static_cast<SharedDefaultsKey>(index)));
+    using Key = SharedDefaultsKey;
+    std::set<std::string_view> names{Key::lockScreenEnabled, Key::lockScreenRemovalRequested,
+                                     Key::lockScreenRemovalTargetInstallID,
+                                     Key::lockScreenAddOnLastSeen};
+    names.insert(std::begin(Key::kOthers), std::end(Key::kOthers));
     EXPECT_EQ(names.size(), 31u);
-    EXPECT_EQ(rawValue(SharedDefaultsKey::lockScreenAddOnLastSeen), "lockScreenAddOnLastSeen");
-    EXPECT_EQ(rawValue(SharedDefaultsKey::widgetWindowLevels), "widgetWindowLevels");
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 #include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "tests/QuorvaneKit/records/SampleRecords.hpp"
-#include "tests/support/ManualWaits.hpp"
+#include "tests/support/ManualWait.hpp"
 #include "tests/support/MemoryPorts.hpp"
 #include "tests/support/RecordingLog.hpp"
 
@@ -21,7 +21,7 @@ class RequestRouterTest : public testing::Test {
 protected:
     RequestRouterTest() {
         handlers.onActionReceived = [this](QuorvaneAction action) {
-            called.push_back("action " + std::string{name(action)});
+            called.push_back("action " + std::string{actionName(action)});
         };
         handlers.onVolumeChangeReceived = [this](std::int64_t value) {
             called.push_back("volume " + std::to_string(value));
@@ -58,7 +58,7 @@ protected:
     }
     RequestRouter makeRouter(PortEndpoint endpoint) {
         return {endpoint, handlers, secret, Logger{log.sink(), "QuorvaneKit", "MessagePortServer"},
-                waits.make()};
+                wait};
     }
 
     MessagePortHandlers handlers;
@@ -66,7 +66,7 @@ protected:
     std::optional<QuorvanePlayerState> state = sampleState();
     std::vector<std::string> called;
     RecordingLog log;
-    ManualWaits waits;
+    std::shared_ptr<ManualWait> wait = std::make_shared<ManualWait>();
 };
 
 TEST_F(RequestRouterTest, EachTypeReachesItsHandlerOnItsPortOnly) {
@@ -162,10 +162,10 @@ TEST_F(RequestRouterTest, AHandlerThatIsTooLateIsAnsweredEmpty) {
     for (const Row& row : rows) {
         auto reply =
             std::async(std::launch::async, [&] { return ask(QueryEndpoint{1}, row.messageID); });
-        waits.untilWaiting(1);
-        waits.advance(row.timeout - 1ns);
-        waits.untilWaiting(1);
-        waits.advance(1ns);
+        wait->untilWaiting(1);
+        wait->advance(row.timeout - 1ns);
+        wait->untilWaiting(1);
+        wait->advance(1ns);
         EXPECT_EQ(reply.get(), "");
         EXPECT_EQ(log.take(), Lines{row.line});
         late(copyOf(bytesOf("too late")));  // goes nowhere
@@ -176,7 +176,7 @@ TEST_F(RequestRouterTest, AnAnswerFromAnotherThreadEndsTheWaitAndCountsOnce) {
     Answer kept;
     handlers.onHistoryQueryReceived = [&](Bytes, Answer answer) { kept = std::move(answer); };
     auto reply = std::async(std::launch::async, [&] { return ask(QueryEndpoint{}, 13); });
-    waits.untilWaiting(1);
+    wait->untilWaiting(1);
     kept(copyOf(bytesOf("first")));
     kept(copyOf(bytesOf("second")));
     EXPECT_EQ(reply.get(), "first");
@@ -187,8 +187,8 @@ TEST_F(RequestRouterTest, CancellingEndsTheWaitWithoutALine) {
     RequestRouter router = makeRouter(QueryEndpoint{});
     const Bytes body = framed({}, *secret);
     auto reply = std::async(std::launch::async, [&] { return router.answer(14, body); });
-    waits.untilWaiting(1);
-    router.cancel();
+    wait->untilWaiting(1);
+    wait->cancel();
     EXPECT_EQ(reply.get().size(), 0U);
     EXPECT_EQ(router.answer(14, body).size(), 0U);  // nor is anything asked afterwards
     EXPECT_EQ(called.size(), 1U);

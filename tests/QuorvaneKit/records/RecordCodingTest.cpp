@@ -15,7 +15,7 @@ void expectText(const Record& record, std::string_view text) {
     const auto encoded = XPCCodableHelpers::encode(record);
     ASSERT_TRUE(encoded);
     EXPECT_EQ(textOf(*encoded), text);
-    EXPECT_EQ(XPCCodableHelpers::decode<Record>(copyOf(bytesOf(text))), record);
+    EXPECT_EQ(XPCCodableHelpers::decode<Record>(bytesOf(text)), record);
 }
 
 TEST(RecordCoding, EveryRecordHasItsTextWithTheKeysInOrder) {
@@ -43,7 +43,7 @@ TEST(RecordCoding, AbsentOptionalsAreLeftOut) {
     ASSERT_TRUE(text);
     EXPECT_TRUE(textOf(*text).starts_with(
         R"({"track":{"title":"t","artist":"","isAdvertisement":false,"isLiveStream":false},)"));
-    EXPECT_EQ(decodeState(textOf(*text)), state);
+    EXPECT_TRUE(comesBack(state));
 }
 
 TEST(RecordCoding, NumbersAndTextsComeBackAsTheyWere) {
@@ -54,17 +54,13 @@ TEST(RecordCoding, NumbersAndTextsComeBackAsTheyWere) {
              {0.1, 1.0 / 3, -0.0, 5e-324, 1.7976931348623157e308, 123456789.123456789}) {
             state.volume = volume;
             state.playerPosition = position;
-            const auto text = XPCCodableHelpers::encode(state);
-            ASSERT_TRUE(text);
-            EXPECT_EQ(decodeState(textOf(*text)), state) << textOf(*text);
+            EXPECT_TRUE(comesBack(state)) << volume << " " << position;
         }
     for (const std::string_view title :
          {std::string_view{"\0\x01\x1F\n\t\b", 6}, std::string_view{"\x7F/\"\\"},
           std::string_view{"\U0001F3B5\uFFFF\u2028"}}) {
         state.track->title = title;
-        const auto text = XPCCodableHelpers::encode(state);
-        ASSERT_TRUE(text);
-        EXPECT_EQ(decodeState(textOf(*text)), state) << textOf(*text);
+        EXPECT_TRUE(comesBack(state)) << title;
     }
 }
 
@@ -86,7 +82,7 @@ TEST(RecordCoding, OnlyRawValuesInTheTablesNameAnything) {
     std::string actions;
     for (std::int64_t raw = -300; raw < 300; ++raw) {
         if (const auto action = quorvaneAction(raw))
-            actions.append(std::to_string(raw)).append(name(*action)).append(" ");
+            actions.append(std::to_string(raw)).append(actionName(*action)).append(" ");
         const bool isState = raw >= 0 && raw <= 3;
         const bool isMode = raw >= 1 && raw <= 3;
         EXPECT_EQ(xpcPlayerState(raw).has_value(), isState) << raw;

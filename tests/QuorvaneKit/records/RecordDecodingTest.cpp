@@ -58,7 +58,7 @@ TEST(RecordDecoding, TextsOfTheMacEncoderKeepTheirValues) {
         text << std::ifstream{file.path()}.rdbuf();
         const auto state = decodeState(text.str());
         ASSERT_TRUE(state) << file.path();
-        EXPECT_EQ(decodeState(textOf(*XPCCodableHelpers::encode(*state))), state) << file.path();
+        EXPECT_TRUE(comesBack(*state)) << file.path();
         ++texts;
     }
     EXPECT_EQ(texts, 24);
@@ -298,17 +298,15 @@ TEST(RecordDecoding, NoTruncationAndNoFlippedByteDoesHarm) {
         for (const unsigned flip : {0x01u, 0x20u, 0x80u, 0xFFu}) {
             text[place] = static_cast<char>(static_cast<unsigned char>(text[place]) ^ flip);
             // What it still decodes to, it must also encode, or a reply could not be passed on.
-            if (const auto state = decodeState(text)) {
-                const auto again = XPCCodableHelpers::encode(*state);
-                EXPECT_TRUE(again && decodeState(textOf(*again)) == state) << text;
-            }
+            const auto state = decodeState(text);
+            EXPECT_TRUE(!state || comesBack(*state)) << text;
             text[place] = kSampleText[place];
         }
 }
 
 TEST(RecordDecoding, HelloAndConfigurationAreAsStrict) {
     const auto hello = [](std::string_view text) {
-        return XPCCodableHelpers::decode<LockScreenAddOnHello>(copyOf(bytesOf(text)));
+        return XPCCodableHelpers::decode<LockScreenAddOnHello>(bytesOf(text));
     };
     constexpr std::string_view text =
         R"({"protocolVersion":1,"addOnVersion":"1.2.3","macOSVersion":"26.1.0",)"
@@ -323,7 +321,7 @@ TEST(RecordDecoding, HelloAndConfigurationAreAsStrict) {
     for (std::size_t length = 0; length < text.size(); ++length)
         EXPECT_FALSE(hello(text.substr(0, length)));
     EXPECT_FALSE(XPCCodableHelpers::decode<LockScreenAddOnConfiguration>(
-        copyOf(bytesOf(R"({"isEnabled":true,"removalRequested":false})"))));
+        bytesOf(R"({"isEnabled":true,"removalRequested":false})")));
 }
 
 }  // namespace

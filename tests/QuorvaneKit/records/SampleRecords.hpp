@@ -53,7 +53,13 @@ inline constexpr std::string_view kSmallestText =
     R"("shuffleEnabled":false,"playerPosition":0,"timestamp":"2026-01-01T00:00:00Z"})";
 
 inline CodingResult<QuorvanePlayerState> decodeState(std::string_view text) {
-    return XPCCodableHelpers::decode<QuorvanePlayerState>(copyOf(bytesOf(text)));
+    return XPCCodableHelpers::decode<QuorvanePlayerState>(bytesOf(text));
+}
+
+// Whether the state comes back from its own text.
+inline bool comesBack(const QuorvanePlayerState& state) {
+    const auto text = XPCCodableHelpers::encode(state);
+    return text && decodeState(textOf(*text)) == state;
 }
 
 // The sample with one stretch of its text replaced.

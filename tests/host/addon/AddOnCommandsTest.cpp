@@ -1,14 +1,15 @@
-// The commands over real files, with an add-on that does what it is told, or does not.
+// The commands over real files and a simulated add-on, which obeys or does not.
 #include "host/addon/AddOnCommands.hpp"
 
 #include <gtest/gtest.h>
 
+#include "QuorvaneKit/link/PortNames.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
-#include "host/addon/BundleSource.hpp"
 #include "host/addon/DeliveredRemoval.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
+#include "tests/support/MemoryPorts.hpp"
 #include "tests/support/SmallBundle.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
@@ -18,6 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 using Outcome = AddOnCommands::Outcome;
+using Opened = std::pair<fs::path, std::vector<std::string>>;
 
 const std::string kOwn = "example.quillon.Quorvane.LockScreenAddOn";
 
@@ -29,26 +31,29 @@ protected:
     }
 
     AddOnCommands::Services services() {
-        return {.applicationSupport = data,
-                .bundleFiles = files,
-                .fileManager = {.removeItem = [this](const fs::path& path) -> Result<void> {
-                                    ++removals;
-                                    fs::remove_all(path);
-                                    return {};
-                                },
-                                .fileExists = [](const fs::path& path) { return fs::exists(path); },
-                                .identity = {}},
-                .runOpenCommand = [this](const auto& arguments) { return open(arguments); },
-                .control = {.applications = {.running = [this](const auto&) { return copies; },
-                                             .current = {},
-                                             .terminate = [this](std::int32_t) { systemAsks(); }},
-                            .notices = notices.distributed(),
-                            .clock = clock.clock(),
-                            .canHearNotices = !problems.bus},
-                .darwinNotices = darwin.darwin(),
-                .sharedSuite = shared.table(),
-                .addOnDefaults = own.table(),
-                .problems = problems};
+        return {
+            .applicationSupport = data,
+            .bundleFiles = files,
+            .fileManager = {.removeItem = [this](const fs::path& path) -> Result<void> {
+                                ++removals;
+                                fs::remove_all(path);
+                                return {};
+                            },
+                            .fileExists = [](const fs::path& path) { return fs::exists(path); },
+                            .identity = {}},
+            .openApplication = [this](const fs::path& bundle,
+                                      const auto& arguments) { return open(bundle, arguments); },
+            .control = {.applications = {.running = [this](const auto&) { return copies; },
+                                         .current = {},
+                                         .terminate = [this](std::int32_t) { systemAsks(); }},
+                        .notices = notices.distributed(),
+                        .clock = clock.clock(),
+                        .canHearNotices = !problems.bus},
+            .connectPort = ports.connectPort(),
+            .darwinNotices = darwin.darwin(),
+            .sharedSuite = shared.table(),
+            .addOnDefaults = own.table(),
+            .problems = problems};
     }
     // What the command has said when it has ended.
     template <typename Command>
@@ -93,8 +98,9 @@ protected:
     ManualClock clock;
     FakeNotices darwin;
     FakeNotices notices;
+    MemoryPorts ports;
     std::vector<RunningCopy> copies;
-    std::vector<std::vector<std::string>> opened;
+    std::vector<Opened> opened;
     std::string answers = "1.1.0";  // the version that a running copy says it is
     bool obeysNotice = true;
     bool obeysSystem = true;
@@ -106,8 +112,8 @@ private:
     void systemAsks() {
         if (obeysSystem) copies.clear();
     }
-    Result<OpenCommandEnd> open(const std::vector<std::string>& arguments) {
-        opened.push_back(arguments);
+    Result<OpenCommandEnd> open(const fs::path& bundle, const std::vector<std::string>& arguments) {
+        opened.push_back({bundle, arguments});
         if (AddOnSignals::contains(arguments, AddOnSignals::kUninstallArgument)) {
             if (removesItself) fs::remove_all(support);
         } else if (staysUp) {
@@ -138,10 +144,9 @@ TEST_F(AddOnCommandsTest, InstallPutsTheBundleInPlaceAndStartsIt) {
     EXPECT_EQ(fs::status(place / "Contents/Linux/Sleeper").permissions() & fs::perms::owner_exec,
               fs::perms::owner_exec);
     EXPECT_EQ(entries(), 1u);
-    EXPECT_EQ(opened, (std::vector<std::vector<std::string>>{
-                          {"-n", "-g", place.string(), "--args", "--installed"}}));
+    EXPECT_EQ(opened, (std::vector<Opened>{{place, {"--installed"}}}));
     EXPECT_TRUE(SharedDefaults{shared.table()}.lockScreenEnabled());
-    // Neither an earlier removal that was cut off nor one that was asked for meets the new one.
+    // Interrupted and requested removals do not apply to the new bundle.
     EXPECT_FALSE(shared.values.contains("lockScreenRemovalRequested"));
     EXPECT_EQ(own.values.size(), 1u);
     EXPECT_TRUE(install()) << "again";
@@ -161,7 +166,7 @@ TEST_F(AddOnCommandsTest, InstallSaysWhenTheAddOnDoesNotStart) {
     EXPECT_TRUE(launch()->ends_with("The add-on is running.\nNote: no screen.\n"));
     EXPECT_TRUE(launch()->ends_with("The add-on is already running.\nNote: no screen.\n"));
 
-    problems = {.bus = "no bus"};  // nothing can answer, so there is little to wait for
+    problems = {.bus = "no bus"};  // no answer can arrive, so waits are short
     copies.clear();
     answers = "";
     const Instant begin = clock.clock().now();
@@ -170,7 +175,7 @@ TEST_F(AddOnCommandsTest, InstallSaysWhenTheAddOnDoesNotStart) {
     EXPECT_TRUE(quit());
     EXPECT_LE(clock.clock().now() - begin, 3s);
     problems = {};
-    answers = "0.9.0";  // an old copy, which would not go
+    answers = "0.9.0";  // an old copy that did not quit
     EXPECT_TRUE(install()->ends_with("has not answered yet.\n"));
 }
 
@@ -180,7 +185,7 @@ TEST_F(AddOnCommandsTest, UpdateWantsSomethingOlder) {
     copies = {{17, std::nullopt}};
     EXPECT_EQ(*update(), "Updated 1.0.0 to version 1.1.0.\nThe add-on is running.\n");
     EXPECT_EQ(installedVersion(), "1.1.0");
-    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled()) << "as the user left it";
+    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled()) << "unchanged";
     opened.clear();
     EXPECT_EQ(*update(), "Version 1.1.0 is installed and is the newest.\n");
     makeSmallBundle(source, kOwn, "1.0.9");
@@ -190,7 +195,7 @@ TEST_F(AddOnCommandsTest, UpdateWantsSomethingOlder) {
 
 TEST_F(AddOnCommandsTest, WhateverFailsLeavesTheOldOneInPlace) {
     putOld();
-    // The n-th file operation that can fail does.
+    // The n-th file operation fails.
     for (int failing = 1; failing <= 2; ++failing) {
         int calls = 0;
         const auto fails = [&calls, failing]() -> std::optional<std::unexpected<PlatformError>> {
@@ -208,7 +213,7 @@ TEST_F(AddOnCommandsTest, WhateverFailsLeavesTheOldOneInPlace) {
         };
         EXPECT_EQ(install().error(), "nothing was installed: no space left");
         EXPECT_EQ(installedVersion(), "1.0.0");
-        EXPECT_EQ(entries(), 1u) << "nothing is left lying around";
+        EXPECT_EQ(entries(), 1u) << "no staged files remain";
     }
     EXPECT_TRUE(opened.empty());
     EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled());
@@ -239,7 +244,7 @@ TEST_F(AddOnCommandsTest, WhatIsNotOursIsLeftAlone) {
     fs::create_symlink("/etc/passwd", source / "Contents/link");
     EXPECT_EQ(install().error(), "nothing was installed: " + (source / "Contents/link").string() +
                                      ": Too many levels of symbolic links");
-    EXPECT_FALSE(fs::exists(support)) << "as it was";
+    EXPECT_FALSE(fs::exists(support)) << "unchanged";
     makeSmallBundle(folder / "Y.app", "another.Bundle");
     source = folder / "Y.app";
     EXPECT_EQ(install().error(), source.string() + " is not the add-on");
@@ -251,11 +256,11 @@ TEST_F(AddOnCommandsTest, LaunchesAndQuits) {
     putOld();
     answers = "1.0.0";
     EXPECT_EQ(*launch(), "The add-on is running.\n");
-    EXPECT_EQ(opened.back(), (std::vector<std::string>{"-n", "-g", place.string()}));
+    EXPECT_EQ(opened.back(), (Opened{place, {}}));
     EXPECT_EQ(*launch(), "The add-on is already running.\n");
     EXPECT_EQ(opened.size(), 1u);
     obeysNotice = false;
-    EXPECT_TRUE(quit()) << "the system asks as well";
+    EXPECT_TRUE(quit()) << "by signal";
     copies = {{17, std::nullopt}};
     obeysSystem = false;
     EXPECT_EQ(quit().error(), "the add-on did not quit (try again, or log out)");
@@ -268,18 +273,17 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
     own.values = {{"installID", {std::string{"ID"}}}};
     shared.values = {{"lockScreenEnabled", {true}}};
     removesItself = false;
-    int hellos = 0;  // that a running copy is told to say
+    int hellos = 0;  // requests for a hello
     const Handle observation = darwin.darwin().observe(
         "example.quillon.Quorvane.lockScreenConfigurationChanged", [&] { ++hellos; });
     Outcome outcome = remove();
     ASSERT_FALSE(outcome);
     EXPECT_TRUE(outcome.error().starts_with("the add-on has not removed itself"));
     const auto pending = SharedDefaults{shared.table()}.lockScreenPendingRemoval();
-    ASSERT_TRUE(pending) << "it hears of it when it next says hello";
+    ASSERT_TRUE(pending) << "delivered with the answer to its next hello";
     EXPECT_EQ(pending->targetInstallID, "ID");
     EXPECT_EQ(hellos, 1);
-    EXPECT_EQ(opened.back(),
-              (std::vector<std::string>{"-n", "-g", place.string(), "--args", "--uninstall"}));
+    EXPECT_EQ(opened.back(), (Opened{place, {"--uninstall"}}));
     EXPECT_EQ(removals, 0);
 
     removesItself = true;
@@ -292,7 +296,7 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
 TEST_F(AddOnCommandsTest, ADeliveredRemovalIsCarriedOutUnlessItsCommandHasDoneSo) {
     for (const bool isPending : {false, true}) {
         putOld();
-        copies = {{17, std::nullopt}};  // it has closed its windows and waits
+        copies = {{17, std::nullopt}};  // has closed its windows and waits
         obeysNotice = false;
         shared.values.clear();
         DeliveredRemoval removal{services(), {}};
@@ -321,6 +325,29 @@ TEST_F(AddOnCommandsTest, WhatIsLeftOfABundleIsMendedOrRemoved) {
     fs::create_directories(place / "Contents/Linux");
     EXPECT_TRUE(install());
     EXPECT_EQ(installedVersion(), "1.1.0");
+}
+
+TEST_F(AddOnCommandsTest, TurningTheCardOnOrOffIsStoredThenAnnounced) {
+    int posts = 0;
+    const Handle observation =
+        darwin.darwin().observe("example.quillon.Quorvane.lockScreenConfigurationChanged", [&] {
+            ++posts;
+            EXPECT_GT(shared.synchronizations, 0) << "a receiver must find the new value";
+        });
+    const auto turn = [&](bool isOn) {
+        return run([&](AddOnCommands& it, auto done) { it.setCardEnabled(isOn, done); });
+    };
+    EXPECT_EQ(turn(true),
+              "The card is on.\n"
+              "No host is running: this takes effect with the next quorvane-host run.\n");
+    const Handle host = ports.serve(std::string{kMessagePortBaseName}, {});
+    EXPECT_EQ(turn(true), "The card is already on.\n");
+    EXPECT_EQ(turn(false), "The card is off.\n");
+    EXPECT_FALSE(SharedDefaults{shared.table()}.lockScreenEnabled());
+    EXPECT_EQ(posts, 3);
+    shared.refuses = true;
+    EXPECT_EQ(turn(true).error(), "the shared settings cannot be written: full");
+    EXPECT_EQ(posts, 3);
 }
 
 TEST_F(AddOnCommandsTest, TheBundleThatCameWithTheProgramIsFound) {

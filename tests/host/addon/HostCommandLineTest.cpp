@@ -8,7 +8,6 @@ namespace quorvane {
 namespace {
 
 using Command = HostCommandLine::Command;
-using Player = HostCommandLine::Player;
 using Arguments = std::vector<std::string>;
 
 TEST(HostCommandLine, Understands) {
@@ -18,9 +17,9 @@ TEST(HostCommandLine, Understands) {
         {{"status"}, {.command = Command::status}},
         {{"update", "--from", "/X.app"}, {.command = Command::update, .bundle = "/X.app"}},
         {{"run", "--only", "mpv"}, {.onlyPlayer = "mpv"}},
-        {{"--script", "a b.json"}, {.player = Player::scripted, .script = "a b.json"}},
-        {{"--script=x=y.json", "run"}, {.player = Player::scripted, .script = "x=y.json"}},
-        {{"--player=scripted", "--script=-x"}, {.player = Player::scripted, .script = "-x"}},
+        {{"--script", "a b.json"}, {.script = "a b.json"}},
+        {{"--script=x=y.json", "run"}, {.script = "x=y.json"}},
+        {{"--player=scripted", "--script=-x"}, {.script = "-x"}},
         {{"nonsense", "-h"}, {.command = Command::help}},
         {{"-V"}, {.command = Command::version}},
     };
@@ -39,6 +38,7 @@ TEST(HostCommandLine, ExplainsWhatIsWrong) {
         {{"--loud"}, "unknown option '--loud'"},
         {{"--loud=1"}, "unknown option '--loud'"},
         {{"--script"}, "--script needs a value: --script FILE"},
+        {{"--script", "x", "--script"}, "--script needs a value: --script FILE"},
         {{"--script", "--only", "x"}, "--script needs a value: --script FILE"},
         {{"--player", "spinet"}, "--player takes mpris or scripted, not 'spinet'"},
         {{"--player", "scripted"}, "--player scripted needs --script FILE"},

@@ -4,10 +4,8 @@
 
 #include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
-#include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 #include "host/addon/HostStatusQuery.hpp"
-#include "host/link/CardEnabledSetting.hpp"
 #include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/MemoryDefaults.hpp"
@@ -21,85 +19,94 @@ using namespace std::chrono_literals;
 
 constexpr WallTime kNow = ManualClock::kStart;
 
-std::string lineOf(const HostStatus& status, const std::string& head) {
-    const std::string text = status.text(kNow);
-    const auto begin = text.find(head);
-    return begin == std::string::npos ? "" : text.substr(begin, text.find('\n', begin) - begin);
+QuorvanePlayerState playing(XPCPlayerState state, double position, XPCTrack track) {
+    return {.track = std::move(track),
+            .playerState = state,
+            .playerPosition = position,
+            .timestamp = kNow - 10s};
 }
 
-TEST(HostStatus, TellsWhatTheHostPlays) {
+TEST(HostStatus, IsAFewLinesOfText) {
     using enum HostStatus::Failure;
-    HostStatus status;
-    const std::pair<HostStatus::Failure, const char*> failures[] = {
-        {notReachable, "Host:    Quorvane is not reachable; start it with: quorvane-host run"},
-        {late,
-         "Host:    Quorvane did not answer in time; if this repeats, stop the host and start it "
-         "again"},
-        {noAnswer,
-         "Host:    Quorvane did not answer the request; stop the host and start it again"}};
-    for (const auto& [failure, line] : failures) {
-        status.state = std::unexpected{failure};
-        EXPECT_EQ(lineOf(status, "Host"), line);
-    }
-    status.state = QuorvanePlayerState{};
-    EXPECT_EQ(lineOf(status, "Host"), "Host:    running, nothing playing");
-    status.state->track = XPCTrack{.title = "A\x1b[2J\u009b1mB", .artist = ""};
-    status.state->playerState = XPCPlayerState::paused;
-    status.state->playerPosition = 1e300;
-    EXPECT_FALSE(lineOf(status, "Host").empty()) << "no whole number holds it";
-    status.state->playerPosition = 61.9;
-    status.state->timestamp = kNow - 10s;
-    EXPECT_EQ(lineOf(status, "Host"), "Host:    running, paused \"A?[2J?1mB\" (1:01)");
-    status.state->playerState = XPCPlayerState::playing;
-    status.state->track = XPCTrack{.title = "A\u00e9", .artist = "B", .duration = 600};
-    EXPECT_EQ(lineOf(status, "Host"), "Host:    running, playing \"A\u00e9\" by B (1:11 of 10:00)");
-}
-
-TEST(HostStatus, TellsOfCardAddOnAndSession) {
-    HostStatus status;
-    const auto expect = [&](const std::string& line) {
-        EXPECT_EQ(lineOf(status, line.substr(0, line.find(':'))), line);
+    using enum AddOnInstallation::State;
+    const auto place = [](AddOnInstallation::State state) {
+        return AddOnInstallation{.supportDirectory = "/a",
+                                 .bundle = "/a/X.app",
+                                 .state = state,
+                                 .version = "1.2\n",
+                                 .trouble = "/a is not a folder"};
     };
-    expect("Card:    unknown: the shared settings cannot be opened");
-    expect("Install: not installed (run: quorvane-host install)");
-    expect("Add-on:  not running; never seen");
-    status.hasSharedDefaults = true;
-    expect("Card:    off");
-    status.place = {.supportDirectory = "/a",
-                    .bundle = "/a/X.app",
-                    .state = AddOnInstallation::State::installed,
-                    .version = "1.2\n",
-                    .trouble = {}};
-    expect("Card:    off (turn on with: quorvane-host enable)");
-    expect("Install: version 1.2? as /a/X.app");
-    status.isEnabled = true;
-    status.lastLockHadNoRoom = true;
-    EXPECT_TRUE(lineOf(status, "Card").starts_with("Card:    on, but the last lock screen had no"));
-    status.pendingRemoval.emplace();
-    expect("Card:    off; the add-on has been asked to remove itself");
-    status.place.state = AddOnInstallation::State::damaged;
-    expect("Install: damaged (repair with: quorvane-host install; or run: quorvane-host remove)");
-    status.place.state = AddOnInstallation::State::foreign;
-    status.place.trouble = "/a is not a folder";
-    expect("Install: no; /a is not a folder");
-
-    status.lastSeen = LockScreenAddOnSighting{.addOnVersion = "1.2.0",
-                                              .macOSVersion = "26.1.0",
-                                              .supportsThisMacOS = true,
-                                              .date = kNow - 5s,
-                                              .installID = {}};
-    expect("Add-on:  not running; version 1.2.0 was last seen 2025-12-31T23:59:55Z");
-    status.isAddOnRunning = true;
-    expect("Add-on:  running, but not answering; version 1.2.0 was last seen 2025-12-31T23:59:55Z");
-    status.addOn = AddOnSignals::Status{true, "1.2.1"};
-    expect("Add-on:  running, version 1.2.1, connected");
-    status.addOn->isConnected = false;
-    status.lastSeen->supportsThisMacOS = false;
-    expect(
-        "Add-on:  running, version 1.2.1, not connected; needs an update that supports system "
-        "26.1.0");
-    status.problems = {"no bus"};
-    expect("Session: no bus");
+    LockScreenAddOnSighting seen{.addOnVersion = "1.2.0",
+                                 .macOSVersion = "26.1.0",
+                                 .supportsThisMacOS = true,
+                                 .date = kNow - 5s,
+                                 .installID = {}};
+    LockScreenAddOnSighting tooOld = seen;
+    tooOld.supportsThisMacOS = false;
+    const std::pair<HostStatus, const char*> rows[] = {
+        {{},
+         "Host:    Quorvane is not reachable; start it with: quorvane-host run\n"
+         "Card:    unknown: the shared settings cannot be opened\n"
+         "Install: not installed (run: quorvane-host install)\n"
+         "Add-on:  not running; never seen\n"},
+        {{.state = std::unexpected{late}, .hasSharedDefaults = true},
+         "Host:    Quorvane did not answer in time; if this repeats, stop the host and start it "
+         "again\n"
+         "Card:    off\n"
+         "Install: not installed (run: quorvane-host install)\n"
+         "Add-on:  not running; never seen\n"},
+        {{.state = std::unexpected{noAnswer},
+          .hasSharedDefaults = true,
+          .lastSeen = seen,
+          .place = place(installed)},
+         "Host:    Quorvane did not answer the request; stop the host and start it again\n"
+         "Card:    off (turn on with: quorvane-host enable)\n"
+         "Install: version 1.2? as /a/X.app\n"
+         "Add-on:  not running; version 1.2.0 was last seen 2025-12-31T23:59:55Z\n"},
+        {{.state = QuorvanePlayerState{},
+          .hasSharedDefaults = true,
+          .isEnabled = true,
+          .lastLockHadNoRoom = true,
+          .lastSeen = seen,
+          .place = place(damaged),
+          .isAddOnRunning = true},
+         "Host:    running, nothing playing\n"
+         "Card:    on, but the last lock screen had no room for it (make it smaller with a lower "
+         "QUORVANE_SCALE)\n"
+         "Install: damaged (repair with: quorvane-host install; or run: quorvane-host remove)\n"
+         "Add-on:  running, but not answering; version 1.2.0 was last seen "
+         "2025-12-31T23:59:55Z\n"},
+        {{.state = playing(XPCPlayerState::paused, 61.9, {"A\x1b[2J\u009b1mB", ""}),
+          .hasSharedDefaults = true,
+          .isEnabled = true,
+          .pendingRemoval = LockScreenPendingRemoval{},
+          .place = place(foreign),
+          .isAddOnRunning = true,
+          .addOn = AddOnSignals::Status{true, "1.2.1"},
+          .problems = {"no bus"}},
+         "Host:    running, paused \"A?[2J?1mB\" (1:01)\n"
+         "Card:    off; the add-on has been asked to remove itself\n"
+         "Install: no; /a is not a folder\n"
+         "Add-on:  running, version 1.2.1, connected\n"
+         "Session: no bus\n"},
+        {{.state = playing(XPCPlayerState::playing, 61.9,
+                           {.title = "A\u00e9", .artist = "B", .duration = 600}),
+          .hasSharedDefaults = true,
+          .isEnabled = true,
+          .lastSeen = tooOld,
+          .addOn = AddOnSignals::Status{false, "1.2.1"}},
+         "Host:    running, playing \"A\u00e9\" by B (1:11 of 10:00)\n"
+         "Card:    on\n"
+         "Install: not installed (run: quorvane-host install)\n"
+         "Add-on:  running, version 1.2.1, not connected; needs an update that supports system "
+         "26.1.0\n"},
+        {{.state = playing(XPCPlayerState::stopped, 1e300, {"A", ""})},  // beyond any integer
+         "Host:    running, stopped \"A\" (150000000000000:00)\n"
+         "Card:    unknown: the shared settings cannot be opened\n"
+         "Install: not installed (run: quorvane-host install)\n"
+         "Add-on:  not running; never seen\n"},
+    };
+    for (const auto& [status, text] : rows) EXPECT_EQ(status.text(kNow), text);
 }
 
 const std::string kMainPort{kMessagePortBaseName};
@@ -108,14 +115,17 @@ const Bytes kSecret(MessagePortWire::kSecretLength, std::byte{9});
 class HostStatusQueryTest : public testing::Test {
 protected:
     HostStatus ask() {
-        HostStatusQuery query{{.connectPort = ports.connectPort(),
-                               .files = store.table(),
-                               .clock = clock.clock(),
-                               .distributedNotices = notices.distributed(),
-                               .sharedSuite = defaults.table(),
-                               .addOnDefaults = addOnDefaults.table(),
-                               .lookAtPlace = [] { return AddOnInstallation{}; },
-                               .isAddOnRunning = [] { return true; }}};
+        HostStatusQuery query{
+            {.control = {.applications =
+                             {.running = [](const auto&) { return std::vector<RunningCopy>(1); },
+                              .current = {},
+                              .terminate = {}},
+                         .notices = notices.distributed(),
+                         .clock = clock.clock()},
+             .connectPort = ports.connectPort(),
+             .sharedSuite = defaults.table(),
+             .addOnDefaults = addOnDefaults.table()},
+            store.table()};
         std::vector<HostStatus> answers;
         query.start([&](HostStatus status) { answers.push_back(std::move(status)); });
         if (addOnSays) notices.deliver(AddOnSignals::kStatus, *addOnSays);
@@ -138,7 +148,7 @@ protected:
     bool answersAtOnce = false;
 };
 
-TEST_F(HostStatusQueryTest, EverybodyAnswers) {
+TEST_F(HostStatusQueryTest, CollectsTheAnswersOfHostAndAddOn) {
     defaults.values["lockScreenEnabled"] = {true};
     addOnDefaults.values["lastLockHadNoRoom"] = {true};
     const QuorvanePlayerState state{.track = XPCTrack{.title = "T", .artist = "A"}};
@@ -156,7 +166,7 @@ TEST_F(HostStatusQueryTest, EverybodyAnswers) {
     EXPECT_EQ(status.addOn, (AddOnSignals::Status{true, "1.0.0"}));
 }
 
-TEST_F(HostStatusQueryTest, AnswersThatAreNone) {
+TEST_F(HostStatusQueryTest, TellsWhyThereIsNoState) {
     using enum HostStatus::Failure;
     addOnSays = PropertyDictionary{{"version", {std::string{"1"}}}};
     struct Row {
@@ -178,36 +188,6 @@ TEST_F(HostStatusQueryTest, AnswersThatAreNone) {
     }
     host.reset();
     EXPECT_EQ(ask().state, std::unexpected{notReachable});
-}
-
-TEST(CardEnabledSetting, WritesPostsAndSaysWhatItDid) {
-    MemoryDefaults defaults;
-    FakeNotices notices;
-    MemoryPorts ports;
-    int posts = 0;
-    const Handle observation =
-        notices.darwin().observe("example.quillon.Quorvane.lockScreenConfigurationChanged", [&] {
-            ++posts;
-            EXPECT_GT(defaults.synchronizations, 0) << "who is told must find it written";
-        });
-    CardEnabledSetting card{.connectPort = ports.connectPort(),
-                            .darwinNotices = notices.darwin(),
-                            .sharedSuite = defaults.table()};
-    EXPECT_EQ(card.set(true),
-              "The card is on.\n"
-              "No host is running: this takes effect with the next quorvane-host run.\n");
-    const Handle host = ports.serve(kMainPort, {});
-    EXPECT_EQ(card.set(true), "The card is already on.\n");
-    EXPECT_EQ(card.set(false), "The card is off.\n");
-    EXPECT_FALSE(SharedDefaults{defaults.table()}.lockScreenEnabled());
-    EXPECT_EQ(posts, 3);
-
-    card.sharedSuite->synchronize = []() -> Result<void> {
-        return std::unexpected{PlatformError{.description = "Read-only file system"}};
-    };
-    EXPECT_EQ(card.set(true).error(),
-              "the shared settings cannot be written: Read-only file system");
-    EXPECT_EQ(posts, 3);
 }
 
 }  // namespace

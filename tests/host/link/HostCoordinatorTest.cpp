@@ -26,7 +26,7 @@ const std::string kQueryPort = queryPortName(kMessagePortBaseName, 2);
 
 struct FakePlayer : PlayerSource {
     PlayerSnapshot snapshot() const override { return value; }
-    bool perform(QuorvaneAction action) override { return hear(std::string{name(action)}); }
+    bool perform(QuorvaneAction action) override { return hear(std::string{actionName(action)}); }
     bool setVolume(std::int64_t v) override { return hear("volume " + std::to_string(v)); }
     bool setRating(std::int64_t v) override { return hear("rating " + std::to_string(v)); }
     void refresh() override { heard.push_back("refresh"); }
@@ -41,7 +41,7 @@ struct FakePlayer : PlayerSource {
     bool obeys = true;
 };
 
-// One thread a queue, as the real ones.
+// One thread per queue, like the real ones.
 struct ThreadQueue : SerialQueue {
     ~ThreadQueue() override {
         if (thread.joinable()) thread.join();
@@ -98,13 +98,13 @@ protected:
     Bytes request(std::string_view payload = {}) { return framed(bytesOf(payload), secret()); }
     Bytes secret() { return store.files.at(kSecretFile); }
 
-    // Nothing in the reply stands for an empty one.
+    // An absent reply body reads as an empty one.
     Bytes ask(const std::string& port, std::int32_t messageID, const Bytes& body) {
         PortReply reply = ports.ask(port, messageID, body);
         EXPECT_EQ(reply.status, kPortSuccess);
         return std::move(reply.body).value_or(Bytes{});
     }
-    // A query is answered by the main thread while the port's thread waits.
+    // The main thread answers a query while the port's thread waits.
     Bytes query(std::int32_t messageID, const Bytes& body) {
         auto answer =
             std::async(std::launch::async, [&] { return ask(kQueryPort, messageID, body); });
@@ -161,7 +161,7 @@ TEST_F(HostCoordinatorTest, MakesOneSecretAndKeepsIt) {
     host->stop();
     store.files[kSecretFile] = Bytes(31);
     serve();
-    EXPECT_EQ(secretsMade, 2) << "one that no add-on can use";
+    EXPECT_EQ(secretsMade, 2) << "a secret of the wrong length is replaced";
     EXPECT_TRUE(host->hasSecret());
 }
 
@@ -175,7 +175,7 @@ TEST_F(HostCoordinatorTest, OnlyTheHolderOfTheMainPortServesAndMakesASecret) {
             std::this_thread::yield();
     }
     EXPECT_TRUE(store.files.empty());
-    store.files[kSecretFile] = Bytes(32, std::byte{1});  // the other host makes one
+    store.files[kSecretFile] = Bytes(32, std::byte{1});  // made by the other host
     other.reset();
     waitUntilServing();
     EXPECT_EQ(secretsMade, 0);
@@ -198,7 +198,7 @@ TEST_F(HostCoordinatorTest, HandsOutTheStateOfTheMoment) {
     clock.advance(12s);
     const auto answer = state();
     EXPECT_EQ(answer.timestamp, ManualClock::kStart + 12s);
-    EXPECT_DOUBLE_EQ(answer.playerPosition, 52) << "without the main thread's doing";
+    EXPECT_DOUBLE_EQ(answer.playerPosition, 52) << "answered without the main thread";
     EXPECT_TRUE(takeHeard().empty());
     main.run();
     EXPECT_EQ(takeHeard(), Texts{"refresh"});
@@ -207,7 +207,7 @@ TEST_F(HostCoordinatorTest, HandsOutTheStateOfTheMoment) {
 TEST_F(HostCoordinatorTest, CommandsReachThePlayerOnTheMainThread) {
     serve();
     ask(kMainPort, 2, request("\x01"));
-    ask(kMainPort, 2, request("\x03"));  // no action
+    ask(kMainPort, 2, request("\x03"));  // not an action
     ask(kMainPort, 3, request("\x40"));
     ask(kMainPort, 4, request("\xFF"));
     EXPECT_TRUE(takeHeard().empty());
@@ -219,10 +219,11 @@ TEST_F(HostCoordinatorTest, CommandsReachThePlayerOnTheMainThread) {
     for (const int drag : {1, 2, 3}) ask(kMainPort, 3, request(std::string(1, char(drag))));
     main.run();
     clock.advance(50ms);
-    EXPECT_EQ(takeNotices(), Texts{"playerStateChanged"}) << "so that the card asks for the truth";
+    EXPECT_EQ(takeNotices(), Texts{"playerStateChanged"})
+        << "makes the card request the true state";
     ask(kMainPort, 2, request("\x01"));
     host.reset();
-    EXPECT_GT(main.run(), 0) << "what arrives after the end goes nowhere";
+    EXPECT_GT(main.run(), 0) << "commands that arrive after the end are dropped";
 }
 
 TEST_F(HostCoordinatorTest, AnnouncesNewsOnceAndOnlyNews) {
@@ -235,7 +236,7 @@ TEST_F(HostCoordinatorTest, AnnouncesNewsOnceAndOnlyNews) {
         clock.advance(5ms);
     }
     EXPECT_TRUE(takeNotices().empty());
-    EXPECT_EQ(state().volume, 5) << "handed out at once all the same";
+    EXPECT_EQ(state().volume, 5) << "answered at once";
     clock.advance(1s);
     EXPECT_EQ(takeNotices(), Texts{"playerStateChanged"});
     change();
@@ -266,7 +267,7 @@ TEST_F(HostCoordinatorTest, SaysWhenItComesAndGoes) {
     while (!ports.connectPort()(kMainPort)) std::this_thread::yield();
     host->stop();
     main.run();
-    EXPECT_FALSE(host->isServing()) << "the ports' news came after the end";
+    EXPECT_FALSE(host->isServing()) << "the ports opened after the end";
     EXPECT_TRUE(takeNotices().empty());
 }
 
@@ -284,7 +285,7 @@ TEST_F(HostCoordinatorTest, AnswersHelloAndRemembersIt) {
     const SharedDefaults stored{defaults.table()};
     EXPECT_EQ(stored.lockScreenAddOnLastSeen(), sightingOf(fromA, ManualClock::kStart + 3s));
     defaults.values["lockScreenEnabled"] = {false};
-    EXPECT_EQ(hello(fromA), answered(false, false)) << "as the defaults are now";
+    EXPECT_EQ(hello(fromA), answered(false, false));
 }
 
 TEST_F(HostCoordinatorTest, DeliversARemovalOrClearsOneThatIsVoid) {
@@ -296,7 +297,7 @@ TEST_F(HostCoordinatorTest, DeliversARemovalOrClearsOneThatIsVoid) {
     host->onRemovalDelivered = [&] { ++delivered; };
     LockScreenAddOnHello speaking;
     speaking.installID = "A";
-    EXPECT_EQ(hello(speaking), answered(false, true)) << "the card is off, whatever is wanted";
+    EXPECT_EQ(hello(speaking), answered(false, true)) << "a removal turns the card off";
     EXPECT_EQ(delivered, 1);
     EXPECT_TRUE(stored.lockScreenPendingRemoval());
     speaking.installID = "B";

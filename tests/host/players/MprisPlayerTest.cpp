@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Observable.hpp"
+#include "platform/Listeners.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/ManualSerialQueues.hpp"
@@ -26,7 +26,7 @@ protected:
 
     MediaPlayers table() {
         return {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
-                .observe = [this](auto handler) { return revision.subscribe(std::move(handler)); },
+                .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
                 .refresh = [this](const std::string& name) { said.push_back("? " + name); },
                 .call = [this](const std::string& name,
                                const std::string& method) { said.push_back(method + ' ' + name); },
@@ -89,8 +89,8 @@ protected:
         it.positionAt = clock.clock().now();
         announce();
     }
-    void announce() { revision.set(revision.get() + 1); }
-    // Lets the queue read and the main thread hear of it.
+    void announce() { listeners.call(); }
+    // Runs the queue's reads and delivers their results.
     void read() {
         while (queues.runNext(kQueue)) main.run();
     }
@@ -112,7 +112,7 @@ protected:
     MemoryFiles files;
     ManualSerialQueues queues;
     std::vector<MediaPlayer> players;
-    Observable<int> revision{0};
+    Listeners<> listeners;
     std::vector<std::string> said;
     std::function<void(SoundLevels)> onSound;
     int soundObservations = 0;
@@ -120,7 +120,7 @@ protected:
     int changes = 0;
 };
 
-TEST_F(MprisPlayerTest, FollowsWhoeverPlays) {
+TEST_F(MprisPlayerTest, FollowsThePlayerThatPlays) {
     start();
     EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
     add("org.mpris.MediaPlayer2.playerctld", "Playing", "proxy");
@@ -149,7 +149,7 @@ TEST_F(MprisPlayerTest, FollowsOnlyTheNamedOne) {
     EXPECT_EQ(title(), "song");
 }
 
-TEST_F(MprisPlayerTest, ReckonsThePositionBetweenAnswers) {
+TEST_F(MprisPlayerTest, ExtrapolatesThePositionBetweenReports) {
     MediaPlayer& mpv = add(kMpv, "Playing", "song");
     start();
     EXPECT_EQ(takeSaid(), Said{"? org.mpris.MediaPlayer2.mpv"});
@@ -160,7 +160,7 @@ TEST_F(MprisPlayerTest, ReckonsThePositionBetweenAnswers) {
     announce();
     EXPECT_EQ(takeSaid(), Said{"? org.mpris.MediaPlayer2.mpv"});
     clock.advance(10s);
-    EXPECT_DOUBLE_EQ(position(), 23) << "where it stood when it was paused, without an answer";
+    EXPECT_DOUBLE_EQ(position(), 23) << "the position at the pause, without a report";
     set(mpv, "Playing");
     announce();
     clock.advance(2s);
@@ -178,7 +178,7 @@ TEST_F(MprisPlayerTest, ReckonsThePositionBetweenAnswers) {
     EXPECT_EQ(takeSaid(), Said{"? org.mpris.MediaPlayer2.mpv"});
 }
 
-TEST_F(MprisPlayerTest, TrustsNoPlayerThatAlwaysSaysZero) {
+TEST_F(MprisPlayerTest, IgnoresAPositionThatIsAlwaysZero) {
     MediaPlayer& mpv = add(kMpv, "Playing", "song");
     start();
     tellPosition(mpv, 0);
@@ -188,10 +188,10 @@ TEST_F(MprisPlayerTest, TrustsNoPlayerThatAlwaysSaysZero) {
     tellPosition(mpv, 7);
     clock.advance(1s);
     tellPosition(mpv, 0);
-    EXPECT_DOUBLE_EQ(position(), 0) << "one that knows its position has gone back to the start";
+    EXPECT_DOUBLE_EQ(position(), 0) << "a player that knows its position has restarted the track";
 }
 
-TEST_F(MprisPlayerTest, AsksAgainWhenSomebodyLooksButNotAllTheTime) {
+TEST_F(MprisPlayerTest, RefreshesAtMostOnceASecond) {
     MediaPlayer& mpv = add(kMpv, "Playing", "song");
     start();
     takeSaid();
@@ -201,7 +201,7 @@ TEST_F(MprisPlayerTest, AsksAgainWhenSomebodyLooksButNotAllTheTime) {
     player->refresh();
     EXPECT_EQ(takeSaid().size(), 1u);
     tellPosition(mpv, 3);
-    EXPECT_TRUE(takeSaid().empty()) << "an answer is no reason to ask";
+    EXPECT_TRUE(takeSaid().empty()) << "a report does not cause a request";
 }
 
 TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
@@ -216,7 +216,7 @@ TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
     EXPECT_EQ(artwork(), "late");
     play(mpv, "next song", "file:///late.png");
     announce();
-    EXPECT_EQ(artwork(), "late") << "the album's picture stays while it is looked at";
+    EXPECT_EQ(artwork(), "late") << "kept during the check";
     read();
     EXPECT_EQ(files.reads, 1);
     files.put("/late.png", "later");
@@ -236,10 +236,10 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     start();
     play(mpv, "next song", "file:///two.png");
     announce();
-    ASSERT_EQ(queues.waiting(kQueue), 1u) << "one look at a time";
+    ASSERT_EQ(queues.waiting(kQueue), 1u) << "one check at a time";
     queues.runNext(kQueue);
     main.run();
-    EXPECT_EQ(artwork(), "") << "the answer was for the song before";
+    EXPECT_EQ(artwork(), "") << "the result was for the previous song";
     read();
     EXPECT_EQ(artwork(), "picture two");
 
@@ -256,7 +256,7 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     EXPECT_EQ(artwork(), "");
 }
 
-TEST_F(MprisPlayerTest, MayGoWhileArtworkIsRead) {
+TEST_F(MprisPlayerTest, MayBeDestroyedWhileArtworkIsRead) {
     add(kMpv, "Playing", "song", "file:///one.png");
     start();
     queues.runNext(kQueue);
@@ -264,7 +264,7 @@ TEST_F(MprisPlayerTest, MayGoWhileArtworkIsRead) {
     EXPECT_EQ(main.run(), 1);
 }
 
-TEST_F(MprisPlayerTest, TellsTheChosenPlayer) {
+TEST_F(MprisPlayerTest, CommandsTheChosenPlayer) {
     MediaPlayer& mpv = add(kMpv, "Playing", "song");
     start();
     takeSaid();
@@ -293,7 +293,7 @@ TEST_F(MprisPlayerTest, UsesTheSoundServerOnlyForAPlayerWithoutAVolume) {
     mpv.properties.erase("Volume");
     announce();
     ASSERT_TRUE(onSound);
-    EXPECT_FALSE(player->setVolume(30)) << "there is no server yet";
+    EXPECT_FALSE(player->setVolume(30)) << "no server yet";
     changes = 0;
     onSound({{{.number = 3, .processID = 7, .isPlaying = true, .volume = 0.4}}, 0.9});
     EXPECT_EQ(changes, 1);
@@ -303,12 +303,12 @@ TEST_F(MprisPlayerTest, UsesTheSoundServerOnlyForAPlayerWithoutAVolume) {
     EXPECT_EQ(takeSaid(), Said{"sound 3=0.300000"});
 
     onSound({});
-    EXPECT_FALSE(player->setVolume(30)) << "it went away";
+    EXPECT_FALSE(player->setVolume(30)) << "the server has gone";
     announce();
     EXPECT_EQ(soundObservations, 1);
     play(mpv, "next song");
     announce();
-    EXPECT_EQ(soundObservations, 2) << "looked for again, not all the time";
+    EXPECT_EQ(soundObservations, 2) << "retried with the next track";
     mpv.properties["Volume"] = {0.5};
     announce();
     EXPECT_FALSE(onSound);

@@ -18,7 +18,7 @@ PlayerSnapshot playing(double seconds, Instant at) {
     return snapshot;
 }
 
-// Where a receiver sees playback at a moment: on from the timestamp, at normal speed.
+// The position that a receiver extrapolates for a moment.
 double seenAt(const QuorvanePlayerState& state, WallTime moment) {
     const bool isPlaying = state.playerState == XPCPlayerState::playing;
     return state.playerPosition + (isPlaying ? secondsBetween(state.timestamp, moment) : 0);

@@ -53,7 +53,7 @@ TEST(Script, ReadsEverything) {
     EXPECT_EQ(script->tracks[0].rating, 80);
     EXPECT_TRUE(script->tracks[1].track.isLiveStream);
     EXPECT_TRUE(script->tracks[1].track.isAdvertisement);
-    // Read once, and one and the same object for both tracks.
+    // Read once and shared by both tracks.
     EXPECT_EQ(script->tracks[1].track.artworkData->view().data(),
               script->tracks[0].track.artworkData->view().data());
 }

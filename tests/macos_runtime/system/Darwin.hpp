@@ -7,8 +7,6 @@
 #include <stdio.h>
 #include <sys/stat.h>
 
-#define st_mtimespec st_mtim
-
 inline int pthread_setname_np(const char* name) { return pthread_setname_np(pthread_self(), name); }
 
 #define RENAME_SWAP 2u

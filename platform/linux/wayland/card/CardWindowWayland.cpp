@@ -108,9 +108,9 @@ bool CardWindowWayland::isToBeSeen() const {
 void CardWindowWayland::updateSoon() {
     if (shown_) shown_->isStale = true;
     if (std::exchange(isUpdatePosted_, true)) return;
-    post([](CardWindowWayland& self) {
-        self.isUpdatePosted_ = false;
-        self.update();
+    post([this] {
+        isUpdatePosted_ = false;
+        update();
     });
 }
 
@@ -266,14 +266,14 @@ void CardWindowWayland::pointerEvent(const FromSurface& message) {
 // Posted, so that the content is never called from inside a call to its window.
 void CardWindowWayland::report(const std::optional<PointerEvent>& event) {
     if (!event || !stage_) return;
-    post([event = *event, stage = std::weak_ptr{stage_}](CardWindowWayland& self) {
+    post([this, event = *event, stage = std::weak_ptr{stage_}] {
         const auto content = stage.lock();
         if (!content) return;
         const CardStyle& style = content->style();
         // In window coordinates y grows upward.
         const Point inWindow{event.location.x + style.shadowMargin,
                              style.card.height + style.shadowMargin - event.location.y};
-        const auto observer = self.mouseDownObserver_;
+        const auto observer = mouseDownObserver_;
         if (event.kind == PointerEvent::Kind::down && observer) observer(inWindow);
         content->deliver(event);
     });
@@ -300,20 +300,20 @@ Point CardWindowWayland::accessibleOrigin() const {
 }
 
 void CardWindowWayland::perform(SceneControl::ID control, AccessibilityAction action) {
-    post([control, action, stage = std::weak_ptr{stage_}](CardWindowWayland&) {
+    post([control, action, stage = std::weak_ptr{stage_}] {
         if (const auto content = stage.lock()) content->perform(control, action);
     });
 }
 
 void CardWindowWayland::setNumber(SceneControl::ID control, double number) {
-    post([control, number, stage = std::weak_ptr{stage_}](CardWindowWayland&) {
+    post([control, number, stage = std::weak_ptr{stage_}] {
         if (const auto content = stage.lock()) content->setNumber(control, number);
     });
 }
 
-void CardWindowWayland::post(std::function<void(CardWindowWayland&)> action) {
-    resources_->mainThread.post([weak = std::weak_ptr{self_}, action = std::move(action)] {
-        if (const auto self = weak.lock()) action(**self);
+void CardWindowWayland::post(std::function<void()> action) {
+    resources_->mainThread.post([life = life_.watch(), action = std::move(action)] {
+        if (!life.isOver()) action();
     });
 }
 

@@ -8,13 +8,14 @@
 
 #include "drawing/CardWindows.hpp"
 #include "platform/Clock.hpp"
+#include "platform/LifeToken.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/linux/accessibility/AccessibleCard.hpp"
 #include "platform/linux/card/CardPainter.hpp"
 #include "platform/linux/card/CardStageX11.hpp"
 #include "platform/linux/card/PressTracker.hpp"
-#include "platform/linux/loop/Listeners.hpp"
 #include "platform/linux/wayland/WaylandSession.hpp"
 #include "platform/linux/wayland/card/SharedPictures.hpp"
 
@@ -99,7 +100,7 @@ private:
     void pointerEvent(const FromSurface& message);
     void report(const std::optional<PointerEvent>& event);
     double scale() const { return screen_.scale * contentScale_; }  // pixels per point of the stage
-    void post(std::function<void(CardWindowWayland&)> action);
+    void post(std::function<void()> action);
 
     std::shared_ptr<WaylandCardResources> resources_;
     Screen screen_;
@@ -118,8 +119,7 @@ private:
     Handle pictures_;
     std::optional<Shown> shown_;
     PressTracker press_;
-    // Posted actions hold this instead of the window.
-    std::shared_ptr<CardWindowWayland*> self_ = std::make_shared<CardWindowWayland*>(this);
+    LifeToken life_;
 };
 
 }  // namespace quorvane

@@ -29,18 +29,23 @@ struct PixelRects {
     std::uint32_t count = 0;
     std::array<PixelRect, kMost> rects{};
 
-    // Too many are replaced by one that contains all.
+    // The last one contains those for which there is no room.
     static PixelRects of(std::span<const PixelRect> list) {
         PixelRects result;
         for (const PixelRect& rect : list) {
-            if (result.count == kMost) {
-                for (const PixelRect& each : list) result.rects[0] = unionOf(result.rects[0], each);
-                result.count = 1;
-                return result;
-            }
-            result.rects[result.count++] = rect;
+            if (result.count < kMost)
+                result.rects[result.count++] = rect;
+            else
+                result.include(rect);
         }
         return result;
+    }
+    void include(const PixelRect& rect) {
+        PixelRect& last = rects[kMost - 1];
+        const int left = std::min(last.x, rect.x);
+        const int top = std::min(last.y, rect.y);
+        last = {left, top, std::max(last.maxX(), rect.maxX()) - left,
+                std::max(last.maxY(), rect.maxY()) - top};
     }
     std::span<const PixelRect> list() const {
         return std::span{rects}.first(std::min<std::size_t>(count, kMost));

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/MediaPlayers.hpp"
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 #include "tests/platform/linux/bus/FakeMprisPlayer.hpp"
 #include "tests/support/LoopRunner.hpp"
 #include "tests/support/PrivateBus.hpp"
@@ -17,7 +17,7 @@ class MediaPlayersTest : public testing::Test {
 protected:
     MediaPlayersTest() {
         privateBus.useHere();
-        linux = std::make_shared<ServicesLinux>(LogSink{});
+        linux = std::make_shared<HeadlessPlatform>(LogSink{});
         services.clock = linux->loop.clock();
         services.mainThread = linux->loop.mainThread();
         services.owner = linux;
@@ -59,7 +59,7 @@ protected:
     }
 
     PrivateBus privateBus;
-    std::shared_ptr<ServicesLinux> linux;
+    std::shared_ptr<HeadlessPlatform> linux;
     LiveServices services;
     std::optional<MediaPlayers> players;
     Handle observation;
@@ -184,14 +184,14 @@ TEST_F(MediaPlayersTest, ListensToNoNonsense) {
     EXPECT_EQ(find("fake")->position, 7'000'000);
 }
 
-TEST_F(MediaPlayersTest, ABusThatComesBackIsLookedOverAnew) {
+TEST_F(MediaPlayersTest, ALostBusHasNoPlayersUntilItIsBack) {
     std::optional<FakeMprisPlayer> fake;
     fake.emplace("fake", loop());
     startUntilListed("fake");
     privateBus.kill();
     fake.reset();
-    privateBus.start();
     ASSERT_TRUE(until([&] { return players->list().empty(); }));
+    privateBus.start();
     fake.emplace("returned", loop());
     EXPECT_TRUE(until([&] { return find("returned") != nullptr; }));
 }

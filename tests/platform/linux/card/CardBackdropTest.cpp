@@ -13,26 +13,21 @@ using std::chrono::milliseconds;
 constexpr Point kCorner{kWindowX + 1, kWindowY + 1};
 constexpr Point kShadow{500, 384};
 
-// A locker that shows a picture of many colours, by its background or by drawing over it.
-void showPicture(const X11Client& locker, xcb_window_t window, bool isBackground) {
-    xcb_connection_t* connection = locker.connection();
-    const xcb_pixmap_t picture = xcb_generate_id(connection);
-    xcb_create_pixmap(connection, 24, picture, window, 1000, 700);
-    const xcb_gcontext_t context = xcb_generate_id(connection);
-    xcb_create_gc(connection, context, window, 0, nullptr);
-    for (int i = 0; i < 70; ++i) {
-        const std::uint32_t color = 0x030201u * static_cast<std::uint32_t>(i);
-        xcb_change_gc(connection, context, XCB_GC_FOREGROUND, &color);
-        const xcb_rectangle_t stripe{0, static_cast<std::int16_t>(i * 10), 1000, 10};
-        xcb_poly_fill_rectangle(connection, isBackground ? picture : window, context, 1, &stripe);
-    }
-    if (!isBackground) return;
-    xcb_change_window_attributes(connection, window, XCB_CW_BACK_PIXMAP, &picture);
-    xcb_clear_area(connection, false, window, 0, 0, 0, 0);
-}
-
 class CardBackdrop : public CardFixture {
 protected:
+    // The locker shows a picture of many colours, by its background or by drawing over it.
+    void showPicture(bool isBackground) {
+        xcb_connection_t* connection = locker->connection();
+        const xcb_pixmap_t picture = xcb_generate_id(connection);
+        xcb_create_pixmap(connection, 24, picture, lockerWindow, 1000, 700);
+        for (int i = 0; i < 70; ++i)
+            fill(*locker, isBackground ? picture : lockerWindow,
+                 {0, static_cast<std::int16_t>(i * 10), 1000, 10},
+                 0x030201u * static_cast<std::uint32_t>(i));
+        if (!isBackground) return;
+        xcb_change_window_attributes(connection, lockerWindow, XCB_CW_BACK_PIXMAP, &picture);
+        xcb_clear_area(connection, false, lockerWindow, 0, 0, 0, 0);
+    }
     // Outside the card's shadow the window looks like what is behind it.
     void expectMarginsLike(const Screenshot& before, int windowX, int windowY) {
         const Screenshot now = look();
@@ -46,7 +41,7 @@ class CardBackdropOfEachKind : public CardBackdrop, public testing::WithParamInt
 
 TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
     lock();
-    showPicture(*locker, lockerWindow, GetParam());
+    showPicture(GetParam());
     const Screenshot before = look();
     makeCard();
     showCard();
@@ -59,7 +54,7 @@ TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
     expectMarginsLike(before, 200, 260);
     EXPECT_NE(look().at(400, 400), before.at(400, 400)) << "the card";
     // As lockers do when the server asks them to repair what is open again.
-    showPicture(*locker, lockerWindow, GetParam());
+    showPicture(GetParam());
     settle();
     window->setFrame(settings(kWindowX, kWindowY).frame, screen());
     settle();
@@ -72,9 +67,7 @@ INSTANTIATE_TEST_SUITE_P(Drawn, CardBackdropOfEachKind, testing::Bool(), [](cons
 });
 
 TEST_F(CardBackdrop, FollowsTheLockersBackgroundWhenItRests) {
-    lock();
-    makeCard();
-    showCard();
+    showLocked();
     const std::uint32_t glass = pixelAt(500, 250);
     EXPECT_NE(pixelAt(kShadow), kLockerColor);
     setBackground(lockerWindow, 0xff902010);
@@ -99,7 +92,7 @@ TEST_F(CardBackdrop, FollowsTheLockersBackgroundWhenItRests) {
 TEST_F(CardBackdrop, IsNeverAPictureInTheMaking) {
     lock();
     xcb_connection_t* connection = locker->connection();
-    showPicture(*locker, lockerWindow, true);
+    showPicture(true);
     const Screenshot picture = look();
     makeCard();
     showCard();
@@ -111,17 +104,14 @@ TEST_F(CardBackdrop, IsNeverAPictureInTheMaking) {
         settle();
         advance(milliseconds{100});
         EXPECT_EQ(look(), before) << key;
-        showPicture(*locker, lockerWindow, true);
+        showPicture(true);
         settle();
         advance(milliseconds{100});
         EXPECT_EQ(look(), before) << key;
     }
     // Nor is a drawing that passes by, and that no background knows of.
     const std::uint32_t white = 0xffffffff;
-    const xcb_gcontext_t context = xcb_generate_id(connection);
-    xcb_create_gc(connection, context, lockerWindow, XCB_GC_FOREGROUND, &white);
-    const xcb_rectangle_t all{0, 0, 1000, 700};
-    xcb_poly_fill_rectangle(connection, lockerWindow, context, 1, &all);
+    fill(*locker, lockerWindow, {0, 0, 1000, 700}, white);
     EXPECT_EQ(pixelAt(kWindowX - 1, kWindowY), white);
     advance(milliseconds{500});
     expectMarginsLike(picture, kWindowX, kWindowY);
@@ -144,13 +134,13 @@ TEST_F(CardBackdrop, OfALockerWithoutBackgroundIsNotTakenFromTheCardItself) {
     lock();
     const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
     xcb_change_window_attributes(locker->connection(), lockerWindow, XCB_CW_BACK_PIXMAP, &none);
-    showPicture(*locker, lockerWindow, false);
+    showPicture(false);
     const Screenshot before = look();
     makeCard();
     showCard();
     const Screenshot shown = look();
     advance(milliseconds{600});
-    showPicture(*locker, lockerWindow, false);
+    showPicture(false);
     settle();
     advance(milliseconds{600});
     EXPECT_EQ(look(), shown);
@@ -183,7 +173,7 @@ protected:
 
 TEST_P(CardWithout, IsDrawnAllTheSame) {
     lock();
-    showPicture(*locker, lockerWindow, true);
+    showPicture(true);
     const Screenshot before = look();
     makeCard();
     stage->setScene(sceneOf({{{100, 100, 20, 20}, 0, {0, 1, 0, 1}}}));

@@ -94,6 +94,11 @@ protected:
         window->setContent(stage);
         window->orderFrontRegardless();
     }
+    void showLocked() {
+        lock();
+        makeCard();
+        showCard();
+    }
     // At once and without any animation.
     void showCard() {
         stage->setHidden(false);
@@ -130,12 +135,15 @@ protected:
     xcb_window_t cardWindow() const { return static_cast<xcb_window_t>(window->number()); }
     // By another client, into the card's window: what is drawn again afterwards shows.
     void paintOver(std::uint32_t color) {
-        const xcb_gcontext_t context = xcb_generate_id(viewer->connection());
-        xcb_create_gc(viewer->connection(), context, cardWindow(), XCB_GC_FOREGROUND, &color);
-        const xcb_rectangle_t all{0, 0, 504, 326};
-        xcb_poly_fill_rectangle(viewer->connection(), cardWindow(), context, 1, &all);
-        xcb_free_gc(viewer->connection(), context);
+        fill(*viewer, cardWindow(), {0, 0, 504, 326}, color);
         viewer->sync();
+    }
+    static void fill(const X11Client& client, xcb_drawable_t target, const xcb_rectangle_t& area,
+                     std::uint32_t color) {
+        const xcb_gcontext_t context = xcb_generate_id(client.connection());
+        xcb_create_gc(client.connection(), context, target, XCB_GC_FOREGROUND, &color);
+        xcb_poly_fill_rectangle(client.connection(), target, context, 1, &area);
+        xcb_free_gc(client.connection(), context);
     }
 
     static Scene sceneOf(std::vector<ShapeNode> shapes) {

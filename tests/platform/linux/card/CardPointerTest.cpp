@@ -54,11 +54,7 @@ protected:
         xcb_connection_t* connection = locker->connection();
         const xcb_pixmap_t bits = xcb_generate_id(connection);
         xcb_create_pixmap(connection, 1, bits, locker->root(), 8, 8);
-        const xcb_gcontext_t context = xcb_generate_id(connection);
-        const std::uint32_t value = isHidden ? 0 : 1;
-        xcb_create_gc(connection, context, bits, XCB_GC_FOREGROUND, &value);
-        const xcb_rectangle_t all{0, 0, 8, 8};
-        xcb_poly_fill_rectangle(connection, bits, context, 1, &all);
+        fill(*locker, bits, {0, 0, 8, 8}, isHidden ? 0 : 1);
         const xcb_cursor_t cursor = xcb_generate_id(connection);
         xcb_create_cursor(connection, cursor, bits, bits, 0, 0, 0, 0, 0, 0, 0, 0);
         ASSERT_TRUE(locker->grabPointer(cursor));

@@ -124,9 +124,7 @@ TEST_F(CardWindow, FadesAlongItsCurveAndRests) {
 }
 
 TEST_F(CardWindow, ALaterFadeTakesOverWhereTheFirstOneIs) {
-    lock();
-    makeCard();
-    showCard();
+    showLocked();
     std::vector<int> completed;
     window->animateAlpha(0, milliseconds{200}, [&] { completed.push_back(1); });
     advance(milliseconds{100});
@@ -206,9 +204,7 @@ TEST_F(CardWindow, RepairsWhatWasCovered) {
 }
 
 TEST_F(CardWindow, GoesWithItsLockerQuietly) {
-    lock();
-    makeCard();
-    showCard();
+    showLocked();
     const long number = window->number();
     int completed = 0;
     window->animateAlpha(0, milliseconds{200}, [&] { ++completed; });
@@ -254,9 +250,7 @@ TEST_F(CardWindow, StandsUnderThePromptAndOverThePictureOfTheLocker) {
 }
 
 TEST_F(CardWindow, LeavesOutWhatIsToBeKeptClear) {
-    lock();
-    makeCard();
-    showCard();
+    showLocked();
     EXPECT_NE(pixelAt(500, 384), kLockerColor) << "the shadow";
     Screen needed = screen();
     needed.keepClear = {{400, 700 - 500, 200, 120}};  // from 380 pixels below the top

@@ -14,25 +14,16 @@ namespace quorvane {
 class DrawnScene {
 public:
     DrawnScene(CairoCanvas& canvas, const Scene& scene, Size size, double scale = 1)
-        : width_(static_cast<int>(std::lround(size.width * scale))),
-          height_(static_cast<int>(std::lround(size.height * scale))),
-          scale_(scale) {
-        CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width_, height_)};
-        cairo_surface_t* const kept = cairo_surface_reference(surface.get());
-        canvas.setTarget(std::move(surface));
-        canvas.draw(scene);
-        canvas.setTarget(nullptr);
-        cairo_surface_flush(kept);
-        const auto* const data =
-            reinterpret_cast<const std::uint32_t*>(cairo_image_surface_get_data(kept));
-        pixels_.assign(data, data + std::ptrdiff_t{width_} * height_);
-        cairo_surface_destroy(kept);
+        : scale_(scale),
+          pixels_(static_cast<int>(std::lround(size.width * scale)),
+                  static_cast<int>(std::lround(size.height * scale))) {
+        const CairoSurface surface = surfaceOver(pixels_);
+        const CairoContext cairo{cairo_create(surface.get())};
+        cairo_scale(cairo.get(), scale, scale);
+        canvas.drawOn(cairo.get(), scene);
     }
 
-    std::uint32_t at(int x, int y) const {
-        return pixels_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
-                       static_cast<std::size_t>(x)];
-    }
+    std::uint32_t at(int x, int y) const { return pixels_.at(x, y); }
     // The pixel at a place in points.
     std::uint32_t at(Point point) const {
         return at(static_cast<int>(point.x * scale_), static_cast<int>(point.y * scale_));
@@ -41,9 +32,9 @@ public:
 
     // What holds every pixel that is not clear, in points; empty when all are.
     Rect ink() const {
-        int left = width_, top = height_, right = 0, bottom = 0;
-        for (int y = 0; y < height_; ++y)
-            for (int x = 0; x < width_; ++x) {
+        int left = width(), top = height(), right = 0, bottom = 0;
+        for (int y = 0; y < height(); ++y)
+            for (int x = 0; x < width(); ++x) {
                 if (alphaAt(x, y) == 0) continue;
                 left = std::min(left, x), right = std::max(right, x + 1);
                 top = std::min(top, y), bottom = std::max(bottom, y + 1);
@@ -51,15 +42,13 @@ public:
         if (right <= left) return {};
         return {left / scale_, top / scale_, (right - left) / scale_, (bottom - top) / scale_};
     }
-    int width() const { return width_; }
-    int height() const { return height_; }
+    int width() const { return pixels_.width; }
+    int height() const { return pixels_.height; }
     bool operator==(const DrawnScene&) const = default;
 
 private:
-    int width_;
-    int height_;
     double scale_;
-    std::vector<std::uint32_t> pixels_;
+    Pixels pixels_;
 };
 
 inline bool contains(const Rect& outer, const Rect& inner) {

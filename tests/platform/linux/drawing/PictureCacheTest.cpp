@@ -61,12 +61,32 @@ Bytes bomb() {
     return encoded(surface.get());
 }
 
+// Pictures of 20,000 by as many pixels that their decoders would draw, though few are encoded.
+std::vector<Bytes> hugePictures() {
+    using namespace std::string_literals;
+    const std::string code = "\x01"s + std::string(16, '\0');
+    std::vector<Bytes> pictures;
+    for (
+        const std::string& bytes :
+        {"GIF89a\x20\x4E\x20\x4E\x80\0\0\0\0\0\xFF\xFF\xFF,\0\0\0\0\x20\x4E\x20\x4E\0\x02\x02\x4C\x01\0;"s,
+         "BM\x9A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x20\x4E\0\0\x20\x4E\0\0\x01\0\x18\0"s +
+             std::string(24, '\0') + std::string(100, '\x7F'),
+         "\xFF\xD8\xFF\xDB\0\x43\0"s + std::string(64, '\x01') +
+             "\xFF\xC0\0\x0B\x08\x4E\x20\x4E\x20\x01\x01\x11\0"s + "\xFF\xC4\0\x14\0"s + code +
+             "\xFF\xC4\0\x14\x10"s + code + "\xFF\xDA\0\x08\x01\x01\0\0\x3F\0"s +
+             std::string(50, '\0')})
+        pictures.push_back(copyOf(bytesOf(bytes)));
+    return pictures;
+}
+
 TEST(Pictures, AreNotDrawnWhenTheyCannotBeDecoded) {
     Bytes broken = stripes(300, 300, {kRed, kBlue});
     broken[broken.size() / 2] ^= std::byte{0xff};
     const Bytes huge = bomb();
     EXPECT_LT(huge.size(), 100'000u);
-    for (const Bytes& bytes : {Bytes{}, copyOf(bytesOf("no picture at all")), broken, huge}) {
+    std::vector<Bytes> all = hugePictures();
+    all.insert(all.end(), {Bytes{}, copyOf(bytesOf("no picture at all")), broken, huge});
+    for (const Bytes& bytes : all) {
         const ImageRef picture = image(bytes);
         EXPECT_TRUE(drawn(picture).ink().isEmpty());
         EXPECT_EQ(picture->state().get(), State::undecodable);

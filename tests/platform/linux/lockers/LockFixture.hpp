@@ -37,7 +37,7 @@ protected:
     void SetUp() override {
         ASSERT_NE(server.display(), "") << "Xvfb did not come up";
         client = std::make_unique<X11Client>(server.display());
-        services = std::make_unique<ServicesLinux>(log.sink());
+        services = std::make_unique<HeadlessPlatform>(log.sink());
     }
     void TearDown() override { stopWatching(); }
 
@@ -134,7 +134,7 @@ protected:
     PrivateXServer server{"1600x900x24"};
     RecordingLog log;
     std::unique_ptr<X11Client> client;
-    std::unique_ptr<ServicesLinux> services;
+    std::unique_ptr<HeadlessPlatform> services;
     std::unique_ptr<X11SessionLinux> session;
     std::unique_ptr<LockWatcherLinux> watcher;
     LockSources sources;

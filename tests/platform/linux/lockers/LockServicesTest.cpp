@@ -3,10 +3,10 @@
 
 #include <optional>
 
+#include "platform/linux/bus/BusConnection.hpp"
 #include "platform/linux/bus/LogindLinux.hpp"
 #include "platform/linux/bus/MotionSetting.hpp"
 #include "platform/linux/bus/ScreenSaverSignals.hpp"
-#include "platform/linux/bus/SystemBus.hpp"
 #include "platform/linux/x11/ToolkitSettings.hpp"
 #include "tests/support/FakeBusService.hpp"
 #include "tests/support/LoopRunner.hpp"

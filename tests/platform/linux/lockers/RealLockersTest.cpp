@@ -60,12 +60,9 @@ TEST_F(RealLockers, XscreensaverThatOnlyBlanksIsNoLock) {
     // The first number that the daemon publishes: an atom, 0 while the screen is in use, -1 before
     // there is a daemon.
     const auto status = [this]() -> std::int64_t {
-        const auto reply =
-            xcbReply(xcb_get_property_reply, client->connection(),
-                     xcb_get_property(client->connection(), false, client->root(),
-                                      client->atom("_SCREENSAVER_STATUS"), XCB_ATOM_INTEGER, 0, 1));
-        if (!reply || xcb_get_property_value_length(reply.get()) == 0) return -1;
-        return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+        const auto numbers = numbersOf(client->connection(), client->root(),
+                                       client->atom("_SCREENSAVER_STATUS"), XCB_ATOM_INTEGER);
+        return numbers.empty() ? -1 : std::int64_t{numbers.front()};
     };
     watch();
     home.write(".xscreensaver",

@@ -232,6 +232,12 @@ TEST(RemotePortLookup, LongFoldersAreReachedAllTheSame) {
     EXPECT_TRUE(std::filesystem::is_socket(path / kName));
 }
 
+sockaddr_un addressOf(const std::filesystem::path& path) {
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    path.native().copy(address.sun_path, sizeof address.sun_path - 1);
+    return address;
+}
+
 // Needs the rights to become somebody else.
 TEST(PeerCheck, TheOtherSideMustBeTheSameUser) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can play two users";
@@ -242,9 +248,9 @@ TEST(PeerCheck, TheOtherSideMustBeTheSameUser) {
     ForkedChild impostor{[&](const ForkedChild::Say& say) {
         if (setuid(kSomebodyElse) != 0) return 1;
         const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-        (folder / kName).native().copy(address.sun_path, sizeof address.sun_path - 1);
-        if (bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return 2;
+        const sockaddr_un address = addressOf(folder / kName);
+        if (bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+            return 2;
         listen(socket, 8);
         say("listens");
         pause();
@@ -266,9 +272,9 @@ TEST(PeerCheck, TheOtherSideMustBeTheSameUser) {
     ForkedChild stranger{[&](const ForkedChild::Say& say) {
         if (setuid(kSomebodyElse) != 0) return 1;
         const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-        (folder / "ours").native().copy(address.sun_path, sizeof address.sun_path - 1);
-        if (connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return 2;
+        const sockaddr_un address = addressOf(folder / "ours");
+        if (connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+            return 2;
         const Bytes asked = requestFrame(1, bytesOf("let me in"));
         if (send(socket, asked.data(), asked.size(), MSG_NOSIGNAL) < 0 && errno != EPIPE) return 3;
         std::byte answer;

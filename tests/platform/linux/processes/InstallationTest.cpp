@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "platform/linux/files/FileManagerLinux.hpp"
+#include "platform/linux/processes/DetachedProcess.hpp"
 #include "platform/linux/processes/LoginItemLinux.hpp"
 #include "platform/linux/processes/RunningApplicationsLinux.hpp"
 #include "tests/support/SmallBundle.hpp"
@@ -171,6 +172,48 @@ TEST_F(RunningApplicationsTest, WereLaunchedWhenTheirFirstThreadBegan) {
     isOver = true;
     isOver.notify_all();
     thread.join();
+}
+
+struct OpenApplicationTest : RunningApplicationsTest {
+    OpenApplicationTest() {
+        unsetenv("DISPLAY");
+        setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
+    }
+    ~OpenApplicationTest() override {
+        for (const std::int32_t pid : pids()) kill(pid, SIGKILL);
+    }
+};
+
+TEST_F(OpenApplicationTest, StartsWhatLivesOnItsOwn) {
+    fs::create_directory_symlink(folder / "X.app", folder / "link");
+    signal(SIGINT, SIG_IGN);  // as a script's background does
+    ASSERT_TRUE(openApplication(folder / "link", {"1000"}));
+    signal(SIGINT, SIG_DFL);
+    const auto copies = pids();
+    ASSERT_EQ(copies.size(), 1u) << "it has begun when the call returns";
+    const auto process = fs::path{"/proc"} / std::to_string(copies[0]);
+    EXPECT_EQ(waitpid(copies[0], nullptr, WNOHANG), -1) << "it is no child of ours";
+    EXPECT_NE(getsid(copies[0]), getsid(0));
+    for (const char* standard : {"fd/0", "fd/1", "fd/2"})
+        EXPECT_EQ(fs::read_symlink(process / standard), "/dev/null");
+    EXPECT_EQ(fs::read_symlink(process / "cwd"), "/");
+    makeRunningApplications().terminate(copies[0]);
+    EXPECT_TRUE(finds({})) << "the interrupt is not ignored";
+}
+
+TEST_F(OpenApplicationTest, SaysWhatIsWrong) {
+    const auto fails = [&](const fs::path& bundle, const std::string& words) {
+        const auto opened = openApplication(bundle, {});
+        ASSERT_FALSE(opened);
+        EXPECT_NE(opened.error().description.find(words), std::string::npos)
+            << opened.error().description;
+    };
+    fails("/none.app", "/none.app: No such file or directory");
+    fails(folder.path(), "not an application");
+    folder.write("X.app/Contents/Linux/Sleeper", "no program");
+    fails(folder / "X.app", "Exec format error");
+    fs::remove(folder / "X.app/Contents/Linux/Sleeper");
+    fails(folder / "X.app", "Contents/Linux/Sleeper: No such file or directory");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/linux/services/ServicesLinux.hpp"
+#include "platform/linux/services/HeadlessPlatform.hpp"
 #include "tests/support/ForkedChild.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
@@ -30,7 +30,7 @@ int runProgram(const ForkedChild::Say& say, const TemporaryFolder& folder) {
         [&] {
             timer = services.clock.after(std::chrono::milliseconds{1}, [&] {
                 EXPECT_TRUE(queue->async([&] {
-                    services.mainThread.post([&] { ServicesLinux::of(services).fail(3); });
+                    services.mainThread.post([&] { HeadlessPlatform::of(services).loop.quit(3); });
                 }));
             });
         },
