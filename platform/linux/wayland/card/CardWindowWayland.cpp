@@ -3,7 +3,7 @@
 #include <cmath>
 #include <utility>
 
-#include "drawing/pictures/CardOutline.hpp"
+#include "drawing/pictures/CardShape.hpp"
 #include "lockers/GreeterZones.hpp"
 
 namespace quorvane {
@@ -275,7 +275,8 @@ void CardWindowWayland::report(const std::optional<PointerEvent>& event) {
                              style.card.height + style.shadowMargin - event.location.y};
         const auto observer = mouseDownObserver_;
         if (event.kind == PointerEvent::Kind::down && observer) observer(inWindow);
-        content->deliver(event);
+        const auto pointer = content->events().pointer;
+        if (pointer) pointer(event);
     });
 }
 
@@ -301,13 +302,17 @@ Point CardWindowWayland::accessibleOrigin() const {
 
 void CardWindowWayland::perform(SceneControl::ID control, AccessibilityAction action) {
     post([control, action, stage = std::weak_ptr{stage_}] {
-        if (const auto content = stage.lock()) content->perform(control, action);
+        const auto content = stage.lock();
+        const auto perform = content ? content->events().accessibility : nullptr;
+        if (perform) perform(control, action);
     });
 }
 
 void CardWindowWayland::setNumber(SceneControl::ID control, double number) {
     post([control, number, stage = std::weak_ptr{stage_}] {
-        if (const auto content = stage.lock()) content->setNumber(control, number);
+        const auto content = stage.lock();
+        const auto setNumber = content ? content->events().accessibilityNumber : nullptr;
+        if (setNumber) setNumber(control, number);
     });
 }
 
