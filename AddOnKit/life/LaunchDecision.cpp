@@ -30,9 +30,9 @@ void clearForeignRemoval(const LaunchInputs& launch) {
 // fails, the first hello supersedes the request.
 void voidRemovalRequest(const LaunchInputs& launch) {
     if (!launch.sharedDefaults) return;
-    for (const SharedDefaultsKey key : {SharedDefaultsKey::lockScreenRemovalRequested,
-                                        SharedDefaultsKey::lockScreenRemovalTargetInstallID})
-        launch.sharedDefaults->set(std::string{rawValue(key)}, std::nullopt);
+    for (const char* const key : {SharedDefaultsKey::lockScreenRemovalRequested,
+                                  SharedDefaultsKey::lockScreenRemovalTargetInstallID})
+        launch.sharedDefaults->set(key, std::nullopt);
     if (const auto written = launch.sharedDefaults->synchronize(); !written)
         launch.log.error("launch: the removal request was not cleared: %{public}s",
                          errorText(written.error()));

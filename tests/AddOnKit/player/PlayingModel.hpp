@@ -2,7 +2,7 @@
 #pragma once
 
 #include "AddOnKit/player/PlayerModel.hpp"
-#include "drawing/Canvas.hpp"
+#include "drawing/Scene.hpp"
 #include "tests/support/ManualClock.hpp"
 
 namespace quorvane {
