@@ -15,9 +15,6 @@ constexpr double kPromptWidth = 330;
 constexpr Size kClock{520, 150};
 constexpr double kFooter = 48;  // the virtual keyboard, the layout, the battery
 
-// The ring or the field of the lockers that draw one in the middle.
-constexpr Size kField{420, 190};
-
 Rect centred(const Rect& output, double width, double top, double bottom) {
     return {output.midX() - width / 2, top, width, bottom - top};
 }
@@ -26,10 +23,7 @@ Rect turnedOver(const Rect& rect) { return {rect.x, -rect.maxY(), rect.width, re
 
 }  // namespace
 
-std::vector<Rect> greeterZones(WaylandDoor door, const Rect& output) {
-    if (door != WaylandDoor::kdeOverlay)
-        return {centred(output, kField.width, output.midY() - kField.height / 2,
-                        output.midY() + kField.height / 2)};
+std::vector<Rect> greeterZones(const Rect& output) {
     const double middle = output.midY() + kMiddleLine;
     const double clock = (output.minY() + middle - kPictureHeight) / 2;
     return {
@@ -39,10 +33,9 @@ std::vector<Rect> greeterZones(WaylandDoor door, const Rect& output) {
     };
 }
 
-Screen screenOfOutput(WaylandDoor door, const Rect& output, double scale) {
+Screen screenOfOutput(const Rect& output, double scale) {
     Screen screen{turnedOver(output), scale, {}};
-    for (const Rect& zone : greeterZones(door, output))
-        screen.keepClear.push_back(turnedOver(zone));
+    for (const Rect& zone : greeterZones(output)) screen.keepClear.push_back(turnedOver(zone));
     return screen;
 }
 

@@ -1,20 +1,19 @@
-// The areas that a Wayland lock screen needs. No compositor tells them, so they are known from the
-// lock screens themselves. Pure values.
+// The areas that KDE Plasma's lock screen on Wayland needs. The compositor does not tell them, so
+// they are known from the lock screen itself. Pure values.
 #pragma once
 
 #include <vector>
 
 #include "drawing/Screens.hpp"
 #include "drawing/pictures/Pixels.hpp"
-#include "lockers/WaylandDoors.hpp"
 
 namespace quorvane {
 
 // `output` and the zones are in logical pixels, y growing downward.
-std::vector<Rect> greeterZones(WaylandDoor door, const Rect& output);
+std::vector<Rect> greeterZones(const Rect& output);
 
 // The screen of an output, with its zones. Points are logical pixels; y is turned over.
-Screen screenOfOutput(WaylandDoor door, const Rect& output, double scale);
+Screen screenOfOutput(const Rect& output, double scale);
 // A frame's place on the screen's output, in whole logical pixels from its top left.
 PixelRect placeOnOutput(const Rect& frame, const Screen& screen);
 

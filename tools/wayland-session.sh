@@ -11,6 +11,8 @@ begin_compositor() {
         echo "$kind required $modules/pam_matrix.so passdb=$session/passdb"
     done >"$session/pam/kde"
     echo "$(id -un):quorvane:kde" >"$session/passdb"
+    # By default a key unlocks without a password in the first seconds.
+    printf '[Daemon]\nLockGrace=0\n' >"$session/config/kscreenlockerrc"
     export XDG_CACHE_HOME=$session/cache XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=KDE
     export KWIN_COMPOSE=Q QT_QUICK_BACKEND=software  # without a GPU
     background compositor env LD_PRELOAD=libpam_wrapper.so PAM_WRAPPER=1 PAM_WRAPPER_SERVICE_DIR="$session/pam" \

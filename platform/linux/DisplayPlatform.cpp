@@ -108,15 +108,14 @@ Result<Display> openX11(const LiveServices& services) {
         .session = x11};
 }
 
-Display openWayland(const LiveServices& services, WaylandDoor door) {
+Display openWayland(const LiveServices& services) {
     const Logger log{services.log, kPlatformSubsystem, "wayland"};
     const std::filesystem::path program = besideExecutable(kSurfaceProgram);
-    if (door == WaylandDoor::kdeOverlay)
-        if (const auto permitted = permitAboveLock(program, services.process); !permitted)
-            log.error("wayland: no permission to stand above the lock screen: %{public}s",
-                      errorText(permitted.error()));
-    const auto wayland = std::make_shared<WaylandSessionLinux>(HeadlessPlatform::of(services).loop,
-                                                               door, program, log);
+    if (const auto permitted = permitAboveLock(program, services.process); !permitted)
+        log.error("wayland: no permission to stand above the lock screen: %{public}s",
+                  errorText(permitted.error()));
+    const auto wayland =
+        std::make_shared<WaylandSessionLinux>(HeadlessPlatform::of(services).loop, program, log);
     return {.screens = wayland->screens(),
             .toolkitAnimates = [] { return std::nullopt; },
             .lockChanged = [&w = *wayland](bool isLocked) { w.setLocked(isLocked); },
@@ -145,8 +144,7 @@ Result<Display> openDisplay(const LiveServices& services) {
         return std::unexpected(PlatformError{PlatformError::Domain::service, 0, *problem});
     if (problem)
         Logger{services.log, kPlatformSubsystem, "wayland"}.error("wayland: %{public}s", *problem);
-    if (!problem && isWaylandSession(session))
-        return openWayland(services, waylandDoorOf(session.desktop));
+    if (!problem && isWaylandSession(session)) return openWayland(services);
     return openX11(services);
 }
 

@@ -46,6 +46,8 @@ protected:
                        " required " PAM_WRAPPER_MODULES "/pam_matrix.so passdb=" +
                        (folder / "passdb").string() + "\n";
         folder.write("pam/kde", service);
+        // By default a key unlocks without a password in the first seconds.
+        folder.write("config/kscreenlockerrc", "[Daemon]\nLockGrace=0\n");
         folder.write("passdb", "root:" + std::string{kPassword} + ":kde\n");
         auto variables = session.environment();
         variables.insert(variables.end(), {"KWIN_COMPOSE=Q", "QT_QUICK_BACKEND=software",
@@ -53,7 +55,7 @@ protected:
                                            "PAM_WRAPPER_SERVICE_DIR=" + (folder / "pam").string(),
                                            "XDG_CACHE_HOME=" + (folder / "cache").string()});
         compositor = LoggedProcess{{program.string(), "--x11-display", session.x().display(),
-                                    "--width", "1280", "--height", "800", "--socket", kSocket},
+                                    "--width", "1920", "--height", "1080", "--socket", kSocket},
                                    variables};
     }
     int screenSaver(const std::string& method) {
@@ -65,7 +67,7 @@ protected:
     }
     // The card has entered when this returns.
     void lock() {
-        xdotool({"mousemove", "640", "780"});
+        xdotool({"mousemove", "960", "1000"});
         ASSERT_EQ(screenSaver("Lock"), 0) << compositor.log();
         ASSERT_TRUE(addOn.says("lockui: shown")) << addOn.log();
         card = LockSession::nextCard(addOn);
@@ -78,14 +80,14 @@ protected:
     }
     // The glass is darker than everything of the lock screen there.
     bool isCardSeen() const {
-        const Rect glass{card.frame.x + 52 + 80, card.frame.y + 52 + 90, 240, 8};
+        const Rect glass{card.frame.x + 52 + 80, card.frame.y + 52 + 109, 240, 8};
         const auto pixels = Screenshot::take(probe.connection(), glass).pixels;
         return std::ranges::all_of(pixels, [](std::uint32_t pixel) {
             return (pixel >> 8 & 0xff) < 60 && (pixel & 0xff) < 60;
         });
     }
     std::vector<std::uint32_t> prompt() const {
-        return Screenshot::take(probe.connection(), {500, 465, 220, 30}).pixels;
+        return Screenshot::take(probe.connection(), {830, 600, 220, 40}).pixels;
     }
     // The processes with the card's surfaces.
     int surfaceProcesses() const {
@@ -101,7 +103,7 @@ protected:
                std::chrono::steady_clock::now() - begin < 2s;
     }
 
-    LockSession session{"1280x800x24"};
+    LockSession session;  // 1920 × 1080
     X11Client probe = session.probe();
     LoggedProcess compositor;
     LoggedProcess host;

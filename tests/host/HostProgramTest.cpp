@@ -30,6 +30,7 @@ protected:
                 "HOME=" + folder.path().string(),
                 "DISPLAY=",
                 "WAYLAND_DISPLAY=",
+                "XDG_CURRENT_DESKTOP=",
                 "XDG_RUNTIME_DIR=" + folder.path().string(),
                 "XDG_CONFIG_HOME=" + (folder / "config").string(),
                 "XDG_DATA_HOME=" + (folder / "data").string(),
@@ -79,8 +80,8 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
               "Card:    on\n"
               "Install: not installed (run: quorvane-host install)\n"
               "Add-on:  not running; never seen\n"
-              "Session: there is no X11 session to show a card in: DISPLAY is not set; use a "
-              "terminal of the X11 session\n");
+              "Session: there is no session to show a card in: neither WAYLAND_DISPLAY nor DISPLAY "
+              "is set; use a terminal of the session\n");
     const auto secret = folder / "data/group.example.quillon.Quorvane/ipc-secret";
     EXPECT_EQ(modeOf(secret), 0600);
     EXPECT_EQ(file_size(secret), 32u);
@@ -121,7 +122,7 @@ TEST_F(HostProgramTest, SaysWhatTheSessionLacks) {
     const std::pair<std::string, const char*> rows[] = {
         {noFolder, "Session: there is no runtime folder"},
         {"DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent", "Session: there is no session bus"},
-        {"WAYLAND_DISPLAY=wayland-0", "Session: this is a Wayland session"}};
+        {"WAYLAND_DISPLAY=wayland-0", "Session: no card can appear: this Wayland compositor"}};
     for (const auto& [variable, line] : rows)
         EXPECT_NE(run({"status"}, variable).text.find(line), std::string::npos) << line;
     folder.write("example.quillon.Quorvane", "a file");

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "lockers/WaylandDoors.hpp"
+#include "lockers/WaylandSessions.hpp"
 
 namespace quorvane {
 

@@ -43,13 +43,12 @@ struct SpawnSettings {
 
 Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(EventLoop& loop,
                                                               const std::filesystem::path& program,
-                                                              std::string nameSpace,
                                                               Events events) {
     auto ends = MessageSocket::makePair();
     if (!ends) return posixError("socket");
     const SpawnSettings settings{ends->second.get()};
     std::string name = program.string();
-    char* arguments[] = {name.data(), nameSpace.data(), nullptr};
+    char* arguments[] = {name.data(), nullptr};
     pid_t pid = 0;
     const int failure = posix_spawn(&pid, program.c_str(), &settings.files, &settings.attributes,
                                     arguments, environ);

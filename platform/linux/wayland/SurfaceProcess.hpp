@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <string>
 
 #include "platform/PlatformError.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
@@ -25,7 +24,7 @@ public:
 
     static Result<std::unique_ptr<SurfaceProcess>> start(EventLoop& loop,
                                                          const std::filesystem::path& program,
-                                                         std::string nameSpace, Events events);
+                                                         Events events);
     ~SurfaceProcess();
     SurfaceProcess(const SurfaceProcess&) = delete;
     SurfaceProcess& operator=(const SurfaceProcess&) = delete;

@@ -18,13 +18,8 @@ Rect rectOf(const PixelRect& rect) {
 
 }  // namespace
 
-WaylandSessionLinux::WaylandSessionLinux(EventLoop& loop, WaylandDoor door,
-                                         std::filesystem::path program, Logger log)
-    : loop_(loop),
-      clock_(loop.clock()),
-      door_(door),
-      program_(std::move(program)),
-      log_(std::move(log)) {}
+WaylandSessionLinux::WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, Logger log)
+    : loop_(loop), clock_(loop.clock()), program_(std::move(program)), log_(std::move(log)) {}
 
 void WaylandSessionLinux::setLocked(bool isLocked) {
     restart_.reset();
@@ -37,7 +32,7 @@ void WaylandSessionLinux::setLocked(bool isLocked) {
 
 void WaylandSessionLinux::start() {
     auto process =
-        SurfaceProcess::start(loop_, program_, waylandNamespace(door_),
+        SurfaceProcess::start(loop_, program_,
                               {.message = [this](const FromSurface& message) { handle(message); },
                                .ended = [this] { ended(); }});
     if (process)
@@ -101,7 +96,7 @@ void WaylandSessionLinux::outputChanged(const FromSurface& message) {
 }
 
 void WaylandSessionLinux::ready(bool hasKdeOverlay) {
-    if (door_ == WaylandDoor::kdeOverlay && !hasKdeOverlay)
+    if (!hasKdeOverlay)
         return log_.error(
             "wayland: KDE Plasma does not let the card above its lock screen; run: quorvane-host "
             "install");
@@ -113,7 +108,7 @@ std::vector<Screen> WaylandSessionLinux::list() const {
     std::vector<Screen> screens;
     if (!isReady_) return screens;
     for (const Output& output : outputs_)
-        screens.push_back(screenOfOutput(door_, output.place, output.scale));
+        screens.push_back(screenOfOutput(output.place, output.scale));
     return screens;
 }
 

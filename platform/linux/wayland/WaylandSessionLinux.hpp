@@ -6,7 +6,6 @@
 #include <memory>
 #include <vector>
 
-#include "lockers/WaylandDoors.hpp"
 #include "platform/Clock.hpp"
 #include "platform/Listeners.hpp"
 #include "platform/Log.hpp"
@@ -20,8 +19,7 @@ namespace quorvane {
 // are no screens.
 class WaylandSessionLinux : public WaylandSession {
 public:
-    WaylandSessionLinux(EventLoop& loop, WaylandDoor door, std::filesystem::path program,
-                        Logger log);
+    WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, Logger log);
 
     // The lock has begun or ended. The end takes every surface away at once.
     void setLocked(bool isLocked);
@@ -51,7 +49,6 @@ private:
 
     EventLoop& loop_;
     Clock clock_;
-    WaylandDoor door_;
     std::filesystem::path program_;
     Logger log_;
     std::unique_ptr<SurfaceProcess> process_;

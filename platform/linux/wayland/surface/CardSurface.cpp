@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::int32_t kBesidePanels = -1;  // panels and docks do not move the surface
 constexpr std::uint32_t kNoKeyboard = 0;
+constexpr char kNamespace[] = "quorvane-card";
 
 std::uint32_t lengthOf(int length) { return static_cast<std::uint32_t>(std::max(1, length)); }
 
@@ -18,8 +19,8 @@ void addTo(wl_region* region, const PixelRects& parts) {
 
 }  // namespace
 
-CardSurface::CardSurface(const SurfaceGlobals& globals, const char* nameSpace, wl_output* output,
-                         const ToSurface& request, FileDescriptor memory, Report report)
+CardSurface::CardSurface(const SurfaceGlobals& globals, wl_output* output, const ToSurface& request,
+                         FileDescriptor memory, Report report)
     : compositor_(globals.compositor.get()),
       number_(request.surface),
       report_(std::move(report)),
@@ -28,7 +29,7 @@ CardSurface::CardSurface(const SurfaceGlobals& globals, const char* nameSpace, w
     makePictures(globals.shm.get(), request, memory);
     layer_.reset(zwlr_layer_shell_v1_get_layer_surface(globals.layerShell.get(), surface_.get(),
                                                        output, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY,
-                                                       nameSpace));
+                                                       kNamespace));
     zwlr_layer_surface_v1_add_listener(layer_.get(), &kListener, this);
     const PixelRect& place = request.place;
     zwlr_layer_surface_v1_set_size(layer_.get(), lengthOf(place.width), lengthOf(place.height));

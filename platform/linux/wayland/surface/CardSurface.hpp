@@ -25,8 +25,8 @@ class CardSurface {
 public:
     using Report = std::function<void(FromSurface)>;
 
-    CardSurface(const SurfaceGlobals& globals, const char* nameSpace, wl_output* output,
-                const ToSurface& request, FileDescriptor memory, Report report);
+    CardSurface(const SurfaceGlobals& globals, wl_output* output, const ToSurface& request,
+                FileDescriptor memory, Report report);
     CardSurface(const CardSurface&) = delete;
     CardSurface& operator=(const CardSurface&) = delete;
 

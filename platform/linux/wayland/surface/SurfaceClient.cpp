@@ -37,9 +37,6 @@ const wl_registry_listener SurfaceClient::kRegistryListener{
                         std::uint32_t name) { static_cast<SurfaceClient*>(self)->vanished(name); },
 };
 
-SurfaceClient::SurfaceClient(MessageSocket socket, std::string nameSpace)
-    : socket_(std::move(socket)), nameSpace_(std::move(nameSpace)) {}
-
 void SurfaceClient::run() {
     if (!connect()) return fail("the compositor cannot be reached");
     for (;;) {
@@ -134,8 +131,7 @@ void SurfaceClient::open(const ToSurface& request, FileDescriptor memory) {
     const auto output = std::ranges::find(outputs_, request.output, &OutputInfo::name);
     if (output == outputs_.end() || request.width <= 0 || request.height <= 0)
         return send({.kind = FromSurface::Kind::closed, .surface = request.surface});
-    surfaces_.emplace_back(globals_, nameSpace_.c_str(), output->output(), request,
-                           std::move(memory),
+    surfaces_.emplace_back(globals_, output->output(), request, std::move(memory),
                            [this](const FromSurface& message) { send(message); });
 }
 

@@ -4,7 +4,7 @@
 
 #include <list>
 #include <memory>
-#include <string>
+#include <utility>
 
 #include "platform/linux/wayland/messages/MessageSocket.hpp"
 #include "platform/linux/wayland/surface/CardSurface.hpp"
@@ -15,7 +15,7 @@ namespace quorvane {
 
 class SurfaceClient {
 public:
-    SurfaceClient(MessageSocket socket, std::string nameSpace);
+    explicit SurfaceClient(MessageSocket socket) : socket_(std::move(socket)) {}
 
     // Returns when one of the two connections has ended. The compositor then removes the surfaces.
     void run();
@@ -45,7 +45,6 @@ private:
     static const wl_registry_listener kRegistryListener;
 
     MessageSocket socket_;
-    std::string nameSpace_;
     // The display ends last.
     Wayland<wl_display> display_;
     Wayland<wl_registry> registry_;

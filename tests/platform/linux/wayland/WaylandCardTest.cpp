@@ -66,8 +66,7 @@ protected:
     EventLoop loop;
     RecordingLog log;
     std::optional<TestCompositor> compositor{std::in_place, loop};
-    WaylandSessionLinux session{loop, WaylandDoor::kdeOverlay, SURFACE_PROGRAM,
-                                Logger{log.sink(), "", "wayland"}};
+    WaylandSessionLinux session{loop, SURFACE_PROGRAM, Logger{log.sink(), "", "wayland"}};
     std::shared_ptr<WaylandCardResources> resources{
         new WaylandCardResources{.session = session,
                                  .clock = loop.clock(),
@@ -248,7 +247,7 @@ TEST_F(WaylandCard, EndsWithinTwoSecondsOfTheLastBeat) {
     bool isReady = false;
     bool hasEnded = false;
     const auto process =
-        SurfaceProcess::start(loop, SURFACE_PROGRAM, "quorvane-card",
+        SurfaceProcess::start(loop, SURFACE_PROGRAM,
                               {.message =
                                    [&](const FromSurface& message) {
                                        if (message.kind == FromSurface::Kind::output)
