@@ -164,7 +164,17 @@ void CardWindowController::screensChanged() {
     log_.info("screens changed: %ld screen(s), %ld window(s), windows wanted %{bool}d",
               static_cast<long>(services_.screens.list().size()),
               static_cast<long>(entries_.size()), state_.windowsWanted());
+    if (stillFits()) return;
     apply(CardWindowSync::rebuildSteps(state_, standing()), "screens changed");
+}
+
+// One reconfiguration causes a burst of notices. A rebuild for each would end a press or a drag.
+bool CardWindowController::stillFits() const {
+    return !entries_.empty() && std::ranges::equal(entries_, services_.screens.list(),
+                                                   [](const Entry& entry, const Screen& screen) {
+                                                       return entry.screen.frame == screen.frame &&
+                                                              entry.screen.scale == screen.scale;
+                                                   });
 }
 
 // Moves the windows out of the way of a prompt, and back. If a card gains or loses its only place,

@@ -62,6 +62,8 @@ private:
     void closeAll(std::string_view reason);
     void beginActivity();
     void screensChanged();
+    // Whether each screen has a window that was built for its frame and scale.
+    bool stillFits() const;
     void keepClearChanged();
 
     MakeContent makeContent_;

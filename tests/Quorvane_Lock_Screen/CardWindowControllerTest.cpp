@@ -172,6 +172,8 @@ TEST_F(CardWindowControllerTest, ReducedMotionFadesWithoutASpring) {
 TEST_F(CardWindowControllerTest, AScreenChangeRebuildsWithoutASecondEntrance) {
     controller_->present(kPlaying);
     mainThread_.run();
+    screens_.changed();  // the same screens again
+    EXPECT_EQ(windows_.windows.size(), 2u);
     log_.take();
     screens_.list.pop_back();
     screens_.changed();

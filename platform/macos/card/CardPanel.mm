@@ -15,6 +15,9 @@
 }
 
 - (void)sendEvent:(NSEvent*)event {
+    // The handlers may close and release this window. The system goes on using it and its views.
+    __attribute__((objc_precise_lifetime)) CardPanel* const window = self;
+    __attribute__((objc_precise_lifetime)) NSView* const content = window.contentView;
     const NSEventType type = event.type;
     if (type == NSEventTypeLeftMouseDown || type == NSEventTypeLeftMouseUp)
         _onPrimaryButton(type, event.locationInWindow);

@@ -50,9 +50,12 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     for (const quorvane::Rect& area : quorvane::changedAreas(scene_, scene))
         [self setNeedsDisplayInRect:cgRect(area)];
     const auto changes = quorvane::accessibilityChanges(scene_.controls, scene.controls);
+    // Most scenes, many in a second while a text scrolls, have the labels and controls of the last.
+    const bool isRenamed = scene.label != scene_.label;
+    const bool hasOtherControls = scene.controls != scene_.controls;
     scene_ = scene;
-    self.accessibilityLabel = quorvane::stringFrom(scene.label);
-    [self updateControlElements];
+    if (isRenamed) self.accessibilityLabel = quorvane::stringFrom(scene.label);
+    if (hasOtherControls) [self updateControlElements];
     for (const quorvane::AccessibilityChange& change : changes) {
         const auto element = elements_.find(change.control);
         // For an added or removed control, the subject is the whole card.
