@@ -4,38 +4,17 @@
 #include "platform/linux/wayland/card/CardWindowWayland.hpp"
 
 namespace quorvane {
-namespace {
-
-std::shared_ptr<WaylandCardResources> makeResources(const WaylandCardServices& services) {
-    std::shared_ptr<WaylandCardResources> resources{new WaylandCardResources{
-        .session = services.session,
-        .clock = services.clock,
-        .mainThread = services.mainThread,
-        .log = Logger{services.log, "example.quillon.Quorvane.Platform", "windows"},
-        .accessibility = services.accessibility}};
-    if (!services.makeSerialQueue) {
-        resources->pictures = std::make_shared<PictureCache>();
-        return resources;
-    }
-    resources->pictures = std::make_shared<PictureCache>(
-        services.makeSerialQueue("example.quillon.Quorvane.LockScreenAddOn.pictures"),
-        services.mainThread, [weak = std::weak_ptr{resources}] {
-            if (const auto held = weak.lock()) held->picturesArrived.call();
-        });
-    return resources;
-}
-
-}  // namespace
-
 extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeWaylandCardWindows(
     const WaylandCardServices& services) {
-    const auto resources = makeResources(services);
+    const auto resources = CardResources::make(services.clock, services.mainThread, services.log,
+                                               services.makeSerialQueue, services.accessibility);
     CardWindows windows;
-    windows.makeWindow = [resources](const WindowSettings& settings, const Screen& screen) {
-        return std::make_unique<CardWindowWayland>(resources, settings, screen);
+    windows.makeWindow = [&session = services.session, resources, made = 0L](
+                             const WindowSettings& settings, const Screen& screen) mutable {
+        return std::make_unique<CardWindowWayland>(session, resources, settings, screen, ++made);
     };
     windows.makeStage = [](const CardStyle& style) {
-        return std::make_shared<CardStageX11>(style);
+        return std::make_shared<CardStageLinux>(style);
     };
     windows.measureText = makeMeasureText();
     return windows;

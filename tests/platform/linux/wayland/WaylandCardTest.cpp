@@ -40,12 +40,12 @@ protected:
     void open() {
         const Screen screen = session.screens().list().front();
         window = std::make_unique<CardWindowWayland>(
-            resources,
+            session, resources,
             WindowSettings{
                 .frame = {screen.frame.minX() + 10, screen.frame.maxY() - 326 - 20, 504, 326},
                 .alpha = 1,
                 .ignoresMouseEvents = false},
-            screen);
+            screen, 1);
         stage->setEvents(
             {.pointer = [this](const PointerEvent& event) { presses.push_back(event); },
              .accessibility = nullptr});
@@ -67,13 +67,9 @@ protected:
     RecordingLog log;
     std::optional<TestCompositor> compositor{std::in_place, loop};
     WaylandSessionLinux session{loop, SURFACE_PROGRAM, Logger{log.sink(), "", "wayland"}};
-    std::shared_ptr<WaylandCardResources> resources{
-        new WaylandCardResources{.session = session,
-                                 .clock = loop.clock(),
-                                 .mainThread = loop.mainThread(),
-                                 .log = Logger{log.sink(), "", "windows"},
-                                 .pictures = std::make_shared<PictureCache>()}};
-    std::shared_ptr<CardStageX11> stage = std::make_shared<CardStageX11>(kStyle);
+    std::shared_ptr<CardResources> resources =
+        CardResources::make(loop.clock(), loop.mainThread(), log.sink(), nullptr, nullptr);
+    std::shared_ptr<CardStageLinux> stage = std::make_shared<CardStageLinux>(kStyle);
     std::vector<PointerEvent> presses;
     std::unique_ptr<CardWindowWayland> window;
 };
