@@ -68,9 +68,12 @@ void MessagePortClient::stop() {
 void MessagePortClient::connect() {
     ++portAttempts_;
     if (localResponder_) return;
+    // First, because on macOS both ports of one name would be the same object.
+    remotePort_.reset();
     auto port = services_.connectPort(portBaseName_);
     if (port == nullptr) {
         log_.error("Message port not available");
+        isConnected_.set(false);
         return;
     }
     const auto life = life_.watch();

@@ -232,6 +232,19 @@ void tone(GlassPicture& glass, const PixelRect& card, double textBottom, double 
 
 }  // namespace
 
+// How dark a black tint over white must be for the card's faintest text.
+double darkTintOpacity() {
+    const auto& linear = linearValues();
+    const auto contrast = [&](std::size_t grey) {
+        const auto text =
+            static_cast<std::size_t>(std::lround(grey + (255.0 - grey) * kTextOpacity));
+        return (linear[text] + 0.05) / (linear[grey] + 0.05);
+    };
+    std::size_t grey = 255;
+    while (contrast(grey) < kTextContrast) --grey;
+    return 1 - static_cast<double>(grey) / 255;
+}
+
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
                        double scale) {
     const int step = stepAt(scale);

@@ -7,6 +7,9 @@
 
 namespace quorvane {
 
+// The opacity of a black tint that is just dark enough for the card's faintest text on white.
+double darkTintOpacity();
+
 // `card` is the part of the backdrop, in its pixels, that the glass will cover. Down to
 // `textBottom` points below its top, the card's faintest text has a contrast of at least 4.5 on
 // each pixel. Further down the glass is lighter; plain white and the volume's fill have at least 3.

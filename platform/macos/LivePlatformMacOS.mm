@@ -1,16 +1,8 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 // The live tables that the card needs.
 #include "platform/LivePlatform.hpp"
-#include "platform/macos/card/CardWindowsMacOS.hpp"
-#include "platform/macos/card/LocalizationMacOS.hpp"
-#include "platform/macos/card/PicturesMacOS.hpp"
-#include "platform/macos/card/ScreensMacOS.hpp"
-#include "platform/macos/foundation/DynamicLoaderMacOS.hpp"
-#include "platform/macos/services/LockSourcesMacOS.hpp"
-#include "platform/macos/services/ProcessInfoMacOS.hpp"
+#include "platform/macos/card/CardMacOS.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 namespace quorvane {
 

@@ -1,12 +1,10 @@
 # The platform files, one list per folder. Used by the macOS edition and by the tests that run the files on Linux.
 set(QUORVANE_MACOS_FOUNDATION
-    foundation/DynamicLoaderMacOS.mm
     foundation/FoundationValues.mm
     foundation/Observation.mm
 )
 set(QUORVANE_MACOS_FILES
     files/BundleFilesMacOS.mm
-    files/BundlePropertiesMacOS.mm
     files/FilesMacOS.mm
     ../posix/RegularFilesPosix.cpp
     files/UserDefaultsMacOS.mm
@@ -16,20 +14,14 @@ set(QUORVANE_MACOS_SERVICES
     services/ClockMacOS.mm
     services/DarwinNoticesMacOS.mm
     services/DistributedNoticesMacOS.mm
-    services/FileManagerMacOS.mm
+    services/EmptyServicesMacOS.cpp
     services/InstallationMacOS.mm
     services/LockSourcesMacOS.mm
     services/LiveServicesMacOS.mm
     services/LogMacOS.mm
-    services/LoginItemMacOS.mm
-    services/MainThreadMacOS.mm
-    services/MediaPlayersMacOS.cpp
     services/OSLogBuffer.cpp
-    services/OpenApplicationMacOS.mm
     services/ProcessInfoMacOS.mm
-    services/RunningApplicationsMacOS.mm
-    services/SerialQueueMacOS.mm
-    services/SessionProblemsMacOS.cpp
+    services/QueuesMacOS.mm
     services/SignalSource.mm
     services/ToolMacOS.mm
 )
@@ -46,6 +38,7 @@ set(QUORVANE_MACOS_CARD
     card/CardWindowMacOS.mm
     card/CardWindowsMacOS.mm
     card/CoreGraphicsCanvas.mm
+    card/DynamicLoaderMacOS.mm
     card/FirstMouseHostingView.mm
     card/LocalizationMacOS.mm
     card/PicturesMacOS.mm

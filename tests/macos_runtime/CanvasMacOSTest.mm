@@ -3,9 +3,8 @@
 
 #import <ImageIO/ImageIO.h>
 
-#include "platform/macos/card/CardWindowsMacOS.hpp"
-#include "platform/macos/card/DecodedImage.hpp"
-#include "platform/macos/card/PicturesMacOS.hpp"
+#include "platform/macos/card/CardMacOS.hpp"
+#include "platform/macos/card/CoreGraphicsValues.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
 #include "tests/support/ManualClock.hpp"

@@ -47,6 +47,10 @@ TEST_F(CardViewsTest, ArePutTogetherFromTheBack) {
 
 TEST_F(CardViewsTest, TheShadowFallsAroundTheCardOnly) {
     EXPECT_EQ(([shadow_ hitTest:{100, 100}]), nil);
+    NSWindow* const window = [NSWindow new];
+    macrt::setAnswer(window, "backingScaleFactor", 2);
+    macrt::setAnswer(shadow_, "window", window);
+    [shadow_ viewDidChangeBackingProperties];
     [shadow_ layout];
 }
 
@@ -54,7 +58,7 @@ TEST_F(CardViewsTest, SpringInFromALittleBelow) {
     macrt::setAnswer("CASpringAnimation.settlingDuration", 0.8125);
     stage_->setHidden(false);
     stage_->removeAnimations();
-    stage_->springFrom({.scale = 0.94, .centre = {252, 163}, .offset = {0, 12}},
+    stage_->springFrom({.scale = 0.94, .centre = {252, 163}, .offset = {5, 12}},
                        {.perceptualDuration = 0.5, .bounce = 0.05});
 }
 
@@ -129,6 +133,7 @@ TEST_F(CardViewsTest, HaveAnElementForEveryControl) {
         NSAccessibilityElement* const button = macrt::itemsOf(children)[0];
         NSAccessibilityElement* const slider = macrt::itemsOf(children)[1];
         NSAccessibilityElement* const text = macrt::itemsOf(children)[2];
+        EXPECT_TRUE(content_.isAccessibilityElement);
         EXPECT_EQ(content_.accessibilityRole, NSAccessibilityGroupRole);
         EXPECT_EQ(button.accessibilityRole, NSAccessibilityButtonRole);
         EXPECT_EQ(macrt::textOf(button.accessibilityLabel), "Next Track");

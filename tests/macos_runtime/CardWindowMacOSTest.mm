@@ -109,9 +109,24 @@ TEST_F(CardWindowMacOSTest, KeepsADragThatLeavesTheCard) {
     EXPECT_FALSE(panel_.ignoresMouseEvents);
     [panel_ sendEvent:macrt::makeEvent(NSEventTypeLeftMouseUp, {10, 100})];
     EXPECT_TRUE(panel_.ignoresMouseEvents);
+    step("a press that the system cancels ends as well");
+    movePointer(60, 100);
+    clock_.advance(std::chrono::milliseconds{50});
+    [panel_ sendEvent:macrt::makeEvent(NSEventTypeLeftMouseDown, {60, 100})];
+    movePointer(10, 100);
+    [panel_ sendEvent:macrt::makeEvent(NSEventTypeMouseCancelled, {10, 100})];
+    EXPECT_TRUE(panel_.ignoresMouseEvents);
     window_->setIgnoresMouseEvents(true);
     EXPECT_TRUE(panel_.ignoresMouseEvents);
     EXPECT_EQ(clock_.pendingTimers(), 0u);
+}
+
+TEST_F(CardWindowMacOSTest, ItsPanelLastsUntilTheEventHasEnded) {
+    @autoreleasepool {
+        window_ = nullptr;
+        EXPECT_NE(macrt::livingObjects().find("CardPanel"), std::string::npos);
+    }
+    EXPECT_EQ(macrt::livingObjects().find("CardPanel"), std::string::npos);
 }
 
 TEST_F(CardWindowMacOSTest, TakesItsContentAndLetsGoOfIt) {

@@ -7,11 +7,9 @@
 #include "AddOnKit/card/PlayerGeometry.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/AddOnApp.hpp"
+#include "platform/macos/foundation/FoundationValues.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
-#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
-#include "tests/macos_runtime/fakes/NoticeFakes.hpp"
-#include "tests/macos_runtime/fakes/PortFakes.hpp"
 #include "tests/macos_runtime/fakes/SystemFakes.hpp"
 #include "tests/support/FakePlatform.hpp"
 
@@ -52,11 +50,12 @@ void* windowServerSymbol(const std::string& name) {
 class LockMacOSTest : public macrt::MacTest {
 protected:
     // Serves the main application's ports and calls the body while the application runs.
-    void run(const std::function<void()>& body, std::string option = "--installed") {
+    void run(const std::function<void()>& body) {
         setUpSystem();
         @autoreleasepool {
             char name[] = "/Applications/Quorvane Lock Screen.app/Contents/MacOS/x";
-            char* arguments[] = {name, option.data()};
+            char option[] = "--installed";
+            char* arguments[] = {name, option};
             auto services = makeLiveServices(2, arguments, std::string{kAddOnBundleIdentifier});
             ASSERT_TRUE(services);
             auto platform = makeLivePlatform(*std::move(services));
@@ -146,7 +145,7 @@ private:
         NSString* const identifier = macrt::makeString(kAddOnBundleIdentifier);
         NSString* const bundle = @"/Applications/Quorvane Lock Screen.app";
         setAnswer("NSBundle.infoDictionary", @{@"CFBundleShortVersionString" : @"1.2.3"});
-        setAnswer("NSBundle.bundleURL", [NSURL fileURLWithPath:bundle]);
+        setAnswer("NSBundle.bundleURL", urlFrom(macrt::textOf(bundle)));
         setAnswer("NSBundle.bundleIdentifier", identifier);
         setAnswer("NSProcessInfo.processIdentifier", 4711);
         setAnswer("NSProcessInfo.operatingSystemVersion", NSOperatingSystemVersion{26, 1, 2});
@@ -157,9 +156,9 @@ private:
         setAnswer("NSPropertyListSerialization.propertyListWithData:options:format:error:",
                   @{@"CFBundleIdentifier" : identifier});
         setAnswer("NSFileManager.URLsForDirectory:inDomains:",
-                  @[ [NSURL fileURLWithPath:@"/Users/u/Library/Application Support"] ]);
+                  @[ urlFrom("/Users/u/Library/Application Support") ]);
         setAnswer("NSFileManager.containerURLForSecurityApplicationGroupIdentifier:",
-                  [NSURL fileURLWithPath:@"/Groups/quorvane"]);
+                  urlFrom("/Groups/quorvane"));
         macrt::files()["/Groups/quorvane/ipc-secret"] = textOf(mainApp_.secret);
         setAnswer(
             "CGSessionCopyCurrentDictionary",
@@ -228,50 +227,6 @@ TEST_F(LockMacOSTest, OneLockFromItsNoticeToThePanelInItsSpaceAndBack) {
         EXPECT_EQ(macrt::livingObjects().find("View"), std::string::npos);
     });
     EXPECT_EQ(macrt::activeSources(), 0u);
-}
-
-TEST_F(LockMacOSTest, AScreenThatComesRebuildsTheWindowsAtOnce) {
-    run([this] {
-        notice(@"com.apple.screenIsLocked");
-        notice(@"com.apple.screenLockUIIsShown");
-        pass(800ms);
-        keep({});
-        macrt::setScreens({{{{0, 0}, {1920, 1080}}, 2}, {{{1920, 0}, {800, 600}}, 1}});
-        macrt::deliver(NSNotificationCenter.defaultCenter,
-                       NSApplicationDidChangeScreenParametersNotification);
-        settle();
-        keep({"initWithContentRect", "(77,", "CardPanel#1 close", "addAnimation"});
-    });
-}
-
-TEST_F(LockMacOSTest, TheInstallerIsAnsweredAndObeyed) {
-    run([this] {
-        keep({});
-        notice(@"example.quillon.Quorvane.LockScreenAddOn.statusRequest");
-        keep({"postNotification"});
-        notice(@"example.quillon.Quorvane.LockScreenAddOn.quit");
-        keep({"terminate:"});
-    });
-}
-
-TEST_F(LockMacOSTest, AnUninstallLeavesNothing) {
-    setAnswer("SMAppService.status", 1);
-    setAnswer("CFPreferencesAppSynchronize", true);
-    run(
-        [this] {
-            keep({"SMAppService", "removeItem", "removePersistentDomain", "terminate:"});
-        },
-        "--uninstall");
-}
-
-TEST_F(LockMacOSTest, AMainApplicationThatIsGoneLeavesNoCard) {
-    mainApp_.quit();
-    run([this] {
-        notice(@"com.apple.screenIsLocked");
-        notice(@"com.apple.screenLockUIIsShown");
-        pass(800ms);
-        keep({"CardPanel"});
-    });
 }
 
 }  // namespace

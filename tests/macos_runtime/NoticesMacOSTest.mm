@@ -1,11 +1,9 @@
 // Notices of every kind, in and out.
-#include "platform/macos/card/ScreensMacOS.hpp"
-#include "platform/macos/services/DarwinNoticesMacOS.hpp"
-#include "platform/macos/services/DistributedNoticesMacOS.hpp"
-#include "platform/macos/services/LockSourcesMacOS.hpp"
+#include "platform/macos/card/CardMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
 #include "tests/macos_runtime/fakes/AppKitFakes.hpp"
-#include "tests/macos_runtime/fakes/NoticeFakes.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 namespace quorvane {
 namespace {

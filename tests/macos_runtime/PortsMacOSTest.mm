@@ -1,7 +1,6 @@
 // Message ports: both ends.
 #include "platform/macos/ports/MessagePortsMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
-#include "tests/macos_runtime/fakes/PortFakes.hpp"
 #include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 namespace quorvane {
@@ -81,6 +80,7 @@ TEST_F(PortsMacOSTest, ServesUntilItIsStopped) {
     macrt::whileRunning() = [&] {
         EXPECT_EQ(macrt::callPort("group.port", 7, "x"), "7x");
         EXPECT_EQ(macrt::callPort("group.port", 2, ""), "");
+        EXPECT_EQ(macrt::callPort("group.port", 3, ""), "3");
         port->stop();
     };
     port->run();

@@ -2,23 +2,17 @@
 #import <AppKit/AppKit.h>
 #import <ServiceManagement/ServiceManagement.h>
 
+#include <sys/stat.h>
+
 #include <csignal>
 
 #include "platform/BundleFiles.hpp"
 #include "platform/RegularFiles.hpp"
-#include "platform/macos/card/LocalizationMacOS.hpp"
+#include "platform/macos/card/CardMacOS.hpp"
 #include "platform/macos/files/FilesMacOS.hpp"
-#include "platform/macos/files/UserDefaultsMacOS.hpp"
-#include "platform/macos/foundation/DynamicLoaderMacOS.hpp"
-#include "platform/macos/services/ApplicationMacOS.hpp"
-#include "platform/macos/services/ClockMacOS.hpp"
-#include "platform/macos/services/InstallationMacOS.hpp"
-#include "platform/macos/services/LogMacOS.hpp"
-#include "platform/macos/services/MainThreadMacOS.hpp"
-#include "platform/macos/services/ProcessInfoMacOS.hpp"
-#include "platform/macos/services/SerialQueueMacOS.hpp"
+#include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 #include "tests/macos_runtime/MacTest.hpp"
-#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
 #include "tests/macos_runtime/fakes/SystemFakes.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
@@ -55,6 +49,7 @@ TEST_F(SystemMacOSTest, AToolReturnsItsStatusWhenItIsDone) {
         const auto work = [&] {
             told.push_back("working");
             isInterrupted ? macrt::raiseSignal(SIGINT) : tool.terminate();
+            macrt::drainMainQueue();  // as a port does that waits for its reply
             told.push_back("still there");
         };
         EXPECT_EQ(tool.run(work, [&] { told.push_back("ending"); }), 0);
@@ -64,15 +59,17 @@ TEST_F(SystemMacOSTest, AToolReturnsItsStatusWhenItIsDone) {
 }
 
 TEST_F(SystemMacOSTest, ATerminationSignalEndsTheProcessByItself) {
-    EXPECT_EXIT(
-        {
-            makeApplicationMacOS().handleTerminationSignal(
-                [] { std::fprintf(stderr, "told of the signal\n"); });
-            std::raise(SIGTERM);  // ignored: the source alone hears of it
-            macrt::raiseSignal(SIGTERM);
-            std::_Exit(1);
-        },
-        testing::KilledBySignal(SIGTERM), "told of the signal");
+    for (const bool isPending : {false, true})  // it may come in as soon as it is observed
+        EXPECT_EXIT(
+            {
+                setAnswer("signal is pending", isPending);
+                makeApplicationMacOS().handleTerminationSignal(
+                    [] { std::fprintf(stderr, "told of the signal\n"); });
+                std::raise(SIGTERM);  // ignored: the source alone hears of it
+                macrt::raiseSignal(SIGTERM);
+                std::_Exit(1);
+            },
+            testing::KilledBySignal(SIGTERM), "told of the signal");
 }
 
 TEST_F(SystemMacOSTest, TimersFireOnceAndNotAfterTheyAreDropped) {
@@ -96,6 +93,26 @@ TEST_F(SystemMacOSTest, TimersFireOnceAndNotAfterTheyAreDropped) {
     Timer self;
     self = clock.after({}, [&] { self.reset(); });
     macrt::passTime({});
+}
+
+TEST_F(SystemMacOSTest, TimersCountTheTimeSlept) {
+    Instant now{};
+    const Clock clock = makeClockMacOS([&] { return now; });
+    std::string fired;
+    const Timer gone = clock.after({}, [&] { fired += "a"; });
+    const Timer early = clock.after(std::chrono::seconds{30}, [&] { fired += "b"; });
+    const Timer late =
+        clock.afterAbout(std::chrono::seconds{60}, std::chrono::seconds{1}, [&] { fired += "c"; });
+    macrt::passTime({});
+    now += std::chrono::seconds{40};  // asleep: the dispatcher's time does not move
+    step("awake");
+    macrt::deliver(NSWorkspace.sharedWorkspace.notificationCenter, NSWorkspaceDidWakeNotification);
+    macrt::passTime({});
+    EXPECT_EQ(fired, "ab");
+    macrt::passTime(std::chrono::seconds{19});
+    EXPECT_EQ(fired, "ab");
+    macrt::passTime(std::chrono::seconds{1});
+    EXPECT_EQ(fired, "abc");
 }
 
 TEST_F(SystemMacOSTest, TheMainThreadRunsActionsLaterAndInOrder) {
@@ -141,7 +158,7 @@ TEST_F(SystemMacOSTest, LogLinesKeepTheirPlaceholdersAndPrivacy) {
 
 TEST_F(SystemMacOSTest, TheProcessKnowsItselfAndItsBundle) {
     setAnswer("NSBundle.infoDictionary", @{@"CFBundleShortVersionString" : @"1.2"});
-    setAnswer("NSBundle.bundleURL", [NSURL fileURLWithPath:@"/Applications/x.app"]);
+    setAnswer("NSBundle.bundleURL", urlFrom("/Applications/x.app"));
     setAnswer("NSBundle.bundleIdentifier", @"a.bundle");
     setAnswer("NSProcessInfo.processIdentifier", 4711);
     setAnswer("NSProcessInfo.operatingSystemVersion", NSOperatingSystemVersion{26, 1, 2});
@@ -175,13 +192,15 @@ TEST_F(SystemMacOSTest, AnActivityLastsAsLongAsItsHandle) {
 TEST_F(SystemMacOSTest, FilesAreReadAndWrittenWithTheirErrors) {
     const FileStore files = makeFileStoreMacOS();
     setAnswer("NSFileManager.containerURLForSecurityApplicationGroupIdentifier:",
-              [NSURL fileURLWithPath:@"/Groups/group.a"]);
+              urlFrom("/Groups/group.a"));
     EXPECT_EQ(files.containerOfGroup("group.a"), "/Groups/group.a");
     EXPECT_TRUE(files.writeAtomically("/Groups/secret", bytesOf("32")));
     EXPECT_TRUE(files.createAtomically("/Groups/secret", bytesOf("late")));
     EXPECT_EQ(textOf(files.read("/Groups/secret").value()), "32");
     EXPECT_TRUE(files.createAtomically("/Groups/new", bytesOf("new")));
     EXPECT_EQ(textOf(files.read("/Groups/new").value()), "new");
+    EXPECT_EQ(pathFrom(urlFrom("/Groups/\xFF")), "/Groups/\xFF");  // not UTF-8
+    EXPECT_EQ(macrt::describe(stringFrom("\xFF")), "@\"\"");
     EXPECT_EQ(files.read("/none").error(),
               (PlatformError{PlatformError::Domain::cocoa, 260, "no such file"}));
     setAnswer("NSFileManager.error", macrt::makeError(NSPOSIXErrorDomain, 13, @"denied"));
@@ -261,8 +280,7 @@ TEST_F(SystemMacOSTest, CopiesAreListedAndAskedToQuit) {
 }
 
 TEST_F(SystemMacOSTest, FilesOfTheBundleAreManagedWithTheirErrors) {
-    setAnswer("NSFileManager.URLsForDirectory:inDomains:",
-              @[ [NSURL fileURLWithPath:@"/Library"] ]);
+    setAnswer("NSFileManager.URLsForDirectory:inDomains:", @[ urlFrom("/Library") ]);
     const Installation installation = makeInstallationMacOS();
     EXPECT_EQ(installation.applicationSupport, "/Library");
     const FileManagerClient& files = installation.fileManager;
@@ -281,6 +299,8 @@ TEST_F(SystemMacOSTest, FilesOfTheBundleAreManagedWithTheirErrors) {
     setAnswer(
         read,
         @{@"CFBundleIdentifier" : @5LL});
+    EXPECT_FALSE(files.identity("/x.app"));
+    setAnswer(read, @[ @"a.bundle" ]);
     EXPECT_FALSE(files.identity("/x.app"));
 }
 
@@ -345,6 +365,10 @@ TEST_F(SystemMacOSTest, RegularFilesAreReadUpToTheirLimit) {
     ASSERT_TRUE(file);
     EXPECT_EQ(textOf(file->contents), "12345");
     EXPECT_EQ(file->stamp, files.stamp(folder.path() / "art").value());
+    struct stat status {};
+    ASSERT_EQ(stat((folder / "art").c_str(), &status), 0);
+    EXPECT_EQ(file->stamp.modifiedNanoseconds,
+              status.st_mtim.tv_sec * 1'000'000'000 + status.st_mtim.tv_nsec);
     EXPECT_FALSE(files.read(folder.path() / "art", 4));
     EXPECT_FALSE(files.stamp(folder.path()));
 }

@@ -1,7 +1,7 @@
 """Reads our own declarations of the platform's interfaces (platform/macos/sdk/).
 
 They are written in a form that this can read: files are named after the system's own headers, a declaration is one
-statement, and "// from memory" ends the last line of one that no documentation or SDK was compared with.
+statement.
 """
 
 import re
@@ -9,27 +9,22 @@ from dataclasses import dataclass
 from pathlib import Path
 
 SDK = Path(__file__).resolve().parents[2] / "platform" / "macos" / "sdk"
-MEMORY = "// from memory"
 
 
 @dataclass(frozen=True)
 class Declaration:
     framework: str  # or "" for what is in the C library
-    header: str  # of the system: "NSWindow.h"
+    header: str  # of the system: "AppKit/NSWindow.h"
     kind: str  # class, protocol, method, property, enum, enumerator, type, constant, function
     owner: str  # class or protocol of a method or property, enum of an enumerator
     name: str
     text: str  # as it is declared
-    verified: bool
     selectors: tuple = ()
 
 
 def _statements(text):
-    """Pairs of a statement and whether it is verified."""
-    current, from_memory = "", False
+    current = ""
     for line in text.splitlines():
-        if line.rstrip().endswith(MEMORY):
-            from_memory = True
         line = re.sub(r"//.*", "", line).strip()
         if not line or line.startswith("#") or line in ('extern "C" {', "}"):
             continue
@@ -41,8 +36,8 @@ def _statements(text):
             or re.match(r"(__attribute__\(\(.*\)\) )?@(interface|protocol) [^;]*$", current)
         )
         if complete:
-            yield current, not from_memory
-            current, from_memory = "", False
+            yield current
+            current = ""
     if current:
         raise SystemExit(f"unreadable declaration: {current}")
 
@@ -67,6 +62,31 @@ def properties_of(statement):
     return found
 
 
+def plain_text(found):
+    return re.sub(r"\s*__attribute__\(\(.*?\)\)", "", found.text).rstrip("; ")
+
+
+def types_of(method):
+    """The result's type and those of the arguments."""
+    return re.findall(r"(?:^[+-] |: ?)\(((?:[^()]|\((?:[^()]|\([^()]*\))*\))*)\)", plain_text(method))
+
+
+def type_of(found):
+    """A property's type."""
+    return re.match(r"@property\s*(?:\([^)]*\))?\s*(.*?)\s*\w+$", plain_text(found)).group(1)
+
+
+def messages_of(found):
+    """Selector, with "+" before it where it is the class's, and types of each message of a method or property."""
+    if found.kind == "method":
+        yield ("+" if found.text[0] == "+" else "") + found.selectors[0], types_of(found)
+        return
+    sign = "+" if re.match(r"@property\s*\([^)]*\bclass\b", found.text) else ""
+    yield sign + found.selectors[0], [type_of(found)]
+    for setter in found.selectors[1:]:
+        yield sign + setter, ["void", type_of(found)]
+
+
 def _enumerators(statement):
     body = statement[statement.index("{") + 1 : statement.rindex("}")]
     return [re.match(r"\s*(\w+)", part).group(1) for part in body.split(",") if part.strip()]
@@ -89,10 +109,11 @@ def _plain(statement):
 
 def _read(path, framework):
     owner = ""
-    for statement, verified in _statements(path.read_text(encoding="utf-8")):
+    header = path.relative_to(SDK).as_posix()
+    for statement in _statements(path.read_text(encoding="utf-8")):
 
         def made(kind, name, selectors=(), of=None):
-            return Declaration(framework, path.name, kind, owner if of is None else of, name, statement, verified, selectors)
+            return Declaration(framework, header, kind, owner if of is None else of, name, statement, selectors)
 
         if statement == "@end":
             owner = ""

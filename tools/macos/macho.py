@@ -4,7 +4,7 @@ import struct
 from dataclasses import dataclass, field
 
 LC_SEGMENT_64, LC_SYMTAB, LC_LOAD_DYLIB, LC_LOAD_WEAK_DYLIB = 0x19, 0x2, 0xC, 0x80000018
-LC_REEXPORT_DYLIB, LC_CODE_SIGNATURE, LC_BUILD_VERSION = 0x8000001F, 0x1D, 0x32
+LC_REEXPORT_DYLIB, LC_CODE_SIGNATURE, LC_BUILD_VERSION, LC_UUID = 0x8000001F, 0x1D, 0x32, 0x1B
 MAGIC_64, ARM64, EXECUTE = 0xFEEDFACF, 0x0100000C, 2
 TWO_LEVEL = 0x80
 
@@ -32,6 +32,7 @@ class MachO:
     sdk_version: str = ""
     platform: int = 0
     signature: tuple = (0, 0)  # offset, size
+    uuid: bytes = b""
 
     def section_data(self, name):
         return b"".join(self.data[s.offset : s.offset + s.size] for s in self.sections if s.name == name)
@@ -93,6 +94,8 @@ def read(path):
         elif command == LC_BUILD_VERSION:
             image.platform, minimum, sdk = struct.unpack_from("<III", image.data, offset + 8)
             image.minimum_version, image.sdk_version = _version(minimum), _version(sdk)
+        elif command == LC_UUID:
+            image.uuid = image.data[offset + 8 : offset + 24]
         elif command == LC_CODE_SIGNATURE:
             image.signature = struct.unpack_from("<II", image.data, offset + 8)
     for command, offset, _ in image.commands:

@@ -1,12 +1,9 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/CardControlElement.hpp"
 
 #include "platform/macos/card/CoreGraphicsValues.hpp"
 #include "platform/macos/card/FirstMouseHostingView.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 using quorvane::AccessibilityAction;
 using quorvane::SceneControl;

@@ -1,8 +1,6 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/CardPanel.hpp"
+
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 @implementation CardPanel
 
@@ -19,7 +17,8 @@
     __attribute__((objc_precise_lifetime)) CardPanel* const window = self;
     __attribute__((objc_precise_lifetime)) NSView* const content = window.contentView;
     const NSEventType type = event.type;
-    if (type == NSEventTypeLeftMouseDown || type == NSEventTypeLeftMouseUp)
+    if (type == NSEventTypeLeftMouseDown || type == NSEventTypeLeftMouseUp ||
+        type == NSEventTypeMouseCancelled)
         _onPrimaryButton(type, event.locationInWindow);
     [super sendEvent:event];
 }

@@ -1,8 +1,6 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/CardRootView.hpp"
+
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 @implementation CardRootView
 

@@ -1,11 +1,8 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/CardShadowView.hpp"
 
 #include "platform/macos/card/CoreGraphicsValues.hpp"
 #include "platform/macos/foundation/CFHandle.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 using quorvane::CFHandle;
 
@@ -31,6 +28,11 @@ using quorvane::CFHandle;
     return self;
 }
 
+- (void)viewDidChangeBackingProperties {
+    [super viewDidChangeBackingProperties];
+    self.needsLayout = YES;
+}
+
 - (void)layout {
     [super layout];
     const CGRect whole = self.bounds;
@@ -45,6 +47,8 @@ using quorvane::CFHandle;
     auto* const mask = (CAShapeLayer*)caster_.mask;
     [CATransaction begin];
     [CATransaction setDisableActions:YES];
+    // The system sets the scale of a view's own layer only.
+    caster_.contentsScale = mask.contentsScale = self.window.backingScaleFactor;
     caster_.frame = whole;
     caster_.shadowPath = shadow.get();
     mask.frame = whole;

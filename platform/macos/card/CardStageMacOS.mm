@@ -1,13 +1,11 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/CardStageMacOS.hpp"
 
 #import <QuartzCore/QuartzCore.h>
 
+#include "drawing/pictures/GlassMaterial.hpp"
 #include "platform/macos/card/CardShadowView.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {
@@ -16,6 +14,7 @@ NSGlassEffectView* makeGlass(const CardStyle& style, NSView* content) {
     const Rect card{style.shadowMargin, style.shadowMargin, style.card.width, style.card.height};
     NSGlassEffectView* const glass = [[NSGlassEffectView alloc] initWithFrame:cgRect(card)];
     glass.style = static_cast<NSGlassEffectViewStyle>(style.glassStyle);
+    glass.tintColor = [NSColor colorWithSRGBRed:0 green:0 blue:0 alpha:darkTintOpacity()];
     glass.cornerRadius = style.cornerRadius;
     glass.contentView = content;
     content.translatesAutoresizingMaskIntoConstraints = NO;

@@ -1,11 +1,8 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/CardWindowMacOS.hpp"
 
 #include "platform/Seconds.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {
@@ -43,6 +40,8 @@ CardWindowMacOS::CardWindowMacOS(const WindowSettings& settings, Clock clock)
     panel_.collectionBehavior = settings.collectionBehavior;
     panel_.releasedWhenClosed = settings.isReleasedWhenClosed;
     panel_.hidesOnDeactivate = settings.hidesOnDeactivate;
+    panel_.canHide = NO;
+    panel_.animationBehavior = NSWindowAnimationBehaviorNone;
     panel_.acceptsMouseMovedEvents = settings.acceptsMouseMovedEvents;
     panel_.alphaValue = settings.alpha;
     mouse_.setIgnored(settings.ignoresMouseEvents);
@@ -52,6 +51,8 @@ CardWindowMacOS::CardWindowMacOS(const WindowSettings& settings, Clock clock)
 CardWindowMacOS::~CardWindowMacOS() {
     if (stage_) stage_->root().onPointerMoved = nullptr;
     panel_.onPrimaryButton = [](NSEventType, NSPoint) {};
+    // A panel that is destroyed in its own event must last until the event's end.
+    CFAutorelease((__bridge_retained CFTypeRef)panel_);
 }
 
 long CardWindowMacOS::number() const { return panel_.windowNumber; }

@@ -1,13 +1,10 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/card/CardWindowsMacOS.hpp"
+#include "platform/macos/card/CardMacOS.hpp"
 
 #import <AppKit/AppKit.h>
 
 #include "platform/macos/card/CardWindowMacOS.hpp"
 #include "platform/macos/card/TextLinesMacOS.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 

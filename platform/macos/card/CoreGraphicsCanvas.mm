@@ -1,12 +1,8 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/CoreGraphicsCanvas.hpp"
 
 #include "drawing/SymbolFacing.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
-#include "platform/macos/card/DecodedImage.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

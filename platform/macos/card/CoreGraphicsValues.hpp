@@ -1,12 +1,22 @@
-// Conversions of core values to Core Graphics. For Objective-C++ only.
+// Core values as Core Graphics has them. For Objective-C++ only.
 #pragma once
 
 #import <CoreGraphics/CoreGraphics.h>
 
+#include "drawing/Image.hpp"
 #include "drawing/Scene.hpp"
 #include "platform/macos/foundation/CFHandle.hpp"
 
 namespace quorvane {
+
+class DecodedImage final : public Image {
+public:
+    explicit DecodedImage(CFHandle<CGImageRef> pixels) : pixels_(std::move(pixels)) {}
+    CGImageRef pixels() const { return pixels_.get(); }
+
+private:
+    CFHandle<CGImageRef> pixels_;
+};
 
 constexpr CGRect cgRect(const Rect& rect) { return {{rect.x, rect.y}, {rect.width, rect.height}}; }
 

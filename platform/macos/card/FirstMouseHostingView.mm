@@ -1,7 +1,3 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/FirstMouseHostingView.hpp"
 
 #include <algorithm>
@@ -13,6 +9,7 @@
 #include "platform/macos/card/CoreGraphicsCanvas.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

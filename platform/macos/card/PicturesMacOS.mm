@@ -1,8 +1,4 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/card/PicturesMacOS.hpp"
+#include "platform/macos/card/CardMacOS.hpp"
 
 #import <Foundation/Foundation.h>
 #import <ImageIO/ImageIO.h>
@@ -10,8 +6,9 @@
 #include <limits>
 
 #include "drawing/pictures/PictureLimits.hpp"
-#include "platform/macos/card/DecodedImage.hpp"
+#include "platform/macos/card/CoreGraphicsValues.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

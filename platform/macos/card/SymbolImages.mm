@@ -1,10 +1,7 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/SymbolImages.hpp"
 
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

@@ -1,13 +1,10 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/card/TextLinesMacOS.hpp"
 
 #import <AppKit/AppKit.h>
 
 #include "drawing/SingleLine.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

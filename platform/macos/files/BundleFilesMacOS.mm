@@ -1,7 +1,3 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/BundleFiles.hpp"
 
 #import <Foundation/Foundation.h>
@@ -10,8 +6,9 @@
 #include <cerrno>
 #include <cstring>
 
-#include "platform/macos/files/BundlePropertiesMacOS.hpp"
+#include "platform/macos/files/FilesMacOS.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {
@@ -43,11 +40,10 @@ Result<void> putInPlace(const path& staged, const path& place) {
     };
     // Both renames are atomic, so two programs cannot both find the place empty.
     if (rename(RENAME_SWAP) || (errno == ENOENT && rename(RENAME_EXCL))) return {};
-    const int code = errno;
     return std::unexpected{
         PlatformError{.domain = PlatformError::Domain::posix,
-                      .code = code,
-                      .description = place.native() + ": " + std::strerror(code)}};
+                      .code = errno,
+                      .description = place.native() + ": " + std::strerror(errno)}};
 }
 
 void discardStaged(const path& folder) {
@@ -59,6 +55,23 @@ void discardStaged(const path& folder) {
 }
 
 }  // namespace
+
+// Reads the file directly, because the system's bundle objects cache their first read.
+PropertyDictionary propertiesOfBundleMacOS(const std::filesystem::path& bundle) {
+    @autoreleasepool {
+        NSData* data = [NSData dataWithContentsOfURL:urlFrom(bundle / "Contents" / "Info.plist")
+                                             options:0
+                                               error:nil];
+        if (!data) return {};
+        auto list =
+            valueFrom([NSPropertyListSerialization propertyListWithData:data
+                                                                options:NSPropertyListImmutable
+                                                                 format:nil
+                                                                  error:nil]);
+        if (!list || !list->as<PropertyDictionary>()) return {};
+        return std::get<PropertyDictionary>(std::move(list->value));
+    }
+}
 
 BundleFiles makeLiveBundleFiles() {
     return {.properties = propertiesOfBundleMacOS,

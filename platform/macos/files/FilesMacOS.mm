@@ -1,13 +1,10 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/files/FilesMacOS.hpp"
 
 #import <Foundation/Foundation.h>
 #import <Security/Security.h>
 
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {
@@ -41,7 +38,7 @@ Result<void> writeAtomically(const std::filesystem::path& path, ByteView content
         if (![NSFileManager.defaultManager setAttributes:@{
                 NSFilePosixPermissions : @0600
             }
-                                            ofItemAtPath:stringFrom(path.native())
+                                            ofItemAtPath:urlFrom(path).path
                                                    error:&error])
             return std::unexpected{errorFrom(error)};
         return {};

@@ -1,12 +1,9 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/files/UserDefaultsMacOS.hpp"
+#include "platform/macos/files/FilesMacOS.hpp"
 
 #import <Foundation/Foundation.h>
 
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

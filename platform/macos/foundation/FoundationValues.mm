@@ -1,12 +1,10 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #include "platform/macos/foundation/FoundationValues.hpp"
 #include "platform/Seconds.hpp"
 
 #include <algorithm>
 #include <limits>
+
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {
@@ -69,10 +67,15 @@ std::string textFrom(NSString* string) {
 }
 
 NSURL* urlFrom(const std::filesystem::path& path) {
-    return [NSURL fileURLWithPath:stringFrom(path.native())];
+    return [NSURL fileURLWithFileSystemRepresentation:path.c_str()
+                                          isDirectory:NO
+                                        relativeToURL:nil];
 }
 
-std::filesystem::path pathFrom(NSURL* url) { return textFrom(url.path); }
+std::filesystem::path pathFrom(NSURL* url) {
+    const char* const path = url.fileSystemRepresentation;
+    return path ? path : std::filesystem::path{};
+}
 
 NSData* dataFrom(ByteView bytes) { return [NSData dataWithBytes:bytes.data() length:bytes.size()]; }
 

@@ -1,13 +1,10 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #import <CoreFoundation/CoreFoundation.h>
 
 #include "platform/Seconds.hpp"
 #include "platform/Wipe.hpp"
 #include "platform/macos/foundation/CFHandle.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 #include "platform/macos/ports/MessagePortsMacOS.hpp"
 
 namespace quorvane {

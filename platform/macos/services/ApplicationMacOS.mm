@@ -1,14 +1,11 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/services/ApplicationMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 #import <AppKit/AppKit.h>
 #include <signal.h>
 
 #include <utility>
 
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 #include "platform/macos/services/SignalSource.hpp"
 
 @interface QuorvaneApplicationDelegate : NSObject <NSApplicationDelegate> {
@@ -46,9 +43,10 @@ int run(std::function<void()> didFinishLaunching, std::function<void()> willTerm
         delegate->willTerminate = std::move(willTerminate);
         application.delegate = delegate;
         [application setActivationPolicy:NSApplicationActivationPolicyAccessory];
-        delegate->interrupt = startSignalSource(SIGINT, dispatch_get_main_queue(), ^{
+        delegate->interrupt = makeSignalSource(SIGINT, dispatch_get_main_queue(), ^{
           [application terminate:nil];
         });
+        dispatch_activate(delegate->interrupt);
         [application run];
         // Reached only when the loop was stopped, because `terminate:` ends the process inside
         // `run`.

@@ -1,14 +1,11 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/services/DarwinNoticesMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 #import <CoreFoundation/CoreFoundation.h>
 
 #include <memory>
 
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

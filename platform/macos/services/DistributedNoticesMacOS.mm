@@ -1,14 +1,11 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/services/DistributedNoticesMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 #import <Foundation/Foundation.h>
 
 #include <utility>
 
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 @interface QuorvaneNoticeObserver : NSObject {
 @public

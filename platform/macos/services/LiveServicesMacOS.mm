@@ -1,21 +1,9 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 // The live tables that need no screen.
 #include "platform/LivePlatform.hpp"
 #include "platform/macos/files/FilesMacOS.hpp"
-#include "platform/macos/files/UserDefaultsMacOS.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 #include "platform/macos/ports/MessagePortsMacOS.hpp"
-#include "platform/macos/services/ApplicationMacOS.hpp"
-#include "platform/macos/services/ClockMacOS.hpp"
-#include "platform/macos/services/DarwinNoticesMacOS.hpp"
-#include "platform/macos/services/DistributedNoticesMacOS.hpp"
-#include "platform/macos/services/InstallationMacOS.hpp"
-#include "platform/macos/services/LogMacOS.hpp"
-#include "platform/macos/services/MainThreadMacOS.hpp"
-#include "platform/macos/services/ProcessInfoMacOS.hpp"
-#include "platform/macos/services/SerialQueueMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 namespace quorvane {
 

@@ -1,8 +1,4 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/services/LockSourcesMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 #import <AppKit/AppKit.h>
 #import <CoreGraphics/CoreGraphics.h>
@@ -10,6 +6,7 @@
 
 #include "platform/macos/foundation/FoundationValues.hpp"
 #include "platform/macos/foundation/Observation.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

@@ -1,8 +1,4 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/services/LogMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 #import <os/log.h>
 
@@ -11,6 +7,7 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 #include "platform/macos/services/OSLogBuffer.hpp"
 
 namespace quorvane {

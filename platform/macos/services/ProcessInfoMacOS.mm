@@ -1,13 +1,10 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/services/ProcessInfoMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 #import <Foundation/Foundation.h>
 #include <pthread.h>
 
 #include "platform/macos/foundation/FoundationValues.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 

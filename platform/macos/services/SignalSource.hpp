@@ -7,9 +7,9 @@
 
 namespace quorvane {
 
-// Calls the handler on the queue for each such signal, and disables the signal's default action.
-// The source ends with its last reference.
-dispatch_source_t startSignalSource(int signal, dispatch_queue_t queue, dispatch_block_t handler);
+// Disables the signal's default action. Once activated, the source calls the handler on the queue
+// for each such signal. It ends with its last reference.
+dispatch_source_t makeSignalSource(int signal, dispatch_queue_t queue, dispatch_block_t handler);
 
 // Implements Application::handleTerminationSignal.
 void handleTerminationSignalMacOS(std::function<void()> action);

@@ -1,33 +1,28 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
 #import <CoreFoundation/CoreFoundation.h>
 #include <signal.h>
 
-#include "platform/macos/services/ApplicationMacOS.hpp"
+#include "platform/macos/foundation/ReferenceCounting.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 #include "platform/macos/services/SignalSource.hpp"
 
 namespace quorvane {
 namespace {
 
-void terminate() {
-    // Deferred to the next turn of the loop, so that the callers' objects outlive their calls.
-    dispatch_async(dispatch_get_main_queue(), ^{
-      CFRunLoopStop(CFRunLoopGetCurrent());
-    });
-}
+constexpr CFTimeInterval kForever = 1e10;  // seconds
 
-int run(const std::function<void()>& didFinishLaunching,
+int run(const bool& isDone, dispatch_block_t terminate,
+        const std::function<void()>& didFinishLaunching,
         const std::function<void()>& willTerminate) {
     @autoreleasepool {
-        dispatch_source_t interrupt = startSignalSource(SIGINT, dispatch_get_main_queue(), ^{
-          terminate();
-        });
+        dispatch_source_t interrupt =
+            makeSignalSource(SIGINT, dispatch_get_main_queue(), terminate);
+        dispatch_activate(interrupt);
         dispatch_async(dispatch_get_main_queue(), ^{
           didFinishLaunching();
         });
-        CFRunLoopRun();
+        // One source at a time, because stopping a loop only ends the innermost one, which may be
+        // that of a port that waits for its reply.
+        while (!isDone) CFRunLoopRunInMode(kCFRunLoopDefaultMode, kForever, true);
         dispatch_source_cancel(interrupt);
     }
     willTerminate();
@@ -37,7 +32,18 @@ int run(const std::function<void()>& didFinishLaunching,
 }  // namespace
 
 Application makeToolMacOS() {
-    return {.run = run,
+    const auto isDone = std::make_shared<bool>(false);
+    const dispatch_block_t terminate = ^{
+      // Deferred to the next turn of the loop, so that the callers' objects outlive their calls.
+      dispatch_async(dispatch_get_main_queue(), ^{
+        *isDone = true;
+      });
+    };
+    return {.run =
+                [=](const std::function<void()>& didFinishLaunching,
+                    const std::function<void()>& willTerminate) {
+                    return run(*isDone, terminate, didFinishLaunching, willTerminate);
+                },
             .terminate = terminate,
             .handleTerminationSignal = handleTerminationSignalMacOS};
 }

@@ -171,6 +171,16 @@ TEST_F(MessagePortClientTest, CommandsAreOneByteAndAwaitNothing) {
     EXPECT_EQ(ports.sent[1].messageID, 4);
 }
 
+TEST_F(MessagePortClientTest, DropsItsPortBeforeItAsksForTheNext) {
+    connect();
+    mainPort = {};
+    client->connect();
+    EXPECT_FALSE(client->isConnected().get());
+    client->toggleLove();
+    EXPECT_EQ(log.take(),
+              (Lines{"Message port not available", "Cannot send message: not connected"}));
+}
+
 TEST_F(MessagePortClientTest, AReplysMemoryIsKeptOnlyWhilePolling) {
     connect();
     client->requestStateUpdate();

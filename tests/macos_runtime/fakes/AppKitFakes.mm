@@ -21,7 +21,7 @@ const macrt::AtReset reset{[] {
 @interface NSWindow () <Recorded>
 @end
 @implementation NSWindow
-@dynamic visible, occlusionState;
+@dynamic backingScaleFactor, visible, occlusionState;
 - (instancetype)initWithContentRect:(NSRect)contentRect
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backingStoreType

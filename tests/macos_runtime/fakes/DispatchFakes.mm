@@ -1,5 +1,5 @@
 // Queues, timers and signal sources.
-#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 #import <dispatch/dispatch.h>
 
@@ -120,7 +120,7 @@ dispatch_source_t dispatch_source_create(dispatch_source_type_t type, uintptr_t 
     FakeSource* const made = [FakeSource new];
     made->signal = static_cast<int>(handle);
     macrt::note(std::string{type} + " source " + std::to_string(handle) + " on " +
-                fake(queue)->label + (mask == 0 ? "" : " masked"));
+                fake(queue)->label + (mask == 0 ? "" : " flags " + std::to_string(mask)));
     dispatch.sources.push_back(made);
     return made;
 }
@@ -137,7 +137,12 @@ void dispatch_source_set_event_handler(dispatch_source_t source, dispatch_block_
     fake(source)->handler = handler;
 }
 void dispatch_source_cancel(dispatch_source_t source) { fake(source)->handler = nil; }
-void dispatch_activate(dispatch_object_t source) { ((FakeSource*)source)->isActive = true; }
+void dispatch_activate(dispatch_object_t source) {
+    FakeSource* const activated = (FakeSource*)source;
+    activated->isActive = true;
+    if (activated->signal != 0 && macrt::answered<bool>(nil, "", "signal is pending"))
+        fire(activated);
+}
 
 dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta) {
     if (when != DISPATCH_TIME_NOW) macrt::fault("only times from now on are known");
@@ -147,7 +152,12 @@ dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta) {
 
 namespace macrt {
 
-void drainMainQueue() { runAll(fake(dispatch_get_main_queue())); }
+bool drainMainQueue() {
+    FakeQueue* const main = fake(dispatch_get_main_queue());
+    const bool hasWork = !main->blocks.empty();
+    runAll(main);
+    return hasWork;
+}
 
 void drainQueues() {
     const auto queues = dispatch.queues;

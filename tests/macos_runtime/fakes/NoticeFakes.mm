@@ -1,7 +1,5 @@
 // Notification centres of all kinds.
-#include "tests/macos_runtime/fakes/NoticeFakes.hpp"
-
-#include "tests/macos_runtime/fakes/Answers.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 extern "C" void objc_msgSend(void);
 

@@ -1,12 +1,10 @@
 // Message ports and the run loop that serves them, which runs what a test has written down and
 // comes back.
-#include "tests/macos_runtime/fakes/PortFakes.hpp"
+#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 #include <set>
+#include <stdexcept>
 #include <utility>
-
-#include "tests/macos_runtime/fakes/DispatchFakes.hpp"
-#include "tests/macos_runtime/fakes/SystemFakes.hpp"
 
 @interface FakePort : NSObject {
 @public
@@ -97,7 +95,8 @@ SInt32 CFMessagePortSendRequest(CFMessagePortRef remote, SInt32 msgid, CFDataRef
 }
 
 CFRunLoopSourceRef CFMessagePortCreateRunLoopSource(CFAllocatorRef, CFMessagePortRef local,
-                                                    CFIndex) {
+                                                    CFIndex order) {
+    macrt::note("port source " + std::to_string(order));
     return (CFRunLoopSourceRef)CFRetain(local);
 }
 
@@ -114,6 +113,14 @@ void CFRunLoopPerformBlock(CFRunLoopRef, CFTypeRef, void (^block)(void)) {
     ports.blocks.push_back(block);
 }
 void CFRunLoopStop(CFRunLoopRef) { ports.isStopped = true; }
+
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval,
+                                      Boolean returnAfterSourceHandled) {
+    macrt::note("run loop in " + textOf(mode) +
+                (returnAfterSourceHandled ? " for one source" : ""));
+    if (!macrt::drainMainQueue()) throw std::logic_error{"the loop waits for ever"};
+    return static_cast<CFRunLoopRunResult>(4);  // a source was handled
+}
 
 void CFRunLoopRun() {
     ports.isStopped = false;  // a stop from before is forgotten

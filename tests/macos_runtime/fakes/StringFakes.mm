@@ -1,6 +1,8 @@
 // Strings that work, literals of the compiler among them.
+#include <filesystem>
 #include <map>
 
+#include "QuorvaneKit/json/UTF8.hpp"
 #include "tests/macos_runtime/fakes/Fakes.hpp"
 
 @implementation NSString {
@@ -10,7 +12,7 @@
                        length:(NSUInteger)len
                      encoding:(NSStringEncoding)encoding {
     text_.assign(static_cast<const char*>(bytes), len);
-    return self;
+    return quorvane::isValidUTF8(text_) ? self : nil;
 }
 - (const char*)UTF8String {
     return text_.c_str();
@@ -46,21 +48,10 @@ struct LiteralString {
     const auto* const literal = (__bridge const LiteralString*)self;
     if (literal->flags != kIsUTF16) return static_cast<const char*>(literal->text);
     static auto& converted = *new std::map<const void*, std::string>;
-    std::string& text = converted[literal];
-    if (!text.empty()) return text.c_str();
     const auto* const units = static_cast<const char16_t*>(literal->text);
-    // The card's literals have no characters that take two units.
-    for (long i = 0; i < literal->length; ++i) {
-        const auto unit = static_cast<unsigned>(units[i]);
-        if (unit < 0x80) {
-            text += static_cast<char>(unit);
-            continue;
-        }
-        if (unit >= 0x800) text += static_cast<char>(0xE0 | unit >> 12);
-        text += static_cast<char>(unit < 0x800 ? 0xC0 | unit >> 6 : 0x80 | (unit >> 6 & 0x3F));
-        text += static_cast<char>(0x80 | (unit & 0x3F));
-    }
-    return text.c_str();
+    const std::u16string_view text{units, static_cast<std::size_t>(literal->length)};
+    return converted.try_emplace(literal, std::filesystem::path{text}.string())
+        .first->second.c_str();
 }
 - (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)enc {
     return std::string_view{self.UTF8String}.size();

@@ -96,6 +96,7 @@ static NSNumber* numberOf(auto value) {
 
 @implementation NSMutableData
 + (instancetype)dataWithCapacity:(NSUInteger)aNumItems {
+    macrt::note("data of " + std::to_string(aNumItems));
     return [self new];
 }
 - (void*)mutableBytes {
@@ -115,13 +116,24 @@ static NSNumber* numberOf(auto value) {
 }
 @end
 
-@implementation NSURL
-@dynamic path;
-+ (NSURL*)fileURLWithPath:(NSString*)path {
+@implementation NSURL {
+    std::string path_;
+}
++ (NSURL*)fileURLWithFileSystemRepresentation:(const char*)path
+                                  isDirectory:(BOOL)isDir
+                                relativeToURL:(NSURL*)baseURL {
     NSURL* const url = [NSURL new];
-    macrt::setAnswer(url, "path", path);
-    macrt::setAnswer(url, "description", macrt::makeString("file://" + macrt::textOf(path)));
+    url->path_ = path;
     return url;
+}
+- (const char*)fileSystemRepresentation {
+    return path_.c_str();
+}
+- (NSString*)path {
+    return macrt::makeString(path_);
+}
+- (NSString*)description {
+    return macrt::makeString("file://" + path_);
 }
 @end
 
@@ -137,12 +149,14 @@ static NSNumber* numberOf(auto value) {
 extern "C" {
 void* objc_retain(const void*);
 void objc_release(const void*);
+void* objc_autorelease(const void*);
 
 CFTypeRef CFRetain(CFTypeRef cf) { return objc_retain(cf); }
 void CFRelease(CFTypeRef cf) {
     if (cf == nullptr) return macrt::fault("CFRelease of NULL");
     objc_release(cf);
 }
+CFTypeRef CFAutorelease(CFTypeRef arg) { return objc_autorelease(arg); }
 CFTypeID CFBooleanGetTypeID() { return 21; }
 CFTypeID CFGetTypeID(CFTypeRef cf) {
     const id object = (__bridge id)cf;

@@ -166,24 +166,6 @@ void forgetNumbers() {
     _NSConcreteMallocBlock.facts->made = 0;
 }
 
-std::string typesOf(const char* className, std::string_view selector) {
-    Class* owner = classNamed(className);
-    if (owner == nullptr) return {};
-    if (selector.starts_with('+')) {
-        owner = owner->isa;
-        selector.remove_prefix(1);
-    }
-    const FoundMethod found = findMethod(owner, selectorNamed(selector));
-    std::string types;
-    int depth = 0;
-    // Offsets stand between the types, never inside the braces of one.
-    for (const char* each = found.method ? found.method->types : ""; *each != 0; ++each) {
-        depth += (*each == '{') - (*each == '}');
-        if (depth > 0 || *each < '0' || *each > '9') types += *each;
-    }
-    return types;
-}
-
 }  // namespace macrt
 
 extern "C" {
@@ -191,5 +173,16 @@ extern "C" {
 bool macrt_isKindOfClass(Object* object, Class* wanted) {
     return object != nullptr && isKind(object->isa, wanted);
 }
+
+// As far as the system's <objc/runtime.h> is needed.
+Class* objc_getClass(const char* name) { return classNamed(name); }
+Selector sel_registerName(const char* name) { return selectorNamed(name); }
+MethodRecord* class_getInstanceMethod(Class* owner, Selector name) {
+    return owner == nullptr ? nullptr : findMethod(owner, name).method;
+}
+MethodRecord* class_getClassMethod(Class* owner, Selector name) {
+    return owner == nullptr ? nullptr : findMethod(owner->isa, name).method;
+}
+const char* method_getTypeEncoding(const MethodRecord* method) { return method->types; }
 
 }  // extern "C"

@@ -26,10 +26,6 @@ void note(std::string text);
 // A value of an encoded type, "{CGPoint=dd}", as arguments are shown: "{1, 2.5}".
 std::string valueText(std::string_view types, const void* value);
 
-// A method's type encoding without offsets, "v@:f": result, self, selector, arguments. Empty when
-// the class has no such method. Class methods begin with '+'.
-std::string typesOf(const char* className, std::string_view selector);
-
 // What is alive of counted objects, heap blocks and pool entries, "1 NSPanel, 2 block"; empty when
 // there is nothing.
 std::string livingObjects();

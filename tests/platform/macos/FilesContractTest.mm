@@ -9,8 +9,7 @@
 #include "platform/BundleFiles.hpp"
 #include "platform/RegularFiles.hpp"
 #include "platform/macos/files/FilesMacOS.hpp"
-#include "platform/macos/files/UserDefaultsMacOS.hpp"
-#include "platform/macos/services/InstallationMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace quorvane {
@@ -34,7 +33,7 @@ TEST(FileStoreMacOS, WritesForTheOwnerAndReadsBack) {
 
 TEST(FileManagerMacOS, RemovesALinkAndNotWhatItLeadsTo) {
     const TemporaryFolder folder;
-    const FileManagerClient files = makeFileManagerMacOS();
+    const FileManagerClient files = makeInstallationMacOS().fileManager;
     std::filesystem::create_directories(folder / "real" / "inside");
     std::filesystem::create_symlink(folder / "real", folder / "link");
     EXPECT_TRUE(files.removeItem(folder / "link"));

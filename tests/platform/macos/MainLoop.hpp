@@ -6,7 +6,7 @@
 #include <chrono>
 #include <functional>
 
-#include "platform/macos/services/ClockMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 namespace quorvane {
 

@@ -6,11 +6,7 @@
 #include <thread>
 
 #include "platform/macos/ports/MessagePortsMacOS.hpp"
-#include "platform/macos/services/ClockMacOS.hpp"
-#include "platform/macos/services/DarwinNoticesMacOS.hpp"
-#include "platform/macos/services/DistributedNoticesMacOS.hpp"
-#include "platform/macos/services/MainThreadMacOS.hpp"
-#include "platform/macos/services/SerialQueueMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 #include "tests/platform/macos/MainLoop.hpp"
 
 namespace quorvane {

@@ -9,11 +9,10 @@ extern "C" {
 extern NSAccessibilityRole const NSAccessibilityButtonRole;
 extern NSAccessibilityRole const NSAccessibilityGroupRole;
 extern NSAccessibilityRole const NSAccessibilityImageRole;
-extern NSAccessibilityRole const NSAccessibilityProgressIndicatorRole;  // from memory
+extern NSAccessibilityRole const NSAccessibilityProgressIndicatorRole;
 extern NSAccessibilityRole const NSAccessibilitySliderRole;
 extern NSAccessibilityRole const NSAccessibilityStaticTextRole;
 extern NSAccessibilityNotificationName const NSAccessibilityLayoutChangedNotification;
-extern NSAccessibilityNotificationName const
-    NSAccessibilityTitleChangedNotification;  // from memory
+extern NSAccessibilityNotificationName const NSAccessibilityTitleChangedNotification;
 extern NSAccessibilityNotificationName const NSAccessibilityValueChangedNotification;
 }

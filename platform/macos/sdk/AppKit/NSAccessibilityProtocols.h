@@ -10,9 +10,9 @@
 @property(strong) id accessibilityMinValue;
 @property(strong) id accessibilityMaxValue;
 @property(copy) NSArray* accessibilityChildren;
-@property(weak) id accessibilityParent;     // from memory
-@property NSRect accessibilityFrame;        // from memory
-- (id)accessibilityHitTest:(NSPoint)point;  // from memory
+@property(weak) id accessibilityParent;
+@property NSRect accessibilityFrame;
+- (id)accessibilityHitTest:(NSPoint)point;
 - (BOOL)accessibilityPerformPress;
 - (BOOL)accessibilityPerformIncrement;
 - (BOOL)accessibilityPerformDecrement;

@@ -17,7 +17,7 @@ enum NSApplicationActivationPolicy : NSInteger { NSApplicationActivationPolicyAc
 @optional
 - (void)applicationDidFinishLaunching:(NSNotification*)notification;
 - (void)applicationWillTerminate:(NSNotification*)notification;
-- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)app;  // from memory
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)app;
 @end
 
 @interface NSApplication : NSResponder

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "NSColor.h"
 #include "NSView.h"
 
 enum NSGlassEffectViewStyle : NSInteger;
@@ -7,5 +8,6 @@ enum NSGlassEffectViewStyle : NSInteger;
 @interface NSGlassEffectView : NSView
 @property(strong) NSView* contentView;
 @property CGFloat cornerRadius;
+@property(copy) NSColor* tintColor;
 @property NSGlassEffectViewStyle style;
 @end

@@ -15,7 +15,7 @@
 + (instancetype)imageWithSystemSymbolName:(NSString*)symbolName
                  accessibilityDescription:(NSString*)description;
 - (NSImage*)imageWithSymbolConfiguration:(NSImageSymbolConfiguration*)configuration;
-@property(readonly) NSSize size;  // from memory
+@property(readonly) NSSize size;
 - (void)drawInRect:(NSRect)dstSpacePortionRect
           fromRect:(NSRect)srcSpacePortionRect
          operation:(NSCompositingOperation)op

@@ -34,5 +34,7 @@ enum : NSAutoresizingMaskOptions { NSViewWidthSizable = 2, NSViewHeightSizable =
 - (void)addTrackingArea:(NSTrackingArea*)trackingArea;
 - (void)setNeedsDisplayInRect:(NSRect)invalidRect;
 - (void)drawRect:(NSRect)dirtyRect;
+- (void)viewDidChangeBackingProperties;
+@property BOOL needsLayout;
 - (void)layout;
 @end

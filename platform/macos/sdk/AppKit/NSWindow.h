@@ -11,6 +11,7 @@ typedef NSUInteger NSWindowStyleMask;
 typedef NSUInteger NSWindowCollectionBehavior;
 typedef NSUInteger NSWindowOcclusionState;
 typedef NSInteger NSWindowLevel;
+enum NSWindowAnimationBehavior : NSInteger { NSWindowAnimationBehaviorNone = 2 };
 
 @interface NSWindow : NSResponder
 - (instancetype)initWithContentRect:(NSRect)contentRect
@@ -31,12 +32,15 @@ typedef NSInteger NSWindowLevel;
 @property NSWindowCollectionBehavior collectionBehavior;
 @property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 @property BOOL hidesOnDeactivate;
+@property BOOL canHide;
+@property NSWindowAnimationBehavior animationBehavior;
+@property(readonly) CGFloat backingScaleFactor;
 @property BOOL acceptsMouseMovedEvents;
 @property CGFloat alphaValue;
 @property BOOL ignoresMouseEvents;
 @property(strong) NSView* contentView;
-- (void)setFrame:(NSRect)frameRect display:(BOOL)flag;  // from memory
-- (NSPoint)convertPointFromScreen:(NSPoint)point;       // from memory
+- (void)setFrame:(NSRect)frameRect display:(BOOL)flag;
+- (NSPoint)convertPointFromScreen:(NSPoint)point;
 - (void)orderFrontRegardless;
 - (void)orderOut:(id)sender;
 - (void)close;

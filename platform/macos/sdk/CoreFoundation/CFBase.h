@@ -12,6 +12,7 @@ typedef const struct __CFAllocator* CFAllocatorRef;
 
 extern "C" {
 CFTypeID CFGetTypeID(CFTypeRef cf);
-CFTypeRef CFRetain(CFTypeRef cf);  // from memory
+CFTypeRef CFRetain(CFTypeRef cf);
 void CFRelease(CFTypeRef cf);
+CFTypeRef CFAutorelease(CFTypeRef arg);
 }

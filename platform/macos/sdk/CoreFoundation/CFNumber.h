@@ -2,9 +2,9 @@
 
 #include "CFBase.h"
 
-typedef const struct __CFNumber* CFNumberRef;  // from memory
+typedef const struct __CFNumber* CFNumberRef;
 
 extern "C" {
 CFTypeID CFBooleanGetTypeID(void);
-Boolean CFNumberIsFloatType(CFNumberRef number);  // from memory
+Boolean CFNumberIsFloatType(CFNumberRef number);
 }

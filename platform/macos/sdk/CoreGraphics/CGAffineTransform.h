@@ -7,5 +7,5 @@ typedef struct CGAffineTransform {
 } CGAffineTransform;
 
 extern "C" {
-CGAffineTransform CGAffineTransformMakeScale(CGFloat sx, CGFloat sy);  // from memory
+CGAffineTransform CGAffineTransformMakeScale(CGFloat sx, CGFloat sy);
 }

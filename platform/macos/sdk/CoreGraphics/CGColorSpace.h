@@ -6,5 +6,5 @@ typedef struct CGColorSpace* CGColorSpaceRef;
 
 extern "C" {
 extern const CFStringRef kCGColorSpaceSRGB;
-CGColorSpaceRef CGColorSpaceCreateWithName(CFStringRef name);  // from memory
+CGColorSpaceRef CGColorSpaceCreateWithName(CFStringRef name);
 }

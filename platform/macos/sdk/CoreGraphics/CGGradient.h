@@ -3,11 +3,10 @@
 #include <stddef.h>
 #include "CGColorSpace.h"
 
-typedef struct CGGradient* CGGradientRef;   // from memory
-typedef uint32_t CGGradientDrawingOptions;  // from memory
+typedef struct CGGradient* CGGradientRef;
+typedef uint32_t CGGradientDrawingOptions;
 
 extern "C" {
 CGGradientRef CGGradientCreateWithColorComponents(CGColorSpaceRef space, const CGFloat* components,
-                                                  const CGFloat* locations,
-                                                  size_t count);  // from memory
+                                                  const CGFloat* locations, size_t count);
 }

@@ -6,6 +6,6 @@
 typedef struct CGImage* CGImageRef;
 
 extern "C" {
-size_t CGImageGetWidth(CGImageRef image);   // from memory
-size_t CGImageGetHeight(CGImageRef image);  // from memory
+size_t CGImageGetWidth(CGImageRef image);
+size_t CGImageGetHeight(CGImageRef image);
 }

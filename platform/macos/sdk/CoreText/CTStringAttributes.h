@@ -4,5 +4,5 @@
 
 extern "C" {
 extern const CFStringRef kCTFontAttributeName;
-extern const CFStringRef kCTForegroundColorFromContextAttributeName;  // from memory
+extern const CFStringRef kCTForegroundColorFromContextAttributeName;
 }

@@ -3,11 +3,11 @@
 #include "NSEnumerator.h"
 
 @interface NSArray<ObjectType> : NSObject <NSFastEnumeration>
-@property(readonly) ObjectType firstObject;  // from memory
+@property(readonly) ObjectType firstObject;
 + (instancetype)arrayWithObjects:(const ObjectType[])objects count:(NSUInteger)cnt;
 @end
 
 @interface NSMutableArray<ObjectType> : NSArray <ObjectType>
-+ (instancetype)arrayWithCapacity:(NSUInteger)numItems;  // from memory
-- (void)addObject:(ObjectType)anObject;                  // from memory
++ (instancetype)arrayWithCapacity:(NSUInteger)numItems;
+- (void)addObject:(ObjectType)anObject;
 @end

@@ -9,8 +9,8 @@
 @interface NSBundle : NSObject
 @property(class, readonly, strong) NSBundle* mainBundle;
 @property(readonly, copy) NSURL* bundleURL;
-@property(readonly, copy) NSURL* executableURL;  // from memory
+@property(readonly, copy) NSURL* executableURL;
 @property(readonly, copy) NSString* bundleIdentifier;
-@property(readonly, copy) NSDictionary* infoDictionary;  // from memory
+@property(readonly, copy) NSDictionary* infoDictionary;
 - (NSString*)localizedStringForKey:(NSString*)key value:(NSString*)value table:(NSString*)tableName;
 @end

@@ -5,14 +5,14 @@
 @class NSError;
 @class NSURL;
 
-typedef NSUInteger NSDataReadingOptions;  // from memory
+typedef NSUInteger NSDataReadingOptions;
 typedef NSUInteger NSDataWritingOptions;
 enum : NSDataWritingOptions { NSDataWritingAtomic = 1 };
 
 @interface NSData : NSObject
-@property(readonly) NSUInteger length;                                              // from memory
-@property(readonly) const void* bytes __attribute__((objc_returns_inner_pointer));  // from memory
-+ (instancetype)dataWithBytes:(const void*)bytes length:(NSUInteger)length;         // from memory
+@property(readonly) NSUInteger length;
+@property(readonly) const void* bytes __attribute__((objc_returns_inner_pointer));
++ (instancetype)dataWithBytes:(const void*)bytes length:(NSUInteger)length;
 + (instancetype)dataWithContentsOfURL:(NSURL*)url
                               options:(NSDataReadingOptions)readOptionsMask
                                 error:(NSError**)errorPtr;
@@ -22,7 +22,7 @@ enum : NSDataWritingOptions { NSDataWritingAtomic = 1 };
 @end
 
 @interface NSMutableData : NSData
-@property(readonly) void* mutableBytes __attribute__((objc_returns_inner_pointer));  // from memory
-+ (instancetype)dataWithCapacity:(NSUInteger)aNumItems;                              // from memory
-- (void)appendBytes:(const void*)bytes length:(NSUInteger)length;                    // from memory
+@property(readonly) void* mutableBytes __attribute__((objc_returns_inner_pointer));
++ (instancetype)dataWithCapacity:(NSUInteger)aNumItems;
+- (void)appendBytes:(const void*)bytes length:(NSUInteger)length;
 @end

@@ -10,6 +10,6 @@
 @end
 
 @interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary <KeyType, ObjectType>
-+ (instancetype)dictionaryWithCapacity:(NSUInteger)numItems;       // from memory
-- (void)setObject:(ObjectType)obj forKeyedSubscript:(KeyType)key;  // from memory
++ (instancetype)dictionaryWithCapacity:(NSUInteger)numItems;
+- (void)setObject:(ObjectType)obj forKeyedSubscript:(KeyType)key;
 @end

@@ -7,7 +7,7 @@ typedef struct {
     id __unsafe_unretained* itemsPtr;
     unsigned long* mutationsPtr;
     unsigned long extra[5];
-} NSFastEnumerationState;  // from memory
+} NSFastEnumerationState;
 
 @protocol NSFastEnumeration
 - (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state

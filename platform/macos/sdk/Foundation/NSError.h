@@ -4,11 +4,11 @@
 
 @class NSString;
 
-typedef NSString* NSErrorDomain;  // from memory
+typedef NSString* NSErrorDomain;
 
 extern "C" {
 extern NSErrorDomain const NSCocoaErrorDomain;
-extern NSErrorDomain const NSPOSIXErrorDomain;  // from memory
+extern NSErrorDomain const NSPOSIXErrorDomain;
 }
 
 @interface NSError : NSObject

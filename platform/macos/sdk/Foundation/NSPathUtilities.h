@@ -2,6 +2,6 @@
 
 #include "NSObjCRuntime.h"
 
-enum NSSearchPathDirectory : NSUInteger { NSApplicationSupportDirectory = 14 };  // from memory
-typedef NSUInteger NSSearchPathDomainMask;                                       // from memory
-enum : NSSearchPathDomainMask { NSUserDomainMask = 1 };                          // from memory
+enum NSSearchPathDirectory : NSUInteger { NSApplicationSupportDirectory = 14 };
+typedef NSUInteger NSSearchPathDomainMask;
+enum : NSSearchPathDomainMask { NSUserDomainMask = 1 };

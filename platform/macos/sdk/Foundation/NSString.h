@@ -2,15 +2,14 @@
 
 #include "NSObjCRuntime.h"
 
-typedef NSUInteger NSStringEncoding;                   // from memory
-enum : NSStringEncoding { NSUTF8StringEncoding = 4 };  // from memory
+typedef NSUInteger NSStringEncoding;
+enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSString : NSObject
-@property(readonly) const char* UTF8String __attribute__((objc_returns_inner_pointer))
-;  // from memory
+@property(readonly) const char* UTF8String __attribute__((objc_returns_inner_pointer));
 - (instancetype)initWithBytes:(const void*)bytes
                        length:(NSUInteger)len
-                     encoding:(NSStringEncoding)encoding;        // from memory
-- (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)enc;  // from memory
-- (BOOL)isEqualToString:(NSString*)aString;                      // from memory
+                     encoding:(NSStringEncoding)encoding;
+- (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)enc;
+- (BOOL)isEqualToString:(NSString*)aString;
 @end

@@ -6,5 +6,8 @@
 
 @interface NSURL : NSObject
 @property(readonly, copy) NSString* path;
-+ (NSURL*)fileURLWithPath:(NSString*)path;  // from memory
+@property(readonly) const char* fileSystemRepresentation;
++ (NSURL*)fileURLWithFileSystemRepresentation:(const char*)path
+                                  isDirectory:(BOOL)isDir
+                                relativeToURL:(NSURL*)baseURL;
 @end

@@ -8,7 +8,7 @@
 @interface NSUserDefaults : NSObject
 @property(class, readonly, strong) NSUserDefaults* standardUserDefaults;
 - (instancetype)initWithSuiteName:(NSString*)suitename;
-- (NSDictionary*)dictionaryRepresentation;  // from memory
+- (NSDictionary*)dictionaryRepresentation;
 - (id)objectForKey:(NSString*)defaultName;
 - (void)setObject:(id)value forKey:(NSString*)defaultName;
 - (void)removeObjectForKey:(NSString*)defaultName;

@@ -6,12 +6,12 @@
 @end
 
 @interface NSNumber : NSValue
-@property(readonly) double doubleValue;       // from memory
-@property(readonly) long long longLongValue;  // from memory
-@property(readonly) BOOL boolValue;           // from memory
+@property(readonly) double doubleValue;
+@property(readonly) long long longLongValue;
+@property(readonly) BOOL boolValue;
 + (NSNumber*)numberWithInt:(int)value;
 + (NSNumber*)numberWithLongLong:(long long)value;
-+ (NSNumber*)numberWithUnsignedLongLong:(unsigned long long)value;  // from memory
++ (NSNumber*)numberWithUnsignedLongLong:(unsigned long long)value;
 + (NSNumber*)numberWithDouble:(double)value;
 + (NSNumber*)numberWithBool:(BOOL)value;
 @end

@@ -3,6 +3,6 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 extern "C" {
-extern const CFStringRef kCGImagePropertyPixelWidth;   // from memory
-extern const CFStringRef kCGImagePropertyPixelHeight;  // from memory
+extern const CFStringRef kCGImagePropertyPixelWidth;
+extern const CFStringRef kCGImagePropertyPixelHeight;
 }

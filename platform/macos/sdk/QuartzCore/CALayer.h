@@ -5,8 +5,9 @@
 
 @interface CALayer : NSObject
 + (instancetype)layer;
-@property CGRect frame;  // from memory
+@property CGRect frame;
 @property CATransform3D transform;
+@property CGFloat contentsScale;
 @property CGColorRef shadowColor;
 @property float shadowOpacity;
 @property CGSize shadowOffset;

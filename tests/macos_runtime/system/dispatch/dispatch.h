@@ -22,6 +22,7 @@ typedef const char* dispatch_source_type_t;
 #define DISPATCH_TIME_NOW (0ull)
 #define DISPATCH_TIME_FOREVER (~0ull)
 #define DISPATCH_QUEUE_SERIAL nullptr
+#define DISPATCH_TIMER_STRICT 0x1
 #define DISPATCH_SOURCE_TYPE_TIMER "timer"
 #define DISPATCH_SOURCE_TYPE_SIGNAL "signal"
 enum : unsigned int { QOS_CLASS_USER_INITIATED = 0x19 };

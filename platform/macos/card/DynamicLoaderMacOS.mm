@@ -1,11 +1,9 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/foundation/DynamicLoaderMacOS.hpp"
+#include "platform/macos/card/CardMacOS.hpp"
 
 #import <Foundation/Foundation.h>
 #include <dlfcn.h>
+
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {

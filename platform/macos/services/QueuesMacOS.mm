@@ -1,13 +1,11 @@
-#if !__has_feature(objc_arc)
-#error "This file needs automatic reference counting."
-#endif
-
-#include "platform/macos/services/SerialQueueMacOS.hpp"
+#include "platform/macos/services/ServicesMacOS.hpp"
 
 #import <dispatch/dispatch.h>
 
 #include <atomic>
 #include <utility>
+
+#include "platform/macos/foundation/ReferenceCounting.hpp"
 
 namespace quorvane {
 namespace {
@@ -43,6 +41,14 @@ private:
 };
 
 }  // namespace
+
+MainThread makeMainThreadMacOS() {
+    return {.post = [](std::function<void()> action) {
+        dispatch_async(dispatch_get_main_queue(), ^{
+          action();
+        });
+    }};
+}
 
 MakeSerialQueue makeSerialQueuesMacOS() {
     return [](const std::string& label) { return std::make_unique<SerialQueueMacOS>(label); };

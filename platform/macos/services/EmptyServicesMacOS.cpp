@@ -1,6 +1,7 @@
-// Empty tables: this system has no common interface to its players, so Quorvane itself talks to
-// each of them.
+// Services that have nothing to do here. This system has no common interface to its players, so
+// Quorvane itself talks to each of them; and every login has a screen, ports and notices.
 #include "platform/MediaPlayers.hpp"
+#include "platform/SessionProblems.hpp"
 #include "platform/SoundServer.hpp"
 
 namespace quorvane {
@@ -21,5 +22,9 @@ SoundServer makeLiveSoundServer(const LiveServices&) {
     return {.observe = [](const std::function<void(SoundLevels)>&) { return Handle{[] {}}; },
             .setVolume = [](std::optional<std::uint32_t>, double) {}};
 }
+
+SessionProblems findSessionProblems(const LiveServices&) { return {}; }
+
+std::optional<std::string> findPortsProblem() { return std::nullopt; }
 
 }  // namespace quorvane
