@@ -65,11 +65,18 @@ protected:
                                   session.environment())
             .status;
     }
-    // The card has entered when this returns.
+    // The card has entered when this returns. It is off until the lock screen is drawn, because
+    // this KWin puts a lock screen that comes later above it.
     void lock() {
+        const auto switchCard = [&](const char* command) {
+            LoggedProcess::run({HOST_PROGRAM, command}, session.environment());
+        };
+        switchCard("disable");
         xdotool({"mousemove", "960", "1000"});
         ASSERT_EQ(screenSaver("Lock"), 0) << compositor.log();
         ASSERT_TRUE(addOn.says("lockui: shown")) << addOn.log();
+        ASSERT_TRUE(LockSession::isDrawnOn(probe, {800, 120, 320, 160}));
+        switchCard("enable");
         card = LockSession::nextCard(addOn);
         ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
         EXPECT_TRUE(eventually([&] { return isCardSeen(); })) << addOn.log();
