@@ -46,6 +46,7 @@ void WaylandSessionLinux::ended() {
     process_.reset();
     log_.error("wayland: the surface process has ended");
     forgetSurfaces();
+    changes_.call();  // the cards are built again once the screens are back
     if (restartsLeft_-- > 0) restart_ = clock_.after(kRestartDelay, [this] { start(); });
 }
 
