@@ -26,7 +26,7 @@ LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, LockerSight sight
 LockSignals LockWatcherLinux::read() const {
     LockSignals now{.screenSaverIsActive = screenSavers_.isActive(),
                     .sessionSaysLocked = logind_.isLocked()};
-    now.hasLockerWindow = sight_.isSeen ? sight_.isSeen() : now.isLocked();
+    now.hasLockerWindow = sight_.isSeen ? sight_.isSeen() : now.screenSaverIsActive;
     return now;
 }
 

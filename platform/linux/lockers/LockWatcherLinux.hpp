@@ -15,8 +15,8 @@ namespace quorvane {
 
 // How lock screens are seen.
 struct LockerSight {
-    // Empty where no window tells it; the lock screen then counts as seen while a lock is
-    // announced.
+    // Empty where no window tells it; the lock screen then counts as seen while a screen-saver
+    // service is active. The login manager's hint may outlast the lock, so it does not count.
     std::function<bool()> isSeen;
     std::function<Handle(std::function<void()> changed)> observe;
 };
