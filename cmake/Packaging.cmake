@@ -4,7 +4,7 @@ include(GNUInstallDirs)
 set(QUORVANE_INSTALLED_BUNDLE "lib/quorvane/Quorvane Lock Screen.app")
 
 install(TARGETS quorvane-host RUNTIME)
-install(TARGETS quorvane-lock-screen RUNTIME DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
+install(TARGETS quorvane-lock-screen quorvane-card-surface RUNTIME DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
 install(TARGETS quorvane_card LIBRARY DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
 install(FILES "${QUORVANE_BUNDLE}/Contents/Info.plist" DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents")
 install(FILES packaging/quorvane-host.service DESTINATION lib/systemd/user)
@@ -44,7 +44,7 @@ install(FILES "${CMAKE_BINARY_DIR}/packaging/copyright" docs/scripted-player.md 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quorvane-lock-screen)
 set(CPACK_PACKAGE_CONTACT "The authors of Quorvane Lock Screen <quorvane@quillon.example>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "now-playing card on the X11 lock screen")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "now-playing card on the lock screen")
 set(CPACK_PACKAGE_DESCRIPTION
 "While the screen is locked and music plays, a card stands over the locker:
 artwork, title and artist, times, transport buttons, a heart and a volume

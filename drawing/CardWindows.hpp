@@ -107,7 +107,7 @@ public:
 struct CardWindows {
     // Returns null when the system cannot create a window now; the platform logs the reason. The
     // window never covers the screen's keep-clear areas: where its shadow margin overlaps one, that
-    // part is cut out of its shape.
+    // part is cut out of its shape, or blends with what the lock screen draws there.
     std::function<std::unique_ptr<CardSystemWindow>(const WindowSettings&, const Screen&)>
         makeWindow;
     std::function<std::shared_ptr<CardStage>(const CardStyle&)> makeStage;

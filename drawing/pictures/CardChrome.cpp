@@ -59,14 +59,14 @@ std::uint32_t lightened(std::uint32_t pixel, float share) {
     return kOpaqueBlack | channel(16) | channel(8) | channel(0);
 }
 
-// The glass over black of the shadow's opacity, weighted by coverage.
-std::uint32_t blended(std::uint32_t glass, float covered, float shadow) {
+// The glass of this opacity beside black of the shadow's, weighted by coverage.
+std::uint32_t blended(std::uint32_t glass, float opacity, float covered, float shadow) {
+    const float share = covered * opacity;
     const auto channel = [&](int shift) {
-        return static_cast<std::uint32_t>(static_cast<float>(glass >> shift & 0xff) * covered +
-                                          0.5F)
+        return static_cast<std::uint32_t>(static_cast<float>(glass >> shift & 0xff) * share + 0.5F)
                << shift;
     };
-    const float alpha = covered + shadow * (1 - covered);
+    const float alpha = share + shadow * (1 - covered);
     return static_cast<std::uint32_t>(alpha * 255 + 0.5F) << 24 | channel(16) | channel(8) |
            channel(0);
 }
@@ -95,6 +95,16 @@ struct Painter {
         return {card.x + inset, card.maxX() - inset};
     }
 
+    void copyGlass(int begin, int end, std::uint32_t* pixels) const {
+        const std::uint32_t* const row = &glassRow[static_cast<std::size_t>(begin - card.x)];
+        if (glass.opacity < 1)
+            std::transform(row, row + (end - begin), &pixels[begin], [this](std::uint32_t colour) {
+                return blended(colour, glass.opacity, 1, 0);
+            });
+        else
+            std::copy_n(row, end - begin, &pixels[begin]);
+    }
+
     void drawRow(int y, std::uint32_t* pixels, int width) {
         const double top = (y + 0.5) / scale;
         const double depth = std::clamp((top - style.shadowMargin) / style.card.height, 0.0, 1.0);
@@ -105,13 +115,12 @@ struct Painter {
         const auto [insideBegin, insideEnd] = insideOf(y);
         for (int x = 0; x < width; ++x) {
             if (x == insideBegin && x < insideEnd) {
-                std::copy_n(&glassRow[static_cast<std::size_t>(x - card.x)], insideEnd - x,
-                            &pixels[x]);
+                copyGlass(x, insideEnd, pixels);
                 x = insideEnd;
             }
             const double left = (x + 0.5) / scale;
             if (!meetsCard || x < card.x || x >= card.maxX()) {
-                pixels[x] = blended(0, 0, shadow.at(shadowLine, left));
+                pixels[x] = blended(0, 1, 0, shadow.at(shadowLine, left));
                 continue;
             }
             const double outside =
@@ -121,23 +130,37 @@ struct Painter {
             std::uint32_t colour = glassRow[static_cast<std::size_t>(x - card.x)];
             if (outside > -edge - 1)
                 colour = blended(lightened(colour, edgeLight * (1 - coverage(outside + edge))),
-                                 coverage(outside), shadow.at(shadowLine, left));
+                                 glass.opacity, coverage(outside), shadow.at(shadowLine, left));
+            else if (glass.opacity < 1)
+                colour = blended(colour, glass.opacity, 1, 0);
             pixels[x] = colour;
         }
     }
 };
 
+PixelRect cardIn(const CardStyle& style, double scale) {
+    return pixelsTouchedBy(scaledBy(
+        {style.shadowMargin, style.shadowMargin, style.card.width, style.card.height}, scale));
+}
+
+Pixels chromeOf(Pixels chrome, const CardStyle& style, double scale, GlassPicture glass) {
+    Painter painter{style, scale, cardIn(style, scale).intersection(chrome.bounds()),
+                    std::move(glass)};
+    painter.glassRow.resize(static_cast<std::size_t>(painter.card.width));
+    for (int y = 0; y < chrome.height; ++y) painter.drawRow(y, chrome.row(y), chrome.width);
+    return chrome;
+}
+
 }  // namespace
 
 Pixels makeCardChrome(const Pixels& backdrop, const CardStyle& style, double scale) {
-    const PixelRect card = pixelsTouchedBy(scaledBy(
-        {style.shadowMargin, style.shadowMargin, style.card.width, style.card.height}, scale));
-    Painter painter{style, scale, card.intersection(backdrop.bounds()),
-                    makeGlass(backdrop, card, style.textBottom, scale)};
-    painter.glassRow.resize(static_cast<std::size_t>(std::max(card.width, 0)));
-    Pixels chrome{backdrop.width, backdrop.height};
-    for (int y = 0; y < chrome.height; ++y) painter.drawRow(y, chrome.row(y), chrome.width);
-    return chrome;
+    return chromeOf({backdrop.width, backdrop.height}, style, scale,
+                    makeGlass(backdrop, cardIn(style, scale), style.textBottom, scale));
+}
+
+Pixels makeTintedCardChrome(int width, int height, const CardStyle& style, double scale) {
+    return chromeOf({width, height}, style, scale,
+                    makeTintedGlass({0, 0, width, height}, cardIn(style, scale), scale));
 }
 
 }  // namespace quorvane

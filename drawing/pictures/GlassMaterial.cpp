@@ -27,6 +27,13 @@ constexpr float kVeil = 0.011F;   // separates the card from a black screen
 constexpr float kSheen = 0.018F;  // light from above, fading toward the middle
 constexpr float kSheenReach = 0.6F;
 
+// The tinted glass, in values of the screen: its colour is the tint plus the light at its height.
+// Over white a pixel is kTintOpacity * colour + 1 - kTintOpacity, at most 0.26. There white text of
+// kTextOpacity has a contrast of 4.6; over anything darker it has more.
+constexpr float kTint[] = {0.062F, 0.066F, 0.078F};
+constexpr float kTintLight = 0.05F;  // at the top
+constexpr float kTintOpacity = 0.84F;
+
 constexpr float kRedShare = 0.2126F;
 constexpr float kGreenShare = 0.7152F;
 constexpr float kBlueShare = 0.0722F;
@@ -95,7 +102,10 @@ void addUp(const std::uint32_t* row, int width, int step, std::vector<LightSum>&
 GlassPicture reduced(const Pixels& picture, int step) {
     const int width = (picture.width + step - 1) / step;
     const int height = (picture.height + step - 1) / step;
-    GlassPicture result{step, Plane{width, height}, Plane{width, height}, Plane{width, height}};
+    GlassPicture result{.step = step,
+                        .red = Plane{width, height},
+                        .green = Plane{width, height},
+                        .blue = Plane{width, height}};
     for (int y = 0; y < height; ++y) {
         std::vector<LightSum> sums(static_cast<std::size_t>(width));
         const int bottom = std::min((y + 1) * step, picture.height);
@@ -112,6 +122,10 @@ GlassPicture reduced(const Pixels& picture, int step) {
         }
     }
     return result;
+}
+
+int stepAt(double scale) {
+    return std::max(1, static_cast<int>(std::lround(kPointsAValue * scale)));
 }
 
 float sheen(int y, const PixelRect& card, int step) {
@@ -233,12 +247,26 @@ double darkTintOpacity() {
 
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
                        double scale) {
-    const int step = std::max(1, static_cast<int>(std::lround(kPointsAValue * scale)));
+    const int step = stepAt(scale);
     GlassPicture glass = reduced(backdrop, step);
     for (Plane* plane : {&glass.red, &glass.green, &glass.blue})
         blur(*plane, kBlurDeviation * scale / step);
     tone(glass, card, textBottom, scale);
     return glass;
+}
+
+GlassPicture makeTintedGlass(const PixelRect& picture, const PixelRect& card, double scale) {
+    const int step = stepAt(scale);
+    const int width = (picture.width + step - 1) / step;
+    const int height = (picture.height + step - 1) / step;
+    const auto plane = [&](float tint) {
+        Plane values{width, height, tint};
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                values.at(x, y) += sheen(y, card, step) * (kTintLight / kSheen);
+        return values;
+    };
+    return {step, kTintOpacity, plane(kTint[0]), plane(kTint[1]), plane(kTint[2])};
 }
 
 }  // namespace quorvane

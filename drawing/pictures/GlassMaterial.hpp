@@ -16,4 +16,9 @@ double darkTintOpacity();
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
                        double scale);
 
+// The glass where nobody can read what is behind it: a dark tint that lets some of it through, with
+// light from above. The card's faintest text has a contrast of at least 4.5 over any picture.
+// `picture` is the size of the chrome in pixels.
+GlassPicture makeTintedGlass(const PixelRect& picture, const PixelRect& card, double scale);
+
 }  // namespace quorvane

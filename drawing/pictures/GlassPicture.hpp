@@ -10,7 +10,8 @@ namespace quorvane {
 // One value per square of pixels; screen-encoded colours, 0 to 1. Pixels are interpolated between
 // values, which suffices because the glass is soft.
 struct GlassPicture {
-    int step = 1;  // pixels per value, in width and height
+    int step = 1;       // pixels per value, in width and height
+    float opacity = 1;  // below 1, what is behind the card shows through
     Plane red;
     Plane green;
     Plane blue;

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "host/players/FileURL.hpp"
+#include "host/players/PlayerSnapshot.hpp"
 #include "platform/Character.hpp"
 
 namespace quorvane {

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "host/players/JSONFields.hpp"
+#include "host/players/PlayerSnapshot.hpp"
 
 namespace quorvane {
 

@@ -4,26 +4,22 @@
 
 #include <utility>
 
-#include "platform/linux/services/HeadlessPlatform.hpp"
-
 namespace quorvane {
 
-CardModuleLoader::CardModuleLoader(std::filesystem::path file, CardModuleServices services)
-    : file_(std::move(file)),
-      services_(std::move(services)),
-      log_(services_.log, kPlatformSubsystem, "card") {}
+CardModuleLoader::CardModuleLoader(std::filesystem::path file, Logger log, Entry entry)
+    : file_(std::move(file)), log_(std::move(log)), entry_(std::move(entry)) {}
 
 const CardWindows* CardModuleLoader::loaded() {
     if (windows_) return &*windows_;
     void* const library = dlopen(file_.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* const symbol = library ? dlsym(library, kMakeCardWindowsSymbol) : nullptr;
+    void* const symbol = library ? dlsym(library, entry_.symbol) : nullptr;
     if (!symbol) {
         const char* const reason = dlerror();
         log_.error("card: the drawing module cannot be loaded: %{public}s",
                    reason ? reason : "its entry is missing");
         return nullptr;
     }
-    windows_ = reinterpret_cast<MakeCardWindows>(symbol)(services_);
+    windows_ = entry_.makeWindows(symbol);
     return &*windows_;
 }
 

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 
-#include "platform/linux/card/CardModule.hpp"
+#include "drawing/CardWindows.hpp"
+#include "platform/Log.hpp"
 
 namespace quorvane {
 
@@ -12,7 +14,13 @@ namespace quorvane {
 // there are no windows.
 class CardModuleLoader {
 public:
-    CardModuleLoader(std::filesystem::path file, CardModuleServices services);
+    // Calls the module's entry, which it finds by its name.
+    struct Entry {
+        const char* symbol;
+        std::function<CardWindows(void* entry)> makeWindows;
+    };
+
+    CardModuleLoader(std::filesystem::path file, Logger log, Entry entry);
 
     // `reducesMotion` stays empty. The table refers to this loader.
     CardWindows windows();
@@ -21,8 +29,8 @@ private:
     const CardWindows* loaded();
 
     std::filesystem::path file_;
-    CardModuleServices services_;
     Logger log_;
+    Entry entry_;
     std::optional<CardWindows> windows_;
 };
 

@@ -1,4 +1,4 @@
-// The tables of this edition that need the X11 session.
+// The tables of this edition that need a display: X11 or Wayland.
 #include <malloc.h>
 
 #include <cstdlib>
@@ -11,14 +11,18 @@
 #include "platform/linux/CardModuleLoader.hpp"
 #include "platform/linux/accessibility/AccessibilityLinux.hpp"
 #include "platform/linux/bus/MotionSetting.hpp"
+#include "platform/linux/card/CardModule.hpp"
 #include "platform/linux/files/Environment.hpp"
 #include "platform/linux/language/Translations.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
 #include "platform/linux/lockers/LockWatcherLinux.hpp"
 #include "platform/linux/lockers/X11SessionLinux.hpp"
 #include "platform/linux/processes/Confinement.hpp"
+#include "platform/linux/processes/LoginItemLinux.hpp"
 #include "platform/linux/services/HeadlessPlatform.hpp"
 #include "platform/linux/services/SessionProblemsLinux.hpp"
+#include "platform/linux/wayland/WaylandSessionLinux.hpp"
+#include "platform/linux/wayland/card/WaylandCardModule.hpp"
 #include "platform/linux/x11/ToolkitSettings.hpp"
 
 namespace quorvane {
@@ -28,50 +32,120 @@ namespace {
 // threads here seldom run at once, and each of the five heaps would retain its free memory.
 void shareOneHeap() { mallopt(M_ARENA_MAX, 1); }
 
-std::filesystem::path moduleFile() {
+std::filesystem::path besideExecutable(const char* file) {
     std::error_code error;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    return executable.parent_path() / kCardModuleFile;
+    return executable.parent_path() / file;
 }
+
+// What the two displays provide.
+struct Display {
+    Screens screens;
+    LockerSight sight{};
+    std::function<std::optional<std::int32_t>()> toolkitAnimates;
+    std::function<void(bool isLocked)> lockChanged;
+    std::function<CardModuleLoader::Entry(AccessibleCards&)> entry;
+    Network network;
+    std::shared_ptr<void> session;  // the others refer to it
+};
 
 // Members are in construction order; later ones refer to earlier ones.
 struct DisplayPlatform {
-    DisplayPlatform(const LiveServices& services, std::unique_ptr<X11SessionLinux> session)
-        : x11(std::move(session)),
-          watcher(HeadlessPlatform::of(services), *x11),
-          motion(HeadlessPlatform::of(services).sessionBus,
-                 [this] { return toolkitSetting(*x11, "Gtk/EnableAnimations"); }),
+    DisplayPlatform(const LiveServices& services, Display ofSession)
+        : display(std::move(ofSession)),
+          watcher(HeadlessPlatform::of(services), display.sight),
+          motion(HeadlessPlatform::of(services).sessionBus, display.toolkitAnimates),
           accessibility(HeadlessPlatform::of(services).loop,
                         HeadlessPlatform::of(services).sessionBus,
                         {services.log, kPlatformSubsystem, "accessibility"}),
-          cards(moduleFile(), {.x11 = *x11,
-                               .clock = services.clock,
-                               .mainThread = services.mainThread,
-                               .log = services.log,
-                               .makeSerialQueue = services.makeSerialQueue,
-                               .accessibility = &accessibility}),
-          motionRefreshes(watcher.observeLocking([this] { motion.refresh(); })) {}
+          cards(besideExecutable(kCardModuleFile), {services.log, kPlatformSubsystem, "card"},
+                display.entry(accessibility)),
+          lockObservation(watcher.observeLock([this](bool isLocked) {
+              if (isLocked) motion.refresh();
+              display.lockChanged(isLocked);
+          })) {}
 
-    std::unique_ptr<X11SessionLinux> x11;
+    Display display;
     LockWatcherLinux watcher;
     MotionSetting motion;
     AccessibilityLinux accessibility;
     CardModuleLoader cards;
-    Handle motionRefreshes;
+    Handle lockObservation;
 };
 
-Result<std::unique_ptr<X11SessionLinux>> openSession(const LiveServices& services) {
+Result<Display> openX11(const LiveServices& services) {
     const Logger log{services.log, kPlatformSubsystem, "x11"};
-    const auto display = environmentVariable("DISPLAY");
-    const auto problem = screenProblem(display, environmentVariable("WAYLAND_DISPLAY"));
-    if (problem && display.empty())
-        return std::unexpected(PlatformError{PlatformError::Domain::service, 0, *problem});
-    if (problem) log.error("x11: %{public}s", *problem);
     auto& state = HeadlessPlatform::of(services);
-    return X11SessionLinux::open(state.loop, "", [&state, log] {
+    auto opened = X11SessionLinux::open(state.loop, "", [&state, log] {
         log.error("x11: the X server has gone away");
         state.loop.quit(EXIT_FAILURE);
     });
+    if (!opened) return std::unexpected(std::move(opened).error());
+    const std::shared_ptr<X11SessionLinux> x11 = *std::move(opened);
+    return Display{
+        .screens = x11->screens(),
+        .sight = {.isSeen = [&x = *x11] { return !x.lockerWindows().empty(); },
+                  .observe =
+                      [&x = *x11](std::function<void()> changed) {
+                          return x.observeLockerWindows(std::move(changed));
+                      }},
+        .toolkitAnimates = [&x = *x11] { return toolkitSetting(x, "Gtk/EnableAnimations"); },
+        .lockChanged = [](bool) {},
+        .entry =
+            [&x = *x11, services](AccessibleCards& accessibility) {
+                return CardModuleLoader::Entry{
+                    kMakeCardWindowsSymbol,
+                    [made = CardModuleServices{.x11 = x,
+                                               .clock = services.clock,
+                                               .mainThread = services.mainThread,
+                                               .log = services.log,
+                                               .makeSerialQueue = services.makeSerialQueue,
+                                               .accessibility = &accessibility}](void* entry) {
+                        return reinterpret_cast<MakeCardWindows>(entry)(made);
+                    }};
+            },
+        .network = networkForDisplay(environmentVariable("DISPLAY")),
+        .session = x11};
+}
+
+Display openWayland(const LiveServices& services) {
+    const Logger log{services.log, kPlatformSubsystem, "wayland"};
+    const std::filesystem::path program = besideExecutable(kSurfaceProgram);
+    if (const auto permitted = permitAboveLock(program, services.process); !permitted)
+        log.error("wayland: no permission to stand above the lock screen: %{public}s",
+                  errorText(permitted.error()));
+    const auto wayland =
+        std::make_shared<WaylandSessionLinux>(HeadlessPlatform::of(services).loop, program, log);
+    return {.screens = wayland->screens(),
+            .toolkitAnimates = [] { return std::nullopt; },
+            .lockChanged = [&w = *wayland](bool isLocked) { w.setLocked(isLocked); },
+            .entry =
+                [&w = *wayland, services](AccessibleCards& accessibility) {
+                    return CardModuleLoader::Entry{
+                        kMakeWaylandCardWindowsSymbol,
+                        [made = WaylandCardServices{.session = w,
+                                                    .clock = services.clock,
+                                                    .mainThread = services.mainThread,
+                                                    .log = services.log,
+                                                    .makeSerialQueue = services.makeSerialQueue,
+                                                    .accessibility = &accessibility}](void* entry) {
+                            return reinterpret_cast<MakeWaylandCardWindows>(entry)(made);
+                        }};
+                },
+            .network = Network::isForbidden,
+            .session = wayland};
+}
+
+// The display of the session that the add-on runs in.
+Result<Display> openDisplay(const LiveServices& services) {
+    const SessionVariables session = sessionVariables();
+    const auto problem = screenProblem(session);
+    if (problem && session.display.empty())
+        return std::unexpected(PlatformError{PlatformError::Domain::service, 0, *problem});
+    if (problem)
+        Logger{services.log, kPlatformSubsystem, "wayland"}.error("wayland: %{public}s", *problem);
+    if (!problem && isWaylandSession(session)) return openWayland(services);
+    return openX11(services);
 }
 
 ImageRef decodeImage(ByteView encoded) {
@@ -85,12 +159,12 @@ ImageRef decodeImage(ByteView encoded) {
 
 Result<LivePlatform> makeLivePlatform(LiveServices services) {
     shareOneHeap();
-    auto session = openSession(services);
-    if (!session) return std::unexpected(std::move(session).error());
-    const auto owner = std::make_shared<DisplayPlatform>(services, *std::move(session));
+    auto display = openDisplay(services);
+    if (!display) return std::unexpected(std::move(display).error());
+    const auto owner = std::make_shared<DisplayPlatform>(services, *std::move(display));
     LivePlatform platform;
     platform.lockSources = owner->watcher.sources();
-    platform.screens = owner->x11->screens();
+    platform.screens = owner->display.screens;
     platform.cardWindows = owner->cards.windows();
     platform.cardWindows.reducesMotion = [state = owner.get()] {
         return state->motion.isReduced();
@@ -106,8 +180,9 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
                                   !locales.empty() && isRightToLeftLocale(locales.front())] {
         return isRightToLeft;
     };
-    platform.confine = [log = Logger{services.log, kPlatformSubsystem, "process"}] {
-        const auto confined = confineProcess(networkForDisplay(environmentVariable("DISPLAY")));
+    platform.confine = [log = Logger{services.log, kPlatformSubsystem, "process"},
+                        network = owner->display.network] {
+        const auto confined = confineProcess(network);
         if (!confined) log.error("process: not confined: %{public}s", errorText(confined.error()));
     };
     platform.services = std::move(services);

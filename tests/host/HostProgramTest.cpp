@@ -25,6 +25,7 @@ protected:
                 "HOME=" + folder.path().string(),
                 "DISPLAY=",
                 "WAYLAND_DISPLAY=",
+                "XDG_CURRENT_DESKTOP=",
                 "XDG_RUNTIME_DIR=" + folder.path().string(),
                 "XDG_CONFIG_HOME=" + (folder / "config").string(),
                 "XDG_DATA_HOME=" + (folder / "data").string(),
@@ -62,7 +63,9 @@ TEST_F(HostProgramTest, ExplainsMistakesAndWhatTheSessionLacks) {
         {{"status"},
          "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent",
          "Session: there is no session bus"},
-        {{"status"}, "WAYLAND_DISPLAY=wayland-0", "Session: this is a Wayland session"}};
+        {{"status"},
+         "WAYLAND_DISPLAY=wayland-0",
+         "Session: no card can appear: this Wayland compositor"}};
     for (const auto& [arguments, variable, words] : rows)
         EXPECT_NE(run(arguments, 1, variable).find(words), std::string::npos) << words;
 }
@@ -78,8 +81,8 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
               "Card:    on\n"
               "Install: not installed (run: quorvane-host install)\n"
               "Add-on:  not running; never seen\n"
-              "Session: there is no X11 session to show a card in: DISPLAY is not set; use a "
-              "terminal of the X11 session\n");
+              "Session: there is no session to show a card in: neither WAYLAND_DISPLAY nor DISPLAY "
+              "is set; use a terminal of the session\n");
     EXPECT_EQ(modeOf(folder / "data/group.example.quillon.Quorvane/ipc-secret"), 0600);
     // `status` does not wait long for a host that hangs.
     host.process().signal(SIGSTOP);

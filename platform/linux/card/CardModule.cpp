@@ -2,31 +2,12 @@
 
 #include <malloc.h>
 
-#include "platform/linux/card/CardStageX11.hpp"
+#include "platform/linux/card/CardStageLinux.hpp"
 #include "platform/linux/card/CardWindowX11.hpp"
 #include "platform/linux/drawing/TextLayoutCache.hpp"
 
 namespace quorvane {
 namespace {
-
-std::shared_ptr<CardResources> makeResources(const CardModuleServices& services) {
-    std::shared_ptr<CardResources> resources{new CardResources{
-        .x11 = services.x11,
-        .clock = services.clock,
-        .mainThread = services.mainThread,
-        .log = Logger{services.log, "example.quillon.Quorvane.Platform", "windows"},
-        .accessibility = services.accessibility}};
-    if (!services.makeSerialQueue) {
-        resources->pictures = std::make_shared<PictureCache>();
-        return resources;
-    }
-    resources->pictures = std::make_shared<PictureCache>(
-        services.makeSerialQueue("example.quillon.Quorvane.LockScreenAddOn.pictures"),
-        services.mainThread, [weak = std::weak_ptr{resources}] {
-            if (const auto held = weak.lock()) held->picturesArrived.call();
-        });
-    return resources;
-}
 
 // Window pictures are megabytes each and live as long as a card or a movement. By default the C
 // library would soon allocate them from its heap, where the hole each leaves stays resident.
@@ -40,14 +21,16 @@ void giveLargeBlocksBack() {
 extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeCardWindows(
     const CardModuleServices& services) {
     giveLargeBlocksBack();
-    const auto resources = makeResources(services);
+    const auto resources = CardResources::make(services.clock, services.mainThread, services.log,
+                                               services.makeSerialQueue, services.accessibility);
     CardWindows windows;
-    windows.makeWindow = [resources](const WindowSettings& settings,
-                                     const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
-        return CardWindowX11::make(resources, settings, screen);
+    windows.makeWindow = [&x11 = services.x11, resources](
+                             const WindowSettings& settings,
+                             const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
+        return CardWindowX11::make(x11, resources, settings, screen);
     };
     windows.makeStage = [](const CardStyle& style) {
-        return std::make_shared<CardStageX11>(style);
+        return std::make_shared<CardStageLinux>(style);
     };
     windows.measureText = makeMeasureText();
     return windows;

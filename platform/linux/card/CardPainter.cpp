@@ -67,12 +67,19 @@ Rect pointerArea(Point tip) {
 
 void CardPainter::setBackdrop(Pixels backdrop) {
     backdrop_ = std::move(backdrop);
+    isClear_ = false;
     chrome_ = ground_ = moving_ = {};
+}
+
+void CardPainter::setClear(int width, int height) {
+    setBackdrop({width, height});
+    isClear_ = true;
 }
 
 bool CardPainter::makeChrome() {
     if (!chrome_.isEmpty() || !ground_.isEmpty()) return false;
-    chrome_ = makeCardChrome(backdrop_, style_, scale_);
+    chrome_ = isClear_ ? makeTintedCardChrome(backdrop_.width, backdrop_.height, style_, scale_)
+                       : makeCardChrome(backdrop_, style_, scale_);
     return true;
 }
 

@@ -34,6 +34,8 @@ public:
 
     // `backdrop` has the size of the stage in pixels.
     void setBackdrop(Pixels backdrop);
+    // For a picture with real alpha, of this many pixels, over a backdrop that cannot be read.
+    void setClear(int width, int height);
     const Pixels& backdrop() const { return backdrop_; }
     // Makes glass and shadow over the backdrop, for the next drawing that needs them. Returns false
     // when they exist already.
@@ -59,6 +61,7 @@ private:
 
     CardStyle style_;
     double scale_;
+    bool isClear_ = false;
     // Pictures of the whole stage; empty until they are needed. Only one of chrome and ground is
     // kept.
     Pixels backdrop_;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/Seconds.hpp"
-
 namespace quorvane {
 namespace {
 
@@ -15,32 +13,27 @@ constexpr Duration kRepaintTime = std::chrono::milliseconds{150};
 
 }  // namespace
 
-std::unique_ptr<CardWindowX11> CardWindowX11::make(std::shared_ptr<CardResources> resources,
+std::unique_ptr<CardWindowX11> CardWindowX11::make(X11Session& x11,
+                                                   std::shared_ptr<CardResources> resources,
                                                    const WindowSettings& settings,
                                                    const Screen& screen) {
     std::unique_ptr<CardWindowX11> window{
-        new CardWindowX11{std::move(resources), settings, screen}};
+        new CardWindowX11{x11, std::move(resources), settings, screen}};
     CardWindowX11& self = *window;
-    window->child_ =
-        CardXWindow::make(self.resources_->x11, self.resources_->log, settings.frame, screen,
-                          {.destroyed = [&self] { self.vanish(); },
-                           .exposed =
-                               [&self](const PixelRect& part) {
-                                   if (self.display_) self.display_->showAgain(part);
-                               }});
+    window->child_ = CardXWindow::make(x11, self.resources_->log, settings.frame, screen,
+                                       {.destroyed = [&self] { self.vanish(); },
+                                        .exposed =
+                                            [&self](const PixelRect& part) {
+                                                if (self.display_) self.display_->showAgain(part);
+                                            }});
     if (!window->child_) return nullptr;
     window->number_ = static_cast<long>(window->child_->window());
     return window;
 }
 
-CardWindowX11::CardWindowX11(std::shared_ptr<CardResources> resources,
+CardWindowX11::CardWindowX11(X11Session& x11, std::shared_ptr<CardResources> resources,
                              const WindowSettings& settings, const Screen& screen)
-    : resources_(std::move(resources)),
-      screen_(screen),
-      contentScale_(settings.contentScale),
-      alpha_(settings.alpha),
-      ignoresMouseEvents_(settings.ignoresMouseEvents),
-      pictures_(resources_->picturesArrived.add([this] { picturesArrived(); })) {}
+    : CardWindowLinux(std::move(resources), settings, screen), x11_(x11) {}
 
 CardWindowX11::~CardWindowX11() { close(); }
 
@@ -51,14 +44,6 @@ unsigned long CardWindowX11::occlusionState() const {
 void CardWindowX11::setIgnoresMouseEvents(bool ignores) {
     ignoresMouseEvents_ = ignores;
     syncPointer();
-}
-
-void CardWindowX11::setContent(std::shared_ptr<CardStage> stage) {
-    if (stage_) stage_->setHost(nullptr);
-    hide();
-    stage_ = std::dynamic_pointer_cast<CardStageX11>(std::move(stage));
-    if (stage_) stage_->setHost(this);
-    updateSoon();
 }
 
 // A visible card is hidden while it moves, because the picture at its new place can be read only
@@ -75,60 +60,12 @@ void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     }
     child_->moveTo(place);
     child_->cutOut(screen.keepClear, screen);
-    resources_->x11.flush();
-}
-
-void CardWindowX11::orderFrontRegardless() {
-    isOrderedIn_ = child_->isStanding();
-    updateSoon();
-}
-
-void CardWindowX11::orderOut() {
-    isOrderedIn_ = false;
-    hide();
+    x11_.flush();
 }
 
 void CardWindowX11::close() {
-    orderOut();
-    endFade();
-    if (stage_) stage_->setHost(nullptr);
-    stage_.reset();
+    CardWindowLinux::close();
     if (child_) child_->destroy();
-}
-
-void CardWindowX11::setAlpha(double alpha) {
-    endFade();
-    alpha_ = alpha;
-    updateSoon();
-}
-
-void CardWindowX11::animateAlpha(double alpha, Duration duration,
-                                 std::function<void()> completion) {
-    const Instant now = resources_->clock.now();
-    const double from = alphaAt(now);
-    endFade();
-    alpha_ = alpha;
-    fade_ = Fade{from, alpha, std::nullopt, duration, std::move(completion)};
-    if (!child_->isStanding()) endFade();
-    updateSoon();
-}
-
-void CardWindowX11::setMouseDownObserver(std::function<void(Point)> observer) {
-    mouseDownObserver_ = std::move(observer);
-}
-
-// Ends the fade; `alpha_` already is its target value.
-void CardWindowX11::endFade() {
-    auto fade = std::exchange(fade_, std::nullopt);
-    if (fade && fade->completion) resources_->mainThread.post(std::move(fade->completion));
-}
-
-double CardWindowX11::alphaAt(Instant now) const {
-    if (!fade_) return alpha_;
-    if (!fade_->begin) return fade_->from;
-    const double whole = secondsOf(fade_->duration);
-    const double share = whole > 0 ? secondsOf(now - *fade_->begin) / whole : 1;
-    return fade_->from + (fade_->to - fade_->from) * easeInOut(share);
 }
 
 StageLook CardWindowX11::look(Instant now) const {
@@ -136,22 +73,6 @@ StageLook CardWindowX11::look(Instant now) const {
             .transform = stage_->transformAt(now),
             .alpha = alphaAt(now),
             .pointer = arrow_};
-}
-
-bool CardWindowX11::isMoving(Instant now) const { return fade_ || stage_->isMoving(now); }
-
-bool CardWindowX11::isToBeSeen() const {
-    return isOrderedIn_ && stage_ && !stage_->isHidden() && (alpha_ > 0 || fade_);
-}
-
-// Coalesces all changes of one main-loop turn into one update: an entrance changes five things, and
-// no intermediate state may be visible.
-void CardWindowX11::updateSoon() {
-    if (std::exchange(isUpdatePosted_, true)) return;
-    post([this] {
-        isUpdatePosted_ = false;
-        update();
-    });
 }
 
 void CardWindowX11::update() {
@@ -180,19 +101,10 @@ void CardWindowX11::updateAfter(Duration delay) {
     nextFrame_ = resources_->clock.after(std::max(Duration{}, delay), [this] { update(); });
 }
 
-void CardWindowX11::beginAnimations(Instant now) {
-    if (fade_ && !fade_->begin) fade_->begin = now;
-    if (stage_) stage_->beginMovement(now);
-}
-
-void CardWindowX11::finishFade(Instant now) {
-    if (fade_ && fade_->begin && now - *fade_->begin >= fade_->duration) endFade();
-}
-
 bool CardWindowX11::show(Instant now) {
     display_ =
-        std::make_unique<CardDisplay>(resources_->x11, resources_->clock, *child_, stage_->style(),
-                                      scale(), resources_->pictures, [this] { updateSoon(); });
+        std::make_unique<CardDisplay>(x11_, resources_->clock, *child_, stage_->style(), scale(),
+                                      resources_->pictures, [this] { updateSoon(); });
     if (!display_->prepare(stage_->transformAt(now))) {
         display_.reset();
         resources_->log.error("windows: window %ld cannot be shown", number_);
@@ -228,72 +140,13 @@ void CardWindowX11::sceneChanged(const std::vector<Rect>& areas) {
         updateSoon();
 }
 
-void CardWindowX11::picturesArrived() {
-    if (!stage_) return;
-    std::vector<Rect> areas;
-    const Rect whole{0, 0, stage_->style().card.width, stage_->style().card.height};
-    for (const SceneNode& node : stage_->scene().nodes)
-        if (std::holds_alternative<ImageNode>(node)) areas = {whole};
-    if (!areas.empty()) sceneChanged(areas);
-}
-
 void CardWindowX11::syncPointer() {
     if (!display_ || ignoresMouseEvents_) return pointer_.reset();
     if (pointer_) return;
     pointer_ = std::make_unique<CardPointer>(
-        resources_->x11, *child_, stage_->style(), scale(),
-        CardPointer::Listener{.event = [this](const PointerEvent& event) { pointerEvent(event); },
+        x11_, *child_, stage_->style(), scale(),
+        CardPointer::Listener{.event = [this](const PointerEvent& event) { deliver(event); },
                               .arrow = [this](std::optional<Point> place) { moveArrow(place); }});
-}
-
-// Posted, so that the content is never called from inside a call to its window.
-void CardWindowX11::pointerEvent(const PointerEvent& event) {
-    post([this, event, stage = std::weak_ptr{stage_}] {
-        const auto content = stage.lock();
-        if (!content) return;
-        const CardStyle& style = content->style();
-        // In window coordinates y grows upward.
-        const Point inWindow{event.location.x + style.shadowMargin,
-                             style.card.height + style.shadowMargin - event.location.y};
-        const auto observer = mouseDownObserver_;
-        if (event.kind == PointerEvent::Kind::down && observer) observer(inWindow);
-        const auto pointer = content->events().pointer;
-        if (pointer) pointer(event);
-    });
-}
-
-// A hidden card is not exposed to assistive technology.
-void CardWindowX11::tellAccessibility(bool isSeen) {
-    if (!resources_->accessibility || std::exchange(isAccessible_, isSeen) == isSeen) return;
-    if (isSeen)
-        resources_->accessibility->appeared(*this);
-    else
-        resources_->accessibility->disappeared(*this);
-}
-
-void CardWindowX11::controlsChanged() {
-    if (isAccessible_) resources_->accessibility->changed(*this);
-}
-
-Point CardWindowX11::accessibleOrigin() const {
-    const double margin = stage_->style().shadowMargin * scale();
-    return {child_->origin().x + margin, child_->origin().y + margin};
-}
-
-void CardWindowX11::perform(SceneControl::ID control, AccessibilityAction action) {
-    post([control, action, stage = std::weak_ptr{stage_}] {
-        const auto content = stage.lock();
-        const auto perform = content ? content->events().accessibility : nullptr;
-        if (perform) perform(control, action);
-    });
-}
-
-void CardWindowX11::setNumber(SceneControl::ID control, double number) {
-    post([control, number, stage = std::weak_ptr{stage_}] {
-        const auto content = stage.lock();
-        const auto setNumber = content ? content->events().accessibilityNumber : nullptr;
-        if (setNumber) setNumber(control, number);
-    });
 }
 
 void CardWindowX11::moveArrow(std::optional<Point> place) {
@@ -304,19 +157,6 @@ void CardWindowX11::moveArrow(std::optional<Point> place) {
     for (const auto& tip : {before, place})
         if (tip) areas.push_back(pointerArea(*tip).movedBy(-margin, -margin));
     display_->drawParts(look(resources_->clock.now()), areas);
-}
-
-// The server has destroyed the window.
-void CardWindowX11::vanish() {
-    isOrderedIn_ = false;
-    hide();
-    endFade();
-}
-
-void CardWindowX11::post(std::function<void()> action) {
-    resources_->mainThread.post([life = life_.watch(), action = std::move(action)] {
-        if (!life.isOver()) action();
-    });
 }
 
 }  // namespace quorvane

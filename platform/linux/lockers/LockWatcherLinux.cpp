@@ -14,24 +14,25 @@ constexpr std::uint32_t kNotifyInvalidName = 1;
 
 }  // namespace
 
-LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, X11Session& x11)
+LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, LockerSight sight)
     : notices_(services.localNotices),
-      x11_(x11),
+      sight_(std::move(sight)),
       screenSavers_(services.sessionBus, [this] { update(); }),
       logind_(services.systemBus, {.lockedHintChanged = [this] { update(); },
                                    .woke = [this] { wakeListeners_.call(); }}),
       signals_(read()),
-      lockerObservation_(x11_.observeLockerWindows([this] { update(); })) {}
+      lockerObservation_(sight_.isSeen ? sight_.observe([this] { update(); }) : Handle{}) {}
 
 LockSignals LockWatcherLinux::read() const {
-    return {.hasLockerWindow = !x11_.lockerWindows().empty(),
-            .screenSaverIsActive = screenSavers_.isActive(),
-            .sessionSaysLocked = logind_.isLocked()};
+    LockSignals now{.screenSaverIsActive = screenSavers_.isActive(),
+                    .sessionSaysLocked = logind_.isLocked()};
+    now.hasLockerWindow = sight_.isSeen ? sight_.isSeen() : now.screenSaverIsActive;
+    return now;
 }
 
 void LockWatcherLinux::update() {
     const LockSignals before = std::exchange(signals_, read());
-    if (!before.isLocked() && signals_.isLocked()) lockingListeners_.call();
+    if (before.isLocked() != signals_.isLocked()) lockListeners_.call(signals_.isLocked());
     for (const char* notice : noticesBetween(before, signals_)) notices_.deliver(notice);
 }
 

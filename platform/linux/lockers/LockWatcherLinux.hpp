@@ -10,20 +10,27 @@
 #include "platform/linux/bus/LogindLinux.hpp"
 #include "platform/linux/bus/ScreenSaverSignals.hpp"
 #include "platform/linux/services/HeadlessPlatform.hpp"
-#include "platform/linux/x11/X11Session.hpp"
 
 namespace quorvane {
+
+// How lock screens are seen.
+struct LockerSight {
+    // Empty where no window tells it; the lock screen then counts as seen while a screen-saver
+    // service is active. The login manager's hint may outlast the lock, so it does not count.
+    std::function<bool()> isSeen;
+    std::function<Handle(std::function<void()> changed)> observe;
+};
 
 // Main thread only. Delivers the four notices to this process's own observers.
 class LockWatcherLinux {
 public:
-    LockWatcherLinux(HeadlessPlatform& services, X11Session& x11);
+    LockWatcherLinux(HeadlessPlatform& services, LockerSight sight);
 
     // The result refers to the watcher.
     LockSources sources();
-    // Called when the screen becomes locked, before the notice is delivered.
-    Handle observeLocking(std::function<void()> handler) {
-        return lockingListeners_.add(std::move(handler));
+    // Called when the screen becomes locked or unlocked, before the notice is delivered.
+    Handle observeLock(std::function<void(bool isLocked)> handler) {
+        return lockListeners_.add(std::move(handler));
     }
 
 private:
@@ -32,9 +39,9 @@ private:
     Handle observeWake(std::function<void()> handler);
 
     LocalNotices& notices_;
-    X11Session& x11_;
+    LockerSight sight_;
     Listeners<> wakeListeners_;
-    Listeners<> lockingListeners_;
+    Listeners<bool> lockListeners_;
     ScreenSaverSignals screenSavers_;
     LogindLinux logind_;
     LockSignals signals_;

@@ -65,6 +65,25 @@ std::string entryText(const std::filesystem::path& executable) {
            "\nTerminal=false\nNoDisplay=true\nX-GNOME-Autostart-enabled=true\n";
 }
 
+// What KDE Plasma's compositor reads about the program that connects to it.
+std::string permissionText(const std::filesystem::path& program) {
+    return std::string{kGroup} +
+           "\nType=Application\nName=Quorvane Lock Screen\nExec=" + commandOf(program) +
+           "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=kde_lockscreen_overlay_v1\n";
+}
+
+std::optional<std::filesystem::path> permissionFile(const ProcessInfo& process) {
+    const auto* identifier = find<std::string>(process.bundleProperties, "CFBundleIdentifier");
+    const auto folder = dataFolder();
+    if (identifier == nullptr || !isPlainFileName(*identifier) || !folder) return std::nullopt;
+    return *folder / "applications" / (*identifier + ".desktop");
+}
+
+Result<void> writeEntry(const std::filesystem::path& file, const std::string& text) {
+    if (auto made = makePrivateFolders(file.parent_path()); !made) return made;
+    return writeFileAtomically(file, bytesOf(text));
+}
+
 // Whether the user has disabled the entry, in any desktop's way.
 bool isSwitchedOff(std::string_view entry) {
     return valueOf(entry, "Hidden") == "true" ||
@@ -75,6 +94,7 @@ bool isSwitchedOff(std::string_view entry) {
 struct LoginItem {
     std::filesystem::path file;
     std::filesystem::path executable;  // started without arguments
+    std::optional<std::filesystem::path> permission;
 
     std::int64_t status() const {
         const auto standing = makeLiveRegularFiles().read(file, kLargestEntry);
@@ -84,11 +104,10 @@ struct LoginItem {
         return valueOf(text, "Exec") == commandOf(executable) ? LoginItemClient::kEnabled
                                                               : LoginItemClient::kNotRegistered;
     }
-    Result<void> registerItem() const {
-        if (auto made = makePrivateFolders(file.parent_path()); !made) return made;
-        return writeFileAtomically(file, bytesOf(entryText(executable)));
-    }
+    Result<void> registerItem() const { return writeEntry(file, entryText(executable)); }
     Result<void> unregisterItem() const {
+        if (permission && unlink(permission->c_str()) != 0 && errno != ENOENT)
+            return posixError(*permission);
         if (unlink(file.c_str()) != 0 && errno != ENOENT) return posixError(file);
         return {};
     }
@@ -99,7 +118,7 @@ std::optional<LoginItem> loginItemOf(const std::filesystem::path& folder,
     const auto* identifier = find<std::string>(process.bundleProperties, "CFBundleIdentifier");
     const auto executable = executableOfBundle(process.bundle, process.bundleProperties);
     if (identifier == nullptr || !isPlainFileName(*identifier) || !executable) return std::nullopt;
-    return LoginItem{folder / (*identifier + ".desktop"), *executable};
+    return LoginItem{folder / (*identifier + ".desktop"), *executable, permissionFile(process)};
 }
 
 LoginItemClient noLoginItem() {
@@ -122,6 +141,17 @@ LoginItemClient makeLoginItem(std::optional<std::filesystem::path> autostartFold
     return {.status = [item = *item] { return item.status(); },
             .registerItem = [item = *item] { return item.registerItem(); },
             .unregisterItem = [item = *item] { return item.unregisterItem(); }};
+}
+
+Result<void> permitAboveLock(const std::filesystem::path& program, const ProcessInfo& process) {
+    const auto file = permissionFile(process);
+    if (!file)
+        return std::unexpected{
+            PlatformError{.description = "only an application in a bundle of a user with a home "
+                                         "is permitted above the lock screen"}};
+    const auto standing = makeLiveRegularFiles().read(*file, kLargestEntry);
+    if (standing && textOf(standing->contents) == permissionText(program)) return {};
+    return writeEntry(*file, permissionText(program));
 }
 
 }  // namespace quorvane

@@ -1,6 +1,7 @@
 // The add-on's login item: an XDG autostart entry of the user.
 #pragma once
 
+#include <filesystem>
 #include <optional>
 
 #include "platform/LoginItemClient.hpp"
@@ -13,5 +14,9 @@ namespace quorvane {
 // process does not run from a bundle. Registering replaces the entry; unregistering removes it.
 LoginItemClient makeLoginItem(std::optional<std::filesystem::path> autostartFolder,
                               const ProcessInfo& process);
+
+// Lets the program show its surfaces above KDE Plasma's lock screen: a desktop file in the user's
+// applications names it. Unregistering the login item removes the file.
+Result<void> permitAboveLock(const std::filesystem::path& program, const ProcessInfo& process);
 
 }  // namespace quorvane

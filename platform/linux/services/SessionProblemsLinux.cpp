@@ -12,14 +12,18 @@
 
 namespace quorvane {
 
-std::optional<std::string> screenProblem(std::string_view display,
-                                         std::string_view waylandDisplay) {
-    if (!waylandDisplay.empty())
-        return "this is a Wayland session, and for now the card needs an X11 session; choose one "
-               "at the login screen";
-    if (display.empty())
-        return "there is no X11 session to show a card in: DISPLAY is not set; use a terminal of "
-               "the X11 session";
+SessionVariables sessionVariables() {
+    return {.sessionType = environmentVariable("XDG_SESSION_TYPE"),
+            .display = environmentVariable("DISPLAY"),
+            .waylandDisplay = environmentVariable("WAYLAND_DISPLAY"),
+            .desktop = environmentVariable("XDG_CURRENT_DESKTOP")};
+}
+
+std::optional<std::string> screenProblem(const SessionVariables& session) {
+    if (isWaylandSession(session)) return waylandProblem(session.desktop);
+    if (session.display.empty())
+        return "there is no session to show a card in: neither WAYLAND_DISPLAY nor DISPLAY is set; "
+               "use a terminal of the session";
     return std::nullopt;
 }
 
@@ -48,8 +52,7 @@ std::optional<std::string> findPortsProblem() {
 }
 
 SessionProblems findSessionProblems(const LiveServices& services) {
-    SessionProblems problems{.screen = screenProblem(environmentVariable("DISPLAY"),
-                                                     environmentVariable("WAYLAND_DISPLAY")),
+    SessionProblems problems{.screen = screenProblem(sessionVariables()),
                              .ports = findPortsProblem()};
     if (!HeadlessPlatform::of(services).sessionBus.connection())
         problems.bus =

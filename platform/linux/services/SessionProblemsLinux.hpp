@@ -5,10 +5,12 @@
 #include <string>
 #include <string_view>
 
+#include "lockers/WaylandSessions.hpp"
+
 namespace quorvane {
 
-// Takes the values of the environment variables; an unset one is empty.
-std::optional<std::string> screenProblem(std::string_view display, std::string_view waylandDisplay);
+SessionVariables sessionVariables();
+std::optional<std::string> screenProblem(const SessionVariables& session);
 // `reason` says why the runtime folder cannot be used.
 std::string portsProblem(std::string_view runtimeVariable, const std::string& runtimeFolder,
                          const std::string& reason);

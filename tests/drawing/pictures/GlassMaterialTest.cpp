@@ -86,6 +86,26 @@ TEST(GlassMaterial, KeepsTheQuietestTextReadableAndSymbolsSeenOnEveryLockScreen)
         }
 }
 
+// Where the lock screen cannot be read, the tinted glass lets it through unblurred.
+TEST(GlassMaterial, KeepsTheSameTextReadableOnTintedGlass) {
+    for (const LockScreen& lockScreen : {plain(0xffffff), plain(0), LockScreen{busy}}) {
+        Pixels seen = makeTintedCardChrome(504, 326, kStyle, 1);
+        EXPECT_EQ(seen.at(0, 0), 0u);
+        for (int y = 0; y < seen.height; ++y)
+            for (int x = 0; x < seen.width; ++x) {
+                const std::uint32_t glass = seen.at(x, y);
+                const double rest = 1 - (glass >> 24) / 255.0;
+                std::uint32_t both = kOpaqueBlack;
+                for (const int shift : {0, 8, 16})
+                    both += std::uint32_t(std::lround((glass >> shift & 0xff) +
+                                                      rest * (lockScreen(x, y) >> shift & 0xff)))
+                            << shift;
+                seen.row(y)[x] = both;
+            }
+        EXPECT_GE(leastContrast(seen, 1, 55, 271, PlayerLayout::kSecondaryOpacity), 4.5);
+    }
+}
+
 TEST(CardChrome, HasAShadowAroundItALightEdgeAndSmoothCorners) {
     const Pixels chrome = chromeOn(busy);
     const auto alpha = [&](int x, int y) { return static_cast<int>(chrome.at(x, y) >> 24); };

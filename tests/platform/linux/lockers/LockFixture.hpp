@@ -47,7 +47,11 @@ protected:
         auto opened = X11SessionLinux::open(loop(), server.display(), [] {});
         ASSERT_TRUE(opened) << opened.error().description;
         session = *std::move(opened);
-        watcher = std::make_unique<LockWatcherLinux>(services, *session);
+        watcher = std::make_unique<LockWatcherLinux>(
+            services, LockerSight{[this] { return !session->lockerWindows().empty(); },
+                                  [this](std::function<void()> changed) {
+                                      return session->observeLockerWindows(std::move(changed));
+                                  }});
         sources = watcher->sources();
         for (const char* name :
              {kScreenIsLocked, kScreenIsUnlocked, kScreenLockUIIsShown, kScreenLockUIIsHidden})

@@ -21,12 +21,15 @@ struct LoginItemTest : testing::Test {
     TemporaryFolder folder;
     const std::string name = "autostart/" + kIdentifier + ".desktop";
 
-    LoginItemClient item(const fs::path& bundle) {
+    static ProcessInfo processOf(const fs::path& bundle) {
         ProcessInfo process{};
         process.bundle = bundle;
         process.bundleProperties = {{"CFBundleIdentifier", {kIdentifier}},
                                     {"CFBundleExecutable", {std::string{"Sleeper"}}}};
-        return makeLoginItem(folder / "autostart", process);
+        return process;
+    }
+    LoginItemClient item(const fs::path& bundle) {
+        return makeLoginItem(folder / "autostart", processOf(bundle));
     }
 };
 
@@ -53,6 +56,18 @@ TEST_F(LoginItemTest, IsAnEntryThatTheUserMaySwitchOff) {
     EXPECT_TRUE(own.unregisterItem());
     EXPECT_FALSE(fs::exists(folder / name));
     EXPECT_TRUE(own.unregisterItem()) << "again";
+}
+
+TEST_F(LoginItemTest, TakesThePermissionAboveTheLockScreenWithIt) {
+    setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
+    const std::string entry = "data/applications/" + kIdentifier + ".desktop";
+    ASSERT_TRUE(permitAboveLock("/a b/X.app/Surface", processOf("/a b/X.app")));
+    EXPECT_NE(folder.read(entry).find("\nExec=\"/a b/X.app/Surface\"\n"), std::string::npos);
+    EXPECT_TRUE(
+        folder.read(entry).ends_with("\nX-KDE-Wayland-Interfaces=kde_lockscreen_overlay_v1\n"));
+    EXPECT_TRUE(item("/a b/X.app").unregisterItem());
+    EXPECT_FALSE(fs::exists(folder / entry));
+    EXPECT_FALSE(permitAboveLock("/a b/X.app/Surface", ProcessInfo{})) << "not from a bundle";
 }
 
 TEST_F(LoginItemTest, FailsWhereItCannotBe) {

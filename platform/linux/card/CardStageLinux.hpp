@@ -1,4 +1,4 @@
-// The stage of a card on X11: its scene and its movement. Its window draws it.
+// The stage of a card: its scene and its movement. Its window draws it.
 #pragma once
 
 #include <optional>
@@ -21,9 +21,9 @@ public:
 };
 
 // Main thread only.
-class CardStageX11 final : public CardStage {
+class CardStageLinux final : public CardStage {
 public:
-    explicit CardStageX11(const CardStyle& style) : style_(style) {}
+    explicit CardStageLinux(const CardStyle& style) : style_(style) {}
 
     void setHidden(bool hidden) override;
     void removeAnimations() override;

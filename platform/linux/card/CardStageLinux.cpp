@@ -1,4 +1,4 @@
-#include "platform/linux/card/CardStageX11.hpp"
+#include "platform/linux/card/CardStageLinux.hpp"
 
 #include <utility>
 
@@ -7,20 +7,20 @@
 
 namespace quorvane {
 
-void CardStageX11::setHidden(bool hidden) {
+void CardStageLinux::setHidden(bool hidden) {
     if (std::exchange(isHidden_, hidden) != hidden && host_) host_->stageChanged();
 }
 
-void CardStageX11::removeAnimations() {
+void CardStageLinux::removeAnimations() {
     if (std::exchange(movement_, std::nullopt) && host_) host_->stageChanged();
 }
 
-void CardStageX11::springFrom(const Transform& start, const Spring& spring) {
+void CardStageLinux::springFrom(const Transform& start, const Spring& spring) {
     movement_ = Movement{start, spring, std::nullopt};
     if (host_) host_->stageChanged();
 }
 
-void CardStageX11::setScene(const Scene& scene) {
+void CardStageLinux::setScene(const Scene& scene) {
     const std::vector<Rect> areas = changedAreas(scene_, scene);
     const bool hasSameControls = scene_.controls == scene.controls;
     scene_ = scene;
@@ -28,16 +28,16 @@ void CardStageX11::setScene(const Scene& scene) {
     if (!hasSameControls && host_) host_->controlsChanged();
 }
 
-void CardStageX11::beginMovement(Instant now) {
+void CardStageLinux::beginMovement(Instant now) {
     if (movement_ && !movement_->begin) movement_->begin = now;
 }
 
-bool CardStageX11::isMoving(Instant now) const {
+bool CardStageLinux::isMoving(Instant now) const {
     return movement_ && (!movement_->begin ||
                          secondsOf(now - *movement_->begin) < movement_->spring.settlingDuration());
 }
 
-Transform CardStageX11::transformAt(Instant now) const {
+Transform CardStageLinux::transformAt(Instant now) const {
     if (!isMoving(now)) return Transform::identity();
     const Transform& start = movement_->start;
     const double elapsed = movement_->begin ? secondsOf(now - *movement_->begin) : 0;

@@ -1,0 +1,20 @@
+// The areas that KDE Plasma's lock screen on Wayland needs. The compositor does not tell them, so
+// they are known from the lock screen itself. Pure values.
+#pragma once
+
+#include <vector>
+
+#include "drawing/Screens.hpp"
+#include "drawing/pictures/Pixels.hpp"
+
+namespace quorvane {
+
+// `output` and the zones are in logical pixels, y growing downward.
+std::vector<Rect> greeterZones(const Rect& output);
+
+// The screen of an output, with its zones. Points are logical pixels; y is turned over.
+Screen screenOfOutput(const Rect& output, double scale);
+// A frame's place on the screen's output, in whole logical pixels from its top left.
+PixelRect placeOnOutput(const Rect& frame, const Screen& screen);
+
+}  // namespace quorvane

@@ -1,0 +1,118 @@
+// What card windows have in common on X11 and Wayland: the stage, fades, the delivery of presses,
+// and accessibility.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "drawing/CardWindows.hpp"
+#include "platform/Clock.hpp"
+#include "platform/LifeToken.hpp"
+#include "platform/Listeners.hpp"
+#include "platform/Log.hpp"
+#include "platform/MainThread.hpp"
+#include "platform/SerialQueue.hpp"
+#include "platform/linux/accessibility/AccessibleCard.hpp"
+#include "platform/linux/card/CardStageLinux.hpp"
+#include "platform/linux/drawing/PictureCache.hpp"
+
+namespace quorvane {
+
+// Resources shared by the card windows.
+struct CardResources {
+    Clock clock;
+    MainThread mainThread;
+    Logger log;
+    AccessibleCards* accessibility = nullptr;
+    std::shared_ptr<PictureCache> pictures{};  // shared with the canvases
+    Listeners<> picturesArrived{};
+
+    // Pictures are decoded synchronously without `makeSerialQueue`.
+    static std::shared_ptr<CardResources> make(const Clock& clock, const MainThread& mainThread,
+                                               const LogSink& log,
+                                               const MakeSerialQueue& makeSerialQueue,
+                                               AccessibleCards* accessibility);
+};
+
+// Main thread only. The destructors of the kinds call `close`.
+class CardWindowLinux : public CardSystemWindow, protected StageHost, private AccessibleCard {
+public:
+    // Whether it was ordered in and still exists.
+    bool isVisible() const override { return isOrderedIn_; }
+    void setContent(std::shared_ptr<CardStage> stage) override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+    void close() override;
+    void setAlpha(double alpha) override;
+    void animateAlpha(double alpha, Duration duration, std::function<void()> completion) override;
+    void setMouseDownObserver(std::function<void(Point)> observer) override;
+
+protected:
+    struct Fade {
+        double from;
+        double to;
+        std::optional<Instant> begin;  // time of the first frame that shows it
+        Duration duration;
+        std::function<void()> completion;
+    };
+
+    CardWindowLinux(std::shared_ptr<CardResources> resources, const WindowSettings& settings,
+                    const Screen& screen);
+
+    // Brings what is seen up to date.
+    virtual void update() = 0;
+    // Ends what is seen of the card.
+    virtual void hide() = 0;
+    // Whether the window can still appear.
+    virtual bool isStanding() const { return true; }
+    // The stage's top left, in root pixels or those of its screen.
+    virtual Point origin() const = 0;
+
+    void stageChanged() override { updateSoon(); }
+    void controlsChanged() override;
+    // Coalesces all changes of one main-loop turn into one update: an entrance changes five things,
+    // and no intermediate state may be visible.
+    virtual void updateSoon();
+    void beginAnimations(Instant now);
+    void finishFade(Instant now);
+    // `alpha_` already is the fade's target value.
+    virtual void endFade();
+    double alphaAt(Instant now) const;
+    bool isMoving(Instant now) const { return fade_ || stage_->isMoving(now); }
+    bool isToBeSeen() const;
+    double scale() const { return screen_.scale * contentScale_; }  // pixels per point of the stage
+    // Posted, so that the content is never called from inside a call to its window.
+    void deliver(const PointerEvent& event);
+    // A hidden card is not exposed to assistive technology.
+    void tellAccessibility(bool isSeen);
+    // The window cannot be shown any more.
+    void vanish();
+
+    std::shared_ptr<CardResources> resources_;
+    Screen screen_;
+    double contentScale_;
+    double alpha_;
+    bool ignoresMouseEvents_;
+    bool isOrderedIn_ = false;
+    bool isUpdatePosted_ = false;
+    std::shared_ptr<CardStageLinux> stage_;
+    std::optional<Fade> fade_;
+
+private:
+    const Scene& accessibleScene() const override { return stage_->scene(); }
+    Point accessibleOrigin() const override;
+    double accessibleScale() const override { return scale(); }
+    Size accessibleSize() const override { return stage_->style().card; }
+    void perform(SceneControl::ID control, AccessibilityAction action) override;
+    void setNumber(SceneControl::ID control, double number) override;
+    void picturesArrived();
+    void post(std::function<void()> action);
+
+    bool isAccessible_ = false;  // assistive technology knows of it
+    std::function<void(Point)> mouseDownObserver_;
+    Handle pictures_;
+    LifeToken life_;
+};
+
+}  // namespace quorvane

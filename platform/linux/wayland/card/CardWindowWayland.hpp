@@ -1,0 +1,64 @@
+// A card window on Wayland: visibility, fades, drawing at the compositor's pace, and the delivery
+// of presses.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/linux/card/CardPainter.hpp"
+#include "platform/linux/card/CardWindowLinux.hpp"
+#include "platform/linux/card/PressTracker.hpp"
+#include "platform/linux/wayland/WaylandSession.hpp"
+#include "platform/linux/wayland/card/SharedPictures.hpp"
+
+namespace quorvane {
+
+// Main thread only. Its surface exists only while part of the card is visible. The shadow has real
+// alpha and takes no pointer, so it may reach into an area to keep clear.
+class CardWindowWayland final : public CardWindowLinux {
+public:
+    CardWindowWayland(WaylandSession& session, std::shared_ptr<CardResources> resources,
+                      const WindowSettings& settings, const Screen& screen, long number);
+    ~CardWindowWayland() override;
+
+    long number() const override { return number_; }
+    unsigned long occlusionState() const override { return shown_ ? 2 : 0; }
+    void setIgnoresMouseEvents(bool ignores) override;
+    void setFrame(const Rect& frame, const Screen& screen) override;
+
+private:
+    // What exists only while the card is visible.
+    struct Shown {
+        CardPainter painter;
+        std::unique_ptr<SharedPictures> pictures;
+        std::uint32_t surface = 0;
+        bool awaitsFrame = false;   // the compositor will tell when to draw
+        bool isStale = true;        // everything must be drawn
+        std::vector<Rect> areas{};  // that must be drawn, in card coordinates
+    };
+
+    void sceneChanged(const std::vector<Rect>& areas) override;
+    void updateSoon() override;
+    void update() override;
+    void hide() override;
+    void endFade() override;
+    Point origin() const override;
+
+    bool show();
+    SurfaceEvents surfaceEvents();
+    void drawIfPaced(Instant now);
+    std::vector<PixelRect> draw(cairo_surface_t* target, const StageLook& look);
+    void syncInput();
+    void pointerEvent(const FromSurface& message);
+    void report(const std::optional<PointerEvent>& event);
+
+    WaylandSession& session_;
+    Rect frame_;
+    long number_;
+    Timer fadeEnd_;
+    std::optional<Shown> shown_;
+    PressTracker press_;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,56 @@
+// The pictures of one surface, in memory shared with the compositor.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "drawing/pictures/Pixels.hpp"
+#include "platform/linux/drawing/CairoHandles.hpp"
+#include "platform/linux/files/FileDescriptor.hpp"
+#include "platform/linux/wayland/messages/SurfaceMessages.hpp"
+
+namespace quorvane {
+
+// Main thread only. The compositor reads one picture while the next is drawn into another.
+class SharedPictures {
+public:
+    // Transparent pictures; null when memory is short.
+    static std::unique_ptr<SharedPictures> make(int width, int height);
+    ~SharedPictures();
+    SharedPictures(const SharedPictures&) = delete;
+    SharedPictures& operator=(const SharedPictures&) = delete;
+
+    int memory() const { return memory_.get(); }
+    PixelRect bounds() const { return {0, 0, width_, height_}; }
+    // A picture that nobody reads, with the content of the one shown last; nullopt while there is
+    // none.
+    std::optional<std::uint32_t> next();
+    cairo_surface_t* surface(std::uint32_t picture) const {
+        return pictures_[picture].surface.get();
+    }
+    // It is read from now on, and differs from the last one in these parts.
+    void shown(std::uint32_t picture, std::span<const PixelRect> parts);
+    void released(std::uint32_t picture);
+
+private:
+    struct Picture {
+        CairoSurface surface;
+        bool isRead = false;
+        std::vector<PixelRect> stale;  // where it lacks what was shown since
+    };
+
+    SharedPictures(FileDescriptor memory, std::uint32_t* pixels, int width, int height);
+    std::size_t pixelCount() const;
+
+    FileDescriptor memory_;
+    std::uint32_t* pixels_;
+    int width_;
+    int height_;
+    std::array<Picture, kPictures> pictures_;
+    std::uint32_t last_ = 0;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,65 @@
+// Which Wayland sessions show a card, and what it keeps clear of there.
+#include <gtest/gtest.h>
+
+#include "lockers/GreeterZones.hpp"
+#include "lockers/WaylandSessions.hpp"
+
+namespace quorvane {
+namespace {
+
+TEST(WaylandSessions, TakeTheSessionsOwnDisplay) {
+    EXPECT_FALSE(isWaylandSession({.sessionType = "x11", .display = ":0"}));
+    EXPECT_TRUE(isWaylandSession({.sessionType = "wayland", .waylandDisplay = "wayland-0"}));
+    EXPECT_TRUE(isWaylandSession(
+        {.sessionType = "wayland", .display = ":0", .waylandDisplay = "wayland-0"}));
+    EXPECT_TRUE(isWaylandSession({.sessionType = "tty", .waylandDisplay = "wayland-0"}));
+    // A compositor in a window of an X11 session.
+    EXPECT_FALSE(
+        isWaylandSession({.sessionType = "x11", .display = ":0", .waylandDisplay = "wayland-0"}));
+}
+
+TEST(WaylandSessions, WithoutACardAreNamed) {
+    for (const char* desktop : {"KDE", "kde", "X:KDE"})
+        EXPECT_EQ(waylandProblem(desktop), std::nullopt) << desktop;
+    EXPECT_EQ(waylandProblem("sway"),
+              "no card can appear: sway shows nothing above its lock screen; use an X11 session or "
+              "KDE Plasma");
+    for (const auto& [desktop, name] : {std::pair{"COSMIC", "COSMIC"},
+                                        {"Hyprland", "Hyprland"},
+                                        {"Wayfire:wlroots", "Wayfire"},
+                                        {"niri", "niri"},
+                                        {"labwc:wlroots", "labwc"},
+                                        {"river", "river"},
+                                        {"ubuntu:GNOME", "GNOME"},
+                                        {"", "this Wayland compositor"},
+                                        {"KDEX", "this Wayland compositor"}})
+        EXPECT_TRUE(
+            waylandProblem(desktop)->starts_with("no card can appear: " + std::string{name}))
+            << *waylandProblem(desktop);
+}
+
+// Seen on Plasma 5.27 at 1280 × 800.
+TEST(GreeterZones, HoldWhatPlasmaShows) {
+    const std::vector<Rect> zones = greeterZones({0, 0, 1280, 800});
+    for (const Rect& seen : {Rect{427, 84, 424, 116},    // clock and date
+                             Rect{578, 266, 124, 124},   // the user's picture
+                             Rect{497, 463, 287, 34},    // the prompt
+                             Rect{10, 775, 125, 15}}) {  // the virtual keyboard
+        bool isHeld = false;
+        for (const Rect& zone : zones)
+            isHeld |= zone.contains({seen.minX(), seen.minY()}) &&
+                      zone.contains({seen.maxX() - 1, seen.maxY() - 1});
+        EXPECT_TRUE(isHeld) << describe(seen);
+    }
+}
+
+TEST(GreeterZones, BelongToAScreenWhoseYGrowsUpward) {
+    const Screen screen = screenOfOutput({1280, 100, 1000, 600}, 1.25);
+    EXPECT_EQ(screen.frame, (Rect{1280, -700, 1000, 600}));
+    EXPECT_EQ(screen.scale, 1.25);
+    EXPECT_EQ(screen.keepClear.back(), (Rect{1280, -700, 1000, 48})) << "the row at the bottom";
+    EXPECT_EQ(placeOnOutput({1290, -700, 100.4, 50}, screen), (PixelRect{10, 550, 101, 50}));
+}
+
+}  // namespace
+}  // namespace quorvane

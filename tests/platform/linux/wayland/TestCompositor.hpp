@@ -1,0 +1,83 @@
+// A small Wayland compositor on the test's own loop: what the card uses, and a record of every
+// request.
+#pragma once
+
+#include <wayland-server.h>
+
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "drawing/pictures/Pixels.hpp"
+#include "platform/linux/loop/EventLoop.hpp"
+
+namespace quorvane {
+
+class TestCompositor {
+public:
+    struct Output {
+        std::string name{};
+        int width = 0;  // pixels
+        int height = 0;
+        int transform = 0;
+        int wholeScale = 1;
+        PixelRect logical{};
+        wl_global* global = nullptr;
+    };
+    struct Surface {
+        wl_resource* resource = nullptr;
+        wl_resource* layer = nullptr;
+        wl_resource* buffer = nullptr;   // attached
+        wl_resource* reading = nullptr;  // committed, not yet released
+        std::vector<wl_resource*> frames{};
+        std::vector<PixelRect> input{};
+        std::vector<PixelRect> damage{};
+        PixelRect destination{};
+        Pixels shown{};
+        int commits = 0;
+    };
+
+    // Listens at "wayland-test" in XDG_RUNTIME_DIR.
+    explicit TestCompositor(EventLoop& loop, bool hasKdeOverlay = true);
+    ~TestCompositor() { end(); }
+    TestCompositor(const TestCompositor&) = delete;
+    TestCompositor& operator=(const TestCompositor&) = delete;
+
+    Output& addOutput(Output output);
+    void remove(Output& output);
+    // As a repaint does: asks for the next pictures and releases those before.
+    void repaint();
+    void closeLayers();
+    // A press at a place of the newest surface, moved and lifted there.
+    void enter(Point place);
+    void button(std::uint32_t button, bool isDown);
+    void move(Point place);
+    void touchDown(Point place);
+    void touchUp();
+    // The compositor's own end.
+    void end();
+
+    // Every request so far, as "interface.request(numbers and texts)".
+    std::vector<std::string> requests{};
+    bool heard(const std::string& beginning) const;
+    std::list<Surface> surfaces{};
+    Surface& surface() { return surfaces.back(); }
+    int clientCount() const;
+
+private:
+    friend struct CompositorRequests;
+    void flush();
+
+    wl_display* display_;
+    Handle watch_;
+    Handle beforeSleep_;
+    wl_protocol_logger* logger_ = nullptr;
+    std::list<Output> outputs_;
+    wl_resource* pointer_ = nullptr;
+    wl_resource* touch_ = nullptr;
+};
+
+}  // namespace quorvane
