@@ -8,7 +8,7 @@ namespace {
 
 constexpr double kScaleSteps = 120;  // per unit: the steps of the protocol of fractional scales
 
-OutputInfo& self(void* data) { return *static_cast<OutputInfo*>(data); }
+OutputInfo& outputOf(void* data) { return *static_cast<OutputInfo*>(data); }
 
 }  // namespace
 
@@ -16,23 +16,24 @@ const wl_output_listener OutputInfo::kListener{
     .geometry =
         [](void* data, wl_output*, int x, int y, int, int, int, const char*, const char*,
            int transform) {
-            self(data).mode_.x = x;
-            self(data).mode_.y = y;
+            outputOf(data).mode_.x = x;
+            outputOf(data).mode_.y = y;
             // Each odd transform is a turn by a quarter, mirrored or not.
-            self(data).isTurned_ = transform % 2 != 0;
+            outputOf(data).isTurned_ = transform % 2 != 0;
         },
     .mode =
         [](void* data, wl_output*, std::uint32_t flags, int width, int height, int) {
             if ((flags & WL_OUTPUT_MODE_CURRENT) == 0) return;
-            self(data).mode_.width = width;
-            self(data).mode_.height = height;
+            outputOf(data).mode_.width = width;
+            outputOf(data).mode_.height = height;
         },
     .done =
         [](void* data, wl_output*) {
-            const OutputInfo& output = self(data);
+            const OutputInfo& output = outputOf(data);
             if (!output.description_ || !output.logical_.isEmpty()) output.changed_(output);
         },
-    .scale = [](void* data, wl_output*, int scale) { self(data).wholeScale_ = std::max(1, scale); },
+    .scale = [](void* data, wl_output*,
+                int scale) { outputOf(data).wholeScale_ = std::max(1, scale); },
     .name = nullptr,
     .description = nullptr,
 };
@@ -40,13 +41,13 @@ const wl_output_listener OutputInfo::kListener{
 const zxdg_output_v1_listener OutputInfo::kLogicalListener{
     .logical_position =
         [](void* data, zxdg_output_v1*, int x, int y) {
-            self(data).logical_.x = x;
-            self(data).logical_.y = y;
+            outputOf(data).logical_.x = x;
+            outputOf(data).logical_.y = y;
         },
     .logical_size =
         [](void* data, zxdg_output_v1*, int width, int height) {
-            self(data).logical_.width = width;
-            self(data).logical_.height = height;
+            outputOf(data).logical_.width = width;
+            outputOf(data).logical_.height = height;
         },
     .done = [](void*, zxdg_output_v1*) {},
     .name = [](void*, zxdg_output_v1*, const char*) {},

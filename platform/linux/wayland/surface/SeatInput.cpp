@@ -12,13 +12,13 @@ constexpr std::uint32_t kPrimary = 1;
 // Buttons are counted from the left one.
 std::uint32_t numberOf(std::uint32_t button) { return button - BTN_LEFT + kPrimary; }
 
-SeatInput& self(void* data) { return *static_cast<SeatInput*>(data); }
+SeatInput& seatOf(void* data) { return *static_cast<SeatInput*>(data); }
 
 }  // namespace
 
 const wl_seat_listener SeatInput::kListener{
     .capabilities = [](void* data, wl_seat*,
-                       std::uint32_t capabilities) { self(data).has(capabilities); },
+                       std::uint32_t capabilities) { seatOf(data).has(capabilities); },
     .name = [](void*, wl_seat*, const char*) {},
 };
 
@@ -27,27 +27,28 @@ const wl_pointer_listener SeatInput::kPointerListener{
     .enter =
         [](void* data, wl_pointer*, std::uint32_t, wl_surface* surface, wl_fixed_t x,
            wl_fixed_t y) {
-            self(data).under_ = surface;
-            self(data).moved(nullptr, x, y);
+            seatOf(data).under_ = surface;
+            seatOf(data).moved(nullptr, x, y);
         },
     .leave =
         [](void* data, wl_pointer*, std::uint32_t, wl_surface*) {
-            if (std::exchange(self(data).pressedButtons_, 0) > 0) self(data).cancelled();
-            self(data).under_ = nullptr;
+            if (std::exchange(seatOf(data).pressedButtons_, 0) > 0) seatOf(data).cancelled();
+            seatOf(data).under_ = nullptr;
         },
     .motion =
         [](void* data, wl_pointer*, std::uint32_t, wl_fixed_t x, wl_fixed_t y) {
-            self(data).moved(self(data).pressedButtons_ > 0 ? self(data).under_ : nullptr, x, y);
+            seatOf(data).moved(seatOf(data).pressedButtons_ > 0 ? seatOf(data).under_ : nullptr, x,
+                               y);
         },
     .button =
         [](void* data, wl_pointer*, std::uint32_t, std::uint32_t, std::uint32_t button,
            std::uint32_t state) {
             const bool isDown = state == WL_POINTER_BUTTON_STATE_PRESSED;
-            self(data).pressedButtons_ += isDown ? 1 : -1;
+            seatOf(data).pressedButtons_ += isDown ? 1 : -1;
             if (isDown)
-                self(data).pressed(self(data).under_, numberOf(button));
+                seatOf(data).pressed(seatOf(data).under_, numberOf(button));
             else
-                self(data).lifted(self(data).under_, numberOf(button));
+                seatOf(data).lifted(seatOf(data).under_, numberOf(button));
         },
     .axis = [](void*, wl_pointer*, std::uint32_t, std::uint32_t, wl_fixed_t) {},
     .frame = nullptr,
@@ -61,27 +62,27 @@ const wl_touch_listener SeatInput::kTouchListener{
     .down =
         [](void* data, wl_touch*, std::uint32_t, std::uint32_t, wl_surface* surface,
            std::int32_t finger, wl_fixed_t x, wl_fixed_t y) {
-            if (self(data).finger_) return;
-            self(data).finger_ = finger;
-            self(data).touched_ = surface;
-            self(data).moved(nullptr, x, y);
-            self(data).pressed(surface, kPrimary);
+            if (seatOf(data).finger_) return;
+            seatOf(data).finger_ = finger;
+            seatOf(data).touched_ = surface;
+            seatOf(data).moved(nullptr, x, y);
+            seatOf(data).pressed(surface, kPrimary);
         },
     .up =
         [](void* data, wl_touch*, std::uint32_t, std::uint32_t, std::int32_t finger) {
-            if (self(data).finger_ != finger) return;
-            self(data).finger_.reset();
-            self(data).lifted(std::exchange(self(data).touched_, nullptr), kPrimary);
+            if (seatOf(data).finger_ != finger) return;
+            seatOf(data).finger_.reset();
+            seatOf(data).lifted(std::exchange(seatOf(data).touched_, nullptr), kPrimary);
         },
     .motion =
         [](void* data, wl_touch*, std::uint32_t, std::int32_t finger, wl_fixed_t x, wl_fixed_t y) {
-            if (self(data).finger_ == finger) self(data).moved(self(data).touched_, x, y);
+            if (seatOf(data).finger_ == finger) seatOf(data).moved(seatOf(data).touched_, x, y);
         },
     .frame = [](void*, wl_touch*) {},
     .cancel =
         [](void* data, wl_touch*) {
-            if (std::exchange(self(data).finger_, std::nullopt)) self(data).cancelled();
-            self(data).touched_ = nullptr;
+            if (std::exchange(seatOf(data).finger_, std::nullopt)) seatOf(data).cancelled();
+            seatOf(data).touched_ = nullptr;
         },
     .shape = nullptr,
     .orientation = nullptr,
