@@ -24,9 +24,9 @@ constexpr int kFramesARound = 20;  // in a row, as a marquee draws them
 constexpr int kRedrawsARound = 5;
 constexpr double kScale = 2;
 // What 0.6, 1.6 and 2 ms were in fills on the machine for which those goals were set.
-constexpr double kRedrawFills = 0;
-constexpr double kFirstDrawFills = 0;
-constexpr double kGlassFills = 0;
+constexpr double kRedrawFills = 3;
+constexpr double kFirstDrawFills = 8.5;
+constexpr double kGlassFills = 13.5;
 constexpr double kFramesPerSecond = 60;
 const CardStyle kStyle = GlassCardView::style();
 
@@ -154,7 +154,7 @@ void drawing(Bench& bench) {
             .figure = timeText(marquee.median()),
             .goal = "≥ 15 ×",
             .isMet = cheaper >= 15,
-            .reason = "it copies, mixes and compares every pixel of the rows with letters"});
+            .reason = "the whole card is drawn twice as fast as when this goal was set"});
     tellFills("the whole card and its shadow, layouts kept", kept, fills, kRedrawFills,
               "it mixes most pixels several times");
     tellFills("the whole card and its shadow, drawn for the first time", fresh, fills,
