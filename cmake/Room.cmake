@@ -11,7 +11,8 @@ function(quorvane_room name)
     cmake_path(NORMAL_PATH folder)
     file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${folder}")
     set_target_properties(${name} PROPERTIES QUORVANE_FOLDER "${folder}" QUORVANE_LINKS "${ARG_LINKS}"
-                          QUORVANE_INCLUDES "${ARG_INCLUDES}")
+                          QUORVANE_INCLUDES "${ARG_INCLUDES}"
+                          UNITY_BUILD ${QUORVANE_UNITY} UNITY_BUILD_BATCH_SIZE 0)
     set_property(GLOBAL APPEND PROPERTY QUORVANE_ROOMS ${name})
 endfunction()
 
@@ -55,8 +56,7 @@ function(quorvane_check_includes)
     endforeach()
 endfunction()
 
-# The speed of tests does not matter. A test with a fault of these kinds crashes anyway, and the checks take a third of the
-# compiler's time.
+# Test code skips the sanitizer checks that take a third of the compile time: a test with such a fault crashes anyway.
 set(QUORVANE_TEST_OPTIONS "")
 if(QUORVANE_SANITIZERS MATCHES undefined)
     list(APPEND QUORVANE_TEST_OPTIONS -fno-sanitize=null,alignment,vptr)
@@ -65,8 +65,8 @@ if(CMAKE_CROSSCOMPILING)
     list(APPEND QUORVANE_TEST_OPTIONS -O0)
 endif()
 
-# A test program of GoogleTest cases. Its sources are remembered: configuring fails if a test file is in no program. LABEL
-# tells that several threads or processes meet in it: those are what CI runs with the thread sanitizer.
+# quorvane_test(NAME SOURCES … LINKS … LABEL …): a test program. Configuring fails if a test file is in no program. A LABEL
+# says that the tests use several threads or processes, so that CI also runs them with the thread sanitizer.
 function(quorvane_test name)
     cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LINKS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
@@ -76,7 +76,7 @@ function(quorvane_test name)
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} quorvane_test_support GTest::gtest GTest::gtest_main)
     target_compile_options(${name} PRIVATE ${QUORVANE_TEST_OPTIONS})
     quorvane_precompiled(${name} quorvane_precompiled_tests)
-    # A race ends the process that has it, or the programs of a session would only write it down.
+    # A race must end its process; the programs of a test session would otherwise only log it.
     set(properties TIMEOUT 120 ENVIRONMENT "TSAN_OPTIONS=halt_on_error=1")
     if(ARG_LABEL)
         add_dependencies(concurrent-tests ${name})

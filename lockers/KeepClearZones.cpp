@@ -5,11 +5,11 @@
 #include <iterator>
 
 #include "lockers/LockerRules.hpp"
+#include "lockers/ScreenLayout.hpp"
 
 namespace quorvane {
 namespace {
 
-constexpr double kUsualDotsPerInch = 96;
 // Larger windows are not remembered, because they would leave the card no room.
 constexpr double kLargestPrompt = 0.75;  // of the monitor
 

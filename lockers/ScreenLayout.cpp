@@ -9,7 +9,6 @@
 namespace quorvane {
 namespace {
 
-constexpr double kUsualDotsPerInch = 96;
 constexpr double kScaleStep = 0.25;
 constexpr double kLeastDemand = 0.5;
 constexpr double kMostScale = 8;

@@ -11,6 +11,9 @@
 
 namespace quorvane {
 
+// At this density a point is one pixel.
+inline constexpr double kUsualDotsPerInch = 96;
+
 struct ScreenLayout {
     std::vector<Rect> monitors;  // pixels; the primary one first
     double scale = 1;            // pixels per point; X11 has one for all monitors

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "host/players/FileURL.hpp"
+#include "host/players/PlayerSnapshot.hpp"
 #include "platform/Character.hpp"
 
 namespace quorvane {
@@ -15,8 +16,6 @@ constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
 constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
 // No card shows more, and a player must not make states too large to be sent.
 constexpr std::size_t kLongestText = 4096;
-// Endless streams report no length or an absurd one.
-constexpr double kLongestTrack = 7 * 24 * 3600;
 
 const PropertyDictionary& metadataOf(const MediaPlayer& player) {
     static const PropertyDictionary none;

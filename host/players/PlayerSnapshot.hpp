@@ -8,6 +8,9 @@
 
 namespace quorvane {
 
+// Seconds. A longer track is treated as one without a length.
+inline constexpr double kLongestTrack = 7 * 24 * 3600;
+
 // The position at one moment and how playback continues from there.
 struct PlaybackAnchor {
     double seconds = 0;

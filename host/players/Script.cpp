@@ -6,6 +6,7 @@
 #include <map>
 
 #include "host/players/JSONFields.hpp"
+#include "host/players/PlayerSnapshot.hpp"
 
 namespace quorvane {
 
@@ -13,7 +14,6 @@ namespace {
 
 constexpr std::uint64_t kLargestScript = 4u << 20;
 constexpr std::uint64_t kLargestArtwork = 8u << 20;
-constexpr double kLongestTrack = 7 * 24 * 3600;
 
 // Iterative, so that deep nesting cannot overflow the stack; validated, so that only UTF-8 reaches
 // the link.

@@ -9,7 +9,7 @@ namespace quorvane {
 
 namespace {
 
-constexpr std::int64_t kVolumeStep = 5;
+constexpr std::int64_t kVolumeStepPercent = 5;
 constexpr std::int64_t kRatingStep = 20;  // one star of five
 constexpr double kRestartAfterSeconds = 3;
 
@@ -54,8 +54,8 @@ bool ScriptedPlayer::perform(QuorvaneAction action) {
         case QuorvaneAction::playPause: return playPause(), true;
         case QuorvaneAction::nextTrack: return advance(false), true;
         case QuorvaneAction::previousTrack: return goBack(), true;
-        case QuorvaneAction::increaseVolume: return setVolume(script_.volume + kVolumeStep);
-        case QuorvaneAction::decreaseVolume: return setVolume(script_.volume - kVolumeStep);
+        case QuorvaneAction::increaseVolume: return setVolume(script_.volume + kVolumeStepPercent);
+        case QuorvaneAction::decreaseVolume: return setVolume(script_.volume - kVolumeStepPercent);
         case QuorvaneAction::toggleMute: return toggleMute(), true;
         case QuorvaneAction::toggleLove:
             return script_.capabilities.canLove && toggle(track.track.isLoved, track.isDisliked);

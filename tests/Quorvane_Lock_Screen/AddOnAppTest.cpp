@@ -13,41 +13,42 @@ const std::string kOwn = "example.quillon.Quorvane.LockScreenAddOn";
 const std::filesystem::path kBundle = "/support/" + kOwn + "/Quorvane Lock Screen.app";
 constexpr RunningCopy kMe = FakeInstallation::kMe;
 
-struct AddOnAppTest : testing::Test {
+struct AddOnAppTest : testing::Test, FakePlatform {
     AddOnAppTest() {
-        platform.installation.bundles = {{kBundle, kOwn}};
-        platform.live.services.process.bundle = kBundle;
-        platform.live.services.application.terminate = [this] {
-            ++platform.terminations;
+        installation.bundles = {{kBundle, kOwn}};
+        live.services.process.bundle = kBundle;
+        live.services.application.terminate = [this] {
+            ++terminations;
             app->applicationWillTerminate();
         };
     }
     void launch(std::vector<std::string> arguments = {}) {
         arguments.insert(arguments.begin(), "add-on");
-        platform.live.services.process.arguments = std::move(arguments);
-        app.emplace(platform.live);
+        live.services.process.arguments = std::move(arguments);
+        app.emplace(live);
         app->applicationDidFinishLaunching();
-        platform.clock.advance(Duration{});
-        platform.settle();
+        clock.advance(Duration{});
+        settle();
     }
-    // The lines before the coordinator's first one.
-    Lines launchLines() {
-        Lines lines;
-        for (const auto& line : platform.log.lines()) {
-            if (line.text == "launch: 1.2.3, pid 4711") break;
-            lines.push_back(line.category + " " + std::to_string(std::to_underlying(line.level)) +
-                            " " + line.text);
-        }
-        return lines;
-    }
-    bool hasStarted() const { return platform.log.contains("launch: 1.2.3, pid 4711"); }
-    void runBeside(std::vector<RunningCopy> others) {
+    void launchBeside(std::vector<RunningCopy> others) {
         others.push_back(kMe);
-        platform.installation.copies = std::move(others);
+        installation.copies = std::move(others);
         launch();
     }
+    // The lines since the last call, with their levels, up to the coordinator's first one.
+    Lines launchLines() {
+        Lines lines;
+        for (const auto& line : log.lines()) {
+            if (line.text == kStarted) break;
+            lines.push_back(std::to_string(std::to_underlying(line.level)) + " " + line.text);
+        }
+        hasStarted = log.contains(kStarted);
+        log.take();
+        return lines;
+    }
 
-    FakePlatform platform;
+    static constexpr char kStarted[] = "launch: 1.2.3, pid 4711";
+    bool hasStarted = false;  // in these lines
     std::optional<AddOnApp> app;
 };
 
@@ -56,32 +57,26 @@ TEST_F(AddOnAppTest, RegistersItsLoginItemUnlessTheUserHasSwitchedItOff) {
         std::int64_t before, after;
         Lines lines;
     } rows[] = {{1, 1, {}},
-                {0, 1, {"app 1 login item: registered (now 1)"}},
-                {3, 1, {"app 1 login item: registered (now 1)"}},
-                {2, 2, {"app 1 login item: awaiting approval in Login Items; leaving it alone"}},
-                {7, 7, {"app 3 login item: unknown status 7; leaving it alone"}}};
+                {0, 1, {"1 login item: registered (now 1)"}},
+                {3, 1, {"1 login item: registered (now 1)"}},
+                {2, 2, {"1 login item: awaiting approval in Login Items; leaving it alone"}},
+                {7, 7, {"3 login item: unknown status 7; leaving it alone"}},
+                {0, 0, {"3 login item: register() failed: no agent (error 1)"}}};
     for (const auto& row : rows) {
-        platform.installation.loginItem = row.before;
-        platform.log.take();
+        installation.loginItem = row.before;
+        installation.loginItemRefuses = row.after == 0;
         launch();
-        EXPECT_EQ(platform.installation.loginItem, row.after);
+        EXPECT_EQ(installation.loginItem, row.after);
         EXPECT_EQ(launchLines(), row.lines);
-        EXPECT_TRUE(hasStarted());
+        EXPECT_TRUE(hasStarted);
     }
-    platform.log.take();
-    platform.installation.loginItem = 0;
-    platform.installation.loginItemRefuses = true;
-    launch();
-    EXPECT_EQ(launchLines(), (Lines{"app 3 login item: register() failed: no agent (error 1)"}));
-    EXPECT_TRUE(hasStarted());
-    EXPECT_EQ(platform.terminations, 0);
 }
 
 TEST_F(AddOnAppTest, IsConfinedOnceBeforeItStartsAndNotWhenItRemovesItself) {
     int times = 0;
-    platform.live.confine = [&] {
-        EXPECT_EQ(platform.installation.loginItem, 1) << "after what it still needs the system for";
-        EXPECT_FALSE(hasStarted());
+    live.confine = [&] {
+        EXPECT_EQ(installation.loginItem, 1) << "after what it still needs the system for";
+        EXPECT_FALSE(log.contains(kStarted));
         ++times;
     };
     launch();
@@ -90,77 +85,71 @@ TEST_F(AddOnAppTest, IsConfinedOnceBeforeItStartsAndNotWhenItRemovesItself) {
     EXPECT_EQ(times, 1);
 }
 
-TEST_F(AddOnAppTest, StartsBesideNewerCopiesAndOnceOlderOnesHaveQuit) {
-    runBeside({{70, ManualClock::kStart + 1s}, {80, ManualClock::kStart + 2s}});
-    EXPECT_EQ(launchLines(), (Lines{"app 2 launch: a newer copy (pid 70, 80) is running; starting "
-                                    "anyway, it hands over to this one"}));
-    EXPECT_TRUE(hasStarted());
-
-    platform.log.take();
-    runBeside({{40, std::nullopt}});
-    platform.pass(500ms);
-    EXPECT_FALSE(hasStarted());
-    platform.installation.copies = {kMe};
-    platform.pass(250ms);
-    EXPECT_EQ(launchLines(),
-              (Lines{"app 2 launch: waited 0.75 seconds for the previous copy to quit"}));
-    EXPECT_TRUE(hasStarted());
-}
-
-TEST_F(AddOnAppTest, AsksOlderCopiesToQuitAndGivesWayToThem) {
-    runBeside({{40, std::nullopt}, {41, std::nullopt}});
-    platform.pass(12s);
-    EXPECT_FALSE(hasStarted());
-    EXPECT_EQ(platform.terminations, 1);
-    EXPECT_EQ(platform.installation.asked, (InstanceHandover::PIDs{40, 41}));
-    EXPECT_EQ(
-        launchLines(),
-        (Lines{"app 3 launch: an older copy (pid 40, 41) is still running after 10.0 seconds; "
-               "asking it to quit",
-               "app 4 launch: an older copy (pid 40, 41) won't quit; quitting this one so "
-               "only one draws cards"}));
+TEST_F(AddOnAppTest, StartsUnlessAnOlderCopyKeepsRunning) {
+    const auto expect = [this](std::vector<RunningCopy> others, Duration quitAfter, bool starts,
+                               const Lines& lines) {
+        launchBeside(std::move(others));
+        pass(quitAfter);
+        installation.copies = {kMe};
+        pass(250ms);
+        EXPECT_EQ(launchLines(), lines);
+        EXPECT_EQ(hasStarted, starts);
+        EXPECT_EQ(terminations, starts ? 0 : 1);
+    };
+    const RunningCopy older{40, std::nullopt};
+    const std::string asks = " is still running after 10.0 seconds; asking it to quit";
+    expect({{70, ManualClock::kStart + 1s}, {80, ManualClock::kStart + 2s}}, 0s, true,
+           {"2 launch: a newer copy (pid 70, 80) is running; starting anyway, it hands over to "
+            "this one"});
+    expect({older}, 500ms, true, {"2 launch: waited 0.75 seconds for the previous copy to quit"});
+    expect({older}, 11s, true,
+           {"3 launch: an older copy (pid 40)" + asks,
+            "2 launch: the previous copy (pid 40) quit when asked"});
+    expect({older, {41, std::nullopt}}, 12s, false,
+           {"3 launch: an older copy (pid 40, 41)" + asks,
+            "4 launch: an older copy (pid 40, 41) won't quit; quitting this one so only one draws "
+            "cards"});
+    EXPECT_EQ(installation.asked, (InstanceHandover::PIDs{40, 40, 41}));
 }
 
 TEST_F(AddOnAppTest, EndsSafelyAtEveryPointOfItsLaunch) {
-    app.emplace(platform.live);
+    app.emplace(live);
     app->applicationWillTerminate();
     app->applicationDidFinishLaunching();
     app->applicationWillTerminate();
-    platform.pass(1s);
-    EXPECT_FALSE(hasStarted());
-
-    runBeside({{40, std::nullopt}});
-    platform.pass(1s);
+    pass(1s);
+    launchBeside({{40, std::nullopt}});
+    pass(1s);
     app->applicationWillTerminate();
-    platform.installation.copies = {kMe};
-    platform.pass(12s);
-    EXPECT_FALSE(hasStarted());
-    EXPECT_EQ(platform.clock.pendingTimers(), 0u);
+    installation.copies = {kMe};
+    pass(12s);
+    EXPECT_FALSE(log.contains(kStarted));
+    EXPECT_EQ(clock.pendingTimers(), 0u);
 }
 
 TEST_F(AddOnAppTest, RemovesItselfWithoutEverStarting) {
     launch({"--uninstall"});
-    EXPECT_EQ(launchLines().front(), "removal 2 launch: asked to uninstall; removing the add-on");
-    EXPECT_TRUE(platform.installation.bundles.empty());
-    EXPECT_EQ(platform.terminations, 1);
-    platform.pass(1s);
-    EXPECT_FALSE(hasStarted());
+    EXPECT_EQ(launchLines(),
+              (Lines{"2 launch: asked to uninstall; removing the add-on", "2 removal: starting",
+                     "1 removal: login item unregistered", "1 removal: deleted the support folder",
+                     "1 removal: the bundle was already gone", "2 removal: finished; quitting"}));
+    EXPECT_TRUE(installation.bundles.empty());
+    EXPECT_EQ(terminations, 1);
 
     // Without a home folder there is no support folder to delete.
-    platform.log.take();
-    platform.live.services.installation.applicationSupport.reset();
-    platform.live.services.process.bundle = "/nowhere/Quorvane Lock Screen.app";
-    platform.installation.bundles.emplace("/nowhere/Quorvane Lock Screen.app", kOwn);
-    platform.installation.bundles.emplace(kBundle, kOwn);
-    platform.defaults.values = {{"removalPending", PropertyValue{true}},
-                                {"removalBundleIdentity", PropertyValue{kOwn}}};
+    const std::filesystem::path nowhere = "/nowhere/Quorvane Lock Screen.app";
+    live.services.installation.applicationSupport.reset();
+    live.services.process.bundle = nowhere;
+    installation.bundles = {{nowhere, kOwn}, {kBundle, kOwn}};
+    defaults.values = {{"removalPending", PropertyValue{true}},
+                       {"removalBundleIdentity", PropertyValue{kOwn}}};
     launch();
     const Lines lines = launchLines();
-    ASSERT_GT(lines.size(), 3u);
-    EXPECT_EQ(lines[0], "removal 2 launch: a removal is pending; finishing it");
-    EXPECT_EQ(lines[3], "removal 4 removal: refusing to delete : not the add-on's support folder");
-    EXPECT_EQ(platform.installation.bundles.size(), 1u);
-    EXPECT_TRUE(platform.defaults.values.empty());
+    EXPECT_FALSE(hasStarted);
+    EXPECT_EQ(lines.at(0), "2 launch: a removal is pending; finishing it");
+    EXPECT_EQ(lines.at(3), "4 removal: refusing to delete : not the add-on's support folder");
+    EXPECT_EQ(installation.bundles.size(), 1u);
+    EXPECT_TRUE(defaults.values.empty());
 }
 
 }  // namespace

@@ -17,30 +17,35 @@ constexpr char kCleared[] =
 constexpr char kConfigurationChanged[] = "example.quillon.Quorvane.lockScreenConfigurationChanged";
 constexpr char kMainAppQuits[] = "example.quillon.Quorvane.mainAppWillTerminate";
 
-class AddOnCoordinatorTest : public testing::Test {
-protected:
+struct AddOnCoordinatorTest : testing::Test, FakePlatform {
     void start() {
         coordinator->start();
-        platform.settle();
+        settle();
     }
     void lockAndShow() {
         start();
-        platform.lock();
-        platform.pass(800ms);
-        ASSERT_TRUE(platform.isCardSeen());
-        platform.log.take();
+        lock();
+        pass(800ms);
+        ASSERT_TRUE(isCardSeen());
+        log.take();
     }
-    long count(const std::string& text) {
-        return std::ranges::count(platform.log.lines(), text, &RecordingLog::Line::text);
+    void touchVolume(Kind kind, double fraction) const {
+        const Rect slider = *frame(ID::volume);
+        pointer(kind, {slider.x + slider.width * fraction, slider.midY()});
+    }
+    // The next request finds the client without a connection.
+    void disconnect() {
+        ports.failures[std::string{kMessagePortBaseName}] = kPortSendTimeout;
+        notice(kStateChanged);
+        ports.failures.clear();
     }
 
-    FakePlatform platform;
-    std::shared_ptr<AddOnCoordinator> coordinator = AddOnCoordinator::make(platform.live);
+    std::shared_ptr<AddOnCoordinator> coordinator = AddOnCoordinator::make(live);
 };
 
 TEST_F(AddOnCoordinatorTest, StartsInItsStatedOrder) {
     start();
-    EXPECT_EQ(platform.log.take(),
+    EXPECT_EQ(log.take(),
               (Lines{"launch: 1.2.3, pid 4711", "Starting message port client",
                      "Connected to message port",
                      "State received - track: none -> Reed, position: 0.000000s",
@@ -58,13 +63,13 @@ TEST_F(AddOnCoordinatorTest, StartsInItsStatedOrder) {
 
 TEST_F(AddOnCoordinatorTest, FollowsOneLockFromItsNoticeToTheUnlock) {
     start();
-    platform.log.take();
-    platform.lock();
-    EXPECT_TRUE(platform.windows.open().empty());
-    platform.pass(800ms);
-    EXPECT_TRUE(platform.isCardSeen());
-    EXPECT_EQ(platform.activities, 1);
-    EXPECT_EQ(platform.log.take(),
+    log.take();
+    lock();
+    EXPECT_TRUE(windows.open().empty());
+    pass(800ms);
+    EXPECT_TRUE(isCardSeen());
+    EXPECT_EQ(activities, 1);
+    EXPECT_EQ(log.take(),
               (Lines{"lock: com.apple.screenIsLocked",
                      "state: locked true, lockui false, delay false, allowed true, music true → "
                      "windows false, card false",
@@ -77,240 +82,216 @@ TEST_F(AddOnCoordinatorTest, FollowsOneLockFromItsNoticeToTheUnlock) {
                      "window 101 on screen 1 {{0, 0}, {1920, 1080}} at {{708, 482}, {504, 326}}",
                      "State received - track: Reed -> Reed, position: 0.000000s",
                      "entrance: window 101, reduce motion false"}));
-    platform.tap(ID::next);
-    platform.mainApp.play("Rush", "Sedge");
-    EXPECT_EQ(platform.mainApp.commands, Lines{"nextTrack"});
-    platform.pass(790ms);
-    EXPECT_EQ(platform.log.take(), Lines{"command: nextTrack"});
-    platform.pass(10ms);
-    EXPECT_EQ(platform.log.take(),
+    tap(ID::next);
+    mainApp.play("Rush", "Sedge");
+    EXPECT_EQ(mainApp.commands, Lines{"nextTrack"});
+    pass(790ms);
+    EXPECT_EQ(log.take(), Lines{"command: nextTrack"});
+    pass(10ms);
+    EXPECT_EQ(log.take(),
               (Lines{"State received - track: Reed -> Rush, position: 0.000000s",
                      "state: track changed, artwork 13 B", "state: now 'Rush' — 'Sedge'"}));
-    platform.unlock();
-    EXPECT_EQ(platform.log.take(),
+    unlock();
+    EXPECT_EQ(log.take(),
               (Lines{"lockui: hidden",
                      "state: locked true, lockui false, delay false, allowed true, music true → "
                      "windows false, card false",
                      "windows: closing 1 (state)", "unlock: com.apple.screenIsUnlocked",
                      "state: locked false, lockui false, delay false, allowed true, music true → "
                      "windows false, card false"}));
-    EXPECT_TRUE(platform.windows.open().empty());
-    EXPECT_EQ(platform.activities, 0);
-    const int requests = platform.mainApp.stateRequests;
-    platform.pass(10s);
-    EXPECT_EQ(platform.mainApp.stateRequests, requests);
-    EXPECT_EQ(platform.mainApp.strangers, 0);
+    EXPECT_TRUE(windows.open().empty());
+    EXPECT_EQ(activities, 0);
+    const int requests = mainApp.stateRequests;
+    pass(10s);
+    EXPECT_EQ(mainApp.stateRequests, requests);
+    EXPECT_EQ(mainApp.strangers, 0);
 }
 
 TEST_F(AddOnCoordinatorTest, AScreenThatIsLockedAtTheStartNeedsNoLockNotice) {
-    platform.isLocked = true;
+    isLocked = true;
     start();
-    platform.notice("com.apple.screenLockUIIsShown");
-    platform.pass(800ms);
-    EXPECT_TRUE(platform.isCardSeen());
-    EXPECT_EQ(platform.mainApp.hellos.size(), 2u);  // the link's own and that of the lock
-    EXPECT_EQ(platform.mainApp.hellos[0].installID, "0F0E0D0C");
+    notice("com.apple.screenLockUIIsShown");
+    pass(800ms);
+    EXPECT_TRUE(isCardSeen());
+    EXPECT_EQ(mainApp.hellos.size(), 2u);  // the link's own and that of the lock
+    EXPECT_EQ(mainApp.hellos[0], (LockScreenAddOnHello{.protocolVersion = 1,
+                                                       .addOnVersion = "1.2.3",
+                                                       .macOSVersion = "26.1.0",
+                                                       .supportsThisMacOS = true,
+                                                       .installID = "0F0E0D0C"}));
 }
 
 TEST_F(AddOnCoordinatorTest, ARemovalClosesTheWindowsAtOnceAndForGood) {
     lockAndShow();
-    const auto stage = platform.stage();
-    const auto area = *platform.frame(ID::volume);
-    platform.pointer(Kind::down, {area.x, area.midY()});
-    platform.log.take();
-    platform.mainApp.configuration.removalRequested = true;
-    platform.notice(kConfigurationChanged);
-    EXPECT_TRUE(platform.windows.open().empty());
-    EXPECT_EQ(platform.activities, 0);
-    EXPECT_EQ(platform.mainApp.commands, Lines{"volume 0"});  // the drag's end sends none
-    EXPECT_EQ(platform.log.lines().back().text, "Stopping message port client");
-    const Lines lines = platform.log.take();
+    const auto removed = stage();
+    touchVolume(Kind::down, 0);
+    log.take();
+    mainApp.configuration.removalRequested = true;
+    notice(kConfigurationChanged);
+    EXPECT_TRUE(windows.open().empty());
+    EXPECT_EQ(activities, 0);
+    EXPECT_EQ(mainApp.commands, Lines{"volume 0"});  // the drag's end sends none
+    const Lines lines = log.take();
+    EXPECT_EQ(lines.back(), "Stopping message port client");
     EXPECT_EQ(Lines(lines.begin() + 1, lines.begin() + 5),
               (Lines{"Configuration: enabled true, removal true, minimum 1.0.0",
                      "Quorvane asked for removal; no more hellos", "removal: closing the windows",
                      "windows: closing 1 (state)"}));
 
-    const std::size_t sent = platform.ports.sent.size();
-    if (stage->events.pointer) stage->events.pointer({Kind::up, {area.midX(), area.midY()}});
-    EXPECT_EQ(platform.notice(AddOnSignals::kStatusRequest), 0);
-    EXPECT_EQ(platform.notice(AddOnSignals::kQuit), 0);
-    EXPECT_EQ(platform.notice(kStateChanged), 0);
-    platform.mainApp.configuration.removalRequested = false;
-    platform.notice(kConfigurationChanged);
-    platform.notice(kMainAppQuits);
-    platform.unlock();
-    platform.lock();
-    platform.pass(100s);
-    EXPECT_EQ(platform.ports.sent.size(), sent);
-    EXPECT_EQ(platform.windows.windows.size(), 1u);
-    EXPECT_EQ(platform.terminations, 0);
-    coordinator->willTerminate();
-    EXPECT_EQ(count("removal: closing the windows"), 0);
+    const std::size_t sent = ports.sent.size();
+    if (removed->events.pointer) removed->events.pointer({Kind::up, {}});
+    for (const char* name : {AddOnSignals::kStatusRequest, AddOnSignals::kQuit, kStateChanged})
+        EXPECT_EQ(notice(name), 0) << name;
+    mainApp.configuration.removalRequested = false;
+    notice(kConfigurationChanged);
+    notice(kMainAppQuits);
+    unlock();
+    lock();
+    pass(100s);
+    EXPECT_EQ(ports.sent.size(), sent);
+    EXPECT_EQ(windows.windows.size(), 1u);
 }
 
 // The removal arrives while a refresh waits for a new connection, and stops the client.
 TEST_F(AddOnCoordinatorTest, ARemovalInsideAWaitingSendIsNotUndoneByIt) {
     lockAndShow();
-    platform.ports.failures[std::string{kMessagePortBaseName}] = kPortBecameInvalid;
-    platform.pass(2s);  // the poll that finds the port dead
-    platform.ports.failures.clear();
-    platform.mainApp.configuration.removalRequested = true;
-    platform.notices.deliver(kConfigurationChanged);  // the hello waits in its queue
-    platform.ports.duringSend = [&] {
-        platform.ports.duringSend = nullptr;
-        platform.settle();
+    ports.failures[std::string{kMessagePortBaseName}] = kPortBecameInvalid;
+    pass(2s);  // the poll that finds the port dead
+    ports.failures.clear();
+    mainApp.configuration.removalRequested = true;
+    notices.deliver(kConfigurationChanged);  // the hello waits in its queue
+    ports.duringSend = [&] {
+        ports.duringSend = nullptr;
+        settle();
     };
-    platform.clock.advance(2s);
-    EXPECT_EQ(count("removal: closing the windows"), 1);
-    EXPECT_EQ(platform.notice(kStateChanged), 0);
-    EXPECT_EQ(platform.notices.posted.back().first, AddOnSignals::kStatus);
-    const std::size_t sent = platform.ports.sent.size();
-    platform.pass(10s);
-    EXPECT_EQ(platform.ports.sent.size(), sent);
+    clock.advance(2s);
+    EXPECT_TRUE(log.contains("removal: closing the windows"));
+    EXPECT_EQ(notice(kStateChanged), 0);
+    const std::size_t sent = ports.sent.size();
+    pass(10s);
+    EXPECT_EQ(ports.sent.size(), sent);
 }
 
 TEST_F(AddOnCoordinatorTest, MemoryForPollsIsFreedWithTheCard) {
     lockAndShow();
-    platform.pass(4s);
-    EXPECT_GT(platform.ports.sent.back().replyMemory, 0u);
-    platform.unlock();
-    EXPECT_GT(platform.notice(kStateChanged), 0);
-    EXPECT_EQ(platform.ports.sent.back().replyMemory, 0u);
+    pass(4s);
+    EXPECT_GT(ports.sent.back().replyMemory, 0u);
+    unlock();
+    EXPECT_GT(notice(kStateChanged), 0);
+    EXPECT_EQ(ports.sent.back().replyMemory, 0u);
 }
 
 TEST_F(AddOnCoordinatorTest, TheMainApplicationsQuitHidesTheCardUntilItPlaysAgain) {
     lockAndShow();
-    const std::size_t scenes = platform.stage()->scenes.size();
-    platform.notice(kMainAppQuits);
-    platform.clock.advance(100ms);
-    EXPECT_EQ(platform.stage()->scenes.size(), scenes) << "the fade shows the card as it was";
-    EXPECT_FALSE(platform.isCardSeen());
-    EXPECT_EQ(platform.windows.open().size(), 1u);
-    EXPECT_EQ(count(kCleared), 1);
-    const Lines lines = platform.log.take();
+    const std::size_t scenes = stage()->scenes.size();
+    notice(kMainAppQuits);
+    clock.advance(100ms);
+    EXPECT_EQ(stage()->scenes.size(), scenes) << "the fade shows the card as it was";
+    EXPECT_FALSE(isCardSeen());
+    EXPECT_EQ(windows.open().size(), 1u);
+    const Lines lines = log.take();
     EXPECT_EQ(lines.front(), "notice: mainAppWillTerminate; hiding the card");
+    EXPECT_EQ(std::ranges::count(lines, kCleared), 1);
     EXPECT_EQ(lines.back(),
               "state: locked true, lockui true, delay true, allowed true, music false");
-    platform.mainApp.quit();
-    platform.pass(10s);
-    EXPECT_FALSE(platform.isCardSeen());
-    EXPECT_EQ(count(kCleared),
-              0);  // the quit has cleared it already
+    mainApp.quit();
+    pass(10s);
+    EXPECT_FALSE(log.contains(kCleared)) << "the quit has cleared it already";
 
-    platform.mainApp.launch();
-    platform.notice(kStateChanged);
-    EXPECT_TRUE(platform.isCardSeen());
-    EXPECT_EQ(platform.windows.windows.size(), 1u);
+    mainApp.launch();
+    notice(kStateChanged);
+    EXPECT_TRUE(isCardSeen());
+    EXPECT_EQ(windows.windows.size(), 1u);
 
-    platform.mainApp.quit();  // without a notice
-    platform.pass(10s);
-    EXPECT_FALSE(platform.isCardSeen());
-    EXPECT_EQ(count(kCleared), 1);
+    mainApp.quit();  // without a notice
+    pass(10s);
+    EXPECT_FALSE(isCardSeen());
+    EXPECT_TRUE(log.contains(kCleared));
 }
 
 // The state that a new connection brings is older than the user's edit.
 TEST_F(AddOnCoordinatorTest, AnEditOutlastsTheStateOfAConnectionThatItNeeds) {
     const auto playPauseLabel = [&] {
-        platform.clock.advance(Duration{});
-        const auto& controls = platform.stage()->scenes.back().controls;
+        clock.advance(Duration{});
+        const auto& controls = stage()->scenes.back().controls;
         return std::ranges::find(controls, ID::playPause, &SceneControl::id)->label;
-    };
-    const auto disconnect = [&] {
-        platform.ports.failures[std::string{kMessagePortBaseName}] = kPortSendTimeout;
-        platform.notice(kStateChanged);
-        platform.ports.failures.clear();
     };
     lockAndShow();
     disconnect();
     EXPECT_EQ(playPauseLabel(), "Pause");
-    platform.tap(ID::playPause);
+    tap(ID::playPause);
     EXPECT_EQ(playPauseLabel(), "Play");
-    platform.pass(1s);
+    pass(1s);
 
     disconnect();
-    const auto area = *platform.frame(ID::volume);
-    platform.ports.duringSend = [&] {
-        platform.ports.duringSend = nullptr;
-        platform.pointer(Kind::dragged, {area.x + area.width * 0.755, area.midY()});
-        platform.clock.advance(100ms);  // the newer volume is sent inside the older one's wait
+    ports.duringSend = [&] {
+        ports.duringSend = nullptr;
+        touchVolume(Kind::dragged, 0.755);
+        clock.advance(100ms);  // the newer volume is sent inside the older one's wait
     };
-    platform.pointer(Kind::down, {area.x + area.width * 0.255, area.midY()});
-    EXPECT_EQ(platform.mainApp.commands, (Lines{"playPause", "volume 75"}));
+    touchVolume(Kind::down, 0.255);
+    EXPECT_EQ(mainApp.commands, (Lines{"playPause", "volume 75"}));
 }
 
 TEST_F(AddOnCoordinatorTest, ATapAtTheVolumeThatIsShownSendsNoOlderOne) {
     lockAndShow();
-    platform.stage()->events.accessibility(ID::volume, AccessibilityAction::increment);
-    platform.pass(1s);
-    platform.mainApp.state.volume = 80;
-    platform.notice(kStateChanged);
-    const auto area = *platform.frame(ID::volume);
-    const Point shown{area.x + area.width * 0.805, area.midY()};
-    platform.pointer(Kind::down, shown);
-    platform.pointer(Kind::up, shown);
-    EXPECT_EQ(platform.mainApp.commands, Lines{"volume 55"});
+    stage()->events.accessibility(ID::volume, AccessibilityAction::increment);
+    pass(1s);
+    mainApp.state.volume = 80;
+    notice(kStateChanged);
+    touchVolume(Kind::down, 0.805);
+    touchVolume(Kind::up, 0.805);
+    EXPECT_EQ(mainApp.commands, Lines{"volume 55"});
 }
 
-TEST_F(AddOnCoordinatorTest, ABundleWithoutAVersionHasADashForOne) {
-    platform.live.services.process.bundleProperties.clear();
+TEST_F(AddOnCoordinatorTest, AnswersTheInstallerAlsoWithoutAVersion) {
+    live.services.process.bundleProperties.clear();
     start();
-    platform.notice(AddOnSignals::kStatusRequest);
-    EXPECT_EQ(count("launch: -, pid 4711"), 1);
-    EXPECT_EQ(count("link: add-on -, macOS 26.1.0, supported true, install 0F0E0D0C"), 1);
-    const auto& [name, userInfo] = platform.notices.posted.back();
-    EXPECT_EQ(AddOnSignals::Status::fromUserInfo(userInfo),
-              (AddOnSignals::Status{.isConnected = true, .version = "-"}));
-    EXPECT_EQ(platform.mainApp.hellos.at(0).addOnVersion, "0");
+    EXPECT_TRUE(log.contains("launch: -, pid 4711"));
+    EXPECT_TRUE(log.contains("link: add-on -, macOS 26.1.0, supported true, install 0F0E0D0C"));
+    EXPECT_EQ(mainApp.hellos.at(0).addOnVersion, "0");
+    log.take();
+    notice(AddOnSignals::kStatusRequest);
+    mainApp.quit();
+    notice(kStateChanged);
+    notice(AddOnSignals::kQuit);
+    EXPECT_EQ(terminations, 1);
+    EXPECT_TRUE(log.contains("installer: status requested; connected true"));
+    EXPECT_TRUE(log.contains("installer: asked to quit"));
+    std::string connected;
+    for (const auto& [name, userInfo] : notices.posted) {
+        const auto status = AddOnSignals::Status::fromUserInfo(userInfo).value();
+        EXPECT_EQ(name, AddOnSignals::kStatus);
+        EXPECT_EQ(status.version, "-");
+        connected += status.isConnected ? "+" : "-";
+    }
+    EXPECT_EQ(connected, "++-") << "at the start, when asked, when it ends";
 }
 
 // The end of a drag sends a volume and waits for a new connection. Events that arrive during the
 // wait decide about the windows.
 TEST_F(AddOnCoordinatorTest, EventsDuringADragsEndDecideAboutTheWindows) {
-    enum class Within { unlock, screensChange, unlockUnderPress };
-    for (const Within within : {Within::unlock, Within::screensChange, Within::unlockUnderPress}) {
+    const struct {
+        bool unlocks, isByPress;
+    } rows[] = {{true, false}, {false, false}, {true, true}};
+    const auto changeScreens = [this] {
+        screens.list.front().scale += 1;
+        screens.changed();
+    };
+    for (const auto& row : rows) {
         lockAndShow();
-        const auto area = *platform.frame(ID::volume);
-        const Point quarter{area.x + area.width / 4, area.midY()};
-        platform.pointer(Kind::down, quarter);
-        platform.ports.failures[std::string{kMessagePortBaseName}] = kPortSendTimeout;
-        platform.notice(kStateChanged);  // disconnects
-        platform.ports.failures.clear();
-        platform.ports.duringSend = [&] {
-            if (within == Within::screensChange)
-                platform.screens.changed();
-            else
-                platform.unlock();
-        };
-        if (within == Within::unlockUnderPress)
-            platform.pointer(Kind::down, quarter);
-        else
-            platform.screens.changed();
-        EXPECT_FALSE(platform.ports.duringSend);
-        platform.settle();
-        EXPECT_EQ(platform.windows.open().size(), within == Within::screensChange ? 1u : 0u);
-        platform.unlock();
-        EXPECT_TRUE(platform.windows.open().empty());
-        EXPECT_EQ(platform.activities, 0);
-        coordinator = AddOnCoordinator::make(platform.live);
+        touchVolume(Kind::down, 0.25);
+        disconnect();
+        ports.duringSend = [&] { row.unlocks ? unlock() : changeScreens(); };
+        row.isByPress ? touchVolume(Kind::down, 0.25) : changeScreens();
+        EXPECT_FALSE(ports.duringSend);
+        settle();
+        EXPECT_EQ(windows.open().size(), row.unlocks ? 0u : 1u);
+        unlock();
+        EXPECT_TRUE(windows.open().empty());
+        EXPECT_EQ(activities, 0);
+        coordinator = AddOnCoordinator::make(live);
     }
-}
-
-TEST_F(AddOnCoordinatorTest, NothingHappensAfterItsDestruction) {
-    lockAndShow();
-    platform.notices.deliver(kConfigurationChanged);       // a query waits in its queue
-    platform.notices.deliver("com.apple.screenIsLocked");  // a hello waits for the main thread
-    platform.tap(ID::next);
-    const auto stage = platform.stage();
-    const auto requests = platform.ports.sent.size();
-    coordinator.reset();
-    platform.log.take();
-    EXPECT_EQ(platform.notices.observerCount(), 0u);
-    EXPECT_EQ(platform.clock.pendingTimers(), 0u);
-    EXPECT_FALSE(platform.wake || platform.screens.changed || stage->events.pointer);
-    platform.settle();
-    platform.pass(100s);
-    EXPECT_EQ(platform.ports.sent.size(), requests);
-    EXPECT_TRUE(platform.log.take().empty());
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <functional>
 #include <set>
 #include <string>
@@ -20,7 +19,7 @@
 
 namespace quorvane {
 
-// One card's window, as the add-on logs it.
+// One card's window.
 struct CardOnScreen {
     xcb_window_t window = XCB_WINDOW_NONE;
     Rect frame;  // root pixels, shadow margin included
@@ -91,26 +90,15 @@ public:
     }
     LoggedProcess startLocker() { return start({"i3lock", "-n", "-c", "336699"}); }
 
-    // The next card that the add-on logs. The logged frame is relative to its screen; the result is
-    // in root pixels.
-    static CardOnScreen nextCard(LoggedProcess& addOn) {
+    // The next card that the add-on logs, once it is visible.
+    CardOnScreen nextCard(LoggedProcess& addOn) const {
         const std::string line = addOn.next(" on screen ");
-        CardOnScreen card;
-        double screenX = 0;
-        double screenY = 0;
-        double screenWidth = 0;
-        double screenHeight = 0;
-        long screen = 0;
-        unsigned long window = 0;
         const std::size_t at = line.find("window ");
-        if (at == std::string::npos) return card;
-        std::sscanf(line.c_str() + at,
-                    "window %lu on screen %ld {{%lf, %lf}, {%lf, %lf}} at {{%lf, %lf}, {%lf, %lf}}",
-                    &window, &screen, &screenX, &screenY, &screenWidth, &screenHeight,
-                    &card.frame.x, &card.frame.y, &card.frame.width, &card.frame.height);
-        card.window = static_cast<xcb_window_t>(window);
-        card.frame.y = screenY + screenHeight - card.frame.maxY();
-        return card;
+        if (at == std::string::npos) return {};
+        const auto window = static_cast<xcb_window_t>(std::stoul(line.substr(at + 7)));
+        const X11Client probe{x_.display()};
+        EXPECT_TRUE(eventually([&] { return probe.isViewable(window); }));
+        return {window, probe.frame(window)};
     }
 
     // Waits until the area shows more than the lock screen's one colour.
@@ -153,9 +141,8 @@ protected:
     // The card is visible over the locker when this returns.
     void lockWith(LoggedProcess itsLocker) {
         locker = std::move(itsLocker);
-        card = LockSession::nextCard(addOn);
+        card = session.nextCard(addOn);
         ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
-        ASSERT_TRUE(eventually([&] { return probe.isViewable(card.window); }));
     }
 
     LockSession session;

@@ -1,4 +1,5 @@
-// One lock with real programs: the card, a click, the unlock.
+// Locks with real programs: the card, a click, the unlock; two screens; a host that is killed or
+// hangs.
 #include "tests/end_to_end/LockSession.hpp"
 
 namespace quorvane {
@@ -13,8 +14,6 @@ TEST_F(EndToEndLock, TheCardComesFollowsTheMusicObeysAClickAndGoesWithTheLock) {
     for (const char* line :
          {"lock: com.apple.screenIsLocked", "lockui: shown", "windows true, card true"})
         EXPECT_EQ(addOn.count(line), 1) << addOn.log();
-    EXPECT_EQ(probe.frame(card.window), card.frame);
-
     EXPECT_TRUE(LockSession::isDrawnOn(probe, card.frame));
     ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(geometry.next))) << addOn.log();
     ASSERT_TRUE(addOn.says("command: nextTrack")) << addOn.log();
@@ -28,18 +27,6 @@ TEST_F(EndToEndLock, TheCardComesFollowsTheMusicObeysAClickAndGoesWithTheLock) {
     EXPECT_FALSE(probe.isViewable(card.window));
 }
 
-TEST_F(EndToEndLock, AnUnlockBeforeTheRevealDelayShowsNoCard) {
-    locker = session.startLocker();
-    ASSERT_TRUE(addOn.says("lockui: shown"));
-    locker.process().end(SIGKILL);
-    ASSERT_TRUE(addOn.says("unlock: com.apple.screenIsUnlocked"));
-    // The next lock shows the card once, so the first has left no timer.
-    locker = session.startLocker();
-    ASSERT_TRUE(addOn.says("windows: building 1"));
-    EXPECT_EQ(addOn.count("windows: building"), 1);
-    EXPECT_EQ(addOn.count("delay true"), 1) << addOn.log();
-}
-
 TEST(EndToEndEnd, AVanishedXServerIsAPlainErrorAndSIGTERMOneLine) {
     LockSession session;
     LoggedProcess addOn = session.startAddOn();
@@ -50,9 +37,65 @@ TEST(EndToEndEnd, AVanishedXServerIsAPlainErrorAndSIGTERMOneLine) {
     LoggedProcess second = other.startAddOn();
     second.process().signal(SIGTERM);
     EXPECT_TRUE(second.says("received SIGTERM; quitting"));
-    const auto end = second.process().wait(20s);
-    ASSERT_TRUE(end);
-    EXPECT_TRUE(WIFSIGNALED(*end) && WTERMSIG(*end) == SIGTERM);
+    EXPECT_EQ(second.process().wait(20s), SIGTERM);
+}
+
+TEST_F(EndToEndLock, AHostKilledWhileLockedTakesTheCardAwayAndItsSuccessorBringsItBack) {
+    lock();
+    host.process().end(SIGKILL);
+    ASSERT_TRUE(addOn.says("exit: window"));
+    ASSERT_TRUE(addOn.says(
+        "state: Quorvane unreachable; cleared (Quorvane unreachable or quit), card hidden"));
+    LoggedProcess successor = session.startHost();
+    ASSERT_TRUE(addOn.says("card: fading in on 1 window(s)")) << addOn.log();
+    session.start({HOST_PROGRAM, "disable"}).process().wait(20s);
+    EXPECT_TRUE(addOn.says("windows: closing 1 (state)"));
+}
+
+TEST(EndToEndHost, ThatHangsBlocksNobodyForLongAndShowsNoCard) {
+    LockSession session;
+    LoggedProcess host = session.startHost();
+    host.process().signal(SIGSTOP);
+    LoggedProcess addOn = session.startAddOn();  // connects, but receives no state
+    LoggedProcess locker = session.startLocker();
+    const auto begun = std::chrono::steady_clock::now();
+    ASSERT_TRUE(addOn.says("lockui: shown", 10s)) << addOn.log();
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 5s);
+    ASSERT_TRUE(addOn.says("delay true"));
+    EXPECT_EQ(addOn.count("windows: building"), 0);
+    host.process().signal(SIGCONT);
+    EXPECT_TRUE(addOn.says("entrance: window", 90s)) << "the next hello, a minute later";
+}
+
+TEST(EndToEndScreens, EachHasACardAndOneThatGoesTakesOnlyItsOwn) {
+    LockSession session;
+    session.x().setMonitor("left", 960, 1080, 0, 0, true);
+    session.x().setMonitor("right", 960, 1080, 960, 0);
+    LoggedProcess host = session.startHost();
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess locker = session.startLocker();
+    const CardOnScreen left = session.nextCard(addOn);
+    const CardOnScreen right = session.nextCard(addOn);
+    ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
+    ASSERT_TRUE(addOn.says("entrance: window"));
+    const X11Client probe = session.probe();
+    EXPECT_LT(probe.frame(left.window).maxX(), 960);
+    EXPECT_GT(probe.frame(right.window).x, 960);
+    EXPECT_TRUE(LockSession::isDrawnOn(probe, left.frame));
+    EXPECT_TRUE(LockSession::isDrawnOn(probe, right.frame));
+
+    session.x().deleteMonitor("right");
+    ASSERT_TRUE(addOn.says("screens changed: 1 screen(s), 2 window(s), windows wanted true"))
+        << addOn.log();
+    ASSERT_TRUE(addOn.says("windows: closing 2 (screens changed)"));
+    ASSERT_TRUE(addOn.says("windows: building 1 (screens changed), card true"));
+    const CardOnScreen only = session.nextCard(addOn);
+    EXPECT_EQ(only.frame, left.frame);
+    EXPECT_FALSE(probe.isViewable(right.window));
+    EXPECT_EQ(addOn.count("entrance: window"), 2) << "the rebuilt card appears without an entrance";
+
+    session.x().setMonitor("right", 960, 1080, 960, 0);
+    ASSERT_TRUE(addOn.says("windows: building 2 (screens changed), card true")) << addOn.log();
 }
 
 }  // namespace

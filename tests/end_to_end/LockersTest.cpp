@@ -70,29 +70,5 @@ TEST_F(EndToEndLockers, TheCardStaysWhereItIsWhenXsecurelocksPromptOpensAndClose
     EXPECT_TRUE(addOn.says("windows: closing 1 (state)"));
 }
 
-TEST_F(EndToEndLockers, TheCardStandsOverXscreensaver) {
-    TemporaryFolder home;
-    home.write(".xscreensaver",
-               "mode: blank\nsplash: False\nfade: False\nlock: True\nlockTimeout: 0:00:00\n");
-    // It refuses to lock as root, so it runs as another user.
-    const auto asUser = [&](std::vector<std::string> command) {
-        command.insert(command.begin(), {"env", "HOME=" + home.path().string()});
-        if (geteuid() == 0)
-            command.insert(command.begin(),
-                           {"setpriv", "--reuid=games", "--regid=games", "--clear-groups"});
-        return session.start(command);
-    };
-    if (geteuid() == 0) session.start({"chown", "-R", "games", home.path()}).process().wait(10s);
-    locker = asUser({"xscreensaver", "--no-splash"});
-    ASSERT_TRUE(eventually([&] {
-        return asUser({"xscreensaver-command", "--lock"}).process().exitStatus(10s) == 0;
-    })) << locker.log();
-    lockWith(std::move(locker));
-    EXPECT_TRUE(LockSession::isDrawnOn(probe, card.frame));
-    locker.process().end(SIGKILL);
-    EXPECT_TRUE(addOn.says("windows: closing 1 (state)"));
-    EXPECT_TRUE(eventually([&] { return !probe.isViewable(card.window); }));
-}
-
 }  // namespace
 }  // namespace quorvane

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/linux/files/FileDescriptor.hpp"
 #include "tests/support/ChildProcess.hpp"
 
 namespace quorvane {
@@ -28,20 +29,8 @@ public:
         command.insert(command.end(), arguments.begin(), arguments.end());
         process_ = ChildProcess{command, environment, ends[1]};
         ::close(ends[1]);
-        output_ = ends[0];
+        output_ = FileDescriptor{ends[0]};
     }
-    LoggedProcess(LoggedProcess&& other) noexcept { *this = std::move(other); }
-    LoggedProcess& operator=(LoggedProcess&& other) noexcept {
-        std::swap(process_, other.process_);
-        std::swap(output_, other.output_);
-        std::swap(text_, other.text_);
-        std::swap(seen_, other.seen_);
-        return *this;
-    }
-    ~LoggedProcess() {
-        if (output_ >= 0) ::close(output_);
-    }
-
     // The result of a finished program: its exit status, -1 for none, and both of its outputs.
     struct Run {
         int status;
@@ -64,8 +53,7 @@ public:
                      std::chrono::milliseconds patience = std::chrono::seconds{30}) {
         const auto deadline = std::chrono::steady_clock::now() + patience;
         while (true) {
-            for (std::size_t end = text_.find('\n', seen_); end != std::string::npos;
-                 end = text_.find('\n', seen_)) {
+            for (std::size_t end = 0; (end = text_.find('\n', seen_)) != std::string::npos;) {
                 const std::string line = text_.substr(seen_, end - seen_);
                 seen_ = end + 1;
                 if (line.find(text) != std::string::npos) return line;
@@ -83,9 +71,7 @@ public:
     int count(std::string_view text) {
         readWhatIsThere();
         int times = 0;
-        for (std::size_t at = text_.find(text); at != std::string::npos;
-             at = text_.find(text, at + 1))
-            ++times;
+        for (auto at = text_.find(text); at != text_.npos; at = text_.find(text, at + 1)) ++times;
         return times;
     }
     const std::string& log() const { return text_; }
@@ -96,17 +82,17 @@ private:
         }
     }
     bool readMore(std::chrono::milliseconds patience) {
-        pollfd entry{output_, POLLIN, 0};
+        pollfd entry{output_.get(), POLLIN, 0};
         if (poll(&entry, 1, static_cast<int>(patience.count())) <= 0) return false;
         char buffer[65536];
-        const ssize_t length = read(output_, buffer, sizeof buffer);
+        const ssize_t length = read(output_.get(), buffer, sizeof buffer);
         if (length <= 0) return false;
         text_.append(buffer, static_cast<std::size_t>(length));
         return true;
     }
 
     ChildProcess process_;
-    int output_ = -1;
+    FileDescriptor output_;
     std::string text_;
     std::size_t seen_ = 0;
 };

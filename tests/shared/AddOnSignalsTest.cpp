@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "shared/AddOnInstallLocation.hpp"
-
 namespace quorvane {
 namespace {
 
@@ -20,12 +18,6 @@ TEST(AddOnSignals, AStatusIsReadBackAsItWasWrittenAndNotGuessed) {
         otherType[key] = {std::int64_t{1}};
         EXPECT_EQ(Status::fromUserInfo(otherType), std::nullopt);
     }
-}
-
-TEST(AddOnInstallLocation, TheBundleLiesInTheSupportFolder) {
-    const std::string support = "/support/example.quillon.Quorvane.LockScreenAddOn";
-    EXPECT_EQ(AddOnInstallLocation::supportDirectory("/support"), support);
-    EXPECT_EQ(AddOnInstallLocation::bundle("/support"), support + "/Quorvane Lock Screen.app");
 }
 
 }  // namespace

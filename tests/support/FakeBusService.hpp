@@ -26,14 +26,16 @@ public:
         sd_bus_set_bus_client(bus_, 1);
         sd_bus_start(bus_);
         sd_bus_add_filter(bus_, nullptr, handle, this);
-        isUp_ = sd_bus_request_name(bus_, name.c_str(), 0) >= 0;
-        sd_bus_attach_event(bus_, loop.event(), SD_EVENT_PRIORITY_NORMAL);
+        sd_bus_request_name(bus_, name.c_str(), 0);
+        attach(loop);
     }
     ~FakeBusService() { sd_bus_flush_close_unref(bus_); }
     FakeBusService(const FakeBusService&) = delete;
     FakeBusService& operator=(const FakeBusService&) = delete;
 
-    bool isUp() const { return isUp_; }
+    // Detached it hangs, though its name is on the bus.
+    void attach(EventLoop& loop) { sd_bus_attach_event(bus_, loop.event(), 0); }
+    void detach() { sd_bus_detach_event(bus_); }
     // The member of each call that came in.
     const std::vector<std::string>& calls() const { return calls_; }
 
@@ -61,7 +63,6 @@ private:
     }
 
     sd_bus* bus_ = nullptr;
-    bool isUp_ = false;
     Handler handler_;
     std::vector<std::string> calls_;
 };

@@ -40,7 +40,6 @@ struct FakeWindowState {
     std::vector<double> fades;
     std::function<void()> fadeCompletion;
     std::weak_ptr<CardStage> content;
-    std::function<void(Point)> mouseDown;
 };
 
 class FakeWindow : public CardSystemWindow {
@@ -71,9 +70,7 @@ public:
             if (completion) completion();
         };
     }
-    void setMouseDownObserver(std::function<void(Point)> observer) override {
-        state_->mouseDown = std::move(observer);
-    }
+    void setMouseDownObserver(std::function<void(Point)>) override {}
 
 private:
     // A later fade ends the one that runs, whose completion still comes.
@@ -89,12 +86,10 @@ struct FakeCardWindows {
     std::vector<std::shared_ptr<FakeWindowState>> windows;
     std::vector<std::shared_ptr<FakeStage>> stages;
     bool reducesMotion = false;
-    bool makesWindows = true;
 
     CardWindows table() {
         return {.makeWindow = [this](const WindowSettings& settings,
                                      const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
-                    if (!makesWindows) return nullptr;
                     auto state = std::make_shared<FakeWindowState>();
                     state->number = 101 + static_cast<long>(windows.size());
                     state->settings = settings;

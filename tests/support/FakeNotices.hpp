@@ -1,7 +1,7 @@
 // Both notice services inside one process: posts reach their observers at once.
 #pragma once
 
-#include <map>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -37,32 +37,28 @@ public:
 
     // The number of observers that heard it.
     int deliver(const std::string& name, const PropertyDictionary& userInfo = {}) {
-        const auto observers = *observers_;
         int count = 0;
-        for (const auto& [observed, handler] : observers)
-            if (observed == name && *handler) {
+        for (const auto& [observed, weak] : std::vector{observers_})
+            if (const auto handler = weak.lock(); handler && observed == name) {
                 (*handler)(userInfo);
                 ++count;
             }
         return count;
     }
-    std::size_t observerCount() const { return observers_->size(); }
-
-private:
-    using Observer = std::pair<std::string, std::shared_ptr<DistributedNotices::Handler>>;
-
-    Handle add(const std::string& name, DistributedNotices::Handler handler) {
-        auto slot = std::make_shared<DistributedNotices::Handler>(std::move(handler));
-        observers_->emplace_back(name, slot);
-        return Handle{[slot, list = std::weak_ptr{observers_}] {
-            *slot = nullptr;
-            if (const auto observers = list.lock())
-                std::erase_if(*observers,
-                              [&](const Observer& each) { return each.second == slot; });
-        }};
+    std::size_t observerCount() const {
+        const auto isHeld = [](const auto& each) { return !each.second.expired(); };
+        return static_cast<std::size_t>(std::ranges::count_if(observers_, isHeld));
     }
 
-    std::shared_ptr<std::vector<Observer>> observers_ = std::make_shared<std::vector<Observer>>();
+private:
+    // The handle owns the handler.
+    Handle add(const std::string& name, DistributedNotices::Handler handler) {
+        const auto shared = std::make_shared<DistributedNotices::Handler>(std::move(handler));
+        observers_.emplace_back(name, shared);
+        return Handle{[shared] {}};
+    }
+
+    std::vector<std::pair<std::string, std::weak_ptr<DistributedNotices::Handler>>> observers_;
 };
 
 }  // namespace quorvane

@@ -56,12 +56,11 @@ public:
     }
 
     void play(const std::string& title, const std::string& artist) {
-        XPCTrack track;
+        XPCTrack& track = state.track.emplace();
         track.title = title;
         track.artist = artist;
         track.duration = 200;
         track.artworkData = SharedBytes{copyOf(bytesOf("cover of " + title))};
-        state.track = track;
         state.playerState = XPCPlayerState::playing;
         state.playerType = XPCPlayerType::appleMusic;
         state.volume = 50;
@@ -129,6 +128,7 @@ struct FakePlatform {
     bool isLocked = false;
     std::function<void()> wake;
     int activities = 0;
+    std::uint64_t activityOptions = 0;
     int terminations = 0;
     ScriptedMainApp mainApp{ports, clock.wallClock()};
     LivePlatform live;
@@ -177,11 +177,10 @@ struct FakePlatform {
     bool isCardSeen(std::size_t window = 0) const { return windows.isCardSeen(window); }
     std::optional<Rect> frame(SceneControl::ID id) const {
         const auto shown = stage();
-        if (shown == nullptr || shown->scenes.empty()) return std::nullopt;
-        const auto& controls = shown->scenes.back().controls;
-        const auto control = std::ranges::find(controls, id, &SceneControl::id);
-        if (control == controls.end()) return std::nullopt;
-        return control->frame;
+        if (!shown || shown->scenes.empty()) return std::nullopt;
+        for (const SceneControl& control : shown->scenes.back().controls)
+            if (control.id == id) return control.frame;
+        return std::nullopt;
     }
     // A press that reaches the first window's card, or nothing if it lets clicks through.
     void pointer(PointerEvent::Kind kind, Point location) const {
@@ -215,6 +214,14 @@ private:
         std::unique_ptr<RemotePort> port_;
     };
 
+    // Makes an operation return an empty value where it shall fail.
+    template <typename Value, typename... Arguments>
+    void spoil(std::function<Value(Arguments...)>& operation) {
+        operation = [this, whole = operation](Arguments... arguments) {
+            return faults.hit() ? Value{} : whole(std::forward<Arguments>(arguments)...);
+        };
+    }
+
     void fillServices() {
         LiveServices& services = live.services;
         services.application.terminate = [this] { ++terminations; };
@@ -232,17 +239,15 @@ private:
         queues.refuses = [this] { return faults.hit(); };
         services.connectPort = [this, connect = ports.connectPort()](
                                    const std::string& name) -> std::unique_ptr<RemotePort> {
-            auto port = faults.hit() ? nullptr : connect(name);
+            auto port = connect(name);
             if (port == nullptr) return nullptr;
             return std::make_unique<FaultyPort>(faults, std::move(port));
         };
+        spoil(services.connectPort);
         services.distributedNotices = notices.distributed();
         services.darwinNotices = notices.darwin();
-        services.files.containerOfGroup =
-            [this](const std::string&) -> std::optional<std::filesystem::path> {
-            if (faults.hit()) return std::nullopt;
-            return "/group";
-        };
+        services.files.containerOfGroup = [](const std::string&) { return "/group"; };
+        spoil(services.files.containerOfGroup);
         services.files.read = [this](const std::filesystem::path& path) -> Result<Bytes> {
             if (faults.hit() || path != "/group/ipc-secret")
                 return std::unexpected{PlatformError{.code = 5, .description = "unreadable"}};
@@ -252,25 +257,21 @@ private:
         services.installation = installation.table();
         services.makeUUID = [] { return std::string{"0F0E0D0C"}; };
         services.standardDefaults = defaults.table();
-        services.standardDefaults.get =
-            [this, get = services.standardDefaults.get](
-                const std::string& key) -> std::optional<PropertyValue> {
-            if (faults.hit()) return std::nullopt;
-            return get(key);
-        };
-        services.standardDefaults.synchronize = [this]() -> Result<void> {
-            if (!faults.hit()) return {};
-            return std::unexpected{PlatformError{.code = 28, .description = "full"}};
+        spoil(services.standardDefaults.get);
+        services.standardDefaults.synchronize = [this, synchronize =
+                                                           services.standardDefaults.synchronize] {
+            defaults.refuses = faults.hit();
+            return synchronize();
         };
     }
 
     void fillCard() {
         live.lockSources = {
-            .sessionDictionary = [this]() -> std::optional<PropertyValue> {
-                if (faults.hit()) return std::nullopt;
-                return PropertyValue{
-                    PropertyDictionary{{"CGSSessionScreenIsLocked", PropertyValue{isLocked}}}};
-            },
+            .sessionDictionary =
+                [this] {
+                    return PropertyValue{
+                        PropertyDictionary{{"CGSSessionScreenIsLocked", PropertyValue{isLocked}}}};
+                },
             .observeWake =
                 [this](std::function<void()> handler) {
                     wake = std::move(handler);
@@ -283,21 +284,19 @@ private:
                     return faults.hit() ? 2u : 0u;
                 },
             .notifyCancel = [](int) {}};
+        spoil(live.lockSources.sessionDictionary);
         live.screens = screens.table();
-        live.screens.list = [this] { return faults.hit() ? std::vector<Screen>{} : screens.list; };
+        spoil(live.screens.list);
         live.cardWindows = windows.table();
-        live.cardWindows.makeWindow = [this, make = live.cardWindows.makeWindow](
-                                          const WindowSettings& settings, const Screen& screen) {
-            return faults.hit() ? nullptr : make(settings, screen);
-        };
-        live.decodeImage = [this](ByteView) -> ImageRef {
-            return faults.hit() ? nullptr : std::make_shared<Image>();
-        };
-        live.beginActivity = [this](std::uint64_t, const std::string&) {
-            if (faults.hit()) return Handle{};
+        spoil(live.cardWindows.makeWindow);
+        live.decodeImage = [](ByteView) { return std::make_shared<Image>(); };
+        spoil(live.decodeImage);
+        live.beginActivity = [this](std::uint64_t options, const std::string&) {
+            activityOptions = options;
             ++activities;
             return Handle{[this] { --activities; }};
         };
+        spoil(live.beginActivity);
         live.localized = [](const std::string& key) { return key; };
         live.isRightToLeft = [] { return false; };
     }

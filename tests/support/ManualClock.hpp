@@ -30,14 +30,17 @@ public:
     // wait.
     void advance(Duration duration) {
         const Duration end = elapsed_ + duration;
-        while (!timers_->empty() && nextWake() <= end) {
+        while (pendingTimers() > 0 && nextWake() <= end) {
             elapsed_ = std::max(elapsed_, nextWake());
             fireDue();
         }
         elapsed_ = end;
     }
 
-    std::size_t pendingTimers() const { return timers_->size(); }
+    std::size_t pendingTimers() {
+        std::erase_if(timers_, [](const auto& timer) { return timer.second.action.expired(); });
+        return timers_.size();
+    }
 
     // 2026-01-01 00:00:00 UTC.
     static constexpr WallTime kStart{std::chrono::seconds{1'767'225'600}};
@@ -45,40 +48,30 @@ public:
 private:
     struct Waiting {
         Duration latest;
-        std::function<void()> action;
+        std::weak_ptr<std::function<void()>> action;  // owned by the timer's handle
     };
-    using Timers = std::multimap<Duration, Waiting>;  // by the earliest time of each
 
     Duration nextWake() const {
         Duration wake = Duration::max();
-        for (const auto& [due, waiting] : *timers_) wake = std::min(wake, waiting.latest);
+        for (const auto& [due, waiting] : timers_) wake = std::min(wake, waiting.latest);
         return wake;
     }
     void fireDue() {
-        while (!timers_->empty() && timers_->begin()->first <= elapsed_) {
-            const auto first = timers_->begin();
-            const auto action = std::move(first->second.action);
-            timers_->erase(first);
-            action();
+        while (!timers_.empty() && timers_.begin()->first <= elapsed_) {
+            const auto action = timers_.begin()->second.action.lock();
+            timers_.erase(timers_.begin());
+            if (action) std::exchange(*action, nullptr)();
         }
     }
-
     Timer add(Duration delay, Duration tolerance, std::function<void()> action) {
-        // The identity of a timer is its shared flag: an iterator would dangle once it has fired.
-        const auto isHeld = std::make_shared<bool>(true);
+        const auto shared = std::make_shared<std::function<void()>>(std::move(action));
         const Duration due = elapsed_ + std::max(delay, Duration{});
-        const auto place =
-            timers_->emplace(due, Waiting{due + tolerance, [isHeld, action = std::move(action)] {
-                                              if (std::exchange(*isHeld, false)) action();
-                                          }});
-        return Handle{[isHeld, place, timers = std::weak_ptr{timers_}] {
-            if (const auto list = timers.lock(); std::exchange(*isHeld, false) && list)
-                list->erase(place);
-        }};
+        timers_.emplace(due, Waiting{due + tolerance, shared});
+        return Handle{[shared] {}};
     }
 
     Duration elapsed_{};
-    std::shared_ptr<Timers> timers_ = std::make_shared<Timers>();
+    std::multimap<Duration, Waiting> timers_;  // by the earliest time of each
 };
 
 }  // namespace quorvane

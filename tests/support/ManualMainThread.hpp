@@ -20,10 +20,7 @@ public:
     // Runs what is waiting, and what that posts in turn. The number of actions run.
     int run() {
         int count = 0;
-        while (auto action = next()) {
-            action();
-            ++count;
-        }
+        for (; const auto action = next(); ++count) action();
         return count;
     }
 

@@ -12,9 +12,8 @@ struct MemoryDefaults {
 
     UserDefaults table() {
         return {.get = [this](const std::string& key) -> std::optional<PropertyValue> {
-                    const auto entry = values.find(key);
-                    if (entry == values.end()) return std::nullopt;
-                    return entry->second;
+                    if (!values.contains(key)) return std::nullopt;
+                    return values.at(key);
                 },
                 .getTogether =
                     [this](const std::vector<std::string>& keys) {
@@ -26,10 +25,8 @@ struct MemoryDefaults {
                     },
                 .set =
                     [this](const std::string& key, std::optional<PropertyValue> value) {
-                        if (value)
-                            values.insert_or_assign(key, *std::move(value));
-                        else
-                            values.erase(key);
+                        values.erase(key);
+                        if (value) values.emplace(key, *std::move(value));
                     },
                 .removeDomain = [this] { values.clear(); },
                 .synchronize = [this]() -> Result<void> {

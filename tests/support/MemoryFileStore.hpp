@@ -26,22 +26,18 @@ struct MemoryFileStore {
             if (const auto file = files.find(path); file != files.end()) return file->second;
             return std::unexpected{PlatformError{.code = 2, .description = "missing"}};
         };
-        store.writeAtomically = [this](const auto& path, ByteView bytes) {
-            return write(path, bytes, true);
+        const auto writer = [this](bool replaces) {
+            return [this, replaces](const auto& path, ByteView bytes) -> Result<void> {
+                if (writeFailure)
+                    return std::unexpected{PlatformError{.code = 28, .description = *writeFailure}};
+                if (beforeWrite) beforeWrite();
+                if (replaces || !files.contains(path)) files[path] = copyOf(bytes);
+                return {};
+            };
         };
-        store.createAtomically = [this](const auto& path, ByteView bytes) {
-            return write(path, bytes, false);
-        };
+        store.writeAtomically = writer(true);
+        store.createAtomically = writer(false);
         return store;
-    }
-
-private:
-    Result<void> write(const std::filesystem::path& path, ByteView bytes, bool replaces) {
-        if (writeFailure)
-            return std::unexpected{PlatformError{.code = 28, .description = *writeFailure}};
-        if (beforeWrite) beforeWrite();
-        if (replaces || !files.contains(path)) files[path] = copyOf(bytes);
-        return {};
     }
 };
 

@@ -20,18 +20,16 @@ public:
 
     RegularFiles table() {
         return {.stamp = [this](const std::filesystem::path& path) -> Result<FileStamp> {
-                    const auto file = files_.find(path);
-                    if (file == files_.end()) return missing(path);
-                    return file->second.stamp;
+                    if (!files_.contains(path)) return failure(path, "No such file or directory");
+                    return files_[path].stamp;
                 },
                 .read = [this](const std::filesystem::path& path,
                                std::uint64_t limit) -> Result<StampedFile> {
                     ++reads;
-                    const auto file = files_.find(path);
-                    if (file == files_.end()) return missing(path);
-                    if (file->second.contents.size() > limit)
+                    if (!files_.contains(path)) return failure(path, "No such file or directory");
+                    if (files_[path].contents.size() > limit)
                         return failure(path, "File too large");
-                    return file->second;
+                    return files_[path];
                 }};
     }
 
@@ -40,9 +38,6 @@ private:
                                                   const std::string& reason) {
         return std::unexpected{
             PlatformError{.code = 1, .description = path.string() + ": " + reason}};
-    }
-    static std::unexpected<PlatformError> missing(const std::filesystem::path& path) {
-        return failure(path, "No such file or directory");
     }
 
     std::map<std::filesystem::path, StampedFile> files_;

@@ -32,17 +32,7 @@ struct Screenshot {
         return result;
     }
 
-    static Screenshot take(xcb_connection_t* connection) {
-        const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-        return take(connection,
-                    {0, 0, double(screen->width_in_pixels), double(screen->height_in_pixels)});
-    }
-
-    std::uint32_t at(int x, int y) const {
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                      static_cast<std::size_t>(x)];
-    }
-
+    std::uint32_t at(int x, int y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
     bool operator==(const Screenshot&) const = default;
 };
 

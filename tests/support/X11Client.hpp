@@ -2,7 +2,6 @@
 // stands on the screen.
 #pragma once
 
-#include <sys/epoll.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
@@ -11,7 +10,6 @@
 #include <vector>
 
 #include "drawing/Geometry.hpp"
-#include "platform/linux/loop/EventLoop.hpp"
 #include "platform/linux/x11/XcbReply.hpp"
 
 namespace quorvane {
@@ -103,16 +101,6 @@ public:
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, root(), XCB_ATOM_RESOURCE_MANAGER,
                             XCB_ATOM_STRING, 8, std::uint32_t(text.size()), text.data());
     }
-    // As long as it is held, the loop wakes when somebody writes to the root window. For a client
-    // that does nothing else: waiting for a reply would take the events in unseen.
-    Handle wakeOnRootProperties(EventLoop& loop) const {
-        const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
-        xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &mask);
-        xcb_flush(connection_);
-        return loop.watch(xcb_get_file_descriptor(connection_), EPOLLIN, [this](std::uint32_t) {
-            while (auto* event = xcb_poll_for_event(connection_)) std::free(event);
-        });
-    }
 
     // What the server says of a window. Of one that is gone: null, or empty.
     XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_window_t window) const {
@@ -152,10 +140,6 @@ public:
         xcb_test_fake_input(connection_, isDown ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE,
                             std::uint8_t(number), XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
     }
-    void key(unsigned code, bool isDown) const {
-        xcb_test_fake_input(connection_, isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE,
-                            std::uint8_t(code), XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
-    }
     // Felt by everybody when these return.
     void click(Point at) const {
         movePointer(int(at.x), int(at.y));
@@ -164,8 +148,9 @@ public:
         sync();
     }
     void type(unsigned code) const {
-        key(code, true);
-        key(code, false);
+        for (const std::uint8_t kind : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
+            xcb_test_fake_input(connection_, kind, std::uint8_t(code), XCB_CURRENT_TIME,
+                                XCB_WINDOW_NONE, 0, 0, 0);
         sync();
     }
 

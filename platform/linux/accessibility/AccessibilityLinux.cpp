@@ -11,7 +11,6 @@ namespace {
 constexpr char kService[] = "org.a11y.Bus";
 constexpr char kPath[] = "/org/a11y/bus";
 constexpr char kStatus[] = "org.a11y.Status";
-constexpr auto kAnswerDeadline = std::chrono::seconds{5};
 
 }  // namespace
 

@@ -61,20 +61,20 @@ int count(sd_bus*, const char* path, const char*, const char*, sd_bus_message* r
     return sd_bus_message_append(reply, "i", static_cast<std::int32_t>(actions.size()));
 }
 
-constexpr sd_bus_vtable kMembers[] = {SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-                                      SD_BUS_PROPERTY("NActions", "i", count, 0, 0),
-                                      SD_BUS_METHOD("GetName", "i", "s", name, 0),
-                                      SD_BUS_METHOD("GetLocalizedName", "i", "s", name, 0),
-                                      SD_BUS_METHOD("GetDescription", "i", "s", nothing, 0),
-                                      SD_BUS_METHOD("GetKeyBinding", "i", "s", nothing, 0),
-                                      SD_BUS_METHOD("GetActions", "", "a(sss)", all, 0),
-                                      SD_BUS_METHOD("DoAction", "i", "b", perform, 0),
-                                      SD_BUS_VTABLE_END};
+constexpr sd_bus_vtable kActionMembers[] = {SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+                                            SD_BUS_PROPERTY("NActions", "i", count, 0, 0),
+                                            SD_BUS_METHOD("GetName", "i", "s", name, 0),
+                                            SD_BUS_METHOD("GetLocalizedName", "i", "s", name, 0),
+                                            SD_BUS_METHOD("GetDescription", "i", "s", nothing, 0),
+                                            SD_BUS_METHOD("GetKeyBinding", "i", "s", nothing, 0),
+                                            SD_BUS_METHOD("GetActions", "", "a(sss)", all, 0),
+                                            SD_BUS_METHOD("DoAction", "i", "b", perform, 0),
+                                            SD_BUS_VTABLE_END};
 
 }  // namespace
 
 constinit const AtspiInterface kAtspiAction{
     "org.a11y.atspi.Action", [](const AtspiNode& node) { return !actionsOf(node).empty(); },
-    kMembers};
+    kActionMembers};
 
 }  // namespace quorvane

@@ -109,7 +109,7 @@ int refuse(sd_bus_message* call, void*, sd_bus_error*) {
     return sd_bus_reply_method_return(call, "b", 0);
 }
 
-constexpr sd_bus_vtable kMembers[] = {
+constexpr sd_bus_vtable kComponentMembers[] = {
     SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("Contains", "iiu", "b", contains, 0),
     SD_BUS_METHOD("GetAccessibleAtPoint", "iiu", "(so)", atPoint, 0),
@@ -126,6 +126,6 @@ constexpr sd_bus_vtable kMembers[] = {
 
 constinit const AtspiInterface kAtspiComponent{
     "org.a11y.atspi.Component", [](const AtspiNode& node) { return node.card != nullptr; },
-    kMembers};
+    kComponentMembers};
 
 }  // namespace quorvane

@@ -33,7 +33,7 @@ int text(sd_bus*, const char* path, const char*, const char*, sd_bus_message* re
     return sd_bus_message_append(reply, "s", controlAt(data, path).value.c_str());
 }
 
-constexpr sd_bus_vtable kMembers[] = {
+constexpr sd_bus_vtable kValueMembers[] = {
     SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_PROPERTY("MinimumValue", "d", number<&SceneControl::minimum>, 0, 0),
     SD_BUS_PROPERTY("MaximumValue", "d", number<&SceneControl::maximum>, 0, 0),
@@ -50,6 +50,6 @@ constinit const AtspiInterface kAtspiValue{
         return isSlider(node) ||
                (node.control && node.control->role == SceneControl::Role::progress);
     },
-    kMembers};
+    kValueMembers};
 
 }  // namespace quorvane

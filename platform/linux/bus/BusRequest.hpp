@@ -15,6 +15,8 @@
 
 namespace quorvane {
 
+// A service that does not answer in this time counts as absent.
+inline constexpr Duration kAnswerDeadline = std::chrono::seconds{5};
 inline constexpr char kBusProperties[] = "org.freedesktop.DBus.Properties";
 
 struct BusMethod {

@@ -14,12 +14,11 @@ namespace quorvane {
 namespace {
 
 constexpr char kService[] = "org.freedesktop.login1";
-constexpr char kPath[] = "/org/freedesktop/login1";
+constexpr char kManagerPath[] = "/org/freedesktop/login1";
 constexpr char kManager[] = "org.freedesktop.login1.Manager";
 constexpr char kSession[] = "org.freedesktop.login1.Session";
 constexpr char kSessions[] = "/org/freedesktop/login1/session";
 constexpr char kLockedHint[] = "LockedHint";
-constexpr auto kAnswerDeadline = std::chrono::seconds{5};
 
 std::string taken(char* text) {
     const std::string copy = text ? text : "";
@@ -50,7 +49,7 @@ std::string sessionPath() {
 LogindLinux::LogindLinux(BusConnection& bus, Events events)
     : bus_(bus), events_(std::move(events)), sessionPath_(sessionPath()) {
     const std::string fromService = std::string{"type='signal',sender='"} + kService + "',path='";
-    observe(fromService + kPath + "',interface='" + kManager + "',member='PrepareForSleep'",
+    observe(fromService + kManagerPath + "',interface='" + kManager + "',member='PrepareForSleep'",
             &LogindLinux::onPrepareForSleep);
     if (sessionPath_.empty()) return;
     observe(fromService + sessionPath_ + "',interface='" + kBusProperties +

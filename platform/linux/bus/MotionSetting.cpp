@@ -11,7 +11,7 @@ constexpr char kPortalPath[] = "/org/freedesktop/portal/desktop";
 constexpr char kSettings[] = "org.freedesktop.portal.Settings";
 constexpr char kAppearance[] = "org.freedesktop.appearance";
 constexpr char kGnomeInterface[] = "org.gnome.desktop.interface";
-constexpr auto kAnswerDeadline = std::chrono::seconds{2};
+constexpr auto kSettingDeadline = std::chrono::seconds{2};
 
 }  // namespace
 
@@ -22,7 +22,7 @@ void MotionSetting::refresh() {
     const auto decide = [this](const PropertyDictionary& settings) {
         isReduced_ = reducesMotion(settings).value_or(toolkitAnimates_() == 0);
     };
-    question_ = sendBusRequest(bus, call, kAnswerDeadline, [decide](sd_bus_message* reply) {
+    question_ = sendBusRequest(bus, call, kSettingDeadline, [decide](sd_bus_message* reply) {
         PropertyDictionary settings;
         if (reply && readBusDictionary(reply, settings) < 0) settings.clear();
         decide(settings);

@@ -9,7 +9,7 @@ namespace {
 
 constexpr char kRoot[] = "org.mpris.MediaPlayer2";
 constexpr char kPlayer[] = "org.mpris.MediaPlayer2.Player";
-constexpr char kPath[] = "/org/mpris/MediaPlayer2";
+constexpr char kPlayerPath[] = "/org/mpris/MediaPlayer2";
 constexpr char kBus[] = "org.freedesktop.DBus";
 constexpr char kBusPath[] = "/org/freedesktop/DBus";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
@@ -26,7 +26,8 @@ void MprisPlayers::start() {
     };
     const std::string fromBus =
         std::string{"type='signal',sender='"} + kBus + "',interface='" + kBus;
-    const std::string fromPlayers = std::string{"type='signal',path='"} + kPath + "',interface='";
+    const std::string fromPlayers =
+        std::string{"type='signal',path='"} + kPlayerPath + "',interface='";
     listen(fromBus + "',member='NameOwnerChanged',arg0namespace='" + kRoot + "'",
            &MprisPlayers::onNameOwner);
     listen(fromPlayers + kBusProperties + "',member='PropertiesChanged',arg0='" + kPlayer + "'",
@@ -82,7 +83,8 @@ void MprisPlayers::add(const std::string& name, const std::string& owner) {
 }
 
 void MprisPlayers::askIdentity(Entry& entry) {
-    const BusMethod get{entry.player.busName, kPath, kBusProperties, "Get", {kRoot, "Identity"}};
+    const BusMethod get{
+        entry.player.busName, kPlayerPath, kBusProperties, "Get", {kRoot, "Identity"}};
     entry.identity = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
         const char* text = nullptr;
         if (!reply || sd_bus_message_read(reply, "v", "s", &text) < 0) return;
@@ -94,7 +96,7 @@ void MprisPlayers::askIdentity(Entry& entry) {
 void MprisPlayers::describe(Entry& entry) {
     if (entry.description) return;
     if (!entry.isDescribed) askIdentity(entry);
-    const BusMethod get{entry.player.busName, kPath, kBusProperties, "GetAll", {kPlayer}};
+    const BusMethod get{entry.player.busName, kPlayerPath, kBusProperties, "GetAll", {kPlayer}};
     entry.description = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
         entry.description.reset();
         if (reply) onDescription(entry, reply);
@@ -165,17 +167,17 @@ void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {
 }
 
 void MprisPlayers::call(const std::string& name, const std::string& method) {
-    tell(newBusRequest(bus_.connection(), {name, kPath, kPlayer, method}));
+    tell(newBusRequest(bus_.connection(), {name, kPlayerPath, kPlayer, method}));
 }
 
 void MprisPlayers::raise(const std::string& name) {
-    tell(newBusRequest(bus_.connection(), {name, kPath, kRoot, "Raise"}));
+    tell(newBusRequest(bus_.connection(), {name, kPlayerPath, kRoot, "Raise"}));
 }
 
 void MprisPlayers::set(const std::string& name, const std::string& property,
                        const PropertyValue& value) {
-    const BusRequest message =
-        newBusRequest(bus_.connection(), {name, kPath, kBusProperties, "Set", {kPlayer, property}});
+    const BusRequest message = newBusRequest(
+        bus_.connection(), {name, kPlayerPath, kBusProperties, "Set", {kPlayer, property}});
     if (message && appendBusVariant(message.get(), value) >= 0) tell(message);
 }
 

@@ -11,7 +11,6 @@ namespace {
 constexpr const char* kServices[] = {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
                                      "org.mate.ScreenSaver", "org.cinnamon.ScreenSaver",
                                      "org.xfce.ScreenSaver"};
-constexpr auto kAnswerDeadline = std::chrono::seconds{5};
 
 // Each service's object path is derived from its name.
 std::string pathOf(std::string name) {

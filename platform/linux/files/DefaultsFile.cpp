@@ -12,7 +12,7 @@
 namespace quorvane {
 namespace {
 
-constexpr std::uint64_t kLargestFile = 16 << 20;
+constexpr std::uint64_t kLargestDefaults = 16 << 20;
 constexpr Duration kLockPatience = std::chrono::seconds{2};
 constexpr int kMostKeptAside = 100;
 
@@ -122,7 +122,7 @@ Result<void> DefaultsFile::refresh() {
     stamp_.reset();
     isMalformed_ = false;
     if (!standing) return {};
-    auto file = files_.read(file_, kLargestFile);
+    auto file = files_.read(file_, kLargestDefaults);
     if (!file) return std::unexpected{std::move(file).error()};
     stamp_ = file->stamp;
     auto list = parsePropertyList(file->contents);

@@ -17,8 +17,6 @@ constexpr int kBacklog = 128;
 constexpr int kMostAcceptedAtOnce = 64;
 constexpr Duration kAcceptPause = std::chrono::milliseconds{250};
 
-Instant now() { return std::chrono::steady_clock::now(); }
-
 }  // namespace
 
 std::unique_ptr<LocalPort> LocalPortLinux::open(PortFolder folder, const std::string& name,
@@ -77,7 +75,7 @@ void LocalPortLinux::run() {
         const auto deadline = nextDeadline();
         const int count = wait(events, deadline);
         if (count < 0 && errno != EINTR) return;
-        const Instant woke = deadline ? now() : Instant::min();
+        const Instant woke = deadline ? steadyNow() : Instant::min();
         bool hasNewClients = false;
         for (const epoll_event& event : std::span{events}.first(std::max(count, 0))) {
             if (event.data.ptr == &wake_) continue;
@@ -97,7 +95,7 @@ void LocalPortLinux::run() {
 int LocalPortLinux::wait(std::span<epoll_event> events, std::optional<Instant> deadline) const {
     int milliseconds = -1;
     if (deadline) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - now());
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - steadyNow());
         milliseconds = static_cast<int>(std::max(left.count(), decltype(left.count()){0}));
     }
     return epoll_wait(epoll_.get(), events.data(), static_cast<int>(events.size()), milliseconds);
@@ -121,7 +119,7 @@ void LocalPortLinux::acceptWaiting() {
 // With no free descriptors the listener would stay readable and make the loop spin.
 void LocalPortLinux::pauseListening() {
     watch(listener_.get(), 0, &listener_, EPOLL_CTL_MOD);
-    listensAgain_ = now() + kAcceptPause;
+    listensAgain_ = steadyNow() + kAcceptPause;
 }
 
 void LocalPortLinux::add(FileDescriptor socket, pid_t peer) {

@@ -13,8 +13,6 @@ namespace {
 // A request begins with a secret, which stays in memory only while the request is handled.
 constexpr std::size_t kWipedBytes = 32;
 
-Instant now() { return std::chrono::steady_clock::now(); }
-
 void wipeStart(std::span<std::byte> bytes) {
     wipe(bytes.first(std::min(bytes.size(), kWipedBytes)));
 }
@@ -54,7 +52,7 @@ bool PortConnection::serve(const PortHandler& handler) {
     else if (isIdle)
         deadline_.reset();
     else if (!deadline_)
-        deadline_ = now() + limits_.requestTime;
+        deadline_ = steadyNow() + limits_.requestTime;
     return true;
 }
 
@@ -139,7 +137,7 @@ bool PortConnection::write(Output output) {
     if (!writeRest()) return false;
     if (!output_) return true;
     output_->isCounted = memory_.replies.take(output_->body.size());
-    deadline_ = now() + limits_.replyTime;
+    deadline_ = steadyNow() + limits_.replyTime;
     return output_->isCounted;
 }
 

@@ -14,6 +14,8 @@
 
 namespace quorvane {
 
+inline Instant steadyNow() { return std::chrono::steady_clock::now(); }
+
 // Memory limit that all clients of a port share.
 class BodyBudget {
 public:

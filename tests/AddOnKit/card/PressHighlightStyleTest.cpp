@@ -31,30 +31,21 @@ TEST(Transition, ReversesFromItsCurrentValue) {
 }
 
 TEST(PressHighlightStyle, ShowsAPressByALightCircleAndASmallerSymbol) {
-    const SymbolNode symbol{.name = "play.fill", .pointSize = 26, .color = Color::white()};
     const Rect frame{100, 50, 44, 44};
+    SymbolNode symbol{{}, "play.fill", 26, Color::white()};
     Scene scene;
     PressHighlightStyle::draw(scene, frame, 0, symbol);
-    ASSERT_EQ(scene.nodes.size(), 1u);
-    EXPECT_EQ(std::get<SymbolNode>(scene.nodes[0]).frame, frame);
-
     PressHighlightStyle::draw(scene, frame, 1, symbol);
-    ASSERT_EQ(scene.nodes.size(), 5u);
-    EXPECT_EQ(scene.nodes[1], (SceneNode{ShapeNode{frame, 22, Color::white(0.16)}}));
-    const auto& group = std::get<GroupBegin>(scene.nodes[2]);
-    EXPECT_DOUBLE_EQ(group.transform.scale, 0.9);
-    EXPECT_EQ(group.transform.centre, (Point{122, 72}));
-    EXPECT_DOUBLE_EQ(group.opacity, 0.75);
-    EXPECT_EQ(scene.nodes[3], scene.nodes[0]);
-    EXPECT_TRUE(std::holds_alternative<GroupEnd>(scene.nodes[4]));
-
-    Transition amount;
-    PressHighlightStyle::turn(amount, true, Instant{});
-    EXPECT_TRUE(amount.isMoving(Instant{79ms}));
-    EXPECT_FALSE(amount.isMoving(Instant{80ms}));
-    PressHighlightStyle::turn(amount, false, Instant{1s});
-    EXPECT_TRUE(amount.isMoving(Instant{1219ms}));
-    EXPECT_FALSE(amount.isMoving(Instant{1220ms}));
+    symbol.frame = frame;
+    const GroupBegin smaller{.transform = {.scale = 0.9, .centre = {122, 72}}, .opacity = 0.75};
+    EXPECT_EQ(scene.nodes, (std::vector<SceneNode>{symbol, ShapeNode{frame, 22, Color::white(0.16)},
+                                                   smaller, symbol, GroupEnd{}}));
+    for (const auto& [isPressed, duration] : {std::pair{true, 80ms}, {false, 220ms}}) {
+        Transition amount{isPressed ? 0.0 : 1.0};
+        PressHighlightStyle::turn(amount, isPressed, Instant{});
+        EXPECT_TRUE(amount.isMoving(Instant{duration - 1ms}));
+        EXPECT_FALSE(amount.isMoving(Instant{duration}));
+    }
 }
 
 }  // namespace

@@ -8,54 +8,47 @@
 namespace quorvane {
 namespace {
 
-ProcessInfo process() {
+struct AddOnIdentityTest : testing::Test {
+    AddOnIdentityTest() {
+        info.systemVersion = {.major = 26, .minor = 1, .patch = 0};
+        info.bundleProperties = {{"CFBundleShortVersionString", {std::string{"1.4.2"}}}};
+    }
+    AddOnIdentity make() {
+        const auto makeUUID = [this] { return "UUID-" + std::to_string(++made); };
+        return AddOnIdentity::make(info, defaults.table(), makeUUID, {log.sink(), "add-on", "app"});
+    }
+
     ProcessInfo info;
-    info.arguments = {"/bundle/program"};
-    info.systemVersion = {.major = 26, .minor = 1, .patch = 0};
-    info.bundleProperties = {{"CFBundleShortVersionString", {std::string{"1.4.2"}}}};
-    return info;
-}
-
-AddOnIdentity make(const ProcessInfo& info) {
     MemoryDefaults defaults;
-    return AddOnIdentity::make(info, defaults.table(), [] { return "FRESH"; }, {});
-}
+    RecordingLog log;
+    int made = 0;
+};
 
-TEST(AddOnIdentity, KeepsItsInstallIdentifierAcrossStarts) {
-    for (const auto& stored :
-         {std::optional<PropertyValue>{}, std::optional{PropertyValue{std::string{}}},
-          std::optional{PropertyValue{std::int64_t{7}}}}) {
-        MemoryDefaults defaults;
-        if (stored) defaults.values.emplace("installID", *stored);
-        int made = 0;
-        const auto makeUUID = [&] { return "UUID-" + std::to_string(++made); };
-        RecordingLog log;
-        defaults.refuses = true;
-        for (int start = 0; start < 2; ++start) {
-            const AddOnIdentity identity = AddOnIdentity::make(
-                process(), defaults.table(), makeUUID, {log.sink(), "add-on", "app"});
-            EXPECT_EQ(identity.installID, "UUID-1");
-            EXPECT_EQ(defaults.synchronizations, 1);
-        }
+TEST_F(AddOnIdentityTest, KeepsItsInstallIdentifierAcrossStarts) {
+    defaults.refuses = true;
+    for (const PropertyValue& invalid : {PropertyValue{std::string{}}, {std::int64_t{7}}}) {
+        defaults.values["installID"] = invalid;
+        const std::string installID = make().installID;
+        EXPECT_EQ(installID, "UUID-" + std::to_string(made));
+        EXPECT_EQ(make().installID, installID);
         EXPECT_EQ(log.take(),
                   Lines{"link: the install identifier was not stored: full (error 28)"});
     }
+    EXPECT_EQ(defaults.synchronizations, 2);
 }
 
-TEST(AddOnIdentity, ReadsVersionsAndTheCommandLine) {
-    ProcessInfo info = process();
-    EXPECT_EQ(make(info).addOnVersion, "1.4.2");
-    EXPECT_EQ(make(info).macOSVersion, "26.1.0");
-    EXPECT_FALSE(make(info).supersedeOnce.loaded());
+TEST_F(AddOnIdentityTest, ReadsVersionsAndTheCommandLine) {
+    EXPECT_EQ(make().addOnVersion, "1.4.2");
+    EXPECT_EQ(make().macOSVersion, "26.1.0");
+    EXPECT_FALSE(make().supersedeOnce.loaded());
     info.bundleProperties["CFBundleShortVersionString"] = {2.0};
-    info.arguments.push_back("--installed");
-    EXPECT_EQ(make(info).addOnVersion, "0");
-    EXPECT_TRUE(make(info).supersedeOnce.isPending());
-    EXPECT_NE(make(info), make(process()));
+    info.arguments = {"add-on", "--installed"};
+    EXPECT_EQ(make().addOnVersion, "0");
+    EXPECT_TRUE(make().supersedeOnce.isPending());
     for (const auto& [major, supported] :
-         {std::pair{25, false}, {26, true}, {27, true}, {28, false}, {0, false}}) {
+         {std::pair{25, false}, {26, true}, {27, true}, {28, false}}) {
         info.systemVersion.major = major;
-        EXPECT_EQ(make(info).supportsThisMacOS, supported) << major;
+        EXPECT_EQ(make().supportsThisMacOS, supported) << major;
     }
 }
 

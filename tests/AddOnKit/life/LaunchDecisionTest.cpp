@@ -69,7 +69,6 @@ TEST_F(LaunchDecisionTest, AFreshInstallVoidsTheRemovalRequest) {
                      {"lockScreenRemovalTargetInstallID", PropertyValue{kOwn}},
                      {"lockScreenEnabled", PropertyValue{true}}};
     EXPECT_EQ(decide({}), run);
-    EXPECT_EQ(shared.values.size(), 3u);
     EXPECT_EQ(decide({"--installed", "--uninstall"}), uninstall);
     EXPECT_EQ(shared.values.size(), 3u);
     EXPECT_EQ(decide({"--installed"}), run);

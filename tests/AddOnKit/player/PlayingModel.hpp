@@ -1,6 +1,8 @@
 // A model with the player whose states it applies.
 #pragma once
 
+#include <algorithm>
+
 #include "AddOnKit/player/PlayerModel.hpp"
 #include "drawing/Scene.hpp"
 #include "tests/support/ManualClock.hpp"
@@ -12,12 +14,11 @@ inline SharedBytes cover(std::string_view text) { return SharedBytes{copyOf(byte
 // An empty model, and a player that plays a song of 200 seconds.
 struct EmptyModel {
     EmptyModel() {
-        XPCTrack track;
-        track.title = "Reed";
-        track.artist = "Marsh";
-        track.album = "Low";
-        track.duration = 200;
-        state.track = track;
+        state.track.emplace();
+        state.track->title = "Reed";
+        state.track->artist = "Marsh";
+        state.track->album = "Low";
+        state.track->duration = 200;
         state.playerState = XPCPlayerState::playing;
         state.playerType = XPCPlayerType::appleMusic;
         state.volume = 50;
@@ -61,6 +62,19 @@ struct PlayingModel : EmptyModel {
         return 10.0 * static_cast<double>(text.size());
     }
 };
+
+template <typename Node>
+std::vector<Node> all(const Scene& scene) {
+    std::vector<Node> nodes;
+    for (const SceneNode& node : scene.nodes)
+        if (const auto* found = std::get_if<Node>(&node)) nodes.push_back(*found);
+    return nodes;
+}
+
+inline const SceneControl* control(const Scene& scene, SceneControl::ID id) {
+    const auto found = std::ranges::find(scene.controls, id, &SceneControl::id);
+    return found == scene.controls.end() ? nullptr : &*found;
+}
 
 inline constexpr char kLongTitle[] = "A title of fifty letters, which no card has room..";
 

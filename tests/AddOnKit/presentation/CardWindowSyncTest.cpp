@@ -38,21 +38,17 @@ TEST(CardWindowSync, PlansItsStepsInOrder) {
         const char* rebuild;  // at `to`, after a change of screens
     } rows[] = {
         {waiting, shown, {0, false, 2}, "build-entrance begin", "build-entrance begin"},
-        {waiting, shown, {0, true, 1}, "build-entrance", "build-entrance"},
         {waiting, silent, {0, false, 1}, "build-hidden begin", "build-hidden begin"},
         {silent, shown, {2, true, 2}, "in", "close build-immediate"},
         {shown, silent, {2, true, 2}, "out", "close build-hidden"},
         {shown, shown, {1, true, 1}, "", "close build-immediate"},
         {waiting, shown, {1, true, 1}, "in", "close build-immediate"},
         {waiting, silent, {1, true, 1}, "", "close build-hidden"},
-        {shown, shown, {1, false, 1}, "", "close build-immediate begin"},
         {shown, waiting, {2, true, 2}, "close end", "close end"},
-        {shown, waiting, {1, false, 1}, "close", "close"},
         {shown, waiting, {0, true, 0}, "end", "end"},
         {shown, shown, {1, true, 0}, "", "close end"},
         {waiting, shown, {0, true, 0}, "end", "end"},
         {waiting, shown, {0, false, 0}, "", ""},
-        {shown, waiting, {0, false, 1}, "", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);

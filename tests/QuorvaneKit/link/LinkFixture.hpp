@@ -20,13 +20,6 @@ namespace quorvane {
 inline constexpr char kMainPort[] = "group.example.quillon.Quorvane.messageport";
 inline constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
 
-inline std::string queryPort(std::size_t index) {
-    return kMainPort + std::string{".query."} + std::to_string(index);
-}
-inline std::string queueOf(std::size_t index) {
-    return "example.quillon.Quorvane.messageport.query-client." + std::to_string(index);
-}
-
 class LinkFixture : public testing::Test {
 protected:
     std::unique_ptr<MessagePortClient> makeClient(
@@ -48,18 +41,8 @@ protected:
     void connect() {
         serveMain();
         client->start();
-        forget();
-    }
-    void forget() {
         log.take();
         ports.sent.clear();
-    }
-    // Payloads behind the secret, as text of numbers.
-    std::vector<int> commandBytes() const {
-        std::vector<int> bytes;
-        for (const auto& sent : ports.sent)
-            if (sent.messageID != 1) bytes.push_back(std::to_integer<int>(sent.body.at(32)));
-        return bytes;
     }
 
     std::optional<Bytes> secret = Bytes(32, std::byte{9});

@@ -2,8 +2,11 @@
 
 #include <limits>
 
+#include "QuorvaneKit/records/PlayerStateDecoder.hpp"
+#include "QuorvaneKit/records/PlayerStateEncoder.hpp"
 #include "QuorvaneKit/records/QuorvaneAction.hpp"
 #include "tests/QuorvaneKit/records/SampleRecords.hpp"
+#include "tests/support/MemoryPorts.hpp"
 
 namespace quorvane {
 namespace {
@@ -34,22 +37,19 @@ TEST(RecordCoding, EveryRecordHasItsTextWithTheKeysInOrder) {
 }
 
 TEST(RecordCoding, AbsentOptionalsAreLeftOut) {
-    QuorvanePlayerState state;
-    state.playerState = XPCPlayerState::stopped;
-    state.timestamp = ManualClock::kStart;
+    QuorvanePlayerState state = *decodeState(kSmallestText);
     expectText(state, replaced(kSmallestText, R"("playerPosition":0)", R"("playerPosition":0.0)"));
     state.track = XPCTrack{.title = "t", .artist = ""};
     const auto text = XPCCodableHelpers::encode(state);
-    ASSERT_TRUE(text);
-    EXPECT_TRUE(textOf(*text).starts_with(
-        R"({"track":{"title":"t","artist":"","isAdvertisement":false,"isLiveStream":false},)"));
-    EXPECT_TRUE(comesBack(state));
+    EXPECT_TRUE(
+        textOf(text.value())
+            .starts_with(
+                R"({"track":{"title":"t","artist":"","isAdvertisement":false,"isLiveStream":false},)"));
 }
 
 TEST(RecordCoding, NumbersAndTextsComeBackAsTheyWere) {
     QuorvanePlayerState state = sampleState();
-    for (const std::int64_t volume : {std::numeric_limits<std::int64_t>::min(), std::int64_t{-1},
-                                      std::numeric_limits<std::int64_t>::max()})
+    for (const std::int64_t volume : {INT64_MIN, -1L, INT64_MAX})
         for (const double position :
              {0.1, 1.0 / 3, -0.0, 5e-324, 1.7976931348623157e308, 123456789.123456789}) {
             state.volume = volume;
@@ -62,37 +62,131 @@ TEST(RecordCoding, NumbersAndTextsComeBackAsTheyWere) {
         state.track->title = title;
         EXPECT_TRUE(comesBack(state)) << title;
     }
-}
-
-TEST(RecordCoding, WhatJSONCannotCarryIsNotWritten) {
+    // What JSON cannot carry is not written.
+    state.track->artist = "cut short \xC3";
+    EXPECT_EQ(XPCCodableHelpers::encode(state),
+              std::unexpected(CodingError{Kind::invalidValue, "artist"}));
     using Limits = std::numeric_limits<double>;
-    QuorvanePlayerState state = sampleState();
-    for (const double position : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity()}) {
+    state = sampleState();
+    for (const double position : {Limits::quiet_NaN(), -Limits::infinity()}) {
         state.playerPosition = position;
         EXPECT_EQ(XPCCodableHelpers::encode(state),
                   std::unexpected(CodingError{Kind::invalidValue, "playerPosition"}));
     }
-    state = sampleState();
-    state.track->artist = "cut short \xC3";
-    EXPECT_EQ(XPCCodableHelpers::encode(state),
-              std::unexpected(CodingError{Kind::invalidValue, "artist"}));
 }
 
-TEST(RecordCoding, OnlyRawValuesInTheTablesNameAnything) {
+TEST(RecordCoding, OnlyRawValuesInTheTableNameActions) {
     std::string actions;
-    for (std::int64_t raw = -300; raw < 300; ++raw) {
+    for (std::int64_t raw = -300; raw < 300; ++raw)
         if (const auto action = quorvaneAction(raw))
             actions.append(std::to_string(raw)).append(actionName(*action)).append(" ");
-        const bool isState = raw >= 0 && raw <= 3;
-        const bool isMode = raw >= 1 && raw <= 3;
-        EXPECT_EQ(xpcPlayerState(raw).has_value(), isState) << raw;
-        EXPECT_EQ(xpcRepeatMode(raw).has_value(), isMode) << raw;
-    }
     EXPECT_EQ(actions,
               "0playPause 1nextTrack 2previousTrack 10increaseVolume 11decreaseVolume 12toggleMute "
               "20toggleLove 21toggleDislike 22increaseRating 23decreaseRating 24removeRating "
               "30toggleShuffle 31toggleRepeat 40activatePlayer 41switchPlayer ");
     EXPECT_EQ(quorvaneAction(std::int64_t{1} << 32), std::nullopt);
+}
+
+// The decoder and the encoder that know the artwork of the last state.
+
+CodingResult<QuorvanePlayerState> decode(PlayerStateDecoder& decoder, std::string_view text) {
+    Bytes reply = copyOf(bytesOf(text));
+    return decoder.decode(reply);
+}
+
+const SharedBytes& artworkOf(const CodingResult<QuorvanePlayerState>& state) {
+    return state.value().track.value().artworkData.value();
+}
+
+// The sample's text, as written without white space and as written with it.
+const std::string kForms[] = {
+    std::string{kSampleText},
+    replaced(kSampleText, R"("artworkData":)", "\"artworkData\"\n\t\r : "),
+    replaced(kSampleText, "//4g", R"(\/\/4g)"), replaced(kSampleText, "//4g", R"(\u002f/4g)")};
+
+TEST(PlayerStateDecoder, UnchangedArtworkIsTheSameObject) {
+    for (const std::string& text : kForms) {
+        PlayerStateDecoder decoder;
+        const auto first = decode(decoder, text);
+        EXPECT_EQ(first, sampleState()) << text;
+        // The rest of the state may differ, and move the artwork's place in the text.
+        const auto second = decode(decoder, replaced(text, "Several", "Several others"));
+        EXPECT_EQ(second->track->albumArtist, "Several others");
+        // Other escapes than these are the parser's to read, and nobody's to write.
+        const bool isKept = text.find("\\u002f") == std::string::npos;
+        EXPECT_EQ(artworkOf(second).isSameObject(artworkOf(first)), isKept) << text;
+        EXPECT_EQ(decode(decoder, "no state"), std::unexpected(CodingError{}));
+        EXPECT_EQ(artworkOf(decode(decoder, text)).isSameObject(artworkOf(first)), isKept);
+        EXPECT_TRUE(decode(decoder, kSmallestText));  // kept only while it is shown
+        EXPECT_FALSE(artworkOf(decode(decoder, text)).isSameObject(artworkOf(first)));
+
+        for (const auto& [part, by] : {std::pair{"ZT8=", "ZT9="},
+                                       {"ZT8=", "ZT8=AAAA"},
+                                       {"ZT8=", "ZT8=\\"},
+                                       {"ZT8=", ""},
+                                       {"dXJl", "dXJm"}}) {
+            const std::string changed = replaced(text, part, by);
+            EXPECT_EQ(decode(decoder, changed), decodeState(changed)) << changed;
+        }
+    }
+}
+
+TEST(PlayerStateDecoder, AgreesWithThePlainDecoderOnEveryText) {
+    const std::string_view key = R"("artworkData":"//4gcGljdHVyZT8=")";
+    const std::string artwork{key};
+    const std::vector<std::string> texts{
+        replaced(kSampleText, key, artwork + R"(,"artworkData":"AAAA")"),
+        replaced(kSampleText, key, R"("artworkData":null,)" + artwork),
+        replaced(kSampleText, key, R"("other":{)" + artwork + R"(},"artworkData" :"AAAA")"),
+        replaced(kSampleText, R"({"track")", "{" + artwork + R"(,"track")"),
+        replaced(kSampleText, key, R"("\"artworkData":"AAAA")"),
+        replaced(kSampleText, "loop-7", R"(\"artworkData\":\"AAAA)"),
+        replaced(kSampleText, R"("title":)", R"("title":"x"artworkData":"AAAA",)"),
+        replaced(kSampleText, R"("title":)", R"("x\\"artworkData":"AAAA","title":)"),
+        replaced(kSampleText, key, R"("artworkData":"")"),
+        replaced(kSampleText, key, R"("artworkData":"AA\"=")"),
+        replaced(kSampleText, key, R"("artworkData":"AAAA)"),
+        replaced(kSampleText, "//4g", "\n//4g"),
+        std::string{kSampleText} + artwork,
+        artwork,
+        // The text that the reply before had, but here the backslashes are meant.
+        kForms[2],
+        replaced(kForms[1], "//4g", R"(\\/\\/4g)"),
+        replaced(kForms[1], " : ", "  "),
+        replaced(kForms[1], " : ", " : : "),
+        replaced(kForms[1], " : ", " : 1"),
+        replaced(kSampleText, R"("Several")", R"("artworkData")"),
+        R"({"track":{"artworkData")",
+        R"({"track":{"artworkData" : )",
+    };
+    PlayerStateDecoder decoder;
+    for (const std::string& text : texts) {
+        const auto expected = decodeState(text);
+        PlayerStateDecoder fresh;
+        ASSERT_EQ(decode(fresh, text), expected) << text;
+        ASSERT_EQ(decode(decoder, text), expected) << text;
+        ASSERT_EQ(decode(decoder, text), expected) << text;
+    }
+}
+
+TEST(PlayerStateEncoder, WritesAsThePlainEncoderDoesWhateverCameBefore) {
+    PlayerStateEncoder encoder;
+    const QuorvanePlayerState state = sampleState();
+    QuorvanePlayerState other = state;
+    other.track->artworkData = SharedBytes{Bytes(100'000, std::byte{0xFB})};
+    QuorvanePlayerState bare = state;
+    bare.track->artworkData.reset();
+    const auto encode = [&](const QuorvanePlayerState& given) -> CodingResult<Bytes> {
+        const auto answer = encoder.encode(given);
+        if (!answer) return std::unexpected{answer.error()};
+        return joined(answer->parts());
+    };
+    for (const auto& next : {state, state, sampleState(), other, other, bare, state, other})
+        EXPECT_EQ(encode(next), XPCCodableHelpers::encode(next));
+    EXPECT_EQ(encoder.encode(other)->shared, encoder.encode(other)->shared);
+    other.playerPosition = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(encode(other), XPCCodableHelpers::encode(other));
+    EXPECT_EQ(encode(state), XPCCodableHelpers::encode(state));
 }
 
 }  // namespace

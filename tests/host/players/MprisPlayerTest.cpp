@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "platform/Listeners.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
@@ -14,79 +16,66 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char kQueue[] = "example.quillon.Quorvane.artwork";
-constexpr char kMpv[] = "org.mpris.MediaPlayer2.mpv";
-constexpr char kVlc[] = "org.mpris.MediaPlayer2.vlc";
+
+PropertyValue text(std::string value) { return {std::move(value)}; }
 
 class MprisPlayerTest : public testing::Test {
 protected:
-    MprisPlayerTest() {
-        files.put("/one.png", "picture one");
-        files.put("/two.png", "picture two");
-    }
-
-    MediaPlayers table() {
-        return {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
-                .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
-                .refresh = [this](const std::string& name) { said.push_back("? " + name); },
-                .call = [this](const std::string& name,
-                               const std::string& method) { said.push_back(method + ' ' + name); },
-                .set =
-                    [this](const std::string& name, const std::string& property,
-                           const PropertyValue& value) {
-                        const auto* number = value.as<double>();
-                        said.push_back(property + '=' + std::to_string(number ? *number : -1) +
-                                       ' ' + name);
-                    },
-                .raise = [this](const std::string& name) { said.push_back("raise " + name); }};
-    }
-
-    SoundServer soundServer() {
-        return {.observe =
-                    [this](auto handler) {
-                        ++soundObservations;
-                        onSound = handler;
-                        return Handle{[this] { onSound = nullptr; }};
-                    },
-                .setVolume =
-                    [this](std::optional<std::uint32_t> stream, double volume) {
-                        said.push_back("sound " + std::to_string(stream.value_or(0)) + '=' +
-                                       std::to_string(volume));
-                    }};
-    }
-
     void start(std::optional<std::string> onlyNamed = std::nullopt) {
-        player.emplace(MprisPlayer::Services{.players = table(),
-                                             .soundServer = soundServer(),
-                                             .files = files.table(),
-                                             .clock = clock.clock(),
-                                             .mainThread = main.mainThread(),
-                                             .makeSerialQueue = queues.make(),
-                                             .log = {}},
-                       std::move(onlyNamed));
+        player.emplace(
+            MprisPlayer::Services{
+                .players = {
+                    .list = [this]() -> const std::vector<MediaPlayer>& { return players; },
+                    .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
+                    .refresh = [this](const auto&) { said += "refresh "; },
+                    .call = [this](const auto&, const auto& method) { said += method + ' '; },
+                    .set = [this](
+                               const auto&, const auto& property,
+                               const PropertyValue& value) { say(property, *value.as<double>()); },
+                    .raise = [this](const auto&) { said += "raise "; }},
+                .soundServer = {.observe =
+                                    [this](auto handler) {
+                                        ++soundObservations;
+                                        onSound = handler;
+                                        return Handle{[this] { ++soundObservationsEnded; }};
+                                    },
+                                .setVolume = [this](auto, double volume) { say("sound", volume); }},
+                .files = files.table(),
+                .clock = clock.clock(),
+                .mainThread = main.mainThread(),
+                .makeSerialQueue = queues.make(),
+                .log = {}},
+            std::move(onlyNamed));
         player->onChanged = [this] { ++changes; };
     }
-
-    MediaPlayer& add(const char* name, const char* status, const char* title,
-                     const char* artwork = "") {
-        players.push_back({.busName = name, .identity = {}, .properties = {}});
-        MediaPlayer& added = players.back();
-        added.properties["PlaybackStatus"] = {std::string{status}};
-        added.properties["Volume"] = {0.8};
-        play(added, title, artwork);
-        return added;
+    void say(const std::string& what, double volume) {
+        said += what + '=' + std::to_string(std::lround(volume * 100)) + "% ";
     }
-    static void play(MediaPlayer& it, const char* title, const char* artwork = "") {
-        it.properties["Metadata"] = {
-            PropertyDictionary{{"xesam:title", {std::string{title}}},
-                               {"mpris:length", {std::int64_t{100'000'000}}},
-                               {"mpris:artUrl", {std::string{artwork}}}}};
+    // Starts with one player, which plays a song.
+    void startSong(const std::string& artwork = "") {
+        add("mpv", "Playing", "song", artwork);
+        start();
     }
-    static void set(MediaPlayer& it, const char* status) {
-        it.properties["PlaybackStatus"] = {std::string{status}};
+    void add(const std::string& name, const char* status, const char* title,
+             const std::string& artwork = "") {
+        players.push_back({.busName = "org.mpris.MediaPlayer2." + name,
+                           .identity = {},
+                           .properties = {{"PlaybackStatus", text(status)}, {"Volume", {0.8}}}});
+        play(title, artwork);
     }
-    void tellPosition(MediaPlayer& it, double seconds) {
-        it.position = static_cast<std::int64_t>(seconds * 1e6);
-        it.positionAt = clock.clock().now();
+    // What the newest player plays from now on.
+    void play(const char* title, const std::string& artwork = "") {
+        change("Metadata", {PropertyDictionary{{"xesam:title", text(title)},
+                                               {"mpris:length", {std::int64_t{100'000'000}}},
+                                               {"mpris:artUrl", text(artwork)}}});
+    }
+    void change(const char* property, PropertyValue value) {
+        players.back().properties[property] = std::move(value);
+        announce();
+    }
+    void tellPosition(double seconds) {
+        players.back().position = static_cast<std::int64_t>(seconds * 1e6);
+        players.back().positionAt = clock.clock().now();
         announce();
     }
     void announce() { listeners.call(); }
@@ -94,203 +83,156 @@ protected:
     void read() {
         while (queues.runNext(kQueue)) main.run();
     }
-
-    std::string title() const {
-        const auto track = player->snapshot().state.track;
-        return track ? track->title : "";
+    void refresh() {
+        clock.advance(1s);
+        player->refresh();
     }
-    double position() { return player->snapshot().anchor.secondsAt(clock.clock().now()); }
+
+    XPCTrack track() const { return player->snapshot().state.track.value_or(XPCTrack{}); }
     std::string artwork() const {
-        const auto track = player->snapshot().state.track;
-        return track && track->artworkData ? std::string{textOf(track->artworkData->view())} : "";
+        const auto picture = track().artworkData;
+        return picture ? std::string{textOf(picture->view())} : "";
     }
-    std::vector<std::string> takeSaid() { return std::exchange(said, {}); }
+    double positionAfter(Duration time) {
+        clock.advance(time);
+        return player->snapshot().anchor.secondsAt(clock.clock().now());
+    }
+    std::string takeSaid() { return std::exchange(said, {}); }
 
-    using Said = std::vector<std::string>;
     ManualClock clock;
     ManualMainThread main;
     MemoryFiles files;
     ManualSerialQueues queues;
     std::vector<MediaPlayer> players;
     Listeners<> listeners;
-    std::vector<std::string> said;
+    std::string said;
     std::function<void(SoundLevels)> onSound;
     int soundObservations = 0;
+    int soundObservationsEnded = 0;
     std::optional<MprisPlayer> player;
     int changes = 0;
 };
 
 TEST_F(MprisPlayerTest, FollowsThePlayerThatPlays) {
     start();
+    add("playerctld", "Playing", "proxy");
     EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
-    add("org.mpris.MediaPlayer2.playerctld", "Playing", "proxy");
-    announce();
-    EXPECT_EQ(title(), "");
-    add(kMpv, "Paused", "song");
-    announce();
-    EXPECT_EQ(title(), "song");
-    add(kVlc, "Playing", "film");
-    announce();
-    EXPECT_EQ(title(), "film");
+    add("mpv.instance4", "Paused", "song");
+    EXPECT_EQ(track().title, "song");
+    add("vlc", "Playing", "film");
+    EXPECT_EQ(track().title, "film");
     EXPECT_EQ(changes, 3);
     player->perform(QuorvaneAction::switchPlayer);
-    EXPECT_EQ(title(), "song");
-    players.clear();
+    EXPECT_EQ(track().title, "song");
+    players.erase(players.begin() + 1);
     announce();
-    EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
-}
-
-TEST_F(MprisPlayerTest, FollowsOnlyTheNamedOne) {
-    add(kVlc, "Playing", "film");
+    EXPECT_EQ(track().title, "film");
     start("mpv");
-    EXPECT_EQ(title(), "");
-    add("org.mpris.MediaPlayer2.mpv.instance4", "Paused", "song");
-    announce();
-    EXPECT_EQ(title(), "song");
+    EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
 }
 
 TEST_F(MprisPlayerTest, ExtrapolatesThePositionBetweenReports) {
-    MediaPlayer& mpv = add(kMpv, "Playing", "song");
-    start();
-    EXPECT_EQ(takeSaid(), Said{"? org.mpris.MediaPlayer2.mpv"});
-    tellPosition(mpv, 20);
-    clock.advance(3s);
-    EXPECT_DOUBLE_EQ(position(), 23);
-    set(mpv, "Paused");
-    announce();
-    EXPECT_EQ(takeSaid(), Said{"? org.mpris.MediaPlayer2.mpv"});
-    clock.advance(10s);
-    EXPECT_DOUBLE_EQ(position(), 23) << "the position at the pause, without a report";
-    set(mpv, "Playing");
-    announce();
-    clock.advance(2s);
-    EXPECT_DOUBLE_EQ(position(), 25);
-    mpv.properties["Rate"] = {2.0};
-    announce();
-    clock.advance(5s);
-    EXPECT_DOUBLE_EQ(position(), 35);
-    tellPosition(mpv, 70);
-    EXPECT_DOUBLE_EQ(position(), 70);
+    startSong();
+    tellPosition(20);
+    EXPECT_EQ(takeSaid(), "refresh ") << "a report does not cause a request";
+    EXPECT_DOUBLE_EQ(positionAfter(3s), 23);
+    change("PlaybackStatus", text("Paused"));
+    EXPECT_EQ(takeSaid(), "refresh ");
+    EXPECT_DOUBLE_EQ(positionAfter(10s), 23) << "the position at the pause, without a report";
+    change("PlaybackStatus", text("Playing"));
+    EXPECT_DOUBLE_EQ(positionAfter(2s), 25);
+    change("Rate", {2.0});
+    EXPECT_DOUBLE_EQ(positionAfter(5s), 35);
+    tellPosition(70);
+    EXPECT_DOUBLE_EQ(positionAfter(0s), 70);
     takeSaid();
-    play(mpv, "next song");
-    announce();
-    EXPECT_DOUBLE_EQ(position(), 0);
-    EXPECT_EQ(takeSaid(), Said{"? org.mpris.MediaPlayer2.mpv"});
-}
+    play("next song");
+    EXPECT_EQ(takeSaid(), "refresh ");
+    EXPECT_DOUBLE_EQ(positionAfter(0s), 0);
 
-TEST_F(MprisPlayerTest, IgnoresAPositionThatIsAlwaysZero) {
-    MediaPlayer& mpv = add(kMpv, "Playing", "song");
-    start();
-    tellPosition(mpv, 0);
-    clock.advance(4s);
-    tellPosition(mpv, 0);
-    EXPECT_DOUBLE_EQ(position(), 4);
-    tellPosition(mpv, 7);
+    tellPosition(0);
+    clock.advance(2s);
+    tellPosition(0);
+    EXPECT_DOUBLE_EQ(positionAfter(0s), 4)
+        << "a player that always reports 0 does not know its position";
+    tellPosition(7);
     clock.advance(1s);
-    tellPosition(mpv, 0);
-    EXPECT_DOUBLE_EQ(position(), 0) << "a player that knows its position has restarted the track";
-}
-
-TEST_F(MprisPlayerTest, RefreshesAtMostOnceASecond) {
-    MediaPlayer& mpv = add(kMpv, "Playing", "song");
-    start();
-    takeSaid();
-    for (int i = 0; i < 5; ++i) player->refresh();
-    EXPECT_EQ(takeSaid().size(), 1u);
-    clock.advance(2s);
-    player->refresh();
-    EXPECT_EQ(takeSaid().size(), 1u);
-    tellPosition(mpv, 3);
-    EXPECT_TRUE(takeSaid().empty()) << "a report does not cause a request";
+    tellPosition(0);
+    EXPECT_DOUBLE_EQ(positionAfter(0s), 0)
+        << "a player that knows its position has restarted the track";
 }
 
 TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
-    MediaPlayer& mpv = add(kMpv, "Playing", "song", "file:///late.png");
-    start();
+    startSong("file:///late.png");
     read();
-    EXPECT_EQ(artwork(), "");
-    files.put("/late.png", "late");
+    takeSaid();
     player->refresh();
+    clock.advance(999ms);
+    player->refresh();
+    EXPECT_EQ(takeSaid(), "refresh ") << "at most once a second";
+    read();
+    files.put("/late.png", "late");
+    refresh();
     EXPECT_EQ(artwork(), "");
     read();
     EXPECT_EQ(artwork(), "late");
-    play(mpv, "next song", "file:///late.png");
-    announce();
+    files.reads = 0;
+    play("next song", "file:///late.png");
     EXPECT_EQ(artwork(), "late") << "kept during the check";
     read();
-    EXPECT_EQ(files.reads, 1);
+    EXPECT_EQ(files.reads, 0);
     files.put("/late.png", "later");
-    clock.advance(2s);
-    player->refresh();
+    refresh();
     read();
     EXPECT_EQ(artwork(), "later");
-    clock.advance(2s);
     files.remove("/late.png");
-    player->refresh();
+    refresh();
     read();
     EXPECT_EQ(artwork(), "");
 }
 
 TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
-    MediaPlayer& mpv = add(kMpv, "Playing", "song", "file:///one.png");
-    start();
-    play(mpv, "next song", "file:///two.png");
-    announce();
+    files.put("/one.png", "picture one");
+    files.put("/two.png", "picture two");
+    files.put("/huge.png", std::string(ArtworkLoader::kLargest + 1, 'x'));
+    startSong("file:///one.png");
+    play("next song", "file:///two.png");
     ASSERT_EQ(queues.waiting(kQueue), 1u) << "one check at a time";
     queues.runNext(kQueue);
     main.run();
     EXPECT_EQ(artwork(), "") << "the result was for the previous song";
     read();
     EXPECT_EQ(artwork(), "picture two");
-
-    for (const char* url : {"https://example.org/one.png", "", "file:///absent.png"}) {
-        play(mpv, "song", url);
-        announce();
+    for (const char* url : {"https://example.org/one.png", "", "file:///huge.png"}) {
+        play("song", url);
         read();
         EXPECT_EQ(artwork(), "") << url;
     }
-    files.put("/huge.png", std::string(ArtworkLoader::kLargest + 1, 'x'));
-    play(mpv, "song", "file:///huge.png");
-    announce();
-    read();
-    EXPECT_EQ(artwork(), "");
-}
-
-TEST_F(MprisPlayerTest, MayBeDestroyedWhileArtworkIsRead) {
-    add(kMpv, "Playing", "song", "file:///one.png");
-    start();
+    play("song", "file:///one.png");
     queues.runNext(kQueue);
     player.reset();
-    EXPECT_EQ(main.run(), 1);
+    EXPECT_EQ(main.run(), 1) << "the result arrives after the end";
 }
 
 TEST_F(MprisPlayerTest, CommandsTheChosenPlayer) {
-    MediaPlayer& mpv = add(kMpv, "Playing", "song");
-    start();
+    startSong();
     takeSaid();
-    player->perform(QuorvaneAction::nextTrack);
-    player->setVolume(30);
-    player->perform(QuorvaneAction::activatePlayer);
+    for (const auto action :
+         {QuorvaneAction::nextTrack, QuorvaneAction::activatePlayer, QuorvaneAction::toggleMute})
+        EXPECT_TRUE(player->perform(action));
+    EXPECT_TRUE(player->setVolume(30));
+    change("Volume", {0.0});
     player->perform(QuorvaneAction::toggleMute);
-    EXPECT_EQ(
-        takeSaid(),
-        (Said{"Next org.mpris.MediaPlayer2.mpv", "Volume=0.300000 org.mpris.MediaPlayer2.mpv",
-              "raise org.mpris.MediaPlayer2.mpv", "Volume=0.000000 org.mpris.MediaPlayer2.mpv"}));
-    mpv.properties["Volume"] = {0.0};
-    announce();
-    player->perform(QuorvaneAction::toggleMute);
-    EXPECT_EQ(takeSaid(), Said{"Volume=0.800000 org.mpris.MediaPlayer2.mpv"});
-    mpv.properties["CanGoNext"] = {false};
+    change("CanGoNext", {false});
     EXPECT_FALSE(player->perform(QuorvaneAction::nextTrack));
-    EXPECT_TRUE(takeSaid().empty());
+    EXPECT_EQ(takeSaid(), "Next raise Volume=0% Volume=30% Volume=80% ");
 }
 
 TEST_F(MprisPlayerTest, UsesTheSoundServerOnlyForAPlayerWithoutAVolume) {
-    MediaPlayer& mpv = add(kMpv, "Playing", "song");
-    start();
+    startSong();
     EXPECT_FALSE(onSound);
-    mpv.processID = 7;
-    mpv.properties.erase("Volume");
+    players[0].processID = 7;
+    players[0].properties.erase("Volume");
     announce();
     ASSERT_TRUE(onSound);
     EXPECT_FALSE(player->setVolume(30)) << "no server yet";
@@ -300,18 +242,15 @@ TEST_F(MprisPlayerTest, UsesTheSoundServerOnlyForAPlayerWithoutAVolume) {
     EXPECT_EQ(player->snapshot().state.volume, 40);
     takeSaid();
     EXPECT_TRUE(player->setVolume(30));
-    EXPECT_EQ(takeSaid(), Said{"sound 3=0.300000"});
-
+    EXPECT_EQ(takeSaid(), "sound=30% ");
     onSound({});
     EXPECT_FALSE(player->setVolume(30)) << "the server has gone";
     announce();
     EXPECT_EQ(soundObservations, 1);
-    play(mpv, "next song");
-    announce();
+    play("next song");
     EXPECT_EQ(soundObservations, 2) << "retried with the next track";
-    mpv.properties["Volume"] = {0.5};
-    announce();
-    EXPECT_FALSE(onSound);
+    change("Volume", {0.5});
+    EXPECT_EQ(soundObservationsEnded, 2);
     EXPECT_EQ(player->snapshot().state.volume, 50);
 }
 

@@ -1,7 +1,4 @@
 // What shows around and through a card: the locker's own picture, also when it changes.
-#include <array>
-#include <tuple>
-
 #include "tests/platform/linux/card/CardFixture.hpp"
 
 namespace quorvane {
@@ -9,25 +6,24 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Of the margin, beyond the shadow's reach.
-constexpr Point kCorner{kWindowX + 1, kWindowY + 1};
-constexpr Point kShadow{500, 384};
-
 class CardBackdrop : public CardFixture {
 protected:
     // The locker shows a picture of many colours, by its background or by drawing over it.
     void showPicture(bool isBackground) {
-        xcb_connection_t* connection = locker->connection();
+        xcb_connection_t* connection = client->connection();
         const xcb_pixmap_t picture = xcb_generate_id(connection);
         xcb_create_pixmap(connection, 24, picture, lockerWindow, 1000, 700);
         for (int i = 0; i < 70; ++i)
-            fill(*locker, isBackground ? picture : lockerWindow,
+            fill(*client, isBackground ? picture : lockerWindow,
                  {0, static_cast<std::int16_t>(i * 10), 1000, 10},
                  0x030201u * static_cast<std::uint32_t>(i));
         if (!isBackground) return;
         xcb_change_window_attributes(connection, lockerWindow, XCB_CW_BACK_PIXMAP, &picture);
         xcb_clear_area(connection, false, lockerWindow, 0, 0, 0, 0);
     }
+    // Beyond the shadow's reach, and in it.
+    std::uint32_t marginPixel() { return pixelAt(kWindowX + 1, kWindowY + 1); }
+    std::uint32_t shadowPixel() { return pixelAt(500, 384); }
     // Outside the card's shadow the window looks like what is behind it.
     void expectMarginsLike(const Screenshot& before, int windowX, int windowY) {
         const Screenshot now = look();
@@ -62,21 +58,19 @@ TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
     expectMarginsLike(before, kWindowX, kWindowY);
 }
 
-INSTANTIATE_TEST_SUITE_P(Drawn, CardBackdropOfEachKind, testing::Bool(), [](const auto& about) {
-    return about.param ? "AsBackground" : "OverTheBackground";
-});
+INSTANTIATE_TEST_SUITE_P(AsBackground, CardBackdropOfEachKind, testing::Bool());
 
 TEST_F(CardBackdrop, FollowsTheLockersBackgroundWhenItRests) {
     showLocked();
     const std::uint32_t glass = pixelAt(500, 250);
-    EXPECT_NE(pixelAt(kShadow), kLockerColor);
+    EXPECT_NE(shadowPixel(), kLockerColor);
     setBackground(lockerWindow, 0xff902010);
-    EXPECT_EQ(pixelAt(kCorner), 0xff902010) << "nothing around the card is ever wrong";
-    EXPECT_EQ(pixelAt(kShadow), 0xff902010);
+    EXPECT_EQ(marginPixel(), 0xff902010) << "nothing around the card is ever wrong";
+    EXPECT_EQ(shadowPixel(), 0xff902010);
     EXPECT_EQ(pixelAt(500, 250), glass);
     advance(milliseconds{100});
-    EXPECT_EQ(pixelAt(kCorner), 0xff902010);
-    EXPECT_NE(pixelAt(kShadow), 0xff902010);
+    EXPECT_EQ(marginPixel(), 0xff902010);
+    EXPECT_NE(shadowPixel(), 0xff902010);
     EXPECT_NE(pixelAt(500, 250), glass);
 
     // Our own drawing is none of the locker's.
@@ -91,7 +85,7 @@ TEST_F(CardBackdrop, FollowsTheLockersBackgroundWhenItRests) {
 // Lockers make a new background in steps that the screen does not show: a fill, then the picture.
 TEST_F(CardBackdrop, IsNeverAPictureInTheMaking) {
     lock();
-    xcb_connection_t* connection = locker->connection();
+    xcb_connection_t* connection = client->connection();
     showPicture(true);
     const Screenshot picture = look();
     makeCard();
@@ -111,11 +105,11 @@ TEST_F(CardBackdrop, IsNeverAPictureInTheMaking) {
     }
     // Nor is a drawing that passes by, and that no background knows of.
     const std::uint32_t white = 0xffffffff;
-    fill(*locker, lockerWindow, {0, 0, 1000, 700}, white);
+    fill(*client, lockerWindow, {0, 0, 1000, 700}, white);
     EXPECT_EQ(pixelAt(kWindowX - 1, kWindowY), white);
     advance(milliseconds{500});
     expectMarginsLike(picture, kWindowX, kWindowY);
-    EXPECT_EQ(pixelAt(kShadow), picture.at(int(kShadow.x), int(kShadow.y)));
+    EXPECT_EQ(shadowPixel(), picture.at(500, 384));
 }
 
 TEST_F(CardBackdrop, IsReadOnAllOfARootThatHasGrown) {
@@ -133,7 +127,7 @@ TEST_F(CardBackdrop, IsReadOnAllOfARootThatHasGrown) {
 TEST_F(CardBackdrop, OfALockerWithoutBackgroundIsNotTakenFromTheCardItself) {
     lock();
     const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
-    xcb_change_window_attributes(locker->connection(), lockerWindow, XCB_CW_BACK_PIXMAP, &none);
+    xcb_change_window_attributes(client->connection(), lockerWindow, XCB_CW_BACK_PIXMAP, &none);
     showPicture(false);
     const Screenshot before = look();
     makeCard();
@@ -144,13 +138,9 @@ TEST_F(CardBackdrop, OfALockerWithoutBackgroundIsNotTakenFromTheCardItself) {
     settle();
     advance(milliseconds{600});
     EXPECT_EQ(look(), shown);
-    int changedOutside = 0;
     for (int y = 0; y < shown.height; ++y)
-        for (int x = 0; x < shown.width; ++x) {
-            const bool isCard = x >= 300 && x < 700 && y >= 152 && y < 374;
-            changedOutside += !isCard && shown.at(x, y) != before.at(x, y);
-        }
-    EXPECT_EQ(changedOutside, 0);
+        for (int x = 0; x < shown.width; x += x == 299 && y >= 152 && y < 374 ? 401 : 1)
+            ASSERT_EQ(shown.at(x, y), before.at(x, y)) << x << ", " << y;
     EXPECT_EQ(shown.at(302, 154), before.at(302, 154)) << "outside the round corner";
     EXPECT_NE(shown.at(302, 260), before.at(302, 260));
 }
@@ -187,12 +177,7 @@ TEST_P(CardWithout, IsDrawnAllTheSame) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Extension, CardWithout,
-                         testing::Values("MIT-SHM", "Composite", "DAMAGE", "XFIXES", "SHAPE"),
-                         [](const auto& about) {
-                             std::string name = about.param;
-                             std::erase(name, '-');
-                             return name;
-                         });
+                         testing::Values("MIT-SHM", "Composite", "DAMAGE", "XFIXES", "SHAPE"));
 
 }  // namespace
 }  // namespace quorvane

@@ -2,21 +2,11 @@
 // posted actions move only when the test says so; what the server has to tell comes in by `settle`.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <memory>
-#include <vector>
-
 #include "platform/linux/card/CardModule.hpp"
-#include "platform/linux/lockers/X11SessionLinux.hpp"
-#include "tests/support/LoopRunner.hpp"
+#include "tests/platform/linux/lockers/LockFixture.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
-#include "tests/support/PrivateXServer.hpp"
-#include "tests/support/RecordingLog.hpp"
 #include "tests/support/Screenshot.hpp"
-#include "tests/support/X11Client.hpp"
 
 extern "C" quorvane::CardWindows quorvaneMakeCardWindows(const quorvane::CardModuleServices&);
 
@@ -29,40 +19,31 @@ inline constexpr int kWindowX = 248;
 inline constexpr int kWindowY = 100;
 inline constexpr std::uint32_t kLockerColor = 0xff336699;
 
-class CardFixture : public testing::Test {
+class CardFixture : public LockFixture {
 protected:
-    explicit CardFixture(const std::vector<std::string>& serverOptions = {})
-        : server{"1000x700x24", serverOptions} {
-        unsetenv("QUORVANE_SCALE");
-    }
-
+    CardFixture() : LockFixture("1000x700x24") {}
     void SetUp() override {
-        ASSERT_NE(server.display(), "") << "Xvfb did not come up";
-        locker = std::make_unique<X11Client>(server.display());
+        LockFixture::SetUp();
         viewer = std::make_unique<X11Client>(server.display());
     }
     void TearDown() override {
         window.reset();
         stage.reset();
         windows = {};
-        session.reset();
+        stopWatching();
     }
 
     // The session, and the locker's window that it finds, shown in one colour.
     void lock(std::uint32_t color = kLockerColor) {
         if (!session) open();
-        ASSERT_TRUE(locker->grabKeyboard());
-        lockerWindow = locker->makeWindow(kWholeScreen);
-        locker->setClass(lockerWindow, "i3lock", "i3lock");
+        ASSERT_TRUE(client->grabKeyboard());
+        lockerWindow = standLocker(kWholeScreen);
         setBackground(lockerWindow, color);
-        locker->map(lockerWindow);
         settle();
         ASSERT_EQ(session->lockerWindows().size(), 1u);
     }
     void open() {
-        auto opened = X11SessionLinux::open(loop, server.display(), [] {});
-        ASSERT_TRUE(opened) << opened.error().description;
-        session = *std::move(opened);
+        watch();
         windows = quorvaneMakeCardWindows({.x11 = *session,
                                            .clock = clock.clock(),
                                            .mainThread = mainThread.mainThread(),
@@ -70,8 +51,8 @@ protected:
         settle();
     }
     void setBackground(xcb_window_t place, std::uint32_t color) {
-        xcb_change_window_attributes(locker->connection(), place, XCB_CW_BACK_PIXEL, &color);
-        xcb_clear_area(locker->connection(), false, place, 0, 0, 0, 0);
+        xcb_change_window_attributes(client->connection(), place, XCB_CW_BACK_PIXEL, &color);
+        xcb_clear_area(client->connection(), false, place, 0, 0, 0, 0);
     }
 
     // Nothing on it is kept clear unless a test says so.
@@ -115,51 +96,35 @@ protected:
     void settle() {
         for (int turn = 0; turn < 2; ++turn) {
             mainThread.run();
-            if (locker->connection()) locker->sync();
+            if (client->connection()) client->sync();
             viewer->sync();
-            std::free(xcb_get_input_focus_reply(
-                session->connection(), xcb_get_input_focus(session->connection()), nullptr));
-            runOnce(loop);
+            syncSession();
+            runOnce(loop());
         }
         mainThread.run();
     }
-    Screenshot look() {
+    Screenshot look(const Rect& area = kWholeScreen) {
         settle();
-        return Screenshot::take(viewer->connection());
+        return Screenshot::take(viewer->connection(), area);
     }
-    std::uint32_t pixelAt(int x, int y) {
-        settle();
-        return Screenshot::take(viewer->connection(), {double(x), double(y), 1, 1}).at(0, 0);
-    }
-    std::uint32_t pixelAt(Point at) { return pixelAt(int(at.x), int(at.y)); }
+    std::uint32_t pixelAt(int x, int y) { return look({double(x), double(y), 1, 1}).at(0, 0); }
     xcb_window_t cardWindow() const { return static_cast<xcb_window_t>(window->number()); }
-    // By another client, into the card's window: what is drawn again afterwards shows.
-    void paintOver(std::uint32_t color) {
-        fill(*viewer, cardWindow(), {0, 0, 504, 326}, color);
-        viewer->sync();
-    }
-    static void fill(const X11Client& client, xcb_drawable_t target, const xcb_rectangle_t& area,
+    static void fill(const X11Client& painter, xcb_drawable_t target, const xcb_rectangle_t& area,
                      std::uint32_t color) {
-        const xcb_gcontext_t context = xcb_generate_id(client.connection());
-        xcb_create_gc(client.connection(), context, target, XCB_GC_FOREGROUND, &color);
-        xcb_poly_fill_rectangle(client.connection(), target, context, 1, &area);
-        xcb_free_gc(client.connection(), context);
+        const xcb_gcontext_t context = xcb_generate_id(painter.connection());
+        xcb_create_gc(painter.connection(), context, target, XCB_GC_FOREGROUND, &color);
+        xcb_poly_fill_rectangle(painter.connection(), target, context, 1, &area);
+        xcb_free_gc(painter.connection(), context);
     }
-
     static Scene sceneOf(std::vector<ShapeNode> shapes) {
         Scene scene;
         scene.nodes.assign(shapes.begin(), shapes.end());
         return scene;
     }
 
-    PrivateXServer server;
-    RecordingLog log;
     ManualClock clock;
     ManualMainThread mainThread;
-    EventLoop loop;
-    std::unique_ptr<X11Client> locker;
     std::unique_ptr<X11Client> viewer;
-    std::unique_ptr<X11SessionLinux> session;
     CardWindows windows;
     std::shared_ptr<CardStage> stage;
     std::unique_ptr<CardSystemWindow> window;

@@ -36,9 +36,9 @@ bool isNear(std::uint32_t pixel, std::uint32_t wanted) {
 }
 
 TEST(Pictures, FillTheirFrameCroppedAboutTheMiddle) {
-    for (const double scale : {1.0, 1.25, 1.5, 2.0, 3.0}) {
+    for (const double scale : {1.0, 1.25, 3.0}) {
         // Wide: the outer stripes fall away. Small and large: scaled up and down.
-        for (const int size : {20, 40, 900}) {
+        for (const int size : {20, 900}) {
             const DrawnScene wide =
                 drawn(image(stripes(2 * size, size, {kRed, kGreen, kBlue, kRed})), scale);
             EXPECT_TRUE(contains(kFrame.grownBy(1 / scale), wide.ink()));
@@ -48,44 +48,32 @@ TEST(Pictures, FillTheirFrameCroppedAboutTheMiddle) {
         }
         const DrawnScene high = drawn(image(stripes(300, 900, {kRed, kBlue})), scale);
         EXPECT_TRUE(isNear(high.at(Point{16, 12}), 0xffff0000));
-        EXPECT_TRUE(isNear(high.at(Point{44, 48}), 0xff0000ff));
         EXPECT_EQ(high.at(Point{10, 10}), 0u);  // the rounded corner
     }
     const DrawnScene faint = drawn(image(stripes(40, 40, {{1, 0, 0, 0.5}})));
     EXPECT_TRUE(isNear(faint.at(30, 30), 0x80800000));
 }
 
-// A complete picture of far more pixels than bytes.
-Bytes bomb() {
-    const CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_A1, 8000, 8000)};
-    return encoded(surface.get());
-}
-
-// Pictures of 20,000 by as many pixels that their decoders would draw, though few are encoded.
-std::vector<Bytes> hugePictures() {
-    using namespace std::string_literals;
-    const std::string code = "\x01"s + std::string(16, '\0');
-    std::vector<Bytes> pictures;
-    for (
-        const std::string& bytes :
-        {"GIF89a\x20\x4E\x20\x4E\x80\0\0\0\0\0\xFF\xFF\xFF,\0\0\0\0\x20\x4E\x20\x4E\0\x02\x02\x4C\x01\0;"s,
-         "BM\x9A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x20\x4E\0\0\x20\x4E\0\0\x01\0\x18\0"s +
-             std::string(24, '\0') + std::string(100, '\x7F'),
-         "\xFF\xD8\xFF\xDB\0\x43\0"s + std::string(64, '\x01') +
-             "\xFF\xC0\0\x0B\x08\x4E\x20\x4E\x20\x01\x01\x11\0"s + "\xFF\xC4\0\x14\0"s + code +
-             "\xFF\xC4\0\x14\x10"s + code + "\xFF\xDA\0\x08\x01\x01\0\0\x3F\0"s +
-             std::string(50, '\0')})
-        pictures.push_back(copyOf(bytesOf(bytes)));
-    return pictures;
-}
-
 TEST(Pictures, AreNotDrawnWhenTheyCannotBeDecoded) {
+    using namespace std::string_literals;
     Bytes broken = stripes(300, 300, {kRed, kBlue});
     broken[broken.size() / 2] ^= std::byte{0xff};
-    const Bytes huge = bomb();
+    // A complete picture of far more pixels than bytes.
+    const CairoSurface many{cairo_image_surface_create(CAIRO_FORMAT_A1, 8000, 8000)};
+    const Bytes huge = encoded(many.get());
     EXPECT_LT(huge.size(), 100'000u);
-    std::vector<Bytes> all = hugePictures();
-    all.insert(all.end(), {Bytes{}, copyOf(bytesOf("no picture at all")), broken, huge});
+    // 20,000 by as many pixels that their decoder would draw, though few are encoded.
+    const std::string bitmap =
+        "BM\x9A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x20\x4E\0\0\x20\x4E\0\0\x01\0\x18\0"s +
+        std::string(24, '\0') + std::string(100, '\x7F');
+    const std::string gif =
+        "GIF89a\x20\x4E\x20\x4E\x80\0\0\0\0\0\xFF\xFF\xFF,\0\0\0\0\x20\x4E\x20\x4E\0\x02\x02\x4C\x01\0;"s;
+    const Bytes all[] = {{},
+                         copyOf(bytesOf("no picture at all")),
+                         broken,
+                         huge,
+                         copyOf(bytesOf(bitmap)),
+                         copyOf(bytesOf(gif))};
     for (const Bytes& bytes : all) {
         const ImageRef picture = image(bytes);
         EXPECT_TRUE(drawn(picture).ink().isEmpty());
@@ -149,15 +137,12 @@ TEST(PictureCache, KeepsFewPicturesAndNoneOfImagesThatAreGone) {
     images.clear();
     b.decode();
     EXPECT_TRUE(gone.expired());
-}
-
-TEST(PictureCache, ForgetsWhatArrivesAfterItsEnd) {
-    Background b;
+    EXPECT_EQ(b.arrivals, 13);
     b.cache->picture(image(stripes(8, 8, {kRed})), {4, 4});
     b.queues.runAll();
     b.cache.reset();
     b.mainThread.run();
-    EXPECT_EQ(b.arrivals, 0);
+    EXPECT_EQ(b.arrivals, 13) << "nothing arrives after its end";
 }
 
 }  // namespace

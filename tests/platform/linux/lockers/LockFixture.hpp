@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <xcb/xinput.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,7 +26,7 @@ inline constexpr unsigned kRawPresses =
 
 class LockFixture : public testing::Test {
 protected:
-    LockFixture() {
+    explicit LockFixture(const std::string& geometry = "1600x900x24") : server{geometry} {
         // Neither bus is there, as in a bare session.
         setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
         setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
@@ -37,7 +36,6 @@ protected:
     void SetUp() override {
         ASSERT_NE(server.display(), "") << "Xvfb did not come up";
         client = std::make_unique<X11Client>(server.display());
-        services = std::make_unique<HeadlessPlatform>(log.sink());
     }
     void TearDown() override { stopWatching(); }
 
@@ -46,19 +44,19 @@ protected:
         server.setMonitor("right", 800, 900, 800, 0);
     }
     void watch() {
-        auto opened = X11SessionLinux::open(loop(), server.display(), [this] { ++timesLost; });
+        auto opened = X11SessionLinux::open(loop(), server.display(), [] {});
         ASSERT_TRUE(opened) << opened.error().description;
         session = *std::move(opened);
         watcher = std::make_unique<LockWatcherLinux>(
-            *services, LockerSight{[this] { return !session->lockerWindows().empty(); },
-                                   [this](std::function<void()> changed) {
-                                       return session->observeLockerWindows(std::move(changed));
-                                   }});
+            services, LockerSight{[this] { return !session->lockerWindows().empty(); },
+                                  [this](std::function<void()> changed) {
+                                      return session->observeLockerWindows(std::move(changed));
+                                  }});
         sources = watcher->sources();
         for (const char* name :
              {kScreenIsLocked, kScreenIsUnlocked, kScreenLockUIIsShown, kScreenLockUIIsHidden})
             observations.push_back(
-                services->localNotices.observe(name, [this, name](const PropertyDictionary&) {
+                services.localNotices.observe(name, [this, name](const PropertyDictionary&) {
                     notices.push_back(name + std::string{"com.apple.screen"}.size());
                 }));
         observations.push_back(sources.observeWake([] {}));
@@ -93,7 +91,7 @@ protected:
         return masks.rem == 1 ? xcb_input_event_mask_mask(masks.data)[0] : 0;
     }
 
-    EventLoop& loop() { return services->loop; }
+    EventLoop& loop() { return services.loop; }
     // Everything that the other client has done so far has been seen, and what the session asked of
     // the server upon it is done: the server takes its clients' requests in no certain order.
     void settle() {
@@ -131,16 +129,15 @@ protected:
     const Notices kLockedAndShown{"IsLocked", "LockUIIsShown"};
     const Notices kHiddenAndUnlocked{"LockUIIsHidden", "IsUnlocked"};
 
-    PrivateXServer server{"1600x900x24"};
+    PrivateXServer server;
     RecordingLog log;
     std::unique_ptr<X11Client> client;
-    std::unique_ptr<HeadlessPlatform> services;
+    HeadlessPlatform services{log.sink()};
     std::unique_ptr<X11SessionLinux> session;
     std::unique_ptr<LockWatcherLinux> watcher;
     LockSources sources;
     std::vector<Handle> observations;
     Notices notices;
-    int timesLost = 0;
 };
 
 }  // namespace quorvane

@@ -303,6 +303,35 @@ TEST_F(LockerWindows, AreWatchedWithoutAnyKeyOrGrab) {
     EXPECT_TRUE(client->grabPointer());
 }
 
+TEST_F(LockerWindows, OfARealXsecurelockStandInTheOverlayAndKeepItsPromptClear) {
+    client->setResources("Xft.dpi: 96\n");
+    client->sync();
+    watch();
+    // What it says of a machine without accounts and logins is of no interest.
+    ChildProcess locker{{"sh", "-c", "exec xsecurelock >/dev/null 2>&1"},
+                        {server.environment(), "XSECURELOCK_SAVER=saver_blank"}};
+    ASSERT_TRUE(waitForNotices(2));
+    EXPECT_EQ(take(), kLockedAndShown);
+    EXPECT_EQ(session->lockerWindows().front().frame, kBothMonitors);
+    const std::vector<Rect> usual{{705, 355, 190, 190}};
+    EXPECT_EQ(zones(), usual);
+    // It opens its prompt once it holds the keyboard.
+    constexpr unsigned kKeyA = 38;
+    ASSERT_TRUE(runUntil(loop(), [&] { return client->type(kKeyA), zones() != usual; }));
+    EXPECT_LT(zones().front().width, 1600);
+    EXPECT_EQ(zones().front().height, 190) << "no card has to move";
+
+    // Its window is inside the server's overlay, which is not listed: it is found all the same.
+    stopWatching();
+    watch();
+    EXPECT_TRUE(isLocked());
+    EXPECT_EQ(session->lockerWindows().size(), 1u);
+    EXPECT_FALSE(zones().empty());
+    locker.end(SIGKILL);
+    EXPECT_TRUE(waitForNotices(3));
+    EXPECT_EQ(take(), (Notices{"LockUIIsShown", "LockUIIsHidden", "IsUnlocked"}));
+}
+
 // The stack is followed from events alone; after any history it must be what the server lists.
 TEST_F(LockerWindows, AreStackedAsTheServerSays) {
     watch();

@@ -31,18 +31,17 @@ TEST_F(EventLoopTest, TimersThatMayBeLateShareAWakeUpAndWaitForNoOther) {
     int wakes = 0;
     const Handle sleeps = loop->beforeSleep([&] { ++wakes; });
     std::vector<int> wakesThen;
-    std::vector<Timer> timers;
     const auto note = [&] { wakesThen.push_back(wakes); };
     const Instant start = clock.now();
-    timers.push_back(clock.after(milliseconds{300}, note));
-    timers.push_back(clock.afterAbout(milliseconds{200}, milliseconds{200}, [&] {
+    const Timer exact = clock.after(milliseconds{300}, note);
+    const Timer late = clock.afterAbout(milliseconds{200}, milliseconds{200}, [&] {
         EXPECT_GE(clock.now() - start, milliseconds{300});  // but for the tolerance at 200
         note();
-    }));
-    timers.push_back(clock.afterAbout(milliseconds{310}, std::chrono::hours{1}, [&] {
+    });
+    const Timer last = clock.afterAbout(milliseconds{310}, std::chrono::hours{1}, [&] {
         note();
         loop->quit(0);
-    }));
+    });
     loop->run();
     ASSERT_EQ(wakesThen.size(), 3u);
     EXPECT_EQ(wakesThen[0], wakesThen[1]);
@@ -50,14 +49,16 @@ TEST_F(EventLoopTest, TimersThatMayBeLateShareAWakeUpAndWaitForNoOther) {
 
 TEST_F(EventLoopTest, TimersFireInOrderOfTimeThenOfMaking) {
     const Instant start = clock.now();
-    Instant fired;
     std::vector<Timer> timers;
+    Trail expected{"at once", "first"};
     // Enough of them for an unstable order to show; late enough for a slow machine to have made the
     // earlier ones.
-    for (int index = 0; index < 20; ++index)
-        timers.push_back(clock.after(milliseconds{100}, note("same" + std::to_string(index))));
+    for (int index = 0; index < 20; ++index) {
+        expected.push_back("same" + std::to_string(index));
+        timers.push_back(clock.after(milliseconds{100}, note(expected.back())));
+    }
     timers.push_back(clock.after(milliseconds{110}, [&] {
-        fired = clock.now();
+        EXPECT_GE(clock.now() - start, milliseconds{110});
         loop->quit(0);
     }));
     timers.push_back(clock.after(milliseconds{1}, note("first")));
@@ -65,62 +66,44 @@ TEST_F(EventLoopTest, TimersFireInOrderOfTimeThenOfMaking) {
     timers.push_back(clock.after(milliseconds{-5}, note("at once")));
     EXPECT_TRUE(trail.empty());
     loop->run();
-    Trail expected{"at once", "first"};
-    for (int index = 0; index < 20; ++index) expected.push_back("same" + std::to_string(index));
     EXPECT_EQ(trail, expected);
-    EXPECT_GE(fired - start, milliseconds{110});
 }
 
+// Each of them is short: the loop's default would round it to a quarter of a second.
 TEST_F(EventLoopTest, TimersMayDropAndMakeTimersWhileTheyFire) {
-    std::optional<Timer> own;
-    Timer victim;
-    own = clock.after(milliseconds{1}, [&] {
-        own.reset();
-        victim.reset();  // due at the same moment
-        trail.push_back("own");
-        own = clock.after(Duration{}, [&] {
-            trail.push_back("next turn");
-            loop->quit(0);
-        });
-        mainThread.post(note("posted"));
-    });
-    victim = clock.after(milliseconds{1}, note("victim"));
-    loop->run();
-    EXPECT_EQ(trail, (Trail{"own", "posted", "next turn"}));
-}
-
-// The loop's default would round each of these to a quarter of a second.
-TEST_F(EventLoopTest, ShortTimersAreShort) {
+    Timer own, victim;
     int left = 8;
-    Timer timer;
-    std::function<void()> again = [&] {
-        if (--left == 0) return loop->quit(0);
-        timer = clock.after(milliseconds{1}, again);
-    };
     const Instant start = clock.now();
+    std::function<void()> again = [&] {
+        own = {};
+        victim = {};  // due at the same moment
+        if (--left == 0) return loop->quit(0);
+        own = clock.after(milliseconds{1}, again);
+        victim = clock.after(milliseconds{1}, note("victim"));
+        mainThread.post(note("posted"));
+    };
     again();
     loop->run();
+    EXPECT_EQ(trail, Trail(7, "posted"));
     EXPECT_LT(clock.now() - start, milliseconds{1000});
 }
 
 TEST_F(EventLoopTest, PostsOfManyThreadsArriveInTheirOrder) {
     constexpr int kThreads = 4, kPosts = 500;
     const auto mainID = std::this_thread::get_id();
-    std::vector<std::thread> threads;
     std::vector<int> seen(kThreads, 0);
     int count = 0;
-    for (int thread = 0; thread < kThreads; ++thread)
-        threads.emplace_back([&, thread] {
+    std::vector<std::jthread> threads;
+    for (int& own : seen)
+        threads.emplace_back([&] {
             for (int post = 0; post < kPosts; ++post)
-                mainThread.post([&, thread, post] {
+                mainThread.post([&, post] {
                     EXPECT_EQ(std::this_thread::get_id(), mainID);
-                    EXPECT_EQ(seen[thread]++, post);
+                    EXPECT_EQ(own++, post);
                     if (++count == kThreads * kPosts) loop->quit(0);
                 });
         });
     loop->run();
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(seen, std::vector<int>(kThreads, kPosts));
 }
 
 TEST_F(EventLoopTest, QuitLeavesTheRestForLater) {
@@ -132,7 +115,6 @@ TEST_F(EventLoopTest, QuitLeavesTheRestForLater) {
     });
     mainThread.post(note("two"));
     EXPECT_EQ(loop->run(), 7);
-    EXPECT_EQ(trail, (Trail{"one"}));
     loop->quit(3);
     EXPECT_EQ(loop->run(), 3);
     EXPECT_EQ(trail, (Trail{"one"}));
@@ -142,38 +124,17 @@ TEST_F(EventLoopTest, QuitLeavesTheRestForLater) {
 }
 
 TEST_F(EventLoopTest, WatchesADescriptorUntilTheHandleGoes) {
-    const FileDescriptor event{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+    const FileDescriptor event{eventfd(1, EFD_CLOEXEC)};
     Handle watch;
-    watch = loop->watch(event.get(), EPOLLIN, [&](std::uint32_t events) {
-        EXPECT_EQ(events, static_cast<std::uint32_t>(EPOLLIN));
+    watch = loop->watch(event.get(), EPOLLIN, [&](std::uint32_t) {
         trail.push_back("readable");
-        if (trail.size() == 2) {
-            watch.reset();  // from inside its own handler, and the descriptor stays readable
-            mainThread.post([&] { mainThread.post([&] { loop->quit(0); }); });
-        }
+        if (trail.size() < 2) return;
+        watch.reset();  // from inside its own handler, and the descriptor stays readable
+        mainThread.post([&] { mainThread.post([&] { loop->quit(0); }); });
     });
-    ASSERT_TRUE(watch);
-    eventfd_write(event.get(), 1);
     loop->run();
-    EXPECT_EQ(trail, (Trail{"readable", "readable"}));
+    EXPECT_EQ(trail, Trail(2, "readable"));
     EXPECT_FALSE(loop->watch(-1, EPOLLIN, [](std::uint32_t) {}));
-}
-
-TEST_F(EventLoopTest, CallsBeforeEachSleep) {
-    int calls = 0;
-    Handle handle;
-    handle = loop->beforeSleep([&] {
-        // What is made ready here must not be slept over.
-        if (++calls == 1) mainThread.post(note("woken"));
-        if (calls == 3) {
-            handle.reset();
-            loop->quit(0);  // nor this
-        }
-        if (calls == 2) mainThread.post(note("again"));
-    });
-    loop->run();
-    EXPECT_EQ(calls, 3);
-    EXPECT_EQ(trail, (Trail{"woken", "again"}));
 }
 
 TEST_F(EventLoopTest, WhatOutlivesTheLoopDoesNothing) {

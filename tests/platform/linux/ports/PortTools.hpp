@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <future>
-#include <latch>
 #include <memory>
 #include <thread>
 
@@ -25,12 +24,10 @@ inline constexpr char kName[] = "group.example.quillon.Quorvane.messageport";
 // Serves while it lives.
 class ServedPort {
 public:
-    ServedPort(const OpenPort& open, PortHandler handler, const std::string& name = kName)
-        : port_(open(name, std::move(handler))) {
+    ServedPort(const OpenPort& open, PortHandler handler) : port_(open(kName, std::move(handler))) {
         if (port_ != nullptr) thread_ = std::thread{[this] { port_->run(); }};
     }
     ~ServedPort() { stop(); }
-    bool isOpen() const { return port_ != nullptr; }
     void stop() {
         if (port_ == nullptr) return;
         port_->stop();
@@ -58,18 +55,6 @@ inline std::string textIn(const PortReply& reply) {
     return reply.body ? std::string{textOf(*reply.body)} : "nothing";
 }
 
-// Zeros, made in one go: filling a long Bytes takes seconds in a build that is checked.
-class LongBody {
-public:
-    explicit LongBody(std::size_t length)
-        : bytes_(std::make_unique<std::byte[]>(length)), length_(length) {}
-    ByteView view() const { return {bytes_.get(), length_}; }
-
-private:
-    std::unique_ptr<std::byte[]> bytes_;
-    std::size_t length_;
-};
-
 // A blocking socket that gives up after 20 s.
 class BareSocket {
 public:
@@ -77,10 +62,10 @@ public:
         const timeval limit{.tv_sec = 20, .tv_usec = 0};
         setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
     }
-    static BareSocket connectedTo(const std::filesystem::path& folder, const char* name = kName) {
+    static BareSocket connectedTo(const std::filesystem::path& folder) {
         BareSocket socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
         const auto open = PortFolder::open(folder, PortFolder::Purpose::look);
-        const auto address = open->address(name);
+        const auto address = open->address(kName);
         EXPECT_EQ(connect(socket.get(), address->get(), address->length), 0);
         return socket;
     }
@@ -118,8 +103,7 @@ private:
 // A program that listens under a port's name and does what the test wants with one client.
 class BareServer {
 public:
-    explicit BareServer(const std::filesystem::path& folder, int backlog = 8)
-        : listener_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    explicit BareServer(const std::filesystem::path& folder, int backlog = 8) {
         const auto open = PortFolder::open(folder, PortFolder::Purpose::serve);
         const auto address = open->address(kName);
         EXPECT_EQ(bind(listener_.get(), address->get(), address->length), 0);
@@ -128,7 +112,7 @@ public:
     BareSocket accept() const { return BareSocket{::accept(listener_.get(), nullptr, nullptr)}; }
 
 private:
-    FileDescriptor listener_;
+    const FileDescriptor listener_{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
 };
 
 inline Bytes frame(const FrameHeader& header, ByteView body = {}) {

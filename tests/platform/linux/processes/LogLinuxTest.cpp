@@ -1,6 +1,5 @@
 #include "platform/linux/processes/LogLinux.hpp"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -10,7 +9,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <regex>
 
 #include "tests/support/ForkedChild.hpp"
 #include "tests/support/TemporaryFolder.hpp"
@@ -50,31 +48,17 @@ TEST(LogLinuxTest, AFileTakesTheLinesOfSeveralPrograms) {
     logAll(LogOptions::fromEnvironment("one"));
     logAll(LogOptions::fromEnvironment("another"));
     setenv("QUORVANE_LOG", "relative", 1);
+    setenv("QUORVANE_LOG_PRIVATE", "yes", 1);
+    EXPECT_FALSE(LogOptions::fromEnvironment("test").showsPrivate);
     EXPECT_TRUE(LogOptions::fromEnvironment("test").file.empty());
     unsetenv("QUORVANE_LOG");
+    unsetenv("QUORVANE_LOG_PRIVATE");
     const std::string text = folder.read("log");
     EXPECT_EQ(std::ranges::count(text, '\n'), 10);
     EXPECT_EQ(text.find("secret"), std::string::npos);
-}
-
-TEST(LogLinuxTest, TheEnvironmentChooses) {
-    for (const char* shown : {"<private>", "secret"}) {
-        ForkedChild child{[&](const ForkedChild::Say&) {
-            setenv("QUORVANE_LOG", "stderr", 1);
-            setenv("QUORVANE_LOG_PRIVATE", shown[0] == 's' ? "1" : "yes", 1);
-            logAll(LogOptions::fromEnvironment("test"));
-            return 0;
-        }};
-        const std::regex stamp{"\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}Z "};
-        for (const std::string& expected :
-             {std::string{"app debug: debug "} + shown, std::string{"app info: info"},
-              std::string{"app default: standard"}, std::string{"app error: error"},
-              std::string{"app fault: fault\\nof two lines"}, std::string{}}) {
-            const std::string line = child.line();
-            EXPECT_EQ(std::regex_replace(line, stamp, ""), expected);
-            EXPECT_TRUE(line.empty() || std::regex_search(line, stamp));
-        }
-    }
+    for (const char* line : {"Z app debug: debug", "Z app info: info", "Z app default: standard",
+                             "Z app error: error", "Z app fault: fault\\nof two lines\n"})
+        EXPECT_NE(text.find(line), std::string::npos) << line;
 }
 
 // A journal of the test's own stands at the one place where programs look for it, which needs a
@@ -85,16 +69,13 @@ bool enterPrivateRun() {
         if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
         std::ofstream{"/proc/self/uid_map"} << mapping;
     }
-    if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return false;
-    if (mount("tmpfs", "/run", "tmpfs", 0, nullptr) != 0) return false;
-    return mkdir("/run/systemd", 0755) == 0 && mkdir("/run/systemd/journal", 0755) == 0;
+    return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("tmpfs", "/run", "tmpfs", 0, nullptr) == 0 && mkdir("/run/systemd", 0755) == 0 &&
+           mkdir("/run/systemd/journal", 0755) == 0;
 }
 
 int logToPrivateJournal(const ForkedChild::Say& say) {
-    if (!enterPrivateRun()) {
-        say("no namespace");
-        return 0;
-    }
+    if (!enterPrivateRun()) return 2;
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = "/run/systemd/journal/socket"};
     const int journal = socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (bind(journal, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return 1;
@@ -107,29 +88,19 @@ int logToPrivateJournal(const ForkedChild::Say& say) {
 
 TEST(LogLinuxTest, TheJournalGetsFields) {
     ForkedChild child{logToPrivateJournal};
-    std::vector<std::vector<std::string>> records(1);
-    bool isSupported = true;
-    for (auto line = child.line(); isSupported && !line.empty(); line = child.line()) {
-        isSupported = line != "no namespace";
-        if (line == "--")
-            records.emplace_back();
-        else
-            records.back().push_back(line);
-    }
-    if (!isSupported) GTEST_SKIP() << "this machine gives no file system view of one's own";
-    ASSERT_EQ(records.size(), 6u);
-    const auto record = [](const char* message, const char* priority) {
-        return std::vector<std::string>{message, priority, "SUBSYSTEM=subsystem", "CATEGORY=app",
-                                        "SYSLOG_IDENTIFIER=identifier"};
-    };
-    EXPECT_EQ(records[0], record("MESSAGE=debug <private>", "PRIORITY=7"));
-    EXPECT_EQ(records[1], record("MESSAGE=info", "PRIORITY=6"));
-    EXPECT_EQ(records[2], record("MESSAGE=standard", "PRIORITY=5"));
-    EXPECT_EQ(records[3], record("MESSAGE=error", "PRIORITY=3"));
+    std::string text;
+    for (auto line = child.line(); !line.empty(); line = child.line()) text += line + "\n";
+    if (WEXITSTATUS(child.wait()) == 2)
+        GTEST_SKIP() << "this machine gives no file system view of one's own";
+    const std::string fields =
+        "SUBSYSTEM=subsystem\nCATEGORY=app\nSYSLOG_IDENTIFIER=identifier\n--\n";
+    EXPECT_TRUE(text.starts_with(
+        "MESSAGE=debug <private>\nPRIORITY=7\n" + fields + "MESSAGE=info\nPRIORITY=6\n" + fields +
+        "MESSAGE=standard\nPRIORITY=5\n" + fields + "MESSAGE=error\nPRIORITY=3\n" + fields))
+        << text;
     // The journal's form for a value with a line end: its name alone, its size, its bytes.
-    EXPECT_EQ(records[4].front(), "MESSAGE");
-    EXPECT_TRUE(std::ranges::count(records[4], "of two lines"));
-    EXPECT_TRUE(std::ranges::count(records[4], "PRIORITY=2"));
+    EXPECT_NE(text.find("--\nMESSAGE\n"), std::string::npos) << text;
+    EXPECT_TRUE(text.ends_with("of two lines\nPRIORITY=2\n" + fields)) << text;
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
-// The raw pointer while another client holds it, as lockers do.
-#include "platform/linux/x11/RawPointer.hpp"
-
+// What the session tells of a real X server: the raw pointer while a locker holds it, the screens.
 #include "tests/platform/linux/lockers/LockFixture.hpp"
 
 namespace quorvane {
@@ -31,28 +29,13 @@ protected:
     std::vector<std::string> seen;
 };
 
-TEST_F(RawPointerEvents, ArriveDuringAnothersGrab) {
-    const Handle observation = record();
-    settle();
-    act([&] { client->movePointer(300, 400); });
-    EXPECT_TRUE(seen.empty()) << "moves without a button are nobody's business";
-    act([&] { client->button(1, true); });
-    act([&] { client->movePointer(320, 410); });
-    act([&] { client->button(1, false); });
-    act([&] { client->movePointer(500, 500); });
-    act([&] { client->button(3, true), client->button(3, false); });
-    EXPECT_EQ(seen, (Lines{"down 1 at {300, 400}", "moved at {320, 410}", "up 1 at {320, 410}",
-                           "down 3 at {500, 500}", "up 3 at {500, 500}"}));
-}
-
 TEST_F(RawPointerEvents, CountButtonsAsTheUsersHandDoes) {
     const Handle observation = record();
     settle();
     // Left-handed, and the fourth button switched off.
     const std::uint8_t map[] = {3, 2, 1, 0, 5, 6, 7, 8, 9, 10};
-    std::free(xcb_set_pointer_mapping_reply(
-        client->connection(), xcb_set_pointer_mapping(client->connection(), sizeof map, map),
-        nullptr));
+    xcbReply(xcb_set_pointer_mapping_reply, client->connection(),
+             xcb_set_pointer_mapping(client->connection(), sizeof map, map));
     act([&] {
         for (const unsigned button : {1u, 3u, 4u})
             client->button(button, true), client->button(button, false);
@@ -62,19 +45,17 @@ TEST_F(RawPointerEvents, CountButtonsAsTheUsersHandDoes) {
 }
 
 TEST_F(RawPointerEvents, AreSelectedOnlyAsFarAsTheyAreWanted) {
-    constexpr std::uint32_t kButtons = kRawPresses;
     constexpr std::uint32_t kMotion =
         XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_UPDATE;
     EXPECT_EQ(rawMask(), 0u);
     Handle first = record();
     Handle second = record();
-    EXPECT_EQ(rawMask(), kButtons);
+    EXPECT_EQ(rawMask(), kRawPresses);
     act([&] { client->button(1, true); });
-    EXPECT_EQ(rawMask(), kButtons | kMotion);
+    EXPECT_EQ(rawMask(), kRawPresses | kMotion);
     act([&] { client->button(1, false); });
-    EXPECT_EQ(rawMask(), kButtons);
     first.reset();
-    EXPECT_EQ(rawMask(), kButtons);
+    EXPECT_EQ(rawMask(), kRawPresses);
     // Dropped in the middle of a press.
     act([&] { client->button(1, true); });
     second.reset();
@@ -93,10 +74,9 @@ TEST_F(RawPointerEvents, AreSelectedOnlyAsFarAsTheyAreWanted) {
     const Handle third = record();
     seen.clear();
     act([&] { client->movePointer(70, 80); });
-    EXPECT_EQ(moves.back(), (Point{70, 80}));
     EXPECT_TRUE(seen.empty()) << "no button is down";
     moving.reset();
-    EXPECT_EQ(rawMask(), kButtons);
+    EXPECT_EQ(rawMask(), kRawPresses);
 }
 
 TEST_F(RawPointerEvents, MayEndTheirOwnObservation) {
@@ -109,6 +89,67 @@ TEST_F(RawPointerEvents, MayEndTheirOwnObservation) {
     settle();
     act([&] { client->button(1, true), client->button(1, false); });
     EXPECT_EQ(count, 1);
+}
+
+class ScreensLinux : public LockFixture {
+protected:
+    // Whether the loop comes to rest: nothing wakes it any more.
+    bool isQuiet() {
+        for (int turn = 0; turn < 100; ++turn)
+            if (sd_event_run(loop().event(), 0) == 0) return true;
+        return false;
+    }
+};
+
+TEST_F(ScreensLinux, FollowTheMonitors) {
+    watch();
+    int changes = 0;
+    const Screens screens = session->screens();
+    const Handle observation = screens.observeChanges([&] { ++changes; });
+
+    // Two steps: a monitor without an output, then one that takes the server's only output.
+    server.setMonitor("left", 800, 900, 0, 0);
+    server.setMonitor("right", 800, 700, 800, 0, true);
+    ASSERT_TRUE(runUntil(loop(), [&] { return changes > 0; }));
+    EXPECT_EQ(changes, 1);
+    // The primary one first, wherever it is; its bottom-left corner is the origin.
+    std::vector<Rect> frames;
+    for (const Screen& screen : screens.list()) frames.push_back(screen.frame);
+    EXPECT_EQ(frames, (std::vector<Rect>{{0, 0, 800, 700}, {-800, -200, 800, 900}}));
+    EXPECT_EQ(session->pixelFrame(screens.list()[1]), (Rect{0, 0, 800, 900}));
+}
+
+TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
+    client->setResources("Xft.dpi:\t144\n");
+    client->sync();
+    watch();
+    EXPECT_EQ(session->screens().list().front().scale, 1.5);
+    client->setResources("Xft.dpi:\t192\n");
+    standLocker();
+    settle();
+    EXPECT_TRUE(isQuiet()) << "a standing lock is no work";
+    const Screen screen = session->screens().list().front();
+    EXPECT_EQ(screen, (Screen{{0, 0, 800, 450}, 2, {{305, 130, 190, 190}}}));
+    EXPECT_EQ(session->pixelFrame(screen), kBothMonitors);
+}
+
+TEST_F(ScreensLinux, TakeTheDotsPerInchOfTheRootAsItIsNow) {
+    server.resizeRoot("800x900", "200x238");
+    watch();
+    server.resizeRoot("1600x900", "400x119");  // 192 dots per inch
+    standLocker();
+    settle();
+    EXPECT_EQ(zones(), (std::vector<Rect>{{609, 259, 382, 382}}));
+}
+
+TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {
+    PrivateXServer plain{"1024x768x24", {"-extension", "RANDR", "-extension", "XInputExtension"}};
+    auto opened = X11SessionLinux::open(loop(), plain.display(), [] {});
+    ASSERT_TRUE(opened) << opened.error().description;
+    EXPECT_EQ((*opened)->screens().list(), (std::vector<Screen>{{{0, 0, 1024, 768}, 1, {}}}));
+    // Nor are there raw events.
+    const Handle pointer = (*opened)->observePointer([](const RawPointerEvent&) {});
+    runOnce(loop());
 }
 
 }  // namespace
