@@ -77,7 +77,11 @@ protected:
         ASSERT_TRUE(addOn.says("lockui: shown")) << addOn.log();
         ASSERT_TRUE(LockSession::isDrawnOn(probe, {800, 120, 320, 160}));
         switchCard("enable");
-        card = LockSession::nextCard(addOn);
+        const std::string line = addOn.next(" on screen ");
+        const std::size_t at = line.find(" at {{");
+        ASSERT_NE(at, line.npos) << addOn.log();
+        std::sscanf(line.c_str() + at, " at {{%lf, %lf}, {%lf, %lf}}", &card.frame.x, &card.frame.y,
+                    &card.frame.width, &card.frame.height);
         ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
         EXPECT_TRUE(eventually([&] { return isCardSeen(); })) << addOn.log();
     }

@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <map>
 
-#include "QuorvaneKit/json/UTF8.hpp"
+#include "platform/Character.hpp"
 #include "tests/macos_runtime/fakes/Fakes.hpp"
 
 @implementation NSString {
