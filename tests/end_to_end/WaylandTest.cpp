@@ -82,19 +82,9 @@ protected:
         ASSERT_NE(at, line.npos) << addOn.log();
         std::sscanf(line.c_str() + at, " at {{%lf, %lf}, {%lf, %lf}}", &card.frame.x, &card.frame.y,
                     &card.frame.width, &card.frame.height);
+        card.frame.y = -card.frame.maxY();  // in the log it grows upward
         ASSERT_TRUE(addOn.says("entrance: window")) << addOn.log();
         EXPECT_TRUE(eventually([&] { return isCardSeen(); })) << addOn.log();
-    }
-    // The frame that the add-on logs for the next card, with y growing downward.
-    Rect nextFrame() {
-        const std::string line = addOn.next(" on screen ");
-        const std::size_t at = line.find(" at {{");
-        Rect frame;
-        if (at == std::string::npos) return frame;
-        std::sscanf(line.c_str() + at, " at {{%lf, %lf}, {%lf, %lf}}", &frame.x, &frame.y,
-                    &frame.width, &frame.height);
-        frame.y = -frame.maxY();
-        return frame;
     }
     void xdotool(std::vector<std::string> words) {
         words.insert(words.begin(), "xdotool");
