@@ -8,7 +8,7 @@
 namespace quorvane {
 namespace {
 
-constexpr int kRestarts = 3;  // during one lock
+constexpr int kRestarts = 10;  // during one lock
 constexpr Duration kRestartDelay = std::chrono::seconds{1};
 
 Rect rectOf(const PixelRect& rect) {

@@ -18,7 +18,7 @@ inline constexpr int kSurfaceSocket = 3;
 // While a surface exists, the add-on sends a message at least this often. Without one for as long
 // as the limit, the process ends, and its surfaces with it.
 inline constexpr std::chrono::milliseconds kBeat{500};
-inline constexpr std::chrono::milliseconds kBeatLimit{1500};
+inline constexpr std::chrono::milliseconds kBeatLimit{1800};
 // Each surface has this many pictures in its memory, one after the other.
 inline constexpr std::uint32_t kPictures = 2;
 
