@@ -69,6 +69,7 @@ void MessagePortClient::connect() {
     ++portAttempts_;
     if (localResponder_) return;
     // First, because on macOS both ports of one name would be the same object.
+    const std::uint64_t mine = ++connection_;
     remotePort_.reset();
     auto port = services_.connectPort(portBaseName_);
     if (port == nullptr) {
@@ -77,7 +78,6 @@ void MessagePortClient::connect() {
         return;
     }
     const auto life = life_.watch();
-    const std::uint64_t mine = ++connection_;
     remotePort_ = std::move(port);
     isConnected_.set(true);
     if (life.isOver()) return;

@@ -128,7 +128,7 @@ private:
     std::int64_t portAttempts_ = 0;
 
     std::unique_ptr<RemotePort> remotePort_;
-    std::uint64_t connection_ = 0;  // +1 for each port held or dropped
+    std::uint64_t connection_ = 0;  // +1 whenever the port changes
     bool isStopped_ = false;        // since the last start
     bool isRequesting_ = false;
     bool requestsAgain_ = false;  // requested during another request

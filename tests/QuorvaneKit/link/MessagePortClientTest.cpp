@@ -175,6 +175,16 @@ TEST_F(MessagePortClientTest, ADisconnectInsideARequestEndsItQuietly) {
     client->connect();  // not held up by the request that was cut short
     EXPECT_EQ(calls, 1);
 
+    ports.duringSend = [&] {  // so does a connection that fails
+        mainPort.reset();
+        client->connect();
+    };
+    log.take();
+    client->requestStateUpdate();
+    EXPECT_FALSE(client->isConnected().get());
+    EXPECT_EQ(log.take(), Lines{"Message port not available"});
+
+    serveMain();
     ports.duringSend = [&] { client->stop(); };
     client->start();
     EXPECT_FALSE(client->isConnected().get());
