@@ -41,8 +41,8 @@ public:
              "XDG_RUNTIME_DIR=" + folder_.path().string(),
              "XDG_CONFIG_HOME=" + (folder_ / "config").string(),
              "XDG_DATA_HOME=" + (folder_ / "data").string(),
-             "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent", "QUORVANE_LOG=stderr",
-             "LC_ALL=C.UTF-8"}};
+             // No services, but a bus: the add-on retries a missing one.
+             "DBUS_SYSTEM_BUS_ADDRESS=" + bus_.address(), "QUORVANE_LOG=stderr", "LC_ALL=C.UTF-8"}};
     }
     // Returns when the add-on watches the lock and has a state.
     LoggedProcess startAddOn() const {
