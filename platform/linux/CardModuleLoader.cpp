@@ -4,10 +4,16 @@
 
 #include <utility>
 
+#include "platform/linux/services/HeadlessPlatform.hpp"
+
 namespace quorvane {
 
-CardModuleLoader::CardModuleLoader(std::filesystem::path file, Logger log, Entry entry)
-    : file_(std::move(file)), log_(std::move(log)), entry_(std::move(entry)) {}
+CardModuleLoader::CardModuleLoader(std::filesystem::path file, CardModuleServices services,
+                                   Entry entry)
+    : file_(std::move(file)),
+      services_(std::move(services)),
+      log_(services_.log, kPlatformSubsystem, "card"),
+      entry_(std::move(entry)) {}
 
 const CardWindows* CardModuleLoader::loaded() {
     if (windows_) return &*windows_;
@@ -19,7 +25,7 @@ const CardWindows* CardModuleLoader::loaded() {
                    reason ? reason : "its entry is missing");
         return nullptr;
     }
-    windows_ = entry_.makeWindows(symbol);
+    windows_ = entry_.call(symbol, services_);
     return &*windows_;
 }
 

@@ -5,8 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "drawing/CardWindows.hpp"
-#include "platform/Log.hpp"
+#include "platform/linux/card/CardModule.hpp"
 
 namespace quorvane {
 
@@ -14,13 +13,21 @@ namespace quorvane {
 // there are no windows.
 class CardModuleLoader {
 public:
-    // Calls the module's entry, which it finds by its name.
+    // The module's function for one session.
     struct Entry {
         const char* symbol;
-        std::function<CardWindows(void* entry)> makeWindows;
+        std::function<CardWindows(void* function, const CardModuleServices& services)> call;
+
+        template <typename Session>
+        static Entry of(const char* symbol, Session& session) {
+            return {symbol, [&session](void* function, const CardModuleServices& services) {
+                        return reinterpret_cast<MakeCardWindows<Session>>(function)(services,
+                                                                                    session);
+                    }};
+        }
     };
 
-    CardModuleLoader(std::filesystem::path file, Logger log, Entry entry);
+    CardModuleLoader(std::filesystem::path file, CardModuleServices services, Entry entry);
 
     // `reducesMotion` stays empty. The table refers to this loader.
     CardWindows windows();
@@ -29,6 +36,7 @@ private:
     const CardWindows* loaded();
 
     std::filesystem::path file_;
+    CardModuleServices services_;
     Logger log_;
     Entry entry_;
     std::optional<CardWindows> windows_;

@@ -11,7 +11,6 @@
 #include "platform/linux/CardModuleLoader.hpp"
 #include "platform/linux/accessibility/AccessibilityLinux.hpp"
 #include "platform/linux/bus/MotionSetting.hpp"
-#include "platform/linux/card/CardModule.hpp"
 #include "platform/linux/files/Environment.hpp"
 #include "platform/linux/language/Translations.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
@@ -22,7 +21,6 @@
 #include "platform/linux/services/HeadlessPlatform.hpp"
 #include "platform/linux/services/SessionProblemsLinux.hpp"
 #include "platform/linux/wayland/WaylandSessionLinux.hpp"
-#include "platform/linux/wayland/card/WaylandCardModule.hpp"
 #include "platform/linux/x11/ToolkitSettings.hpp"
 
 namespace quorvane {
@@ -44,7 +42,7 @@ struct Display {
     LockerSight sight{};
     std::function<std::optional<std::int32_t>()> toolkitAnimates;
     std::function<void(bool isLocked)> lockChanged;
-    std::function<CardModuleLoader::Entry(AccessibleCards&)> entry;
+    CardModuleLoader::Entry entry;
     Network network;
     std::shared_ptr<void> session;  // the others refer to it
 };
@@ -58,8 +56,13 @@ struct DisplayPlatform {
           accessibility(HeadlessPlatform::of(services).loop,
                         HeadlessPlatform::of(services).sessionBus,
                         {services.log, kPlatformSubsystem, "accessibility"}),
-          cards(besideExecutable(kCardModuleFile), {services.log, kPlatformSubsystem, "card"},
-                display.entry(accessibility)),
+          cards(besideExecutable(kCardModuleFile),
+                {.clock = services.clock,
+                 .mainThread = services.mainThread,
+                 .log = services.log,
+                 .makeSerialQueue = services.makeSerialQueue,
+                 .accessibility = &accessibility},
+                display.entry),
           lockObservation(watcher.observeLock([this](bool isLocked) {
               if (isLocked) motion.refresh();
               display.lockChanged(isLocked);
@@ -91,19 +94,7 @@ Result<Display> openX11(const LiveServices& services) {
                       }},
         .toolkitAnimates = [&x = *x11] { return toolkitSetting(x, "Gtk/EnableAnimations"); },
         .lockChanged = [](bool) {},
-        .entry =
-            [&x = *x11, services](AccessibleCards& accessibility) {
-                return CardModuleLoader::Entry{
-                    kMakeCardWindowsSymbol,
-                    [made = CardModuleServices{.x11 = x,
-                                               .clock = services.clock,
-                                               .mainThread = services.mainThread,
-                                               .log = services.log,
-                                               .makeSerialQueue = services.makeSerialQueue,
-                                               .accessibility = &accessibility}](void* entry) {
-                        return reinterpret_cast<MakeCardWindows>(entry)(made);
-                    }};
-            },
+        .entry = CardModuleLoader::Entry::of<X11Session>(kMakeX11CardWindows, *x11),
         .network = networkForDisplay(environmentVariable("DISPLAY")),
         .session = x11};
 }
@@ -119,19 +110,7 @@ Display openWayland(const LiveServices& services) {
     return {.screens = wayland->screens(),
             .toolkitAnimates = [] { return std::nullopt; },
             .lockChanged = [&w = *wayland](bool isLocked) { w.setLocked(isLocked); },
-            .entry =
-                [&w = *wayland, services](AccessibleCards& accessibility) {
-                    return CardModuleLoader::Entry{
-                        kMakeWaylandCardWindowsSymbol,
-                        [made = WaylandCardServices{.session = w,
-                                                    .clock = services.clock,
-                                                    .mainThread = services.mainThread,
-                                                    .log = services.log,
-                                                    .makeSerialQueue = services.makeSerialQueue,
-                                                    .accessibility = &accessibility}](void* entry) {
-                            return reinterpret_cast<MakeWaylandCardWindows>(entry)(made);
-                        }};
-                },
+            .entry = CardModuleLoader::Entry::of<WaylandSession>(kMakeWaylandCardWindows, *wayland),
             .network = Network::isForbidden,
             .session = wayland};
 }

@@ -8,12 +8,10 @@
 #include "platform/MainThread.hpp"
 #include "platform/SerialQueue.hpp"
 #include "platform/linux/accessibility/AccessibleCard.hpp"
-#include "platform/linux/x11/X11Session.hpp"
 
 namespace quorvane {
 
 struct CardModuleServices {
-    X11Session& x11;
     Clock clock;
     MainThread mainThread;
     LogSink log;
@@ -21,10 +19,12 @@ struct CardModuleServices {
     AccessibleCards* accessibility = nullptr;  // notified of the cards that are visible
 };
 
-// The module's one exported function, under the name below. It fills `makeWindow`, `makeStage` and
-// `measureText`.
-using MakeCardWindows = CardWindows (*)(const CardModuleServices&);
-inline constexpr char kMakeCardWindowsSymbol[] = "quorvaneMakeCardWindows";
+// The module exports one such function for each kind of session, under the names below. It fills
+// `makeWindow`, `makeStage` and `measureText`.
+template <typename Session>
+using MakeCardWindows = CardWindows (*)(const CardModuleServices& services, Session& session);
+inline constexpr char kMakeX11CardWindows[] = "quorvaneMakeX11CardWindows";
+inline constexpr char kMakeWaylandCardWindows[] = "quorvaneMakeWaylandCardWindows";
 inline constexpr char kCardModuleFile[] = "quorvane-card.so";  // beside the executable
 
 }  // namespace quorvane

@@ -1,31 +1,52 @@
 #include "platform/linux/card/CardWindowLinux.hpp"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "platform/Seconds.hpp"
+#include "platform/linux/drawing/TextLayoutCache.hpp"
 
 namespace quorvane {
+namespace {
 
-std::shared_ptr<CardResources> CardResources::make(const Clock& clock, const MainThread& mainThread,
-                                                   const LogSink& log,
-                                                   const MakeSerialQueue& makeSerialQueue,
-                                                   AccessibleCards* accessibility) {
-    std::shared_ptr<CardResources> resources{
-        new CardResources{.clock = clock,
-                          .mainThread = mainThread,
-                          .log = Logger{log, "example.quillon.Quorvane.Platform", "windows"},
-                          .accessibility = accessibility}};
-    if (!makeSerialQueue) {
+// Window pictures are megabytes each and live as long as a card or a movement. By default the C
+// library would soon allocate them from its heap, where the hole each leaves stays resident.
+void giveLargeBlocksBack() {
+    constexpr int kLarge = 256 * 1024;
+    mallopt(M_MMAP_THRESHOLD, kLarge);
+}
+
+}  // namespace
+
+std::shared_ptr<CardResources> CardResources::make(const CardModuleServices& services) {
+    std::shared_ptr<CardResources> resources{new CardResources{
+        .clock = services.clock,
+        .mainThread = services.mainThread,
+        .log = Logger{services.log, "example.quillon.Quorvane.Platform", "windows"},
+        .accessibility = services.accessibility}};
+    if (!services.makeSerialQueue) {
         resources->pictures = std::make_shared<PictureCache>();
         return resources;
     }
     resources->pictures = std::make_shared<PictureCache>(
-        makeSerialQueue("example.quillon.Quorvane.LockScreenAddOn.pictures"), mainThread,
-        [weak = std::weak_ptr{resources}] {
+        services.makeSerialQueue("example.quillon.Quorvane.LockScreenAddOn.pictures"),
+        services.mainThread, [weak = std::weak_ptr{resources}] {
             if (const auto held = weak.lock()) held->picturesArrived.call();
         });
     return resources;
+}
+
+CardWindows makeCardWindows(decltype(CardWindows::makeWindow) makeWindow) {
+    giveLargeBlocksBack();
+    CardWindows windows;
+    windows.makeWindow = std::move(makeWindow);
+    windows.makeStage = [](const CardStyle& style) {
+        return std::make_shared<CardStageLinux>(style);
+    };
+    windows.measureText = makeMeasureText();
+    return windows;
 }
 
 CardWindowLinux::CardWindowLinux(std::shared_ptr<CardResources> resources,
@@ -56,8 +77,7 @@ void CardWindowLinux::orderOut() {
 }
 
 void CardWindowLinux::close() {
-    orderOut();
-    endFade();
+    vanish();
     if (stage_) stage_->setHost(nullptr);
     stage_.reset();
 }

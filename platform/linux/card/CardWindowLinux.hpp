@@ -7,13 +7,9 @@
 #include <vector>
 
 #include "drawing/CardWindows.hpp"
-#include "platform/Clock.hpp"
 #include "platform/LifeToken.hpp"
 #include "platform/Listeners.hpp"
-#include "platform/Log.hpp"
-#include "platform/MainThread.hpp"
-#include "platform/SerialQueue.hpp"
-#include "platform/linux/accessibility/AccessibleCard.hpp"
+#include "platform/linux/card/CardModule.hpp"
 #include "platform/linux/card/CardStageLinux.hpp"
 #include "platform/linux/drawing/PictureCache.hpp"
 
@@ -28,12 +24,11 @@ struct CardResources {
     std::shared_ptr<PictureCache> pictures{};  // shared with the canvases
     Listeners<> picturesArrived{};
 
-    // Pictures are decoded synchronously without `makeSerialQueue`.
-    static std::shared_ptr<CardResources> make(const Clock& clock, const MainThread& mainThread,
-                                               const LogSink& log,
-                                               const MakeSerialQueue& makeSerialQueue,
-                                               AccessibleCards* accessibility);
+    static std::shared_ptr<CardResources> make(const CardModuleServices& services);
 };
+
+// The module's table with these windows.
+CardWindows makeCardWindows(decltype(CardWindows::makeWindow) makeWindow);
 
 // Main thread only. The destructors of the kinds call `close`.
 class CardWindowLinux : public CardSystemWindow, protected StageHost, private AccessibleCard {
@@ -49,6 +44,8 @@ public:
     void setMouseDownObserver(std::function<void(Point)> observer) override;
 
 protected:
+    static constexpr unsigned long kOcclusionVisible = 2;
+
     struct Fade {
         double from;
         double to;

@@ -7,7 +7,6 @@ namespace quorvane {
 namespace {
 
 constexpr Duration kFrame = std::chrono::nanoseconds{1'000'000'000 / 60};
-constexpr unsigned long kOcclusionVisible = 2;
 // The time a locker gets to repaint the area that a moving card has uncovered.
 constexpr Duration kRepaintTime = std::chrono::milliseconds{150};
 

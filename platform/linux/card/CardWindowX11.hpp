@@ -8,6 +8,7 @@
 #include "platform/linux/card/CardPointer.hpp"
 #include "platform/linux/card/CardWindowLinux.hpp"
 #include "platform/linux/card/CardXWindow.hpp"
+#include "platform/linux/x11/X11Session.hpp"
 
 namespace quorvane {
 

@@ -7,7 +7,6 @@
 #include <sstream>
 
 #include "platform/linux/CardModuleLoader.hpp"
-#include "platform/linux/card/CardModule.hpp"
 #include "platform/linux/lockers/X11SessionLinux.hpp"
 #include "tests/support/PrivateXServer.hpp"
 #include "tests/support/RecordingLog.hpp"
@@ -93,11 +92,8 @@ TEST_F(LivePlatformTest, LeavesTheDrawingLibrariesAloneUntilTheFirstWindow) {
     ASSERT_TRUE(session);
     CardModuleLoader loader{
         QUORVANE_CARD_MODULE,
-        Logger{log.sink(), "", "card"},
-        {kMakeCardWindowsSymbol, [&](void* entry) {
-             return reinterpret_cast<MakeCardWindows>(entry)(
-                 {**session, loop.clock(), loop.mainThread(), log.sink(), nullptr});
-         }}};
+        {.clock = loop.clock(), .mainThread = loop.mainThread(), .log = log.sink()},
+        CardModuleLoader::Entry::of<X11Session>(kMakeX11CardWindows, **session)};
     const CardWindows windows = loader.windows();
     EXPECT_FALSE(hasLoaded("libcairo.so") || hasLoaded("libpango-1.0.so"));
     EXPECT_TRUE(windows.makeStage({.card = {400, 222}}));

@@ -23,7 +23,7 @@ public:
     ~CardWindowWayland() override;
 
     long number() const override { return number_; }
-    unsigned long occlusionState() const override { return shown_ ? 2 : 0; }
+    unsigned long occlusionState() const override { return shown_ ? kOcclusionVisible : 0; }
     void setIgnoresMouseEvents(bool ignores) override;
     void setFrame(const Rect& frame, const Screen& screen) override;
 

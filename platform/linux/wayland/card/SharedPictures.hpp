@@ -25,8 +25,8 @@ public:
 
     int memory() const { return memory_.get(); }
     PixelRect bounds() const { return {0, 0, width_, height_}; }
-    // A picture that nobody reads, with the content of the one shown last; nullopt while there is
-    // none.
+    // A picture that the compositor does not read, with the content of the one shown last; nullopt
+    // while there is none.
     std::optional<std::uint32_t> next();
     cairo_surface_t* surface(std::uint32_t picture) const {
         return pictures_[picture].surface.get();

@@ -8,7 +8,8 @@
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/Screenshot.hpp"
 
-extern "C" quorvane::CardWindows quorvaneMakeCardWindows(const quorvane::CardModuleServices&);
+extern "C" quorvane::CardWindows quorvaneMakeX11CardWindows(const quorvane::CardModuleServices&,
+                                                            quorvane::X11Session&);
 
 namespace quorvane {
 
@@ -44,10 +45,9 @@ protected:
     }
     void open() {
         watch();
-        windows = quorvaneMakeCardWindows({.x11 = *session,
-                                           .clock = clock.clock(),
-                                           .mainThread = mainThread.mainThread(),
-                                           .log = log.sink()});
+        windows = quorvaneMakeX11CardWindows(
+            {.clock = clock.clock(), .mainThread = mainThread.mainThread(), .log = log.sink()},
+            *session);
         settle();
     }
     void setBackground(xcb_window_t place, std::uint32_t color) {

@@ -68,7 +68,7 @@ protected:
     std::optional<TestCompositor> compositor{std::in_place, loop};
     WaylandSessionLinux session{loop, SURFACE_PROGRAM, Logger{log.sink(), "", "wayland"}};
     std::shared_ptr<CardResources> resources =
-        CardResources::make(loop.clock(), loop.mainThread(), log.sink(), nullptr, nullptr);
+        CardResources::make({loop.clock(), loop.mainThread(), log.sink()});
     std::shared_ptr<CardStageLinux> stage = std::make_shared<CardStageLinux>(kStyle);
     std::vector<PointerEvent> presses;
     std::unique_ptr<CardWindowWayland> window;
