@@ -1,5 +1,5 @@
 // Names that the add-on and the installer share: distributed notices with their payload, the
-// add-on's command line, and keys of its own defaults.
+// add-on's command line, and keys of the add-on's defaults.
 #pragma once
 
 #include <optional>

@@ -16,8 +16,8 @@ double darkTintOpacity();
 GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double textBottom,
                        double scale);
 
-// The glass where nobody can read what is behind it: a dark tint that lets some of it through, with
-// light from above. The card's faintest text has a contrast of at least 4.5 over any picture.
+// The glass over a picture that cannot be read: a dark tint that lets some of the picture through,
+// with light from above. The card's faintest text has a contrast of at least 4.5 over any picture.
 // `picture` is the size of the chrome in pixels.
 GlassPicture makeTintedGlass(const PixelRect& picture, const PixelRect& card, double scale);
 

@@ -188,19 +188,17 @@ void AddOnCommands::uninstall(const AddOnInstallation& place) {
     if (place.state != State::installed) {
         const auto removed = services_.fileManager.removeItem(place.supportDirectory);
         if (!removed && !isGone())
-            return end(
-                std::unexpected{"some files could not be removed: " + removed.error().description});
+            return fail("some files could not be removed: " + removed.error().description);
         finishRemoval();
         return end("Removed the rest of an incomplete installation.\n");
     }
     if (const auto failure = start(place, {AddOnSignals::kUninstallArgument}))
-        return end(
-            std::unexpected{"the add-on could not be started to remove itself: " + *failure});
+        return fail("the add-on could not be started to remove itself: " + *failure);
     control_.awaitRemoval(isGone, [this, place](bool isRemoved) {
         if (!isRemoved)
-            return end(
-                std::unexpected{"the add-on has not removed itself (see its log); a running "
-                                "host tries again when the add-on next connects"});
+            return fail(
+                "the add-on has not removed itself (see its log); a running host tries again when "
+                "the add-on next connects");
         finishRemoval();
         end("Removed the add-on, its login item and its settings.\n");
     });

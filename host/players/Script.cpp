@@ -37,7 +37,7 @@ private:
     std::filesystem::path folder_;
     const RegularFiles& files_;
     std::map<std::string, SharedBytes> artwork_;  // by name, so that tracks share one picture
-    std::string complaint_;                       // the first; "" when there is none
+    std::string complaint_;                       // the first; empty without one
 };
 
 std::optional<SharedBytes> Reader::artwork(JSONFields& fields) {

@@ -1,12 +1,10 @@
 #include "platform/linux/bus/BusConnection.hpp"
 
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <utility>
 
+#include "platform/linux/files/OwnPeer.hpp"
 #include "platform/linux/files/PosixError.hpp"
 
 namespace quorvane {
@@ -16,17 +14,9 @@ constexpr Duration kLastRetryDelay = std::chrono::seconds{512};
 
 // A bus's owner can read and forge every notice. An address that is inherited by mistake, for
 // example through `sudo`, leads to another user's bus.
-bool runsAsThisUser(sd_bus* bus) {
-    ucred peer{};
-    socklen_t size = sizeof peer;
-    const int descriptor = sd_bus_get_fd(bus);
-    return descriptor >= 0 && getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
-           peer.uid == geteuid();
-}
-
 int openSessionBus(sd_bus** bus) {
     const int result = sd_bus_open_user(bus);
-    if (result < 0 || runsAsThisUser(*bus)) return result;
+    if (result < 0 || ownPeer(sd_bus_get_fd(*bus))) return result;
     *bus = sd_bus_close_unref(*bus);
     return -EPERM;
 }

@@ -10,6 +10,8 @@
 #include <limits>
 #include <map>
 
+#include "platform/linux/files/OwnPeer.hpp"
+
 namespace quorvane {
 namespace {
 

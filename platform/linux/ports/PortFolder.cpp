@@ -65,12 +65,4 @@ void PortFolder::protect(const std::string& name) const {
     fchmodat(descriptor_.get(), name.c_str(), kOwnFile, 0);
 }
 
-std::optional<pid_t> ownPeer(int socket) {
-    ucred peer{};
-    socklen_t length = sizeof peer;
-    if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) != 0 || peer.uid != geteuid())
-        return std::nullopt;
-    return peer.pid;
-}
-
 }  // namespace quorvane

@@ -47,7 +47,4 @@ private:
     FileDescriptor descriptor_;
 };
 
-// The process at the other end; nullopt when it runs as another user.
-std::optional<pid_t> ownPeer(int socket);
-
 }  // namespace quorvane

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/linux/files/OwnPeer.hpp"
+
 namespace quorvane {
 namespace {
 

@@ -72,11 +72,18 @@ std::string permissionText(const std::filesystem::path& program) {
            "\nNoDisplay=true\nX-KDE-Wayland-Interfaces=kde_lockscreen_overlay_v1\n";
 }
 
-std::optional<std::filesystem::path> permissionFile(const ProcessInfo& process) {
+// The name of both desktop files.
+std::optional<std::string> entryName(const ProcessInfo& process) {
     const auto* identifier = find<std::string>(process.bundleProperties, "CFBundleIdentifier");
+    if (identifier == nullptr || !isPlainFileName(*identifier)) return std::nullopt;
+    return *identifier + ".desktop";
+}
+
+std::optional<std::filesystem::path> permissionFile(const ProcessInfo& process) {
+    const auto name = entryName(process);
     const auto folder = dataFolder();
-    if (identifier == nullptr || !isPlainFileName(*identifier) || !folder) return std::nullopt;
-    return *folder / "applications" / (*identifier + ".desktop");
+    if (!name || !folder) return std::nullopt;
+    return *folder / "applications" / *name;
 }
 
 Result<void> writeEntry(const std::filesystem::path& file, const std::string& text) {
@@ -115,10 +122,10 @@ struct LoginItem {
 
 std::optional<LoginItem> loginItemOf(const std::filesystem::path& folder,
                                      const ProcessInfo& process) {
-    const auto* identifier = find<std::string>(process.bundleProperties, "CFBundleIdentifier");
+    const auto name = entryName(process);
     const auto executable = executableOfBundle(process.bundle, process.bundleProperties);
-    if (identifier == nullptr || !isPlainFileName(*identifier) || !executable) return std::nullopt;
-    return LoginItem{folder / (*identifier + ".desktop"), *executable, permissionFile(process)};
+    if (!name || !executable) return std::nullopt;
+    return LoginItem{folder / *name, *executable, permissionFile(process)};
 }
 
 LoginItemClient noLoginItem() {

@@ -64,7 +64,6 @@ SurfaceProcess::SurfaceProcess(EventLoop& loop, pid_t pid, MessageSocket socket,
       watch_(loop.watch(socket_.descriptor(), EPOLLIN, [this](std::uint32_t) { receive(); })) {}
 
 SurfaceProcess::~SurfaceProcess() {
-    *isHere_ = false;
     watch_.reset();
     kill(pid_, SIGKILL);
     while (waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
@@ -76,8 +75,8 @@ void SurfaceProcess::send(const ToSurface& message, int file) {
 }
 
 void SurfaceProcess::receive() {
-    const auto isHere = isHere_;
-    while (*isHere) {
+    const auto life = life_.watch();
+    while (!life.isOver()) {
         FromSurface message;
         switch (socket_.receive(message)) {
             case MessageSocket::Received::nothing: return;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 
+#include "platform/LifeToken.hpp"
 #include "platform/PlatformError.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
 #include "platform/linux/wayland/messages/MessageSocket.hpp"
@@ -40,8 +41,7 @@ private:
     MessageSocket socket_;
     Events events_;
     Handle watch_;
-    // Tells `receive` that a handler has destroyed this object.
-    std::shared_ptr<bool> isHere_ = std::make_shared<bool>(true);
+    LifeToken life_;
 };
 
 }  // namespace quorvane

@@ -9,8 +9,7 @@
 
 namespace quorvane {
 
-// `liftAboveLock` does nothing, because the core lifts windows through the window server's private
-// interface.
+// The core lifts the windows through the window server's private interface.
 CardWindows makeCardWindowsMacOS(const Clock& clock);
 // The system's loader, for that interface.
 DynamicLoader makeDynamicLoaderMacOS();

@@ -36,16 +36,9 @@ struct PixelRects {
             if (result.count < kMost)
                 result.rects[result.count++] = rect;
             else
-                result.include(rect);
+                result.rects.back() = result.rects.back().united(rect);
         }
         return result;
-    }
-    void include(const PixelRect& rect) {
-        PixelRect& last = rects[kMost - 1];
-        const int left = std::min(last.x, rect.x);
-        const int top = std::min(last.y, rect.y);
-        last = {left, top, std::max(last.maxX(), rect.maxX()) - left,
-                std::max(last.maxY(), rect.maxY()) - top};
     }
     std::span<const PixelRect> list() const {
         return std::span{rects}.first(std::min<std::size_t>(count, kMost));
@@ -74,7 +67,7 @@ struct FromSurface {
     enum class Kind : std::uint32_t {
         output,  // a new one, or one that has changed
         outputGone,
-        ready,     // all outputs of the start are told
+        ready,     // follows the messages for all outputs of the start
         frame,     // it is time to draw the next picture
         released,  // `picture` is no longer read
         pressed,

@@ -15,7 +15,7 @@ namespace {
 
 // The newest versions whose events are handled here.
 constexpr std::uint32_t kCompositor = 4;  // damage in the picture's pixels
-constexpr std::uint32_t kOutput = 3;      // the scale, and when all is told
+constexpr std::uint32_t kOutput = 3;      // the scale, and the end of a change's events
 constexpr std::uint32_t kOutputManager = 3;
 constexpr std::uint32_t kSeat = 3;  // the pointer's release
 
