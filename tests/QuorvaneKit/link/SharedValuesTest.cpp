@@ -200,8 +200,9 @@ TEST(MessagePortSecret, TheFirstWriterWinsAndEveryFailureIsLogged) {
     EXPECT_FALSE(MessagePortSecret::read(store.table()));
     EXPECT_EQ(make(), own);
     EXPECT_EQ(MessagePortSecret::read(store.table()), own);
-    store.files[kFile] = Bytes(33);  // judged where it is used
-    EXPECT_EQ(MessagePortSecret::read(store.table()), Bytes(33));
+    const Bytes tooLong(33, std::byte{1});  // judged where it is used
+    store.files[kFile] = tooLong;
+    EXPECT_EQ(MessagePortSecret::read(store.table()), tooLong);
     EXPECT_EQ(make(), own) << "a secret that no client can use is replaced";
     store.files.clear();
     store.beforeWrite = [&] { store.files[kFile] = other; };
