@@ -29,12 +29,16 @@ void drawPointer(cairo_t* cairo, Point tip, double scale, double alpha) {
     cairo_fill(cairo);
 }
 
-void paint(cairo_t* cairo, const Pixels& pixels, cairo_operator_t how = CAIRO_OPERATOR_SOURCE) {
+// An empty picture is a transparent one. Blends the target with it by this share of the picture.
+void paint(cairo_t* cairo, const Pixels& pixels, double share = 1) {
     const CairoState state{cairo};
     const CairoSurface surface = surfaceOver(pixels);
-    cairo_set_operator(cairo, how);
-    cairo_set_source_surface(cairo, surface.get(), 0, 0);
-    cairo_paint(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_SOURCE);
+    if (pixels.isEmpty())
+        cairo_set_source_rgba(cairo, 0, 0, 0, 0);
+    else
+        cairo_set_source_surface(cairo, surface.get(), 0, 0);
+    cairo_paint_with_alpha(cairo, share);
 }
 
 // Copies a part's rows to their place where they differ, from the first such row to the last.
@@ -67,35 +71,40 @@ Rect pointerArea(Point tip) {
 
 void CardPainter::setBackdrop(Pixels backdrop) {
     backdrop_ = std::move(backdrop);
-    isClear_ = false;
+    bounds_ = backdrop_.bounds();
     chrome_ = ground_ = moving_ = {};
 }
 
 void CardPainter::setClear(int width, int height) {
-    setBackdrop({width, height});
-    isClear_ = true;
+    setBackdrop({});
+    bounds_ = {0, 0, width, height};
 }
 
 bool CardPainter::makeChrome() {
     if (!chrome_.isEmpty() || !ground_.isEmpty()) return false;
-    chrome_ = isClear_ ? makeTintedCardChrome(backdrop_.width, backdrop_.height, style_, scale_)
-                       : makeCardChrome(backdrop_, style_, scale_);
+    chrome_ = backdrop_.isEmpty()
+                  ? makeTintedCardChrome(bounds_.width, bounds_.height, style_, scale_)
+                  : makeCardChrome(backdrop_, style_, scale_);
     return true;
 }
 
 PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
     return pixelsTouchedBy(
                scaledBy(cardArea.movedBy(style_.shadowMargin, style_.shadowMargin), scale_))
-        .intersection(backdrop_.bounds());
+        .intersection(bounds_);
 }
 
 void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
     part_ = {};
     const CairoContext context{cairo_create(target)};
-    if (look.isResting()) {
+    // The first frame of an entrance shows no card yet, so it does not wait for the glass.
+    if (look.alpha <= 0) return paint(context.get(), backdrop_);
+    if (look.transform == Transform::identity()) {
         paint(context.get(), ground());
         drawScene(context.get(), look.scene);
+        if (look.alpha < 1) paint(context.get(), backdrop_, 1 - look.alpha);
     } else {
+        paint(context.get(), backdrop_);
         drawMoving(context.get(), look);
     }
     if (look.pointer) drawPointer(context.get(), *look.pointer, scale_, look.alpha);
@@ -122,9 +131,6 @@ std::vector<PixelRect> CardPainter::drawParts(cairo_surface_t* target, const Sta
 }
 
 void CardPainter::drawMoving(cairo_t* cairo, const StageLook& look) {
-    paint(cairo, backdrop_);
-    // The first frame of an entrance shows no card yet, so it does not wait for the glass.
-    if (look.alpha <= 0) return;
     const CairoState state{cairo};
     const CairoSurface surface = surfaceOver(moving(look.scene));
     const Point low = look.transform.apply({0, 0});
@@ -141,8 +147,13 @@ const Pixels& CardPainter::ground() {
     if (!ground_.isEmpty()) return ground_;
     makeChrome();
     ground_ = std::exchange(chrome_, {});
+    if (backdrop_.isEmpty()) return ground_;
     const CairoSurface surface = surfaceOver(ground_);
-    paint(CairoContext{cairo_create(surface.get())}.get(), backdrop_, CAIRO_OPERATOR_DEST_OVER);
+    const CairoSurface below = surfaceOver(backdrop_);
+    const CairoContext context{cairo_create(surface.get())};
+    cairo_set_operator(context.get(), CAIRO_OPERATOR_DEST_OVER);
+    cairo_set_source_surface(context.get(), below.get(), 0, 0);
+    cairo_paint(context.get());
     return ground_;
 }
 

@@ -26,7 +26,7 @@ struct StageLook {
 Rect pointerArea(Point tip);
 
 // Main thread only. Caches the costly results: the glass until the backdrop changes, and a picture
-// of the whole stage while the stage moves or fades.
+// of the whole stage while the stage moves.
 class CardPainter {
 public:
     CardPainter(const CardStyle& style, double scale, std::shared_ptr<PictureCache> pictures)
@@ -61,10 +61,10 @@ private:
 
     CardStyle style_;
     double scale_;
-    bool isClear_ = false;
+    PixelRect bounds_;
     // Pictures of the whole stage; empty until they are needed. Only one of chrome and ground is
     // kept.
-    Pixels backdrop_;
+    Pixels backdrop_;  // stays empty where it cannot be read
     Pixels chrome_;
     Pixels ground_;  // the chrome over the backdrop
     Pixels moving_;  // the chrome and the scene
