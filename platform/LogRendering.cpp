@@ -22,7 +22,7 @@ std::string renderArgument(const LogPlaceholder& placeholder, const LogArgument&
 
 }  // namespace
 
-std::string render(const LogLine& line, bool showsPrivate) {
+std::string logLineText(const LogLine& line, bool showsPrivate) {
     std::string text;
     std::size_t from = 0;
     LogPlaceholder placeholder;

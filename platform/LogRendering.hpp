@@ -9,6 +9,6 @@ namespace quorvane {
 
 // Booleans render as true and false; private text renders as "<private>" unless `showsPrivate` is
 // set.
-std::string render(const LogLine& line, bool showsPrivate);
+std::string logLineText(const LogLine& line, bool showsPrivate);
 
 }  // namespace quorvane

@@ -25,8 +25,8 @@ public:
     LogSink sink() {
         return [this](const LogLine& line) {
             const std::lock_guard guard{mutex_};
-            lines_.push_back(
-                {line.level, std::string{line.category}, render(line, true), render(line, false)});
+            lines_.push_back({line.level, std::string{line.category}, logLineText(line, true),
+                              logLineText(line, false)});
         };
     }
 

@@ -77,7 +77,7 @@ FileDescriptor openedLog(const std::filesystem::path& file) {
 }
 
 bool writeToJournal(const LogLine& line, const LogOptions& options) {
-    std::array fields{"MESSAGE=" + render(line, options.showsPrivate),
+    std::array fields{"MESSAGE=" + logLineText(line, options.showsPrivate),
                       std::string{"PRIORITY="} + rowOf(line.level).priority,
                       "SUBSYSTEM=" + std::string{line.subsystem},
                       "CATEGORY=" + std::string{line.category},
@@ -122,7 +122,7 @@ std::string standardErrorLine(const LogLine& line, WallTime time, bool showsPriv
                   static_cast<int>((milliseconds - seconds).count()));
     std::string result{text};
     result.append(line.category).append(" ").append(rowOf(line.level).name).append(": ");
-    return result.append(withoutControls(render(line, showsPrivate))).append("\n");
+    return result.append(withoutControls(logLineText(line, showsPrivate))).append("\n");
 }
 
 }  // namespace quorvane
