@@ -23,10 +23,10 @@ def doubles(*values):
 
 
 class System(Foundation):
-    def __init__(self, bundle, options, documented, secret, answers, effects=None, program=""):
+    def __init__(self, bundle, options, documented, secret, answers, effects, program=""):
         self.options, self.displays, self.picture_size = options, [(0.0, 0.0, 1920.0, 1080.0)], 600
         self.windows, self.pressed, self.pointer, self.context = [], None, (0.0, 0.0), None
-        super().__init__(bundle, EFFECTS | (effects or {}), documented, secret, answers, program)
+        super().__init__(bundle, EFFECTS | effects, documented, secret, answers, program)
         self.shared("NSApplication").fields["userInterfaceLayoutDirection"] = 0
         self.shared("NSWorkspace").fields["accessibilityDisplayShouldReduceMotion"] = False
 
@@ -37,8 +37,7 @@ class System(Foundation):
         places = [self.place(word.encode() + b"\0") for word in words]
         with self.pool():
             status = self.call(self.entry(), len(words), self.place(struct.pack(f"<{len(words) + 1}Q", *places, 0)), 0, 0)
-        if status != 0:
-            raise Fault(f"the program returned {status}")
+        self.note(f"returned {status}")
 
     def imported_data(self, name):
         short = name[1:]
@@ -194,6 +193,10 @@ class System(Foundation):
         text = line.parts[0]
         return 0.5 * text.fields["font"].value * len(text.fields["text"]) if "text" in text.fields else 100.0
 
+    def picture_properties(self, source, index, options):
+        self.note(f"properties of picture {index}: {shown(options)}")
+        return dict.fromkeys(("kCGImagePropertyPixelWidth", "kCGImagePropertyPixelHeight"), self.picture_size)
+
     def joined_transforms(self, rows, columns):
         return doubles(*(sum(rows[4 * i + k] * columns[4 * k + j] for k in range(4)) for i in range(4) for j in range(4)))
 
@@ -207,6 +210,7 @@ EFFECTS = {
     "NSValue valueWithCATransform3D:": lambda s, cls, parts: s.new("NSValue", name=shown(parts)),
     "NSAttributedString initWithString:attributes:": System.make_attributed,
     "dlopen": lambda s, path, mode: s.note(f"dlopen({s.text_at(path)}, {mode})") or 1,
+    "dlerror": lambda s: s.place(b"no such library\0"),
     "dlsym": System.looked_up,
     "NSApplication setActivationPolicy:": lambda s, application, policy: True,
     "NSApplication run": System.run_application,
@@ -259,9 +263,7 @@ EFFECTS = {
     "NSImage size": lambda s, image: (20.0, 16.0),
     "CTLineGetTypographicBounds": System.line_width,
     "CGGradientCreateWithColorComponents": System.gradient,
-    "CGImageSourceCopyPropertiesAtIndex": (
-        lambda s, *_: dict.fromkeys(("kCGImagePropertyPixelWidth", "kCGImagePropertyPixelHeight"), s.picture_size)
-    ),
+    "CGImageSourceCopyPropertiesAtIndex": System.picture_properties,
     "CGImageGetWidth": lambda s, image: 256,
     "CGImageGetHeight": lambda s, image: 256,
     "CGAffineTransformMakeScale": lambda s, x, y: doubles(x, 0, 0, y, 0, 0),

@@ -21,10 +21,10 @@ class Thread:
 
 
 class Host(System):
-    def __init__(self, program, bundle, options, documented, secret):
+    def __init__(self, program, bundle, options, documented, secret, effects):
         self.threads, self.fault, self.listings = [Thread()], None, []
         self.thread = self.threads[0]
-        super().__init__(bundle, options, documented, secret, {}, EFFECTS, program)
+        super().__init__(bundle, options, documented, secret, {}, EFFECTS | effects, program)
         self.has_main_application = False
         self.copies.clear()
 
@@ -113,7 +113,9 @@ class Host(System):
         return port
 
     def ask_port(self, name, number, body):
-        """Sends to a served port, whose thread answers."""
+        """Sends to a served port, whose thread answers; None when there is no such port."""
+        if name not in self.ports:
+            return None
         loop = self.ports[name].fields["loop"]
         loop.fields.update(asked=(self.ports[name], number, body), answer=None)
         while loop.fields["answer"] is None:

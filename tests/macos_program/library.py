@@ -82,7 +82,7 @@ class Library(Runtime):
         self.now = end
 
     def raise_signal(self, number):
-        for source in [each for each in self.sources if each.fields.get("signal") == number]:
+        for source in [each for each in self.sources if each.fields.get("is_active") and each.fields.get("signal") == number]:
             self.fire(source)
 
     def make_queue(self, label, attributes):
