@@ -24,7 +24,7 @@ def doubles(*values):
 
 class System(Foundation):
     def __init__(self, bundle, options, documented, secret, answers, effects, program=""):
-        self.options, self.displays, self.picture_size = options, [(0.0, 0.0, 1920.0, 1080.0)], 600
+        self.options, self.displays, self.picture = options, [(0.0, 0.0, 1920.0, 1080.0)], (600, 600)
         self.windows, self.pressed, self.pointer, self.context = [], None, (0.0, 0.0), None
         super().__init__(bundle, EFFECTS | effects, documented, secret, answers, program)
         self.shared("NSApplication").fields["userInterfaceLayoutDirection"] = 0
@@ -50,6 +50,7 @@ class System(Foundation):
         return struct.pack("<Q", 0 if short == "kSecRandomDefault" else self.new("NSString", short, is_immortal=True).address)
 
     def run_application(self, application):
+        self.ask(application.fields["delegate"], "applicationSupportsSecureRestorableState:", 0)
         self.send(application.fields["delegate"], "applicationDidFinishLaunching:", 0)
         self.settle()
         self.scenario(self)
@@ -143,6 +144,12 @@ class System(Foundation):
         view.fields.update(frame=frame, bounds=(0.0, 0.0, *frame[2:]), subviews=[], above=None)
         return view
 
+    def frame_on_screen(self, view, frame):
+        """Of a part of a flipped view."""
+        left, bottom, _, height = self.frame_in_window(view)
+        at = next(window for window in self.windows if view in self.views(window)).fields["frame"]
+        return at[0] + left + frame[0], at[1] + bottom + height - frame[1] - frame[3], frame[2], frame[3]
+
     def add_subview(self, view, child):
         view.fields["subviews"].append(child)
         view.parts.append(self.retain(child))
@@ -195,7 +202,7 @@ class System(Foundation):
 
     def picture_properties(self, source, index, options):
         self.note(f"properties of picture {index}: {shown(options)}")
-        return dict.fromkeys(("kCGImagePropertyPixelWidth", "kCGImagePropertyPixelHeight"), self.picture_size)
+        return self.picture and dict(zip(("kCGImagePropertyPixelWidth", "kCGImagePropertyPixelHeight"), self.picture))
 
     def joined_transforms(self, rows, columns):
         return doubles(*(sum(rows[4 * i + k] * columns[4 * k + j] for k in range(4)) for i in range(4) for j in range(4)))
@@ -260,18 +267,19 @@ EFFECTS = {
     ),
     "NSImage imageWithSystemSymbolName:accessibilityDescription:": lambda s, cls, name, _: s.new("NSImage", name=name.value),
     "NSImage imageWithSymbolConfiguration:": lambda s, image, look: s.new("NSImage", name=f"{image.name} ({look.name})"),
+    "NSAccessibilityFrameInView": System.frame_on_screen,
     "NSImage size": lambda s, image: (20.0, 16.0),
     "CTLineGetTypographicBounds": System.line_width,
     "CGGradientCreateWithColorComponents": System.gradient,
     "CGImageSourceCopyPropertiesAtIndex": System.picture_properties,
-    "CGImageGetWidth": lambda s, image: 256,
-    "CGImageGetHeight": lambda s, image: 256,
+    "CGImageGetWidth": lambda s, image: s.picture[0],
+    "CGImageGetHeight": lambda s, image: s.picture[1],
     "CGAffineTransformMakeScale": lambda s, x, y: doubles(x, 0, 0, y, 0, 0),
 }
 # What only has a note, what gives an object's value, what makes an object of a value.
 NOTED = [
     "NSProcessInfo endActivity:", "NSDistributedNotificationCenter postNotificationName:object:userInfo:deliverImmediately:",
-    "NSView layout", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",
+    "NSView layout", "NSView viewDidChangeBackingProperties", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",
     "NSLayoutConstraint activateConstraints:", "NSAccessibilityPostNotification", "CALayer addSublayer:",
     "CALayer addAnimation:forKey:", "CALayer removeAllAnimations", "CATransaction begin", "CATransaction commit",
     "CATransaction setDisableActions:", "NSImage drawInRect:fromRect:operation:fraction:respectFlipped:hints:",

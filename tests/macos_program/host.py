@@ -73,7 +73,7 @@ class Host(System):
 
     def wait(self):
         self.switch()
-        self.now += 10**6
+        self.now += 10**7
         return 0
 
     def settle(self):
@@ -126,7 +126,7 @@ class Host(System):
         data = self.retain(self.box(body))
         answer = self.thing(self.call(port.fields["callout"], port.address, number, data.address, port.fields["info"]))
         self.release(data)
-        content = bytes(answer.value) if answer else b""
+        content = bytes(answer.value) if answer else "nothing"
         self.release(answer)
         return content
 

@@ -208,6 +208,8 @@ EFFECTS = {
     "pow": lambda s: math.pow(s.real(0), s.real(1)),
     "fmod": lambda s: math.fmod(s.real(0), s.real(1)),
     "__error": Library.errno_place,
+    "strerror": lambda s, code: s.place(b"error %d\0" % code),
+    "realpath_DARWIN_EXTSN": lambda s, path, place: s.allocate(1024, content=s.text_at(path).encode() + b"\0"),
     "getpid": lambda s: PID,
     "signal": lambda s, number, action: s.note(f"signal({number}, {('SIG_DFL', 'SIG_IGN')[action]})"),
     "kill": Library.kill,

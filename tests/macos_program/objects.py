@@ -75,6 +75,7 @@ class Runtime(Program):
         self.effects, self.quiet, self.declared = RUNTIME | effects, quiet, Declared()
         self.things, self.pools, self.weak = {}, [], {}  # address -> object; lists; location -> object
         self.classes, self.own_classes, self.found, self.singletons = {}, {}, {}, {}
+        self.encodings = {}  # code of a method of the program -> its types
         self.next_instance, self.numbers, self.selectors, self.transcript = INSTANCES, Counter(), {}, []
         super().__init__(path)
         listed = self.sections["__objc_classlist"]
@@ -112,7 +113,8 @@ class Runtime(Program):
     def _methods(self, data):
         if methods := self.read_word(data + 32):
             for index in range(self.read_word(methods + 4, "<i")):
-                name, _, code = self.read_words(methods + 8 + 24 * index, 3)
+                name, types, code = self.read_words(methods + 8 + 24 * index, 3)
+                self.encodings[code] = self.text_at(types)
                 yield self.text_at(name), code
 
     def is_in(self, name, address):
@@ -282,9 +284,12 @@ class Runtime(Program):
             return self._sent(thing, selector, *arguments)
 
     def ask(self, thing, selector, *arguments):
-        """Notes the object that the program answers."""
+        """Notes the object, truth value or rectangle that the program answers."""
         with self.pool():
-            self.note(f"{thing.name} {selector} -> {shown(self.thing(self._sent(thing, selector, *arguments)))}")
+            word = self._sent(thing, selector, *arguments)
+            kind = self.encodings[self.implements(thing, selector)][0]
+            answer = self.thing(word) if kind == "@" else bool(word & 1) if kind == "B" else tuple(map(self.real, range(4)))
+            self.note(f"{thing.name} {selector} -> {shown(answer)}")
 
     def _sent(self, thing, selector, *arguments):
         code = self.implements(thing, selector)
