@@ -209,7 +209,9 @@ EFFECTS = {
     "NSMutableData appendBytes:length:": lambda s, data, more, length: data.value.extend(s.read(more, length)),
     "NSMutableData mutableBytes": lambda s, data: s.buffer(data, data.value),
     "NSURL fileURLWithPath:": lambda s, cls, path: s.make_url(path.value),
-    "NSURL fileURLWithFileSystemRepresentation:isDirectory:relativeToURL:": lambda s, cls, path, *_: s.make_url(path),
+    "NSURL fileURLWithFileSystemRepresentation:isDirectory:relativeToURL:": (
+        lambda s, cls, path, is_directory, base: s.make_url(path + "/" * is_directory)
+    ),
     "NSURL fileSystemRepresentation": lambda s, url: s.buffer(url, url.value.encode() + b"\0"),
     "NSUUID UUID": lambda s, cls: s.new("NSUUID", "5D1A7C52-0D3B-4A53-9E0B-1F9A3C6C8E11"),
     "NSProcessInfo processIdentifier": lambda s, process: PID,
@@ -224,10 +226,10 @@ EFFECTS = {
     "NSFileManager containerURLForSecurityApplicationGroupIdentifier:": (
         lambda s, manager, group: s.make_url(f"{CONTAINERS}/{group.value}")
     ),
-    "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:": lambda s, *_: True,
+    "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:": lambda s, manager, url, is_deep, *_: is_deep,
     "NSFileManager fileExistsAtPath:": lambda s, manager, path: s.exists(path.value),
     "NSFileManager removeItemAtURL:error:": Foundation.remove_item,
-    "NSData dataWithContentsOfURL:options:error:": lambda s, cls, url, options, error: s.files.get(url.value),
+    "NSData dataWithContentsOfURL:options:error:": lambda s, cls, url, options, error: None if options else s.files.get(url.value),
     "NSPropertyListSerialization propertyListWithData:options:format:error:": (
         lambda s, cls, data, *_: plistlib.loads(bytes(data.value))
     ),

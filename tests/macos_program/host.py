@@ -8,7 +8,7 @@ import threading
 
 from appkit import System
 from objects import shown
-from program import SIZES, STACK
+from program import SIZES, STACK, Fault
 from unicorn.arm64_const import UC_ARM64_REG_SP
 
 THREAD_STACK = 0x80000
@@ -94,6 +94,12 @@ class Host(System):
         loop.fields["is_stopped"] = False
         while not loop.fields["is_stopped"]:
             self.turn(loop)
+
+    def run_once(self, mode, seconds, is_one_source):
+        if not is_one_source or seconds < 10**9:
+            raise Fault("the loop does not return after a source, and only then")
+        self.turn(self.loop())
+        return 4  # kCFRunLoopRunHandledSource
 
     def turn(self, loop):
         """What has become due; for the main thread the scenario first."""
@@ -199,7 +205,7 @@ EFFECTS = {
     "pthread_cond_destroy": lambda s: 0,
     "CFRunLoopGetCurrent": Host.loop,
     "CFRunLoopRun": Host.run_loop,
-    "CFRunLoopRunInMode": lambda s, *_: s.turn(s.loop()) or 4,  # kCFRunLoopRunHandledSource
+    "CFRunLoopRunInMode": Host.run_once,
     "CFRunLoopStop": lambda s, loop: loop.fields.update(is_stopped=True),
     "CFRunLoopPerformBlock": lambda s, loop, mode, block: loop.value.append(s.retain(s.copied(block))),
     "CFMessagePortCreateLocal": Host.make_local_port,

@@ -91,6 +91,8 @@ class Library(Runtime):
 
     def make_source(self, kind, handle, mask, queue):
         name = next(name for name, place in self.imports.items() if place == kind)
+        if name.endswith("timer") and handle:
+            raise Fault("a timer that is made with a handle")
         source = self.new("OS_dispatch_source", queue=self.thing(queue), mask=mask)
         if name.endswith("signal"):
             source.fields["signal"] = handle
@@ -111,12 +113,18 @@ class Library(Runtime):
 
     def cancel_source(self, source):
         source = self.thing(source)
+        if "signal" in source.fields:
+            self.note(f"cancel {source.fields['signal']}")
         source.fields["is_active"] = False
         self.set_field(source, "handler", None)
 
     def run_now(self, queue, block):
-        self.drain(self.thing(queue))
-        self.run_on(self.thing(queue), self.thing(block))
+        queue = self.thing(queue)
+        self.note(f"wait for the queue {queue.name}")
+        if queue is self.current:
+            raise Fault("a queue waits for itself")
+        self.drain(queue)
+        self.run_on(queue, self.thing(block))
 
     # The C library
 
@@ -224,7 +232,7 @@ EFFECTS = {
     "dispatch_queue_create": Library.make_queue,
     "dispatch_queue_set_specific": lambda s, queue, key, value: s.thing(queue).fields.update({key: value}),
     "dispatch_get_specific": lambda s, key: s.current.fields.get(key, 0) if s.current else 0,
-    "dispatch_get_global_queue": lambda s: s.global_queue,
+    "dispatch_get_global_queue": lambda s, kind, flags: s.note(f"queue {kind:#x}, {flags}") or s.global_queue,
     "dispatch_async": lambda s, queue, block: s.thing(queue).value.append(s.retain(s.copied(s.thing(block)))),
     "dispatch_sync": Library.run_now,
     "dispatch_time": lambda s, base, delta: s.now + delta,

@@ -284,6 +284,7 @@ HOST_LIVES = {
     "host run": (["run"], serve, served),
     "host install": (["install", "--from", NEW], install, installed),
     "host first install": (["install", "--from", NEW], install, installed),
+    "host interrupted": (["run"], lambda mac: mac.raise_signal(2), None),
     "host launch": (["launch"], install, None),
     "host status": (["status"], install, None),
 }

@@ -23,6 +23,13 @@ def others_port(mac, *arguments):
     return mac.make_local_port(*arguments)
 
 
+def late(mac):
+    """The loop of a thread that runs after the main thread has stopped its port."""
+    for _ in range(20):
+        mac.switch()
+    return mac.loop()
+
+
 def stored(**values):
     return {"NSUserDefaults objectForKey:": lambda mac, defaults, key: values.get(key.value)}
 
@@ -36,6 +43,8 @@ VARIANTS = {  # name: the life that differs, the effects that do
     "no suite": ("launch", {"NSUserDefaults initWithSuiteName:": lambda mac, defaults, name: mac.release(defaults)}),
     "not synchronised": ("launch", {"CFPreferencesAppSynchronize": answer(False)}),
     "still a login item": ("uninstall", {"SMAppService unregisterAndReturnError:": refuse(1)}),
+    "nothing to remove": ("uninstall", {"NSFileManager removeItemAtURL:error:": refuse(4)}),
+    "nothing removed": ("uninstall", {"NSFileManager removeItemAtURL:error:": refuse(513)}),
     "no support folder": ("uninstall", {"NSFileManager URLsForDirectory:inDomains:": answer([])}),
     "no window server": ("frame", {"dlopen": answer(0)}),
     "an empty reply": ("SIGTERM", reply(b"")),
@@ -60,6 +69,7 @@ VARIANTS = {  # name: the life that differs, the effects that do
     "host without a port": ("host run", {"CFMessagePortCreateLocal": answer(None)}),
     "host beside another": ("host run", {"CFMessagePortCreateLocal": others_port}),
     "host with a new secret": ("host run", {"NSFileManager linkItemAtURL:toURL:error:": refuse(516)}),
+    "host interrupted early": ("host interrupted", {"CFRunLoopGetCurrent": late}),
     "host without a folder": ("host install", {FOLDER: refuse(513)}),
     "host without a copy": ("host install", {COPY: refuse(640)}),
     "host without a place": ("host install", {"renamex_np": lambda mac, *_: mac.set_errno(13)}),
