@@ -4,7 +4,8 @@ import math
 import re
 import struct
 
-from objects import Runtime, shown
+from messages import Runtime
+from objects import shown
 from program import Fault
 
 SECOND = 10**9

@@ -92,7 +92,8 @@ def click(mac, window):
 
 def press(mac, window):
     """By an assistive technology."""
-    (button,) = (each for each in mac.things.values() if each.fields.get("accessibilityLabel", "") and each.fields["accessibilityLabel"].value == "Next Track")
+    elements = [each for each in mac.things.values() if each.cls.name == "CardControlElement"]
+    button = next(each for each in elements if each.fields["accessibilityLabel"].value == "Next Track")
     mac.send(button, "accessibilityPerformPress")
 
 
