@@ -37,6 +37,12 @@ class Foundation(Library):
         except UnicodeDecodeError:
             return self.release(thing)
 
+    def end_data(self, data):
+        """What outgrows its capacity is copied, and the first copy is not wiped."""
+        self.check_wiped(self.read(data.buffers[0], len(data.value)) if data.buffers else bytes(data.value))
+        if data.fields["capacity"] != len(data.value):
+            raise Fault(f"{len(data.value)} bytes of data with room for {data.fields['capacity']}")
+
     def enumerate_items(self, thing, state, room, count):
         items = [key for key, _ in thing.value.values()] if isinstance(thing.value, dict) else thing.value
         start = self.read_word(state)
@@ -202,10 +208,8 @@ EFFECTS = {
     "NSData dataWithBytes:length:": lambda s, cls, data, length: s.read(data, length),
     "NSData bytes": lambda s, data: s.buffer(data, data.value),
     "NSData length": lambda s, data: len(data.value),
-    "NSMutableData dealloc": (
-        lambda s, data: s.check_wiped(s.read(data.buffers[0], len(data.value)) if data.buffers else bytes(data.value))
-    ),
-    "NSMutableData dataWithCapacity:": lambda s, cls, capacity: s.new("NSMutableData", bytearray()),
+    "NSMutableData dealloc": Foundation.end_data,
+    "NSMutableData dataWithCapacity:": lambda s, cls, capacity: s.new("NSMutableData", bytearray(), capacity=capacity),
     "NSMutableData appendBytes:length:": lambda s, data, more, length: data.value.extend(s.read(more, length)),
     "NSMutableData mutableBytes": lambda s, data: s.buffer(data, data.value),
     "NSURL fileURLWithPath:": lambda s, cls, path: s.make_url(path.value),

@@ -113,11 +113,14 @@ class Library(Runtime):
         self.sources.remove(source)
 
     def cancel_source(self, source):
+        """Until then the system has a reference to an active source."""
         source = self.thing(source)
         if "signal" in source.fields:
             self.note(f"cancel {source.fields['signal']}")
-        source.fields["is_active"] = False
         self.set_field(source, "handler", None)
+        if source.fields["is_active"]:
+            source.fields["is_active"] = False
+            self.release(source)
 
     def run_now(self, queue, block):
         queue = self.thing(queue)
@@ -240,7 +243,7 @@ EFFECTS = {
     "dispatch_source_create": Library.make_source,
     "dispatch_source_set_timer": Library.set_timer,
     "dispatch_source_set_event_handler": lambda s, source, block: s.set_field(s.thing(source), "handler", s.thing(block)),
-    "dispatch_activate": lambda s, source: s.thing(source).fields.update(is_active=True),
+    "dispatch_activate": lambda s, source: s.retain(s.thing(source)).fields.update(is_active=True),
     "dispatch_source_cancel": Library.cancel_source,
     "OS_dispatch_source dealloc": Library.end_source,
     "OS_dispatch_queue dealloc": lambda s, queue: s.queues.remove(queue),

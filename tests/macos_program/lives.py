@@ -12,8 +12,8 @@ SECRET = bytes(range(100, 132))
 SECRET_FILE = f"{CONTAINERS}/group.example.quillon.Quorvane/ipc-secret"
 NEXT = 324.0, 128.0  # the next track's symbol in its window
 NEW = "/Volumes/New/Quorvane Lock Screen.app"
-# What is alive when `main` has returned: the handler of SIGTERM and the log that it needs.
-KEPT = {"OS_dispatch_source": 1, "Block": 1, "OS_os_log": 4}
+# What is alive when `main` has returned: the handlers of SIGTERM and SIGINT, and the log that the first needs.
+KEPT = {"OS_dispatch_source": 2, "Block": 2, "OS_os_log": 4}
 
 
 def sample(name, start):
