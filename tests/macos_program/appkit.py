@@ -11,7 +11,7 @@ DATA = ("_OBJC_CLASS", "_OBJC_METACLASS", "_OBJC_EHTYPE", "__NSConcrete", "___CF
         "__dispatch_main_q", "__dispatch_source_type_", "__DefaultRuneLocale", "___objc_personality")  # fmt: skip
 WEIGHTS = {"NSFontWeightRegular": 0.0, "NSFontWeightMedium": 0.23, "NSFontWeightSemibold": 0.3, "NSFontWeightBold": 0.4}
 IDENTITY = (1.0, *(0.0,) * 4) * 3 + (1.0,)
-DOWN, UP, MOVED, DRAGGED, CANCELLED = 1, 2, 5, 6, 40  # types of events
+DOWN, UP, DRAGGED, CANCELLED = 1, 2, 6, 40  # types of events
 MOUSE = {DOWN: "mouseDown:", UP: "mouseUp:", DRAGGED: "mouseDragged:", CANCELLED: "mouseCancelled:"}
 # The window server's functions: how many arguments, what they return.
 WINDOW_SERVER = {"SLSMainConnectionID": (0, 77), "SLSSpaceCreate": (3, 0x500000009), "SLSSpaceSetAbsoluteLevel": (3, 0),
@@ -87,13 +87,13 @@ class System(Foundation):
         return point[0] - left, height - (point[1] - bottom) if is_flipped else point[1] - bottom
 
     def mouse(self, window, kind, x, y):
-        """A window that ignores the mouse gets neither movements nor presses. It gets what follows a press that it got."""
+        """A window that ignores the mouse gets no press. It gets what follows a press that it got."""
         self.pointer = (window.fields["frame"][0] + x, window.fields["frame"][1] + y)
-        if kind in (MOVED, DOWN):
+        if kind == DOWN:
             self.gets_mouse = not window.fields["ignoresMouseEvents"]
-        if self.gets_mouse and kind in (MOVED, DOWN):
+        if self.gets_mouse and kind == DOWN:
             self.send(window.fields["contentView"], "mouseMoved:", 0)
-        if self.gets_mouse and kind != MOVED:
+        if self.gets_mouse:
             self.send(window, "sendEvent:", self.new("NSEvent", is_immortal=True, type=kind, locationInWindow=(x, y)))
         self.settle()
 

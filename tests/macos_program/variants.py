@@ -1,5 +1,6 @@
 """Lives in which some of the system's calls fail, or answer something odd."""
 
+
 def refuse(code):
     return lambda mac, *arguments: mac.failed(arguments[-1], "NSCocoaErrorDomain", code, "It is refused.") or None
 
@@ -36,15 +37,15 @@ def stored(**values):
 
 FOLDER = "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:"
 PLIST = "NSPropertyListSerialization propertyListWithData:options:format:error:"
-READ, COPY = "NSData dataWithContentsOfURL:options:error:", "NSFileManager copyItemAtURL:toURL:error:"
+REMOVE = "NSFileManager removeItemAtURL:error:"
 VARIANTS = {  # name: the life that differs, the effects that do
     "no container": ("SIGTERM", {FOLDER: refuse(513)}),
-    "nothing to read": ("SIGTERM", {READ: refuse(260)}),
+    "nothing to read": ("SIGTERM", {"NSData dataWithContentsOfURL:options:error:": refuse(260)}),
     "no suite": ("launch", {"NSUserDefaults initWithSuiteName:": lambda mac, defaults, name: mac.release(defaults)}),
     "not synchronised": ("launch", {"CFPreferencesAppSynchronize": answer(False)}),
     "still a login item": ("uninstall", {"SMAppService unregisterAndReturnError:": refuse(1)}),
-    "nothing to remove": ("uninstall", {"NSFileManager removeItemAtURL:error:": refuse(4)}),
-    "nothing removed": ("uninstall", {"NSFileManager removeItemAtURL:error:": refuse(513)}),
+    "nothing to remove": ("uninstall", {REMOVE: refuse(4)}),
+    "nothing removed": ("uninstall", {REMOVE: refuse(513)}),
     "no support folder": ("uninstall", {"NSFileManager URLsForDirectory:inDomains:": answer([])}),
     "no window server": ("frame", {"dlopen": answer(0)}),
     "an empty reply": ("SIGTERM", reply(b"")),
@@ -71,7 +72,7 @@ VARIANTS = {  # name: the life that differs, the effects that do
     "host with a new secret": ("host run", {"NSFileManager linkItemAtURL:toURL:error:": refuse(516)}),
     "host interrupted early": ("host interrupted", {"CFRunLoopGetCurrent": late}),
     "host without a folder": ("host install", {FOLDER: refuse(513)}),
-    "host without a copy": ("host install", {COPY: refuse(640)}),
+    "host without a copy": ("host install", {"NSFileManager copyItemAtURL:toURL:error:": refuse(640)}),
     "host without a place": ("host install", {"renamex_np": lambda mac, *_: mac.set_errno(13)}),
     "host with a failed launch": ("host install", {
         "NSTask terminationStatus": answer(1),
