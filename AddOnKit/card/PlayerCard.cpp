@@ -96,6 +96,7 @@ void PlayerCard::draw() {
 }
 
 void PlayerCard::drawNext() {
+    isDrawingSoon_ = false;
     nextDraw_.reset();
     if (const auto wait = shown_.scene.nextChange)
         nextDraw_ =
@@ -114,7 +115,8 @@ void PlayerCard::scroll() {
 
 // Coalesces all changes of one main-loop pass into one drawing.
 void PlayerCard::drawSoon() {
-    if (isFrozen_) return;
+    if (isFrozen_ || isDrawingSoon_) return;
+    isDrawingSoon_ = true;
     nextDraw_ = environment_.clock.after({}, [this] { draw(); });
 }
 

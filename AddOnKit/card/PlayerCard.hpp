@@ -80,6 +80,7 @@ private:
     // Declared last so that they are destroyed first, while the card is still whole.
     std::vector<Handle> observations_;
     Timer nextDraw_;
+    bool isDrawingSoon_ = false;  // nextDraw_ fires on the next turn of the main loop
 };
 
 }  // namespace quorvane

@@ -11,7 +11,7 @@ DATA = ("_OBJC_CLASS", "_OBJC_METACLASS", "_OBJC_EHTYPE", "__NSConcrete", "___CF
         "__dispatch_main_q", "__dispatch_source_type_", "__DefaultRuneLocale", "___objc_personality")  # fmt: skip
 WEIGHTS = {"NSFontWeightRegular": 0.0, "NSFontWeightMedium": 0.23, "NSFontWeightSemibold": 0.3, "NSFontWeightBold": 0.4}
 IDENTITY = (1.0, *(0.0,) * 4) * 3 + (1.0,)
-DOWN, UP, MOVED, DRAGGED, CANCELLED = 1, 2, 5, 6, 40  # types of events
+DOWN, UP, DRAGGED, CANCELLED = 1, 2, 6, 40  # types of events
 MOUSE = {DOWN: "mouseDown:", UP: "mouseUp:", DRAGGED: "mouseDragged:", CANCELLED: "mouseCancelled:"}
 # The window server's functions: how many arguments, what they return.
 WINDOW_SERVER = {"SLSMainConnectionID": (0, 77), "SLSSpaceCreate": (3, 0x500000009), "SLSSpaceSetAbsoluteLevel": (3, 0),
@@ -23,10 +23,10 @@ def doubles(*values):
 
 
 class System(Foundation):
-    def __init__(self, bundle, options, documented, secret, answers, effects=None, program=""):
-        self.options, self.displays, self.picture_size = options, [(0.0, 0.0, 1920.0, 1080.0)], 600
+    def __init__(self, bundle, options, documented, secret, answers, effects, program=""):
+        self.options, self.displays, self.picture = options, [(0.0, 0.0, 1920.0, 1080.0)], (600, 600)
         self.windows, self.pressed, self.pointer, self.context = [], None, (0.0, 0.0), None
-        super().__init__(bundle, EFFECTS | (effects or {}), documented, secret, answers, program)
+        super().__init__(bundle, EFFECTS | effects, documented, secret, answers, program)
         self.shared("NSApplication").fields["userInterfaceLayoutDirection"] = 0
         self.shared("NSWorkspace").fields["accessibilityDisplayShouldReduceMotion"] = False
 
@@ -37,8 +37,7 @@ class System(Foundation):
         places = [self.place(word.encode() + b"\0") for word in words]
         with self.pool():
             status = self.call(self.entry(), len(words), self.place(struct.pack(f"<{len(words) + 1}Q", *places, 0)), 0, 0)
-        if status != 0:
-            raise Fault(f"the program returned {status}")
+        self.note(f"returned {status}")
 
     def imported_data(self, name):
         short = name[1:]
@@ -51,6 +50,7 @@ class System(Foundation):
         return struct.pack("<Q", 0 if short == "kSecRandomDefault" else self.new("NSString", short, is_immortal=True).address)
 
     def run_application(self, application):
+        self.ask(application.fields["delegate"], "applicationSupportsSecureRestorableState:", 0)
         self.send(application.fields["delegate"], "applicationDidFinishLaunching:", 0)
         self.settle()
         self.scenario(self)
@@ -87,13 +87,13 @@ class System(Foundation):
         return point[0] - left, height - (point[1] - bottom) if is_flipped else point[1] - bottom
 
     def mouse(self, window, kind, x, y):
-        """A window that ignores the mouse gets neither movements nor presses. It gets what follows a press that it got."""
+        """A window that ignores the mouse gets no press. It gets what follows a press that it got."""
         self.pointer = (window.fields["frame"][0] + x, window.fields["frame"][1] + y)
-        if kind in (MOVED, DOWN):
+        if kind == DOWN:
             self.gets_mouse = not window.fields["ignoresMouseEvents"]
-        if self.gets_mouse and kind in (MOVED, DOWN):
+        if self.gets_mouse and kind == DOWN:
             self.send(window.fields["contentView"], "mouseMoved:", 0)
-        if self.gets_mouse and kind != MOVED:
+        if self.gets_mouse:
             self.send(window, "sendEvent:", self.new("NSEvent", is_immortal=True, type=kind, locationInWindow=(x, y)))
         self.settle()
 
@@ -143,6 +143,12 @@ class System(Foundation):
     def make_view(self, view, frame):
         view.fields.update(frame=frame, bounds=(0.0, 0.0, *frame[2:]), subviews=[], above=None)
         return view
+
+    def frame_on_screen(self, view, frame):
+        """Of a part of a flipped view."""
+        left, bottom, _, height = self.frame_in_window(view)
+        at = next(window for window in self.windows if view in self.views(window)).fields["frame"]
+        return at[0] + left + frame[0], at[1] + bottom + height - frame[1] - frame[3], frame[2], frame[3]
 
     def add_subview(self, view, child):
         view.fields["subviews"].append(child)
@@ -194,6 +200,10 @@ class System(Foundation):
         text = line.parts[0]
         return 0.5 * text.fields["font"].value * len(text.fields["text"]) if "text" in text.fields else 100.0
 
+    def picture_properties(self, source, index, options):
+        self.note(f"properties of picture {index}: {shown(options)}")
+        return self.picture and dict(zip(("kCGImagePropertyPixelWidth", "kCGImagePropertyPixelHeight"), self.picture))
+
     def joined_transforms(self, rows, columns):
         return doubles(*(sum(rows[4 * i + k] * columns[4 * k + j] for k in range(4)) for i in range(4) for j in range(4)))
 
@@ -207,6 +217,7 @@ EFFECTS = {
     "NSValue valueWithCATransform3D:": lambda s, cls, parts: s.new("NSValue", name=shown(parts)),
     "NSAttributedString initWithString:attributes:": System.make_attributed,
     "dlopen": lambda s, path, mode: s.note(f"dlopen({s.text_at(path)}, {mode})") or 1,
+    "dlerror": lambda s: s.place(b"no such library\0"),
     "dlsym": System.looked_up,
     "NSApplication setActivationPolicy:": lambda s, application, policy: True,
     "NSApplication run": System.run_application,
@@ -256,20 +267,19 @@ EFFECTS = {
     ),
     "NSImage imageWithSystemSymbolName:accessibilityDescription:": lambda s, cls, name, _: s.new("NSImage", name=name.value),
     "NSImage imageWithSymbolConfiguration:": lambda s, image, look: s.new("NSImage", name=f"{image.name} ({look.name})"),
+    "NSAccessibilityFrameInView": System.frame_on_screen,
     "NSImage size": lambda s, image: (20.0, 16.0),
     "CTLineGetTypographicBounds": System.line_width,
     "CGGradientCreateWithColorComponents": System.gradient,
-    "CGImageSourceCopyPropertiesAtIndex": (
-        lambda s, *_: dict.fromkeys(("kCGImagePropertyPixelWidth", "kCGImagePropertyPixelHeight"), s.picture_size)
-    ),
-    "CGImageGetWidth": lambda s, image: 256,
-    "CGImageGetHeight": lambda s, image: 256,
+    "CGImageSourceCopyPropertiesAtIndex": System.picture_properties,
+    "CGImageGetWidth": lambda s, image: s.picture[0],
+    "CGImageGetHeight": lambda s, image: s.picture[1],
     "CGAffineTransformMakeScale": lambda s, x, y: doubles(x, 0, 0, y, 0, 0),
 }
 # What only has a note, what gives an object's value, what makes an object of a value.
 NOTED = [
     "NSProcessInfo endActivity:", "NSDistributedNotificationCenter postNotificationName:object:userInfo:deliverImmediately:",
-    "NSView layout", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",
+    "NSView layout", "NSView viewDidChangeBackingProperties", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",
     "NSLayoutConstraint activateConstraints:", "NSAccessibilityPostNotification", "CALayer addSublayer:",
     "CALayer addAnimation:forKey:", "CALayer removeAllAnimations", "CATransaction begin", "CATransaction commit",
     "CATransaction setDisableActions:", "NSImage drawInRect:fromRect:operation:fraction:respectFlipped:hints:",

@@ -37,6 +37,12 @@ class Foundation(Library):
         except UnicodeDecodeError:
             return self.release(thing)
 
+    def end_data(self, data):
+        """What outgrows its capacity is copied, and the first copy is not wiped."""
+        self.check_wiped(self.read(data.buffers[0], len(data.value)) if data.buffers else bytes(data.value))
+        if data.fields["capacity"] != len(data.value):
+            raise Fault(f"{len(data.value)} bytes of data with room for {data.fields['capacity']}")
+
     def enumerate_items(self, thing, state, room, count):
         items = [key for key, _ in thing.value.values()] if isinstance(thing.value, dict) else thing.value
         start = self.read_word(state)
@@ -189,12 +195,11 @@ EFFECTS = {
     "CFGetTypeID": lambda s, thing: isinstance(thing.value, bool),
     "CFBooleanGetTypeID": lambda s: True,
     "CFNumberIsFloatType": lambda s, number: isinstance(number.value, float),
-    "CFAutorelease": lambda s, thing: s.autorelease(thing),
     "CFRetain": lambda s, thing: s.retain(thing),
     "CFRelease": lambda s, thing: s.release(thing),
     "NSArray arrayWithObjects:count:": lambda s, cls, items, count: [s.thing(each) for each in s.read_words(items, count)],
     "NSArray countByEnumeratingWithState:objects:count:": Foundation.enumerate_items,
-    "NSArray firstObject": lambda s, array: array.value[0],
+    "NSArray firstObject": lambda s, array: next(iter(array.value), None),
     "NSDictionary dictionaryWithObjects:forKeys:count:": Foundation.make_dictionary,
     "NSDictionary objectForKeyedSubscript:": lambda s, dictionary, key: dictionary.value.get(key.value, (0, None))[1],
     "NSDictionary countByEnumeratingWithState:objects:count:": Foundation.enumerate_items,
@@ -203,14 +208,14 @@ EFFECTS = {
     "NSData dataWithBytes:length:": lambda s, cls, data, length: s.read(data, length),
     "NSData bytes": lambda s, data: s.buffer(data, data.value),
     "NSData length": lambda s, data: len(data.value),
-    "NSMutableData dealloc": (
-        lambda s, data: s.check_wiped(s.read(data.buffers[0], len(data.value)) if data.buffers else bytes(data.value))
-    ),
-    "NSMutableData dataWithCapacity:": lambda s, cls, capacity: s.new("NSMutableData", bytearray()),
+    "NSMutableData dealloc": Foundation.end_data,
+    "NSMutableData dataWithCapacity:": lambda s, cls, capacity: s.new("NSMutableData", bytearray(), capacity=capacity),
     "NSMutableData appendBytes:length:": lambda s, data, more, length: data.value.extend(s.read(more, length)),
     "NSMutableData mutableBytes": lambda s, data: s.buffer(data, data.value),
     "NSURL fileURLWithPath:": lambda s, cls, path: s.make_url(path.value),
-    "NSURL fileURLWithFileSystemRepresentation:isDirectory:relativeToURL:": lambda s, cls, path, *_: s.make_url(path),
+    "NSURL fileURLWithFileSystemRepresentation:isDirectory:relativeToURL:": (
+        lambda s, cls, path, is_directory, base: s.make_url(path + "/" * is_directory)
+    ),
     "NSURL fileSystemRepresentation": lambda s, url: s.buffer(url, url.value.encode() + b"\0"),
     "NSUUID UUID": lambda s, cls: s.new("NSUUID", "5D1A7C52-0D3B-4A53-9E0B-1F9A3C6C8E11"),
     "NSProcessInfo processIdentifier": lambda s, process: PID,
@@ -225,10 +230,10 @@ EFFECTS = {
     "NSFileManager containerURLForSecurityApplicationGroupIdentifier:": (
         lambda s, manager, group: s.make_url(f"{CONTAINERS}/{group.value}")
     ),
-    "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:": lambda s, *_: True,
+    "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:": lambda s, manager, url, is_deep, *_: is_deep,
     "NSFileManager fileExistsAtPath:": lambda s, manager, path: s.exists(path.value),
     "NSFileManager removeItemAtURL:error:": Foundation.remove_item,
-    "NSData dataWithContentsOfURL:options:error:": lambda s, cls, url, options, error: s.files.get(url.value),
+    "NSData dataWithContentsOfURL:options:error:": lambda s, cls, url, options, error: None if options else s.files.get(url.value),
     "NSPropertyListSerialization propertyListWithData:options:format:error:": (
         lambda s, cls, data, *_: plistlib.loads(bytes(data.value))
     ),

@@ -8,7 +8,7 @@ import threading
 
 from appkit import System
 from objects import shown
-from program import SIZES, STACK
+from program import SIZES, STACK, Fault
 from unicorn.arm64_const import UC_ARM64_REG_SP
 
 THREAD_STACK = 0x80000
@@ -21,10 +21,10 @@ class Thread:
 
 
 class Host(System):
-    def __init__(self, program, bundle, options, documented, secret):
+    def __init__(self, program, bundle, options, documented, secret, effects):
         self.threads, self.fault, self.listings = [Thread()], None, []
         self.thread = self.threads[0]
-        super().__init__(bundle, options, documented, secret, {}, EFFECTS, program)
+        super().__init__(bundle, options, documented, secret, {}, EFFECTS | effects, program)
         self.has_main_application = False
         self.copies.clear()
 
@@ -73,7 +73,7 @@ class Host(System):
 
     def wait(self):
         self.switch()
-        self.now += 10**6
+        self.now += 10**7
         return 0
 
     def settle(self):
@@ -95,6 +95,12 @@ class Host(System):
         while not loop.fields["is_stopped"]:
             self.turn(loop)
 
+    def run_once(self, mode, seconds, is_one_source):
+        if not is_one_source or seconds < 10**9:
+            raise Fault("the loop does not return after a source, and only then")
+        self.turn(self.loop())
+        return 4  # kCFRunLoopRunHandledSource
+
     def turn(self, loop):
         """What has become due; for the main thread the scenario first."""
         if self.thread is self.threads[0]:
@@ -113,7 +119,9 @@ class Host(System):
         return port
 
     def ask_port(self, name, number, body):
-        """Sends to a served port, whose thread answers."""
+        """Sends to a served port, whose thread answers; None when there is no such port."""
+        if name not in self.ports:
+            return None
         loop = self.ports[name].fields["loop"]
         loop.fields.update(asked=(self.ports[name], number, body), answer=None)
         while loop.fields["answer"] is None:
@@ -124,7 +132,7 @@ class Host(System):
         data = self.retain(self.box(body))
         answer = self.thing(self.call(port.fields["callout"], port.address, number, data.address, port.fields["info"]))
         self.release(data)
-        content = bytes(answer.value) if answer else b""
+        content = bytes(answer.value) if answer else "nothing"
         self.release(answer)
         return content
 
@@ -197,7 +205,7 @@ EFFECTS = {
     "pthread_cond_destroy": lambda s: 0,
     "CFRunLoopGetCurrent": Host.loop,
     "CFRunLoopRun": Host.run_loop,
-    "CFRunLoopRunInMode": lambda s, *_: s.turn(s.loop()) or 4,  # kCFRunLoopRunHandledSource
+    "CFRunLoopRunInMode": Host.run_once,
     "CFRunLoopStop": lambda s, loop: loop.fields.update(is_stopped=True),
     "CFRunLoopPerformBlock": lambda s, loop, mode, block: loop.value.append(s.retain(s.copied(block))),
     "CFMessagePortCreateLocal": Host.make_local_port,

@@ -4,7 +4,8 @@ import math
 import re
 import struct
 
-from objects import Runtime, shown
+from messages import Runtime
+from objects import shown
 from program import Fault
 
 SECOND = 10**9
@@ -82,7 +83,7 @@ class Library(Runtime):
         self.now = end
 
     def raise_signal(self, number):
-        for source in [each for each in self.sources if each.fields.get("signal") == number]:
+        for source in [each for each in self.sources if each.fields.get("is_active") and each.fields.get("signal") == number]:
             self.fire(source)
 
     def make_queue(self, label, attributes):
@@ -91,6 +92,8 @@ class Library(Runtime):
 
     def make_source(self, kind, handle, mask, queue):
         name = next(name for name, place in self.imports.items() if place == kind)
+        if name.endswith("timer") and handle:
+            raise Fault("a timer that is made with a handle")
         source = self.new("OS_dispatch_source", queue=self.thing(queue), mask=mask)
         if name.endswith("signal"):
             source.fields["signal"] = handle
@@ -110,13 +113,22 @@ class Library(Runtime):
         self.sources.remove(source)
 
     def cancel_source(self, source):
+        """Until then the system has a reference to an active source."""
         source = self.thing(source)
-        source.fields["is_active"] = False
+        if "signal" in source.fields:
+            self.note(f"cancel {source.fields['signal']}")
         self.set_field(source, "handler", None)
+        if source.fields["is_active"]:
+            source.fields["is_active"] = False
+            self.release(source)
 
     def run_now(self, queue, block):
-        self.drain(self.thing(queue))
-        self.run_on(self.thing(queue), self.thing(block))
+        queue = self.thing(queue)
+        self.note(f"wait for the queue {queue.name}")
+        if queue is self.current:
+            raise Fault("a queue waits for itself")
+        self.drain(queue)
+        self.run_on(queue, self.thing(block))
 
     # The C library
 
@@ -208,6 +220,8 @@ EFFECTS = {
     "pow": lambda s: math.pow(s.real(0), s.real(1)),
     "fmod": lambda s: math.fmod(s.real(0), s.real(1)),
     "__error": Library.errno_place,
+    "strerror": lambda s, code: s.place(b"error %d\0" % code),
+    "realpath_DARWIN_EXTSN": lambda s, path, place: s.allocate(1024, content=s.text_at(path).encode() + b"\0"),
     "getpid": lambda s: PID,
     "signal": lambda s, number, action: s.note(f"signal({number}, {('SIG_DFL', 'SIG_IGN')[action]})"),
     "kill": Library.kill,
@@ -222,14 +236,14 @@ EFFECTS = {
     "dispatch_queue_create": Library.make_queue,
     "dispatch_queue_set_specific": lambda s, queue, key, value: s.thing(queue).fields.update({key: value}),
     "dispatch_get_specific": lambda s, key: s.current.fields.get(key, 0) if s.current else 0,
-    "dispatch_get_global_queue": lambda s: s.global_queue,
+    "dispatch_get_global_queue": lambda s, kind, flags: s.note(f"queue {kind:#x}, {flags}") or s.global_queue,
     "dispatch_async": lambda s, queue, block: s.thing(queue).value.append(s.retain(s.copied(s.thing(block)))),
     "dispatch_sync": Library.run_now,
     "dispatch_time": lambda s, base, delta: s.now + delta,
     "dispatch_source_create": Library.make_source,
     "dispatch_source_set_timer": Library.set_timer,
     "dispatch_source_set_event_handler": lambda s, source, block: s.set_field(s.thing(source), "handler", s.thing(block)),
-    "dispatch_activate": lambda s, source: s.thing(source).fields.update(is_active=True),
+    "dispatch_activate": lambda s, source: s.retain(s.thing(source)).fields.update(is_active=True),
     "dispatch_source_cancel": Library.cancel_source,
     "OS_dispatch_source dealloc": Library.end_source,
     "OS_dispatch_queue dealloc": lambda s, queue: s.queues.remove(queue),

@@ -17,6 +17,7 @@ import macho  # noqa: E402
 # Where memory is, and how much: the stack, the imports' addresses, imported variables and constants, the heap.
 STACK, EXITS, DATA, HEAP = 0x60000000, 0x70000000, 0x78000000, 0x80000000
 SIZES = {STACK: 0x800000, EXITS: 0x10000, DATA: 0x40000, HEAP: 0x10000000}
+GUARD = b"\xbb" * 16  # after each allocation
 CPU_MAX = 3
 WORD = 2**64 - 1
 
@@ -34,7 +35,7 @@ class Program:
         for start, size in SIZES.items():
             self.unicorn.mem_map(start, size)
         self.unicorn.reg_write(UC_ARM64_REG_SP, STACK + SIZES[STACK] - 0x1000)
-        self.heap_top, self.blocks = HEAP, {}  # address -> size
+        self.heap_top, self.blocks, self.freed = HEAP, {}, {}  # address -> size
         self.data_top, self.imports = DATA, {}  # name -> address
         self.exits, self.calls = [], Counter()
         self.add_exit("", None)  # where a call from outside ends
@@ -69,10 +70,10 @@ class Program:
     def allocate(self, size, alignment=16, content=b""):
         """Memory that is never allocated a second time, so that a use after its end is seen."""
         address = self.heap_top + alignment - 1 & -alignment
-        self.heap_top = address + max(size, 1) + 15 & -16
+        self.heap_top = address + size + 31 & -16
         if self.heap_top > HEAP + SIZES[HEAP]:
             raise Fault("the heap is full")
-        self.write(address, content + b"\xaa" * (size - len(content)))
+        self.write(address, content + b"\xaa" * (size - len(content)) + GUARD)
         self.blocks[address] = size
         return address
 
@@ -80,7 +81,20 @@ class Program:
         if address and address not in self.blocks:
             raise Fault(f"free of {address:#x}, which is not allocated")
         if address:
-            self.write(address, b"\xdd" * self.blocks.pop(address))
+            self.check_guard(address)
+            self.freed[address] = self.blocks.pop(address)
+            self.write(address, b"\xdd" * self.freed[address])
+
+    def check_guard(self, address):
+        if self.read(address + self.blocks[address], len(GUARD)) != GUARD:
+            raise Fault(f"memory after the {self.blocks[address]} bytes at {address:#x} was written")
+
+    def check_heap(self):
+        for address in self.blocks:
+            self.check_guard(address)
+        for address, size in self.freed.items():
+            if self.read(address, size) != b"\xdd" * size:
+                raise Fault(f"freed memory at {address:#x} was written")
 
     def place(self, data):
         address, self.data_top = self.data_top, self.data_top + len(data) + 15 & -16

@@ -50,9 +50,8 @@ CardWindowMacOS::CardWindowMacOS(const WindowSettings& settings, Clock clock)
 
 CardWindowMacOS::~CardWindowMacOS() {
     if (stage_) stage_->root().onPointerMoved = nullptr;
+    // A panel whose event is being handled outlives this object.
     panel_.onPrimaryButton = [](NSEventType, NSPoint) {};
-    // A panel that is destroyed in its own event must last until the event's end.
-    CFAutorelease((__bridge_retained CFTypeRef)panel_);
 }
 
 long CardWindowMacOS::number() const { return panel_.windowNumber; }

@@ -14,5 +14,4 @@ extern "C" {
 CFTypeID CFGetTypeID(CFTypeRef cf);
 CFTypeRef CFRetain(CFTypeRef cf);
 void CFRelease(CFTypeRef cf);
-CFTypeRef CFAutorelease(CFTypeRef arg);
 }
