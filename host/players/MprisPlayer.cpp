@@ -15,8 +15,10 @@ constexpr Duration kFreshness = std::chrono::seconds{1};
 
 }  // namespace
 
-MprisPlayer::MprisPlayer(Services services, std::optional<std::string> onlyNamed)
+MprisPlayer::MprisPlayer(Services services, Observable<Settings>& settings,
+                         std::optional<std::string> onlyNamed)
     : services_(std::move(services)),
+      settings_(settings),
       onlyNamed_(std::move(onlyNamed)),
       log_(services_.log, kIdentifierPrefix, "players"),
       artwork_(services_.files, services_.mainThread,
@@ -24,7 +26,8 @@ MprisPlayer::MprisPlayer(Services services, std::optional<std::string> onlyNamed
                [this] {
                    if (onChanged) onChanged();
                }),
-      observation_(services_.players.observe([this] { follow(); })) {
+      observation_(services_.players.observe([this] { follow(); })),
+      settingsObservation_(settings_.subscribe([this] { follow(); })) {
     follow();
 }
 

@@ -10,8 +10,10 @@
 #include "host/players/MprisPlayback.hpp"
 #include "host/players/PlayerChoice.hpp"
 #include "host/players/PlayerSource.hpp"
+#include "host/settings/Settings.hpp"
 #include "platform/Log.hpp"
 #include "platform/MediaPlayers.hpp"
+#include "platform/Observable.hpp"
 #include "platform/SoundServer.hpp"
 
 namespace quorvane {
@@ -30,8 +32,9 @@ public:
         LogSink log;
     };
 
-    // With a name, only players of that name are followed.
-    MprisPlayer(Services services, std::optional<std::string> onlyNamed);
+    // With a name, only players of that name are followed. The settings outlive the player.
+    MprisPlayer(Services services, Observable<Settings>& settings,
+                std::optional<std::string> onlyNamed);
 
     PlayerSnapshot snapshot() const override;
     bool perform(QuorvaneAction action) override;
@@ -49,6 +52,7 @@ private:
     bool carryOut(const std::string& busName, const std::optional<MprisCommand>& command);
 
     Services services_;
+    Observable<Settings>& settings_;
     std::optional<std::string> onlyNamed_;
     Logger log_;
     PlayerChoice choice_;
@@ -58,7 +62,9 @@ private:
     std::optional<Instant> freshenedAt_;
     ArtworkLoader artwork_;
     Handle soundObservation_;
-    Handle observation_;  // last, because its callback uses all members above
+    // Last, because their callbacks use all members above.
+    Handle observation_;
+    Handle settingsObservation_;
 };
 
 }  // namespace quorvane

@@ -45,7 +45,7 @@ protected:
                 .mainThread = main.mainThread(),
                 .makeSerialQueue = queues.make(),
                 .log = {}},
-            std::move(onlyNamed));
+            settings, std::move(onlyNamed));
         player->onChanged = [this] { ++changes; };
     }
     void say(const std::string& what, double volume) {
@@ -99,6 +99,7 @@ protected:
     }
     std::string takeSaid() { return std::exchange(said, {}); }
 
+    Observable<Settings> settings;
     ManualClock clock;
     ManualMainThread main;
     MemoryFiles files;
