@@ -5,6 +5,7 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "host/players/MprisTranslation.hpp"
+#include "host/players/PlayerPrivacy.hpp"
 
 namespace quorvane {
 
@@ -41,10 +42,12 @@ const MediaPlayer* MprisPlayer::current() const {
 PlayerSnapshot MprisPlayer::snapshot() const {
     const MediaPlayer* player = current();
     if (!player || !playback_) return {};
-    PlayerSnapshot snapshot{playerStateOf(*player), playback_->anchor};
+    const Privacy privacy = privacyOf(*player, settings_.get());
+    PlayerSnapshot snapshot{withheld(playerStateOf(*player), *player, privacy), playback_->anchor};
     snapshot.state.volume = std::lround(PlayerVolume::of(*player, sound_).level * 100);
     snapshot.state.isMuted = snapshot.state.volume == 0;
-    if (snapshot.state.track) snapshot.state.track->artworkData = artwork_.picture();
+    if (snapshot.state.track && privacy == Privacy::full)
+        snapshot.state.track->artworkData = artwork_.picture();
     return snapshot;
 }
 
@@ -61,11 +64,19 @@ void MprisPlayer::follow() {
 }
 
 void MprisPlayer::choose(PlayerChoice choice) {
-    if (choice.current != choice_.current)
-        log_.info("players: following %{public}s", choice.current.value_or("none"));
+    const bool isNew = choice.current != choice_.current;
     choice_ = std::move(choice);
+    if (isNew) logCurrent();
     followCurrent();
     if (onChanged) onChanged();
+}
+
+void MprisPlayer::logCurrent() const {
+    const MediaPlayer* player = current();
+    const bool hasName = player && privacyOf(*player, settings_.get()) != Privacy::controls;
+    log_.info("players: following %{public}s", !player   ? "none"
+                                               : hasName ? player->busName
+                                                         : "a player");
 }
 
 void MprisPlayer::followCurrent() {
@@ -85,7 +96,9 @@ void MprisPlayer::followCurrent() {
     const PlayerVolume volume = PlayerVolume::of(*player, sound_);
     if (volume.owner != PlayerVolume::Owner::none && volume.level > 0)
         volumeBeforeMute_ = volume.level;
-    artwork_.want(player->busName + ' ' + playback_->trackKey, artworkURLOf(*player));
+    const bool showsArtwork = privacyOf(*player, settings_.get()) == Privacy::full;
+    artwork_.want(player->busName + ' ' + playback_->trackKey,
+                  showsArtwork ? artworkURLOf(*player) : "");
 }
 
 // If the server was not available, retries with each new track and each pause.

@@ -46,6 +46,7 @@ private:
     const MediaPlayer* current() const;
     void follow();
     void followCurrent();
+    void logCurrent() const;
     void choose(PlayerChoice choice);
     void followSound(const MediaPlayer& player, bool looksAgain);
     void heardSound(SoundLevels levels);

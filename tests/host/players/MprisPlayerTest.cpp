@@ -9,6 +9,7 @@
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/ManualSerialQueues.hpp"
 #include "tests/support/MemoryFiles.hpp"
+#include "tests/support/RecordingLog.hpp"
 
 namespace quorvane {
 namespace {
@@ -44,7 +45,7 @@ protected:
                 .clock = clock.clock(),
                 .mainThread = main.mainThread(),
                 .makeSerialQueue = queues.make(),
-                .log = {}},
+                .log = log.sink()},
             settings, std::move(onlyNamed));
         player->onChanged = [this] { ++changes; };
     }
@@ -100,6 +101,7 @@ protected:
     std::string takeSaid() { return std::exchange(said, {}); }
 
     Observable<Settings> settings;
+    RecordingLog log;
     ManualClock clock;
     ManualMainThread main;
     MemoryFiles files;
@@ -213,6 +215,28 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     queues.runNext(kQueue);
     player.reset();
     EXPECT_EQ(main.run(), 1) << "the result arrives after the end";
+}
+
+TEST_F(MprisPlayerTest, WithholdsWhatItsPrivacyForbidsFromTheFirstStateOn) {
+    files.put("/cover.png", "cover");
+    settings.set({.privacyOf = {{"mpv", Privacy::controls}, {"mpv.own", Privacy::player}}});
+    startSong("file:///cover.png");
+    read();
+    EXPECT_EQ(files.reads, 0) << "not even read";
+    EXPECT_EQ(track(), (XPCTrack{.title = "", .artist = "", .duration = 100}));
+    EXPECT_FALSE(log.contains("players: following org.mpris.MediaPlayer2.mpv"));
+    EXPECT_TRUE(player->perform(QuorvaneAction::nextTrack));
+    players[0].busName += ".own";
+    players[0].identity = "Own player";
+    announce();
+    EXPECT_EQ(track(), (XPCTrack{.title = "Own player", .artist = "", .duration = 100}));
+    changes = 0;
+    settings.set({});
+    EXPECT_EQ(changes, 1);
+    read();
+    EXPECT_EQ(track().title + ' ' + artwork(), "song cover");
+    settings.set({.privacy = Privacy::player});
+    EXPECT_EQ(track().title + ' ' + artwork(), "Own player ");
 }
 
 TEST_F(MprisPlayerTest, CommandsTheChosenPlayer) {
