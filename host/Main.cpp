@@ -23,6 +23,8 @@ namespace {
 
 using Command = HostCommandLine::Command;
 
+constexpr Duration kPlayersPatience = std::chrono::milliseconds{500};
+
 void print(const std::string& text) { std::fputs(text.c_str(), stdout); }
 
 void say(const std::string& sentence) {
@@ -69,6 +71,7 @@ HostCoordinator::Services coordinatorServices(const LiveServices& services) {
             .clock = services.clock,
             .wallClock = services.wallClock,
             .darwinNotices = services.darwinNotices,
+            .distributedNotices = services.distributedNotices,
             .sharedSuite = sharedSuite(services)};
 }
 
@@ -195,6 +198,40 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
     return ended == 0 ? status : kHostFailed;
 }
 
+// A serving host is asked, because its choice depends on what it has seen. Otherwise this process
+// chooses as a host that starts now would.
+int tellPlayers(const LiveServices& services) {
+    StoredSettings settings{services.standardDefaults, services.darwinNotices};
+    const bool isServed = services.connectPort(std::string{kMessagePortBaseName}) != nullptr;
+    int status = kHostFailed;
+    std::unique_ptr<PlayerSource> here;
+    Handle answer;
+    Timer patience;
+    const auto tell = [&](const PlayerList& list) {
+        print(list.text());
+        status = kHostDone;
+        services.application.terminate();
+    };
+    const auto begin = [&] {
+        if (isServed) {
+            answer = services.distributedNotices.observe(
+                PlayerList::kAnswer,
+                [&](const PropertyDictionary& userInfo) { tell(PlayerList::of(userInfo)); });
+            services.distributedNotices.post(PlayerList::kRequest, {});
+        } else {
+            here = *makePlayer({}, services, settings);
+            say("no host is running; one that starts now chooses so:");
+        }
+        patience = services.clock.after(kPlayersPatience, [&] {
+            if (here) return tell(here->players());
+            fail("the host did not answer; stop it and start it again");
+            services.application.terminate();
+        });
+    };
+    const int ended = services.application.run(begin, [] {});
+    return ended == 0 ? status : kHostFailed;
+}
+
 int setSettings(const HostCommandLine& line, const LiveServices& services) {
     StoredSettings settings{services.standardDefaults, services.darwinNotices};
     const auto outcome =
@@ -220,6 +257,7 @@ int main(int argumentCount, char** arguments) {
     switch (line->command) {
         case Command::status: return tellStatus(*services);
         case Command::run: return run(*line, *services);
+        case Command::players: return tellPlayers(*services);
         case Command::set:
         case Command::unset: return setSettings(*line, *services);
         default: return controlAddOn(*line, *services);

@@ -13,6 +13,16 @@ namespace {
 
 // The minimum interval between requests to a player, however many clients ask for the state.
 constexpr Duration kFreshness = std::chrono::seconds{1};
+constexpr Duration kIdleTolerance = std::chrono::seconds{5};
+
+std::string stateText(const MediaPlayer& player) {
+    if (player.isSilent) return PlayerList::kSilent;
+    switch (playerStateOf(player).playerState) {
+        case XPCPlayerState::playing: return "playing";
+        case XPCPlayerState::paused: return "paused";
+        default: return "stopped";
+    }
+}
 
 }  // namespace
 
@@ -51,22 +61,60 @@ PlayerSnapshot MprisPlayer::snapshot() const {
     return snapshot;
 }
 
+std::string_view MprisPlayer::obstacleOf(const MediaPlayer& player, bool hasTrack) const {
+    const auto isThis = [&](const std::string& name) { return isNamed(player, name); };
+    if (player.isSilent) return "does not answer";
+    if (isThis("playerctld")) return "relays another player";
+    if (onlyNamed_ && !isThis(*onlyNamed_)) return "excluded by --only";
+    if (std::ranges::any_of(settings_.get().ignored, isThis))
+        return "ignored (see the setting ignore)";
+    return hasTrack ? "" : "has no track";
+}
+
 void MprisPlayer::follow() {
     std::vector<PlayerCandidate> candidates;
+    const auto& preferred = settings_.get().preferred;
     for (const MediaPlayer& player : services_.players.list()) {
-        if (isNamed(player, "playerctld")) continue;  // it mirrors another player
-        if (onlyNamed_ && !isNamed(player, *onlyNamed_)) continue;
         const QuorvanePlayerState state = playerStateOf(player);
-        if (state.track)
-            candidates.push_back({player.busName, state.playerState, isNameless(player)});
+        const auto isThis = [&](const std::string& name) { return isNamed(player, name); };
+        const auto preference = std::ranges::find_if(preferred, isThis) - preferred.begin();
+        candidates.push_back({.name = player.busName,
+                              .state = state.playerState,
+                              .track = trackKeyOf(player),
+                              .isNameless = isNameless(player),
+                              .canBeControlled = allows(player, "CanControl"),
+                              .preference = static_cast<std::size_t>(preference),
+                              .obstacle = obstacleOf(player, state.track.has_value())});
     }
-    choose(choice_.applying(candidates));
+    const Duration idleTime = settings_.get().idleTime;
+    choose(choice_.applying(candidates, services_.clock.now(), idleTime));
+}
+
+// A few seconds do not matter, so the wake-up may be shared with another one.
+void MprisPlayer::awaitIdleness() {
+    const auto idleAt = choice_.idleAt(settings_.get().idleTime);
+    if (idleAt == idleAt_) return;
+    idleAt_ = idleAt;
+    idleTimer_.reset();
+    if (idleAt)
+        idleTimer_ = services_.clock.afterAbout(*idleAt - services_.clock.now(), kIdleTolerance,
+                                                [this] { follow(); });
+}
+
+PlayerList MprisPlayer::players() const {
+    PlayerList list;
+    for (const MediaPlayer& player : services_.players.list())
+        if (choice_.known.contains(player.busName))
+            list.rows.push_back({std::string{nameOnBus(player)}, stateText(player),
+                                 std::string{choice_.standingOf(player.busName)}});
+    return list;
 }
 
 void MprisPlayer::choose(PlayerChoice choice) {
     const bool isNew = choice.current != choice_.current;
     choice_ = std::move(choice);
     if (isNew) logCurrent();
+    awaitIdleness();
     followCurrent();
     if (onChanged) onChanged();
 }
@@ -121,7 +169,7 @@ void MprisPlayer::heardSound(SoundLevels levels) {
 
 bool MprisPlayer::perform(QuorvaneAction action) {
     if (action == QuorvaneAction::switchPlayer) {
-        choose(choice_.switching());
+        choose(choice_.switching(services_.clock.now()));
         return true;
     }
     const MediaPlayer* player = current();

@@ -134,6 +134,33 @@ TEST_F(MprisPlayerTest, FollowsThePlayerThatPlays) {
     EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
 }
 
+TEST_F(MprisPlayerTest, ListsThePlayersAndDropsThoseThatAreIgnoredSilentOrIdle) {
+    settings.set({.ignored = {"VLC"}, .preferred = {"mpv"}});
+    start();
+    add("vlc.instance1", "Playing", "film");
+    add("firefox", "Playing", "clip");
+    add("mpv", "Playing", "song");
+    EXPECT_EQ(PlayerList::of(player->players().userInfo()).text(),
+              "PLAYER         STATE\n"
+              "vlc.instance1  playing  ignored (see the setting ignore)\n"
+              "firefox        playing  another one is preferred\n"
+              "mpv            playing  followed: it plays\n");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    change("PlaybackStatus", text("Paused"));
+    players[1].isSilent = true;
+    announce();
+    EXPECT_EQ(track().title, "song") << "the one that plays does not answer";
+    EXPECT_EQ(player->players().rows[1], (PlayerRow{"firefox", "silent", "does not answer"}));
+    changes = 0;
+    clock.advance(10min + 5s);
+    EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    settings.set({.idleTime = 0min, .ignored = {"vlc"}});
+    EXPECT_EQ(track().title, "song");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
 TEST_F(MprisPlayerTest, ExtrapolatesThePositionBetweenReports) {
     startSong();
     tellPosition(20);
