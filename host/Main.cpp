@@ -12,6 +12,7 @@
 #include "host/addon/HostCommandLine.hpp"
 #include "host/addon/HostStatusQuery.hpp"
 #include "host/link/HostCoordinator.hpp"
+#include "host/players/LockPauser.hpp"
 #include "host/players/MprisPlayer.hpp"
 #include "host/players/ScriptedPlayer.hpp"
 #include "host/settings/StoredSettings.hpp"
@@ -42,14 +43,15 @@ std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
 
 std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostCommandLine& line,
                                                                      const LiveServices& services,
-                                                                     StoredSettings& settings) {
+                                                                     StoredSettings& settings,
+                                                                     MediaPlayers players) {
     if (line.script) {
         auto script = readScript(*line.script, makeLiveRegularFiles());
         if (!script) return std::unexpected{script.error()};
         return std::make_unique<ScriptedPlayer>(*std::move(script), services.clock);
     }
     return std::make_unique<MprisPlayer>(
-        MprisPlayer::Services{.players = makeLiveMediaPlayers(services),
+        MprisPlayer::Services{.players = std::move(players),
                               .soundServer = makeLiveSoundServer(services),
                               .files = makeLiveRegularFiles(),
                               .clock = services.clock,
@@ -119,7 +121,8 @@ AddOnCommands::Services addOnServices(const LiveServices& services) {
 
 int run(const HostCommandLine& line, const LiveServices& services) {
     StoredSettings settings{services.standardDefaults, services.darwinNotices};
-    auto player = makePlayer(line, services, settings);
+    const auto players = line.script ? MediaPlayers{} : makeLiveMediaPlayers(services);
+    auto player = makePlayer(line, services, settings, players);
     if (!player) return fail(player.error());
     const AddOnCommands::Services addOn = addOnServices(services);
     if (addOn.problems.ports) return fail(*addOn.problems.ports);
@@ -127,7 +130,16 @@ int run(const HostCommandLine& line, const LiveServices& services) {
     HostCoordinator host{coordinatorServices(services), *std::move(player)};
     DeliveredRemoval removal{addOn, {services.log, kIdentifierPrefix, "host"}};
     host.onRemovalDelivered = [&removal] { removal.delivered(); };
-    host.onServing = [&host] {
+    std::optional<LockPauser> pauser;
+    host.onServing = [&] {
+        if (!line.script)
+            pauser.emplace(
+                LockPauser::Services{
+                    .players = players,
+                    .notices = services.distributedNotices,
+                    .makeLockSources = [&services] { return makeLiveLockSources(services); },
+                    .log = services.log},
+                settings.current(), line.onlyPlayer);
         say("serving; press Ctrl-C to stop");
         if (!host.hasSecret()) say("without a connection secret no add-on can connect");
     };
@@ -219,7 +231,7 @@ int tellPlayers(const LiveServices& services) {
                 [&](const PropertyDictionary& userInfo) { tell(PlayerList::of(userInfo)); });
             services.distributedNotices.post(PlayerList::kRequest, {});
         } else {
-            here = *makePlayer({}, services, settings);
+            here = *makePlayer({}, services, settings, makeLiveMediaPlayers(services));
             say("no host is running; one that starts now chooses so:");
         }
         patience = services.clock.after(kPlayersPatience, [&] {

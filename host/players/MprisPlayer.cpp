@@ -5,7 +5,7 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "host/players/MprisTranslation.hpp"
-#include "host/players/PlayerPrivacy.hpp"
+#include "host/players/PlayerRules.hpp"
 
 namespace quorvane {
 
@@ -61,30 +61,19 @@ PlayerSnapshot MprisPlayer::snapshot() const {
     return snapshot;
 }
 
-std::string_view MprisPlayer::obstacleOf(const MediaPlayer& player, bool hasTrack) const {
-    const auto isThis = [&](const std::string& name) { return isNamed(player, name); };
-    if (player.isSilent) return "does not answer";
-    if (isThis("playerctld")) return "relays another player";
-    if (onlyNamed_ && !isThis(*onlyNamed_)) return "excluded by --only";
-    if (std::ranges::any_of(settings_.get().ignored, isThis))
-        return "ignored (see the setting ignore)";
-    return hasTrack ? "" : "has no track";
-}
-
 void MprisPlayer::follow() {
     std::vector<PlayerCandidate> candidates;
     const auto& preferred = settings_.get().preferred;
     for (const MediaPlayer& player : services_.players.list()) {
-        const QuorvanePlayerState state = playerStateOf(player);
         const auto isThis = [&](const std::string& name) { return isNamed(player, name); };
         const auto preference = std::ranges::find_if(preferred, isThis) - preferred.begin();
         candidates.push_back({.name = player.busName,
-                              .state = state.playerState,
+                              .state = playerStateOf(player).playerState,
                               .track = trackKeyOf(player),
                               .isNameless = isNameless(player),
                               .canBeControlled = allows(player, "CanControl"),
                               .preference = static_cast<std::size_t>(preference),
-                              .obstacle = obstacleOf(player, state.track.has_value())});
+                              .obstacle = obstacleOf(player, settings_.get(), onlyNamed_)});
     }
     const Duration idleTime = settings_.get().idleTime;
     choose(choice_.applying(candidates, services_.clock.now(), idleTime));

@@ -45,7 +45,6 @@ public:
 
 private:
     const MediaPlayer* current() const;
-    std::string_view obstacleOf(const MediaPlayer& player, bool hasTrack) const;
     void follow();
     void awaitIdleness();
     void followCurrent();

@@ -4,7 +4,9 @@
 
 #include <cmath>
 
+#include "host/players/LockPauser.hpp"
 #include "platform/Listeners.hpp"
+#include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/ManualSerialQueues.hpp"
@@ -22,18 +24,19 @@ PropertyValue text(std::string value) { return {std::move(value)}; }
 
 class MprisPlayerTest : public testing::Test {
 protected:
+    MediaPlayers table() {
+        return {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
+                .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
+                .refresh = [this](const auto&) { said += "refresh "; },
+                .call = [this](const auto&, const auto& method) { said += method + ' '; },
+                .set = [this](const auto&, const auto& property,
+                              const PropertyValue& value) { say(property, *value.as<double>()); },
+                .raise = [this](const auto&) { said += "raise "; }};
+    }
     void start(std::optional<std::string> onlyNamed = std::nullopt) {
         player.emplace(
             MprisPlayer::Services{
-                .players = {
-                    .list = [this]() -> const std::vector<MediaPlayer>& { return players; },
-                    .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
-                    .refresh = [this](const auto&) { said += "refresh "; },
-                    .call = [this](const auto&, const auto& method) { said += method + ' '; },
-                    .set = [this](
-                               const auto&, const auto& property,
-                               const PropertyValue& value) { say(property, *value.as<double>()); },
-                    .raise = [this](const auto&) { said += "raise "; }},
+                .players = table(),
                 .soundServer = {.observe =
                                     [this](auto handler) {
                                         ++soundObservations;
@@ -89,6 +92,34 @@ protected:
         player->refresh();
     }
 
+    // With a lock that the test makes by its notices.
+    LockPauser makePauser() {
+        return {{.players = table(),
+                 .notices = notices.distributed(),
+                 .makeLockSources =
+                     [this] {
+                         ++watches;
+                         return LockSources{
+                             .sessionDictionary =
+                                 [this] {
+                                     return PropertyValue{PropertyDictionary{
+                                         {"CGSSessionScreenIsLocked", {isLocked}}}};
+                                 },
+                             .observeWake =
+                                 [this](auto handler) { return wakes.add(std::move(handler)); },
+                             .notifyRegisterCheck = {},
+                             .notifyGetState = {},
+                             .notifyCancel = {}};
+                     },
+                 .log = log.sink()},
+                settings,
+                std::nullopt};
+    }
+    void lock(bool locks) {
+        isLocked = locks;
+        notices.deliver(locks ? kScreenIsLocked : kScreenIsUnlocked);
+    }
+
     XPCTrack track() const { return player->snapshot().state.track.value_or(XPCTrack{}); }
     std::string artwork() const {
         const auto picture = track().artworkData;
@@ -109,6 +140,10 @@ protected:
     std::vector<MediaPlayer> players;
     Listeners<> listeners;
     std::string said;
+    FakeNotices notices;
+    Listeners<> wakes;
+    int watches = 0;
+    bool isLocked = false;
     std::function<void(SoundLevels)> onSound;
     int soundObservations = 0;
     int soundObservationsEnded = 0;
@@ -264,6 +299,58 @@ TEST_F(MprisPlayerTest, WithholdsWhatItsPrivacyForbidsFromTheFirstStateOn) {
     EXPECT_EQ(track().title + ' ' + artwork(), "song cover");
     settings.set({.privacy = Privacy::player});
     EXPECT_EQ(track().title + ' ' + artwork(), "Own player ");
+}
+
+TEST_F(MprisPlayerTest, PausesAtALockAndResumesOnlyWhatNothingElseTouched) {
+    add("mpv", "Playing", "song");
+    const LockPauser pauser = makePauser();
+    lock(true);
+    EXPECT_EQ(watches, 0) << "nothing is watched by default";
+    settings.set({.pauseOnLock = true, .resumeOnUnlock = true});
+    // What the player reports during the lock, before the unlock.
+    const std::pair<std::vector<const char*>, const char*> rows[] = {
+        {{}, "Pause Play "},
+        {{"Paused"}, "Pause Play "},
+        {{"Playing", "Paused"}, "Pause Play "},
+        {{"Paused", "Playing"}, "Pause "},
+        {{"Paused", "Playing", "Paused"}, "Pause "},
+        {{"Paused", "Stopped"}, "Pause "},
+    };
+    for (const auto& [reports, expected] : rows) {
+        change("PlaybackStatus", text("Playing"));
+        lock(true);
+        for (const char* report : reports) change("PlaybackStatus", text(report));
+        lock(false);
+        lock(false);
+        EXPECT_EQ(takeSaid(), expected) << testing::PrintToString(reports);
+    }
+    change("PlaybackStatus", text("Playing"));
+    lock(true);
+    play("next song");
+    lock(false);
+    EXPECT_EQ(takeSaid(), "Pause ") << "another track";
+    settings.set({.pauseOnLock = true});
+    lock(true);
+    lock(false);
+    EXPECT_EQ(takeSaid(), "Pause ") << "not to be resumed";
+    settings.set({.pauseOnLock = true, .ignored = {"mpv"}});
+    lock(true);
+    settings.set({.quietWake = true});
+    lock(true);
+    change("CanPause", {false});
+    wakes.call();
+    change("CanPause", {true});
+    EXPECT_EQ(takeSaid(), "");
+    wakes.call();
+    lock(false);
+    wakes.call();
+    EXPECT_EQ(takeSaid(), "Pause ") << "once, while locked";
+    settings.set({});
+    lock(true);
+    wakes.call();
+    EXPECT_EQ(takeSaid(), "");
+    EXPECT_EQ(watches, 1);
+    EXPECT_EQ(notices.observerCount(), 0u);
 }
 
 TEST_F(MprisPlayerTest, CommandsTheChosenPlayer) {
