@@ -25,7 +25,7 @@ std::string playing(const QuorvanePlayerState& state, WallTime now) {
         state.playerPosition + (isPlaying ? secondsBetween(state.timestamp, now) : 0);
     std::string text = isPlaying ? "playing" : "paused";
     if (state.playerState == XPCPlayerState::stopped) text = "stopped";
-    text += " \"" + printable(state.track->title) + "\"";
+    if (!state.track->title.empty()) text += " \"" + printable(state.track->title) + "\"";
     if (!state.track->artist.empty()) text += " by " + printable(state.track->artist);
     text += " (" + minutes(position);
     if (state.track->duration) text += " of " + minutes(*state.track->duration);

@@ -74,10 +74,10 @@ TEST(HostStatus, IsAFewLinesOfText) {
          "Install: not installed (run: quorvane-host install)\n"
          "Add-on:  running, version 1.2.1, not connected; needs an update that supports system "
          "26.1.0\n"},
-        {{.state = playing(XPCPlayerState::stopped, 1e300, {"A", ""}),
+        {{.state = playing(XPCPlayerState::stopped, 1e300, {"", ""}),
           .hasSharedDefaults = true,
           .silentPlayers = {"vlc"}},
-         "Host:    running, stopped \"A\" (150000000000000:00)\n"
+         "Host:    running, stopped (150000000000000:00)\n"
          "Card:    off\n"
          "Install: not installed (run: quorvane-host install)\n"
          "Add-on:  not running; never seen\n"
