@@ -5,6 +5,7 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "host/players/MprisTranslation.hpp"
+#include "host/players/PlayerRules.hpp"
 
 namespace quorvane {
 
@@ -12,11 +13,23 @@ namespace {
 
 // The minimum interval between requests to a player, however many clients ask for the state.
 constexpr Duration kFreshness = std::chrono::seconds{1};
+constexpr Duration kIdleTolerance = std::chrono::seconds{5};
+
+std::string stateText(const MediaPlayer& player) {
+    if (player.isSilent) return PlayerList::kSilent;
+    switch (playerStateOf(player).playerState) {
+        case XPCPlayerState::playing: return "playing";
+        case XPCPlayerState::paused: return "paused";
+        default: return "stopped";
+    }
+}
 
 }  // namespace
 
-MprisPlayer::MprisPlayer(Services services, std::optional<std::string> onlyNamed)
+MprisPlayer::MprisPlayer(Services services, Observable<Settings>& settings,
+                         std::optional<std::string> onlyNamed)
     : services_(std::move(services)),
+      settings_(settings),
       onlyNamed_(std::move(onlyNamed)),
       log_(services_.log, kIdentifierPrefix, "players"),
       artwork_(services_.files, services_.mainThread,
@@ -24,7 +37,8 @@ MprisPlayer::MprisPlayer(Services services, std::optional<std::string> onlyNamed
                [this] {
                    if (onChanged) onChanged();
                }),
-      observation_(services_.players.observe([this] { follow(); })) {
+      observation_(services_.players.observe([this] { follow(); })),
+      settingsObservation_(settings_.subscribe([this] { follow(); })) {
     follow();
 }
 
@@ -38,31 +52,68 @@ const MediaPlayer* MprisPlayer::current() const {
 PlayerSnapshot MprisPlayer::snapshot() const {
     const MediaPlayer* player = current();
     if (!player || !playback_) return {};
-    PlayerSnapshot snapshot{playerStateOf(*player), playback_->anchor};
+    const Privacy privacy = privacyOf(*player, settings_.get());
+    PlayerSnapshot snapshot{withheld(playerStateOf(*player), *player, privacy), playback_->anchor};
     snapshot.state.volume = std::lround(PlayerVolume::of(*player, sound_).level * 100);
     snapshot.state.isMuted = snapshot.state.volume == 0;
-    if (snapshot.state.track) snapshot.state.track->artworkData = artwork_.picture();
+    if (snapshot.state.track && privacy == Privacy::full)
+        snapshot.state.track->artworkData = artwork_.picture();
     return snapshot;
 }
 
 void MprisPlayer::follow() {
     std::vector<PlayerCandidate> candidates;
+    const auto& preferred = settings_.get().preferred;
     for (const MediaPlayer& player : services_.players.list()) {
-        if (isNamed(player, "playerctld")) continue;  // it mirrors another player
-        if (onlyNamed_ && !isNamed(player, *onlyNamed_)) continue;
-        const QuorvanePlayerState state = playerStateOf(player);
-        if (state.track)
-            candidates.push_back({player.busName, state.playerState, isNameless(player)});
+        const auto isThis = [&](const std::string& name) { return isNamed(player, name); };
+        const auto preference = std::ranges::find_if(preferred, isThis) - preferred.begin();
+        candidates.push_back({.name = player.busName,
+                              .state = playerStateOf(player).playerState,
+                              .track = trackKeyOf(player),
+                              .isNameless = isNameless(player),
+                              .canBeControlled = allows(player, "CanControl"),
+                              .preference = static_cast<std::size_t>(preference),
+                              .obstacle = obstacleOf(player, settings_.get(), onlyNamed_)});
     }
-    choose(choice_.applying(candidates));
+    const Duration idleTime = settings_.get().idleTime;
+    choose(choice_.applying(candidates, services_.clock.now(), idleTime));
+}
+
+// A few seconds do not matter, so the wake-up may be shared with another one.
+void MprisPlayer::awaitIdleness() {
+    const auto idleAt = choice_.idleAt(settings_.get().idleTime);
+    if (idleAt == idleAt_) return;
+    idleAt_ = idleAt;
+    idleTimer_.reset();
+    if (idleAt)
+        idleTimer_ = services_.clock.afterAbout(*idleAt - services_.clock.now(), kIdleTolerance,
+                                                [this] { follow(); });
+}
+
+PlayerList MprisPlayer::players() const {
+    PlayerList list;
+    for (const MediaPlayer& player : services_.players.list())
+        if (choice_.known.contains(player.busName))
+            list.rows.push_back({std::string{nameOnBus(player)}, stateText(player),
+                                 std::string{choice_.standingOf(player.busName)}});
+    return list;
 }
 
 void MprisPlayer::choose(PlayerChoice choice) {
-    if (choice.current != choice_.current)
-        log_.info("players: following %{public}s", choice.current.value_or("none"));
+    const bool isNew = choice.current != choice_.current;
     choice_ = std::move(choice);
+    if (isNew) logCurrent();
+    awaitIdleness();
     followCurrent();
     if (onChanged) onChanged();
+}
+
+void MprisPlayer::logCurrent() const {
+    const MediaPlayer* player = current();
+    const bool hasName = player && privacyOf(*player, settings_.get()) != Privacy::controls;
+    log_.info("players: following %{public}s", !player   ? "none"
+                                               : hasName ? player->busName
+                                                         : "a player");
 }
 
 void MprisPlayer::followCurrent() {
@@ -82,7 +133,9 @@ void MprisPlayer::followCurrent() {
     const PlayerVolume volume = PlayerVolume::of(*player, sound_);
     if (volume.owner != PlayerVolume::Owner::none && volume.level > 0)
         volumeBeforeMute_ = volume.level;
-    artwork_.want(player->busName + ' ' + playback_->trackKey, artworkURLOf(*player));
+    const bool showsArtwork = privacyOf(*player, settings_.get()) == Privacy::full;
+    artwork_.want(player->busName + ' ' + playback_->trackKey,
+                  showsArtwork ? artworkURLOf(*player) : "");
 }
 
 // If the server was not available, retries with each new track and each pause.
@@ -105,7 +158,7 @@ void MprisPlayer::heardSound(SoundLevels levels) {
 
 bool MprisPlayer::perform(QuorvaneAction action) {
     if (action == QuorvaneAction::switchPlayer) {
-        choose(choice_.switching());
+        choose(choice_.switching(services_.clock.now()));
         return true;
     }
     const MediaPlayer* player = current();

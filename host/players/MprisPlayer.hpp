@@ -10,8 +10,10 @@
 #include "host/players/MprisPlayback.hpp"
 #include "host/players/PlayerChoice.hpp"
 #include "host/players/PlayerSource.hpp"
+#include "host/settings/Settings.hpp"
 #include "platform/Log.hpp"
 #include "platform/MediaPlayers.hpp"
+#include "platform/Observable.hpp"
 #include "platform/SoundServer.hpp"
 
 namespace quorvane {
@@ -30,35 +32,44 @@ public:
         LogSink log;
     };
 
-    // With a name, only players of that name are followed.
-    MprisPlayer(Services services, std::optional<std::string> onlyNamed);
+    // With a name, only players of that name are followed. The settings outlive the player.
+    MprisPlayer(Services services, Observable<Settings>& settings,
+                std::optional<std::string> onlyNamed);
 
     PlayerSnapshot snapshot() const override;
     bool perform(QuorvaneAction action) override;
     bool setVolume(std::int64_t percent) override;
     bool setRating(std::int64_t) override { return false; }  // MPRIS cannot express it
     void refresh() override;
+    PlayerList players() const override;
 
 private:
     const MediaPlayer* current() const;
     void follow();
+    void awaitIdleness();
     void followCurrent();
+    void logCurrent() const;
     void choose(PlayerChoice choice);
     void followSound(const MediaPlayer& player, bool looksAgain);
     void heardSound(SoundLevels levels);
     bool carryOut(const std::string& busName, const std::optional<MprisCommand>& command);
 
     Services services_;
+    Observable<Settings>& settings_;
     std::optional<std::string> onlyNamed_;
     Logger log_;
     PlayerChoice choice_;
+    std::optional<Instant> idleAt_;
+    Timer idleTimer_;  // runs at `idleAt_`
     std::optional<MprisPlayback> playback_;
     SoundLevels sound_;  // empty while the server is not needed or not available
     double volumeBeforeMute_ = 0.5;
     std::optional<Instant> freshenedAt_;
     ArtworkLoader artwork_;
     Handle soundObservation_;
-    Handle observation_;  // last, because its callback uses all members above
+    // Last, because their callbacks use all members above.
+    Handle observation_;
+    Handle settingsObservation_;
 };
 
 }  // namespace quorvane

@@ -7,6 +7,7 @@
 #include "host/players/FileURL.hpp"
 #include "host/players/PlayerSnapshot.hpp"
 #include "platform/Character.hpp"
+#include "platform/LowerCase.hpp"
 
 namespace quorvane {
 
@@ -21,13 +22,6 @@ const PropertyDictionary& metadataOf(const MediaPlayer& player) {
     static const PropertyDictionary none;
     const auto* metadata = find<PropertyDictionary>(player.properties, "Metadata");
     return metadata ? *metadata : none;
-}
-
-// "mpv.instance7" of "org.mpris.MediaPlayer2.mpv.instance7".
-std::string_view nameOnBus(const MediaPlayer& player) {
-    std::string_view name = player.busName;
-    if (name.starts_with(kNamePrefix)) name.remove_prefix(kNamePrefix.size());
-    return name;
 }
 
 // At most kLongestText bytes, cut at a character boundary.
@@ -115,9 +109,7 @@ std::string titleOf(const MediaPlayer& player) {
         return title;
     if (auto title = fileTitleOf(url); !title.empty()) return title;
     if (auto host = hostNameOf(url); !host.empty()) return host;
-    if (!player.identity.empty()) return withinReason(player.identity);
-    const std::string_view name = nameOnBus(player);
-    return std::string{name.substr(0, name.find('.'))};
+    return playerNameOf(player);
 }
 
 std::optional<double> durationOf(const PropertyDictionary& metadata) {
@@ -184,6 +176,18 @@ QuorvanePlayerState playerStateOf(const MediaPlayer& player) {
     return state;
 }
 
+std::string_view nameOnBus(const MediaPlayer& player) {
+    std::string_view name = player.busName;
+    if (name.starts_with(kNamePrefix)) name.remove_prefix(kNamePrefix.size());
+    return name;
+}
+
+std::string playerNameOf(const MediaPlayer& player) {
+    if (!player.identity.empty()) return withinReason(player.identity);
+    const std::string_view name = nameOnBus(player);
+    return std::string{name.substr(0, name.find('.'))};
+}
+
 std::string artworkURLOf(const MediaPlayer& player) {
     return textOf(metadataOf(player), "mpris:artUrl");
 }
@@ -218,8 +222,9 @@ bool isNameless(const MediaPlayer& player) {
 }
 
 bool isNamed(const MediaPlayer& player, std::string_view name) {
-    const std::string_view rest = nameOnBus(player);
-    return rest.starts_with(name) && (rest.size() == name.size() || rest[name.size()] == '.');
+    const std::string rest = lowerCase(nameOnBus(player));
+    return rest.starts_with(lowerCase(name)) &&
+           (rest.size() == name.size() || rest[name.size()] == '.');
 }
 
 }  // namespace quorvane

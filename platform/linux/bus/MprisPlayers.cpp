@@ -13,8 +13,10 @@ constexpr char kPlayerPath[] = "/org/mpris/MediaPlayer2";
 constexpr char kBus[] = "org.freedesktop.DBus";
 constexpr char kBusPath[] = "/org/freedesktop/DBus";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
-// A player that takes longer counts as hung.
+// A player that takes longer counts as silent.
 constexpr Duration kPatience = std::chrono::seconds{5};
+// A silent player that recovers answers what it was asked, and so returns.
+constexpr Duration kUntilItAnswers = std::chrono::hours{24 * 365};
 
 }  // namespace
 
@@ -97,9 +99,15 @@ void MprisPlayers::describe(Entry& entry) {
     if (entry.description) return;
     if (!entry.isDescribed) askIdentity(entry);
     const BusMethod get{entry.player.busName, kPlayerPath, kBusProperties, "GetAll", {kPlayer}};
-    entry.description = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
+    entry.description = callBus(bus_, get, kUntilItAnswers, [this, &entry](sd_bus_message* reply) {
         entry.description.reset();
+        entry.patience.reset();
+        if (std::exchange(entry.player.isSilent, false)) changed();
         if (reply) onDescription(entry, reply);
+    });
+    entry.patience = clock_.after(kPatience, [this, &entry] {
+        entry.player.isSilent = true;
+        changed();
     });
 }
 
@@ -202,7 +210,7 @@ void MprisPlayers::publish() {
     if (std::exchange(isLost_, false)) entries_.clear();
     list_.clear();
     for (const auto& [name, entry] : entries_)
-        if (entry.isDescribed) list_.push_back(entry.player);
+        if (entry.isDescribed || entry.player.isSilent) list_.push_back(entry.player);
     listeners_.call();
 }
 

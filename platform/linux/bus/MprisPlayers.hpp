@@ -43,6 +43,7 @@ private:
         Handle processID;
         Handle identity;
         Handle description;
+        Timer patience;  // while a description is pending
     };
 
     void findPlayers();

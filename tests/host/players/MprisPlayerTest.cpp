@@ -4,11 +4,14 @@
 
 #include <cmath>
 
+#include "host/players/LockPauser.hpp"
 #include "platform/Listeners.hpp"
+#include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/ManualSerialQueues.hpp"
 #include "tests/support/MemoryFiles.hpp"
+#include "tests/support/RecordingLog.hpp"
 
 namespace quorvane {
 namespace {
@@ -21,18 +24,19 @@ PropertyValue text(std::string value) { return {std::move(value)}; }
 
 class MprisPlayerTest : public testing::Test {
 protected:
+    MediaPlayers table() {
+        return {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
+                .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
+                .refresh = [this](const auto&) { said += "refresh "; },
+                .call = [this](const auto&, const auto& method) { said += method + ' '; },
+                .set = [this](const auto&, const auto& property,
+                              const PropertyValue& value) { say(property, *value.as<double>()); },
+                .raise = [this](const auto&) { said += "raise "; }};
+    }
     void start(std::optional<std::string> onlyNamed = std::nullopt) {
         player.emplace(
             MprisPlayer::Services{
-                .players = {
-                    .list = [this]() -> const std::vector<MediaPlayer>& { return players; },
-                    .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
-                    .refresh = [this](const auto&) { said += "refresh "; },
-                    .call = [this](const auto&, const auto& method) { said += method + ' '; },
-                    .set = [this](
-                               const auto&, const auto& property,
-                               const PropertyValue& value) { say(property, *value.as<double>()); },
-                    .raise = [this](const auto&) { said += "raise "; }},
+                .players = table(),
                 .soundServer = {.observe =
                                     [this](auto handler) {
                                         ++soundObservations;
@@ -44,8 +48,8 @@ protected:
                 .clock = clock.clock(),
                 .mainThread = main.mainThread(),
                 .makeSerialQueue = queues.make(),
-                .log = {}},
-            std::move(onlyNamed));
+                .log = log.sink()},
+            settings, std::move(onlyNamed));
         player->onChanged = [this] { ++changes; };
     }
     void say(const std::string& what, double volume) {
@@ -88,6 +92,34 @@ protected:
         player->refresh();
     }
 
+    // With a lock that the test makes by its notices.
+    LockPauser makePauser() {
+        return {{.players = table(),
+                 .notices = notices.distributed(),
+                 .makeLockSources =
+                     [this] {
+                         ++watches;
+                         return LockSources{
+                             .sessionDictionary =
+                                 [this] {
+                                     return PropertyValue{PropertyDictionary{
+                                         {"CGSSessionScreenIsLocked", {isLocked}}}};
+                                 },
+                             .observeWake =
+                                 [this](auto handler) { return wakes.add(std::move(handler)); },
+                             .notifyRegisterCheck = {},
+                             .notifyGetState = {},
+                             .notifyCancel = {}};
+                     },
+                 .log = log.sink()},
+                settings,
+                std::nullopt};
+    }
+    void lock(bool locks) {
+        isLocked = locks;
+        notices.deliver(locks ? kScreenIsLocked : kScreenIsUnlocked);
+    }
+
     XPCTrack track() const { return player->snapshot().state.track.value_or(XPCTrack{}); }
     std::string artwork() const {
         const auto picture = track().artworkData;
@@ -99,6 +131,8 @@ protected:
     }
     std::string takeSaid() { return std::exchange(said, {}); }
 
+    Observable<Settings> settings;
+    RecordingLog log;
     ManualClock clock;
     ManualMainThread main;
     MemoryFiles files;
@@ -106,6 +140,10 @@ protected:
     std::vector<MediaPlayer> players;
     Listeners<> listeners;
     std::string said;
+    FakeNotices notices;
+    Listeners<> wakes;
+    int watches = 0;
+    bool isLocked = false;
     std::function<void(SoundLevels)> onSound;
     int soundObservations = 0;
     int soundObservationsEnded = 0;
@@ -129,6 +167,33 @@ TEST_F(MprisPlayerTest, FollowsThePlayerThatPlays) {
     EXPECT_EQ(track().title, "film");
     start("mpv");
     EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
+}
+
+TEST_F(MprisPlayerTest, ListsThePlayersAndDropsThoseThatAreIgnoredSilentOrIdle) {
+    settings.set({.ignored = {"VLC"}, .preferred = {"mpv"}});
+    start();
+    add("vlc.instance1", "Playing", "film");
+    add("firefox", "Playing", "clip");
+    add("mpv", "Playing", "song");
+    EXPECT_EQ(PlayerList::of(player->players().userInfo()).text(),
+              "PLAYER         STATE\n"
+              "vlc.instance1  playing  ignored (see the setting ignore)\n"
+              "firefox        playing  another one is preferred\n"
+              "mpv            playing  followed: it plays\n");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    change("PlaybackStatus", text("Paused"));
+    players[1].isSilent = true;
+    announce();
+    EXPECT_EQ(track().title, "song") << "the one that plays does not answer";
+    EXPECT_EQ(player->players().rows[1], (PlayerRow{"firefox", "silent", "does not answer"}));
+    changes = 0;
+    clock.advance(10min + 5s);
+    EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    settings.set({.idleTime = 0min, .ignored = {"vlc"}});
+    EXPECT_EQ(track().title, "song");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
 }
 
 TEST_F(MprisPlayerTest, ExtrapolatesThePositionBetweenReports) {
@@ -212,6 +277,80 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     queues.runNext(kQueue);
     player.reset();
     EXPECT_EQ(main.run(), 1) << "the result arrives after the end";
+}
+
+TEST_F(MprisPlayerTest, WithholdsWhatItsPrivacyForbidsFromTheFirstStateOn) {
+    files.put("/cover.png", "cover");
+    settings.set({.privacyOf = {{"mpv", Privacy::controls}, {"mpv.own", Privacy::player}}});
+    startSong("file:///cover.png");
+    read();
+    EXPECT_EQ(files.reads, 0) << "not even read";
+    EXPECT_EQ(track(), (XPCTrack{.title = "", .artist = "", .duration = 100}));
+    EXPECT_FALSE(log.contains("players: following org.mpris.MediaPlayer2.mpv"));
+    EXPECT_TRUE(player->perform(QuorvaneAction::nextTrack));
+    players[0].busName += ".own";
+    players[0].identity = "Own player";
+    announce();
+    EXPECT_EQ(track(), (XPCTrack{.title = "Own player", .artist = "", .duration = 100}));
+    changes = 0;
+    settings.set({});
+    EXPECT_EQ(changes, 1);
+    read();
+    EXPECT_EQ(track().title + ' ' + artwork(), "song cover");
+    settings.set({.privacy = Privacy::player});
+    EXPECT_EQ(track().title + ' ' + artwork(), "Own player ");
+}
+
+TEST_F(MprisPlayerTest, PausesAtALockAndResumesOnlyWhatNothingElseTouched) {
+    add("mpv", "Playing", "song");
+    const LockPauser pauser = makePauser();
+    lock(true);
+    EXPECT_EQ(watches, 0) << "nothing is watched by default";
+    settings.set({.pauseOnLock = true, .resumeOnUnlock = true});
+    // What the player reports during the lock, before the unlock.
+    const std::pair<std::vector<const char*>, const char*> rows[] = {
+        {{}, "Pause Play "},
+        {{"Paused"}, "Pause Play "},
+        {{"Playing", "Paused"}, "Pause Play "},
+        {{"Paused", "Playing"}, "Pause "},
+        {{"Paused", "Playing", "Paused"}, "Pause "},
+        {{"Paused", "Stopped"}, "Pause "},
+    };
+    for (const auto& [reports, expected] : rows) {
+        change("PlaybackStatus", text("Playing"));
+        lock(true);
+        for (const char* report : reports) change("PlaybackStatus", text(report));
+        lock(false);
+        lock(false);
+        EXPECT_EQ(takeSaid(), expected) << testing::PrintToString(reports);
+    }
+    change("PlaybackStatus", text("Playing"));
+    lock(true);
+    play("next song");
+    lock(false);
+    EXPECT_EQ(takeSaid(), "Pause ") << "another track";
+    settings.set({.pauseOnLock = true});
+    lock(true);
+    lock(false);
+    EXPECT_EQ(takeSaid(), "Pause ") << "not to be resumed";
+    settings.set({.pauseOnLock = true, .ignored = {"mpv"}});
+    lock(true);
+    settings.set({.quietWake = true});
+    lock(true);
+    change("CanPause", {false});
+    wakes.call();
+    change("CanPause", {true});
+    EXPECT_EQ(takeSaid(), "");
+    wakes.call();
+    lock(false);
+    wakes.call();
+    EXPECT_EQ(takeSaid(), "Pause ") << "once, while locked";
+    settings.set({});
+    lock(true);
+    wakes.call();
+    EXPECT_EQ(takeSaid(), "");
+    EXPECT_EQ(watches, 1);
+    EXPECT_EQ(notices.observerCount(), 0u);
 }
 
 TEST_F(MprisPlayerTest, CommandsTheChosenPlayer) {
