@@ -37,6 +37,12 @@ std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
     return services.openSuite(std::string{kAppGroup});
 }
 
+// In the build folder as where the package is installed.
+std::filesystem::path fetchProgram(const LiveServices& services) {
+    const auto folder = services.process.executable.parent_path().parent_path();
+    return folder / "lib" / "quorvane" / "quorvane-fetch-artwork";
+}
+
 std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostCommandLine& line,
                                                                      const LiveServices& services) {
     if (line.script) {
@@ -45,13 +51,16 @@ std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostC
         return std::make_unique<ScriptedPlayer>(*std::move(script), services.clock);
     }
     return std::make_unique<MprisPlayer>(
-        MprisPlayer::Services{.players = makeLiveMediaPlayers(services),
-                              .soundServer = makeLiveSoundServer(services),
-                              .files = makeLiveRegularFiles(),
-                              .clock = services.clock,
-                              .mainThread = services.mainThread,
-                              .makeSerialQueue = services.makeSerialQueue,
-                              .log = services.log},
+        MprisPlayer::Services{
+            .players = makeLiveMediaPlayers(services),
+            .soundServer = makeLiveSoundServer(services),
+            .files = makeLiveRegularFiles(),
+            .fetchPicture = makeLiveFetchPicture(services, fetchProgram(services)),
+            .mayFetch = [] { return false; },
+            .clock = services.clock,
+            .mainThread = services.mainThread,
+            .makeSerialQueue = services.makeSerialQueue,
+            .log = services.log},
         line.onlyPlayer);
 }
 

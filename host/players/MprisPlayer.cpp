@@ -19,8 +19,12 @@ MprisPlayer::MprisPlayer(Services services, std::optional<std::string> onlyNamed
     : services_(std::move(services)),
       onlyNamed_(std::move(onlyNamed)),
       log_(services_.log, kIdentifierPrefix, "players"),
-      artwork_(services_.files, services_.mainThread,
-               services_.makeSerialQueue("example.quillon.Quorvane.artwork"),
+      artwork_({.files = services_.files,
+                .fetchPicture = services_.fetchPicture,
+                .mayFetch = services_.mayFetch,
+                .mainThread = services_.mainThread,
+                .queue = services_.makeSerialQueue("example.quillon.Quorvane.artwork"),
+                .log = log_},
                [this] {
                    if (onChanged) onChanged();
                }),
@@ -69,7 +73,7 @@ void MprisPlayer::followCurrent() {
     const MediaPlayer* player = current();
     if (!player) {
         playback_.reset();
-        artwork_.want("", "");
+        artwork_.want("", nullptr);
         soundObservation_.reset();
         sound_ = {};
         return;
@@ -82,7 +86,7 @@ void MprisPlayer::followCurrent() {
     const PlayerVolume volume = PlayerVolume::of(*player, sound_);
     if (volume.owner != PlayerVolume::Owner::none && volume.level > 0)
         volumeBeforeMute_ = volume.level;
-    artwork_.want(player->busName + ' ' + playback_->trackKey, artworkURLOf(*player));
+    artwork_.want(player->busName + ' ' + playback_->trackKey, player->artworkURL);
 }
 
 // If the server was not available, retries with each new track and each pause.

@@ -24,6 +24,8 @@ public:
         MediaPlayers players;
         SoundServer soundServer;
         RegularFiles files;
+        FetchPicture fetchPicture;
+        std::function<bool()> mayFetch;
         Clock clock;
         MainThread mainThread;
         MakeSerialQueue makeSerialQueue;

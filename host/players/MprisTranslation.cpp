@@ -184,10 +184,6 @@ QuorvanePlayerState playerStateOf(const MediaPlayer& player) {
     return state;
 }
 
-std::string artworkURLOf(const MediaPlayer& player) {
-    return textOf(metadataOf(player), "mpris:artUrl");
-}
-
 std::string trackKeyOf(const MediaPlayer& player) {
     const auto track = trackOf(player);
     if (!track) return "";

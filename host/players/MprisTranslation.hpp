@@ -14,8 +14,6 @@ namespace quorvane {
 // is loaded.
 QuorvanePlayerState playerStateOf(const MediaPlayer& player);
 
-// The URL of the current track's artwork; "" when it has none.
-std::string artworkURLOf(const MediaPlayer& player);
 // Differs between two tracks of one player; "" when no track is loaded.
 std::string trackKeyOf(const MediaPlayer& player);
 // The playback speed, 1 unless the player reports another plausible one.

@@ -58,6 +58,7 @@ private:
     void forSender(sd_bus_message* message, Action action);
     void takePosition(Entry& entry, std::int64_t microseconds);
     void askIdentity(Entry& entry);
+    void askPosition(Entry& entry);
     void tell(const BusRequest& call);
     void changed();
     void publish();

@@ -24,15 +24,15 @@ protected:
     void start(std::optional<std::string> onlyNamed = std::nullopt) {
         player.emplace(
             MprisPlayer::Services{
-                .players = {
-                    .list = [this]() -> const std::vector<MediaPlayer>& { return players; },
-                    .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
-                    .refresh = [this](const auto&) { said += "refresh "; },
-                    .call = [this](const auto&, const auto& method) { said += method + ' '; },
-                    .set = [this](
-                               const auto&, const auto& property,
-                               const PropertyValue& value) { say(property, *value.as<double>()); },
-                    .raise = [this](const auto&) { said += "raise "; }},
+                .players =
+                    {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
+                     .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
+                     .refresh = [this](const auto&) { said += "refresh "; },
+                     .call = [this](const auto&, const auto& method) { said += method + ' '; },
+                     .set = [this](
+                                const auto&, const auto& property,
+                                const PropertyValue& value) { say(property, *value.as<double>()); },
+                     .raise = [this](const auto&) { said += "raise "; }},
                 .soundServer = {.observe =
                                     [this](auto handler) {
                                         ++soundObservations;
@@ -41,6 +41,13 @@ protected:
                                     },
                                 .setVolume = [this](auto, double volume) { say("sound", volume); }},
                 .files = files.table(),
+                .fetchPicture =
+                    [this](const std::string& url, auto done) {
+                        said += "fetch " + url + ' ';
+                        fetched = done;
+                        return Handle{[this] { fetched = nullptr; }};
+                    },
+                .mayFetch = [this] { return mayFetch; },
                 .clock = clock.clock(),
                 .mainThread = main.mainThread(),
                 .makeSerialQueue = queues.make(),
@@ -65,9 +72,10 @@ protected:
     }
     // What the newest player plays from now on.
     void play(const char* title, const std::string& artwork = "") {
+        players.back().artworkURL = std::make_shared<const std::string>(artwork);
+        if (artwork.empty()) players.back().artworkURL = nullptr;
         change("Metadata", {PropertyDictionary{{"xesam:title", text(title)},
-                                               {"mpris:length", {std::int64_t{100'000'000}}},
-                                               {"mpris:artUrl", text(artwork)}}});
+                                               {"mpris:length", {std::int64_t{100'000'000}}}}});
     }
     void change(const char* property, PropertyValue value) {
         players.back().properties[property] = std::move(value);
@@ -106,6 +114,8 @@ protected:
     std::vector<MediaPlayer> players;
     Listeners<> listeners;
     std::string said;
+    bool mayFetch = false;
+    std::function<void(FetchAnswer)> fetched;  // null while nothing is fetched
     std::function<void(SoundLevels)> onSound;
     int soundObservations = 0;
     int soundObservationsEnded = 0;
@@ -178,8 +188,9 @@ TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
     EXPECT_EQ(artwork(), "late");
     files.reads = 0;
     play("next song", "file:///late.png");
-    EXPECT_EQ(artwork(), "late") << "kept during the check";
+    EXPECT_EQ(artwork(), "") << "not the last track's, while the check is pending";
     read();
+    EXPECT_EQ(artwork(), "late");
     EXPECT_EQ(files.reads, 0);
     files.put("/late.png", "later");
     refresh();
@@ -194,7 +205,7 @@ TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
 TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     files.put("/one.png", "picture one");
     files.put("/two.png", "picture two");
-    files.put("/huge.png", std::string(ArtworkLoader::kLargest + 1, 'x'));
+    files.put("/huge.png", std::string(kLargestArtwork + 1, 'x'));
     startSong("file:///one.png");
     play("next song", "file:///two.png");
     ASSERT_EQ(queues.waiting(kQueue), 1u) << "one check at a time";
