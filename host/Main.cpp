@@ -14,6 +14,7 @@
 #include "host/link/HostCoordinator.hpp"
 #include "host/players/MprisPlayer.hpp"
 #include "host/players/ScriptedPlayer.hpp"
+#include "host/settings/StoredSettings.hpp"
 #include "platform/LivePlatform.hpp"
 #include "platform/SessionProblems.hpp"
 
@@ -44,7 +45,8 @@ std::filesystem::path fetchProgram(const LiveServices& services) {
 }
 
 std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostCommandLine& line,
-                                                                     const LiveServices& services) {
+                                                                     const LiveServices& services,
+                                                                     StoredSettings& settings) {
     if (line.script) {
         auto script = readScript(*line.script, makeLiveRegularFiles());
         if (!script) return std::unexpected{script.error()};
@@ -56,12 +58,11 @@ std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostC
             .soundServer = makeLiveSoundServer(services),
             .files = makeLiveRegularFiles(),
             .fetchPicture = makeLiveFetchPicture(services, fetchProgram(services)),
-            .mayFetch = [] { return false; },
             .clock = services.clock,
             .mainThread = services.mainThread,
             .makeSerialQueue = services.makeSerialQueue,
             .log = services.log},
-        line.onlyPlayer);
+        settings.current(), line.onlyPlayer);
 }
 
 HostCoordinator::Services coordinatorServices(const LiveServices& services) {
@@ -122,7 +123,8 @@ AddOnCommands::Services addOnServices(const LiveServices& services) {
 }
 
 int run(const HostCommandLine& line, const LiveServices& services) {
-    auto player = makePlayer(line, services);
+    StoredSettings settings{services.standardDefaults, services.darwinNotices};
+    auto player = makePlayer(line, services, settings);
     if (!player) return fail(player.error());
     const AddOnCommands::Services addOn = addOnServices(services);
     if (addOn.problems.ports) return fail(*addOn.problems.ports);
@@ -201,6 +203,14 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
     return ended == 0 ? status : kHostFailed;
 }
 
+int setSettings(const HostCommandLine& line, const LiveServices& services) {
+    StoredSettings settings{services.standardDefaults, services.darwinNotices};
+    const auto outcome =
+        line.command == Command::unset ? settings.unset(line.words) : settings.set(line.words);
+    if (!outcome) return fail(outcome.error());
+    return print(*outcome), kHostDone;
+}
+
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
     const auto line = HostCommandLine::parse(words);
@@ -218,6 +228,8 @@ int main(int argumentCount, char** arguments) {
     switch (line->command) {
         case Command::status: return tellStatus(*services);
         case Command::run: return run(*line, *services);
+        case Command::set:
+        case Command::unset: return setSettings(*line, *services);
         default: return controlAddOn(*line, *services);
     }
 }

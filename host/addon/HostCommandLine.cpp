@@ -4,6 +4,8 @@
 #include <map>
 #include <string_view>
 
+#include "host/settings/Settings.hpp"
+
 namespace quorvane {
 
 namespace {
@@ -26,6 +28,8 @@ constexpr CommandRow kCommands[] = {
     {"remove", Command::remove, "remove the add-on with its login item, files and settings"},
     {"enable", Command::enable, "turn the card on"},
     {"disable", Command::disable, "turn the card off"},
+    {"set", Command::set, "show all settings; or: set NAME, set NAME VALUE..."},
+    {"unset", Command::unset, "return a setting to its default: unset NAME"},
 };
 
 struct OptionRow {
@@ -103,7 +107,12 @@ std::expected<HostCommandLine, std::string> HostCommandLine::parse(
     if (contains(arguments, "--version", "-V")) return HostCommandLine{.command = Command::version};
     std::optional<Command> command;
     Values values;
+    std::vector<std::string> words;
     for (auto word = arguments.begin(); word != arguments.end(); ++word) {
+        if (command == Command::set || command == Command::unset) {
+            words.push_back(*word);
+            continue;
+        }
         if (!word->starts_with('-')) {
             const auto row = std::ranges::find(kCommands, *word, &CommandRow::name);
             if (row == std::end(kCommands))
@@ -133,7 +142,8 @@ std::expected<HostCommandLine, std::string> HostCommandLine::parse(
     return HostCommandLine{.command = command.value_or(Command::run),
                            .script = valueOf(values, "--script"),
                            .onlyPlayer = valueOf(values, "--only"),
-                           .bundle = valueOf(values, "--from")};
+                           .bundle = valueOf(values, "--from"),
+                           .words = std::move(words)};
 }
 
 std::string HostCommandLine::help() {
@@ -144,6 +154,8 @@ std::string HostCommandLine::help() {
         "\n"
         "Commands:\n";
     for (const CommandRow& row : kCommands) text += helpRow(std::string{row.name}, row.help);
+    text += "\nSettings:\n";
+    for (const SettingRow& row : kSettings) text += helpRow(std::string{row.name}, row.meaning);
     text += "\nOptions of run:\n" + helpRows(kRunOptions) + "\nOptions of install and update:\n" +
             helpRows(kInstallOptions) + "\nOther options:\n" +
             helpRow("-h, --help", "show this text and exit") +

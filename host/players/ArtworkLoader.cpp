@@ -65,12 +65,7 @@ ArtworkLoader::Look ArtworkLoader::look(const RegularFiles& files, const std::st
 
 void ArtworkLoader::fetch() {
     if (fetcher_.isFetching()) return;
-    if (services_.mayFetch())
-        fetcher_.fetch(*wanted_,
-                       [this](Picture picture) { apply({.picture = std::move(picture)}); });
-    else
-        log("pictures on the web are not fetched (turn on with: "
-            "quorvane-host set fetch-artwork on)");
+    fetcher_.fetch(*wanted_, [this](Picture picture) { apply({.picture = std::move(picture)}); });
 }
 
 void ArtworkLoader::apply(Look look) {

@@ -24,8 +24,7 @@ public:
 
     struct Services {
         RegularFiles files;
-        FetchPicture fetchPicture;       // null where nothing can be fetched
-        std::function<bool()> mayFetch;  // the user's setting
+        FetchPicture fetchPicture;  // null where nothing can be fetched
         MainThread mainThread;
         std::unique_ptr<SerialQueue> queue;
         Logger log;

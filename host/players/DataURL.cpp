@@ -18,7 +18,8 @@ bool isDataURL(std::string_view url) { return url.starts_with(kScheme); }
 
 std::expected<Bytes, std::string_view> dataOf(std::string_view url) {
     const std::size_t comma = url.find(',');
-    if (comma == std::string_view::npos) return std::unexpected{"the data: URL has no data"};
+    if (comma == std::string_view::npos || comma + 1 == url.size())
+        return std::unexpected{"the data: URL has no data"};
     const bool isBase64 = url.substr(0, comma).ends_with(";base64");
     std::string_view data = url.substr(comma + 1);
     std::optional<std::string> unescaped;

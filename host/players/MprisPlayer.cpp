@@ -5,6 +5,7 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "host/players/MprisTranslation.hpp"
+#include "host/players/PlayerPrivacy.hpp"
 
 namespace quorvane {
 
@@ -13,22 +14,31 @@ namespace {
 // The minimum interval between requests to a player, however many clients ask for the state.
 constexpr Duration kFreshness = std::chrono::seconds{1};
 
+ArtworkLoader::URL shownArtwork(const MediaPlayer& player, const Settings& settings) {
+    const bool isOnWeb = player.artworkURL && isWebURL(*player.artworkURL);
+    const bool isShown =
+        privacyOf(player, settings) == Privacy::full && (settings.fetchArtwork || !isOnWeb);
+    return isShown ? player.artworkURL : nullptr;
+}
+
 }  // namespace
 
-MprisPlayer::MprisPlayer(Services services, std::optional<std::string> onlyNamed)
+MprisPlayer::MprisPlayer(Services services, Observable<Settings>& settings,
+                         std::optional<std::string> onlyNamed)
     : services_(std::move(services)),
+      settings_(settings),
       onlyNamed_(std::move(onlyNamed)),
       log_(services_.log, kIdentifierPrefix, "players"),
       artwork_({.files = services_.files,
                 .fetchPicture = services_.fetchPicture,
-                .mayFetch = services_.mayFetch,
                 .mainThread = services_.mainThread,
                 .queue = services_.makeSerialQueue("example.quillon.Quorvane.artwork"),
                 .log = log_},
                [this] {
                    if (onChanged) onChanged();
                }),
-      observation_(services_.players.observe([this] { follow(); })) {
+      observation_(services_.players.observe([this] { follow(); })),
+      settingsObservation_(settings_.subscribe([this] { follow(); })) {
     follow();
 }
 
@@ -42,10 +52,12 @@ const MediaPlayer* MprisPlayer::current() const {
 PlayerSnapshot MprisPlayer::snapshot() const {
     const MediaPlayer* player = current();
     if (!player || !playback_) return {};
-    PlayerSnapshot snapshot{playerStateOf(*player), playback_->anchor};
+    const Privacy privacy = privacyOf(*player, settings_.get());
+    PlayerSnapshot snapshot{withheld(playerStateOf(*player), *player, privacy), playback_->anchor};
     snapshot.state.volume = std::lround(PlayerVolume::of(*player, sound_).level * 100);
     snapshot.state.isMuted = snapshot.state.volume == 0;
-    if (snapshot.state.track) snapshot.state.track->artworkData = artwork_.picture();
+    if (snapshot.state.track && privacy == Privacy::full)
+        snapshot.state.track->artworkData = artwork_.picture();
     return snapshot;
 }
 
@@ -62,11 +74,19 @@ void MprisPlayer::follow() {
 }
 
 void MprisPlayer::choose(PlayerChoice choice) {
-    if (choice.current != choice_.current)
-        log_.info("players: following %{public}s", choice.current.value_or("none"));
+    const bool isNew = choice.current != choice_.current;
     choice_ = std::move(choice);
+    if (isNew) logCurrent();
     followCurrent();
     if (onChanged) onChanged();
+}
+
+void MprisPlayer::logCurrent() const {
+    const MediaPlayer* player = current();
+    const bool hasName = player && privacyOf(*player, settings_.get()) != Privacy::controls;
+    log_.info("players: following %{public}s", !player   ? "none"
+                                               : hasName ? player->busName
+                                                         : "a player");
 }
 
 void MprisPlayer::followCurrent() {
@@ -86,7 +106,8 @@ void MprisPlayer::followCurrent() {
     const PlayerVolume volume = PlayerVolume::of(*player, sound_);
     if (volume.owner != PlayerVolume::Owner::none && volume.level > 0)
         volumeBeforeMute_ = volume.level;
-    artwork_.want(player->busName + ' ' + playback_->trackKey, player->artworkURL);
+    artwork_.want(player->busName + ' ' + playback_->trackKey,
+                  shownArtwork(*player, settings_.get()));
 }
 
 // If the server was not available, retries with each new track and each pause.

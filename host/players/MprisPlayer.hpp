@@ -10,8 +10,10 @@
 #include "host/players/MprisPlayback.hpp"
 #include "host/players/PlayerChoice.hpp"
 #include "host/players/PlayerSource.hpp"
+#include "host/settings/Settings.hpp"
 #include "platform/Log.hpp"
 #include "platform/MediaPlayers.hpp"
+#include "platform/Observable.hpp"
 #include "platform/SoundServer.hpp"
 
 namespace quorvane {
@@ -25,15 +27,15 @@ public:
         SoundServer soundServer;
         RegularFiles files;
         FetchPicture fetchPicture;
-        std::function<bool()> mayFetch;
         Clock clock;
         MainThread mainThread;
         MakeSerialQueue makeSerialQueue;
         LogSink log;
     };
 
-    // With a name, only players of that name are followed.
-    MprisPlayer(Services services, std::optional<std::string> onlyNamed);
+    // With a name, only players of that name are followed. The settings outlive the player.
+    MprisPlayer(Services services, Observable<Settings>& settings,
+                std::optional<std::string> onlyNamed);
 
     PlayerSnapshot snapshot() const override;
     bool perform(QuorvaneAction action) override;
@@ -45,12 +47,14 @@ private:
     const MediaPlayer* current() const;
     void follow();
     void followCurrent();
+    void logCurrent() const;
     void choose(PlayerChoice choice);
     void followSound(const MediaPlayer& player, bool looksAgain);
     void heardSound(SoundLevels levels);
     bool carryOut(const std::string& busName, const std::optional<MprisCommand>& command);
 
     Services services_;
+    Observable<Settings>& settings_;
     std::optional<std::string> onlyNamed_;
     Logger log_;
     PlayerChoice choice_;
@@ -60,7 +64,9 @@ private:
     std::optional<Instant> freshenedAt_;
     ArtworkLoader artwork_;
     Handle soundObservation_;
-    Handle observation_;  // last, because its callback uses all members above
+    // Last, because their callbacks use all members above.
+    Handle observation_;
+    Handle settingsObservation_;
 };
 
 }  // namespace quorvane

@@ -7,6 +7,7 @@
 #include "host/players/FileURL.hpp"
 #include "host/players/PlayerSnapshot.hpp"
 #include "platform/Character.hpp"
+#include "platform/LowerCase.hpp"
 
 namespace quorvane {
 
@@ -115,9 +116,7 @@ std::string titleOf(const MediaPlayer& player) {
         return title;
     if (auto title = fileTitleOf(url); !title.empty()) return title;
     if (auto host = hostNameOf(url); !host.empty()) return host;
-    if (!player.identity.empty()) return withinReason(player.identity);
-    const std::string_view name = nameOnBus(player);
-    return std::string{name.substr(0, name.find('.'))};
+    return playerNameOf(player);
 }
 
 std::optional<double> durationOf(const PropertyDictionary& metadata) {
@@ -184,6 +183,12 @@ QuorvanePlayerState playerStateOf(const MediaPlayer& player) {
     return state;
 }
 
+std::string playerNameOf(const MediaPlayer& player) {
+    if (!player.identity.empty()) return withinReason(player.identity);
+    const std::string_view name = nameOnBus(player);
+    return std::string{name.substr(0, name.find('.'))};
+}
+
 std::string trackKeyOf(const MediaPlayer& player) {
     const auto track = trackOf(player);
     if (!track) return "";
@@ -214,8 +219,9 @@ bool isNameless(const MediaPlayer& player) {
 }
 
 bool isNamed(const MediaPlayer& player, std::string_view name) {
-    const std::string_view rest = nameOnBus(player);
-    return rest.starts_with(name) && (rest.size() == name.size() || rest[name.size()] == '.');
+    const std::string rest = lowerCase(nameOnBus(player));
+    return rest.starts_with(lowerCase(name)) &&
+           (rest.size() == name.size() || rest[name.size()] == '.');
 }
 
 }  // namespace quorvane

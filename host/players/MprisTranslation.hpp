@@ -14,13 +14,15 @@ namespace quorvane {
 // is loaded.
 QuorvanePlayerState playerStateOf(const MediaPlayer& player);
 
+// The name that the player gives itself, else the first part of its bus name.
+std::string playerNameOf(const MediaPlayer& player);
 // Differs between two tracks of one player; "" when no track is loaded.
 std::string trackKeyOf(const MediaPlayer& player);
 // The playback speed, 1 unless the player reports another plausible one.
 double rateOf(const MediaPlayer& player);
 
-// Whether the bus name, after its common prefix, is `name` or begins with `name` and a dot: "mpv"
-// matches "org.mpris.MediaPlayer2.mpv" and "org.mpris.MediaPlayer2.mpv.instance7".
+// Whether the bus name, after its common prefix and in any case, is `name` or begins with `name`
+// and a dot: "mpv" matches "org.mpris.MediaPlayer2.mpv" and "org.mpris.MediaPlayer2.mpv.instance7".
 bool isNamed(const MediaPlayer& player, std::string_view name);
 
 // Whether the player allows the operation of the flag, such as "CanPause"; true when the flag is

@@ -1,24 +1,20 @@
 #include "host/players/PlayerVolume.hpp"
 
-#include <algorithm>
 #include <tuple>
 
 #include "host/players/MprisTranslation.hpp"
+#include "platform/LowerCase.hpp"
 
 namespace quorvane {
 
 namespace {
 
-bool isSameText(std::string_view one, std::string_view other) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return std::ranges::equal(one, other, {}, lower, lower);
-}
-
 // A browser plays from a helper process, and a sandboxed player hides its process ID. Such players
 // are matched by the name that they give to both services.
 bool plays(const SoundStream& stream, const MediaPlayer& player) {
     if (player.processID != 0 && stream.processID == player.processID) return true;
-    return !stream.application.empty() && isSameText(stream.application, player.identity);
+    return !stream.application.empty() &&
+           lowerCase(stream.application) == lowerCase(player.identity);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/ManualSerialQueues.hpp"
 #include "tests/support/MemoryFiles.hpp"
+#include "tests/support/RecordingLog.hpp"
 
 namespace quorvane {
 namespace {
@@ -24,15 +25,15 @@ protected:
     void start(std::optional<std::string> onlyNamed = std::nullopt) {
         player.emplace(
             MprisPlayer::Services{
-                .players =
-                    {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
-                     .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
-                     .refresh = [this](const auto&) { said += "refresh "; },
-                     .call = [this](const auto&, const auto& method) { said += method + ' '; },
-                     .set = [this](
-                                const auto&, const auto& property,
-                                const PropertyValue& value) { say(property, *value.as<double>()); },
-                     .raise = [this](const auto&) { said += "raise "; }},
+                .players = {
+                    .list = [this]() -> const std::vector<MediaPlayer>& { return players; },
+                    .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
+                    .refresh = [this](const auto&) { said += "refresh "; },
+                    .call = [this](const auto&, const auto& method) { said += method + ' '; },
+                    .set = [this](
+                               const auto&, const auto& property,
+                               const PropertyValue& value) { say(property, *value.as<double>()); },
+                    .raise = [this](const auto&) { said += "raise "; }},
                 .soundServer = {.observe =
                                     [this](auto handler) {
                                         ++soundObservations;
@@ -47,12 +48,11 @@ protected:
                         fetched = done;
                         return Handle{[this] { fetched = nullptr; }};
                     },
-                .mayFetch = [this] { return mayFetch; },
                 .clock = clock.clock(),
                 .mainThread = main.mainThread(),
                 .makeSerialQueue = queues.make(),
-                .log = {}},
-            std::move(onlyNamed));
+                .log = log.sink()},
+            settings, std::move(onlyNamed));
         player->onChanged = [this] { ++changes; };
     }
     void say(const std::string& what, double volume) {
@@ -107,6 +107,8 @@ protected:
     }
     std::string takeSaid() { return std::exchange(said, {}); }
 
+    Observable<Settings> settings;
+    RecordingLog log;
     ManualClock clock;
     ManualMainThread main;
     MemoryFiles files;
@@ -114,7 +116,6 @@ protected:
     std::vector<MediaPlayer> players;
     Listeners<> listeners;
     std::string said;
-    bool mayFetch = false;
     std::function<void(FetchAnswer)> fetched;  // null while nothing is fetched
     std::function<void(SoundLevels)> onSound;
     int soundObservations = 0;
@@ -214,15 +215,125 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     EXPECT_EQ(artwork(), "") << "the result was for the previous song";
     read();
     EXPECT_EQ(artwork(), "picture two");
-    for (const char* url : {"https://example.org/one.png", "", "file:///huge.png"}) {
+    takeSaid();
+    for (const char* url : {"https://example.org/one.png", "", "file:///huge.png", "file://one.png",
+                            "file:one.png", "one.png", "file://server/one.png", "file:///one%2.png",
+                            "file:///one.png%00", "ftp://x/"}) {
         play("song", url);
         read();
         EXPECT_EQ(artwork(), "") << url;
+    }
+    EXPECT_EQ(takeSaid().find("fetch"), std::string::npos) << "not without the user's consent";
+    for (const char* url : {"/one.png", "file:/one.png", "file://localhost/%6fne.png"}) {
+        play("song", url);
+        read();
+        EXPECT_EQ(artwork(), "picture one") << url;
     }
     play("song", "file:///one.png");
     queues.runNext(kQueue);
     player.reset();
     EXPECT_EQ(main.run(), 1) << "the result arrives after the end";
+}
+
+TEST_F(MprisPlayerTest, WithholdsWhatItsPrivacyForbidsFromTheFirstStateOn) {
+    files.put("/cover.png", "cover");
+    settings.set({.privacyOf = {{"mpv", Privacy::controls}, {"mpv.own", Privacy::player}}});
+    startSong("file:///cover.png");
+    read();
+    EXPECT_EQ(files.reads, 0) << "not even read";
+    EXPECT_EQ(track(), (XPCTrack{.title = "", .artist = "", .duration = 100}));
+    EXPECT_FALSE(log.contains("players: following org.mpris.MediaPlayer2.mpv"));
+    EXPECT_TRUE(player->perform(QuorvaneAction::nextTrack));
+    players[0].busName += ".own";
+    players[0].identity = "Own player";
+    announce();
+    EXPECT_EQ(track(), (XPCTrack{.title = "Own player", .artist = "", .duration = 100}));
+    changes = 0;
+    settings.set({});
+    EXPECT_EQ(changes, 1);
+    read();
+    EXPECT_EQ(track().title + ' ' + artwork(), "song cover");
+    settings.set({.privacy = Privacy::player});
+    EXPECT_EQ(track().title + ' ' + artwork(), "Own player ");
+}
+
+TEST_F(MprisPlayerTest, DecodesArtworkInTheURL) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"data:image/png;base64,cGljdHVyZQ==", "picture"},
+        {"data:;base64,cGljdHVyZQ%3D%3D", "picture"},
+        {"data:image/png,%70icture", "picture"},
+        {"data:image/png;base64,cGljdHVyZ", ""},
+        {"data:image/png;base64,", ""},
+        {"data:,%7", ""},
+        {"data:picture", ""},
+        {"data:," + std::string(kLargestArtwork + 1, 'x'), ""},
+        {"data:;base64," + std::string(kLargestArtwork / 3 * 4 + 8, 'x'), ""},
+    };
+    startSong();
+    for (const auto& [url, picture] : rows) {
+        play("song", url);
+        EXPECT_EQ(artwork(), "") << "decoded on the queue";
+        read();
+        EXPECT_EQ(artwork(), picture) << url.substr(0, 60);
+        refresh();
+        EXPECT_EQ(queues.waiting(kQueue), 0u) << "decoded once";
+    }
+    EXPECT_TRUE(log.contains("players: no artwork: the data: URL has no data"));
+}
+
+TEST_F(MprisPlayerTest, FetchesArtworkWhenTheUserWantsIt) {
+    const auto answer = [this](FetchAnswer with) {
+        std::exchange(fetched, nullptr)(std::move(with));
+    };
+    const auto picture = [](std::string_view text) { return FetchAnswer{copyOf(bytesOf(text))}; };
+    settings.set({.fetchArtwork = true});
+    startSong("https://a/1");
+    refresh();
+    EXPECT_EQ(takeSaid(), "refresh fetch https://a/1 refresh ") << "one request";
+    changes = 0;
+    answer(picture("one"));
+    EXPECT_EQ(artwork(), "one");
+    EXPECT_EQ(changes, 1);
+    play("song 2", "https://a/2");
+    EXPECT_EQ(artwork(), "");
+    play("song 3", "http://a/3");
+    for (const char* url : {"https://b/3", "https://c/3", "https://d/3"})
+        answer(FetchRedirect{url});
+    EXPECT_EQ(takeSaid(),
+              "refresh fetch https://a/2 refresh fetch http://a/3 fetch https://b/3 "
+              "fetch https://c/3 fetch https://d/3 ");
+    answer(picture("three"));
+    EXPECT_EQ(artwork(), "three");
+    play("song 1 again", "https://a/1");
+    EXPECT_EQ(artwork(), "one") << "without a request";
+    takeSaid();
+
+    const std::string longest = "https://a/" + std::string(kLargestArtwork, 'x');
+    for (const FetchAnswer& refused :
+         {FetchAnswer{FetchFailure{"no"}}, FetchAnswer{FetchRedirect{"file:///one.png"}},
+          FetchAnswer{FetchRedirect{longest}}}) {
+        play("song 4", "https://a/4");
+        answer(refused);
+        EXPECT_FALSE(fetched);
+        refresh();
+        EXPECT_EQ(takeSaid(), "refresh fetch https://a/4 refresh ") << "not again and again";
+        EXPECT_EQ(artwork(), "");
+        play("song 1", "https://a/1");
+        takeSaid();
+    }
+    play("song 5", "https://a/5");
+    for (int i = 0; i < 4; ++i) answer(FetchRedirect{"https://a/5"});
+    EXPECT_FALSE(fetched) << "too many redirects";
+
+    // The kept pictures are limited, the newest stay.
+    play("song 6", "https://a/6");
+    answer(picture(std::string(kLargestArtwork, '6')));
+    EXPECT_EQ(artwork().size(), kLargestArtwork);
+    play("song 1", "https://a/1");
+    EXPECT_EQ(artwork(), "");
+    settings.set({});
+    EXPECT_FALSE(fetched) << "the user has changed their mind";
+    EXPECT_EQ(artwork(), "");
 }
 
 TEST_F(MprisPlayerTest, CommandsTheChosenPlayer) {
