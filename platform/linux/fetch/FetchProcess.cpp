@@ -16,17 +16,17 @@
 namespace quorvane {
 namespace {
 
+constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::size_t kMostReceived = sizeof(FetchHeader) + kLargestArtwork;
 
-FetchAnswer answerIn(Bytes received) {
+FetchAnswer answerIn(ByteView received) {
     FetchHeader header{};
-    const std::size_t length = received.size() - std::min(received.size(), sizeof header);
     if (received.size() >= sizeof header) std::memcpy(&header, received.data(), sizeof header);
-    if (received.size() < sizeof header || header.length != length)
+    if (received.size() < sizeof header || header.length != received.size() - sizeof header)
         return FetchFailure{"the server did not send the picture in time"};
-    received.erase(received.begin(), received.begin() + sizeof header);
-    if (header.kind == FetchKind::picture) return received;
-    std::string text{textOf(received)};
+    const ByteView content = received.subspan(sizeof header);
+    if (header.kind == FetchKind::picture) return copyOf(content);
+    std::string text{textOf(content)};
     if (header.kind == FetchKind::redirect) return FetchRedirect{std::move(text)};
     return FetchFailure{std::move(text)};
 }
@@ -66,7 +66,9 @@ FetchProcess::FetchProcess(EventLoop& loop, pid_t pid, FileDescriptor socket,
     : pid_(pid),
       socket_(std::move(socket)),
       done_(std::move(done)),
-      watch_(loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t) { receive(); })) {}
+      watch_(loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t) { receive(); })) {
+    received_.reserve(kMostReceived + kPiece);  // memory that is not written is not used
+}
 
 FetchProcess::~FetchProcess() {
     watch_.reset();
@@ -76,7 +78,6 @@ FetchProcess::~FetchProcess() {
 }
 
 void FetchProcess::receive() {
-    constexpr std::size_t kPiece = 64 * 1024;
     const std::size_t before = received_.size();
     received_.resize(before + kPiece);
     const ssize_t count = recv(socket_.get(), received_.data() + before, kPiece, MSG_DONTWAIT);
@@ -85,7 +86,7 @@ void FetchProcess::receive() {
     if (count > 0 && received_.size() <= kMostReceived) return;
     watch_.reset();
     const auto done = std::move(done_);
-    done(answerIn(std::move(received_)));
+    done(answerIn(received_));
 }
 
 FetchPicture makeFetchPicture(EventLoop& loop, std::filesystem::path program) {

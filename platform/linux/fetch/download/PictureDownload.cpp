@@ -19,7 +19,6 @@
 namespace quorvane {
 namespace {
 
-constexpr unsigned kMostSeconds = 10;
 constexpr char kProtocols[] = "http,https";
 
 using Transfer = std::unique_ptr<CURL, void (*)(CURL*)>;
@@ -155,11 +154,12 @@ void transferAndAnswer(CURL* transfer, const Session& session) {
 }  // namespace
 
 int downloadPicture(const DownloadRules& rules) {
-    alarm(kMostSeconds);
+    alarm(rules.seconds);
     const auto url = readURL();
     if (!url || curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) return 1;
     const Transfer transfer{curl_easy_init(), curl_easy_cleanup};
     Session session{rules};
+    session.body.reserve(kLargestArtwork);
     if (!transfer || !prepare(transfer.get(), session)) {
         fail("the web library or its certificates are not usable");
         return 1;

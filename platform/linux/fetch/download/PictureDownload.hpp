@@ -11,10 +11,11 @@ struct DownloadRules {
     bool (*mayConnect)(std::span<const std::uint8_t> address);
     // The certificates that servers are checked against; null for the system's.
     const char* certificates = nullptr;
+    unsigned seconds = 10;  // until the process is killed
 };
 
 // Reads a URL from kFetchSocket, gives up everything but the network, sends the request, and writes
-// the answer. The process is killed after 10 s. Returns the exit status.
+// the answer. Returns the exit status.
 int downloadPicture(const DownloadRules& rules);
 
 }  // namespace quorvane
