@@ -135,7 +135,7 @@ TEST_F(MediaPlayersTest, AreReadFollowedAndTold) {
 
 TEST_F(MediaPlayersTest, ALongArtworkURLIsReadOnce) {
     FakePlayer fake = makePlayer("fake");
-    fake.artwork = "data:," + std::string(15 << 20, 'x');
+    fake.artwork = "data:," + std::string(100'000, 'x');
     startUntilListed("fake");
     EXPECT_EQ(*find("fake")->artworkURL, fake.artwork);
     fake.position = 12'000'000;
@@ -146,7 +146,7 @@ TEST_F(MediaPlayersTest, ALongArtworkURLIsReadOnce) {
     fake.sayChanged("sa{sv}as", 1, "Volume", "d", 0.25, 0);
     EXPECT_TRUE(until([&] { return property<double>("fake", "Volume") == 0.25; }));
     EXPECT_TRUE(find("fake")->artworkURL) << "what did not change stays";
-    fake.artwork += std::string(2 << 20, 'x');
+    fake.artwork += std::string(16 << 20, 'x');
     fake.sayChanged("sa{sv}as", 1, "Metadata", "a{sv}", 1, "mpris:artUrl", "s",
                     fake.artwork.c_str(), 0);
     EXPECT_TRUE(until([&] { return !find("fake")->artworkURL; })) << "longer than any picture";
