@@ -13,7 +13,7 @@ constexpr char kDateContents[] = "x";
 constexpr char kVariant[] = "v";
 constexpr char kEntry[] = "sv";
 // No text of a service is longer, except a player's artwork in a URL, which is limited to this.
-constexpr std::size_t kLongestText = 16 * 1024 * 1024;
+constexpr std::size_t kLongestText = 12 * 1024 * 1024;
 
 bool isText(char type) {
     return type == SD_BUS_TYPE_STRING || type == SD_BUS_TYPE_OBJECT_PATH ||

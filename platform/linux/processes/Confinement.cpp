@@ -50,35 +50,6 @@ int forbidNetwork(scmp_filter_ctx filter) {
     return status;
 }
 
-// What the C, TLS and web libraries call while they transfer, in the versions of several years. Any
-// other call fails, which they survive.
-constexpr int kOfATransfer[] = {
-    SCMP_SYS(read),          SCMP_SYS(write),
-    SCMP_SYS(readv),         SCMP_SYS(writev),
-    SCMP_SYS(recvfrom),      SCMP_SYS(recvmsg),
-    SCMP_SYS(sendto),        SCMP_SYS(sendmsg),
-    SCMP_SYS(connect),       SCMP_SYS(shutdown),
-    SCMP_SYS(close),         SCMP_SYS(poll),
-    SCMP_SYS(ppoll),         SCMP_SYS(getsockopt),
-    SCMP_SYS(setsockopt),    SCMP_SYS(getsockname),
-    SCMP_SYS(getpeername),   SCMP_SYS(fcntl),
-    SCMP_SYS(mmap),          SCMP_SYS(munmap),
-    SCMP_SYS(mremap),        SCMP_SYS(mprotect),
-    SCMP_SYS(madvise),       SCMP_SYS(brk),
-    SCMP_SYS(futex),         SCMP_SYS(getrandom),
-    SCMP_SYS(clock_gettime), SCMP_SYS(gettimeofday),
-    SCMP_SYS(getpid),        SCMP_SYS(gettid),
-    SCMP_SYS(rt_sigaction),  SCMP_SYS(rt_sigprocmask),
-    SCMP_SYS(rt_sigreturn),  SCMP_SYS(restart_syscall),
-    SCMP_SYS(exit),          SCMP_SYS(exit_group),
-};
-
-Result<void> load(const Filter& filter, int status) {
-    if (status == 0) status = seccomp_load(filter.get());
-    if (status != 0) return posixError("system-call filter", -status);
-    return {};
-}
-
 }  // namespace
 
 void forbidCoreDumps() {
@@ -101,20 +72,9 @@ Result<void> confineProcess(Network network) {
     attempt(seccomp_attr_set(filter.get(), SCMP_FLTATR_ACT_BADARCH, kRefused));
     for (const int call : kUnused) attempt(seccomp_rule_add(filter.get(), kRefused, call, 0));
     if (network == Network::isForbidden) attempt(forbidNetwork(filter.get()));
-    return load(filter, status);
-}
-
-Result<void> confineToInternet() {
-    const Filter filter{seccomp_init(kRefused), seccomp_release};
-    if (!filter) return posixError("system-call filter", ENOMEM);
-    int status = 0;
-    for (const int call : kOfATransfer)
-        if (status == 0) status = seccomp_rule_add(filter.get(), SCMP_ACT_ALLOW, call, 0);
-    for (const std::uint32_t family : {AF_INET, AF_INET6})
-        if (status == 0)
-            status = seccomp_rule_add(filter.get(), SCMP_ACT_ALLOW, SCMP_SYS(socket), 1,
-                                      SCMP_A0_32(SCMP_CMP_EQ, family));
-    return load(filter, status);
+    attempt(seccomp_load(filter.get()));
+    if (status != 0) return posixError("system-call filter", -status);
+    return {};
 }
 
 Network networkForDisplay(std::string_view display) {

@@ -19,10 +19,6 @@ enum class Network { isForbidden, isNeeded };
 // descriptors stay open. Fails where the kernel has no system-call filters.
 Result<void> confineProcess(Network network);
 
-// Permanently restricts a process of one thread to its memory, its open descriptors and connections
-// over the Internet: no files, no other process, no local socket.
-Result<void> confineToInternet();
-
 // A remote display needs the network, even after the start.
 Network networkForDisplay(std::string_view display);
 

@@ -6,15 +6,16 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "drawing/pictures/EncodedImage.hpp"
 #include "platform/FetchPicture.hpp"
-#include "platform/RegularFiles.hpp"
 #include "platform/linux/fetch/FetchMessages.hpp"
-#include "platform/linux/processes/Confinement.hpp"
+#include "platform/linux/fetch/download/InternetOnly.hpp"
 
 namespace quorvane {
 namespace {
@@ -118,15 +119,15 @@ std::optional<std::string> resolvedHost(const std::string& url) {
 bool prepare(CURL* transfer, Session& session) {
     const char* const named = session.rules.certificates;
     const char* const path = named ? named : curl_version_info(CURLVERSION_NOW)->cainfo;
-    auto certificates = makeLiveRegularFiles().read(path ? path : "", kLargestArtwork);
-    if (!certificates) return false;
-    Bytes& text = certificates->contents;
-    curl_blob blob{text.data(), text.size(), CURL_BLOB_COPY};
+    std::ifstream file{path ? path : ""};
+    std::string certificates{std::istreambuf_iterator<char>{file}, {}};
+    curl_blob blob{certificates.data(), certificates.size(), CURL_BLOB_COPY};
     const auto set = [transfer](CURLoption option, auto value) {
         return curl_easy_setopt(transfer, option, value) == CURLE_OK;
     };
-    return set(CURLOPT_CAINFO_BLOB, &blob) && set(CURLOPT_PROTOCOLS_STR, kProtocols) &&
-           set(CURLOPT_PROXY, "") && set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L) &&
+    return !certificates.empty() && set(CURLOPT_CAINFO_BLOB, &blob) &&
+           set(CURLOPT_PROTOCOLS_STR, kProtocols) && set(CURLOPT_PROXY, "") &&
+           set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L) &&
            set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1}) &&
            set(CURLOPT_USERAGENT, "quorvane-lock-screen") && set(CURLOPT_NOSIGNAL, 1L) &&
            set(CURLOPT_OPENSOCKETFUNCTION, &openSocket) && set(CURLOPT_OPENSOCKETDATA, &session) &&

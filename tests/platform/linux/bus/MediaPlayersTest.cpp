@@ -146,7 +146,7 @@ TEST_F(MediaPlayersTest, ALongArtworkURLIsReadOnce) {
     fake.sayChanged("sa{sv}as", 1, "Volume", "d", 0.25, 0);
     EXPECT_TRUE(until([&] { return property<double>("fake", "Volume") == 0.25; }));
     EXPECT_TRUE(find("fake")->artworkURL) << "what did not change stays";
-    fake.artwork += std::string(16 << 20, 'x');
+    fake.artwork += std::string(12 << 20, 'x');
     fake.sayChanged("sa{sv}as", 1, "Metadata", "a{sv}", 1, "mpris:artUrl", "s",
                     fake.artwork.c_str(), 0);
     EXPECT_TRUE(until([&] { return !find("fake")->artworkURL; })) << "longer than any picture";
@@ -173,6 +173,22 @@ TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
 
     hanging.attach(loop());
     EXPECT_TRUE(until([&] { return find("hanging") != nullptr; }));
+    std::optional<FakePlayer> brief;
+    brief.emplace(loop(), privateBus.address(), "brief");
+    ASSERT_TRUE(until([&] { return find("brief") != nullptr; }));
+    brief->detach();
+    players->refresh("org.mpris.MediaPlayer2.brief");
+    brief.reset();
+    EXPECT_TRUE(until([&] { return find("brief") == nullptr; })) << "vanished while it was asked";
+}
+
+TEST_F(MediaPlayersTest, APlayerMayHaveTwoNames) {
+    FakePlayer fake = makePlayer("fake");
+    fake.requestName("org.mpris.MediaPlayer2.fake.instance7");
+    startUntilListed("fake.instance7");
+    fake.sayChanged("sa{sv}as", 1, "Metadata", "a{sv}", 1, "mpris:artUrl", "s", "/cover", 0);
+    for (const char* name : {"fake", "fake.instance7"})
+        EXPECT_TRUE(until([&] { return find(name) && *find(name)->artworkURL == "/cover"; }));
 }
 
 TEST_F(MediaPlayersTest, ListensToNoNonsense) {

@@ -1,12 +1,17 @@
 // Pictures fetched from a server that does all the harm it can.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
 
 #include <fstream>
 
 #include "platform/PublicAddress.hpp"
 #include "platform/linux/fetch/FetchProcess.hpp"
+#include "platform/linux/fetch/download/InternetOnly.hpp"
 #include "tests/end_to_end/LoggedProcess.hpp"
+#include "tests/support/ForkedChild.hpp"
 #include "tests/support/LoopRunner.hpp"
 
 namespace quorvane {
@@ -86,6 +91,23 @@ TEST_F(FetchTest, EndsWithItsHandle) {
     std::ifstream file{"/proc/thread-self/children"};
     for (pid_t pid = 0; file >> pid;) children.push_back(pid);
     EXPECT_EQ(children, std::vector{server.process().pid()});
+}
+
+TEST(InternetOnly, LeavesAProcessNothingElse) {
+    ForkedChild child{[](const ForkedChild::Say& say) -> int {
+        const auto isRefused = [](long result) { return result < 0 && errno == EPERM; };
+        say(confineToInternet() ? "confined" : "not confined");
+        for (const int family : {AF_INET, AF_INET6, AF_UNIX, AF_NETLINK})
+            say(isRefused(socket(family, SOCK_STREAM, 0)) ? "refused" : "opened");
+        say(isRefused(open("/etc/hostname", O_RDONLY)) ? "refused" : "read");
+        say(isRefused(execl("/bin/true", "true", nullptr)) ? "refused" : "started");
+        say(isRefused(kill(getppid(), 0)) ? "refused" : "found");
+        say(isRefused(syscall(SYS_clone, SIGCHLD, 0, 0, 0, 0)) ? "refused" : "forked");
+        return 0;
+    }};
+    for (const char* expected : {"confined", "opened", "opened", "refused", "refused", "refused",
+                                 "refused", "refused", "refused"})
+        EXPECT_EQ(child.line(), expected);
 }
 
 }  // namespace

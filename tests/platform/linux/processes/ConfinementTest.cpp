@@ -81,23 +81,6 @@ TEST(Confinement, LeavesTheNetworkToADisplayElsewhere) {
     EXPECT_EQ(abilities[5], "refused");
 }
 
-TEST(Confinement, LeavesAFetchingProcessTheInternetOnly) {
-    ForkedChild child{[](const ForkedChild::Say& say) -> int {
-        const auto isRefused = [](long result) { return result < 0 && errno == EPERM; };
-        say(confineToInternet() ? "confined" : "not confined");
-        for (const int family : {AF_INET, AF_INET6, AF_UNIX, AF_NETLINK})
-            say(isRefused(socket(family, SOCK_STREAM, 0)) ? "refused" : "opened");
-        say(isRefused(open("/etc/hostname", O_RDONLY)) ? "refused" : "read");
-        say(isRefused(execl("/bin/true", "true", nullptr)) ? "refused" : "started");
-        say(isRefused(kill(getppid(), 0)) ? "refused" : "found");
-        say(isRefused(syscall(SYS_clone, SIGCHLD, 0, 0, 0, 0)) ? "refused" : "forked");
-        return 0;
-    }};
-    for (const char* expected : {"confined", "opened", "opened", "refused", "refused", "refused",
-                                 "refused", "refused", "refused"})
-        EXPECT_EQ(child.line(), expected);
-}
-
 TEST(Confinement, LeavesNoCoreBehind) {
     ForkedChild child{[](const ForkedChild::Say& say) -> int {
         forbidCoreDumps();
