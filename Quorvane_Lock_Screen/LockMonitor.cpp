@@ -43,14 +43,6 @@ void LockMonitor::stop() {
     wakeObserver_.reset();
 }
 
-bool LockMonitor::isScreenLockedNow() const {
-    const auto session = sources_.sessionDictionary();
-    const auto* const dictionary = session ? session->as<PropertyDictionary>() : nullptr;
-    if (dictionary == nullptr) return false;
-    const bool* const isLocked = find<bool>(*dictionary, "CGSSessionScreenIsLocked");
-    return isLocked != nullptr && *isLocked;
-}
-
 void LockMonitor::observe(const char* notice, std::function<void()> handler) {
     noticeObservers_.push_back(notices_.observe(
         notice, [handler = std::move(handler)](const PropertyDictionary&) { handler(); }));

@@ -22,8 +22,7 @@ public:
     void start();
     void stop();
 
-    // Read again on every call. A state that cannot be read counts as unlocked.
-    bool isScreenLockedNow() const;
+    bool isScreenLockedNow() const { return isScreenLocked(sources_); }
 
     // While it is null, notices are only logged.
     std::function<void(const PresentationEvent&)> onEvent;

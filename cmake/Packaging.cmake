@@ -9,6 +9,11 @@ install(TARGETS quorvane-lock-screen quorvane-card-surface RUNTIME DESTINATION "
 install(TARGETS quorvane_card LIBRARY DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
 install(FILES "${QUORVANE_BUNDLE}/Contents/Info.plist" DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents")
 install(FILES packaging/quorvane-host.service DESTINATION lib/systemd/user)
+install(FILES packaging/completions/quorvane-host.bash RENAME quorvane-host
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
+install(FILES packaging/completions/quorvane-host.zsh RENAME _quorvane-host
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
+install(FILES packaging/completions/quorvane-host.fish DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
 
 # Compressed without a timestamp, as Debian requires.
 find_program(GZIP gzip REQUIRED)

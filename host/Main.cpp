@@ -12,6 +12,7 @@
 #include "host/addon/HostCommandLine.hpp"
 #include "host/addon/HostStatusQuery.hpp"
 #include "host/link/HostCoordinator.hpp"
+#include "host/players/LockPauser.hpp"
 #include "host/players/MprisPlayer.hpp"
 #include "host/players/ScriptedPlayer.hpp"
 #include "host/settings/StoredSettings.hpp"
@@ -22,6 +23,8 @@ namespace quorvane {
 namespace {
 
 using Command = HostCommandLine::Command;
+
+constexpr Duration kPlayersPatience = std::chrono::milliseconds{500};
 
 void print(const std::string& text) { std::fputs(text.c_str(), stdout); }
 
@@ -46,7 +49,8 @@ std::filesystem::path fetchProgram(const LiveServices& services) {
 
 std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostCommandLine& line,
                                                                      const LiveServices& services,
-                                                                     StoredSettings& settings) {
+                                                                     StoredSettings& settings,
+                                                                     MediaPlayers players) {
     if (line.script) {
         auto script = readScript(*line.script, makeLiveRegularFiles());
         if (!script) return std::unexpected{script.error()};
@@ -54,7 +58,7 @@ std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostC
     }
     return std::make_unique<MprisPlayer>(
         MprisPlayer::Services{
-            .players = makeLiveMediaPlayers(services),
+            .players = std::move(players),
             .soundServer = makeLiveSoundServer(services),
             .files = makeLiveRegularFiles(),
             .fetchPicture = makeLiveFetchPicture(services, fetchProgram(services)),
@@ -77,6 +81,7 @@ HostCoordinator::Services coordinatorServices(const LiveServices& services) {
             .clock = services.clock,
             .wallClock = services.wallClock,
             .darwinNotices = services.darwinNotices,
+            .distributedNotices = services.distributedNotices,
             .sharedSuite = sharedSuite(services)};
 }
 
@@ -124,7 +129,8 @@ AddOnCommands::Services addOnServices(const LiveServices& services) {
 
 int run(const HostCommandLine& line, const LiveServices& services) {
     StoredSettings settings{services.standardDefaults, services.darwinNotices};
-    auto player = makePlayer(line, services, settings);
+    const auto players = line.script ? MediaPlayers{} : makeLiveMediaPlayers(services);
+    auto player = makePlayer(line, services, settings, players);
     if (!player) return fail(player.error());
     const AddOnCommands::Services addOn = addOnServices(services);
     if (addOn.problems.ports) return fail(*addOn.problems.ports);
@@ -132,7 +138,16 @@ int run(const HostCommandLine& line, const LiveServices& services) {
     HostCoordinator host{coordinatorServices(services), *std::move(player)};
     DeliveredRemoval removal{addOn, {services.log, kIdentifierPrefix, "host"}};
     host.onRemovalDelivered = [&removal] { removal.delivered(); };
-    host.onServing = [&host] {
+    std::optional<LockPauser> pauser;
+    host.onServing = [&] {
+        if (!line.script)
+            pauser.emplace(
+                LockPauser::Services{
+                    .players = players,
+                    .notices = services.distributedNotices,
+                    .makeLockSources = [&services] { return makeLiveLockSources(services); },
+                    .log = services.log},
+                settings.current(), line.onlyPlayer);
         say("serving; press Ctrl-C to stop");
         if (!host.hasSecret()) say("without a connection secret no add-on can connect");
     };
@@ -203,6 +218,40 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
     return ended == 0 ? status : kHostFailed;
 }
 
+// A serving host is asked, because its choice depends on what it has seen. Otherwise this process
+// chooses as a host that starts now would.
+int tellPlayers(const LiveServices& services) {
+    StoredSettings settings{services.standardDefaults, services.darwinNotices};
+    const bool isServed = services.connectPort(std::string{kMessagePortBaseName}) != nullptr;
+    int status = kHostFailed;
+    std::unique_ptr<PlayerSource> here;
+    Handle answer;
+    Timer patience;
+    const auto tell = [&](const PlayerList& list) {
+        print(list.text());
+        status = kHostDone;
+        services.application.terminate();
+    };
+    const auto begin = [&] {
+        if (isServed) {
+            answer = services.distributedNotices.observe(
+                PlayerList::kAnswer,
+                [&](const PropertyDictionary& userInfo) { tell(PlayerList::of(userInfo)); });
+            services.distributedNotices.post(PlayerList::kRequest, {});
+        } else {
+            here = *makePlayer({}, services, settings, makeLiveMediaPlayers(services));
+            say("no host is running; one that starts now chooses so:");
+        }
+        patience = services.clock.after(kPlayersPatience, [&] {
+            if (here) return tell(here->players());
+            fail("the host did not answer; stop it and start it again");
+            services.application.terminate();
+        });
+    };
+    const int ended = services.application.run(begin, [] {});
+    return ended == 0 ? status : kHostFailed;
+}
+
 int setSettings(const HostCommandLine& line, const LiveServices& services) {
     StoredSettings settings{services.standardDefaults, services.darwinNotices};
     const auto outcome =
@@ -228,6 +277,7 @@ int main(int argumentCount, char** arguments) {
     switch (line->command) {
         case Command::status: return tellStatus(*services);
         case Command::run: return run(*line, *services);
+        case Command::players: return tellPlayers(*services);
         case Command::set:
         case Command::unset: return setSettings(*line, *services);
         default: return controlAddOn(*line, *services);

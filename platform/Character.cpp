@@ -40,4 +40,17 @@ bool isValidUTF8(std::string_view text) {
     return true;
 }
 
+std::string printable(std::string_view text) {
+    std::string result;
+    for (std::size_t place = 0; place < text.size();) {
+        const Character character = characterAt(text, place);
+        if (character.isValid && isControl(character.code))
+            result += '?';
+        else
+            result += text.substr(place, character.length);
+        place += character.length;
+    }
+    return result;
+}
+
 }  // namespace quorvane

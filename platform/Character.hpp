@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace quorvane {
@@ -25,5 +26,9 @@ bool isValidUTF8(std::string_view text);
 constexpr bool isControl(std::uint32_t code) {
     return code < 0x20 || (code >= 0x7F && code < 0xA0);
 }
+
+// The text with "?" for its control characters, so that an untrusted one can be printed to a
+// terminal.
+std::string printable(std::string_view text);
 
 }  // namespace quorvane

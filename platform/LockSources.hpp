@@ -11,6 +11,8 @@
 
 namespace quorvane {
 
+struct LiveServices;
+
 // The distributed notices of a lock, the same on every system.
 inline constexpr char kScreenIsLocked[] = "com.apple.screenIsLocked";
 inline constexpr char kScreenIsUnlocked[] = "com.apple.screenIsUnlocked";
@@ -29,5 +31,18 @@ struct LockSources {
     std::function<std::uint32_t(int token, std::uint64_t& state)> notifyGetState;
     std::function<void(int token)> notifyCancel;
 };
+
+// Read again on every call. A state that cannot be read counts as unlocked.
+inline bool isScreenLocked(const LockSources& sources) {
+    const auto session = sources.sessionDictionary();
+    const auto* const dictionary = session ? session->as<PropertyDictionary>() : nullptr;
+    const bool* const isLocked =
+        dictionary ? find<bool>(*dictionary, "CGSSessionScreenIsLocked") : nullptr;
+    return isLocked && *isLocked;
+}
+
+// Sources that need no display: they see a lock that the desktop or the login manager announces.
+// The table owns what watches. `services` must outlive it.
+LockSources makeLiveLockSources(const LiveServices& services);
 
 }  // namespace quorvane

@@ -30,17 +30,17 @@ struct MediaPlayer {
     std::shared_ptr<const std::string> artworkURL{};
     std::int64_t position = 0;            // microseconds, as reported at `positionAt`
     std::optional<Instant> positionAt{};  // nullopt before the first report
+    bool isSilent = false;  // has left a question unanswered for five seconds, and still does
 };
 
-// Main thread only. No call blocks on a player; answers arrive asynchronously. A player that never
-// answers is not in the list, or keeps its last values. Methods and properties have the names of
-// the interface above.
+// Main thread only. No call blocks on a player; answers arrive asynchronously. Methods and
+// properties have the names of the interface above.
 struct MediaPlayers {
-    // The players that have sent their properties, ordered by name. The service owns the list and
-    // changes it only between calls of the handler.
+    // The players that have sent their properties or are silent, ordered by name. The service owns
+    // the list and changes it only between calls of the handler.
     std::function<const std::vector<MediaPlayer>&()> list;
-    // Calls the handler when a player appears or disappears, when a property changes, when a player
-    // seeks, and when a player has answered `refresh`.
+    // Calls the handler when a player appears, disappears or falls silent, when a property changes,
+    // when a player seeks, and when a player has answered `refresh`.
     std::function<Handle(std::function<void()> handler)> observe;
     // Asks the player for all its properties again. Players do not announce their position as it
     // advances, and some correct a track's length without a signal. At most one such request per

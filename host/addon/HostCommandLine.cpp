@@ -28,6 +28,7 @@ constexpr CommandRow kCommands[] = {
     {"remove", Command::remove, "remove the add-on with its login item, files and settings"},
     {"enable", Command::enable, "turn the card on"},
     {"disable", Command::disable, "turn the card off"},
+    {"players", Command::players, "list the music players, and why one is followed"},
     {"set", Command::set, "show all settings; or: set NAME, set NAME VALUE..."},
     {"unset", Command::unset, "return a setting to its default: unset NAME"},
 };

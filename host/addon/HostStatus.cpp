@@ -11,20 +11,6 @@ namespace quorvane {
 
 namespace {
 
-// Titles are untrusted and are printed to a terminal, which would interpret control characters.
-std::string printable(std::string_view text) {
-    std::string result;
-    for (std::size_t place = 0; place < text.size();) {
-        const Character character = characterAt(text, place);
-        if (character.isValid && isControl(character.code))
-            result += '?';
-        else
-            result += text.substr(place, character.length);
-        place += character.length;
-    }
-    return result;
-}
-
 std::string minutes(double seconds) {
     // The answer is untrusted; larger doubles do not represent whole seconds anyway.
     const auto whole = static_cast<std::int64_t>(std::clamp(seconds, 0.0, 9e15));
@@ -39,7 +25,7 @@ std::string playing(const QuorvanePlayerState& state, WallTime now) {
         state.playerPosition + (isPlaying ? secondsBetween(state.timestamp, now) : 0);
     std::string text = isPlaying ? "playing" : "paused";
     if (state.playerState == XPCPlayerState::stopped) text = "stopped";
-    text += " \"" + printable(state.track->title) + "\"";
+    if (!state.track->title.empty()) text += " \"" + printable(state.track->title) + "\"";
     if (!state.track->artist.empty()) text += " by " + printable(state.track->artist);
     text += " (" + minutes(position);
     if (state.track->duration) text += " of " + minutes(*state.track->duration);
@@ -109,6 +95,8 @@ std::string HostStatus::text(WallTime now) const {
     std::string lines = "Host:    " + hostText(*this, now) + "\nCard:    " + cardText(*this) +
                         "\nInstall: " + installedText(place) +
                         "\nAdd-on:  " + addOnText(*this, now) + "\n";
+    for (const std::string& player : silentPlayers)
+        lines += "Player:  " + player + " does not answer and is not followed\n";
     for (const std::string& problem : problems) lines += "Session: " + problem + "\n";
     return lines;
 }

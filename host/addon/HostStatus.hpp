@@ -26,6 +26,7 @@ struct HostStatus {
     AddOnInstallation place{};
     bool isAddOnRunning = false;                  // a copy is in the process table
     std::optional<AddOnSignals::Status> addOn{};  // what it answered
+    std::vector<std::string> silentPlayers{};     // their names
     std::vector<std::string> problems{};          // of the session
 
     // A few lines for the user.

@@ -5,6 +5,7 @@
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/MessageType.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
+#include "host/players/PlayerList.hpp"
 #include "platform/Wipe.hpp"
 
 namespace quorvane {
@@ -25,12 +26,13 @@ void HostStatusQuery::start(std::function<void(HostStatus)> done) {
     status_.isAddOnRunning = AddOnControl{services_.control}.isRunning();
     readDefaults();
     askHost();
+    if (status_.state) askPlayers();
     observation_ = services_.control.notices.observe(
         AddOnSignals::kStatus, [this](const PropertyDictionary& userInfo) {
             const auto answer = AddOnSignals::Status::fromUserInfo(userInfo);
             if (!answer) return;
             status_.addOn = answer;
-            finish();
+            finishIfComplete();
         });
     timeout_ = services_.control.clock.after(kAddOnTimeout, [this] { finish(); });
     services_.control.notices.post(AddOnSignals::kStatusRequest, {});
@@ -65,8 +67,26 @@ void HostStatusQuery::askHost() {
     if (state) status_.state = *std::move(state);
 }
 
+void HostStatusQuery::askPlayers() {
+    awaitsPlayers_ = true;
+    playersObservation_ = services_.control.notices.observe(
+        PlayerList::kAnswer, [this](const PropertyDictionary& userInfo) {
+            awaitsPlayers_ = false;
+            status_.silentPlayers.clear();
+            for (const PlayerRow& row : PlayerList::of(userInfo).rows)
+                if (row.state == PlayerList::kSilent) status_.silentPlayers.push_back(row.name);
+            finishIfComplete();
+        });
+    services_.control.notices.post(PlayerList::kRequest, {});
+}
+
+void HostStatusQuery::finishIfComplete() {
+    if (status_.addOn && !awaitsPlayers_) finish();
+}
+
 void HostStatusQuery::finish() {
     observation_.reset();
+    playersObservation_.reset();
     timeout_.reset();
     if (const auto done = std::exchange(done_, nullptr)) done(status_);
 }

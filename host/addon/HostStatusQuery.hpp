@@ -16,20 +16,24 @@ public:
     HostStatusQuery(AddOnCommands::Services services, FileStore files)
         : services_(std::move(services)), files_(std::move(files)) {}
 
-    // Asks the host, which may take two seconds, then the add-on, which has half a second to
-    // answer. `done` runs once, later.
+    // Asks the host, which may take two seconds, then the add-on and the host's players, which have
+    // half a second to answer. `done` runs once, later.
     void start(std::function<void(HostStatus)> done);
 
 private:
     void readDefaults();
     void askHost();
+    void askPlayers();
+    void finishIfComplete();
     void finish();
 
     AddOnCommands::Services services_;
     FileStore files_;
     HostStatus status_;
     std::function<void(HostStatus)> done_;
+    bool awaitsPlayers_ = false;
     Handle observation_;
+    Handle playersObservation_;
     Timer timeout_;
 };
 

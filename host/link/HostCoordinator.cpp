@@ -84,6 +84,7 @@ void HostCoordinator::stop() {
     if (!server_) return;
     player_->onChanged = nullptr;
     announcement_.reset();
+    playersRequests_.reset();
     wait_->cancel();
     ports_->end();
     starting_.reset();
@@ -122,6 +123,10 @@ void HostCoordinator::portOpened() {
     ++openPorts_;
     if (!isServing()) return;
     log_.info("host: serving");
+    playersRequests_ = services_.distributedNotices.observe(
+        PlayerList::kRequest, [this](const PropertyDictionary&) {
+            services_.distributedNotices.post(PlayerList::kAnswer, player_->players().userInfo());
+        });
     // Any previous host has ended, so make the add-on reconnect and say hello.
     services_.darwinNotices.post(QuorvaneDarwinNotification::playerStateChanged);
     services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);

@@ -12,6 +12,7 @@
 #include "host/link/MainPortFirst.hpp"
 #include "host/players/PlayerSource.hpp"
 #include "platform/DarwinNotices.hpp"
+#include "platform/DistributedNotices.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/SerialQueue.hpp"
@@ -34,6 +35,7 @@ public:
         Clock clock;
         WallClock wallClock;
         DarwinNotices darwinNotices;
+        DistributedNotices distributedNotices;
         std::optional<UserDefaults> sharedSuite;
     };
 
@@ -86,6 +88,7 @@ private:
     std::size_t openPorts_ = 0;
     std::optional<PlayerSnapshot> announced_;  // nullopt: always announce the next snapshot
     Timer announcement_;
+    Handle playersRequests_;
 };
 
 }  // namespace quorvane

@@ -5,7 +5,7 @@
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "host/players/MprisTranslation.hpp"
-#include "host/players/PlayerPrivacy.hpp"
+#include "host/players/PlayerRules.hpp"
 
 namespace quorvane {
 
@@ -13,6 +13,16 @@ namespace {
 
 // The minimum interval between requests to a player, however many clients ask for the state.
 constexpr Duration kFreshness = std::chrono::seconds{1};
+constexpr Duration kIdleTolerance = std::chrono::seconds{5};
+
+std::string stateText(const MediaPlayer& player) {
+    if (player.isSilent) return PlayerList::kSilent;
+    switch (playerStateOf(player).playerState) {
+        case XPCPlayerState::playing: return "playing";
+        case XPCPlayerState::paused: return "paused";
+        default: return "stopped";
+    }
+}
 
 ArtworkLoader::URL shownArtwork(const MediaPlayer& player, const Settings& settings) {
     const bool isOnWeb = player.artworkURL && isWebURL(*player.artworkURL);
@@ -63,20 +73,47 @@ PlayerSnapshot MprisPlayer::snapshot() const {
 
 void MprisPlayer::follow() {
     std::vector<PlayerCandidate> candidates;
+    const auto& preferred = settings_.get().preferred;
     for (const MediaPlayer& player : services_.players.list()) {
-        if (isNamed(player, "playerctld")) continue;  // it mirrors another player
-        if (onlyNamed_ && !isNamed(player, *onlyNamed_)) continue;
-        const QuorvanePlayerState state = playerStateOf(player);
-        if (state.track)
-            candidates.push_back({player.busName, state.playerState, isNameless(player)});
+        const auto isThis = [&](const std::string& name) { return isNamed(player, name); };
+        const auto preference = std::ranges::find_if(preferred, isThis) - preferred.begin();
+        candidates.push_back({.name = player.busName,
+                              .state = playerStateOf(player).playerState,
+                              .track = trackKeyOf(player),
+                              .isNameless = isNameless(player),
+                              .canBeControlled = allows(player, "CanControl"),
+                              .preference = static_cast<std::size_t>(preference),
+                              .obstacle = obstacleOf(player, settings_.get(), onlyNamed_)});
     }
-    choose(choice_.applying(candidates));
+    const Duration idleTime = settings_.get().idleTime;
+    choose(choice_.applying(candidates, services_.clock.now(), idleTime));
+}
+
+// A few seconds do not matter, so the wake-up may be shared with another one.
+void MprisPlayer::awaitIdleness() {
+    const auto idleAt = choice_.idleAt(settings_.get().idleTime);
+    if (idleAt == idleAt_) return;
+    idleAt_ = idleAt;
+    idleTimer_.reset();
+    if (idleAt)
+        idleTimer_ = services_.clock.afterAbout(*idleAt - services_.clock.now(), kIdleTolerance,
+                                                [this] { follow(); });
+}
+
+PlayerList MprisPlayer::players() const {
+    PlayerList list;
+    for (const MediaPlayer& player : services_.players.list())
+        if (choice_.known.contains(player.busName))
+            list.rows.push_back({std::string{nameOnBus(player)}, stateText(player),
+                                 std::string{choice_.standingOf(player.busName)}});
+    return list;
 }
 
 void MprisPlayer::choose(PlayerChoice choice) {
     const bool isNew = choice.current != choice_.current;
     choice_ = std::move(choice);
     if (isNew) logCurrent();
+    awaitIdleness();
     followCurrent();
     if (onChanged) onChanged();
 }
@@ -130,7 +167,7 @@ void MprisPlayer::heardSound(SoundLevels levels) {
 
 bool MprisPlayer::perform(QuorvaneAction action) {
     if (action == QuorvaneAction::switchPlayer) {
-        choose(choice_.switching());
+        choose(choice_.switching(services_.clock.now()));
         return true;
     }
     const MediaPlayer* player = current();

@@ -42,10 +42,12 @@ public:
     bool setVolume(std::int64_t percent) override;
     bool setRating(std::int64_t) override { return false; }  // MPRIS cannot express it
     void refresh() override;
+    PlayerList players() const override;
 
 private:
     const MediaPlayer* current() const;
     void follow();
+    void awaitIdleness();
     void followCurrent();
     void logCurrent() const;
     void choose(PlayerChoice choice);
@@ -58,6 +60,8 @@ private:
     std::optional<std::string> onlyNamed_;
     Logger log_;
     PlayerChoice choice_;
+    std::optional<Instant> idleAt_;
+    Timer idleTimer_;  // runs at `idleAt_`
     std::optional<MprisPlayback> playback_;
     SoundLevels sound_;  // empty while the server is not needed or not available
     double volumeBeforeMute_ = 0.5;

@@ -24,13 +24,6 @@ const PropertyDictionary& metadataOf(const MediaPlayer& player) {
     return metadata ? *metadata : none;
 }
 
-// "mpv.instance7" of "org.mpris.MediaPlayer2.mpv.instance7".
-std::string_view nameOnBus(const MediaPlayer& player) {
-    std::string_view name = player.busName;
-    if (name.starts_with(kNamePrefix)) name.remove_prefix(kNamePrefix.size());
-    return name;
-}
-
 // At most kLongestText bytes, cut at a character boundary.
 std::string withinReason(std::string text) {
     if (text.size() <= kLongestText) return text;
@@ -181,6 +174,12 @@ QuorvanePlayerState playerStateOf(const MediaPlayer& player) {
     state.capabilities.hasThreeStateRepeat = state.repeatMode.has_value();
     state.shuffleEnabled = flagOf(player, "Shuffle", false);
     return state;
+}
+
+std::string_view nameOnBus(const MediaPlayer& player) {
+    std::string_view name = player.busName;
+    if (name.starts_with(kNamePrefix)) name.remove_prefix(kNamePrefix.size());
+    return name;
 }
 
 std::string playerNameOf(const MediaPlayer& player) {

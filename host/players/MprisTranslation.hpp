@@ -14,6 +14,8 @@ namespace quorvane {
 // is loaded.
 QuorvanePlayerState playerStateOf(const MediaPlayer& player);
 
+// "mpv.instance7" of "org.mpris.MediaPlayer2.mpv.instance7".
+std::string_view nameOnBus(const MediaPlayer& player);
 // The name that the player gives itself, else the first part of its bus name.
 std::string playerNameOf(const MediaPlayer& player);
 // Differs between two tracks of one player; "" when no track is loaded.

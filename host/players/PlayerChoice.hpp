@@ -6,27 +6,35 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "QuorvaneKit/records/QuorvanePlayerState.hpp"
+#include "platform/Clock.hpp"
 
 namespace quorvane {
 
-// A player that has a track.
 struct PlayerCandidate {
     std::string name;
     XPCPlayerState state = XPCPlayerState::unknown;
-    bool isNameless = false;  // its track has neither a title nor a URL
+    std::string track{};          // differs between two tracks
+    bool isNameless = false;      // its track has neither a title nor a URL
+    bool canBeControlled = true;  // by the card
+    std::size_t preference = 0;   // the user's order: 0 comes first
+    std::string_view obstacle{};  // why it cannot be followed, for the user; "" if it can
+    bool operator==(const PlayerCandidate&) const = default;
 };
 
 // A playing player precedes a paused one, a paused one precedes a stopped one. Among equals the
-// followed player stays, so that a sound from another player does not take over the card. Otherwise
-// the player that started last wins. A nameless track counts only once it has played, because some
-// idle players report themselves as paused. A manual choice holds until its player quits, or until
-// it is not playing and another one starts.
+// user's preference decides, then the followed player stays, so that a sound from another player
+// does not take over the card. Otherwise the player that started last wins. A nameless track counts
+// only once it has played, because some idle players report themselves as paused. A player that has
+// neither played nor changed its track for the idle time cannot be followed until it does. A manual
+// choice holds until its player quits; while that player cannot be followed, the rule decides.
 struct PlayerChoice {
     struct Known {
-        XPCPlayerState state = XPCPlayerState::unknown;
+        PlayerCandidate player;
         std::uint64_t beganToPlay = 0;  // the count at that time; 0: never seen playing
+        Instant quietSince{};           // the last change of state or track
         bool operator==(const Known&) const = default;
     };
 
@@ -35,9 +43,15 @@ struct PlayerChoice {
     std::map<std::string, Known> known;
     std::uint64_t count = 0;
 
-    [[nodiscard]] PlayerChoice applying(std::span<const PlayerCandidate> candidates) const;
-    // Chooses the next player by name, as a manual choice.
-    [[nodiscard]] PlayerChoice switching() const;
+    // An idle time of 0 never passes.
+    [[nodiscard]] PlayerChoice applying(std::span<const PlayerCandidate> candidates, Instant now,
+                                        Duration idleTime) const;
+    // Chooses the next player by name that can be controlled, as a manual choice.
+    [[nodiscard]] PlayerChoice switching(Instant now) const;
+    // When the followed player will have been idle for too long, unless it changes; nullopt: never.
+    std::optional<Instant> idleAt(Duration idleTime) const;
+    // For the user: that a known player is followed, or why it is not.
+    std::string_view standingOf(const std::string& name) const;
     bool operator==(const PlayerChoice&) const = default;
 };
 

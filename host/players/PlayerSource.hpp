@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "QuorvaneKit/records/QuorvaneAction.hpp"
+#include "host/players/PlayerList.hpp"
 #include "host/players/PlayerSnapshot.hpp"
 
 namespace quorvane {
@@ -19,6 +20,8 @@ public:
     virtual bool perform(QuorvaneAction action) = 0;
     virtual bool setVolume(std::int64_t percent) = 0;  // clamped to 0...100
     virtual bool setRating(std::int64_t percent) = 0;  // clamped to 0...100
+    // All players that were considered.
+    virtual PlayerList players() const { return {}; }
     // A client asked for the state: soon afterwards, updates the fields whose changes the player
     // does not announce.
     virtual void refresh() {}

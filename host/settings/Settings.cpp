@@ -1,13 +1,13 @@
 #include "host/settings/Settings.hpp"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <numeric>
 #include <optional>
 #include <type_traits>
 #include <utility>
 
+#include "host/settings/TextTable.hpp"
 #include "platform/LowerCase.hpp"
 
 namespace quorvane {
@@ -204,7 +204,7 @@ std::expected<std::string, std::string> settingText(const Settings& settings,
 }
 
 std::string settingsTable(const Settings& settings) {
-    std::vector<std::array<std::string, 4>> rows{{"SETTING", "VALUE", "DEFAULT", "MEANING"}};
+    std::vector<std::vector<std::string>> rows{{"SETTING", "VALUE", "DEFAULT", "MEANING"}};
     for (const SettingRow& row : kSettings) {
         const std::string name{row.name}, meaning{row.meaning};
         if (!name.ends_with(kPlayerPlace)) {
@@ -216,21 +216,7 @@ std::string settingsTable(const Settings& settings) {
         for (const auto& [player, privacy] : settings.privacyOf)
             rows.push_back({"privacy." + player, Kind<Privacy>::text(privacy), "privacy", ""});
     }
-    std::array<std::size_t, 3> widths{};
-    for (const auto& row : rows)
-        for (std::size_t i = 0; i < widths.size(); ++i)
-            widths[i] = std::max(widths[i], row[i].size() + 2);
-    std::string text;
-    for (auto& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < widths.size(); ++i) {
-            row[i].resize(widths[i], ' ');
-            line += row[i];
-        }
-        line += row.back();
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
-    }
-    return text;
+    return textTable(std::move(rows));
 }
 
 }  // namespace quorvane

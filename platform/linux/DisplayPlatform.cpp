@@ -14,7 +14,7 @@
 #include "platform/linux/files/Environment.hpp"
 #include "platform/linux/language/Translations.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
-#include "platform/linux/lockers/LockWatcherLinux.hpp"
+#include "platform/linux/services/LockWatcherLinux.hpp"
 #include "platform/linux/lockers/X11SessionLinux.hpp"
 #include "platform/linux/processes/Confinement.hpp"
 #include "platform/linux/processes/LoginItemLinux.hpp"

@@ -1,12 +1,15 @@
 // A real player without sound output: the card shows its track, and the card's controls reach it.
 
 #include "tests/end_to_end/LockSession.hpp"
+#include "tests/support/FakeBusService.hpp"
+#include "tests/support/LoopRunner.hpp"
 
 namespace quorvane {
 namespace {
 
 using namespace std::chrono_literals;
 
+constexpr auto kNone = std::string::npos;
 const PlayerGeometry kGeometry = PlayerGeometry::make(false, false);
 
 class RealPlayer : public testing::Test {
@@ -83,6 +86,54 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
     EXPECT_TRUE(hasCome("volume 25")) << addOn.log();
     player.process().end(SIGKILL);
     EXPECT_TRUE(addOn.says("exit: window")) << addOn.log();
+}
+
+TEST_F(RealPlayer, ObeysTheUsersSettings) {
+    const auto run = [&](const std::string& words) {
+        return LoggedProcess::run({"sh", "-c", std::string{HOST_PROGRAM} + ' ' + words},
+                                  session.environment())
+            .text;
+    };
+    const auto becomes = [&](const std::string& status) {
+        return eventually([&] { return ask("status") == status + '\n'; });
+    };
+    ASSERT_TRUE(hasCome("state: now 'Still Water'")) << addOn.log() << host.log();
+    EXPECT_EQ(run("players"), "PLAYER  STATE\nmpv     playing  followed: it plays\n");
+    run("set privacy player");
+    EXPECT_TRUE(hasCome("state: now 'mpv'")) << addOn.log();
+    EXPECT_EQ(host.count("Still Water"), 0);
+
+    EventLoop loop;
+    constexpr char kName[] = "org.freedesktop.ScreenSaver";
+    FakeBusService screenSaver{loop, session.bus().address(), kName,
+                               [](const auto&, sd_bus_message*, sd_bus_message* answer) {
+                                   return sd_bus_message_append(answer, "b", 0) >= 0;
+                               }};
+    const auto setActive = [&](int isActive) {
+        screenSaver.signal("/org/freedesktop/ScreenSaver", kName, "ActiveChanged", "b", isActive);
+    };
+    run("set pause-on-lock on");
+    run("set resume-on-unlock on");
+    ASSERT_TRUE(runUntil(loop, [&] { return !screenSaver.calls().empty(); }));
+    setActive(1);
+    EXPECT_TRUE(becomes("Paused")) << host.log();
+    setActive(0);
+    EXPECT_TRUE(becomes("Playing")) << host.log();
+    setActive(1);
+    EXPECT_TRUE(becomes("Paused"));
+    ask("play");
+    EXPECT_TRUE(becomes("Playing"));
+    ask("pause");
+    EXPECT_TRUE(becomes("Paused"));
+    setActive(0);
+    run("unset pause-on-lock");
+    EXPECT_EQ(host.count("resuming at the unlock"), 1) << "not what the user paused";
+
+    player.process().signal(SIGSTOP);
+    EXPECT_TRUE(eventually([&] { return run("status").find("Player:  mpv does not") != kNone; }));
+    EXPECT_TRUE(addOn.says("no track, card hidden")) << addOn.log();
+    player.process().signal(SIGCONT);
+    EXPECT_TRUE(eventually([&] { return run("players").find("followed: no other") != kNone; }));
 }
 
 // A player that needs a terminal, has no artwork, and keeps its volume to itself.

@@ -77,6 +77,7 @@ TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {
     ASSERT_TRUE(host.says("the card is off (turn on with"));
     ASSERT_TRUE(host.says("serving;"));
     EXPECT_EQ(run({"enable"}, 0), "The card is on.\n");
+    EXPECT_EQ(run({"players"}, 0), "No players to follow.\n");
     EXPECT_EQ(run({"status"}, 0),
               "Host:    running, paused \"Low Tide\" by The Quiet Harbour (0:30 of 3:34)\n"
               "Card:    on\n"

@@ -15,8 +15,10 @@ constexpr char kBusPath[] = "/org/freedesktop/DBus";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
 // A player whose artwork's URL is longer is asked only for its position again.
 constexpr std::size_t kLongestRepeated = 64 * 1024;
-// A player that takes longer counts as hung.
+// A player that takes longer counts as silent.
 constexpr Duration kPatience = std::chrono::seconds{5};
+// A silent player that recovers answers what it was asked, and so returns.
+constexpr Duration kUntilItAnswers = std::chrono::hours{24 * 365};
 
 // Moves the artwork's URL out of the metadata.
 std::shared_ptr<const std::string> takeArtworkURL(PropertyDictionary& properties) {
@@ -107,24 +109,25 @@ void MprisPlayers::askIdentity(Entry& entry) {
     });
 }
 
-void MprisPlayers::askPosition(Entry& entry) {
-    const BusMethod get{
-        entry.player.busName, kPlayerPath, kBusProperties, "Get", {kPlayer, "Position"}};
-    entry.description = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
-        entry.description.reset();
-        std::int64_t position = 0;
-        if (reply && sd_bus_message_read(reply, "v", "x", &position) >= 0)
-            takePosition(entry, position);
-    });
+void MprisPlayers::describe(Entry& entry) {
+    if (!entry.isDescribed && !entry.description) askIdentity(entry);
+    const BusMethod get{entry.player.busName, kPlayerPath, kBusProperties, "GetAll", {kPlayer}};
+    ask(entry, entry.description, get, &MprisPlayers::onDescription);
 }
 
-void MprisPlayers::describe(Entry& entry) {
-    if (entry.description) return;
-    if (!entry.isDescribed) askIdentity(entry);
-    const BusMethod get{entry.player.busName, kPlayerPath, kBusProperties, "GetAll", {kPlayer}};
-    entry.description = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
-        entry.description.reset();
-        if (reply) onDescription(entry, reply);
+void MprisPlayers::ask(Entry& entry, Handle& question, const BusMethod& get,
+                       void (MprisPlayers::*onReply)(Entry&, sd_bus_message*)) {
+    if (question) return;
+    const auto answered = [this, &entry, &question, onReply](sd_bus_message* reply) {
+        question.reset();
+        entry.patience.reset();
+        if (std::exchange(entry.player.isSilent, false)) changed();
+        if (reply) (this->*onReply)(entry, reply);
+    };
+    question = callBus(bus_, get, kUntilItAnswers, answered);
+    entry.patience = clock_.after(kPatience, [this, &entry] {
+        entry.player.isSilent = true;
+        changed();
     });
 }
 
@@ -138,6 +141,11 @@ void MprisPlayers::onDescription(Entry& entry, sd_bus_message* reply) {
     entry.player.properties = std::move(properties);
     entry.isDescribed = true;
     changed();
+}
+
+void MprisPlayers::onPosition(Entry& entry, sd_bus_message* reply) {
+    std::int64_t position = 0;
+    if (sd_bus_message_read(reply, "v", "x", &position) >= 0) takePosition(entry, position);
 }
 
 void MprisPlayers::onNameOwner(sd_bus_message* message) {
@@ -186,14 +194,12 @@ void MprisPlayers::onSeeked(sd_bus_message* message) {
 
 void MprisPlayers::refresh(const std::string& name) {
     const auto found = entries_.find(name);
-    if (found == entries_.end() || found->second.description) return;
+    if (found == entries_.end()) return;
     Entry& entry = found->second;
-    const bool hasLongURL =
-        entry.player.artworkURL && entry.player.artworkURL->size() > kLongestRepeated;
-    if (hasLongURL)
-        askPosition(entry);
-    else
-        describe(entry);
+    const auto& url = entry.player.artworkURL;
+    if (!url || url->size() <= kLongestRepeated) return describe(entry);
+    ask(entry, entry.position, {name, kPlayerPath, kBusProperties, "Get", {kPlayer, "Position"}},
+        &MprisPlayers::onPosition);
 }
 
 void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {
@@ -238,7 +244,7 @@ void MprisPlayers::publish() {
     if (std::exchange(isLost_, false)) entries_.clear();
     list_.clear();
     for (const auto& [name, entry] : entries_)
-        if (entry.isDescribed) list_.push_back(entry.player);
+        if (entry.isDescribed || entry.player.isSilent) list_.push_back(entry.player);
     listeners_.call();
 }
 

@@ -35,4 +35,6 @@ LockSources makeLockSourcesMacOS() {
     };
 }
 
+LockSources makeLiveLockSources(const LiveServices&) { return makeLockSourcesMacOS(); }
+
 }  // namespace quorvane

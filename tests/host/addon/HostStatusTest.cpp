@@ -74,11 +74,14 @@ TEST(HostStatus, IsAFewLinesOfText) {
          "Install: not installed (run: quorvane-host install)\n"
          "Add-on:  running, version 1.2.1, not connected; needs an update that supports system "
          "26.1.0\n"},
-        {{.state = playing(XPCPlayerState::stopped, 1e300, {"A", ""}), .hasSharedDefaults = true},
-         "Host:    running, stopped \"A\" (150000000000000:00)\n"
+        {{.state = playing(XPCPlayerState::stopped, 1e300, {"", ""}),
+          .hasSharedDefaults = true,
+          .silentPlayers = {"vlc"}},
+         "Host:    running, stopped (150000000000000:00)\n"
          "Card:    off\n"
          "Install: not installed (run: quorvane-host install)\n"
-         "Add-on:  not running; never seen\n"},
+         "Add-on:  not running; never seen\n"
+         "Player:  vlc does not answer and is not followed\n"},
     };
     for (const auto& [status, text] : rows) EXPECT_EQ(status.text(kNow), text);
 }

@@ -62,6 +62,7 @@ protected:
                          .clock = clock.clock(),
                          .wallClock = clock.wallClock(),
                          .darwinNotices = notices.darwin(),
+                         .distributedNotices = notices.distributed(),
                          .sharedSuite = defaults.table()},
                      std::move(owned));
         for (const char* notice :

@@ -4,7 +4,9 @@
 
 #include <cmath>
 
+#include "host/players/LockPauser.hpp"
 #include "platform/Listeners.hpp"
+#include "tests/support/FakeNotices.hpp"
 #include "tests/support/ManualClock.hpp"
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/ManualSerialQueues.hpp"
@@ -22,18 +24,19 @@ PropertyValue text(std::string value) { return {std::move(value)}; }
 
 class MprisPlayerTest : public testing::Test {
 protected:
+    MediaPlayers table() {
+        return {.list = [this]() -> const std::vector<MediaPlayer>& { return players; },
+                .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
+                .refresh = [this](const auto&) { said += "refresh "; },
+                .call = [this](const auto&, const auto& method) { said += method + ' '; },
+                .set = [this](const auto&, const auto& property,
+                              const PropertyValue& value) { say(property, *value.as<double>()); },
+                .raise = [this](const auto&) { said += "raise "; }};
+    }
     void start(std::optional<std::string> onlyNamed = std::nullopt) {
         player.emplace(
             MprisPlayer::Services{
-                .players = {
-                    .list = [this]() -> const std::vector<MediaPlayer>& { return players; },
-                    .observe = [this](auto handler) { return listeners.add(std::move(handler)); },
-                    .refresh = [this](const auto&) { said += "refresh "; },
-                    .call = [this](const auto&, const auto& method) { said += method + ' '; },
-                    .set = [this](
-                               const auto&, const auto& property,
-                               const PropertyValue& value) { say(property, *value.as<double>()); },
-                    .raise = [this](const auto&) { said += "raise "; }},
+                .players = table(),
                 .soundServer = {.observe =
                                     [this](auto handler) {
                                         ++soundObservations;
@@ -96,6 +99,34 @@ protected:
         player->refresh();
     }
 
+    // With a lock that the test makes by its notices.
+    LockPauser makePauser() {
+        return {{.players = table(),
+                 .notices = notices.distributed(),
+                 .makeLockSources =
+                     [this] {
+                         ++watches;
+                         return LockSources{
+                             .sessionDictionary =
+                                 [this] {
+                                     return PropertyValue{PropertyDictionary{
+                                         {"CGSSessionScreenIsLocked", {isLocked}}}};
+                                 },
+                             .observeWake =
+                                 [this](auto handler) { return wakes.add(std::move(handler)); },
+                             .notifyRegisterCheck = {},
+                             .notifyGetState = {},
+                             .notifyCancel = {}};
+                     },
+                 .log = log.sink()},
+                settings,
+                std::nullopt};
+    }
+    void lock(bool locks) {
+        isLocked = locks;
+        notices.deliver(locks ? kScreenIsLocked : kScreenIsUnlocked);
+    }
+
     XPCTrack track() const { return player->snapshot().state.track.value_or(XPCTrack{}); }
     std::string artwork() const {
         const auto picture = track().artworkData;
@@ -117,6 +148,10 @@ protected:
     Listeners<> listeners;
     std::string said;
     std::function<void(FetchAnswer)> fetched;  // null while nothing is fetched
+    FakeNotices notices;
+    Listeners<> wakes;
+    int watches = 0;
+    bool isLocked = false;
     std::function<void(SoundLevels)> onSound;
     int soundObservations = 0;
     int soundObservationsEnded = 0;
@@ -140,6 +175,33 @@ TEST_F(MprisPlayerTest, FollowsThePlayerThatPlays) {
     EXPECT_EQ(track().title, "film");
     start("mpv");
     EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
+}
+
+TEST_F(MprisPlayerTest, ListsThePlayersAndDropsThoseThatAreIgnoredSilentOrIdle) {
+    settings.set({.ignored = {"VLC"}, .preferred = {"mpv"}});
+    start();
+    add("vlc.instance1", "Playing", "film");
+    add("firefox", "Playing", "clip");
+    add("mpv", "Playing", "song");
+    EXPECT_EQ(PlayerList::of(player->players().userInfo()).text(),
+              "PLAYER         STATE\n"
+              "vlc.instance1  playing  ignored (see the setting ignore)\n"
+              "firefox        playing  another one is preferred\n"
+              "mpv            playing  followed: it plays\n");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    change("PlaybackStatus", text("Paused"));
+    players[1].isSilent = true;
+    announce();
+    EXPECT_EQ(track().title, "song") << "the one that plays does not answer";
+    EXPECT_EQ(player->players().rows[1], (PlayerRow{"firefox", "silent", "does not answer"}));
+    changes = 0;
+    clock.advance(10min + 5s);
+    EXPECT_EQ(player->snapshot().state, QuorvanePlayerState{});
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    settings.set({.idleTime = 0min, .ignored = {"vlc"}});
+    EXPECT_EQ(track().title, "song");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
 }
 
 TEST_F(MprisPlayerTest, ExtrapolatesThePositionBetweenReports) {
@@ -215,6 +277,11 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     EXPECT_EQ(artwork(), "") << "the result was for the previous song";
     read();
     EXPECT_EQ(artwork(), "picture two");
+    play("the picture comes after the title");
+    EXPECT_EQ(artwork(), "");
+    play("the picture comes after the title", "/one.png");
+    read();
+    EXPECT_EQ(artwork(), "picture one");
     takeSaid();
     for (const char* url : {"https://example.org/one.png", "", "file:///huge.png", "file://one.png",
                             "file:one.png", "one.png", "file://server/one.png", "file:///one%2.png",
@@ -334,6 +401,58 @@ TEST_F(MprisPlayerTest, FetchesArtworkWhenTheUserWantsIt) {
     settings.set({});
     EXPECT_FALSE(fetched) << "the user has changed their mind";
     EXPECT_EQ(artwork(), "");
+}
+
+TEST_F(MprisPlayerTest, PausesAtALockAndResumesOnlyWhatNothingElseTouched) {
+    add("mpv", "Playing", "song");
+    const LockPauser pauser = makePauser();
+    lock(true);
+    EXPECT_EQ(watches, 0) << "nothing is watched by default";
+    settings.set({.pauseOnLock = true, .resumeOnUnlock = true});
+    // What the player reports during the lock, before the unlock.
+    const std::pair<std::vector<const char*>, const char*> rows[] = {
+        {{}, "Pause Play "},
+        {{"Paused"}, "Pause Play "},
+        {{"Playing", "Paused"}, "Pause Play "},
+        {{"Paused", "Playing"}, "Pause "},
+        {{"Paused", "Playing", "Paused"}, "Pause "},
+        {{"Paused", "Stopped"}, "Pause "},
+    };
+    for (const auto& [reports, expected] : rows) {
+        change("PlaybackStatus", text("Playing"));
+        lock(true);
+        for (const char* report : reports) change("PlaybackStatus", text(report));
+        lock(false);
+        lock(false);
+        EXPECT_EQ(takeSaid(), expected) << testing::PrintToString(reports);
+    }
+    change("PlaybackStatus", text("Playing"));
+    lock(true);
+    play("next song");
+    lock(false);
+    EXPECT_EQ(takeSaid(), "Pause ") << "another track";
+    settings.set({.pauseOnLock = true});
+    lock(true);
+    lock(false);
+    EXPECT_EQ(takeSaid(), "Pause ") << "not to be resumed";
+    settings.set({.pauseOnLock = true, .ignored = {"mpv"}});
+    lock(true);
+    settings.set({.quietWake = true});
+    lock(true);
+    change("CanPause", {false});
+    wakes.call();
+    change("CanPause", {true});
+    EXPECT_EQ(takeSaid(), "");
+    wakes.call();
+    lock(false);
+    wakes.call();
+    EXPECT_EQ(takeSaid(), "Pause ") << "once, while locked";
+    settings.set({});
+    lock(true);
+    wakes.call();
+    EXPECT_EQ(takeSaid(), "");
+    EXPECT_EQ(watches, 1);
+    EXPECT_EQ(notices.observerCount(), 0u);
 }
 
 TEST_F(MprisPlayerTest, CommandsTheChosenPlayer) {

@@ -12,12 +12,20 @@ namespace {
 using namespace std::chrono_literals;
 
 // In a step, "a+ b- c. = a" says that a plays, b is paused and c is stopped, and that a is chosen.
-// "a+?" has no title. "switch" stands for the command.
+// "a+?" has no title, "a+!" cannot be controlled, "a+x" is ignored, "a+2" has a new track. Players
+// a to f are preferred less than p and q. "switch" stands for the command, "wait" for five minutes
+// of ten.
 PlayerCandidate candidate(const std::string& word) {
     const XPCPlayerState state = word[1] == '+'   ? XPCPlayerState::playing
                                  : word[1] == '-' ? XPCPlayerState::paused
                                                   : XPCPlayerState::stopped;
-    return {word.substr(0, 1), state, word.ends_with('?')};
+    return {.name = word.substr(0, 1),
+            .state = state,
+            .track = word.ends_with('2') ? "two" : "one",
+            .isNameless = word.ends_with('?'),
+            .canBeControlled = !word.ends_with('!'),
+            .preference = word[0] < 'p' ? 1u : 0u,
+            .obstacle = word.ends_with('x') ? "ignored" : ""};
 }
 
 TEST(PlayerChoice, FollowsEachStory) {
@@ -29,23 +37,63 @@ TEST(PlayerChoice, FollowsEachStory) {
         {"a-? =", "a+? = a", "a-? = a"},
         {"switch =", "a+ = a", "=", "a- = a"},
         {"a+ b- = a", "switch = b", "a+ b- = b", "switch = a", "a- b- = a"},
-        {"a+ b- c- = a", "switch = b", "a+ b- c+ = c"},
         {"a+ b+ c- = a", "switch = b", "a+ b+ c+ = b", "a+ b- c+ = b", "a+ c+ = c"},
+        {"a+ b-! c- d-x = a", "switch = c", "a+ b- c-x = a", "a+ b- c- = c"},
+        {"a-! = a", "switch = a", "a-! b+ = b"},
+        {"a+ p- = a", "a+ p+ = p", "a+ p- = a", "a+ p+ q+ = p", "b+ p+x = b"},
+        {"a- = a", "wait = a", "a- b. = a", "wait = a", "a- b. = b", "a-2 b. = a", "a-2 = a"},
+        {"a- b- = a", "wait = a", "switch = b", "wait = b", "a- b- = b", "wait = b", "a- b- ="},
+        {"a+ = a", "wait = a", "wait = a", "a- = a", "wait = a", "wait = a", "a- =", "a+ = a"},
     };
     for (const auto& story : stories) {
         PlayerChoice choice;
+        Instant now{};
         for (const std::string& step : story) {
             std::istringstream words{step};
             std::vector<PlayerCandidate> candidates;
             std::string word;
-            while (words >> word && word != "=" && word != "switch")
+            while (words >> word && word != "=" && word.size() < 4)
                 candidates.push_back(candidate(word));
-            choice = word == "switch" ? choice.switching() : choice.applying(candidates);
+            if (word == "wait")
+                now += 5min;
+            else
+                choice = word == "switch" ? choice.switching(now)
+                                          : choice.applying(candidates, now, 10min);
             const std::string chosen = step.ends_with('=') ? "" : step.substr(step.size() - 1);
             EXPECT_EQ(choice.current.value_or(""), chosen)
                 << testing::PrintToString(story) << " at " << step;
         }
     }
+}
+
+TEST(PlayerChoice, SaysWhyAndWhenAPlayerIsIdle) {
+    const PlayerCandidate candidates[] = {candidate("a-"), candidate("b-x"), candidate("c-?"),
+                                          candidate("d.")};
+    const Instant start{};
+    PlayerChoice choice = PlayerChoice{}.applying(candidates, start, 10min);
+    EXPECT_EQ(choice.idleAt(10min), start + 10min);
+    EXPECT_EQ(choice.idleAt(0min), std::nullopt);
+    EXPECT_EQ(choice.applying(candidates, start + 1h, 0min).current, "a");
+    const auto standings = [&] {
+        std::string all;
+        for (const auto& [name, known] : choice.known)
+            all += name + ": " + std::string{choice.standingOf(name)} + "\n";
+        return all;
+    };
+    EXPECT_EQ(standings(),
+              "a: followed: no other one plays\nb: ignored\nc: has not played yet\n"
+              "d: another one is paused\n");
+    const PlayerCandidate later[] = {candidate("a-"), candidate("b+"), candidate("c+"),
+                                     candidate("p-"), candidate("q-")};
+    choice = choice.applying(later, start + 10min, 10min);
+    EXPECT_EQ(choice.idleAt(10min), std::nullopt);
+    EXPECT_EQ(standings(),
+              "a: idle for too long (see the setting idle-minutes)\nb: followed: it plays\n"
+              "c: another one is followed already\np: another one plays\nq: another one plays\n");
+    choice = choice.switching(start);
+    EXPECT_EQ(standings().substr(standings().find("b:")),
+              "b: another one was chosen by hand\nc: followed: chosen by hand\n"
+              "p: another one was chosen by hand\nq: another one was chosen by hand\n");
 }
 
 constexpr Instant kNow{1000s};

@@ -5,6 +5,7 @@
 #include "platform/linux/services/HeadlessPlatform.hpp"
 #include "tests/support/FakeBusService.hpp"
 #include "tests/support/LoopRunner.hpp"
+#include "tests/support/ManualClock.hpp"
 #include "tests/support/PrivateBus.hpp"
 
 namespace quorvane {
@@ -153,6 +154,8 @@ TEST_F(MediaPlayersTest, ALongArtworkURLIsReadOnce) {
 }
 
 TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
+    ManualClock clock;
+    services.clock = clock.clock();
     FakePlayer hanging = makePlayer("hanging");
     hanging.detach();
     FakePlayer fake = makePlayer("fake");
@@ -165,14 +168,19 @@ TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
     players->call(kFake, "Next");
     settle();
     EXPECT_EQ(find("fake")->position, 7'000'000);
+    EXPECT_FALSE(find("fake")->isSilent);
+    clock.advance(std::chrono::seconds{5});
+    ASSERT_TRUE(until([&] { return find("fake")->isSilent && find("hanging"); }));
     fake.position = 8'000'000;
     fake.attach(loop());
     EXPECT_TRUE(until([&] { return find("fake")->position == 8'000'000; }));
+    EXPECT_FALSE(find("fake")->isSilent) << "it has answered late";
+    clock.advance(std::chrono::seconds{5});
     EXPECT_TRUE(until([&] { return !fake.heard.empty(); }));
     EXPECT_EQ(std::ranges::count(fake.calls(), "GetAll"), 2);
 
     hanging.attach(loop());
-    EXPECT_TRUE(until([&] { return find("hanging") != nullptr; }));
+    EXPECT_TRUE(until([&] { return !find("hanging")->isSilent; }));
     std::optional<FakePlayer> brief;
     brief.emplace(loop(), privateBus.address(), "brief");
     ASSERT_TRUE(until([&] { return find("brief") != nullptr; }));

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/lockers/LockWatcherLinux.hpp"
+#include "platform/linux/services/LockWatcherLinux.hpp"
 #include "platform/linux/lockers/X11SessionLinux.hpp"
 #include "tests/support/LoopRunner.hpp"
 #include "tests/support/PrivateXServer.hpp"

@@ -1,11 +1,20 @@
-// What of a player's state leaves the host. Pure functions.
+// What the settings say of one player. Pure functions.
 #pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "QuorvaneKit/records/QuorvanePlayerState.hpp"
 #include "host/settings/Settings.hpp"
 #include "platform/MediaPlayers.hpp"
 
 namespace quorvane {
+
+// Why the host leaves the player alone, for the user; "" if it does not. With a name, it considers
+// only players of that name.
+std::string_view obstacleOf(const MediaPlayer& player, const Settings& settings,
+                            const std::optional<std::string>& onlyNamed);
 
 // The grade of the player's own name, of the longest one that matches, else the general one.
 Privacy privacyOf(const MediaPlayer& player, const Settings& settings);

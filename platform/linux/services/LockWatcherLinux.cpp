@@ -1,5 +1,6 @@
-#include "platform/linux/lockers/LockWatcherLinux.hpp"
+#include "platform/linux/services/LockWatcherLinux.hpp"
 
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -66,6 +67,16 @@ LockSources LockWatcherLinux::sources() {
                     return kNotifyOK;
                 },
             .notifyCancel = [](int) {}};
+}
+
+LockSources makeLiveLockSources(const LiveServices& services) {
+    const auto watcher =
+        std::make_shared<LockWatcherLinux>(HeadlessPlatform::of(services), LockerSight{});
+    LockSources sources = watcher->sources();
+    sources.observeWake = [watcher, observe = sources.observeWake](std::function<void()> handler) {
+        return observe(std::move(handler));
+    };
+    return sources;
 }
 
 }  // namespace quorvane

@@ -1,8 +1,20 @@
-#include "host/players/PlayerPrivacy.hpp"
+#include "host/players/PlayerRules.hpp"
+
+#include <algorithm>
 
 #include "host/players/MprisTranslation.hpp"
 
 namespace quorvane {
+
+std::string_view obstacleOf(const MediaPlayer& player, const Settings& settings,
+                            const std::optional<std::string>& onlyNamed) {
+    const auto isThis = [&](const std::string& name) { return isNamed(player, name); };
+    if (player.isSilent) return "does not answer";
+    if (isThis("playerctld")) return "relays another player";
+    if (onlyNamed && !isThis(*onlyNamed)) return "excluded by --only";
+    if (std::ranges::any_of(settings.ignored, isThis)) return "ignored (see the setting ignore)";
+    return playerStateOf(player).track ? "" : "has no track";
+}
 
 Privacy privacyOf(const MediaPlayer& player, const Settings& settings) {
     Privacy privacy = settings.privacy;

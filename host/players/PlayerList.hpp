@@ -1,0 +1,33 @@
+// What the host says of all players of the session, and the notices that carry it to its commands.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/PropertyValue.hpp"
+
+namespace quorvane {
+
+struct PlayerRow {
+    std::string name;      // on the bus, without the common prefix
+    std::string state;     // "playing", "paused", "stopped" or "silent"
+    std::string standing;  // that it is followed, or why not
+    bool operator==(const PlayerRow&) const = default;
+};
+
+struct PlayerList {
+    // Distributed notices. The serving host answers the first with the second.
+    static constexpr char kRequest[] = "example.quillon.Quorvane.Host.playersRequest";
+    static constexpr char kAnswer[] = "example.quillon.Quorvane.Host.players";
+    static constexpr char kSilent[] = "silent";
+
+    std::vector<PlayerRow> rows{};
+
+    PropertyDictionary userInfo() const;
+    // Any process may have sent it, so what does not fit is left out and control characters too.
+    static PlayerList of(const PropertyDictionary& userInfo);
+    // A table for the user.
+    std::string text() const;
+};
+
+}  // namespace quorvane
