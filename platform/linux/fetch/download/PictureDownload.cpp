@@ -139,9 +139,10 @@ void fail(const std::string& sentence) { answer(FetchKind::failure, bytesOf(sent
 
 void transferAndAnswer(CURL* transfer, const Session& session) {
     const CURLcode result = curl_easy_perform(transfer);
-    if (session.isRefused) return fail("the server is not on the public Internet");
     if (session.received > kLargestArtwork) return fail("the server sends more than 8 MiB");
-    if (result != CURLE_OK) return fail(curl_easy_strerror(result));
+    if (result != CURLE_OK)
+        return fail(session.isRefused ? "the server is not on the public Internet"
+                                      : curl_easy_strerror(result));
     char* elsewhere = nullptr;
     curl_easy_getinfo(transfer, CURLINFO_REDIRECT_URL, &elsewhere);
     if (elsewhere) return answer(FetchKind::redirect, bytesOf(elsewhere));
