@@ -80,7 +80,7 @@ TEST_F(FetchTest, TheInstalledProgramReachesNoPrivateAddress) {
                              "[::ffff:127.0.0.1]", "0.0.0.0", "[::]"})
         EXPECT_EQ(fetch("https://" + std::string{host} + ':' + port + "/", FETCHER), refusal)
             << host;
-    EXPECT_EQ(server.count("asked"), 0);
+    EXPECT_EQ(server.count("connected"), 0);
 }
 
 TEST_F(FetchTest, EndsWithItsHandle) {

@@ -1,4 +1,4 @@
-# A web server on loopback that answers as the path says, with TLS. Writes its port, then each path.
+# A web server on loopback that answers as the path says, with TLS. Writes its port, then a line for each connection.
 import gzip, http.server, itertools, ssl, sys, time
 
 PNG = b"\x89PNG\r\n\x1a\n"
@@ -15,7 +15,6 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.wfile.write(piece)
 
     def do_GET(self):
-        print("asked", self.path, self.headers["User-Agent"], file=sys.stderr, flush=True)
         kind, _, value = self.path[1:].partition("/")
         endless = itertools.repeat(bytes(65536))
         try:
@@ -51,7 +50,13 @@ class Handler(http.server.BaseHTTPRequestHandler):
         pass
 
 
-server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+class Server(http.server.ThreadingHTTPServer):
+    def get_request(self):
+        print("connected", file=sys.stderr, flush=True)
+        return super().get_request()
+
+
+server = Server(("127.0.0.1", 0), Handler)
 server.daemon_threads = True
 context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
 context.load_cert_chain(sys.argv[1])
