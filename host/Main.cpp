@@ -41,6 +41,12 @@ std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
     return services.openSuite(std::string{kAppGroup});
 }
 
+// In the build folder as where the package is installed.
+std::filesystem::path fetchProgram(const LiveServices& services) {
+    const auto folder = services.process.executable.parent_path().parent_path();
+    return folder / "lib" / "quorvane" / "quorvane-fetch-artwork";
+}
+
 std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostCommandLine& line,
                                                                      const LiveServices& services,
                                                                      StoredSettings& settings,
@@ -51,13 +57,15 @@ std::expected<std::unique_ptr<PlayerSource>, std::string> makePlayer(const HostC
         return std::make_unique<ScriptedPlayer>(*std::move(script), services.clock);
     }
     return std::make_unique<MprisPlayer>(
-        MprisPlayer::Services{.players = std::move(players),
-                              .soundServer = makeLiveSoundServer(services),
-                              .files = makeLiveRegularFiles(),
-                              .clock = services.clock,
-                              .mainThread = services.mainThread,
-                              .makeSerialQueue = services.makeSerialQueue,
-                              .log = services.log},
+        MprisPlayer::Services{
+            .players = std::move(players),
+            .soundServer = makeLiveSoundServer(services),
+            .files = makeLiveRegularFiles(),
+            .fetchPicture = makeLiveFetchPicture(services, fetchProgram(services)),
+            .clock = services.clock,
+            .mainThread = services.mainThread,
+            .makeSerialQueue = services.makeSerialQueue,
+            .log = services.log},
         settings.current(), line.onlyPlayer);
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,6 +25,9 @@ struct MediaPlayer {
     std::string identity{};      // the player's "Identity"; "" when it has none
     std::int64_t processID = 0;  // 0 while unknown
     PropertyDictionary properties{};
+    // "mpris:artUrl" of the metadata, which does not contain it; null when absent or empty. Shared,
+    // because a "data:" URL holds a whole picture.
+    std::shared_ptr<const std::string> artworkURL{};
     std::int64_t position = 0;            // microseconds, as reported at `positionAt`
     std::optional<Instant> positionAt{};  // nullopt before the first report
     bool isSilent = false;  // has left a question unanswered for five seconds, and still does

@@ -30,6 +30,7 @@ for page in quorvane-host quorvane-lock-screen; do
     gzip -t "$root/usr/share/man/man1/$page.1.gz" || fail "no page $page"
 done
 grep -q "^ExecStart=/usr/bin/quorvane-host run$" "$root/usr/lib/systemd/user/quorvane-host.service" || fail "no user unit"
+[ -x "$root/usr/lib/quorvane/quorvane-fetch-artwork" ] || fail "no program that fetches artwork"
 # Without a display the add-on cannot run, but it is put in its place and removes itself.
 expect "Installed version" "$("$host" install 2>&1 || true)"
 expect "there is no session to show a card in" "$(cat "$work/log")"

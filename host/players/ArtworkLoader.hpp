@@ -1,64 +1,75 @@
 // Background loader of the picture that a player points to; keeps it until another is wanted.
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "QuorvaneKit/records/SharedBytes.hpp"
+#include "host/players/ArtworkFetcher.hpp"
 #include "platform/LifeToken.hpp"
+#include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/RegularFiles.hpp"
 #include "platform/SerialQueue.hpp"
 
 namespace quorvane {
 
-// Main thread only. Files are read on a separate queue, so that a slow or dead file system delays
-// only the picture. A picture that cannot be read is nullopt.
+// Main thread only. Files are read and "data:" URLs decoded on a separate queue, so that a slow
+// file system or a large picture delays only the picture. The log says once why there is none.
 class ArtworkLoader {
 public:
-    static constexpr std::uint64_t kLargest = 8u << 20;
+    using URL = std::shared_ptr<const std::string>;  // may be null
 
+    struct Services {
+        RegularFiles files;
+        FetchPicture fetchPicture;  // null where nothing can be fetched
+        MainThread mainThread;
+        std::unique_ptr<SerialQueue> queue;
+        Logger log;
+    };
     // `onLoaded` is called when `picture` has changed other than by `want`.
-    ArtworkLoader(RegularFiles files, MainThread mainThread, std::unique_ptr<SerialQueue> queue,
-                  std::function<void()> onLoaded)
-        : files_(std::move(files)),
-          mainThread_(std::move(mainThread)),
-          queue_(std::move(queue)),
-          onLoaded_(std::move(onLoaded)) {}
+    ArtworkLoader(Services services, std::function<void()> onLoaded)
+        : services_(std::move(services)),
+          onLoaded_(std::move(onLoaded)),
+          fetcher_(services_.fetchPicture) {}
 
-    // Sets the URL of the wanted picture and its track. The file is checked again for each track,
+    // Sets the URL of the wanted picture and its track. A file is checked again for each track,
     // because a player may use one file for all its tracks.
-    void want(const std::string& trackKey, const std::string& url);
+    void want(const std::string& trackKey, URL url);
     // Checks whether the wanted file has changed or now exists.
     void lookAgain();
 
-    const std::optional<SharedBytes>& picture() const { return picture_; }
+    // The wanted picture; nullopt until it has been found to be the one of this track.
+    std::optional<SharedBytes> picture() const { return isChecked_ ? picture_ : std::nullopt; }
 
 private:
-    // The result of checking a file.
+    using Picture = ArtworkFetcher::Result;
+    // The result of a check.
     struct Look {
-        bool isUnchanged = false;           // the file is the one that was read before
-        std::optional<StampedFile> file{};  // otherwise its contents, if readable
+        std::optional<FileStamp> stamp{};
+        std::optional<Picture> picture{};  // nullopt: the file that was read before
     };
-    static Look look(const RegularFiles& files, const std::filesystem::path& path,
+    static Look look(const RegularFiles& files, const std::string& url,
                      const std::optional<FileStamp>& known);
+    void fetch();
     void apply(Look look);
+    void log(const std::string& reason);
 
-    RegularFiles files_;
-    MainThread mainThread_;
-    std::unique_ptr<SerialQueue> queue_;
+    Services services_;
     std::function<void()> onLoaded_;
 
     std::string wantedTrack_;
-    std::optional<std::filesystem::path> wanted_;
+    URL wanted_;
+    bool isChecked_ = false;  // for the wanted URL and track
     bool isLooking_ = false;
     bool isOutdated_ = false;  // check again after the present check
     // The wanted file as it was read last; nullopt before that.
     std::optional<FileStamp> knownStamp_;
     std::optional<SharedBytes> picture_;
+    std::string logged_;  // the last reason for having no picture
+    ArtworkFetcher fetcher_;
     LifeToken life_;
 };
 

@@ -19,13 +19,13 @@ std::optional<std::string> percentDecoded(std::string_view text) {
             byte = static_cast<char>(value);
             i += 2;
         }
-        if (byte == '\0') return std::nullopt;
         decoded.push_back(byte);
     }
     return decoded;
 }
 
 std::optional<std::filesystem::path> localFile(std::string_view url) {
+    if (url.starts_with('/')) return std::filesystem::path{url};
     constexpr std::string_view scheme = "file:";
     if (!url.starts_with(scheme)) return std::nullopt;
     std::string_view rest = url.substr(scheme.size());
@@ -38,7 +38,7 @@ std::optional<std::filesystem::path> localFile(std::string_view url) {
     rest = rest.substr(0, rest.find_first_of("?#"));
     if (!rest.starts_with('/')) return std::nullopt;
     const auto path = percentDecoded(rest);
-    if (!path) return std::nullopt;
+    if (!path || path->find('\0') != std::string::npos) return std::nullopt;
     return std::filesystem::path{*path};
 }
 

@@ -24,6 +24,13 @@ std::string stateText(const MediaPlayer& player) {
     }
 }
 
+ArtworkLoader::URL shownArtwork(const MediaPlayer& player, const Settings& settings) {
+    const bool isOnWeb = player.artworkURL && isWebURL(*player.artworkURL);
+    const bool isShown =
+        privacyOf(player, settings) == Privacy::full && (settings.fetchArtwork || !isOnWeb);
+    return isShown ? player.artworkURL : nullptr;
+}
+
 }  // namespace
 
 MprisPlayer::MprisPlayer(Services services, Observable<Settings>& settings,
@@ -32,8 +39,11 @@ MprisPlayer::MprisPlayer(Services services, Observable<Settings>& settings,
       settings_(settings),
       onlyNamed_(std::move(onlyNamed)),
       log_(services_.log, kIdentifierPrefix, "players"),
-      artwork_(services_.files, services_.mainThread,
-               services_.makeSerialQueue("example.quillon.Quorvane.artwork"),
+      artwork_({.files = services_.files,
+                .fetchPicture = services_.fetchPicture,
+                .mainThread = services_.mainThread,
+                .queue = services_.makeSerialQueue("example.quillon.Quorvane.artwork"),
+                .log = log_},
                [this] {
                    if (onChanged) onChanged();
                }),
@@ -120,7 +130,7 @@ void MprisPlayer::followCurrent() {
     const MediaPlayer* player = current();
     if (!player) {
         playback_.reset();
-        artwork_.want("", "");
+        artwork_.want("", nullptr);
         soundObservation_.reset();
         sound_ = {};
         return;
@@ -133,9 +143,8 @@ void MprisPlayer::followCurrent() {
     const PlayerVolume volume = PlayerVolume::of(*player, sound_);
     if (volume.owner != PlayerVolume::Owner::none && volume.level > 0)
         volumeBeforeMute_ = volume.level;
-    const bool showsArtwork = privacyOf(*player, settings_.get()) == Privacy::full;
     artwork_.want(player->busName + ' ' + playback_->trackKey,
-                  showsArtwork ? artworkURLOf(*player) : "");
+                  shownArtwork(*player, settings_.get()));
 }
 
 // If the server was not available, retries with each new track and each pause.

@@ -26,6 +26,7 @@ public:
         MediaPlayers players;
         SoundServer soundServer;
         RegularFiles files;
+        FetchPicture fetchPicture;
         Clock clock;
         MainThread mainThread;
         MakeSerialQueue makeSerialQueue;

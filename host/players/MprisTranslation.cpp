@@ -188,10 +188,6 @@ std::string playerNameOf(const MediaPlayer& player) {
     return std::string{name.substr(0, name.find('.'))};
 }
 
-std::string artworkURLOf(const MediaPlayer& player) {
-    return textOf(metadataOf(player), "mpris:artUrl");
-}
-
 std::string trackKeyOf(const MediaPlayer& player) {
     const auto track = trackOf(player);
     if (!track) return "";

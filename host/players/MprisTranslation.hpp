@@ -18,8 +18,6 @@ QuorvanePlayerState playerStateOf(const MediaPlayer& player);
 std::string_view nameOnBus(const MediaPlayer& player);
 // The name that the player gives itself, else the first part of its bus name.
 std::string playerNameOf(const MediaPlayer& player);
-// The URL of the current track's artwork; "" when it has none.
-std::string artworkURLOf(const MediaPlayer& player);
 // Differs between two tracks of one player; "" when no track is loaded.
 std::string trackKeyOf(const MediaPlayer& player);
 // The playback speed, 1 unless the player reports another plausible one.

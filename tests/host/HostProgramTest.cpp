@@ -4,6 +4,7 @@
 
 #include "platform/linux/bus/NoticesLinux.hpp"
 #include "tests/end_to_end/LoggedProcess.hpp"
+#include "tests/support/FakeBusService.hpp"
 #include "tests/support/LoopRunner.hpp"
 #include "tests/support/PrivateBus.hpp"
 
@@ -109,6 +110,31 @@ TEST_F(HostProgramTest, ASecondHostWaitsAndTakesOver) {
     first.process().end(SIGKILL);
     EXPECT_TRUE(second.says("serving;", 5s)) << second.log();
     EXPECT_EQ(folder.read(secret), made);
+}
+
+TEST_F(HostProgramTest, FetchesArtworkWhenTheUserWantsIt) {
+    EventLoop loop;
+    FakeBusService player{loop, bus.address(), "org.mpris.MediaPlayer2.web",
+                          [](const std::string& member, sd_bus_message*, sd_bus_message* reply) {
+                              return member == "GetAll" &&
+                                     sd_bus_message_append(
+                                         reply, "a{sv}", 2, "PlaybackStatus", "s", "Playing",
+                                         "Metadata", "a{sv}", 2, "xesam:title", "s", "Low Tide",
+                                         "mpris:artUrl", "s", "https://127.0.0.1:1/a") >= 0;
+                          }};
+    LoggedProcess host{{HOST_PROGRAM}, environment("QUORVANE_LOG_PRIVATE=1")};
+    const auto says = [&](const char* text) {
+        return eventually([&] {
+            runUntil(
+                loop, [] { return false; }, 10ms);  // the player answers
+            return host.count(text) > 0;
+        });
+    };
+    ASSERT_TRUE(says("players: following org.mpris.MediaPlayer2.web")) << host.log();
+    EXPECT_EQ(host.count("no artwork"), 0);
+    run({"set", "fetch-artwork", "on"}, 0);
+    EXPECT_TRUE(says("players: no artwork: the server is not on the public Internet"))
+        << host.log();
 }
 
 TEST_F(HostProgramTest, SaysGoodbyeHoweverItIsAskedToEnd) {

@@ -33,6 +33,7 @@ public:
     FakeBusService(const FakeBusService&) = delete;
     FakeBusService& operator=(const FakeBusService&) = delete;
 
+    void requestName(const std::string& name) { sd_bus_request_name(bus_, name.c_str(), 0); }
     // Detached it hangs, though its name is on the bus.
     void attach(EventLoop& loop) { sd_bus_attach_event(bus_, loop.event(), 0); }
     void detach() { sd_bus_detach_event(bus_); }

@@ -1,6 +1,7 @@
 #include "platform/linux/bus/BusValues.hpp"
 
 #include <cerrno>
+#include <cstring>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -11,6 +12,8 @@ namespace {
 constexpr char kDateContents[] = "x";
 constexpr char kVariant[] = "v";
 constexpr char kEntry[] = "sv";
+// No text of a service is longer, except a player's artwork in a URL, which is limited to this.
+constexpr std::size_t kLongestText = 12 * 1024 * 1024;
 
 bool isText(char type) {
     return type == SD_BUS_TYPE_STRING || type == SD_BUS_TYPE_OBJECT_PATH ||
@@ -98,9 +101,9 @@ int readValue(sd_bus_message* message, std::optional<PropertyValue>& value) {
     const int result = sd_bus_message_peek_type(message, &type, &contents);
     if (result <= 0) return result < 0 ? result : -ENXIO;
     if (isText(type)) {
-        std::string text;
-        const int read = readText(message, type, text);
-        if (read > 0) value = PropertyValue{std::move(text)};
+        const char* text = nullptr;
+        const int read = sd_bus_message_read_basic(message, type, &text);
+        if (read > 0 && std::strlen(text) <= kLongestText) value = PropertyValue{std::string{text}};
         return read;
     }
     const std::string_view inner = contents ? contents : "";

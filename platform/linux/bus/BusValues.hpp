@@ -13,7 +13,8 @@ namespace quorvane {
 // Reads a value of type "a{sv}", or any other dictionary with text keys, at the message's current
 // position. Integers of all sizes become integers; object paths and signatures become strings;
 // variants are unwrapped. Values without a counterpart are skipped, and omitted from arrays and
-// dictionaries: descriptors, structures other than a date, dictionaries whose keys are not text.
+// dictionaries: descriptors, structures other than a date, dictionaries whose keys are not text,
+// and texts of more than 12 MiB.
 int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary);
 
 // Appends a variant: "b", "x", "d", "s", "ay", "av", "a{sv}", or "(x)" for a date in nanoseconds

@@ -13,10 +13,24 @@ constexpr char kPlayerPath[] = "/org/mpris/MediaPlayer2";
 constexpr char kBus[] = "org.freedesktop.DBus";
 constexpr char kBusPath[] = "/org/freedesktop/DBus";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
+// A player whose artwork's URL is longer is asked only for its position again.
+constexpr std::size_t kLongestRepeated = 64 * 1024;
 // A player that takes longer counts as silent.
 constexpr Duration kPatience = std::chrono::seconds{5};
 // A silent player that recovers answers what it was asked, and so returns.
 constexpr Duration kUntilItAnswers = std::chrono::hours{24 * 365};
+
+// Moves the artwork's URL out of the metadata.
+std::shared_ptr<const std::string> takeArtworkURL(PropertyDictionary& properties) {
+    const auto found = properties.find("Metadata");
+    if (found == properties.end()) return nullptr;
+    auto* const metadata = std::get_if<PropertyDictionary>(&found->second.value);
+    if (!metadata) return nullptr;
+    const auto entry = metadata->extract("mpris:artUrl");
+    auto* const url = entry ? std::get_if<std::string>(&entry.mapped().value) : nullptr;
+    if (!url || url->empty()) return nullptr;
+    return std::make_shared<const std::string>(std::move(*url));
+}
 
 }  // namespace
 
@@ -96,15 +110,21 @@ void MprisPlayers::askIdentity(Entry& entry) {
 }
 
 void MprisPlayers::describe(Entry& entry) {
-    if (entry.description) return;
-    if (!entry.isDescribed) askIdentity(entry);
+    if (!entry.isDescribed && !entry.description) askIdentity(entry);
     const BusMethod get{entry.player.busName, kPlayerPath, kBusProperties, "GetAll", {kPlayer}};
-    entry.description = callBus(bus_, get, kUntilItAnswers, [this, &entry](sd_bus_message* reply) {
-        entry.description.reset();
+    ask(entry, entry.description, get, &MprisPlayers::onDescription);
+}
+
+void MprisPlayers::ask(Entry& entry, Handle& question, const BusMethod& get,
+                       void (MprisPlayers::*onReply)(Entry&, sd_bus_message*)) {
+    if (question) return;
+    const auto answered = [this, &entry, &question, onReply](sd_bus_message* reply) {
+        question.reset();
         entry.patience.reset();
         if (std::exchange(entry.player.isSilent, false)) changed();
-        if (reply) onDescription(entry, reply);
-    });
+        if (reply) (this->*onReply)(entry, reply);
+    };
+    question = callBus(bus_, get, kUntilItAnswers, answered);
     entry.patience = clock_.after(kPatience, [this, &entry] {
         entry.player.isSilent = true;
         changed();
@@ -117,9 +137,15 @@ void MprisPlayers::onDescription(Entry& entry, sd_bus_message* reply) {
     if (const auto* position = find<std::int64_t>(properties, "Position"))
         takePosition(entry, *position);
     properties.erase("Position");
+    entry.player.artworkURL = takeArtworkURL(properties);
     entry.player.properties = std::move(properties);
     entry.isDescribed = true;
     changed();
+}
+
+void MprisPlayers::onPosition(Entry& entry, sd_bus_message* reply) {
+    std::int64_t position = 0;
+    if (sd_bus_message_read(reply, "v", "x", &position) >= 0) takePosition(entry, position);
 }
 
 void MprisPlayers::onNameOwner(sd_bus_message* message) {
@@ -147,7 +173,10 @@ void MprisPlayers::onPropertiesChanged(sd_bus_message* message) {
     changes.erase("Position");
     const bool isIncomplete = sd_bus_message_enter_container(message, 'a', "s") > 0 &&
                               sd_bus_message_at_end(message, 0) == 0;
+    const bool changesMetadata = changes.contains("Metadata");
+    const auto artworkURL = takeArtworkURL(changes);
     forSender(message, [&](Entry& entry) {
+        if (changesMetadata) entry.player.artworkURL = artworkURL;
         for (const auto& [key, value] : changes)
             entry.player.properties.insert_or_assign(key, value);
         // Some properties changed without their new values, or the player did not answer the first
@@ -165,7 +194,12 @@ void MprisPlayers::onSeeked(sd_bus_message* message) {
 
 void MprisPlayers::refresh(const std::string& name) {
     const auto found = entries_.find(name);
-    if (found != entries_.end()) describe(found->second);
+    if (found == entries_.end()) return;
+    Entry& entry = found->second;
+    const auto& url = entry.player.artworkURL;
+    if (!url || url->size() <= kLongestRepeated) return describe(entry);
+    ask(entry, entry.position, {name, kPlayerPath, kBusProperties, "Get", {kPlayer, "Position"}},
+        &MprisPlayers::onPosition);
 }
 
 void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {

@@ -43,6 +43,7 @@ private:
         Handle processID;
         Handle identity;
         Handle description;
+        Handle position;
         Timer patience;  // while a description is pending
     };
 
@@ -50,7 +51,11 @@ private:
     void findOwner(const std::string& name);
     void add(const std::string& name, const std::string& owner);
     void describe(Entry& entry);
+    // Does nothing while the question is pending.
+    void ask(Entry& entry, Handle& question, const BusMethod& get,
+             void (MprisPlayers::*onReply)(Entry&, sd_bus_message*));
     void onDescription(Entry& entry, sd_bus_message* reply);
+    void onPosition(Entry& entry, sd_bus_message* reply);
     void onNameOwner(sd_bus_message* message);
     void onPropertiesChanged(sd_bus_message* message);
     void onSeeked(sd_bus_message* message);

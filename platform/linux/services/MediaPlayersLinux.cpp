@@ -1,6 +1,8 @@
 #include "platform/MediaPlayers.hpp"
 
+#include "platform/FetchPicture.hpp"
 #include "platform/linux/bus/MprisPlayers.hpp"
+#include "platform/linux/fetch/FetchProcess.hpp"
 #include "platform/linux/services/HeadlessPlatform.hpp"
 
 namespace quorvane {
@@ -17,6 +19,10 @@ MediaPlayers makeLiveMediaPlayers(const LiveServices& services) {
             .set = [players](const std::string& name, const std::string& property,
                              const PropertyValue& value) { players->set(name, property, value); },
             .raise = [players](const std::string& name) { players->raise(name); }};
+}
+
+FetchPicture makeLiveFetchPicture(const LiveServices& services, std::filesystem::path program) {
+    return makeFetchPicture(HeadlessPlatform::of(services).loop, std::move(program));
 }
 
 }  // namespace quorvane

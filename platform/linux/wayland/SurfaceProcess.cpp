@@ -1,6 +1,5 @@
 #include "platform/linux/wayland/SurfaceProcess.hpp"
 
-#include <spawn.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -10,43 +9,17 @@
 #include <utility>
 
 #include "platform/linux/files/PosixError.hpp"
+#include "platform/linux/processes/SpawnSettings.hpp"
 
 namespace quorvane {
-namespace {
-
-struct SpawnSettings {
-    posix_spawn_file_actions_t files;
-    posix_spawnattr_t attributes;
-
-    explicit SpawnSettings(int socket) {
-        posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_adddup2(&files, socket, kSurfaceSocket);
-        posix_spawnattr_init(&attributes);
-        // The add-on blocks and ignores signals that must end that process.
-        sigset_t none;
-        sigemptyset(&none);
-        posix_spawnattr_setsigmask(&attributes, &none);
-        sigset_t all;
-        sigfillset(&all);
-        posix_spawnattr_setsigdefault(&attributes, &all);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    }
-    ~SpawnSettings() {
-        posix_spawnattr_destroy(&attributes);
-        posix_spawn_file_actions_destroy(&files);
-    }
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
-};
-
-}  // namespace
 
 Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(EventLoop& loop,
                                                               const std::filesystem::path& program,
                                                               Events events) {
     auto ends = MessageSocket::makePair();
     if (!ends) return posixError("socket");
-    const SpawnSettings settings{ends->second.get()};
+    SpawnSettings settings;
+    posix_spawn_file_actions_adddup2(&settings.files, ends->second.get(), kSurfaceSocket);
     std::string name = program.string();
     char* arguments[] = {name.data(), nullptr};
     pid_t pid = 0;

@@ -1,5 +1,6 @@
 // Services that have nothing to do here. This system has no common interface to its players, so
 // Quorvane itself talks to each of them; and every login has a screen, ports and notices.
+#include "platform/FetchPicture.hpp"
 #include "platform/MediaPlayers.hpp"
 #include "platform/SessionProblems.hpp"
 #include "platform/SoundServer.hpp"
@@ -22,6 +23,8 @@ SoundServer makeLiveSoundServer(const LiveServices&) {
     return {.observe = [](const std::function<void(SoundLevels)>&) { return Handle{[] {}}; },
             .setVolume = [](std::optional<std::uint32_t>, double) {}};
 }
+
+FetchPicture makeLiveFetchPicture(const LiveServices&, std::filesystem::path) { return {}; }
 
 SessionProblems findSessionProblems(const LiveServices&) { return {}; }
 

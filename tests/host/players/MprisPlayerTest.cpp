@@ -45,6 +45,12 @@ protected:
                                     },
                                 .setVolume = [this](auto, double volume) { say("sound", volume); }},
                 .files = files.table(),
+                .fetchPicture =
+                    [this](const std::string& url, auto done) {
+                        said += "fetch " + url + ' ';
+                        fetched = done;
+                        return Handle{[this] { fetched = nullptr; }};
+                    },
                 .clock = clock.clock(),
                 .mainThread = main.mainThread(),
                 .makeSerialQueue = queues.make(),
@@ -69,9 +75,10 @@ protected:
     }
     // What the newest player plays from now on.
     void play(const char* title, const std::string& artwork = "") {
+        players.back().artworkURL = std::make_shared<const std::string>(artwork);
+        if (artwork.empty()) players.back().artworkURL = nullptr;
         change("Metadata", {PropertyDictionary{{"xesam:title", text(title)},
-                                               {"mpris:length", {std::int64_t{100'000'000}}},
-                                               {"mpris:artUrl", text(artwork)}}});
+                                               {"mpris:length", {std::int64_t{100'000'000}}}}});
     }
     void change(const char* property, PropertyValue value) {
         players.back().properties[property] = std::move(value);
@@ -140,6 +147,7 @@ protected:
     std::vector<MediaPlayer> players;
     Listeners<> listeners;
     std::string said;
+    std::function<void(FetchAnswer)> fetched;  // null while nothing is fetched
     FakeNotices notices;
     Listeners<> wakes;
     int watches = 0;
@@ -243,8 +251,9 @@ TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
     EXPECT_EQ(artwork(), "late");
     files.reads = 0;
     play("next song", "file:///late.png");
-    EXPECT_EQ(artwork(), "late") << "kept during the check";
+    EXPECT_EQ(artwork(), "") << "not the last track's, while the check is pending";
     read();
+    EXPECT_EQ(artwork(), "late");
     EXPECT_EQ(files.reads, 0);
     files.put("/late.png", "later");
     refresh();
@@ -259,7 +268,7 @@ TEST_F(MprisPlayerTest, ReadsArtworkInTheBackgroundAndAgainOnlyWhenItChanges) {
 TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     files.put("/one.png", "picture one");
     files.put("/two.png", "picture two");
-    files.put("/huge.png", std::string(ArtworkLoader::kLargest + 1, 'x'));
+    files.put("/huge.png", std::string(kLargestArtwork + 1, 'x'));
     startSong("file:///one.png");
     play("next song", "file:///two.png");
     ASSERT_EQ(queues.waiting(kQueue), 1u) << "one check at a time";
@@ -268,10 +277,24 @@ TEST_F(MprisPlayerTest, ShowsNoArtworkThatIsNotTheTracks) {
     EXPECT_EQ(artwork(), "") << "the result was for the previous song";
     read();
     EXPECT_EQ(artwork(), "picture two");
-    for (const char* url : {"https://example.org/one.png", "", "file:///huge.png"}) {
+    play("the picture comes after the title");
+    EXPECT_EQ(artwork(), "");
+    play("the picture comes after the title", "/one.png");
+    read();
+    EXPECT_EQ(artwork(), "picture one");
+    takeSaid();
+    for (const char* url : {"https://example.org/one.png", "", "file:///huge.png", "file://one.png",
+                            "file:one.png", "one.png", "file://server/one.png", "file:///one%2.png",
+                            "file:///one.png%00", "ftp://x/"}) {
         play("song", url);
         read();
         EXPECT_EQ(artwork(), "") << url;
+    }
+    EXPECT_EQ(takeSaid().find("fetch"), std::string::npos) << "not without the user's consent";
+    for (const char* url : {"/one.png", "file:/one.png", "file://localhost/%6fne.png"}) {
+        play("song", url);
+        read();
+        EXPECT_EQ(artwork(), "picture one") << url;
     }
     play("song", "file:///one.png");
     queues.runNext(kQueue);
@@ -299,6 +322,85 @@ TEST_F(MprisPlayerTest, WithholdsWhatItsPrivacyForbidsFromTheFirstStateOn) {
     EXPECT_EQ(track().title + ' ' + artwork(), "song cover");
     settings.set({.privacy = Privacy::player});
     EXPECT_EQ(track().title + ' ' + artwork(), "Own player ");
+}
+
+TEST_F(MprisPlayerTest, DecodesArtworkInTheURL) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"data:image/png;base64,cGljdHVyZQ==", "picture"},
+        {"data:;base64,cGljdHVyZQ%3D%3D", "picture"},
+        {"data:image/png,%70icture", "picture"},
+        {"data:image/png;base64,cGljdHVyZ", ""},
+        {"data:image/png;base64,", ""},
+        {"data:,%7", ""},
+        {"data:picture", ""},
+        {"data:," + std::string(kLargestArtwork + 1, 'x'), ""},
+        {"data:;base64," + std::string(kLargestArtwork / 3 * 4 + 8, 'x'), ""},
+    };
+    startSong();
+    for (const auto& [url, picture] : rows) {
+        play("song", url);
+        EXPECT_EQ(artwork(), "") << "decoded on the queue";
+        read();
+        EXPECT_EQ(artwork(), picture) << url.substr(0, 60);
+        refresh();
+        EXPECT_EQ(queues.waiting(kQueue), 0u) << "decoded once";
+    }
+    EXPECT_TRUE(log.contains("players: no artwork: the data: URL has no data"));
+}
+
+TEST_F(MprisPlayerTest, FetchesArtworkWhenTheUserWantsIt) {
+    const auto answer = [this](FetchAnswer with) {
+        std::exchange(fetched, nullptr)(std::move(with));
+    };
+    const auto picture = [](std::string_view text) { return FetchAnswer{copyOf(bytesOf(text))}; };
+    settings.set({.fetchArtwork = true});
+    startSong("https://a/1");
+    refresh();
+    EXPECT_EQ(takeSaid(), "refresh fetch https://a/1 refresh ") << "one request";
+    changes = 0;
+    answer(picture("one"));
+    EXPECT_EQ(artwork(), "one");
+    EXPECT_EQ(changes, 1);
+    play("song 2", "https://a/2");
+    EXPECT_EQ(artwork(), "");
+    play("song 3", "http://a/3");
+    for (const char* url : {"https://b/3", "https://c/3", "https://d/3"})
+        answer(FetchRedirect{url});
+    EXPECT_EQ(takeSaid(),
+              "refresh fetch https://a/2 refresh fetch http://a/3 fetch https://b/3 "
+              "fetch https://c/3 fetch https://d/3 ");
+    answer(picture("three"));
+    EXPECT_EQ(artwork(), "three");
+    play("song 1 again", "https://a/1");
+    EXPECT_EQ(artwork(), "one") << "without a request";
+    takeSaid();
+
+    const std::string longest = "https://a/" + std::string(kLargestArtwork, 'x');
+    for (const FetchAnswer& refused :
+         {FetchAnswer{FetchFailure{"no"}}, FetchAnswer{FetchRedirect{"file:///one.png"}},
+          FetchAnswer{FetchRedirect{longest}}}) {
+        play("song 4", "https://a/4");
+        answer(refused);
+        EXPECT_FALSE(fetched);
+        refresh();
+        EXPECT_EQ(takeSaid(), "refresh fetch https://a/4 refresh ") << "not again and again";
+        EXPECT_EQ(artwork(), "");
+        play("song 1", "https://a/1");
+        takeSaid();
+    }
+    play("song 5", "https://a/5");
+    for (int i = 0; i < 4; ++i) answer(FetchRedirect{"https://a/5"});
+    EXPECT_FALSE(fetched) << "too many redirects";
+
+    // The kept pictures are limited, the newest stay.
+    play("song 6", "https://a/6");
+    answer(picture(std::string(kLargestArtwork, '6')));
+    EXPECT_EQ(artwork().size(), kLargestArtwork);
+    play("song 1", "https://a/1");
+    EXPECT_EQ(artwork(), "");
+    settings.set({});
+    EXPECT_FALSE(fetched) << "the user has changed their mind";
+    EXPECT_EQ(artwork(), "");
 }
 
 TEST_F(MprisPlayerTest, PausesAtALockAndResumesOnlyWhatNothingElseTouched) {

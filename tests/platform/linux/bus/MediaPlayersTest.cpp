@@ -20,6 +20,7 @@ class FakePlayer : public FakeBusService {
 public:
     double volume = 0.5;
     std::int64_t position = 7'000'000;
+    std::string artwork = "file:///cover.png";
     std::vector<std::string> heard;  // methods called and properties set
 
     FakePlayer(EventLoop& loop, const std::string& address, const std::string& name)
@@ -34,14 +35,20 @@ public:
 
 private:
     bool answer(const std::string& member, sd_bus_message* call, sd_bus_message* reply) {
-        if (member == "Get") return sd_bus_message_append(reply, "v", "s", "Fake") >= 0;
+        const char *interface = nullptr, *property = nullptr;
+        if (member == "Get") {
+            sd_bus_message_read(call, "ss", &interface, &property);
+            return std::string_view{property} == "Position"
+                       ? sd_bus_message_append(reply, "v", "x", position) >= 0
+                       : sd_bus_message_append(reply, "v", "s", "Fake") >= 0;
+        }
         if (member == "GetAll")
             return sd_bus_message_append(reply, "a{sv}", 4, "PlaybackStatus", "s", "Playing",
                                          "Volume", "d", volume, "Position", "x", position,
-                                         "Metadata", "a{sv}", 4, "mpris:trackid", "o", "/track/1",
-                                         "mpris:length", "t", std::uint64_t{90'000'000}, "odd:pair",
-                                         "(si)", "x", 1, "xesam:artist", "as", 1, "One") >= 0;
-        const char *interface = nullptr, *property = nullptr;
+                                         "Metadata", "a{sv}", 5, "mpris:trackid", "o", "/track/1",
+                                         "mpris:artUrl", "s", artwork.c_str(), "mpris:length", "t",
+                                         std::uint64_t{90'000'000}, "odd:pair", "(si)", "x", 1,
+                                         "xesam:artist", "as", 1, "One") >= 0;
         if (member == "Set") sd_bus_message_read(call, "ssv", &interface, &property, "d", &volume);
         heard.push_back(property ? property : member);
         return true;
@@ -104,6 +111,7 @@ TEST_F(MediaPlayersTest, AreReadFollowedAndTold) {
               (PropertyDictionary{{"mpris:trackid", {std::string{"/track/1"}}},
                                   {"mpris:length", {std::int64_t{90'000'000}}},
                                   {"xesam:artist", {PropertyArray{{std::string{"One"}}}}}}));
+    EXPECT_EQ(*find("fake")->artworkURL, "file:///cover.png");
     EXPECT_FALSE(find("fake")->properties.contains("Position"));
     EXPECT_EQ(find("fake")->position, 7'000'000);
     const auto before = find("fake")->positionAt;
@@ -124,6 +132,25 @@ TEST_F(MediaPlayersTest, AreReadFollowedAndTold) {
     ASSERT_TRUE(until([&] { return fake.heard.size() == 3; }));
     EXPECT_EQ(fake.heard, (std::vector<std::string>{"Next", "Volume", "Raise"}));
     EXPECT_EQ(fake.volume, 0.25);
+}
+
+TEST_F(MediaPlayersTest, ALongArtworkURLIsReadOnce) {
+    FakePlayer fake = makePlayer("fake");
+    fake.artwork = "data:," + std::string(100'000, 'x');
+    startUntilListed("fake");
+    EXPECT_EQ(*find("fake")->artworkURL, fake.artwork);
+    fake.position = 12'000'000;
+    players->refresh(kFake);
+    EXPECT_TRUE(until([&] { return find("fake")->position == 12'000'000; }));
+    EXPECT_EQ(std::ranges::count(fake.calls(), "GetAll"), 1);
+
+    fake.sayChanged("sa{sv}as", 1, "Volume", "d", 0.25, 0);
+    EXPECT_TRUE(until([&] { return property<double>("fake", "Volume") == 0.25; }));
+    EXPECT_TRUE(find("fake")->artworkURL) << "what did not change stays";
+    fake.artwork += std::string(12 << 20, 'x');
+    fake.sayChanged("sa{sv}as", 1, "Metadata", "a{sv}", 1, "mpris:artUrl", "s",
+                    fake.artwork.c_str(), 0);
+    EXPECT_TRUE(until([&] { return !find("fake")->artworkURL; })) << "longer than any picture";
 }
 
 TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
@@ -154,6 +181,22 @@ TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
 
     hanging.attach(loop());
     EXPECT_TRUE(until([&] { return !find("hanging")->isSilent; }));
+    std::optional<FakePlayer> brief;
+    brief.emplace(loop(), privateBus.address(), "brief");
+    ASSERT_TRUE(until([&] { return find("brief") != nullptr; }));
+    brief->detach();
+    players->refresh("org.mpris.MediaPlayer2.brief");
+    brief.reset();
+    EXPECT_TRUE(until([&] { return find("brief") == nullptr; })) << "vanished while it was asked";
+}
+
+TEST_F(MediaPlayersTest, APlayerMayHaveTwoNames) {
+    FakePlayer fake = makePlayer("fake");
+    fake.requestName("org.mpris.MediaPlayer2.fake.instance7");
+    startUntilListed("fake.instance7");
+    fake.sayChanged("sa{sv}as", 1, "Metadata", "a{sv}", 1, "mpris:artUrl", "s", "/cover", 0);
+    for (const char* name : {"fake", "fake.instance7"})
+        EXPECT_TRUE(until([&] { return find(name) && *find(name)->artworkURL == "/cover"; }));
 }
 
 TEST_F(MediaPlayersTest, ListensToNoNonsense) {

@@ -1,0 +1,106 @@
+#include "platform/linux/fetch/FetchProcess.hpp"
+
+#include <fcntl.h>
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include "platform/linux/fetch/FetchMessages.hpp"
+#include "platform/linux/files/PosixError.hpp"
+#include "platform/linux/processes/SpawnSettings.hpp"
+
+namespace quorvane {
+namespace {
+
+constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kMostReceived = sizeof(FetchHeader) + kLargestArtwork;
+
+FetchAnswer answerIn(ByteView received) {
+    FetchHeader header{};
+    if (received.size() >= sizeof header) std::memcpy(&header, received.data(), sizeof header);
+    if (received.size() < sizeof header || header.length != received.size() - sizeof header)
+        return FetchFailure{"the server did not send the picture in time"};
+    const ByteView content = received.subspan(sizeof header);
+    if (header.kind == FetchKind::picture) return copyOf(content);
+    std::string text{textOf(content)};
+    if (header.kind == FetchKind::redirect) return FetchRedirect{std::move(text)};
+    return FetchFailure{std::move(text)};
+}
+
+}  // namespace
+
+Result<std::unique_ptr<FetchProcess>> FetchProcess::start(EventLoop& loop,
+                                                          const std::filesystem::path& program,
+                                                          const std::string& url,
+                                                          std::function<void(FetchAnswer)> done) {
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return posixError("socket");
+    FileDescriptor socket{ends[0]};
+    const FileDescriptor itsSocket{ends[1]};
+    SpawnSettings settings;
+    posix_spawn_file_actions_adddup2(&settings.files, itsSocket.get(), kFetchSocket);
+    for (const int output : {STDOUT_FILENO, STDERR_FILENO})
+        posix_spawn_file_actions_addopen(&settings.files, output, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addclosefrom_np(&settings.files, STDERR_FILENO + 1);
+    std::string name = program.string();
+    char* arguments[] = {name.data(), nullptr};
+    // A variable could name a proxy, other certificates or a library to load.
+    char* environment[] = {nullptr};
+    pid_t pid = 0;
+    const int failure = posix_spawn(&pid, program.c_str(), &settings.files, &settings.attributes,
+                                    arguments, environment);
+    if (failure != 0) return posixError(program, failure);
+    // Through the socket, because every user can read a process's arguments. A new socket has room.
+    const ssize_t sent = send(socket.get(), url.data(), url.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    if (sent == static_cast<ssize_t>(url.size())) shutdown(socket.get(), SHUT_WR);
+    return std::unique_ptr<FetchProcess>{
+        new FetchProcess{loop, pid, std::move(socket), std::move(done)}};
+}
+
+FetchProcess::FetchProcess(EventLoop& loop, pid_t pid, FileDescriptor socket,
+                           std::function<void(FetchAnswer)> done)
+    : pid_(pid),
+      socket_(std::move(socket)),
+      done_(std::move(done)),
+      watch_(loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t) { receive(); })) {
+    received_.reserve(kMostReceived + kPiece);  // memory that is not written is not used
+}
+
+FetchProcess::~FetchProcess() {
+    watch_.reset();
+    kill(pid_, SIGKILL);
+    while (waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+void FetchProcess::receive() {
+    const std::size_t before = received_.size();
+    received_.resize(before + kPiece);
+    const ssize_t count = recv(socket_.get(), received_.data() + before, kPiece, MSG_DONTWAIT);
+    received_.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
+    if (count > 0 && received_.size() <= kMostReceived) return;
+    watch_.reset();
+    const auto done = std::move(done_);
+    done(answerIn(received_));
+}
+
+FetchPicture makeFetchPicture(EventLoop& loop, std::filesystem::path program) {
+    return [&loop, program = std::move(program)](const std::string& url,
+                                                 const std::function<void(FetchAnswer)>& done) {
+        auto process = FetchProcess::start(loop, program, url, done);
+        if (process) return Handle{[owned = std::shared_ptr{*std::move(process)}] {}};
+        const auto waiting = std::make_shared<std::function<void(FetchAnswer)>>(done);
+        loop.mainThread().post(
+            [weak = std::weak_ptr{waiting}, sentence = process.error().description] {
+                if (const auto held = weak.lock()) (*held)(FetchFailure{sentence});
+            });
+        return Handle{[waiting] {}};
+    };
+}
+
+}  // namespace quorvane

@@ -1,0 +1,44 @@
+// The process that fetches one picture, as the host sees it.
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/FetchPicture.hpp"
+#include "platform/PlatformError.hpp"
+#include "platform/linux/files/FileDescriptor.hpp"
+#include "platform/linux/loop/EventLoop.hpp"
+
+namespace quorvane {
+
+// Main thread only. The destructor kills the process.
+class FetchProcess {
+public:
+    // `done` may destroy this object.
+    static Result<std::unique_ptr<FetchProcess>> start(EventLoop& loop,
+                                                       const std::filesystem::path& program,
+                                                       const std::string& url,
+                                                       std::function<void(FetchAnswer)> done);
+    ~FetchProcess();
+    FetchProcess(const FetchProcess&) = delete;
+    FetchProcess& operator=(const FetchProcess&) = delete;
+
+private:
+    FetchProcess(EventLoop& loop, pid_t pid, FileDescriptor socket,
+                 std::function<void(FetchAnswer)> done);
+    void receive();
+
+    pid_t pid_;
+    FileDescriptor socket_;
+    std::function<void(FetchAnswer)> done_;
+    Bytes received_;
+    Handle watch_;
+};
+
+FetchPicture makeFetchPicture(EventLoop& loop, std::filesystem::path program);
+
+}  // namespace quorvane
