@@ -248,7 +248,8 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
     EXPECT_TRUE(own.values.empty());
 
     // What is left of a bundle cannot remove itself.
-    own.values = {{"removalPending", {true}}, {"removalBundleIdentity", {kOwn}}};
+    own.values = {
+        {"removalPending", {true}}, {"removalBundleIdentity", {kOwn}}, {"installID", {true}}};
     fs::create_directories(place / "Contents/Linux");
     EXPECT_EQ(remove(), "Removed the rest of an incomplete installation.\n");
     EXPECT_FALSE(fs::exists(support));

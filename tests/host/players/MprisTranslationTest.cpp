@@ -37,6 +37,7 @@ TEST(MprisTranslation, TranslatesTracks) {
          Track{.title = "T", .artist = "", .duration = 60.029388}},
         {{{"mpris:length", {-5.0e6}}}, Track{"T", ""}},
         {{{"xesam:url", radio}}, live},
+        {{{"xesam:url", radio}, {"mpris:length", {std::int64_t{0}}}}, live},
         {{{"xesam:url", radio}, {"mpris:length", {std::int64_t{INT64_MAX}}}}, live},
         {{{"xesam:url", radio}, {"mpris:length", {9.5e6}}},
          Track{.title = "T", .artist = "", .duration = 9.5}},
@@ -75,6 +76,7 @@ TEST(MprisTranslation, NamesATrackThatHasNoTitle) {
 
 TEST(MprisTranslation, TranslatesThePlayer) {
     MediaPlayer player = mpv();
+    EXPECT_FALSE(playerStateOf(player).shuffleEnabled);
     player.properties["Shuffle"] = {true};
     player.properties["LoopStatus"] = text("Track");
     const auto state = playerStateOf(player);
