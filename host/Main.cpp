@@ -211,7 +211,8 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
             case Command::quit: return commands.quit(done);
             case Command::enable: return commands.setCardEnabled(true, done);
             case Command::disable: return commands.setCardEnabled(false, done);
-            default: return commands.remove(done);
+            case Command::remove: return commands.remove(done);
+            default: return done(std::unexpected{"not a command of the add-on"});
         }
     };
     const int ended = services.application.run(begin, [] {});
