@@ -76,6 +76,7 @@ struct WindowSettings {
     bool acceptsMouseMovedEvents = true;
     double alpha = 0;
     bool ignoresMouseEvents = true;
+    bool operator==(const WindowSettings&) const = default;
 };
 
 // One system window. It never becomes key or main and never takes the keyboard.

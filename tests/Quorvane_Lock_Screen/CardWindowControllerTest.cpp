@@ -67,11 +67,10 @@ TEST_F(CardWindowControllerTest, BuildsOneWindowAScreenAndShowsTheCardsAfterTheP
     EXPECT_EQ(windows.stages[0]->lastStart.centre, (Point{252, 163}));
     EXPECT_EQ(windows.stages[0]->lastStart.offset, (Point{0, 12}));
     EXPECT_TRUE(isCardSeen(0) && isCardSeen(1));
-    const WindowSettings& settings = windows.windows[0]->settings;
-    EXPECT_EQ(settings.frame, (Rect{708, 482, 504, 326}));
-    EXPECT_EQ(settings.styleMask, 128u);
-    EXPECT_EQ(settings.level, 1000);
-    EXPECT_EQ(settings.collectionBehavior, 337u);
+    const Rect frame{708, 482, 504, 326};
+    EXPECT_EQ(windows.windows[0]->settings,
+              (WindowSettings{
+                  .frame = frame, .styleMask = 128, .level = 1000, .collectionBehavior = 337}));
     EXPECT_EQ(windows.windows[1]->settings.frame, (Rect{2308, 443, 504, 326}));
 
     controller->present(kUnlocked);
