@@ -1,6 +1,8 @@
 // The card above KDE Plasma's own lock screen: its compositor nested in a virtual X server.
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 #include "tests/end_to_end/LockSession.hpp"
 
@@ -117,6 +119,11 @@ protected:
         return std::atoi(run.text.c_str());
     }
     pid_t addOn_pid() const { return const_cast<LoggedProcess&>(addOn).process().pid(); }
+    bool hasLoaded(const std::string& library) const {
+        std::stringstream maps;
+        maps << std::ifstream{"/proc/" + std::to_string(addOn_pid()) + "/maps"}.rdbuf();
+        return maps.str().find("/" + library) != std::string::npos;
+    }
     // Whether the card leaves the screen within two seconds.
     bool isGoneInTime() const {
         const auto begin = std::chrono::steady_clock::now();
@@ -134,8 +141,10 @@ protected:
 
 TEST_F(EndToEndWayland, TheCardStandsAboveTheLockScreenUntilThePasswordIsTyped) {
     EXPECT_EQ(surfaceProcesses(), 0);
+    EXPECT_FALSE(hasLoaded("libxcb") || hasLoaded("libcairo"));
     lock();
     EXPECT_EQ(surfaceProcesses(), 1);
+    EXPECT_FALSE(hasLoaded("libxcb-composite.so")) << "Cairo loads some of X11's, the card none";
     const PlayerGeometry geometry = PlayerGeometry::make(true, false);
     const Point next = card.middleOf(geometry.next);
     xdotool({"mousemove", std::to_string(int(next.x)), std::to_string(int(next.y))});

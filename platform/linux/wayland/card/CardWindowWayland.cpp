@@ -60,20 +60,21 @@ void CardWindowWayland::update() {
 bool CardWindowWayland::show() {
     const PixelRect place = placeOnOutput(frame_, screen_);
     const auto pixels = [&](int length) {
-        return static_cast<std::int32_t>(std::lround(length * screen_.scale));
+        return static_cast<int>(std::lround(length * screen_.scale));
     };
-    const ToSurface request{
-        .place = place, .width = pixels(place.width), .height = pixels(place.height)};
-    auto pictures = SharedPictures::make(request.width, request.height);
-    const std::uint32_t surface =
-        pictures ? session_.open(screen_, request, pictures->memory(), surfaceEvents()) : 0;
-    if (surface == 0) {
+    const int width = pixels(place.width);
+    const int height = pixels(place.height);
+    auto pictures = SharedPictures::make(width, height);
+    auto surface = pictures ? session_.open(screen_, {place, width, height, pictures->memory()},
+                                            surfaceEvents())
+                            : nullptr;
+    if (!surface) {
         resources_->log.error("windows: window %ld cannot be shown", number_);
         return false;
     }
     shown_.emplace(CardPainter{stage_->style(), scale(), resources_->pictures}, std::move(pictures),
-                   surface);
-    shown_->painter.setClear(request.width, request.height);
+                   std::move(surface));
+    shown_->painter.setClear(width, height);
     syncInput();
     tellAccessibility(true);
     return true;
@@ -91,16 +92,14 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
                     shown_->pictures->released(picture);
                     if (!shown_->awaitsFrame) update();
                 },
-            .pointer = [this](const FromSurface& message) { pointerEvent(message); },
+            .press = [this](const SurfacePress& press) { pressed(press); },
             .closed = [this] { vanish(); }};
 }
 
 void CardWindowWayland::hide() {
     tellAccessibility(false);
     if (!shown_) return;
-    const std::uint32_t surface = shown_->surface;
     shown_.reset();
-    session_.close(surface);
     report(press_.cancel());
 }
 
@@ -121,10 +120,7 @@ void CardWindowWayland::drawIfPaced(Instant now) {
     if (parts.empty()) return;
     shown.pictures->shown(*picture, parts);
     shown.awaitsFrame = true;
-    session_.send({.kind = ToSurface::Kind::show,
-                   .surface = shown.surface,
-                   .picture = *picture,
-                   .parts = PixelRects::of(parts)});
+    shown.surface->show(*picture, parts);
     // After the first frame, which shows no glass yet.
     shown.painter.makeChrome();
 }
@@ -160,20 +156,18 @@ void CardWindowWayland::syncInput() {
         parts = cardOutline(stage_->style(), contentScale_, Transform::identity());
     else
         report(press_.cancel());
-    session_.send({.kind = ToSurface::Kind::input,
-                   .surface = shown_->surface,
-                   .parts = PixelRects::of(parts)});
+    shown_->surface->setInput(parts);
 }
 
-void CardWindowWayland::pointerEvent(const FromSurface& message) {
+void CardWindowWayland::pressed(const SurfacePress& press) {
     const double margin = stage_->style().shadowMargin;
-    const Point place{message.location.x / contentScale_ - margin,
-                      message.location.y / contentScale_ - margin};
-    switch (message.kind) {
-        case FromSurface::Kind::pressed: return report(press_.down(message.button, place, true));
-        case FromSurface::Kind::moved: return report(press_.moved(place));
-        case FromSurface::Kind::lifted: return report(press_.up(message.button, place));
-        default: return report(press_.cancel());
+    const Point place{press.location.x / contentScale_ - margin,
+                      press.location.y / contentScale_ - margin};
+    switch (press.kind) {
+        case SurfacePress::Kind::down: return report(press_.down(press.button, place, true));
+        case SurfacePress::Kind::moved: return report(press_.moved(place));
+        case SurfacePress::Kind::up: return report(press_.up(press.button, place));
+        case SurfacePress::Kind::cancelled: return report(press_.cancel());
     }
 }
 

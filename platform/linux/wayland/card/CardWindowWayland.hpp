@@ -32,7 +32,7 @@ private:
     struct Shown {
         CardPainter painter;
         std::unique_ptr<SharedPictures> pictures;
-        std::uint32_t surface = 0;
+        std::unique_ptr<WaylandSurface> surface;
         bool awaitsFrame = false;   // the compositor will tell when to draw
         bool isStale = true;        // everything must be drawn
         std::vector<Rect> areas{};  // that must be drawn, in card coordinates
@@ -50,7 +50,7 @@ private:
     void drawIfPaced(Instant now);
     std::vector<PixelRect> draw(cairo_surface_t* target, const StageLook& look);
     void syncInput();
-    void pointerEvent(const FromSurface& message);
+    void pressed(const SurfacePress& press);
     void report(const std::optional<PointerEvent>& event);
 
     WaylandSession& session_;
