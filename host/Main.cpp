@@ -15,6 +15,7 @@
 #include "host/players/MprisPlayer.hpp"
 #include "host/players/ScriptedPlayer.hpp"
 #include "platform/LivePlatform.hpp"
+#include "platform/LockerRun.hpp"
 #include "platform/SessionProblems.hpp"
 
 namespace quorvane {
@@ -192,6 +193,22 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
     return ended == 0 ? status : kHostFailed;
 }
 
+int lock(const HostCommandLine& line, const LiveServices& services) {
+    int status = kHostFailed;
+    Result<Handle> locker;
+    const auto begin = [&] {
+        locker = runLocker(services, line.locker, [&](int itsStatus) {
+            status = itsStatus;
+            services.application.terminate();
+        });
+        if (locker) return;
+        fail(locker.error().description);
+        services.application.terminate();
+    };
+    services.application.run(begin, [] {});
+    return status;
+}
+
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
     const auto line = HostCommandLine::parse(words);
@@ -209,6 +226,7 @@ int main(int argumentCount, char** arguments) {
     switch (line->command) {
         case Command::status: return tellStatus(*services);
         case Command::run: return run(*line, *services);
+        case Command::lock: return lock(*line, *services);
         default: return controlAddOn(*line, *services);
     }
 }

@@ -26,6 +26,7 @@ constexpr CommandRow kCommands[] = {
     {"remove", Command::remove, "remove the add-on with its login item, files and settings"},
     {"enable", Command::enable, "turn the card on"},
     {"disable", Command::disable, "turn the card off"},
+    {"lock", Command::lock, "run a locker and tell the add-on of its lock: lock -- COMMAND"},
 };
 
 struct OptionRow {
@@ -98,6 +99,10 @@ std::string helpRows(std::span<const OptionRow> options) {
 
 std::expected<HostCommandLine, std::string> HostCommandLine::parse(
     std::span<const std::string> arguments) {
+    const auto separator = std::ranges::find(arguments, "--");
+    const std::vector<std::string> locker(separator == arguments.end() ? separator : separator + 1,
+                                          arguments.end());
+    arguments = {arguments.begin(), separator};
     // --help takes precedence over all other arguments.
     if (contains(arguments, "--help", "-h")) return HostCommandLine{.command = Command::help};
     if (contains(arguments, "--version", "-V")) return HostCommandLine{.command = Command::version};
@@ -128,12 +133,15 @@ std::expected<HostCommandLine, std::string> HostCommandLine::parse(
                                    std::string{option->value}};
         values[name] = std::move(value);
     }
+    if (locker.empty() == (command == Command::lock))
+        return std::unexpected{"'lock' needs a command, and no other takes one: lock -- COMMAND"};
     if (auto reason = conflict(command.value_or(Command::run), values))
         return std::unexpected{*std::move(reason)};
     return HostCommandLine{.command = command.value_or(Command::run),
                            .script = valueOf(values, "--script"),
                            .onlyPlayer = valueOf(values, "--only"),
-                           .bundle = valueOf(values, "--from")};
+                           .bundle = valueOf(values, "--from"),
+                           .locker = locker};
 }
 
 std::string HostCommandLine::help() {

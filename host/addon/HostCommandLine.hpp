@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace quorvane {
 
@@ -26,6 +27,7 @@ struct HostCommandLine {
         remove,
         enable,
         disable,
+        lock,
         help,
         version,
     };
@@ -34,6 +36,7 @@ struct HostCommandLine {
     std::optional<std::string> script{};      // to play; nullopt: follow the session's players
     std::optional<std::string> onlyPlayer{};  // the name of the players to follow
     std::optional<std::string> bundle{};      // to install; nullopt: the program's own
+    std::vector<std::string> locker{};        // the command of `lock`
     bool operator==(const HostCommandLine&) const = default;
 
     // `arguments` excludes the program's own name. An error is one sentence for the user.
