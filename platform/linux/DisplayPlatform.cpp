@@ -78,7 +78,9 @@ Result<Display> openDisplay(const SessionVariables& session, const LiveServices&
     if (problem || !isWaylandSession(session))
         return open(kX11Module, services, {services.log, kPlatformSubsystem, "x11"});
     const auto permitted =
-        permitAboveLock(folderOfExecutable() / kSurfaceProgram, services.process);
+        waylandWay(session.desktop)->isByOverlayOfKde
+            ? permitAboveLock(folderOfExecutable() / kSurfaceProgram, services.process)
+            : Result<void>{};
     if (!permitted)
         wayland.error("wayland: no permission to stand above the lock screen: %{public}s",
                       errorText(permitted.error()));

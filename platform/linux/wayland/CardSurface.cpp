@@ -8,13 +8,12 @@ namespace {
 
 constexpr std::int32_t kBesidePanels = -1;  // panels and docks do not move the surface
 constexpr std::uint32_t kNoKeyboard = 0;
-constexpr char kNamespace[] = "quorvane-card";
 
 }  // namespace
 
 CardSurface::CardSurface(const SurfaceGlobals& globals, wl_output* output,
-                         const SurfaceRequest& request, SurfaceEvents events,
-                         std::function<void(CardSurface&)> gone)
+                         const char* layerNamespace, const SurfaceRequest& request,
+                         SurfaceEvents events, std::function<void(CardSurface&)> gone)
     : compositor_(globals.compositor.get()),
       events_(std::move(events)),
       gone_(std::move(gone)),
@@ -27,7 +26,7 @@ CardSurface::CardSurface(const SurfaceGlobals& globals, wl_output* output,
     makePictures(globals.shm.get(), request);
     layer_.reset(zwlr_layer_shell_v1_get_layer_surface(globals.layerShell.get(), surface(), output,
                                                        ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY,
-                                                       kNamespace));
+                                                       layerNamespace));
     zwlr_layer_surface_v1_add_listener(layer_.get(), &kListener, this);
     const PixelRect& place = request.place;
     const int width = std::max(1, place.width);

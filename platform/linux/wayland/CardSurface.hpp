@@ -21,8 +21,9 @@ struct SurfaceGlobals {
 // Layer overlay, no keyboard. It is seen from its first picture on.
 class CardSurface final : public WaylandSurface {
 public:
-    CardSurface(const SurfaceGlobals& globals, wl_output* output, const SurfaceRequest& request,
-                SurfaceEvents events, std::function<void(CardSurface&)> gone);
+    CardSurface(const SurfaceGlobals& globals, wl_output* output, const char* layerNamespace,
+                const SurfaceRequest& request, SurfaceEvents events,
+                std::function<void(CardSurface&)> gone);
     ~CardSurface() override { gone_(*this); }
     CardSurface(const CardSurface&) = delete;
     CardSurface& operator=(const CardSurface&) = delete;

@@ -48,8 +48,13 @@ const wl_registry_listener WaylandSessionLinux::kRegistryListener{
         },
 };
 
-WaylandSessionLinux::WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, Logger log)
-    : loop_(loop), clock_(loop.clock()), program_(std::move(program)), log_(std::move(log)) {}
+WaylandSessionLinux::WaylandSessionLinux(EventLoop& loop, std::filesystem::path program,
+                                         const WaylandWay& way, Logger log)
+    : loop_(loop),
+      clock_(loop.clock()),
+      program_(std::move(program)),
+      way_(way),
+      log_(std::move(log)) {}
 
 void WaylandSessionLinux::setLocked(bool isLocked) {
     restart_.reset();
@@ -169,7 +174,7 @@ void WaylandSessionLinux::globalsKnown() {
     const SurfaceGlobals& globals = connection_->globals;
     if (!globals.compositor || !globals.shm || !globals.layerShell)
         return log_.error("wayland: the compositor has no layer shell");
-    if (!globals.kdeOverlay)
+    if (way_.isByOverlayOfKde && !globals.kdeOverlay)
         return log_.error(
             "wayland: KDE Plasma does not let the card above its lock screen; run: quorvane-host "
             "install");
@@ -210,8 +215,8 @@ std::unique_ptr<WaylandSurface> WaylandSessionLinux::open(const Screen& screen,
         std::ranges::find(connection_->outputs, screen.frame,
                           [](const OutputInfo& each) { return screenOf(each).frame; });
     if (output == connection_->outputs.end()) return nullptr;
-    auto surface = std::make_unique<CardSurface>(connection_->globals, output->output(), request,
-                                                 std::move(events),
+    auto surface = std::make_unique<CardSurface>(connection_->globals, output->output(),
+                                                 way_.layerNamespace, request, std::move(events),
                                                  [this](CardSurface& it) { surfaceGone(it); });
     surfaces_.push_back(surface.get());
     if (!nextBeat_) beat();

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "lockers/WaylandSessions.hpp"
 #include "platform/Clock.hpp"
 #include "platform/Listeners.hpp"
 #include "platform/Log.hpp"
@@ -27,7 +28,8 @@ inline constexpr Duration kBeatLimit = std::chrono::milliseconds{1800};
 // are no screens.
 class WaylandSessionLinux : public WaylandSession {
 public:
-    WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, Logger log);
+    WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, const WaylandWay& way,
+                        Logger log);
     ~WaylandSessionLinux() override { setLocked(false); }
 
     // The lock has begun or ended. The end takes every surface away at once.
@@ -73,6 +75,7 @@ private:
     EventLoop& loop_;
     Clock clock_;
     std::filesystem::path program_;
+    WaylandWay way_;
     Logger log_;
     std::unique_ptr<Connection> connection_;
     void (WaylandSessionLinux::*nextStep_)() = nullptr;

@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "platform/linux/lockers/hyprland/HyprlandLocks.hpp"
 #include "platform/linux/wayland/WaylandSessionLinux.hpp"
 #include "platform/linux/wayland/card/CardWindowWayland.hpp"
 #include "tests/platform/linux/wayland/TestCompositor.hpp"
@@ -66,7 +67,8 @@ protected:
     EventLoop loop;
     RecordingLog log;
     std::optional<TestCompositor> compositor{std::in_place, loop};
-    WaylandSessionLinux session{loop, SURFACE_PROGRAM, Logger{log.sink(), "", "wayland"}};
+    WaylandSessionLinux session{
+        loop, SURFACE_PROGRAM, {.isByOverlayOfKde = true}, Logger{log.sink(), "", "wayland"}};
     std::shared_ptr<CardResources> resources =
         CardResources::make({loop.clock(), loop.mainThread(), log.sink()});
     std::shared_ptr<CardStageLinux> stage = std::make_shared<CardStageLinux>(kStyle);
@@ -234,6 +236,21 @@ TEST_F(WaylandCard, NeedsTheOverlayOfKde) {
     EXPECT_TRUE(until([&] { return !log.lines().empty(); }));
     EXPECT_TRUE(log.lines().front().text.ends_with("run: quorvane-host install"));
     EXPECT_TRUE(session.screens().list().empty());
+}
+
+TEST_F(WaylandCard, IsToldByHyprlandOfTheLock) {
+    HyprlandLocks locks{loop};
+    int changes = 0;
+    const Handle observation = locks.observe([&] { ++changes; });
+    ASSERT_TRUE(until(
+        [&] { return compositor->heard("hyprland_lock_notifier_v1.get_lock_notification"); }));
+    for (const bool isLocked : {true, false, true}) {
+        compositor->tellLocked(isLocked);
+        EXPECT_TRUE(until([&] { return locks.isLocked() == isLocked; }));
+    }
+    compositor->end();
+    EXPECT_TRUE(until([&] { return !locks.isLocked(); }));
+    EXPECT_EQ(changes, 4);
 }
 
 TEST_F(WaylandCard, StaysAsLongAsTheProcessIsToldTo) {
