@@ -67,26 +67,27 @@ Rect pointerArea(Point tip) {
 
 void CardPainter::setBackdrop(Pixels backdrop) {
     backdrop_ = std::move(backdrop);
-    isClear_ = false;
+    bounds_ = backdrop_.bounds();
     chrome_ = ground_ = moving_ = {};
 }
 
 void CardPainter::setClear(int width, int height) {
-    setBackdrop({width, height});
-    isClear_ = true;
+    setBackdrop({});
+    bounds_ = {0, 0, width, height};
 }
 
 bool CardPainter::makeChrome() {
     if (!chrome_.isEmpty() || !ground_.isEmpty()) return false;
-    chrome_ = isClear_ ? makeTintedCardChrome(backdrop_.width, backdrop_.height, style_, scale_)
-                       : makeCardChrome(backdrop_, style_, scale_);
+    chrome_ = backdrop_.isEmpty()
+                  ? makeTintedCardChrome(bounds_.width, bounds_.height, style_, scale_)
+                  : makeCardChrome(backdrop_, style_, scale_);
     return true;
 }
 
 PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
     return pixelsTouchedBy(
                scaledBy(cardArea.movedBy(style_.shadowMargin, style_.shadowMargin), scale_))
-        .intersection(backdrop_.bounds());
+        .intersection(bounds_);
 }
 
 void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
@@ -122,7 +123,7 @@ std::vector<PixelRect> CardPainter::drawParts(cairo_surface_t* target, const Sta
 }
 
 void CardPainter::drawMoving(cairo_t* cairo, const StageLook& look) {
-    paint(cairo, backdrop_);
+    paint(cairo, backdrop_, backdrop_.isEmpty() ? CAIRO_OPERATOR_CLEAR : CAIRO_OPERATOR_SOURCE);
     // The first frame of an entrance shows no card yet, so it does not wait for the glass.
     if (look.alpha <= 0) return;
     const CairoState state{cairo};
@@ -142,7 +143,8 @@ const Pixels& CardPainter::ground() {
     makeChrome();
     ground_ = std::exchange(chrome_, {});
     const CairoSurface surface = surfaceOver(ground_);
-    paint(CairoContext{cairo_create(surface.get())}.get(), backdrop_, CAIRO_OPERATOR_DEST_OVER);
+    if (!backdrop_.isEmpty())
+        paint(CairoContext{cairo_create(surface.get())}.get(), backdrop_, CAIRO_OPERATOR_DEST_OVER);
     return ground_;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/linux/wayland/card/CardWindowWayland.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -45,7 +46,7 @@ void CardWindowWayland::update() {
     const Instant now = resources_->clock.now();
     finishFade(now);
     const bool isSeen = isToBeSeen();
-    if (!isSeen) hide();
+    if (!isSeen || isCovered(now)) hide();
     if (isSeen && !shown_ && !show()) return endFade();
     if (isSeen) drawIfPaced(now);
     beginAnimations(resources_->clock.now());
@@ -55,6 +56,17 @@ void CardWindowWayland::update() {
         if (shown_) shown_->isStale = true;
         update();
     });
+}
+
+// A lock screen that is raised later covers the card. The compositor then keeps the pictures
+// without showing them. A new surface is above it. With the screen off that does not help, hence
+// the growing patience.
+bool CardWindowWayland::isCovered(Instant now) {
+    if (!shown_ || now - shown_->lastFrame < patience_) return false;
+    if (!shown_->awaitsFrame && shown_->pictures->next()) return false;
+    resources_->log.info("windows: window %ld is covered and made again", number_);
+    patience_ = std::min(patience_ * 2, kMostPatience);
+    return true;
 }
 
 bool CardWindowWayland::show() {
@@ -90,6 +102,7 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
             .released =
                 [this](std::uint32_t picture) {
                     shown_->pictures->released(picture);
+                    patience_ = kPatience;
                     if (!shown_->awaitsFrame) update();
                 },
             .press = [this](const SurfacePress& press) { pressed(press); },
@@ -120,6 +133,7 @@ void CardWindowWayland::drawIfPaced(Instant now) {
     if (parts.empty()) return;
     shown.pictures->shown(*picture, parts);
     shown.awaitsFrame = true;
+    shown.lastFrame = now;
     shown.surface->show(*picture, parts);
     // After the first frame, which shows no glass yet.
     shown.painter.makeChrome();

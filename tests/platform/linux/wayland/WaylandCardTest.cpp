@@ -174,6 +174,17 @@ TEST_F(WaylandCard, DrawsOnceAFrame) {
     }
 }
 
+TEST_F(WaylandCard, IsMadeAgainWhenItIsCovered) {
+    showCard();
+    stage->setScene(sceneOf(10));
+    settle(std::chrono::milliseconds{2100});
+    EXPECT_EQ(compositor->surfaces.size(), 1u) << "nothing new is to be shown";
+    stage->setScene(sceneOf(20));
+    EXPECT_TRUE(until([&] { return compositor->surfaces.size() == 2; }));
+    EXPECT_TRUE(until([&] { return !compositor->surface().shown.isEmpty(); }));
+    EXPECT_EQ(compositor->surfaces.front().resource, nullptr);
+}
+
 TEST_F(WaylandCard, IsPressedByPointerAndFinger) {
     showCard();
     using Kind = PointerEvent::Kind;
