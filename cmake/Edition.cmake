@@ -13,7 +13,7 @@ if(APPLE)
 else()
     set(QUORVANE_PLATFORM_FOLDER platform/linux)
     set(QUORVANE_SERVICES quorvane_linux)
-    set(QUORVANE_PLATFORM quorvane_x11)
+    set(QUORVANE_PLATFORM quorvane_linux_display)
     set(QUORVANE_PROGRAM_FOLDER Linux)
     add_compile_options(-pthread)  # as GLib's users are compiled: precompiled headers need the same options everywhere
 endif()

@@ -6,7 +6,8 @@ set(QUORVANE_INSTALLED_BUNDLE "lib/quorvane/Quorvane Lock Screen.app")
 install(TARGETS quorvane-host RUNTIME)
 install(TARGETS quorvane-fetch-artwork RUNTIME DESTINATION lib/quorvane)  # where the host looks for it
 install(TARGETS quorvane-lock-screen quorvane-card-surface RUNTIME DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
-install(TARGETS quorvane_card LIBRARY DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
+get_property(modules GLOBAL PROPERTY QUORVANE_MODULES)
+install(TARGETS ${modules} LIBRARY DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents/Linux")
 install(FILES "${QUORVANE_BUNDLE}/Contents/Info.plist" DESTINATION "${QUORVANE_INSTALLED_BUNDLE}/Contents")
 install(FILES packaging/quorvane-host.service DESTINATION lib/systemd/user)
 install(FILES packaging/completions/quorvane-host.bash RENAME quorvane-host

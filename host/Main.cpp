@@ -17,6 +17,7 @@
 #include "host/players/ScriptedPlayer.hpp"
 #include "host/settings/StoredSettings.hpp"
 #include "platform/LivePlatform.hpp"
+#include "platform/LockerRun.hpp"
 #include "platform/SessionProblems.hpp"
 
 namespace quorvane {
@@ -261,6 +262,22 @@ int setSettings(const HostCommandLine& line, const LiveServices& services) {
     return print(*outcome), kHostDone;
 }
 
+int lock(const HostCommandLine& line, const LiveServices& services) {
+    int status = kHostFailed;
+    Result<Handle> locker;
+    const auto begin = [&] {
+        locker = runLocker(services, line.locker, [&](int itsStatus) {
+            status = itsStatus;
+            services.application.terminate();
+        });
+        if (locker) return;
+        fail(locker.error().description);
+        services.application.terminate();
+    };
+    services.application.run(begin, [] {});
+    return status;
+}
+
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> words(arguments + 1, arguments + argumentCount);
     const auto line = HostCommandLine::parse(words);
@@ -281,6 +298,7 @@ int main(int argumentCount, char** arguments) {
         case Command::players: return tellPlayers(*services);
         case Command::set:
         case Command::unset: return setSettings(*line, *services);
+        case Command::lock: return lock(*line, *services);
         default: return controlAddOn(*line, *services);
     }
 }

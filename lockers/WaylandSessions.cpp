@@ -2,25 +2,26 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 
 namespace quorvane {
 namespace {
 
 constexpr std::string_view kShowsNothing = "shows nothing above its lock screen";
-constexpr std::string_view kNotUsed =
-    "can show chosen surfaces above its lock screen, but the card does not use that yet";
 
 struct Compositor {
     std::string_view desktop;  // one of the names in XDG_CURRENT_DESKTOP, in any case
     std::string_view name;
-    std::string_view problem;  // empty where the card appears
+    std::string_view problem{};       // empty where the card appears
+    std::optional<WaylandWay> way{};  // without a problem
 };
 
 constexpr Compositor kCompositors[] = {
-    {"KDE", "KDE Plasma", ""},
-    {"Hyprland", "Hyprland", kNotUsed},
-    {"Wayfire", "Wayfire", kNotUsed},
-    {"COSMIC", "COSMIC", kNotUsed},
+    {"KDE", "KDE Plasma", "", WaylandWay{.isByOverlayOfKde = true}},
+    {"Hyprland", "Hyprland", "", WaylandWay{.hasLockNotices = true}},
+    {"Wayfire", "Wayfire", "", WaylandWay{.layerNamespace = "de-widget"}},
+    {"COSMIC", "COSMIC",
+     "can show chosen surfaces above its lock screen, but the card does not use that yet"},
     {"GNOME", "GNOME", "shows nothing above its lock screen, which has media controls of its own"},
     {"sway", "sway", kShowsNothing},
     {"labwc", "labwc", kShowsNothing},
@@ -48,6 +49,17 @@ const Compositor& compositorOf(std::string_view desktop) {
     return kUnknown;
 }
 
+constexpr int kFirstHyprland = 49;
+
+// The number after the first "0." in a text such as "Hyprland 0.53.1 built from branch v0.53.1".
+int minorVersionOf(std::string_view text) {
+    const auto zero = text.find(" 0.");
+    int version = 0;
+    if (zero != text.npos)
+        std::from_chars(text.data() + zero + 3, text.data() + text.size(), version);
+    return version;
+}
+
 }  // namespace
 
 bool isWaylandSession(const SessionVariables& session) {
@@ -55,11 +67,30 @@ bool isWaylandSession(const SessionVariables& session) {
     return session.display.empty() || session.sessionType != "x11";
 }
 
+std::optional<WaylandWay> waylandWay(std::string_view desktop) { return compositorOf(desktop).way; }
+
 std::optional<std::string> waylandProblem(std::string_view desktop) {
     const Compositor& compositor = compositorOf(desktop);
-    if (compositor.problem.empty()) return std::nullopt;
+    if (compositor.way) return std::nullopt;
     return "no card can appear: " + std::string{compositor.name} + " " +
-           std::string{compositor.problem} + "; use an X11 session or KDE Plasma";
+           std::string{compositor.problem} +
+           "; use an X11 session, KDE Plasma, Hyprland or Wayfire";
+}
+
+std::optional<std::string> waylandAdvice(std::string_view desktop,
+                                         std::string_view hyprlandVersion) {
+    const std::string_view name = compositorOf(desktop).name;
+    if (name == "Wayfire")
+        return "Wayfire does not tell of its locks; start the locker with quorvane-host, for "
+               "example: quorvane-host lock -- swaylock --ready-fd 3";
+    if (name != "Hyprland") return std::nullopt;
+    const int version = minorVersionOf(hyprlandVersion);
+    if (version < kFirstHyprland) return "the card needs Hyprland 0.49 or newer; update it";
+    std::string_view rule =
+        R"(hl.layer_rule({ match = { namespace = "quorvane-card" }, above_lock = 2 }))";
+    if (version < 55) rule = "layerrule = above_lock 2, match:namespace quorvane-card";
+    if (version < 53) rule = "layerrule = abovelock true, quorvane-card";
+    return "Hyprland shows the card only with this line in its configuration: " + std::string{rule};
 }
 
 }  // namespace quorvane

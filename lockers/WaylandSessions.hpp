@@ -19,8 +19,20 @@ struct SessionVariables {
 // screen.
 bool isWaylandSession(const SessionVariables& session);
 
-// Why no card can appear in a Wayland session of this desktop, and what to do; nullopt when one
-// can.
+// How a compositor lets the card above its lock screen.
+struct WaylandWay {
+    const char* layerNamespace = "quorvane-card";
+    bool isByOverlayOfKde = false;  // only if the compositor offers the protocol to the add-on
+    bool hasLockNotices = false;    // hyprland_lock_notify_v1
+    bool operator==(const WaylandWay&) const = default;
+};
+
+// Nullopt for a desktop in whose Wayland session no card can appear.
+std::optional<WaylandWay> waylandWay(std::string_view desktop);
+// Why no card can appear there, and what to do; nullopt when one can.
 std::optional<std::string> waylandProblem(std::string_view desktop);
+// What the user must do for the card. `hyprlandVersion` is what Hyprland says of its version.
+std::optional<std::string> waylandAdvice(std::string_view desktop,
+                                         std::string_view hyprlandVersion);
 
 }  // namespace quorvane

@@ -12,12 +12,13 @@ struct LiveServices;
 
 struct SessionProblems {
     std::optional<std::string> screen{};  // no card can show
+    std::optional<std::string> advice{};  // what the user must do for it
     std::optional<std::string> ports{};   // no host can be reached
     std::optional<std::string> bus{};     // no notices and no players
 
     std::vector<std::string> sentences() const {
         std::vector<std::string> all;
-        for (const auto& problem : {screen, ports, bus})
+        for (const auto& problem : {screen, advice, ports, bus})
             if (problem) all.push_back(*problem);
         return all;
     }

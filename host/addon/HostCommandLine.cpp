@@ -31,6 +31,7 @@ constexpr CommandRow kCommands[] = {
     {"players", Command::players, "list the music players, and why one is followed"},
     {"set", Command::set, "show all settings; or: set NAME, set NAME VALUE..."},
     {"unset", Command::unset, "return a setting to its default: unset NAME"},
+    {"lock", Command::lock, "run a locker and tell the add-on of its lock: lock -- COMMAND"},
 };
 
 struct OptionRow {
@@ -103,6 +104,10 @@ std::string helpRows(std::span<const OptionRow> options) {
 
 std::expected<HostCommandLine, std::string> HostCommandLine::parse(
     std::span<const std::string> arguments) {
+    const auto separator = std::ranges::find(arguments, "--");
+    const std::vector<std::string> locker(separator == arguments.end() ? separator : separator + 1,
+                                          arguments.end());
+    arguments = {arguments.begin(), separator};
     // --help takes precedence over all other arguments.
     if (contains(arguments, "--help", "-h")) return HostCommandLine{.command = Command::help};
     if (contains(arguments, "--version", "-V")) return HostCommandLine{.command = Command::version};
@@ -138,13 +143,16 @@ std::expected<HostCommandLine, std::string> HostCommandLine::parse(
                                    std::string{option->value}};
         values[name] = std::move(value);
     }
+    if (locker.empty() == (command == Command::lock))
+        return std::unexpected{"'lock' needs a command, and no other takes one: lock -- COMMAND"};
     if (auto reason = conflict(command.value_or(Command::run), values))
         return std::unexpected{*std::move(reason)};
     return HostCommandLine{.command = command.value_or(Command::run),
                            .script = valueOf(values, "--script"),
                            .onlyPlayer = valueOf(values, "--only"),
                            .bundle = valueOf(values, "--from"),
-                           .words = std::move(words)};
+                           .words = std::move(words),
+                           .locker = locker};
 }
 
 std::string HostCommandLine::help() {

@@ -30,6 +30,7 @@ struct HostCommandLine {
         players,
         set,
         unset,
+        lock,
         help,
         version,
     };
@@ -39,6 +40,7 @@ struct HostCommandLine {
     std::optional<std::string> onlyPlayer{};  // the name of the players to follow
     std::optional<std::string> bundle{};      // to install; nullopt: the program's own
     std::vector<std::string> words{};         // that follow `set` and `unset`
+    std::vector<std::string> locker{};        // the command of `lock`
     bool operator==(const HostCommandLine&) const = default;
 
     // `arguments` excludes the program's own name. An error is one sentence for the user.

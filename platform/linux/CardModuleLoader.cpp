@@ -8,24 +8,28 @@
 
 namespace quorvane {
 
+Result<void*> functionOfModule(const std::filesystem::path& file, const char* name) {
+    void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (void* const function = library ? dlsym(library, name) : nullptr) return function;
+    return std::unexpected{PlatformError{.description = dlerror()}};
+}
+
 CardModuleLoader::CardModuleLoader(std::filesystem::path file, CardModuleServices services,
-                                   Entry entry)
+                                   void* session)
     : file_(std::move(file)),
       services_(std::move(services)),
       log_(services_.log, kPlatformSubsystem, "card"),
-      entry_(std::move(entry)) {}
+      session_(session) {}
 
 const CardWindows* CardModuleLoader::loaded() {
     if (windows_) return &*windows_;
-    void* const library = dlopen(file_.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* const symbol = library ? dlsym(library, entry_.symbol) : nullptr;
-    if (!symbol) {
-        const char* const reason = dlerror();
+    const auto function = functionOfModule(file_, kMakeCardWindows);
+    if (!function) {
         log_.error("card: the drawing module cannot be loaded: %{public}s",
-                   reason ? reason : "its entry is missing");
+                   function.error().description);
         return nullptr;
     }
-    windows_ = entry_.call(symbol, services_);
+    windows_ = reinterpret_cast<MakeCardWindows>(*function)(services_, session_);
     return &*windows_;
 }
 

@@ -2,32 +2,22 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <optional>
 
+#include "platform/PlatformError.hpp"
 #include "platform/linux/card/CardModule.hpp"
 
 namespace quorvane {
 
-// Main thread only. The module stays loaded. If it cannot be loaded, each attempt logs that, and
-// there are no windows.
+// A function that the module exports. The module stays loaded.
+Result<void*> functionOfModule(const std::filesystem::path& file, const char* name);
+
+// Main thread only. If the module cannot be loaded, each attempt logs that, and there are no
+// windows.
 class CardModuleLoader {
 public:
-    // The module's function for one session.
-    struct Entry {
-        const char* symbol;
-        std::function<CardWindows(void* function, const CardModuleServices& services)> call;
-
-        template <typename Session>
-        static Entry of(const char* symbol, Session& session) {
-            return {symbol, [&session](void* function, const CardModuleServices& services) {
-                        return reinterpret_cast<MakeCardWindows<Session>>(function)(services,
-                                                                                    session);
-                    }};
-        }
-    };
-
-    CardModuleLoader(std::filesystem::path file, CardModuleServices services, Entry entry);
+    // `session` is what the module's function takes.
+    CardModuleLoader(std::filesystem::path file, CardModuleServices services, void* session);
 
     // `reducesMotion` stays empty. The table refers to this loader.
     CardWindows windows();
@@ -38,7 +28,7 @@ private:
     std::filesystem::path file_;
     CardModuleServices services_;
     Logger log_;
-    Entry entry_;
+    void* session_;
     std::optional<CardWindows> windows_;
 };
 

@@ -1,7 +1,6 @@
 // The tables of this edition that need a display: X11 or Wayland.
 #include <malloc.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -9,19 +8,16 @@
 #include "drawing/pictures/EncodedImage.hpp"
 #include "platform/LivePlatform.hpp"
 #include "platform/linux/CardModuleLoader.hpp"
+#include "platform/linux/DisplayModule.hpp"
 #include "platform/linux/accessibility/AccessibilityLinux.hpp"
 #include "platform/linux/bus/MotionSetting.hpp"
-#include "platform/linux/files/Environment.hpp"
 #include "platform/linux/language/Translations.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
-#include "platform/linux/services/LockWatcherLinux.hpp"
-#include "platform/linux/lockers/X11SessionLinux.hpp"
 #include "platform/linux/processes/Confinement.hpp"
 #include "platform/linux/processes/LoginItemLinux.hpp"
 #include "platform/linux/services/HeadlessPlatform.hpp"
+#include "platform/linux/services/LockWatcherLinux.hpp"
 #include "platform/linux/services/SessionProblemsLinux.hpp"
-#include "platform/linux/wayland/WaylandSessionLinux.hpp"
-#include "platform/linux/x11/ToolkitSettings.hpp"
 
 namespace quorvane {
 namespace {
@@ -30,22 +26,10 @@ namespace {
 // threads here seldom run at once, and each of the five heaps would retain its free memory.
 void shareOneHeap() { mallopt(M_ARENA_MAX, 1); }
 
-std::filesystem::path besideExecutable(const char* file) {
+std::filesystem::path folderOfExecutable() {
     std::error_code error;
-    const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    return executable.parent_path() / file;
+    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
 }
-
-// What the two displays provide.
-struct Display {
-    Screens screens;
-    LockerSight sight{};
-    std::function<std::optional<std::int32_t>()> toolkitAnimates;
-    std::function<void(bool isLocked)> lockChanged;
-    CardModuleLoader::Entry entry;
-    Network network;
-    std::shared_ptr<void> session;  // the others refer to it
-};
 
 // Members are in construction order; later ones refer to earlier ones.
 struct DisplayPlatform {
@@ -56,13 +40,13 @@ struct DisplayPlatform {
           accessibility(HeadlessPlatform::of(services).loop,
                         HeadlessPlatform::of(services).sessionBus,
                         {services.log, kPlatformSubsystem, "accessibility"}),
-          cards(besideExecutable(kCardModuleFile),
+          cards(folderOfExecutable() / display.cardModule,
                 {.clock = services.clock,
                  .mainThread = services.mainThread,
                  .log = services.log,
                  .makeSerialQueue = services.makeSerialQueue,
                  .accessibility = &accessibility},
-                display.entry),
+                display.cardSession),
           lockObservation(watcher.observeLock([this](bool isLocked) {
               if (isLocked) motion.refresh();
               display.lockChanged(isLocked);
@@ -76,55 +60,31 @@ struct DisplayPlatform {
     Handle lockObservation;
 };
 
-Result<Display> openX11(const LiveServices& services) {
-    const Logger log{services.log, kPlatformSubsystem, "x11"};
-    auto& state = HeadlessPlatform::of(services);
-    auto opened = X11SessionLinux::open(state.loop, "", [&state, log] {
-        log.error("x11: the X server has gone away");
-        state.loop.quit(EXIT_FAILURE);
-    });
-    if (!opened) return std::unexpected(std::move(opened).error());
-    const std::shared_ptr<X11SessionLinux> x11 = *std::move(opened);
-    return Display{
-        .screens = x11->screens(),
-        .sight = {.isSeen = [&x = *x11] { return !x.lockerWindows().empty(); },
-                  .observe =
-                      [&x = *x11](std::function<void()> changed) {
-                          return x.observeLockerWindows(std::move(changed));
-                      }},
-        .toolkitAnimates = [&x = *x11] { return toolkitSetting(x, "Gtk/EnableAnimations"); },
-        .lockChanged = [](bool) {},
-        .entry = CardModuleLoader::Entry::of<X11Session>(kMakeX11CardWindows, *x11),
-        .network = networkForDisplay(environmentVariable("DISPLAY")),
-        .session = x11};
-}
-
-Display openWayland(const LiveServices& services) {
-    const Logger log{services.log, kPlatformSubsystem, "wayland"};
-    const std::filesystem::path program = besideExecutable(kSurfaceProgram);
-    if (const auto permitted = permitAboveLock(program, services.process); !permitted)
-        log.error("wayland: no permission to stand above the lock screen: %{public}s",
-                  errorText(permitted.error()));
-    const auto wayland =
-        std::make_shared<WaylandSessionLinux>(HeadlessPlatform::of(services).loop, program, log);
-    return {.screens = wayland->screens(),
-            .toolkitAnimates = [] { return std::nullopt; },
-            .lockChanged = [&w = *wayland](bool isLocked) { w.setLocked(isLocked); },
-            .entry = CardModuleLoader::Entry::of<WaylandSession>(kMakeWaylandCardWindows, *wayland),
-            .network = Network::isForbidden,
-            .session = wayland};
+Result<Display> open(const char* module, const LiveServices& services, const Logger& log) {
+    const std::filesystem::path folder = folderOfExecutable();
+    const auto function = functionOfModule(folder / module, kOpenDisplay);
+    if (!function) return std::unexpected(function.error());
+    return reinterpret_cast<OpenDisplay>(*function)(
+        {HeadlessPlatform::of(services).loop, log, folder});
 }
 
 // The display of the session that the add-on runs in.
-Result<Display> openDisplay(const LiveServices& services) {
-    const SessionVariables session = sessionVariables();
+Result<Display> openDisplay(const SessionVariables& session, const LiveServices& services) {
+    const Logger wayland{services.log, kPlatformSubsystem, "wayland"};
     const auto problem = screenProblem(session);
     if (problem && session.display.empty())
         return std::unexpected(PlatformError{PlatformError::Domain::service, 0, *problem});
-    if (problem)
-        Logger{services.log, kPlatformSubsystem, "wayland"}.error("wayland: %{public}s", *problem);
-    if (!problem && isWaylandSession(session)) return openWayland(services);
-    return openX11(services);
+    if (problem) wayland.error("wayland: %{public}s", *problem);
+    if (problem || !isWaylandSession(session))
+        return open(kX11Module, services, {services.log, kPlatformSubsystem, "x11"});
+    const auto permitted =
+        waylandWay(session.desktop)->isByOverlayOfKde
+            ? permitAboveLock(folderOfExecutable() / kSurfaceProgram, services.process)
+            : Result<void>{};
+    if (!permitted)
+        wayland.error("wayland: no permission to stand above the lock screen: %{public}s",
+                      errorText(permitted.error()));
+    return open(kWaylandModule, services, wayland);
 }
 
 ImageRef decodeImage(ByteView encoded) {
@@ -138,7 +98,8 @@ ImageRef decodeImage(ByteView encoded) {
 
 Result<LivePlatform> makeLivePlatform(LiveServices services) {
     shareOneHeap();
-    auto display = openDisplay(services);
+    const SessionVariables session = sessionVariables();
+    auto display = openDisplay(session, services);
     if (!display) return std::unexpected(std::move(display).error());
     const auto owner = std::make_shared<DisplayPlatform>(services, *std::move(display));
     LivePlatform platform;
@@ -160,7 +121,8 @@ Result<LivePlatform> makeLivePlatform(LiveServices services) {
         return isRightToLeft;
     };
     platform.confine = [log = Logger{services.log, kPlatformSubsystem, "process"},
-                        network = owner->display.network] {
+                        network = owner->display.mayBeRemote ? networkForDisplay(session.display)
+                                                             : Network::isForbidden] {
         const auto confined = confineProcess(network);
         if (!confined) log.error("process: not confined: %{public}s", errorText(confined.error()));
     };

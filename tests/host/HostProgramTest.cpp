@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/linux/bus/NoticesLinux.hpp"
+#include "platform/linux/bus/ScreenSaverSignals.hpp"
 #include "tests/end_to_end/LoggedProcess.hpp"
 #include "tests/support/FakeBusService.hpp"
 #include "tests/support/LoopRunner.hpp"
@@ -69,6 +70,28 @@ TEST_F(HostProgramTest, ExplainsMistakesAndWhatTheSessionLacks) {
          "Session: no card can appear: this Wayland compositor"}};
     for (const auto& [arguments, variable, words] : rows)
         EXPECT_NE(run(arguments, 1, variable).find(words), std::string::npos) << words;
+}
+
+TEST_F(HostProgramTest, TellsOfALockFromALockersReadinessToItsEnd) {
+    EventLoop loop;
+    SessionBus session{loop, {}};
+    ScreenSaverSignals savers{session, [] {}};
+    const auto becomes = [&](bool isLocked) {
+        return runUntil(loop, [&] { return savers.isActive() == isLocked; });
+    };
+    const std::string end = (folder / "end").string();
+    LoggedProcess host{{HOST_PROGRAM, "lock", "--", "sh", "-c",
+                        "echo >&3; until [ -e " + end + " ]; do sleep 0.1; done"},
+                       environment()};
+    EXPECT_TRUE(becomes(true));
+    EXPECT_NE(run({"lock", "--", "true"}, 1).find("is running"), std::string::npos);
+    folder.write("end", "");
+    EXPECT_TRUE(becomes(false));
+    LoggedProcess late{{HOST_PROGRAM, "lock", "--", "sleep", "60"}, environment()};
+    EXPECT_TRUE(becomes(true)) << "a locker that says nothing is ready after a while";
+    late.process().end(SIGKILL);
+    EXPECT_TRUE(becomes(false)) << "nobody could tell of the unlock";
+    EXPECT_EQ(run({"lock", "--", "sh", "-c", "exit 7"}, 7), "");
 }
 
 TEST_F(HostProgramTest, TellsItsStatusAndSwitchesTheCard) {

@@ -19,14 +19,12 @@ TEST(WaylandSessions, TakeTheSessionsOwnDisplay) {
 }
 
 TEST(WaylandSessions, WithoutACardAreNamed) {
-    for (const char* desktop : {"KDE", "kde", "X:KDE"})
+    for (const char* desktop : {"KDE", "kde", "X:KDE", "Hyprland", "Wayfire:wlroots"})
         EXPECT_EQ(waylandProblem(desktop), std::nullopt) << desktop;
     EXPECT_EQ(waylandProblem("sway"),
-              "no card can appear: sway shows nothing above its lock screen; use an X11 session or "
-              "KDE Plasma");
+              "no card can appear: sway shows nothing above its lock screen; use an X11 session, "
+              "KDE Plasma, Hyprland or Wayfire");
     for (const auto& [desktop, name] : {std::pair{"COSMIC", "COSMIC"},
-                                        {"Hyprland", "Hyprland"},
-                                        {"Wayfire:wlroots", "Wayfire"},
                                         {"niri", "niri"},
                                         {"labwc:wlroots", "labwc"},
                                         {"river", "river"},
@@ -36,6 +34,19 @@ TEST(WaylandSessions, WithoutACardAreNamed) {
         EXPECT_TRUE(
             waylandProblem(desktop)->starts_with("no card can appear: " + std::string{name}))
             << *waylandProblem(desktop);
+}
+
+TEST(WaylandSessions, SayWhatTheUserMustDo) {
+    EXPECT_EQ(waylandAdvice("KDE", ""), std::nullopt);
+    EXPECT_TRUE(waylandAdvice("Wayfire", "")->ends_with("lock -- swaylock --ready-fd 3"));
+    for (const auto& [version, words] :
+         {std::pair{"Hyprland 0.48.1 built from branch main", "needs Hyprland 0.49 or newer"},
+          {"Hyprland 0.52.0 built", ": layerrule = abovelock true, quorvane-card"},
+          {"Hyprland 0.53.0 built", ": layerrule = above_lock 2, match:namespace quorvane-card"},
+          {"Hyprland 0.55.2 built",
+           R"(: hl.layer_rule({ match = { namespace = "quorvane-card" }, above_lock = 2 }))"},
+          {"", "needs Hyprland 0.49 or newer"}})
+        EXPECT_NE(waylandAdvice("Hyprland", version)->find(words), std::string::npos) << version;
 }
 
 // Seen on Plasma 5.27 at 1280 × 800.

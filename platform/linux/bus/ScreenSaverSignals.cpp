@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* kServices[] = {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
                                      "org.mate.ScreenSaver", "org.cinnamon.ScreenSaver",
-                                     "org.xfce.ScreenSaver"};
+                                     "org.xfce.ScreenSaver", kLockerRunService};
 
 // Each service's object path is derived from its name.
 std::string pathOf(std::string name) {

@@ -10,6 +10,10 @@
 
 namespace quorvane {
 
+// The service of `quorvane-host lock`, for lockers that have none.
+inline constexpr char kLockerRunService[] = "example.quillon.Quorvane.Locker";
+inline constexpr char kLockerRunPath[] = "/example/quillon/Quorvane/Locker";
+
 // Main thread only. Inactive on a desktop without such a service and in a session without a bus.
 // Queries do not auto-start a service. A service becomes inactive when it ends or its bus goes
 // away.

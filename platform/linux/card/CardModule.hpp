@@ -1,5 +1,6 @@
-// The interface of the drawing module, a separate library with all code that needs the drawing
-// libraries. The add-on loads it with the first card and runs without those libraries until then.
+// The interface of the drawing modules, one library for X11 and one for Wayland, with all code that
+// needs the drawing libraries. The add-on loads the one of its display with the first card and runs
+// without those libraries until then.
 #pragma once
 
 #include "drawing/CardWindows.hpp"
@@ -19,12 +20,9 @@ struct CardModuleServices {
     AccessibleCards* accessibility = nullptr;  // notified of the cards that are visible
 };
 
-// The module exports one such function for each kind of session, under the names below. It fills
-// `makeWindow`, `makeStage` and `measureText`.
-template <typename Session>
-using MakeCardWindows = CardWindows (*)(const CardModuleServices& services, Session& session);
-inline constexpr char kMakeX11CardWindows[] = "quorvaneMakeX11CardWindows";
-inline constexpr char kMakeWaylandCardWindows[] = "quorvaneMakeWaylandCardWindows";
-inline constexpr char kCardModuleFile[] = "quorvane-card.so";  // beside the executable
+// Each module exports one such function under this name. It fills `makeWindow`, `makeStage` and
+// `measureText`. `session` is the display's X11Session or WaylandSession.
+using MakeCardWindows = CardWindows (*)(const CardModuleServices& services, void* session);
+inline constexpr char kMakeCardWindows[] = "quorvaneMakeCardWindows";
 
 }  // namespace quorvane

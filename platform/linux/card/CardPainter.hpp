@@ -61,10 +61,10 @@ private:
 
     CardStyle style_;
     double scale_;
-    PixelRect bounds_;
+    PixelRect bounds_;  // of the stage
     // Pictures of the whole stage; empty until they are needed. Only one of chrome and ground is
     // kept.
-    Pixels backdrop_;  // stays empty where it cannot be read
+    Pixels backdrop_;  // empty where it cannot be read
     Pixels chrome_;
     Pixels ground_;  // the chrome over the backdrop
     Pixels moving_;  // the chrome and the scene

@@ -23,8 +23,9 @@ public:
 
     int get() const { return descriptor_; }
     explicit operator bool() const { return descriptor_ >= 0; }
+    int release() { return std::exchange(descriptor_, -1); }
     void reset() {
-        if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
+        if (descriptor_ >= 0) close(release());
     }
 
 private:

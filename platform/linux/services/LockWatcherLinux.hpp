@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "lockers/LockSignals.hpp"
+#include "lockers/LockerSight.hpp"
 #include "platform/Listeners.hpp"
 #include "platform/LockSources.hpp"
 #include "platform/linux/bus/LogindLinux.hpp"
@@ -12,14 +13,6 @@
 #include "platform/linux/services/HeadlessPlatform.hpp"
 
 namespace quorvane {
-
-// How lock screens are seen.
-struct LockerSight {
-    // Empty where no window tells it; the lock screen then counts as seen while a screen-saver
-    // service is active. The login manager's hint may outlast the lock, so it does not count.
-    std::function<bool()> isSeen;
-    std::function<Handle(std::function<void()> changed)> observe;
-};
 
 // Main thread only. Delivers the four notices to this process's own observers.
 class LockWatcherLinux {

@@ -1,11 +1,15 @@
 #include "platform/linux/services/SessionProblemsLinux.hpp"
 
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <system_error>
 
 #include "platform/SessionProblems.hpp"
 #include "platform/linux/files/Environment.hpp"
+#include "platform/linux/files/FileDescriptor.hpp"
 #include "platform/linux/ports/MessagePortsLinux.hpp"
 #include "platform/linux/ports/PortFolder.hpp"
 #include "platform/linux/services/HeadlessPlatform.hpp"
@@ -51,9 +55,36 @@ std::optional<std::string> findPortsProblem() {
     return std::nullopt;
 }
 
+namespace {
+
+// The answer of Hyprland's control socket, whose requests are words without an end; empty without
+// an answer.
+std::string hyprlandVersion() {
+    const std::string path = std::string{environmentVariable("XDG_RUNTIME_DIR")} + "/hypr/" +
+                             std::string{environmentVariable("HYPRLAND_INSTANCE_SIGNATURE")} +
+                             "/.socket.sock";
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    if (path.size() >= sizeof address.sun_path) return {};
+    path.copy(address.sun_path, path.size());
+    const FileDescriptor socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+    constexpr timeval kPatience{1, 0};
+    setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof kPatience);
+    constexpr std::string_view kRequest = "version";
+    char answer[64];
+    if (connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        write(socket.get(), kRequest.data(), kRequest.size()) < 0)
+        return {};
+    const ssize_t length = read(socket.get(), answer, sizeof answer);
+    return {answer, length > 0 ? static_cast<std::size_t>(length) : 0};
+}
+
+}  // namespace
+
 SessionProblems findSessionProblems(const LiveServices& services) {
-    SessionProblems problems{.screen = screenProblem(sessionVariables()),
-                             .ports = findPortsProblem()};
+    const SessionVariables session = sessionVariables();
+    SessionProblems problems{.screen = screenProblem(session), .ports = findPortsProblem()};
+    if (isWaylandSession(session))
+        problems.advice = waylandAdvice(session.desktop, hyprlandVersion());
     if (!HeadlessPlatform::of(services).sessionBus.connection())
         problems.bus =
             "there is no session bus, on which players and the add-on are heard; log in at the "

@@ -1,7 +1,7 @@
 #include "platform/linux/wayland/SurfaceProcess.hpp"
 
-#include <sys/epoll.h>
 #include <sys/socket.h>
+#include <sys/timerfd.h>
 #include <sys/wait.h>
 
 #include <cerrno>
@@ -12,14 +12,18 @@
 #include "platform/linux/processes/SpawnSettings.hpp"
 
 namespace quorvane {
-
-Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(EventLoop& loop,
-                                                              const std::filesystem::path& program,
-                                                              Events events) {
-    auto ends = MessageSocket::makePair();
-    if (!ends) return posixError("socket");
+Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(
+    const std::filesystem::path& program) {
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return posixError("socket");
+    FileDescriptor own{ends[0]};
+    const FileDescriptor others{ends[1]};
+    // Both processes have the timer, so that setting it again wakes neither.
+    FileDescriptor timer{timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC)};
+    if (!timer) return posixError("timer");
     SpawnSettings settings;
-    posix_spawn_file_actions_adddup2(&settings.files, ends->second.get(), kSurfaceSocket);
+    posix_spawn_file_actions_adddup2(&settings.files, others.get(), STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&settings.files, timer.get(), STDOUT_FILENO);
     std::string name = program.string();
     char* arguments[] = {name.data(), nullptr};
     pid_t pid = 0;
@@ -27,40 +31,21 @@ Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(EventLoop& loop,
                                     arguments, environ);
     if (failure != 0) return posixError(program, failure);
     return std::unique_ptr<SurfaceProcess>{
-        new SurfaceProcess{loop, pid, MessageSocket{std::move(ends->first)}, std::move(events)}};
+        new SurfaceProcess{pid, std::move(own), std::move(timer)}};
 }
 
-SurfaceProcess::SurfaceProcess(EventLoop& loop, pid_t pid, MessageSocket socket, Events events)
-    : pid_(pid),
-      socket_(std::move(socket)),
-      events_(std::move(events)),
-      watch_(loop.watch(socket_.descriptor(), EPOLLIN, [this](std::uint32_t) { receive(); })) {}
-
 SurfaceProcess::~SurfaceProcess() {
-    watch_.reset();
     kill(pid_, SIGKILL);
     while (waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
     }
 }
 
-void SurfaceProcess::send(const ToSurface& message, int file) {
-    if (!socket_.send(message, file)) shutdown(socket_.descriptor(), SHUT_RDWR);
-}
-
-void SurfaceProcess::receive() {
-    const auto life = life_.watch();
-    while (!life.isOver()) {
-        FromSurface message;
-        switch (socket_.receive(message)) {
-            case MessageSocket::Received::nothing: return;
-            case MessageSocket::Received::message: events_.message(message); break;
-            case MessageSocket::Received::ended: {
-                watch_.reset();
-                const auto ended = events_.ended;
-                return ended();
-            }
-        }
-    }
+void SurfaceProcess::endAfter(Duration time) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    itimerspec limit{};
+    limit.it_value.tv_sec = seconds.count();
+    limit.it_value.tv_nsec = std::chrono::nanoseconds{time - seconds}.count();
+    timerfd_settime(timer_.get(), 0, &limit, nullptr);
 }
 
 }  // namespace quorvane

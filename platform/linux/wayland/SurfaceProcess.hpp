@@ -1,47 +1,38 @@
-// The process that owns the card's surfaces, as the add-on sees it.
+// The process that owns the connection to the compositor, as the add-on sees it.
 #pragma once
 
 #include <sys/types.h>
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 
-#include "platform/LifeToken.hpp"
+#include "platform/Clock.hpp"
 #include "platform/PlatformError.hpp"
-#include "platform/linux/loop/EventLoop.hpp"
-#include "platform/linux/wayland/messages/MessageSocket.hpp"
-#include "platform/linux/wayland/messages/SurfaceMessages.hpp"
+#include "platform/linux/files/FileDescriptor.hpp"
 
 namespace quorvane {
 
-// Main thread only. The destructor kills the process, also a stopped one, and with it its surfaces.
+// Main thread only. The destructor kills the process, also a stopped one, and with it the
+// connection and its surfaces.
 class SurfaceProcess {
 public:
-    struct Events {
-        std::function<void(const FromSurface&)> message;
-        std::function<void()> ended;  // may destroy this object
-    };
-
-    static Result<std::unique_ptr<SurfaceProcess>> start(EventLoop& loop,
-                                                         const std::filesystem::path& program,
-                                                         Events events);
+    static Result<std::unique_ptr<SurfaceProcess>> start(const std::filesystem::path& program);
     ~SurfaceProcess();
     SurfaceProcess(const SurfaceProcess&) = delete;
     SurfaceProcess& operator=(const SurfaceProcess&) = delete;
 
-    // A process that does not read its messages counts as ended.
-    void send(const ToSurface& message, int file = -1);
+    // The connection. The caller owns the descriptor.
+    int takeConnection() { return connection_.release(); }
+    // The kernel's timer ends the process unless this is called again by then. Zero: it may stay.
+    void endAfter(Duration time);
 
 private:
-    SurfaceProcess(EventLoop& loop, pid_t pid, MessageSocket socket, Events events);
-    void receive();
+    SurfaceProcess(pid_t pid, FileDescriptor connection, FileDescriptor timer)
+        : pid_(pid), connection_(std::move(connection)), timer_(std::move(timer)) {}
 
     pid_t pid_;
-    MessageSocket socket_;
-    Events events_;
-    Handle watch_;
-    LifeToken life_;
+    FileDescriptor connection_;
+    FileDescriptor timer_;
 };
 
 }  // namespace quorvane

@@ -1,5 +1,7 @@
 #include "platform/linux/wayland/WaylandSessionLinux.hpp"
 
+#include <sys/epoll.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -11,142 +13,225 @@ namespace {
 constexpr int kRestarts = 10;  // during one lock
 constexpr Duration kRestartDelay = std::chrono::seconds{1};
 
+// The newest versions whose events are handled here.
+constexpr std::uint32_t kCompositor = 4;  // damage in the picture's pixels
+constexpr std::uint32_t kOutput = 3;      // the scale, and the end of a change's events
+constexpr std::uint32_t kOutputManager = 3;
+constexpr std::uint32_t kSeat = 3;  // the pointer's release
+
 Rect rectOf(const PixelRect& rect) {
     return {static_cast<double>(rect.x), static_cast<double>(rect.y),
             static_cast<double>(rect.width), static_cast<double>(rect.height)};
 }
 
+Screen screenOf(const OutputInfo& output) {
+    return screenOfOutput(rectOf(output.place()), output.scale());
+}
+
+template <typename Object>
+void bind(Wayland<Object>& object, wl_registry* registry, std::uint32_t name,
+          const wl_interface& interface, std::uint32_t version = 1) {
+    object.reset(static_cast<Object*>(wl_registry_bind(registry, name, &interface, version)));
+}
+
 }  // namespace
 
-WaylandSessionLinux::WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, Logger log)
-    : loop_(loop), clock_(loop.clock()), program_(std::move(program)), log_(std::move(log)) {}
+const wl_registry_listener WaylandSessionLinux::kRegistryListener{
+    .global =
+        [](void* self, wl_registry*, std::uint32_t name, const char* interface,
+           std::uint32_t version) {
+            static_cast<WaylandSessionLinux*>(self)->appeared(name, interface, version);
+        },
+    .global_remove =
+        [](void* self, wl_registry*, std::uint32_t name) {
+            static_cast<WaylandSessionLinux*>(self)->vanished(name);
+        },
+};
+
+WaylandSessionLinux::WaylandSessionLinux(EventLoop& loop, std::filesystem::path program,
+                                         const WaylandWay& way, Logger log)
+    : loop_(loop),
+      clock_(loop.clock()),
+      program_(std::move(program)),
+      way_(way),
+      log_(std::move(log)) {}
 
 void WaylandSessionLinux::setLocked(bool isLocked) {
     restart_.reset();
     restartsLeft_ = isLocked ? kRestarts : 0;
-    if (isLocked && !process_) return start();
-    if (isLocked) return;
-    process_.reset();
-    forgetSurfaces();
+    if (!isLocked)
+        disconnect();
+    else if (!connection_)
+        start();
 }
 
 void WaylandSessionLinux::start() {
-    auto process =
-        SurfaceProcess::start(loop_, program_,
-                              {.message = [this](const FromSurface& message) { handle(message); },
-                               .ended = [this] { ended(); }});
-    if (process)
-        process_ = *std::move(process);
-    else
-        log_.error("wayland: no surface process: %{public}s", process.error().description);
+    auto process = SurfaceProcess::start(program_);
+    if (!process)
+        return log_.error("wayland: no surface process: %{public}s", process.error().description);
+    connection_ = std::make_unique<Connection>();
+    connection_->process = *std::move(process);
+    wl_display* const display = wl_display_connect_to_fd(connection_->process->takeConnection());
+    connection_->display.reset(display);
+    // A process that does not read counts as ended.
+    connection_->beforeSleep = loop_.beforeSleep([this, display] {
+        if (wl_display_flush(display) < 0) ended();
+    });
+    connection_->watch = loop_.watch(wl_display_get_fd(display), EPOLLIN, [this](std::uint32_t) {
+        if (wl_display_dispatch(connection_->display.get()) < 0) ended();
+    });
+    connection_->registry.reset(wl_display_get_registry(display));
+    wl_registry_add_listener(connection_->registry.get(), &kRegistryListener, this);
+    askToStart(&WaylandSessionLinux::globalsKnown);
 }
 
-// It ends by itself when the compositor goes away, or when this process has not answered in time.
+// Kills the process.
+void WaylandSessionLinux::disconnect() {
+    nextBeat_.reset();
+    while (!surfaces_.empty()) {
+        CardSurface& surface = *surfaces_.back();
+        surfaces_.pop_back();
+        surface.end();  // may destroy others too
+    }
+    connection_.reset();
+}
+
+// The process ends by itself when the compositor goes away, or when this one was stopped for too
+// long.
 void WaylandSessionLinux::ended() {
-    process_.reset();
-    log_.error("wayland: the surface process has ended");
-    forgetSurfaces();
+    log_.error("wayland: the connection to the compositor has ended");
+    disconnect();
     changes_.call();  // the cards are built again once the screens are back
     if (restartsLeft_-- > 0) restart_ = clock_.after(kRestartDelay, [this] { start(); });
 }
 
-void WaylandSessionLinux::forgetSurfaces() {
-    nextBeat_.reset();
-    isReady_ = false;
-    outputs_.clear();
-    for (const auto& [number, events] : std::exchange(surfaces_, {})) events.closed();
+void WaylandSessionLinux::appeared(std::uint32_t name, std::string_view interface,
+                                   std::uint32_t version) {
+    wl_registry* const registry = connection_->registry.get();
+    SurfaceGlobals& globals = connection_->globals;
+    if (interface == wl_compositor_interface.name && version >= kCompositor)
+        bind(globals.compositor, registry, name, wl_compositor_interface, kCompositor);
+    else if (interface == wl_shm_interface.name)
+        bind(globals.shm, registry, name, wl_shm_interface);
+    else if (interface == zwlr_layer_shell_v1_interface.name)
+        bind(globals.layerShell, registry, name, zwlr_layer_shell_v1_interface);
+    else if (interface == kde_lockscreen_overlay_v1_interface.name)
+        bind(globals.kdeOverlay, registry, name, kde_lockscreen_overlay_v1_interface);
+    else if (interface == wp_viewporter_interface.name)
+        bind(globals.viewporter, registry, name, wp_viewporter_interface);
+    else if (interface == zxdg_output_manager_v1_interface.name)
+        bind(connection_->outputManager, registry, name, zxdg_output_manager_v1_interface,
+             std::min(version, kOutputManager));
+    else if (interface == wl_seat_interface.name && version >= kSeat)
+        addSeat(name);
+    else if (interface == wl_output_interface.name && version >= 2)
+        addOutput(name, std::min(version, kOutput));
 }
 
-void WaylandSessionLinux::handle(const FromSurface& message) {
-    using Kind = FromSurface::Kind;
-    switch (message.kind) {
-        case Kind::output:
-        case Kind::outputGone: return outputChanged(message);
-        case Kind::ready: return ready(message.hasKdeOverlay);
-        case Kind::failed:
-            return log_.error("wayland: %{public}s", std::string{message.text.data()});
-        default: break;
-    }
-    const auto found = surfaces_.find(message.surface);
-    if (found == surfaces_.end()) return;
-    // A copy, because a handler may close the surface.
-    const SurfaceEvents events = found->second;
-    switch (message.kind) {
-        case Kind::frame: return events.frame();
-        case Kind::released: return events.released(message.picture);
-        case Kind::closed: close(message.surface); return events.closed();
-        default: return events.pointer(message);
-    }
+void WaylandSessionLinux::addSeat(std::uint32_t name) {
+    Wayland<wl_seat> seat;
+    bind(seat, connection_->registry.get(), name, wl_seat_interface, kSeat);
+    connection_->seats.emplace_back(
+        std::move(seat), name, [this](wl_surface* under, const SurfacePress& press) {
+            const auto card = std::ranges::find(surfaces_, under, &CardSurface::surface);
+            if (card != surfaces_.end()) (*card)->pressed(press);
+        });
 }
 
-void WaylandSessionLinux::outputChanged(const FromSurface& message) {
-    const auto known = std::ranges::find(outputs_, message.output, &Output::name);
-    if (message.kind == FromSurface::Kind::outputGone) {
-        if (known == outputs_.end()) return;
-        outputs_.erase(known);
-    } else {
-        const Output output{message.output, rectOf(message.place), message.scale};
-        if (known == outputs_.end())
-            outputs_.push_back(output);
-        else if (known->place == output.place && known->scale == output.scale)
-            return;
-        else
-            *known = output;
-    }
-    if (isReady_) changes_.call();
+void WaylandSessionLinux::addOutput(std::uint32_t name, std::uint32_t version) {
+    Wayland<wl_output> output;
+    bind(output, connection_->registry.get(), name, wl_output_interface, version);
+    OutputInfo& info =
+        connection_->outputs.emplace_back(std::move(output), name, [this] { outputsChanged(); });
+    if (connection_->isReady) describe(info);
 }
 
-void WaylandSessionLinux::ready(bool hasKdeOverlay) {
-    if (!hasKdeOverlay)
+void WaylandSessionLinux::describe(OutputInfo& output) {
+    if (connection_->globals.viewporter) output.allowFractions();
+    if (connection_->outputManager) output.describeWith(connection_->outputManager.get());
+}
+
+void WaylandSessionLinux::vanished(std::uint32_t name) {
+    connection_->seats.remove_if([&](const SeatInput& seat) { return seat.name() == name; });
+    if (connection_->outputs.remove_if(
+            [&](const OutputInfo& output) { return output.name() == name; }) > 0)
+        outputsChanged();
+}
+
+// Takes the next step once the compositor has answered everything before.
+void WaylandSessionLinux::askToStart(void (WaylandSessionLinux::*step)()) {
+    static constexpr wl_callback_listener kAnswered{[](void* data, wl_callback*, std::uint32_t) {
+        auto& self = *static_cast<WaylandSessionLinux*>(data);
+        (self.*self.nextStep_)();
+    }};
+    nextStep_ = step;
+    connection_->start.reset(wl_display_sync(connection_->display.get()));
+    wl_callback_add_listener(connection_->start.get(), &kAnswered, this);
+}
+
+// A second answer follows the events of the outputs.
+void WaylandSessionLinux::globalsKnown() {
+    const SurfaceGlobals& globals = connection_->globals;
+    if (!globals.compositor || !globals.shm || !globals.layerShell)
+        return log_.error("wayland: the compositor has no layer shell");
+    if (way_.isByOverlayOfKde && !globals.kdeOverlay)
         return log_.error(
             "wayland: KDE Plasma does not let the card above its lock screen; run: quorvane-host "
             "install");
-    isReady_ = true;
+    for (OutputInfo& output : connection_->outputs) describe(output);
+    askToStart(&WaylandSessionLinux::outputsKnown);
+}
+
+void WaylandSessionLinux::outputsKnown() {
+    connection_->start.reset();
+    connection_->isReady = true;
     changes_.call();
 }
 
-std::vector<Screen> WaylandSessionLinux::list() const {
-    std::vector<Screen> screens;
-    if (!isReady_) return screens;
-    for (const Output& output : outputs_)
-        screens.push_back(screenOfOutput(output.place, output.scale));
-    return screens;
+void WaylandSessionLinux::outputsChanged() {
+    if (connection_->isReady) changes_.call();
 }
 
 Screens WaylandSessionLinux::screens() {
-    return {.list = [this] { return list(); },
+    return {.list =
+                [this] {
+                    std::vector<Screen> screens;
+                    if (!connection_ || !connection_->isReady) return screens;
+                    for (const OutputInfo& output : connection_->outputs)
+                        if (output.isKnown()) screens.push_back(screenOf(output));
+                    return screens;
+                },
             .observeChanges =
                 [this](std::function<void()> handler) { return changes_.add(std::move(handler)); },
             // The zones change only with the outputs.
             .observeKeepClear = [](const std::function<void()>&) { return Handle{}; }};
 }
 
-std::uint32_t WaylandSessionLinux::open(const Screen& screen, ToSurface request, int memory,
-                                        SurfaceEvents events) {
-    const std::vector<Screen> screens = list();
-    const auto found = std::ranges::find(screens, screen.frame, &Screen::frame);
-    if (found == screens.end() || !process_) return 0;
-    request.kind = ToSurface::Kind::open;
-    request.surface = ++surfacesMade_;
-    request.output = outputs_[static_cast<std::size_t>(found - screens.begin())].name;
-    process_->send(request, memory);
-    surfaces_.emplace(request.surface, std::move(events));
+std::unique_ptr<WaylandSurface> WaylandSessionLinux::open(const Screen& screen,
+                                                          const SurfaceRequest& request,
+                                                          SurfaceEvents events) {
+    if (!connection_ || !connection_->isReady) return nullptr;
+    const auto output =
+        std::ranges::find(connection_->outputs, screen.frame,
+                          [](const OutputInfo& each) { return screenOf(each).frame; });
+    if (output == connection_->outputs.end()) return nullptr;
+    auto surface = std::make_unique<CardSurface>(connection_->globals, output->output(),
+                                                 way_.layerNamespace, request, std::move(events),
+                                                 [this](CardSurface& it) { surfaceGone(it); });
+    surfaces_.push_back(surface.get());
     if (!nextBeat_) beat();
-    return request.surface;
+    return surface;
 }
 
-void WaylandSessionLinux::send(const ToSurface& message) {
-    if (process_ && surfaces_.contains(message.surface)) process_->send(message);
-}
-
-void WaylandSessionLinux::close(std::uint32_t surface) {
-    send({.kind = ToSurface::Kind::close, .surface = surface});
-    surfaces_.erase(surface);
-    if (surfaces_.empty()) nextBeat_.reset();
+void WaylandSessionLinux::surfaceGone(CardSurface& surface) {
+    std::erase(surfaces_, &surface);
+    if (!surfaces_.empty() || !nextBeat_) return;
+    nextBeat_.reset();
+    connection_->process->endAfter(Duration::zero());
 }
 
 void WaylandSessionLinux::beat() {
-    process_->send({.kind = ToSurface::Kind::beat});
+    connection_->process->endAfter(kBeatLimit);
     nextBeat_ = clock_.after(kBeat, [this] { beat(); });
 }
 

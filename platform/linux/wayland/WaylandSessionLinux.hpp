@@ -1,61 +1,85 @@
-// The surface process during a lock, with the outputs that it reports.
+// The Wayland client during a lock: its connection, the outputs, and the cards' surfaces.
 #pragma once
 
 #include <filesystem>
-#include <map>
+#include <list>
 #include <memory>
 #include <vector>
 
+#include "lockers/WaylandSessions.hpp"
 #include "platform/Clock.hpp"
 #include "platform/Listeners.hpp"
 #include "platform/Log.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
+#include "platform/linux/wayland/CardSurface.hpp"
+#include "platform/linux/wayland/OutputInfo.hpp"
+#include "platform/linux/wayland/SeatInput.hpp"
 #include "platform/linux/wayland/SurfaceProcess.hpp"
 #include "platform/linux/wayland/WaylandSession.hpp"
 
 namespace quorvane {
 
+// While a surface exists, the process is told to stay this often, and ends without it after the
+// limit.
+inline constexpr Duration kBeat = std::chrono::milliseconds{500};
+inline constexpr Duration kBeatLimit = std::chrono::milliseconds{1800};
+
 // Main thread only. While the screen is unlocked there is no connection to the compositor and there
 // are no screens.
 class WaylandSessionLinux : public WaylandSession {
 public:
-    WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, Logger log);
+    WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, const WaylandWay& way,
+                        Logger log);
+    ~WaylandSessionLinux() override { setLocked(false); }
 
     // The lock has begun or ended. The end takes every surface away at once.
     void setLocked(bool isLocked);
     // The result refers to the session.
     Screens screens();
-
-    std::uint32_t open(const Screen& screen, ToSurface request, int memory,
-                       SurfaceEvents events) override;
-    void send(const ToSurface& message) override;
-    void close(std::uint32_t surface) override;
+    std::unique_ptr<WaylandSurface> open(const Screen& screen, const SurfaceRequest& request,
+                                         SurfaceEvents events) override;
 
 private:
-    struct Output {
-        std::uint32_t name;
-        Rect place;
-        double scale;
+    // Everything that ends with the process. The display ends last.
+    struct Connection {
+        std::unique_ptr<SurfaceProcess> process;
+        Wayland<wl_display> display;
+        Wayland<wl_registry> registry;
+        Wayland<wl_callback> start;
+        SurfaceGlobals globals;
+        Wayland<zxdg_output_manager_v1> outputManager;
+        std::list<OutputInfo> outputs;  // in the order of their appearance
+        std::list<SeatInput> seats;
+        bool isReady = false;  // the outputs are known
+        Handle watch;
+        Handle beforeSleep;
     };
 
     void start();
-    void handle(const FromSurface& message);
-    void outputChanged(const FromSurface& message);
-    void ready(bool hasKdeOverlay);
+    void disconnect();
     void ended();
-    void forgetSurfaces();
+    void appeared(std::uint32_t name, std::string_view interface, std::uint32_t version);
+    void vanished(std::uint32_t name);
+    void addSeat(std::uint32_t name);
+    void addOutput(std::uint32_t name, std::uint32_t version);
+    void describe(OutputInfo& output);
+    void askToStart(void (WaylandSessionLinux::*step)());
+    void globalsKnown();
+    void outputsKnown();
+    void outputsChanged();
+    void surfaceGone(CardSurface& surface);
     void beat();
-    std::vector<Screen> list() const;
+
+    static const wl_registry_listener kRegistryListener;
 
     EventLoop& loop_;
     Clock clock_;
     std::filesystem::path program_;
+    WaylandWay way_;
     Logger log_;
-    std::unique_ptr<SurfaceProcess> process_;
-    std::vector<Output> outputs_;  // in the order of their appearance
-    bool isReady_ = false;
-    std::map<std::uint32_t, SurfaceEvents> surfaces_;
-    std::uint32_t surfacesMade_ = 0;
+    std::unique_ptr<Connection> connection_;
+    void (WaylandSessionLinux::*nextStep_)() = nullptr;
+    std::vector<CardSurface*> surfaces_;
     int restartsLeft_ = 0;
     Timer restart_;
     Timer nextBeat_;

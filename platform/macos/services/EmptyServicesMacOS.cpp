@@ -1,6 +1,7 @@
 // Services that have nothing to do here. This system has no common interface to its players, so
 // Quorvane itself talks to each of them; and every login has a screen, ports and notices.
 #include "platform/FetchPicture.hpp"
+#include "platform/LockerRun.hpp"
 #include "platform/MediaPlayers.hpp"
 #include "platform/SessionProblems.hpp"
 #include "platform/SoundServer.hpp"
@@ -29,5 +30,10 @@ FetchPicture makeLiveFetchPicture(const LiveServices&, std::filesystem::path) { 
 SessionProblems findSessionProblems(const LiveServices&) { return {}; }
 
 std::optional<std::string> findPortsProblem() { return std::nullopt; }
+
+Result<Handle> runLocker(const LiveServices&, std::vector<std::string>, std::function<void(int)>) {
+    return std::unexpected{
+        PlatformError{.description = "the system's own lock screen announces itself"}};
+}
 
 }  // namespace quorvane

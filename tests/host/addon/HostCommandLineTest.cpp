@@ -18,6 +18,8 @@ TEST(HostCommandLine, UnderstandsOrExplainsWhatIsWrong) {
         {{"--script=x=y.json", "run"}, {.script = "x=y.json"}},
         {{"--player=scripted", "--script", "-x"}, {.script = "-x"}},
         {{"nonsense", "-h"}, {.command = Command::help}},
+        {{"lock", "--", "swaylock", "-h"},
+         {.command = Command::lock, .locker = {"swaylock", "-h"}}},
     };
     for (const auto& [arguments, expected] : understood) {
         const auto line = HostCommandLine::parse(arguments);
@@ -36,6 +38,8 @@ TEST(HostCommandLine, UnderstandsOrExplainsWhatIsWrong) {
         {{"--script", "x", "--only", "y"}, "--only cannot be used with a scripted player"},
         {{"remove", "--from", "x"}, "--from is an option of 'install' and 'update' only"},
         {{"install", "--script", "x"}, "--script is an option of 'run' only"},
+        {{"lock"}, "'lock' needs a command, and no other takes one: lock -- COMMAND"},
+        {{"run", "--", "x"}, "'lock' needs a command, and no other takes one: lock -- COMMAND"},
     };
     for (const auto& [arguments, expected] : mistakes) {
         const auto line = HostCommandLine::parse(arguments);

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "platform/linux/CardModuleLoader.hpp"
-#include "platform/linux/lockers/X11SessionLinux.hpp"
+#include "platform/linux/x11/X11SessionLinux.hpp"
 #include "tests/support/PrivateXServer.hpp"
 #include "tests/support/RecordingLog.hpp"
 #include "tests/support/TemporaryFolder.hpp"
@@ -93,7 +93,7 @@ TEST_F(LivePlatformTest, LeavesTheDrawingLibrariesAloneUntilTheFirstWindow) {
     CardModuleLoader loader{
         QUORVANE_CARD_MODULE,
         {.clock = loop.clock(), .mainThread = loop.mainThread(), .log = log.sink()},
-        CardModuleLoader::Entry::of<X11Session>(kMakeX11CardWindows, **session)};
+        static_cast<X11Session*>(session->get())};
     const CardWindows windows = loader.windows();
     EXPECT_FALSE(hasLoaded("libcairo.so") || hasLoaded("libpango-1.0.so"));
     EXPECT_TRUE(windows.makeStage({.card = {400, 222}}));

@@ -1,5 +1,6 @@
 #include "platform/linux/wayland/card/CardWindowWayland.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -45,7 +46,7 @@ void CardWindowWayland::update() {
     const Instant now = resources_->clock.now();
     finishFade(now);
     const bool isSeen = isToBeSeen();
-    if (!isSeen) hide();
+    if (!isSeen || isCovered(now)) hide();
     if (isSeen && !shown_ && !show()) return endFade();
     if (isSeen) drawIfPaced(now);
     beginAnimations(resources_->clock.now());
@@ -57,23 +58,35 @@ void CardWindowWayland::update() {
     });
 }
 
+// A lock screen that is raised later covers the card. The compositor then keeps the pictures
+// without showing them. A new surface is above it. With the screen off that does not help, hence
+// the growing patience.
+bool CardWindowWayland::isCovered(Instant now) {
+    if (!shown_ || now - shown_->lastFrame < patience_) return false;
+    if (!shown_->awaitsFrame && shown_->pictures->next()) return false;
+    resources_->log.info("windows: window %ld is covered and made again", number_);
+    patience_ = std::min(patience_ * 2, kMostPatience);
+    return true;
+}
+
 bool CardWindowWayland::show() {
     const PixelRect place = placeOnOutput(frame_, screen_);
     const auto pixels = [&](int length) {
-        return static_cast<std::int32_t>(std::lround(length * screen_.scale));
+        return static_cast<int>(std::lround(length * screen_.scale));
     };
-    const ToSurface request{
-        .place = place, .width = pixels(place.width), .height = pixels(place.height)};
-    auto pictures = SharedPictures::make(request.width, request.height);
-    const std::uint32_t surface =
-        pictures ? session_.open(screen_, request, pictures->memory(), surfaceEvents()) : 0;
-    if (surface == 0) {
+    const int width = pixels(place.width);
+    const int height = pixels(place.height);
+    auto pictures = SharedPictures::make(width, height);
+    auto surface = pictures ? session_.open(screen_, {place, width, height, pictures->memory()},
+                                            surfaceEvents())
+                            : nullptr;
+    if (!surface) {
         resources_->log.error("windows: window %ld cannot be shown", number_);
         return false;
     }
     shown_.emplace(CardPainter{stage_->style(), scale(), resources_->pictures}, std::move(pictures),
-                   surface);
-    shown_->painter.setClear(request.width, request.height);
+                   std::move(surface));
+    shown_->painter.setClear(width, height);
     syncInput();
     tellAccessibility(true);
     return true;
@@ -89,18 +102,17 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
             .released =
                 [this](std::uint32_t picture) {
                     shown_->pictures->released(picture);
+                    patience_ = kPatience;
                     if (!shown_->awaitsFrame) update();
                 },
-            .pointer = [this](const FromSurface& message) { pointerEvent(message); },
+            .press = [this](const SurfacePress& press) { pressed(press); },
             .closed = [this] { vanish(); }};
 }
 
 void CardWindowWayland::hide() {
     tellAccessibility(false);
     if (!shown_) return;
-    const std::uint32_t surface = shown_->surface;
     shown_.reset();
-    session_.close(surface);
     report(press_.cancel());
 }
 
@@ -121,10 +133,8 @@ void CardWindowWayland::drawIfPaced(Instant now) {
     if (parts.empty()) return;
     shown.pictures->shown(*picture, parts);
     shown.awaitsFrame = true;
-    session_.send({.kind = ToSurface::Kind::show,
-                   .surface = shown.surface,
-                   .picture = *picture,
-                   .parts = PixelRects::of(parts)});
+    shown.lastFrame = now;
+    shown.surface->show(*picture, parts);
     // After the first frame, which shows no glass yet.
     shown.painter.makeChrome();
 }
@@ -160,20 +170,18 @@ void CardWindowWayland::syncInput() {
         parts = cardOutline(stage_->style(), contentScale_, Transform::identity());
     else
         report(press_.cancel());
-    session_.send({.kind = ToSurface::Kind::input,
-                   .surface = shown_->surface,
-                   .parts = PixelRects::of(parts)});
+    shown_->surface->setInput(parts);
 }
 
-void CardWindowWayland::pointerEvent(const FromSurface& message) {
+void CardWindowWayland::pressed(const SurfacePress& press) {
     const double margin = stage_->style().shadowMargin;
-    const Point place{message.location.x / contentScale_ - margin,
-                      message.location.y / contentScale_ - margin};
-    switch (message.kind) {
-        case FromSurface::Kind::pressed: return report(press_.down(message.button, place, true));
-        case FromSurface::Kind::moved: return report(press_.moved(place));
-        case FromSurface::Kind::lifted: return report(press_.up(message.button, place));
-        default: return report(press_.cancel());
+    const Point place{press.location.x / contentScale_ - margin,
+                      press.location.y / contentScale_ - margin};
+    switch (press.kind) {
+        case SurfacePress::Kind::down: return report(press_.down(press.button, place, true));
+        case SurfacePress::Kind::moved: return report(press_.moved(place));
+        case SurfacePress::Kind::up: return report(press_.up(press.button, place));
+        case SurfacePress::Kind::cancelled: return report(press_.cancel());
     }
 }
 

@@ -28,12 +28,16 @@ public:
     void setFrame(const Rect& frame, const Screen& screen) override;
 
 private:
+    static constexpr Duration kPatience = std::chrono::seconds{2};
+    static constexpr Duration kMostPatience = std::chrono::minutes{1};
+
     // What exists only while the card is visible.
     struct Shown {
         CardPainter painter;
         std::unique_ptr<SharedPictures> pictures;
-        std::uint32_t surface = 0;
-        bool awaitsFrame = false;   // the compositor will tell when to draw
+        std::unique_ptr<WaylandSurface> surface;
+        bool awaitsFrame = false;  // the compositor will tell when to draw
+        Instant lastFrame{};
         bool isStale = true;        // everything must be drawn
         std::vector<Rect> areas{};  // that must be drawn, in card coordinates
     };
@@ -46,11 +50,12 @@ private:
     Point origin() const override;
 
     bool show();
+    bool isCovered(Instant now);
     SurfaceEvents surfaceEvents();
     void drawIfPaced(Instant now);
     std::vector<PixelRect> draw(cairo_surface_t* target, const StageLook& look);
     void syncInput();
-    void pointerEvent(const FromSurface& message);
+    void pressed(const SurfacePress& press);
     void report(const std::optional<PointerEvent>& event);
 
     WaylandSession& session_;
@@ -58,6 +63,7 @@ private:
     long number_;
     Timer fadeEnd_;
     std::optional<Shown> shown_;
+    Duration patience_ = kPatience;  // with a compositor that shows nothing
     PressTracker press_;
 };
 

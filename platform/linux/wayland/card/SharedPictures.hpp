@@ -10,7 +10,7 @@
 #include "drawing/pictures/Pixels.hpp"
 #include "platform/linux/drawing/CairoHandles.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
-#include "platform/linux/wayland/messages/SurfaceMessages.hpp"
+#include "platform/linux/wayland/WaylandSession.hpp"
 
 namespace quorvane {
 

@@ -3,11 +3,12 @@
 
 namespace quorvane {
 
-extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeWaylandCardWindows(
-    const CardModuleServices& services, WaylandSession& session) {
-    return makeCardWindows([&session, resources = CardResources::make(services), made = 0L](
+extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeCardWindows(
+    const CardModuleServices& services, void* session) {
+    return makeCardWindows([&wayland = *static_cast<WaylandSession*>(session),
+                            resources = CardResources::make(services), made = 0L](
                                const WindowSettings& settings, const Screen& screen) mutable {
-        return std::make_unique<CardWindowWayland>(session, resources, settings, screen, ++made);
+        return std::make_unique<CardWindowWayland>(wayland, resources, settings, screen, ++made);
     });
 }
 

@@ -8,8 +8,8 @@
 #include "tests/support/ManualMainThread.hpp"
 #include "tests/support/Screenshot.hpp"
 
-extern "C" quorvane::CardWindows quorvaneMakeX11CardWindows(const quorvane::CardModuleServices&,
-                                                            quorvane::X11Session&);
+extern "C" quorvane::CardWindows quorvaneMakeCardWindows(const quorvane::CardModuleServices&,
+                                                         void* session);
 
 namespace quorvane {
 
@@ -45,9 +45,10 @@ protected:
     }
     void open() {
         watch();
-        windows = quorvaneMakeX11CardWindows(
+        X11Session& x11 = *session;
+        windows = quorvaneMakeCardWindows(
             {.clock = clock.clock(), .mainThread = mainThread.mainThread(), .log = log.sink()},
-            *session);
+            &x11);
         settle();
     }
     void setBackground(xcb_window_t place, std::uint32_t color) {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/linux/services/LockWatcherLinux.hpp"
-#include "platform/linux/lockers/X11SessionLinux.hpp"
+#include "platform/linux/x11/X11SessionLinux.hpp"
 #include "tests/support/LoopRunner.hpp"
 #include "tests/support/PrivateXServer.hpp"
 #include "tests/support/RecordingLog.hpp"

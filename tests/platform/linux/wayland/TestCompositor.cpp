@@ -2,6 +2,7 @@
 
 #include <kde-lockscreen-overlay-v1-server-protocol.h>
 #include <layer-shell-server-protocol.h>
+#include <lock-notify-server-protocol.h>
 #include <sys/epoll.h>
 #include <viewporter-server-protocol.h>
 #include <xdg-output-unstable-v1-server-protocol.h>
@@ -178,6 +179,13 @@ struct CompositorRequests {
         wl_output_send_done(it);
     }
 
+    static void getLockNotification(wl_client* client, wl_resource* notifier, std::uint32_t id) {
+        static constexpr struct hyprland_lock_notification_v1_interface kRequests { destroy };
+        auto& self = *static_cast<TestCompositor*>(wl_resource_get_user_data(notifier));
+        self.lockNotification_ =
+            make(client, hyprland_lock_notification_v1_interface, 1, id, &kRequests, nullptr);
+    }
+
     // A global whose only requests make one kind of object.
     template <const wl_interface& interface, int version, const auto& requests>
     static void offer(TestCompositor& self) {
@@ -191,6 +199,9 @@ struct CompositorRequests {
     static constexpr struct zwlr_layer_shell_v1_interface kLayerShell { getLayer };
     static constexpr struct wp_viewporter_interface kViewporter { destroy, getViewport };
     static constexpr struct zxdg_output_manager_v1_interface kOutputs { destroy, getDescription };
+    static constexpr struct hyprland_lock_notifier_v1_interface kLocks {
+        destroy, getLockNotification
+    };
     static constexpr struct kde_lockscreen_overlay_v1_interface kOverlay {
         [](wl_client*, wl_resource*, wl_resource*) {}, destroy
     };
@@ -201,6 +212,7 @@ struct CompositorRequests {
         offer<zwlr_layer_shell_v1_interface, 1, kLayerShell>(self);
         offer<wp_viewporter_interface, 1, kViewporter>(self);
         offer<zxdg_output_manager_v1_interface, 3, kOutputs>(self);
+        offer<hyprland_lock_notifier_v1_interface, 1, kLocks>(self);
         if (hasKdeOverlay) offer<kde_lockscreen_overlay_v1_interface, 1, kOverlay>(self);
         wl_global_create(self.display_, &wl_seat_interface, 7, &self, bindSeat);
     }
@@ -279,6 +291,13 @@ void TestCompositor::touchDown(Point place) {
 }
 
 void TestCompositor::touchUp() { wl_touch_send_up(touch_, 1, kTime, 7); }
+
+void TestCompositor::tellLocked(bool isLocked) {
+    if (isLocked)
+        hyprland_lock_notification_v1_send_locked(lockNotification_);
+    else
+        hyprland_lock_notification_v1_send_unlocked(lockNotification_);
+}
 
 bool TestCompositor::heard(const std::string& beginning) const {
     return std::ranges::any_of(

@@ -57,6 +57,8 @@ public:
     void move(Point place);
     void touchDown(Point place);
     void touchUp();
+    // Hyprland's notice.
+    void tellLocked(bool isLocked);
     // The compositor's own end.
     void end();
 
@@ -78,6 +80,7 @@ private:
     std::list<Output> outputs_;
     wl_resource* pointer_ = nullptr;
     wl_resource* touch_ = nullptr;
+    wl_resource* lockNotification_ = nullptr;
 };
 
 }  // namespace quorvane

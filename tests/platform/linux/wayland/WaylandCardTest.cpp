@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "platform/linux/hyprland/HyprlandLocks.hpp"
 #include "platform/linux/wayland/WaylandSessionLinux.hpp"
 #include "platform/linux/wayland/card/CardWindowWayland.hpp"
 #include "tests/platform/linux/wayland/TestCompositor.hpp"
@@ -66,7 +67,8 @@ protected:
     EventLoop loop;
     RecordingLog log;
     std::optional<TestCompositor> compositor{std::in_place, loop};
-    WaylandSessionLinux session{loop, SURFACE_PROGRAM, Logger{log.sink(), "", "wayland"}};
+    WaylandSessionLinux session{
+        loop, SURFACE_PROGRAM, {.isByOverlayOfKde = true}, Logger{log.sink(), "", "wayland"}};
     std::shared_ptr<CardResources> resources =
         CardResources::make({loop.clock(), loop.mainThread(), log.sink()});
     std::shared_ptr<CardStageLinux> stage = std::make_shared<CardStageLinux>(kStyle);
@@ -172,6 +174,17 @@ TEST_F(WaylandCard, DrawsOnceAFrame) {
     }
 }
 
+TEST_F(WaylandCard, IsMadeAgainWhenItIsCovered) {
+    showCard();
+    stage->setScene(sceneOf(10));
+    settle(std::chrono::milliseconds{2100});
+    EXPECT_EQ(compositor->surfaces.size(), 1u) << "nothing new is to be shown";
+    stage->setScene(sceneOf(20));
+    EXPECT_TRUE(until([&] { return compositor->surfaces.size() == 2; }));
+    EXPECT_TRUE(until([&] { return !compositor->surface().shown.isEmpty(); }));
+    EXPECT_EQ(compositor->surfaces.front().resource, nullptr);
+}
+
 TEST_F(WaylandCard, IsPressedByPointerAndFinger) {
     showCard();
     using Kind = PointerEvent::Kind;
@@ -219,7 +232,7 @@ TEST_F(WaylandCard, OutlivesNeitherTheCompositorNorItsProcess) {
     showCard();
     compositor->end();
     EXPECT_TRUE(until([&] { return !window->isVisible(); }));
-    EXPECT_TRUE(log.contains("wayland: the surface process has ended"));
+    EXPECT_TRUE(log.contains("wayland: the connection to the compositor has ended"));
     EXPECT_TRUE(session.screens().list().empty());
     // A compositor that comes back is found again.
     compositor.emplace(loop);
@@ -236,38 +249,37 @@ TEST_F(WaylandCard, NeedsTheOverlayOfKde) {
     EXPECT_TRUE(session.screens().list().empty());
 }
 
-// The process by itself: what becomes of its surfaces when nobody speaks to it.
-TEST_F(WaylandCard, EndsWithinTwoSecondsOfTheLastBeat) {
-    compositor->addOutput(kPlain);
-    std::uint32_t output = 0;
-    bool isReady = false;
-    bool hasEnded = false;
-    const auto process =
-        SurfaceProcess::start(loop, SURFACE_PROGRAM,
-                              {.message =
-                                   [&](const FromSurface& message) {
-                                       if (message.kind == FromSurface::Kind::output)
-                                           output = message.output;
-                                       isReady |= message.kind == FromSurface::Kind::ready;
-                                   },
-                               .ended = [&] { hasEnded = true; }});
+TEST_F(WaylandCard, IsToldByHyprlandOfTheLock) {
+    HyprlandLocks locks{loop};
+    int changes = 0;
+    const Handle observation = locks.observe([&] { ++changes; });
+    ASSERT_TRUE(until(
+        [&] { return compositor->heard("hyprland_lock_notifier_v1.get_lock_notification"); }));
+    for (const bool isLocked : {true, false, true}) {
+        compositor->tellLocked(isLocked);
+        EXPECT_TRUE(until([&] { return locks.isLocked() == isLocked; }));
+    }
+    compositor->end();
+    EXPECT_TRUE(until([&] { return !locks.isLocked(); }));
+    EXPECT_EQ(changes, 4);
+}
+
+TEST_F(WaylandCard, StaysAsLongAsTheProcessIsToldTo) {
+    showCard();
+    settle(kBeatLimit + kBeat);
+    EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(WaylandCard, HasAProcessThatEndsUnlessItIsToldToStay) {
+    const auto process = SurfaceProcess::start(SURFACE_PROGRAM);
     ASSERT_TRUE(process);
-    ASSERT_TRUE(until([&] { return isReady; }));
-    settle(std::chrono::milliseconds{2200});
-    EXPECT_FALSE(hasEnded) << "without a surface it may wait";
-    const auto pictures = SharedPictures::make(10, 10);
-    (*process)->send({.kind = ToSurface::Kind::open,
-                      .surface = 1,
-                      .output = output,
-                      .place = {0, 0, 10, 10},
-                      .width = 10,
-                      .height = 10},
-                     pictures->memory());
-    ASSERT_TRUE(until([&] { return !compositor->surfaces.empty(); }));
-    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_TRUE(until([&] { return compositor->clientCount() == 1; }));
+    (*process)->endAfter(std::chrono::milliseconds{100});
+    (*process)->endAfter(Duration::zero());
+    settle(std::chrono::milliseconds{300});
+    EXPECT_EQ(compositor->clientCount(), 1) << "without a surface it may wait";
+    (*process)->endAfter(std::chrono::milliseconds{100});
     EXPECT_TRUE(until([&] { return compositor->clientCount() == 0; }));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds{2});
-    EXPECT_GT(std::chrono::steady_clock::now() - begin, kBeat * 2);
 }
 
 }  // namespace

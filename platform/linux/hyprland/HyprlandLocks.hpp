@@ -1,0 +1,43 @@
+// Hyprland's notices of the lock.
+#pragma once
+
+#include <functional>
+
+#include "platform/Handle.hpp"
+#include "platform/Listeners.hpp"
+#include "platform/linux/loop/EventLoop.hpp"
+
+struct wl_display;
+struct wl_registry;
+struct hyprland_lock_notifier_v1;
+struct hyprland_lock_notification_v1;
+
+namespace quorvane {
+
+// Main thread only. It has a connection of its own as long as it exists. When the compositor goes
+// away, the screen no longer counts as locked.
+class HyprlandLocks {
+public:
+    explicit HyprlandLocks(EventLoop& loop);
+    ~HyprlandLocks();
+    HyprlandLocks(const HyprlandLocks&) = delete;
+    HyprlandLocks& operator=(const HyprlandLocks&) = delete;
+
+    bool isLocked() const { return isLocked_; }
+    Handle observe(std::function<void()> changed) { return listeners_.add(std::move(changed)); }
+
+private:
+    void bind(std::uint32_t name);
+    void set(bool isLocked);
+    void read();
+
+    wl_display* display_;  // null without a compositor
+    wl_registry* registry_ = nullptr;
+    hyprland_lock_notifier_v1* notifier_ = nullptr;
+    hyprland_lock_notification_v1* notification_ = nullptr;
+    bool isLocked_ = false;
+    Listeners<> listeners_;
+    Handle watch_;
+};
+
+}  // namespace quorvane

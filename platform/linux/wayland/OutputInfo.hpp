@@ -1,0 +1,48 @@
+// An output's place and scale, gathered from its events.
+#pragma once
+
+#include <functional>
+
+#include "drawing/pictures/Pixels.hpp"
+#include "platform/linux/wayland/WaylandHandles.hpp"
+
+namespace quorvane {
+
+class OutputInfo {
+public:
+    // `changed` is called each time all of its events of a change have arrived.
+    OutputInfo(Wayland<wl_output> output, std::uint32_t name, std::function<void()> changed);
+    OutputInfo(const OutputInfo&) = delete;
+    OutputInfo& operator=(const OutputInfo&) = delete;
+
+    // Its logical place is more exact from then on.
+    void describeWith(zxdg_output_manager_v1* manager);
+    // Without it the surfaces can have only whole scales.
+    void allowFractions() { hasFractions_ = true; }
+
+    wl_output* output() const { return output_.get(); }
+    std::uint32_t name() const { return name_; }
+    // Whether its place has arrived.
+    bool isKnown() const { return !place().isEmpty(); }
+    // Logical pixels.
+    PixelRect place() const;
+    // Pixels per logical pixel. The compositor's own fraction, found from the output's two sizes,
+    // so that the first picture has it: the protocol of fractional scales tells it only later.
+    double scale() const;
+
+private:
+    static const wl_output_listener kListener;
+    static const zxdg_output_v1_listener kLogicalListener;
+
+    Wayland<wl_output> output_;
+    Wayland<zxdg_output_v1> description_;
+    std::uint32_t name_;
+    std::function<void()> changed_;
+    bool hasFractions_ = false;
+    bool isTurned_ = false;
+    int wholeScale_ = 1;
+    PixelRect mode_;
+    PixelRect logical_;
+};
+
+}  // namespace quorvane
