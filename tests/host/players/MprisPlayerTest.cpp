@@ -70,6 +70,8 @@ protected:
     // What the newest player plays from now on.
     void play(const char* title, const std::string& artwork = "") {
         change("Metadata", {PropertyDictionary{{"xesam:title", text(title)},
+                                               {"xesam:artist", text("artist")},
+                                               {"xesam:album", text("album")},
                                                {"mpris:length", {std::int64_t{100'000'000}}},
                                                {"mpris:artUrl", text(artwork)}}});
     }
