@@ -1,6 +1,5 @@
 #include "host/settings/StoredSettings.hpp"
 
-#include "QuorvaneKit/link/Identifiers.hpp"
 #include "platform/LowerCase.hpp"
 
 namespace quorvane {
@@ -8,8 +7,7 @@ namespace quorvane {
 namespace {
 
 constexpr char kSettingsKey[] = "settings";
-
-std::string changeNotice() { return std::string{kIdentifierPrefix} + ".Host.settingsChanged"; }
+constexpr char kChangeNotice[] = "example.quillon.Quorvane.Host.settingsChanged";
 
 }  // namespace
 
@@ -18,7 +16,7 @@ StoredSettings::StoredSettings(UserDefaults defaults, DarwinNotices notices)
       notices_(std::move(notices)),
       current_(Settings::of(texts())),
       observation_(
-          notices_.observe(changeNotice(), [this] { current_.set(Settings::of(texts())); })) {}
+          notices_.observe(kChangeNotice, [this] { current_.set(Settings::of(texts())); })) {}
 
 Settings::Texts StoredSettings::texts() const {
     const auto stored = defaults_.get(kSettingsKey);
@@ -31,10 +29,10 @@ Settings::Texts StoredSettings::texts() const {
 }
 
 StoredSettings::Outcome StoredSettings::set(std::span<const std::string> words) {
-    if (words.empty()) return settingsTable(current_.get());
+    if (words.empty()) return settingsTable(texts());
     const std::string name = lowerCase(words.front());
     if (words.size() == 1) {
-        auto text = settingText(current_.get(), name);
+        auto text = settingText(texts(), name);
         return text ? *text + '\n' : text;
     }
     std::string value;
@@ -62,9 +60,9 @@ StoredSettings::Outcome StoredSettings::write(const std::string& name,
     defaults_.set(kSettingsKey, PropertyValue{std::move(stored)});
     if (const auto written = defaults_.synchronize(); !written)
         return std::unexpected{"the settings cannot be written: " + written.error().description};
-    notices_.post(changeNotice());
+    notices_.post(kChangeNotice);
     current_.set(Settings::of(texts));
-    return name + ": " + settingText(current_.get(), name).value_or("") + '\n';
+    return name + ": " + settingText(texts, name).value_or("") + '\n';
 }
 
 }  // namespace quorvane
