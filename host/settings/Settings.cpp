@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <numeric>
 #include <optional>
-#include <type_traits>
+#include <span>
+#include <sstream>
 #include <utility>
 
 #include "host/settings/TextTable.hpp"
@@ -17,8 +19,9 @@ namespace {
 using Minutes = std::chrono::minutes;
 
 constexpr std::string_view kPlayerPlace = "PLAYER";
-constexpr std::string_view kSwitch[] = {"off", "on"};
-constexpr std::string_view kPrivacy[] = {"full", "player", "controls"};
+constexpr std::string_view kPrivacyPrefix = "privacy.";
+constexpr std::string_view kOnOff[] = {"off", "on"};
+constexpr std::string_view kPrivacy[] = {"full", "player", "controls"};  // as in Privacy
 constexpr std::string_view kNoPlayers = "none";
 constexpr char kHint[] = " (see: quorvane-host players)";
 constexpr Minutes kLongestIdleTime = std::chrono::hours{24};
@@ -39,7 +42,7 @@ std::size_t distance(std::string_view from, std::string_view to) {
 }
 
 // "; did you mean '…'?", unless nothing is near.
-std::string suggestion(std::string_view word, const auto& choices) {
+std::string suggestion(std::string_view word, std::span<const std::string_view> choices) {
     const auto far = [&](std::string_view choice) { return distance(word, choice); };
     const std::string_view nearest = *std::ranges::min_element(choices, {}, far);
     return far(nearest) > (nearest.size() + 1) / 2
@@ -54,167 +57,127 @@ bool isPlayerName(std::string_view name) {
     });
 }
 
-// How each kind reads its text, shows its value, and explains what it takes.
-template <typename T>
-struct Kind;
+std::span<const std::string_view> choicesOf(SettingKind kind) {
+    if (kind == SettingKind::onOff) return kOnOff;
+    return kPrivacy;
+}
 
-template <typename T, const auto& choices>
-struct Choice {
-    static std::optional<T> read(const std::string& text) {
-        const auto found = std::ranges::find(choices, lowerCase(text));
-        if (found == std::end(choices)) return std::nullopt;
-        return static_cast<T>(found - std::begin(choices));
-    }
-    static std::string text(T value) { return std::string{choices[static_cast<int>(value)]}; }
-    static std::string mistake(const std::string& text) {
-        std::string all;
-        for (const std::string_view each : choices)
-            all += (all.empty()                     ? ""
-                    : each == std::end(choices)[-1] ? " or "
-                                                    : ", ") +
-                   std::string{each};
-        return all + ", not '" + text + "'" + suggestion(lowerCase(text), choices);
-    }
-};
-template <>
-struct Kind<bool> : Choice<bool, kSwitch> {};
-template <>
-struct Kind<Privacy> : Choice<Privacy, kPrivacy> {};
+std::optional<Minutes> minutesOf(const std::string& text) {
+    int value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc{} || rest != end || value < 0 || Minutes{value} > kLongestIdleTime)
+        return std::nullopt;
+    return Minutes{value};
+}
 
-template <>
-struct Kind<Minutes> {
-    static std::optional<Minutes> read(const std::string& text) {
-        int value = 0;
-        const char* const end = text.data() + text.size();
-        const auto [rest, error] = std::from_chars(text.data(), end, value);
-        if (error != std::errc{} || rest != end || value < 0 || Minutes{value} > kLongestIdleTime)
-            return std::nullopt;
-        return Minutes{value};
-    }
-    static std::string text(Minutes value) { return std::to_string(value.count()); }
-    static std::string mistake(const std::string& text) {
-        return "a number from 0 to " + Kind::text(kLongestIdleTime) + ", not '" + text + "'";
-    }
-};
+Settings::Players playersOf(std::string text) {
+    std::ranges::replace(text, ',', ' ');
+    std::istringstream words{lowerCase(text)};
+    Settings::Players players{std::istream_iterator<std::string>{words}, {}};
+    if (players == Settings::Players{std::string{kNoPlayers}}) players.clear();
+    return players;
+}
 
-template <>
-struct Kind<Settings::Players> {
-    static std::optional<Settings::Players> read(const std::string& text) {
-        Settings::Players players;
-        constexpr char kBlanks[] = " ,";
-        for (std::size_t at = 0; (at = text.find_first_not_of(kBlanks, at)) != text.npos;) {
-            const std::size_t end = std::min(text.find_first_of(kBlanks, at), text.size());
-            players.push_back(lowerCase(text.substr(at, end - at)));
-            at = end;
-        }
-        if (!std::ranges::all_of(players, isPlayerName)) return std::nullopt;
-        if (players == Settings::Players{std::string{kNoPlayers}}) players.clear();
-        return players;
+// The one text of the value, nullopt if it is invalid.
+std::optional<std::string> normalForm(SettingKind kind, const std::string& text) {
+    if (kind == SettingKind::minutes) {
+        const auto minutes = minutesOf(text);
+        return minutes ? std::optional{std::to_string(minutes->count())} : std::nullopt;
     }
-    static std::string text(const Settings::Players& players) {
-        std::string all;
-        for (const std::string& each : players) all += (all.empty() ? "" : " ") + each;
-        return all.empty() ? std::string{kNoPlayers} : all;
+    if (kind != SettingKind::players) {
+        std::string lower = lowerCase(text);
+        const auto choices = choicesOf(kind);
+        if (std::ranges::find(choices, lower) == choices.end()) return std::nullopt;
+        return lower;
     }
-    static std::string mistake(const std::string& text) {
-        return "names of players, not '" + text + "'" + kHint;
+    std::string all;
+    for (const std::string& player : playersOf(text)) {
+        if (!isPlayerName(player)) return std::nullopt;
+        all += (all.empty() ? "" : " ") + player;
     }
-};
+    return all.empty() ? std::string{kNoPlayers} : all;
+}
 
-// What a name stands for.
-struct Setting {
-    const SettingRow& row;
-    std::string player;  // of "privacy.PLAYER"
-};
+// What a setting takes instead of the text.
+std::string mistake(SettingKind kind, const std::string& text) {
+    const std::string notThis = ", not '" + text + "'";
+    if (kind == SettingKind::players) return "names of players" + notThis + kHint;
+    if (kind == SettingKind::minutes)
+        return "a number from 0 to " + std::to_string(kLongestIdleTime.count()) + notThis;
+    std::string all;
+    const auto choices = choicesOf(kind);
+    for (const std::string_view& each : choices)
+        all += (all.empty() ? "" : &each == &choices.back() ? " or " : ", ") + std::string{each};
+    return all + notThis + suggestion(lowerCase(text), choices);
+}
 
-std::expected<Setting, std::string> settingNamed(std::string_view name) {
+std::expected<const SettingRow*, std::string> rowNamed(std::string_view name) {
     std::vector<std::string_view> names;
     for (const SettingRow& row : kSettings) {
-        if (row.name == name) return Setting{row, ""};
+        if (row.name == name) return &row;
         names.push_back(row.name);
-        if (!row.name.ends_with(kPlayerPlace)) continue;
-        const auto prefix = row.name.substr(0, row.name.size() - kPlayerPlace.size());
-        if (!name.starts_with(prefix)) continue;
-        const std::string player{name.substr(prefix.size())};
-        if (isPlayerName(player)) return Setting{row, player};
-        return std::unexpected{"'" + player + "' is no player's name" + kHint};
+        if (!row.name.ends_with(kPlayerPlace) || !name.starts_with(kPrivacyPrefix)) continue;
+        const auto player = name.substr(kPrivacyPrefix.size());
+        if (isPlayerName(player)) return &row;
+        return std::unexpected{"'" + std::string{player} + "' is no player's name" + kHint};
     }
     return std::unexpected{"unknown setting '" + std::string{name} + "'" + suggestion(name, names)};
-}
-
-// Calls the action with the setting's Kind and its place in `settings`.
-template <typename Action>
-auto visit(Settings& settings, const Setting& setting, Action action) {
-    return std::visit(
-        [&](auto field) {
-            auto& value = settings.*field;
-            if constexpr (std::is_same_v<decltype(value), Settings::PrivacyByPlayer&>) {
-                const auto entry = value.try_emplace(setting.player, settings.privacy).first;
-                return action(Kind<Privacy>{}, entry->second);
-            } else {
-                return action(Kind<std::remove_reference_t<decltype(value)>>{}, value);
-            }
-        },
-        setting.row.value);
-}
-
-std::string textOf(Settings settings, const Setting& setting) {
-    return visit(settings, setting,
-                 [](auto kind, const auto& value) { return decltype(kind)::text(value); });
-}
-
-std::expected<void, std::string> assign(Settings& settings, const Setting& setting,
-                                        const std::string& text) {
-    using Result = std::expected<void, std::string>;
-    return visit(settings, setting, [&](auto kind, auto& value) -> Result {
-        const auto read = kind.read(text);
-        if (!read) return std::unexpected{kind.mistake(text)};
-        value = *read;
-        return {};
-    });
 }
 
 }  // namespace
 
 Settings Settings::of(const Texts& texts) {
-    Settings settings;
-    for (const auto& [name, text] : texts)
-        if (const auto setting = settingNamed(name)) {
-            Settings next = settings;
-            if (assign(next, *setting, text)) settings = std::move(next);
-        }
+    const auto text = [&](std::string_view name) { return settingText(texts, name).value(); };
+    const auto isOn = [&](std::string_view name) { return text(name) == "on"; };
+    const auto privacy = [&](std::string_view name) {
+        return static_cast<Privacy>(std::ranges::find(kPrivacy, text(name)) - kPrivacy);
+    };
+    Settings settings{.fetchArtwork = isOn("fetch-artwork"),
+                      .pauseOnLock = isOn("pause-on-lock"),
+                      .resumeOnUnlock = isOn("resume-on-unlock"),
+                      .quietWake = isOn("quiet-wake"),
+                      .privacy = privacy("privacy"),
+                      .idleTime = minutesOf(text("idle-minutes")).value(),
+                      .ignored = playersOf(text("ignore")),
+                      .preferred = playersOf(text("prefer"))};
+    for (const auto& [name, value] : texts)
+        if (name.starts_with(kPrivacyPrefix) && rowNamed(name))
+            settings.privacyOf.emplace(name.substr(kPrivacyPrefix.size()), privacy(name));
     return settings;
 }
 
 std::expected<std::string, std::string> checkedSetting(std::string_view name,
                                                        const std::string& value) {
-    const auto setting = settingNamed(name);
-    if (!setting) return std::unexpected{setting.error()};
-    Settings settings;
-    if (const auto assigned = assign(settings, *setting, value); !assigned)
-        return std::unexpected{std::string{name} + " takes " + assigned.error()};
-    return textOf(settings, *setting);
+    const auto row = rowNamed(name);
+    if (!row) return std::unexpected{row.error()};
+    if (auto text = normalForm((*row)->kind, value)) return *std::move(text);
+    return std::unexpected{std::string{name} + " takes " + mistake((*row)->kind, value)};
 }
 
-std::expected<std::string, std::string> settingText(const Settings& settings,
+std::expected<std::string, std::string> settingText(const Settings::Texts& texts,
                                                     std::string_view name) {
-    const auto setting = settingNamed(name);
-    if (!setting) return std::unexpected{setting.error()};
-    return textOf(settings, *setting);
+    const auto row = rowNamed(name);
+    if (!row) return std::unexpected{row.error()};
+    if (const auto found = texts.find(name); found != texts.end())
+        if (auto text = normalForm((*row)->kind, found->second)) return *std::move(text);
+    const std::string_view defaultText = (*row)->defaultText;
+    return defaultText == "privacy" ? settingText(texts, defaultText) : std::string{defaultText};
 }
 
-std::string settingsTable(const Settings& settings) {
+std::string settingsTable(const Settings::Texts& texts) {
     std::vector<std::vector<std::string>> rows{{"SETTING", "VALUE", "DEFAULT", "MEANING"}};
+    const auto add = [&](std::string_view name, const std::string& value, const SettingRow& row,
+                         std::string_view meaning) {
+        rows.push_back(
+            {std::string{name}, value, std::string{row.defaultText}, std::string{meaning}});
+    };
     for (const SettingRow& row : kSettings) {
-        const std::string name{row.name}, meaning{row.meaning};
-        if (!name.ends_with(kPlayerPlace)) {
-            rows.push_back(
-                {name, textOf(settings, {row, ""}), textOf(Settings{}, {row, ""}), meaning});
-            continue;
-        }
-        rows.push_back({name, "", "privacy", meaning});
-        for (const auto& [player, privacy] : settings.privacyOf)
-            rows.push_back({"privacy." + player, Kind<Privacy>::text(privacy), "privacy", ""});
+        const bool isOfPlayers = row.name.ends_with(kPlayerPlace);
+        add(row.name, isOfPlayers ? "" : *settingText(texts, row.name), row, row.meaning);
+        for (const auto& [name, text] : texts)
+            if (isOfPlayers && name.starts_with(kPrivacyPrefix) && rowNamed(name))
+                add(name, *settingText(texts, name), row, "");
     }
     return textTable(std::move(rows));
 }

@@ -7,7 +7,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 namespace quorvane {
@@ -40,25 +39,25 @@ struct Settings {
     static Settings of(const Texts& texts);
 };
 
-// The type of `value` is the setting's kind, its initial value in Settings the default.
+enum class SettingKind { onOff, privacy, minutes, players };
+
 struct SettingRow {
     std::string_view name;  // ends in "PLAYER" where the user puts a player's name
-    std::variant<bool Settings::*, Privacy Settings::*, Settings::PrivacyByPlayer Settings::*,
-                 std::chrono::minutes Settings::*, Settings::Players Settings::*>
-        value;
+    SettingKind kind;
+    std::string_view defaultText;  // "privacy": the value of that setting
     std::string_view meaning;
 };
 
 inline constexpr SettingRow kSettings[] = {
-    {"fetch-artwork", &Settings::fetchArtwork, "fetch artwork that is on the network"},
-    {"pause-on-lock", &Settings::pauseOnLock, "pause what plays when the screen is locked"},
-    {"resume-on-unlock", &Settings::resumeOnUnlock, "at the unlock, resume what the host paused"},
-    {"quiet-wake", &Settings::quietWake, "pause what plays when the machine wakes while locked"},
-    {"privacy", &Settings::privacy, "how much the card shows: full, player, controls"},
-    {"privacy.PLAYER", &Settings::privacyOf, "the same for one player: privacy.firefox"},
-    {"idle-minutes", &Settings::idleTime, "how long a paused track stays; 0: for ever"},
-    {"ignore", &Settings::ignored, "players that are never followed"},
-    {"prefer", &Settings::preferred, "players that come first, in this order"},
+    {"fetch-artwork", SettingKind::onOff, "off", "fetch artwork that is on the network"},
+    {"pause-on-lock", SettingKind::onOff, "off", "pause what plays when the screen is locked"},
+    {"resume-on-unlock", SettingKind::onOff, "off", "at the unlock, resume what the host paused"},
+    {"quiet-wake", SettingKind::onOff, "off", "pause what plays when waking while locked"},
+    {"privacy", SettingKind::privacy, "full", "how much the card shows: full, player, controls"},
+    {"privacy.PLAYER", SettingKind::privacy, "privacy", "the same for one player: privacy.firefox"},
+    {"idle-minutes", SettingKind::minutes, "10", "how long a paused track stays; 0: for ever"},
+    {"ignore", SettingKind::players, "none", "players that are never followed"},
+    {"prefer", SettingKind::players, "none", "players that come first, in this order"},
 };
 
 // Names are in lower case here. The value's normal form, or a sentence about what is wrong with the
@@ -66,9 +65,9 @@ inline constexpr SettingRow kSettings[] = {
 std::expected<std::string, std::string> checkedSetting(std::string_view name,
                                                        const std::string& value);
 // The present value, or a sentence about what is wrong with the name.
-std::expected<std::string, std::string> settingText(const Settings& settings,
+std::expected<std::string, std::string> settingText(const Settings::Texts& texts,
                                                     std::string_view name);
 // All settings with value, default and meaning, for the user.
-std::string settingsTable(const Settings& settings);
+std::string settingsTable(const Settings::Texts& texts);
 
 }  // namespace quorvane

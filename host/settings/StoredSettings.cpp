@@ -31,10 +31,10 @@ Settings::Texts StoredSettings::texts() const {
 }
 
 StoredSettings::Outcome StoredSettings::set(std::span<const std::string> words) {
-    if (words.empty()) return settingsTable(current_.get());
+    if (words.empty()) return settingsTable(texts());
     const std::string name = lowerCase(words.front());
     if (words.size() == 1) {
-        auto text = settingText(current_.get(), name);
+        auto text = settingText(texts(), name);
         return text ? *text + '\n' : text;
     }
     std::string value;
@@ -64,7 +64,7 @@ StoredSettings::Outcome StoredSettings::write(const std::string& name,
         return std::unexpected{"the settings cannot be written: " + written.error().description};
     notices_.post(changeNotice());
     current_.set(Settings::of(texts));
-    return name + ": " + settingText(current_.get(), name).value_or("") + '\n';
+    return name + ": " + settingText(texts, name).value_or("") + '\n';
 }
 
 }  // namespace quorvane

@@ -20,6 +20,7 @@ TEST(Settings, AreSetUnsetAndExplained) {
                                                       : settings.set(std::span{words}.subspan(1));
         return outcome ? *outcome : "! " + outcome.error();
     };
+    EXPECT_EQ(settings.current().get(), Settings{}) << "both state the defaults";
     const std::pair<Words, const char*> rows[] = {
         {{"set", "idle-minutes"}, "10\n"},
         {{"set", "fetch-artwork", "ON"}, "fetch-artwork: on\n"},
