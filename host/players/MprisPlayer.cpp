@@ -75,18 +75,20 @@ void MprisPlayer::follow() {
     std::vector<PlayerCandidate> candidates;
     const auto& preferred = settings_.get().preferred;
     for (const MediaPlayer& player : services_.players.list()) {
+        const QuorvanePlayerState state = playerStateOf(player);
         const auto isThis = [&](const std::string& name) { return isNamed(player, name); };
         const auto preference = std::ranges::find_if(preferred, isThis) - preferred.begin();
-        candidates.push_back({.name = player.busName,
-                              .state = playerStateOf(player).playerState,
-                              .track = trackKeyOf(player),
-                              .isNameless = isNameless(player),
-                              .canBeControlled = allows(player, "CanControl"),
-                              .preference = static_cast<std::size_t>(preference),
-                              .obstacle = obstacleOf(player, settings_.get(), onlyNamed_)});
+        const auto obstacle = obstacleOf(player, settings_.get(), onlyNamed_);
+        candidates.push_back(
+            {.name = player.busName,
+             .state = state.playerState,
+             .track = trackKeyOf(player),
+             .isNameless = isNameless(player),
+             .canBeControlled = allows(player, "CanControl"),
+             .preference = static_cast<std::size_t>(preference),
+             .obstacle = obstacle.empty() && !state.track ? "has no track" : obstacle});
     }
-    const Duration idleTime = settings_.get().idleTime;
-    choose(choice_.applying(candidates, services_.clock.now(), idleTime));
+    choose(choice_.applying(candidates, services_.clock.now(), settings_.get().idleTime));
 }
 
 // A few seconds do not matter, so the wake-up may be shared with another one.

@@ -13,7 +13,7 @@ std::string_view obstacleOf(const MediaPlayer& player, const Settings& settings,
     if (isThis("playerctld")) return "relays another player";
     if (onlyNamed && !isThis(*onlyNamed)) return "excluded by --only";
     if (std::ranges::any_of(settings.ignored, isThis)) return "ignored (see the setting ignore)";
-    return playerStateOf(player).track ? "" : "has no track";
+    return "";
 }
 
 Privacy privacyOf(const MediaPlayer& player, const Settings& settings) {

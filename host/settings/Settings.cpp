@@ -27,7 +27,7 @@ constexpr char kHint[] = " (see: quorvane-host players)";
 constexpr Minutes kLongestIdleTime = std::chrono::hours{24};
 
 // The number of letters to change, add or remove.
-std::size_t distance(std::string_view from, std::string_view to) {
+std::size_t editDistance(std::string_view from, std::string_view to) {
     std::vector<std::size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), 0);
     for (std::size_t i = 0; i < from.size(); ++i) {
@@ -43,7 +43,7 @@ std::size_t distance(std::string_view from, std::string_view to) {
 
 // "; did you mean '…'?", unless nothing is near.
 std::string suggestion(std::string_view word, std::span<const std::string_view> choices) {
-    const auto far = [&](std::string_view choice) { return distance(word, choice); };
+    const auto far = [&](std::string_view choice) { return editDistance(word, choice); };
     const std::string_view nearest = *std::ranges::min_element(choices, {}, far);
     return far(nearest) > (nearest.size() + 1) / 2
                ? ""

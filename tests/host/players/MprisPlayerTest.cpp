@@ -78,6 +78,8 @@ protected:
         players.back().artworkURL = std::make_shared<const std::string>(artwork);
         if (artwork.empty()) players.back().artworkURL = nullptr;
         change("Metadata", {PropertyDictionary{{"xesam:title", text(title)},
+                                               {"xesam:artist", text("artist")},
+                                               {"xesam:album", text("album")},
                                                {"mpris:length", {std::int64_t{100'000'000}}}}});
     }
     void change(const char* property, PropertyValue value) {
