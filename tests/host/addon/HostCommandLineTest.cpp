@@ -17,6 +17,7 @@ TEST(HostCommandLine, UnderstandsOrExplainsWhatIsWrong) {
         {{"run", "--only", "mpv"}, {.onlyPlayer = "mpv"}},
         {{"--script=x=y.json", "run"}, {.script = "x=y.json"}},
         {{"--player=scripted", "--script", "-x"}, {.script = "-x"}},
+        {{"set", "x", "-5"}, {.command = Command::set, .words = {"x", "-5"}}},
         {{"nonsense", "-h"}, {.command = Command::help}},
     };
     for (const auto& [arguments, expected] : understood) {

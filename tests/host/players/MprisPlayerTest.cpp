@@ -297,20 +297,22 @@ TEST_F(MprisPlayerTest, WithholdsWhatItsPrivacyForbidsFromTheFirstStateOn) {
     startSong("file:///cover.png");
     read();
     EXPECT_EQ(files.reads, 0) << "not even read";
+    players[0].identity = "Spotify";
+    announce();
+    EXPECT_FALSE(player->snapshot().state.playerType);
     EXPECT_EQ(track(), (XPCTrack{.title = "", .artist = "", .duration = 100}));
     EXPECT_FALSE(log.contains("players: following org.mpris.MediaPlayer2.mpv"));
     EXPECT_TRUE(player->perform(QuorvaneAction::nextTrack));
     players[0].busName += ".own";
-    players[0].identity = "Own player";
     announce();
-    EXPECT_EQ(track(), (XPCTrack{.title = "Own player", .artist = "", .duration = 100}));
+    EXPECT_EQ(track(), (XPCTrack{.title = "Spotify", .artist = "", .duration = 100}));
     changes = 0;
     settings.set({});
     EXPECT_EQ(changes, 1);
     read();
     EXPECT_EQ(track().title + ' ' + artwork(), "song cover");
     settings.set({.privacy = Privacy::player});
-    EXPECT_EQ(track().title + ' ' + artwork(), "Own player ");
+    EXPECT_EQ(track().title + ' ' + artwork(), "Spotify ");
 }
 
 TEST_F(MprisPlayerTest, DecodesArtworkInTheURL) {
