@@ -7,7 +7,6 @@ namespace quorvane {
 namespace {
 
 constexpr int kMostRedirects = 3;
-constexpr std::size_t kLongestURL = 4096;
 // Enough for the covers of an evening; the last one is kept however large it is.
 constexpr std::size_t kMostKeptBytes = 4u << 20;
 
@@ -30,12 +29,11 @@ void ArtworkFetcher::fetch(const std::string& url, std::function<void(Result)> d
 }
 
 void ArtworkFetcher::request(const std::string& url, int redirects) {
-    const char* refusal = !fetchPicture_               ? "this edition fetches no pictures"
-                          : url.size() > kLongestURL   ? "the picture's URL is too long"
-                          : !isWebURL(url)             ? "the server redirects to another protocol"
-                          : redirects > kMostRedirects ? "the server redirects too often"
-                                                       : nullptr;
-    if (refusal) return done_(std::unexpected{refusal});
+    const auto refuse = [this](const char* reason) { done_(std::unexpected{reason}); };
+    if (!fetchPicture_) return refuse("this edition fetches no pictures");
+    if (url.size() > kLongestFetchURL) return refuse("the picture's URL is too long");
+    if (!isWebURL(url)) return refuse("the server redirects to another protocol");
+    if (redirects > kMostRedirects) return refuse("the server redirects too often");
     request_ = fetchPicture_(
         url, [this, redirects](FetchAnswer answer) { answered(std::move(answer), redirects); });
 }

@@ -29,7 +29,7 @@ public:
         std::unique_ptr<SerialQueue> queue;
         Logger log;
     };
-    // `onLoaded` is called when `picture` has changed other than by `want`.
+    // `onLoaded` is called after each check and each fetch that has changed `picture`.
     ArtworkLoader(Services services, std::function<void()> onLoaded)
         : services_(std::move(services)),
           onLoaded_(std::move(onLoaded)),

@@ -7,7 +7,6 @@
 namespace quorvane {
 
 inline constexpr int kFetchSocket = 0;
-inline constexpr std::size_t kLongestFetchURL = 4096;
 
 enum class FetchKind : std::uint32_t { picture, redirect, failure };
 

@@ -26,7 +26,7 @@ FetchAnswer answerIn(ByteView received) {
         return FetchFailure{"the server did not send the picture in time"};
     const ByteView content = received.subspan(sizeof header);
     if (header.kind == FetchKind::picture) return copyOf(content);
-    std::string text{textOf(content)};
+    std::string text{textOf(content.first(std::min(content.size(), kLongestFetchURL + 1)))};
     if (header.kind == FetchKind::redirect) return FetchRedirect{std::move(text)};
     return FetchFailure{std::move(text)};
 }

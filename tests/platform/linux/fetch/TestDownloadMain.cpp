@@ -5,5 +5,5 @@
 int main() {
     return quorvane::downloadPicture({.mayConnect = [](auto address) { return address[0] == 127; },
                                       .certificates = TEST_CERTIFICATE,
-                                      .seconds = 3});
+                                      .seconds = 6});
 }

@@ -24,8 +24,6 @@ class Handler(http.server.BaseHTTPRequestHandler):
                 self.answer(itertools.chain([PNG], endless))
             elif kind == "drip":
                 self.answer(itertools.chain([PNG], iter(lambda: time.sleep(0.1) or b"x", None)))
-            elif kind == "silence":
-                time.sleep(60)
             elif kind == "short":
                 self.answer([PNG], headers=[("Content-Length", "100")])
             elif kind == "long":
