@@ -222,7 +222,7 @@ def pictures(mac):
             mac.note(f"-- {size}")
             mac.picture, mac.answers[1] = size, STATE.replace(b"//4g", b"//%dg" % number)
             mac.post("example.quillon.Quorvane.playerStateChanged")
-            mac.pass_time(1)
+            mac.pass_time(0.4)
             mac.draw(mac.view(mac.windows[0], "FirstMouseHostingView"))
 
     one_lock(mac, draw)
@@ -240,16 +240,16 @@ def removed(mac):
     expect(not any(mac.domains.values()), "preferences are left")
 
 
-LIVES = {  # name: options, what happens while it runs, what must be so afterwards
-    "launch": (["--installed"], launch, None),
-    "lock": ([], lock, lambda mac: expect(mac.living() == KEPT, f"alive at the end: {mac.living()}")),
+LIVES = {  # name: options, what happens while it runs, what must be so afterwards; the long ones last
+    "SIGTERM": ([], terminated, None),
+    "frame": ([], frame, None),
     "uninstall": (["--uninstall"], uninstall, removed),
+    "launch": (["--installed"], launch, None),
     "click": ([], lambda mac: mac.pass_time(0) or one_lock(mac, lambda mac: unlock_in(mac, click)), None),
     "press": ([], lambda mac: mac.pass_time(0) or one_lock(mac, lambda mac: unlock_in(mac, press)), None),
-    "frame": ([], frame, None),
-    "pictures": ([], pictures, None),
     "SIGINT": ([], interrupted, None),
-    "SIGTERM": ([], terminated, None),
+    "lock": ([], lock, lambda mac: expect(mac.living() == KEPT, f"alive at the end: {mac.living()}")),
+    "pictures": ([], pictures, None),
 }
 
 
