@@ -214,11 +214,11 @@ def frame(mac):
 
 
 def pictures(mac):
-    """Of sizes that are drawn and not drawn."""
+    """Of sizes that are drawn and not drawn. The text, read as a number, would be drawn."""
     mac.pass_time(0)
 
     def draw(mac):
-        for number, size in enumerate(((3000, 1000), (1, 4), (0, 4), (-1, 4), ("wide", 4), (16385, 4), (2**40, 4), None, (2.5, 4))):
+        for number, size in enumerate(((3000, 1000), (1, 4), (0, 4), (-1, 4), ("\5", 4), (16385, 4), (2**40, 4), None, (2.5, 4))):
             mac.note(f"-- {size}")
             mac.picture, mac.answers[1] = size, STATE.replace(b"//4g", b"//%dg" % number)
             mac.post("example.quillon.Quorvane.playerStateChanged")
@@ -226,7 +226,7 @@ def pictures(mac):
             mac.draw(mac.view(mac.windows[0], "FirstMouseHostingView"))
 
     one_lock(mac, draw)
-    wanted = re.compile("--|.*ScaleCTM|.*DrawImage|.*music.note|properties")
+    wanted = re.compile("--|.*TranslateCTM|.*ScaleCTM|.*DrawImage|.*music.note|properties")
     mac.transcript = [line for line in mac.transcript if wanted.match(line)]
 
 
