@@ -187,7 +187,9 @@ class System(Foundation):
         self.context = None
 
     def make_attributed(self, thing, text, attributes):
-        font = attributes.value["kCTFontAttributeName"][1]
+        font, has_context_color = (attributes.value[f"kCT{key}AttributeName"][1] for key in ("Font", "ForegroundColorFromContext"))
+        if not has_context_color.value:
+            raise Fault("a text that does not have the context's colour")
         self.set_field(thing, "font", font)
         thing.fields["text"], thing.name = text.value, f"{shown(text)} in {font.name}"
         return thing

@@ -76,8 +76,9 @@ def lock(mac):
     one_lock(mac, lambda mac: mac.pass_time(3))
     expect((mac.living(), len(mac.blocks)) == before, f"a lock leaves {mac.living() - before[0]} behind, or memory")
     mac.transcript = transcript
-    mac.note("-- the next track's picture is too large to decode")
-    mac.answers[1], mac.picture = STATE.replace(b'"title":"', b'"title":"Another ').replace(b"//4g", b"//5g"), (100_000, 100_000)
+    mac.note("-- the next track's picture is too large to decode, and its volume is low")
+    mac.answers[1] = STATE.replace(b'"title":"', b'"title":"Another ').replace(b"//4g", b"//5g").replace(b'"volume":64', b'"volume":1')
+    mac.picture = 100_000, 100_000
     mac.post("example.quillon.Quorvane.playerStateChanged")
     mac.note("-- from right to left, without motion")
     mac.shared("NSApplication").fields["userInterfaceLayoutDirection"] = 1
@@ -177,6 +178,7 @@ def show(mac):
     mac.draw(card)
     for kind in (UP, DOWN, CANCELLED):
         mac.mouse(window, kind, *NEXT)
+    mac.pass_time(0.1)
     mac.note("-- the volume is dragged, to outside of the card")
     for kind, at in ((DOWN, (152.0, 80.0)), (DRAGGED, (252.0, 80.0)), (DRAGGED, (352.0, 10.0)), (UP, (352.0, 10.0))):
         mac.mouse(window, kind, *at)
@@ -188,7 +190,7 @@ def show(mac):
     for element in [each for each in mac.things.values() if each.cls.name == "CardControlElement"]:
         for question in ("Value", "MinValue", "MaxValue", "Frame", "PerformPress", "PerformIncrement", "PerformDecrement"):
             mac.ask(element, f"accessibility{question}")
-    mac.send(element, "setAccessibilityValue:", mac.box(1))  # the last is the volume
+    mac.send(element, "setAccessibilityValue:", mac.box(30))  # the last is the volume
     commands = [int(each) for each in re.findall(r"request 2 to : b'.x0(.)'", mac.text())]
     expect(commands == [1, 2, 0, 1], f"the commands are {commands}")
     mac.transcript, transcript = [], mac.transcript
@@ -222,11 +224,11 @@ def pictures(mac):
             mac.note(f"-- {size}")
             mac.picture, mac.answers[1] = size, STATE.replace(b"//4g", b"//%dg" % number)
             mac.post("example.quillon.Quorvane.playerStateChanged")
-            mac.pass_time(1)
+            mac.pass_time(0.4)
             mac.draw(mac.view(mac.windows[0], "FirstMouseHostingView"))
 
     one_lock(mac, draw)
-    wanted = re.compile("--|.*ScaleCTM|.*DrawImage|.*music.note|properties")
+    wanted = re.compile("--|.*TranslateCTM|.*ScaleCTM|.*DrawImage|.*music.note|properties")
     mac.transcript = [line for line in mac.transcript if wanted.match(line)]
 
 
@@ -240,16 +242,16 @@ def removed(mac):
     expect(not any(mac.domains.values()), "preferences are left")
 
 
-LIVES = {  # name: options, what happens while it runs, what must be so afterwards
-    "launch": (["--installed"], launch, None),
-    "lock": ([], lock, lambda mac: expect(mac.living() == KEPT, f"alive at the end: {mac.living()}")),
+LIVES = {  # name: options, what happens while it runs, what must be so afterwards; the long ones last
+    "SIGTERM": ([], terminated, None),
+    "frame": ([], frame, None),
     "uninstall": (["--uninstall"], uninstall, removed),
+    "launch": (["--installed"], launch, None),
     "click": ([], lambda mac: mac.pass_time(0) or one_lock(mac, lambda mac: unlock_in(mac, click)), None),
     "press": ([], lambda mac: mac.pass_time(0) or one_lock(mac, lambda mac: unlock_in(mac, press)), None),
-    "frame": ([], frame, None),
-    "pictures": ([], pictures, None),
     "SIGINT": ([], interrupted, None),
-    "SIGTERM": ([], terminated, None),
+    "lock": ([], lock, lambda mac: expect(mac.living() == KEPT, f"alive at the end: {mac.living()}")),
+    "pictures": ([], pictures, None),
 }
 
 

@@ -36,14 +36,13 @@ using quorvane::CFHandle;
 - (void)layout {
     [super layout];
     const CGRect whole = self.bounds;
-    const quorvane::Size size = style_.card;
-    const CGRect card = {{style_.shadowMargin, style_.shadowMargin}, {size.width, size.height}};
-    const double radius =
-        quorvane::fittingRadius({0, 0, size.width, size.height}, style_.cornerRadius);
-    const CFHandle<CGPathRef> shadow{CGPathCreateWithRoundedRect(card, radius, radius, nullptr)};
+    const quorvane::Rect card{style_.shadowMargin, style_.shadowMargin, style_.card.width,
+                              style_.card.height};
+    const double radius = quorvane::fittingRadius(card, style_.cornerRadius);
+    const CFHandle<CGPathRef> shadow = quorvane::makeRoundedPath(card, radius);
     const CFHandle<CGMutablePathRef> around{CGPathCreateMutable()};
     CGPathAddRect(around.get(), nullptr, whole);
-    CGPathAddRoundedRect(around.get(), nullptr, card, radius, radius);
+    CGPathAddRoundedRect(around.get(), nullptr, cgRect(card), radius, radius);
     auto* const mask = (CAShapeLayer*)caster_.mask;
     [CATransaction begin];
     [CATransaction setDisableActions:YES];

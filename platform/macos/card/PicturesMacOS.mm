@@ -3,6 +3,7 @@
 #import <Foundation/Foundation.h>
 #import <ImageIO/ImageIO.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "drawing/pictures/PictureLimits.hpp"
@@ -17,7 +18,7 @@ std::uint32_t lengthUnder(CFStringRef key, NSDictionary* properties) {
     const auto value = valueFrom(properties[(__bridge NSString*)key]);
     const auto* const number = value ? value->as<std::int64_t>() : nullptr;
     constexpr std::int64_t kMost = std::numeric_limits<std::uint32_t>::max();
-    return number && *number > 0 ? static_cast<std::uint32_t>(std::min(*number, kMost)) : 0;
+    return number ? static_cast<std::uint32_t>(std::clamp<std::int64_t>(*number, 0, kMost)) : 0;
 }
 
 // The size from the picture's header, without decoding.
