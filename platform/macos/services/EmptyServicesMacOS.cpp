@@ -28,8 +28,7 @@ SessionProblems findSessionProblems(const LiveServices&) { return {}; }
 
 std::optional<std::string> findPortsProblem() { return std::nullopt; }
 
-Result<Handle> runLocker(const LiveServices&, std::vector<std::string>,
-                         std::function<void(int)>) {
+Result<Handle> runLocker(const LiveServices&, std::vector<std::string>, std::function<void(int)>) {
     return std::unexpected{
         PlatformError{.description = "the system's own lock screen announces itself"}};
 }
