@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <limits>
 
 namespace quorvane {
 namespace {
@@ -51,10 +52,11 @@ const Compositor& compositorOf(std::string_view desktop) {
 
 constexpr int kFirstHyprland = 49;
 
-// The number after the first "0." in a text such as "Hyprland 0.53.1 built from branch v0.53.1".
+// The number after the first "0." in a text such as "Hyprland 0.53.1 built from branch v0.53.1". A
+// text without it is of a newer version, or none.
 int minorVersionOf(std::string_view text) {
     const auto zero = text.find(" 0.");
-    int version = 0;
+    int version = std::numeric_limits<int>::max();
     if (zero != text.npos)
         std::from_chars(text.data() + zero + 3, text.data() + text.size(), version);
     return version;

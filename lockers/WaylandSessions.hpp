@@ -24,7 +24,6 @@ struct WaylandWay {
     const char* layerNamespace = "quorvane-card";
     bool isByOverlayOfKde = false;  // only if the compositor offers the protocol to the add-on
     bool hasLockNotices = false;    // hyprland_lock_notify_v1
-    bool operator==(const WaylandWay&) const = default;
 };
 
 // Nullopt for a desktop in whose Wayland session no card can appear.

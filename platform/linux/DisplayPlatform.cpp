@@ -60,7 +60,7 @@ struct DisplayPlatform {
     Handle lockObservation;
 };
 
-Result<Display> open(const char* module, const LiveServices& services, const Logger& log) {
+Result<Display> openModule(const char* module, const LiveServices& services, const Logger& log) {
     const std::filesystem::path folder = folderOfExecutable();
     const auto function = functionOfModule(folder / module, kOpenDisplay);
     if (!function) return std::unexpected(function.error());
@@ -76,15 +76,13 @@ Result<Display> openDisplay(const SessionVariables& session, const LiveServices&
         return std::unexpected(PlatformError{PlatformError::Domain::service, 0, *problem});
     if (problem) wayland.error("wayland: %{public}s", *problem);
     if (problem || !isWaylandSession(session))
-        return open(kX11Module, services, {services.log, kPlatformSubsystem, "x11"});
-    const auto permitted =
-        waylandWay(session.desktop)->isByOverlayOfKde
-            ? permitAboveLock(folderOfExecutable() / kSurfaceProgram, services.process)
-            : Result<void>{};
-    if (!permitted)
-        wayland.error("wayland: no permission to stand above the lock screen: %{public}s",
-                      errorText(permitted.error()));
-    return open(kWaylandModule, services, wayland);
+        return openModule(kX11Module, services, {services.log, kPlatformSubsystem, "x11"});
+    const std::filesystem::path program = folderOfExecutable() / kSurfaceProgram;
+    if (waylandWay(session.desktop)->isByOverlayOfKde)
+        if (const auto permitted = permitAboveLock(program, services.process); !permitted)
+            wayland.error("wayland: no permission to stand above the lock screen: %{public}s",
+                          errorText(permitted.error()));
+    return openModule(kWaylandModule, services, wayland);
 }
 
 ImageRef decodeImage(ByteView encoded) {

@@ -9,8 +9,8 @@ namespace quorvane {
 namespace {
 
 constexpr const char* kServices[] = {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
-                                     "org.mate.ScreenSaver", "org.cinnamon.ScreenSaver",
-                                     "org.xfce.ScreenSaver", kLockerRunService};
+                                     "org.mate.ScreenSaver",        "org.cinnamon.ScreenSaver",
+                                     "org.xfce.ScreenSaver",        kLockerRunService};
 
 // Each service's object path is derived from its name.
 std::string pathOf(std::string name) {

@@ -15,17 +15,16 @@ public:
     OutputInfo(const OutputInfo&) = delete;
     OutputInfo& operator=(const OutputInfo&) = delete;
 
-    // Its logical place is more exact from then on.
+    // Its place is known some time after that.
     void describeWith(zxdg_output_manager_v1* manager);
     // Without it the surfaces can have only whole scales.
     void allowFractions() { hasFractions_ = true; }
 
     wl_output* output() const { return output_.get(); }
     std::uint32_t name() const { return name_; }
-    // Whether its place has arrived.
-    bool isKnown() const { return !place().isEmpty(); }
+    bool isKnown() const { return !place_.isEmpty(); }
     // Logical pixels.
-    PixelRect place() const;
+    const PixelRect& place() const { return place_; }
     // Pixels per logical pixel. The compositor's own fraction, found from the output's two sizes,
     // so that the first picture has it: the protocol of fractional scales tells it only later.
     double scale() const;
@@ -39,10 +38,9 @@ private:
     std::uint32_t name_;
     std::function<void()> changed_;
     bool hasFractions_ = false;
-    bool isTurned_ = false;
     int wholeScale_ = 1;
-    PixelRect mode_;
-    PixelRect logical_;
+    PixelRect pixels_;  // its mode's size
+    PixelRect place_;
 };
 
 }  // namespace quorvane

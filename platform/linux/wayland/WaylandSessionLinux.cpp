@@ -148,7 +148,7 @@ void WaylandSessionLinux::addOutput(std::uint32_t name, std::uint32_t version) {
 
 void WaylandSessionLinux::describe(OutputInfo& output) {
     if (connection_->globals.viewporter) output.allowFractions();
-    if (connection_->outputManager) output.describeWith(connection_->outputManager.get());
+    output.describeWith(connection_->outputManager.get());
 }
 
 void WaylandSessionLinux::vanished(std::uint32_t name) {
@@ -172,8 +172,9 @@ void WaylandSessionLinux::askToStart(void (WaylandSessionLinux::*step)()) {
 // A second answer follows the events of the outputs.
 void WaylandSessionLinux::globalsKnown() {
     const SurfaceGlobals& globals = connection_->globals;
-    if (!globals.compositor || !globals.shm || !globals.layerShell)
-        return log_.error("wayland: the compositor has no layer shell");
+    if (!globals.compositor || !globals.shm || !globals.layerShell || !connection_->outputManager)
+        return log_.error(
+            "wayland: the compositor has no layer shell, or does not tell of outputs");
     if (way_.isByOverlayOfKde && !globals.kdeOverlay)
         return log_.error(
             "wayland: KDE Plasma does not let the card above its lock screen; run: quorvane-host "

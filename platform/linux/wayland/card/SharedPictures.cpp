@@ -1,8 +1,5 @@
 #include "platform/linux/wayland/card/SharedPictures.hpp"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -10,31 +7,23 @@ namespace quorvane {
 
 std::unique_ptr<SharedPictures> SharedPictures::make(int width, int height) {
     if (width <= 0 || height <= 0) return nullptr;
-    const std::size_t size = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
-                             kBytesAPixel * kPictures;
-    FileDescriptor memory{memfd_create("quorvane-card", MFD_CLOEXEC | MFD_ALLOW_SEALING)};
-    if (!memory || ftruncate(memory.get(), static_cast<off_t>(size)) != 0) return nullptr;
-    // The compositor then knows that its reads cannot fail.
-    fcntl(memory.get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_SEAL);
-    void* const pixels = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, memory.get(), 0);
-    if (pixels == MAP_FAILED) return nullptr;
-    return std::unique_ptr<SharedPictures>{
-        new SharedPictures{std::move(memory), static_cast<std::uint32_t*>(pixels), width, height}};
+    auto memory = SharedMemory::make(static_cast<std::size_t>(width) *
+                                     static_cast<std::size_t>(height) * kBytesAPixel * kPictures);
+    if (!memory) return nullptr;
+    return std::unique_ptr<SharedPictures>{new SharedPictures{std::move(memory), width, height}};
 }
 
-SharedPictures::SharedPictures(FileDescriptor memory, std::uint32_t* pixels, int width, int height)
-    : memory_(std::move(memory)), pixels_(pixels), width_(width), height_(height) {
+SharedPictures::SharedPictures(std::unique_ptr<SharedMemory> memory, int width, int height)
+    : memory_(std::move(memory)),
+      pixels_(reinterpret_cast<std::uint32_t*>(memory_->data())),
+      width_(width),
+      height_(height) {
     for (std::uint32_t* start = pixels_; Picture & picture : pictures_) {
         picture.surface.reset(cairo_image_surface_create_for_data(
             reinterpret_cast<unsigned char*>(start), CAIRO_FORMAT_ARGB32, width, height,
             width * kBytesAPixel));
         start += pixelCount();
     }
-}
-
-SharedPictures::~SharedPictures() {
-    for (Picture& picture : pictures_) picture.surface.reset();
-    munmap(pixels_, pixelCount() * kPictures * kBytesAPixel);
 }
 
 std::size_t SharedPictures::pixelCount() const {

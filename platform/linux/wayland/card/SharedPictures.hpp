@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "drawing/pictures/Pixels.hpp"
+#include "platform/linux/card/SharedMemory.hpp"
 #include "platform/linux/drawing/CairoHandles.hpp"
-#include "platform/linux/files/FileDescriptor.hpp"
 #include "platform/linux/wayland/WaylandSession.hpp"
 
 namespace quorvane {
@@ -19,11 +19,8 @@ class SharedPictures {
 public:
     // Transparent pictures; null when memory is short.
     static std::unique_ptr<SharedPictures> make(int width, int height);
-    ~SharedPictures();
-    SharedPictures(const SharedPictures&) = delete;
-    SharedPictures& operator=(const SharedPictures&) = delete;
 
-    int memory() const { return memory_.get(); }
+    int memory() const { return memory_->file().get(); }
     PixelRect bounds() const { return {0, 0, width_, height_}; }
     // A picture that the compositor does not read, with the content of the one shown last; nullopt
     // while there is none.
@@ -42,10 +39,10 @@ private:
         std::vector<PixelRect> stale;  // where it lacks what was shown since
     };
 
-    SharedPictures(FileDescriptor memory, std::uint32_t* pixels, int width, int height);
+    SharedPictures(std::unique_ptr<SharedMemory> memory, int width, int height);
     std::size_t pixelCount() const;
 
-    FileDescriptor memory_;
+    std::unique_ptr<SharedMemory> memory_;  // outlives the pictures
     std::uint32_t* pixels_;
     int width_;
     int height_;

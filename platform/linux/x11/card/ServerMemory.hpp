@@ -6,6 +6,9 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
+
+#include "platform/linux/card/SharedMemory.hpp"
 
 namespace quorvane {
 
@@ -20,16 +23,15 @@ public:
     ServerMemory& operator=(const ServerMemory&) = delete;
 
     xcb_shm_seg_t segment() const { return segment_; }
-    std::byte* data() const { return data_; }
+    std::byte* data() const { return memory_->data(); }
 
 private:
-    ServerMemory(xcb_connection_t* connection, std::byte* data, std::size_t size)
-        : connection_(connection), data_(data), size_(size) {}
-    bool attach(int descriptor);
+    ServerMemory(xcb_connection_t* connection, std::unique_ptr<SharedMemory> memory)
+        : connection_(connection), memory_(std::move(memory)) {}
+    bool attach();
 
     xcb_connection_t* connection_;
-    std::byte* data_;
-    std::size_t size_;
+    std::unique_ptr<SharedMemory> memory_;
     xcb_shm_seg_t segment_ = XCB_NONE;
 };
 
