@@ -7,6 +7,12 @@
 #include "lockers/GreeterZones.hpp"
 
 namespace quorvane {
+namespace {
+
+// A compositor that shows the surface asks for the next frame much sooner.
+constexpr Duration kLongestFrame = std::chrono::seconds{1};
+
+}  // namespace
 
 CardWindowWayland::CardWindowWayland(WaylandSession& session,
                                      std::shared_ptr<CardResources> resources,
@@ -84,7 +90,9 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
     return {.frame =
                 [this] {
                     shown_->awaitsFrame = false;
-                    update();
+                    if (!isCovered()) return update();
+                    setCovered(false);
+                    updateSoon();  // once the observer has drawn
                 },
             .released =
                 [this](std::uint32_t picture) {
@@ -100,6 +108,7 @@ void CardWindowWayland::hide() {
     if (!shown_) return;
     const std::uint32_t surface = shown_->surface;
     shown_.reset();
+    setCovered(false);
     session_.close(surface);
     report(press_.cancel());
 }
@@ -121,6 +130,7 @@ void CardWindowWayland::drawIfPaced(Instant now) {
     if (parts.empty()) return;
     shown.pictures->shown(*picture, parts);
     shown.awaitsFrame = true;
+    shown.sent = now;
     session_.send({.kind = ToSurface::Kind::show,
                    .surface = shown.surface,
                    .picture = *picture,
@@ -148,6 +158,9 @@ void CardWindowWayland::sceneChanged(const std::vector<Rect>& areas) {
     if (!shown_) return;
     shown_->painter.forgetScene();
     shown_->areas.insert(shown_->areas.end(), areas.begin(), areas.end());
+    // No timer watches for this: only a change that is not shown matters.
+    if (shown_->awaitsFrame && resources_->clock.now() - shown_->sent > kLongestFrame)
+        setCovered(true);
     if (!isUpdatePosted_) update();
 }
 

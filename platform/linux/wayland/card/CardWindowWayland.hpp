@@ -34,6 +34,7 @@ private:
         std::unique_ptr<SharedPictures> pictures;
         std::uint32_t surface = 0;
         bool awaitsFrame = false;   // the compositor will tell when to draw
+        Instant sent{};             // time of the last picture
         bool isStale = true;        // everything must be drawn
         std::vector<Rect> areas{};  // that must be drawn, in card coordinates
     };
