@@ -110,14 +110,25 @@ using SceneNode = std::variant<ShapeNode, ImageNode, TextNode, SymbolNode, Group
 
 // A part of the card that can be operated or read by a screen reader.
 struct SceneControl {
-    enum class ID { previous, playPause, next, love, volume, title, artist, artwork, progress };
+    enum class ID {
+        previous,
+        playPause,
+        next,
+        love,
+        volume,
+        title,
+        artist,
+        artwork,
+        progress,
+        remaining
+    };
     enum class Role { button, slider, text, image, progress };
 
     ID id;
     Role role;
     Rect frame{};         // the area that takes presses; for texts and images, their place
-    std::string label{};  // localised
-    std::string value{};  // localised; empty when it has none
+    std::string label{};  // localised; empty for texts
+    std::string value{};  // localised; of texts: the text; empty when it has none
     double number = 0;    // of sliders and progress, between the two below
     double minimum = 0;
     double maximum = 0;

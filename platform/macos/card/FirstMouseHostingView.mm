@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <vector>
 
 #include "drawing/AccessibleScene.hpp"
 #include "drawing/SceneChanges.hpp"
@@ -10,20 +11,6 @@
 #include "platform/macos/card/CoreGraphicsValues.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
 #include "platform/macos/foundation/ReferenceCounting.hpp"
-
-namespace quorvane {
-namespace {
-
-NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
-    switch (kind) {
-        case AccessibilityChange::Kind::label: return NSAccessibilityTitleChangedNotification;
-        case AccessibilityChange::Kind::number: return NSAccessibilityValueChangedNotification;
-        default: return NSAccessibilityLayoutChangedNotification;
-    }
-}
-
-}  // namespace
-}  // namespace quorvane
 
 @implementation FirstMouseHostingView {
     quorvane::Scene scene_;
@@ -46,19 +33,32 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 - (void)showScene:(const quorvane::Scene&)scene {
     for (const quorvane::Rect& area : quorvane::changedAreas(scene_, scene))
         [self setNeedsDisplayInRect:cgRect(area)];
-    const auto changes = quorvane::accessibilityChanges(scene_.controls, scene.controls);
-    // Most scenes, many in a second while a text scrolls, have the labels and controls of the last.
     const bool isRenamed = scene.label != scene_.label;
-    const bool hasOtherControls = scene.controls != scene_.controls;
-    scene_ = scene;
+    const quorvane::Scene before = std::exchange(scene_, scene);
     if (isRenamed) self.accessibilityLabel = quorvane::stringFrom(scene.label);
-    if (hasOtherControls) [self updateControlElements];
+    // Most scenes have the controls of the last.
+    if (before.controls == scene_.controls) return;
+    [self updateControlElements];
+    // A rehearsed card is in no window and concerns nobody.
+    if (self.window != nil)
+        [self reportChanges:quorvane::accessibilityChanges(before.controls, scene_.controls)];
+}
+
+- (void)reportChanges:(const std::vector<quorvane::AccessibilityChange>&)changes {
+    using Kind = quorvane::AccessibilityChange::Kind;
+    bool hasOtherLayout = false;
     for (const quorvane::AccessibilityChange& change : changes) {
-        const auto element = elements_.find(change.control);
-        // For an added or removed control, the subject is the whole card.
-        const id subject = element == elements_.end() ? self : element->second;
-        NSAccessibilityPostNotification(subject, quorvane::noticeOf(change.kind));
+        if (change.kind == Kind::disappeared || change.kind == Kind::appeared)
+            hasOtherLayout = true;
+        else
+            NSAccessibilityPostNotification(elements_.at(change.control),
+                                            change.kind == Kind::label
+                                                ? NSAccessibilityTitleChangedNotification
+                                                : NSAccessibilityValueChangedNotification);
     }
+    // Once for all controls, because the subject is the card.
+    if (hasOtherLayout)
+        NSAccessibilityPostNotification(self, NSAccessibilityLayoutChangedNotification);
 }
 
 - (void)drawRect:(NSRect)dirtyRect {
@@ -124,17 +124,15 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     });
     for (const quorvane::SceneControl& control : scene_.controls) {
         CardControlElement* __strong& element = elements_[control.id];
-        if (element == nil) element = [[CardControlElement alloc] initInView:self];
+        if (element == nil) element = [CardControlElement elementOf:control.role inView:self];
         [element setControl:control];
     }
 }
 
 - (BOOL)perform:(quorvane::AccessibilityAction)action on:(const quorvane::SceneControl&)control {
-    const auto offered = quorvane::accessibilityActions(control.role);
-    if (std::ranges::find(offered, action) == offered.end()) return NO;
     const auto perform = _events.accessibility;
     if (perform) perform(control.id, action);
-    return YES;
+    return perform != nullptr;
 }
 
 - (void)setNumber:(double)number of:(const quorvane::SceneControl&)control {

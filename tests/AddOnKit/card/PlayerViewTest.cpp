@@ -61,8 +61,8 @@ TEST(PlayerView, ShowsThePlayersStateWithItsLabels) {
               "image Reed Marsh heart 0:30 \u22122:49 backward.fill pause.fill forward.fill "
               "speaker.fill speaker.wave.3.fill ");
     EXPECT_EQ(labels(f.scene()),
-              "<Artwork> Reed Marsh <Love> <Playback Position>0:30 <Previous Track> <Pause> "
-              "<Next Track> <Volume>50 ");
+              "<Artwork> Reed Marsh <Love> <Playback Position>0:30 \u22122:49 "
+              "<Previous Track> <Pause> <Next Track> <Volume>50 % ");
     EXPECT_EQ(all<ImageNode>(f.scene()).at(0).image, f.model.artwork.get());
     EXPECT_EQ(control(f.scene(), ID::progress)->maximum, 200);
 
@@ -76,7 +76,7 @@ TEST(PlayerView, ShowsThePlayersStateWithItsLabels) {
               "play.fill forward.fill speaker.fill speaker.wave.3.fill ");
     EXPECT_EQ(labels(f.scene()),
               "<Artwork> Re ed Marsh <Remove Love> <Playback Position>0:30 <Previous Track> "
-              "<Play> <Next Track> <Volume>50 ");
+              "<Play> <Next Track> <Volume>50 % ");
     EXPECT_EQ(control(f.scene(), ID::progress)->maximum, 0);
 }
 

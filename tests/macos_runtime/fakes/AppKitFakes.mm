@@ -78,6 +78,7 @@ Anchor* anchorOf(NSView* view, const char* edge) {
 @dynamic window;
 @synthesize accessibilityChildren = accessibilityChildren_;
 @synthesize accessibilityElement = accessibilityElement_;
+@synthesize accessibilityEnabled = accessibilityEnabled_;
 @synthesize accessibilityFrame = accessibilityFrame_;
 @synthesize accessibilityLabel = accessibilityLabel_;
 @synthesize accessibilityMaxValue = accessibilityMaxValue_;
@@ -85,6 +86,7 @@ Anchor* anchorOf(NSView* view, const char* edge) {
 @synthesize accessibilityParent = accessibilityParent_;
 @synthesize accessibilityRole = accessibilityRole_;
 @synthesize accessibilityValue = accessibilityValue_;
+@synthesize accessibilityValueDescription = accessibilityValueDescription_;
 - (instancetype)initWithFrame:(NSRect)frameRect {
     self = [super init];
     _frame = frameRect;
