@@ -117,8 +117,11 @@ private:
                             .fieldWidth = field.width,
                             .start = start};
         marquee.textWidth = environment_.measureText(marquee.text, font);
+        marquee.isMovedByStage =
+            marquee.textWidth * environment_.scale <= environment_.widestMovedText;
         readable(id, field, marquee.text);
-        if (marquee.scrolls()) made_.marquees.push_back({scene_.nodes.size(), field, marquee});
+        if (marquee.scrolls() && !marquee.isMovedByStage)
+            made_.marquees.push_back({scene_.nodes.size(), field, marquee});
         scene_.nodes.push_back(marquee.node(field, moment_.now));
     }
 

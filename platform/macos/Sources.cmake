@@ -43,6 +43,7 @@ set(QUORVANE_MACOS_CARD
     card/LocalizationMacOS.mm
     card/PicturesMacOS.mm
     card/ScreensMacOS.mm
+    card/ScrollingTextView.mm
     card/SymbolImages.mm
     card/TextLinesMacOS.mm
 )

@@ -9,6 +9,7 @@
 #include "platform/macos/card/CardControlElement.hpp"
 #include "platform/macos/card/CoreGraphicsCanvas.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
+#include "platform/macos/card/ScrollingTextView.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
 #include "platform/macos/foundation/ReferenceCounting.hpp"
 
@@ -16,6 +17,7 @@
     quorvane::Scene scene_;
     quorvane::CoreGraphicsCanvas canvas_;
     std::map<quorvane::SceneControl::ID, CardControlElement*> elements_;
+    std::vector<ScrollingTextView*> movedTexts_;
 }
 
 - (BOOL)isFlipped {
@@ -35,6 +37,7 @@
         [self setNeedsDisplayInRect:cgRect(area)];
     const bool isRenamed = scene.label != scene_.label;
     const quorvane::Scene before = std::exchange(scene_, scene);
+    [self showMovedTexts];
     if (isRenamed) self.accessibilityLabel = quorvane::stringFrom(scene.label);
     // Most scenes have the controls of the last.
     if (before.controls == scene_.controls) return;
@@ -61,8 +64,34 @@
         NSAccessibilityPostNotification(self, NSAccessibilityLayoutChangedNotification);
 }
 
+// A text keeps its view, and so its place in the cycle, while its node stays the same.
+- (void)showMovedTexts {
+    std::vector<ScrollingTextView*> views;
+    for (const quorvane::SceneNode& node : scene_.nodes) {
+        const auto* const text = std::get_if<quorvane::TextNode>(&node);
+        if (text == nullptr || !text->scroll || !text->scroll->motion) continue;
+        const auto known = std::ranges::find_if(
+            movedTexts_, [&](ScrollingTextView* view) { return view.node == *text; });
+        if (known != movedTexts_.end()) {
+            views.push_back(*known);
+            movedTexts_.erase(known);
+            continue;
+        }
+        views.push_back([[ScrollingTextView alloc] initWithNode:*text
+                                                  isRightToLeft:scene_.isRightToLeft]);
+        [self addSubview:views.back()];
+    }
+    for (ScrollingTextView* view : movedTexts_) [view removeFromSuperview];
+    movedTexts_ = std::move(views);
+}
+
 - (void)drawRect:(NSRect)dirtyRect {
     canvas_.draw(scene_);
+}
+
+// Its texts take no presses.
+- (NSView*)hitTest:(NSPoint)point {
+    return [super hitTest:point] == nil ? nil : self;
 }
 
 // Pointer
