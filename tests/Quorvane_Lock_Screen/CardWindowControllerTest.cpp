@@ -150,10 +150,10 @@ TEST_F(CardWindowControllerTest, ACardThatNobodySeesRestsAndAppearsAtOnceWhenItI
     EXPECT_EQ(frozenContents, 2);
     screens.unseen(Unseen::sessionInBackground, false);
     EXPECT_EQ(frozenContents, 0);
-    EXPECT_TRUE(isCardSeen(0) && isCardSeen(1));
     windows.windows[1]->covered(true);
     EXPECT_EQ(frozenContents, 1);
     windows.windows[1]->covered(false);
+    EXPECT_TRUE(isCardSeen(0) && isCardSeen(1));
 
     screens.unseen(Unseen::displaysAsleep, true);
     controller->present(kSilent);

@@ -88,19 +88,6 @@ TEST_F(NoticesMacOSTest, ScreensAreListedAndTheirChangesTold) {
                    NSApplicationDidChangeScreenParametersNotification);
     EXPECT_EQ(changes, 1);
     EXPECT_TRUE(screens.observeKeepClear([] {}));
-    std::vector<std::pair<Unseen, bool>> reports;
-    const Handle unseen = screens.observeUnseen(
-        [&](Unseen reason, bool holds) { reports.emplace_back(reason, holds); });
-    for (NSNotificationName name :
-         {NSWorkspaceScreensDidSleepNotification, NSWorkspaceScreensDidWakeNotification,
-          NSWorkspaceSessionDidResignActiveNotification,
-          NSWorkspaceSessionDidBecomeActiveNotification})
-        macrt::deliver(NSWorkspace.sharedWorkspace.notificationCenter, name);
-    using enum Unseen;
-    EXPECT_EQ(reports, (std::vector<std::pair<Unseen, bool>>{{displaysAsleep, true},
-                                                             {displaysAsleep, false},
-                                                             {sessionInBackground, true},
-                                                             {sessionInBackground, false}}));
 }
 
 TEST_F(NoticesMacOSTest, TheLockIsReadFromTheSession) {

@@ -22,22 +22,17 @@ struct PlayerCardTest : testing::Test, PlayingModel {
     Actions actions;
     std::shared_ptr<FakeStage> stage = std::make_shared<FakeStage>();
     bool reducesMotion = false;
-    std::unique_ptr<PlayerCard> card = makeCard();
+    std::unique_ptr<PlayerCard> card;
 
     PlayerCardTest() {
         apply(XPCPlayerState::paused);
-        card->attach(stage);
-        card->setShown(true);
-    }
-
-    std::unique_ptr<PlayerCard> makeCard(double widestMovedText = 0) {
         const auto note = [this](const char* name) {
             return [this, name] { actions.push_back(name); };
         };
         const auto setVolume = [this](std::int64_t volume) {
             actions.push_back("volume " + std::to_string(volume));
         };
-        return std::make_unique<PlayerCard>(
+        card = std::make_unique<PlayerCard>(
             model,
             PlayerActions{.playPause = note("playPause"),
                           .next = note("next"),
@@ -50,8 +45,9 @@ struct PlayerCardTest : testing::Test, PlayingModel {
                                   .localized = [](const std::string& key) { return key; },
                                   .measureText = measure,
                                   .reducesMotion = [this] { return reducesMotion; },
-                                  .isRightToLeft = [] { return false; },
-                                  .widestMovedText = widestMovedText});
+                                  .isRightToLeft = [] { return false; }});
+        card->attach(stage);
+        card->setShown(true);
     }
 
     const Scene& scene() const { return stage->scenes.back(); }
@@ -227,24 +223,6 @@ TEST_F(PlayerCardTest, RestartsAMarqueeWhenItsTextChanges) {
     reducesMotion = true;
     clock.advance(50ms);
     EXPECT_FALSE(all<TextNode>(scene()).at(0).scroll);
-}
-
-TEST_F(PlayerCardTest, LeavesAMarqueeToAStageThatCanMoveItsText) {
-    state.track->title = kLongTitle;
-    apply();
-    const double width = measure(kLongTitle, {});
-    for (const double widest : {width - 1, width}) {
-        card.reset();
-        card = makeCard(widest);
-        card->attach(stage);
-        card->setShown(true);
-        const auto scroll = all<TextNode>(scene()).at(0).scroll;
-        ASSERT_TRUE(scroll);
-        EXPECT_EQ(scroll->motion.has_value(), widest == width);
-        if (!scroll->motion) continue;
-        EXPECT_EQ(*scroll->motion, (TextNode::Motion{2.5, 32}));
-        nothingHappens(60s);
-    }
 }
 
 TEST_F(PlayerCardTest, FadesToNewArtworkOnceItIsDecodedAndReleasesTheOld) {

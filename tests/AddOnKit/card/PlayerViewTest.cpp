@@ -235,6 +235,12 @@ TEST(PlayerViewNextChange, AScrolledSceneEqualsANewOne) {
         ASSERT_EQ(kept.scene, f.scene()) << frame;
         ASSERT_EQ(kept.scene.nextChange, f.scene().nextChange) << frame;
     }
+    // A text that the stage moves needs no frames.
+    f.environment.widestMovedText = 599;
+    EXPECT_EQ(f.made().marquees.size(), 1u);
+    f.environment.widestMovedText = 600;
+    EXPECT_EQ(all<TextNode>(f.scene()).at(0).scroll->motion, (TextNode::Motion{2.5, 32}));
+    EXPECT_FALSE(f.scene().nextChange);
 }
 
 TEST(PlayerViewNextChange, IsExactOverAWholeTrack) {

@@ -142,20 +142,6 @@ TEST_F(ScreensLinux, TakeTheDotsPerInchOfTheRootAsItIsNow) {
     EXPECT_EQ(zones(), (std::vector<Rect>{{609, 259, 382, 382}}));
 }
 
-TEST_F(ScreensLinux, AreUnseenWhileTheServerBlanksThem) {
-    watch();
-    std::vector<bool> reports;
-    const Handle observation = session->screens().observeUnseen([&](Unseen reason, bool holds) {
-        EXPECT_EQ(reason, Unseen::displaysAsleep);
-        reports.push_back(holds);
-    });
-    for (const auto mode : {XCB_SCREEN_SAVER_ACTIVE, XCB_SCREEN_SAVER_RESET}) {
-        xcb_force_screen_saver(client->connection(), mode);
-        settle();
-    }
-    EXPECT_EQ(reports, (std::vector{true, false}));
-}
-
 TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {
     PrivateXServer plain{"1024x768x24", {"-extension", "RANDR", "-extension", "XInputExtension"}};
     auto opened = X11SessionLinux::open(loop(), plain.display(), [] {});
