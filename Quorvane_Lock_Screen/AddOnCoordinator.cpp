@@ -284,7 +284,8 @@ std::unique_ptr<CardContent> AddOnCoordinator::makeContent(const Screen& screen)
                               .measureText = platform_.cardWindows.measureText,
                               .reducesMotion = platform_.cardWindows.reducesMotion,
                               .isRightToLeft = platform_.isRightToLeft,
-                              .scale = screen.scale});
+                              .scale = screen.scale,
+                              .widestMovedText = platform_.cardWindows.widestMovedText});
 }
 
 void AddOnCoordinator::removalRequested() {

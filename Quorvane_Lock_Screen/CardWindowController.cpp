@@ -28,7 +28,9 @@ CardWindowController::CardWindowController(MakeContent makeContent, Services ser
       services_(std::move(services)),
       log_(services_.log, kAddOnBundleIdentifier, "presenter"),
       screenObserver_(services_.screens.observeChanges([this] { screensChanged(); })),
-      keepClearObserver_(services_.screens.observeKeepClear([this] { keepClearChanged(); })) {
+      keepClearObserver_(services_.screens.observeKeepClear([this] { keepClearChanged(); })),
+      unseenObserver_(services_.screens.observeUnseen(
+          [this](Unseen reason, bool holds) { unseenChanged(reason, holds); })) {
     if (windowServerLoader) skyLight_.emplace(*windowServerLoader, services_.log);
 }
 
@@ -107,6 +109,7 @@ bool CardWindowController::buildWindow(const Screen& screen, long index,
         log.debug("window %ld mouse down at %{public}s", number, describe(location));
     });
     window->setContent(card->stage());
+    for (const Unseen reason : unseen_) card->setUnseen(reason, true);
     card->setWindow(window.get());
     window->setIgnoresMouseEvents(appearance == CardAppearance::hidden);
     window->orderFrontRegardless();
@@ -175,6 +178,14 @@ bool CardWindowController::stillFits() const {
                                                        return entry.screen.frame == screen.frame &&
                                                               entry.screen.scale == screen.scale;
                                                    });
+}
+
+void CardWindowController::unseenChanged(Unseen reason, bool holds) {
+    if (holds)
+        unseen_.insert(reason);
+    else
+        unseen_.erase(reason);
+    for (const Entry& entry : entries_) entry.card->setUnseen(reason, holds);
 }
 
 // Moves the windows out of the way of a prompt, and back. If a card gains or loses its only place,

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -65,6 +66,7 @@ private:
     // Whether each screen has a window that was built for its frame and scale.
     bool stillFits() const;
     void keepClearChanged();
+    void unseenChanged(Unseen reason, bool holds);
 
     MakeContent makeContent_;
     Services services_;
@@ -72,11 +74,13 @@ private:
     std::optional<SkyLight> skyLight_;
     std::vector<Entry> entries_;  // in screen order
     PresentationState state_;
+    std::set<Unseen> unseen_;  // of all cards
     std::uint64_t planCount_ = 0;
     std::uint64_t buildCount_ = 0;
     Handle activity_;
     Handle screenObserver_;
     Handle keepClearObserver_;
+    Handle unseenObserver_;
     LifeToken life_;
 };
 

@@ -46,15 +46,46 @@ GlassCardView::GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<C
     content_->attach(stage_);
 }
 
-void GlassCardView::showContent() {
+void GlassCardView::setWindow(CardSystemWindow* window) {
+    window_ = window;
+    if (window_ == nullptr) return;
+    window_->setCoverObserver([this, life = life_.watch()](bool isCovered) {
+        if (!life.isOver()) setUnseen(Unseen::covered, isCovered);
+    });
+}
+
+void GlassCardView::setUnseen(Unseen reason, bool holds) {
+    const bool wasSeen = isSeen();
+    if (holds)
+        unseen_.insert(reason);
+    else
+        unseen_.erase(reason);
+    if (isSeen() == wasSeen || window_ == nullptr) return;
+    if (isShown_) window_->setIgnoresMouseEvents(!isSeen());
+    if (isSeen()) {
+        if (isShown_) showImmediately();
+        return;
+    }
+    content_->freeze();
+    stage_->removeAnimations();
+    window_->setAlpha(isShown_ ? 1 : 0);
+}
+
+// Returns false while nobody sees the card, which then appears when it is seen again.
+bool GlassCardView::beginShowing() {
     isShown_ = true;
+    if (!isSeen()) {
+        if (window_ != nullptr) window_->setIgnoresMouseEvents(true);
+        return false;
+    }
     content_->setShown(true);
+    stage_->setHidden(false);
+    return true;
 }
 
 void GlassCardView::runEntrance() {
     const bool reduceMotion = reducesMotion_();
-    showContent();
-    stage_->setHidden(false);
+    if (!beginShowing()) return;
     log_.info("entrance: window %ld, reduce motion %{bool}d", windowNumber(), reduceMotion);
     stage_->removeAnimations();
     if (!reduceMotion) stage_->springFrom(entranceStart(), kEntrance);
@@ -64,8 +95,7 @@ void GlassCardView::runEntrance() {
 }
 
 void GlassCardView::showImmediately() {
-    showContent();
-    stage_->setHidden(false);
+    if (!beginShowing()) return;
     stage_->removeAnimations();
     if (window_ != nullptr) window_->setAlpha(1);
 }
@@ -75,7 +105,8 @@ void GlassCardView::runExit() {
     // The player may have quit, so the fade shows the card as it was, not emptied.
     content_->freeze();
     log_.info("exit: window %ld", windowNumber());
-    if (window_ == nullptr) {
+    if (window_ == nullptr || !isSeen()) {
+        if (window_ != nullptr) window_->setAlpha(0);
         hideIfStillNotShown();
         return;
     }

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 
 #include "AddOnKit/card/CardContent.hpp"
 #include "drawing/CardWindows.hpp"
@@ -13,6 +14,8 @@
 namespace quorvane {
 
 // Main thread only. Owned by the controller's entry. A fade may end after the view is destroyed.
+// While nobody can see the card, it draws nothing, keeps no timer and takes no presses. It is at
+// rest when it is seen again.
 class GlassCardView {
 public:
     // The look of every card and its shadow.
@@ -25,7 +28,8 @@ public:
     const std::shared_ptr<CardStage>& stage() const { return stage_; }
     // The window that shows the card; null once it is closed. The window outlives this view, or is
     // reset first.
-    void setWindow(CardSystemWindow* window) { window_ = window; }
+    void setWindow(CardSystemWindow* window);
+    void setUnseen(Unseen reason, bool holds);
 
     // Springs and fades in; only fades in when Reduce Motion is on.
     void runEntrance();
@@ -36,7 +40,8 @@ public:
 
 private:
     long windowNumber() const { return window_ == nullptr ? -1 : window_->number(); }
-    void showContent();
+    bool isSeen() const { return unseen_.empty(); }
+    bool beginShowing();
     void hideIfStillNotShown();
 
     CardSystemWindow* window_ = nullptr;
@@ -45,6 +50,7 @@ private:
     std::function<bool()> reducesMotion_;
     Logger log_;
     bool isShown_ = false;
+    std::set<Unseen> unseen_;
     LifeToken life_;
 };
 

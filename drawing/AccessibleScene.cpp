@@ -35,8 +35,9 @@ std::vector<AccessibilityChange> accessibilityChanges(const std::vector<SceneCon
         const SceneControl* const before = find(from, control.id);
         if (!before) continue;
         if (before->label != control.label) changes.push_back({Kind::label, control.id});
-        if (before->number != control.number && control.role == SceneControl::Role::slider)
-            changes.push_back({Kind::number, control.id});
+        const bool runs =
+            control.id == SceneControl::ID::progress || control.id == SceneControl::ID::remaining;
+        if (before->value != control.value && !runs) changes.push_back({Kind::value, control.id});
     }
     return changes;
 }

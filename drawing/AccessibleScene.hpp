@@ -11,7 +11,7 @@
 namespace quorvane {
 
 struct AccessibilityChange {
-    enum class Kind { disappeared, appeared, label, number };
+    enum class Kind { disappeared, appeared, label, value };
     Kind kind;
     SceneControl::ID control;
     bool operator==(const AccessibilityChange&) const = default;
@@ -21,8 +21,8 @@ struct AccessibilityChange {
 
 // The actions of a control of this role, in the order in which they are offered.
 std::span<const AccessibilityAction> accessibilityActions(SceneControl::Role role);
-// Disappeared controls first, then appeared ones, then changed ones. Playback progress does not
-// count as a change; clients query it.
+// Disappeared controls first, then appeared ones, then changed ones. Playback progress and the
+// remaining time do not count as changes; clients query them.
 std::vector<AccessibilityChange> accessibilityChanges(const std::vector<SceneControl>& from,
                                                       const std::vector<SceneControl>& to);
 // The control at a point of the card; null when there is none.

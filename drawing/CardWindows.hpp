@@ -103,6 +103,10 @@ public:
     // The observer is called for each primary button press on the window, before the press is
     // handled, with its place in window coordinates.
     virtual void setMouseDownObserver(std::function<void(Point)> observer) = 0;
+    // The observer is called, never inside a call to the window, when other windows begin to cover
+    // all of it or the system stops showing its pictures, and when that ends. A window that is not
+    // on the screen counts as uncovered.
+    virtual void setCoverObserver(std::function<void(bool isCovered)> observer) = 0;
 };
 
 struct CardWindows {
@@ -114,6 +118,8 @@ struct CardWindows {
     std::function<std::shared_ptr<CardStage>(const CardStyle&)> makeStage;
     std::function<bool()> reducesMotion;
     MeasureText measureText;
+    // The widest text that a stage moves by its stated motion, in pixels.
+    double widestMovedText = 0;
 };
 
 }  // namespace quorvane

@@ -66,12 +66,20 @@ struct ImageNode {
 // One line. Text wider than its frame is cut off with an ellipsis at its trailing end, unless
 // `scroll` is set.
 struct TextNode {
+    // One cycle: rests, then moves the text until its copy is in its place.
+    struct Motion {
+        double rest = 0;   // seconds
+        double speed = 0;  // points per second
+        bool operator==(const Motion&) const = default;
+    };
     // The text is at the edge that it is aligned to, moved `offset` points beyond it. A copy
-    // follows after `gap` points. Both ends of the frame fade over `fade` points.
+    // follows after `gap` points. Both ends of the frame fade over `fade` points. With a motion
+    // the stage moves both from there, over and over, for as long as its scenes have this node.
     struct Scroll {
         double offset = 0;
         double gap = 0;
         double fade = 0;
+        std::optional<Motion> motion{};
         bool operator==(const Scroll&) const = default;
     };
 
@@ -110,14 +118,25 @@ using SceneNode = std::variant<ShapeNode, ImageNode, TextNode, SymbolNode, Group
 
 // A part of the card that can be operated or read by a screen reader.
 struct SceneControl {
-    enum class ID { previous, playPause, next, love, volume, title, artist, artwork, progress };
+    enum class ID {
+        previous,
+        playPause,
+        next,
+        love,
+        volume,
+        title,
+        artist,
+        artwork,
+        progress,
+        remaining
+    };
     enum class Role { button, slider, text, image, progress };
 
     ID id;
     Role role;
     Rect frame{};         // the area that takes presses; for texts and images, their place
-    std::string label{};  // localised
-    std::string value{};  // localised; empty when it has none
+    std::string label{};  // localised; empty for texts
+    std::string value{};  // localised; of texts: the text; empty when it has none
     double number = 0;    // of sliders and progress, between the two below
     double minimum = 0;
     double maximum = 0;

@@ -20,13 +20,21 @@ struct Screen {
     bool operator==(const Screen&) const = default;
 };
 
+// Reasons why nobody can see a card. Several may hold at once.
+enum class Unseen {
+    displaysAsleep,
+    sessionInBackground,
+    covered,  // this card only
+};
+
 // Main thread only. `observeChanges` reports a changed set of screens or scales; one
 // reconfiguration may cause several notices. `observeKeepClear` reports a change of keep-clear
-// areas only.
+// areas only. `observeUnseen` reports when a reason begins or ceases to hold for all screens.
 struct Screens {
     std::function<std::vector<Screen>()> list;
     std::function<Handle(std::function<void()> handler)> observeChanges;
     std::function<Handle(std::function<void()> handler)> observeKeepClear;
+    std::function<Handle(std::function<void(Unseen reason, bool holds)> handler)> observeUnseen;
 };
 
 }  // namespace quorvane

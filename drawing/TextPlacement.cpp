@@ -1,12 +1,18 @@
 #include "drawing/TextPlacement.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 namespace quorvane {
 namespace {
 
 bool isAlignedLeft(const TextNode& node, bool isRightToLeft) {
     return (node.alignment == TextAlignment::leading) != isRightToLeft;
+}
+
+// In which it scrolls: -1 to the left.
+double directionOf(const TextNode& node, bool isRightToLeft) {
+    return isAlignedLeft(node, isRightToLeft) ? -1 : 1;
 }
 
 double riseAt(double t) {
@@ -35,12 +41,21 @@ std::vector<double> copiesOf(const TextNode& node, double rest, double width, bo
     std::vector<double> edges;
     const double distance = width + node.scroll->gap;
     if (distance <= 0) return edges;
-    const double direction = isAlignedLeft(node, isRightToLeft) ? -1 : 1;
+    const double direction = directionOf(node, isRightToLeft);
     for (double moved = node.scroll->offset; moved > -node.frame.width; moved -= distance) {
         const double left = rest + direction * moved;
         if (left < node.frame.maxX() && left + width > node.frame.x) edges.push_back(left);
     }
     return edges;
+}
+
+MovedLine movedLine(const TextNode& node, double width, bool isRightToLeft) {
+    const double direction = directionOf(node, isRightToLeft);
+    const double way = direction * (width + node.scroll->gap);
+    const double left = leftEdgeOf(node, width, isRightToLeft) + direction * node.scroll->offset;
+    const Rect area{std::min(left, left - way), node.frame.y, width + std::abs(way),
+                    node.frame.height};
+    return {left, left - way, area, way};
 }
 
 std::array<FadeStop, 12> fadeStops(const TextNode& node) {

@@ -27,6 +27,16 @@ bool isTooWide(const TextNode& node, double width);
 // The left edges of the visible copies of a scrolling line with its resting left edge at `rest`.
 std::vector<double> copiesOf(const TextNode& node, double rest, double width, bool isRightToLeft);
 
+// A scrolling line that its stage moves: the left edges of it and of its copy at the beginning of
+// a cycle, the area of both, and how far right both move in a cycle.
+struct MovedLine {
+    double left = 0;
+    double copyLeft = 0;
+    Rect area{};
+    double way = 0;
+};
+MovedLine movedLine(const TextNode& node, double width, bool isRightToLeft);
+
 // The strength of a scrolling line at places between its frame's edges, both from 0 to 1. It is
 // full between the two fades. The fades rise late, so that the text is almost invisible next to a
 // picture.

@@ -15,7 +15,7 @@ public:
     virtual void attach(std::shared_ptr<CardStage> stage) = 0;
     // While hidden, the content draws nothing and keeps no timer.
     virtual void setShown(bool shown) = 0;
-    // Keeps the current picture while the card fades out, until the next setShown. Makes no calls.
+    // Keeps the current picture and no timer, until the next setShown. Makes no calls.
     virtual void freeze() = 0;
 };
 

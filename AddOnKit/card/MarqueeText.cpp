@@ -53,6 +53,10 @@ TextNode MarqueeText::node(const Rect& field, Instant now) const {
                   field.height};
     node.scroll = TextNode::Scroll{
         .offset = offset(elapsed(now), textWidth) - kFade, .gap = kGap, .fade = kFade};
+    if (isMovedByStage && !frozenTime) {
+        node.scroll->offset = -kFade;
+        node.scroll->motion = TextNode::Motion{kRest, kSpeed};
+    }
     return node;
 }
 

@@ -21,6 +21,7 @@ struct MarqueeText {
     bool isRightToLeft = false;                  // the card's layout
     double textWidth = 0;
     double fieldWidth = 0;
+    bool isMovedByStage = false;
     std::optional<Instant> start{};  // of the first cycle
 
     // The distance that a text of this width has moved after `elapsed` seconds, in points.

@@ -86,6 +86,7 @@ void PlayerCard::draw() {
                                         .measureText = environment_.measureText,
                                         .isRightToLeft = environment_.isRightToLeft(),
                                         .reduceMotion = environment_.reducesMotion(),
+                                        .widestMovedText = environment_.widestMovedText,
                                         .scale = environment_.scale};
     PlayerScene made =
         PlayerView{model_, environment}.scene(interaction_, {now, environment_.wallClock()});

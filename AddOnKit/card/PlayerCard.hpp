@@ -26,7 +26,8 @@ struct PlayerCardEnvironment {
     MeasureText measureText;
     std::function<bool()> reducesMotion;
     std::function<bool()> isRightToLeft;
-    double scale = 1;  // pixels per point of the card's screen
+    double scale = 1;            // pixels per point of the card's screen
+    double widestMovedText = 0;  // by the stage, in pixels
 };
 
 // Main thread only. The model outlives the card. While shown, the card draws when the model

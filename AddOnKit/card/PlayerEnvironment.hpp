@@ -17,8 +17,9 @@ struct PlayerEnvironment {
     Localized localized;
     MeasureText measureText;
     bool isRightToLeft = false;
-    bool reduceMotion = false;  // the system's setting
-    double scale = 1;           // pixels per point on this screen
+    bool reduceMotion = false;   // the system's setting
+    double widestMovedText = 0;  // by the stage, in pixels
+    double scale = 1;            // pixels per point on this screen
 
     // For still renderings: the view at this date, the marquees at this time of their cycle.
     std::optional<WallTime> playerFrozenDate{};

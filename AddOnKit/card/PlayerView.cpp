@@ -21,7 +21,7 @@ using namespace PlayerLayout;
 constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while an animation runs
 // Upper bounds for a card at rest.
 constexpr std::size_t kMostNodes = 21;
-constexpr std::size_t kMostControls = 9;
+constexpr std::size_t kMostControls = 10;
 constexpr double kNoteSize = 30;
 constexpr double kPlaceholderFill = 0.1;
 constexpr double kArtworkEdge = 0.1;  // separates dark artwork from the glass
@@ -117,10 +117,17 @@ private:
                             .fieldWidth = field.width,
                             .start = start};
         marquee.textWidth = environment_.measureText(marquee.text, font);
-        scene_.controls.push_back(
-            {.id = id, .role = SceneControl::Role::text, .frame = field, .label = marquee.text});
-        if (marquee.scrolls()) made_.marquees.push_back({scene_.nodes.size(), field, marquee});
+        marquee.isMovedByStage =
+            marquee.textWidth * environment_.scale <= environment_.widestMovedText;
+        readable(id, field, marquee.text);
+        if (marquee.scrolls() && !marquee.isMovedByStage)
+            made_.marquees.push_back({scene_.nodes.size(), field, marquee});
         scene_.nodes.push_back(marquee.node(field, moment_.now));
+    }
+
+    void readable(SceneControl::ID id, const Rect& frame, const std::string& text) {
+        scene_.controls.push_back(
+            {.id = id, .role = SceneControl::Role::text, .frame = frame, .value = text});
     }
 
     void texts() {
@@ -174,8 +181,8 @@ private:
         drawFilledTrack(scene_, geometry_.progress, filled, kProgressOpacity);
         const std::string elapsed = TimeFormatting::text(position);
         time(geometry_.elapsed, elapsed, TextAlignment::leading);
-        time(geometry_.remaining, TimeFormatting::remaining(duration, position),
-             TextAlignment::trailing);
+        const std::string remaining = TimeFormatting::remaining(duration, position);
+        time(geometry_.remaining, remaining, TextAlignment::trailing);
         scene_.controls.push_back({.id = SceneControl::ID::progress,
                                    .role = SceneControl::Role::progress,
                                    .frame = geometry_.progress,
@@ -183,6 +190,7 @@ private:
                                    .value = elapsed,
                                    .number = std::floor(position),
                                    .maximum = duration.value_or(0)});
+        if (duration) readable(SceneControl::ID::remaining, geometry_.remaining, remaining);
         if (model_.isPlaying.get() && !environment_.playerFrozenDate)
             changesIn(progressChange(position, duration, isSlow ? 0 : pixels));
     }

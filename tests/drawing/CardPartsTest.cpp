@@ -39,6 +39,16 @@ TEST(TextPlacement, ShowsTheCopiesThatReachIntoTheField) {
     EXPECT_EQ(copiesOf(node, 0, 300, true), (std::vector<double>{190, -150}));
     node.alignment = TextAlignment::trailing;
     EXPECT_EQ(copiesOf(node, 0, 300, false), (std::vector<double>{190, -150}));
+    // A stage that moves the line ends each cycle with the copy in the line's first place.
+    node.scroll->offset = -20;
+    for (const bool isRightToLeft : {false, true}) {
+        const MovedLine moved = movedLine(node, 300, isRightToLeft);
+        const double rest = leftEdgeOf(node, 300, isRightToLeft);
+        EXPECT_EQ(moved.left, copiesOf(node, rest, 300, isRightToLeft).at(0));
+        EXPECT_EQ(moved.copyLeft + moved.way, moved.left);
+        EXPECT_EQ(moved.way, isRightToLeft ? -340 : 340);
+        EXPECT_EQ(moved.area, (Rect{std::min(moved.left, moved.copyLeft), 20, 640, 18}));
+    }
     node.scroll->gap = -300;
     EXPECT_TRUE(copiesOf(node, 100, 300, false).empty());
     for (const FadeStop& stop : fadeStops(node))
@@ -116,20 +126,25 @@ TEST(AccessibleScene, TellsWhatAPersonWouldNotice) {
     using ID = SceneControl::ID;
     using Role = SceneControl::Role;
     using Kind = AccessibilityChange::Kind;
-    const SceneControl title{.id = ID::title, .role = Role::text, .label = "Tideline"};
-    const SceneControl other{.id = ID::title, .role = Role::text, .label = "Clouds"};
+    const SceneControl title{.id = ID::title, .role = Role::text, .value = "Tideline"};
+    const SceneControl other{.id = ID::title, .role = Role::text, .value = "Clouds"};
     const SceneControl heart{.id = ID::love, .role = Role::button};
+    const SceneControl play{.id = ID::playPause, .role = Role::button, .label = "Play"};
+    const SceneControl pause{.id = ID::playPause, .role = Role::button, .label = "Pause"};
     const SceneControl artwork{.id = ID::artwork, .role = Role::image};
-    const SceneControl volume{.id = ID::volume, .role = Role::slider, .number = 50};
-    const SceneControl louder{.id = ID::volume, .role = Role::slider, .number = 55};
-    const SceneControl progress{.id = ID::progress, .role = Role::progress, .number = 1};
-    const SceneControl later{.id = ID::progress, .role = Role::progress, .number = 2};
-    EXPECT_EQ(
-        accessibilityChanges({title, heart, volume, progress}, {artwork, other, louder, later}),
-        (std::vector<AccessibilityChange>{{Kind::disappeared, ID::love},
-                                          {Kind::appeared, ID::artwork},
-                                          {Kind::label, ID::title},
-                                          {Kind::number, ID::volume}}));
+    const SceneControl volume{.id = ID::volume, .role = Role::slider, .value = "50 %"};
+    const SceneControl louder{.id = ID::volume, .role = Role::slider, .value = "55 %"};
+    const SceneControl progress{.id = ID::progress, .role = Role::progress, .value = "0:01"};
+    const SceneControl later{.id = ID::progress, .role = Role::progress, .value = "0:02"};
+    const SceneControl left{.id = ID::remaining, .role = Role::text, .value = "-0:09"};
+    const SceneControl lessLeft{.id = ID::remaining, .role = Role::text, .value = "-0:08"};
+    EXPECT_EQ(accessibilityChanges({title, heart, play, volume, progress, left},
+                                   {artwork, other, pause, louder, later, lessLeft}),
+              (std::vector<AccessibilityChange>{{Kind::disappeared, ID::love},
+                                                {Kind::appeared, ID::artwork},
+                                                {Kind::value, ID::title},
+                                                {Kind::label, ID::playPause},
+                                                {Kind::value, ID::volume}}));
 }
 
 TEST(SingleLine, KeepsGoodTextAndReplacesTheRest) {

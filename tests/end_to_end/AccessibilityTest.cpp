@@ -65,7 +65,7 @@ TEST_F(EndToEndAccessibility, AScreenReaderFindsTheCardAndItsPressesAreClicks) {
     for (const std::string& line :
          {std::string{"application 'Quorvane Lock Screen'\n"},
           std::string{"  grouping 'Now Playing' at "}, std::string{"    label 'Tideline' at "},
-          std::string{"    image 'Artwork' at "},
+          std::string{"    label '\u2212"}, std::string{"    image 'Artwork' at "},
           std::string{"    progress bar 'Playback Position' "},
           std::string{"    push button 'Pause' click at "},
           "    push button 'Next Track' click at " + place,

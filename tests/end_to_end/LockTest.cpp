@@ -27,6 +27,31 @@ TEST_F(EndToEndLock, TheCardComesFollowsTheMusicObeysAClickAndGoesWithTheLock) {
     EXPECT_FALSE(probe.isViewable(card.window));
 }
 
+TEST(EndToEndUnseen, ABlankedScreenGetsNoFrameAndOneWhenItIsLit) {
+    LockSession session;
+    const std::string script = (session.folder() / "script.json").string();
+    std::ofstream{script} << R"({"repeat": "all", "tracks": [
+        {"title": "One", "artist": "A", "duration": 1.5},
+        {"title": "Two", "artist": "B", "duration": 1.5}]})";
+    LoggedProcess host = session.startHost({"--script", script});
+    LoggedProcess addOn = session.startAddOn();
+    LoggedProcess locker = session.startLocker();
+    const Rect area = session.nextCard(addOn).frame;
+    const X11Client probe = session.probe();
+    ASSERT_TRUE(LockSession::isDrawnOn(probe, area));
+
+    xcb_force_screen_saver(probe.connection(), XCB_SCREEN_SAVER_ACTIVE);
+    probe.sync();
+    const auto look = [&] { return Screenshot::take(probe.connection(), area); };
+    // What was being drawn when the screen went dark is drawn by the first change of track.
+    ASSERT_TRUE(addOn.says("state: track changed"));
+    const Screenshot dark = look();
+    for (int track = 0; track < 2; ++track) ASSERT_TRUE(addOn.says("state: track changed"));
+    EXPECT_EQ(look(), dark);
+    xcb_force_screen_saver(probe.connection(), XCB_SCREEN_SAVER_RESET);
+    EXPECT_TRUE(eventually([&] { return look() != dark; }));
+}
+
 TEST(EndToEndEnd, AVanishedXServerIsAPlainErrorAndSIGTERMOneLine) {
     LockSession session;
     LoggedProcess addOn = session.startAddOn();

@@ -155,6 +155,12 @@ class System(Foundation):
         view.parts.append(self.retain(child))
         child.fields["above"] = view
 
+    def remove_view(self, view):
+        above = view.fields["above"]
+        above.fields["subviews"].remove(view)
+        above.parts.remove(view)
+        self.release(view)
+
     def layer_of(self, view):
         if view.fields.get("wantsLayer") and "layer" not in view.fields:
             self.set_field(view, "layer", self.new("CALayer"))
@@ -239,6 +245,7 @@ EFFECTS = {
     "NSAppearance appearanceNamed:": lambda s, cls, name: s.new("NSAppearance", name=name.value),
     "NSView initWithFrame:": System.make_view,
     "NSView addSubview:": System.add_subview,
+    "NSView removeFromSuperview": System.remove_view,
     "NSView layer": System.layer_of,
     "NSView convertPoint:fromView:": lambda s, view, point, other: s.point_in(view, point),
     "NSView window": lambda s, view: next((each for each in s.windows if view in s.views(each)), None),

@@ -12,6 +12,8 @@ SECRET = bytes(range(100, 132))
 SECRET_FILE = f"{CONTAINERS}/group.example.quillon.Quorvane/ipc-secret"
 NEXT = 324.0, 128.0  # the next track's symbol in its window
 NEW = "/Volumes/New/Quorvane Lock Screen.app"
+RANGE = ("Value", "MinValue", "MaxValue", "ValueDescription")
+ELEMENTS = {"CardControlElement": ("Value",), "CardButtonElement": (), "CardProgressElement": RANGE, "CardSliderElement": RANGE}
 # What is alive when `main` has returned: the handlers of SIGTERM and SIGINT, and the log that the first needs.
 KEPT = {"OS_dispatch_source": 2, "Block": 2, "OS_os_log": 4}
 
@@ -93,7 +95,7 @@ def click(mac, window):
 
 def press(mac, window):
     """By an assistive technology."""
-    elements = [each for each in mac.things.values() if each.cls.name == "CardControlElement"]
+    elements = [each for each in mac.things.values() if each.cls.name == "CardButtonElement"]
     button = next(each for each in elements if each.fields["accessibilityLabel"].value == "Next Track")
     mac.send(button, "accessibilityPerformPress")
 
@@ -163,6 +165,7 @@ def show(mac):
     mac.note("-- the entrance; a frame is drawn")
     mac.pass_time(0.4)
     mac.draw(card)
+    mac.draw(mac.view(window, "MovedTextView"))
     x, y, width, height = (float(each) for each in re.findall(r"-\[forward.*drawInRect:\D*(\d+), (\d+)\D*(\d+), (\d+)", mac.text())[0])
     expect(NEXT == (52 + x + width / 2, 52 + 222 - y - height / 2), "the next track's symbol is elsewhere")
     mac.note("-- the pointer is on the shadow, and comes back")
@@ -187,8 +190,9 @@ def show(mac):
         mac.ask(card, question)
     for place in (NEXT, (60.0, 60.0)):
         mac.ask(card, "accessibilityHitTest:", *(at + origin for at, origin in zip(place, window.fields["frame"])))
-    for element in [each for each in mac.things.values() if each.cls.name == "CardControlElement"]:
-        for question in ("Value", "MinValue", "MaxValue", "Frame", "PerformPress", "PerformIncrement", "PerformDecrement"):
+    for element in [each for each in mac.things.values() if each.cls.name in ELEMENTS]:
+        actions = {"CardButtonElement": ("PerformPress",), "CardSliderElement": ("PerformIncrement", "PerformDecrement")}
+        for question in ("Frame", *ELEMENTS[element.cls.name], *actions.get(element.cls.name, ())):
             mac.ask(element, f"accessibility{question}")
     mac.send(element, "setAccessibilityValue:", mac.box(30))  # the last is the volume
     commands = [int(each) for each in re.findall(r"request 2 to : b'.x0(.)'", mac.text())]
@@ -196,8 +200,14 @@ def show(mac):
     mac.transcript, transcript = [], mac.transcript
     mac.pass_time(6)
     mac.transcript = transcript
-    mac.note("-- six seconds later, a frame of the moving text")
-    mac.draw(card)
+    mac.note("-- the displays sleep")
+    mac.post("NSWorkspaceScreensDidSleepNotification")
+    mac.transcript, transcript = [], mac.transcript
+    mac.pass_time(3)
+    expect("setNeedsDisplayInRect:" not in mac.text(), "a card that nobody sees is drawn")
+    mac.transcript = transcript
+    mac.note("-- three seconds later they wake")
+    mac.post("NSWorkspaceScreensDidWakeNotification")
 
 
 def uninstall(mac):

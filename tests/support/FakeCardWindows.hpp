@@ -40,6 +40,7 @@ struct FakeWindowState {
     std::vector<double> fades;
     std::function<void()> fadeCompletion;
     std::weak_ptr<CardStage> content;
+    std::function<void(bool)> covered;
 };
 
 class FakeWindow : public CardSystemWindow {
@@ -71,6 +72,9 @@ public:
         };
     }
     void setMouseDownObserver(std::function<void(Point)>) override {}
+    void setCoverObserver(std::function<void(bool)> observer) override {
+        state_->covered = std::move(observer);
+    }
 
 private:
     // A later fade ends the one that runs, whose completion still comes.
@@ -134,6 +138,7 @@ struct FakeScreens {
     std::vector<Screen> list;
     std::function<void()> changed;
     std::function<void()> keepClearChanged;
+    std::function<void(Unseen, bool)> unseen;
 
     Screens table() {
         return {.list = [this] { return list; },
@@ -146,6 +151,11 @@ struct FakeScreens {
                     [this](std::function<void()> handler) {
                         keepClearChanged = std::move(handler);
                         return Handle{[this] { keepClearChanged = nullptr; }};
+                    },
+                .observeUnseen =
+                    [this](std::function<void(Unseen, bool)> handler) {
+                        unseen = std::move(handler);
+                        return Handle{[this] { unseen = nullptr; }};
                     }};
     }
 };

@@ -16,7 +16,8 @@ enum State { kEnabled = 8, kHorizontal = 14, kSensitive = 24, kShowing = 25, kVi
 // The name that a screen reader speaks.
 std::string nameOf(const AtspiNode& node) {
     if (!node.card) return "Quorvane Lock Screen";
-    return node.control ? node.control->label : node.card->accessibleScene().label;
+    if (!node.control) return node.card->accessibleScene().label;
+    return spokenName(*node.control);
 }
 
 Role roleOf(const AtspiNode& node) {

@@ -122,9 +122,9 @@ void AtspiConnection::changed(const AccessibleCard& card) {
         const std::string path = AtspiTree::path(node, change.control);
         if (hasGone || change.kind == Kind::appeared)
             childChanged(node, hasGone ? "remove" : "add", index, path);
-        else if (change.kind == Kind::label)
+        else if (change.kind == Kind::label || control->role == SceneControl::Role::text)
             sd_bus_emit_signal(bus_, path.c_str(), kEvents, "PropertyChange", "siiva{sv}",
-                               "accessible-name", 0, 0, "s", control->label.c_str(), 0);
+                               "accessible-name", 0, 0, "s", spokenName(*control).c_str(), 0);
         else
             sd_bus_emit_signal(bus_, path.c_str(), kEvents, "PropertyChange", "siiva{sv}",
                                "accessible-value", 0, 0, "d", control->number, 0);

@@ -44,6 +44,11 @@ inline AtspiNode atspiNode(void* userData, sd_bus_message* call) {
     return atspiNode(userData, sd_bus_message_get_path(call));
 }
 
+// A label's name is its text.
+inline const std::string& spokenName(const SceneControl& control) {
+    return control.label.empty() ? control.value : control.label;
+}
+
 // Replies with an array. `append` adds one element and returns the bus library's error number.
 template <typename Range, typename Append>
 int answerAtspiArray(sd_bus_message* call, const char* type, Range&& elements, Append append) {

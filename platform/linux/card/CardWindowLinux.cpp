@@ -88,6 +88,7 @@ void CardWindowLinux::vanish() {
 }
 
 void CardWindowLinux::setAlpha(double alpha) {
+    if (!fade_ && alpha_ == alpha) return;
     endFade();
     alpha_ = alpha;
     updateSoon();
@@ -105,6 +106,17 @@ void CardWindowLinux::animateAlpha(double alpha, Duration duration,
 
 void CardWindowLinux::setMouseDownObserver(std::function<void(Point)> observer) {
     mouseDownObserver_ = std::move(observer);
+}
+
+void CardWindowLinux::setCoverObserver(std::function<void(bool isCovered)> observer) {
+    coverObserver_ = std::move(observer);
+}
+
+void CardWindowLinux::setCovered(bool isCovered) {
+    if (std::exchange(isCovered_, isCovered) == isCovered) return;
+    post([this] {
+        if (const auto observer = coverObserver_) observer(isCovered_);
+    });
 }
 
 void CardWindowLinux::endFade() {

@@ -42,6 +42,7 @@ public:
     void setAlpha(double alpha) override;
     void animateAlpha(double alpha, Duration duration, std::function<void()> completion) override;
     void setMouseDownObserver(std::function<void(Point)> observer) override;
+    void setCoverObserver(std::function<void(bool isCovered)> observer) override;
 
 protected:
     static constexpr unsigned long kOcclusionVisible = 2;
@@ -83,6 +84,9 @@ protected:
     void deliver(const PointerEvent& event);
     // A hidden card is not exposed to assistive technology.
     void tellAccessibility(bool isSeen);
+    // Reports a change to the observer.
+    void setCovered(bool isCovered);
+    bool isCovered() const { return isCovered_; }
     // The window cannot be shown any more.
     void vanish();
 
@@ -107,7 +111,9 @@ private:
     void post(std::function<void()> action);
 
     bool isAccessible_ = false;  // assistive technology knows of it
+    bool isCovered_ = false;
     std::function<void(Point)> mouseDownObserver_;
+    std::function<void(bool)> coverObserver_;
     Handle pictures_;
     LifeToken life_;
 };

@@ -205,7 +205,9 @@ Screens WaylandSessionLinux::screens() {
             .observeChanges =
                 [this](std::function<void()> handler) { return changes_.add(std::move(handler)); },
             // The zones change only with the outputs.
-            .observeKeepClear = [](const std::function<void()>&) { return Handle{}; }};
+            .observeKeepClear = [](const std::function<void()>&) { return Handle{}; },
+            // The compositor then asks for no frames, which the windows report.
+            .observeUnseen = [](const auto&) { return Handle{}; }};
 }
 
 std::unique_ptr<WaylandSurface> WaylandSessionLinux::open(const Screen& screen,

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/MonitorsLinux.hpp"
 
 #include <xcb/randr.h>
+#include <xcb/xcbext.h>
 
 #include <utility>
 
@@ -14,6 +15,30 @@ constexpr std::uint32_t kMonitorsMajor = 1;
 constexpr std::uint32_t kMonitorsMinor = 5;
 constexpr double kMillimetersPerInch = 25.4;
 constexpr Duration kSettleTime = std::chrono::milliseconds{150};
+
+// The screen-saver extension, of which one request and one event are used.
+struct ScreenSaverSelectInput {
+    static constexpr std::uint8_t kOpcode = 2;
+    static constexpr std::uint32_t kNotify = 1;
+    std::uint32_t header = 0;  // the connection fills it
+    xcb_window_t root;
+    std::uint32_t mask = kNotify;
+};
+struct ScreenSaverNotify {
+    enum State : std::uint8_t { off, on, cycle };
+    enum Kind : std::uint8_t { blanked, internal, external };
+    std::uint8_t type;
+    State state;
+    std::uint16_t sequence;
+    xcb_timestamp_t time;
+    xcb_window_t root;
+    xcb_window_t saver;
+    Kind kind;
+
+    // A client's own saver may leave the screen as it is.
+    bool isBlank() const { return (state == on || state == cycle) && kind != external; }
+};
+xcb_extension_t screenSaver{"MIT-SCREEN-SAVER", 0};
 
 double dotsPerInchOf(int pixels, int millimeters) {
     return millimeters == 0 ? 0 : pixels * kMillimetersPerInch / millimeters;
@@ -35,7 +60,23 @@ MonitorsLinux::MonitorsLinux(X11Connection& x11, const Clock& clock)
       screenDotsPerInch_(
           dotsPerInchOf(x11.screen().height_in_pixels, x11.screen().height_in_millimeters)) {
     observeServer();
+    observeScreenSaver();
     readLayout();
+}
+
+// Energy saving also starts the server's saver.
+void MonitorsLinux::observeScreenSaver() {
+    const auto* extension = x11_.extension(screenSaver);
+    if (!extension) return;
+    observations_.push_back(
+        x11_.observeEvents(extension->first_event, [this](const xcb_generic_event_t& event) {
+            blankingListeners_.call(reinterpret_cast<const ScreenSaverNotify&>(event).isBlank());
+        }));
+    ScreenSaverSelectInput request{.root = x11_.root()};
+    const xcb_protocol_request_t kind{1, &screenSaver, ScreenSaverSelectInput::kOpcode, 1};
+    // The library uses the two entries before the request's own.
+    iovec parts[] = {{}, {}, {&request, sizeof request}};
+    xcb_send_request(x11_.connection(), 0, parts + 2, &kind);
 }
 
 void MonitorsLinux::observeServer() {

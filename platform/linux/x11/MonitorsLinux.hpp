@@ -26,9 +26,14 @@ public:
     // Reports a changed layout. The layout is read and reported once, after the server has been
     // quiet for a moment, so that lockers can follow the monitors first.
     Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
+    // Reports when the server blanks all monitors, as when they sleep, and when it ends that.
+    Handle observeBlanking(std::function<void(bool isBlank)> handler) {
+        return blankingListeners_.add(std::move(handler));
+    }
 
 private:
     void observeServer();
+    void observeScreenSaver();
     void settle();
     void readLayout();
     std::vector<Rect> readMonitors();
@@ -42,6 +47,7 @@ private:
     double screenDotsPerInch_;
     double dotsPerInch_ = 0;
     Listeners<> listeners_;
+    Listeners<bool> blankingListeners_;
     std::vector<Handle> observations_;
 };
 

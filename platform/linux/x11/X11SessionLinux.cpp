@@ -32,6 +32,12 @@ Screens X11SessionLinux::screens() {
         .observeKeepClear =
             [this](std::function<void()> handler) {
                 return lockers_.observeZones(std::move(handler));
+            },
+        .observeUnseen =
+            [this](std::function<void(Unseen, bool)> handler) {
+                return monitors_.observeBlanking([handler = std::move(handler)](bool isBlank) {
+                    handler(Unseen::displaysAsleep, isBlank);
+                });
             }};
 }
 

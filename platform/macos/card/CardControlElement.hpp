@@ -7,8 +7,10 @@
 
 @class FirstMouseHostingView;
 
-// Owned by the view that draws the control. Requests go to that view's events.
+// Owned by the view that draws the control. Requests go to that view's events. The system offers
+// every action that a class implements, so each role has the class that implements its own.
 @interface CardControlElement : NSAccessibilityElement
-- (instancetype)initInView:(FirstMouseHostingView*)view;
++ (CardControlElement*)elementOf:(quorvane::SceneControl::Role)role
+                          inView:(FirstMouseHostingView*)view;
 - (void)setControl:(const quorvane::SceneControl&)control;
 @end

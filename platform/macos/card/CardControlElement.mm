@@ -8,59 +8,70 @@
 using quorvane::AccessibilityAction;
 using quorvane::SceneControl;
 
-namespace {
+// Texts and pictures offer no action.
+@interface CardControlElement ()
+- (const SceneControl&)control;
+- (FirstMouseHostingView*)view;
+- (instancetype)initWithRole:(NSAccessibilityRole)role inView:(FirstMouseHostingView*)view;
+@end
 
-NSAccessibilityRole roleOf(SceneControl::Role role) {
-    switch (role) {
-        case SceneControl::Role::button: return NSAccessibilityButtonRole;
-        case SceneControl::Role::slider: return NSAccessibilitySliderRole;
-        case SceneControl::Role::text: return NSAccessibilityStaticTextRole;
-        case SceneControl::Role::image: return NSAccessibilityImageRole;
-        case SceneControl::Role::progress: return NSAccessibilityProgressIndicatorRole;
-    }
-    return NSAccessibilityStaticTextRole;
-}
+@interface CardButtonElement : CardControlElement
+@end
 
-}  // namespace
+@interface CardProgressElement : CardControlElement
+@end
+
+@interface CardSliderElement : CardProgressElement
+@end
 
 @implementation CardControlElement {
     SceneControl control_;
     __weak FirstMouseHostingView* view_;
 }
 
-- (instancetype)initInView:(FirstMouseHostingView*)view {
++ (CardControlElement*)elementOf:(SceneControl::Role)role inView:(FirstMouseHostingView*)view {
+    switch (role) {
+        case SceneControl::Role::button:
+            return [[CardButtonElement alloc] initWithRole:NSAccessibilityButtonRole inView:view];
+        case SceneControl::Role::slider:
+            return [[CardSliderElement alloc] initWithRole:NSAccessibilitySliderRole inView:view];
+        case SceneControl::Role::progress:
+            return [[CardProgressElement alloc] initWithRole:NSAccessibilityProgressIndicatorRole
+                                                      inView:view];
+        case SceneControl::Role::image:
+            return [[CardControlElement alloc] initWithRole:NSAccessibilityImageRole inView:view];
+        case SceneControl::Role::text: break;
+    }
+    return [[CardControlElement alloc] initWithRole:NSAccessibilityStaticTextRole inView:view];
+}
+
+- (instancetype)initWithRole:(NSAccessibilityRole)role inView:(FirstMouseHostingView*)view {
     self = [super init];
     if (self == nil) return nil;
     view_ = view;
     self.accessibilityElement = YES;
+    self.accessibilityEnabled = YES;
     self.accessibilityParent = view;
+    self.accessibilityRole = role;
     return self;
 }
 
+- (const SceneControl&)control {
+    return control_;
+}
+
+- (FirstMouseHostingView*)view {
+    return view_;
+}
+
 - (void)setControl:(const SceneControl&)control {
+    const bool isRenamed = control.label != control_.label;
     control_ = control;
-    self.accessibilityRole = roleOf(control.role);
-    self.accessibilityLabel = quorvane::stringFrom(control.label);
+    if (isRenamed) self.accessibilityLabel = quorvane::stringFrom(control.label);
 }
 
 - (id)accessibilityValue {
-    switch (control_.role) {
-        case SceneControl::Role::slider:
-        case SceneControl::Role::progress: return @(control_.number);
-        default: return quorvane::stringFrom(control_.value);
-    }
-}
-
-- (void)setAccessibilityValue:(id)value {
-    [view_ setNumber:((NSNumber*)value).doubleValue of:control_];
-}
-
-- (id)accessibilityMinValue {
-    return @(control_.minimum);
-}
-
-- (id)accessibilityMaxValue {
-    return @(control_.maximum);
+    return control_.value.empty() ? nil : quorvane::stringFrom(control_.value);
 }
 
 // In screen coordinates, at the window's current position.
@@ -68,16 +79,48 @@ NSAccessibilityRole roleOf(SceneControl::Role role) {
     return NSAccessibilityFrameInView(view_, quorvane::cgRect(control_.frame));
 }
 
+@end
+
+@implementation CardButtonElement
+
 - (BOOL)accessibilityPerformPress {
-    return [view_ perform:AccessibilityAction::press on:control_];
+    return [self.view perform:AccessibilityAction::press on:self.control];
+}
+
+@end
+
+@implementation CardProgressElement
+
+- (id)accessibilityValue {
+    return @(self.control.number);
+}
+
+- (NSString*)accessibilityValueDescription {
+    return quorvane::stringFrom(self.control.value);
+}
+
+- (id)accessibilityMinValue {
+    return @(self.control.minimum);
+}
+
+- (id)accessibilityMaxValue {
+    return @(self.control.maximum);
+}
+
+@end
+
+@implementation CardSliderElement
+
+- (void)setAccessibilityValue:(id)value {
+    [self.view setNumber:((NSNumber*)value).doubleValue of:self.control];
 }
 
 - (BOOL)accessibilityPerformIncrement {
-    return [view_ perform:AccessibilityAction::increment on:control_];
+    return [self.view perform:AccessibilityAction::increment on:self.control];
 }
 
 - (BOOL)accessibilityPerformDecrement {
-    return [view_ perform:AccessibilityAction::decrement on:control_];
+    return [self.view perform:AccessibilityAction::decrement on:self.control];
 }
 
 @end

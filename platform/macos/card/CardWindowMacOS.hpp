@@ -27,6 +27,8 @@ public:
     void setAlpha(double alpha) override;
     void animateAlpha(double alpha, Duration duration, std::function<void()> completion) override;
     void setMouseDownObserver(std::function<void(Point)> observer) override;
+    // Nothing here covers the card, which is above the lock screen.
+    void setCoverObserver(std::function<void(bool)>) override {}
 
 private:
     void primaryButton(NSEventType type, Point location);

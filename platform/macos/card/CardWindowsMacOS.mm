@@ -20,6 +20,8 @@ CardWindows makeCardWindowsMacOS(const Clock& clock) {
         .measureText = [lines = std::make_shared<TextLinesMacOS>()](
                            const std::string& text,
                            const FontStyle& font) { return lines->line(text, font).width; },
+        // The text and its copy are one layer, which must fit into a texture.
+        .widestMovedText = 8000,
     };
 }
 

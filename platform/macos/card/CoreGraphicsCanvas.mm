@@ -98,6 +98,7 @@ struct Painter {
     }
 
     void operator()(const TextNode& node) const {
+        if (node.scroll && node.scroll->motion) return;  // it has its own view
         const SavedState state{context};
         CGContextClipToRect(context, cgRect(node.frame));
         setFill(context, node.color);

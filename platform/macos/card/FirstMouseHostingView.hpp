@@ -10,7 +10,7 @@
 @property(nonatomic) quorvane::StageEvents events;
 // Redraws only the areas that changed.
 - (void)showScene:(const quorvane::Scene&)scene;
-// Returns whether the control supports the action.
+// Returns NO when the view has no events.
 - (BOOL)perform:(quorvane::AccessibilityAction)action on:(const quorvane::SceneControl&)control;
 - (void)setNumber:(double)number of:(const quorvane::SceneControl&)control;
 @end

@@ -2,33 +2,22 @@
 
 #include <algorithm>
 #include <map>
+#include <vector>
 
 #include "drawing/AccessibleScene.hpp"
 #include "drawing/SceneChanges.hpp"
 #include "platform/macos/card/CardControlElement.hpp"
 #include "platform/macos/card/CoreGraphicsCanvas.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
+#include "platform/macos/card/ScrollingTextView.hpp"
 #include "platform/macos/foundation/FoundationValues.hpp"
 #include "platform/macos/foundation/ReferenceCounting.hpp"
-
-namespace quorvane {
-namespace {
-
-NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
-    switch (kind) {
-        case AccessibilityChange::Kind::label: return NSAccessibilityTitleChangedNotification;
-        case AccessibilityChange::Kind::number: return NSAccessibilityValueChangedNotification;
-        default: return NSAccessibilityLayoutChangedNotification;
-    }
-}
-
-}  // namespace
-}  // namespace quorvane
 
 @implementation FirstMouseHostingView {
     quorvane::Scene scene_;
     quorvane::CoreGraphicsCanvas canvas_;
     std::map<quorvane::SceneControl::ID, CardControlElement*> elements_;
+    std::vector<ScrollingTextView*> movedTexts_;
 }
 
 - (BOOL)isFlipped {
@@ -46,23 +35,63 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
 - (void)showScene:(const quorvane::Scene&)scene {
     for (const quorvane::Rect& area : quorvane::changedAreas(scene_, scene))
         [self setNeedsDisplayInRect:cgRect(area)];
-    const auto changes = quorvane::accessibilityChanges(scene_.controls, scene.controls);
-    // Most scenes, many in a second while a text scrolls, have the labels and controls of the last.
     const bool isRenamed = scene.label != scene_.label;
-    const bool hasOtherControls = scene.controls != scene_.controls;
-    scene_ = scene;
+    const quorvane::Scene before = std::exchange(scene_, scene);
+    [self showMovedTexts];
     if (isRenamed) self.accessibilityLabel = quorvane::stringFrom(scene.label);
-    if (hasOtherControls) [self updateControlElements];
+    // Most scenes have the controls of the last.
+    if (before.controls == scene_.controls) return;
+    [self updateControlElements];
+    // A rehearsed card is in no window and concerns nobody.
+    if (self.window != nil)
+        [self reportChanges:quorvane::accessibilityChanges(before.controls, scene_.controls)];
+}
+
+- (void)reportChanges:(const std::vector<quorvane::AccessibilityChange>&)changes {
+    using Kind = quorvane::AccessibilityChange::Kind;
+    bool hasOtherLayout = false;
     for (const quorvane::AccessibilityChange& change : changes) {
-        const auto element = elements_.find(change.control);
-        // For an added or removed control, the subject is the whole card.
-        const id subject = element == elements_.end() ? self : element->second;
-        NSAccessibilityPostNotification(subject, quorvane::noticeOf(change.kind));
+        if (change.kind == Kind::disappeared || change.kind == Kind::appeared)
+            hasOtherLayout = true;
+        else
+            NSAccessibilityPostNotification(elements_.at(change.control),
+                                            change.kind == Kind::label
+                                                ? NSAccessibilityTitleChangedNotification
+                                                : NSAccessibilityValueChangedNotification);
     }
+    // Once for all controls, because the subject is the card.
+    if (hasOtherLayout)
+        NSAccessibilityPostNotification(self, NSAccessibilityLayoutChangedNotification);
+}
+
+// A text keeps its view, and so its place in the cycle, while its node stays the same.
+- (void)showMovedTexts {
+    std::vector<ScrollingTextView*> views;
+    for (const quorvane::SceneNode& node : scene_.nodes) {
+        const auto* const text = std::get_if<quorvane::TextNode>(&node);
+        if (text == nullptr || !text->scroll || !text->scroll->motion) continue;
+        const auto known = std::ranges::find_if(
+            movedTexts_, [&](ScrollingTextView* view) { return view.node == *text; });
+        if (known != movedTexts_.end()) {
+            views.push_back(*known);
+            movedTexts_.erase(known);
+            continue;
+        }
+        views.push_back([[ScrollingTextView alloc] initWithNode:*text
+                                                  isRightToLeft:scene_.isRightToLeft]);
+        [self addSubview:views.back()];
+    }
+    for (ScrollingTextView* view : movedTexts_) [view removeFromSuperview];
+    movedTexts_ = std::move(views);
 }
 
 - (void)drawRect:(NSRect)dirtyRect {
     canvas_.draw(scene_);
+}
+
+// Its texts take no presses.
+- (NSView*)hitTest:(NSPoint)point {
+    return [super hitTest:point] == nil ? nil : self;
 }
 
 // Pointer
@@ -124,17 +153,15 @@ NSAccessibilityNotificationName noticeOf(AccessibilityChange::Kind kind) {
     });
     for (const quorvane::SceneControl& control : scene_.controls) {
         CardControlElement* __strong& element = elements_[control.id];
-        if (element == nil) element = [[CardControlElement alloc] initInView:self];
+        if (element == nil) element = [CardControlElement elementOf:control.role inView:self];
         [element setControl:control];
     }
 }
 
 - (BOOL)perform:(quorvane::AccessibilityAction)action on:(const quorvane::SceneControl&)control {
-    const auto offered = quorvane::accessibilityActions(control.role);
-    if (std::ranges::find(offered, action) == offered.end()) return NO;
     const auto perform = _events.accessibility;
     if (perform) perform(control.id, action);
-    return YES;
+    return perform != nullptr;
 }
 
 - (void)setNumber:(double)number of:(const quorvane::SceneControl&)control {

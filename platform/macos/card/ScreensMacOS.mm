@@ -2,6 +2,9 @@
 
 #import <AppKit/AppKit.h>
 
+#include <array>
+#include <memory>
+
 #include "platform/macos/foundation/Observation.hpp"
 #include "platform/macos/foundation/ReferenceCounting.hpp"
 
@@ -19,6 +22,20 @@ std::vector<Screen> list() {
     return screens;
 }
 
+Handle observeUnseen(const std::function<void(Unseen, bool)>& handler) {
+    // The workspace posts its notices only to its own centre.
+    NSNotificationCenter* const center = NSWorkspace.sharedWorkspace.notificationCenter;
+    const auto on = [&](NSNotificationName name, Unseen reason, bool holds) {
+        return observe(center, name, [=] { handler(reason, holds); });
+    };
+    const auto handles = std::make_shared<std::array<Handle, 4>>(std::array{
+        on(NSWorkspaceScreensDidSleepNotification, Unseen::displaysAsleep, true),
+        on(NSWorkspaceScreensDidWakeNotification, Unseen::displaysAsleep, false),
+        on(NSWorkspaceSessionDidResignActiveNotification, Unseen::sessionInBackground, true),
+        on(NSWorkspaceSessionDidBecomeActiveNotification, Unseen::sessionInBackground, false)});
+    return Handle{[handles] {}};  // they end with this one
+}
+
 }  // namespace
 
 Screens makeScreensMacOS() {
@@ -29,7 +46,8 @@ Screens makeScreensMacOS() {
                                    NSApplicationDidChangeScreenParametersNotification,
                                    std::move(handler));
                 },
-            .observeKeepClear = [](const std::function<void()>&) { return Handle{[] {}}; }};
+            .observeKeepClear = [](const std::function<void()>&) { return Handle{[] {}}; },
+            .observeUnseen = observeUnseen};
 }
 
 }  // namespace quorvane

@@ -61,8 +61,8 @@ TEST(PlayerView, ShowsThePlayersStateWithItsLabels) {
               "image Reed Marsh heart 0:30 \u22122:49 backward.fill pause.fill forward.fill "
               "speaker.fill speaker.wave.3.fill ");
     EXPECT_EQ(labels(f.scene()),
-              "<Artwork> Reed Marsh <Love> <Playback Position>0:30 <Previous Track> <Pause> "
-              "<Next Track> <Volume>50 ");
+              "<Artwork> Reed Marsh <Love> <Playback Position>0:30 \u22122:49 "
+              "<Previous Track> <Pause> <Next Track> <Volume>50 % ");
     EXPECT_EQ(all<ImageNode>(f.scene()).at(0).image, f.model.artwork.get());
     EXPECT_EQ(control(f.scene(), ID::progress)->maximum, 200);
 
@@ -76,7 +76,7 @@ TEST(PlayerView, ShowsThePlayersStateWithItsLabels) {
               "play.fill forward.fill speaker.fill speaker.wave.3.fill ");
     EXPECT_EQ(labels(f.scene()),
               "<Artwork> Re ed Marsh <Remove Love> <Playback Position>0:30 <Previous Track> "
-              "<Play> <Next Track> <Volume>50 ");
+              "<Play> <Next Track> <Volume>50 % ");
     EXPECT_EQ(control(f.scene(), ID::progress)->maximum, 0);
 }
 
@@ -235,6 +235,12 @@ TEST(PlayerViewNextChange, AScrolledSceneEqualsANewOne) {
         ASSERT_EQ(kept.scene, f.scene()) << frame;
         ASSERT_EQ(kept.scene.nextChange, f.scene().nextChange) << frame;
     }
+    // A text that the stage moves needs no frames.
+    f.environment.widestMovedText = 599;
+    EXPECT_EQ(f.made().marquees.size(), 1u);
+    f.environment.widestMovedText = 600;
+    EXPECT_EQ(all<TextNode>(f.scene()).at(0).scroll->motion, (TextNode::Motion{2.5, 32}));
+    EXPECT_FALSE(f.scene().nextChange);
 }
 
 TEST(PlayerViewNextChange, IsExactOverAWholeTrack) {

@@ -8,6 +8,12 @@
 #include "lockers/GreeterZones.hpp"
 
 namespace quorvane {
+namespace {
+
+// A compositor that shows the surface asks for the next frame much sooner.
+constexpr Duration kLongestFrame = std::chrono::seconds{1};
+
+}  // namespace
 
 CardWindowWayland::CardWindowWayland(WaylandSession& session,
                                      std::shared_ptr<CardResources> resources,
@@ -46,7 +52,7 @@ void CardWindowWayland::update() {
     const Instant now = resources_->clock.now();
     finishFade(now);
     const bool isSeen = isToBeSeen();
-    if (!isSeen || isCovered(now)) hide();
+    if (!isSeen || needsNewSurface(now)) hide();
     if (isSeen && !shown_ && !show()) return endFade();
     if (isSeen) drawIfPaced(now);
     beginAnimations(resources_->clock.now());
@@ -61,7 +67,7 @@ void CardWindowWayland::update() {
 // A lock screen that is raised later covers the card. The compositor then keeps the pictures
 // without showing them. A new surface is above it. With the screen off that does not help, hence
 // the growing patience.
-bool CardWindowWayland::isCovered(Instant now) {
+bool CardWindowWayland::needsNewSurface(Instant now) {
     if (!shown_ || now - shown_->lastFrame < patience_) return false;
     if (!shown_->awaitsFrame && shown_->pictures->next()) return false;
     resources_->log.info("windows: window %ld is covered and made again", number_);
@@ -97,7 +103,9 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
     return {.frame =
                 [this] {
                     shown_->awaitsFrame = false;
-                    update();
+                    if (!isCovered()) return update();
+                    setCovered(false);
+                    updateSoon();  // once the observer has drawn
                 },
             .released =
                 [this](std::uint32_t picture) {
@@ -113,6 +121,7 @@ void CardWindowWayland::hide() {
     tellAccessibility(false);
     if (!shown_) return;
     shown_.reset();
+    setCovered(false);
     report(press_.cancel());
 }
 
@@ -158,6 +167,9 @@ void CardWindowWayland::sceneChanged(const std::vector<Rect>& areas) {
     if (!shown_) return;
     shown_->painter.forgetScene();
     shown_->areas.insert(shown_->areas.end(), areas.begin(), areas.end());
+    // No timer watches for this: only a change that is not shown matters.
+    if (shown_->awaitsFrame && resources_->clock.now() - shown_->lastFrame > kLongestFrame)
+        setCovered(true);
     if (!isUpdatePosted_) update();
 }
 

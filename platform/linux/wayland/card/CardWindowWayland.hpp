@@ -50,7 +50,7 @@ private:
     Point origin() const override;
 
     bool show();
-    bool isCovered(Instant now);
+    bool needsNewSurface(Instant now);
     SurfaceEvents surfaceEvents();
     void drawIfPaced(Instant now);
     std::vector<PixelRect> draw(cairo_surface_t* target, const StageLook& look);

@@ -24,6 +24,10 @@ std::unique_ptr<CardWindowX11> CardWindowX11::make(X11Session& x11,
                                         .exposed =
                                             [&self](const PixelRect& part) {
                                                 if (self.display_) self.display_->showAgain(part);
+                                            },
+                                        .covered =
+                                            [&self](bool isCovered) {
+                                                if (self.display_) self.setCovered(isCovered);
                                             }});
     if (!window->child_) return nullptr;
     window->number_ = static_cast<long>(window->child_->window());
@@ -37,7 +41,7 @@ CardWindowX11::CardWindowX11(X11Session& x11, std::shared_ptr<CardResources> res
 CardWindowX11::~CardWindowX11() { close(); }
 
 unsigned long CardWindowX11::occlusionState() const {
-    return isOrderedIn_ && !child_->isObscured() ? kOcclusionVisible : 0;
+    return isOrderedIn_ && !isCovered() ? kOcclusionVisible : 0;
 }
 
 void CardWindowX11::setIgnoresMouseEvents(bool ignores) {
@@ -126,6 +130,7 @@ void CardWindowX11::conceal() {
     arrow_.reset();
     if (child_) child_->unmap();
     display_.reset();
+    setCovered(false);
 }
 
 void CardWindowX11::sceneChanged(const std::vector<Rect>& areas) {

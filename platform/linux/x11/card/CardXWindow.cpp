@@ -114,8 +114,8 @@ void CardXWindow::handle(const xcb_generic_event_t& event) {
             return;
         }
         case XCB_VISIBILITY_NOTIFY:
-            isObscured_ = reinterpret_cast<const xcb_visibility_notify_event_t&>(event).state ==
-                          XCB_VISIBILITY_FULLY_OBSCURED;
+            events_.covered(reinterpret_cast<const xcb_visibility_notify_event_t&>(event).state ==
+                            XCB_VISIBILITY_FULLY_OBSCURED);
             return;
         case XCB_DESTROY_NOTIFY: {
             if (!std::exchange(isStanding_, false)) return;
@@ -143,7 +143,6 @@ bool CardXWindow::isOnTopAt(Point rootPoint) {
 
 void CardXWindow::map() {
     if (!isStanding_ || std::exchange(isMapped_, true)) return;
-    isObscured_ = false;
     stackAboveCover();
     xcb_map_window(x11_.connection(), window_);
 }

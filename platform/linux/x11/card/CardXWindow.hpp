@@ -23,6 +23,7 @@ public:
     struct Events {
         std::function<void()> destroyed;  // by another client or by the server
         std::function<void(const PixelRect& part)> exposed;
+        std::function<void(bool isCovered)> covered;  // by the windows above it
     };
 
     // Returns null when no locker covers the place; the reason is logged.
@@ -37,8 +38,6 @@ public:
     const LockerWindow& locker() const { return locker_; }
     bool isStanding() const { return isStanding_; }
     bool isMapped() const { return isMapped_; }
-    // Whether it is fully covered while mapped.
-    bool isObscured() const { return isObscured_; }
     // In the locker's window coordinates.
     const PixelRect& place() const { return place_; }
     // Its top left, in root pixels.
@@ -80,7 +79,6 @@ private:
     std::vector<PixelRect> outline_;
     bool isStanding_ = false;
     bool isMapped_ = false;
-    bool isObscured_ = false;
     Handle observation_;
 };
 

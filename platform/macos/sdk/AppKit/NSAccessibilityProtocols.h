@@ -4,9 +4,11 @@
 
 @protocol NSAccessibility <NSObject>
 @property(getter=isAccessibilityElement) BOOL accessibilityElement;
+@property(getter=isAccessibilityEnabled) BOOL accessibilityEnabled;
 @property(copy) NSAccessibilityRole accessibilityRole;
 @property(copy) NSString* accessibilityLabel;
 @property(strong) id accessibilityValue;
+@property(copy) NSString* accessibilityValueDescription;
 @property(strong) id accessibilityMinValue;
 @property(strong) id accessibilityMaxValue;
 @property(copy) NSArray* accessibilityChildren;

@@ -28,6 +28,7 @@ enum : NSAutoresizingMaskOptions { NSViewWidthSizable = 2, NSViewHeightSizable =
 @property(readonly, unsafe_unretained) NSWindow* window;
 @property(readonly) BOOL mouseDownCanMoveWindow;
 - (void)addSubview:(NSView*)view;
+- (void)removeFromSuperview;
 - (NSPoint)convertPoint:(NSPoint)point fromView:(NSView*)view;
 - (NSView*)hitTest:(NSPoint)point;
 - (BOOL)acceptsFirstMouse:(NSEvent*)event;

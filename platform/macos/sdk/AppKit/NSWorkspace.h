@@ -4,6 +4,10 @@
 
 extern "C" {
 extern NSNotificationName const NSWorkspaceDidWakeNotification;
+extern NSNotificationName const NSWorkspaceScreensDidSleepNotification;
+extern NSNotificationName const NSWorkspaceScreensDidWakeNotification;
+extern NSNotificationName const NSWorkspaceSessionDidBecomeActiveNotification;
+extern NSNotificationName const NSWorkspaceSessionDidResignActiveNotification;
 }
 
 @interface NSWorkspace : NSObject

@@ -14,6 +14,11 @@
 @property(strong) id toValue;
 @end
 
+@interface CAKeyframeAnimation : CAPropertyAnimation
+@property(copy) NSArray* values;
+@property(copy) NSArray* keyTimes;
+@end
+
 @interface CASpringAnimation : CABasicAnimation
 - (instancetype)initWithPerceptualDuration:(CFTimeInterval)perceptualDuration
                                     bounce:(CGFloat)bounce;

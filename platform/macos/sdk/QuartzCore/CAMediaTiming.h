@@ -4,4 +4,5 @@
 
 @protocol CAMediaTiming
 @property CFTimeInterval duration;
+@property float repeatCount;
 @end

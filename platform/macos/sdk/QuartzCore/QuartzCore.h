@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CAAnimation.h"
+#include "CAGradientLayer.h"
 #include "CALayer.h"
 #include "CAShapeLayer.h"
 #include "CATransaction.h"

@@ -202,6 +202,24 @@ TEST_F(CardWindow, StandsUnderThePromptAndOverThePictureOfTheLocker) {
     EXPECT_EQ(look(), before) << "what was covered is drawn again";
 }
 
+TEST_F(CardWindow, ReportsWhenItIsCoveredWhileItIsOnTheScreen) {
+    showLocked();
+    std::vector<bool> reports;
+    window->setCoverObserver([&](bool isCovered) { reports.push_back(isCovered); });
+    const auto expect = [&](std::vector<bool> expected) {
+        settle();
+        EXPECT_EQ(reports, expected);
+    };
+    client->destroy(mapInLocker({248, 100, 500, 326}, kRed));
+    expect({});
+    client->destroy(mapInLocker(kWholeScreen, kRed));
+    expect({true, false});
+    mapInLocker(kWholeScreen, kRed);
+    EXPECT_EQ(window->occlusionState(), 0u);
+    stage->setHidden(true);
+    expect({true, false, true, false});
+}
+
 TEST_F(CardWindow, LeavesOutWhatIsToBeKeptClear) {
     showLocked();
     EXPECT_NE(pixelAt(500, 384), kLockerColor) << "the shadow";

@@ -185,6 +185,20 @@ TEST_F(WaylandCard, IsMadeAgainWhenItIsCovered) {
     EXPECT_EQ(compositor->surfaces.front().resource, nullptr);
 }
 
+TEST_F(WaylandCard, IsCoveredFromAChangeThatIsNotShownForASecondToTheNextFrame) {
+    showCard();
+    std::vector<bool> reports;
+    window->setCoverObserver([&](bool isCovered) { reports.push_back(isCovered); });
+    settle(std::chrono::milliseconds{1100});
+    EXPECT_TRUE(reports.empty()) << "nothing has changed";
+    stage->setScene(sceneOf(10));
+    EXPECT_TRUE(until([&] { return reports == std::vector{true}; }));
+    const int before = compositor->surface().commits;
+    compositor->repaint();
+    EXPECT_TRUE(until([&] { return compositor->surface().commits > before; }));
+    EXPECT_EQ(reports, (std::vector{true, false}));
+}
+
 TEST_F(WaylandCard, IsPressedByPointerAndFinger) {
     showCard();
     using Kind = PointerEvent::Kind;
