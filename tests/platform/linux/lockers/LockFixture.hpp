@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/services/LockWatcherLinux.hpp"
 #include "platform/linux/lockers/X11SessionLinux.hpp"
+#include "platform/linux/services/LockWatcherLinux.hpp"
 #include "tests/support/LoopRunner.hpp"
 #include "tests/support/PrivateXServer.hpp"
 #include "tests/support/RecordingLog.hpp"
