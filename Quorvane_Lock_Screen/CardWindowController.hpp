@@ -37,7 +37,7 @@ public:
     using MakeContent = std::function<std::unique_ptr<CardContent>(const Screen&)>;
 
     // With a loader, the window server's private interface moves the windows above the lock screen.
-    // Without one, the platform's windows are there already.
+    // Without one, the platform makes them above it.
     CardWindowController(MakeContent makeContent, Services services,
                          const std::optional<DynamicLoader>& windowServerLoader = std::nullopt);
 

@@ -108,7 +108,7 @@ int runBench(bool onOneProcessor) {
     const TemporaryFolder folder;
     const Place place{processor, folder.path(), bus.address()};
     beginReport(processor == 0 ? "The link: one request and its reply, both sides on one processor"
-                               : "The link: the same, each side on a processor of its own");
+                               : "The link: the same, each side on its own processor");
     for (const std::size_t size : kSizes)
         compare("small request, reply of " + sizeName(size), {kSmall, size}, place);
     for (const std::size_t size : kSizes)

@@ -89,7 +89,7 @@ void tellRival(const LoggedProcess& process, const Span& span, const ProcessMemo
     if (memory.anonymous == 0) return;
     report({.what = "its own memory",
             .ratio = own.anonymous / memory.anonymous,
-            .against = "what `playerctl --follow` has",
+            .against = "the memory of `playerctl --follow`",
             .figure = sizeText(own.anonymous) + " to " + sizeText(memory.anonymous)});
     report({.what = "wake-ups of `playerctl --follow` in the same time",
             .figure = numberText(span.wakeUps / span.seconds * 60, " a minute")});
@@ -169,14 +169,14 @@ void entering(const BenchSession& session) {
     const double limit = 800 + millisecondsOf(kFrameTime);
     report(
         {.what = "from the lock screen's notice to the first frame",
-         .figure = timeText(median(first) * 1000) + ", worst of " + std::to_string(kLocks) + " " +
+         .figure = timeText(median(first) * 1000) + ", worst of " + std::to_string(kLocks) + ": " +
                    timeText(*std::ranges::max_element(first) * 1000),
          .goal = "≤ 0.8 s and a frame",
          .isMet = median(first) <= limit,
          .reason = "the backdrop is read only then, and glass, shadow and content drawn for it"});
     report({.what = "entrance: the latest of about " + numberText(median(frames)) + " frames",
             .figure = timeText(median(late) * 1000) + " late, worst of " + std::to_string(kLocks) +
-                      " " + timeText(*std::ranges::max_element(late) * 1000),
+                      ": " + timeText(*std::ranges::max_element(late) * 1000),
             .goal = "≤ a quarter of a frame",
             .isMet = median(late) <= millisecondsOf(kFrameTime) / 4,
             .reason = "no processor was free in time"});

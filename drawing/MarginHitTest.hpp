@@ -1,5 +1,5 @@
-// The decision whether a card's window takes the mouse, for systems whose windows take it on their
-// whole rectangle. The card takes it; the shadow's margin leaves it to the lock screen below. Pure
+// Hit test of a card's window on systems whose windows take the mouse in their whole rectangle.
+// The card takes it; the shadow's margin leaves it to the lock screen below. Pure
 // values.
 #pragma once
 

@@ -72,7 +72,7 @@ struct TextNode {
         double speed = 0;  // points per second
         bool operator==(const Motion&) const = default;
     };
-    // The text is at the edge that it is aligned to, moved `offset` points beyond it. A copy
+    // The text starts at its aligned edge, moved `offset` points beyond it. A copy
     // follows after `gap` points. Both ends of the frame fade over `fade` points. With a motion
     // the stage moves both from there, over and over, for as long as its scenes have this node.
     struct Scroll {
@@ -92,7 +92,7 @@ struct TextNode {
     bool operator==(const TextNode&) const = default;
 };
 
-// A symbol of the system by name, centred in its frame.
+// A symbol by name, centred in its frame.
 struct SymbolNode {
     Rect frame{};
     std::string_view name{};  // a string literal such as "play.fill"

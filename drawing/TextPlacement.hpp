@@ -45,7 +45,7 @@ struct FadeStop {
     double strength = 0;
 };
 std::array<FadeStop, 12> fadeStops(const TextNode& node);
-// The same, of the place `x` points after the frame's left edge.
+// The strength `x` points after the frame's left edge.
 double fadeStrength(const TextNode& node, double x);
 
 }  // namespace quorvane

@@ -1,5 +1,5 @@
-// The areas that KDE Plasma's lock screen on Wayland needs. The compositor does not tell them, so
-// they are known from the lock screen itself. Pure values.
+// The areas that KDE Plasma's lock screen on Wayland needs. The compositor does not report them,
+// so they were measured on the lock screen. Pure values.
 #pragma once
 
 #include <vector>
@@ -12,7 +12,7 @@ namespace quorvane {
 // `output` and the zones are in logical pixels, y growing downward.
 std::vector<Rect> greeterZones(const Rect& output);
 
-// The screen of an output, with its zones. Points are logical pixels; y is turned over.
+// The screen of an output, with its zones. Points are logical pixels; y is flipped.
 Screen screenOfOutput(const Rect& output, double scale);
 // A frame's place on the screen's output, in whole logical pixels from its top left.
 PixelRect placeOnOutput(const Rect& frame, const Screen& screen);

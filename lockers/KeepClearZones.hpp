@@ -23,7 +23,8 @@ struct LockScene {
     bool operator==(const LockScene&) const = default;
 };
 
-// The size around a monitor's centre that holds every current prompt and `lastPrompt`.
+// The size around a monitor's centre that holds `lastPrompt` and every current prompt of at most
+// three quarters of the monitor.
 Size promptsSeen(const LockScene& scene);
 
 // The zones are the prompt area in the centre of each monitor, reserved from the start so that the

@@ -8,7 +8,7 @@
 namespace quorvane {
 
 struct LockSignals {
-    bool hasLockerWindow = false;      // a locker covers the screens
+    bool hasLockerWindow = false;      // a lock screen is seen
     bool screenSaverIsActive = false;  // a desktop's screen-saver service says so
     bool sessionSaysLocked = false;    // the login manager's hint
 
@@ -17,7 +17,7 @@ struct LockSignals {
     constexpr bool isLocked() const {
         return hasLockerWindow || screenSaverIsActive || sessionSaysLocked;
     }
-    // Only a locker's window has room for a card.
+    // Only then can a card appear.
     constexpr bool isLockUIShown() const { return hasLockerWindow; }
 
     constexpr bool operator==(const LockSignals&) const = default;

@@ -31,7 +31,7 @@ struct ScreenLayout {
 // The value of a resource such as "Xft.dpi" in the text of the X resource database.
 std::optional<double> numberResource(std::string_view resources, std::string_view name);
 
-// Pixels per point: the user's demand ("1.5"; ignored outside 0.5 to 8), else the desktop's dots
+// Pixels per point: the user's setting ("1.5"; ignored outside 0.5 to 8), else the desktop's dots
 // per inch divided by 96, rounded to quarters and limited to 1 to 8.
 double scaleFor(std::string_view demand, std::optional<double> dotsPerInch);
 

@@ -1,5 +1,5 @@
-// The add-on's install location. The installer puts it there, and removal deletes nothing
-// elsewhere.
+// The add-on's install location. The installer puts it there; removal deletes the
+// folder.
 #pragma once
 
 #include <filesystem>

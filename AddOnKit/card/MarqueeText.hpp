@@ -31,8 +31,8 @@ struct MarqueeText {
 
     bool isTooLong() const { return textWidth > fieldWidth; }
     bool scrolls() const;
-    // A scrolling text fades out inside its field. It fades in before the field, so that its
-    // beginning is not dimmed during the pause.
+    // A scrolling text's trailing fade is inside its field. Its leading fade is before the field,
+    // so that the pausing text is not dimmed.
     TextNode node(const Rect& field, Instant now) const;
     // The time until the text moves by another pixel; nullopt when it does not move.
     std::optional<Duration> nextChange(Instant now, double scale) const;

@@ -1,4 +1,4 @@
-// Table of all the card's measures. Lengths are points, fractions are opacities of white.
+// The card's shared measures. Lengths are points, fractions are opacities of white.
 #pragma once
 
 #include "drawing/Geometry.hpp"

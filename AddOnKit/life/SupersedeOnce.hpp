@@ -6,8 +6,8 @@
 
 namespace quorvane {
 
-// How long after its launch a new installation sends the statement, if its hellos fail. A removal
-// requested later applies, even if no hello reached the main application before.
+// How long a new installation repeats the statement if its hellos fail. A removal requested later
+// applies, even if no hello reached the main application before.
 inline constexpr std::chrono::minutes kSupersedeLifetime{5};
 
 // Main thread only. Pending until the main application has received it. A hello that was not sent

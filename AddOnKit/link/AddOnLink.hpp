@@ -1,4 +1,4 @@
-// Periodic introduction of the add-on to the main application. Keeps the configuration that the
+// Sender of the add-on's periodic hello to the main application. Keeps the configuration that the
 // main application answers with.
 #pragma once
 

@@ -28,7 +28,7 @@ private:
     Clock clock_;
     std::function<void()> refresh_;
     bool isPolling_ = false;
-    Timer poll_;         // set while polling, except during a refresh of the poll
+    Timer poll_;         // set while polling, except while its refresh runs
     Instant pollDue_{};  // the earliest time of the next poll
     Timer followUp_;
     Instant followUpDue_{};

@@ -42,7 +42,7 @@ struct CardWindowSync {
     // The plan for a change of state.
     static std::vector<Step> steps(const PresentationState& from, const PresentationState& to,
                                    const Standing& standing);
-    // The plan after the set of screens has changed.
+    // The plan after screens or keep-clear areas changed.
     static std::vector<Step> rebuildSteps(const PresentationState& state, const Standing& standing);
 };
 

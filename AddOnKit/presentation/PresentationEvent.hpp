@@ -7,12 +7,12 @@ namespace quorvane {
 
 namespace event {
 
-// Whether the main application allows the card has changed.
+// The main application now allows or forbids the card.
 struct Link {
     bool allowsPlayer;
     bool operator==(const Link&) const = default;
 };
-// Whether there is music to show has changed.
+// There is now music to show, or none.
 struct Music {
     bool isPlaying;
     bool operator==(const Music&) const = default;

@@ -25,7 +25,7 @@ struct JSONValue {
     Kind kind = Kind::absent;
     bool boolean = false;
     std::string text{};   // of a number as written, of a string without its escapes
-    std::size_t end = 0;  // of a string: the offset behind its closing quote
+    std::size_t end = 0;  // of a string: the offset after its closing quote
 };
 
 // `values` has one entry for each of `fields`. The whole text must be one JSON object in UTF-8,

@@ -28,7 +28,7 @@ public:
     [[nodiscard]] bool number(double value);
     // Returns false, and writes nothing, for text that is not UTF-8.
     [[nodiscard]] bool string(std::string_view value);
-    // A string whose letters `append` adds to the text directly; none of them may need an escape.
+    // A string whose characters `append` adds to the text directly; none may need an escape.
     void plainString(const std::function<void(Bytes& text)>& append);
 
 private:

@@ -1,5 +1,5 @@
-// Waits for what other threads bring about. All waits of one object can be cancelled at once; the
-// server's threads wait in no other way.
+// Waits for conditions that other threads change. All waits of one object can be cancelled at once;
+// the server's threads wait in no other way.
 #pragma once
 
 #include <condition_variable>

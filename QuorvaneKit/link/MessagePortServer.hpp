@@ -30,8 +30,8 @@ public:
         std::function<std::optional<std::string>()> portsProblem = [] { return std::nullopt; };
         // Sets the calling thread's name for debuggers; may be null.
         std::function<void(const std::string& name)> nameCurrentThread;
-        // Makes the object with which all of the server waits, once for each start. `stop` cancels
-        // it. Cancelling it earlier, on any thread, ends a `start` that waits.
+        // Makes the object for all waits of the server, once for each start. `stop` cancels it.
+        // Cancelling it earlier, on any thread, ends a `start` that waits.
         std::function<std::shared_ptr<CancellableWait>()> makeWait = [] {
             return std::make_shared<CancellableWait>();
         };

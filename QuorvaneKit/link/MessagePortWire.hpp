@@ -10,8 +10,8 @@ namespace quorvane {
 struct MessagePortWire {
     static constexpr std::size_t kSecretLength = 32;
 
-    // Returns the payload, a part of `framed`. Returns nullopt when the secret before it is wrong,
-    // or either length is. Takes the same time wherever the first difference is.
+    // Returns the payload, a part of `framed`. Returns nullopt when either length or the
+    // secret is wrong. Takes the same time wherever the first difference is.
     static std::optional<ByteView> unwrap(ByteView framed, ByteView expectedSecret);
 };
 

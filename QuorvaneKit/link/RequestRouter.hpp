@@ -32,7 +32,7 @@ public:
                   const std::optional<Bytes>& expectedSecret, Logger log,
                   std::shared_ptr<CancellableWait> wait);
 
-    // The reply; empty when the request is dropped or has none. Waits for a query's handler, unless
+    // The reply; empty if the request is dropped or needs none. Waits for a query's handler, unless
     // the waits are cancelled; then the reply is empty and no handler is called.
     PortAnswer answer(std::int32_t messageID, ByteView body);
 

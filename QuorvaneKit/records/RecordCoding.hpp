@@ -1,4 +1,4 @@
-// Reader and writer of whole records, driven by the table of their fields. Used only by the coder.
+// Reader and writer of whole records, driven by the table of their fields. Only for the coders.
 #pragma once
 
 #include <array>
@@ -30,7 +30,7 @@ struct Wrapped<std::optional<T>> {
 template <typename Member>
 using Inner = typename Wrapped<Member>::Type;
 
-// The number of values that a type requests below itself: its fields, each followed by its own.
+// The number of values below a type: its fields and, recursively, theirs.
 template <typename T>
 constexpr std::size_t valueCount() {
     if constexpr (!kIsRecord<T>) {

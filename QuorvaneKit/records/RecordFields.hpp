@@ -1,4 +1,4 @@
-// Keys of every record on the wire, in the order in which they are written. Used only by the coder.
+// Keys of every record on the wire, in the order in which they are written. Only for the coders.
 #pragma once
 
 #include <string_view>

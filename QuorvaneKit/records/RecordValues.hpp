@@ -1,4 +1,4 @@
-// Reader and writer of a record's single values. Used only by the coder.
+// Reader and writer of a record's single values. Only for the coders.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// The card's outline: straight edges, and corners whose curvature grows and falls steadily. The
-// corners are as wide as circles of the stated radius, without their abrupt start.
+// The card's outline: straight edges, and corners whose curvature grows and falls steadily. A
+// corner's tip is where that of a circle of the stated radius would be.
 #pragma once
 
 #include <limits>

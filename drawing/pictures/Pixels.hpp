@@ -1,4 +1,4 @@
-// Pictures in memory and whole-pixel rectangles, as read from and sent to the X server.
+// Pictures in memory and whole-pixel rectangles.
 #pragma once
 
 #include <algorithm>

@@ -20,7 +20,7 @@
 namespace quorvane {
 
 // Main thread only; one command at a time. Each calls `done` once, later or inside the call, with a
-// text of what was done, or one sentence with the reason of a failure. A failed command changes
+// text of what was done, or one sentence with the reason for failure. A failed command changes
 // nothing, unless the sentence says how far it got. Each may be repeated.
 class AddOnCommands {
 public:
@@ -55,7 +55,7 @@ public:
 private:
     // Ends the command and returns nullopt when the place is not the add-on's.
     std::optional<AddOnInstallation> begin(Done done);
-    // Both return the reason of a failure; nullopt when it worked.
+    // Both return the reason for failure; nullopt on success.
     std::optional<std::string> put(const std::filesystem::path& bundle,
                                    const AddOnInstallation& place);
     std::optional<std::string> start(const AddOnInstallation& place,

@@ -1,5 +1,5 @@
 // Follow-up of a removal that was delivered to the add-on in the answer to its hello. The add-on
-// then only closes its windows and waits; its files go when it is started again to remove itself.
+// then only closes its windows; a launch with --uninstall deletes its files.
 #pragma once
 
 #include "host/addon/AddOnCommands.hpp"

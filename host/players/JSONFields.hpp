@@ -20,7 +20,7 @@ public:
     using Value = rapidjson::Value;
 
     // `place` is the object's own key path, "" for the root. Several readers share one complaint,
-    // which keeps the first; empty without one. The value and the complaint must outlive this
+    // which keeps the first error; empty means none. The value and the complaint must outlive this
     // object.
     JSONFields(const Value& object, std::string place, std::string& complaint);
 

@@ -16,7 +16,7 @@ public:
     virtual ~PlayerSource() = default;
 
     virtual PlayerSnapshot snapshot() const = 0;
-    // These return false, and change nothing, when the player does not support it.
+    // These return false, and change nothing, when the player lacks the command.
     virtual bool perform(QuorvaneAction action) = 0;
     virtual bool setVolume(std::int64_t percent) = 0;  // clamped to 0...100
     virtual bool setRating(std::int64_t percent) = 0;  // clamped to 0...100

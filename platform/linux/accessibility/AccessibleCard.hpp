@@ -11,7 +11,8 @@ class AccessibleCard {
 public:
     virtual ~AccessibleCard() = default;
     virtual const Scene& accessibleScene() const = 0;
-    // The card's top left corner in root pixels, and the number of root pixels per point.
+    // The card's top left corner in pixels of the root, or of its screen on Wayland, and the number
+    // of pixels per point.
     virtual Point accessibleOrigin() const = 0;
     virtual double accessibleScale() const = 0;
     virtual Size accessibleSize() const = 0;  // points

@@ -1,5 +1,5 @@
 // Distributed notices that this process creates from system state, above all the lock notices. They
-// never use the bus, so no bus client can forge a lock.
+// never use the bus, so no bus client can forge one.
 #pragma once
 
 #include <string>

@@ -22,7 +22,7 @@ struct StageLook {
     bool isResting() const { return alpha >= 1 && transform == Transform::identity(); }
 };
 
-// The area that the pointer covers with its tip there, in the tip's coordinates.
+// The area of a pointer with this tip, in the tip's coordinates.
 Rect pointerArea(Point tip);
 
 // Main thread only. Caches the costly results: the glass until the backdrop changes, and a picture

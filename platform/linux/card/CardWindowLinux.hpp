@@ -30,7 +30,7 @@ struct CardResources {
 // The module's table with these windows.
 CardWindows makeCardWindows(decltype(CardWindows::makeWindow) makeWindow);
 
-// Main thread only. The destructors of the kinds call `close`.
+// Main thread only. Each subclass's destructor calls `close`.
 class CardWindowLinux : public CardSystemWindow, protected StageHost, private AccessibleCard {
 public:
     // Whether it was ordered in and still exists.
@@ -58,9 +58,9 @@ protected:
     CardWindowLinux(std::shared_ptr<CardResources> resources, const WindowSettings& settings,
                     const Screen& screen);
 
-    // Brings what is seen up to date.
+    // Shows, redraws or hides the card.
     virtual void update() = 0;
-    // Ends what is seen of the card.
+    // Takes the card off the screen.
     virtual void hide() = 0;
     // Whether the window can still appear.
     virtual bool isStanding() const { return true; }
@@ -87,7 +87,7 @@ protected:
     // Reports a change to the observer.
     void setCovered(bool isCovered);
     bool isCovered() const { return isCovered_; }
-    // The window cannot be shown any more.
+    // Hides the window and ends its fade.
     void vanish();
 
     std::shared_ptr<CardResources> resources_;
@@ -110,7 +110,7 @@ private:
     void picturesArrived();
     void post(std::function<void()> action);
 
-    bool isAccessible_ = false;  // assistive technology knows of it
+    bool isAccessible_ = false;  // on the accessibility bus
     bool isCovered_ = false;
     std::function<void(Point)> mouseDownObserver_;
     std::function<void(bool)> coverObserver_;

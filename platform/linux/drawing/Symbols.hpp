@@ -10,7 +10,7 @@
 
 namespace quorvane {
 
-// Keeps recently drawn symbols, because filling their outlines takes far longer. Main thread only.
+// Caches drawn symbols, because filling outlines takes far longer than copying. Main thread only.
 class Symbols {
 public:
     // Draws nothing for an unknown name. Symbols that point to or from their neighbour are mirrored

@@ -12,7 +12,7 @@ class TextLayoutCache;
 // pixels to where the line is now.
 struct LinePixels {
     double scale = 0;  // pixels per point
-    Color color{};     // of the letters that have no colours themselves, opaque
+    Color color{};     // opaque; of letters without their own colours
     PixelRect ink{};   // from the line's left edge and baseline
     // The letters' coverage; their premultiplied colours if some letters, such as emoji, have
     // colours. Null for a line without ink.

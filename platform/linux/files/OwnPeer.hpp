@@ -1,4 +1,4 @@
-// Check of who is at the other end of a local socket.
+// Peer check of a local socket.
 #pragma once
 
 #include <sys/socket.h>

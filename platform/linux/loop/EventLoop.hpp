@@ -27,7 +27,7 @@ public:
     EventLoop(const EventLoop&) = delete;
     EventLoop& operator=(const EventLoop&) = delete;
 
-    // Null when the system gives no loop.
+    // Null when no loop could be created.
     sd_event* event() const { return event_; }
     // The clock keeps counting while the machine sleeps: timers due during sleep run right after
     // it.

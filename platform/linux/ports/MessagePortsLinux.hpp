@@ -9,8 +9,7 @@
 
 namespace quorvane {
 
-// The folder of this user's ports. If the system has no place for it, no name is served and none
-// can be.
+// The folder of this user's ports. If it is unusable, no port can be opened or found.
 std::filesystem::path portFolderOfUser();
 
 ConnectPort makeConnectPortLinux(std::filesystem::path folder);

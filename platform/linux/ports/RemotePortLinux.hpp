@@ -14,8 +14,8 @@
 
 namespace quorvane {
 
-// Converts to a socket timeout, rounded up as a whole: the system refuses a microsecond part of a
-// million, and the wait would then never end.
+// A socket timeout, rounded up before the split: the system rejects a microsecond part of a
+// million, and the wait would then have no limit.
 constexpr timeval timevalUpTo(Duration limit) {
     const auto rounded = std::chrono::ceil<std::chrono::microseconds>(limit);
     const auto seconds = std::chrono::floor<std::chrono::seconds>(rounded);

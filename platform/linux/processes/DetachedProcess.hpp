@@ -9,9 +9,9 @@
 
 namespace quorvane {
 
-// Starts the program that the bundle's property list names as a child of the system's or the
-// session's first process, in its own session, in the root folder, with default signals and only
-// /dev/null open. Returns once it has started or failed to.
+// Starts the bundle's executable as a child of init or the session's subreaper: in its own session
+// and the root folder, with default signals and only /dev/null open. Returns once it has started or
+// failed to.
 Result<OpenCommandEnd> openApplication(const std::filesystem::path& bundle,
                                        const std::vector<std::string>& arguments);
 

@@ -11,7 +11,7 @@ namespace quorvane {
 //
 // A process begins as a copy of its parent and is recognisable only after it has become its own
 // program. Its launch date is the start of its first thread other than the main one, so that a copy
-// that another copy could not yet see is never older than that one. Without such a thread, the
+// is never older than another copy that could not yet see it. Without such a thread, the
 // launch date is the current time.
 RunningApplications makeRunningApplications();
 

@@ -10,14 +10,14 @@ namespace quorvane {
 
 class OutputInfo {
 public:
-    // `changed` is called each time all of its events of a change have arrived.
+    // `changed` is called once all events of a change have arrived.
     OutputInfo(Wayland<wl_output> output, std::uint32_t name, std::function<void()> changed);
     OutputInfo(const OutputInfo&) = delete;
     OutputInfo& operator=(const OutputInfo&) = delete;
 
     // Its place is known some time after that.
     void describeWith(zxdg_output_manager_v1* manager);
-    // Without it the surfaces can have only whole scales.
+    // Without this call, scales are whole numbers.
     void allowFractions() { hasFractions_ = true; }
 
     wl_output* output() const { return output_.get(); }
@@ -25,8 +25,8 @@ public:
     bool isKnown() const { return !place_.isEmpty(); }
     // Logical pixels.
     const PixelRect& place() const { return place_; }
-    // Pixels per logical pixel. The compositor's own fraction, found from the output's two sizes,
-    // so that the first picture has it: the protocol of fractional scales tells it only later.
+    // Pixels per logical pixel: the ratio of the output's two sizes, because the compositor's
+    // fractional-scale event would come only after the first picture.
     double scale() const;
 
 private:

@@ -32,7 +32,7 @@ public:
                         Logger log);
     ~WaylandSessionLinux() override { setLocked(false); }
 
-    // The lock has begun or ended. The end takes every surface away at once.
+    // Call when the lock begins or ends. Its end removes every surface at once.
     void setLocked(bool isLocked);
     // The result refers to the session.
     Screens screens();

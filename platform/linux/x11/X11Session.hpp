@@ -42,7 +42,7 @@ public:
     virtual xcb_atom_t atom(const char* name) = 0;
     // Every core event that is reported on this window. The caller sets the window's event mask.
     virtual Handle observeWindow(xcb_window_t window, EventHandler handler) = 0;
-    // Every event of one type of an extension: its first event plus the extension's own number.
+    // Every event of one type: an extension's first event plus the event's number in it.
     virtual Handle observeEvents(std::uint8_t type, EventHandler handler) = 0;
     // Primary and other buttons; `moved` only while `observePointer` is held and a button is down.
     // Selected on the server only while there is an observer. Keyboard events are never selected.

@@ -31,12 +31,12 @@ private:
     static constexpr Duration kPatience = std::chrono::seconds{2};
     static constexpr Duration kMostPatience = std::chrono::minutes{1};
 
-    // What exists only while the card is visible.
+    // State that exists only while the card is visible.
     struct Shown {
         CardPainter painter;
         std::unique_ptr<SharedPictures> pictures;
         std::unique_ptr<WaylandSurface> surface;
-        bool awaitsFrame = false;  // the compositor will tell when to draw
+        bool awaitsFrame = false;  // a frame callback is pending
         Instant lastFrame{};
         bool isStale = true;        // everything must be drawn
         std::vector<Rect> areas{};  // that must be drawn, in card coordinates

@@ -28,7 +28,7 @@ public:
     cairo_surface_t* surface(std::uint32_t picture) const {
         return pictures_[picture].surface.get();
     }
-    // It is read from now on, and differs from the last one in these parts.
+    // Marks it as being read; it differs from the last one in these parts.
     void shown(std::uint32_t picture, std::span<const PixelRect> parts);
     void released(std::uint32_t picture);
 
@@ -36,7 +36,7 @@ private:
     struct Picture {
         CairoSurface surface;
         bool isRead = false;
-        std::vector<PixelRect> stale;  // where it lacks what was shown since
+        std::vector<PixelRect> stale;  // parts that changed since it was shown
     };
 
     SharedPictures(std::unique_ptr<SharedMemory> memory, int width, int height);

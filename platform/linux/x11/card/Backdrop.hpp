@@ -30,7 +30,7 @@ public:
     Backdrop(X11Session& x11, xcb_window_t locker) : x11_(x11), locker_(locker) {}
 
     // The pixels on the screen there now, including windows inside the locker's. `lent` is unused
-    // memory for as many pixels, through which the pixels may be read.
+    // memory of that size, which the read may use.
     std::optional<Pixels> visible(const PixelRect& area, const ServerMemory* lent = nullptr);
     std::optional<EdgePixels> visibleEdge(const LockerPlace& place);
     // The locker's background, which the server keeps under every window inside, including ours.

@@ -16,7 +16,7 @@ inline const xcb_query_extension_reply_t* presentExtension(xcb_connection_t* con
     return found && found->present ? found : nullptr;
 }
 
-// In the numbers of the protocol.
+// In the protocol's integer types.
 inline xcb_rectangle_t boxOf(const PixelRect& rect) {
     return {static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y),
             static_cast<std::uint16_t>(rect.width), static_cast<std::uint16_t>(rect.height)};
