@@ -6,6 +6,8 @@ _quorvane_host() {
         --player) words="mpris scripted" ;;
         run) words="--player --script --only" ;;
         install | update) words="--from" ;;
+        lock) words="--" ;;
+        --) compopt -o default; mapfile -t COMPREPLY < <(compgen -c -- "$word"); return ;;
         set | unset)
             words="fetch-artwork pause-on-lock resume-on-unlock quiet-wake privacy privacy. idle-minutes ignore prefer"
             ;;
@@ -13,7 +15,7 @@ _quorvane_host() {
         privacy | privacy.*) words="full player controls" ;;
         ignore | prefer) words="none" ;;
         *quorvane-host)
-            words="run install update launch status quit remove enable disable players set unset --help --version"
+            words="run install update launch status quit remove enable disable players set unset lock --help --version"
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

@@ -7,9 +7,11 @@ function __quorvane_host_after -d "Whether the word before the cursor's fits a p
 end
 complete -c quorvane-host -f
 complete -c quorvane-host -n "__quorvane_host_after '*quorvane-host'" -a \
-    "run install update launch status quit remove enable disable players set unset --help --version"
+    "run install update launch status quit remove enable disable players set unset lock --help --version"
 complete -c quorvane-host -n "__quorvane_host_after run" -a "--player --script --only"
 complete -c quorvane-host -n "__quorvane_host_after install update" -a --from
+complete -c quorvane-host -n "__quorvane_host_after lock" -a --
+complete -c quorvane-host -n "__quorvane_host_after --" -a "(__fish_complete_command)"
 complete -c quorvane-host -n "__quorvane_host_after --player" -a "mpris scripted"
 complete -c quorvane-host -n "__quorvane_host_after --script --from" -F
 complete -c quorvane-host -n "__quorvane_host_after set unset" -a \

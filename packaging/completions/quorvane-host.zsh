@@ -5,6 +5,8 @@ case $words[CURRENT-1] in
     --player) compadd mpris scripted ;;
     run) compadd -- --player --script --only ;;
     install | update) compadd -- --from ;;
+    lock) compadd -- -- ;;
+    --) _command_names -e ;;
     set | unset)
         compadd fetch-artwork pause-on-lock resume-on-unlock quiet-wake privacy privacy. idle-minutes ignore prefer
         ;;
@@ -12,6 +14,6 @@ case $words[CURRENT-1] in
     privacy | privacy.*) compadd full player controls ;;
     ignore | prefer) compadd none ;;
     *quorvane-host)
-        compadd -- run install update launch status quit remove enable disable players set unset --help --version
+        compadd -- run install update launch status quit remove enable disable players set unset lock --help --version
         ;;
 esac
