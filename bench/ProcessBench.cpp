@@ -132,8 +132,8 @@ struct Entrance {
     int frames = 0;
 };
 
-// The entrance redraws the whole card, which is 418 pixels high at first; a marquee's frames are a
-// line high.
+// The entrance redraws the whole card. The server reports a round card as several rectangles; a
+// marquee's frames are a line high.
 Entrance enter(const BenchSession& session, LoggedProcess& addOn) {
     FrameWatch watch{session.display()};
     LoggedProcess locker = session.lock();
@@ -141,7 +141,7 @@ Entrance enter(const BenchSession& session, LoggedProcess& addOn) {
     const TimePoint shown = now();
     watch.watch(shown + milliseconds{400});  // the locker's own drawing
     std::vector<Frame> frames = watch.watch(shown + milliseconds{800} + kEntrance);
-    std::erase_if(frames, [](const Frame& frame) { return frame.height < 400; });
+    std::erase_if(frames, [](const Frame& frame) { return frame.height < 200; });
     Entrance entrance{.frames = static_cast<int>(frames.size())};
     if (frames.size() < 2) die("an entrance without frames");
     entrance.firstFrame = millisecondsOf(frames.front().time - shown);
