@@ -60,7 +60,7 @@ void PlayerCard::setShown(bool shown) {
     }
     isShown_ = false;
     observations_.clear();
-    nextDraw_.reset();
+    cancelDraw();
     const auto pressed = std::exchange(pressed_, std::nullopt);
     // Transitions restart at rest when the card is shown again; the marquees keep their start
     // times.
@@ -73,6 +73,11 @@ void PlayerCard::setShown(bool shown) {
 
 void PlayerCard::freeze() {
     isFrozen_ = true;
+    cancelDraw();
+}
+
+void PlayerCard::cancelDraw() {
+    isDrawingSoon_ = false;
     nextDraw_.reset();
 }
 
@@ -97,8 +102,7 @@ void PlayerCard::draw() {
 }
 
 void PlayerCard::drawNext() {
-    isDrawingSoon_ = false;
-    nextDraw_.reset();
+    cancelDraw();
     if (const auto wait = shown_.scene.nextChange)
         nextDraw_ =
             environment_.clock.afterAbout(*wait, *wait / kUnseenShare, [this] { scroll(); });

@@ -48,6 +48,7 @@ private:
     void draw();
     void drawSoon();
     void drawNext();
+    void cancelDraw();
     void scroll();
     void followTexts(Instant now);
     void followArtwork(Instant now);
