@@ -51,11 +51,11 @@ std::vector<double> copiesOf(const TextNode& node, double rest, double width, bo
 
 MovedLine movedLine(const TextNode& node, double width, bool isRightToLeft) {
     const double direction = directionOf(node, isRightToLeft);
-    const double way = direction * (width + node.scroll->gap);
+    const double distance = direction * (width + node.scroll->gap);
     const double left = leftEdgeOf(node, width, isRightToLeft) + direction * node.scroll->offset;
-    const Rect area{std::min(left, left - way), node.frame.y, width + std::abs(way),
+    const Rect area{std::min(left, left - distance), node.frame.y, width + std::abs(distance),
                     node.frame.height};
-    return {left, left - way, area, way};
+    return {left, left - distance, area, distance};
 }
 
 std::array<FadeStop, 12> fadeStops(const TextNode& node) {

@@ -33,7 +33,7 @@ struct MovedLine {
     double left = 0;
     double copyLeft = 0;
     Rect area{};
-    double way = 0;
+    double distance = 0;
 };
 MovedLine movedLine(const TextNode& node, double width, bool isRightToLeft);
 

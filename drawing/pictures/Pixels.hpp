@@ -32,13 +32,6 @@ struct PixelRect {
                                std::min(maxY(), other.maxY()) - top};
         return common.isEmpty() ? PixelRect{} : common;
     }
-    // The smallest rectangle that contains both. Neither is empty.
-    constexpr PixelRect united(const PixelRect& other) const {
-        const int left = std::min(x, other.x);
-        const int top = std::min(y, other.y);
-        return {left, top, std::max(maxX(), other.maxX()) - left,
-                std::max(maxY(), other.maxY()) - top};
-    }
     constexpr bool operator==(const PixelRect&) const = default;
 };
 

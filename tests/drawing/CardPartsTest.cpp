@@ -45,8 +45,8 @@ TEST(TextPlacement, ShowsTheCopiesThatReachIntoTheField) {
         const MovedLine moved = movedLine(node, 300, isRightToLeft);
         const double rest = leftEdgeOf(node, 300, isRightToLeft);
         EXPECT_EQ(moved.left, copiesOf(node, rest, 300, isRightToLeft).at(0));
-        EXPECT_EQ(moved.copyLeft + moved.way, moved.left);
-        EXPECT_EQ(moved.way, isRightToLeft ? -340 : 340);
+        EXPECT_EQ(moved.copyLeft + moved.distance, moved.left);
+        EXPECT_EQ(moved.distance, isRightToLeft ? -340 : 340);
         EXPECT_EQ(moved.area, (Rect{std::min(moved.left, moved.copyLeft), 20, 640, 18}));
     }
     node.scroll->gap = -300;

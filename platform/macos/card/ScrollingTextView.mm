@@ -57,11 +57,11 @@ CALayer* makeFade(const TextNode& node) {
     return fade;
 }
 
-CAAnimation* makeScrolling(const TextNode::Motion& motion, double way) {
-    const double cycle = motion.rest + std::abs(way) / motion.speed;
+CAAnimation* makeScrolling(const TextNode::Motion& motion, double distance) {
+    const double cycle = motion.rest + std::abs(distance) / motion.speed;
     CAKeyframeAnimation* const scrolling = [[CAKeyframeAnimation alloc] init];
     scrolling.keyPath = @"transform.translation.x";
-    scrolling.values = @[ @0.0, @0.0, @(way) ];
+    scrolling.values = @[ @0.0, @0.0, @(distance) ];
     scrolling.keyTimes = @[ @0.0, @(motion.rest / cycle), @1.0 ];
     scrolling.duration = cycle;
     scrolling.repeatCount = HUGE_VALF;
@@ -95,7 +95,7 @@ CAAnimation* makeScrolling(const TextNode::Motion& motion, double way) {
     MovedTextView* const strip = [[MovedTextView alloc] initWithFrame:quorvane::cgRect(place)
                                                                 scene:std::move(scene)];
     [self addSubview:strip];
-    [strip.layer addAnimation:quorvane::makeScrolling(*node.scroll->motion, moved.way)
+    [strip.layer addAnimation:quorvane::makeScrolling(*node.scroll->motion, moved.distance)
                        forKey:@"scrolling"];
     return self;
 }
