@@ -3,10 +3,8 @@
 #include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 
 #include "platform/linux/fetch/FetchMessages.hpp"
@@ -63,18 +61,11 @@ Result<std::unique_ptr<FetchProcess>> FetchProcess::start(EventLoop& loop,
 
 FetchProcess::FetchProcess(EventLoop& loop, pid_t pid, FileDescriptor socket,
                            std::function<void(FetchAnswer)> done)
-    : pid_(pid),
+    : process_(pid),
       socket_(std::move(socket)),
       done_(std::move(done)),
       watch_(loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t) { receive(); })) {
     received_.reserve(kMostReceived + kPiece);  // memory that is not written is not used
-}
-
-FetchProcess::~FetchProcess() {
-    watch_.reset();
-    kill(pid_, SIGKILL);
-    while (waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
-    }
 }
 
 void FetchProcess::receive() {

@@ -12,6 +12,7 @@
 #include "platform/PlatformError.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
+#include "platform/linux/processes/OwnedProcess.hpp"
 
 namespace quorvane {
 
@@ -23,7 +24,6 @@ public:
                                                        const std::filesystem::path& program,
                                                        const std::string& url,
                                                        std::function<void(FetchAnswer)> done);
-    ~FetchProcess();
     FetchProcess(const FetchProcess&) = delete;
     FetchProcess& operator=(const FetchProcess&) = delete;
 
@@ -32,7 +32,7 @@ private:
                  std::function<void(FetchAnswer)> done);
     void receive();
 
-    pid_t pid_;
+    OwnedProcess process_;
     FileDescriptor socket_;
     std::function<void(FetchAnswer)> done_;
     Bytes received_;

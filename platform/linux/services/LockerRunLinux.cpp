@@ -1,6 +1,5 @@
 // The screen-saver service that stands in for a locker without one.
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/epoll.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -14,6 +13,7 @@
 #include "platform/linux/bus/ScreenSaverSignals.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
 #include "platform/linux/files/PosixError.hpp"
+#include "platform/linux/processes/SpawnSettings.hpp"
 #include "platform/linux/services/HeadlessPlatform.hpp"
 
 namespace quorvane {
@@ -77,12 +77,10 @@ private:
         std::vector<char*> words;
         for (std::string& word : command) words.push_back(word.data());
         words.push_back(nullptr);
-        posix_spawn_file_actions_t files;
-        posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_adddup2(&files, ready, kReadyDescriptor);
-        const int failure =
-            posix_spawnp(&pid_, words.front(), &files, nullptr, words.data(), environ);
-        posix_spawn_file_actions_destroy(&files);
+        SpawnSettings settings;
+        posix_spawn_file_actions_adddup2(&settings.files, ready, kReadyDescriptor);
+        const int failure = posix_spawnp(&pid_, words.front(), &settings.files,
+                                         &settings.attributes, words.data(), environ);
         if (failure != 0) return posixError(command.front(), failure);
         process_ = FileDescriptor{static_cast<int>(syscall(SYS_pidfd_open, pid_, 0))};
         if (!process_) return posixError("process");

@@ -2,16 +2,14 @@
 
 #include <sys/socket.h>
 #include <sys/timerfd.h>
-#include <sys/wait.h>
 
-#include <cerrno>
-#include <csignal>
 #include <utility>
 
 #include "platform/linux/files/PosixError.hpp"
 #include "platform/linux/processes/SpawnSettings.hpp"
 
 namespace quorvane {
+
 Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(
     const std::filesystem::path& program) {
     int ends[2];
@@ -32,12 +30,6 @@ Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(
     if (failure != 0) return posixError(program, failure);
     return std::unique_ptr<SurfaceProcess>{
         new SurfaceProcess{pid, std::move(own), std::move(timer)}};
-}
-
-SurfaceProcess::~SurfaceProcess() {
-    kill(pid_, SIGKILL);
-    while (waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
-    }
 }
 
 void SurfaceProcess::endAfter(Duration time) {

@@ -9,6 +9,7 @@
 #include "platform/Clock.hpp"
 #include "platform/PlatformError.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
+#include "platform/linux/processes/OwnedProcess.hpp"
 
 namespace quorvane {
 
@@ -17,7 +18,6 @@ namespace quorvane {
 class SurfaceProcess {
 public:
     static Result<std::unique_ptr<SurfaceProcess>> start(const std::filesystem::path& program);
-    ~SurfaceProcess();
     SurfaceProcess(const SurfaceProcess&) = delete;
     SurfaceProcess& operator=(const SurfaceProcess&) = delete;
 
@@ -28,11 +28,11 @@ public:
 
 private:
     SurfaceProcess(pid_t pid, FileDescriptor connection, FileDescriptor timer)
-        : pid_(pid), connection_(std::move(connection)), timer_(std::move(timer)) {}
+        : connection_(std::move(connection)), timer_(std::move(timer)), process_(pid) {}
 
-    pid_t pid_;
     FileDescriptor connection_;
     FileDescriptor timer_;
+    OwnedProcess process_;
 };
 
 }  // namespace quorvane
