@@ -36,7 +36,7 @@ CardWindowController::CardWindowController(MakeContent makeContent, Services ser
 
 void CardWindowController::present(const PresentationState& state) {
     const PresentationState previous = std::exchange(state_, state);
-    apply(CardWindowSync::steps(previous, state, standing()), "state");
+    apply(CardWindowSync::steps(previous, state, existing()), "state");
     if (state.cardExpected() && !previous.cardExpected()) rehearseSoon();
 }
 
@@ -53,7 +53,7 @@ void CardWindowController::rehearseSoon() {
     });
 }
 
-CardWindowSync::Standing CardWindowController::standing() const {
+CardWindowSync::Existing CardWindowController::existing() const {
     return {.windowCount = entries_.size(),
             .isActivityActive = static_cast<bool>(activity_),
             .screenCount = services_.screens.list().size()};
@@ -168,7 +168,7 @@ void CardWindowController::screensChanged() {
               static_cast<long>(services_.screens.list().size()),
               static_cast<long>(entries_.size()), state_.windowsWanted());
     if (stillFits()) return;
-    apply(CardWindowSync::rebuildSteps(state_, standing()), "screens changed");
+    apply(CardWindowSync::rebuildSteps(state_, existing()), "screens changed");
 }
 
 // One reconfiguration causes a burst of notices. A rebuild for each would end a press or a drag.
@@ -204,7 +204,7 @@ void CardWindowController::keepClearChanged() {
         if (entry != entries_.end()) moves.emplace_back(&*entry, screen, place->frame);
     }
     if (moves.size() != placed || moves.size() != entries_.size()) {
-        apply(CardWindowSync::rebuildSteps(state_, standing()), "keep clear");
+        apply(CardWindowSync::rebuildSteps(state_, existing()), "keep clear");
         return;
     }
     for (const auto& [entry, screen, frame] : moves) {

@@ -53,7 +53,7 @@ private:
     };
 
     void rehearseSoon();
-    CardWindowSync::Standing standing() const;
+    CardWindowSync::Existing existing() const;
     void apply(const std::vector<CardWindowSync::Step>& steps, std::string_view reason);
     void build(CardWindowSync::CardAppearance appearance, std::string_view reason);
     // Returns whether the screen has room for the card.

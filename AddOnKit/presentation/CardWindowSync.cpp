@@ -5,22 +5,22 @@ namespace {
 
 using Appearance = CardWindowSync::CardAppearance;
 using Step = CardWindowSync::Step;
-using Standing = CardWindowSync::Standing;
+using Existing = CardWindowSync::Existing;
 
 // Closes all windows and ends the activity.
-std::vector<Step> clearAway(const Standing& standing) {
+std::vector<Step> clearAway(const Existing& existing) {
     std::vector<Step> plan;
-    if (standing.windowCount >= 1) plan.emplace_back(CardWindowSync::CloseAll{});
-    if (standing.isActivityActive) plan.emplace_back(CardWindowSync::EndActivity{});
+    if (existing.windowCount >= 1) plan.emplace_back(CardWindowSync::CloseAll{});
+    if (existing.isActivityActive) plan.emplace_back(CardWindowSync::EndActivity{});
     return plan;
 }
 
 // From no window to one for each screen. Without a screen the activity is not needed.
-void appendBuild(std::vector<Step>& plan, Appearance appearance, const Standing& standing) {
-    if (standing.screenCount >= 1) {
+void appendBuild(std::vector<Step>& plan, Appearance appearance, const Existing& existing) {
+    if (existing.screenCount >= 1) {
         plan.emplace_back(CardWindowSync::Build{appearance});
-        if (!standing.isActivityActive) plan.emplace_back(CardWindowSync::BeginActivity{});
-    } else if (standing.isActivityActive) {
+        if (!existing.isActivityActive) plan.emplace_back(CardWindowSync::BeginActivity{});
+    } else if (existing.isActivityActive) {
         plan.emplace_back(CardWindowSync::EndActivity{});
     }
 }
@@ -28,11 +28,11 @@ void appendBuild(std::vector<Step>& plan, Appearance appearance, const Standing&
 }  // namespace
 
 std::vector<Step> CardWindowSync::steps(const PresentationState& from, const PresentationState& to,
-                                        const Standing& standing) {
-    if (!to.windowsWanted()) return clearAway(standing);
+                                        const Existing& existing) {
+    if (!to.windowsWanted()) return clearAway(existing);
     std::vector<Step> plan;
-    if (standing.windowCount == 0) {
-        appendBuild(plan, to.hasMusic ? Appearance::entrance : Appearance::hidden, standing);
+    if (existing.windowCount == 0) {
+        appendBuild(plan, to.hasMusic ? Appearance::entrance : Appearance::hidden, existing);
         return plan;
     }
     // If the windows were up although not wanted, their card was invisible.
@@ -42,14 +42,14 @@ std::vector<Step> CardWindowSync::steps(const PresentationState& from, const Pre
 }
 
 std::vector<Step> CardWindowSync::rebuildSteps(const PresentationState& state,
-                                               const Standing& standing) {
-    if (!state.windowsWanted()) return clearAway(standing);
+                                               const Existing& existing) {
+    if (!state.windowsWanted()) return clearAway(existing);
     std::vector<Step> plan;
-    if (standing.windowCount >= 1) plan.emplace_back(CloseAll{});
+    if (existing.windowCount >= 1) plan.emplace_back(CloseAll{});
     // A card that was already visible does not repeat its entrance.
     const Appearance shown =
-        standing.windowCount == 0 ? Appearance::entrance : Appearance::immediate;
-    appendBuild(plan, state.hasMusic ? shown : Appearance::hidden, standing);
+        existing.windowCount == 0 ? Appearance::entrance : Appearance::immediate;
+    appendBuild(plan, state.hasMusic ? shown : Appearance::hidden, existing);
     return plan;
 }
 

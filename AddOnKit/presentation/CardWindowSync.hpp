@@ -33,7 +33,7 @@ struct CardWindowSync {
     using Step = std::variant<Build, SetCardVisible, CloseAll, BeginActivity, EndActivity>;
 
     // What exists now.
-    struct Standing {
+    struct Existing {
         std::size_t windowCount = 0;
         bool isActivityActive = false;
         std::size_t screenCount = 0;
@@ -41,9 +41,9 @@ struct CardWindowSync {
 
     // The plan for a change of state.
     static std::vector<Step> steps(const PresentationState& from, const PresentationState& to,
-                                   const Standing& standing);
+                                   const Existing& existing);
     // The plan after screens or keep-clear areas changed.
-    static std::vector<Step> rebuildSteps(const PresentationState& state, const Standing& standing);
+    static std::vector<Step> rebuildSteps(const PresentationState& state, const Existing& existing);
 };
 
 }  // namespace quorvane

@@ -183,7 +183,7 @@ void HostCoordinator::announceSoon() {
 void HostCoordinator::announce() {
     announcement_.reset();
     PlayerSnapshot now = player_->snapshot();
-    if (announced_ && !isNews(*announced_, now, services_.clock.now())) return;
+    if (announced_ && !mustBeAnnounced(*announced_, now, services_.clock.now())) return;
     announced_ = std::move(now);
     if (isServing()) services_.darwinNotices.post(QuorvaneDarwinNotification::playerStateChanged);
 }

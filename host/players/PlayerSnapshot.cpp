@@ -36,7 +36,7 @@ QuorvanePlayerState stateAt(const PlayerSnapshot& snapshot, Instant now, WallTim
     return state;
 }
 
-bool isNews(const PlayerSnapshot& before, const PlayerSnapshot& after, Instant now) {
+bool mustBeAnnounced(const PlayerSnapshot& before, const PlayerSnapshot& after, Instant now) {
     // The state at a fixed moment; the comparison below handles the position.
     const auto withoutPosition = [](const PlayerSnapshot& snapshot) {
         return stateAt({snapshot.state, {}}, {}, {});

@@ -38,6 +38,6 @@ QuorvanePlayerState stateAt(const PlayerSnapshot& snapshot, Instant now, WallTim
 
 // Whether a receiver that extrapolates from `before` must be notified of `after`. Normal playback
 // progress does not count as a change.
-bool isNews(const PlayerSnapshot& before, const PlayerSnapshot& after, Instant now);
+bool mustBeAnnounced(const PlayerSnapshot& before, const PlayerSnapshot& after, Instant now);
 
 }  // namespace quorvane

@@ -57,7 +57,7 @@ DistributedNotices makeDistributedNotices(SessionBus& bus, LocalNotices& localNo
                                sd_bus_message_skip(message, "s") >= 0 &&
                                readBusDictionary(message, userInfo) >= 0)
                                return handler(userInfo);
-                           log.error("bus: %{public}s has another form; dropped", name);
+                           log.error("bus: %{public}s has an unexpected signature; dropped", name);
                        });
     };
     return {.post = postNotice, .observe = observeNotice};

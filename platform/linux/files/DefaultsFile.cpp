@@ -130,7 +130,7 @@ Result<void> DefaultsFile::refresh() {
         stored_ = std::get<PropertyDictionary>(std::move(list->value));
     } else {
         isMalformed_ = true;
-        log_.error("defaults: %{public}s is no dictionary of a property list", file_.string());
+        log_.error("defaults: %{public}s is not a property list with a dictionary", file_.string());
     }
     return {};
 }

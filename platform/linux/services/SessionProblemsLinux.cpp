@@ -38,8 +38,8 @@ std::string portsProblem(std::string_view runtimeVariable, const std::string& ru
         found = "XDG_RUNTIME_DIR is not set, and " + runtimeFolder;
     else if (!runtimeVariable.starts_with('/'))
         found = "XDG_RUNTIME_DIR is not an absolute path, and " + runtimeFolder;
-    return "there is no runtime folder, where host and add-on meet: " + found +
-           " cannot be used (" + reason +
+    return "there is no folder for the sockets of host and add-on: " + found + " cannot be used (" +
+           reason +
            "); log in at the login screen, or set the variable to a folder of yours with mode 0700";
 }
 
@@ -50,7 +50,7 @@ std::optional<std::string> findPortsProblem() {
         return portsProblem(environmentVariable("XDG_RUNTIME_DIR"), runtime.string(),
                             std::system_category().message(errno));
     if (access(folder.c_str(), F_OK) == 0 && !PortFolder::open(folder, PortFolder::Purpose::serve))
-        return "the folder where host and add-on meet is not a private one of yours: " +
+        return "the folder for the sockets of host and add-on must belong to you alone: " +
                folder.string() + "; remove it";
     return std::nullopt;
 }

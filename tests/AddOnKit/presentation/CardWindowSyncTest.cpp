@@ -33,7 +33,7 @@ TEST(CardWindowSync, PlansItsStepsInOrder) {
     constexpr PresentationState shown{true, true, true, true, true};
     const struct {
         PresentationState from, to;
-        Sync::Standing standing;  // windows, activity, screens
+        Sync::Existing existing;  // windows, activity, screens
         const char* plan;
         const char* rebuild;  // at `to`, after a change of screens
     } rows[] = {
@@ -52,8 +52,8 @@ TEST(CardWindowSync, PlansItsStepsInOrder) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
-        EXPECT_EQ(text(Sync::steps(row.from, row.to, row.standing)), row.plan);
-        EXPECT_EQ(text(Sync::rebuildSteps(row.to, row.standing)), row.rebuild);
+        EXPECT_EQ(text(Sync::steps(row.from, row.to, row.existing)), row.plan);
+        EXPECT_EQ(text(Sync::rebuildSteps(row.to, row.existing)), row.rebuild);
     }
 }
 

@@ -117,17 +117,17 @@ TEST(StateAt, TellsTheExactPositionWithATimestampOfWholeSeconds) {
 TEST(IsNews, OnlyWhatAReceiverCannotForesee) {
     const PlayerSnapshot before = playing(10, kNow);
     const Instant later = kNow + 20s;
-    EXPECT_FALSE(isNews(before, playing(30, later), later));
-    EXPECT_FALSE(isNews(before, playing(30.2, later), later));
-    EXPECT_TRUE(isNews(before, playing(29.7, later), later));
-    EXPECT_TRUE(isNews(before, playing(30.3, later), later));
+    EXPECT_FALSE(mustBeAnnounced(before, playing(30, later), later));
+    EXPECT_FALSE(mustBeAnnounced(before, playing(30.2, later), later));
+    EXPECT_TRUE(mustBeAnnounced(before, playing(29.7, later), later));
+    EXPECT_TRUE(mustBeAnnounced(before, playing(30.3, later), later));
     PlayerSnapshot after[4] = {before, before, before, before};
     after[0].state.volume = 3;
     after[1].state.track->artworkData.emplace(Bytes(3));
     after[2].anchor.isPlaying = false;
     after[3].anchor.rate = 1.25;
     for (const PlayerSnapshot& each : after)
-        EXPECT_TRUE(isNews(before, each, kNow)) << &each - after;
+        EXPECT_TRUE(mustBeAnnounced(before, each, kNow)) << &each - after;
 }
 
 }  // namespace
