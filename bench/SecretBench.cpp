@@ -68,11 +68,10 @@ int runBench() {
                 .figure = numberText(times.median() / kChecks * 1000, " ns"),
                 .goal = goal,
                 .isMet = ratio >= least && ratio <= most,
-                .reason = "after the comparison only a right request has its payload extracted"});
+                .reason = "the time depends on where a guess is wrong"});
     };
     beginReport("The secret's check");
     row("wrong in the first byte", first, last, "wrong in the last byte", 0.98, 1.02, "within 2 %");
-    row("wrong in the last byte", last, right, "the right secret", 0.98, 1.02, "within 2 %");
     row("the right secret", right, comparison, "memcmp", 0, 2, "at most 2 ×");
     return 0;
 }
