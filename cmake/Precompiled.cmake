@@ -1,5 +1,4 @@
-# Precompiled standard headers. Each program and library still includes what it uses: the cross build of the macOS edition
-# precompiles for tests only and finds a missing include.
+# Precompiled standard headers. Each program and library still includes what it uses: the macOS edition is built without them.
 set(QUORVANE_STANDARD_HEADERS
     <algorithm> <array> <chrono> <cmath> <cstdint> <expected> <filesystem> <functional> <map> <memory> <mutex> <optional>
     <set> <span> <string> <string_view> <utility> <variant> <vector>)

@@ -6,7 +6,11 @@ function(quorvane_room name)
     add_library(${name} STATIC ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PUBLIC ${ARG_LINKS})
-    if(QUORVANE_UNITY)  # GCC takes the room's .cpp files for headers there
+    set(unity ${QUORVANE_UNITY})
+    if(ARG_SOURCES MATCHES "[.]mm")  # Objective-C++ is compiled a file at a time
+        set(unity OFF)
+    endif()
+    if(unity)  # GCC takes the room's .cpp files for headers there
         target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
     endif()
     quorvane_precompiled(${name} quorvane_precompiled_standard)
@@ -15,7 +19,7 @@ function(quorvane_room name)
     file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${folder}")
     set_target_properties(${name} PROPERTIES QUORVANE_FOLDER "${folder}" QUORVANE_LINKS "${ARG_LINKS}"
                           QUORVANE_INCLUDES "${ARG_INCLUDES}"
-                          UNITY_BUILD ${QUORVANE_UNITY} UNITY_BUILD_BATCH_SIZE 0)
+                          UNITY_BUILD ${unity} UNITY_BUILD_BATCH_SIZE 0)
     set_property(GLOBAL APPEND PROPERTY QUORVANE_ROOMS ${name})
 endfunction()
 
