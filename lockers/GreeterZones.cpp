@@ -5,14 +5,14 @@
 namespace quorvane {
 namespace {
 
-// Plasma's Breeze lock screen, seen at several sizes with Plasma 5.27. The user's picture ends at
-// the middle line, which is 27 below the screen's. The name, the prompt, the media controls and the
-// buttons follow. The clock stands halfway between the picture and the top.
+// Plasma's Breeze lock screen, seen with Plasma 5.27 and 6.7. The user's picture ends at the middle
+// line, which is 27 below the screen's. The name, the prompt, the media controls and the buttons
+// follow. The clock stands halfway between the picture and the top.
 constexpr double kMiddleLine = 27;
 constexpr double kPictureHeight = 175;
 constexpr double kBelowPicture = 250;
 constexpr double kPromptWidth = 330;
-constexpr Size kClock{520, 150};
+constexpr Size kClock{520, 170};
 constexpr double kFooter = 48;  // the virtual keyboard, the layout, the battery
 
 Rect centred(const Rect& output, double width, double top, double bottom) {

@@ -49,7 +49,7 @@ TEST(WaylandSessions, SayWhatTheUserMustDo) {
         EXPECT_NE(waylandAdvice("Hyprland", version)->find(words), std::string::npos) << version;
 }
 
-// Seen on Plasma 5.27.
+// Seen on Plasma 5.27 and 6.7.
 TEST(GreeterZones, HoldWhatPlasmaShows) {
     constexpr Rect kSmall{0, 0, 1280, 800};
     constexpr Rect kLarge{0, 0, 1920, 1080};
@@ -58,6 +58,7 @@ TEST(GreeterZones, HoldWhatPlasmaShows) {
           {kSmall, Rect{578, 266, 124, 124}},          // the user's picture
           {kSmall, Rect{497, 463, 287, 34}},           // the prompt
           {kSmall, Rect{10, 775, 125, 15}},            // the virtual keyboard
+          {kLarge, Rect{738, 143, 443, 136}},          // 6.7's clock and date
           {kLarge, Rect{815, 643, 289, 56}}}) {        // the media controls
         bool isHeld = false;
         for (const Rect& zone : greeterZones(output))
