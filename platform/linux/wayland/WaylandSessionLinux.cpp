@@ -71,9 +71,15 @@ void WaylandSessionLinux::start() {
         return log_.error("wayland: no surface process: %{public}s", process.error().description);
     connection_ = std::make_unique<Connection>();
     connection_->process = *std::move(process);
+    connection_->notices = loop_.watch(
+        connection_->process->notices(), EPOLLIN,
+        [this](std::uint32_t) { connection_->process->hasConnected() ? connected() : ended(); });
+}
+
+void WaylandSessionLinux::connected() {
     wl_display* const display = wl_display_connect_to_fd(connection_->process->takeConnection());
     connection_->display.reset(display);
-    // A process that does not read counts as ended.
+    // A compositor that does not read counts as ended.
     connection_->beforeSleep = loop_.beforeSleep([this, display] {
         if (wl_display_flush(display) < 0) ended();
     });
@@ -85,7 +91,7 @@ void WaylandSessionLinux::start() {
     askToStart(&WaylandSessionLinux::globalsKnown);
 }
 
-// Kills the process.
+// Ends the connection and kills the process.
 void WaylandSessionLinux::disconnect() {
     nextBeat_.reset();
     while (!surfaces_.empty()) {

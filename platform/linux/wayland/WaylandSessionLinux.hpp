@@ -40,9 +40,10 @@ public:
                                          SurfaceEvents events) override;
 
 private:
-    // Everything that ends with the process. The display ends last.
+    // Everything that ends with the process. The display ends after what belongs to it.
     struct Connection {
         std::unique_ptr<SurfaceProcess> process;
+        Handle notices;
         Wayland<wl_display> display;
         Wayland<wl_registry> registry;
         Wayland<wl_callback> start;
@@ -56,6 +57,7 @@ private:
     };
 
     void start();
+    void connected();
     void disconnect();
     void ended();
     void appeared(std::uint32_t name, std::string_view interface, std::uint32_t version);
