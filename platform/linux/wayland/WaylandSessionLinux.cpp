@@ -79,16 +79,29 @@ void WaylandSessionLinux::start() {
 void WaylandSessionLinux::connected() {
     wl_display* const display = wl_display_connect_to_fd(connection_->process->takeConnection());
     connection_->display.reset(display);
-    // A compositor that does not read counts as ended.
-    connection_->beforeSleep = loop_.beforeSleep([this, display] {
-        if (wl_display_flush(display) < 0) ended();
-    });
-    connection_->watch = loop_.watch(wl_display_get_fd(display), EPOLLIN, [this](std::uint32_t) {
-        if (wl_display_dispatch(connection_->display.get()) < 0) ended();
-    });
+    connection_->beforeSleep = loop_.beforeSleep([this] { exchange(); });
     connection_->registry.reset(wl_display_get_registry(display));
     wl_registry_add_listener(connection_->registry.get(), &kRegistryListener, this);
     askToStart(&WaylandSessionLinux::globalsKnown);
+}
+
+// A compositor that does not read counts as ended.
+void WaylandSessionLinux::exchange() {
+    wl_display* const display = connection_->display.get();
+    if ((!connection_->watch && !dispatch()) || wl_display_flush(display) < 0) return ended();
+    if (std::exchange(mayEventsWait_, false))
+        connection_->watch.reset();
+    else if (!connection_->watch)
+        connection_->watch = loop_.watch(wl_display_get_fd(display), EPOLLIN, [this](auto) {
+            if (!dispatch()) ended();
+        });
+}
+
+// Without waiting for events.
+bool WaylandSessionLinux::dispatch() const {
+    wl_display* const display = connection_->display.get();
+    if (wl_display_prepare_read(display) == 0 && wl_display_read_events(display) < 0) return false;
+    return wl_display_dispatch_pending(display) >= 0;
 }
 
 // Ends the connection and kills the process.

@@ -38,6 +38,7 @@ public:
     Screens screens();
     std::unique_ptr<WaylandSurface> open(const Screen& screen, const SurfaceRequest& request,
                                          SurfaceEvents events) override;
+    void postponeEvents() override { mayEventsWait_ = true; }
 
 private:
     // Everything that ends with the process. The display ends after what belongs to it.
@@ -52,12 +53,14 @@ private:
         std::list<OutputInfo> outputs;  // in the order of their appearance
         std::list<SeatInput> seats;
         bool isReady = false;  // the outputs are known
-        Handle watch;
+        Handle watch;          // not while events may wait
         Handle beforeSleep;
     };
 
     void start();
     void connected();
+    void exchange();
+    bool dispatch() const;
     void disconnect();
     void ended();
     void appeared(std::uint32_t name, std::string_view interface, std::uint32_t version);
@@ -82,6 +85,7 @@ private:
     std::unique_ptr<Connection> connection_;
     void (WaylandSessionLinux::*nextStep_)() = nullptr;
     std::vector<CardSurface*> surfaces_;
+    bool mayEventsWait_ = false;
     int restartsLeft_ = 0;
     Timer restart_;
     Timer nextBeat_;

@@ -12,6 +12,8 @@ namespace {
 
 // A compositor that shows the surface asks for the next frame much sooner.
 constexpr Duration kLongestFrame = std::chrono::seconds{1};
+// A press that waits for the next step of a moving title does not feel late.
+constexpr Duration kSoon = std::chrono::milliseconds{40};
 
 }  // namespace
 
@@ -146,6 +148,9 @@ void CardWindowWayland::drawIfPaced(Instant now) {
     shown.surface->show(*picture, parts);
     // After the first frame, which shows no glass yet.
     shown.painter.makeChrome();
+    // A moving title wakes the process once for each step and not also for the answer.
+    const auto next = stage_->scene().nextChange;
+    if (next && *next <= kSoon && !shown.isStale && !press_.isPressed()) session_.postponeEvents();
 }
 
 // Returns the changed parts.
