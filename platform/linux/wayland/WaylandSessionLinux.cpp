@@ -89,7 +89,7 @@ void WaylandSessionLinux::connected() {
 void WaylandSessionLinux::exchange() {
     wl_display* const display = connection_->display.get();
     if ((!connection_->watch && !dispatch()) || wl_display_flush(display) < 0) return ended();
-    if (std::exchange(mayEventsWait_, false))
+    if (std::exchange(connection_->mayEventsWait, false))
         connection_->watch.reset();
     else if (!connection_->watch)
         connection_->watch = loop_.watch(wl_display_get_fd(display), EPOLLIN, [this](auto) {

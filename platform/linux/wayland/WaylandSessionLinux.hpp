@@ -38,7 +38,7 @@ public:
     Screens screens();
     std::unique_ptr<WaylandSurface> open(const Screen& screen, const SurfaceRequest& request,
                                          SurfaceEvents events) override;
-    void postponeEvents() override { mayEventsWait_ = true; }
+    void postponeEvents() override { connection_->mayEventsWait = true; }
 
 private:
     // Everything that ends with the process. The display ends after what belongs to it.
@@ -53,7 +53,8 @@ private:
         std::list<OutputInfo> outputs;  // in the order of their appearance
         std::list<SeatInput> seats;
         bool isReady = false;  // the outputs are known
-        Handle watch;          // not while events may wait
+        bool mayEventsWait = false;
+        Handle watch;  // not while events may wait
         Handle beforeSleep;
     };
 
@@ -85,7 +86,6 @@ private:
     std::unique_ptr<Connection> connection_;
     void (WaylandSessionLinux::*nextStep_)() = nullptr;
     std::vector<CardSurface*> surfaces_;
-    bool mayEventsWait_ = false;
     int restartsLeft_ = 0;
     Timer restart_;
     Timer nextBeat_;

@@ -308,4 +308,11 @@ int TestCompositor::clientCount() const {
     return display_ ? wl_list_length(wl_display_get_client_list(display_)) : 0;
 }
 
+pid_t TestCompositor::clientProcess() const {
+    pid_t process = 0;
+    wl_client_get_credentials(wl_client_from_link(wl_display_get_client_list(display_)->next),
+                              &process, nullptr, nullptr);
+    return process;
+}
+
 }  // namespace quorvane

@@ -68,6 +68,7 @@ public:
     std::list<Surface> surfaces{};
     Surface& surface() { return surfaces.back(); }
     int clientCount() const;
+    pid_t clientProcess() const;  // of the only client
 
 private:
     friend struct CompositorRequests;

@@ -147,6 +147,7 @@ TEST_F(WaylandCard, HasTheScreensPixelsAndTheLogicalSize) {
 Scene sceneOf(double width) {
     Scene scene;
     scene.nodes.push_back(ShapeNode{.frame = {20, 20, width, 10}, .fill = Color::white()});
+    scene.nextChange = std::chrono::milliseconds{30};  // as a moving title's
     return scene;
 }
 
@@ -167,7 +168,9 @@ TEST_F(WaylandCard, DrawsOnceAFrame) {
     for (int i = 1; i <= 4; ++i) {  // each picture has what was drawn into the other
         compositor->repaint();
         settle(std::chrono::milliseconds{30});
-        stage->setScene(sceneOf(20 + 20 * i));
+        Scene scene = sceneOf(20 + 20 * i);
+        scene.nextChange = std::chrono::milliseconds{30};  // events may wait
+        stage->setScene(scene);
         ASSERT_TRUE(until([&] { return compositor->surface().commits == before + 1 + i; }));
         EXPECT_EQ(compositor->surface().shown.at(52 + 22, 52 + 25),
                   compositor->surface().shown.at(52 + 20 + 20 * i + 15, 52 + 25));
@@ -252,6 +255,10 @@ TEST_F(WaylandCard, OutlivesNeitherTheCompositorNorItsProcess) {
     compositor.emplace(loop);
     compositor->addOutput(kPlain);
     EXPECT_TRUE(until([&] { return session.screens().list().size() == 1; }));
+    // Compositors ask which program has connected.
+    ASSERT_NE(compositor->clientProcess(), getpid());
+    kill(compositor->clientProcess(), SIGKILL);
+    EXPECT_TRUE(until([&] { return compositor->clientCount() == 0; }));
 }
 
 TEST_F(WaylandCard, NeedsTheOverlayOfKde) {
