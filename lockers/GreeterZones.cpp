@@ -1,19 +1,25 @@
 #include "lockers/GreeterZones.hpp"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
+
+#include "platform/KeyFile.hpp"
 
 namespace quorvane {
 namespace {
 
-// Plasma's Breeze lock screen, seen at several sizes with Plasma 5.27. The user's picture ends at
-// the middle line, which is 27 below the screen's. The name, the prompt, the media controls and the
-// buttons follow. The clock stands halfway between the picture and the top.
-constexpr double kMiddleLine = 27;
-constexpr double kPictureHeight = 175;
-constexpr double kBelowPicture = 250;
-constexpr double kPromptWidth = 330;
-constexpr Size kClock{520, 150};
-constexpr double kFooter = 48;  // the virtual keyboard, the layout, the battery
+// Plasma's Breeze lock screen, seen at several sizes and fonts with Plasma 5.27, in its units. The
+// user's picture ends at the middle line, which is below the screen's. The name, the prompt, the
+// media controls and the buttons follow. The clock is halfway between the picture and the top.
+constexpr double kMiddleLine = 1.5;
+constexpr double kPictureHeight = 9;
+constexpr double kBelowPicture = 15;
+constexpr double kPromptWidth = 17;
+constexpr double kFooter = 2.5;      // the virtual keyboard, the layout, the battery
+constexpr Size kClock{680, 150};     // its font, in pixels, is always the same
+constexpr double kUsualPoints = 10;  // of KDE's font
+constexpr double kUnitOfPoint = 2;
 
 Rect centred(const Rect& output, double width, double top, double bottom) {
     return {output.midX() - width / 2, top, width, bottom - top};
@@ -23,19 +29,31 @@ Rect turnedOver(const Rect& rect) { return {rect.x, -rect.maxY(), rect.width, re
 
 }  // namespace
 
-std::vector<Rect> greeterZones(const Rect& output) {
-    const double middle = output.midY() + kMiddleLine;
-    const double clock = (output.minY() + middle - kPictureHeight) / 2;
+// The font's value is such as "Noto Sans,10,-1,5,50,0,0,0,0,0".
+double greeterUnit(std::string_view settings) {
+    const std::string_view font = keyFileValue(settings, "[General]", "font").value_or("");
+    const std::size_t comma = font.find(',');
+    double points = 0;
+    if (comma != font.npos)
+        std::from_chars(font.data() + comma + 1, font.data() + font.size(), points);
+    return kUnitOfPoint * (points > 0 ? points : kUsualPoints);
+}
+
+std::vector<Rect> greeterZones(const Rect& output, double unit) {
+    const double middle = output.midY() + kMiddleLine * unit;
+    const double picture = middle - kPictureHeight * unit;
+    const double clock = (output.minY() + picture) / 2;
     return {
         centred(output, kClock.width, clock - kClock.height / 2, clock + kClock.height / 2),
-        centred(output, kPromptWidth, middle - kPictureHeight, middle + kBelowPicture),
-        {output.x, output.maxY() - kFooter, output.width, kFooter},
+        centred(output, kPromptWidth * unit, picture, middle + kBelowPicture * unit),
+        {output.x, output.maxY() - kFooter * unit, output.width, kFooter * unit},
     };
 }
 
-Screen screenOfOutput(const Rect& output, double scale) {
+Screen screenOfOutput(const Rect& output, double scale, double unit) {
     Screen screen{turnedOver(output), scale, {}};
-    for (const Rect& zone : greeterZones(output)) screen.keepClear.push_back(turnedOver(zone));
+    for (const Rect& zone : greeterZones(output, unit))
+        screen.keepClear.push_back(turnedOver(zone));
     return screen;
 }
 

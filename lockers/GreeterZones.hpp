@@ -2,6 +2,7 @@
 // so they were measured on the lock screen. Pure values.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "drawing/Screens.hpp"
@@ -9,11 +10,15 @@
 
 namespace quorvane {
 
+// The unit of the lock screen's lengths in logical pixels: about a line of the font that the user
+// has chosen in the text of "kdeglobals".
+double greeterUnit(std::string_view settings);
+
 // `output` and the zones are in logical pixels, y growing downward.
-std::vector<Rect> greeterZones(const Rect& output);
+std::vector<Rect> greeterZones(const Rect& output, double unit);
 
 // The screen of an output, with its zones. Points are logical pixels; y is flipped.
-Screen screenOfOutput(const Rect& output, double scale);
+Screen screenOfOutput(const Rect& output, double scale, double unit);
 // A frame's place on the screen's output, in whole logical pixels from its top left.
 PixelRect placeOnOutput(const Rect& frame, const Screen& screen);
 

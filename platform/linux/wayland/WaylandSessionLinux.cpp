@@ -6,12 +6,15 @@
 #include <utility>
 
 #include "lockers/GreeterZones.hpp"
+#include "platform/RegularFiles.hpp"
+#include "platform/linux/files/FoldersLinux.hpp"
 
 namespace quorvane {
 namespace {
 
 constexpr int kRestarts = 10;  // during one lock
 constexpr Duration kRestartDelay = std::chrono::seconds{1};
+constexpr std::uint64_t kLargestSettings = 1 << 20;
 
 // The newest versions whose events are handled here.
 constexpr std::uint32_t kCompositor = 4;  // damage in the picture's pixels
@@ -22,10 +25,6 @@ constexpr std::uint32_t kSeat = 3;  // the pointer's release
 Rect rectOf(const PixelRect& rect) {
     return {static_cast<double>(rect.x), static_cast<double>(rect.y),
             static_cast<double>(rect.width), static_cast<double>(rect.height)};
-}
-
-Screen screenOf(const OutputInfo& output) {
-    return screenOfOutput(rectOf(output.place()), output.scale());
 }
 
 template <typename Object>
@@ -69,6 +68,9 @@ void WaylandSessionLinux::start() {
     auto process = SurfaceProcess::start(program_);
     if (!process)
         return log_.error("wayland: no surface process: %{public}s", process.error().description);
+    const auto settings =
+        makeLiveRegularFiles().read(configFolder().value_or("") / "kdeglobals", kLargestSettings);
+    unit_ = greeterUnit(settings ? textOf(settings->contents) : "");
     connection_ = std::make_unique<Connection>();
     connection_->process = *std::move(process);
     connection_->notices = loop_.watch(
@@ -212,13 +214,22 @@ void WaylandSessionLinux::outputsChanged() {
     if (connection_->isReady) changes_.call();
 }
 
+Screen WaylandSessionLinux::screenOf(const OutputInfo& output) const {
+    return screenOfOutput(rectOf(output.place()), output.scale(), unit_);
+}
+
 Screens WaylandSessionLinux::screens() {
     return {.list =
                 [this] {
                     std::vector<Screen> screens;
                     if (!connection_ || !connection_->isReady) return screens;
-                    for (const OutputInfo& output : connection_->outputs)
-                        if (output.isKnown()) screens.push_back(screenOf(output));
+                    for (const OutputInfo& output : connection_->outputs) {
+                        const Screen screen = screenOf(output);
+                        // Several outputs that show the same picture are one screen.
+                        if (output.isKnown() && std::ranges::find(screens, screen.frame,
+                                                                  &Screen::frame) == screens.end())
+                            screens.push_back(screen);
+                    }
                     return screens;
                 },
             .observeChanges =
@@ -235,7 +246,7 @@ std::unique_ptr<WaylandSurface> WaylandSessionLinux::open(const Screen& screen,
     if (!connection_ || !connection_->isReady) return nullptr;
     const auto output =
         std::ranges::find(connection_->outputs, screen.frame,
-                          [](const OutputInfo& each) { return screenOf(each).frame; });
+                          [this](const OutputInfo& each) { return screenOf(each).frame; });
     if (output == connection_->outputs.end()) return nullptr;
     auto surface = std::make_unique<CardSurface>(connection_->globals, output->output(),
                                                  way_.layerNamespace, request, std::move(events),

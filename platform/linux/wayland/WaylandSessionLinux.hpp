@@ -58,6 +58,7 @@ private:
         Handle beforeSleep;
     };
 
+    Screen screenOf(const OutputInfo& output) const;
     void start();
     void connected();
     void exchange();
@@ -86,6 +87,7 @@ private:
     std::unique_ptr<Connection> connection_;
     void (WaylandSessionLinux::*nextStep_)() = nullptr;
     std::vector<CardSurface*> surfaces_;
+    double unit_ = 0;  // of the lock screen
     int restartsLeft_ = 0;
     Timer restart_;
     Timer nextBeat_;

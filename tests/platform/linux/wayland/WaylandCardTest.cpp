@@ -81,6 +81,7 @@ TEST_F(WaylandCard, HasScreensOnlyDuringALock) {
         {.width = 1920, .height = 1080, .wholeScale = 2, .logical = {0, 0, 1280, 720}});
     auto& second = compositor->addOutput(
         {.width = 1920, .height = 1080, .transform = 1, .logical = {1280, 0, 1080, 1920}});
+    compositor->addOutput({.width = 1280, .height = 720, .logical = {0, 0, 1280, 720}});  // mirrors
     int changes = 0;
     const Handle observation = session.screens().observeChanges([&] { ++changes; });
     settle();
