@@ -265,7 +265,7 @@ void WaylandSessionLinux::surfaceGone(CardSurface& surface) {
 
 void WaylandSessionLinux::beat() {
     connection_->process->endAfter(kBeatLimit);
-    nextBeat_ = clock_.after(kBeat, [this] { beat(); });
+    nextBeat_ = clock_.afterAbout(kBeat, kBeatTolerance, [this] { beat(); });
 }
 
 }  // namespace quorvane

@@ -20,8 +20,9 @@
 namespace quorvane {
 
 // While a surface exists, the process is told to stay this often, and ends without it after the
-// limit.
-inline constexpr Duration kBeat = std::chrono::milliseconds{500};
+// limit. The tolerance lets a beat share the wake-up of the times, which change once a second.
+inline constexpr Duration kBeat = std::chrono::milliseconds{900};
+inline constexpr Duration kBeatTolerance = std::chrono::milliseconds{200};
 inline constexpr Duration kBeatLimit = std::chrono::milliseconds{1800};
 
 // Main thread only. While the screen is unlocked there is no connection to the compositor and there
