@@ -1,10 +1,6 @@
 #include "lockers/GreeterZones.hpp"
 
-#include <algorithm>
-#include <charconv>
 #include <cmath>
-
-#include "platform/KeyFile.hpp"
 
 namespace quorvane {
 namespace {
@@ -16,10 +12,8 @@ constexpr double kMiddleLine = 1.5;
 constexpr double kPictureHeight = 9;
 constexpr double kBelowPicture = 15;
 constexpr double kPromptWidth = 17;
-constexpr double kFooter = 2.5;      // the virtual keyboard, the layout, the battery
-constexpr Size kClock{680, 150};     // its font, in pixels, is always the same
-constexpr double kUsualPoints = 10;  // of KDE's font
-constexpr double kUnitOfPoint = 2;
+constexpr double kFooter = 2.5;   // the virtual keyboard, the layout, the battery
+constexpr Size kClock{680, 150};  // its font, in pixels, is always the same
 
 Rect centred(const Rect& output, double width, double top, double bottom) {
     return {output.midX() - width / 2, top, width, bottom - top};
@@ -28,16 +22,6 @@ Rect centred(const Rect& output, double width, double top, double bottom) {
 Rect turnedOver(const Rect& rect) { return {rect.x, -rect.maxY(), rect.width, rect.height}; }
 
 }  // namespace
-
-// The font's value is such as "Noto Sans,10,-1,5,50,0,0,0,0,0".
-double greeterUnit(std::string_view settings) {
-    const std::string_view font = keyFileValue(settings, "[General]", "font").value_or("");
-    const std::size_t comma = font.find(',');
-    double points = 0;
-    if (comma != font.npos)
-        std::from_chars(font.data() + comma + 1, font.data() + font.size(), points);
-    return kUnitOfPoint * (points > 0 ? points : kUsualPoints);
-}
 
 std::vector<Rect> greeterZones(const Rect& output, double unit) {
     const double middle = output.midY() + kMiddleLine * unit;

@@ -2,7 +2,6 @@
 // so they were measured on the lock screen. Pure values.
 #pragma once
 
-#include <string_view>
 #include <vector>
 
 #include "drawing/Screens.hpp"
@@ -10,11 +9,7 @@
 
 namespace quorvane {
 
-// The unit of the lock screen's lengths in logical pixels: about a line of the font that the user
-// has chosen in the text of "kdeglobals".
-double greeterUnit(std::string_view settings);
-
-// `output` and the zones are in logical pixels, y growing downward.
+// `output` and the zones are in logical pixels, y growing downward. `unit` is `greeterUnit`.
 std::vector<Rect> greeterZones(const Rect& output, double unit);
 
 // The screen of an output, with its zones. Points are logical pixels; y is flipped.

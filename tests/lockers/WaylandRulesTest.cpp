@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "lockers/GreeterZones.hpp"
+#include "lockers/KdeSettings.hpp"
 #include "lockers/WaylandSessions.hpp"
 
 namespace quorvane {
@@ -78,6 +79,12 @@ TEST(GreeterZones, GrowWithTheUsersFont) {
                                          {"[WM]\nfont=Noto Sans,14", 20},
                                          {"", 20}})
         EXPECT_EQ(greeterUnit(settings), unit) << settings;
+}
+
+TEST(KdeSettings, TurnAnimationsOff) {
+    EXPECT_EQ(kdeAnimates("[KDE]\nAnimationDurationFactor=0\n"), 0);
+    EXPECT_EQ(kdeAnimates("[KDE]\nAnimationDurationFactor=0.5\n"), 1);
+    EXPECT_EQ(kdeAnimates("[General]\nAnimationDurationFactor=0\n"), std::nullopt);
 }
 
 TEST(GreeterZones, BelongToAScreenWhoseYGrowsUpward) {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "lockers/GreeterZones.hpp"
+#include "lockers/KdeSettings.hpp"
 #include "platform/RegularFiles.hpp"
 #include "platform/linux/files/FoldersLinux.hpp"
 
@@ -34,6 +35,12 @@ void bind(Wayland<Object>& object, wl_registry* registry, std::uint32_t name,
 }
 
 }  // namespace
+
+std::string kdeSettings() {
+    const auto file =
+        makeLiveRegularFiles().read(configFolder().value_or("") / "kdeglobals", kLargestSettings);
+    return std::string{file ? textOf(file->contents) : ""};
+}
 
 const wl_registry_listener WaylandSessionLinux::kRegistryListener{
     .global =
@@ -68,9 +75,7 @@ void WaylandSessionLinux::start() {
     auto process = SurfaceProcess::start(program_);
     if (!process)
         return log_.error("wayland: no surface process: %{public}s", process.error().description);
-    const auto settings =
-        makeLiveRegularFiles().read(configFolder().value_or("") / "kdeglobals", kLargestSettings);
-    unit_ = greeterUnit(settings ? textOf(settings->contents) : "");
+    unit_ = greeterUnit(kdeSettings());
     connection_ = std::make_unique<Connection>();
     connection_->process = *std::move(process);
     connection_->notices = loop_.watch(

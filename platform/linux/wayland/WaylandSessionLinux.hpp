@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <list>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "lockers/WaylandSessions.hpp"
@@ -24,6 +25,9 @@ namespace quorvane {
 inline constexpr Duration kBeat = std::chrono::milliseconds{900};
 inline constexpr Duration kBeatTolerance = std::chrono::milliseconds{200};
 inline constexpr Duration kBeatLimit = std::chrono::milliseconds{1800};
+
+// The text of the user's settings in KDE Plasma; empty when it cannot be read.
+std::string kdeSettings();
 
 // Main thread only. While the screen is unlocked there is no connection to the compositor and there
 // are no screens.
