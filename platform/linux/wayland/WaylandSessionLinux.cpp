@@ -23,11 +23,6 @@ constexpr std::uint32_t kOutput = 3;      // the scale, and the end of a change'
 constexpr std::uint32_t kOutputManager = 3;
 constexpr std::uint32_t kSeat = 3;  // the pointer's release
 
-Rect rectOf(const PixelRect& rect) {
-    return {static_cast<double>(rect.x), static_cast<double>(rect.y),
-            static_cast<double>(rect.width), static_cast<double>(rect.height)};
-}
-
 template <typename Object>
 void bind(Wayland<Object>& object, wl_registry* registry, std::uint32_t name,
           const wl_interface& interface, std::uint32_t version = 1) {
@@ -220,7 +215,7 @@ void WaylandSessionLinux::outputsChanged() {
 }
 
 Screen WaylandSessionLinux::screenOf(const OutputInfo& output) const {
-    return screenOfOutput(rectOf(output.place()), output.scale(), unit_);
+    return screenOfOutput(output.place(), output.scale(), unit_);
 }
 
 Screens WaylandSessionLinux::screens() {

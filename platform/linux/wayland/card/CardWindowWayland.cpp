@@ -78,15 +78,16 @@ bool CardWindowWayland::needsNewSurface(Instant now) {
 }
 
 // A card without changes shows itself again, because the compositor releases the picture before
-// only if it is seen. The timer shares another wake-up.
+// only if it is seen. With the screen off, the pending frame tells. The timer shares a wake-up.
 void CardWindowWayland::lookSoon() {
     nextLook_ = resources_->clock.afterAbout(kLookInterval, kLookInterval / 3, [this] {
-        const Instant now = resources_->clock.now();
-        const bool isIdle = !shown_->awaitsFrame && now - shown_->lastFrame >= kPatience;
-        const auto picture = isIdle ? shown_->pictures->next() : std::nullopt;
-        if (picture) present(*picture, {{0, 0, 1, 1}}, now);
         lookSoon();
-        update();
+        const Instant now = resources_->clock.now();
+        if (shown_->awaitsFrame || now - shown_->lastFrame < kPatience) return;
+        if (const auto picture = shown_->pictures->next())
+            present(*picture, {{0, 0, 1, 1}}, now);
+        else
+            update();
     });
 }
 

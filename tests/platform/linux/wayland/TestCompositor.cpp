@@ -87,7 +87,7 @@ struct CompositorRequests {
         surface.shown = Pixels{wl_shm_buffer_get_width(memory), wl_shm_buffer_get_height(memory),
                                static_cast<std::uint32_t*>(wl_shm_buffer_get_data(memory))};
         wl_shm_buffer_end_access(memory);
-        if (surface.reading && surface.reading != surface.buffer)
+        if (surface.reading && surface.reading != surface.buffer && !surface.isCovered)
             wl_buffer_send_release(surface.reading);
         surface.reading = surface.buffer;
     }

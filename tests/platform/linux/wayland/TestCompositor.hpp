@@ -38,6 +38,7 @@ public:
         PixelRect destination{};
         Pixels shown{};
         int commits = 0;
+        bool isCovered = false;  // keeps its pictures
     };
 
     // Listens at "wayland-test" in XDG_RUNTIME_DIR.
