@@ -31,19 +31,6 @@ bool becomes(const BenchSession& session, bool isMoving) {
     return false;
 }
 
-// The process and all its descendants.
-std::vector<pid_t> familyOf(pid_t process) {
-    std::vector<pid_t> family{process};
-    std::error_code ignored;
-    for (const auto& thread :
-         std::filesystem::directory_iterator{processFolder(process) / "task", ignored}) {
-        std::ifstream file{thread.path() / "children"};
-        for (pid_t child = 0; file >> child;)
-            std::ranges::copy(familyOf(child), back_inserter(family));
-    }
-    return family;
-}
-
 struct Rival {
     std::string name;
     std::string program;

@@ -3,11 +3,13 @@
 
 #include <sys/types.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace quorvane {
 
@@ -68,6 +70,19 @@ inline double processorTimeOf(pid_t process) {
         sum += nanoseconds / 1e9;
     }
     return sum;
+}
+
+// The process and all its descendants.
+inline std::vector<pid_t> familyOf(pid_t process) {
+    std::vector<pid_t> family{process};
+    std::error_code ignored;
+    for (const auto& thread :
+         std::filesystem::directory_iterator{processFolder(process) / "task", ignored}) {
+        std::ifstream file{thread.path() / "children"};
+        for (pid_t child = 0; file >> child;)
+            std::ranges::copy(familyOf(child), back_inserter(family));
+    }
+    return family;
 }
 
 // The shared libraries it has mapped.

@@ -5,15 +5,16 @@
 namespace quorvane {
 namespace {
 
-// Plasma's Breeze lock screen, seen with Plasma 5.27 and 6.7. The user's picture ends at the middle
-// line, which is 27 below the screen's. The name, the prompt, the media controls and the buttons
-// follow. The clock stands halfway between the picture and the top.
-constexpr double kMiddleLine = 27;
-constexpr double kPictureHeight = 175;
-constexpr double kBelowPicture = 250;
-constexpr double kPromptWidth = 330;
-constexpr Size kClock{520, 170};
-constexpr double kFooter = 48;  // the virtual keyboard, the layout, the battery
+// Plasma's Breeze lock screen, seen at several sizes and fonts with Plasma 5.27 and with 6.7, in
+// its units. The user's picture ends at the middle line, which is below the screen's. The name, the
+// prompt, the media controls and the buttons follow. The clock is halfway between the picture and
+// the top.
+constexpr double kMiddleLine = 1.5;
+constexpr double kPictureHeight = 9;
+constexpr double kBelowPicture = 15;
+constexpr double kPromptWidth = 17;
+constexpr double kFooter = 2.5;   // the virtual keyboard, the layout, the battery
+constexpr Size kClock{680, 170};  // its font, in pixels, is always the same
 
 Rect centred(const Rect& output, double width, double top, double bottom) {
     return {output.midX() - width / 2, top, width, bottom - top};
@@ -23,19 +24,21 @@ Rect turnedOver(const Rect& rect) { return {rect.x, -rect.maxY(), rect.width, re
 
 }  // namespace
 
-std::vector<Rect> greeterZones(const Rect& output) {
-    const double middle = output.midY() + kMiddleLine;
-    const double clock = (output.minY() + middle - kPictureHeight) / 2;
+std::vector<Rect> greeterZones(const Rect& output, double unit) {
+    const double middle = output.midY() + kMiddleLine * unit;
+    const double picture = middle - kPictureHeight * unit;
+    const double clock = (output.minY() + picture) / 2;
     return {
         centred(output, kClock.width, clock - kClock.height / 2, clock + kClock.height / 2),
-        centred(output, kPromptWidth, middle - kPictureHeight, middle + kBelowPicture),
-        {output.x, output.maxY() - kFooter, output.width, kFooter},
+        centred(output, kPromptWidth * unit, picture, middle + kBelowPicture * unit),
+        {output.x, output.maxY() - kFooter * unit, output.width, kFooter * unit},
     };
 }
 
-Screen screenOfOutput(const Rect& output, double scale) {
+Screen screenOfOutput(const Rect& output, double scale, double unit) {
     Screen screen{turnedOver(output), scale, {}};
-    for (const Rect& zone : greeterZones(output)) screen.keepClear.push_back(turnedOver(zone));
+    for (const Rect& zone : greeterZones(output, unit))
+        screen.keepClear.push_back(turnedOver(zone));
     return screen;
 }
 

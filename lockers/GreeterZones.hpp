@@ -9,11 +9,11 @@
 
 namespace quorvane {
 
-// `output` and the zones are in logical pixels, y growing downward.
-std::vector<Rect> greeterZones(const Rect& output);
+// `output` and the zones are in logical pixels, y growing downward. `unit` is `greeterUnit`.
+std::vector<Rect> greeterZones(const Rect& output, double unit);
 
 // The screen of an output, with its zones. Points are logical pixels; y is flipped.
-Screen screenOfOutput(const Rect& output, double scale);
+Screen screenOfOutput(const Rect& output, double scale, double unit);
 // A frame's place on the screen's output, in whole logical pixels from its top left.
 PixelRect placeOnOutput(const Rect& frame, const Screen& screen);
 

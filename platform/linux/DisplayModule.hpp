@@ -39,7 +39,7 @@ using OpenDisplay = Result<Display> (*)(const DisplayServices& services);
 inline constexpr char kOpenDisplay[] = "quorvaneOpenDisplay";
 inline constexpr char kX11Module[] = "quorvane-x11.so";
 inline constexpr char kWaylandModule[] = "quorvane-wayland.so";
-// The program whose process owns the surfaces above a Wayland lock screen.
+// The program whose process connects to a Wayland compositor and can end the connection.
 inline constexpr char kSurfaceProgram[] = "quorvane-card-surface";
 
 }  // namespace quorvane

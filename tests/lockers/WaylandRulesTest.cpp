@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "lockers/GreeterZones.hpp"
+#include "lockers/KdeSettings.hpp"
 #include "lockers/WaylandSessions.hpp"
 
 namespace quorvane {
@@ -52,27 +53,45 @@ TEST(WaylandSessions, SayWhatTheUserMustDo) {
 // Seen on Plasma 5.27 and 6.7.
 TEST(GreeterZones, HoldWhatPlasmaShows) {
     constexpr Rect kSmall{0, 0, 1280, 800};
+    constexpr Rect kMiddle{0, 0, 1366, 768};
     constexpr Rect kLarge{0, 0, 1920, 1080};
-    for (const auto& [output, seen] :
-         {std::pair{kSmall, Rect{427, 84, 424, 116}},  // clock and date
-          {kSmall, Rect{578, 266, 124, 124}},          // the user's picture
-          {kSmall, Rect{497, 463, 287, 34}},           // the prompt
-          {kSmall, Rect{10, 775, 125, 15}},            // the virtual keyboard
-          {kLarge, Rect{738, 143, 443, 136}},          // 6.7's clock and date
-          {kLarge, Rect{815, 643, 289, 56}}}) {        // the media controls
+    for (const auto& [output, unit, seen] :
+         {std::tuple{kSmall, 18, Rect{427, 84, 424, 116}},  // clock and date
+          {kSmall, 18, Rect{578, 266, 124, 124}},           // the user's picture
+          {kSmall, 18, Rect{497, 463, 287, 34}},            // the prompt
+          {kSmall, 18, Rect{10, 775, 125, 15}},             // the virtual keyboard
+          {kMiddle, 20, Rect{411, 65, 542, 120}},           // with a Portuguese date
+          {kMiddle, 20, Rect{544, 619, 293, 85}},           // sleep, hibernate, switch user
+          {kMiddle, 28, Rect{459, 475, 447, 40}},           // the prompt in a large font
+          {kLarge, 18, Rect{815, 643, 289, 56}}}) {         // the media controls
         bool isHeld = false;
-        for (const Rect& zone : greeterZones(output))
+        for (const Rect& zone : greeterZones(output, unit))
             isHeld |= zone.contains({seen.minX(), seen.minY()}) &&
                       zone.contains({seen.maxX() - 1, seen.maxY() - 1});
         EXPECT_TRUE(isHeld) << describe(seen);
     }
 }
 
+TEST(GreeterZones, GrowWithTheUsersFont) {
+    for (const auto& [settings, unit] : {std::pair{"[General]\nfont=Noto Sans,14,-1,5,50", 28},
+                                         {"[General]\nfont=Noto Sans,-1,19,5,50", 20},
+                                         {"[General]\nfont=Noto Sans\n", 20},
+                                         {"[WM]\nfont=Noto Sans,14", 20},
+                                         {"", 20}})
+        EXPECT_EQ(greeterUnit(settings), unit) << settings;
+}
+
+TEST(KdeSettings, TurnAnimationsOff) {
+    EXPECT_EQ(kdeAnimates("[KDE]\nAnimationDurationFactor=0\n"), 0);
+    EXPECT_EQ(kdeAnimates("[KDE]\nAnimationDurationFactor=0.5\n"), 1);
+    EXPECT_EQ(kdeAnimates("[General]\nAnimationDurationFactor=0\n"), std::nullopt);
+}
+
 TEST(GreeterZones, BelongToAScreenWhoseYGrowsUpward) {
-    const Screen screen = screenOfOutput({1280, 100, 1000, 600}, 1.25);
+    const Screen screen = screenOfOutput({1280, 100, 1000, 600}, 1.25, 20);
     EXPECT_EQ(screen.frame, (Rect{1280, -700, 1000, 600}));
     EXPECT_EQ(screen.scale, 1.25);
-    EXPECT_EQ(screen.keepClear.back(), (Rect{1280, -700, 1000, 48})) << "the row at the bottom";
+    EXPECT_EQ(screen.keepClear.back(), (Rect{1280, -700, 1000, 50})) << "the row at the bottom";
     EXPECT_EQ(placeOnOutput({1290, -700, 100.4, 50}, screen), (PixelRect{10, 550, 101, 50}));
 }
 

@@ -2,8 +2,8 @@
 
 #include <unistd.h>
 
+#include "platform/KeyFile.hpp"
 #include "platform/RegularFiles.hpp"
-#include "platform/Trimmed.hpp"
 #include "platform/linux/files/BundleLayout.hpp"
 #include "platform/linux/files/FilesLinux.hpp"
 #include "platform/linux/files/FoldersLinux.hpp"
@@ -16,17 +16,7 @@ constexpr std::uint64_t kLargestEntry = 1 << 20;
 constexpr std::string_view kGroup = "[Desktop Entry]";
 
 std::optional<std::string_view> valueOf(std::string_view entry, std::string_view key) {
-    bool isInGroup = false;
-    while (!entry.empty()) {
-        const std::size_t end = std::min(entry.find('\n'), entry.size());
-        const std::string_view line = trimmed(entry.substr(0, end));
-        entry.remove_prefix(std::min(end + 1, entry.size()));
-        if (line.starts_with('[')) isInGroup = line == kGroup;
-        const std::size_t equals = line.find('=');
-        if (isInGroup && equals != line.npos && trimmed(line.substr(0, equals)) == key)
-            return trimmed(line.substr(equals + 1));
-    }
-    return std::nullopt;
+    return keyFileValue(entry, kGroup, key);
 }
 
 // Escapes a value of a desktop entry.

@@ -8,8 +8,6 @@ namespace {
 
 constexpr double kScaleSteps = 120;  // per unit: the steps of the protocol of fractional scales
 
-double areaOf(const PixelRect& rect) { return double{1} * rect.width * rect.height; }
-
 OutputInfo& outputOf(void* data) { return *static_cast<OutputInfo*>(data); }
 
 }  // namespace
@@ -18,8 +16,8 @@ const wl_output_listener OutputInfo::kListener{
     .geometry = [](void*, wl_output*, int, int, int, int, int, const char*, const char*, int) {},
     .mode =
         [](void* data, wl_output*, std::uint32_t flags, int width, int height, int) {
-            if ((flags & WL_OUTPUT_MODE_CURRENT) != 0)
-                outputOf(data).pixels_ = {0, 0, width, height};
+            if ((flags & WL_OUTPUT_MODE_CURRENT) == 0) return;
+            outputOf(data).pixels_ = {static_cast<double>(width), static_cast<double>(height)};
         },
     .done =
         [](void* data, wl_output*) {
@@ -58,9 +56,9 @@ void OutputInfo::describeWith(zxdg_output_manager_v1* manager) {
 }
 
 double OutputInfo::scale() const {
-    if (!hasFractions_ || pixels_.isEmpty()) return wholeScale_;
+    if (!hasFractions_ || pixels_ == Size{}) return wholeScale_;
     // The same for an output that is turned.
-    const double square = areaOf(pixels_) / areaOf(place_);
+    const double square = pixels_.width * pixels_.height / (place_.width * place_.height);
     return std::max(1.0, std::round(kScaleSteps * std::sqrt(square))) / kScaleSteps;
 }
 

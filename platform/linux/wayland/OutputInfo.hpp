@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "drawing/pictures/Pixels.hpp"
+#include "drawing/Geometry.hpp"
 #include "platform/linux/wayland/WaylandHandles.hpp"
 
 namespace quorvane {
@@ -24,7 +24,7 @@ public:
     std::uint32_t name() const { return name_; }
     bool isKnown() const { return !place_.isEmpty(); }
     // Logical pixels.
-    const PixelRect& place() const { return place_; }
+    const Rect& place() const { return place_; }
     // Pixels per logical pixel: the ratio of the output's two sizes, because the compositor's
     // fractional-scale event would come only after the first picture.
     double scale() const;
@@ -39,8 +39,8 @@ private:
     std::function<void()> changed_;
     bool hasFractions_ = false;
     int wholeScale_ = 1;
-    PixelRect pixels_;  // its mode's size
-    PixelRect place_;
+    Size pixels_;  // its mode's
+    Rect place_;
 };
 
 }  // namespace quorvane

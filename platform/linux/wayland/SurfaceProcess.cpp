@@ -1,7 +1,9 @@
 #include "platform/linux/wayland/SurfaceProcess.hpp"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/timerfd.h>
+#include <unistd.h>
 
 #include <utility>
 
@@ -12,16 +14,19 @@ namespace quorvane {
 
 Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(
     const std::filesystem::path& program) {
-    int ends[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return posixError("socket");
-    FileDescriptor own{ends[0]};
-    const FileDescriptor others{ends[1]};
+    FileDescriptor connection{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
     // Both processes have the timer, so that setting it again wakes neither.
     FileDescriptor timer{timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC)};
-    if (!timer) return posixError("timer");
+    int ends[2];
+    if (!connection || !timer || pipe2(ends, O_CLOEXEC) != 0) return posixError("descriptors");
+    FileDescriptor notices{ends[0]};
+    const FileDescriptor itsNotices{ends[1]};
     SpawnSettings settings;
-    posix_spawn_file_actions_adddup2(&settings.files, others.get(), STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&settings.files, timer.get(), STDOUT_FILENO);
+    const int descriptors[][2] = {{connection.get(), STDIN_FILENO},
+                                  {timer.get(), STDOUT_FILENO},
+                                  {itsNotices.get(), STDERR_FILENO + 1}};
+    for (const auto& [own, its] : descriptors)
+        posix_spawn_file_actions_adddup2(&settings.files, own, its);
     std::string name = program.string();
     char* arguments[] = {name.data(), nullptr};
     pid_t pid = 0;
@@ -29,10 +34,15 @@ Result<std::unique_ptr<SurfaceProcess>> SurfaceProcess::start(
                                     arguments, environ);
     if (failure != 0) return posixError(program, failure);
     return std::unique_ptr<SurfaceProcess>{
-        new SurfaceProcess{pid, std::move(own), std::move(timer)}};
+        new SurfaceProcess{pid, std::move(connection), std::move(timer), std::move(notices)}};
 }
 
-void SurfaceProcess::endAfter(Duration time) {
+bool SurfaceProcess::hasConnected() const {
+    char notice;
+    return read(notices_.get(), &notice, 1) == 1;
+}
+
+void SurfaceProcess::endAfter(Duration time) const {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
     itimerspec limit{};
     limit.it_value.tv_sec = seconds.count();

@@ -1,4 +1,4 @@
-// The process that owns the connection to the compositor, as the add-on sees it.
+// The process that holds the connection to the compositor, as the add-on sees it.
 #pragma once
 
 #include <sys/types.h>
@@ -13,25 +13,34 @@
 
 namespace quorvane {
 
-// Main thread only. The destructor kills the process, also a stopped one, and with it the
-// connection and its surfaces.
+// Main thread only. The destructor kills the process, also a stopped one.
 class SurfaceProcess {
 public:
     static Result<std::unique_ptr<SurfaceProcess>> start(const std::filesystem::path& program);
     SurfaceProcess(const SurfaceProcess&) = delete;
     SurfaceProcess& operator=(const SurfaceProcess&) = delete;
 
-    // The connection. The caller owns the descriptor.
+    // Becomes readable when the process has connected, and again at its end.
+    int notices() const { return notices_.get(); }
+    // Whether the notice that has arrived is the first one.
+    bool hasConnected() const;
+    // The connection, once it stands. The caller owns the descriptor.
     int takeConnection() { return connection_.release(); }
-    // The kernel's timer ends the process unless this is called again by then. Zero: it may stay.
-    void endAfter(Duration time);
+    // The kernel's timer ends the process, and with it the connection, unless this is called again
+    // by then. Zero: it may stay.
+    void endAfter(Duration time) const;
 
 private:
-    SurfaceProcess(pid_t pid, FileDescriptor connection, FileDescriptor timer)
-        : connection_(std::move(connection)), timer_(std::move(timer)), process_(pid) {}
+    SurfaceProcess(pid_t pid, FileDescriptor connection, FileDescriptor timer,
+                   FileDescriptor notices)
+        : connection_(std::move(connection)),
+          timer_(std::move(timer)),
+          notices_(std::move(notices)),
+          process_(pid) {}
 
     FileDescriptor connection_;
     FileDescriptor timer_;
+    FileDescriptor notices_;
     OwnedProcess process_;
 };
 

@@ -1,3 +1,4 @@
+#include "lockers/KdeSettings.hpp"
 #include "lockers/WaylandSessions.hpp"
 #include "platform/linux/DisplayModule.hpp"
 #include "platform/linux/files/Environment.hpp"
@@ -18,6 +19,7 @@ extern "C" __attribute__((visibility("default"))) Result<Display> quorvaneOpenDi
                     way.hasLockNotices ? std::make_unique<HyprlandLocks>(services.loop) : nullptr}};
     WaylandSessionLinux& surfaces = session->surfaces;
     Display display{.screens = surfaces.screens(),
+                    .toolkitAnimates = [] { return kdeAnimates(kdeSettings()); },
                     .lockChanged = [&surfaces](bool isLocked) { surfaces.setLocked(isLocked); },
                     .cardModule = "quorvane-wayland-card.so",
                     .cardSession = static_cast<WaylandSession*>(&surfaces),

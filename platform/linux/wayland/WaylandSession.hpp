@@ -56,6 +56,9 @@ public:
     virtual std::unique_ptr<WaylandSurface> open(const Screen& screen,
                                                  const SurfaceRequest& request,
                                                  SurfaceEvents events) = 0;
+    // The compositor's events may wait for the process's next wake-up, which is soon. Call while a
+    // surface is open.
+    virtual void postponeEvents() = 0;
 };
 
 }  // namespace quorvane

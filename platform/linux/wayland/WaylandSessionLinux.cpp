@@ -6,27 +6,22 @@
 #include <utility>
 
 #include "lockers/GreeterZones.hpp"
+#include "lockers/KdeSettings.hpp"
+#include "platform/RegularFiles.hpp"
+#include "platform/linux/files/FoldersLinux.hpp"
 
 namespace quorvane {
 namespace {
 
 constexpr int kRestarts = 10;  // during one lock
 constexpr Duration kRestartDelay = std::chrono::seconds{1};
+constexpr std::uint64_t kLargestSettings = 1 << 20;
 
 // The newest versions whose events are handled here.
 constexpr std::uint32_t kCompositor = 4;  // damage in the picture's pixels
 constexpr std::uint32_t kOutput = 3;      // the scale, and the end of a change's events
 constexpr std::uint32_t kOutputManager = 3;
 constexpr std::uint32_t kSeat = 3;  // the pointer's release
-
-Rect rectOf(const PixelRect& rect) {
-    return {static_cast<double>(rect.x), static_cast<double>(rect.y),
-            static_cast<double>(rect.width), static_cast<double>(rect.height)};
-}
-
-Screen screenOf(const OutputInfo& output) {
-    return screenOfOutput(rectOf(output.place()), output.scale());
-}
 
 template <typename Object>
 void bind(Wayland<Object>& object, wl_registry* registry, std::uint32_t name,
@@ -35,6 +30,12 @@ void bind(Wayland<Object>& object, wl_registry* registry, std::uint32_t name,
 }
 
 }  // namespace
+
+std::string kdeSettings() {
+    const auto file =
+        makeLiveRegularFiles().read(configFolder().value_or("") / "kdeglobals", kLargestSettings);
+    return std::string{file ? textOf(file->contents) : ""};
+}
 
 const wl_registry_listener WaylandSessionLinux::kRegistryListener{
     .global =
@@ -69,23 +70,43 @@ void WaylandSessionLinux::start() {
     auto process = SurfaceProcess::start(program_);
     if (!process)
         return log_.error("wayland: no surface process: %{public}s", process.error().description);
+    unit_ = greeterUnit(kdeSettings());
     connection_ = std::make_unique<Connection>();
     connection_->process = *std::move(process);
+    connection_->notices = loop_.watch(
+        connection_->process->notices(), EPOLLIN,
+        [this](std::uint32_t) { connection_->process->hasConnected() ? connected() : ended(); });
+}
+
+void WaylandSessionLinux::connected() {
     wl_display* const display = wl_display_connect_to_fd(connection_->process->takeConnection());
     connection_->display.reset(display);
-    // A process that does not read counts as ended.
-    connection_->beforeSleep = loop_.beforeSleep([this, display] {
-        if (wl_display_flush(display) < 0) ended();
-    });
-    connection_->watch = loop_.watch(wl_display_get_fd(display), EPOLLIN, [this](std::uint32_t) {
-        if (wl_display_dispatch(connection_->display.get()) < 0) ended();
-    });
+    connection_->beforeSleep = loop_.beforeSleep([this] { exchange(); });
     connection_->registry.reset(wl_display_get_registry(display));
     wl_registry_add_listener(connection_->registry.get(), &kRegistryListener, this);
     askToStart(&WaylandSessionLinux::globalsKnown);
 }
 
-// Kills the process.
+// A compositor that does not read counts as ended.
+void WaylandSessionLinux::exchange() {
+    wl_display* const display = connection_->display.get();
+    if ((!connection_->watch && !dispatch()) || wl_display_flush(display) < 0) return ended();
+    if (std::exchange(connection_->mayEventsWait, false))
+        connection_->watch.reset();
+    else if (!connection_->watch)
+        connection_->watch = loop_.watch(wl_display_get_fd(display), EPOLLIN, [this](auto) {
+            if (!dispatch()) ended();
+        });
+}
+
+// Without waiting for events.
+bool WaylandSessionLinux::dispatch() const {
+    wl_display* const display = connection_->display.get();
+    if (wl_display_prepare_read(display) == 0 && wl_display_read_events(display) < 0) return false;
+    return wl_display_dispatch_pending(display) >= 0;
+}
+
+// Ends the connection and kills the process.
 void WaylandSessionLinux::disconnect() {
     nextBeat_.reset();
     while (!surfaces_.empty()) {
@@ -200,13 +221,22 @@ void WaylandSessionLinux::outputsChanged() {
     if (connection_->isReady) changes_.call();
 }
 
+Screen WaylandSessionLinux::screenOf(const OutputInfo& output) const {
+    return screenOfOutput(output.place(), output.scale(), unit_);
+}
+
 Screens WaylandSessionLinux::screens() {
     return {.list =
                 [this] {
                     std::vector<Screen> screens;
                     if (!connection_ || !connection_->isReady) return screens;
-                    for (const OutputInfo& output : connection_->outputs)
-                        if (output.isKnown()) screens.push_back(screenOf(output));
+                    for (const OutputInfo& output : connection_->outputs) {
+                        const Screen screen = screenOf(output);
+                        // Several outputs that show the same picture are one screen.
+                        if (output.isKnown() && std::ranges::find(screens, screen.frame,
+                                                                  &Screen::frame) == screens.end())
+                            screens.push_back(screen);
+                    }
                     return screens;
                 },
             .observeChanges =
@@ -223,7 +253,7 @@ std::unique_ptr<WaylandSurface> WaylandSessionLinux::open(const Screen& screen,
     if (!connection_ || !connection_->isReady) return nullptr;
     const auto output =
         std::ranges::find(connection_->outputs, screen.frame,
-                          [](const OutputInfo& each) { return screenOf(each).frame; });
+                          [this](const OutputInfo& each) { return screenOf(each).frame; });
     if (output == connection_->outputs.end()) return nullptr;
     auto surface = std::make_unique<CardSurface>(connection_->globals, output->output(),
                                                  way_.layerNamespace, request, std::move(events),
@@ -242,7 +272,7 @@ void WaylandSessionLinux::surfaceGone(CardSurface& surface) {
 
 void WaylandSessionLinux::beat() {
     connection_->process->endAfter(kBeatLimit);
-    nextBeat_ = clock_.after(kBeat, [this] { beat(); });
+    nextBeat_ = clock_.afterAbout(kBeat, kBeatTolerance, [this] { beat(); });
 }
 
 }  // namespace quorvane

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <list>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "lockers/WaylandSessions.hpp"
@@ -20,9 +21,13 @@
 namespace quorvane {
 
 // While a surface exists, the process is told to stay this often, and ends without it after the
-// limit.
-inline constexpr Duration kBeat = std::chrono::milliseconds{500};
+// limit. The tolerance lets a beat share the wake-up of the times, which change once a second.
+inline constexpr Duration kBeat = std::chrono::milliseconds{900};
+inline constexpr Duration kBeatTolerance = std::chrono::milliseconds{200};
 inline constexpr Duration kBeatLimit = std::chrono::milliseconds{1800};
+
+// The text of the user's settings in KDE Plasma; empty when it cannot be read.
+std::string kdeSettings();
 
 // Main thread only. While the screen is unlocked there is no connection to the compositor and there
 // are no screens.
@@ -38,11 +43,13 @@ public:
     Screens screens();
     std::unique_ptr<WaylandSurface> open(const Screen& screen, const SurfaceRequest& request,
                                          SurfaceEvents events) override;
+    void postponeEvents() override { connection_->mayEventsWait = true; }
 
 private:
-    // Everything that ends with the process. The display ends last.
+    // Everything that ends with the process. The display ends after what belongs to it.
     struct Connection {
         std::unique_ptr<SurfaceProcess> process;
+        Handle notices;
         Wayland<wl_display> display;
         Wayland<wl_registry> registry;
         Wayland<wl_callback> start;
@@ -51,11 +58,16 @@ private:
         std::list<OutputInfo> outputs;  // in the order of their appearance
         std::list<SeatInput> seats;
         bool isReady = false;  // the outputs are known
-        Handle watch;
+        bool mayEventsWait = false;
+        Handle watch;  // not while events may wait
         Handle beforeSleep;
     };
 
+    Screen screenOf(const OutputInfo& output) const;
     void start();
+    void connected();
+    void exchange();
+    bool dispatch() const;
     void disconnect();
     void ended();
     void restartSoon();
@@ -81,6 +93,7 @@ private:
     std::unique_ptr<Connection> connection_;
     void (WaylandSessionLinux::*nextStep_)() = nullptr;
     std::vector<CardSurface*> surfaces_;
+    double unit_ = 0;  // of the lock screen
     int restartsLeft_ = 0;
     Timer restart_;
     Timer nextBeat_;

@@ -12,6 +12,8 @@ namespace {
 
 // A compositor that shows the surface asks for the next frame much sooner.
 constexpr Duration kLongestFrame = std::chrono::seconds{1};
+// A press that waits for the next step of a moving title does not feel late.
+constexpr Duration kSoon = std::chrono::milliseconds{40};
 
 }  // namespace
 
@@ -75,6 +77,20 @@ bool CardWindowWayland::needsNewSurface(Instant now) {
     return true;
 }
 
+// A card without changes shows itself again, because the compositor releases the picture before
+// only if it is seen. With the screen off, the pending frame tells. The timer shares a wake-up.
+void CardWindowWayland::lookSoon() {
+    nextLook_ = resources_->clock.afterAbout(kLookInterval, kLookInterval / 3, [this] {
+        lookSoon();
+        const Instant now = resources_->clock.now();
+        if (shown_->awaitsFrame || now - shown_->lastFrame < kPatience) return;
+        if (const auto picture = shown_->pictures->next())
+            present(*picture, {{0, 0, 1, 1}}, now);
+        else
+            update();
+    });
+}
+
 bool CardWindowWayland::show() {
     const PixelRect place = placeOnOutput(frame_, screen_);
     const auto pixels = [&](int length) {
@@ -94,6 +110,7 @@ bool CardWindowWayland::show() {
                    std::move(surface));
     shown_->painter.setClear(width, height);
     syncInput();
+    lookSoon();
     tellAccessibility(true);
     return true;
 }
@@ -103,6 +120,8 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
     return {.frame =
                 [this] {
                     shown_->awaitsFrame = false;
+                    if (resources_->clock.now() - shown_->lastFrame > kLongestFrame)
+                        patience_ = kPatience;  // the screen was off
                     if (!isCovered()) return update();
                     setCovered(false);
                     updateSoon();  // once the observer has drawn
@@ -120,6 +139,7 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
 void CardWindowWayland::hide() {
     tellAccessibility(false);
     if (!shown_) return;
+    nextLook_.reset();
     shown_.reset();
     setCovered(false);
     report(press_.cancel());
@@ -140,12 +160,20 @@ void CardWindowWayland::drawIfPaced(Instant now) {
     shown.isStale = isMoving(now);
     shown.areas.clear();
     if (parts.empty()) return;
-    shown.pictures->shown(*picture, parts);
-    shown.awaitsFrame = true;
-    shown.lastFrame = now;
-    shown.surface->show(*picture, parts);
+    present(*picture, parts, now);
     // After the first frame, which shows no glass yet.
     shown.painter.makeChrome();
+    // A moving title wakes the process once for each step and not also for the answer.
+    const auto next = stage_->scene().nextChange;
+    if (next && *next <= kSoon && !shown.isStale && !press_.isPressed()) session_.postponeEvents();
+}
+
+void CardWindowWayland::present(std::uint32_t picture, const std::vector<PixelRect>& parts,
+                                Instant now) {
+    shown_->pictures->shown(picture, parts);
+    shown_->awaitsFrame = true;
+    shown_->lastFrame = now;
+    shown_->surface->show(picture, parts);
 }
 
 // Returns the changed parts.

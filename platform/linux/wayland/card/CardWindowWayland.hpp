@@ -30,6 +30,7 @@ public:
 private:
     static constexpr Duration kPatience = std::chrono::seconds{2};
     static constexpr Duration kMostPatience = std::chrono::minutes{1};
+    static constexpr Duration kLookInterval = std::chrono::seconds{3};
 
     // State that exists only while the card is visible.
     struct Shown {
@@ -51,8 +52,10 @@ private:
 
     bool show();
     bool needsNewSurface(Instant now);
+    void lookSoon();
     SurfaceEvents surfaceEvents();
     void drawIfPaced(Instant now);
+    void present(std::uint32_t picture, const std::vector<PixelRect>& parts, Instant now);
     std::vector<PixelRect> draw(cairo_surface_t* target, const StageLook& look);
     void syncInput();
     void pressed(const SurfacePress& press);
@@ -62,6 +65,7 @@ private:
     Rect frame_;
     long number_;
     Timer fadeEnd_;
+    Timer nextLook_;
     std::optional<Shown> shown_;
     Duration patience_ = kPatience;  // with a compositor that shows nothing
     PressTracker press_;

@@ -87,7 +87,7 @@ struct CompositorRequests {
         surface.shown = Pixels{wl_shm_buffer_get_width(memory), wl_shm_buffer_get_height(memory),
                                static_cast<std::uint32_t*>(wl_shm_buffer_get_data(memory))};
         wl_shm_buffer_end_access(memory);
-        if (surface.reading && surface.reading != surface.buffer)
+        if (surface.reading && surface.reading != surface.buffer && !surface.isCovered)
             wl_buffer_send_release(surface.reading);
         surface.reading = surface.buffer;
     }
@@ -311,6 +311,13 @@ bool TestCompositor::heard(const std::string& beginning) const {
 
 int TestCompositor::clientCount() const {
     return display_ ? wl_list_length(wl_display_get_client_list(display_)) : 0;
+}
+
+pid_t TestCompositor::clientProcess() const {
+    pid_t process = 0;
+    wl_client_get_credentials(wl_client_from_link(wl_display_get_client_list(display_)->next),
+                              &process, nullptr, nullptr);
+    return process;
 }
 
 }  // namespace quorvane

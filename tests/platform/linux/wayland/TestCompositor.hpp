@@ -38,6 +38,7 @@ public:
         PixelRect destination{};
         Pixels shown{};
         int commits = 0;
+        bool isCovered = false;  // keeps its pictures
     };
 
     // Listens at "wayland-test" in XDG_RUNTIME_DIR.
@@ -69,6 +70,7 @@ public:
     std::list<Surface> surfaces{};
     Surface& surface() { return surfaces.back(); }
     int clientCount() const;
+    pid_t clientProcess() const;  // of the only client
 
 private:
     friend struct CompositorRequests;
