@@ -26,7 +26,9 @@ struct WatcherWithoutDisplay {
                              .observe =
                                  [this](std::function<void()> changed) {
                                      return changes.add(std::move(changed));
-                                 }}) {}
+                                 }}) {
+        log.info("locks: watching; without the add-on, only lockers that announce themselves");
+    }
 
     void report(const Logger& log) {
         const bool isTold = addOn.isActive().has_value();
