@@ -119,6 +119,8 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     EXPECT_TRUE(becomes("Paused")) << host.log();
     setActive(0);
     EXPECT_TRUE(becomes("Playing")) << host.log();
+    const auto isKnownToPlay = [&] { return run("players").find("followed: it plays") != kNone; };
+    EXPECT_TRUE(eventually(isKnownToPlay));
     LoggedProcess locker = session.startLocker();
     EXPECT_TRUE(becomes("Paused")) << "a lock that only the add-on sees" << host.log();
     locker.process().end(SIGTERM);
@@ -128,7 +130,7 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     EXPECT_TRUE(eventually([&] { return run("status").find("Player:  mpv does not") != kNone; }));
     EXPECT_TRUE(addOn.says("card hidden")) << addOn.log();
     player.process().signal(SIGCONT);
-    EXPECT_TRUE(eventually([&] { return run("players").find("followed: it plays") != kNone; }));
+    EXPECT_TRUE(eventually(isKnownToPlay));
 
     locker = session.startLocker();
     EXPECT_TRUE(becomes("Paused")) << host.log();
