@@ -239,7 +239,7 @@ int tellPlayers(const LiveServices& services) {
             answer = services.distributedNotices.observe(
                 PlayerList::kAnswer,
                 [&](const PropertyDictionary& userInfo) { tell(PlayerList::of(userInfo)); });
-            services.distributedNotices.post(PlayerList::kRequest, {});
+            services.darwinNotices.post(PlayerList::kRequest);
         } else {
             here = *makePlayer({}, services, settings, makeLiveMediaPlayers(services));
             say("no host is running; one that starts now chooses so:");

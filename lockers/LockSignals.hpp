@@ -11,6 +11,7 @@ struct LockSignals {
     bool hasLockerWindow = false;      // a lock screen is seen
     bool screenSaverIsActive = false;  // a desktop's screen-saver service says so
     bool sessionSaysLocked = false;    // the login manager's hint
+    bool isBlind = false;              // what saw lock screens is gone
 
     // Any of the three, because a locker may announce nothing, and a lock may be announced without
     // a window visible to this process.
@@ -24,14 +25,17 @@ struct LockSignals {
 };
 
 // The notices for the change from one state to the next, in order: the screen is locked before the
-// lock UI is shown, and the lock UI is hidden before the screen is unlocked.
+// lock UI is shown, and the lock UI is hidden before the screen is unlocked. A lock screen that can
+// no longer be seen is no unlock.
 constexpr std::vector<const char*> noticesBetween(const LockSignals& before,
                                                   const LockSignals& after) {
     std::vector<const char*> notices;
     if (!before.isLocked() && after.isLocked()) notices.push_back(kScreenIsLocked);
     if (!before.isLockUIShown() && after.isLockUIShown()) notices.push_back(kScreenLockUIIsShown);
     if (before.isLockUIShown() && !after.isLockUIShown()) notices.push_back(kScreenLockUIIsHidden);
-    if (before.isLocked() && !after.isLocked()) notices.push_back(kScreenIsUnlocked);
+    const bool mayStillBeLocked = before.hasLockerWindow && after.isBlind;
+    if (before.isLocked() && !after.isLocked() && !mayStillBeLocked)
+        notices.push_back(kScreenIsUnlocked);
     return notices;
 }
 

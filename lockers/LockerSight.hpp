@@ -1,7 +1,8 @@
-// How a display sees lock screens.
+// How lock screens are seen: on this process's display, or by another process.
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "platform/Handle.hpp"
 
@@ -9,8 +10,9 @@ namespace quorvane {
 
 struct LockerSight {
     // Empty on Wayland, where no window shows it: an active screen-saver service then counts. The
-    // login manager's hint may outlast the lock, so it does not count.
-    std::function<bool()> isSeen;
+    // login manager's hint may outlast the lock, so it does not count. Nullopt while the process
+    // that sees them is gone.
+    std::function<std::optional<bool>()> isSeen;
     std::function<Handle(std::function<void()> changed)> observe;
 };
 

@@ -77,7 +77,7 @@ void HostStatusQuery::askPlayers() {
                 if (row.state == PlayerList::kSilent) status_.silentPlayers.push_back(row.name);
             finishIfComplete();
         });
-    services_.control.notices.post(PlayerList::kRequest, {});
+    services_.darwinNotices.post(PlayerList::kRequest);
 }
 
 void HostStatusQuery::finishIfComplete() {

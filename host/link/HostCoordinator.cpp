@@ -123,10 +123,9 @@ void HostCoordinator::portOpened() {
     ++openPorts_;
     if (!isServing()) return;
     log_.info("host: serving");
-    playersRequests_ = services_.distributedNotices.observe(
-        PlayerList::kRequest, [this](const PropertyDictionary&) {
-            services_.distributedNotices.post(PlayerList::kAnswer, player_->players().userInfo());
-        });
+    playersRequests_ = services_.darwinNotices.observe(PlayerList::kRequest, [this] {
+        services_.distributedNotices.post(PlayerList::kAnswer, player_->players().userInfo());
+    });
     // Any previous host has ended, so make the add-on reconnect and say hello.
     services_.darwinNotices.post(QuorvaneDarwinNotification::playerStateChanged);
     services_.darwinNotices.post(QuorvaneDarwinNotification::lockScreenConfigurationChanged);

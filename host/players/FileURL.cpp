@@ -25,6 +25,9 @@ std::optional<std::string> percentDecoded(std::string_view text) {
 }
 
 std::optional<std::filesystem::path> localFile(std::string_view url) {
+    // No path is longer: 4096 bytes, all of them escaped.
+    constexpr std::size_t longest = std::size_t{3} * 4096 + 64;
+    if (url.size() > longest) return std::nullopt;
     if (url.starts_with('/')) return std::filesystem::path{url};
     constexpr std::string_view scheme = "file:";
     if (!url.starts_with(scheme)) return std::nullopt;

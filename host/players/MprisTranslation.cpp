@@ -25,12 +25,11 @@ const PropertyDictionary& metadataOf(const MediaPlayer& player) {
 }
 
 // At most kLongestText bytes, cut at a character boundary.
-std::string withinReason(std::string text) {
-    if (text.size() <= kLongestText) return text;
+std::string withinReason(std::string_view text) {
+    if (text.size() <= kLongestText) return std::string{text};
     std::size_t end = kLongestText;
     while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
-    text.resize(end);
-    return text;
+    return std::string{text.substr(0, end)};
 }
 
 std::string textOf(const PropertyDictionary& dictionary, std::string_view key) {
@@ -58,9 +57,10 @@ std::string joinedNames(const PropertyDictionary& metadata, std::string_view key
     std::string joined;
     for (const PropertyValue& value : *names) {
         const auto* name = value.as<std::string>();
-        if (name && !name->empty()) joined += (joined.empty() ? "" : ", ") + *name;
+        if (joined.size() > kLongestText) break;
+        if (name && !name->empty()) joined += (joined.empty() ? "" : ", ") + withinReason(*name);
     }
-    return withinReason(std::move(joined));
+    return withinReason(joined);
 }
 
 std::optional<std::string> unlessEmpty(std::string text) {

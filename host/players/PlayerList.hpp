@@ -16,7 +16,8 @@ struct PlayerRow {
 };
 
 struct PlayerList {
-    // Distributed notices. The serving host answers the first with the second.
+    // The serving host answers the first, a Darwin notice, with the second, a distributed one. A
+    // request has no data, which any process could make large.
     static constexpr char kRequest[] = "example.quillon.Quorvane.Host.playersRequest";
     static constexpr char kAnswer[] = "example.quillon.Quorvane.Host.players";
     static constexpr char kSilent[] = "silent";

@@ -11,6 +11,8 @@
 #include "platform/linux/DisplayModule.hpp"
 #include "platform/linux/accessibility/AccessibilityLinux.hpp"
 #include "platform/linux/bus/MotionSetting.hpp"
+#include "platform/linux/bus/ScreenSaverService.hpp"
+#include "platform/linux/bus/ScreenSaverSignals.hpp"
 #include "platform/linux/language/Translations.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
 #include "platform/linux/processes/Confinement.hpp"
@@ -36,6 +38,7 @@ struct DisplayPlatform {
     DisplayPlatform(const LiveServices& services, Display ofSession)
         : display(std::move(ofSession)),
           watcher(HeadlessPlatform::of(services), display.sight),
+          sightService(HeadlessPlatform::of(services).sessionBus, kAddOnSightService),
           motion(HeadlessPlatform::of(services).sessionBus, display.toolkitAnimates),
           accessibility(HeadlessPlatform::of(services).loop,
                         HeadlessPlatform::of(services).sessionBus,
@@ -50,14 +53,26 @@ struct DisplayPlatform {
           lockObservation(watcher.observeLock([this](bool isLocked) {
               if (isLocked) motion.refresh();
               display.lockChanged(isLocked);
-          })) {}
+          })) {
+        if (display.sight.isSeen) tellOthersOfSight();
+    }
+
+    // The host has no display.
+    void tellOthersOfSight() {
+        const auto tell = [this] { sightService.set(*display.sight.isSeen()); };
+        tell();
+        sightObservation = display.sight.observe(tell);
+        sightService.keepServing();
+    }
 
     Display display;
     LockWatcherLinux watcher;
+    ScreenSaverService sightService;
     MotionSetting motion;
     AccessibilityLinux accessibility;
     CardModuleLoader cards;
     Handle lockObservation;
+    Handle sightObservation;
 };
 
 Result<Display> openModule(const char* module, const LiveServices& services, const Logger& log) {

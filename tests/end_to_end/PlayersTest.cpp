@@ -119,12 +119,25 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     EXPECT_TRUE(becomes("Paused")) << host.log();
     setActive(0);
     EXPECT_TRUE(becomes("Playing")) << host.log();
+    const auto isKnownToPlay = [&] { return run("players").find("followed: it plays") != kNone; };
+    EXPECT_TRUE(eventually(isKnownToPlay));
+    LoggedProcess locker = session.startLocker();
+    EXPECT_TRUE(becomes("Paused")) << "a lock that only the add-on sees" << host.log();
+    locker.process().end(SIGTERM);
+    EXPECT_TRUE(becomes("Playing")) << host.log();
 
     player.process().signal(SIGSTOP);
     EXPECT_TRUE(eventually([&] { return run("status").find("Player:  mpv does not") != kNone; }));
     EXPECT_TRUE(addOn.says("card hidden")) << addOn.log();
     player.process().signal(SIGCONT);
-    EXPECT_TRUE(eventually([&] { return run("players").find("followed: it plays") != kNone; }));
+    EXPECT_TRUE(eventually(isKnownToPlay));
+
+    locker = session.startLocker();
+    EXPECT_TRUE(becomes("Paused")) << host.log();
+    session.x().process().end(SIGTERM);
+    EXPECT_TRUE(host.says("locks: the add-on no longer tells of lock screens")) << addOn.log();
+    EXPECT_TRUE(eventually([&] { return run("status").find("paused \"mpv\"") != kNone; }));
+    EXPECT_EQ(ask("status"), "Paused\n") << "this was no unlock";
 }
 
 // A player that needs a terminal, has no artwork, and keeps its volume to itself.

@@ -75,9 +75,9 @@ TEST_F(HostProgramTest, ExplainsMistakesAndWhatTheSessionLacks) {
 TEST_F(HostProgramTest, TellsOfALockFromALockersReadinessToItsEnd) {
     EventLoop loop;
     SessionBus session{loop, {}};
-    ScreenSaverSignals savers{session, [] {}};
+    ScreenSaverSignals savers{session, kScreenSaverServices, [] {}};
     const auto becomes = [&](bool isLocked) {
-        return runUntil(loop, [&] { return savers.isActive() == isLocked; });
+        return runUntil(loop, [&] { return savers.isActive().value_or(false) == isLocked; });
     };
     const std::string end = (folder / "end").string();
     LoggedProcess host{{HOST_PROGRAM, "lock", "--", "sh", "-c",

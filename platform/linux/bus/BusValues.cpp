@@ -12,8 +12,16 @@ namespace {
 constexpr char kDateContents[] = "x";
 constexpr char kVariant[] = "v";
 constexpr char kEntry[] = "sv";
-// No text of a service is longer, except a player's artwork in a URL, which is limited to this.
-constexpr std::size_t kLongestText = 12 * 1024 * 1024;
+// What is read of one message: a player's artwork of 8 MiB in a URL, and the rest.
+constexpr std::size_t kMostMemory = 12 * 1024 * 1024;
+constexpr std::size_t kValueMemory = 1024;  // more than any needs, apart from its text or bytes
+
+// Takes from the memory that is left. Returns false if that is not enough.
+bool take(std::size_t& left, std::size_t size) {
+    if (size > left) return false;
+    left -= size;
+    return true;
+}
 
 bool isText(char type) {
     return type == SD_BUS_TYPE_STRING || type == SD_BUS_TYPE_OBJECT_PATH ||
@@ -29,10 +37,11 @@ int readBasic(sd_bus_message* message, char type, std::optional<PropertyValue>& 
     return result;
 }
 
-int readText(sd_bus_message* message, char type, std::string& text) {
+int readText(sd_bus_message* message, std::size_t& left, char type,
+             std::optional<std::string>& text) {
     const char* read = nullptr;
     const int result = sd_bus_message_read_basic(message, type, &read);
-    if (result > 0) text = read;
+    if (result > 0 && take(left, std::strlen(read))) text = read;
     return result;
 }
 
@@ -56,24 +65,26 @@ int readNumber(sd_bus_message* message, char type, std::optional<PropertyValue>&
     }
 }
 
-int readBytes(sd_bus_message* message, std::optional<PropertyValue>& value) {
+int readBytes(sd_bus_message* message, std::size_t& left, std::optional<PropertyValue>& value) {
     const void* data = nullptr;
     std::size_t size = 0;
     const int result = sd_bus_message_read_array(message, SD_BUS_TYPE_BYTE, &data, &size);
-    if (result < 0) return result;
-    value = PropertyValue{copyOf({static_cast<const std::byte*>(data), size})};
+    if (result >= 0 && take(left, size))
+        value = PropertyValue{copyOf({static_cast<const std::byte*>(data), size})};
     return result;
 }
 
 // Reads one value of any type; sets none for a value without a counterpart.
-int readValue(sd_bus_message* message, std::optional<PropertyValue>& value);
+int readValue(sd_bus_message* message, std::size_t& left, std::optional<PropertyValue>& value);
+int readDictionary(sd_bus_message* message, std::size_t& left, PropertyDictionary& dictionary);
 
-int readArray(sd_bus_message* message, const char* contents, std::optional<PropertyValue>& value) {
+int readArray(sd_bus_message* message, std::size_t& left, const char* contents,
+              std::optional<PropertyValue>& value) {
     int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, contents);
     PropertyArray array;
     while (result >= 0 && (result = sd_bus_message_at_end(message, 0)) == 0) {
         std::optional<PropertyValue> element;
-        result = readValue(message, element);
+        result = readValue(message, left, element);
         if (element) array.push_back(*std::move(element));
     }
     if (result < 0) return result;
@@ -81,10 +92,10 @@ int readArray(sd_bus_message* message, const char* contents, std::optional<Prope
     return sd_bus_message_exit_container(message);
 }
 
-int readVariant(sd_bus_message* message, const char* contents,
+int readVariant(sd_bus_message* message, std::size_t& left, const char* contents,
                 std::optional<PropertyValue>& value) {
     int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, contents);
-    if (result >= 0) result = readValue(message, value);
+    if (result >= 0) result = readValue(message, left, value);
     return result < 0 ? result : sd_bus_message_exit_container(message);
 }
 
@@ -95,28 +106,51 @@ int readDate(sd_bus_message* message, std::optional<PropertyValue>& value) {
     return result;
 }
 
-int readValue(sd_bus_message* message, std::optional<PropertyValue>& value) {
+int readValue(sd_bus_message* message, std::size_t& left, std::optional<PropertyValue>& value) {
+    if (!take(left, kValueMemory)) return -EMSGSIZE;
     char type = 0;
     const char* contents = nullptr;
     const int result = sd_bus_message_peek_type(message, &type, &contents);
     if (result <= 0) return result < 0 ? result : -ENXIO;
     if (isText(type)) {
-        const char* text = nullptr;
-        const int read = sd_bus_message_read_basic(message, type, &text);
-        if (read > 0 && std::strlen(text) <= kLongestText) value = PropertyValue{std::string{text}};
+        std::optional<std::string> text;
+        const int read = readText(message, left, type, text);
+        if (text) value = PropertyValue{*std::move(text)};
         return read;
     }
     const std::string_view inner = contents ? contents : "";
-    if (type == SD_BUS_TYPE_VARIANT) return readVariant(message, contents, value);
+    if (type == SD_BUS_TYPE_VARIANT) return readVariant(message, left, contents, value);
     if (type == SD_BUS_TYPE_STRUCT && inner == kDateContents) return readDate(message, value);
     if (type != SD_BUS_TYPE_ARRAY) return readNumber(message, type, value);
-    if (inner == "y") return readBytes(message, value);
-    if (!inner.starts_with('{')) return readArray(message, contents, value);
+    if (inner == "y") return readBytes(message, left, value);
+    if (!inner.starts_with('{')) return readArray(message, left, contents, value);
     if (!isText(inner[1])) return sd_bus_message_skip(message, nullptr);
     PropertyDictionary dictionary;
-    const int read = readBusDictionary(message, dictionary);
+    const int read = readDictionary(message, left, dictionary);
     if (read >= 0) value = PropertyValue{std::move(dictionary)};
     return read;
+}
+
+int readDictionary(sd_bus_message* message, std::size_t& left, PropertyDictionary& dictionary) {
+    int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, nullptr);
+    while (result >= 0 && (result = sd_bus_message_at_end(message, 0)) == 0) {
+        const char* contents = nullptr;
+        char keyType = 0;
+        std::optional<std::string> key;
+        std::optional<PropertyValue> value;
+        result = sd_bus_message_peek_type(message, nullptr, &contents);
+        if (result > 0) {
+            if (!contents || !isText(contents[0])) return -EBADMSG;
+            keyType = contents[0];
+            result = sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, contents);
+        }
+        if (result >= 0) result = readText(message, left, keyType, key);
+        if (result >= 0) result = readValue(message, left, value);
+        if (result >= 0) result = sd_bus_message_exit_container(message);
+        if (result >= 0 && key && value)
+            dictionary.insert_or_assign(*std::move(key), *std::move(value));
+    }
+    return result < 0 ? result : sd_bus_message_exit_container(message);
 }
 
 int appendText(sd_bus_message* message, const std::string& text) {
@@ -161,24 +195,8 @@ static_assert(std::size(kVariantContents) == std::variant_size_v<PropertyValue::
 }  // namespace
 
 int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary) {
-    int result = sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, nullptr);
-    while (result >= 0 && (result = sd_bus_message_at_end(message, 0)) == 0) {
-        const char* contents = nullptr;
-        char keyType = 0;
-        std::string key;
-        std::optional<PropertyValue> value;
-        result = sd_bus_message_peek_type(message, nullptr, &contents);
-        if (result > 0) {
-            if (!contents || !isText(contents[0])) return -EBADMSG;
-            keyType = contents[0];
-            result = sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, contents);
-        }
-        if (result >= 0) result = readText(message, keyType, key);
-        if (result >= 0) result = readValue(message, value);
-        if (result >= 0) result = sd_bus_message_exit_container(message);
-        if (result >= 0 && value) dictionary.insert_or_assign(std::move(key), *std::move(value));
-    }
-    return result < 0 ? result : sd_bus_message_exit_container(message);
+    std::size_t left = kMostMemory;
+    return readDictionary(message, left, dictionary);
 }
 
 int appendBusVariant(sd_bus_message* message, const PropertyValue& value) {

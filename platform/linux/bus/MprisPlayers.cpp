@@ -1,5 +1,6 @@
 #include "platform/linux/bus/MprisPlayers.hpp"
 
+#include <cstring>
 #include <utility>
 
 #include "platform/linux/bus/BusValues.hpp"
@@ -12,9 +13,15 @@ constexpr char kPlayer[] = "org.mpris.MediaPlayer2.Player";
 constexpr char kPlayerPath[] = "/org/mpris/MediaPlayer2";
 constexpr char kBus[] = "org.freedesktop.DBus";
 constexpr char kBusPath[] = "/org/freedesktop/DBus";
+constexpr char kMetadata[] = "Metadata";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
 // A player whose artwork's URL is longer is asked only for its position again.
 constexpr std::size_t kLongestRepeated = 64 * 1024;
+// Limits on what is kept of players that send nonsense. The interface has 16 properties, and
+// everything but the metadata is a number or a word.
+constexpr std::size_t kMostPlayers = 100;
+constexpr std::size_t kMostProperties = 64;
+constexpr std::size_t kLongestWord = 256;
 // A player that takes longer counts as silent.
 constexpr Duration kPatience = std::chrono::seconds{5};
 // A silent player that recovers answers what it was asked, and so returns.
@@ -22,7 +29,7 @@ constexpr Duration kUntilItAnswers = std::chrono::hours{24 * 365};
 
 // Moves the artwork's URL out of the metadata.
 std::shared_ptr<const std::string> takeArtworkURL(PropertyDictionary& properties) {
-    const auto found = properties.find("Metadata");
+    const auto found = properties.find(kMetadata);
     if (found == properties.end()) return nullptr;
     auto* const metadata = std::get_if<PropertyDictionary>(&found->second.value);
     if (!metadata) return nullptr;
@@ -30,6 +37,20 @@ std::shared_ptr<const std::string> takeArtworkURL(PropertyDictionary& properties
     auto* const url = entry ? std::get_if<std::string>(&entry.mapped().value) : nullptr;
     if (!url || url->empty()) return nullptr;
     return std::make_shared<const std::string>(std::move(*url));
+}
+
+bool isWordOrNumber(const PropertyValue& value) {
+    const auto* const text = value.as<std::string>();
+    return (text && text->size() <= kLongestWord) || value.as<bool>() || value.as<double>() ||
+           value.as<std::int64_t>();
+}
+
+void merge(PropertyDictionary changes, PropertyDictionary& properties) {
+    for (auto& [key, value] : changes) {
+        const bool isKnown = properties.contains(key) || properties.size() < kMostProperties;
+        if (isKnown && (key == kMetadata || isWordOrNumber(value)))
+            properties.insert_or_assign(key, std::move(value));
+    }
 }
 
 }  // namespace
@@ -85,6 +106,7 @@ void MprisPlayers::findOwner(const std::string& name) {
 }
 
 void MprisPlayers::add(const std::string& name, const std::string& owner) {
+    if (entries_.size() >= kMostPlayers) return;
     Entry& entry = entries_[name];
     entry.owner = owner;
     entry.player.busName = name;
@@ -104,7 +126,7 @@ void MprisPlayers::askIdentity(Entry& entry) {
     entry.identity = callBus(bus_, get, kPatience, [this, &entry](sd_bus_message* reply) {
         const char* text = nullptr;
         if (!reply || sd_bus_message_read(reply, "v", "s", &text) < 0) return;
-        entry.player.identity = text;
+        entry.player.identity = std::strlen(text) <= kLongestWord ? text : "";
         if (entry.isDescribed) changed();
     });
 }
@@ -138,7 +160,8 @@ void MprisPlayers::onDescription(Entry& entry, sd_bus_message* reply) {
         takePosition(entry, *position);
     properties.erase("Position");
     entry.player.artworkURL = takeArtworkURL(properties);
-    entry.player.properties = std::move(properties);
+    entry.player.properties.clear();
+    merge(std::move(properties), entry.player.properties);
     entry.isDescribed = true;
     changed();
 }
@@ -173,12 +196,11 @@ void MprisPlayers::onPropertiesChanged(sd_bus_message* message) {
     changes.erase("Position");
     const bool isIncomplete = sd_bus_message_enter_container(message, 'a', "s") > 0 &&
                               sd_bus_message_at_end(message, 0) == 0;
-    const bool changesMetadata = changes.contains("Metadata");
+    const bool changesMetadata = changes.contains(kMetadata);
     const auto artworkURL = takeArtworkURL(changes);
     forSender(message, [&](Entry& entry) {
         if (changesMetadata) entry.player.artworkURL = artworkURL;
-        for (const auto& [key, value] : changes)
-            entry.player.properties.insert_or_assign(key, value);
+        merge(changes, entry.player.properties);
         // Some properties changed without their new values, or the player did not answer the first
         // request.
         if (isIncomplete || !entry.isDescribed) describe(entry);

@@ -6,27 +6,19 @@
 #include "platform/linux/bus/BusRequest.hpp"
 
 namespace quorvane {
-namespace {
 
-constexpr const char* kServices[] = {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver",
-                                     "org.mate.ScreenSaver",        "org.cinnamon.ScreenSaver",
-                                     "org.xfce.ScreenSaver",        kLockerRunService};
-
-// Each service's object path is derived from its name.
-std::string pathOf(std::string name) {
-    std::ranges::replace(name, '.', '/');
-    return "/" + name;
+std::string screenSaverPath(std::string service) {
+    std::ranges::replace(service, '.', '/');
+    return "/" + service;
 }
 
-}  // namespace
-
-ScreenSaverSignals::ScreenSaverSignals(SessionBus& bus, std::function<void()> changed)
+ScreenSaverSignals::ScreenSaverSignals(SessionBus& bus, std::span<const char* const> services,
+                                       std::function<void()> changed)
     : bus_(bus), changed_(std::move(changed)) {
-    services_.reserve(std::size(kServices));
-    for (const char* name : kServices) services_.push_back({name, false, {}, {}});
+    for (const char* name : services) services_.push_back({name, {}, {}, {}});
     for (std::size_t index = 0; index < services_.size(); ++index) observe(index);
     loss_ = bus_.observeLoss([this] {
-        for (std::size_t index = 0; index < services_.size(); ++index) set(index, false);
+        for (std::size_t index = 0; index < services_.size(); ++index) set(index, {});
     });
     reconnection_ = bus_.observeReconnection([this] { askAll(); });
     askAll();
@@ -36,8 +28,9 @@ void ScreenSaverSignals::askAll() {
     for (std::size_t index = 0; index < services_.size(); ++index) ask(index);
 }
 
-bool ScreenSaverSignals::isActive() const {
-    return std::ranges::any_of(services_, &Service::isActive);
+std::optional<bool> ScreenSaverSignals::isActive() const {
+    // Nullopt is less than false, which is less than true.
+    return std::ranges::max_element(services_, {}, &Service::isActive)->isActive;
 }
 
 void ScreenSaverSignals::observe(std::size_t index) {
@@ -50,21 +43,22 @@ void ScreenSaverSignals::observe(std::size_t index) {
                        if (sd_bus_message_read(message, "b", &isActive) >= 0)
                            set(index, isActive != 0);
                    }));
-    // A service that has exited does not answer, so it counts as inactive.
+    // A service that has exited does not answer.
     service.observations.push_back(bus_.observeOwner(service.name, [this, index] { ask(index); }));
 }
 
 void ScreenSaverSignals::ask(std::size_t index) {
     Service& service = services_[index];
-    const BusMethod get{service.name, pathOf(service.name), service.name, "GetActive"};
+    const BusMethod get{service.name, screenSaverPath(service.name), service.name, "GetActive"};
     service.question = callBus(bus_, get, kAnswerDeadline, [this, index](sd_bus_message* reply) {
         int isActive = 0;
-        set(index, reply && sd_bus_message_read(reply, "b", &isActive) >= 0 && isActive != 0);
+        const bool isAnswered = reply && sd_bus_message_read(reply, "b", &isActive) >= 0;
+        set(index, isAnswered ? std::optional{isActive != 0} : std::nullopt);
     });
 }
 
-void ScreenSaverSignals::set(std::size_t index, bool isActive) {
-    const bool before = this->isActive();
+void ScreenSaverSignals::set(std::size_t index, std::optional<bool> isActive) {
+    const auto before = this->isActive();
     services_[index].isActive = isActive;
     if (this->isActive() != before) changed_();
 }

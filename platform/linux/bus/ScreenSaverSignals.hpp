@@ -2,6 +2,8 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -12,22 +14,32 @@ namespace quorvane {
 
 // The service of `quorvane-host lock`, for lockers that have none.
 inline constexpr char kLockerRunService[] = "example.quillon.Quorvane.Locker";
-inline constexpr char kLockerRunPath[] = "/example/quillon/Quorvane/Locker";
+// The add-on's, for processes without a display: active while it sees a lock screen.
+inline constexpr char kAddOnSightService[] = "example.quillon.Quorvane.LockScreenAddOn.Sight";
 
-// Main thread only. Inactive on a desktop without such a service and in a session without a bus.
-// Queries do not auto-start a service. A service becomes inactive when it ends or its bus goes
-// away.
+inline constexpr const char* kScreenSaverServices[] = {
+    "org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver", "org.mate.ScreenSaver",
+    "org.cinnamon.ScreenSaver",    "org.xfce.ScreenSaver",  kLockerRunService};
+inline constexpr const char* kAddOnServices[] = {kAddOnSightService};
+
+// Each service's object path is derived from its name.
+std::string screenSaverPath(std::string service);
+
+// Main thread only. Queries do not auto-start a service. A service's state is unknown once it has
+// ended or its bus has gone away.
 class ScreenSaverSignals {
 public:
-    // Calls `changed` when the first service becomes active and when the last becomes inactive.
-    ScreenSaverSignals(SessionBus& bus, std::function<void()> changed);
+    // Calls `changed` after each change of `isActive`.
+    ScreenSaverSignals(SessionBus& bus, std::span<const char* const> services,
+                       std::function<void()> changed);
 
-    bool isActive() const;
+    // Whether any service reports itself active; nullopt while no state is known.
+    std::optional<bool> isActive() const;
 
 private:
     struct Service {
         std::string name;  // both the bus name and the interface
-        bool isActive = false;
+        std::optional<bool> isActive{};
         std::vector<Handle> observations;
         Handle question;
     };
@@ -35,7 +47,7 @@ private:
     void observe(std::size_t index);
     void ask(std::size_t index);
     void askAll();
-    void set(std::size_t index, bool isActive);
+    void set(std::size_t index, std::optional<bool> isActive);
 
     SessionBus& bus_;
     std::function<void()> changed_;

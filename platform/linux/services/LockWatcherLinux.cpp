@@ -13,22 +13,56 @@ constexpr std::string_view kLockUIState = "com.apple.sessionagent.screenLockUIIs
 constexpr std::uint32_t kNotifyOK = 0;
 constexpr std::uint32_t kNotifyInvalidName = 1;
 
+// Sees lock screens through the add-on, which has a display. The add-on may start and end at any
+// time.
+struct WatcherWithoutDisplay {
+    WatcherWithoutDisplay(HeadlessPlatform& services, const Logger& log)
+        : addOn(services.sessionBus, kAddOnServices,
+                [this, log] {
+                    report(log);
+                    changes.call();
+                }),
+          watcher(services, {.isSeen = [this] { return addOn.isActive(); },
+                             .observe =
+                                 [this](std::function<void()> changed) {
+                                     return changes.add(std::move(changed));
+                                 }}) {
+        log.info("locks: watching; without the add-on, only lockers that announce themselves");
+    }
+
+    void report(const Logger& log) {
+        const bool isTold = addOn.isActive().has_value();
+        if (std::exchange(wasTold, isTold) == isTold) return;
+        if (isTold)
+            log.info("locks: the add-on tells of lock screens");
+        else
+            log.info("locks: the add-on no longer tells of lock screens");
+    }
+
+    bool wasTold = false;
+    Listeners<> changes;
+    ScreenSaverSignals addOn;
+    LockWatcherLinux watcher;
+};
+
 }  // namespace
 
 LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, LockerSight sight)
     : notices_(services.localNotices),
       sight_(std::move(sight)),
-      screenSavers_(services.sessionBus, [this] { update(); }),
+      screenSavers_(services.sessionBus, kScreenSaverServices, [this] { update(); }),
       logind_(services.systemBus, {.lockedHintChanged = [this] { update(); },
                                    .woke = [this] { wakeListeners_.call(); }}),
       signals_(read()),
       lockerObservation_(sight_.isSeen ? sight_.observe([this] { update(); }) : Handle{}) {}
 
 LockSignals LockWatcherLinux::read() const {
-    LockSignals now{.screenSaverIsActive = screenSavers_.isActive(),
-                    .sessionSaysLocked = logind_.isLocked()};
-    now.hasLockerWindow = sight_.isSeen ? sight_.isSeen() : now.screenSaverIsActive;
-    return now;
+    const bool isActive = screenSavers_.isActive().value_or(false);
+    const std::optional<bool> isSeen = sight_.isSeen ? sight_.isSeen() : isActive;
+    return {.hasLockerWindow = isSeen.value_or(false),
+            .screenSaverIsActive = isActive,
+            .sessionSaysLocked = logind_.isLocked(),
+            .isBlind = !isSeen};
 }
 
 void LockWatcherLinux::update() {
@@ -70,10 +104,10 @@ LockSources LockWatcherLinux::sources() {
 }
 
 LockSources makeLiveLockSources(const LiveServices& services) {
-    const auto watcher =
-        std::make_shared<LockWatcherLinux>(HeadlessPlatform::of(services), LockerSight{});
-    LockSources sources = watcher->sources();
-    sources.observeWake = [watcher, observe = sources.observeWake](std::function<void()> handler) {
+    const auto owner = std::make_shared<WatcherWithoutDisplay>(
+        HeadlessPlatform::of(services), Logger{services.log, kPlatformSubsystem, "locks"});
+    LockSources sources = owner->watcher.sources();
+    sources.observeWake = [owner, observe = sources.observeWake](std::function<void()> handler) {
         return observe(std::move(handler));
     };
     return sources;

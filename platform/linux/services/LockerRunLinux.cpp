@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/LockerRun.hpp"
+#include "platform/linux/bus/ScreenSaverService.hpp"
 #include "platform/linux/bus/ScreenSaverSignals.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
 #include "platform/linux/files/PosixError.hpp"
@@ -27,10 +28,8 @@ public:
     LockerRun(const LiveServices& services, std::function<void(int)> ended)
         : platform_(HeadlessPlatform::of(services)),
           clock_(services.clock),
-          ended_(std::move(ended)) {}
-    ~LockerRun() { sd_bus_slot_unref(slot_); }
-    LockerRun(const LockerRun&) = delete;
-    LockerRun& operator=(const LockerRun&) = delete;
+          ended_(std::move(ended)),
+          service_(platform_.sessionBus, kLockerRunService) {}
 
     Result<void> start(std::vector<std::string> command) {
         if (auto served = serve(); !served) return served;
@@ -52,21 +51,9 @@ public:
 
 private:
     Result<void> serve() {
-        static constexpr sd_bus_vtable kMembers[] = {
-            SD_BUS_VTABLE_START(0),
-            SD_BUS_METHOD(
-                "GetActive", "", "b",
-                [](sd_bus_message* call, void* self, sd_bus_error*) {
-                    const bool isLocked = static_cast<LockerRun*>(self)->isLocked_;
-                    return sd_bus_reply_method_return(call, "b", int{isLocked});
-                },
-                SD_BUS_VTABLE_UNPRIVILEGED),
-            SD_BUS_SIGNAL("ActiveChanged", "b", 0), SD_BUS_VTABLE_END};
-        sd_bus* const bus = platform_.sessionBus.connection();
-        if (!bus) return std::unexpected{PlatformError{.description = "there is no session bus"}};
-        int result = sd_bus_add_object_vtable(bus, &slot_, kLockerRunPath, kLockerRunService,
-                                              kMembers, this);
-        if (result >= 0) result = sd_bus_request_name(bus, kLockerRunService, 0);
+        const int result = service_.start();
+        if (result == -ENOTCONN)
+            return std::unexpected{PlatformError{.description = "there is no session bus"}};
         if (result == -EEXIST)
             return std::unexpected{
                 PlatformError{.description = "another 'quorvane-host lock' is running"}};
@@ -88,10 +75,7 @@ private:
     }
     void set(bool isLocked) {
         patience_.reset();
-        if (std::exchange(isLocked_, isLocked) == isLocked) return;
-        if (sd_bus* const bus = platform_.sessionBus.connection())
-            sd_bus_emit_signal(bus, kLockerRunPath, kLockerRunService, "ActiveChanged", "b",
-                               int{isLocked});
+        service_.set(isLocked);
     }
     void end() {
         end_.reset();
@@ -104,8 +88,7 @@ private:
     HeadlessPlatform& platform_;
     Clock clock_;
     std::function<void(int)> ended_;
-    sd_bus_slot* slot_ = nullptr;
-    bool isLocked_ = false;
+    ScreenSaverService service_;
     pid_t pid_ = 0;
     FileDescriptor ready_;
     FileDescriptor process_;

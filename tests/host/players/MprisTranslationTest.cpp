@@ -187,6 +187,7 @@ TEST(FileURL, OnlyFilesOfThisMachine) {
     for (const char* url : {"file://other/a", "file://localhostile/a", "file:a", "file:///a%4",
                             "file:///a%zz", "file:///a%+1", "file:///a%00b", "http://localhost/a"})
         EXPECT_EQ(localFile(url), std::nullopt) << url;
+    EXPECT_EQ(localFile("/" + std::string(20'000, 'a')), std::nullopt) << "no path is so long";
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/linux/bus/BusValues.hpp"
+#include "platform/linux/bus/MprisPlayers.hpp"
+#include "platform/linux/loop/SerialQueueLinux.hpp"
 #include "platform/linux/services/HeadlessPlatform.hpp"
 #include "tests/support/FakeBusService.hpp"
 #include "tests/support/LoopRunner.hpp"
@@ -68,8 +71,8 @@ protected:
     EventLoop& loop() { return linux->loop; }
     FakePlayer makePlayer(const std::string& name) { return {loop(), privateBus.address(), name}; }
     void start() {
-        players = makeLiveMediaPlayers(services);
-        observation = players->observe([] {});
+        players.emplace(linux->sessionBus, services.clock, services.mainThread);
+        players->start();
     }
     void startUntilListed(const std::string& name) {
         start();
@@ -97,8 +100,7 @@ protected:
     PrivateBus privateBus;
     std::shared_ptr<HeadlessPlatform> linux;
     LiveServices services;
-    std::optional<MediaPlayers> players;
-    Handle observation;
+    std::optional<MprisPlayers> players;
     const std::string kFake = "org.mpris.MediaPlayer2.fake";
 };
 
@@ -206,6 +208,10 @@ TEST_F(MediaPlayersTest, ListensToNoNonsense) {
     fake.sayChanged("sa{ss}as", 1, "Volume", "loud", 0);
     fake.sayChanged("si", 5);
     fake.signal(kPath, kPlayer, "Seeked", "s", "far");
+    const std::string tale(1000, 'x');
+    fake.sayChanged("sa{sv}as", 1, "PlaybackStatus", "s", tale.c_str(), 0);
+    for (int number = 0; number < 100; ++number)
+        fake.sayChanged("sa{sv}as", 1, std::to_string(number).c_str(), "b", 1, 0);
     // From somebody who is no player, and nobody's property.
     FakeBusService stranger{loop(), privateBus.address(), "org.example.Stranger", nullptr};
     stranger.signal(kPath, kProperties, "PropertiesChanged", "sa{sv}as", kPlayer, 1,
@@ -214,6 +220,26 @@ TEST_F(MediaPlayersTest, ListensToNoNonsense) {
     settle();
     EXPECT_EQ(property<std::string>("fake", "PlaybackStatus"), "Playing");
     EXPECT_EQ(find("fake")->position, 7'000'000);
+    EXPECT_EQ(find("fake")->properties.size(), 64u);
+
+    sd_bus_message* message = nullptr;
+    sd_bus_message_new_signal(linux->sessionBus.connection(), &message, kPath, kPlayer, "Many");
+    PropertyDictionary values{{"many", {PropertyArray(13'000, {true})}}};
+    appendBusDictionary(message, values);
+    sd_bus_message_seal(message, 1, 0);
+    EXPECT_EQ(readBusDictionary(message, values), -EMSGSIZE);
+    sd_bus_message_unref(message);
+}
+
+TEST_F(MediaPlayersTest, AreFollowedOnAThreadOfTheirOwn) {
+    FakePlayer fake = makePlayer("fake");
+    services.makeSerialQueue = makeSerialQueuesLinux();
+    const MediaPlayers live = makeLiveMediaPlayers(services);
+    ASSERT_TRUE(until([&] { return !live.list().empty(); }));
+    live.call(kFake, "Next");
+    live.set(kFake, "Volume", {0.25});
+    live.raise(kFake);
+    EXPECT_TRUE(until([&] { return fake.heard.size() == 3; }));
 }
 
 TEST_F(MediaPlayersTest, ALostBusHasNoPlayersUntilItIsBack) {

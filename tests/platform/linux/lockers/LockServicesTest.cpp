@@ -4,6 +4,7 @@
 #include "platform/linux/bus/BusConnection.hpp"
 #include "platform/linux/bus/LogindLinux.hpp"
 #include "platform/linux/bus/MotionSetting.hpp"
+#include "platform/linux/bus/ScreenSaverService.hpp"
 #include "platform/linux/bus/ScreenSaverSignals.hpp"
 #include "platform/linux/x11/ToolkitSettings.hpp"
 #include "tests/support/FakeBusService.hpp"
@@ -55,7 +56,7 @@ TEST_F(LockServices, TellWhenAScreenSaverBecomesActive) {
     FakeBusService gnome = makeService(kGnome, false);
     FakeBusService xfce = makeService(kXfce, false);
     FakeBusService stranger = makeService("org.example.Stranger", false);
-    ScreenSaverSignals savers{session, [this] { ++changes; }};
+    ScreenSaverSignals savers{session, kScreenSaverServices, [this] { ++changes; }};
     // The questions come behind the match rules: once they are here, signals are heard.
     ASSERT_TRUE(waitFor([&] { return !gnome.calls().empty() && !xfce.calls().empty(); }));
 
@@ -63,13 +64,13 @@ TEST_F(LockServices, TellWhenAScreenSaverBecomesActive) {
     gnome.signal(kGnomePath, kGnome, "ActiveChanged", "s", "on");
     gnome.signal(kGnomePath, kGnome, "ActiveChanged", "b", 0);
     gnome.signal(kGnomePath, kGnome, "ActiveChanged", "b", 1);
-    ASSERT_TRUE(waitFor([&] { return changes > 0; }));
-    EXPECT_TRUE(savers.isActive());
+    ASSERT_TRUE(waitFor([&] { return savers.isActive() == true; }));
     xfce.signal("/org/xfce/ScreenSaver", kXfce, "ActiveChanged", "b", 1);
     gnome.signal(kGnomePath, kGnome, "ActiveChanged", "b", 0);
     xfce.signal("/org/xfce/ScreenSaver", kXfce, "ActiveChanged", "b", 0);
-    ASSERT_TRUE(waitFor([&] { return !savers.isActive(); }));
-    EXPECT_EQ(changes, 2) << "the first one and the last one, and nothing of the stranger";
+    ASSERT_TRUE(waitFor([&] { return savers.isActive() == false; }));
+    EXPECT_EQ(changes, 3)
+        << "the answer, the first one and the last one, and nothing of the stranger";
 }
 
 TEST_F(LockServices, FollowTheSessionsHint) {
@@ -104,10 +105,10 @@ TEST_F(LockServices, FollowTheSessionsHint) {
 // What they said before does not stay, and what they say afterwards is heard.
 TEST_F(LockServices, ComeBackAloneAndWithTheirBuses) {
     LogindLinux logind{system, events};
-    ScreenSaverSignals savers{session, [this] { ++changes; }};
+    ScreenSaverSignals savers{session, kScreenSaverServices, [this] { ++changes; }};
     const auto bothSay = [&](bool isLocked) {
         return waitFor([&, isLocked] {
-            return logind.isLocked() == isLocked && savers.isActive() == isLocked;
+            return logind.isLocked() == isLocked && savers.isActive().value_or(false) == isLocked;
         });
     };
     for (int round = 0; round < 3; ++round) {
@@ -121,6 +122,32 @@ TEST_F(LockServices, ComeBackAloneAndWithTheirBuses) {
         ASSERT_TRUE(bothSay(false)) << round;
     }
     EXPECT_EQ(changes, 12);
+}
+
+// As the add-on serves it and the host hears it.
+TEST_F(LockServices, TellWhatAnotherProcessSees) {
+    ScreenSaverSignals seen{session, kAddOnServices, [] {}};
+    const auto becomes = [&](std::optional<bool> state) {
+        return waitFor([&] { return seen.isActive() == state; });
+    };
+    SessionBus busOfNext{loop, {}};
+    ScreenSaverService next{busOfNext, kAddOnSightService};
+    {
+        SessionBus busOfOld{loop, {}};
+        ScreenSaverService old{busOfOld, kAddOnSightService};
+        old.keepServing();
+        EXPECT_TRUE(becomes(false));
+        next.keepServing();
+        old.set(true);
+        EXPECT_TRUE(becomes(true));
+    }
+    EXPECT_TRUE(becomes(false)) << "the next copy's";
+    next.set(true);
+    EXPECT_TRUE(becomes(true));
+    bus.kill();
+    EXPECT_TRUE(becomes(std::nullopt));
+    bus.start();
+    EXPECT_TRUE(becomes(true));
 }
 
 TEST_F(LockServices, ReadWhetherMotionIsReduced) {
