@@ -24,7 +24,7 @@ public:
     int notices() const { return notices_.get(); }
     // Whether the notice that has arrived is the first one.
     bool hasConnected() const;
-    // The connection, once it stands. The caller owns the descriptor.
+    // The socket, once it is connected. The caller owns the descriptor.
     int takeConnection() { return connection_.release(); }
     // The kernel's timer ends the process, and with it the connection, unless this is called again
     // by then. Zero: it may stay.

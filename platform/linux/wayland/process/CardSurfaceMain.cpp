@@ -38,11 +38,11 @@ bool connectToCompositor() {
 
 int main() {
     if (!connectToCompositor() || write(kAddOn, "", 1) != 1) return EXIT_FAILURE;
-    // The end of the connection, or of the add-on, is reported for every descriptor.
+    // The end of the compositor or of the add-on is reported without being asked for.
     pollfd ends[] = {{kTimer, POLLIN, 0}, {kConnection, 0, 0}, {kAddOn, 0, 0}};
     while (poll(ends, std::size(ends), -1) < 0 && errno == EINTR) {
     }
-    // Also for the add-on, which may be stopped.
+    // Ends the connection for the add-on too, which may be stopped.
     shutdown(kConnection, SHUT_RDWR);
     return EXIT_SUCCESS;
 }
