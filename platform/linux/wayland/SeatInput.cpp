@@ -21,39 +21,33 @@ const wl_seat_listener SeatInput::kListener{
     .name = [](void*, wl_seat*, const char*) {},
 };
 
-// The compositor keeps a pressed pointer on its surface, wherever it moves.
-const wl_pointer_listener SeatInput::kPointerListener{
-    .enter =
-        [](void* data, wl_pointer*, std::uint32_t, wl_surface* surface, wl_fixed_t x,
-           wl_fixed_t y) {
-            seatOf(data).under_ = surface;
-            seatOf(data).moveTo(x, y);
-        },
-    .leave =
-        [](void* data, wl_pointer*, std::uint32_t, wl_surface*) {
-            SeatInput& seat = seatOf(data);
-            seat.report(std::exchange(seat.under_, nullptr), Kind::cancelled);
-        },
-    .motion =
-        [](void* data, wl_pointer*, std::uint32_t, wl_fixed_t x, wl_fixed_t y) {
-            SeatInput& seat = seatOf(data);
-            seat.moveTo(x, y);
-            seat.report(seat.under_, Kind::moved);
-        },
-    .button =
-        [](void* data, wl_pointer*, std::uint32_t, std::uint32_t, std::uint32_t button,
-           std::uint32_t state) {
-            const bool isDown = state == WL_POINTER_BUTTON_STATE_PRESSED;
-            seatOf(data).report(seatOf(data).under_, isDown ? Kind::down : Kind::up,
-                                button - BTN_LEFT + kPrimary);
-        },
-    .axis = [](void*, wl_pointer*, std::uint32_t, std::uint32_t, wl_fixed_t) {},
-    .frame = nullptr,
-    .axis_source = nullptr,
-    .axis_stop = nullptr,
-    .axis_discrete = nullptr,
-    .axis_value120 = nullptr,
-};
+// The compositor keeps a pressed pointer on its surface, wherever it moves. Newer libraries have
+// more events than are named here.
+const wl_pointer_listener SeatInput::kPointerListener = [] {
+    wl_pointer_listener listener{};
+    listener.enter = [](void* data, wl_pointer*, std::uint32_t, wl_surface* surface, wl_fixed_t x,
+                        wl_fixed_t y) {
+        seatOf(data).under_ = surface;
+        seatOf(data).moveTo(x, y);
+    };
+    listener.leave = [](void* data, wl_pointer*, std::uint32_t, wl_surface*) {
+        SeatInput& seat = seatOf(data);
+        seat.report(std::exchange(seat.under_, nullptr), Kind::cancelled);
+    };
+    listener.motion = [](void* data, wl_pointer*, std::uint32_t, wl_fixed_t x, wl_fixed_t y) {
+        SeatInput& seat = seatOf(data);
+        seat.moveTo(x, y);
+        seat.report(seat.under_, Kind::moved);
+    };
+    listener.button = [](void* data, wl_pointer*, std::uint32_t, std::uint32_t,
+                         std::uint32_t button, std::uint32_t state) {
+        const bool isDown = state == WL_POINTER_BUTTON_STATE_PRESSED;
+        seatOf(data).report(seatOf(data).under_, isDown ? Kind::down : Kind::up,
+                            button - BTN_LEFT + kPrimary);
+    };
+    listener.axis = [](void*, wl_pointer*, std::uint32_t, std::uint32_t, wl_fixed_t) {};
+    return listener;
+}();
 
 const wl_touch_listener SeatInput::kTouchListener{
     .down =
