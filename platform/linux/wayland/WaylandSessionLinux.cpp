@@ -102,6 +102,10 @@ void WaylandSessionLinux::ended() {
     log_.error("wayland: the connection to the compositor has ended");
     disconnect();
     changes_.call();  // the cards are built again once the screens are back
+    restartSoon();
+}
+
+void WaylandSessionLinux::restartSoon() {
     if (restartsLeft_-- > 0) restart_ = clock_.after(kRestartDelay, [this] { start(); });
 }
 
@@ -175,10 +179,13 @@ void WaylandSessionLinux::globalsKnown() {
     if (!globals.compositor || !globals.shm || !globals.layerShell || !connection_->outputManager)
         return log_.error(
             "wayland: the compositor has no layer shell, or does not tell of outputs");
-    if (way_.isByOverlayOfKde && !globals.kdeOverlay)
+    if (way_.isByOverlayOfKde && !globals.kdeOverlay) {
+        // KWin looks for new desktop files at most every 1.5 s.
+        if (restartsLeft_ > kRestarts - 2) return restartSoon();
         return log_.error(
             "wayland: KDE Plasma does not let the card above its lock screen; run: quorvane-host "
             "install");
+    }
     for (OutputInfo& output : connection_->outputs) describe(output);
     askToStart(&WaylandSessionLinux::outputsKnown);
 }

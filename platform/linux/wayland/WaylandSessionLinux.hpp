@@ -58,6 +58,7 @@ private:
     void start();
     void disconnect();
     void ended();
+    void restartSoon();
     void appeared(std::uint32_t name, std::string_view interface, std::uint32_t version);
     void vanished(std::uint32_t name);
     void addSeat(std::uint32_t name);

@@ -213,7 +213,7 @@ struct CompositorRequests {
         offer<wp_viewporter_interface, 1, kViewporter>(self);
         offer<zxdg_output_manager_v1_interface, 3, kOutputs>(self);
         offer<hyprland_lock_notifier_v1_interface, 1, kLocks>(self);
-        if (hasKdeOverlay) offer<kde_lockscreen_overlay_v1_interface, 1, kOverlay>(self);
+        if (hasKdeOverlay) self.offerKdeOverlay();
         wl_global_create(self.display_, &wl_seat_interface, 7, &self, bindSeat);
     }
 };
@@ -233,6 +233,11 @@ TestCompositor::TestCompositor(EventLoop& loop, bool hasKdeOverlay)
     watch_ = loop.watch(wl_event_loop_get_fd(events), EPOLLIN,
                         [events](std::uint32_t) { wl_event_loop_dispatch(events, 0); });
     beforeSleep_ = loop.beforeSleep([this] { flush(); });
+}
+
+void TestCompositor::offerKdeOverlay() {
+    CompositorRequests::offer<kde_lockscreen_overlay_v1_interface, 1, CompositorRequests::kOverlay>(
+        *this);
 }
 
 void TestCompositor::flush() {

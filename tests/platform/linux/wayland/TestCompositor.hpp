@@ -46,6 +46,7 @@ public:
     TestCompositor(const TestCompositor&) = delete;
     TestCompositor& operator=(const TestCompositor&) = delete;
 
+    void offerKdeOverlay();
     Output& addOutput(Output output);
     void remove(Output& output);
     // As a repaint does: asks for the next pictures and releases those before.

@@ -261,6 +261,12 @@ TEST_F(WaylandCard, NeedsTheOverlayOfKde) {
     EXPECT_TRUE(until([&] { return !log.lines().empty(); }));
     EXPECT_TRUE(log.lines().front().text.ends_with("run: quorvane-host install"));
     EXPECT_TRUE(session.screens().list().empty());
+    session.setLocked(false);
+    compositor->requests.clear();
+    session.setLocked(true);
+    EXPECT_TRUE(until([&] { return compositor->heard("wl_display.sync"); }));
+    compositor->offerKdeOverlay();  // too late for this connection
+    EXPECT_TRUE(until([&] { return session.screens().list().size() == 1; }));
 }
 
 TEST_F(WaylandCard, IsToldByHyprlandOfTheLock) {
