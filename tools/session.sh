@@ -1,4 +1,4 @@
-# Sourced by ./run: a private session with X server, bus and folders. Its end stops every process that it started.
+# Sourced by ./run and tools/wayland-newer: a private session with X server, bus and folders. Its end stops every process that it started.
 
 session_pids=()
 
@@ -86,6 +86,26 @@ begin_live() {
 install_add_on() {
     has_add_on=yes
     QUORVANE_LOG=$session/add-on.log "$host" install || fail "the add-on could not be installed"
+}
+
+# start_card OPTION...: starts the host with these options, and the add-on, which knows what plays when this returns.
+start_card() {
+    background host "$host" run "$@"
+    wait_for host "serving; press Ctrl-C to stop" || fail "the host did not start: $(cat "$session/host.log")"
+    install_add_on
+    wait_for add-on "lock monitor started" || fail "the add-on did not start: $(cat "$session/add-on.log")"
+    passed[add-on]=0  # the music may have come first
+    wait_for add-on "state: now" || fail "no music: $(cat "$session/add-on.log")"
+}
+
+shoot() {
+    maim "$out/$1" && say "wrote ${out#"$root"/}/$1"
+}
+
+not_shown() {
+    say "the add-on's log:"
+    cat "$session/add-on.log" >&2
+    fail "$1"
 }
 
 # start_player: starts mpv with two tones and a cover, without sound.
