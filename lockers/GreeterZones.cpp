@@ -5,16 +5,16 @@
 namespace quorvane {
 namespace {
 
-// Plasma's Breeze lock screen, seen at several sizes and fonts with Plasma 5.27 and with 6.7, in
-// its units. The user's picture ends at the middle line, which is below the screen's. The name, the
-// prompt, the media controls and the buttons follow. The clock is halfway between the picture and
-// the top.
+// Plasma's Breeze lock screen, seen at several sizes and fonts with Plasma 5.27, in its units.
+// The user's picture ends at the middle line, which is below the screen's. The name, the prompt,
+// the media controls and the buttons follow. The clock is halfway between the picture and the
+// top.
 constexpr double kMiddleLine = 1.5;
 constexpr double kPictureHeight = 9;
 constexpr double kBelowPicture = 15;
 constexpr double kPromptWidth = 17;
 constexpr double kFooter = 2.5;   // the virtual keyboard, the layout, the battery
-constexpr Size kClock{680, 170};  // its font, in pixels, is always the same
+constexpr Size kClock{680, 150};  // its font, in pixels, is always the same
 
 Rect centred(const Rect& output, double width, double top, double bottom) {
     return {output.midX() - width / 2, top, width, bottom - top};

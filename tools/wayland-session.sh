@@ -1,12 +1,12 @@
 # Sourced after session.sh: a Wayland compositor with its real lock screen, nested in the session's X server, without a GPU.
 
-# begin_compositor NAME WIDTH HEIGHT: starts kwin or wayfire as the session's compositor.
+# begin_compositor NAME: starts kwin or wayfire as the compositor of a session of 1920 × 1080.
 begin_compositor() {
     compositor_name=$1
-    local width=$2 height=$3 deadline=$((SECONDS + 30))
+    local deadline=$((SECONDS + 30))
     mkdir -p "$session"/{data/applications,cache,pam}
     export XDG_CACHE_HOME=$session/cache XDG_SESSION_TYPE=wayland
-    "begin_$compositor_name" "$width" "$height"
+    "begin_$compositor_name"
     until "is_ready_$compositor_name" >/dev/null 2>&1; do
         [ $SECONDS -lt $deadline ] || fail "the compositor did not start: $(cat "$session/compositor.log")"
         sleep 0.2
@@ -44,7 +44,7 @@ begin_kwin() {
     export KWIN_COMPOSE=Q QT_QUICK_BACKEND=software
     accept_password kde
     background compositor env -u WAYLAND_DISPLAY "${pam[@]}" "$session/kwin_wayland" --x11-display "$DISPLAY" \
-        --width "$1" --height "$2" --socket "$WAYLAND_DISPLAY"
+        --width 1920 --height 1080 --socket "$WAYLAND_DISPLAY"
 }
 is_ready_kwin() { [ -S "$XDG_RUNTIME_DIR/$WAYLAND_DISPLAY" ] && screen_saver GetActive; }
 lock_kwin() { screen_saver Lock >/dev/null; }
@@ -56,7 +56,8 @@ screen_saver() {
 }
 
 begin_wayfire() {
-    printf '[core]\nbackground_color = 0.2 0.4 0.6 1.0\nplugins = session-lock\nxwayland = false\n[output]\nmode = %sx%s\n' "$@" >"$session/wayfire.ini"
+    printf '%s\n' '[core]' 'background_color = 0.2 0.4 0.6 1.0' 'plugins = session-lock' 'xwayland = false' \
+        '[output]' 'mode = 1920x1080' >"$session/wayfire.ini"
     export XDG_CURRENT_DESKTOP=Wayfire WAYLAND_DISPLAY=wayland-1
     background compositor env -u WAYLAND_DISPLAY WLR_BACKENDS=x11 WLR_RENDERER=pixman wayfire -c "$session/wayfire.ini"
 }
@@ -83,7 +84,6 @@ show_above_lock_screen() {
     local x y next_x next_y
     "$host" disable >/dev/null
     xdotool mousemove 960 1000
-    sleep 2  # KWin looks for new desktop files at most every 1.5 s
     say "locking"
     "lock_$compositor_name" || fail "the screen was not locked: $(cat "$session/compositor.log")"
     wait_for add-on "lockui: shown" || not_shown "the lock was not seen"

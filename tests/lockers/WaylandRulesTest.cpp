@@ -50,7 +50,7 @@ TEST(WaylandSessions, SayWhatTheUserMustDo) {
         EXPECT_NE(waylandAdvice("Hyprland", version)->find(words), std::string::npos) << version;
 }
 
-// Seen on Plasma 5.27 and 6.7.
+// Seen on Plasma 5.27.
 TEST(GreeterZones, HoldWhatPlasmaShows) {
     constexpr Rect kSmall{0, 0, 1280, 800};
     constexpr Rect kMiddle{0, 0, 1366, 768};
