@@ -59,9 +59,9 @@ TEST_F(HostProgramTest, ExplainsMistakesAndWhatTheSessionLacks) {
     folder.write("example.quillon.Quorvane", "a file");
     const std::tuple<std::vector<std::string>, std::string, const char*> rows[] = {
         {{"--script", "absent.json"}, "DISPLAY=", "absent.json: No such file or directory\n"},
-        {{"run"}, "DISPLAY=", "not a private one of yours"},
-        {{"run"}, noFolder, "there is no runtime folder"},
-        {{"status"}, noFolder, "Session: there is no runtime folder"},
+        {{"run"}, "DISPLAY=", "must belong to you alone"},
+        {{"run"}, noFolder, "there is no folder for the sockets"},
+        {{"status"}, noFolder, "Session: there is no folder for the sockets"},
         {{"status"},
          "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent",
          "Session: there is no session bus"},
