@@ -24,7 +24,15 @@ protected:
                                 "--script=/usr/lib/mpv-mpris/mpris.so", inMusic("one.flac"),
                                 inMusic("two.flac")});
         host = session.startHost({"--player", "mpris"});
+        // The add-on hears of no change before its connection to the bus is made.
+        EXPECT_TRUE(eventually([&] { return runHost("status").find("Still Water") != kNone; }));
         addOn = session.startAddOn();
+    }
+
+    std::string runHost(const std::string& words) const {
+        return LoggedProcess::run({"sh", "-c", std::string{HOST_PROGRAM} + ' ' + words},
+                                  session.environment())
+            .text;
     }
 
     std::string inMusic(const std::string& name) {
@@ -72,7 +80,7 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
     ask("position", "75");
     std::string told;
     EXPECT_TRUE(eventually([&] {
-        told = LoggedProcess::run({HOST_PROGRAM, "status"}, session.environment()).text;
+        told = runHost("status");
         return told.find("paused \"Low Tide\" by The Quiet Harbour (1:1") != std::string::npos;
     })) << told;
 
@@ -89,17 +97,12 @@ TEST_F(RealPlayer, StandsOnTheCardAndObeysIt) {
 }
 
 TEST_F(RealPlayer, ObeysTheUsersSettings) {
-    const auto run = [&](const std::string& words) {
-        return LoggedProcess::run({"sh", "-c", std::string{HOST_PROGRAM} + ' ' + words},
-                                  session.environment())
-            .text;
-    };
     const auto becomes = [&](const std::string& status) {
         return eventually([&] { return ask("status") == status + '\n'; });
     };
     ASSERT_TRUE(hasCome("state: now 'Still Water'")) << addOn.log() << host.log();
-    EXPECT_EQ(run("players"), "PLAYER  STATE\nmpv     playing  followed: it plays\n");
-    run("set privacy player");
+    EXPECT_EQ(runHost("players"), "PLAYER  STATE\nmpv     playing  followed: it plays\n");
+    runHost("set privacy player");
     EXPECT_TRUE(hasCome("state: now 'mpv'")) << addOn.log();
     EXPECT_EQ(host.count("Still Water"), 0);
 
@@ -112,14 +115,16 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     const auto setActive = [&](int isActive) {
         screenSaver.signal("/org/freedesktop/ScreenSaver", kName, "ActiveChanged", "b", isActive);
     };
-    run("set pause-on-lock on");
-    run("set resume-on-unlock on");
+    runHost("set pause-on-lock on");
+    runHost("set resume-on-unlock on");
     ASSERT_TRUE(runUntil(loop, [&] { return !screenSaver.calls().empty(); }));
     setActive(1);
     EXPECT_TRUE(becomes("Paused")) << host.log();
     setActive(0);
     EXPECT_TRUE(becomes("Playing")) << host.log();
-    const auto isKnownToPlay = [&] { return run("players").find("followed: it plays") != kNone; };
+    const auto isKnownToPlay = [&] {
+        return runHost("players").find("followed: it plays") != kNone;
+    };
     EXPECT_TRUE(eventually(isKnownToPlay));
     LoggedProcess locker = session.startLocker();
     EXPECT_TRUE(becomes("Paused")) << "a lock that only the add-on sees" << host.log();
@@ -127,7 +132,8 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     EXPECT_TRUE(becomes("Playing")) << host.log();
 
     player.process().signal(SIGSTOP);
-    EXPECT_TRUE(eventually([&] { return run("status").find("Player:  mpv does not") != kNone; }));
+    EXPECT_TRUE(
+        eventually([&] { return runHost("status").find("Player:  mpv does not") != kNone; }));
     EXPECT_TRUE(addOn.says("card hidden")) << addOn.log();
     player.process().signal(SIGCONT);
     EXPECT_TRUE(eventually(isKnownToPlay));
@@ -136,7 +142,7 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     EXPECT_TRUE(becomes("Paused")) << host.log();
     session.x().process().end(SIGTERM);
     EXPECT_TRUE(host.says("locks: the add-on no longer tells of lock screens")) << addOn.log();
-    EXPECT_TRUE(eventually([&] { return run("status").find("paused \"mpv\"") != kNone; }));
+    EXPECT_TRUE(eventually([&] { return runHost("status").find("paused \"mpv\"") != kNone; }));
     EXPECT_EQ(ask("status"), "Paused\n") << "this was no unlock";
 }
 

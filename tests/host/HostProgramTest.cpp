@@ -87,7 +87,8 @@ TEST_F(HostProgramTest, TellsOfALockFromALockersReadinessToItsEnd) {
     EXPECT_NE(run({"lock", "--", "true"}, 1).find("is running"), std::string::npos);
     folder.write("end", "");
     EXPECT_TRUE(becomes(false));
-    LoggedProcess late{{HOST_PROGRAM, "lock", "--", "sleep", "60"}, environment()};
+    LoggedProcess late{{HOST_PROGRAM, "lock", "--", "sh", "-c", "exec sleep 60 >/dev/null 2>&1"},
+                       environment()};
     EXPECT_TRUE(becomes(true)) << "a locker that says nothing is ready after a while";
     late.process().end(SIGKILL);
     EXPECT_TRUE(becomes(false)) << "nobody could tell of the unlock";
