@@ -18,8 +18,8 @@
 
 namespace quorvane {
 
-// Lives on the thread of the bus's loop, `mainThread`. Implements the operations of the MediaPlayers
-// table.
+// Lives on the thread of the bus's loop, `mainThread`. Implements the operations of the
+// MediaPlayers table.
 class MprisPlayers {
 public:
     MprisPlayers(SessionBus& bus, Clock clock, MainThread mainThread)
