@@ -16,6 +16,10 @@ constexpr double kPromptWidth = 17;
 constexpr double kFooter = 2.5;   // the virtual keyboard, the layout, the battery
 constexpr Size kClock{680, 150};  // its font, in pixels, is always the same
 
+// swaylock's ring has a diameter of 120, hyprlock's field in its example a fifth of the screen's
+// width, 20 below the middle.
+constexpr Size kRing{400, 190};
+
 Rect centred(const Rect& output, double width, double top, double bottom) {
     return {output.midX() - width / 2, top, width, bottom - top};
 }
@@ -24,7 +28,11 @@ Rect turnedOver(const Rect& rect) { return {rect.x, -rect.maxY(), rect.width, re
 
 }  // namespace
 
-std::vector<Rect> greeterZones(const Rect& output, double unit) {
+std::vector<Rect> greeterZones(const Rect& output, std::optional<double> unitOfPlasma) {
+    if (!unitOfPlasma)
+        return {centred(output, kRing.width, output.midY() - kRing.height / 2,
+                        output.midY() + kRing.height / 2)};
+    const double unit = *unitOfPlasma;
     const double middle = output.midY() + kMiddleLine * unit;
     const double picture = middle - kPictureHeight * unit;
     const double clock = (output.minY() + picture) / 2;
@@ -35,7 +43,7 @@ std::vector<Rect> greeterZones(const Rect& output, double unit) {
     };
 }
 
-Screen screenOfOutput(const Rect& output, double scale, double unit) {
+Screen screenOfOutput(const Rect& output, double scale, std::optional<double> unit) {
     Screen screen{turnedOver(output), scale, {}};
     for (const Rect& zone : greeterZones(output, unit))
         screen.keepClear.push_back(turnedOver(zone));

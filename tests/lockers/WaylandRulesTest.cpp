@@ -87,6 +87,12 @@ TEST(KdeSettings, TurnAnimationsOff) {
     EXPECT_EQ(kdeAnimates("[General]\nAnimationDurationFactor=0\n"), std::nullopt);
 }
 
+TEST(GreeterZones, HoldTheRingOfOtherLockScreens) {
+    const std::vector<Rect> zones = greeterZones({100, 0, 1920, 1080}, std::nullopt);
+    ASSERT_EQ(zones.size(), 1U);
+    EXPECT_TRUE(zones[0].contains({1000, 480}) && zones[0].contains({1119, 599}));
+}
+
 TEST(GreeterZones, BelongToAScreenWhoseYGrowsUpward) {
     const Screen screen = screenOfOutput({1280, 100, 1000, 600}, 1.25, 20);
     EXPECT_EQ(screen.frame, (Rect{1280, -700, 1000, 600}));

@@ -70,7 +70,7 @@ void WaylandSessionLinux::start() {
     auto process = SurfaceProcess::start(program_);
     if (!process)
         return log_.error("wayland: no surface process: %{public}s", process.error().description);
-    unit_ = greeterUnit(kdeSettings());
+    if (way_.isByOverlayOfKde) unit_ = greeterUnit(kdeSettings());
     connection_ = std::make_unique<Connection>();
     connection_->process = *std::move(process);
     connection_->notices = loop_.watch(

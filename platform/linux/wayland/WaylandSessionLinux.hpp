@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -93,7 +94,7 @@ private:
     std::unique_ptr<Connection> connection_;
     void (WaylandSessionLinux::*nextStep_)() = nullptr;
     std::vector<CardSurface*> surfaces_;
-    double unit_ = 0;  // of the lock screen
+    std::optional<double> unit_;  // of KDE Plasma's lock screen
     int restartsLeft_ = 0;
     Timer restart_;
     Timer nextBeat_;
