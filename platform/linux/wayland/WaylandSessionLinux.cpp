@@ -226,25 +226,26 @@ Screen WaylandSessionLinux::screenOf(const OutputInfo& output) const {
 }
 
 Screens WaylandSessionLinux::screens() {
-    return {.list =
-                [this] {
-                    std::vector<Screen> screens;
-                    if (!connection_ || !connection_->isReady) return screens;
-                    for (const OutputInfo& output : connection_->outputs) {
-                        const Screen screen = screenOf(output);
-                        // Several outputs that show the same picture are one screen.
-                        if (output.isKnown() && std::ranges::find(screens, screen.frame,
-                                                                  &Screen::frame) == screens.end())
-                            screens.push_back(screen);
-                    }
-                    return screens;
-                },
-            .observeChanges =
-                [this](std::function<void()> handler) { return changes_.add(std::move(handler)); },
-            // The zones change only with the outputs.
-            .observeKeepClear = [](const std::function<void()>&) { return Handle{}; },
-            // The compositor then asks for no frames, which the windows report.
-            .observeUnseen = [](const auto&) { return Handle{}; }};
+    return {
+        .list =
+            [this] {
+                std::vector<Screen> screens;
+                if (!connection_ || !connection_->isReady) return screens;
+                for (const OutputInfo& output : connection_->outputs) {
+                    if (!output.isKnown()) continue;
+                    const Screen screen = screenOf(output);
+                    // Several outputs that show the same picture are one screen.
+                    if (std::ranges::find(screens, screen.frame, &Screen::frame) == screens.end())
+                        screens.push_back(screen);
+                }
+                return screens;
+            },
+        .observeChanges =
+            [this](std::function<void()> handler) { return changes_.add(std::move(handler)); },
+        // The zones change only with the outputs.
+        .observeKeepClear = [](const std::function<void()>&) { return Handle{}; },
+        // The compositor then asks for no frames, which the windows report.
+        .observeUnseen = [](const auto&) { return Handle{}; }};
 }
 
 std::unique_ptr<WaylandSurface> WaylandSessionLinux::open(const Screen& screen,
