@@ -15,10 +15,14 @@ int ScreenSaverService::start() {
 }
 
 void ScreenSaverService::keepServing() {
-    reconnection_ = bus_.observeReconnection([this] { keepServing(); });
+    reconnection_ = bus_.observeReconnection([this] { serve(); });
+    serve();
+}
+
+void ScreenSaverService::serve() {
     sd_bus* const bus = bus_.connection();
     if (!bus || addObject(bus) < 0) return;
-    // Without a handler of its own, a refusal would end the connection.
+    // Without a handler, the library ends the connection when the name is refused.
     const auto onAnswer = [](sd_bus_message*, void*, sd_bus_error*) { return 0; };
     sd_bus_request_name_async(bus, nullptr, name_.c_str(), SD_BUS_NAME_QUEUE, onAnswer, nullptr);
 }

@@ -19,11 +19,12 @@ public:
     // Waits for the bus. Returns a negative error number on failure: -EEXIST if another process has
     // the name.
     int start();
-    // Also serves on later connections to the bus, there and here once the name is free.
+    // Serves as soon as there is a bus and the name is free, also on later connections.
     void keepServing();
     void set(bool isActive);
 
 private:
+    void serve();
     int addObject(sd_bus* bus);
 
     SessionBus& bus_;
