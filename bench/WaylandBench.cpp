@@ -1,5 +1,5 @@
-// Measures the add-on above KDE Plasma's lock screen and above i3lock, both at the same time, each
-// on an X server of its own.
+// Measures the add-on above KDE Plasma's lock screen and, at the same time on another X server,
+// above i3lock.
 
 #include <thread>
 

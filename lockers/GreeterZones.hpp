@@ -10,8 +10,8 @@
 
 namespace quorvane {
 
-// `output` and the zones are in logical pixels, y growing downward. `unit` is KDE
-// Plasma's `greeterUnit`; nullopt for other lock screens.
+// `output` and the zones are in logical pixels, y growing downward. `unit` is KDE Plasma's
+// `greeterUnit`; nullopt for other lock screens.
 std::vector<Rect> greeterZones(const Rect& output, std::optional<double> unit);
 
 // The screen of an output, with its zones. Points are logical pixels; y is flipped.

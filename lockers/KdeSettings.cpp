@@ -10,7 +10,7 @@ namespace {
 constexpr double kUsualPoints = 10;  // of KDE's font
 constexpr double kUnitOfPoint = 2;
 
-// The number at the beginning; 0 when there is none.
+// The number at the start of the text, or 0.
 double numberIn(std::string_view text) {
     double number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);

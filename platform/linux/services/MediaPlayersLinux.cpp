@@ -21,9 +21,9 @@ void returnLargeBlocks() {
     mallopt(M_TRIM_THRESHOLD, 2 * kLarge);
 }
 
-// Follows the players on a thread of its own with its own loop and bus connection, because the
-// library checks a text of a message as a whole: one of a player may keep it busy for half a
-// second. Main thread only, except the private functions and members that say otherwise.
+// Follows the players on a separate thread with a second loop and bus connection, because the bus
+// library checks each text as a whole, and a player's may take it half a second. Main thread only,
+// except the private functions and members that say otherwise.
 class PlayersThread {
 public:
     explicit PlayersThread(const LiveServices& services)

@@ -148,7 +148,7 @@ TEST_F(WaylandCard, HasTheScreensPixelsAndTheLogicalSize) {
 Scene sceneOf(double width) {
     Scene scene;
     scene.nodes.push_back(ShapeNode{.frame = {20, 20, width, 10}, .fill = Color::white()});
-    scene.nextChange = std::chrono::milliseconds{30};  // as a moving title's
+    scene.nextChange = std::chrono::milliseconds{30};  // as a moving title's: events may wait
     return scene;
 }
 
@@ -169,9 +169,7 @@ TEST_F(WaylandCard, DrawsOnceAFrame) {
     for (int i = 1; i <= 4; ++i) {  // each picture has what was drawn into the other
         compositor->repaint();
         settle(std::chrono::milliseconds{30});
-        Scene scene = sceneOf(20 + 20 * i);
-        scene.nextChange = std::chrono::milliseconds{30};  // events may wait
-        stage->setScene(scene);
+        stage->setScene(sceneOf(20 + 20 * i));
         ASSERT_TRUE(until([&] { return compositor->surface().commits == before + 1 + i; }));
         EXPECT_EQ(compositor->surface().shown.at(52 + 22, 52 + 25),
                   compositor->surface().shown.at(52 + 20 + 20 * i + 15, 52 + 25));
