@@ -50,10 +50,16 @@ public:
     // Returns the rows of the parts that have changed.
     std::vector<PixelRect> drawParts(cairo_surface_t* target, const StageLook& look,
                                      std::span<const PixelRect> parts);
+    // The same, but for a target that nobody reads meanwhile.
+    void drawPartsInPlace(cairo_surface_t* target, const StageLook& look,
+                          std::span<const PixelRect> parts);
     // The whole pixels of the stage under an area of the card.
     PixelRect pixelsOf(const Rect& cardArea) const;
 
 private:
+    // `place` is the part's position in the target.
+    void drawPart(cairo_surface_t* target, const StageLook& look, const PixelRect& part,
+                  const PixelRect& place);
     void drawMoving(cairo_t* cairo, const StageLook& look);
     const Pixels& ground();
     const Pixels& moving(const Scene& scene);

@@ -150,12 +150,27 @@ void CardWindowWayland::hide() {
 void CardWindowWayland::drawIfPaced(Instant now) {
     Shown& shown = *shown_;
     if (isMoving(now)) shown.isStale = true;
-    if (shown.awaitsFrame || (!shown.isStale && shown.areas.empty())) return;
-    const auto picture = shown.pictures->next();
+    if (!shown.awaitsFrame && (shown.isStale || !shown.areas.empty())) drawChanges(now);
+    // A moving title wakes the process once for each step, which then reads the answer to the step
+    // before. A compositor slower than the steps skips some.
+    const auto next = stage_->scene().nextChange;
+    const bool isSoon = next && *next <= kSoon && now - shown.lastFrame <= kSoon;
+    if (shown.awaitsFrame && isSoon && !shown.isStale && !press_.isPressed())
+        session_.postponeEvents();
+}
+
+void CardWindowWayland::drawChanges(Instant now) {
+    Shown& shown = *shown_;
+    const std::vector<PixelRect> parts = changedParts();
+    const auto picture = shown.pictures->next(parts);
     if (!picture) return;
-    const auto parts = draw(
-        shown.pictures->surface(*picture),
-        {.scene = stage_->scene(), .transform = stage_->transformAt(now), .alpha = alphaAt(now)});
+    cairo_surface_t* const target = shown.pictures->surface(*picture);
+    const StageLook look{
+        .scene = stage_->scene(), .transform = stage_->transformAt(now), .alpha = alphaAt(now)};
+    if (shown.isStale)
+        shown.painter.draw(target, look);
+    else
+        shown.painter.drawPartsInPlace(target, look, parts);
     // The frame after the last one of a movement shows the card at rest.
     shown.isStale = isMoving(now);
     shown.areas.clear();
@@ -163,9 +178,16 @@ void CardWindowWayland::drawIfPaced(Instant now) {
     present(*picture, parts, now);
     // After the first frame, which shows no glass yet.
     shown.painter.makeChrome();
-    // A moving title wakes the process once for each step and not also for the answer.
-    const auto next = stage_->scene().nextChange;
-    if (next && *next <= kSoon && !shown.isStale && !press_.isPressed()) session_.postponeEvents();
+}
+
+std::vector<PixelRect> CardWindowWayland::changedParts() const {
+    if (shown_->isStale) return {shown_->pictures->bounds()};
+    std::vector<PixelRect> parts;
+    for (const Rect& area : shown_->areas) {
+        const PixelRect part = shown_->painter.pixelsOf(area);
+        if (!part.isEmpty()) parts.push_back(part);
+    }
+    return parts;
 }
 
 void CardWindowWayland::present(std::uint32_t picture, const std::vector<PixelRect>& parts,
@@ -174,21 +196,6 @@ void CardWindowWayland::present(std::uint32_t picture, const std::vector<PixelRe
     shown_->awaitsFrame = true;
     shown_->lastFrame = now;
     shown_->surface->show(picture, parts);
-}
-
-// Returns the changed parts.
-std::vector<PixelRect> CardWindowWayland::draw(cairo_surface_t* target, const StageLook& look) {
-    Shown& shown = *shown_;
-    if (shown.isStale) {
-        shown.painter.draw(target, look);
-        return {shown.pictures->bounds()};
-    }
-    std::vector<PixelRect> parts;
-    for (const Rect& area : shown.areas) {
-        const PixelRect part = shown.painter.pixelsOf(area);
-        if (!part.isEmpty()) parts.push_back(part);
-    }
-    return shown.painter.drawParts(target, look, parts);
 }
 
 void CardWindowWayland::sceneChanged(const std::vector<Rect>& areas) {

@@ -55,8 +55,9 @@ private:
     void lookSoon();
     SurfaceEvents surfaceEvents();
     void drawIfPaced(Instant now);
+    void drawChanges(Instant now);
     void present(std::uint32_t picture, const std::vector<PixelRect>& parts, Instant now);
-    std::vector<PixelRect> draw(cairo_surface_t* target, const StageLook& look);
+    std::vector<PixelRect> changedParts() const;
     void syncInput();
     void pressed(const SurfacePress& press);
     void report(const std::optional<PointerEvent>& event);

@@ -4,6 +4,13 @@
 #include <utility>
 
 namespace quorvane {
+namespace {
+
+bool isIn(std::span<const PixelRect> parts, const PixelRect& part) {
+    return std::ranges::any_of(parts, [&](const PixelRect& each) { return each.contains(part); });
+}
+
+}  // namespace
 
 std::unique_ptr<SharedPictures> SharedPictures::make(int width, int height) {
     if (width <= 0 || height <= 0) return nullptr;
@@ -30,17 +37,19 @@ std::size_t SharedPictures::pixelCount() const {
     return static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_);
 }
 
-std::optional<std::uint32_t> SharedPictures::next() {
+std::optional<std::uint32_t> SharedPictures::next(std::span<const PixelRect> redrawn) {
     const auto found = std::ranges::find(pictures_, false, &Picture::isRead);
     if (found == pictures_.end()) return std::nullopt;
     const auto picture = static_cast<std::uint32_t>(found - pictures_.begin());
     const std::uint32_t* const from = pixels_ + last_ * pixelCount();
     std::uint32_t* const to = pixels_ + picture * pixelCount();
-    for (const PixelRect& part : std::exchange(found->stale, {}))
+    for (const PixelRect& part : std::exchange(found->stale, {})) {
+        if (isIn(redrawn, part)) continue;
         for (int y = part.y; y < part.maxY(); ++y) {
             const std::ptrdiff_t place = std::ptrdiff_t{y} * width_ + part.x;
             std::copy_n(from + place, part.width, to + place);
         }
+    }
     return picture;
 }
 
@@ -52,9 +61,7 @@ void SharedPictures::shown(std::uint32_t picture, std::span<const PixelRect> par
         if (&other == &pictures_[picture]) continue;
         for (const PixelRect& part : parts) {
             const PixelRect inside = part.intersection(bounds());
-            const bool isKnown = std::ranges::any_of(
-                other.stale, [&](const PixelRect& each) { return each.contains(inside); });
-            if (!isKnown && !inside.isEmpty()) other.stale.push_back(inside);
+            if (!inside.isEmpty() && !isIn(other.stale, inside)) other.stale.push_back(inside);
         }
     }
 }

@@ -22,9 +22,9 @@ public:
 
     int memory() const { return memory_->file().get(); }
     PixelRect bounds() const { return {0, 0, width_, height_}; }
-    // A picture that the compositor does not read, with the content of the one shown last; nullopt
-    // while there is none.
-    std::optional<std::uint32_t> next();
+    // A picture that the compositor does not read; nullopt while there is none. It has the content
+    // of the one shown last, except in the parts that the caller redraws.
+    std::optional<std::uint32_t> next(std::span<const PixelRect> redrawn = {});
     cairo_surface_t* surface(std::uint32_t picture) const {
         return pictures_[picture].surface.get();
     }

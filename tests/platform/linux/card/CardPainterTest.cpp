@@ -32,7 +32,7 @@ TEST(CardPainter, PartsLookAsInTheWholeCard) {
                        .font = {17, FontStyle::Weight::semibold},
                        .color = Color::white()};
         Scene last;
-        Card card, whole;
+        Card card, inPlace, whole;
         for (const auto& [offset, mark] :
              {std::pair{-12.0, 0.0}, {-10.5, 0}, {338.5, 0}, {339, 0.5}, {429, 0}}) {
             first.scroll = TextNode::Scroll{offset, 40, 12};
@@ -47,11 +47,15 @@ TEST(CardPainter, PartsLookAsInTheWholeCard) {
             for (const Rect& area : changedAreas(last, scene))
                 parts.push_back(card.painter.pixelsOf(area));
             whole.painter.draw(whole.surface.get(), {.scene = scene});
-            if (last.nodes.empty())
+            if (last.nodes.empty()) {
                 card.painter.draw(card.surface.get(), {.scene = scene});
-            else
+                inPlace.painter.draw(inPlace.surface.get(), {.scene = scene});
+            } else {
                 card.painter.drawParts(card.surface.get(), {.scene = scene}, parts);
+                inPlace.painter.drawPartsInPlace(inPlace.surface.get(), {.scene = scene}, parts);
+            }
             EXPECT_TRUE(card.pixels == whole.pixels) << offset << isRightToLeft;
+            EXPECT_TRUE(inPlace.pixels == whole.pixels) << offset << isRightToLeft;
             last = scene;
         }
     }
