@@ -89,6 +89,7 @@ void WaylandSessionLinux::connected() {
 
 // A compositor that does not read counts as ended.
 void WaylandSessionLinux::exchange() {
+    if (nextBeat_ && clock_.now() - lastBeat_ >= kBeat / 2) beat();
     wl_display* const display = connection_->display.get();
     if ((!connection_->watch && !dispatch()) || wl_display_flush(display) < 0) return ended();
     if (std::exchange(connection_->mayEventsWait, false))
@@ -273,7 +274,8 @@ void WaylandSessionLinux::surfaceGone(CardSurface& surface) {
 
 void WaylandSessionLinux::beat() {
     connection_->process->endAfter(kBeatLimit);
-    nextBeat_ = clock_.afterAbout(kBeat, kBeatTolerance, [this] { beat(); });
+    lastBeat_ = clock_.now();
+    nextBeat_ = clock_.afterAbout(kBeat, kBeat / 10, [this] { beat(); });
 }
 
 }  // namespace quorvane

@@ -21,10 +21,9 @@
 
 namespace quorvane {
 
-// While a surface exists, the process is told to stay this often, and ends without it after the
-// limit. The tolerance lets a beat share the wake-up of the times, which change once a second.
-inline constexpr Duration kBeat = std::chrono::milliseconds{900};
-inline constexpr Duration kBeatTolerance = std::chrono::milliseconds{200};
+// While a surface exists, the process is told to stay at least this often, mostly in wake-ups with
+// another reason. Without it the process ends after the limit.
+inline constexpr Duration kBeat = std::chrono::milliseconds{1000};
 inline constexpr Duration kBeatLimit = std::chrono::milliseconds{1800};
 
 // The text of the user's settings in KDE Plasma; empty when it cannot be read.
@@ -97,6 +96,7 @@ private:
     std::optional<double> unit_;  // of KDE Plasma's lock screen
     int restartsLeft_ = 0;
     Timer restart_;
+    Instant lastBeat_{};
     Timer nextBeat_;
     Listeners<> changes_;
 };
