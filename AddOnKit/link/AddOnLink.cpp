@@ -37,9 +37,7 @@ void AddOnLink::sayHello() {
 
 void AddOnLink::stop() {
     loop_.reset();
-    loopAwaitsAnswer_ = false;
     inFlight_.reset();
-    followUpRequested_ = false;
     isStopped_.set(true);
 }
 

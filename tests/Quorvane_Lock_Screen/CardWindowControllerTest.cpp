@@ -134,6 +134,7 @@ TEST_F(CardWindowControllerTest, HiddenWindowsLetClicksThroughUntilTheMusicStart
     EXPECT_EQ(shownContents, 2);
     EXPECT_TRUE(log.contains("card: fading in on 2 window(s)"));
     EXPECT_TRUE(log.contains("card: fading out on 2 window(s)"));
+    EXPECT_EQ(windows.windows[0]->fades, (std::vector<double>{1, 0, 1}));
     EXPECT_TRUE(log.contains("exit: window 101"));
 }
 

@@ -23,7 +23,7 @@ struct SelfRemovalTest : testing::Test {
     void perform() {
         FileManagerClient files = installation.table().fileManager;
         files.removeItem = [this, remove = files.removeItem](const auto& path) {
-            EXPECT_TRUE(defaults.values.contains("removalPending"))
+            EXPECT_EQ(defaults.values["removalPending"], PropertyValue{true})
                 << "deleted before the flag was written";
             return remove(path);
         };
