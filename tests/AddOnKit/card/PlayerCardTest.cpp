@@ -58,7 +58,7 @@ struct PlayerCardTest : testing::Test, PlayingModel {
         pointer(Kind::down, middle(id));
         pointer(Kind::up, middle(id));
     }
-    // How strongly the button's highlight shows, 0 to 1, once it has come to rest.
+    // The strength of the button's highlight once its animation has ended, 0 to 1.
     double highlight() {
         clock.advance(1s);
         const auto groups = all<GroupBegin>(scene());
@@ -98,7 +98,7 @@ TEST_F(PlayerCardTest, DrawsOnceForAllChangesOfAPassAndNotForNone) {
     EXPECT_EQ(stage->scenes.size(), 1u);
     clock.advance(0s);
     EXPECT_EQ(stage->scenes.size(), 2u);
-    model.isLiveStream.set(true);  // not seen on the card
+    model.isLiveStream.set(true);  // not visible on the card
     nothingHappens(60s);
 }
 
