@@ -1,5 +1,5 @@
 // The interface of the display modules, one library for X11 and one for Wayland. The add-on loads
-// the one of its session, so that no library of the other is in the process.
+// only its session's module, so that the process has no library of the other one.
 #pragma once
 
 #include <cstdint>

@@ -17,14 +17,14 @@ constexpr char kMetadata[] = "Metadata";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
 // A player whose artwork's URL is longer is asked only for its position again.
 constexpr std::size_t kLongestRepeated = 64 * 1024;
-// Limits on what is kept of players that send nonsense. The interface has 16 properties, and
-// everything but the metadata is a number or a word.
+// Limits on the values kept of misbehaving players. The interface has 16 properties, and everything
+// but the metadata is a number or a word.
 constexpr std::size_t kMostPlayers = 100;
 constexpr std::size_t kMostProperties = 64;
 constexpr std::size_t kLongestWord = 256;
 // A player that takes longer counts as silent.
 constexpr Duration kPatience = std::chrono::seconds{5};
-// A silent player that recovers answers what it was asked, and so returns.
+// A silent player that recovers still answers the pending query, and so returns.
 constexpr Duration kUntilItAnswers = std::chrono::hours{24 * 365};
 
 // Moves the artwork's URL out of the metadata.
