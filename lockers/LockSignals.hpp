@@ -9,7 +9,7 @@ namespace quorvane {
 
 struct LockSignals {
     bool hasLockerWindow = false;      // a lock screen is detected
-    bool screenSaverIsActive = false;  // a desktop's screen-saver service says so
+    bool screenSaverIsActive = false;  // a desktop's screen-saver service is active
     bool sessionSaysLocked = false;    // the login manager's hint
     bool isBlind = false;              // the detecting process is gone
 

@@ -9,7 +9,7 @@ namespace quorvane {
 namespace {
 
 TEST(ScreenLayout, MeasuresInPoints) {
-    // 1366 pixels are no whole number of points at one and a half.
+    // 1366 pixels are not a whole number of points at a scale of 1.5.
     for (const double scale : {1.0, 1.25, 1.5, 2.0, 2.75}) {
         const ScreenLayout layout{{{0, 0, 1366, 768}, {1366, 0, 2560, 1440}}, scale};
         const auto screens = layout.screens({});

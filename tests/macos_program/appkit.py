@@ -129,7 +129,7 @@ class System(Foundation):
         view = self.pressed
         if view:
             self._sent(view, MOUSE[event.fields["type"]], event)
-        for each in (window, view):  # the system goes on using both
+        for each in (window, view):  # the system still uses both
             if each and each.address not in self.things:
                 raise Fault(f"{each.name} is deallocated while it handles an event")
 

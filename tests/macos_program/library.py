@@ -109,7 +109,7 @@ class Library(Runtime):
 
     def end_source(self, source):
         if "is_active" not in source.fields:
-            raise Fault("a source is released that was never activated")
+            raise Fault("a source that was never activated is released")
         self.sources.remove(source)
 
     def cancel_source(self, source):
@@ -143,7 +143,7 @@ class Library(Runtime):
 
     def check_wiped(self, content):
         if self.secret in content:
-            raise Fault("memory is freed that holds the secret")
+            raise Fault("memory that holds the secret is freed")
 
     def reallocated(self, old, size):
         address = self.allocate(size, content=self.read(old, min(size, self.blocks[old])) if old else b"")

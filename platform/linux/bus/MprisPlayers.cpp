@@ -262,7 +262,7 @@ void MprisPlayers::changed() {
 
 void MprisPlayers::publish() {
     isPublishing_ = false;
-    // Not earlier, because a loss may be noticed while an entry is in use.
+    // Not earlier, because a loss may be detected while an entry is in use.
     if (std::exchange(isLost_, false)) entries_.clear();
     list_.clear();
     for (const auto& [name, entry] : entries_)

@@ -17,7 +17,7 @@ using Actions = std::vector<std::string>;
 
 constexpr Point kNowhere{2, 2};
 
-// A shown card with a paused player, so that nothing moves by itself.
+// A shown card with a paused player, so that nothing changes without input.
 struct PlayerCardTest : testing::Test, PlayingModel {
     Actions actions;
     std::shared_ptr<FakeStage> stage = std::make_shared<FakeStage>();
@@ -214,7 +214,7 @@ TEST_F(PlayerCardTest, RestartsAMarqueeWhenItsTextChanges) {
     apply(XPCPlayerState::playing);
     clock.advance(0s);
     EXPECT_EQ(titleOffset(), rest);
-    // The times still change beside it; Reduce Motion stops it.
+    // The times still change while the title moves. Reduce Motion stops the title.
     clock.advance(4s);
     const std::vector<SceneControl> controls = scene().controls;
     clock.advance(1s);

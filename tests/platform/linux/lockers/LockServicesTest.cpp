@@ -95,7 +95,7 @@ TEST_F(LockServices, FollowTheSessionsHint) {
     sleep(1);
     for (int wake = 0; wake < 2; ++wake) sleep(0);
     ASSERT_TRUE(waitFor([&] { return wakes > 1; }));
-    EXPECT_EQ(wakes, 2) << "going to sleep is no wake";
+    EXPECT_EQ(wakes, 2) << "going to sleep is not a wake-up";
     EXPECT_EQ(changes, 1) << "none of these was about this session's hint";
     hint(kOwnSession, kSession, "LockedHint", 0);
     ASSERT_TRUE(waitFor([&] { return !logind.isLocked(); }));

@@ -101,7 +101,7 @@ TEST_F(LockerWindows, OfAnUnknownClientNeedKeyboardAndPointer) {
     useTwoMonitors();
     watch();
     const xcb_window_t window = standLocker(kBothMonitors, "");
-    EXPECT_EQ(takeSettled(), Notices{}) << "an overlay is no locker";
+    EXPECT_EQ(takeSettled(), Notices{}) << "an overlay is not a locker";
     ASSERT_TRUE(client->grabKeyboard());
     EXPECT_EQ(takeSettled(), Notices{});
     X11Client another{server.display()};
@@ -137,7 +137,7 @@ TEST_F(LockerWindows, OfAnUnknownClientAreToldFromWindowsThatOnlyCoverMuch) {
     application.sync();
     desktop.ungrabKeyboard();
     ASSERT_TRUE((desktop.sync(), desktop.grabKeyboard()));
-    EXPECT_EQ(takeSettled(), Notices{}) << "an ordinary window stands above";
+    EXPECT_EQ(takeSettled(), Notices{}) << "an ordinary window is above it";
     client->destroy(wallpaper);
 
     // The compositor's own window covers everything, and the desktop may grab any keys.

@@ -148,7 +148,7 @@ TEST_F(RunningApplicationsTest, AreStartedToLiveOnTheirOwn) {
     const auto copies = pids();
     ASSERT_EQ(copies.size(), 1u) << "it runs when the call returns";
     const auto process = fs::path{"/proc"} / std::to_string(copies[0]);
-    EXPECT_EQ(waitpid(copies[0], nullptr, WNOHANG), -1) << "it is no child of ours";
+    EXPECT_EQ(waitpid(copies[0], nullptr, WNOHANG), -1) << "it is not our child";
     EXPECT_NE(getsid(copies[0]), getsid(0));
     for (const char* standard : {"fd/0", "fd/1", "fd/2"})
         EXPECT_EQ(fs::read_symlink(process / standard), "/dev/null");

@@ -93,7 +93,7 @@ TEST_F(WaylandCard, HasScreensOnlyDuringALock) {
     EXPECT_EQ(screens[0].frame, (Rect{0, -720, 1280, 720}));
     EXPECT_EQ(screens[0].scale, 1.5) << "from the two sizes, not the whole scale of 2";
     EXPECT_EQ(screens[1].frame, (Rect{1280, -1920, 1080, 1920}));
-    EXPECT_EQ(screens[1].scale, 1) << "turned";
+    EXPECT_EQ(screens[1].scale, 1) << "rotated";
     EXPECT_EQ(changes, 1);
     compositor->remove(second);
     EXPECT_TRUE(until([&] { return session.screens().list().size() == 1; }));
