@@ -158,7 +158,7 @@ private:
             if (isLocked_ && isShown_) together_ += 10ms;
             // A hello may find the link broken; a new connection begins with a request.
             if (wasWanted || isWanted() || platform_.mainApp.hellos.size() != hellos) continue;
-            if (now_ - lastTap_ <= 800ms) continue;  // a command is followed by a request
+            if (now_ - lastTap_ <= 800ms) continue;  // a request follows each command
             ASSERT_EQ(platform_.mainApp.stateRequests, requests) << "polls without a card";
         }
     }

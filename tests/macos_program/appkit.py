@@ -145,7 +145,7 @@ class System(Foundation):
         return view
 
     def frame_on_screen(self, view, frame):
-        """The area of a part of a flipped view."""
+        """The place on the screen of a part of a flipped view."""
         left, bottom, _, height = self.frame_in_window(view)
         at = next(window for window in self.windows if view in self.views(window)).fields["frame"]
         return at[0] + left + frame[0], at[1] + bottom + height - frame[1] - frame[3], frame[2], frame[3]

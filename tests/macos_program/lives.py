@@ -102,7 +102,7 @@ def press(mac, window):
 
 
 def unlock_in(mac, click):
-    """A click reconnects to the main application. While it waits, the screen is unlocked and the window closed."""
+    """A click reconnects to the main application. While the request waits, the screen is unlocked and the window closed."""
     window = mac.windows[0]
     mac.pass_time(0.5)
     mac.end_main_application()

@@ -1,6 +1,5 @@
-// Whole pictures of the card, with the place of each element. Symbols and tracks must match to a
-// point, texts to a few points, so that another version of a font passes and a shifted, missing or
-// stray element does not.
+// Whole pictures of the card: the place of each element. Symbols and tracks must match to a point,
+// texts to a few, so that another version of a font passes and a shifted or stray element fails.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -88,8 +88,7 @@ TEST(AddOnLink, AsksForOneFollowUpHoweverOftenItIsAsked) {
 
 TEST(AddOnLink, ARemovalRequestEndsItForGood) {
     Fixture f;
-    // Observers are notified of the request before the link has stopped. The link sends no hello
-    // then either.
+    // Observers of the request run before the link has stopped. Even then it sends no hello.
     const Handle handle = f.link->configuration().subscribe([&] { f.link->sayHello(); });
     Lines linesAtStop;
     const Handle stopped = f.link->isStopped().subscribe([&] { linesAtStop = f.log.take(); });

@@ -121,7 +121,7 @@ TEST(PresentationDriver, WantsWindowsAfterAnUnbrokenDelayInLongRandomSequences) 
         timesWanted += wanted ? 1 : 0;
     }
     EXPECT_GT(timesWanted, 0);
-    EXPECT_EQ(std::ranges::adjacent_find(f.changes), f.changes.end()) << "only changes";
+    EXPECT_EQ(std::ranges::adjacent_find(f.changes), f.changes.end()) << "reports only changes";
 }
 
 }  // namespace

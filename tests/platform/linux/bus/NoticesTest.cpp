@@ -146,7 +146,7 @@ TEST_F(NoticesTest, ABusMayComeLater) {
     const Handle handle = darwin.observe(kName, [this] { trail.push_back("heard"); });
     darwin.post(kName);
     EXPECT_EQ(recording.take().size(), 1u);
-    // The bus reconnects without any request.
+    // The connection is restored without a request.
     privateBus.start();
     ASSERT_TRUE(runUntil(loop, [this] { return !recording.lines().empty(); }));
     EXPECT_EQ(recording.take(), Lines{"bus: the session bus is back"});

@@ -1,6 +1,5 @@
-// Card windows on a private X server, inside the window of a locker that the test simulates. Time
-// and posted actions advance only when the test advances them. `settle` handles the server's
-// events.
+// Card windows on a private X server, inside the window of a simulated locker. Only the test
+// advances time and posted actions. `settle` handles the server's events.
 #pragma once
 
 #include "platform/linux/card/CardModule.hpp"
@@ -94,8 +93,7 @@ protected:
         clock.advance(duration);
         mainThread.run();
     }
-    // Returns when the server has executed all clients' requests and the session has handled the
-    // events.
+    // Returns when the server has executed all requests and the session has handled all events.
     void settle() {
         for (int turn = 0; turn < 2; ++turn) {
             mainThread.run();

@@ -1,5 +1,4 @@
-// Parts of a card, drawn one after the other as in a running card, compared with a drawing of the
-// whole card.
+// Parts of a card, drawn one after the other as in a running card, compared with the whole card.
 #include "platform/linux/card/CardPainter.hpp"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,4 @@
-// Presses on a card while the locker holds the pointer, and the card's arrow where the locker hides
-// it.
+// Presses on a card while the locker holds the pointer, and the arrow for a hidden pointer.
 #include "tests/platform/linux/card/CardFixture.hpp"
 
 namespace quorvane {

@@ -1,5 +1,4 @@
-# A TLS web server on loopback whose answer depends on the path. Writes its port, then a line for
-# each connection.
+# A TLS web server on loopback whose answer depends on the path. Writes its port, then a line for each connection.
 import gzip, http.server, itertools, ssl, sys, time
 
 PNG = b"\x89PNG\r\n\x1a\n"

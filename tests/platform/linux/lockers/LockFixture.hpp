@@ -92,9 +92,8 @@ protected:
     }
 
     EventLoop& loop() { return services.loop; }
-    // Returns when the session has handled all events of the other client, and the server has
-    // executed the requests that followed. The second wait is necessary because the server serves
-    // its clients in no certain order.
+    // Returns when the session has handled the other client's events, and the server the requests
+    // that followed. The server serves its clients in no certain order.
     void settle() {
         client->sync();
         syncSession();

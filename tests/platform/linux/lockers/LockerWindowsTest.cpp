@@ -321,8 +321,7 @@ TEST_F(LockerWindows, OfARealXsecurelockStandInTheOverlayAndKeepItsPromptClear) 
     EXPECT_LT(zones().front().width, 1600);
     EXPECT_EQ(zones().front().height, 190) << "no card has to move";
 
-    // Its window is inside the server's overlay, which is not listed. The watcher finds it
-    // nevertheless.
+    // Its window is inside the server's overlay, which is not listed, but the watcher finds it.
     stopWatching();
     watch();
     EXPECT_TRUE(isLocked());

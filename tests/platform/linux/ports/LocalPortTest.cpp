@@ -134,7 +134,7 @@ TEST_F(LocalPortTest, LongBodiesOfAllClientsTogetherAreBounded) {
     constexpr std::size_t kBound = 4 << 20;  // half of it exceeds the kernel's buffers
     replySize = kBound / 2 + 1;
     serve({.bodyBytes = kBound});
-    // One client reserves all of it, and has not sent its body yet.
+    // One client reserves all of it, and has not sent its whole body yet.
     BareSocket first = bareClient();
     first.sendAll(frame(encode(RequestHeader{kBound, 7, true, 1}), Bytes(5000)));
     const auto isAnswered = [&] {

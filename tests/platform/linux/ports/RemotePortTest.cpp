@@ -114,7 +114,7 @@ TEST_F(RemotePortTest, AReplyThatTricklesInIsTooLateAllTheSame) {
     trickler.join();
 }
 
-// The kernel rejects a larger number, and the limit would have no effect.
+// The kernel rejects a million microseconds or more, and the socket then has no limit.
 TEST(RemotePortLimit, AMomentLessThanASecondHasFewerThanAMillionMicroseconds) {
     const timeval limit = timevalUpTo(1s - 1ns);
     EXPECT_EQ(limit.tv_sec, 1);

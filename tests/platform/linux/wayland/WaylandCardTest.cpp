@@ -148,7 +148,7 @@ TEST_F(WaylandCard, HasTheScreensPixelsAndTheLogicalSize) {
 Scene sceneOf(double width) {
     Scene scene;
     scene.nodes.push_back(ShapeNode{.frame = {20, 20, width, 10}, .fill = Color::white()});
-    scene.nextChange = std::chrono::milliseconds{30};  // as of a moving title: events may wait
+    scene.nextChange = std::chrono::milliseconds{30};  // as for a moving title: events may wait
     return scene;
 }
 
