@@ -54,7 +54,7 @@ struct Outline {
 
 namespace detail {
 
-// Around the middle of a frame, 1 being the symbol's size.
+// Around the middle of a frame; 1 is the symbol's size.
 inline Outline placed(std::vector<Point> points, const Rect& frame, double size, double opacity,
                       double pen = 0) {
     for (Point& point : points)

@@ -16,7 +16,7 @@
 
 namespace quorvane {
 
-// What a display provides. The functions refer to the session.
+// The services of a display. The functions refer to the session.
 struct Display {
     Screens screens;
     LockerSight sight{};

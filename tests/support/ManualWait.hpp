@@ -36,7 +36,7 @@ private:
     struct Waiter {
         Duration deadline;
         const Condition& isOver;
-        // By the test's time, because its thread may run only after a later change.
+        // Decided by the test's time, because the waiting thread may run only after a later change.
         std::optional<bool> wasInTime{};
     };
 

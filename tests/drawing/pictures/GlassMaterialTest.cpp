@@ -135,7 +135,7 @@ TEST(GlassMaterial, IsTellableFromABlackScreenAndKeepsTheColorOfOthers) {
     const std::uint32_t blue = chromeOn(plain(0x336699)).at(252, 200);
     EXPECT_GT(blue & 0xff, blue >> 8 & 0xff);
     EXPECT_GT(blue >> 8 & 0xff, blue >> 16 & 0xff);
-    // Nor does a pale sky turn grey, although it is dimmed most.
+    // A pale sky does not turn grey either, although it is dimmed most.
     const Pixels onSky = chromeOn(plain(0xbfe0f5));
     for (const int y : {150, 200})
         EXPECT_GT(onSky.at(252, y) & 0xff, (onSky.at(252, y) >> 16 & 0xff) * 3 / 2) << y;

@@ -73,7 +73,7 @@ protected:
                            .properties = {{"PlaybackStatus", text(status)}, {"Volume", {0.8}}}});
         play(title, artwork);
     }
-    // What the newest player plays from now on.
+    // Changes the track of the newest player.
     void play(const char* title, const std::string& artwork = "") {
         players.back().artworkURL = std::make_shared<const std::string>(artwork);
         if (artwork.empty()) players.back().artworkURL = nullptr;
@@ -400,7 +400,7 @@ TEST_F(MprisPlayerTest, PausesAtALockAndResumesOnlyWhatNothingElseTouched) {
     lock(true);
     EXPECT_EQ(watches, 0) << "nothing is watched by default";
     settings.set({.pauseOnLock = true, .resumeOnUnlock = true});
-    // What the player reports during the lock, before the unlock.
+    // The player's reports during the lock, before the unlock.
     const std::pair<std::vector<const char*>, const char*> rows[] = {
         {{}, "Pause Play "},
         {{"Paused"}, "Pause Play "},

@@ -147,7 +147,7 @@ TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {
     auto opened = X11SessionLinux::open(loop(), plain.display(), [] {});
     ASSERT_TRUE(opened) << opened.error().description;
     EXPECT_EQ((*opened)->screens().list(), (std::vector<Screen>{{{0, 0, 1024, 768}, 1, {}}}));
-    // Nor are there raw events.
+    // There are no raw events either.
     const Handle pointer = (*opened)->observePointer([](const RawPointerEvent&) {});
     runOnce(loop());
 }
