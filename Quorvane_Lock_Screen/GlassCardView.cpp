@@ -71,7 +71,7 @@ void GlassCardView::setUnseen(Unseen reason, bool holds) {
     window_->setAlpha(isShown_ ? 1 : 0);
 }
 
-// Returns false while nobody sees the card, which then appears when it is seen again.
+// Returns false while the card cannot be seen; it then appears when that ends.
 bool GlassCardView::beginShowing() {
     isShown_ = true;
     if (!isSeen()) {

@@ -14,8 +14,8 @@
 namespace quorvane {
 
 // Main thread only. Owned by the controller's entry. A fade may end after the view is destroyed.
-// While nobody can see the card, it draws nothing, keeps no timer and takes no presses. It is at
-// rest when it is seen again.
+// While the card cannot be seen, it draws nothing, keeps no timer and takes no presses. It is at
+// rest when it can be seen again.
 class GlassCardView {
 public:
     // The look of every card and its shadow.

@@ -23,7 +23,7 @@ constexpr int kRounds = 31;
 constexpr int kFramesARound = 20;  // in a row, as a marquee draws them
 constexpr int kRedrawsARound = 5;
 constexpr double kScale = 2;
-// What 0.6, 1.6 and 2 ms were in fills on the machine for which those goals were set.
+// The values in fills of 0.6, 1.6 and 2 ms on the machine for which those goals were set.
 constexpr double kRedrawFills = 3;
 constexpr double kFirstDrawFills = 8.5;
 constexpr double kGlassFills = 13.5;
@@ -110,7 +110,7 @@ double glassOnce(const Bench& bench) {
     return microsecondsOf([&] { makeGlass(bench.backdrop, card, kStyle.textBottom, kScale); });
 }
 
-// The least that drawing a card and its shadow could take: a store to each of its pixels.
+// The lower bound for drawing a card and its shadow: a store to each of its pixels.
 double fill(Bench& bench) {
     return microsecondsOf([&] {
         std::ranges::fill(bench.filled.values, kOpaqueBlack);

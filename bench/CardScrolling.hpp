@@ -17,7 +17,7 @@ struct ScrollingCard {
 };
 
 // Waits until the program's title has rested and moves again, then observes it, so that every card
-// is measured in the same part of its round and none while it starts. nullopt when no title moves.
+// is measured in the same part of its cycle and none while it starts. nullopt when no title moves.
 std::optional<ScrollingCard> observeScrolling(BenchSession& session, pid_t program);
 
 // Measures the rivals on the session's X server, one after another, and reports a row for each,

@@ -1,6 +1,6 @@
-// Decodes a state's reply with artwork, changed each time and unchanged, beside a copy of its text,
-// and the artwork's base64 beside GLib's decoder. One pinned process, in which the rounds of all
-// take turns.
+// Decodes a state's reply with artwork, changed each time and unchanged, compared with a copy of
+// its text; and the artwork's base64, compared with GLib's decoder. One pinned process, in which
+// the rounds of all alternate.
 
 #include <glib.h>
 
@@ -40,7 +40,7 @@ void require(bool isRight, const char* what) {
 }
 
 double decoding(PlayerStateDecoder& decoder, const Sample& sample) {
-    Bytes reply = copyOf(sample.reply);  // as the port hands it over
+    Bytes reply = copyOf(sample.reply);  // as the port delivers it
     std::size_t size = 0;
     const double time = microsecondsOf([&] {
         const auto state = decoder.decode(reply);

@@ -1,7 +1,7 @@
-// A call over a message port against other ways to carry the same bytes.
+// A call over a message port, compared with other ways to carry the same bytes.
 //
 // Each side of each rival is a process pinned to a processor: clients to one, servers and the
-// message bus to another (or all to one with --same-cpu). Rounds of all rivals take turns; a ratio
+// message bus to another (or all to one with --same-cpu). Rounds of all rivals alternate; a ratio
 // is the median over the rounds. No rival makes the reply's contents inside the measured time.
 
 #include <signal.h>
@@ -35,7 +35,7 @@ struct Contestant {
     Times times{};
     int calls = 3;
 
-    // A round takes about two milliseconds, which is short beside the scheduler's turns.
+    // A round takes about two milliseconds, much less than the scheduler's time slices.
     void warmUp() {
         calls = static_cast<int>(std::clamp(2000.0 / microsecondsPerCall(*rival, 50), 3.0, 2000.0));
     }

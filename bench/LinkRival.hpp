@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-// What a call carries: a framed request and a reply of these lengths.
+// The contents of a call: a framed request and a reply of these lengths.
 struct LinkShape {
     std::size_t request;
     std::size_t reply;

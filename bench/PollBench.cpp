@@ -41,7 +41,7 @@ MessagePortClient::Services servicesIn(const std::filesystem::path& folder) {
                                             const std::function<void()>&) { return Handle{}; }}};
 }
 
-// The product's two ends. They do all that a poll needs but read the secret's file.
+// The product's two ends. They do everything that a poll needs except reading the secret's file.
 class Poll {
 public:
     explicit Poll(bool changesArtwork)

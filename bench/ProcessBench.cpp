@@ -29,7 +29,7 @@ double millisecondsOf(Duration time) {
     return std::chrono::duration<double, std::milli>{time}.count();
 }
 
-// What processes did in a span of time.
+// The activity of processes in a span of time.
 struct Span {
     double seconds;
     double wakeUps;        // of the first
@@ -82,7 +82,7 @@ bool drawsWith(const std::set<std::string>& libraries) {
     return false;
 }
 
-// What `playerctl --follow` used in the same time, where it is installed.
+// The activity of `playerctl --follow` in the same time, where it is installed.
 void tellRival(const LoggedProcess& process, const Span& span, const ProcessMemory& own) {
     const pid_t rival = const_cast<LoggedProcess&>(process).process().pid();
     const ProcessMemory memory = memoryOf(rival);

@@ -1,6 +1,6 @@
 // Tests whether the time of the secret's check depends on how much of a guess is right. Guesses
-// that are wrong in the first byte, wrong in the last byte and right take turns, beside a check by
-// memcmp.
+// that are wrong in the first byte, wrong in the last byte and right alternate, also with a check
+// by memcmp.
 #include <cstring>
 #include <optional>
 
@@ -48,7 +48,7 @@ int runBench() {
     request.resize(kLength + 33);
     Times first, last, right, comparison;
     const auto guess = [&](Times& times, Unwrap unwrap, std::optional<std::size_t> wrongPlace) {
-        // Changed in place, because another address may have another speed.
+        // Changed in place, because the speed may depend on the address.
         if (wrongPlace) request[*wrongPlace] ^= std::byte{1};
         times.add(timeOfChecks(unwrap, request, secret));
         if (wrongPlace) request[*wrongPlace] ^= std::byte{1};

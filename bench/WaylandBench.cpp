@@ -16,7 +16,7 @@ using std::chrono::seconds;
 constexpr auto kSettling = seconds{10};
 constexpr auto kLook = seconds{40};  // several rounds of a title
 
-// A card, and what its processes have done so far.
+// A card, and the figures of its processes so far.
 class Card {
 public:
     Card(const std::string& title, bool isPlaying, bool isOnWayland)
@@ -52,7 +52,7 @@ void compare(const char* title, bool isPlaying, const auto& tell) {
     tell(wayland, x11);
 }
 
-// What a figure has grown by, of both cards in the same time, for each second.
+// The growth of a figure per second, for both cards in the same time.
 std::pair<double, double> ratesOf(double (Card::*figure)(), Card& wayland, Card& x11) {
     const double before = (wayland.*figure)();
     const double other = (x11.*figure)();

@@ -12,7 +12,7 @@ set(CMAKE_OBJCXX_COMPILER "${QUORVANE_TOOLS}/c++")
 set(CMAKE_C_COMPILER "${QUORVANE_TOOLS}/c++")
 set(CMAKE_AR "${QUORVANE_TOOLS}/ar" CACHE FILEPATH "")
 set(CMAKE_RANLIB "${QUORVANE_TOOLS}/ranlib" CACHE FILEPATH "")
-set(CMAKE_INSTALL_NAME_TOOL "/bin/false" CACHE FILEPATH "")  # asked for, never run
+set(CMAKE_INSTALL_NAME_TOOL "/bin/false" CACHE FILEPATH "")  # required, never run
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 # The compiler searches no SDK; these are its only frameworks.
 set(CMAKE_OSX_SYSROOT "" CACHE STRING "")

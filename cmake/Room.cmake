@@ -10,7 +10,7 @@ function(quorvane_room name)
     if(ARG_SOURCES MATCHES "[.]mm")  # Objective-C++ is compiled a file at a time
         set(unity OFF)
     endif()
-    if(unity)  # GCC takes the room's .cpp files for headers there
+    if(unity)  # GCC treats the room's .cpp files as headers there
         target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
     endif()
     quorvane_precompiled(${name} quorvane_precompiled_standard)
@@ -41,7 +41,7 @@ function(quorvane_folders_of target result)
     set(${result} ${folders} PARENT_SCOPE)
 endfunction()
 
-# Call after every quorvane_room. Configuring fails if a room includes what it does not link.
+# Call after every quorvane_room. Configuring fails if a room includes a file that it does not link.
 function(quorvane_check_includes)
     get_property(rooms GLOBAL PROPERTY QUORVANE_ROOMS)
     foreach(room IN LISTS rooms)

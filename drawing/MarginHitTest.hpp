@@ -1,6 +1,5 @@
-// Hit test of a card's window on systems whose windows take the mouse in their whole rectangle.
-// The card takes it; the shadow's margin leaves it to the lock screen below. Pure
-// values.
+// Hit test of a card's window on systems whose windows take the mouse in their whole rectangle. The
+// card takes it; the shadow's margin leaves it to the lock screen below. Pure values.
 #pragma once
 
 #include "drawing/CardWindows.hpp"

@@ -20,7 +20,7 @@ struct Screen {
     bool operator==(const Screen&) const = default;
 };
 
-// Reasons why nobody can see a card. Several may hold at once.
+// Reasons why a card is not visible. Several may hold at once.
 enum class Unseen {
     displaysAsleep,
     sessionInBackground,

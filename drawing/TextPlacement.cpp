@@ -10,7 +10,7 @@ bool isAlignedLeft(const TextNode& node, bool isRightToLeft) {
     return (node.alignment == TextAlignment::leading) != isRightToLeft;
 }
 
-// In which it scrolls: -1 to the left.
+// The direction in which it scrolls: -1 is left.
 double directionOf(const TextNode& node, bool isRightToLeft) {
     return isAlignedLeft(node, isRightToLeft) ? -1 : 1;
 }

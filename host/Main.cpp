@@ -42,7 +42,7 @@ std::optional<UserDefaults> sharedSuite(const LiveServices& services) {
     return services.openSuite(std::string{kAppGroup});
 }
 
-// In the build folder as where the package is installed.
+// The same relative path in the build folder and in an installed package.
 std::filesystem::path fetchProgram(const LiveServices& services) {
     const auto folder = services.process.executable.parent_path().parent_path();
     return folder / "lib" / "quorvane" / "quorvane-fetch-artwork";
@@ -220,8 +220,8 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
     return ended == 0 ? status : kHostFailed;
 }
 
-// A serving host is asked, because its choice depends on what it has seen. Otherwise this process
-// chooses as a host that starts now would.
+// Asks a serving host, because its choice depends on earlier events. Otherwise this process chooses
+// as a host that starts now would.
 int tellPlayers(const LiveServices& services) {
     StoredSettings settings{services.standardDefaults, services.darwinNotices};
     const bool isServed = services.connectPort(std::string{kMessagePortBaseName}) != nullptr;

@@ -1,4 +1,4 @@
-// What the text of KDE Plasma's settings, "kdeglobals", says about its lock screen and the card.
+// Values for the lock screen and the card from the text of KDE Plasma's settings, "kdeglobals".
 // Pure values.
 #pragma once
 

@@ -8,10 +8,10 @@
 namespace quorvane {
 
 struct LockSignals {
-    bool hasLockerWindow = false;      // a lock screen is seen
-    bool screenSaverIsActive = false;  // a desktop's screen-saver service says so
+    bool hasLockerWindow = false;      // a lock screen is detected
+    bool screenSaverIsActive = false;  // a desktop's screen-saver service is active
     bool sessionSaysLocked = false;    // the login manager's hint
-    bool isBlind = false;              // what saw lock screens is gone
+    bool isBlind = false;              // the detecting process is gone
 
     // Any of the three, because a locker may announce nothing, and a lock may be announced without
     // a window visible to this process.
@@ -26,7 +26,7 @@ struct LockSignals {
 
 // The notices for the change from one state to the next, in order: the screen is locked before the
 // lock UI is shown, and the lock UI is hidden before the screen is unlocked. A lock screen that can
-// no longer be seen is no unlock.
+// no longer be observed does not count as unlocked.
 constexpr std::vector<const char*> noticesBetween(const LockSignals& before,
                                                   const LockSignals& after) {
     std::vector<const char*> notices;

@@ -1,4 +1,4 @@
-// How lock screens are seen: on this process's display, or by another process.
+// The source of lock screens: this process's display, or another process.
 #pragma once
 
 #include <functional>
@@ -9,9 +9,9 @@
 namespace quorvane {
 
 struct LockerSight {
-    // Empty on Wayland, where no window shows it: an active screen-saver service then counts. The
-    // login manager's hint may outlast the lock, so it does not count. Nullopt while the process
-    // that sees them is gone.
+    // Empty on Wayland, where no window shows a lock: an active screen-saver service then counts.
+    // The login manager's hint may outlast the lock, so it does not count. Nullopt while the
+    // process that detects lock screens is gone.
     std::function<std::optional<bool>()> isSeen;
     std::function<Handle(std::function<void()> changed)> observe;
 };

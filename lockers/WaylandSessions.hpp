@@ -19,7 +19,7 @@ struct SessionVariables {
 // screen.
 bool isWaylandSession(const SessionVariables& session);
 
-// How a compositor lets the card above its lock screen.
+// The mechanism by which a compositor admits the card above its lock screen.
 struct WaylandWay {
     const char* layerNamespace = "quorvane-card";
     bool isByOverlayOfKde = false;  // only if the compositor offers the protocol to the add-on
@@ -30,7 +30,7 @@ struct WaylandWay {
 std::optional<WaylandWay> waylandWay(std::string_view desktop);
 // Why no card can appear there, and what to do; nullopt when one can.
 std::optional<std::string> waylandProblem(std::string_view desktop);
-// What the user must do for the card. `hyprlandVersion` is what Hyprland says of its version.
+// What the user must do for the card. `hyprlandVersion` is Hyprland's reply about its version.
 std::optional<std::string> waylandAdvice(std::string_view desktop,
                                          std::string_view hyprlandVersion);
 

@@ -14,7 +14,7 @@ namespace quorvane {
 
 struct LiveServices;
 
-// Of an encoded picture, wherever it comes from.
+// The size limit of an encoded picture from any source.
 inline constexpr std::uint64_t kLargestArtwork = 8u << 20;
 inline constexpr std::size_t kLongestFetchURL = 4096;
 
@@ -27,9 +27,9 @@ struct FetchFailure {
 using FetchAnswer = std::variant<Bytes, FetchRedirect, FetchFailure>;
 
 // Main thread only. Sends one request to the server of an "http:" or "https:" URL of at most
-// kLongestFetchURL bytes, in a process
-// that can do nothing else, and calls `done` once, later. The picture has at most kLargestArtwork
-// bytes and begins like one. Dropping the handle ends the process; `done` may drop it.
+// kLongestFetchURL bytes, in a process that can do nothing else, and calls `done` once, later. The
+// picture has at most kLargestArtwork bytes and begins like one. Dropping the handle ends the
+// process; `done` may drop it.
 using FetchPicture =
     std::function<Handle(const std::string& url, std::function<void(FetchAnswer)> done)>;
 

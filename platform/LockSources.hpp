@@ -41,8 +41,8 @@ inline bool isScreenLocked(const LockSources& sources) {
     return isLocked && *isLocked;
 }
 
-// Sources that need no display: they see a lock that the desktop or the login manager announces.
-// The table owns what watches. `services` must outlive it.
+// Sources that need no display: locks that the desktop or the login manager announces. The table
+// owns its observers. `services` must outlive it.
 LockSources makeLiveLockSources(const LiveServices& services);
 
 }  // namespace quorvane

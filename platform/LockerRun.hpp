@@ -12,7 +12,7 @@ namespace quorvane {
 
 struct LiveServices;
 
-// Main thread only. Starts the command and gives the lock notices to the user's add-on, from the
+// Main thread only. Starts the command and sends the lock notices to the user's add-on, from the
 // moment when the command is ready to its end. It is ready when it writes to its descriptor 3, and
 // at the latest after two seconds. `ended` receives the exit status. Dropping the handle ends the
 // notices but not the command.

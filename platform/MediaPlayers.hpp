@@ -30,7 +30,7 @@ struct MediaPlayer {
     std::shared_ptr<const std::string> artworkURL{};
     std::int64_t position = 0;            // microseconds, as reported at `positionAt`
     std::optional<Instant> positionAt{};  // nullopt before the first report
-    bool isSilent = false;  // has left a question unanswered for five seconds, and still does
+    bool isSilent = false;  // has left a query unanswered for five seconds, and still does
 };
 
 // Main thread only. No call blocks on a player; answers arrive asynchronously. Methods and

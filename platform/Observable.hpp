@@ -9,8 +9,8 @@
 namespace quorvane {
 
 // Main thread only. Writing an equal value notifies no listener. Listeners run after the new value
-// is stored, in the order of subscription. A listener may write the value again, and what
-// `Listeners` allows it.
+// is stored, in the order of subscription. A listener may write the value again and do everything
+// that `Listeners` allows.
 template <typename T>
 class Observable {
 public:

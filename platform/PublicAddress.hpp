@@ -7,8 +7,8 @@
 namespace quorvane {
 
 // Whether an IPv4 (4 bytes) or IPv6 (16 bytes) address belongs to a host on the public Internet:
-// not to this machine, its local networks, a group of hosts, or a range set aside for other
-// purposes. An IPv6 address that stands for an IPv4 address is judged by that. Pure.
+// not to this machine, its local networks, a group of hosts, or a range reserved for other
+// purposes. An IPv6 address that contains an IPv4 address counts as that address. Pure.
 bool isPublicAddress(std::span<const std::uint8_t> address);
 
 }  // namespace quorvane

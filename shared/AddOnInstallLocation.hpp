@@ -1,5 +1,4 @@
-// The add-on's install location. The installer puts it there; removal deletes the
-// folder.
+// The add-on's install location. The installer puts it there; removal deletes the folder.
 #pragma once
 
 #include <filesystem>

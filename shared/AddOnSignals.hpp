@@ -23,8 +23,8 @@ struct AddOnSignals {
 
     // In the add-on's own defaults: true when the last lock screen left no room for a card.
     static constexpr const char* kNoRoomKey = "lastLockHadNoRoom";
-    // These carry a removal from one launch to the next. The installer clears what an interrupted
-    // removal has left.
+    // These carry a removal from one launch to the next. The installer clears the remains of an
+    // interrupted removal.
     static constexpr const char* kRemovalPendingKey = "removalPending";                // a boolean
     static constexpr const char* kRemovalBundleIdentityKey = "removalBundleIdentity";  // a string
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# package.sh BUILD: makes the Debian package, installs it into a root of its own, lets a user of its own install, query and
-# remove the add-on with it, and removes it again without a trace. Exit status: 77 where there is no dpkg.
+# package.sh BUILD: makes the Debian package and installs it into a private root. With private folders it installs, queries and
+# removes the add-on. Then the package is removed and must leave nothing. Exit status: 77 where there is no dpkg.
 set -euo pipefail
 command -v dpkg >/dev/null || exit 77
 [ "$(id -u)" -eq 0 ] || exec unshare --map-root-user "$0" "$@"
@@ -31,7 +31,7 @@ for page in quorvane-host quorvane-lock-screen; do
 done
 grep -q "^ExecStart=/usr/bin/quorvane-host run$" "$root/usr/lib/systemd/user/quorvane-host.service" || fail "no user unit"
 [ -x "$root/usr/lib/quorvane/quorvane-fetch-artwork" ] || fail "no program that fetches artwork"
-# Without a display the add-on cannot run, but it is put in its place and removes itself.
+# Without a display the add-on cannot run, but it is installed and can remove itself.
 expect "Installed version" "$("$host" install 2>&1 || true)"
 expect "there is no session to show a card in" "$(cat "$work/log")"
 expect "Install: version" "$("$host" status 2>&1 || true)"

@@ -8,8 +8,8 @@ namespace quorvane {
 
 Bytes encodePNG(cairo_surface_t* picture);
 
-// An endless animation. Stores of each added frame only the area that differs from the frame
-// before.
+// An endless animation. Stores of each added frame only the area that differs from the previous
+// frame.
 class AnimatedPNG {
 public:
     explicit AnimatedPNG(double framesPerSecond) : framesPerSecond_(framesPerSecond) {}

@@ -88,7 +88,7 @@ install_add_on() {
     QUORVANE_LOG=$session/add-on.log "$host" install || fail "the add-on could not be installed"
 }
 
-# start_card OPTION...: starts the host with these options, and the add-on, which knows what plays when this returns.
+# start_card OPTION...: starts the host with these options, and the add-on, which has a player state when this returns.
 start_card() {
     background host "$host" run "$@"
     wait_for host "serving; press Ctrl-C to stop" || fail "the host did not start: $(cat "$session/host.log")"

@@ -1,5 +1,5 @@
-// The card's scene, with what is needed to advance its marquees. Most frames of a card change only
-// the marquees.
+// The card's scene, with the data that advances its marquees. Most frames of a card change only the
+// marquees.
 #pragma once
 
 #include <cstddef>

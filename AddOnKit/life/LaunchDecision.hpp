@@ -24,7 +24,7 @@ struct LaunchInputs {
     Logger log;  // category "removal"
 };
 
-// Main thread only. When the add-on is to run, clears what earlier removals have left: a flag of
+// Main thread only. When the add-on is to run, clears the remains of earlier removals: a flag of
 // another copy, and for a new installation the request that it supersedes.
 LaunchDecision decideLaunch(const LaunchInputs& launch);
 

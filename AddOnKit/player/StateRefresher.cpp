@@ -24,7 +24,7 @@ void StateRefresher::setActive(bool active) {
         poll_.reset();
     } else if (!isPolling_) {
         isPolling_ = true;
-        // So that the first window ends, rather than begins, one period from now.
+        // Makes the first window end, rather than begin, one period from now.
         pollDue_ = clock_.now() - kPollTolerance;
         refreshWhatIsDue();
     }

@@ -32,7 +32,7 @@ struct CardWindowSync {
     struct EndActivity {};
     using Step = std::variant<Build, SetCardVisible, CloseAll, BeginActivity, EndActivity>;
 
-    // What exists now.
+    // The present windows, activity and screens.
     struct Existing {
         std::size_t windowCount = 0;
         bool isActivityActive = false;

@@ -54,8 +54,8 @@ void PresentationDriver::handleOne(const PresentationEvent& event) {
     // Copies of the listener and its argument: the listener may replace itself or destroy the
     // driver.
     const PresentationState changed = state_;
-    // Clear isHandling_ before notifying: the listener may block, and an unlock that arrives
-    // meanwhile must close the windows at once.
+    // Clear isHandling_ before notifying: the listener may block, and an unlock that arrives during
+    // that time must close the windows at once.
     isHandling_ = false;
     if (const auto listener = onChange) listener(changed);
 }

@@ -17,7 +17,7 @@ namespace quorvane {
 // empty reply is still received.
 inline constexpr Duration kLockScreenHelloReceiveTimeout = std::chrono::seconds{5};
 
-// As MessagePortClient::sendQuery.
+// The signature of MessagePortClient::sendQuery.
 using SendQuery = std::function<void(MessageType type, Bytes payload, Duration timeout,
                                      std::function<void(QueryOutcome)> completion)>;
 

@@ -1,6 +1,6 @@
-// What the card in another toolkit shows: the add-on's own measures and marquee, symbols as plain
-// polygons, and colours that look like its glass. The glass itself, the shadow, and what presses do
-// are left out, which favours the rivals.
+// The contents of the card in another toolkit: the add-on's own measures and marquee, symbols as
+// plain polygons, and colours that look like its glass. The glass itself, the shadow and the
+// effects of presses are left out, which favours the rivals.
 #pragma once
 
 #include <cmath>
@@ -30,7 +30,7 @@ struct Bar {
     double opacity;
 };
 
-// The track and what is filled of it, with round ends.
+// The track and its filled part, with round ends.
 inline std::vector<Bar> barsOf(const Rect& track, double fraction, double opacity) {
     return {{track, PlayerLayout::kTrackOpacity},
             {{track.x, track.y, track.width * fraction, track.height}, opacity}};
@@ -54,7 +54,7 @@ struct Outline {
 
 namespace detail {
 
-// Around the middle of a frame, 1 being the symbol's size.
+// Around the middle of a frame; 1 is the symbol's size.
 inline Outline placed(std::vector<Point> points, const Rect& frame, double size, double opacity,
                       double pen = 0) {
     for (Point& point : points)
@@ -109,7 +109,7 @@ inline std::vector<Outline> symbols(const PlayerGeometry& geometry) {
     return all;
 }
 
-// What changes once a second.
+// The area that changes once a second.
 inline Rect clockArea(const PlayerGeometry& geometry) {
     const Rect& bar = geometry.progress;
     return {bar.x, bar.y, bar.width, geometry.elapsed.maxY() - bar.y};

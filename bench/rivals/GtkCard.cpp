@@ -1,5 +1,5 @@
-// The card as GTK 4 widgets: GtkCard TITLE ARTWORK. What moves, what changes once a second and what
-// never changes are widgets of their own, so that GTK keeps what the others have drawn.
+// The card as GTK 4 widgets: GtkCard TITLE ARTWORK. Parts that move, that change once a second
+// and that never change are separate widgets, so that GTK keeps the drawings of the others.
 
 #include <gtk/gtk.h>
 
@@ -12,7 +12,7 @@ namespace {
 
 using Draw = std::function<void(GtkSnapshot*)>;
 
-// A widget that draws with a function, which whoever made it keeps.
+// A widget that draws with a function, which its creator keeps alive.
 struct Part {
     GtkWidget parent;
     const Draw* draw;
@@ -135,7 +135,7 @@ private:
     TextNode titleNow() const { return marquee_.node(geometry_.title, now()); }
     void changeClock() { gtk_widget_queue_draw(clockPart_); }
 
-    // GTK's clock of frames runs only while the title moves.
+    // GTK's frame clock runs only while the title moves.
     void rest() {
         const Duration wait = *marquee_.nextChange(now(), 2);  // it scrolls
         const auto time = std::chrono::ceil<std::chrono::milliseconds>(wait).count();

@@ -1,5 +1,5 @@
-// The card as a Qt 6 widget: QtCard TITLE ARTWORK. It draws everything itself, and of that only
-// what an update has asked for.
+// The card as a Qt 6 widget: QtCard TITLE ARTWORK. It draws everything itself, but only the parts
+// that an update has requested.
 
 #include <QApplication>
 #include <QPaintEvent>
@@ -57,7 +57,7 @@ protected:
         drawPanel(painter, area);
         if (isAsked(titleNow().frame)) drawTitle(painter);
         if (isAsked(clockArea(geometry_))) drawClock(painter);
-        // All of it changes never, so it is asked for only together.
+        // These parts never change, so an update requests them only together.
         if (isAsked(geometry_.volume)) drawRest(painter);
     }
 
@@ -83,7 +83,7 @@ private:
         painter.drawText(QRectF{{0, 0}, size + QSizeF{20, 0}}, Qt::AlignVCenter, text);
     }
 
-    // Wider than its field by what fades at the ends.
+    // Wider than its field by the fades at its ends.
     TextNode titleNow() const { return marquee_.node(geometry_.title, now()); }
 
     void moveTitle() {

@@ -21,7 +21,7 @@ void LockPauser::watchIfNeeded() {
     paused_ = {};
     watch_.reset();
     if (!isNeeded) return;
-    // The notices are observed first, because the sources may report a present lock.
+    // Observes the notices first, because the sources may report a present lock.
     const auto onNotice = [this](const char* notice, std::function<void()> action) {
         return services_.notices.observe(
             notice, [action = std::move(action)](const PropertyDictionary&) { action(); });

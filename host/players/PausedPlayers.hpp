@@ -18,7 +18,7 @@ public:
     void add(const MediaPlayer& player);
     // Forgets those that have gone, stopped, changed their track, or played again since.
     void update(std::span<const MediaPlayer> players);
-    // The bus names of those that are left, and forgets them.
+    // Returns the bus names of those that are left, and clears them.
     std::vector<std::string> take();
 
 private:

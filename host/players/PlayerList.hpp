@@ -1,4 +1,4 @@
-// What the host says of all players of the session, and the notices that carry it to its commands.
+// The host's report on all players of the session, and the notices that carry it to its commands.
 #pragma once
 
 #include <string>
@@ -25,7 +25,7 @@ struct PlayerList {
     std::vector<PlayerRow> rows{};
 
     PropertyDictionary userInfo() const;
-    // Any process may have sent it, so what does not fit is left out and control characters too.
+    // Any process may have sent it, so invalid entries and control characters are omitted.
     static PlayerList of(const PropertyDictionary& userInfo);
     // A table for the user.
     std::string text() const;

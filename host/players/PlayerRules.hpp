@@ -1,4 +1,4 @@
-// What the settings say of one player. Pure functions.
+// The effect of the settings on one player. Pure functions.
 #pragma once
 
 #include <optional>
@@ -19,8 +19,8 @@ std::string_view obstacleOf(const MediaPlayer& player, const Settings& settings,
 // The grade of the player's own name, of the longest one that matches, else the general one.
 Privacy privacyOf(const MediaPlayer& player, const Settings& settings);
 
-// The state without what the grade withholds. Below `full` a track is made of named fields, so
-// that a field that is added later is withheld too.
+// The state without the fields that the grade withholds. Below `full` a track is made of named
+// fields, so that a field that is added later is withheld too.
 QuorvanePlayerState withheld(QuorvanePlayerState state, const MediaPlayer& player, Privacy privacy);
 
 }  // namespace quorvane

@@ -48,7 +48,7 @@ std::string suggestion(std::string_view word, std::span<const std::string_view> 
                : "; did you mean '" + std::string{nearest} + "'?";
 }
 
-// What a bus name may hold.
+// Whether the text has only characters of a bus name in lower case.
 bool isPlayerName(std::string_view name) {
     return !name.empty() && std::ranges::all_of(name, [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '.';
@@ -102,7 +102,7 @@ std::optional<std::string> normalForm(SettingKind kind, const std::string& text)
     return all.empty() ? std::string{kNoPlayers} : all;
 }
 
-// What a setting takes instead of the text.
+// The values that a setting takes, for the message about an invalid text.
 std::string mistake(SettingKind kind, const std::string& text) {
     const std::string notThis = ", not '" + text + "'";
     if (kind == SettingKind::players) return "names of players" + notThis + kHint;

@@ -21,7 +21,7 @@ enum class Privacy {
 struct Settings {
     using Players = std::vector<std::string>;  // names on the bus, in lower case
     using PrivacyByPlayer = std::map<std::string, Privacy, std::less<>>;
-    // What the user gave, by the setting's name: "on", "player", "10", "vlc mpv".
+    // The user's values, by the setting's name: "on", "player", "10", "vlc mpv".
     using Texts = std::map<std::string, std::string, std::less<>>;
 
     bool fetchArtwork = false;

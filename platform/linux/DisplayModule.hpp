@@ -1,5 +1,5 @@
 // The interface of the display modules, one library for X11 and one for Wayland. The add-on loads
-// the one of its session, so that no library of the other is in the process.
+// only its session's module, so that the process has no library of the other one.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@
 
 namespace quorvane {
 
-// What a display provides. The functions refer to the session.
+// The services of a display. The functions refer to the session.
 struct Display {
     Screens screens;
     LockerSight sight{};

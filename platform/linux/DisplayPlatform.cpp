@@ -57,7 +57,7 @@ struct DisplayPlatform {
         if (display.sight.isSeen) tellOthersOfSight();
     }
 
-    // The host has no display.
+    // Announces detected lock screens to the host, which has no display.
     void tellOthersOfSight() {
         const auto tell = [this] { sightService.set(*display.sight.isSeen()); };
         tell();

@@ -75,7 +75,7 @@ TEST_F(AddOnAppTest, RegistersItsLoginItemUnlessTheUserHasSwitchedItOff) {
 TEST_F(AddOnAppTest, IsConfinedOnceBeforeItStartsAndNotWhenItRemovesItself) {
     int times = 0;
     live.confine = [&] {
-        EXPECT_EQ(installation.loginItem, 1) << "after what it still needs the system for";
+        EXPECT_EQ(installation.loginItem, 1) << "after the steps that still need the system";
         EXPECT_FALSE(log.contains(kStarted));
         ++times;
     };

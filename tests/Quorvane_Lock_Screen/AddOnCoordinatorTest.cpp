@@ -227,7 +227,7 @@ TEST_F(AddOnCoordinatorTest, AnEditOutlastsTheStateOfAConnectionThatItNeeds) {
     ports.duringSend = [&] {
         ports.duringSend = nullptr;
         touchVolume(Kind::dragged, 0.755);
-        clock.advance(100ms);  // the newer volume is sent inside the older one's wait
+        clock.advance(100ms);  // the newer volume is sent while the older one waits
     };
     touchVolume(Kind::down, 0.255);
     EXPECT_EQ(mainApp.commands, (Lines{"playPause", "volume 75"}));

@@ -12,7 +12,7 @@ constexpr PresentationState kSilent{true, true, true, true, false};
 constexpr PresentationState kExpected{true, true, false, true, true};
 constexpr PresentationState kPlaying{true, true, true, true, true};
 
-// Content that only counts how many are shown and how many are frozen.
+// Content that only counts how many instances are shown and how many are frozen.
 struct FakeContent : CardContent {
     FakeContent(int& shown, int& frozen) : shownContents(shown), frozenContents(frozen) {}
     ~FakeContent() override { setShown(false); }
@@ -160,7 +160,7 @@ TEST_F(CardWindowControllerTest, ACardThatNobodySeesRestsAndAppearsAtOnceWhenItI
     EXPECT_TRUE(windows.stages[0]->isHidden);  // without a fade
     screens.unseen(Unseen::displaysAsleep, false);
     EXPECT_EQ(shownContents, 0);
-    // Built, or shown again, in the dark.
+    // Built, or shown again, while the displays sleep.
     for (const PresentationState& before : {kSilent, kUnlocked}) {
         controller->present(before);
         screens.unseen(Unseen::displaysAsleep, true);

@@ -1,6 +1,5 @@
-// A day of locks in a moment: nothing is left over and no timer drifts.
-//
-// A thousand locks each time; QUORVANE_DAY_LOCKS makes it more.
+// A simulated day with a thousand locks: no object is left over and no timer drifts.
+// QUORVANE_DAY_LOCKS sets another number of locks.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -13,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Shorter than what a request waits for its answer.
+// Shorter than a request's timeout.
 constexpr Duration kStep = 500ms;
 
 void pass(FakePlatform& platform, Duration duration) {
@@ -34,7 +33,7 @@ TEST(Day, OfLocksLeavesNothingAndLosesNoTime) {
     const std::size_t timers = platform.clock.pendingTimers();
     const std::size_t observers = platform.notices.observerCount();
 
-    pass(platform, 1ms);  // no lock at the very moment of a hello
+    pass(platform, 1ms);  // no lock coincides with a hello
     for (int lock = 0; lock < locks; ++lock) {
         platform.lock();
         pass(platform, 800ms);
@@ -44,14 +43,14 @@ TEST(Day, OfLocksLeavesNothingAndLosesNoTime) {
         ASSERT_EQ(platform.activities, 0);
         ASSERT_EQ(platform.clock.pendingTimers(), timers) << "lock " << lock;
         pass(platform, kDay / locks - 800ms);
-        // What the fakes remember.
+        // The records of the fakes.
         platform.windows.windows.clear();
         platform.windows.stages.clear();
         platform.ports.sent.clear();
         platform.log.take();
     }
     EXPECT_EQ(platform.notices.observerCount(), observers);
-    // One at the start, one a lock, and one a minute after each answer, which a step may hold up.
+    // One at the start, one per lock, and one a minute after each answer, which a step may delay.
     const auto others = platform.mainApp.hellos.size() - 1 - static_cast<std::size_t>(locks);
     EXPECT_LE(others, kDay / 1min);
     EXPECT_GE(others, kDay / (1min + kStep));

@@ -52,7 +52,7 @@ void expectTheNextLockWorks(FakePlatform& platform) {
     EXPECT_EQ(platform.activities, 1);
     platform.tap(SceneControl::ID::next);
     EXPECT_EQ(platform.mainApp.commands, Lines{"nextTrack"});
-    EXPECT_FALSE(platform.mainApp.hellos.empty()) << "no hello waits for an answer for good";
+    EXPECT_FALSE(platform.mainApp.hellos.empty()) << "a lost answer does not stop the hellos";
     platform.unlock();
     expectNothingIsLeft(platform);
 }
@@ -77,7 +77,7 @@ TEST(FaultInjection, TheWholeLockGoesThroughEveryOperationThatCanFail) {
     expectTheNextLockWorks(platform);
 }
 
-// The n-th call fails, and either that one alone or all that follow it, until the unlock.
+// The n-th call fails, either alone or with all later calls until the unlock.
 TEST(FaultInjection, NoFaultLeavesAWindowOrSpoilsTheNextLock) {
     const int calls = callsOfALock();
     for (const bool isLasting : {false, true})

@@ -88,7 +88,7 @@ TEST_F(LockMonitorTest, ObservesWhileStarted) {
     monitor->start();
     monitor->onEvent = [this](const PresentationEvent& event) {
         monitor.reset();
-        events.push_back(event);  // the listener is still whole
+        events.push_back(event);  // the listener has not been destroyed
     };
     notices.deliver("com.apple.screenIsLocked");
     EXPECT_EQ(events, Events{event::Locked{}});

@@ -1,5 +1,5 @@
-// The whole add-on through long random walks of everything that can happen, against the few rules
-// that always hold.
+// The whole add-on through long random sequences of events, checked against the few rules that
+// always hold.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -74,7 +74,7 @@ private:
                                  : "com.apple.screenLockUIIsHidden");
         noteTogether();
     }
-    // Asks the system what it may have missed; sometimes an unlocking went unheard before.
+    // A wake, at which the add-on asks for the state; sometimes it has missed an unlock.
     void wake() {
         if (any(3) == 0) platform_.isLocked = false;
         platform_.wake();
@@ -98,7 +98,7 @@ private:
         platform_.notice(kStateChanged);
     }
     void allow(bool isAllowed) {
-        if (!isServing_ || platform_.mainApp.lies) return;  // the add-on cannot learn of it
+        if (!isServing_ || platform_.mainApp.lies) return;  // the add-on cannot receive it
         platform_.mainApp.configuration.isEnabled = isAllowed_ = isAllowed;
         platform_.notice("example.quillon.Quorvane.lockScreenConfigurationChanged");
     }
@@ -119,7 +119,7 @@ private:
         platform_.settle();
         lastTap_ = now_;
     }
-    // A hand that moves a hundred times a second, and lets go or does not.
+    // A drag with a hundred moves a second, which may end without a release.
     void drag() {
         const auto slider = platform_.frame(SceneControl::ID::volume);
         if (!slider || !isServing_ || platform_.windows.open()[0]->ignoresMouseEvents) return;
@@ -134,7 +134,7 @@ private:
             pass(10ms);
         }
         const std::size_t sends = platform_.mainApp.commands.size() - before;
-        // One may be left over from the drag before.
+        // One may be left from the previous drag.
         ASSERT_LE(sends, 2 + moves * 10ms / VolumeSender::kInterval);
         if (any(4) == 0) return;  // the pointer vanishes
         platform_.pointer(PointerEvent::Kind::up, anywhere());
@@ -156,9 +156,9 @@ private:
             platform_.pass(10ms);
             now_ += 10ms;
             if (isLocked_ && isShown_) together_ += 10ms;
-            // A hello may find the link broken; a new one begins with a request.
+            // A hello may find the link broken; a new connection begins with a request.
             if (wasWanted || isWanted() || platform_.mainApp.hellos.size() != hellos) continue;
-            if (now_ - lastTap_ <= 800ms) continue;  // what a command has changed is asked for
+            if (now_ - lastTap_ <= 800ms) continue;  // a request follows each command
             ASSERT_EQ(platform_.mainApp.stateRequests, requests) << "polls without a card";
         }
     }
@@ -176,7 +176,7 @@ private:
     bool isShown_ = false;
     bool isAllowed_ = true;
     bool isServing_ = true;
-    Duration together_{};  // how long locked and shown have held at once
+    Duration together_{};  // how long the screen has been both locked and shown
     Duration now_{};
     Duration lastTap_ = -1s;
 };

@@ -10,7 +10,7 @@
 namespace quorvane {
 namespace {
 
-std::string calls;        // of the library's functions, each as a letter and its arguments
+std::string calls;        // the library's, each as a letter and its arguments
 std::uint64_t space = 0;  // what creating one returns
 
 std::string text(std::uint64_t number) { return " " + std::to_string(number); }

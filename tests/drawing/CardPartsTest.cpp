@@ -1,4 +1,4 @@
-// What every canvas and every system's windows share.
+// Parts that every canvas and every system's windows share.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -35,7 +35,7 @@ TEST(TextPlacement, ShowsTheCopiesThatReachIntoTheField) {
     EXPECT_EQ(copiesOf(node, 100, 300, false), (std::vector<double>{100}));
     node.scroll->offset = 190;
     EXPECT_EQ(copiesOf(node, 100, 300, false), (std::vector<double>{-90, 250}));
-    // The other way round the copy follows on the left.
+    // From right to left the copy follows on the left.
     EXPECT_EQ(copiesOf(node, 0, 300, true), (std::vector<double>{190, -150}));
     node.alignment = TextAlignment::trailing;
     EXPECT_EQ(copiesOf(node, 0, 300, false), (std::vector<double>{190, -150}));
@@ -117,7 +117,7 @@ TEST(MarginHitTest, TakesTheCardAndLeavesTheMargin) {
     EXPECT_FALSE(mouse.ignoresMouse()) << "a drag does not lose the window";
     mouse.setIgnored(true);
     mouse.setIgnored(false);
-    EXPECT_TRUE(mouse.ignoresMouse()) << "the press has ended meanwhile";
+    EXPECT_TRUE(mouse.ignoresMouse()) << "the press has ended";
     mouse.moveTo({504, 100});
     EXPECT_FALSE(mouse.ignoresMouse() || mouse.mustAskForPointer()) << "beyond the window";
 }

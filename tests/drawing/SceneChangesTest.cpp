@@ -48,7 +48,7 @@ TEST(SceneChanges, AreThePlacesOfWhatDiffers) {
         {grouped({}), grouped(pressed), {place}},
         {grouped({}), grouped(growing), {grown}},
         {grouped({}), grouped(moving), {place, moved}},
-        // The same nodes, another one of them inside.
+        // The same nodes, with another one inside.
         {scene({pressed, bar, GroupEnd{}, button}),
          scene({bar, pressed, button, GroupEnd{}}),
          {barPlace, place}},

@@ -45,7 +45,7 @@ public:
         for (const auto& [name, value] : variables) environment.push_back(name + "=" + value);
         return LoggedProcess::run(words, environment);
     }
-    // Waits for the text in the log, after those that earlier calls have found.
+    // Waits for the text in the log, after the texts that earlier calls have found.
     bool says(const std::string& text) {
         return eventually([&] {
             const auto place = folder().read("log").find(text, passed_);
@@ -107,7 +107,7 @@ TEST_F(EndToEndLife, InstallStatusQuitAndRemoveWithTheHostAlone) {
     EXPECT_EQ(host({"quit"}).status, 1);
     EXPECT_EQ(host({"launch"}).status, 0);
 
-    // Removal while it runs, is connected and shows the card.
+    // Removal while the add-on runs, is connected and shows the card.
     LoggedProcess locker = session.startLocker();
     ASSERT_TRUE(says("entrance: window"));
     hostSays("remove", "Removed the add-on, its login item and its settings.\n");
@@ -139,7 +139,7 @@ TEST_F(EndToEndLife, InstallsWithAwkwardFoldersAndFailsPlainly) {
     EXPECT_EQ(failed.status, 1);
     EXPECT_TRUE(failed.text.starts_with("quorvane-host: nothing was installed: ")) << failed.text;
 
-    // A file cannot be written: fails, or is killed while copying. The old bundle stays.
+    // Writing a file fails, or the command is killed while copying. The old bundle stays.
     const auto bundle = copyBundle("new/X.app", "2.0.0");
     for (const bool isKilled : {false, true}) {
         failed = run(
@@ -220,7 +220,7 @@ TEST_F(EndToEndRemoval, KilledAfterAnyStepItIsFinishedByTheNextLaunch) {
             // Only a launch that runs needs a display.
             LoggedProcess launch =
                 session.start({"env", calls == 1 ? "-uNONE" : "-uDISPLAY", programIn(place())});
-            if (calls == 1) {  // not marked yet: it goes on as if nothing had been
+            if (calls == 1) {  // not marked yet: it starts as usual
                 EXPECT_TRUE(launch.says("lock monitor started"));
                 launch.process().end(SIGINT);
                 EXPECT_EQ(host({"remove"}).status, 0);
@@ -230,7 +230,7 @@ TEST_F(EndToEndRemoval, KilledAfterAnyStepItIsFinishedByTheNextLaunch) {
                 launch.process().wait(std::chrono::seconds{20});
                 ++finishedByLaunch;
             }
-        } else if (!hasEnded) {  // nothing can be launched any more; the settings may be left
+        } else if (!hasEnded) {  // no bundle is left to launch; settings may be left
             EXPECT_EQ(host({"remove"}).status, 0);
             ++finishedByHost;
         }

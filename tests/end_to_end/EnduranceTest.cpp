@@ -140,7 +140,7 @@ TEST_F(Soak, EachLockReleasesWhatItTook) {
     });
     std::printf("%d locks: %td to %td descriptors, %zu to %zu kB of its own\n", locks,
                 before.descriptors, after.descriptors, before.ownKilobytes, after.ownKilobytes);
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they keep what was freed
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they keep freed memory
     EXPECT_LE(after.ownKilobytes, before.ownKilobytes + 1024);
 #endif
 }

@@ -15,7 +15,7 @@ namespace {
 
 class HostileHost : public testing::Test {
 protected:
-    // Serves the real ports from this process. The answer to a request for the state is any bytes.
+    // Serves the real ports from this process. It answers a request for the state with any bytes.
     HostileHost() {
         session.folder().write("data/" + std::string{kAppGroup} + "/ipc-secret",
                                std::string(32, 's'));
@@ -38,8 +38,7 @@ protected:
         ports.push_back(open(name, std::move(handler)));
         threads.emplace_back([served = ports.back().get()] { served->run(); });
     }
-    // Sets the answer. Returns when the add-on has handled one such answer, because it has asked
-    // again since.
+    // Sets the answer. Returns when the add-on has asked again, and so has handled one such answer.
     bool answerWith(Bytes bytes) {
         {
             const std::lock_guard lock{mutex};

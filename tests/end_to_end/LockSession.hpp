@@ -24,13 +24,13 @@ struct CardOnScreen {
     xcb_window_t window = XCB_WINDOW_NONE;
     Rect frame;  // root pixels, shadow margin included
 
-    // The middle of a control, at scale 1.
+    // The centre of a control, at scale 1.
     Point middleOf(const Rect& control) const {
         return {frame.x + 52 + control.midX(), frame.y + 52 + control.midY()};
     }
 };
 
-// What a process holds of the system.
+// The system resources that a process holds.
 struct Holdings {
     std::ptrdiff_t descriptors = 0;
     std::ptrdiff_t threads = 0;
@@ -101,7 +101,7 @@ public:
         return {window, probe.frame(window)};
     }
 
-    // Waits until the area shows more than the lock screen's one colour.
+    // Waits until the area shows more than the lock screen's single colour.
     static bool isDrawnOn(const X11Client& probe, const Rect& area) {
         return eventually([&] {
             const auto pixels = Screenshot::take(probe.connection(), area).pixels;

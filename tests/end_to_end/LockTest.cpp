@@ -43,7 +43,7 @@ TEST(EndToEndUnseen, ABlankedScreenGetsNoFrameAndOneWhenItIsLit) {
     xcb_force_screen_saver(probe.connection(), XCB_SCREEN_SAVER_ACTIVE);
     probe.sync();
     const auto look = [&] { return Screenshot::take(probe.connection(), area); };
-    // What was being drawn when the screen went dark is drawn by the first change of track.
+    // The first change of track draws what was pending when the screen went dark.
     ASSERT_TRUE(addOn.says("state: track changed"));
     const Screenshot dark = look();
     for (int track = 0; track < 2; ++track) ASSERT_TRUE(addOn.says("state: track changed"));

@@ -24,7 +24,7 @@ protected:
                                 "--script=/usr/lib/mpv-mpris/mpris.so", inMusic("one.flac"),
                                 inMusic("two.flac")});
         host = session.startHost({"--player", "mpris"});
-        // The add-on hears of no change before its connection to the bus is made.
+        // The add-on receives no changes before its connection to the bus is made.
         EXPECT_TRUE(eventually([&] { return runHost("status").find("Still Water") != kNone; }));
         addOn = session.startAddOn();
     }
@@ -146,7 +146,7 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     EXPECT_EQ(ask("status"), "Paused\n") << "this was no unlock";
 }
 
-// A player that needs a terminal, has no artwork, and keeps its volume to itself.
+// A player that needs a terminal, has no artwork, and does not report its volume.
 TEST(SecondRealPlayer, StandsOnTheCardAndObeysIt) {
     LockSession session;
     session.folder().write("config/cmus/rc", "set output_plugin=ao\nset dsp.ao.driver=null\n");

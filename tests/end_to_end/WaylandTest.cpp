@@ -36,7 +36,7 @@ protected:
                                            "XDG_SESSION_TYPE=wayland", "XDG_CURRENT_DESKTOP=KDE"});
         return variables;
     }
-    // Without a GPU, and with a password of the test's own.
+    // Without a GPU, and with the test's own password.
     void startCompositor() {
         const TemporaryFolder& folder = session.folder();
         // A copy has no file capability, which containers refuse.
@@ -141,7 +141,7 @@ TEST_F(EndToEndWayland, TheCardStandsAboveTheLockScreenUntilThePasswordIsTyped) 
     for (int i = 0; i < 10; ++i) xdotool({"mousemove", std::to_string(900 + i), "1000"});
     EXPECT_TRUE(eventually([&] { return isCardSeen(); })) << addOn.log();
     EXPECT_EQ(surfaceProcesses(), 1);
-    EXPECT_FALSE(hasLoaded("libxcb-composite.so")) << "Cairo loads some of X11's, the card none";
+    EXPECT_FALSE(hasLoaded("libxcb-composite.so")) << "only Cairo loads libraries of X11";
     const PlayerGeometry geometry = PlayerGeometry::make(true, false);
     const Point next = card.middleOf(geometry.next);
     xdotool({"mousemove", std::to_string(int(next.x)), std::to_string(int(next.y))});
@@ -168,7 +168,7 @@ TEST_F(EndToEndWayland, AStoppedOrKilledAddOnLeavesNoCard) {
     addOn.process().signal(SIGSTOP);
     EXPECT_TRUE(isGoneInTime());
     addOn.process().signal(SIGCONT);
-    EXPECT_TRUE(addOn.says("screens changed")) << "the lock goes on, and the card comes back";
+    EXPECT_TRUE(addOn.says("screens changed")) << "the lock continues, and the card returns";
     EXPECT_TRUE(eventually([&] { return isCardSeen(); })) << addOn.log();
     addOn.process().end(SIGKILL);
     EXPECT_TRUE(isGoneInTime());

@@ -1,4 +1,4 @@
-// Writes the seeds of every fuzz target, a folder each, below the folder that is named.
+// Writes the seeds of each fuzz target to a subfolder of the given folder.
 #include <filesystem>
 #include <fstream>
 

@@ -25,7 +25,7 @@ void check(bool holds, const char* promise) {
     std::abort();
 }
 
-// What was read can be written, and is the same when it is read again.
+// A decoded record can be encoded, and decodes to the same record again.
 template <typename Record>
 void readRecord(ByteView input) {
     const auto record = XPCCodableHelpers::decode<Record>(input);
@@ -39,7 +39,7 @@ void readRecord(ByteView input) {
 void readConfiguration(ByteView input) { readRecord<LockScreenAddOnConfiguration>(input); }
 void readHello(ByteView input) { readRecord<LockScreenAddOnHello>(input); }
 
-// The decoder that remembers the last artwork agrees with the one that remembers nothing.
+// The decoder that remembers the last artwork agrees with one that remembers none.
 void readPlayerState(ByteView input) {
     readRecord<QuorvanePlayerState>(input);
     const auto expected = XPCCodableHelpers::decode<QuorvanePlayerState>(input);
@@ -107,7 +107,7 @@ void readURL(ByteView input) {
         check(path->is_absolute(), "a file's place is absolute");
 }
 
-// A value from outside never makes a second line, nor anything that a terminal would obey.
+// An untrusted value adds no line end and no terminal control sequence to a log line.
 void renderLogLine(ByteView input) {
     const std::string_view text = textOf(input);
     const LogArgument arguments[] = {text, text, double(input.size())};

@@ -1,5 +1,5 @@
-// Everything that reads what others wrote: one function each, fed with any bytes. A broken promise
-// ends the process.
+// Every parser of untrusted input: one function each, called with any bytes. A broken promise ends
+// the process.
 #pragma once
 
 #include <span>

@@ -1,5 +1,5 @@
-// A short run of every fuzz target with a generator of its own, so that each test run tries new
-// inputs; docs/reliability.md tells of the long runs with a coverage-guided one.
+// A short run of every fuzz target with random inputs, so that each test run tries new ones.
+// docs/reliability.md describes the long, coverage-guided runs.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -16,7 +16,7 @@ std::size_t below(std::mt19937& random, std::size_t bound) {
     return bound == 0 ? 0 : random() % bound;
 }
 
-// One of the changes that readers stumble over.
+// One of the changes on which parsers fail.
 void change(std::string& text, std::mt19937& random) {
     static constexpr std::string_view kPieces[] = {
         "\"",    "\\",   "{",           "}",       "[",
@@ -40,7 +40,7 @@ TEST(Fuzz, EveryTargetKeepsItsPromises) {
     const unsigned number = std::random_device{}();
     std::mt19937 random{number};
     for (const FuzzTarget& target : fuzzTargets()) {
-        // Also seen when a target ends the process.
+        // Printed first, because a target may end the process.
         std::printf("%s, seed %u\n", target.name.data(), number);
         std::fflush(stdout);
         for (const std::string_view seed : target.seeds) target.read(bytesOf(seed));
@@ -49,7 +49,7 @@ TEST(Fuzz, EveryTargetKeepsItsPromises) {
             std::string text{target.seeds[below(random, target.seeds.size())]};
             for (std::size_t changes = 1 + below(random, 4); changes > 0; --changes)
                 change(text, random);
-            // In memory of its own size, so that reading past its end is noticed.
+            // In an allocation of its exact size, so that a read past its end is detected.
             target.read(copyOf(bytesOf(text)));
         }
     }

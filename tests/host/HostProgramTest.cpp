@@ -89,9 +89,9 @@ TEST_F(HostProgramTest, TellsOfALockFromALockersReadinessToItsEnd) {
     EXPECT_TRUE(becomes(false));
     LoggedProcess late{{HOST_PROGRAM, "lock", "--", "sh", "-c", "exec sleep 60 >/dev/null 2>&1"},
                        environment()};
-    EXPECT_TRUE(becomes(true)) << "a locker that says nothing is ready after a while";
+    EXPECT_TRUE(becomes(true)) << "a locker that reports nothing counts as ready after a while";
     late.process().end(SIGKILL);
-    EXPECT_TRUE(becomes(false)) << "nobody could tell of the unlock";
+    EXPECT_TRUE(becomes(false)) << "a killed command cannot report the unlock";
     EXPECT_EQ(run({"lock", "--", "sh", "-c", "exit 7"}, 7), "");
 }
 

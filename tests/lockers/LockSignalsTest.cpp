@@ -8,8 +8,8 @@
 namespace quorvane {
 namespace {
 
-// Who only counts the notices knows the state at any time, whatever the history, unless a lock
-// screen can no longer be seen: that is no unlock.
+// A receiver that only follows the notices always knows the state, after any history. The exception
+// is a lock screen that can no longer be observed, because that is not an unlock.
 TEST(LockSignals, NeverRepeatOrContradict) {
     const auto stateOf = [](int bits) {
         return LockSignals{(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0};
@@ -22,7 +22,7 @@ TEST(LockSignals, NeverRepeatOrContradict) {
             const bool isOfLock = notice == kScreenIsLocked || notice == kScreenIsUnlocked;
             const bool next = notice == kScreenIsLocked || notice == kScreenLockUIIsShown;
             EXPECT_NE(std::exchange(isOfLock ? isLocked : isShown, next), next) << notice;
-            EXPECT_TRUE(isLocked || !isShown) << "a lock's face on an open screen";
+            EXPECT_TRUE(isLocked || !isShown) << "the lock's UI is shown on an unlocked screen";
         }
         const bool isKept = before.hasLockerWindow && after.isBlind;
         EXPECT_EQ(isLocked, after.isLocked() || isKept);

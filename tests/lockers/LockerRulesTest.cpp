@@ -11,7 +11,7 @@ constexpr Rect kAll{0, 0, 1824, 768};
 
 WindowFacts window(std::uint32_t number, const Rect& frame, const char* instance = "",
                    const char* name = "") {
-    // As the server numbers them: windows of one client share the upper digits.
+    // With the server's numbering: windows of one client share the upper digits.
     return {.window = number,
             .client = number & ~0xffu,
             .frame = frame,
@@ -57,7 +57,7 @@ TEST(LockerRules, KnowLockersByTheirClass) {
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(std::string{each.instance} + "/" + each.name);
-        // The keyboard tells nothing of a known one: i3lock is up before it has it.
+        // The keyboard does not matter for a known locker: i3lock's window precedes its grab.
         for (const auto keyboard : {KeyboardHold::unknown, KeyboardHold::isFree}) {
             const auto lockers =
                 findLockers(facts({window(0x101, kAll, each.instance, each.name)}, keyboard));
@@ -102,7 +102,7 @@ TEST(LockerRules, AskMoreOfUnknownClients) {
     EXPECT_EQ(found(facts({ordinary, left, right}, held)), Numbers{0x102});
     EXPECT_EQ(found(facts({left, right, ordinary}, held)), (Numbers{0x101, 0x102}));
     ordinary.isOfDesktop = false;
-    ordinary.isOverrideRedirect = false;  // a window that nobody frames
+    ordinary.isOverrideRedirect = false;  // a window without a frame
     EXPECT_EQ(found(facts({ordinary, left, right}, held)), Numbers{0x102});
     ordinary.isMapped = false;
     EXPECT_EQ(found(facts({ordinary, left, right}, held)), (Numbers{0x101, 0x102}));
@@ -114,13 +114,13 @@ TEST(LockerRules, AskMoreOfUnknownClients) {
     game.isMapped = game.isOverrideRedirect = false;
     EXPECT_EQ(found(facts({left, right, game}, held)), (Numbers{0x101, 0x102}));
     game.wasShown = true;
-    EXPECT_EQ(found(facts({left, right, game}, held)), Numbers{}) << "it hides its usual window";
+    EXPECT_EQ(found(facts({left, right, game}, held)), Numbers{}) << "an ordinary window is hidden";
     WindowFacts viewer = window(0x101, kAll);
     viewer.isOfManaged = true;
     EXPECT_EQ(found(facts({viewer}, held)), Numbers{});
 
     EXPECT_EQ(found(facts({window(0x501, kAll, "slop", "slop")}, held)), Numbers{})
-        << "somebody picks an area for a screenshot";
+        << "a selection of an area for a screenshot";
     WindowFacts output = window(0x401, kAll);
     output.isOfDesktop = true;
     EXPECT_EQ(found(facts({output}, held)), Numbers{}) << "the compositor's own";
@@ -166,9 +166,9 @@ TEST(LockerRules, TellABlankScreenFromALockedOne) {
     saver.screenSaverIsLocked = true;
     EXPECT_EQ(found(saver), (Numbers{0x102, 0x101}));
     EXPECT_GT(findLockers(saver).front().prompt.height, 190);
-    saver.keyboard = KeyboardHold::unknown;  // it was locked before anybody listened
+    saver.keyboard = KeyboardHold::unknown;  // locked before the watcher started
     EXPECT_EQ(found(saver), (Numbers{0x102, 0x101}));
-    saver.keyboard = KeyboardHold::isFree;  // its guard has ended
+    saver.keyboard = KeyboardHold::isFree;  // the process that guards the screen has ended
     EXPECT_EQ(found(saver), Numbers{});
 
     LockFacts fading = facts({window(0x103, kAll), hidden}, KeyboardHold::isHeld);

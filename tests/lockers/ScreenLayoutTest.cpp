@@ -1,4 +1,4 @@
-// Screens as a lock shows them, and the areas on them that no card may cover.
+// Screens during a lock, and the areas on them that no card may cover.
 #include "lockers/ScreenLayout.hpp"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@ namespace quorvane {
 namespace {
 
 TEST(ScreenLayout, MeasuresInPoints) {
-    // 1366 pixels are no whole number of points at one and a half.
+    // 1366 pixels are not a whole number of points at a scale of 1.5.
     for (const double scale : {1.0, 1.25, 1.5, 2.0, 2.75}) {
         const ScreenLayout layout{{{0, 0, 1366, 768}, {1366, 0, 2560, 1440}}, scale};
         const auto screens = layout.screens({});
@@ -89,14 +89,14 @@ TEST(KeepClearZones, HoldThePromptsAndNotThePictures) {
     EXPECT_EQ(keepClearZones(locked), (Zones{{865, 445, 190, 190}, message, dialog}));
 }
 
-// So that a card does not move each time a prompt opens and closes.
+// A card must not move each time a prompt opens and closes.
 TEST(KeepClearZones, KeepThePlaceOfThePromptsSeen) {
     LockScene locked = scene({{kLeft, kRing, {{760, 480, 390, 100}, {10, 10, 100, 100}}}});
     locked.lastPrompt = promptsSeen(locked);
     EXPECT_EQ(locked.lastPrompt, (Size{400, 120})) << "about the middle, (960, 540)";
     locked.lockers.front().children = {{900, 440, 120, 120}, {100, 200, 1700, 850}};
     locked.lastPrompt = promptsSeen(locked);
-    EXPECT_EQ(locked.lastPrompt, (Size{400, 200})) << "what leaves no room is not remembered";
+    EXPECT_EQ(locked.lastPrompt, (Size{400, 200})) << "too large a window is not remembered";
     locked.lockers.front().children.clear();
     EXPECT_EQ(keepClearZones(locked), (Zones{{760, 440, 400, 200}}));
 }

@@ -1,4 +1,4 @@
-// Which Wayland sessions show a card, and what it keeps clear of there.
+// Which Wayland sessions show a card, and which areas it keeps clear of there.
 #include <gtest/gtest.h>
 
 #include "lockers/GreeterZones.hpp"
@@ -50,7 +50,7 @@ TEST(WaylandSessions, SayWhatTheUserMustDo) {
         EXPECT_NE(waylandAdvice("Hyprland", version)->find(words), std::string::npos) << version;
 }
 
-// Seen on Plasma 5.27.
+// Measured on Plasma 5.27.
 TEST(GreeterZones, HoldWhatPlasmaShows) {
     constexpr Rect kSmall{0, 0, 1280, 800};
     constexpr Rect kMiddle{0, 0, 1366, 768};

@@ -31,7 +31,7 @@ class System(Foundation):
         self.shared("NSWorkspace").fields["accessibilityDisplayShouldReduceMotion"] = False
 
     def start(self, scenario):
-        """The process from its start to its end; the scenario is what happens while the application runs."""
+        """Runs the process from its start to its end; the scenario runs inside the application's loop."""
         self.scenario = scenario
         words = [f"{BUNDLE}/Contents/MacOS/Quorvane Lock Screen", *self.options]
         places = [self.place(word.encode() + b"\0") for word in words]
@@ -87,7 +87,7 @@ class System(Foundation):
         return point[0] - left, height - (point[1] - bottom) if is_flipped else point[1] - bottom
 
     def mouse(self, window, kind, x, y):
-        """A window that ignores the mouse gets no press. It gets what follows a press that it got."""
+        """A window that ignores the mouse receives no press. It receives the events that follow its own press."""
         self.pointer = (window.fields["frame"][0] + x, window.fields["frame"][1] + y)
         if kind == DOWN:
             self.gets_mouse = not window.fields["ignoresMouseEvents"]
@@ -118,7 +118,7 @@ class System(Foundation):
         return window
 
     def send_event(self, window, event):
-        """The topmost view under the pointer that takes the first click gets the press and what follows."""
+        """The topmost view under the pointer that takes the first click receives the press and the events that follow it."""
         if event.fields["type"] == DOWN:
             x, y = event.fields["locationInWindow"]
             self.pressed = None
@@ -129,7 +129,7 @@ class System(Foundation):
         view = self.pressed
         if view:
             self._sent(view, MOUSE[event.fields["type"]], event)
-        for each in (window, view):  # the system goes on using both
+        for each in (window, view):  # the system still uses both
             if each and each.address not in self.things:
                 raise Fault(f"{each.name} is deallocated while it handles an event")
 
@@ -145,7 +145,7 @@ class System(Foundation):
         return view
 
     def frame_on_screen(self, view, frame):
-        """Of a part of a flipped view."""
+        """The place on the screen of a part of a flipped view."""
         left, bottom, _, height = self.frame_in_window(view)
         at = next(window for window in self.windows if view in self.views(window)).fields["frame"]
         return at[0] + left + frame[0], at[1] + bottom + height - frame[1] - frame[3], frame[2], frame[3]
@@ -285,7 +285,8 @@ EFFECTS = {
     "CGImageGetHeight": lambda s, image: s.picture[1],
     "CGAffineTransformMakeScale": lambda s, x, y: doubles(x, 0, 0, y, 0, 0),
 }
-# What only has a note, what gives an object's value, what makes an object of a value.
+# Calls that only add a note, calls that return an object's value, and calls that make an object of
+# a value.
 NOTED = [
     "NSProcessInfo endActivity:", "NSDistributedNotificationCenter postNotificationName:object:userInfo:deliverImmediately:",
     "NSView layout", "NSView viewDidChangeBackingProperties", "NSView addTrackingArea:", "NSView setNeedsDisplayInRect:",

@@ -1,4 +1,4 @@
-"""What platform/macos/sdk/ says of the system's classes and functions: how arguments and results are passed."""
+"""The system's classes and functions as platform/macos/sdk/ declares them: how arguments and results are passed."""
 
 import re
 from collections import namedtuple
@@ -16,7 +16,7 @@ ROOT = {"init": "@", "class": "@", "isKindOfClass:": "B@"}  # what NSObject itse
 
 
 # A declared method, property's accessor or function: the kinds of its result and arguments, whether the caller owns the result,
-# the class of the result, the property, and whether the object holds what the property is set to, and whether that is never.
+# the class of the result, the property, whether the object holds the property's value, and whether the property is read-only.
 Member = namedtuple("Member", "name result arguments is_owned made property is_held is_fixed", defaults=(False, "", "", False, False))
 
 
@@ -73,7 +73,7 @@ class Declared:
             self.members[found.owner, "class" in attributes, selector] = member
 
     def member(self, owner, is_class, selector):
-        """A class's own, or that of a protocol which it adopts."""
+        """A member of the class, or of a protocol that it adopts."""
         adopted = re.search(r"<([\w, ]+)>$", self.classes.get(owner, ""))
         for each in (owner, *(re.findall(r"\w+", adopted.group(1)) if adopted else ())):
             if found := self.members.get((each, is_class, selector)):

@@ -16,7 +16,7 @@ PORT = "group.example.quillon.Quorvane.messageport"
 
 class Foundation(Library):
     def __init__(self, bundle, effects, documented, secret, answers, program):
-        """The answers are the main application's, by message."""
+        """`answers` holds the main application's answers, by message."""
         self.answers, self.ports, self.has_main_application = answers, {}, True
         self.while_waiting = lambda: None  # what happens while a request waits for its answer
         self.domains, self.observers, self.copies = {}, [], []
@@ -38,7 +38,7 @@ class Foundation(Library):
             return self.release(thing)
 
     def end_data(self, data):
-        """What outgrows its capacity is copied, and the first copy is not wiped."""
+        """Data that outgrows its capacity is copied, and the first copy is not wiped."""
         self.check_wiped(self.read(data.buffers[0], len(data.value)) if data.buffers else bytes(data.value))
         if data.fields["capacity"] != len(data.value):
             raise Fault(f"{len(data.value)} bytes of data with room for {data.fields['capacity']}")
@@ -116,7 +116,7 @@ class Foundation(Library):
         self.observers.append((center, name.value, observer, deliver))
 
     def post(self, name, user_info=None):
-        """A notice of the system, which every observer of that name gets."""
+        """Posts a notice of the system to every observer of that name."""
         found = [deliver for _, each, _, deliver in self.observers if each == name]
         if not found:
             raise Fault(f"nothing observes {name}")

@@ -1,4 +1,4 @@
-"""What quorvane-host asks of the system beyond the add-on: threads, run loops, served ports, files to write, the launcher.
+"""The system functions that only quorvane-host uses: threads, run loops, served ports, files to write, the launcher.
 
 One thread runs at a time. A wait lets the others run.
 """
@@ -31,7 +31,7 @@ class Host(System):
     # Threads
 
     def switch(self):
-        """Lets the next thread run. This one goes on when each has run until it waits."""
+        """Lets the next thread run. This one continues when each has run until it waits."""
         here = self.thread
         at = self.threads.index(here)
         following = next((each for each in self.threads[at + 1 :] + self.threads[:at] if not each.has_ended), None)
@@ -102,7 +102,7 @@ class Host(System):
         return 4  # kCFRunLoopRunHandledSource
 
     def turn(self, loop):
-        """What has become due; for the main thread the scenario first."""
+        """Runs what is due; on the main thread, the scenario first."""
         if self.thread is self.threads[0]:
             self.settle()
             scenario, self.scenario = self.scenario, lambda mac: mac.pass_time(0.05)
@@ -150,7 +150,7 @@ class Host(System):
         return 0
 
     def open_folder(self, path):
-        """The number of a list of what is still to be read."""
+        """Returns the number of a list of the entries still to be read."""
         path = self.text_at(path) + "/"
         names = {each[len(path) :].split("/")[0] for each in self.files if each.startswith(path)}
         if not names:

@@ -1,4 +1,4 @@
-"""The C library, queues, timers and the log, for an emulated program. Nothing happens by itself: a scenario moves the clock."""
+"""The C library, queues, timers and the log, for an emulated program. Only the scenario moves the clock."""
 
 import math
 import re
@@ -49,7 +49,7 @@ class Library(Runtime):
             self.release(block)
 
     def settle(self):
-        """Runs what waits in queues, until nothing does."""
+        """Runs the actions in all queues until the queues are empty."""
         while waiting := next((queue for queue in self.queues if queue.value), None):
             self.drain(waiting)
 
@@ -63,7 +63,7 @@ class Library(Runtime):
         self.settle()
 
     def pass_time(self, seconds):
-        """Fires the timers and ends the fades that fall due, each at its time."""
+        """Fires the timers and ends the fades that are due, each at its time."""
         end = self.now + round(seconds * SECOND)
         self.settle()
         while True:
@@ -109,7 +109,7 @@ class Library(Runtime):
 
     def end_source(self, source):
         if "is_active" not in source.fields:
-            raise Fault("a source is released that was never activated")
+            raise Fault("a source that was never activated is released")
         self.sources.remove(source)
 
     def cancel_source(self, source):
@@ -143,7 +143,7 @@ class Library(Runtime):
 
     def check_wiped(self, content):
         if self.secret in content:
-            raise Fault("memory is freed that holds the secret")
+            raise Fault("memory that holds the secret is freed")
 
     def reallocated(self, old, size):
         address = self.allocate(size, content=self.read(old, min(size, self.blocks[old])) if old else b"")
@@ -250,7 +250,7 @@ EFFECTS = {
 }
 EFFECTS |= {f"pthread_{what}": lambda s: 0 for what in ("mutex_lock", "mutex_unlock", "mutex_destroy", "cond_broadcast")}
 EFFECTS |= dict.fromkeys(("pthread_self", "pthread_mach_thread_np"), lambda s: 1)
-# What changes nothing that can be seen, or is asked for again and again.
+# Classes and calls without visible effects, or with many repeated calls.
 QUIET = {
     "NSString", "NSMutableArray", "NSMutableDictionary", "NSMutableData", "NSAttributedString", "NSObject", "CFRelease", "_os_log_impl",
     "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:", "NSFileManager fileExistsAtPath:",

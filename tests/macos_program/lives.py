@@ -1,4 +1,4 @@
-"""The lives of the add-on and of quorvane-host: what happens while each runs, and what must be so afterwards."""
+"""The lives of the add-on and of quorvane-host: the events while each runs, and the expected state afterwards."""
 
 import re
 from pathlib import Path
@@ -14,12 +14,13 @@ NEXT = 324.0, 128.0  # the next track's symbol in its window
 NEW = "/Volumes/New/Quorvane Lock Screen.app"
 RANGE = ("Value", "MinValue", "MaxValue", "ValueDescription")
 ELEMENTS = {"CardControlElement": ("Value",), "CardButtonElement": (), "CardProgressElement": RANGE, "CardSliderElement": RANGE}
-# What is alive when `main` has returned: the handlers of SIGTERM and SIGINT, and the log that the first needs.
+# Objects alive when `main` has returned: the handlers of SIGTERM and SIGINT, and the log that the
+# first one needs.
 KEPT = {"OS_dispatch_source": 2, "Block": 2, "OS_os_log": 4}
 
 
 def sample(name, start):
-    """A text of the records' tests, which compare it with what the project's encoder writes."""
+    """A text from the records' tests, which compare it with the project's encoder."""
     text = (ROOT / "tests/QuorvaneKit/records" / name).read_text(encoding="utf-8")
     at = text.index(start)
     return "".join(re.findall(r'R"\((.*?)\)"', text[at : text.index(";\n", at)])).encode()
@@ -38,7 +39,7 @@ def expect(condition, what):
 
 
 def launch(mac):
-    """An older copy gives way. The main application restarts. The installer is answered and obeyed."""
+    """An older copy is asked to quit. The main application restarts. The add-on answers and obeys the installer."""
     mac.add_copy(3000, 20.0, is_terminated=True)
     older = mac.add_copy(4000, 50.0)
     mac.pass_time(9.9)
@@ -65,7 +66,7 @@ def launch(mac):
 
 
 def lock(mac):
-    """One lock is compared in all it does. Of two more, the second must leave nothing behind that was not there before."""
+    """Compares all calls of one lock. Of two more locks, the second must leave no additional objects."""
     mac.pass_time(0)
     one_lock(mac, show)
     mac.note("-- the machine wakes, locked")
@@ -94,14 +95,14 @@ def click(mac, window):
 
 
 def press(mac, window):
-    """By an assistive technology."""
+    """Uses the card as an assistive technology does."""
     elements = [each for each in mac.things.values() if each.cls.name == "CardButtonElement"]
     button = next(each for each in elements if each.fields["accessibilityLabel"].value == "Next Track")
     mac.send(button, "accessibilityPerformPress")
 
 
 def unlock_in(mac, click):
-    """A click reconnects to the main application. While that waits, the screen is unlocked and the window closed."""
+    """A click reconnects to the main application. While the request waits, the screen is unlocked and the window closed."""
     window = mac.windows[0]
     mac.pass_time(0.5)
     mac.end_main_application()
@@ -226,7 +227,7 @@ def frame(mac):
 
 
 def pictures(mac):
-    """Of sizes that are drawn and not drawn."""
+    """Draws pictures of valid and invalid sizes."""
     mac.pass_time(0)
 
     def draw(mac):
@@ -252,7 +253,7 @@ def removed(mac):
     expect(not any(mac.domains.values()), "preferences are left")
 
 
-LIVES = {  # name: options, what happens while it runs, what must be so afterwards; the long ones last
+LIVES = {  # name: options, the events while it runs, the expected state afterwards; the long ones last
     "SIGTERM": ([], terminated, None),
     "frame": ([], frame, None),
     "uninstall": (["--uninstall"], uninstall, removed),
@@ -266,7 +267,7 @@ LIVES = {  # name: options, what happens while it runs, what must be so afterwar
 
 
 def serve(mac):
-    """The host's ports answer those who have the secret, which it makes first."""
+    """The host makes the secret. Its ports answer only requests with it."""
     mac.pass_time(1)
     for port, number, body in (("", 1, SECRET), ("", 1, SECRET[::-1]), (".query.2", 14, SECRET + HELLO), (".query.0", 1, SECRET)):
         mac.note(f"request {number} to {port}: {mac.ask_port(PORT + port, number, body)}")
@@ -274,7 +275,7 @@ def serve(mac):
 
 
 def install(mac):
-    """Over an older bundle and the remains of an attempt. The add-on that it starts reports itself."""
+    """Installs over an older bundle and the remains of an earlier attempt. The started add-on reports its status."""
     mac.pass_time(0.5)
     status = "example.quillon.Quorvane.LockScreenAddOn.status"
     if any(name == status for _, name, *_ in mac.observers):

@@ -10,7 +10,7 @@ from program import WORD, Fault
 
 
 class Runtime(Objects):
-    """`effects` is the table of them, `quiet` names classes and calls that are not noted in the transcript."""
+    """`effects` is the table of effects; `quiet` names classes and calls that are not noted in the transcript."""
 
     def __init__(self, path, effects, quiet):
         self.quiet = quiet
@@ -67,7 +67,7 @@ class Runtime(Objects):
             if effect is None and member and member.property:
                 effect = self._accessor(member, is_class and each.name)
             if effect and member:
-                # A question is not noted, only what changes something.
+                # A query is not noted, only a call that changes something.
                 is_question = member.result not in ("", "B") and not member.is_owned or member.property and not member.arguments
                 is_quiet = is_question or not self.quiet.isdisjoint((each.name, f"{each.name} {selector}"))
                 return lambda thing: self._run_method(thing, member, effect, is_class, is_quiet)
@@ -86,7 +86,7 @@ class Runtime(Objects):
         self.set_result(member.result, value)
 
     def _accessor(self, member, owner):
-        """A property keeps what it is set to. An object that it must have is made when it is asked for, once for a class."""
+        """A property keeps the value that is set. An unset object is made at the first read; a class's shared object is made once."""
         if member.made == owner:
             return lambda _, cls: self.shared(cls.name)
         if member.arguments:
@@ -177,7 +177,7 @@ class Runtime(Objects):
         return create
 
 
-# What compiled code calls by itself.
+# Functions that compiled code calls implicitly.
 
 
 def send_super(s):

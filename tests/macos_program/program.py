@@ -68,7 +68,7 @@ class Program:
         return data.split(b"\0")[0].decode("utf-8")
 
     def allocate(self, size, alignment=16, content=b""):
-        """Memory that is never allocated a second time, so that a use after its end is seen."""
+        """Memory that is never allocated a second time, so that a use after its end is detected."""
         address = self.heap_top + alignment - 1 & -alignment
         self.heap_top = address + size + 31 & -16
         if self.heap_top > HEAP + SIZES[HEAP]:
@@ -143,7 +143,7 @@ class Program:
             address = effect() or back
 
     def add_exit(self, name, effect):
-        """An address whose two instructions name the effect and leave. The effect returns where to go on, if not back."""
+        """An address whose two instructions name the effect and leave. The effect returns the next address, or 0 to return."""
         number = len(self.exits)
         self.exits.append((name, effect))
         address = EXITS + 8 + 8 * number

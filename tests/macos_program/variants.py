@@ -1,4 +1,4 @@
-"""Lives in which some of the system's calls fail, or answer something odd."""
+"""Lives in which some of the system's calls fail or return unusual values."""
 
 
 def refuse(code):
@@ -10,7 +10,7 @@ def answer(value):
 
 
 def reply(body):
-    """The main application's to a request for the state."""
+    """The main application's answer to a request for the state."""
 
     def send(mac, *arguments):
         mac.answers[1] = body
@@ -38,7 +38,7 @@ def stored(**values):
 FOLDER = "NSFileManager createDirectoryAtURL:withIntermediateDirectories:attributes:error:"
 PLIST = "NSPropertyListSerialization propertyListWithData:options:format:error:"
 REMOVE = "NSFileManager removeItemAtURL:error:"
-VARIANTS = {  # name: the life that differs, the effects that do
+VARIANTS = {  # name: the life that it varies, the effects that differ
     "no container": ("SIGTERM", {FOLDER: refuse(513)}),
     "nothing to read": ("SIGTERM", {"NSData dataWithContentsOfURL:options:error:": refuse(260)}),
     "no suite": ("launch", {"NSUserDefaults initWithSuiteName:": lambda mac, defaults, name: mac.release(defaults)}),

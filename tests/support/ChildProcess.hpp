@@ -1,4 +1,4 @@
-// A real program started by a test, gone with the test at the latest.
+// A real program that a test starts, ended with the test at the latest.
 #pragma once
 
 #include <poll.h>
@@ -84,7 +84,7 @@ private:
     pid_t pid_ = -1;
 };
 
-// What other processes do a moment later: whether it is so within 20 s.
+// Waits for other processes: whether the condition holds within 20 s.
 inline bool eventually(const std::function<bool()>& condition) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds{20};
     while (!condition()) {

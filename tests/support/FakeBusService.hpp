@@ -1,4 +1,4 @@
-// A service on a private bus, played by the test itself over a connection of its own.
+// A service on a private bus, simulated by the test over its own connection.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -34,13 +34,14 @@ public:
     FakeBusService& operator=(const FakeBusService&) = delete;
 
     void requestName(const std::string& name) { sd_bus_request_name(bus_, name.c_str(), 0); }
-    // Detached it hangs, though its name is on the bus.
+    // A detached service hangs, although its name is on the bus.
     void attach(EventLoop& loop) { sd_bus_attach_event(bus_, loop.event(), 0); }
     void detach() { sd_bus_detach_event(bus_); }
     // The member of each call that came in.
     const std::vector<std::string>& calls() const { return calls_; }
 
-    // Returns when the bus has passed it on: signals of several services keep their order.
+    // Returns when the bus has forwarded the signal, so that signals of several services keep their
+    // order.
     template <typename... Arguments>
     void signal(const char* path, const char* interface, const char* member, const char* types,
                 Arguments... arguments) {

@@ -77,7 +77,7 @@ public:
     }
 
 private:
-    // A later fade ends the one that runs, whose completion still comes.
+    // A later fade ends the running one, whose completion is still called.
     void finishFade() {
         if (auto completion = std::exchange(state_->fadeCompletion, nullptr)) completion();
     }
@@ -85,7 +85,7 @@ private:
     std::shared_ptr<FakeWindowState> state_;
 };
 
-// One table of card windows, and all windows that it ever made.
+// One table of card windows, and every window that it has made.
 struct FakeCardWindows {
     std::vector<std::shared_ptr<FakeWindowState>> windows;
     std::vector<std::shared_ptr<FakeStage>> stages;
@@ -122,7 +122,7 @@ struct FakeCardWindows {
         });
         return standing;
     }
-    // Whether a person would see the card of an open window, fades having run to their end.
+    // Whether the card of an open window is visible once its fades have ended.
     bool isCardSeen(std::size_t place) const {
         const auto standing = open();
         if (place >= standing.size()) return false;
@@ -133,7 +133,7 @@ struct FakeCardWindows {
     }
 };
 
-// Screens that a test sets, and changes as it likes.
+// Screens that a test sets and changes.
 struct FakeScreens {
     std::vector<Screen> list;
     std::function<void()> changed;

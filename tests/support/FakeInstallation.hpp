@@ -1,4 +1,4 @@
-// The add-on's installation in memory: its login item, its files, the copies that run.
+// The add-on's installation in memory: its login item, its files, its running copies.
 #pragma once
 
 #include <algorithm>
@@ -16,13 +16,13 @@ struct FakeInstallation {
     static constexpr RunningCopy kMe{4711, ManualClock::kStart};
 
     std::int64_t loginItem = LoginItemClient::kEnabled;
-    // Each with its identifier; the folders that they lie in are there too.
+    // Each with its identifier; their parent folders exist too.
     std::map<std::filesystem::path, std::string> bundles;
     std::vector<RunningCopy> copies{kMe};  // this one last
     bool loginItemRefuses = false;
-    std::vector<std::int32_t> asked{};  // to quit
-    int calls = 0;                      // of what may fail
-    int failing = 0;                    // the number of the one that does
+    std::vector<std::int32_t> asked{};  // asked to quit
+    int calls = 0;                      // of operations that may fail
+    int failing = 0;                    // the number of the call that fails
 
     Installation table() {
         return {.loginItem = {.status = [this] { return loginItem; },

@@ -1,4 +1,4 @@
-// Both notice services inside one process: posts reach their observers at once.
+// Both notice services inside one process: posts reach their observers immediately.
 #pragma once
 
 #include <algorithm>
@@ -35,7 +35,7 @@ public:
                     }};
     }
 
-    // The number of observers that heard it.
+    // Returns the number of observers that received it.
     int deliver(const std::string& name, const PropertyDictionary& userInfo = {}) {
         int count = 0;
         for (const auto& [observed, weak] : std::vector{observers_})

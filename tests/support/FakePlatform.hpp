@@ -26,7 +26,7 @@ namespace quorvane {
 
 inline constexpr char kStateChanged[] = "example.quillon.Quorvane.playerStateChanged";
 
-// Which call of the operations that can fail does fail.
+// Which call of the operations that may fail does fail.
 struct Faults {
     int calls = 0;
     int failing = 0;         // the number of the call, from 1; 0: none
@@ -44,7 +44,7 @@ public:
     Bytes secret = Bytes(MessagePortWire::kSecretLength, std::byte{7});
     QuorvanePlayerState state;
     LockScreenAddOnConfiguration configuration{true, false, "1.0.0"};
-    bool lies = false;                  // its answers are no records
+    bool lies = false;                  // its answers are not records
     std::vector<std::string> commands;  // in order: "nextTrack", "volume 40"
     std::vector<LockScreenAddOnHello> hellos;
     int stateRequests = 0;
@@ -214,7 +214,7 @@ private:
         std::unique_ptr<RemotePort> port_;
     };
 
-    // Makes an operation return an empty value where it shall fail.
+    // Makes an operation return an empty value when it is to fail.
     template <typename Value, typename... Arguments>
     void spoil(std::function<Value(Arguments...)>& operation) {
         operation = [this, whole = operation](Arguments... arguments) {

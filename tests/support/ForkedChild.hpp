@@ -1,4 +1,4 @@
-// A part of a test in a process of its own, which tells the test lines of text.
+// A part of a test in a separate process, which sends the test lines of text.
 #pragma once
 
 #include <fcntl.h>
@@ -17,8 +17,8 @@ namespace quorvane {
 // Fork before the test has threads. The destructor kills what still runs.
 class ForkedChild {
 public:
-    // The body's argument sends a line to the test; its result is the exit status. What the child
-    // writes to standard error comes as lines too.
+    // The body's argument sends a line to the test; its result is the exit status. Lines that the
+    // child writes to standard error arrive too.
     using Say = std::function<void(const std::string& line)>;
 
     explicit ForkedChild(const std::function<int(const Say&)>& body) {

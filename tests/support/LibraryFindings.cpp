@@ -1,13 +1,13 @@
-// What the sanitizers find in the libraries that draw, which are not built with them. They look
-// these functions up by name.
+// Suppressions for the sanitizers' findings in the drawing libraries, which are not built with
+// them. The sanitizers look these functions up by name.
 
-// fontconfig keeps what it has read of the fonts until the process ends, unreachable by then.
+// fontconfig keeps its font data until the process ends, when it is unreachable.
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
 
-// Pango reads the fonts on a thread of its own; that it waits for that thread is not seen. Cairo
-// keeps small blocks for the next who asks, on whatever thread; that it does so atomically is not
-// seen either.
+// Pango reads the fonts on its own thread; the sanitizer does not detect that Pango waits for that
+// thread. Cairo keeps small blocks for later allocations on any thread; the sanitizer does not
+// detect that it does so atomically.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions() {
     return "race:libfontconfig.so\n"

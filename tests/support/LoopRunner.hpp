@@ -9,8 +9,8 @@
 
 namespace quorvane {
 
-// Runs the loop until the condition holds; false when it does not within the deadline, which only a
-// failing test reaches. The condition is looked at each time before the loop sleeps.
+// Runs the loop until the condition holds. False when the deadline passes first, as only in a
+// failing test. The condition is checked each time before the loop sleeps.
 inline bool runUntil(EventLoop& loop, const std::function<bool()>& isDone,
                      Duration deadline = std::chrono::seconds{20}) {
     if (isDone()) return true;
@@ -19,14 +19,14 @@ inline bool runUntil(EventLoop& loop, const std::function<bool()>& isDone,
         if (std::exchange(*isWaiting, false)) loop.quit(status);
     };
     const Handle check = loop.beforeSleep([&] {
-        // Posted: what is done before the sleep does not prevent it.
+        // Posted, because an action before the sleep does not prevent the sleep.
         if (isDone()) loop.mainThread().post([finish] { finish(0); });
     });
     const Timer late = loop.clock().after(deadline, [finish] { finish(1); });
     return loop.run() == 0;
 }
 
-// Handles what has come in, and what that has posted.
+// Handles pending events, and the actions that they post.
 inline void runOnce(EventLoop& loop) {
     for (int turn = 0; turn < 2; ++turn) {
         loop.mainThread().post([&loop] { loop.quit(0); });

@@ -25,9 +25,9 @@ public:
         return [this] { return kStart + elapsed_; };
     }
 
-    // Moves time forward and fires timers on the way, in order of their times, then of their
-    // making. A timer fires as late as its tolerance allows, or with an earlier one that cannot
-    // wait.
+    // Advances time and fires the timers that become due, in the order of their times, then of
+    // their creation. A timer fires as late as its tolerance allows, or with an earlier one that
+    // cannot wait.
     void advance(Duration duration) {
         const Duration end = elapsed_ + duration;
         while (pendingTimers() > 0 && nextWake() <= end) {

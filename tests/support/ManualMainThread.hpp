@@ -1,4 +1,4 @@
-// A main-thread queue that runs only when a test says so.
+// A main-thread queue that runs only when a test runs it.
 #pragma once
 
 #include <deque>
@@ -17,7 +17,7 @@ public:
         }};
     }
 
-    // Runs what is waiting, and what that posts in turn. The number of actions run.
+    // Runs the waiting actions, and those that they post in turn. Returns how many it ran.
     int run() {
         int count = 0;
         for (; const auto action = next(); ++count) action();

@@ -1,4 +1,4 @@
-// Serial queues whose actions run when a test says so, on the test's thread.
+// Serial queues whose actions run on the test's thread, when the test runs them.
 #pragma once
 
 #include <deque>
@@ -17,7 +17,7 @@ public:
         };
     }
 
-    // Asked for each action, when set: whether the system has no thread for it.
+    // Called for each action, when set: whether the system has no thread for it.
     std::function<bool()> refuses;
 
     // Runs the next action of the queue with this label; false when none waits.

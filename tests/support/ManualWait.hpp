@@ -1,4 +1,4 @@
-// Waits that pass only the time that a test lets pass.
+// Waits that end only when a test advances time.
 #pragma once
 
 #include <optional>
@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-// Any thread may wait; the test's thread moves time.
+// Any thread may wait; the test's thread advances time.
 class ManualWait final : public CancellableWait {
 public:
     // Blocks until this many threads wait.
@@ -16,7 +16,7 @@ public:
         std::unique_lock lock{mutex_};
         changed_.wait(lock, [&] { return waiters_.size() == count; });
     }
-    // Threads whose time is over no longer count as waiting when this returns.
+    // Threads whose deadline has passed no longer count as waiting when this returns.
     void advance(Duration duration) {
         const std::lock_guard guard{mutex_};
         elapsed_ += duration;
@@ -36,7 +36,7 @@ private:
     struct Waiter {
         Duration deadline;
         const Condition& isOver;
-        // By the test's time, because its thread may run only after a later change.
+        // Decided by the test's time, because the waiting thread may run only after a later change.
         std::optional<bool> wasInTime{};
     };
 

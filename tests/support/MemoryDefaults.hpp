@@ -1,4 +1,4 @@
-// User defaults in memory, their state open to tests.
+// User defaults in memory, whose state tests can read and change.
 #pragma once
 
 #include "platform/UserDefaults.hpp"

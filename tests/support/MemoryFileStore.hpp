@@ -1,4 +1,4 @@
-// The application group's files in memory, which a test may take away.
+// The application group's files in memory, which a test may remove.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ struct MemoryFileStore {
     std::map<std::filesystem::path, Bytes> files;
     std::optional<std::filesystem::path> container = "/container";
     std::optional<std::string> writeFailure{};
-    std::function<void()> beforeWrite{};  // another process at the same files
+    std::function<void()> beforeWrite{};  // simulates another process that changes the files
 
     FileStore table() {
         FileStore store;

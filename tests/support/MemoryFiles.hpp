@@ -1,4 +1,4 @@
-// Files in memory for what reads files that others name.
+// Files in memory, for readers of files that other programs name.
 #pragma once
 
 #include <map>

@@ -1,6 +1,6 @@
-// Message ports inside one process. Handlers run inside the send, on the sender's thread: those of
-// `serve` at once, so that a test of one thread can follow every step, those of a local port while
-// another thread runs it.
+// Message ports inside one process. Handlers run inside the send, on the sender's thread. Those of
+// `serve` run immediately, so that a single-threaded test can follow every step; those of a local
+// port run while another thread runs the port.
 #pragma once
 
 #include <condition_variable>
@@ -14,14 +14,14 @@
 
 namespace quorvane {
 
-// One behind the other.
+// The parts in order, as one body.
 inline Bytes joined(std::span<const ByteView> parts) {
     Bytes bytes;
     for (const ByteView part : parts) append(bytes, part);
     return bytes;
 }
 
-// A request's body as it arrives.
+// A request's body as the receiver sees it.
 inline Bytes framed(ByteView payload, ByteView secret) {
     return joined(std::array{secret, payload});
 }
@@ -38,10 +38,10 @@ public:
         bool awaitsReply;
         std::size_t replyMemory;  // its size
     };
-    // A send that found its port alive, in order; not those of local ports.
+    // The sends that found their port alive, in order; without those to local ports.
     std::vector<Sent> sent;
-    // Called inside each send to a port of `serve`, before it is answered: what a waiting send on
-    // the main thread may run. Taken out before it is called.
+    // Called inside each send to a port of `serve`, before it is answered. It simulates the actions
+    // that a waiting send on the main thread may run. Moved out before the call.
     std::function<void()> duringSend;
     // The status with which sends to a port of `serve` end in place of an answer.
     std::map<std::string, std::int32_t> failures;
@@ -70,7 +70,7 @@ public:
         if (remote == nullptr) return {.status = 999};
         return remote->send({.messageID = messageID, .body = body, .awaitsReply = true});
     }
-    // Dropping the handle is the server's death.
+    // Dropping the handle simulates the server's death.
     Handle serve(const std::string& name, PortHandler handler) {
         const auto port = std::make_shared<Port>(name, std::move(handler));
         port->state = Port::State::inside;
@@ -114,7 +114,7 @@ private:
         Remote(MemoryPorts& owner, std::shared_ptr<Port> port)
             : owner_(owner), port_(std::move(port)) {}
 
-        // This object may be destroyed inside.
+        // This object may be destroyed during the call.
         PortReply send(PortRequest request) override {
             const auto port = port_;
             MemoryPorts& owner = owner_;

@@ -1,4 +1,4 @@
-// A virtual X server of a test's own, on a display that nobody else uses.
+// A test's own virtual X server, on an unused display.
 #pragma once
 
 #include <fcntl.h>
@@ -15,7 +15,7 @@ namespace quorvane {
 
 class PrivateXServer {
 public:
-    // `geometry` is "1600x900x24". The display is "" when the server did not come up.
+    // `geometry` is "1600x900x24". The display is "" when the server did not start.
     explicit PrivateXServer(const std::string& geometry = "1600x900x24",
                             const std::vector<std::string>& more = {}) {
         int ends[2] = {-1, -1};
@@ -24,7 +24,7 @@ public:
                                            "-screen",  "0",          geometry,
                                            "-noreset", "-nolisten",  "tcp"};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        // It complains about every display that is taken.
+        // The server writes an error for every display that is taken.
         arguments.insert(arguments.begin(), {"sh", "-c", "exec \"$@\" 2>/dev/null", "sh"});
         process_ = ChildProcess{arguments, {}, ends[1]};
         close(ends[1]);
@@ -37,8 +37,8 @@ public:
     std::string environment() const { return "DISPLAY=" + display_; }
     ChildProcess& process() { return process_; }
 
-    // Adds a monitor of a new name; the first one that is primary takes the place of the server's
-    // own. Returns when the server has it.
+    // Adds a monitor with a new name; the first primary one replaces the server's own. Returns when
+    // the server has it.
     void setMonitor(const std::string& name, int width, int height, int x, int y,
                     bool isPrimary = false) {
         const auto part = [](int length) { return std::to_string(length) + "/100"; };
@@ -47,7 +47,7 @@ public:
              part(width) + "x" + part(height) + "+" + std::to_string(x) + "+" + std::to_string(y),
              isPrimary ? "screen" : "none"});
     }
-    // The root window's size, at most the one that the server began with; its output is off then.
+    // Sets the root window's size, at most the server's initial one, and turns its output off.
     void resizeRoot(const std::string& pixels, const std::string& millimeters) {
         runXrandr({"--output", "screen", "--off", "--fb", pixels, "--fbmm", millimeters});
     }
@@ -56,7 +56,7 @@ public:
 private:
     void runXrandr(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"xrandr", "--display", display_});
-        // It lists what it did.
+        // xrandr lists its changes.
         arguments.insert(arguments.begin(), {"sh", "-c", "exec \"$@\" >/dev/null", "sh"});
         ChildProcess{arguments}.wait(std::chrono::seconds{20});
     }

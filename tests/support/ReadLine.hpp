@@ -8,8 +8,8 @@
 
 namespace quorvane {
 
-// The next line without its end; "" when the other side has closed, or after half a minute, which
-// no test reaches that passes.
+// The next line without its end; "" when the other side has closed, or after half a minute, as only
+// in a failing test.
 inline std::string readLine(int descriptor) {
     std::string line;
     char character = 0;

@@ -34,7 +34,7 @@ public:
         const std::lock_guard guard{mutex_};
         return lines_;
     }
-    // The texts in order, and forgets them.
+    // Returns the texts in order, and clears them.
     Lines take() {
         const std::lock_guard guard{mutex_};
         Lines texts;

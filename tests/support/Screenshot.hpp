@@ -1,4 +1,4 @@
-// What an X screen shows, seen by another client than the one under test.
+// The contents of an X screen, read by a client other than the one under test.
 #pragma once
 
 #include <cstdint>

@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-// Makes the bundle at the place; what stands there is overwritten.
+// Makes the bundle at the path, over an existing one.
 inline void makeSmallBundle(const std::filesystem::path& bundle, const std::string& identifier,
                             const std::string& version = "1.0.0") {
     namespace fs = std::filesystem;

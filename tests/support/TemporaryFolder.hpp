@@ -1,4 +1,4 @@
-// A private folder that is gone with its object, whatever a test has put in.
+// A private folder, deleted together with its object and all its contents.
 #pragma once
 
 #include <cstdlib>
@@ -49,7 +49,7 @@ private:
     std::filesystem::path path_;
 };
 
-// Permissions as chmod takes them, those of what a link leads to.
+// The permissions as chmod takes them; for a link, those of its target.
 inline int modeOf(const std::filesystem::path& path) {
     return static_cast<int>(std::filesystem::status(path).permissions());
 }

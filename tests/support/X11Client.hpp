@@ -1,5 +1,5 @@
-// Another client of the X server: it plays lockers, overlays and the user's hand, and sees what
-// stands on the screen.
+// Another client of the X server: it acts as lockers, overlays and the user's pointer, and reads
+// the screen's windows.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -26,11 +26,11 @@ public:
     xcb_connection_t* connection() const { return connection_; }
     xcb_window_t root() const { return screen_->root; }
 
-    // What the process's end, by whatever signal, looks like to the server.
+    // Looks to the server like the end of the process, by any signal.
     void disconnect() {
         if (connection_) xcb_disconnect(std::exchange(connection_, nullptr));
     }
-    // Returns when the server has carried out everything up to now.
+    // Returns when the server has executed all requests so far.
     void sync() const {
         xcbReply(xcb_get_input_focus_reply, connection_, xcb_get_input_focus(connection_));
     }
@@ -102,7 +102,7 @@ public:
                             XCB_ATOM_STRING, 8, std::uint32_t(text.size()), text.data());
     }
 
-    // What the server says of a window. Of one that is gone: null, or empty.
+    // The server's information about a window; null or empty when the window is gone.
     XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_window_t window) const {
         return xcbReply(xcb_get_window_attributes_reply, connection_,
                         xcb_get_window_attributes(connection_, window));
@@ -131,7 +131,7 @@ public:
         return childrenOf(connection_, window);
     }
 
-    // The user's hand, through the server's test extension.
+    // Pointer input, through the server's test extension.
     void movePointer(int x, int y) const {
         xcb_test_fake_input(connection_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root(),
                             std::int16_t(x), std::int16_t(y), 0);
@@ -140,7 +140,7 @@ public:
         xcb_test_fake_input(connection_, isDown ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE,
                             std::uint8_t(number), XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
     }
-    // Felt by everybody when these return.
+    // All clients have received the event when these return.
     void click(Point at) const {
         movePointer(int(at.x), int(at.y));
         button(1, true);

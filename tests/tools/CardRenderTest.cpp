@@ -1,5 +1,5 @@
-// Whole pictures of the card: what is drawn where. Symbols and tracks are held to a point, texts to
-// a few, so that another version of a font passes and a shifted, missing or stray element does not.
+// Whole pictures of the card: the place of each element. Symbols and tracks must match to a point,
+// texts to a few, so that another version of a font passes and a shifted or stray element fails.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -53,7 +53,7 @@ protected:
             EXPECT_NEAR(found.maxX(), ink.maxX(), tolerance) << name;
             EXPECT_NEAR(found.maxY(), ink.maxY(), tolerance) << name;
         }
-        EXPECT_EQ(takeInk({0, 0, 400, 222}), Rect{}) << "something stands where nothing should";
+        EXPECT_EQ(takeInk({0, 0, 400, 222}), Rect{}) << "an unexpected element was drawn";
     }
     // The box around all ink in the area, which is cleared; empty without any.
     Rect takeInk(const Rect& area) {

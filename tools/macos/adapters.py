@@ -6,7 +6,7 @@ import subprocess
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-# What most adapters include.
+# The headers that most adapters include.
 COMMON = '#import <AppKit/AppKit.h>\n#include "platform/LivePlatform.hpp"\n'
 
 

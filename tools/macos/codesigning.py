@@ -7,7 +7,7 @@ from pathlib import Path
 
 CODE_DIRECTORY, REQUIREMENTS, ENTITLEMENTS, DER_ENTITLEMENTS = 0xFADE0C02, 0xFADE0C01, 0xFADE7171, 0xFADE7172
 EMBEDDED, CMS = 0xFADE0CC0, 0xFADE0B01
-# Where a blob stands in the signature, and with what negative number its hash stands in the directory.
+# The place of a blob in the signature, and the negative number of its hash in the directory.
 SLOT_INFO, SLOT_REQUIREMENTS, SLOT_RESOURCES, SLOT_ENTITLEMENTS, SLOT_DER, SLOT_CMS = 1, 2, 3, 5, 7, 0x10000
 ADHOC, RUNTIME, LINKER_SIGNED = 0x2, 0x10000, 0x20000
 PAGE = 4096
@@ -35,7 +35,7 @@ RULES2 = {
 
 
 def resources_of(contents):
-    """The property list that seals what lies in the bundle beside its program."""
+    """The property list that seals the bundle's files other than its program."""
     files, files2 = {}, {}
     for path in sorted((contents / "Resources").rglob("*")):
         if path.is_dir():

@@ -13,7 +13,7 @@ SDK = Path(__file__).resolve().parents[2] / "platform" / "macos" / "sdk"
 
 @dataclass(frozen=True)
 class Declaration:
-    framework: str  # or "" for what is in the C library
+    framework: str  # or "" for the C library
     header: str  # of the system: "AppKit/NSWindow.h"
     kind: str  # class, protocol, method, property, enum, enumerator, type, constant, function
     owner: str  # class or protocol of a method or property, enum of an enumerator
@@ -93,7 +93,7 @@ def _enumerators(statement):
 
 
 def _plain(statement):
-    """Kind and name of what stands outside classes."""
+    """Kind and name of a declaration outside classes."""
     if match := re.match(r"typedef\s.*?\(\s*[*^]\s*(\w+)\s*\)\s*\(", statement):
         return "type", match.group(1)
     if match := re.match(r"typedef\s.*?(\w+);$", statement):

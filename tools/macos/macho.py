@@ -1,4 +1,4 @@
-"""Reads arm64 Mach-O executables: just what the bundle's check and its signing need."""
+"""Reads arm64 Mach-O executables: only the parts that the bundle's check and its signing need."""
 
 import struct
 from dataclasses import dataclass, field

@@ -18,7 +18,7 @@ struct AtspiObjects {
     std::string busName;                 // this connection's unique name
     std::int32_t applicationNumber = 0;  // assigned by the registry
 
-    // A reference to the object; that of null is the null reference.
+    // Appends a reference to the object; for null, the null reference.
     int append(sd_bus_message* message, const AtspiNode* node) const {
         return sd_bus_message_append(message, "(so)", node ? busName.c_str() : "",
                                      path(node).c_str());

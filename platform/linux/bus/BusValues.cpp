@@ -12,9 +12,9 @@ namespace {
 constexpr char kDateContents[] = "x";
 constexpr char kVariant[] = "v";
 constexpr char kEntry[] = "sv";
-// What is read of one message: a player's artwork of 8 MiB in a URL, and the rest.
+// The limit for one message: a player's artwork of 8 MiB in a URL, and the other values.
 constexpr std::size_t kMostMemory = 12 * 1024 * 1024;
-constexpr std::size_t kValueMemory = 1024;  // more than any needs, apart from its text or bytes
+constexpr std::size_t kValueMemory = 1024;  // more than any value needs, without its text or bytes
 
 // Takes from the memory that is left. Returns false if that is not enough.
 bool take(std::size_t& left, std::size_t size) {

@@ -14,8 +14,8 @@ namespace quorvane {
 // position. Integers of all sizes become integers; object paths and signatures become strings;
 // variants are unwrapped. Values without a counterpart are skipped, and omitted from arrays and
 // dictionaries: descriptors, structures other than a date, dictionaries whose keys are not text,
-// and texts and data beyond 12 MiB in all. Fails with -EMSGSIZE for more than some
-// twelve thousand values.
+// and texts and data beyond 12 MiB in all. Fails with -EMSGSIZE for more than about twelve thousand
+// values.
 int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary);
 
 // Appends a variant: "b", "x", "d", "s", "ay", "av", "a{sv}", or "(x)" for a date in nanoseconds

@@ -17,14 +17,14 @@ constexpr char kMetadata[] = "Metadata";
 constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
 // A player whose artwork's URL is longer is asked only for its position again.
 constexpr std::size_t kLongestRepeated = 64 * 1024;
-// Limits on what is kept of players that send nonsense. The interface has 16 properties, and
-// everything but the metadata is a number or a word.
+// Limits on the values kept of misbehaving players. The interface has 16 properties, and everything
+// but the metadata is a number or a word.
 constexpr std::size_t kMostPlayers = 100;
 constexpr std::size_t kMostProperties = 64;
 constexpr std::size_t kLongestWord = 256;
 // A player that takes longer counts as silent.
 constexpr Duration kPatience = std::chrono::seconds{5};
-// A silent player that recovers answers what it was asked, and so returns.
+// A silent player that recovers still answers the pending query, and so returns.
 constexpr Duration kUntilItAnswers = std::chrono::hours{24 * 365};
 
 // Moves the artwork's URL out of the metadata.
@@ -262,7 +262,7 @@ void MprisPlayers::changed() {
 
 void MprisPlayers::publish() {
     isPublishing_ = false;
-    // Not earlier, because a loss may be noticed while an entry is in use.
+    // Not earlier, because a loss may be detected while an entry is in use.
     if (std::exchange(isLost_, false)) entries_.clear();
     list_.clear();
     for (const auto& [name, entry] : entries_)

@@ -1,4 +1,4 @@
-// A screen-saver service of this process, by which it tells others of a lock.
+// A screen-saver service of this process, which announces a lock to other processes.
 #pragma once
 
 #include <string>

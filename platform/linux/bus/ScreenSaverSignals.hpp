@@ -14,7 +14,7 @@ namespace quorvane {
 
 // The service of `quorvane-host lock`, for lockers that have none.
 inline constexpr char kLockerRunService[] = "example.quillon.Quorvane.Locker";
-// The add-on's, for processes without a display: active while it sees a lock screen.
+// The add-on's service for processes without a display: active while it detects a lock screen.
 inline constexpr char kAddOnSightService[] = "example.quillon.Quorvane.LockScreenAddOn.Sight";
 
 inline constexpr const char* kScreenSaverServices[] = {

@@ -134,7 +134,7 @@ void CardPainter::drawPart(cairo_surface_t* target, const StageLook& look, const
     cairo_surface_flush(target);
     unsigned char* const data = cairo_image_surface_get_data(target);
     const std::ptrdiff_t stride = cairo_image_surface_get_stride(target);
-    // Faster than by Cairo.
+    // Faster than with Cairo.
     for (int y = 0; y < part.height; ++y)
         std::copy_n(below.row(part.y + y) + part.x, part.width,
                     reinterpret_cast<std::uint32_t*>(data + (place.y + y) * stride) + place.x);

@@ -50,7 +50,7 @@ public:
     // Returns the rows of the parts that have changed.
     std::vector<PixelRect> drawParts(cairo_surface_t* target, const StageLook& look,
                                      std::span<const PixelRect> parts);
-    // The same, but for a target that nobody reads meanwhile.
+    // The same, for a target that is not read at the same time.
     void drawPartsInPlace(cairo_surface_t* target, const StageLook& look,
                           std::span<const PixelRect> parts);
     // The whole pixels of the stage under an area of the card.

@@ -1,4 +1,4 @@
-// What card windows have in common on X11 and Wayland: the stage, fades, the delivery of presses,
+// The common parts of card windows on X11 and Wayland: the stage, fades, the delivery of presses,
 // and accessibility.
 #pragma once
 

@@ -18,7 +18,7 @@ public:
     SharedMemory& operator=(const SharedMemory&) = delete;
 
     std::byte* data() const { return data_; }
-    // Until it is taken, which leaves the memory mapped.
+    // Valid until the caller takes it. The memory stays mapped.
     FileDescriptor& file() { return file_; }
 
 private:

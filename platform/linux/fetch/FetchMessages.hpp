@@ -1,4 +1,4 @@
-// What the host and the process that fetches a picture say to each other over their one socket: the
+// The messages between the host and the process that fetches a picture, over their one socket: the
 // host sends the URL and ends its side, the process sends a header and its content.
 #pragma once
 

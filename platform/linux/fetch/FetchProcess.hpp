@@ -1,4 +1,4 @@
-// The process that fetches one picture, as the host sees it.
+// The host's side of the process that fetches one picture.
 #pragma once
 
 #include <sys/types.h>

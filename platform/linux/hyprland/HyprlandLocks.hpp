@@ -14,8 +14,8 @@ struct hyprland_lock_notification_v1;
 
 namespace quorvane {
 
-// Main thread only. It has a connection of its own as long as it exists. When the compositor goes
-// away, the screen no longer counts as locked.
+// Main thread only. Has its own connection during its lifetime. When the compositor goes away, the
+// screen no longer counts as locked.
 class HyprlandLocks {
 public:
     explicit HyprlandLocks(EventLoop& loop);

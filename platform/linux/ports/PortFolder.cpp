@@ -51,8 +51,7 @@ std::optional<FileLock> PortFolder::lock(const std::string& name) const {
     return *std::move(lock);
 }
 
-// A path to the checked folder, even when another one stands at its place now. Short enough for any
-// folder.
+// A path to the checked folder, even if another one has replaced it. Short enough for any folder.
 std::string PortFolder::throughDescriptor(const std::string& name) const {
     return "/proc/self/fd/" + std::to_string(descriptor_.get()) + "/" + name;
 }

@@ -55,7 +55,7 @@ std::string entryText(const std::filesystem::path& executable) {
            "\nTerminal=false\nNoDisplay=true\nX-GNOME-Autostart-enabled=true\n";
 }
 
-// What KDE Plasma's compositor reads about the program that connects to it.
+// The desktop file in which KDE Plasma's compositor finds the permission of the program.
 std::string permissionText(const std::filesystem::path& program) {
     return std::string{kGroup} +
            "\nType=Application\nName=Quorvane Lock Screen\nExec=" + commandOf(program) +

@@ -13,7 +13,7 @@ constexpr std::string_view kLockUIState = "com.apple.sessionagent.screenLockUIIs
 constexpr std::uint32_t kNotifyOK = 0;
 constexpr std::uint32_t kNotifyInvalidName = 1;
 
-// Sees lock screens through the add-on, which has a display. The add-on may start and end at any
+// Detects lock screens through the add-on, which has a display. The add-on may start and end at any
 // time.
 struct WatcherWithoutDisplay {
     WatcherWithoutDisplay(HeadlessPlatform& services, const Logger& log)

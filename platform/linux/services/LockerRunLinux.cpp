@@ -1,4 +1,4 @@
-// The screen-saver service that stands in for a locker without one.
+// The screen-saver service for a locker without one.
 #include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/syscall.h>

@@ -22,8 +22,8 @@ void returnLargeBlocks() {
 }
 
 // Follows the players on a separate thread with a second loop and bus connection, because the bus
-// library checks each text as a whole, and a player's may take it half a second. Main thread only,
-// except the private functions and members that say otherwise.
+// library checks each text as a whole, which may take half a second for a player's text. Main
+// thread only, except the private functions and members that say otherwise.
 class PlayersThread {
 public:
     explicit PlayersThread(const LiveServices& services)

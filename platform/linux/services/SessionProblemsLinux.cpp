@@ -57,8 +57,8 @@ std::optional<std::string> findPortsProblem() {
 
 namespace {
 
-// The answer of Hyprland's control socket, whose requests are words without an end; empty without
-// an answer.
+// The reply of Hyprland's control socket, whose requests are words without a terminator; empty
+// without a reply.
 std::string hyprlandVersion() {
     const std::string path = std::string{environmentVariable("XDG_RUNTIME_DIR")} + "/hypr/" +
                              std::string{environmentVariable("HYPRLAND_INSTANCE_SIGNATURE")} +

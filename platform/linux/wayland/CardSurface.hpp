@@ -18,7 +18,7 @@ struct SurfaceGlobals {
     Wayland<kde_lockscreen_overlay_v1> kdeOverlay;
 };
 
-// Layer overlay, no keyboard. It is seen from its first picture on.
+// Layer overlay, no keyboard. Visible from its first picture on.
 class CardSurface final : public WaylandSurface {
 public:
     CardSurface(const SurfaceGlobals& globals, wl_output* output, const char* layerNamespace,
@@ -33,7 +33,7 @@ public:
 
     wl_surface* surface() const { return surface_.get(); }
     void pressed(const SurfacePress& press) const { call(events_.press, press); }
-    // Gives back all that belongs to the connection, and tells the window.
+    // Releases everything that belongs to the connection, and notifies the window.
     void end();
 
 private:

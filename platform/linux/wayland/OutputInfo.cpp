@@ -57,7 +57,7 @@ void OutputInfo::describeWith(zxdg_output_manager_v1* manager) {
 
 double OutputInfo::scale() const {
     if (!hasFractions_ || pixels_ == Size{}) return wholeScale_;
-    // The same for an output that is turned.
+    // The ratio of the areas, which is the same for a rotated output.
     const double square = pixels_.width * pixels_.height / (place_.width * place_.height);
     return std::max(1.0, std::round(kScaleSteps * std::sqrt(square))) / kScaleSteps;
 }

@@ -15,7 +15,7 @@ public:
     OutputInfo(const OutputInfo&) = delete;
     OutputInfo& operator=(const OutputInfo&) = delete;
 
-    // Its place is known some time after that.
+    // The output's place becomes known some time after this call.
     void describeWith(zxdg_output_manager_v1* manager);
     // Without this call, scales are whole numbers.
     void allowFractions() { hasFractions_ = true; }

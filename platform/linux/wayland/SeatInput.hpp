@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-// Reports what they do on a surface. The first of several fingers counts, as the primary button.
+// Reports their events on a surface. The first of several fingers counts, as the primary button.
 class SeatInput {
 public:
     using Report = std::function<void(wl_surface*, const SurfacePress&)>;

@@ -1,4 +1,4 @@
-// The process that holds the connection to the compositor, as the add-on sees it.
+// The add-on's side of the process that holds the connection to the compositor.
 #pragma once
 
 #include <sys/types.h>
@@ -27,7 +27,7 @@ public:
     // The socket, once it is connected. The caller owns the descriptor.
     int takeConnection() { return connection_.release(); }
     // The kernel's timer ends the process, and with it the connection, unless this is called again
-    // by then. Zero: it may stay.
+    // by then. Zero disables the timer.
     void endAfter(Duration time) const;
 
 private:

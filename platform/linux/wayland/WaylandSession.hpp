@@ -38,7 +38,7 @@ struct SurfaceEvents {
     std::function<void()> closed;  // the surface is gone
 };
 
-// Main thread only. The destructor takes the surface away.
+// Main thread only. The destructor removes the surface.
 class WaylandSurface {
 public:
     virtual ~WaylandSurface() = default;

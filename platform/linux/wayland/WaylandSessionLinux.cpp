@@ -118,8 +118,7 @@ void WaylandSessionLinux::disconnect() {
     connection_.reset();
 }
 
-// The process ends by itself when the compositor goes away, or when this one was stopped for too
-// long.
+// The process ends when the compositor goes away, or when this one was stopped for too long.
 void WaylandSessionLinux::ended() {
     log_.error("wayland: the connection to the compositor has ended");
     disconnect();
@@ -184,7 +183,7 @@ void WaylandSessionLinux::vanished(std::uint32_t name) {
         outputsChanged();
 }
 
-// Takes the next step once the compositor has answered everything before.
+// Runs the next step once the compositor has answered all earlier requests.
 void WaylandSessionLinux::askToStart(void (WaylandSessionLinux::*step)()) {
     static constexpr wl_callback_listener kAnswered{[](void* data, wl_callback*, std::uint32_t) {
         auto& self = *static_cast<WaylandSessionLinux*>(data);

@@ -21,8 +21,8 @@
 
 namespace quorvane {
 
-// While a surface exists, the process is told to stay at least this often, mostly in wake-ups with
-// another reason. Without it the process ends after the limit.
+// While a surface exists, the process's timer is renewed at least this often, mostly in wake-ups
+// for another reason. Without a renewal the process ends after the limit.
 inline constexpr Duration kBeat = std::chrono::milliseconds{1000};
 inline constexpr Duration kBeatLimit = std::chrono::milliseconds{1800};
 
@@ -46,7 +46,7 @@ public:
     void postponeEvents() override { connection_->mayEventsWait = true; }
 
 private:
-    // Everything that ends with the process. The display ends after what belongs to it.
+    // Everything that ends with the process. The display is destroyed after its objects.
     struct Connection {
         std::unique_ptr<SurfaceProcess> process;
         Handle notices;

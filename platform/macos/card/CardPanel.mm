@@ -13,7 +13,7 @@
 }
 
 - (void)sendEvent:(NSEvent*)event {
-    // The handlers may close and release this window. The system goes on using it and its views.
+    // The handlers may close and release this window. The system still uses it and its views.
     __attribute__((objc_precise_lifetime)) CardPanel* const window = self;
     __attribute__((objc_precise_lifetime)) NSView* const content = window.contentView;
     const NSEventType type = event.type;

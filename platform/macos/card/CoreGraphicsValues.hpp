@@ -1,4 +1,4 @@
-// Core values as Core Graphics has them. For Objective-C++ only.
+// Conversions of core values to Core Graphics. For Objective-C++ only.
 #pragma once
 
 #import <CoreGraphics/CoreGraphics.h>

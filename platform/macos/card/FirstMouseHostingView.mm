@@ -42,7 +42,7 @@
     // Most scenes have the controls of the last.
     if (before.controls == scene_.controls) return;
     [self updateControlElements];
-    // A rehearsed card is in no window and concerns nobody.
+    // A rehearsed card is in no window, so its changes are not reported.
     if (self.window != nil)
         [self reportChanges:quorvane::accessibilityChanges(before.controls, scene_.controls)];
 }

@@ -26,7 +26,7 @@ TEST(MarqueeText, RestsThenMovesOverItselfAndTheGap) {
                 {6.875 + 3.5, 32}, {-5, 0},   {INFINITY, 0},    {NAN, 0}};
     for (const auto& row : rows)
         EXPECT_NEAR(MarqueeText::offset(row.time, 100), row.offset, 1e-9) << row.time;
-    // A width for which no cycle is left.
+    // A width that leaves no cycle.
     EXPECT_EQ(MarqueeText::offset(10, -200), 0);
 }
 
@@ -58,7 +58,7 @@ TEST(MarqueeText, RestsAtItsOwnStartInEitherLayout) {
     const struct {
         const char* text;
         double width;
-        bool isRightToLeft;  // the card
+        bool isRightToLeft;  // of the card
         TextAlignment alignment;
     } rows[] = {{"A Slow Parade", 300, false, leading}, {"A Slow Parade", 300, true, trailing},
                 {"نسيم البحر", 300, false, trailing},   {"نسيم البحر", 300, true, leading},
@@ -99,7 +99,7 @@ TEST(MarqueeText, FadesInBeforeItsFieldAndOutInsideItAlsoAtAFrozenMoment) {
 
 TEST(MarqueeText, SleepsWhileItRestsAndThenWakesForWholePixels) {
     const MarqueeText text = tooLong();
-    EXPECT_EQ(text.nextChange(at(0.5), 1), 2s + 31'250us);  // the rest and a pixel's way
+    EXPECT_EQ(text.nextChange(at(0.5), 1), 2s + 31'250us);  // the rest, then one pixel
     for (const double scale : {1.0, 1.25, 2.0, 3.0})
         for (const Duration late : {0us, 100us}) {
             double step = 0;

@@ -17,7 +17,7 @@ using Actions = std::vector<std::string>;
 
 constexpr Point kNowhere{2, 2};
 
-// A shown card with a paused player, so that nothing moves by itself.
+// A shown card with a paused player, so that nothing changes without input.
 struct PlayerCardTest : testing::Test, PlayingModel {
     Actions actions;
     std::shared_ptr<FakeStage> stage = std::make_shared<FakeStage>();
@@ -58,7 +58,7 @@ struct PlayerCardTest : testing::Test, PlayingModel {
         pointer(Kind::down, middle(id));
         pointer(Kind::up, middle(id));
     }
-    // How strongly the button's highlight shows, 0 to 1, once it has come to rest.
+    // The strength of the button's highlight once its animation has ended, 0 to 1.
     double highlight() {
         clock.advance(1s);
         const auto groups = all<GroupBegin>(scene());
@@ -98,7 +98,7 @@ TEST_F(PlayerCardTest, DrawsOnceForAllChangesOfAPassAndNotForNone) {
     EXPECT_EQ(stage->scenes.size(), 1u);
     clock.advance(0s);
     EXPECT_EQ(stage->scenes.size(), 2u);
-    model.isLiveStream.set(true);  // not seen on the card
+    model.isLiveStream.set(true);  // not visible on the card
     nothingHappens(60s);
 }
 
@@ -214,7 +214,7 @@ TEST_F(PlayerCardTest, RestartsAMarqueeWhenItsTextChanges) {
     apply(XPCPlayerState::playing);
     clock.advance(0s);
     EXPECT_EQ(titleOffset(), rest);
-    // The times still change beside it; Reduce Motion stops it.
+    // The times still change while the title moves. Reduce Motion stops the title.
     clock.advance(4s);
     const std::vector<SceneControl> controls = scene().controls;
     clock.advance(1s);

@@ -88,7 +88,7 @@ TEST(PlayerView, FillsTheBarByWholePixelsOfThePosition) {
         return std::next(std::ranges::find(shapes, track, &ShapeNode::frame))->frame.maxX() -
                track.x;
     };
-    // Slow as it is, the bar moves with the times.
+    // The bar moves together with the times, even when it moves slowly.
     EXPECT_EQ(filled(), std::floor(track.width * 30 / 200));
     f.environment.scale = 2;
     EXPECT_EQ(filled(), std::floor(2 * track.width * 30 / 200) / 2);
@@ -185,7 +185,7 @@ TEST(PlayerView, FadesFromTheOldArtworkToTheNew) {
     f.interaction.oldArtwork = old;
     f.interaction.artworkChange = Transition{0.25};
     Scene scene = f.scene();
-    // A picture covers the old one, which stays whole below it.
+    // The new picture covers the old one, which stays opaque below it.
     EXPECT_EQ(all<ImageNode>(scene).at(0).image, old);
     EXPECT_EQ(all<ImageNode>(scene).at(1).image, f.model.artwork.get());
     EXPECT_EQ(all<GroupBegin>(scene).at(0).opacity, 0.25);
@@ -244,13 +244,13 @@ TEST(PlayerViewNextChange, AScrolledSceneEqualsANewOne) {
 }
 
 TEST(PlayerViewNextChange, IsExactOverAWholeTrack) {
-    // Each pixel, and each second of both times where they do not fall together with one.
+    // Each pixel, and each second of both times unless it coincides with a pixel.
     const int ofShort = changesOver(31.37);
     EXPECT_GT(ofShort, 282);
     EXPECT_LE(ofShort, 282 + 2 * 32);
-    // The bar's pixels come with the seconds: one wake-up each.
+    // The bar's pixels coincide with the seconds: one wake-up each.
     EXPECT_EQ(changesOver(214), 214);
-    // The remaining time changes a moment after the elapsed time: both at once.
+    // The remaining time changes a moment after the elapsed time: one wake-up for both.
     EXPECT_EQ(changesOver(214.03, 35ms), 214);
 }
 

@@ -20,7 +20,7 @@ TEST(Transition, ReversesFromItsCurrentValue) {
     EXPECT_NEAR(t.at(Instant{1150ms}), half * (1 - easeOut(0.5)), 1e-9);
     EXPECT_TRUE(t.isMoving(Instant{1249ms}));
     EXPECT_EQ(t.at(Instant{1250ms}), 0);
-    t.moveTo(0, Transition::Curve::easeOut, 200ms, Instant{2s});  // the same goal: no restart
+    t.moveTo(0, Transition::Curve::easeOut, 200ms, Instant{2s});  // the same target: no restart
     EXPECT_FALSE(t.isMoving(Instant{2s}));
 
     t.moveTo(1, Transition::Curve::spring, 250ms, Instant{2s});

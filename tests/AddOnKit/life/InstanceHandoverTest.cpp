@@ -96,7 +96,7 @@ TEST_F(InstanceHandoverTest, AsksAfterTheWaitAndGivesAGraceTime) {
     clock.advance(10s);
     EXPECT_EQ(result, (Outcome{InstanceHandover::Terminated{{41}}}));
 
-    // One that quits right after the last look is still named.
+    // A copy that quits right after the last check is still reported.
     copies = {{41, std::nullopt}, kMe};
     lastLookWithOthers = looks + 2 + 40;
     resolve();

@@ -72,7 +72,7 @@ TEST(AddOnLink, AsksForOneFollowUpHoweverOftenItIsAsked) {
     EXPECT_EQ(f.hellos.size(), 1u);
     f.answer(kEnabled);
     EXPECT_EQ(f.hellos.size(), 2u);
-    EXPECT_EQ(f.clock.pendingTimers(), 0u);  // the loop's turn is over when the follow-up is
+    EXPECT_EQ(f.clock.pendingTimers(), 0u);  // the timer starts at the follow-up's answer
     f.answer(kEnabled);
     EXPECT_EQ(f.hellos.size(), 2u);
     EXPECT_EQ(f.clock.pendingTimers(), 1u);
@@ -88,7 +88,7 @@ TEST(AddOnLink, AsksForOneFollowUpHoweverOftenItIsAsked) {
 
 TEST(AddOnLink, ARemovalRequestEndsItForGood) {
     Fixture f;
-    // Observers hear of the request before the link has stopped; even so no hello goes out.
+    // Observers of the request run before the link has stopped. Even then it sends no hello.
     const Handle handle = f.link->configuration().subscribe([&] { f.link->sayHello(); });
     Lines linesAtStop;
     const Handle stopped = f.link->isStopped().subscribe([&] { linesAtStop = f.log.take(); });
@@ -131,7 +131,7 @@ TEST(AddOnLink, SupersedesARemovalInTheFirstHelloThatIsSentAndNotForLong) {
             f.answer(result);
             f.clock.advance(100s);
         }
-        EXPECT_EQ(f.link->identity(), identity(true, true));  // who it is has not changed
+        EXPECT_EQ(f.link->identity(), identity(true, true));  // the identity has not changed
         return said;
     };
     EXPECT_EQ(superseding({kNotSent, kNotSent, kNotSent, kNotSent}),

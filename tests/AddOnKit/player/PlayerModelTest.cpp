@@ -42,7 +42,7 @@ TEST_F(PlayerModelTest, SumsUpWhatChangedInItsOrder) {
         {[&] { state.track->artworkData = cover("broken"); }, "artwork 6 B (undecodable)"},
         {[&] { state.track.reset(), state.volume = -5; },
          "no track, artwork none, heart hidden (no track), volume 0"},
-        {[&] { state.playerState = playing; }, "playing"}};  // and nothing to show
+        {[&] { state.playerState = playing; }, "playing"}};  // but without a track
     for (const auto& [edit, summary] : steps) {
         edit();
         EXPECT_EQ(apply(), summary);
@@ -63,7 +63,7 @@ TEST_F(PlayerModelTest, AnEditOutlastsReportsDuringItsGraceTime) {
     expectAfter(1500ms, "not loved");
     state.track->isLoved = true;
     EXPECT_EQ(apply(), "loved");
-    state.isLoved = false;  // the state's own word comes before the track's
+    state.isLoved = false;  // the state's value overrides the track's
     EXPECT_EQ(apply(), "not loved");
 
     state.volume = 150;
@@ -104,7 +104,7 @@ TEST_F(PlayerModelTest, ExtrapolatesThePositionWithinALengthThatIsKnown) {
     EXPECT_DOUBLE_EQ(model.position(now() + 1h), 3596);
 
     state.playerPosition = 5;
-    state.timestamp = WallTime{-9'200'000'000s};  // dates as far apart as dates can be
+    state.timestamp = WallTime{-9'200'000'000s};  // the largest distance between two dates
     model.apply(state);
     EXPECT_DOUBLE_EQ(model.position(WallTime{9'200'000'000s}), 18'400'000'005);
 }

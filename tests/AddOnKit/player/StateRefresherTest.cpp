@@ -33,7 +33,7 @@ TEST_F(StateRefresherTest, PollsWhileActiveAndOnceAfterABurstOfCommands) {
     EXPECT_EQ(countOver(1999ms), 0);
     EXPECT_EQ(countOver(1ms), 1);
     clock.advance(200ms);
-    refresher.nudge();  // due together with a poll, which answers it
+    refresher.nudge();  // due at the same time as a poll, which serves for both
     EXPECT_EQ(countOver(1800ms), 1);
     EXPECT_EQ(countOver(100s), 50);
     refresher.setActive(false);

@@ -20,7 +20,7 @@ struct Words {
     std::string operator()(Sync::EndActivity) const { return "end"; }
 };
 
-// The plan in words: "close build-entrance begin".
+// The plan as text: "close build-entrance begin".
 std::string text(const std::vector<Sync::Step>& plan) {
     std::string words;
     for (const auto& step : plan) words += (words.empty() ? "" : " ") + std::visit(Words{}, step);

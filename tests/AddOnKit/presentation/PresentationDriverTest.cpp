@@ -48,7 +48,7 @@ TEST(PresentationDriver, ReportsEachLockNoticeAndAWakeThatRevealsOne) {
     EXPECT_EQ(f.locks, 3);
     EXPECT_EQ(linesBefore, Lines{"wake: the screen is locked but no lock notice arrived"});
 
-    // The delay begins when the listener has returned.
+    // The delay begins when the listener returns.
     f.driver->onLocked = [&] { f.clock.advance(800ms); };
     f.handle({event::Unlocked{}, event::LockUIShown{}, event::Locked{}});
     EXPECT_FALSE(f.driver->state().delayElapsed);
@@ -73,7 +73,7 @@ TEST(PresentationDriver, MayBeDestroyedByItsListeners) {
         Fixture f;
         const auto destroy = [&f] {
             f.driver.reset();
-            ++f.locks;  // the listener is still whole
+            ++f.locks;  // the listener has not been destroyed
         };
         f.driver->onLocked = byOnLocked ? std::function<void()>{destroy} : nullptr;
         f.driver->onChange = [destroy](const PresentationState&) { destroy(); };
@@ -82,8 +82,8 @@ TEST(PresentationDriver, MayBeDestroyedByItsListeners) {
     }
 }
 
-// Windows are wanted exactly when the screen has been locked with its UI shown for the delay
-// without a break, and the card is allowed.
+// Windows are wanted exactly when the card is allowed and the screen has been locked with its UI
+// shown for the whole delay.
 TEST(PresentationDriver, WantsWindowsAfterAnUnbrokenDelayInLongRandomSequences) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -91,7 +91,7 @@ TEST(PresentationDriver, WantsWindowsAfterAnUnbrokenDelayInLongRandomSequences) 
     const auto any = [&](unsigned below) { return random() % below; };
     Fixture f;
     bool locked = false, shown = false, allowed = false;
-    Duration together{};  // how long locked and shown have held at once
+    Duration together{};  // how long the screen has been both locked and shown
     const std::function<void()> moves[] = {
         [&] {
             f.handle({event::Link{allowed = any(4) != 0}, event::Music{any(2) != 0}});
@@ -121,7 +121,7 @@ TEST(PresentationDriver, WantsWindowsAfterAnUnbrokenDelayInLongRandomSequences) 
         timesWanted += wanted ? 1 : 0;
     }
     EXPECT_GT(timesWanted, 0);
-    EXPECT_EQ(std::ranges::adjacent_find(f.changes), f.changes.end()) << "no change, no report";
+    EXPECT_EQ(std::ranges::adjacent_find(f.changes), f.changes.end()) << "reports only changes";
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ struct Row {
     std::string_view to;
 };
 
-// Each event from where it matters and from where it must not.
+// Each event from a state in which it matters and from one in which it must not.
 const Row kTable[] = {
     {"", event::Link{true}, "A"},
     {"LUDAM", event::Link{false}, "LUDM"},

@@ -61,7 +61,7 @@ TEST(Base64, RefusesWhatIsNotWholeGroupsOfLetters) {
     for (const std::string_view text :
          {"AAA\\", "AAA\\/\\", "\\AAAA", "AA\\\\/A", "AAAA\\/", "\\/"})
         EXPECT_EQ(decodeBase64(text, Base64Form::escapedSolidus), std::nullopt) << text;
-    // What the padding leaves over of the last letter is no part of the bytes.
+    // The unused bits of the last letter before the padding are ignored.
     EXPECT_EQ(decodeBase64("AB=="), Bytes{std::byte{0}});
 }
 

@@ -1,4 +1,4 @@
-// The client's state: connecting, state requests, commands, and what may come back in while a send
+// The client's state: connecting, state requests, commands, and calls that re-enter while a send
 // waits.
 #include <gtest/gtest.h>
 
@@ -172,10 +172,10 @@ TEST_F(MessagePortClientTest, ADisconnectInsideARequestEndsItQuietly) {
     EXPECT_FALSE(client->isConnected().get());
     EXPECT_TRUE(log.take().empty());
     EXPECT_EQ(calls, 0);
-    client->connect();  // not held up by the request that was cut short
+    client->connect();  // not delayed by the cancelled request
     EXPECT_EQ(calls, 1);
 
-    ports.duringSend = [&] {  // so does a connection that fails
+    ports.duringSend = [&] {  // a failed connection cancels it too
         mainPort.reset();
         client->connect();
     };
@@ -196,7 +196,7 @@ TEST_F(MessagePortClientTest, AFailureOfAnOldPortDoesNotDropTheNewOne) {
     for (const auto send :
          {&MessagePortClient::requestStateUpdate, &MessagePortClient::playPause}) {
         ports.duringSend = [&] {
-            mainPort.reset();  // the main application dies, and a new one is there at once
+            mainPort.reset();  // the main application dies and is replaced at once
             serveMain();
             client->connect();
         };

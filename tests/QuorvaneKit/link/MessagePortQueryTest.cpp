@@ -1,4 +1,4 @@
-// Queries: which slot they take, when they expire, how each of their failures comes out.
+// Queries: which slot they take, when they expire, and how each of their failures is reported.
 #include <gtest/gtest.h>
 
 #include "QuorvaneKit/link/QuerySlot.hpp"
@@ -68,7 +68,7 @@ TEST_F(MessagePortQueryTest, KeepsCountOfWhatIsOutstanding) {
     for (int i = 0; i < 6; ++i) query();
     queues.runNext(queryClientQueueLabel(0));
     queues.runNext(queryClientQueueLabel(0));
-    query();  // what slot 0 has done is not yet known on the main thread
+    query();  // slot 0's result has not reached the main thread yet
     const auto waiting = [&](std::size_t slot) {
         return queues.waiting(queryClientQueueLabel(slot));
     };
@@ -124,12 +124,12 @@ TEST_F(MessagePortQueryTest, ADeadPortIsLookedUpAnewAndASlowOneKept) {
     for (int i = 0; i < 3; ++i) outcomeOfOne();  // every slot has its port now
     ports.failures.clear();
 
-    queryPorts.clear();  // the main application dies and comes back
+    queryPorts.clear();  // the main application dies and restarts
     serveQueries();
     EXPECT_EQ(outcomeOfOne().status, kPortIsInvalid);
     queues.runAll();
     for (int i = 0; i < 4; ++i)
-        EXPECT_EQ(outcomeOfOne(), kTold) << "one death is enough to learn of";
+        EXPECT_EQ(outcomeOfOne(), kTold) << "after one failure every slot looks its port up";
 }
 
 TEST_F(MessagePortQueryTest, AQueryAlreadyWaitingBehindAFailedOneLooksItsPortUpAnew) {

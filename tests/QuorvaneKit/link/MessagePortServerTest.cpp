@@ -38,7 +38,7 @@ protected:
         return ports.ask(port, messageID, framed({}, Bytes(32, std::byte{9})));
     }
 
-    // Its port query 0 is held by another, while its `start` waits for just that.
+    // Another server holds port query 0, and `start` waits for only that port.
     void startBlocked() {
         holder = ports.openPort()(kQueryZero, [](std::int32_t, ByteView) { return Bytes{}; });
         started = std::async(std::launch::async, [this] { server.start(); });
@@ -50,7 +50,7 @@ protected:
 
     std::mutex mutex;
     std::vector<Duration> attempts;     // at port query 0; under mutex while the server runs
-    std::set<std::string> threadNames;  // likewise
+    std::set<std::string> threadNames;  // under mutex too
     RecordingLog log;
     MemoryPorts ports;
     std::unique_ptr<LocalPort> holder;

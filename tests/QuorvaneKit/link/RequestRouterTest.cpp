@@ -1,4 +1,4 @@
-// What becomes of each request: secret, type, port, handler, timeout.
+// How each request is routed: secret, type, port, handler, timeout.
 #include "QuorvaneKit/link/RequestRouter.hpp"
 
 #include <gtest/gtest.h>
@@ -56,7 +56,7 @@ protected:
         const Bytes body = framed(bytesOf(payload), Bytes(32, secretByte));
         return std::string{textOf(joined(router.answer(messageID, body).parts()))};
     }
-    // Returns when the handler is waited for.
+    // Returns when the router waits for the handler.
     std::future<std::string> askLater(std::int32_t messageID) {
         auto reply = std::async(std::launch::async,
                                 [this, messageID] { return ask(QueryEndpoint{1}, messageID); });
@@ -153,7 +153,7 @@ TEST_F(RequestRouterTest, AHandlerThatIsTooLateIsAnsweredEmpty) {
         wait->advance(1ns);
         EXPECT_EQ(reply.get(), "");
         EXPECT_EQ(log.take(), Lines{name + " handler timed out"});
-        late(copyOf(bytesOf("too late")));  // goes nowhere
+        late(copyOf(bytesOf("too late")));  // ignored
     }
     auto answered = askLater(13);
     late(copyOf(bytesOf("first")));
@@ -166,7 +166,7 @@ TEST_F(RequestRouterTest, CancellingEndsTheWaitWithoutALine) {
     auto reply = askLater(14);
     wait->cancel();
     EXPECT_EQ(reply.get(), "");
-    EXPECT_EQ(ask(QueryEndpoint{}, 14), "");  // nor is anything asked afterwards
+    EXPECT_EQ(ask(QueryEndpoint{}, 14), "");  // the handler is not called again either
     EXPECT_EQ(called.size(), 1U);
     EXPECT_TRUE(log.take().empty());
 }

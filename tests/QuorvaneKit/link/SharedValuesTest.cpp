@@ -1,4 +1,4 @@
-// What the main application and the add-on tell each other, and keep for each other.
+// The values that the main application and the add-on exchange and store for each other.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -153,7 +153,7 @@ TEST(SharedDefaults, KeepsTheLockScreensValuesUnderTheirKeys) {
               (PropertyDictionary{{"lockScreenEnabled", {true}},
                                   {"lockScreenRemovalRequested", {true}},
                                   {"lockScreenRemovalTargetInstallID", {std::string{"A"}}}}));
-    // A removal for anyone must not inherit the target of the one before.
+    // A removal without a target must not inherit the previous one's target.
     EXPECT_TRUE(defaults.setLockScreenPendingRemoval(LockScreenPendingRemoval{}));
     EXPECT_EQ(defaults.lockScreenPendingRemoval(), LockScreenPendingRemoval{});
     EXPECT_TRUE(defaults.setLockScreenPendingRemoval(LockScreenPendingRemoval{"B"}));
@@ -200,7 +200,7 @@ TEST(MessagePortSecret, TheFirstWriterWinsAndEveryFailureIsLogged) {
     EXPECT_FALSE(MessagePortSecret::read(store.table()));
     EXPECT_EQ(make(), own);
     EXPECT_EQ(MessagePortSecret::read(store.table()), own);
-    const Bytes tooLong(33, std::byte{1});  // judged where it is used
+    const Bytes tooLong(33, std::byte{1});  // its users check the length
     store.files[kFile] = tooLong;
     EXPECT_EQ(MessagePortSecret::read(store.table()), tooLong);
     EXPECT_EQ(make(), own) << "a secret that no client can use is replaced";

@@ -62,7 +62,7 @@ TEST(RecordCoding, NumbersAndTextsComeBackAsTheyWere) {
         state.track->title = title;
         EXPECT_TRUE(comesBack(state)) << title;
     }
-    // What JSON cannot carry is not written.
+    // Values that JSON cannot represent are not written.
     state.track->artist = "cut short \xC3";
     EXPECT_EQ(XPCCodableHelpers::encode(state),
               std::unexpected(CodingError{Kind::invalidValue, "artist"}));
@@ -87,7 +87,7 @@ TEST(RecordCoding, OnlyRawValuesInTheTableNameActions) {
     EXPECT_EQ(quorvaneAction(std::int64_t{1} << 32), std::nullopt);
 }
 
-// The decoder and the encoder that know the artwork of the last state.
+// The decoder and the encoder that remember the artwork of the last state.
 
 CodingResult<QuorvanePlayerState> decode(PlayerStateDecoder& decoder, std::string_view text) {
     Bytes reply = copyOf(bytesOf(text));
@@ -98,7 +98,7 @@ const SharedBytes& artworkOf(const CodingResult<QuorvanePlayerState>& state) {
     return state.value().track.value().artworkData.value();
 }
 
-// The sample's text, as written without white space and as written with it.
+// The sample's text, compact and with white space.
 const std::string kForms[] = {
     std::string{kSampleText},
     replaced(kSampleText, R"("artworkData":)", "\"artworkData\"\n\t\r : "),
@@ -109,15 +109,15 @@ TEST(PlayerStateDecoder, UnchangedArtworkIsTheSameObject) {
         PlayerStateDecoder decoder;
         const auto first = decode(decoder, text);
         EXPECT_EQ(first, sampleState()) << text;
-        // The rest of the state may differ, and move the artwork's place in the text.
+        // The rest of the state may differ and move the artwork within the text.
         const auto second = decode(decoder, replaced(text, "Several", "Several others"));
         EXPECT_EQ(second->track->albumArtist, "Several others");
-        // Other escapes than these are the parser's to read, and nobody's to write.
+        // The artwork is reused only when its text has no escapes but those that encoders write.
         const bool isKept = text.find("\\u002f") == std::string::npos;
         EXPECT_EQ(artworkOf(second).isSameObject(artworkOf(first)), isKept) << text;
         EXPECT_EQ(decode(decoder, "no state"), std::unexpected(CodingError{}));
         EXPECT_EQ(artworkOf(decode(decoder, text)).isSameObject(artworkOf(first)), isKept);
-        EXPECT_TRUE(decode(decoder, kSmallestText));  // kept only while it is shown
+        EXPECT_TRUE(decode(decoder, kSmallestText));  // no artwork: drops the remembered one
         EXPECT_FALSE(artworkOf(decode(decoder, text)).isSameObject(artworkOf(first)));
 
         for (const auto& [part, by] : {std::pair{"ZT8=", "ZT9="},
@@ -149,7 +149,7 @@ TEST(PlayerStateDecoder, AgreesWithThePlainDecoderOnEveryText) {
         replaced(kSampleText, "//4g", "\n//4g"),
         std::string{kSampleText} + artwork,
         artwork,
-        // The text that the reply before had, but here the backslashes are meant.
+        // The same text as in the reply before, but here the backslashes are literal.
         kForms[2],
         replaced(kForms[1], "//4g", R"(\\/\\/4g)"),
         replaced(kForms[1], " : ", "  "),

@@ -1,4 +1,4 @@
-// Text from outside: what is let in, what is refused, and that nothing brings the decoder down.
+// Untrusted text: what the decoder accepts and rejects, and that no input crashes it.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -37,7 +37,7 @@ TEST(RecordDecoding, LetsInWhatMeansTheSame) {
              {R"("isAdvertisement":false)", R"("isAdvertisement":null)"},
              {R"({"track")", R"({"unknown":[1,{"a":[true,null,-1.5e-7,"\ud83c\udfb5"]}],"track")"},
              {R"({"track")", R"({"later":{"volume":1,"track":{"title":7}},"track")"},
-             // The first of two equal keys counts, also where the second would not do.
+             // The first of two equal keys counts, even when the second is invalid.
              {R"("volume":64)", R"("volume":64,"volume":"loud")"},
              {R"("playerState":2)", R"("playerState":2,"track":{"title":"other"})"},
              {R"("playerState":2)", R"("playerState":2,"track":null)"},
@@ -166,14 +166,14 @@ TEST(RecordDecoding, RefusesWhatIsNotOneJSONObject) {
         EXPECT_EQ(decodeState(text), std::unexpected(CodingError{Kind::typeMismatch, ""})) << text;
 }
 
-// Values between bars, as parsers are known to differ over them.
+// Values between bars, on which parsers are known to differ.
 constexpr std::string_view kJSONValues =
     R"(0 | -0 | -0.0 | 0e0 | 0E+01 | 1e-002 | -1e-99999 | 123.456e78 | 1e308 | 18446744073709551616)"
     R"( | 0.00000000000000000000000000000001 | "" | "/*\\u" | "\"\\\/\b\f\n\r\t" | "\u0000")"
     R"( | "\uD834\uDd1e" | "\uFFFF\uFDD0" | null | [] | [ ] | [[],[[]]] | [true,false,null] | {})"
     R"( | { } | {"":0} | {"a":1,"a":2} | {"a\u0000b":1} | 1,"volume\u0000":"loud")"
     " |  \t\n\r1 \r | [1\n,\r2] | \"\x7F\xE2\x80\xA8\xEF\xBB\xBF\xF4\x8F\xBF\xBF\"";
-// The first two are more than a double holds.
+// The first two exceed the range of a double.
 constexpr std::string_view kNoJSONValues =
     R"(1e400 | -1E99999999999 |  | +1 | - | --1 | -01 | 00 | 1. | .5 | -.5 | 1e | 1E+ | 1.e1 | 1e1.5)"
     R"( | 0x10 | 1_000 | 1 000 | 1a | -a | NaN | -Infinity | inf | 'x' | "\x41" | "\a" | "\u00g0")"
@@ -184,7 +184,7 @@ constexpr std::string_view kNoJSONValues =
     R"( | {"a",1} | {"a":1,} | {}} | {"a":/*x*/1})"
     " | \xEF\xBC\x91 | \"\\\xC3\xA9\" | \"\n\" | [\f1] | [\v1] | [\xC2\xA0] | [\xEF\xBB\xBF]";
 
-// What became of each value, where it is not asked for: the grammar holds there too.
+// Expects the result for each value under an unknown key, where the grammar holds too.
 void expectEach(std::string_view values, const CodingResult<QuorvanePlayerState>& expected) {
     for (const auto part : std::views::split(values, std::string_view{" | "})) {
         const std::string value{std::string_view{part}};
@@ -217,7 +217,7 @@ TEST(RecordDecoding, RefusesControlCharactersAndBadUTF8WhereverTheyStand) {
             EXPECT_EQ(decodeState(replaced(kSampleText, R"("volume")", member + R"(,"volume")")),
                       std::unexpected(CodingError{}))
                 << member;
-        // A parser that looks at sixteen letters at a time may judge by the place.
+        // A parser that reads sixteen letters at a time may depend on the position.
         for (std::size_t room = 0; room < 32; ++room) {
             const std::string text =
                 replaced(kSampleText, "loop-7", std::string(room, ' ') + letter);
@@ -247,7 +247,7 @@ TEST(RecordDecoding, ExtremeNumbersNeitherOverflowNorStall) {
           std::string{"-1e99999999999"}})
         for (const std::string_view part : {"12.25", "64"})
             EXPECT_FALSE(decodeState(replaced(kSampleText, part, number))) << number.substr(0, 20);
-    // Too small for a double is nothing.
+    // A number too small for a double is 0.
     EXPECT_EQ(decodeState(replaced(kSampleText, "12.25", "1.5e-2147483648"))->playerPosition, 0);
 }
 

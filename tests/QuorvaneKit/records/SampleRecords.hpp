@@ -1,4 +1,4 @@
-// Records with every field set, and their text as it stands on the wire.
+// Records with every field set, and their serialised text.
 #pragma once
 
 #include <string>
@@ -46,7 +46,7 @@ inline constexpr std::string_view kSampleText =
     R"("shuffleEnabled":true,"repeatMode":3,"rating":-3,"isLoved":false,"isDisliked":true,)"
     R"("playerPosition":12.25,"timestamp":"2026-01-01T00:00:00Z"})";
 
-// Only what must be there.
+// Only the required fields.
 inline constexpr std::string_view kSmallestText =
     R"({"playerState":1,"capabilities":{"canLove":false,"canDislike":false,"canRate":false,)"
     R"("canAddToLibrary":false,"hasThreeStateRepeat":false},"volume":0,"isMuted":false,)"
@@ -56,7 +56,7 @@ inline CodingResult<QuorvanePlayerState> decodeState(std::string_view text) {
     return XPCCodableHelpers::decode<QuorvanePlayerState>(bytesOf(text));
 }
 
-// Whether the state comes back from its own text.
+// Whether the state survives a round trip through its text.
 inline bool comesBack(const QuorvanePlayerState& state) {
     const auto text = XPCCodableHelpers::encode(state);
     return text && decodeState(textOf(*text)) == state;

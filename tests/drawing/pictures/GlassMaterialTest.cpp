@@ -15,7 +15,7 @@ namespace quorvane {
 namespace {
 
 constexpr CardStyle kStyle{{400, 222}, 52, 30, 1, 0.25, 22, 8, 106};
-constexpr double kVolumeFill = 0.8;  // the quietest that has to be seen below the texts
+constexpr double kVolumeFill = 0.8;  // the quietest that must be visible below the texts
 
 // Relative luminance of an sRGB pixel, from 0 to 1.
 double relativeLuminance(std::uint32_t pixel) {
@@ -135,11 +135,11 @@ TEST(GlassMaterial, IsTellableFromABlackScreenAndKeepsTheColorOfOthers) {
     const std::uint32_t blue = chromeOn(plain(0x336699)).at(252, 200);
     EXPECT_GT(blue & 0xff, blue >> 8 & 0xff);
     EXPECT_GT(blue >> 8 & 0xff, blue >> 16 & 0xff);
-    // Nor does a pale sky turn grey, though it is dimmed most.
+    // A pale sky does not turn grey either, although it is dimmed most.
     const Pixels onSky = chromeOn(plain(0xbfe0f5));
     for (const int y : {150, 200})
         EXPECT_GT(onSky.at(252, y) & 0xff, (onSky.at(252, y) >> 16 & 0xff) * 3 / 2) << y;
-    // A sun behind the card takes nothing from the sky beside it.
+    // A bright area behind the card does not change the sky beside it.
     EXPECT_NEAR(chromeOn(brightBefore(200, 0x336699)).at(400, 200) & 0xff, blue & 0xff, 3);
 }
 

@@ -1,4 +1,4 @@
-// The commands over real files and a simulated add-on, which obeys or does not.
+// The commands over real files and a simulated add-on, which may disobey.
 #include "host/addon/AddOnCommands.hpp"
 
 #include <gtest/gtest.h>
@@ -50,7 +50,7 @@ protected:
                 .addOnDefaults = own.table(),
                 .problems = problems};
     }
-    // The command's text when it has ended; that of a failure begins with "! ".
+    // The command's text when it has ended; a failure's text begins with "! ".
     template <typename Command, typename... Arguments>
     std::string run(Command command, const Arguments&... arguments) {
         AddOnCommands commands{services()};
@@ -69,12 +69,12 @@ protected:
     std::string turn(bool isOn) { return run(&AddOnCommands::setCardEnabled, isOn); }
 
     std::string installedVersion() const { return addOnVersionOf(place, files).value_or("none"); }
-    // A running copy of an older version.
+    // Installs and runs a copy of an older version.
     void putOld() {
         makeSmallBundle(place, kOwn, "1.0.0");
         copies = {{17, std::nullopt}};
     }
-    // Names in the support folder, hidden ones too.
+    // The number of names in the support folder, hidden ones included.
     auto entries() const { return std::distance(fs::directory_iterator{support}, {}); }
 
     TemporaryFolder folder;
@@ -93,7 +93,7 @@ protected:
     MemoryPorts ports;
     std::vector<RunningCopy> copies;
     std::vector<Opened> opened;
-    std::string answers = "1.1.0";  // the version that a running copy says it is
+    std::string answers = "1.1.0";  // the version that a running copy reports
     bool obeysNotice = true;
     bool obeysSystem = true;
     bool staysUp = true;        // a copy that is started
@@ -247,7 +247,7 @@ TEST_F(AddOnCommandsTest, RemoveIsAskedForAndFollowedUp) {
     EXPECT_FALSE(sharedDefaults.lockScreenEnabled());
     EXPECT_TRUE(own.values.empty());
 
-    // What is left of a bundle cannot remove itself.
+    // An incomplete bundle cannot remove itself.
     own.values = {
         {"removalPending", {true}}, {"removalBundleIdentity", {kOwn}}, {"installID", {true}}};
     fs::create_directories(place / "Contents/Linux");

@@ -35,7 +35,7 @@ struct FakePlayer : PlayerSource {
     bool obeys = true;
 };
 
-// A queue's only action, on a thread of its own. The destructor waits for its end.
+// A queue whose only action runs on its own thread. The destructor waits for its end.
 struct ThreadQueue : SerialQueue {
     bool async(std::function<void()> action) override {
         result = std::async(std::launch::async, std::move(action));
@@ -72,7 +72,7 @@ protected:
                                          [this, notice] { heardNotices.push_back(notice); }));
     }
 
-    // Ends when the host serves and has announced it.
+    // Returns when the host serves and has announced it.
     void serve() {
         EXPECT_TRUE(host->start());
         waitUntil([this] { return host->isServing(); });

@@ -73,7 +73,7 @@ protected:
                            .properties = {{"PlaybackStatus", text(status)}, {"Volume", {0.8}}}});
         play(title, artwork);
     }
-    // What the newest player plays from now on.
+    // Changes the track of the newest player.
     void play(const char* title, const std::string& artwork = "") {
         players.back().artworkURL = std::make_shared<const std::string>(artwork);
         if (artwork.empty()) players.back().artworkURL = nullptr;
@@ -101,7 +101,7 @@ protected:
         player->refresh();
     }
 
-    // With a lock that the test makes by its notices.
+    // With locks that the test simulates by notices.
     LockPauser makePauser() {
         LockSources sources;
         sources.sessionDictionary = [this] {
@@ -383,14 +383,14 @@ TEST_F(MprisPlayerTest, FetchesArtworkWhenTheUserWantsIt) {
     for (int i = 0; i < 4; ++i) answer(FetchRedirect{"https://a/5"});
     EXPECT_FALSE(fetched) << "too many redirects";
 
-    // The kept pictures are limited, the newest stay.
+    // The number of kept pictures is limited; the newest stay.
     play("song 6", "https://a/6");
     answer(picture(std::string(kLargestArtwork, '6')));
     EXPECT_EQ(artwork().size(), kLargestArtwork);
     play("song 1", "https://a/1");
     EXPECT_EQ(artwork(), "");
     settings.set({});
-    EXPECT_FALSE(fetched) << "the user has changed their mind";
+    EXPECT_FALSE(fetched) << "the user has withdrawn the consent";
     EXPECT_EQ(artwork(), "");
 }
 
@@ -400,7 +400,7 @@ TEST_F(MprisPlayerTest, PausesAtALockAndResumesOnlyWhatNothingElseTouched) {
     lock(true);
     EXPECT_EQ(watches, 0) << "nothing is watched by default";
     settings.set({.pauseOnLock = true, .resumeOnUnlock = true});
-    // What the player reports during the lock, before the unlock.
+    // The player's reports during the lock, before the unlock.
     const std::pair<std::vector<const char*>, const char*> rows[] = {
         {{}, "Pause Play "},
         {{"Paused"}, "Pause Play "},

@@ -1,4 +1,4 @@
-// What a player source chooses and what it tells.
+// Which player a player source chooses and what it reports.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -11,10 +11,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// In a step, "a+ b- c. = a" says that a plays, b is paused and c is stopped, and that a is chosen.
+// In a step, "a+ b- c. = a" means that a plays, b is paused and c is stopped, and that a is chosen.
 // "a+?" has no title, "a+!" cannot be controlled, "a+x" is ignored, "a+2" has a new track. Players
-// a to f are preferred less than p and q. "switch" stands for the command, "wait" for five minutes
-// of ten.
+// p and q are preferred to a to f. "switch" is the command, "wait" passes five of the ten minutes.
 PlayerCandidate candidate(const std::string& word) {
     const XPCPlayerState state = word[1] == '+'   ? XPCPlayerState::playing
                                  : word[1] == '-' ? XPCPlayerState::paused
@@ -106,7 +105,7 @@ TEST(StateAt, TellsTheExactPositionWithATimestampOfWholeSeconds) {
         const WallTime moment = kWallTime + 600ms + elapsed;
         const auto state = stateAt(snapshot, kNow + elapsed, moment);
         EXPECT_EQ(state.timestamp, std::chrono::floor<std::chrono::seconds>(moment));
-        // What a receiver extrapolates.
+        // The position that a receiver extrapolates.
         EXPECT_NEAR(state.playerPosition + secondsBetween(state.timestamp, moment),
                     snapshot.anchor.secondsAt(kNow + elapsed), 1e-9);
     }

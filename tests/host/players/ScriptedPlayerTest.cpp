@@ -28,7 +28,7 @@ protected:
         player->onChanged = [this] { ++changes; };
     }
     QuorvanePlayerState state() const { return player->snapshot().state; }
-    // The track and how far it has played.
+    // The track and its position.
     std::pair<std::string, double> place() {
         return {state().track->title, player->snapshot().anchor.secondsAt(clock.clock().now())};
     }

@@ -12,7 +12,7 @@ using Words = std::vector<std::string>;
 
 TEST(Settings, AreSetUnsetAndExplained) {
     FakeNotices notices;
-    // Of a later version.
+    // From a later version.
     const PropertyDictionary stored{{"glow", {std::string{"on"}}},
                                     {"privacy", {std::string{"half"}}}};
     MemoryDefaults defaults{.values = {{"settings", {stored}}}};

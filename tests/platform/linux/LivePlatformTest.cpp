@@ -1,4 +1,4 @@
-// The tables as the entry gets them.
+// The tables that the entry point receives.
 #include "platform/LivePlatform.hpp"
 
 #include <gtest/gtest.h>
@@ -55,7 +55,7 @@ TEST_F(LivePlatformTest, SaysPlainlyWhyThereIsNone) {
     setenv("XDG_CURRENT_DESKTOP", "sway", 1);
     EXPECT_NE(make().error().description.find("sway shows nothing"), std::string::npos);
     setenv("XDG_CURRENT_DESKTOP", "KDE", 1);
-    EXPECT_TRUE(make()) << "the compositor is asked only during a lock";
+    EXPECT_TRUE(make()) << "the compositor is queried only during a lock";
 }
 
 TEST_F(LivePlatformTest, FillsEveryTable) {
@@ -73,7 +73,7 @@ TEST_F(LivePlatformTest, FillsEveryTable) {
     EXPECT_FALSE(platform.decodeImage(bytesOf("no picture")));
     EXPECT_TRUE(platform.decodeImage(bytesOf("GIF89a")));
 
-    // The module is not beside this program.
+    // The module is not in this program's folder.
     EXPECT_FALSE(platform.cardWindows.makeWindow({}, platform.screens.list().front()));
     EXPECT_FALSE(platform.cardWindows.makeStage({}));
     EXPECT_TRUE(log.lines().back().text.starts_with("card: the drawing module cannot be loaded"));

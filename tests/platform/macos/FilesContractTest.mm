@@ -1,4 +1,4 @@
-// What the adapters promise of files and preferences, asked of the real system.
+// The adapters' contract for files and preferences, checked on the real system.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>

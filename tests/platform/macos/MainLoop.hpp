@@ -1,4 +1,4 @@
-// The main thread's run loop, as far as a test lets it turn. For Objective-C++ only.
+// The main thread's run loop under a test's control. For Objective-C++ only.
 #pragma once
 
 #import <CoreFoundation/CoreFoundation.h>
@@ -10,7 +10,7 @@
 
 namespace quorvane {
 
-// Turns it until the condition holds, for ten seconds at most. Whether it held.
+// Runs it until the condition holds, for ten seconds at most. Returns whether it held.
 inline bool turnMainLoopUntil(const std::function<bool()>& condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
     while (!condition() && std::chrono::steady_clock::now() < end) {

@@ -1,4 +1,4 @@
-// What the adapters promise of time, notices and message ports, asked of the real system.
+// The adapters' contract for time, notices and message ports, checked on the real system.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -137,7 +137,7 @@ TEST_F(PortMacOS, StopsThoughItHasNotBegun) {
     port->run();
 }
 
-// The server went and came back: a port that is dropped must not bring the dead one back.
+// The server was replaced: dropping a port must not bring the dead one back.
 TEST_F(PortMacOS, IsFoundAgainAfterItsServerWasReplaced) {
     auto remote = std::unique_ptr<RemotePort>{};
     for (int round = 0; round < 2; ++round) {

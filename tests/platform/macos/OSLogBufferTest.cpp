@@ -7,8 +7,8 @@
 namespace quorvane {
 namespace {
 
-// Logs through a real logger, so that formats and arguments meet as they do in the program. The
-// bytes are read while the line is still there, pointers as the texts that they lead to.
+// Logs through a real logger, so that formats and arguments are those of the program. The bytes are
+// read while the line still exists; pointers are shown as their texts.
 std::string bytesOf(const std::function<void(const Logger&)>& log) {
     std::string shown;
     log(Logger{[&](const LogLine& line) {
@@ -40,7 +40,7 @@ std::string bytesOf(const std::function<void(const Logger&)>& log) {
     return shown;
 }
 
-// What the compiler builds for the system's own logging macros.
+// The compiler's output for the system's own logging macros.
 TEST(OSLogBuffer, HasTheLayoutThatTheLogReads) {
     EXPECT_EQ(bytesOf([](const Logger& log) { log.info("nothing"); }), "00 00 ");
     EXPECT_EQ(bytesOf([](const Logger& log) { log.info("%d and %ld", -2, 3L); }),
@@ -53,7 +53,7 @@ TEST(OSLogBuffer, HasTheLayoutThatTheLogReads) {
               "00 01 00 08 00 00 00 00 00 00 f0 3f ");
 }
 
-// The first byte tells the log whether it has anything to redact: a wrong flag would show a title.
+// The first byte tells the log whether a value must be redacted: a wrong flag would reveal a title.
 TEST(OSLogBuffer, MarksTextsByTheirPrivacy) {
     const auto shown = [](const char* begin, std::string_view text) {
         return std::string{begin} + "'" + std::string{text} + "' ";
@@ -66,7 +66,7 @@ TEST(OSLogBuffer, MarksTextsByTheirPrivacy) {
               shown("02 01 20 08 ", "unmarked"));
 }
 
-// Short texts lie inside their string: growing the list of them would move what is pointed to.
+// Short texts are stored inside their string: growing the list would invalidate pointers to them.
 TEST(OSLogBuffer, KeepsEveryTextInPlaceAndEnded) {
     const std::string whole = "one two three";
     const std::string_view one = std::string_view{whole}.substr(0, 3);

@@ -12,8 +12,8 @@
 namespace quorvane {
 namespace {
 
-// What the C, TLS and web libraries call while they transfer, in the versions of several years. Any
-// other call fails, which they survive.
+// The system calls of the C, TLS and web libraries during a transfer, in the versions of several
+// years. Any other call fails, and the libraries handle the error.
 constexpr int kOfATransfer[] = {
     SCMP_SYS(read),          SCMP_SYS(write),
     SCMP_SYS(readv),         SCMP_SYS(writev),

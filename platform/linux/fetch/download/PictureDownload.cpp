@@ -60,7 +60,7 @@ void answer(FetchKind kind, ByteView content) {
     write(content);
 }
 
-// The transfer ends with an error when these return less than they got.
+// The transfer ends with an error when these callbacks return less than they received.
 std::size_t count(const char*, std::size_t size, std::size_t number, void* data) {
     auto& received = static_cast<Session*>(data)->received;
     received += size * number;
@@ -115,7 +115,7 @@ std::optional<std::string> resolvedHost(const std::string& url) {
     return line;
 }
 
-// Everything that needs files: afterwards the transfer needs only the network.
+// Does everything that needs files; afterwards the transfer needs only the network.
 bool prepare(CURL* transfer, Session& session) {
     const char* const named = session.rules.certificates;
     const char* const path = named ? named : curl_version_info(CURLVERSION_NOW)->cainfo;
@@ -180,7 +180,7 @@ int downloadPicture(const DownloadRules& rules) {
         return 1;
     }
     transferAndAnswer(transfer.get(), session);
-    _exit(0);  // without the library's cleanup, which may need more than is left
+    _exit(0);  // without the library's cleanup, which may need forbidden calls
 }
 
 }  // namespace quorvane

@@ -12,7 +12,7 @@ namespace {
 
 // A compositor that shows the surface asks for the next frame much sooner.
 constexpr Duration kLongestFrame = std::chrono::seconds{1};
-// A press that waits for the next step of a moving title does not feel late.
+// A press that waits this long for the next step of a moving title does not feel late.
 constexpr Duration kSoon = std::chrono::milliseconds{40};
 
 }  // namespace
@@ -67,8 +67,8 @@ void CardWindowWayland::update() {
 }
 
 // A lock screen that is raised later covers the card. The compositor then keeps the pictures
-// without showing them. A new surface is above it. With the screen off that does not help, hence
-// the growing patience.
+// without showing them. A new surface is above the lock screen. While the screen is off, a new
+// surface does not help, so the interval grows.
 bool CardWindowWayland::needsNewSurface(Instant now) {
     if (!shown_ || now - shown_->lastFrame < patience_) return false;
     if (!shown_->awaitsFrame && shown_->pictures->next()) return false;
@@ -77,8 +77,8 @@ bool CardWindowWayland::needsNewSurface(Instant now) {
     return true;
 }
 
-// A card without changes shows itself again, because the compositor releases the picture before
-// only if it is seen. With the screen off, the pending frame tells. The timer shares a wake-up.
+// Shows a card without changes again, because the compositor releases the previous picture only if
+// it is visible. While the screen is off, the pending frame shows that. The timer shares a wake-up.
 void CardWindowWayland::lookSoon() {
     nextLook_ = resources_->clock.afterAbout(kLookInterval, kLookInterval / 3, [this] {
         lookSoon();
@@ -115,7 +115,7 @@ bool CardWindowWayland::show() {
     return true;
 }
 
-// They come only while the surface is open.
+// The events arrive only while the surface is open.
 SurfaceEvents CardWindowWayland::surfaceEvents() {
     return {.frame =
                 [this] {
@@ -145,14 +145,14 @@ void CardWindowWayland::hide() {
     report(press_.cancel());
 }
 
-// Draws what has changed, unless the compositor has not asked for a frame since the last one, or
-// reads both pictures. It will tell.
+// Draws the changes unless the compositor still owes a frame event or reads both pictures. Its next
+// event then continues the drawing.
 void CardWindowWayland::drawIfPaced(Instant now) {
     Shown& shown = *shown_;
     if (isMoving(now)) shown.isStale = true;
     if (!shown.awaitsFrame && (shown.isStale || !shown.areas.empty())) drawChanges(now);
-    // A moving title wakes the process once for each step, which then reads the answer to the step
-    // before. A compositor slower than the steps skips some.
+    // A moving title wakes the process once for each step, which then reads the answer to the
+    // previous step. A compositor slower than the steps skips some.
     const auto next = stage_->scene().nextChange;
     const bool isSoon = next && *next <= kSoon && now - shown.lastFrame <= kSoon;
     if (shown.awaitsFrame && isSoon && !shown.isStale && !press_.isPressed())

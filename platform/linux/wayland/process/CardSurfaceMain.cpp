@@ -38,7 +38,7 @@ bool connectToCompositor() {
 
 int main() {
     if (!connectToCompositor() || write(kAddOn, "", 1) != 1) return EXIT_FAILURE;
-    // The end of the compositor or of the add-on is reported without being asked for.
+    // poll reports a closed connection or pipe without a requested event.
     pollfd ends[] = {{kTimer, POLLIN, 0}, {kConnection, 0, 0}, {kAddOn, 0, 0}};
     while (poll(ends, std::size(ends), -1) < 0 && errno == EINTR) {
     }

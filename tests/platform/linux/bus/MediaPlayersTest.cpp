@@ -18,7 +18,7 @@ constexpr char kPath[] = "/org/mpris/MediaPlayer2";
 constexpr char kPlayer[] = "org.mpris.MediaPlayer2.Player";
 constexpr char kProperties[] = "org.freedesktop.DBus.Properties";
 
-// Its owner changes its values and then says so.
+// A player whose owner changes its values and then announces the change.
 class FakePlayer : public FakeBusService {
 public:
     double volume = 0.5;
@@ -91,7 +91,7 @@ protected:
         const T* value = player ? quorvane::find<T>(player->properties, key) : nullptr;
         return value ? *value : T{};
     }
-    // Whatever the fakes have sent until now has been handled.
+    // Returns when all messages that the fakes have sent are handled.
     void settle() {
         const FakePlayer last = makePlayer("last");
         ASSERT_TRUE(until([&] { return find("last") != nullptr; }));
@@ -107,7 +107,7 @@ protected:
 TEST_F(MediaPlayersTest, AreReadFollowedAndTold) {
     FakePlayer fake = makePlayer("fake");
     start();
-    EXPECT_TRUE(players->list().empty()) << "nothing is waited for";
+    EXPECT_TRUE(players->list().empty()) << "starting does not wait for answers";
     ASSERT_TRUE(until([&] { return find("fake") && find("fake")->identity == "Fake"; }));
     EXPECT_EQ(property<PropertyDictionary>("fake", "Metadata"),
               (PropertyDictionary{{"mpris:trackid", {std::string{"/track/1"}}},
@@ -120,7 +120,7 @@ TEST_F(MediaPlayersTest, AreReadFollowedAndTold) {
 
     fake.sayChanged("sa{sv}as", 1, "PlaybackStatus", "s", "Paused", 0);
     EXPECT_TRUE(until([&] { return property<std::string>("fake", "PlaybackStatus") == "Paused"; }));
-    EXPECT_EQ(property<double>("fake", "Volume"), 0.5) << "what did not change stays";
+    EXPECT_EQ(property<double>("fake", "Volume"), 0.5) << "unchanged properties are kept";
     fake.position = 12'000'000;
     fake.sayChanged("sa{sv}as", 0, 1, "Metadata");
     ASSERT_TRUE(until([&] { return find("fake")->position == 12'000'000; })) << "asked again";
@@ -148,7 +148,7 @@ TEST_F(MediaPlayersTest, ALongArtworkURLIsReadOnce) {
 
     fake.sayChanged("sa{sv}as", 1, "Volume", "d", 0.25, 0);
     EXPECT_TRUE(until([&] { return property<double>("fake", "Volume") == 0.25; }));
-    EXPECT_TRUE(find("fake")->artworkURL) << "what did not change stays";
+    EXPECT_TRUE(find("fake")->artworkURL) << "unchanged properties are kept";
     fake.artwork += std::string(12 << 20, 'x');
     fake.sayChanged("sa{sv}as", 1, "Metadata", "a{sv}", 1, "mpris:artUrl", "s",
                     fake.artwork.c_str(), 0);
@@ -164,7 +164,7 @@ TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
     startUntilListed("fake");
     EXPECT_EQ(find("hanging"), nullptr);
 
-    // One that hangs later keeps what it said; many questions to it do not pile up.
+    // A player that hangs later keeps its values; many requests to it do not accumulate.
     fake.detach();
     for (int i = 0; i < 1000; ++i) players->refresh(kFake);
     players->call(kFake, "Next");
@@ -189,7 +189,7 @@ TEST_F(MediaPlayersTest, APlayerThatHangsHoldsNobodyUp) {
     brief->detach();
     players->refresh("org.mpris.MediaPlayer2.brief");
     brief.reset();
-    EXPECT_TRUE(until([&] { return find("brief") == nullptr; })) << "vanished while it was asked";
+    EXPECT_TRUE(until([&] { return find("brief") == nullptr; })) << "vanished during a request";
 }
 
 TEST_F(MediaPlayersTest, APlayerMayHaveTwoNames) {
@@ -212,7 +212,7 @@ TEST_F(MediaPlayersTest, ListensToNoNonsense) {
     fake.sayChanged("sa{sv}as", 1, "PlaybackStatus", "s", tale.c_str(), 0);
     for (int number = 0; number < 100; ++number)
         fake.sayChanged("sa{sv}as", 1, std::to_string(number).c_str(), "b", 1, 0);
-    // From somebody who is no player, and nobody's property.
+    // Signals from a client that is not a player.
     FakeBusService stranger{loop(), privateBus.address(), "org.example.Stranger", nullptr};
     stranger.signal(kPath, kProperties, "PropertiesChanged", "sa{sv}as", kPlayer, 1,
                     "PlaybackStatus", "s", "Stopped", 0);

@@ -28,7 +28,7 @@ struct NoticesTest : testing::Test {
     std::vector<PropertyDictionary> heard;
 
     NoticesTest() { privateBus.useHere(); }
-    // What was sent before has arrived when this returns.
+    // Returns when everything sent so far has arrived.
     void settle() {
         const Handle done = darwin.observe("settled", [this] { loop.quit(0); });
         darwin.post("settled");
@@ -43,7 +43,7 @@ struct NoticesTest : testing::Test {
     }
 };
 
-// The kinds do not mix.
+// Distributed and Darwin notices are separate.
 TEST_F(NoticesTest, AreHeardByNameAndUntilTheHandleGoes) {
     Handle first;
     first = distributed.observe(kName, [&](const PropertyDictionary&) {
@@ -62,7 +62,7 @@ TEST_F(NoticesTest, AreHeardByNameAndUntilTheHandleGoes) {
     second.reset();
     distributed.post(kName, {});
     {
-        // What is posted last is heard although the poster ends at once.
+        // The last notice arrives although its sender ends at once.
         SessionBus brief{loop, log};
         makeDarwinNotices(brief, log).post(kName);
     }
@@ -93,7 +93,7 @@ TEST_F(NoticesTest, CarryEveryTypeAndLogWhatTheBusCannot) {
     EXPECT_EQ(heard, std::vector{everyType});
 }
 
-// As other programs, in other languages, may put it.
+// Signals as other programs, in other languages, may encode them.
 TEST_F(NoticesTest, ForeignSignalsAreReadOrDropped) {
     const Handle handle = distributed.observe(
         kName, [&](const PropertyDictionary& userInfo) { heard.push_back(userInfo); });
@@ -146,7 +146,7 @@ TEST_F(NoticesTest, ABusMayComeLater) {
     const Handle handle = darwin.observe(kName, [this] { trail.push_back("heard"); });
     darwin.post(kName);
     EXPECT_EQ(recording.take().size(), 1u);
-    // Nothing is used meanwhile: the connection comes by itself.
+    // The connection is restored without a request.
     privateBus.start();
     ASSERT_TRUE(runUntil(loop, [this] { return !recording.lines().empty(); }));
     EXPECT_EQ(recording.take(), Lines{"bus: the session bus is back"});
@@ -159,7 +159,7 @@ TEST_F(NoticesTest, ABusMayComeLater) {
 }
 
 TEST_F(NoticesTest, AnotherUsersBusIsRefused) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root can play another user";
+    if (geteuid() != 0) GTEST_SKIP() << "only root can act as another user";
     const TemporaryFolder folder;
     const std::string path = folder / "bus";
     ForkedChild other{[&](const ForkedChild::Say& say) {
@@ -168,7 +168,7 @@ TEST_F(NoticesTest, AnotherUsersBusIsRefused) {
         const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
         const bool isBound =
             bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-        // The user who listens counts.
+        // The peer's user is the one that calls listen.
         if (!isBound || setuid(65534) != 0 || listen(listener, 1) != 0) return 1;
         say("listening");
         while (true) pause();

@@ -1,4 +1,4 @@
-// What shows around and through a card: the locker's own picture, also when it changes.
+// The picture around and through a card: the locker's own, also when it changes.
 #include "tests/platform/linux/card/CardFixture.hpp"
 
 namespace quorvane {
@@ -21,7 +21,7 @@ protected:
         xcb_change_window_attributes(connection, lockerWindow, XCB_CW_BACK_PIXMAP, &picture);
         xcb_clear_area(connection, false, lockerWindow, 0, 0, 0, 0);
     }
-    // Beyond the shadow's reach, and in it.
+    // Outside the shadow's reach, and inside it.
     std::uint32_t marginPixel() { return pixelAt(kWindowX + 1, kWindowY + 1); }
     std::uint32_t shadowPixel() { return pixelAt(500, 384); }
     // Outside the card's shadow the window looks like what is behind it.
@@ -42,14 +42,14 @@ TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
     makeCard();
     showCard();
     expectMarginsLike(before, kWindowX, kWindowY);
-    // Partly onto where it was, and back.
+    // To a place that overlaps the old one, and back.
     window->setFrame(settings(200, 260).frame, screen());
     const bool isHidden = look().at(400, 400) == before.at(400, 400);
     EXPECT_EQ(isHidden, !GetParam()) << "until it has been painted behind the card";
     advance(milliseconds{150});
     expectMarginsLike(before, 200, 260);
     EXPECT_NE(look().at(400, 400), before.at(400, 400)) << "the card";
-    // As lockers do when the server asks them to repair what is open again.
+    // Lockers repaint like this when the server exposes an area again.
     showPicture(GetParam());
     settle();
     window->setFrame(settings(kWindowX, kWindowY).frame, screen());
@@ -65,7 +65,7 @@ TEST_F(CardBackdrop, FollowsTheLockersBackgroundWhenItRests) {
     const std::uint32_t glass = pixelAt(500, 250);
     EXPECT_NE(shadowPixel(), kLockerColor);
     setBackground(lockerWindow, 0xff902010);
-    EXPECT_EQ(marginPixel(), 0xff902010) << "nothing around the card is ever wrong";
+    EXPECT_EQ(marginPixel(), 0xff902010) << "the margin changes at once";
     EXPECT_EQ(shadowPixel(), 0xff902010);
     EXPECT_EQ(pixelAt(500, 250), glass);
     advance(milliseconds{100});
@@ -73,7 +73,7 @@ TEST_F(CardBackdrop, FollowsTheLockersBackgroundWhenItRests) {
     EXPECT_NE(shadowPixel(), 0xff902010);
     EXPECT_NE(pixelAt(500, 250), glass);
 
-    // Our own drawing is none of the locker's.
+    // The card's own drawing is not part of the locker's.
     for (int i = 0; i < 5; ++i) {
         advance(milliseconds{500});
         stage->setScene(sceneOf({{{20.0 * i, 20, 30, 30}, 0, Color::white()}}));
@@ -82,7 +82,7 @@ TEST_F(CardBackdrop, FollowsTheLockersBackgroundWhenItRests) {
     EXPECT_EQ(clock.pendingTimers(), 0u);
 }
 
-// Lockers make a new background in steps that the screen does not show: a fill, then the picture.
+// Lockers replace a background in steps that the screen does not show: a fill, then the picture.
 TEST_F(CardBackdrop, IsNeverAPictureInTheMaking) {
     lock();
     xcb_connection_t* connection = client->connection();
@@ -103,7 +103,7 @@ TEST_F(CardBackdrop, IsNeverAPictureInTheMaking) {
         advance(milliseconds{100});
         EXPECT_EQ(look(), before) << key;
     }
-    // Nor is a drawing that passes by, and that no background knows of.
+    // The same holds for a temporary drawing that is not part of the background.
     const std::uint32_t white = 0xffffffff;
     fill(*client, lockerWindow, {0, 0, 1000, 700}, white);
     EXPECT_EQ(pixelAt(kWindowX - 1, kWindowY), white);
@@ -155,7 +155,7 @@ TEST_F(CardBackdrop, OutsideOfTheScreenDoesNoHarm) {
     EXPECT_EQ(pixelAt(900, 100), kLockerColor);
 }
 
-// The same card on servers that lack what makes it fast or lets it follow.
+// The same card on servers without the extensions that make it fast or let it follow changes.
 class CardWithout : public CardBackdrop, public testing::WithParamInterface<const char*> {
 protected:
     CardWithout() { server = PrivateXServer{"1000x700x24", {"-extension", GetParam()}}; }

@@ -1,5 +1,5 @@
-// Card windows on a private X server, inside the window of a locker that the test plays. Time and
-// posted actions move only when the test says so; what the server has to tell comes in by `settle`.
+// Card windows on a private X server, inside the window of a simulated locker. Only the test
+// advances time and posted actions. `settle` handles the server's events.
 #pragma once
 
 #include "platform/linux/card/CardModule.hpp"
@@ -34,7 +34,7 @@ protected:
         stopWatching();
     }
 
-    // The session, and the locker's window that it finds, shown in one colour.
+    // Locks the session with a locker window of one colour.
     void lock(std::uint32_t color = kLockerColor) {
         if (!session) open();
         ASSERT_TRUE(client->grabKeyboard());
@@ -56,7 +56,7 @@ protected:
         xcb_clear_area(client->connection(), false, place, 0, 0, 0, 0);
     }
 
-    // Nothing on it is kept clear unless a test says so.
+    // No area of it is kept clear unless a test sets one.
     Screen screen() {
         Screen first = session->screens().list().front();
         first.keepClear.clear();
@@ -81,7 +81,7 @@ protected:
         makeCard();
         showCard();
     }
-    // At once and without any animation.
+    // Without a delay or animation.
     void showCard() {
         stage->setHidden(false);
         window->setAlpha(1);
@@ -93,7 +93,7 @@ protected:
         clock.advance(duration);
         mainThread.run();
     }
-    // The server has done what every client asked for, and the session has heard of it.
+    // Returns when the server has executed all requests and the session has handled all events.
     void settle() {
         for (int turn = 0; turn < 2; ++turn) {
             mainThread.run();

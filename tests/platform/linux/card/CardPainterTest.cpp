@@ -1,4 +1,4 @@
-// Parts of a card drawn one after the other, as a running card draws them, beside the whole of it.
+// Parts of a card, drawn one after the other as in a running card, compared with the whole card.
 #include "platform/linux/card/CardPainter.hpp"
 
 #include <gtest/gtest.h>

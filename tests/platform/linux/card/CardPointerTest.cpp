@@ -1,4 +1,4 @@
-// Presses on a card while the locker holds the pointer, and the arrow where the locker hides it.
+// Presses on a card while the locker holds the pointer, and the arrow for a hidden pointer.
 #include "tests/platform/linux/card/CardFixture.hpp"
 
 namespace quorvane {
@@ -47,7 +47,7 @@ protected:
         press();
         release();
     }
-    // The grab that hides the pointer is what lockers such as i3lock make.
+    // Lockers such as i3lock hide the pointer by a grab like this.
     void grabPointer(bool isHidden) {
         xcb_connection_t* connection = client->connection();
         const xcb_pixmap_t bits = xcb_generate_id(connection);
@@ -79,7 +79,7 @@ TEST_F(CardPointer, APressIsFollowedFromItsBeginningToItsEnd) {
     EXPECT_EQ(events.back(), Kind::up);
     EXPECT_EQ(places.back(), onCard(600, 498));
     moveTo(400, 200);
-    EXPECT_EQ(events.size(), 4u) << "moving alone says nothing";
+    EXPECT_EQ(events.size(), 4u) << "a move without a press is not reported";
 }
 
 TEST_F(CardPointer, OnlyThePrimaryButtonInsideTheOutlineCounts) {
@@ -90,7 +90,7 @@ TEST_F(CardPointer, OnlyThePrimaryButtonInsideTheOutlineCounts) {
     EXPECT_TRUE(events.empty() && observed.empty());
     clickAt(312, 164);  // just inside the corner's curve
     EXPECT_EQ(events, (std::vector{Kind::down, Kind::up}));
-    // What stands over the card keeps its clicks.
+    // A window above the card keeps its clicks.
     client->map(client->makeWindow({380, 180, 60, 40}, {}, lockerWindow));
     clickAt(400, 200);
     EXPECT_EQ(events.size(), 2u);
@@ -109,7 +109,7 @@ TEST_F(CardPointer, AnotherButtonOrTheEndOfTheCardCancels) {
 
     press();
     window->setIgnoresMouseEvents(true);
-    EXPECT_EQ(events.size(), 3u) << "nothing is heard inside the call";
+    EXPECT_EQ(events.size(), 3u) << "no callback inside the call";
     settle();
     EXPECT_EQ(events.back(), Kind::cancelled);
     release();
@@ -156,7 +156,7 @@ TEST_F(CardPointer, ShowsAnArrowOnlyWhereTheLockerHidesIts) {
 
     moveTo(600, 300);
     grabPointer(false);
-    EXPECT_EQ(look(), without) << "the locker shows its own, over an arrow of ours";
+    EXPECT_EQ(look(), without) << "the locker shows its own pointer, so the card draws no arrow";
     grabPointer(true);
     window->setFrame({248, 274 - 40, 504, 326}, screen());
     EXPECT_EQ(pixelAt(602, 306), kBlack) << "the card has moved, not the pointer";

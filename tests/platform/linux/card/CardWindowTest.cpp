@@ -1,4 +1,4 @@
-// Card windows inside a locker's window: where they stand, when they are seen, and their end.
+// Card windows inside a locker's window: where they are, when they are visible, and their end.
 #include "tests/platform/linux/card/CardFixture.hpp"
 
 namespace quorvane {
@@ -75,7 +75,7 @@ TEST_F(CardWindow, IsOnTheServerOnlyWhileSomethingIsSeenAndFadesAlongItsCurve) {
     advance(milliseconds{275});
     EXPECT_EQ(brightness(), 255);
     EXPECT_EQ(completed, 1);
-    EXPECT_EQ(clock.pendingTimers(), 0u) << "nothing ticks at rest";
+    EXPECT_EQ(clock.pendingTimers(), 0u) << "no timer runs at rest";
 
     window->animateAlpha(0, milliseconds{200}, [this] { stage->setHidden(true); });
     advance(milliseconds{100});
@@ -112,7 +112,7 @@ TEST_F(CardWindow, ALaterFadeTakesOverWhereTheFirstOneIs) {
     window->orderOut();
     fade(0, 4);
     advance(milliseconds{200});
-    EXPECT_EQ(completed, (std::vector<int>{1, 2, 3, 4})) << "also where nobody sees it";
+    EXPECT_EQ(completed, (std::vector<int>{1, 2, 3, 4})) << "also while the window is hidden";
 }
 
 TEST_F(CardWindow, SpringsFromItsStartToItsPlace) {
@@ -145,7 +145,7 @@ TEST_F(CardWindow, DrawsOnlyWhatIsDifferent) {
     const ShapeNode other{{300, 20, 30, 30}, 0, {0, 0, 1, 1}};
     stage->setScene(sceneOf({kGreenSquare, other}));
     showCard();
-    // By another client, into the card's window: what is drawn again afterwards shows.
+    // Another client fills the card's window, so that every area drawn afterwards is visible.
     fill(*viewer, cardWindow(), {0, 0, 504, 326}, kRed);
     stage->setScene(sceneOf({kGreenSquare, other}));
     EXPECT_EQ(std::ranges::count(look().pixels, kRed), 504 * 326) << "an equal scene draws nothing";
@@ -192,14 +192,14 @@ TEST_F(CardWindow, StandsUnderThePromptAndOverThePictureOfTheLocker) {
     makeCard(kWindowX, -40);
     stage->setScene(sceneOf({kGreenSquare}));
     showCard();
-    EXPECT_NE(pixelAt(500, 150), 0xff101010) << "the card, whose margin is not all on the screen";
-    EXPECT_EQ(pixelAt(340, 190), kRed) << "the prompt that was open";
+    EXPECT_NE(pixelAt(500, 150), 0xff101010) << "the card, whose margin is partly off the screen";
+    EXPECT_EQ(pixelAt(340, 190), kRed) << "the prompt that is already open";
     const Screenshot before = look();
     client->map(late);
     EXPECT_EQ(pixelAt(620, 200), kRed) << "the prompt that opens later, and does not raise itself";
     client->destroy(late);
     client->destroy(mapInLocker({350, 100, 200, 100}, kRed));
-    EXPECT_EQ(look(), before) << "what was covered is drawn again";
+    EXPECT_EQ(look(), before) << "the covered area is drawn again";
 }
 
 TEST_F(CardWindow, ReportsWhenItIsCoveredWhileItIsOnTheScreen) {

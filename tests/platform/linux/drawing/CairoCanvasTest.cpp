@@ -46,7 +46,7 @@ TEST(CairoCanvas, GroupsMoveFadeAndClipAndMayNest) {
     const DrawnScene shrunk =
         drawn({GroupBegin{.transform = {.scale = 0.5, .centre = {50, 30}}}, red, GroupEnd{}});
     EXPECT_EQ(shrunk.ink(), (Rect{25, 15, 50, 30}));
-    // A scene may open more than it closes, and the other way round.
+    // A scene may begin more groups than it ends, and the reverse.
     EXPECT_EQ(drawn({GroupEnd{}, GroupBegin{.opacity = 0.5}, red}).alphaAt(50, 30), 128);
 }
 
@@ -79,14 +79,14 @@ TEST(Symbols, AreOneFamily) {
     const Point middle{kFrame.midX(), kFrame.midY()};
     EXPECT_EQ(symbol("heart", 20).at(middle), 0u);
     EXPECT_EQ(symbol("heart.fill", 20).at(middle), 0xffffffffu);
-    // Where parts of a symbol overlap it is no stronger than elsewhere.
+    // A symbol has the same opacity where its parts overlap.
     const DrawnScene faint =
         drawn({SymbolNode{kFrame, "speaker.wave.3.fill", 30, Color::white(0.5)}}, 4);
     for (int y = 0; y < faint.height(); ++y)
         for (int x = 0; x < faint.width(); ++x) ASSERT_LE(faint.alphaAt(x, y), 128);
 }
 
-// What a canvas keeps of earlier scenes does not show.
+// Earlier scenes, which a canvas caches, do not affect the result.
 TEST(CairoCanvas, DrawsEachSceneAsAFreshCanvasDoes) {
     const auto heart = [](std::string_view name, double x, double width, double size,
                           double alpha) {

@@ -1,4 +1,4 @@
-// Scenes drawn to memory, for tests to look at their pixels, and pictures to draw.
+// Scenes drawn to memory, whose pixels tests can check, and pictures to draw.
 #pragma once
 
 #include <algorithm>
@@ -30,7 +30,7 @@ public:
     }
     int alphaAt(int x, int y) const { return static_cast<int>(at(x, y) >> 24); }
 
-    // What holds every pixel that is not clear, in points; empty when all are.
+    // The bounds of all pixels that are not clear, in points; empty when all are.
     Rect ink() const {
         int left = width(), top = height(), right = 0, bottom = 0;
         for (int y = 0; y < height(); ++y)
@@ -70,7 +70,7 @@ inline Bytes encoded(cairo_surface_t* surface) {
     return bytes;
 }
 
-// A PNG whose columns have these colours, each as wide as the next.
+// A PNG of columns in these colours, all of the same width.
 inline Bytes stripes(int width, int height, std::initializer_list<Color> colors) {
     const CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height)};
     const CairoContext cairo{cairo_create(surface.get())};

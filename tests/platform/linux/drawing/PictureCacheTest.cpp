@@ -37,7 +37,7 @@ bool isNear(std::uint32_t pixel, std::uint32_t wanted) {
 
 TEST(Pictures, FillTheirFrameCroppedAboutTheMiddle) {
     for (const double scale : {1.0, 1.25, 3.0}) {
-        // Wide: the outer stripes fall away. Small and large: scaled up and down.
+        // Wide: the outer stripes are cropped. Small and large: scaled up and down.
         for (const int size : {20, 900}) {
             const DrawnScene wide =
                 drawn(image(stripes(2 * size, size, {kRed, kGreen, kBlue, kRed})), scale);
@@ -62,7 +62,7 @@ TEST(Pictures, AreNotDrawnWhenTheyCannotBeDecoded) {
     const CairoSurface many{cairo_image_surface_create(CAIRO_FORMAT_A1, 8000, 8000)};
     const Bytes huge = encoded(many.get());
     EXPECT_LT(huge.size(), 100'000u);
-    // 20,000 by as many pixels that their decoder would draw, though few are encoded.
+    // Pictures of 20,000 by 20,000 pixels whose decoder would draw all, although few are encoded.
     const std::string bitmap =
         "BM\x9A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x20\x4E\0\0\x20\x4E\0\0\x01\0\x18\0"s +
         std::string(24, '\0') + std::string(100, '\x7F');

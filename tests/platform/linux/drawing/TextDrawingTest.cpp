@@ -50,7 +50,7 @@ TEST(TextDrawing, PaintsNothingOutsideItsFrame) {
     }
 }
 
-// Not on the next whole pixel, which would make their distances uneven.
+// Letters are not moved to the next whole pixel, because that would make their distances uneven.
 TEST(TextDrawing, LettersStandWhereTheyWereLaidOut) {
     const double advance = makeMeasureText()("l", kFont);
     // The middle of the ink of a line of so many letters.
@@ -102,7 +102,7 @@ TEST(TextDrawing, MovesByWholePixelsTowardTheLeadingEdge) {
             }
         EXPECT_GT(ink, 500);
     }
-    // Between two pixels a picture is as sharp as on one.
+    // Text at a fraction of a pixel is as sharp as at a whole one.
     EXPECT_EQ(scrolled(20.2), scrolled(20));
 }
 

@@ -1,4 +1,4 @@
-// Pictures fetched from a server that does all the harm it can.
+// Pictures fetched from a hostile server.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-# A web server on loopback that answers as the path says, with TLS. Writes its port, then a line for each connection.
+# A TLS web server on loopback whose answer depends on the path. Writes its port, then a line for each connection.
 import gzip, http.server, itertools, ssl, sys, time
 
 PNG = b"\x89PNG\r\n\x1a\n"

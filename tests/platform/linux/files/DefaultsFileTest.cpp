@@ -22,7 +22,7 @@ struct DefaultsFileTest : testing::Test {
     DefaultsFile store{file, {recording.sink(), "subsystem", "defaults"}};
     DefaultsFile otherStore{file, {recording.sink(), "subsystem", "defaults"}};
     UserDefaults defaults = store.table();
-    UserDefaults other = otherStore.table();  // as another process has it
+    UserDefaults other = otherStore.table();  // a second process's view of the file
 
     std::set<std::string> namesInConfig() const {
         std::set<std::string> names;
@@ -39,7 +39,7 @@ TEST_F(DefaultsFileTest, WritesAreSeenHereAtOnceAndThereAtTheNextLook) {
     EXPECT_EQ(defaults.get("key"), PropertyValue{true});
     EXPECT_EQ(other.get("key"), PropertyValue{true});
     EXPECT_EQ(other.get("number"), PropertyValue{std::int64_t{1}});
-    // Of the same size, so that only the file itself tells.
+    // Of the same size, so that the change does not show in the length.
     other.set("number", PropertyValue{std::int64_t{2}});
     EXPECT_EQ(defaults.get("number"), PropertyValue{std::int64_t{2}});
     other.set("key", std::nullopt);
@@ -68,7 +68,7 @@ void inFourProcesses(const std::function<bool(int process)>& body) {
     for (const auto& child : children) EXPECT_EQ(child->wait(), 0);
 }
 
-// The first of them makes the folder.
+// The first process makes the folder.
 TEST_F(DefaultsFileTest, WritersKeepEachOthersKeys) {
     const auto keyOf = [](int process, int number) {
         return std::to_string(process * 25 + number);
@@ -111,7 +111,7 @@ TEST_F(DefaultsFileTest, AnUnreadableFileIsKeptAside) {
     EXPECT_EQ(folder.read("config/domain.plist.malformed"), "<plist><dict><key>torn");
     EXPECT_EQ(other.get("key"), PropertyValue{true});
 
-    // A list, but no dictionary; and the name is taken.
+    // A valid list instead of a dictionary, while the first name for malformed files is taken.
     folder.write("config/domain.plist", "<plist><array/></plist>");
     other.set("key", PropertyValue{false});
     EXPECT_EQ(folder.read("config/domain.plist.malformed"), "<plist><dict><key>torn");
@@ -128,14 +128,14 @@ TEST_F(DefaultsFileTest, WhatCannotBeWrittenIsKeptAndTriedAgain) {
     std::filesystem::remove(folder / "config");
     EXPECT_TRUE(defaults.synchronize());
     EXPECT_EQ(other.get("key"), PropertyValue{true});
-    // A file that cannot even be looked at is not overwritten.
+    // A file that cannot be read is not overwritten.
     std::filesystem::remove(file);
     std::filesystem::create_directory(file);
     defaults.set("key", PropertyValue{false});
     EXPECT_TRUE(std::filesystem::is_directory(file));
     EXPECT_EQ(recording.take().size(), 1u);
     std::filesystem::remove(file);
-    // A value that no file holds holds up no other.
+    // A value that cannot be stored does not prevent storing others.
     defaults.set("date", PropertyValue{kDistantPast});
     EXPECT_EQ(recording.take().size(), 1u);
     EXPECT_EQ(defaults.get("date"), std::nullopt);

@@ -108,7 +108,7 @@ TEST_F(FilesTest, FilesAreReplacedWholeAndPrivate) {
 }
 
 TEST_F(FilesTest, RandomBytesAndIdentifiers) {
-    // More than the system gives in one call.
+    // More than one call to the system returns.
     Bytes bytes(1 << 20, std::byte{0});
     EXPECT_TRUE(makeFillRandom()(bytes));
     std::set<std::byte> tail(bytes.end() - 4096, bytes.end());
@@ -140,7 +140,7 @@ TEST_F(FilesTest, RegularFilesAreReadUpToTheLimit) {
     EXPECT_TRUE(regular.read(folder.write("empty", ""), 0)->contents.empty());
     std::filesystem::create_symlink(path, folder / "link");
     EXPECT_EQ(textOf(regular.read(folder / "link", 10)->contents), "0123456789");
-    // Says that it is empty and is not.
+    // A file whose size is 0 although it has contents.
     EXPECT_FALSE(regular.read("/proc/self/status", 1 << 20)->contents.empty());
     EXPECT_EQ(errorOf("/proc/self/status", 20), EFBIG);
 }
@@ -160,7 +160,7 @@ TEST_F(FilesTest, TheStampTellsVersionsApart) {
     const FileStamp first = regular.stamp(path).value();
     EXPECT_EQ(first.size, 3u);
     EXPECT_EQ(first, regular.stamp(path));
-    // Another file of the same size at the same place, as an atomic write leaves it.
+    // Another file of the same size and name, as after an atomic write.
     std::filesystem::rename(folder.write("new", "two"), path);
     EXPECT_NE(first, regular.stamp(path));
 }

@@ -87,7 +87,7 @@ TEST(PropertyListTest, DatesKeepTheirSecondAndTheLibrarysRange) {
                   PropertyValue{WallTime{std::chrono::floor<std::chrono::seconds>(date)}});
     }
     EXPECT_EQ(xmlPropertyList({kDistantPast}).error().code, EOVERFLOW);
-    // A text is not cut off at its NUL.
+    // A text with a NUL is not truncated.
     const std::string text("a\0b", 3);
     EXPECT_EQ(xmlPropertyList({text}).error().code, EINVAL);
     EXPECT_FALSE(xmlPropertyList({PropertyArray{{PropertyDictionary{{text, {true}}}}}}));
@@ -114,7 +114,7 @@ TEST(PropertyListTest, ListsThatUnfoldWithoutEndAreRefused) {
     for (int level = 0; level < 150; ++level) closing += "</array>";
     EXPECT_FALSE(parse("<plist>" + deep + closing + "</plist>"));
 
-    // Array n holds array n + 1 twice; the last may hold the first.
+    // Array n contains array n + 1 twice; the last one may contain the first.
     for (const bool isCircle : {false, true}) {
         std::string list = "bplist00", offsets;
         constexpr int kObjects = 60;

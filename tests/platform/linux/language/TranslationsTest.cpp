@@ -1,4 +1,4 @@
-// The table of texts, as built, and the languages of a user.
+// The built table of texts, and a user's languages.
 #include "platform/linux/language/Translations.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// A private X server, the session under test on it, and what the lock watcher tells.
+// A private X server, the tested session on it, and the lock watcher's notices.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ protected:
     }
 
     void SetUp() override {
-        ASSERT_NE(server.display(), "") << "Xvfb did not come up";
+        ASSERT_NE(server.display(), "") << "Xvfb did not start";
         client = std::make_unique<X11Client>(server.display());
     }
     void TearDown() override { stopWatching(); }
@@ -75,14 +75,14 @@ protected:
         client->map(window);
         return window;
     }
-    // What of the root's events the session has selected.
+    // The event mask that the session has selected on the root window.
     std::uint32_t rootMask() {
         xcb_connection_t* own = session->connection();
         const auto attributes = xcbReply(xcb_get_window_attributes_reply, own,
                                          xcb_get_window_attributes(own, session->screen().root));
         return attributes ? attributes->your_event_mask : 0;
     }
-    // And of the raw ones.
+    // The raw events that it has selected.
     std::uint32_t rawMask() {
         xcb_connection_t* own = session->connection();
         const auto reply = xcbReply(xcb_input_xi_get_selected_events_reply, own,
@@ -92,8 +92,8 @@ protected:
     }
 
     EventLoop& loop() { return services.loop; }
-    // Everything that the other client has done so far has been seen, and what the session asked of
-    // the server upon it is done: the server takes its clients' requests in no certain order.
+    // Returns when the session has handled the other client's events, and the server the requests
+    // that followed. The server serves its clients in no certain order.
     void settle() {
         client->sync();
         syncSession();
@@ -104,7 +104,7 @@ protected:
         xcb_connection_t* own = session->connection();
         xcbReply(xcb_get_input_focus_reply, own, xcb_get_input_focus(own));
     }
-    // The notices without their common beginning, and forgets them.
+    // The notices since the last call, without their common prefix.
     std::vector<std::string> take() { return std::exchange(notices, {}); }
     std::vector<std::string> takeSettled() {
         settle();

@@ -1,4 +1,4 @@
-// What the desktop's services say of the lock, from services that stand on a private bus.
+// The lock as the desktop's services report it, from services on a private bus.
 #include <gtest/gtest.h>
 
 #include "platform/linux/bus/BusConnection.hpp"
@@ -57,7 +57,7 @@ TEST_F(LockServices, TellWhenAScreenSaverBecomesActive) {
     FakeBusService xfce = makeService(kXfce, false);
     FakeBusService stranger = makeService("org.example.Stranger", false);
     ScreenSaverSignals savers{session, kScreenSaverServices, [this] { ++changes; }};
-    // The questions come behind the match rules: once they are here, signals are heard.
+    // The queries follow the match rules: once they have arrived, signals arrive too.
     ASSERT_TRUE(waitFor([&] { return !gnome.calls().empty() && !xfce.calls().empty(); }));
 
     stranger.signal(kGnomePath, kGnome, "ActiveChanged", "b", 1);
@@ -70,7 +70,7 @@ TEST_F(LockServices, TellWhenAScreenSaverBecomesActive) {
     xfce.signal("/org/xfce/ScreenSaver", kXfce, "ActiveChanged", "b", 0);
     ASSERT_TRUE(waitFor([&] { return savers.isActive() == false; }));
     EXPECT_EQ(changes, 3)
-        << "the answer, the first one and the last one, and nothing of the stranger";
+        << "the answer, the first signal and the last one, none of the other client";
 }
 
 TEST_F(LockServices, FollowTheSessionsHint) {
@@ -95,14 +95,14 @@ TEST_F(LockServices, FollowTheSessionsHint) {
     sleep(1);
     for (int wake = 0; wake < 2; ++wake) sleep(0);
     ASSERT_TRUE(waitFor([&] { return wakes > 1; }));
-    EXPECT_EQ(wakes, 2) << "going to sleep is no wake";
+    EXPECT_EQ(wakes, 2) << "going to sleep is not a wake-up";
     EXPECT_EQ(changes, 1) << "none of these was about this session's hint";
     hint(kOwnSession, kSession, "LockedHint", 0);
     ASSERT_TRUE(waitFor([&] { return !logind.isLocked(); }));
     EXPECT_EQ(changes, 2);
 }
 
-// What they said before does not stay, and what they say afterwards is heard.
+// Their last values are dropped when they end, and later values are received.
 TEST_F(LockServices, ComeBackAloneAndWithTheirBuses) {
     LogindLinux logind{system, events};
     ScreenSaverSignals savers{session, kScreenSaverServices, [this] { ++changes; }};
@@ -124,7 +124,7 @@ TEST_F(LockServices, ComeBackAloneAndWithTheirBuses) {
     EXPECT_EQ(changes, 12);
 }
 
-// As the add-on serves it and the host hears it.
+// The add-on serves the lock's state, and the host receives it.
 TEST_F(LockServices, TellWhatAnotherProcessSees) {
     ScreenSaverSignals seen{session, kAddOnServices, [] {}};
     const auto becomes = [&](std::optional<bool> state) {
@@ -165,7 +165,7 @@ TEST_F(LockServices, ReadWhetherMotionIsReduced) {
     ASSERT_TRUE(waitFor([&] { return motion.isReduced(); }));
     isReduced = false;
     motion.refresh();
-    EXPECT_TRUE(motion.isReduced()) << "what was known serves until the answer is here";
+    EXPECT_TRUE(motion.isReduced()) << "the known value holds until the answer arrives";
     ASSERT_TRUE(waitFor([&] { return !motion.isReduced(); }));
 
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);

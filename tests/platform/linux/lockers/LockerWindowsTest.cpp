@@ -1,4 +1,4 @@
-// Which windows on a real X server are taken for lockers, and what the watcher tells of them.
+// Which windows on a real X server count as lockers, and what the watcher reports.
 #include <random>
 
 #include "platform/linux/x11/TopLevelWindows.hpp"
@@ -34,8 +34,8 @@ TEST_F(LockerWindows, TellOfAKnownLockerAsItComesAndGoes) {
     EXPECT_TRUE(session->lockerWindows().empty());
 }
 
-// As when a locker has crashed and is started again at once: a card inside the first one's window
-// has gone with it.
+// For example a locker that has crashed and is restarted at once: the card inside the first one's
+// window is gone too.
 TEST_F(LockerWindows, ThatAreReplacedAtOnceAreALockOfTheirOwn) {
     watch();
     const xcb_window_t first = standLocker();
@@ -46,7 +46,7 @@ TEST_F(LockerWindows, ThatAreReplacedAtOnceAreALockOfTheirOwn) {
     const xcb_window_t second = standLocker();
     EXPECT_EQ(takeSettled(), another);
     client->destroy(second);
-    // The server gives a client that comes now the numbers of one that has gone.
+    // The server reuses the window numbers of a client that has gone.
     standLocker(kBothMonitors, "i3lock", second);
     EXPECT_EQ(takeSettled(), another);
     standLocker();
@@ -60,7 +60,7 @@ TEST_F(LockerWindows, AreFoundWhenTheyStandAlready) {
     watch();
     EXPECT_TRUE(isLocked());
     EXPECT_EQ(session->lockerWindows().size(), 1u);
-    // The lock is a state that is asked for; its face is announced to whoever comes late.
+    // The lock is a state that is queried; the lock's UI is announced to late observers.
     EXPECT_EQ(takeSettled(), (Notices{"LockUIIsShown"}));
     client->disconnect();
     EXPECT_TRUE(waitForNotices(2));
@@ -101,7 +101,7 @@ TEST_F(LockerWindows, OfAnUnknownClientNeedKeyboardAndPointer) {
     useTwoMonitors();
     watch();
     const xcb_window_t window = standLocker(kBothMonitors, "");
-    EXPECT_EQ(takeSettled(), Notices{}) << "an overlay is no locker";
+    EXPECT_EQ(takeSettled(), Notices{}) << "an overlay is not a locker";
     ASSERT_TRUE(client->grabKeyboard());
     EXPECT_EQ(takeSettled(), Notices{});
     X11Client another{server.display()};
@@ -137,10 +137,10 @@ TEST_F(LockerWindows, OfAnUnknownClientAreToldFromWindowsThatOnlyCoverMuch) {
     application.sync();
     desktop.ungrabKeyboard();
     ASSERT_TRUE((desktop.sync(), desktop.grabKeyboard()));
-    EXPECT_EQ(takeSettled(), Notices{}) << "an ordinary window stands above";
+    EXPECT_EQ(takeSettled(), Notices{}) << "an ordinary window is above it";
     client->destroy(wallpaper);
 
-    // The compositor's own window covers everything, whatever keys the desktop grabs.
+    // The compositor's own window covers everything, and the desktop may grab any keys.
     const xcb_window_t output = desktop.makeWindow(kBothMonitors);
     xcb_set_selection_owner(desktop.connection(), output, desktop.atom("_NET_WM_CM_S0"),
                             XCB_CURRENT_TIME);
@@ -173,7 +173,7 @@ TEST_F(LockerWindows, OfXscreensaverCountOnlyWhileItSaysLocked) {
     const xcb_window_t saver = client->makeWindow(kBothMonitors);
     const xcb_window_t fade = client->makeWindow(kBothMonitors);
     client->map(fade);
-    EXPECT_EQ(takeSettled(), kLockedAndShown) << "nothing tells yet whose windows these are";
+    EXPECT_EQ(takeSettled(), kLockedAndShown) << "the windows' owner is not known yet";
     client->setClass(saver, "xscreensaver", "XScreenSaver");
     EXPECT_EQ(takeSettled(), kHiddenAndUnlocked);
     client->map(saver);
@@ -182,10 +182,10 @@ TEST_F(LockerWindows, OfXscreensaverCountOnlyWhileItSaysLocked) {
     EXPECT_EQ(takeSettled(), kLockedAndShown);
     ASSERT_EQ(session->lockerWindows().size(), 1u);
     EXPECT_EQ(session->lockerWindows().front().window, saver);
-    // The process that guards the screen ends; the one that draws stays.
+    // The process that guards the screen ends; the one that draws continues.
     client->ungrabKeyboard();
     EXPECT_EQ(takeSettled(), kHiddenAndUnlocked);
-    // The root's properties, to which others write all the time, are of interest only meanwhile.
+    // The root's properties, which other clients change all the time, matter only during a lock.
     EXPECT_NE(rootMask() & XCB_EVENT_MASK_PROPERTY_CHANGE, 0u);
     client->destroy(saver);
     client->destroy(fade);
@@ -234,7 +234,7 @@ TEST_F(LockerWindows, KeepTheAreasOfTheirPromptsClear) {
     EXPECT_EQ(changes, 0) << "no card is left to move";
 }
 
-// Of several windows, one a monitor.
+// Windows of a locker that has one per monitor.
 TEST_F(LockerWindows, ThatReachAMonitorLaterOrAreReplacedAreReportedOnce) {
     useTwoMonitors();
     watch();
@@ -250,7 +250,7 @@ TEST_F(LockerWindows, ThatReachAMonitorLaterOrAreReplacedAreReportedOnce) {
     EXPECT_EQ(changes, 0);
     ASSERT_TRUE(runUntil(loop(), [&] { return changes > 0; }));
 
-    // The locker may follow the monitors or be there first; all have one report together.
+    // The locker's windows may change before or after the monitors; one report covers both.
     changes = 0;
     client->destroy(right);
     server.deleteMonitor("right");
@@ -273,7 +273,7 @@ TEST_F(LockerWindows, AreNotMistakenForOurs) {
     const xcb_window_t window = standLocker(kBothMonitors, "XLock");
     settle();
     const auto before = zones();
-    // A card made over the session's own connection, and one that was noted.
+    // One card made over the session's own connection, and one that was registered.
     xcb_connection_t* own = session->connection();
     const xcb_window_t card = xcb_generate_id(own);
     xcb_create_window(own, XCB_COPY_FROM_PARENT, card, window, 20, 20, 200, 100, 0,
@@ -307,7 +307,7 @@ TEST_F(LockerWindows, OfARealXsecurelockStandInTheOverlayAndKeepItsPromptClear) 
     client->setResources("Xft.dpi: 96\n");
     client->sync();
     watch();
-    // What it says of a machine without accounts and logins is of no interest.
+    // Its warnings on a machine without accounts and logins do not matter.
     ChildProcess locker{{"sh", "-c", "exec xsecurelock >/dev/null 2>&1"},
                         {server.environment(), "XSECURELOCK_SAVER=saver_blank"}};
     ASSERT_TRUE(waitForNotices(2));
@@ -321,7 +321,7 @@ TEST_F(LockerWindows, OfARealXsecurelockStandInTheOverlayAndKeepItsPromptClear) 
     EXPECT_LT(zones().front().width, 1600);
     EXPECT_EQ(zones().front().height, 190) << "no card has to move";
 
-    // Its window is inside the server's overlay, which is not listed: it is found all the same.
+    // Its window is inside the server's overlay, which is not listed, but the watcher finds it.
     stopWatching();
     watch();
     EXPECT_TRUE(isLocked());
@@ -332,7 +332,7 @@ TEST_F(LockerWindows, OfARealXsecurelockStandInTheOverlayAndKeepItsPromptClear) 
     EXPECT_EQ(take(), (Notices{"LockUIIsShown", "LockUIIsHidden", "IsUnlocked"}));
 }
 
-// The stack is followed from events alone; after any history it must be what the server lists.
+// The stack is tracked by events alone; after any history it must equal the server's list.
 TEST_F(LockerWindows, AreStackedAsTheServerSays) {
     watch();
     auto x11 = X11Connection::open(loop(), server.display(), [] {});

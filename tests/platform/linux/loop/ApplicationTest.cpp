@@ -11,7 +11,7 @@ namespace {
 
 using Say = ForkedChild::Say;
 
-// Runs an application that says what happens to it. `launched` is called when it has launched.
+// Runs an application that reports its events. `launched` is called when it has launched.
 int runApplication(const Say& say, const std::function<void(EventLoop&, Application&)>& launched) {
     EventLoop loop;
     ApplicationLinux owner{loop};
@@ -37,7 +37,7 @@ TEST(ApplicationTest, EndsInOrderForEveryReason) {
         int signal;  // sent to the idle loop
         int status;
     } rows[] = {
-        // Both come before the loop turns again: the end is one.
+        // Both signals precede the loop's next iteration: the application ends once.
         {[](auto&, auto&) { raise(SIGINT), raise(SIGINT); }, 0, 0},
         {[](auto&, auto&) {}, SIGINT, 0},
         {[](auto& loop, auto& application) { application.terminate(), loop.quit(9); }, 0, 0},
@@ -54,7 +54,7 @@ TEST(ApplicationTest, EndsInOrderForEveryReason) {
 
 TEST(ApplicationTest, TerminationSignalEndsABlockedProcessAfterOneLine) {
     ForkedChild child{[](const Say& say) {
-        // As whoever started the program may have left it.
+        // A parent process may start the program with this mask.
         sigset_t blocked;
         sigemptyset(&blocked);
         sigaddset(&blocked, SIGTERM);
@@ -73,7 +73,7 @@ TEST(ApplicationTest, TerminationSignalEndsABlockedProcessAfterOneLine) {
     EXPECT_EQ(WTERMSIG(status), SIGTERM);
 }
 
-// What is blocked or ignored would stay so in every program that this one starts.
+// Programs that this one starts would inherit blocked and ignored signals.
 TEST(ApplicationTest, BrokenPipesAreErrorsAndStartedProgramsGetTheirSignals) {
     const auto dispositions = [] {
         std::string text(200, '\0');

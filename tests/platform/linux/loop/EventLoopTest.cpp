@@ -35,7 +35,7 @@ TEST_F(EventLoopTest, TimersThatMayBeLateShareAWakeUpAndWaitForNoOther) {
     const Instant start = clock.now();
     const Timer exact = clock.after(milliseconds{300}, note);
     const Timer late = clock.afterAbout(milliseconds{200}, milliseconds{200}, [&] {
-        EXPECT_GE(clock.now() - start, milliseconds{300});  // but for the tolerance at 200
+        EXPECT_GE(clock.now() - start, milliseconds{300});  // it would be 200 without the tolerance
         note();
     });
     const Timer last = clock.afterAbout(milliseconds{310}, std::chrono::hours{1}, [&] {
@@ -51,8 +51,8 @@ TEST_F(EventLoopTest, TimersFireInOrderOfTimeThenOfMaking) {
     const Instant start = clock.now();
     std::vector<Timer> timers;
     Trail expected{"at once", "first"};
-    // Enough of them for an unstable order to show; late enough for a slow machine to have made the
-    // earlier ones.
+    // Enough timers to reveal an unstable order, and late enough for a slow machine to make all of
+    // them in time.
     for (int index = 0; index < 20; ++index) {
         expected.push_back("same" + std::to_string(index));
         timers.push_back(clock.after(milliseconds{100}, note(expected.back())));
@@ -69,7 +69,7 @@ TEST_F(EventLoopTest, TimersFireInOrderOfTimeThenOfMaking) {
     EXPECT_EQ(trail, expected);
 }
 
-// Each of them is short: the loop's default would round it to a quarter of a second.
+// All timers are short: the loop's default accuracy would round them to a quarter of a second.
 TEST_F(EventLoopTest, TimersMayDropAndMakeTimersWhileTheyFire) {
     Timer own, victim;
     int left = 8;

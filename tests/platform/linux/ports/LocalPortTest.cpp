@@ -1,4 +1,4 @@
-// The server's side against clients that send junk, send half, never read, crowd, or die.
+// The server against clients that send junk or half a frame, never read, crowd, or die.
 #include "platform/linux/ports/LocalPortLinux.hpp"
 
 #include <gtest/gtest.h>
@@ -131,10 +131,10 @@ TEST_F(LocalPortTest, RepliesThatNobodyReadsHoldNobodyUpAndAreDroppedInTime) {
 }
 
 TEST_F(LocalPortTest, LongBodiesOfAllClientsTogetherAreBounded) {
-    constexpr std::size_t kBound = 4 << 20;  // half of it is more than the kernel keeps
+    constexpr std::size_t kBound = 4 << 20;  // half of it exceeds the kernel's buffers
     replySize = kBound / 2 + 1;
     serve({.bodyBytes = kBound});
-    // One takes it all, and has not sent it yet.
+    // One client reserves all of it, and has not sent its whole body yet.
     BareSocket first = bareClient();
     first.sendAll(frame(encode(RequestHeader{kBound, 7, true, 1}), Bytes(5000)));
     const auto isAnswered = [&] {
@@ -142,14 +142,14 @@ TEST_F(LocalPortTest, LongBodiesOfAllClientsTogetherAreBounded) {
         client.sendAll(requestFrame(1, Bytes(5000)));
         return client.receive(5024).size() == 5024;
     };
-    while (isAnswered()) {  // until the first one's header is read
+    while (isAnswered()) {  // until the server has read the first client's header
     }
-    expectService();  // of what is short
+    expectService();  // short requests are still served
     first.close();
     while (!isAnswered()) {
     }
 
-    // Replies wait too: for two there is no room.
+    // Replies count too: there is no room for two.
     const BareSocket fourth = bareClient();
     fourth.sendAll(requestFrame(1, bytesOf("!")));
     EXPECT_TRUE(fourth.waitFor(POLLIN));

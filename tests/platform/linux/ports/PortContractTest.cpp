@@ -1,4 +1,4 @@
-// What the ports of the sockets promise to both of their sides.
+// The contract of the socket ports, for both sides.
 #include <gtest/gtest.h>
 
 #include "tests/platform/linux/ports/PortTools.hpp"
@@ -41,7 +41,7 @@ TEST_F(PortContract, EveryLengthComesThroughWhole) {
                               return answer;
                           }};
     const auto remote = connect(kName);
-    Bytes memory;  // of the reply before, which may be longer or shorter
+    Bytes memory;  // the previous reply's, which may be longer or shorter
     for (const std::size_t length : {1, 4071, 4072, 4073, 4096, 16 << 20, 65536}) {
         Bytes body(length, std::byte{1});
         for (std::size_t i = 0; i < length; i += 101) body[i] = static_cast<std::byte>(i / 256);

@@ -1,4 +1,4 @@
-// What the tests of ports share: a port served on a thread, and bare sockets in its folder.
+// Shared tools of the port tests: a port served on a thread, and bare sockets in its folder.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -76,7 +76,7 @@ public:
         const ssize_t count = send(get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
         return count < 0 ? 0 : static_cast<std::size_t>(count);
     }
-    // So many bytes, or fewer when the other end has closed.
+    // Up to this many bytes; fewer when the other end has closed.
     Bytes receive(std::size_t length) const {
         Bytes bytes(length);
         const ssize_t count = recv(get(), bytes.data(), length, MSG_WAITALL);
@@ -87,7 +87,7 @@ public:
         pollfd entry{get(), events, 0};
         return poll(&entry, 1, 20000) == 1;
     }
-    // Waits for the other end to close; what still comes is dropped.
+    // Waits for the other end to close; drops the bytes that still arrive.
     bool isClosed() const {
         std::array<std::byte, 65536> dropped;
         while (true) {
@@ -100,7 +100,7 @@ private:
     FileDescriptor socket_;
 };
 
-// A program that listens under a port's name and does what the test wants with one client.
+// A program that listens under a port's name. The test controls how it serves its one client.
 class BareServer {
 public:
     explicit BareServer(const std::filesystem::path& folder, int backlog = 8) {

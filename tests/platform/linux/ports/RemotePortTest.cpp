@@ -1,4 +1,4 @@
-// The client's side against servers that die, trickle, lie or belong to somebody else.
+// The client against servers that die, trickle, lie or run as another user.
 #include "platform/linux/ports/RemotePortLinux.hpp"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ TEST(SocketFrame, HeadersAreTheseBytes) {
 
 class RemotePortTest : public testing::Test {
 protected:
-    // The client's send, while the test plays the server. The body outlives it.
+    // The client's send, while the test acts as the server. The body outlives it.
     std::future<PortReply> sendLater(PortRequest asked) {
         return std::async(std::launch::async, [this, asked] { return remote->send(asked); });
     }
@@ -89,7 +89,7 @@ TEST_F(RemotePortTest, SmallRequestsThatNobodyReadsAreTakenUntilTheSocketIsFull)
     std::uint64_t taken = 0;
     for (; (status = remote->send(told).status) == kPortSuccess; ++taken) ASSERT_LT(taken, 100000U);
     EXPECT_EQ(status, kPortSendTimeout);
-    // No part of the one that timed out has been sent: the next follows whole.
+    // No part of the request that timed out was sent: the next one arrives whole.
     for (std::uint64_t sequence = 1; sequence <= taken; ++sequence)
         ASSERT_EQ(client.receive(28), requestFrame(sequence, bytesOf("told"), false));
     EXPECT_EQ(remote->send(told).status, kPortSuccess);
@@ -114,7 +114,7 @@ TEST_F(RemotePortTest, AReplyThatTricklesInIsTooLateAllTheSame) {
     trickler.join();
 }
 
-// The kernel refuses what is not below, and goes on without a limit.
+// The kernel rejects a million microseconds or more, and the socket then has no limit.
 TEST(RemotePortLimit, AMomentLessThanASecondHasFewerThanAMillionMicroseconds) {
     const timeval limit = timevalUpTo(1s - 1ns);
     EXPECT_EQ(limit.tv_sec, 1);
@@ -138,7 +138,7 @@ TEST_F(RemotePortTest, RepliesThatBreakARuleEndTheConnection) {
                                  encode(ReplyHeader{0xFFFFFFFF, 0, 1}),
                                  encode(ReplyHeader{0, 1, 1}),
                                  encode(ReplyHeader{5, kPortTransportError, 1}),
-                                 encode(ReplyHeader{0, 0, 2})};  // to what was never asked
+                                 encode(ReplyHeader{0, 0, 2})};  // to a request that was never sent
     for (const FrameHeader& header : cases) {
         client.sendAll(frame(header));
         EXPECT_EQ(remote->send(request({})).status, kPortTransportError) << &header - cases;
@@ -228,9 +228,9 @@ std::unique_ptr<ForkedChild> somebodyElse(const std::filesystem::path& path,
     });
 }
 
-// Needs the rights to become somebody else.
+// Needs the rights to act as another user.
 TEST(PeerCheck, TheOtherSideMustBeTheSameUser) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root can play two users";
+    if (geteuid() != 0) GTEST_SKIP() << "only root can act as two users";
     const TemporaryFolder folder;
     chmod(folder.path().c_str(), 0777);
     // A server of another user under our name. The folder is made private again behind it.
@@ -241,7 +241,7 @@ TEST(PeerCheck, TheOtherSideMustBeTheSameUser) {
     chmod(folder.path().c_str(), 0700);
     EXPECT_EQ(makeConnectPortLinux(folder.path())(kName), nullptr);
 
-    // And a client of another user, for whom the folder and the socket were opened wide.
+    // And a client of another user, for whom the folder and the socket are made accessible.
     std::atomic<int> calls = 0;
     const auto port = makeOpenPortLinux(folder.path())("ours", [&](std::int32_t, ByteView) {
         ++calls;

@@ -21,7 +21,7 @@ std::string socketResult(int family) {
     return result;
 }
 
-// Reads its own memory by the call that reads others'.
+// Reads its own memory by the system call that reads another process's.
 std::string foreignMemoryResult() {
     char from = 'a';
     char to = 'b';
@@ -38,7 +38,7 @@ std::string familiesNotRefused() {
     return families;
 }
 
-// What a confined process can still do: on this thread, and on one that was there before.
+// The abilities of a confined process, on this thread and on one that was started before.
 std::vector<std::string> abilitiesUnder(Network network) {
     ForkedChild child{[network](const ForkedChild::Say& say) {
         std::string elsewhere;

@@ -1,4 +1,4 @@
-// The live tables of an application's life, over real files and processes.
+// The live tables of an application's life cycle, over real files and processes.
 #include <gtest/gtest.h>
 
 #include "platform/linux/files/FileManagerLinux.hpp"
@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
-// A name of its own, so that no other program of this user is counted.
+// A unique name, so that no other program of this user is counted.
 const std::string kIdentifier = "example.quillon.Test." + std::to_string(getpid());
 
 struct LoginItemTest : testing::Test {
@@ -117,7 +117,7 @@ struct RunningApplicationsTest : testing::Test {
         for (const RunningCopy& copy : applications.running(kIdentifier)) found.push_back(copy.pid);
         return found;
     }
-    // A child is this program's own image until it has begun.
+    // Waits, because a child is still this program's own image before its exec.
     bool finds(const std::vector<std::int32_t>& expected) const {
         return eventually([&] { return pids() == expected; });
     }
@@ -133,22 +133,22 @@ TEST_F(RunningApplicationsTest, AreOneLoginsProcessesOutOfABundle) {
     ASSERT_TRUE(finds({copy.pid(), second.pid()}));
 
     applications.terminate(copy.pid());
-    EXPECT_TRUE(finds({second.pid()})) << "an ended one that nobody has waited for is gone too";
+    EXPECT_TRUE(finds({second.pid()})) << "a zombie does not count either";
     const auto status = copy.wait(20s);
     EXPECT_TRUE(status && WIFSIGNALED(*status) && WTERMSIG(*status) == SIGINT);
-    applications.terminate(getpid());  // no application: nothing happens
+    applications.terminate(getpid());  // not an application: no effect
     applications.terminate(1 << 30);
 }
 
 TEST_F(RunningApplicationsTest, AreStartedToLiveOnTheirOwn) {
     fs::create_directory_symlink(folder / "X.app", folder / "link");
-    signal(SIGINT, SIG_IGN);  // as a script's background does
+    signal(SIGINT, SIG_IGN);  // as for a script's background command
     ASSERT_TRUE(openApplication(folder / "link", {"1000"}));
     signal(SIGINT, SIG_DFL);
     const auto copies = pids();
-    ASSERT_EQ(copies.size(), 1u) << "it has begun when the call returns";
+    ASSERT_EQ(copies.size(), 1u) << "it runs when the call returns";
     const auto process = fs::path{"/proc"} / std::to_string(copies[0]);
-    EXPECT_EQ(waitpid(copies[0], nullptr, WNOHANG), -1) << "it is no child of ours";
+    EXPECT_EQ(waitpid(copies[0], nullptr, WNOHANG), -1) << "it is not our child";
     EXPECT_NE(getsid(copies[0]), getsid(0));
     for (const char* standard : {"fd/0", "fd/1", "fd/2"})
         EXPECT_EQ(fs::read_symlink(process / standard), "/dev/null");

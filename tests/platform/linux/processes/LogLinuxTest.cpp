@@ -61,8 +61,8 @@ TEST(LogLinuxTest, AFileTakesTheLinesOfSeveralPrograms) {
         EXPECT_NE(text.find(line), std::string::npos) << line;
 }
 
-// A journal of the test's own stands at the one place where programs look for it, which needs a
-// file system view of the child's own.
+// The test's own journal is at the one path that programs use, so the child needs a private mount
+// namespace.
 bool enterPrivateRun() {
     const std::string mapping = "0 " + std::to_string(geteuid()) + " 1";
     if (unshare(CLONE_NEWNS) != 0) {
@@ -91,14 +91,14 @@ TEST(LogLinuxTest, TheJournalGetsFields) {
     std::string text;
     for (auto line = child.line(); !line.empty(); line = child.line()) text += line + "\n";
     if (WEXITSTATUS(child.wait()) == 2)
-        GTEST_SKIP() << "this machine gives no file system view of one's own";
+        GTEST_SKIP() << "this machine allows no private mount namespace";
     const std::string fields =
         "SUBSYSTEM=subsystem\nCATEGORY=app\nSYSLOG_IDENTIFIER=identifier\n--\n";
     EXPECT_TRUE(text.starts_with(
         "MESSAGE=debug <private>\nPRIORITY=7\n" + fields + "MESSAGE=info\nPRIORITY=6\n" + fields +
         "MESSAGE=standard\nPRIORITY=5\n" + fields + "MESSAGE=error\nPRIORITY=3\n" + fields))
         << text;
-    // The journal's form for a value with a line end: its name alone, its size, its bytes.
+    // The journal's format for a value with a line end: the name alone, the size, the bytes.
     EXPECT_NE(text.find("--\nMESSAGE\n"), std::string::npos) << text;
     EXPECT_TRUE(text.ends_with("of two lines\nPRIORITY=2\n" + fields)) << text;
 }

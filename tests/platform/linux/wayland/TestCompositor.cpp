@@ -43,7 +43,7 @@ std::string textOf(const wl_protocol_logger_message& message) {
 
 }  // namespace
 
-// The requests, in the order of their numbers.
+// The requests, in the order of their opcodes.
 struct CompositorRequests {
     static void createSurface(wl_client* client, wl_resource* resource, std::uint32_t id) {
         auto& self = *static_cast<TestCompositor*>(wl_resource_get_user_data(resource));

@@ -1,5 +1,5 @@
-// A small Wayland compositor on the test's own loop: what the card uses, and a record of every
-// request.
+// A small Wayland compositor on the test's own loop: the interfaces that the card uses, and a
+// record of every request.
 #pragma once
 
 #include <wayland-server.h>
@@ -50,7 +50,7 @@ public:
     void offerKdeOverlay();
     Output& addOutput(Output output);
     void remove(Output& output);
-    // As a repaint does: asks for the next pictures and releases those before.
+    // Acts as a repaint: requests the next pictures and releases the previous ones.
     void repaint();
     void closeLayers();
     // A press at a place of the newest surface, moved and lifted there.
@@ -59,9 +59,9 @@ public:
     void move(Point place);
     void touchDown(Point place);
     void touchUp();
-    // Hyprland's notice.
+    // Sends Hyprland's notice.
     void tellLocked(bool isLocked);
-    // The compositor's own end.
+    // Ends the compositor.
     void end();
 
     // Every request so far, as "interface.request(numbers and texts)".

@@ -1,4 +1,4 @@
-// The card's surfaces as a compositor sees them, from the real surface process.
+// The surfaces of the card as a compositor receives them from the real surface process.
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
@@ -20,7 +20,7 @@ constexpr TestCompositor::Output kPlain{.width = 1280, .height = 800, .logical =
 
 class WaylandCard : public testing::Test {
 protected:
-    // The compositor's socket is here.
+    // The folder of the compositor's socket.
     struct RuntimeFolder : TemporaryFolder {
         RuntimeFolder() {
             setenv("XDG_RUNTIME_DIR", path().c_str(), 1);
@@ -93,7 +93,7 @@ TEST_F(WaylandCard, HasScreensOnlyDuringALock) {
     EXPECT_EQ(screens[0].frame, (Rect{0, -720, 1280, 720}));
     EXPECT_EQ(screens[0].scale, 1.5) << "from the two sizes, not the whole scale of 2";
     EXPECT_EQ(screens[1].frame, (Rect{1280, -1920, 1080, 1920}));
-    EXPECT_EQ(screens[1].scale, 1) << "turned";
+    EXPECT_EQ(screens[1].scale, 1) << "rotated";
     EXPECT_EQ(changes, 1);
     compositor->remove(second);
     EXPECT_TRUE(until([&] { return session.screens().list().size() == 1; }));
@@ -148,7 +148,7 @@ TEST_F(WaylandCard, HasTheScreensPixelsAndTheLogicalSize) {
 Scene sceneOf(double width) {
     Scene scene;
     scene.nodes.push_back(ShapeNode{.frame = {20, 20, width, 10}, .fill = Color::white()});
-    scene.nextChange = std::chrono::milliseconds{30};  // as a moving title's: events may wait
+    scene.nextChange = std::chrono::milliseconds{30};  // as for a moving title: events may wait
     return scene;
 }
 
@@ -166,7 +166,7 @@ TEST_F(WaylandCard, DrawsOnceAFrame) {
     EXPECT_EQ(compositor->surface().commits, before + 1);
     const Pixels& shown = compositor->surface().shown;
     EXPECT_NE(shown.at(52 + 35, 52 + 25), shown.at(52 + 45, 52 + 25)) << "both changes are drawn";
-    for (int i = 1; i <= 4; ++i) {  // each picture has what was drawn into the other
+    for (int i = 1; i <= 4; ++i) {  // each picture also has the previous one's drawing
         compositor->repaint();
         settle(std::chrono::milliseconds{30});
         stage->setScene(sceneOf(20 + 20 * i));
@@ -224,7 +224,7 @@ TEST_F(WaylandCard, IsPressedByPointerAndFinger) {
     compositor->button(BTN_RIGHT, false);
     compositor->move({10, 10});
     compositor->touchDown({72, 62});
-    EXPECT_TRUE(isNext(Kind::down, {20, 10})) << "no other button presses, no hovering is told";
+    EXPECT_TRUE(isNext(Kind::down, {20, 10})) << "other buttons and hovering are not reported";
     compositor->touchUp();
     EXPECT_TRUE(isNext(Kind::up, {20, 10}));
     compositor->button(BTN_LEFT, true);
@@ -253,11 +253,11 @@ TEST_F(WaylandCard, OutlivesNeitherTheCompositorNorItsProcess) {
     EXPECT_TRUE(until([&] { return !window->isVisible(); }));
     EXPECT_TRUE(log.contains("wayland: the connection to the compositor has ended"));
     EXPECT_TRUE(session.screens().list().empty());
-    // A compositor that comes back is found again.
+    // The session reconnects to a restarted compositor.
     compositor.emplace(loop);
     compositor->addOutput(kPlain);
     EXPECT_TRUE(until([&] { return session.screens().list().size() == 1; }));
-    // Compositors ask which program has connected.
+    // The surface process connects, because compositors check which program a client is.
     ASSERT_NE(compositor->clientProcess(), getpid());
     kill(compositor->clientProcess(), SIGKILL);
     EXPECT_TRUE(until([&] { return compositor->clientCount() == 0; }));

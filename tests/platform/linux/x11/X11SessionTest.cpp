@@ -1,4 +1,4 @@
-// What the session tells of a real X server: the raw pointer while a locker holds it, the screens.
+// The session's reports of a real X server: the raw pointer while a locker holds it, the screens.
 #include "tests/platform/linux/lockers/LockFixture.hpp"
 
 namespace quorvane {
@@ -32,7 +32,7 @@ protected:
 TEST_F(RawPointerEvents, CountButtonsAsTheUsersHandDoes) {
     const Handle observation = record();
     settle();
-    // Left-handed, and the fourth button switched off.
+    // A left-handed mapping with the fourth button disabled.
     const std::uint8_t map[] = {3, 2, 1, 0, 5, 6, 7, 8, 9, 10};
     xcbReply(xcb_set_pointer_mapping_reply, client->connection(),
              xcb_set_pointer_mapping(client->connection(), sizeof map, map));
@@ -93,7 +93,7 @@ TEST_F(RawPointerEvents, MayEndTheirOwnObservation) {
 
 class ScreensLinux : public LockFixture {
 protected:
-    // Whether the loop comes to rest: nothing wakes it any more.
+    // Whether the loop becomes idle: no further event wakes it.
     bool isQuiet() {
         for (int turn = 0; turn < 100; ++turn)
             if (sd_event_run(loop().event(), 0) == 0) return true;
@@ -127,7 +127,7 @@ TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
     client->setResources("Xft.dpi:\t192\n");
     standLocker();
     settle();
-    EXPECT_TRUE(isQuiet()) << "a standing lock is no work";
+    EXPECT_TRUE(isQuiet()) << "a lock without changes causes no work";
     const Screen screen = session->screens().list().front();
     EXPECT_EQ(screen, (Screen{{0, 0, 800, 450}, 2, {{305, 130, 190, 190}}}));
     EXPECT_EQ(session->pixelFrame(screen), kBothMonitors);
@@ -147,7 +147,7 @@ TEST_F(ScreensLinux, AreTheWholeRootOnAPlainServer) {
     auto opened = X11SessionLinux::open(loop(), plain.display(), [] {});
     ASSERT_TRUE(opened) << opened.error().description;
     EXPECT_EQ((*opened)->screens().list(), (std::vector<Screen>{{{0, 0, 1024, 768}, 1, {}}}));
-    // Nor are there raw events.
+    // There are no raw events either.
     const Handle pointer = (*opened)->observePointer([](const RawPointerEvent&) {});
     runOnce(loop());
 }
