@@ -53,7 +53,7 @@ set(CPACK_PACKAGE_NAME quorvane-lock-screen)
 set(CPACK_PACKAGE_CONTACT "The authors of Quorvane Lock Screen <quorvane@quillon.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "now-playing card on the lock screen")
 set(CPACK_PACKAGE_DESCRIPTION
-"While the screen is locked and music plays, a card stands over the locker:
+"While the screen is locked and music plays, a card is shown over the locker:
 artwork, title and artist, times, transport buttons, a heart and a volume
 slider. It works with i3lock, xsecurelock, xscreensaver and others, and with
 every player that speaks MPRIS.

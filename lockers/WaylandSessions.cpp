@@ -23,7 +23,7 @@ constexpr Compositor kCompositors[] = {
     {"Wayfire", "Wayfire", "", WaylandWay{.layerNamespace = "de-widget"}},
     {"COSMIC", "COSMIC",
      "can show chosen surfaces above its lock screen, but the card does not use that yet"},
-    {"GNOME", "GNOME", "shows nothing above its lock screen, which has media controls of its own"},
+    {"GNOME", "GNOME", "shows nothing above its lock screen, which has its own media controls"},
     {"sway", "sway", kShowsNothing},
     {"labwc", "labwc", kShowsNothing},
     {"niri", "niri", kShowsNothing},
@@ -83,7 +83,7 @@ std::optional<std::string> waylandAdvice(std::string_view desktop,
                                          std::string_view hyprlandVersion) {
     const std::string_view name = compositorOf(desktop).name;
     if (name == "Wayfire")
-        return "Wayfire does not tell of its locks; start the locker with quorvane-host, for "
+        return "Wayfire does not announce its locks; start the locker with quorvane-host, for "
                "example: quorvane-host lock -- swaylock --ready-fd 3";
     if (name != "Hyprland") return std::nullopt;
     const int version = minorVersionOf(hyprlandVersion);

@@ -33,7 +33,7 @@ std::expected<QuorvanePlayerState, std::string> readState(const CardRenderOption
     auto state = XPCCodableHelpers::decode<QuorvanePlayerState>(*text);
     if (!state)
         return std::unexpected{options.stateFile +
-                               ": is no player state: " + problem(state.error())};
+                               ": is not a player state: " + problem(state.error())};
     if (options.artworkFile.empty() || !state->track) return *std::move(state);
     if (options.artworkFile == "none") {
         state->track->artworkData.reset();

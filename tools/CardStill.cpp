@@ -31,14 +31,14 @@ std::expected<Pixels, std::string> makeBackdrop(const std::string& what, PixelSi
         char* end = nullptr;
         const unsigned long color = std::strtoul(what.c_str() + 1, &end, 16);
         if (what.size() != 7 || *end != '\0')
-            return std::unexpected{"the backdrop \"" + what + "\" is no colour like #20242c"};
+            return std::unexpected{"the backdrop \"" + what + "\" is not a colour like #20242c"};
         std::ranges::fill(pixels.values, kOpaqueBlack | static_cast<std::uint32_t>(color));
         return pixels;
     }
     const auto bytes = readFile(what);
     if (!bytes) return std::unexpected{bytes.error()};
     const CairoSurface picture = decodePicture(*bytes, size);
-    if (!picture) return std::unexpected{what + ": is no picture that can be decoded"};
+    if (!picture) return std::unexpected{what + ": is not a picture that can be decoded"};
     for (int y = 0; y < size.height; ++y)
         std::copy_n(reinterpret_cast<const std::uint32_t*>(
                         cairo_image_surface_get_data(picture.get()) +

@@ -31,7 +31,7 @@ constexpr CommandRow kCommands[] = {
     {"players", Command::players, "list the music players, and why one is followed"},
     {"set", Command::set, "show all settings; or: set NAME, set NAME VALUE..."},
     {"unset", Command::unset, "return a setting to its default: unset NAME"},
-    {"lock", Command::lock, "run a locker and tell the add-on of its lock: lock -- COMMAND"},
+    {"lock", Command::lock, "run a locker and announce its lock: lock -- COMMAND"},
 };
 
 struct OptionRow {

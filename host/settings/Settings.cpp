@@ -123,7 +123,7 @@ std::expected<const SettingRow*, std::string> rowNamed(std::string_view name) {
         if (!row.name.ends_with(kPlayerPlace) || !name.starts_with(kPrivacyPrefix)) continue;
         const auto player = name.substr(kPrivacyPrefix.size());
         if (isPlayerName(player)) return &row;
-        return std::unexpected{"'" + std::string{player} + "' is no player's name" + kHint};
+        return std::unexpected{"'" + std::string{player} + "' is not a player's name" + kHint};
     }
     return std::unexpected{"unknown setting '" + std::string{name} + "'" + suggestion(name, names)};
 }

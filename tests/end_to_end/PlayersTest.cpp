@@ -141,7 +141,7 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     locker = session.startLocker();
     EXPECT_TRUE(becomes("Paused")) << host.log();
     session.x().process().end(SIGTERM);
-    EXPECT_TRUE(host.says("locks: the add-on no longer tells of lock screens")) << addOn.log();
+    EXPECT_TRUE(host.says("locks: the add-on no longer reports lock screens")) << addOn.log();
     EXPECT_TRUE(eventually([&] { return runHost("status").find("paused \"mpv\"") != kNone; }));
     EXPECT_EQ(ask("status"), "Paused\n") << "this was no unlock";
 }

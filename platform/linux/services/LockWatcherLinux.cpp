@@ -34,9 +34,9 @@ struct WatcherWithoutDisplay {
         const bool isTold = addOn.isActive().has_value();
         if (std::exchange(wasTold, isTold) == isTold) return;
         if (isTold)
-            log.info("locks: the add-on tells of lock screens");
+            log.info("locks: the add-on reports lock screens");
         else
-            log.info("locks: the add-on no longer tells of lock screens");
+            log.info("locks: the add-on no longer reports lock screens");
     }
 
     bool wasTold = false;

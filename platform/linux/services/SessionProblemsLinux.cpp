@@ -87,7 +87,7 @@ SessionProblems findSessionProblems(const LiveServices& services) {
         problems.advice = waylandAdvice(session.desktop, hyprlandVersion());
     if (!HeadlessPlatform::of(services).sessionBus.connection())
         problems.bus =
-            "there is no session bus, on which players and the add-on are heard; log in at the "
+            "there is no session bus, which connects the players and the add-on; log in at the "
             "login screen, or start the session with dbus-run-session";
     return problems;
 }

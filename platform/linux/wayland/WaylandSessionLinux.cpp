@@ -198,8 +198,7 @@ void WaylandSessionLinux::askToStart(void (WaylandSessionLinux::*step)()) {
 void WaylandSessionLinux::globalsKnown() {
     const SurfaceGlobals& globals = connection_->globals;
     if (!globals.compositor || !globals.shm || !globals.layerShell || !connection_->outputManager)
-        return log_.error(
-            "wayland: the compositor has no layer shell, or does not tell of outputs");
+        return log_.error("wayland: the compositor has no layer shell, or does not report outputs");
     if (way_.isByOverlayOfKde && !globals.kdeOverlay) {
         // KWin looks for new desktop files at most every 1.5 s.
         if (restartsLeft_ > kRestarts - 2) return restartSoon();

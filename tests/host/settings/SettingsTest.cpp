@@ -38,7 +38,7 @@ TEST(Settings, AreSetUnsetAndExplained) {
         {{"unset", "art"}, "! unknown setting 'art'"},
         {{"set", "pause-lock"}, "! unknown setting 'pause-lock'; did you mean 'pause-on-lock'?"},
         {{"set", "privacy.a b", "full"},
-         "! 'a b' is no player's name (see: quorvane-host players)"},
+         "! 'a b' is not a player's name (see: quorvane-host players)"},
         {{"set", "quiet-wake", "yes"}, "! quiet-wake takes off or on, not 'yes'"},
         {{"set", "privacy", "control"},
          "! privacy takes full, player or controls, not 'control'; did you mean 'controls'?"},

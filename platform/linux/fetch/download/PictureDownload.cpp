@@ -149,7 +149,7 @@ void transferAndAnswer(CURL* transfer, const Session& session) {
     long status = 0;
     curl_easy_getinfo(transfer, CURLINFO_RESPONSE_CODE, &status);
     if (status != 200) return fail("the server answers with status " + std::to_string(status));
-    if (!pictureType(session.body)) return fail("the server sends something that is no picture");
+    if (!pictureType(session.body)) return fail("the server's reply is not a picture");
     answer(FetchKind::picture, session.body);
 }
 

@@ -48,7 +48,7 @@ std::unique_ptr<CardXWindow> CardXWindow::make(X11Session& x11, const Logger& lo
     const Rect wanted = rootPixels(frame, screen, x11.pixelFrame(screen));
     const auto locker = lockerAt(x11, {wanted.midX(), wanted.midY()});
     if (!locker) {
-        log.error("windows: no locker's window stands at %{public}s", describe(wanted));
+        log.error("windows: no locker's window is at %{public}s", describe(wanted));
         return nullptr;
     }
     std::unique_ptr<CardXWindow> child{new CardXWindow{x11, *locker, std::move(events)}};

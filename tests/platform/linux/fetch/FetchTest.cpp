@@ -42,7 +42,7 @@ protected:
 TEST_F(FetchTest, TakesPicturesAndNothingElse) {
     const std::string tooLate = "failure: the server did not send the picture in time";
     const std::string tooMuch = "failure: the server sends more than 8 MiB";
-    const std::string noPicture = "failure: the server sends something that is no picture";
+    const std::string noPicture = "failure: the server's reply is not a picture";
     const std::pair<std::string, std::string> rows[] = {
         {url("picture/0"), "picture 8"},
         {url("picture/8000000"), "picture 8000008"},
