@@ -26,12 +26,6 @@ void roundedPath(cairo_t* cairo, const Rect& rect, double cornerRadius) {
     cairo_close_path(cairo);
 }
 
-Rect clipOf(cairo_t* cairo) {
-    double left = 0, top = 0, right = 0, bottom = 0;
-    cairo_clip_extents(cairo, &left, &top, &right, &bottom);
-    return {left, top, right - left, bottom - top};
-}
-
 // Draws a scene's nodes, one function per kind.
 struct Painter {
     cairo_t* cairo;

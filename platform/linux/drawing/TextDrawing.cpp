@@ -190,7 +190,9 @@ void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayo
     const int top = std::max(row(frame.y), ink.y);
     const PixelRect area{left, top, column(frame.maxX()) - left,
                          std::min(row(frame.maxY()), ink.maxY()) - top};
-    if (!letters.surface || area.isEmpty()) return;
+    const Rect inked{(area.x - place.x0) / scale, (area.y - place.y0) / scale, area.width / scale,
+                     area.height / scale};
+    if (!letters.surface || area.isEmpty() || !clipOf(cairo).intersects(inked)) return;
 
     // The resting place is rounded separately, so that frames timed for whole pixels of scrolling
     // move by whole pixels.
