@@ -469,6 +469,7 @@ TEST_F(MprisPlayerTest, UsesTheSoundServerOnlyForAPlayerWithoutAVolume) {
     onSound({{{.number = 3, .processID = 7, .isPlaying = true, .volume = 0.4}}, 0.9});
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(player->snapshot().state.volume, 40);
+    EXPECT_FALSE(player->snapshot().state.isMuted);
     takeSaid();
     EXPECT_TRUE(player->setVolume(30));
     EXPECT_EQ(takeSaid(), "sound=30% ");
