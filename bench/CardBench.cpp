@@ -95,7 +95,8 @@ double marqueeFrame(Bench& bench, int number) {
     const Scene before = bench.card.scene(time);
     const Scene after = bench.card.scene(time + 1 / kFramesPerSecond);
     std::vector<PixelRect> parts;
-    for (const Rect& area : changedAreas(before, after))
+    const auto inkOf = [&](const TextNode& text) { return bench.painter.inkOf(text); };
+    for (const Rect& area : changedAreas(before, after, inkOf))
         parts.push_back(bench.painter.pixelsOf(area));
     if (parts.empty()) std::abort();
     return microsecondsOf([&] {

@@ -21,6 +21,8 @@ struct Leaf {
 };
 
 struct FrameOf {
+    const InkOf& inkOf;
+
     template <typename Node>
     Rect operator()(const Node& node) const {
         if constexpr (requires { node.frame; })
@@ -28,6 +30,7 @@ struct FrameOf {
         else
             return {};
     }
+    Rect operator()(const TextNode& text) const { return inkOf ? inkOf(text) : text.frame; }
 };
 
 // From back to front.
@@ -47,8 +50,8 @@ std::vector<Leaf> leavesOf(const Scene& scene) {
 }
 
 // The area that a leaf may paint on.
-Rect areaOf(const Leaf& leaf) {
-    const Rect frame = std::visit(FrameOf{}, *leaf.node);
+Rect areaOf(const Leaf& leaf, const InkOf& inkOf) {
+    const Rect frame = std::visit(FrameOf{inkOf}, *leaf.node);
     Point low{frame.minX(), frame.minY()};
     Point high{frame.maxX(), frame.maxY()};
     for (auto group = leaf.groups.rbegin(); group != leaf.groups.rend(); ++group) {
@@ -70,8 +73,7 @@ Rect unionOf(const Rect& one, const Rect& two) {
 // Disjoint areas: overlapping ones are merged.
 class Areas {
 public:
-    void add(const Leaf& leaf) {
-        Rect area = areaOf(leaf);
+    void add(Rect area) {
         if (area.isEmpty()) return;
         // Start again, because the grown area may overlap one that was passed already.
         for (auto other = areas_.begin(); other != areas_.end();) {
@@ -93,7 +95,7 @@ private:
 
 }  // namespace
 
-std::vector<Rect> changedAreas(const Scene& from, const Scene& to) {
+std::vector<Rect> changedAreas(const Scene& from, const Scene& to, const InkOf& inkOf) {
     const std::vector<Leaf> before = leavesOf(from);
     const std::vector<Leaf> after = leavesOf(to);
     // The nodes do not record the direction, so a change of it counts as a difference everywhere.
@@ -117,9 +119,9 @@ std::vector<Rect> changedAreas(const Scene& from, const Scene& to) {
     const bool isPairwise = beforeEnd == afterEnd;
     Areas areas;
     for (std::size_t i = begin; i < beforeEnd; ++i)
-        if (!isPairwise || !isSame(before[i], after[i])) areas.add(before[i]);
+        if (!isPairwise || !isSame(before[i], after[i])) areas.add(areaOf(before[i], inkOf));
     for (std::size_t i = begin; i < afterEnd; ++i)
-        if (!isPairwise || !isSame(before[i], after[i])) areas.add(after[i]);
+        if (!isPairwise || !isSame(before[i], after[i])) areas.add(areaOf(after[i], inkOf));
     return areas.take();
 }
 

@@ -53,6 +53,8 @@ public:
     // The same, for a target that is not read at the same time.
     void drawPartsInPlace(cairo_surface_t* target, const StageLook& look,
                           std::span<const PixelRect> parts);
+    // The part of a text's frame that its letters may cover.
+    Rect inkOf(const TextNode& text) { return canvas_.inkOf(text); }
     // The whole pixels of the stage under an area of the card.
     PixelRect pixelsOf(const Rect& cardArea) const;
 

@@ -21,7 +21,9 @@ void CardStageLinux::springFrom(const Transform& start, const Spring& spring) {
 }
 
 void CardStageLinux::setScene(const Scene& scene) {
-    const std::vector<Rect> areas = changedAreas(scene_, scene);
+    const std::vector<Rect> areas = changedAreas(scene_, scene, [this](const TextNode& text) {
+        return host_ ? host_->inkOf(text) : text.frame;
+    });
     const bool hasSameControls = scene_.controls == scene.controls;
     scene_ = scene;
     if (!areas.empty() && host_) host_->sceneChanged(areas);

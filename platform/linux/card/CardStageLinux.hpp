@@ -13,6 +13,8 @@ namespace quorvane {
 class StageHost {
 public:
     virtual ~StageHost() = default;
+    // The part of a text's frame that its letters may cover.
+    virtual Rect inkOf(const TextNode& text) = 0;
     // These parts of the scene look different now; card coordinates.
     virtual void sceneChanged(const std::vector<Rect>& areas) = 0;
     virtual void controlsChanged() = 0;

@@ -112,6 +112,8 @@ CairoCanvas::CairoCanvas(double scale, std::shared_ptr<PictureCache> pictures,
       pictures_(pictures ? std::move(pictures) : std::make_shared<PictureCache>()),
       texts_(std::move(fontFamilies)) {}
 
+Rect CairoCanvas::inkOf(const TextNode& text) { return quorvane::inkOf(text, scale_, texts_); }
+
 void CairoCanvas::drawOn(cairo_t* cairo, const Scene& scene) {
     const CairoState state{cairo};
     Painter painter{cairo, scale_, scene.isRightToLeft, *pictures_, texts_, symbols_};

@@ -20,6 +20,8 @@ public:
     // The context's user space is the scene's: points, with y growing downward. Draws only inside
     // the clip, and nothing outside a node's frame.
     void drawOn(cairo_t* cairo, const Scene& scene);
+    // The part of a text's frame that its letters may cover.
+    Rect inkOf(const TextNode& text);
 
 private:
     double scale_;

@@ -171,6 +171,16 @@ void paint(cairo_t* cairo, cairo_surface_t* field, const PixelRect& area, const 
 
 }  // namespace
 
+Rect inkOf(const TextNode& node, double scale, TextLayoutCache& texts) {
+    const TextLine& line = lineOf(node, texts);
+    const PixelRect& ink = pixelsOf(line, scale, node.color).ink;
+    // One pixel more above and below, because the line lies on whole pixels.
+    const double top = baselineOf(node.frame, line.heights) + (ink.y - 1) / scale;
+    const double begin = std::max(node.frame.y, top);
+    const double end = std::min(node.frame.maxY(), top + (ink.height + 2) / scale);
+    return {node.frame.x, begin, node.frame.width, std::max(0.0, end - begin)};
+}
+
 // Lines lie on whole pixels, so that letters are equally sharp everywhere and their spacing does
 // not jitter while a line moves.
 void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts) {

@@ -19,6 +19,9 @@ struct LinePixels {
     CairoSurface surface{};
 };
 
+// The part of the frame that the letters may cover, at any place of the line.
+Rect inkOf(const TextNode& node, double scale, TextLayoutCache& texts);
+
 // The context is scaled and moved, but not rotated.
 void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayoutCache& texts);
 

@@ -43,6 +43,9 @@ private:
         std::vector<Rect> areas{};  // that must be drawn, in card coordinates
     };
 
+    Rect inkOf(const TextNode& text) override {
+        return shown_ ? shown_->painter.inkOf(text) : text.frame;
+    }
     void sceneChanged(const std::vector<Rect>& areas) override;
     void updateSoon() override;
     void update() override;

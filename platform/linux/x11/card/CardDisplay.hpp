@@ -38,6 +38,7 @@ public:
     // Draws only these areas of the scene, in card coordinates, if the stage rests.
     void drawParts(const StageLook& look, const std::vector<Rect>& cardAreas);
     void sceneChanged() { painter_.forgetScene(); }
+    Rect inkOf(const TextNode& text) { return painter_.inkOf(text); }
     // Shows this part of the last drawing again.
     void showAgain(const PixelRect& part);
 

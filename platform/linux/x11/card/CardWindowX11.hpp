@@ -33,6 +33,9 @@ public:
 private:
     CardWindowX11(X11Session& x11, std::shared_ptr<CardResources> resources,
                   const WindowSettings& settings, const Screen& screen);
+    Rect inkOf(const TextNode& text) override {
+        return display_ ? display_->inkOf(text) : text.frame;
+    }
     void sceneChanged(const std::vector<Rect>& areas) override;
     void update() override;
     void hide() override;

@@ -44,7 +44,8 @@ TEST(CardPainter, PartsLookAsInTheWholeCard) {
                            SymbolNode{{322, 20, 44, 44}, "heart.fill", 20, Color::white()}};
             scene.isRightToLeft = isRightToLeft;
             std::vector<PixelRect> parts;
-            for (const Rect& area : changedAreas(last, scene))
+            const auto inkOf = [&](const TextNode& text) { return card.painter.inkOf(text); };
+            for (const Rect& area : changedAreas(last, scene, inkOf))
                 parts.push_back(card.painter.pixelsOf(area));
             whole.painter.draw(whole.surface.get(), {.scene = scene});
             if (last.nodes.empty()) {
