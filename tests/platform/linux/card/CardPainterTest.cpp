@@ -11,11 +11,13 @@ namespace {
 constexpr CardStyle kStyle{{400, 222}, 52, 30, 1, 0.25, 22, 8};
 
 struct Card {
-    Pixels pixels{1008, 652};
+    Pixels pixels;
     CairoSurface surface = surfaceOver(pixels);
-    CardPainter painter{kStyle, 2, nullptr};
+    CardPainter painter;
 
-    Card() {
+    explicit Card(double scale)
+        : pixels{static_cast<int>(504 * scale), static_cast<int>(326 * scale)},
+          painter{kStyle, scale, nullptr} {
         Pixels backdrop{pixels.width, pixels.height};
         for (int y = 0; y < backdrop.height; ++y)
             for (int x = 0; x < backdrop.width; ++x)
@@ -25,14 +27,14 @@ struct Card {
 };
 
 TEST(CardPainter, PartsLookAsInTheWholeCard) {
-    for (const bool isRightToLeft : {false, true}) {
+    for (const auto& [isRightToLeft, scale] : {std::pair{false, 2.0}, {true, 2}, {true, 1.3}}) {
         // A title that scrolls under a mark, beside a heart and over a second line.
         TextNode first{.frame = {86, 17, 248, 28},
                        .text = "Ждём 雨 and jÄgqy, a 🌧 longer way than there is room",
                        .font = {17, FontStyle::Weight::semibold},
                        .color = Color::white()};
         Scene last;
-        Card card, inPlace, whole;
+        Card card{scale}, inPlace{scale}, whole{scale};
         for (const auto& [offset, mark] :
              {std::pair{-12.0, 0.0}, {-10.5, 0}, {338.5, 0}, {339, 0.5}, {429, 0}}) {
             first.scroll = TextNode::Scroll{offset, 40, 12};
@@ -55,8 +57,8 @@ TEST(CardPainter, PartsLookAsInTheWholeCard) {
                 card.painter.drawParts(card.surface.get(), {.scene = scene}, parts);
                 inPlace.painter.drawPartsInPlace(inPlace.surface.get(), {.scene = scene}, parts);
             }
-            EXPECT_TRUE(card.pixels == whole.pixels) << offset << isRightToLeft;
-            EXPECT_TRUE(inPlace.pixels == whole.pixels) << offset << isRightToLeft;
+            EXPECT_TRUE(card.pixels == whole.pixels) << offset << isRightToLeft << scale;
+            EXPECT_TRUE(inPlace.pixels == whole.pixels) << offset << isRightToLeft << scale;
             last = scene;
         }
     }
