@@ -26,6 +26,12 @@ void roundedPath(cairo_t* cairo, const Rect& rect, double cornerRadius) {
     cairo_close_path(cairo);
 }
 
+Rect clipOf(cairo_t* cairo) {
+    double left = 0, top = 0, right = 0, bottom = 0;
+    cairo_clip_extents(cairo, &left, &top, &right, &bottom);
+    return {left, top, right - left, bottom - top};
+}
+
 // Draws a scene's nodes, one function per kind.
 struct Painter {
     cairo_t* cairo;
@@ -55,7 +61,9 @@ struct Painter {
     }
 
     void operator()(const TextNode& text) const {
-        if (clip.intersects(text.frame)) drawText(cairo, text, isRightToLeft, texts);
+        // A field is higher than most letters, and fields overlap.
+        if (clip.intersects(text.frame) && clip.intersects(inkOf(text, scale, texts)))
+            drawText(cairo, text, isRightToLeft, texts);
     }
 
     void operator()(const ImageNode& node) const {

@@ -24,13 +24,6 @@ inline CairoSurface surfaceOver(const Pixels& pixels) {
         CAIRO_FORMAT_ARGB32, pixels.width, pixels.height, pixels.width * kBytesAPixel)};
 }
 
-// The area that drawing can reach, in the context's coordinates.
-inline Rect clipOf(cairo_t* cairo) {
-    double left = 0, top = 0, right = 0, bottom = 0;
-    cairo_clip_extents(cairo, &left, &top, &right, &bottom);
-    return {left, top, right - left, bottom - top};
-}
-
 // Saves the context's state and restores it at the end of the scope.
 class CairoState {
 public:

@@ -200,9 +200,7 @@ void drawText(cairo_t* cairo, const TextNode& node, bool isRightToLeft, TextLayo
     const int top = std::max(row(frame.y), ink.y);
     const PixelRect area{left, top, column(frame.maxX()) - left,
                          std::min(row(frame.maxY()), ink.maxY()) - top};
-    const Rect inked{(area.x - place.x0) / scale, (area.y - place.y0) / scale, area.width / scale,
-                     area.height / scale};
-    if (!letters.surface || area.isEmpty() || !clipOf(cairo).intersects(inked)) return;
+    if (!letters.surface || area.isEmpty()) return;
 
     // The resting place is rounded separately, so that frames timed for whole pixels of scrolling
     // move by whole pixels.
