@@ -94,10 +94,8 @@ double marqueeFrame(Bench& bench, int number) {
     const double time = 4 + number / kFramesPerSecond;
     const Scene before = bench.card.scene(time);
     const Scene after = bench.card.scene(time + 1 / kFramesPerSecond);
-    std::vector<PixelRect> parts;
     const auto inkOf = [&](const TextNode& text) { return bench.painter.inkOf(text); };
-    for (const Rect& area : changedAreas(before, after, inkOf))
-        parts.push_back(bench.painter.pixelsOf(area));
+    const auto parts = bench.painter.pixelsOf(changedAreas(before, after, inkOf));
     if (parts.empty()) std::abort();
     return microsecondsOf([&] {
         bench.painter.drawParts(bench.target.get(),

@@ -41,15 +41,17 @@ void paint(cairo_t* cairo, const Pixels& pixels, double share = 1) {
     cairo_paint_with_alpha(cairo, share);
 }
 
+std::uint32_t* pixelAt(cairo_surface_t* surface, int x, int y) {
+    unsigned char* const row = cairo_image_surface_get_data(surface) +
+                               std::ptrdiff_t{y} * cairo_image_surface_get_stride(surface);
+    return reinterpret_cast<std::uint32_t*>(row) + x;
+}
+
 // Copies a part's rows to their place where they differ, from the first such row to the last.
 // Returns their area.
 PixelRect update(cairo_surface_t* target, const Pixels& pixels, const PixelRect& part) {
     cairo_surface_flush(target);
-    unsigned char* const data = cairo_image_surface_get_data(target);
-    const std::ptrdiff_t stride = cairo_image_surface_get_stride(target);
-    const auto shown = [&](int y) {
-        return reinterpret_cast<std::uint32_t*>(data + (part.y + y) * stride) + part.x;
-    };
+    const auto shown = [&](int y) { return pixelAt(target, part.x, part.y + y); };
     const auto isChanged = [&](int y) {
         return !std::equal(pixels.row(y), pixels.row(y) + part.width, shown(y));
     };
@@ -88,10 +90,14 @@ bool CardPainter::makeChrome() {
     return true;
 }
 
-PixelRect CardPainter::pixelsOf(const Rect& cardArea) const {
-    return pixelsTouchedBy(
-               scaledBy(cardArea.movedBy(style_.shadowMargin, style_.shadowMargin), scale_))
-        .intersection(bounds_);
+std::vector<PixelRect> CardPainter::pixelsOf(std::span<const Rect> cardAreas) const {
+    std::vector<PixelRect> parts;
+    for (const Rect& area : cardAreas) {
+        const Rect onStage = area.movedBy(style_.shadowMargin, style_.shadowMargin);
+        const PixelRect part = pixelsTouchedBy(scaledBy(onStage, scale_)).intersection(bounds_);
+        if (!part.isEmpty()) parts.push_back(part);
+    }
+    return parts;
 }
 
 void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
@@ -132,12 +138,10 @@ void CardPainter::drawPart(cairo_surface_t* target, const StageLook& look, const
                            const PixelRect& place) {
     const Pixels& below = ground();
     cairo_surface_flush(target);
-    unsigned char* const data = cairo_image_surface_get_data(target);
-    const std::ptrdiff_t stride = cairo_image_surface_get_stride(target);
     // Faster than with Cairo.
     for (int y = 0; y < part.height; ++y)
         std::copy_n(below.row(part.y + y) + part.x, part.width,
-                    reinterpret_cast<std::uint32_t*>(data + (place.y + y) * stride) + place.x);
+                    pixelAt(target, place.x, place.y + y));
     cairo_surface_mark_dirty_rectangle(target, place.x, place.y, part.width, part.height);
     const CairoContext context{cairo_create(target)};
     cairo_rectangle(context.get(), place.x, place.y, part.width, part.height);

@@ -55,8 +55,8 @@ public:
                           std::span<const PixelRect> parts);
     // The part of a text's frame that its letters may cover.
     Rect inkOf(const TextNode& text) { return canvas_.inkOf(text); }
-    // The whole pixels of the stage under an area of the card.
-    PixelRect pixelsOf(const Rect& cardArea) const;
+    // The whole pixels of the stage under these areas of the card, without empty parts.
+    std::vector<PixelRect> pixelsOf(std::span<const Rect> cardAreas) const;
 
 private:
     // `place` is the part's position in the target.

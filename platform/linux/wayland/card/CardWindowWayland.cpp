@@ -161,7 +161,8 @@ void CardWindowWayland::drawIfPaced(Instant now) {
 
 void CardWindowWayland::drawChanges(Instant now) {
     Shown& shown = *shown_;
-    const std::vector<PixelRect> parts = changedParts();
+    const std::vector<PixelRect> parts =
+        shown.isStale ? std::vector{shown.pictures->bounds()} : shown.painter.pixelsOf(shown.areas);
     const auto picture = shown.pictures->next(parts);
     if (!picture) return;
     cairo_surface_t* const target = shown.pictures->surface(*picture);
@@ -178,16 +179,6 @@ void CardWindowWayland::drawChanges(Instant now) {
     present(*picture, parts, now);
     // After the first frame, which shows no glass yet.
     shown.painter.makeChrome();
-}
-
-std::vector<PixelRect> CardWindowWayland::changedParts() const {
-    if (shown_->isStale) return {shown_->pictures->bounds()};
-    std::vector<PixelRect> parts;
-    for (const Rect& area : shown_->areas) {
-        const PixelRect part = shown_->painter.pixelsOf(area);
-        if (!part.isEmpty()) parts.push_back(part);
-    }
-    return parts;
 }
 
 void CardWindowWayland::present(std::uint32_t picture, const std::vector<PixelRect>& parts,

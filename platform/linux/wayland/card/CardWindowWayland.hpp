@@ -60,7 +60,6 @@ private:
     void drawIfPaced(Instant now);
     void drawChanges(Instant now);
     void present(std::uint32_t picture, const std::vector<PixelRect>& parts, Instant now);
-    std::vector<PixelRect> changedParts() const;
     void syncInput();
     void pressed(const SurfacePress& press);
     void report(const std::optional<PointerEvent>& event);

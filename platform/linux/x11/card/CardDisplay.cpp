@@ -106,12 +106,7 @@ void CardDisplay::draw(const StageLook& look) {
 
 void CardDisplay::drawParts(const StageLook& look, const std::vector<Rect>& cardAreas) {
     if (!look.isResting()) return draw(look);
-    std::vector<PixelRect> parts;
-    for (const Rect& area : cardAreas) {
-        const PixelRect part = painter_.pixelsOf(area);
-        if (!part.isEmpty()) parts.push_back(part);
-    }
-    buffer_->show(painter_.drawParts(buffer_->surface(), look, parts));
+    buffer_->show(painter_.drawParts(buffer_->surface(), look, painter_.pixelsOf(cardAreas)));
     x11_.flush();
 }
 

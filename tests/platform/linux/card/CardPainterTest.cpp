@@ -45,10 +45,8 @@ TEST(CardPainter, PartsLookAsInTheWholeCard) {
             scene.nodes = {ShapeNode{{200, 18, 20, 26}, 4, Color::white(mark)}, first, second,
                            SymbolNode{{322, 20, 44, 44}, "heart.fill", 20, Color::white()}};
             scene.isRightToLeft = isRightToLeft;
-            std::vector<PixelRect> parts;
             const auto inkOf = [&](const TextNode& text) { return card.painter.inkOf(text); };
-            for (const Rect& area : changedAreas(last, scene, inkOf))
-                parts.push_back(card.painter.pixelsOf(area));
+            const auto parts = card.painter.pixelsOf(changedAreas(last, scene, inkOf));
             whole.painter.draw(whole.surface.get(), {.scene = scene});
             if (last.nodes.empty()) {
                 card.painter.draw(card.surface.get(), {.scene = scene});
