@@ -1,10 +1,13 @@
 #include "host/addon/AddOnControl.hpp"
 
+#include <utility>
+
 #include "QuorvaneKit/link/Identifiers.hpp"
 
 namespace quorvane {
 namespace {
 
+constexpr Duration kInterval = std::chrono::milliseconds{50};
 constexpr Duration kQuitPatience = std::chrono::seconds{3};
 // A new copy waits twelve seconds for an older one.
 constexpr Duration kStartPatience = std::chrono::seconds{20};
@@ -15,8 +18,23 @@ constexpr int kLooksBetweenRequests = 5;
 
 }  // namespace
 
-AddOnControl::AddOnControl(Services services)
-    : services_(std::move(services)), poll_(services_.clock) {}
+void AddOnControl::poll(Duration patience, std::function<bool()> condition,
+                        std::function<void(bool)> done) {
+    deadline_ = services_.clock.now() + patience;
+    condition_ = std::move(condition);
+    done_ = std::move(done);
+    nextCheck_ = services_.clock.after(Duration{}, [this] { check(); });
+}
+
+void AddOnControl::check() {
+    const bool holds = condition_();
+    if (!holds && services_.clock.now() < deadline_) {
+        nextCheck_ = services_.clock.after(kInterval, [this] { check(); });
+        return;
+    }
+    const auto done = std::exchange(done_, nullptr);
+    done(holds);  // may poll again
+}
 
 bool AddOnControl::isRunning() const {
     return !services_.applications.running(std::string{kAddOnBundleIdentifier}).empty();
@@ -26,10 +44,10 @@ void AddOnControl::quit(std::function<void(bool)> done) {
     services_.notices.post(AddOnSignals::kQuit, {});
     const auto isGone = [this] { return !isRunning(); };
     const Duration patience = services_.canHearNotices ? kQuitPatience : Duration{};
-    poll_.start(patience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
+    poll(patience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
         if (obeyed) return done(true);
         requestQuitBySignal();
-        poll_.start(kQuitPatience, isGone, done);
+        poll(kQuitPatience, isGone, done);
     });
 }
 
@@ -48,7 +66,7 @@ void AddOnControl::awaitVersion(const std::string& version, std::function<void(A
             const auto status = AddOnSignals::Status::fromUserInfo(userInfo);
             if (status && status->version == version) hasAnswered_ = true;
         });
-    poll_.start(
+    poll(
         services_.canHearNotices ? kStartPatience : kDeafStartPatience,
         [this] {
             requestStatus();
@@ -67,7 +85,7 @@ void AddOnControl::requestStatus() {
 }
 
 void AddOnControl::awaitRemoval(std::function<bool()> isRemoved, std::function<void(bool)> done) {
-    poll_.start(
+    poll(
         kRemovalPatience, [this, isRemoved] { return isRemoved() && !isRunning(); },
         std::move(done));
 }

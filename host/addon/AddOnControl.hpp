@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/addon/ConditionPoll.hpp"
+#include "platform/Clock.hpp"
 #include "platform/DistributedNotices.hpp"
 #include "platform/RunningApplications.hpp"
 #include "shared/AddOnSignals.hpp"
@@ -23,7 +23,7 @@ public:
     };
     enum class Answer { runs, ended, isSilent };
 
-    explicit AddOnControl(Services services);
+    explicit AddOnControl(Services services) : services_(std::move(services)) {}
 
     bool isRunning() const;
     // Asks every copy to quit, by notice and, if that fails, through the system. `done` receives
@@ -36,11 +36,17 @@ public:
     void awaitRemoval(std::function<bool()> isRemoved, std::function<void(bool)> done);
 
 private:
+    // Checks repeatedly. Calls `done` once, later, with true if the condition held in time.
+    void poll(Duration patience, std::function<bool()> condition, std::function<void(bool)> done);
+    void check();
     void requestQuitBySignal();
     void requestStatus();
 
     Services services_;
-    ConditionPoll poll_;
+    Instant deadline_{};
+    std::function<bool()> condition_;
+    std::function<void(bool)> done_;
+    Timer nextCheck_;
     Handle observation_;
     bool hasAnswered_ = false;
     int looks_ = 0;
