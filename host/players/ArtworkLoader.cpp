@@ -1,9 +1,14 @@
 #include "host/players/ArtworkLoader.hpp"
 
-#include "host/players/DataURL.hpp"
-#include "host/players/FileURL.hpp"
+#include "host/players/PlayerURL.hpp"
 
 namespace quorvane {
+
+namespace {
+
+constexpr int kMostRedirects = 3;
+
+}  // namespace
 
 void ArtworkLoader::want(const std::string& trackKey, URL url) {
     const bool isSameURL = wanted_ == url || (wanted_ && url && *wanted_ == *url);
@@ -13,7 +18,7 @@ void ArtworkLoader::want(const std::string& trackKey, URL url) {
         wanted_ = std::move(url);
         knownStamp_.reset();
         picture_.reset();
-        fetcher_.cancel();
+        request_.reset();
         logged_.clear();
     }
     // Only a file may hold another picture for another track.
@@ -23,7 +28,10 @@ void ArtworkLoader::want(const std::string& trackKey, URL url) {
 
 void ArtworkLoader::lookAgain() {
     if (!wanted_ || (isChecked_ && !localFile(*wanted_))) return;
-    if (isWebURL(*wanted_)) return fetch();
+    if (isWebURL(*wanted_)) {
+        if (!request_) fetch(*wanted_, 0);
+        return;
+    }
     isOutdated_ = isLooking_;
     if (isLooking_) return;
     // This object may be destroyed before the result arrives. If the system refuses a thread, no
@@ -44,9 +52,6 @@ void ArtworkLoader::lookAgain() {
 
 ArtworkLoader::Look ArtworkLoader::look(const RegularFiles& files, const std::string& url,
                                         const std::optional<FileStamp>& known) {
-    const auto without = [](std::string reason) {
-        return Look{.picture = Picture{std::unexpected{std::move(reason)}}};
-    };
     if (isDataURL(url)) {
         auto data = dataOf(url);
         if (!data) return without(std::string{data.error()});
@@ -63,9 +68,26 @@ ArtworkLoader::Look ArtworkLoader::look(const RegularFiles& files, const std::st
     return {.stamp = file->stamp, .picture = SharedBytes{std::move(file->contents)}};
 }
 
-void ArtworkLoader::fetch() {
-    if (fetcher_.isFetching()) return;
-    fetcher_.fetch(*wanted_, [this](Picture picture) { apply({.picture = std::move(picture)}); });
+ArtworkLoader::Look ArtworkLoader::without(std::string reason) {
+    return {.picture = Picture{std::unexpected{std::move(reason)}}};
+}
+
+void ArtworkLoader::fetch(const std::string& url, int redirects) {
+    if (!services_.fetchPicture) return apply(without("this edition fetches no pictures"));
+    if (url.size() > kLongestFetchURL) return apply(without("the picture's URL is too long"));
+    if (!isWebURL(url)) return apply(without("the server redirects to another protocol"));
+    if (redirects > kMostRedirects) return apply(without("the server redirects too often"));
+    request_ = services_.fetchPicture(
+        url, [this, redirects](FetchAnswer answer) { fetched(std::move(answer), redirects); });
+}
+
+void ArtworkLoader::fetched(FetchAnswer answer, int redirects) {
+    request_.reset();
+    if (const auto* elsewhere = std::get_if<FetchRedirect>(&answer))
+        return fetch(elsewhere->url, redirects + 1);
+    if (const auto* failure = std::get_if<FetchFailure>(&answer))
+        return apply(without(failure->sentence));
+    apply({.picture = SharedBytes{std::get<Bytes>(std::move(answer))}});
 }
 
 void ArtworkLoader::apply(Look look) {

@@ -1,13 +1,14 @@
 // Background loader of the picture that a player points to; keeps it until another is wanted.
 #pragma once
 
+#include <expected>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "QuorvaneKit/records/SharedBytes.hpp"
-#include "host/players/ArtworkFetcher.hpp"
+#include "platform/FetchPicture.hpp"
 #include "platform/LifeToken.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
@@ -31,9 +32,7 @@ public:
     };
     // `onLoaded` is called after each check and each fetch that has changed `picture`.
     ArtworkLoader(Services services, std::function<void()> onLoaded)
-        : services_(std::move(services)),
-          onLoaded_(std::move(onLoaded)),
-          fetcher_(services_.fetchPicture) {}
+        : services_(std::move(services)), onLoaded_(std::move(onLoaded)) {}
 
     // Sets the URL of the wanted picture and its track. A file is checked again for each track,
     // because a player may use one file for all its tracks.
@@ -45,7 +44,7 @@ public:
     std::optional<SharedBytes> picture() const { return isChecked_ ? picture_ : std::nullopt; }
 
 private:
-    using Picture = ArtworkFetcher::Result;
+    using Picture = std::expected<SharedBytes, std::string>;  // or the reason for having none
     // The result of a check.
     struct Look {
         std::optional<FileStamp> stamp{};
@@ -53,7 +52,10 @@ private:
     };
     static Look look(const RegularFiles& files, const std::string& url,
                      const std::optional<FileStamp>& known);
-    void fetch();
+    static Look without(std::string reason);
+    // Sends a request to a web server, after this number of redirects.
+    void fetch(const std::string& url, int redirects);
+    void fetched(FetchAnswer answer, int redirects);
     void apply(Look look);
     void log(const std::string& reason);
 
@@ -69,7 +71,7 @@ private:
     std::optional<FileStamp> knownStamp_;
     std::optional<SharedBytes> picture_;
     std::string logged_;  // the last reason for having no picture
-    ArtworkFetcher fetcher_;
+    Handle request_;      // to a web server, while it is pending
     LifeToken life_;
 };
 

@@ -6,6 +6,7 @@
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "host/players/MprisTranslation.hpp"
 #include "host/players/PlayerRules.hpp"
+#include "host/players/PlayerURL.hpp"
 
 namespace quorvane {
 

@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-#include "host/players/FileURL.hpp"
 #include "host/players/MprisCommand.hpp"
+#include "host/players/PlayerURL.hpp"
 
 namespace quorvane {
 namespace {
