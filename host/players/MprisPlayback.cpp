@@ -6,9 +6,9 @@ namespace quorvane {
 
 namespace {
 
-// Some players do not know their position and always report 0. For them the extrapolated position
+// Some players always report position 0. For them the extrapolated position
 // is kept, so that the card does not jump back to the start.
-bool knowsNoPosition(const MprisPlayback& before, const MediaPlayer& player) {
+bool alwaysReportsZero(const MprisPlayback& before, const MediaPlayer& player) {
     return before.heardAt && before.heard == 0 && player.position == 0 && before.anchor.isPlaying;
 }
 
@@ -26,7 +26,7 @@ MprisPlayback MprisPlayback::following(const std::optional<MprisPlayback>& befor
         before && before->player == next.player && before->trackKey == next.trackKey;
     const bool isFresh = player.positionAt && !(before && before->player == next.player &&
                                                 before->heardAt == player.positionAt);
-    if (isFresh && !(isSameTrack && knowsNoPosition(*before, player))) {
+    if (isFresh && !(isSameTrack && alwaysReportsZero(*before, player))) {
         next.anchor.seconds = static_cast<double>(player.position) / 1e6;
         next.anchor.at = *player.positionAt;
     } else if (isSameTrack) {

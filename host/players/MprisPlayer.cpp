@@ -13,7 +13,7 @@ namespace quorvane {
 namespace {
 
 // The minimum interval between requests to a player, however many clients ask for the state.
-constexpr Duration kFreshness = std::chrono::seconds{1};
+constexpr Duration kRefreshInterval = std::chrono::seconds{1};
 constexpr Duration kIdleTolerance = std::chrono::seconds{5};
 
 std::string stateText(const MediaPlayer& player) {
@@ -94,11 +94,8 @@ void MprisPlayer::follow() {
 
 // A few seconds do not matter, so the wake-up may be shared with another one.
 void MprisPlayer::awaitIdleness() {
-    const auto idleAt = choice_.idleAt(settings_.get().idleTime);
-    if (idleAt == idleAt_) return;
-    idleAt_ = idleAt;
     idleTimer_.reset();
-    if (idleAt)
+    if (const auto idleAt = choice_.idleAt(settings_.get().idleTime))
         idleTimer_ = services_.clock.afterAbout(*idleAt - services_.clock.now(), kIdleTolerance,
                                                 [this] { follow(); });
 }
@@ -151,17 +148,17 @@ void MprisPlayer::followCurrent() {
 }
 
 // If the server was not available, retries with each new track and each pause.
-void MprisPlayer::followSound(const MediaPlayer& player, bool looksAgain) {
+void MprisPlayer::followSound(const MediaPlayer& player, bool retries) {
     if (!needsSoundServer(player)) {
         soundObservation_.reset();
         sound_ = {};
-    } else if (!soundObservation_ || (looksAgain && sound_ == SoundLevels{})) {
+    } else if (!soundObservation_ || (retries && sound_ == SoundLevels{})) {
         soundObservation_ = services_.soundServer.observe(
-            [this](SoundLevels levels) { heardSound(std::move(levels)); });
+            [this](SoundLevels levels) { soundChanged(std::move(levels)); });
     }
 }
 
-void MprisPlayer::heardSound(SoundLevels levels) {
+void MprisPlayer::soundChanged(SoundLevels levels) {
     if (levels == sound_) return;
     sound_ = std::move(levels);
     followCurrent();
@@ -202,8 +199,8 @@ bool MprisPlayer::carryOut(const std::string& busName, const std::optional<Mpris
 void MprisPlayer::refresh() {
     const MediaPlayer* player = current();
     const Instant now = services_.clock.now();
-    if (!player || (freshenedAt_ && now - *freshenedAt_ < kFreshness)) return;
-    freshenedAt_ = now;
+    if (!player || (refreshedAt_ && now - *refreshedAt_ < kRefreshInterval)) return;
+    refreshedAt_ = now;
     services_.players.refresh(player->busName);
     artwork_.lookAgain();
 }
