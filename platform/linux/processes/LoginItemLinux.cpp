@@ -94,9 +94,9 @@ struct LoginItem {
     std::optional<std::filesystem::path> permission;
 
     std::int64_t status() const {
-        const auto standing = makeLiveRegularFiles().read(file, kLargestEntry);
-        if (!standing) return LoginItemClient::kNotRegistered;
-        const std::string_view text = textOf(standing->contents);
+        const auto present = makeLiveRegularFiles().read(file, kLargestEntry);
+        if (!present) return LoginItemClient::kNotRegistered;
+        const std::string_view text = textOf(present->contents);
         if (isSwitchedOff(text)) return LoginItemClient::kRequiresApproval;
         return valueOf(text, "Exec") == commandOf(executable) ? LoginItemClient::kEnabled
                                                               : LoginItemClient::kNotRegistered;
@@ -146,8 +146,8 @@ Result<void> permitAboveLock(const std::filesystem::path& program, const Process
         return std::unexpected{
             PlatformError{.description = "only an application in a bundle of a user with a home "
                                          "is permitted above the lock screen"}};
-    const auto standing = makeLiveRegularFiles().read(*file, kLargestEntry);
-    if (standing && textOf(standing->contents) == permissionText(program)) return {};
+    const auto present = makeLiveRegularFiles().read(*file, kLargestEntry);
+    if (present && textOf(present->contents) == permissionText(program)) return {};
     return writeEntry(*file, permissionText(program));
 }
 
