@@ -65,7 +65,7 @@ private:
     void forSender(sd_bus_message* message, Action action);
     void takePosition(Entry& entry, std::int64_t microseconds);
     void askIdentity(Entry& entry);
-    void tell(const BusRequest& call);
+    void send(const BusRequest& call);
     void changed();
     void publish();
 
