@@ -17,6 +17,7 @@ namespace {
 // coalesced into one notice to the add-on.
 constexpr Duration kCoalescing = std::chrono::milliseconds{50};
 constexpr std::size_t kPortCount = kQueryPortCount + 1;
+constexpr Duration kLongestWait = std::chrono::hours{24 * 365};
 
 }  // namespace
 
@@ -28,7 +29,8 @@ struct HostCoordinator::Link {
     std::function<Instant()> now;
     WallClock wallClock;
     std::mutex mutex;
-    PlayerSnapshot snapshot{};  // under mutex
+    PlayerSnapshot snapshot{};   // under mutex
+    bool holdsMainPort = false;  // changed by the coordinator's wait
 
     // Runs the action soon on the main thread, if the coordinator is still alive.
     static void post(const std::shared_ptr<Link>& link,
@@ -66,9 +68,9 @@ bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
     playerChanged();
     wait_ = std::make_shared<CancellableWait>();
-    ports_.emplace(services_.openPort, [this] { findSecret(); });
+    link_->holdsMainPort = false;
     server_.emplace(MessagePortServer::Services{.log = services_.log,
-                                                .openPort = countingOpenPort(),
+                                                .openPort = openMainPortFirst(),
                                                 .portsProblem = services_.portsProblem,
                                                 .nameCurrentThread = services_.nameCurrentThread,
                                                 .makeWait = [wait = wait_] { return wait; }});
@@ -86,7 +88,6 @@ void HostCoordinator::stop() {
     announcement_.reset();
     playersRequests_.reset();
     wait_->cancel();
-    ports_->end();
     starting_.reset();
     server_->stop();  // its threads use `server_`
     server_.reset();
@@ -110,10 +111,21 @@ void HostCoordinator::findSecret() {
         secret = MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
 }
 
-OpenPort HostCoordinator::countingOpenPort() {
-    return [ports = &*ports_, link = link_](const std::string& name, PortHandler handler) {
-        auto port = ports->open(name, std::move(handler));
-        if (port) Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
+// The host that holds the main port is the one that serves, so a query port waits for it. If two
+// hosts start together, one of them gets all ports.
+OpenPort HostCoordinator::openMainPortFirst() {
+    return [this, wait = wait_, link = link_](const std::string& name, PortHandler handler) {
+        const bool isMain = name == kMessagePortBaseName;
+        const auto holdsMainPort = [&link] { return link->holdsMainPort; };
+        std::unique_ptr<LocalPort> port;
+        if (isMain || wait->waitFor(kLongestWait, holdsMainPort))
+            port = services_.openPort(name, std::move(handler));
+        if (!port) return port;
+        if (isMain) {
+            findSecret();
+            wait->update([&link] { link->holdsMainPort = true; });
+        }
+        Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
         return port;
     };
 }
