@@ -110,14 +110,6 @@ struct LoginItem {
     }
 };
 
-std::optional<LoginItem> loginItemOf(const std::filesystem::path& folder,
-                                     const ProcessInfo& process) {
-    const auto name = entryName(process);
-    const auto executable = executableOfBundle(process.bundle, process.bundleProperties);
-    if (!name || !executable) return std::nullopt;
-    return LoginItem{folder / *name, *executable, permissionFile(process)};
-}
-
 LoginItemClient noLoginItem() {
     const auto fails = []() -> Result<void> {
         return std::unexpected{PlatformError{.description = "only an application in a bundle of a "
@@ -132,12 +124,13 @@ LoginItemClient noLoginItem() {
 
 LoginItemClient makeLoginItem(std::optional<std::filesystem::path> autostartFolder,
                               const ProcessInfo& process) {
-    if (!autostartFolder) return noLoginItem();
-    const auto item = loginItemOf(*autostartFolder, process);
-    if (!item) return noLoginItem();
-    return {.status = [item = *item] { return item.status(); },
-            .registerItem = [item = *item] { return item.registerItem(); },
-            .unregisterItem = [item = *item] { return item.unregisterItem(); }};
+    const auto name = entryName(process);
+    const auto executable = executableOfBundle(process.bundle, process.bundleProperties);
+    if (!autostartFolder || !name || !executable) return noLoginItem();
+    const LoginItem item{*autostartFolder / *name, *executable, permissionFile(process)};
+    return {.status = [item] { return item.status(); },
+            .registerItem = [item] { return item.registerItem(); },
+            .unregisterItem = [item] { return item.unregisterItem(); }};
 }
 
 Result<void> permitAboveLock(const std::filesystem::path& program, const ProcessInfo& process) {

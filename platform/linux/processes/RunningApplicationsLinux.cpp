@@ -160,27 +160,15 @@ std::vector<pid_t> processesInBundles() {
     return pids;
 }
 
-WallTime timeOf(clockid_t clock) {
-    timespec time{};
-    clock_gettime(clock, &time);
-    return WallTime{std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec}};
-}
-
-// Read once, because the user may set the clock between comparisons of copies.
-WallTime startOfSystem() {
-    static const WallTime start =
-        timeOf(CLOCK_REALTIME) - timeOf(CLOCK_BOOTTIME).time_since_epoch();
-    return start;
-}
-
+// The launch date counts from the system's start, because the user may set the clock between
+// comparisons of copies.
 RunningCopy runningCopyOf(const ProcessRecord& process) {
-    static const auto ticksPerSecond = static_cast<std::uint64_t>(sysconf(_SC_CLK_TCK));
-    if (!process.threadTicks)
-        return {process.pid, startOfSystem() + timeOf(CLOCK_BOOTTIME).time_since_epoch()};
-    const std::uint64_t ticks = *process.threadTicks;
-    return {process.pid,
-            startOfSystem() + std::chrono::seconds{ticks / ticksPerSecond} +
-                std::chrono::nanoseconds{ticks % ticksPerSecond * 1'000'000'000 / ticksPerSecond}};
+    static const Duration tick{1'000'000'000 / sysconf(_SC_CLK_TCK)};
+    timespec now{};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    Duration launch = std::chrono::seconds{now.tv_sec} + std::chrono::nanoseconds{now.tv_nsec};
+    if (process.threadTicks) launch = tick * *process.threadTicks;
+    return {process.pid, WallTime{launch}};
 }
 
 bool isSameLogin(const ProcessRecord& one, const ProcessRecord& other) {
