@@ -177,7 +177,7 @@ TEST(MprisCommand, ActionsBecomeCallsAndProperties) {
     EXPECT_EQ(volumeCommand(5, {}), std::nullopt);
 }
 
-TEST(FileURL, OnlyFilesOfThisMachine) {
+TEST(PlayerURL, OnlyFilesOfThisMachine) {
     const std::pair<const char*, const char*> rows[] = {
         {"file:///a%2Fb%20%C3%A9?x#y", "/a/b \u00e9"},
         {"file://localhost/a", "/a"},
