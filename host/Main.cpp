@@ -120,7 +120,7 @@ AddOnCommands::Services addOnServices(const LiveServices& services) {
             .control = {.applications = services.installation.runningApplications,
                         .notices = services.distributedNotices,
                         .clock = services.clock,
-                        .canHearNotices = !problems.bus},
+                        .receivesNotices = !problems.bus},
             .connectPort = services.connectPort,
             .darwinNotices = services.darwinNotices,
             .sharedSuite = sharedSuite(services),

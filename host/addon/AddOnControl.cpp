@@ -12,9 +12,9 @@ constexpr Duration kQuitPatience = std::chrono::seconds{3};
 // A new copy waits twelve seconds for an older one.
 constexpr Duration kStartPatience = std::chrono::seconds{20};
 // Enough for a copy that ends at once.
-constexpr Duration kDeafStartPatience = std::chrono::seconds{2};
+constexpr Duration kStartPatienceWithoutBus = std::chrono::seconds{2};
 constexpr Duration kRemovalPatience = std::chrono::seconds{10};
-constexpr int kLooksBetweenRequests = 5;
+constexpr int kChecksBetweenRequests = 5;
 
 }  // namespace
 
@@ -43,7 +43,7 @@ bool AddOnControl::isRunning() const {
 void AddOnControl::quit(std::function<void(bool)> done) {
     services_.notices.post(AddOnSignals::kQuit, {});
     const auto isGone = [this] { return !isRunning(); };
-    const Duration patience = services_.canHearNotices ? kQuitPatience : Duration{};
+    const Duration patience = services_.receivesNotices ? kQuitPatience : Duration{};
     poll(patience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
         if (obeyed) return done(true);
         requestQuitBySignal();
@@ -60,14 +60,14 @@ void AddOnControl::requestQuitBySignal() {
 
 void AddOnControl::awaitVersion(const std::string& version, std::function<void(Answer)> done) {
     hasAnswered_ = false;
-    looks_ = 0;
+    checks_ = 0;
     observation_ = services_.notices.observe(
         AddOnSignals::kStatus, [this, version](const PropertyDictionary& userInfo) {
             const auto status = AddOnSignals::Status::fromUserInfo(userInfo);
             if (status && status->version == version) hasAnswered_ = true;
         });
     poll(
-        services_.canHearNotices ? kStartPatience : kDeafStartPatience,
+        services_.receivesNotices ? kStartPatience : kStartPatienceWithoutBus,
         [this] {
             requestStatus();
             return hasAnswered_ || !isRunning();
@@ -80,7 +80,7 @@ void AddOnControl::awaitVersion(const std::string& version, std::function<void(A
 
 // Requests again, because an add-on does not receive requests before it has started.
 void AddOnControl::requestStatus() {
-    if (looks_++ % kLooksBetweenRequests == 0)
+    if (checks_++ % kChecksBetweenRequests == 0)
         services_.notices.post(AddOnSignals::kStatusRequest, {});
 }
 

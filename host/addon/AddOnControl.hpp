@@ -19,7 +19,7 @@ public:
         RunningApplications applications;
         DistributedNotices notices;
         Clock clock;
-        bool canHearNotices = true;  // false without a bus: no add-on answers, so waits are short
+        bool receivesNotices = true;  // false without a bus: no add-on answers, so waits are short
     };
     enum class Answer { runs, ended, isSilent };
 
@@ -49,7 +49,7 @@ private:
     Timer nextCheck_;
     Handle observation_;
     bool hasAnswered_ = false;
-    int looks_ = 0;
+    int checks_ = 0;
 };
 
 }  // namespace quorvane
