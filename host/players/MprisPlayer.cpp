@@ -183,16 +183,13 @@ bool MprisPlayer::setVolume(std::int64_t percent) {
 }
 
 bool MprisPlayer::carryOut(const std::string& busName, const std::optional<MprisCommand>& command) {
-    const auto& players = services_.players;
     if (!command) return false;
     if (const auto* call = std::get_if<MprisCall>(&*command))
-        players.call(busName, call->method);
+        services_.players.call(busName, call->method);
     else if (const auto* set = std::get_if<MprisSet>(&*command))
-        players.set(busName, set->property, set->value);
+        services_.players.set(busName, set->property, set->value);
     else if (const auto* sound = std::get_if<SetSoundVolume>(&*command))
         services_.soundServer.setVolume(sound->stream, sound->volume);
-    else
-        players.raise(busName);
     return true;
 }
 

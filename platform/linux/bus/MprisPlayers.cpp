@@ -228,11 +228,8 @@ void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {
 }
 
 void MprisPlayers::call(const std::string& name, const std::string& method) {
-    send(newBusRequest(bus_.connection(), {name, kPlayerPath, kPlayer, method}));
-}
-
-void MprisPlayers::raise(const std::string& name) {
-    send(newBusRequest(bus_.connection(), {name, kPlayerPath, kRoot, "Raise"}));
+    const char* const interface = method == "Raise" ? kRoot : kPlayer;
+    send(newBusRequest(bus_.connection(), {name, kPlayerPath, interface, method}));
 }
 
 void MprisPlayers::set(const std::string& name, const std::string& property,

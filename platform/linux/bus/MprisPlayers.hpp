@@ -31,7 +31,6 @@ public:
     Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
     void refresh(const std::string& name);
     void call(const std::string& name, const std::string& method);
-    void raise(const std::string& name);
     void set(const std::string& name, const std::string& property, const PropertyValue& value);
 
 private:

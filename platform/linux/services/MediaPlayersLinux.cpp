@@ -100,10 +100,6 @@ MediaPlayers makeLiveMediaPlayers(const LiveServices& services) {
                     players->post([name, property, value](MprisPlayers& its) {
                         its.set(name, property, value);
                     });
-                },
-            .raise =
-                [players](const std::string& name) {
-                    players->post([name](MprisPlayers& its) { its.raise(name); });
                 }};
 }
 

@@ -30,8 +30,7 @@ protected:
                 .refresh = [this](const auto&) { said += "refresh "; },
                 .call = [this](const auto&, const auto& method) { said += method + ' '; },
                 .set = [this](const auto&, const auto& property,
-                              const PropertyValue& value) { say(property, *value.as<double>()); },
-                .raise = [this](const auto&) { said += "raise "; }};
+                              const PropertyValue& value) { say(property, *value.as<double>()); }};
     }
     void start(std::optional<std::string> onlyNamed = std::nullopt) {
         player.emplace(
@@ -438,7 +437,7 @@ TEST_F(MprisPlayerTest, CommandsTheChosenPlayer) {
     player->perform(QuorvaneAction::toggleMute);
     change("CanGoNext", {false});
     EXPECT_FALSE(player->perform(QuorvaneAction::nextTrack));
-    EXPECT_EQ(takeSaid(), "Next raise Volume=0% Volume=30% Volume=80% ");
+    EXPECT_EQ(takeSaid(), "Next Raise Volume=0% Volume=30% Volume=80% ");
 }
 
 TEST_F(MprisPlayerTest, UsesTheSoundServerOnlyForAPlayerWithoutAVolume) {

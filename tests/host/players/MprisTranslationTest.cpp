@@ -156,7 +156,7 @@ TEST(MprisCommand, ActionsBecomeCallsAndProperties) {
         {"CanControl", toggleRepeat, {}},
         {"CanControl", toggleShuffle, {}},
         {"CanControl", nextTrack, {}},
-        {"CanControl", activatePlayer, MprisRaise{}},
+        {"CanControl", activatePlayer, MprisCall{"Raise"}},
         {"", toggleLove, {}},
     };
     const PlayerVolume half{PlayerVolume::Owner::player, 0.5};
