@@ -1,9 +1,9 @@
 // Entry of quorvane-host: makes the live tables and runs the command.
 
 #include <cstdio>
+#include <future>
 #include <memory>
 
-#include "QuorvaneKit/link/CancellableWait.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
 #include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
@@ -86,29 +86,24 @@ HostCoordinator::Services coordinatorServices(const LiveServices& services) {
             .sharedSuite = sharedSuite(services)};
 }
 
-// Runs on the signal's thread, before the signal ends the process. The main thread posts the
-// goodbye, unless it is blocked. The goodbye has reached the bus when its echo comes back.
-void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
-    struct Goodbye {
-        CancellableWait wait;
-        bool isSaid = false;  // changed by `wait`
+// Runs on the signal's thread, before the signal ends the process. The main thread posts the notice
+// of the end, unless it is blocked. The notice has reached the bus when its echo comes back.
+void announceEnd(HostCoordinator& host, const LiveServices& services) {
+    struct Announcement {
+        std::promise<void> isMade;
         Handle echo;
-
-        void said() {
-            wait.update([this] { isSaid = true; });
-        }
     };
-    const auto goodbye = std::make_shared<Goodbye>();
-    services.mainThread.post([&host, goodbye, notices = services.darwinNotices] {
-        const bool isServing = host.isServing();
-        goodbye->echo = notices.observe(QuorvaneDarwinNotification::mainAppWillTerminate,
-                                        // Holds its own owner, so that the handle is not released
-                                        // on the signal's thread.
-                                        [goodbye] { goodbye->said(); });
+    const auto announcement = std::make_shared<Announcement>();
+    services.mainThread.post([&host, announcement, notices = services.darwinNotices] {
+        if (!host.isServing()) return announcement->isMade.set_value();
+        announcement->echo =
+            notices.observe(QuorvaneDarwinNotification::mainAppWillTerminate, [announcement] {
+                announcement->echo.reset();
+                announcement->isMade.set_value();
+            });
         host.stop();
-        if (!isServing) goodbye->said();
     });
-    goodbye->wait.waitFor(std::chrono::seconds{1}, [&goodbye] { return goodbye->isSaid; });
+    announcement->isMade.get_future().wait_for(std::chrono::seconds{1});
 }
 
 AddOnCommands::Services addOnServices(const LiveServices& services) {
@@ -154,7 +149,7 @@ int run(const HostCommandLine& line, const LiveServices& services) {
     };
     bool hasStarted = false;
     services.application.handleTerminationSignal(
-        [&host, &services] { sayGoodbye(host, services); });
+        [&host, &services] { announceEnd(host, services); });
     const int status = services.application.run(
         [&] {
             if (services.connectPort(std::string{kMessagePortBaseName}))
