@@ -26,9 +26,9 @@ std::optional<AddOnInstallation> AddOnCommands::begin(Done done) {
         fail("this user has no home folder to install into");
         return std::nullopt;
     }
-    auto place = AddOnInstallation::look(*services_.applicationSupport, services_.bundleFiles);
+    auto place = AddOnInstallation::inspect(*services_.applicationSupport, services_.bundleFiles);
     if (place.state != State::foreign) return place;
-    fail(place.trouble + "; left unchanged");
+    fail(place.problem + "; left unchanged");
     return std::nullopt;
 }
 

@@ -23,35 +23,33 @@ void ArtworkLoader::want(const std::string& trackKey, URL url) {
     }
     // Only a file may hold another picture for another track.
     isChecked_ = isSameURL && picture_ && !localFile(*wanted_);
-    lookAgain();
+    checkAgain();
 }
 
-void ArtworkLoader::lookAgain() {
+void ArtworkLoader::checkAgain() {
     if (!wanted_ || (isChecked_ && !localFile(*wanted_))) return;
     if (isWebURL(*wanted_)) {
         if (!request_) fetch(*wanted_, 0);
         return;
     }
-    isOutdated_ = isLooking_;
-    if (isLooking_) return;
+    if (isReading_) return;
     // This object may be destroyed before the result arrives. If the system refuses a thread, no
     // picture is read; the next check retries.
-    isLooking_ = services_.queue->async([this, watch = life_.watch(), files = services_.files,
+    isReading_ = services_.queue->async([this, watch = life_.watch(), files = services_.files,
                                          mainThread = services_.mainThread, url = wanted_,
                                          track = wantedTrack_, known = knownStamp_] {
-        auto found = std::make_shared<Look>(look(files, *url, known));
+        auto found = std::make_shared<Reading>(read(files, *url, known));
         mainThread.post([this, watch, url, track, found] {
             if (watch.isOver()) return;
-            isLooking_ = false;
-            const bool isDue = std::exchange(isOutdated_, false);
-            if (wanted_ == url && wantedTrack_ == track) apply(std::move(*found));
-            if (isDue) lookAgain();
+            isReading_ = false;
+            if (wanted_ != url || wantedTrack_ != track) return checkAgain();
+            apply(std::move(*found));
         });
     });
 }
 
-ArtworkLoader::Look ArtworkLoader::look(const RegularFiles& files, const std::string& url,
-                                        const std::optional<FileStamp>& known) {
+ArtworkLoader::Reading ArtworkLoader::read(const RegularFiles& files, const std::string& url,
+                                           const std::optional<FileStamp>& known) {
     if (isDataURL(url)) {
         auto data = dataOf(url);
         if (!data) return without(std::string{data.error()});
@@ -68,7 +66,7 @@ ArtworkLoader::Look ArtworkLoader::look(const RegularFiles& files, const std::st
     return {.stamp = file->stamp, .picture = SharedBytes{std::move(file->contents)}};
 }
 
-ArtworkLoader::Look ArtworkLoader::without(std::string reason) {
+ArtworkLoader::Reading ArtworkLoader::without(std::string reason) {
     return {.picture = Picture{std::unexpected{std::move(reason)}}};
 }
 
@@ -90,17 +88,17 @@ void ArtworkLoader::fetched(FetchAnswer answer, int redirects) {
     apply({.picture = SharedBytes{std::get<Bytes>(std::move(answer))}});
 }
 
-void ArtworkLoader::apply(Look look) {
+void ArtworkLoader::apply(Reading reading) {
     const auto before = picture();
     isChecked_ = true;
-    if (look.picture) {
-        knownStamp_ = look.stamp;
+    if (reading.picture) {
+        knownStamp_ = reading.stamp;
         picture_.reset();
-        if (*look.picture) {
-            picture_ = **std::move(look.picture);
+        if (*reading.picture) {
+            picture_ = **std::move(reading.picture);
             logged_.clear();
         } else {
-            log(look.picture->error());
+            log(reading.picture->error());
         }
     }
     if (picture() != before) onLoaded_();

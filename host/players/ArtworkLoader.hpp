@@ -38,7 +38,7 @@ public:
     // because a player may use one file for all its tracks.
     void want(const std::string& trackKey, URL url);
     // Checks whether the wanted file has changed or now exists.
-    void lookAgain();
+    void checkAgain();
 
     // The wanted picture; nullopt until it has been found to be the one of this track.
     std::optional<SharedBytes> picture() const { return isChecked_ ? picture_ : std::nullopt; }
@@ -46,17 +46,17 @@ public:
 private:
     using Picture = std::expected<SharedBytes, std::string>;  // or the reason for having none
     // The result of a check.
-    struct Look {
+    struct Reading {
         std::optional<FileStamp> stamp{};
         std::optional<Picture> picture{};  // nullopt: the file that was read before
     };
-    static Look look(const RegularFiles& files, const std::string& url,
-                     const std::optional<FileStamp>& known);
-    static Look without(std::string reason);
+    static Reading read(const RegularFiles& files, const std::string& url,
+                        const std::optional<FileStamp>& known);
+    static Reading without(std::string reason);
     // Sends a request to a web server, after this number of redirects.
     void fetch(const std::string& url, int redirects);
     void fetched(FetchAnswer answer, int redirects);
-    void apply(Look look);
+    void apply(Reading reading);
     void log(const std::string& reason);
 
     Services services_;
@@ -65,8 +65,7 @@ private:
     std::string wantedTrack_;
     URL wanted_;
     bool isChecked_ = false;  // for the wanted URL and track
-    bool isLooking_ = false;
-    bool isOutdated_ = false;  // check again after the present check
+    bool isReading_ = false;
     // The wanted file as it was read last; nullopt before that.
     std::optional<FileStamp> knownStamp_;
     std::optional<SharedBytes> picture_;

@@ -43,7 +43,7 @@ void LockPauser::watchIfNeeded() {
         if (settings_.get().pauseOnLock) pause("lock");
     }));
     observations.push_back(onNotice(kScreenIsUnlocked, [this] { resume(); }));
-    observations.push_back(services_.players.observe([this] { forgetTouched(); }));
+    observations.push_back(services_.players.observe([this] { forgetChanged(); }));
     watch_.emplace(services_.makeLockSources(), std::move(observations));
     watch_->observations.push_back(watch_->sources.observeWake([this] {
         if (settings_.get().quietWake && isScreenLocked(watch_->sources)) pause("wake-up");
@@ -60,18 +60,18 @@ void LockPauser::pause(const char* reason) {
     }
 }
 
-void LockPauser::forgetTouched() {
+void LockPauser::forgetChanged() {
     const auto& players = services_.players.list();
-    const auto isTouched = [&](const std::string& name, Paused& paused) {
+    const auto isChanged = [&](const std::string& name, Paused& paused) {
         const auto player = std::ranges::find(players, name, &MediaPlayer::busName);
         if (player == players.end() || trackKeyOf(*player) != paused.track) return true;
         const XPCPlayerState state = playerStateOf(*player).playerState;
-        if (state == XPCPlayerState::playing) return paused.hasObeyed;
-        paused.hasObeyed = true;
+        if (state == XPCPlayerState::playing) return paused.hasPaused;
+        paused.hasPaused = true;
         return state != XPCPlayerState::paused;
     };
     for (auto entry = paused_.begin(); entry != paused_.end();)
-        entry = isTouched(entry->first, entry->second) ? paused_.erase(entry) : std::next(entry);
+        entry = isChanged(entry->first, entry->second) ? paused_.erase(entry) : std::next(entry);
 }
 
 void LockPauser::resume() {

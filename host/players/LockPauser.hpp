@@ -37,13 +37,13 @@ private:
     };
     struct Paused {
         std::string track;
-        bool hasObeyed = false;  // an older report, which says that it plays, does not count
+        bool hasPaused = false;  // an older report, which says that it plays, does not count
     };
 
     void watchIfNeeded();
     void pause(const char* reason);
     // Forgets paused players that have gone, stopped, changed their track, or played again since.
-    void forgetTouched();
+    void forgetChanged();
     void resume();
 
     Services services_;

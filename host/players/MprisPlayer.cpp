@@ -105,7 +105,7 @@ PlayerList MprisPlayer::players() const {
     for (const MediaPlayer& player : services_.players.list())
         if (choice_.known.contains(player.busName))
             list.rows.push_back({std::string{nameOnBus(player)}, stateText(player),
-                                 std::string{choice_.standingOf(player.busName)}});
+                                 std::string{choice_.explanationOf(player.busName)}});
     return list;
 }
 
@@ -199,7 +199,7 @@ void MprisPlayer::refresh() {
     if (!player || (refreshedAt_ && now - *refreshedAt_ < kRefreshInterval)) return;
     refreshedAt_ = now;
     services_.players.refresh(player->busName);
-    artwork_.lookAgain();
+    artwork_.checkAgain();
 }
 
 }  // namespace quorvane
