@@ -133,8 +133,10 @@ private:
     bool readEscape(std::string& text) {
         if (rest_.empty()) return false;
         const char character = rest_.front();
-        if (character == 'U') rest_.remove_prefix(1);
-        if (character == 'U') return readUnit(text, 4, 16);
+        if (character == 'U') {
+            rest_.remove_prefix(1);
+            return readUnit(text, 4, 16);
+        }
         if (character >= '0' && character <= '7') return readUnit(text, 3, 8);
         constexpr std::string_view names = "abfnrtv";
         const std::size_t place = names.find(character);
