@@ -29,8 +29,7 @@ struct HostCoordinator::Link {
     std::function<Instant()> now;
     WallClock wallClock;
     std::mutex mutex;
-    PlayerSnapshot snapshot{};   // under mutex
-    bool holdsMainPort = false;  // changed by the coordinator's wait
+    PlayerSnapshot snapshot{};  // under mutex
 
     // Runs the action soon on the main thread, if the coordinator is still alive.
     static void post(const std::shared_ptr<Link>& link,
@@ -68,7 +67,6 @@ bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
     playerChanged();
     wait_ = std::make_shared<CancellableWait>();
-    link_->holdsMainPort = false;
     server_.emplace(MessagePortServer::Services{.log = services_.log,
                                                 .openPort = openMainPortFirst(),
                                                 .portsProblem = services_.portsProblem,
@@ -114,16 +112,17 @@ void HostCoordinator::findSecret() {
 // The host that holds the main port is the one that serves, so a query port waits for it. If two
 // hosts start together, one of them gets all ports.
 OpenPort HostCoordinator::openMainPortFirst() {
-    return [this, wait = wait_, link = link_](const std::string& name, PortHandler handler) {
+    const auto holdsMainPort = std::make_shared<bool>(false);  // changed by `wait`
+    return [this, wait = wait_, link = link_, holdsMainPort](const std::string& name,
+                                                             PortHandler handler) {
         const bool isMain = name == kMessagePortBaseName;
-        const auto holdsMainPort = [&link] { return link->holdsMainPort; };
         std::unique_ptr<LocalPort> port;
-        if (isMain || wait->waitFor(kLongestWait, holdsMainPort))
+        if (isMain || wait->waitFor(kLongestWait, [&] { return *holdsMainPort; }))
             port = services_.openPort(name, std::move(handler));
         if (!port) return port;
         if (isMain) {
             findSecret();
-            wait->update([&link] { link->holdsMainPort = true; });
+            wait->update([&] { *holdsMainPort = true; });
         }
         Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
         return port;

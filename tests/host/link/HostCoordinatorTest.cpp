@@ -151,8 +151,8 @@ TEST_F(HostCoordinatorTest, AnswersWithoutTheMainThreadAndCommandsThePlayerThere
 
 TEST_F(HostCoordinatorTest, AnnouncesNewsOnceAndOnlyNews) {
     serve();
-    EXPECT_EQ(takeNotices(), (Texts{"playerStateChanged", "lockScreenConfigurationChanged",
-                                    "playerStateChanged"}))
+    EXPECT_EQ(takeNotices(),
+              (Texts{"playerStateChanged", "lockScreenConfigurationChanged", "playerStateChanged"}))
         << "the add-on shall connect again; the player's first state";
     for (int i = 0; i < 5; ++i) {
         player->value.state.volume += 1;
@@ -178,6 +178,7 @@ TEST_F(HostCoordinatorTest, SaysWhenItComesAndGoes) {
                             "holds it — retrying until it frees");
     });
     EXPECT_TRUE(store.files.empty()) << "the other host makes the secret";
+    EXPECT_FALSE(ports.connectPort()(queryPortName(kMessagePortBaseName, 0))) << "all or none";
     other.reset();
     waitUntil([&] { return timesServing == 1; });
     host->stop();
