@@ -1,9 +1,9 @@
 // Entry of quorvane-host: makes the live tables and runs the command.
 
 #include <cstdio>
+#include <future>
 #include <memory>
 
-#include "QuorvaneKit/link/CancellableWait.hpp"
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/PortNames.hpp"
 #include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
@@ -86,29 +86,24 @@ HostCoordinator::Services coordinatorServices(const LiveServices& services) {
             .sharedSuite = sharedSuite(services)};
 }
 
-// Runs on the signal's thread, before the signal ends the process. The main thread posts the
-// goodbye, unless it is blocked. The goodbye has reached the bus when its echo comes back.
-void sayGoodbye(HostCoordinator& host, const LiveServices& services) {
-    struct Goodbye {
-        CancellableWait wait;
-        bool isSaid = false;  // changed by `wait`
+// Runs on the signal's thread, before the signal ends the process. The main thread posts the notice
+// of the end, unless it is blocked. The notice has reached the bus when its echo comes back.
+void announceEnd(HostCoordinator& host, const LiveServices& services) {
+    struct Announcement {
+        std::promise<void> isMade;
         Handle echo;
-
-        void said() {
-            wait.update([this] { isSaid = true; });
-        }
     };
-    const auto goodbye = std::make_shared<Goodbye>();
-    services.mainThread.post([&host, goodbye, notices = services.darwinNotices] {
-        const bool isServing = host.isServing();
-        goodbye->echo = notices.observe(QuorvaneDarwinNotification::mainAppWillTerminate,
-                                        // Holds its own owner, so that the handle is not released
-                                        // on the signal's thread.
-                                        [goodbye] { goodbye->said(); });
+    const auto announcement = std::make_shared<Announcement>();
+    services.mainThread.post([&host, announcement, notices = services.darwinNotices] {
+        if (!host.isServing()) return announcement->isMade.set_value();
+        announcement->echo =
+            notices.observe(QuorvaneDarwinNotification::mainAppWillTerminate, [announcement] {
+                announcement->echo.reset();
+                announcement->isMade.set_value();
+            });
         host.stop();
-        if (!isServing) goodbye->said();
     });
-    goodbye->wait.waitFor(std::chrono::seconds{1}, [&goodbye] { return goodbye->isSaid; });
+    announcement->isMade.get_future().wait_for(std::chrono::seconds{1});
 }
 
 AddOnCommands::Services addOnServices(const LiveServices& services) {
@@ -120,7 +115,7 @@ AddOnCommands::Services addOnServices(const LiveServices& services) {
             .control = {.applications = services.installation.runningApplications,
                         .notices = services.distributedNotices,
                         .clock = services.clock,
-                        .canHearNotices = !problems.bus},
+                        .receivesNotices = !problems.bus},
             .connectPort = services.connectPort,
             .darwinNotices = services.darwinNotices,
             .sharedSuite = sharedSuite(services),
@@ -154,7 +149,7 @@ int run(const HostCommandLine& line, const LiveServices& services) {
     };
     bool hasStarted = false;
     services.application.handleTerminationSignal(
-        [&host, &services] { sayGoodbye(host, services); });
+        [&host, &services] { announceEnd(host, services); });
     const int status = services.application.run(
         [&] {
             if (services.connectPort(std::string{kMessagePortBaseName}))
@@ -170,16 +165,27 @@ int run(const HostCommandLine& line, const LiveServices& services) {
                : fail("the system refused to start a thread; end other programs and try again");
 }
 
-int tellStatus(const LiveServices& services) {
-    HostStatusQuery query{addOnServices(services), services.files};
-    bool isRunning = false;
-    const auto tell = [&](const HostStatus& status) {
-        print(status.text(services.wallClock()));
-        isRunning = status.state.has_value();
+using End = std::function<void(int status)>;
+
+// Runs the main loop until the command calls `end` with its exit status.
+int runUntilEnd(const LiveServices& services, const std::function<void(const End& end)>& command) {
+    int status = kHostFailed;
+    const auto end = [&](int itsStatus) {
+        status = itsStatus;
         services.application.terminate();
     };
-    const int status = services.application.run([&] { query.start(tell); }, [] {});
-    return status == 0 && isRunning ? kHostDone : kHostFailed;
+    const int ended = services.application.run([&] { command(end); }, [] {});
+    return ended == 0 ? status : kHostFailed;
+}
+
+int showStatus(const LiveServices& services) {
+    HostStatusQuery query{addOnServices(services), services.files};
+    return runUntilEnd(services, [&](const End& end) {
+        query.start([&services, end](const HostStatus& status) {
+            print(status.text(services.wallClock()));
+            end(status.state ? kHostDone : kHostFailed);
+        });
+    });
 }
 
 std::optional<std::filesystem::path> bundleOf(const HostCommandLine& line,
@@ -190,21 +196,18 @@ std::optional<std::filesystem::path> bundleOf(const HostCommandLine& line,
 
 int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
     AddOnCommands commands{addOnServices(services)};
-    int status = kHostFailed;
-    const auto done = [&](const AddOnCommands::Outcome& outcome) {
-        if (outcome) print(*outcome);
-        if (outcome && line.command == Command::install &&
-            !services.connectPort(std::string{kMessagePortBaseName}))
-            say("no host is running; the card needs one: quorvane-host run");
-        status = outcome ? kHostDone : fail(outcome.error());
-        services.application.terminate();
-    };
-    const auto begin = [&] {
-        const bool installs = line.command == Command::install || line.command == Command::update;
-        const auto bundle = bundleOf(line, services);
-        if (installs && !bundle)
-            return done(
-                std::unexpected{"this program comes without an add-on; give one with --from"});
+    const bool installs = line.command == Command::install || line.command == Command::update;
+    const auto bundle = bundleOf(line, services);
+    if (installs && !bundle)
+        return fail("this program comes without an add-on; give one with --from");
+    return runUntilEnd(services, [&](const End& end) {
+        const auto done = [&, end](const AddOnCommands::Outcome& outcome) {
+            if (outcome) print(*outcome);
+            if (outcome && line.command == Command::install &&
+                !services.connectPort(std::string{kMessagePortBaseName}))
+                say("no host is running; the card needs one: quorvane-host run");
+            end(outcome ? kHostDone : fail(outcome.error()));
+        };
         switch (line.command) {
             case Command::install: return commands.install(*bundle, done);
             case Command::update: return commands.update(*bundle, done);
@@ -215,43 +218,35 @@ int controlAddOn(const HostCommandLine& line, const LiveServices& services) {
             case Command::remove: return commands.remove(done);
             default: return done(std::unexpected{"not a command of the add-on"});
         }
-    };
-    const int ended = services.application.run(begin, [] {});
-    return ended == 0 ? status : kHostFailed;
+    });
 }
 
 // Asks a serving host, because its choice depends on earlier events. Otherwise this process chooses
 // as a host that starts now would.
-int tellPlayers(const LiveServices& services) {
+int listPlayers(const LiveServices& services) {
     StoredSettings settings{services.standardDefaults, services.darwinNotices};
-    const bool isServed = services.connectPort(std::string{kMessagePortBaseName}) != nullptr;
-    int status = kHostFailed;
     std::unique_ptr<PlayerSource> here;
     Handle answer;
     Timer patience;
-    const auto tell = [&](const PlayerList& list) {
-        print(list.text());
-        status = kHostDone;
-        services.application.terminate();
-    };
-    const auto begin = [&] {
-        if (isServed) {
+    return runUntilEnd(services, [&](const End& end) {
+        const auto show = [end](const PlayerList& list) {
+            print(list.text());
+            end(kHostDone);
+        };
+        if (services.connectPort(std::string{kMessagePortBaseName})) {
             answer = services.distributedNotices.observe(
                 PlayerList::kAnswer,
-                [&](const PropertyDictionary& userInfo) { tell(PlayerList::of(userInfo)); });
+                [show](const PropertyDictionary& userInfo) { show(PlayerList::of(userInfo)); });
             services.darwinNotices.post(PlayerList::kRequest);
         } else {
             here = *makePlayer({}, services, settings, makeLiveMediaPlayers(services));
             say("no host is running; one that starts now chooses so:");
         }
-        patience = services.clock.after(kPlayersPatience, [&] {
-            if (here) return tell(here->players());
-            fail("the host did not answer; stop it and start it again");
-            services.application.terminate();
+        patience = services.clock.after(kPlayersPatience, [&here, show, end] {
+            if (here) return show(here->players());
+            end(fail("the host did not answer; stop it and start it again"));
         });
-    };
-    const int ended = services.application.run(begin, [] {});
-    return ended == 0 ? status : kHostFailed;
+    });
 }
 
 int setSettings(const HostCommandLine& line, const LiveServices& services) {
@@ -263,19 +258,11 @@ int setSettings(const HostCommandLine& line, const LiveServices& services) {
 }
 
 int lock(const HostCommandLine& line, const LiveServices& services) {
-    int status = kHostFailed;
     Result<Handle> locker;
-    const auto begin = [&] {
-        locker = runLocker(services, line.locker, [&](int itsStatus) {
-            status = itsStatus;
-            services.application.terminate();
-        });
-        if (locker) return;
-        fail(locker.error().description);
-        services.application.terminate();
-    };
-    services.application.run(begin, [] {});
-    return status;
+    return runUntilEnd(services, [&](const End& end) {
+        locker = runLocker(services, line.locker, end);
+        if (!locker) end(fail(locker.error().description));
+    });
 }
 
 int main(int argumentCount, char** arguments) {
@@ -293,9 +280,9 @@ int main(int argumentCount, char** arguments) {
         makeLiveServices(argumentCount, arguments, std::string{kIdentifierPrefix});
     if (!services) return fail(services.error().description);
     switch (line->command) {
-        case Command::status: return tellStatus(*services);
+        case Command::status: return showStatus(*services);
         case Command::run: return run(*line, *services);
-        case Command::players: return tellPlayers(*services);
+        case Command::players: return listPlayers(*services);
         case Command::set:
         case Command::unset: return setSettings(*line, *services);
         case Command::lock: return lock(*line, *services);

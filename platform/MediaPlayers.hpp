@@ -34,7 +34,8 @@ struct MediaPlayer {
 };
 
 // Main thread only. No call blocks on a player; answers arrive asynchronously. Methods and
-// properties have the names of the interface above.
+// properties have the names of the interface above; the method "Raise", which brings the player's
+// window to the front, has that of "org.mpris.MediaPlayer2".
 struct MediaPlayers {
     // The players that have sent their properties or are silent, ordered by name. The service owns
     // the list and changes it only between calls of the handler.
@@ -50,8 +51,6 @@ struct MediaPlayers {
     std::function<void(const std::string& busName, const std::string& property,
                        const PropertyValue& value)>
         set;
-    // Asks the player to bring its window to the front.
-    std::function<void(const std::string& busName)> raise;
 };
 
 // Returns a table that lists no players where the session has no such service. `services` must

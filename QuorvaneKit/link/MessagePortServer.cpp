@@ -109,7 +109,7 @@ std::unique_ptr<LocalPort> MessagePortServer::openWhenFree(PortThread& entry) {
     };
     for (std::int64_t attempt = 1; !wait_->isCancelled(); ++attempt) {
         if (auto port = services_.openPort(entry.portName, handler)) return port;
-        if (isReported(attempt)) logFailure(entry.portName, attempt);
+        if (isReported(attempt) && !wait_->isCancelled()) logFailure(entry.portName, attempt);
         wait_->waitFor(retryDelay(attempt), [] { return false; });
     }
     log_.info("Message port %{public}s stopped before it could open", entry.portName);

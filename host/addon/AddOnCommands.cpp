@@ -26,14 +26,14 @@ std::optional<AddOnInstallation> AddOnCommands::begin(Done done) {
         fail("this user has no home folder to install into");
         return std::nullopt;
     }
-    auto place = AddOnInstallation::look(*services_.applicationSupport, services_.bundleFiles);
+    auto place = AddOnInstallation::inspect(*services_.applicationSupport, services_.bundleFiles);
     if (place.state != State::foreign) return place;
-    fail(place.trouble + "; left unchanged");
+    fail(place.problem + "; left unchanged");
     return std::nullopt;
 }
 
 void AddOnCommands::install(const std::filesystem::path& bundle, Done done) {
-    const auto there = begin(std::move(done));
+    auto there = begin(std::move(done));
     if (!there) return;
     const auto version = addOnVersionOf(bundle, services_.bundleFiles);
     if (!version) return fail(bundle.string() + " is not the add-on");
@@ -41,11 +41,12 @@ void AddOnCommands::install(const std::filesystem::path& bundle, Done done) {
     std::string text = "Installed version " + *version + " as " + there->bundle.string() + ".\n";
     if (SharedDefaults{services_.sharedSuite}.setLockScreenEnabled(true))
         text += "The card is on; turn it off with: quorvane-host disable\n";
-    replaceRunning(*there, *version, std::move(text));
+    there->version = *version;
+    replaceRunning(*there, std::move(text));
 }
 
 void AddOnCommands::update(const std::filesystem::path& bundle, Done done) {
-    const auto there = begin(std::move(done));
+    auto there = begin(std::move(done));
     if (!there) return;
     if (there->state == State::empty) return fail(kNotInstalled);
     const auto version = addOnVersionOf(bundle, services_.bundleFiles);
@@ -55,7 +56,8 @@ void AddOnCommands::update(const std::filesystem::path& bundle, Done done) {
     if (auto failure = put(bundle, *there)) return fail(*std::move(failure));
     const std::string before =
         there->version.empty() ? "an incomplete installation" : there->version;
-    replaceRunning(*there, *version, "Updated " + before + " to version " + *version + ".\n");
+    there->version = *version;
+    replaceRunning(*there, "Updated " + before + " to version " + *version + ".\n");
 }
 
 std::optional<std::string> AddOnCommands::put(const std::filesystem::path& bundle,
@@ -85,13 +87,10 @@ void AddOnCommands::forgetRemoval() {
 
 // Quits the old copy first, because it runs from the bundle that is discarded. If it does not quit,
 // the new copy handles it.
-void AddOnCommands::replaceRunning(const AddOnInstallation& place, const std::string& version,
-                                   std::string text) {
-    AddOnInstallation now = place;
-    now.version = version;
-    const auto proceed = [this, now, text = std::move(text)](bool) {
-        services_.bundleFiles.discardStaged(now.supportDirectory);
-        startAndTell(now, {AddOnSignals::kInstalledArgument}, text);
+void AddOnCommands::replaceRunning(const AddOnInstallation& place, std::string text) {
+    const auto proceed = [this, place, text = std::move(text)](bool) {
+        services_.bundleFiles.discardStaged(place.supportDirectory);
+        startAndReport(place, {AddOnSignals::kInstalledArgument}, text);
     };
     if (!control_.isRunning()) return proceed(true);
     control_.quit(proceed);
@@ -107,29 +106,29 @@ std::optional<std::string> AddOnCommands::start(const AddOnInstallation& place,
     return std::get<PlatformError>(started.error()).description;
 }
 
-void AddOnCommands::startAndTell(const AddOnInstallation& place,
-                                 const std::vector<std::string>& arguments, std::string text) {
+void AddOnCommands::startAndReport(const AddOnInstallation& place,
+                                   const std::vector<std::string>& arguments, std::string text) {
     if (const auto failure = start(place, arguments))
         return fail(text + "It could not be started: " + *failure);
-    const auto tell = [this, text = std::move(text)](AddOnControl::Answer answer) {
+    const auto report = [this, text = std::move(text)](AddOnControl::Answer answer) {
         switch (answer) {
             case AddOnControl::Answer::runs:
-                return end(text + "The add-on is running.\n" + notes());
+                return end(text + "The add-on is running.\n" + sessionNotes());
             case AddOnControl::Answer::isSilent:
                 return end(text + "The add-on was started" +
                            (services_.problems.bus ? "" : ", but has not answered yet") + ".\n" +
-                           notes());
+                           sessionNotes());
             case AddOnControl::Answer::ended:
                 return fail((text.empty() ? "the" : text + "The") + " add-on cannot run here: " +
                             services_.problems.screen.value_or("it ended at once (see its log)") +
                             ". Start it later with: quorvane-host launch");
         }
     };
-    control_.awaitVersion(place.version, tell);
+    control_.awaitVersion(place.version, report);
 }
 
 // The problems that keep the card from showing although the add-on runs.
-std::string AddOnCommands::notes() const {
+std::string AddOnCommands::sessionNotes() const {
     std::string text;
     for (const std::string& problem : services_.problems.sentences())
         text += "Note: " + problem + ".\n";
@@ -140,8 +139,8 @@ void AddOnCommands::launch(Done done) {
     const auto there = begin(std::move(done));
     if (!there) return;
     if (there->state != State::installed) return fail(kNotInstalled);
-    if (control_.isRunning()) return end("The add-on is already running.\n" + notes());
-    startAndTell(*there, {}, "");
+    if (control_.isRunning()) return end("The add-on is already running.\n" + sessionNotes());
+    startAndReport(*there, {}, "");
 }
 
 void AddOnCommands::quit(Done done) {

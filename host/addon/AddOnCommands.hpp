@@ -61,11 +61,10 @@ private:
     std::optional<std::string> start(const AddOnInstallation& place,
                                      const std::vector<std::string>& arguments) const;
 
-    void replaceRunning(const AddOnInstallation& place, const std::string& version,
+    void replaceRunning(const AddOnInstallation& place, std::string text);
+    void startAndReport(const AddOnInstallation& place, const std::vector<std::string>& arguments,
                         std::string text);
-    void startAndTell(const AddOnInstallation& place, const std::vector<std::string>& arguments,
-                      std::string text);
-    std::string notes() const;
+    std::string sessionNotes() const;
     void forgetRemoval();
     void recordRemoval();
     void uninstall(const AddOnInstallation& place);

@@ -1,22 +1,40 @@
 #include "host/addon/AddOnControl.hpp"
 
+#include <utility>
+
 #include "QuorvaneKit/link/Identifiers.hpp"
 
 namespace quorvane {
 namespace {
 
+constexpr Duration kInterval = std::chrono::milliseconds{50};
 constexpr Duration kQuitPatience = std::chrono::seconds{3};
 // A new copy waits twelve seconds for an older one.
 constexpr Duration kStartPatience = std::chrono::seconds{20};
 // Enough for a copy that ends at once.
-constexpr Duration kDeafStartPatience = std::chrono::seconds{2};
+constexpr Duration kStartPatienceWithoutBus = std::chrono::seconds{2};
 constexpr Duration kRemovalPatience = std::chrono::seconds{10};
-constexpr int kLooksBetweenRequests = 5;
+constexpr int kChecksBetweenRequests = 5;
 
 }  // namespace
 
-AddOnControl::AddOnControl(Services services)
-    : services_(std::move(services)), poll_(services_.clock) {}
+void AddOnControl::poll(Duration patience, std::function<bool()> condition,
+                        std::function<void(bool)> done) {
+    deadline_ = services_.clock.now() + patience;
+    condition_ = std::move(condition);
+    done_ = std::move(done);
+    nextCheck_ = services_.clock.after(Duration{}, [this] { check(); });
+}
+
+void AddOnControl::check() {
+    const bool holds = condition_();
+    if (!holds && services_.clock.now() < deadline_) {
+        nextCheck_ = services_.clock.after(kInterval, [this] { check(); });
+        return;
+    }
+    const auto done = std::exchange(done_, nullptr);
+    done(holds);  // may poll again
+}
 
 bool AddOnControl::isRunning() const {
     return !services_.applications.running(std::string{kAddOnBundleIdentifier}).empty();
@@ -25,11 +43,11 @@ bool AddOnControl::isRunning() const {
 void AddOnControl::quit(std::function<void(bool)> done) {
     services_.notices.post(AddOnSignals::kQuit, {});
     const auto isGone = [this] { return !isRunning(); };
-    const Duration patience = services_.canHearNotices ? kQuitPatience : Duration{};
-    poll_.start(patience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
+    const Duration patience = services_.receivesNotices ? kQuitPatience : Duration{};
+    poll(patience, isGone, [this, isGone, done = std::move(done)](bool obeyed) {
         if (obeyed) return done(true);
         requestQuitBySignal();
-        poll_.start(kQuitPatience, isGone, done);
+        poll(kQuitPatience, isGone, done);
     });
 }
 
@@ -42,14 +60,14 @@ void AddOnControl::requestQuitBySignal() {
 
 void AddOnControl::awaitVersion(const std::string& version, std::function<void(Answer)> done) {
     hasAnswered_ = false;
-    looks_ = 0;
+    checks_ = 0;
     observation_ = services_.notices.observe(
         AddOnSignals::kStatus, [this, version](const PropertyDictionary& userInfo) {
             const auto status = AddOnSignals::Status::fromUserInfo(userInfo);
             if (status && status->version == version) hasAnswered_ = true;
         });
-    poll_.start(
-        services_.canHearNotices ? kStartPatience : kDeafStartPatience,
+    poll(
+        services_.receivesNotices ? kStartPatience : kStartPatienceWithoutBus,
         [this] {
             requestStatus();
             return hasAnswered_ || !isRunning();
@@ -62,12 +80,12 @@ void AddOnControl::awaitVersion(const std::string& version, std::function<void(A
 
 // Requests again, because an add-on does not receive requests before it has started.
 void AddOnControl::requestStatus() {
-    if (looks_++ % kLooksBetweenRequests == 0)
+    if (checks_++ % kChecksBetweenRequests == 0)
         services_.notices.post(AddOnSignals::kStatusRequest, {});
 }
 
 void AddOnControl::awaitRemoval(std::function<bool()> isRemoved, std::function<void(bool)> done) {
-    poll_.start(
+    poll(
         kRemovalPatience, [this, isRemoved] { return isRemoved() && !isRunning(); },
         std::move(done));
 }

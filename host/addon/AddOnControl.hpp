@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/addon/ConditionPoll.hpp"
+#include "platform/Clock.hpp"
 #include "platform/DistributedNotices.hpp"
 #include "platform/RunningApplications.hpp"
 #include "shared/AddOnSignals.hpp"
@@ -19,11 +19,11 @@ public:
         RunningApplications applications;
         DistributedNotices notices;
         Clock clock;
-        bool canHearNotices = true;  // false without a bus: no add-on answers, so waits are short
+        bool receivesNotices = true;  // false without a bus: no add-on answers, so waits are short
     };
     enum class Answer { runs, ended, isSilent };
 
-    explicit AddOnControl(Services services);
+    explicit AddOnControl(Services services) : services_(std::move(services)) {}
 
     bool isRunning() const;
     // Asks every copy to quit, by notice and, if that fails, through the system. `done` receives
@@ -36,14 +36,20 @@ public:
     void awaitRemoval(std::function<bool()> isRemoved, std::function<void(bool)> done);
 
 private:
+    // Checks repeatedly. Calls `done` once, later, with true if the condition held in time.
+    void poll(Duration patience, std::function<bool()> condition, std::function<void(bool)> done);
+    void check();
     void requestQuitBySignal();
     void requestStatus();
 
     Services services_;
-    ConditionPoll poll_;
+    Instant deadline_{};
+    std::function<bool()> condition_;
+    std::function<void(bool)> done_;
+    Timer nextCheck_;
     Handle observation_;
     bool hasAnswered_ = false;
-    int looks_ = 0;
+    int checks_ = 0;
 };
 
 }  // namespace quorvane

@@ -30,14 +30,14 @@ std::optional<std::string> addOnVersionOf(const fs::path& bundle, const BundleFi
     return version == nullptr ? "-" : *version;
 }
 
-AddOnInstallation AddOnInstallation::look(const fs::path& applicationSupport,
-                                          const BundleFiles& files) {
+AddOnInstallation AddOnInstallation::inspect(const fs::path& applicationSupport,
+                                             const BundleFiles& files) {
     AddOnInstallation place{
         .supportDirectory = AddOnInstallLocation::supportDirectory(applicationSupport),
         .bundle = AddOnInstallLocation::bundle(applicationSupport)};
     const auto foreign = [&](const fs::path& path, const char* what) {
         place.state = State::foreign;
-        place.trouble = path.string() + " is " + what;
+        place.problem = path.string() + " is " + what;
         return place;
     };
     for (const fs::path& folder : {place.supportDirectory, place.bundle}) {

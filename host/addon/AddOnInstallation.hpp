@@ -13,17 +13,17 @@ struct AddOnInstallation {
         empty,
         installed,
         damaged,  // the remains of a bundle
-        foreign,  // not the add-on's; left alone. `trouble` describes it
+        foreign,  // not the add-on's; left alone. `problem` describes it
     };
 
     std::filesystem::path supportDirectory{};
     std::filesystem::path bundle{};
     State state = State::empty;
     std::string version{};  // of an installed bundle; "-" when it has none
-    std::string trouble{};
+    std::string problem{};
 
-    static AddOnInstallation look(const std::filesystem::path& applicationSupport,
-                                  const BundleFiles& files);
+    static AddOnInstallation inspect(const std::filesystem::path& applicationSupport,
+                                     const BundleFiles& files);
 };
 
 // The version of a bundle that is the add-on; nullopt when it is not the add-on.

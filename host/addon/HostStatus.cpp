@@ -66,7 +66,7 @@ std::string installedText(const AddOnInstallation& place) {
                    printable(place.bundle.string());
         case AddOnInstallation::State::damaged:
             return "damaged (repair with: quorvane-host install; or run: quorvane-host remove)";
-        case AddOnInstallation::State::foreign: return "no; " + printable(place.trouble);
+        case AddOnInstallation::State::foreign: return "no; " + printable(place.problem);
         case AddOnInstallation::State::empty: break;
     }
     return "not installed (run: quorvane-host install)";

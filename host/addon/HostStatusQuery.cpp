@@ -21,7 +21,7 @@ void HostStatusQuery::start(std::function<void(HostStatus)> done) {
     done_ = std::move(done);
     if (services_.applicationSupport)
         status_.place =
-            AddOnInstallation::look(*services_.applicationSupport, services_.bundleFiles);
+            AddOnInstallation::inspect(*services_.applicationSupport, services_.bundleFiles);
     status_.problems = services_.problems.sentences();
     status_.isAddOnRunning = AddOnControl{services_.control}.isRunning();
     readDefaults();

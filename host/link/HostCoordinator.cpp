@@ -17,6 +17,7 @@ namespace {
 // coalesced into one notice to the add-on.
 constexpr Duration kCoalescing = std::chrono::milliseconds{50};
 constexpr std::size_t kPortCount = kQueryPortCount + 1;
+constexpr Duration kLongestWait = std::chrono::hours{24 * 365};
 
 }  // namespace
 
@@ -66,9 +67,8 @@ bool HostCoordinator::start() {
     player_->onChanged = [this] { playerChanged(); };
     playerChanged();
     wait_ = std::make_shared<CancellableWait>();
-    ports_.emplace(services_.openPort, [this] { findSecret(); });
     server_.emplace(MessagePortServer::Services{.log = services_.log,
-                                                .openPort = countingOpenPort(),
+                                                .openPort = openMainPortFirst(),
                                                 .portsProblem = services_.portsProblem,
                                                 .nameCurrentThread = services_.nameCurrentThread,
                                                 .makeWait = [wait = wait_] { return wait; }});
@@ -86,7 +86,6 @@ void HostCoordinator::stop() {
     announcement_.reset();
     playersRequests_.reset();
     wait_->cancel();
-    ports_->end();
     starting_.reset();
     server_->stop();  // its threads use `server_`
     server_.reset();
@@ -110,10 +109,22 @@ void HostCoordinator::findSecret() {
         secret = MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
 }
 
-OpenPort HostCoordinator::countingOpenPort() {
-    return [ports = &*ports_, link = link_](const std::string& name, PortHandler handler) {
-        auto port = ports->open(name, std::move(handler));
-        if (port) Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
+// The host that holds the main port is the one that serves, so a query port waits for it. If two
+// hosts start together, one of them gets all ports.
+OpenPort HostCoordinator::openMainPortFirst() {
+    const auto holdsMainPort = std::make_shared<bool>(false);  // changed by `wait`
+    return [this, wait = wait_, link = link_, holdsMainPort](const std::string& name,
+                                                             PortHandler handler) {
+        const bool isMain = name == kMessagePortBaseName;
+        std::unique_ptr<LocalPort> port;
+        if (isMain || wait->waitFor(kLongestWait, [&] { return *holdsMainPort; }))
+            port = services_.openPort(name, std::move(handler));
+        if (!port) return port;
+        if (isMain) {
+            findSecret();
+            wait->update([&] { *holdsMainPort = true; });
+        }
+        Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
         return port;
     };
 }

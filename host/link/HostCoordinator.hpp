@@ -9,12 +9,12 @@
 #include "QuorvaneKit/link/MessagePortServer.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
 #include "QuorvaneKit/records/LockScreenRecords.hpp"
-#include "host/link/MainPortFirst.hpp"
 #include "host/players/PlayerSource.hpp"
 #include "platform/DarwinNotices.hpp"
 #include "platform/DistributedNotices.hpp"
 #include "platform/FileStore.hpp"
 #include "platform/MainThread.hpp"
+#include "platform/MessagePort.hpp"
 #include "platform/SerialQueue.hpp"
 
 namespace quorvane {
@@ -62,7 +62,7 @@ private:
     struct Link;
 
     void findSecret();
-    OpenPort countingOpenPort();
+    OpenPort openMainPortFirst();
     MessagePortHandlers makeHandlers() const;
     void portOpened();
     void playerChanged();
@@ -81,7 +81,6 @@ private:
     SharedDefaults defaults_;
     std::shared_ptr<Link> link_;             // shared with the ports' threads
     std::shared_ptr<CancellableWait> wait_;  // all waits of the server since `start`
-    std::optional<MainPortFirst> ports_;     // outlives the server, whose threads call it
     std::optional<MessagePortServer> server_;
     // Starts the server, which may block until another host ends. Destroyed before the server.
     std::unique_ptr<SerialQueue> starting_;

@@ -1,9 +1,14 @@
 #include "host/players/ArtworkLoader.hpp"
 
-#include "host/players/DataURL.hpp"
-#include "host/players/FileURL.hpp"
+#include "host/players/PlayerURL.hpp"
 
 namespace quorvane {
+
+namespace {
+
+constexpr int kMostRedirects = 3;
+
+}  // namespace
 
 void ArtworkLoader::want(const std::string& trackKey, URL url) {
     const bool isSameURL = wanted_ == url || (wanted_ && url && *wanted_ == *url);
@@ -13,40 +18,38 @@ void ArtworkLoader::want(const std::string& trackKey, URL url) {
         wanted_ = std::move(url);
         knownStamp_.reset();
         picture_.reset();
-        fetcher_.cancel();
+        request_.reset();
         logged_.clear();
     }
     // Only a file may hold another picture for another track.
     isChecked_ = isSameURL && picture_ && !localFile(*wanted_);
-    lookAgain();
+    checkAgain();
 }
 
-void ArtworkLoader::lookAgain() {
+void ArtworkLoader::checkAgain() {
     if (!wanted_ || (isChecked_ && !localFile(*wanted_))) return;
-    if (isWebURL(*wanted_)) return fetch();
-    isOutdated_ = isLooking_;
-    if (isLooking_) return;
+    if (isWebURL(*wanted_)) {
+        if (!request_) fetch(*wanted_, 0);
+        return;
+    }
+    if (isReading_) return;
     // This object may be destroyed before the result arrives. If the system refuses a thread, no
     // picture is read; the next check retries.
-    isLooking_ = services_.queue->async([this, watch = life_.watch(), files = services_.files,
+    isReading_ = services_.queue->async([this, watch = life_.watch(), files = services_.files,
                                          mainThread = services_.mainThread, url = wanted_,
                                          track = wantedTrack_, known = knownStamp_] {
-        auto found = std::make_shared<Look>(look(files, *url, known));
+        auto found = std::make_shared<Reading>(read(files, *url, known));
         mainThread.post([this, watch, url, track, found] {
             if (watch.isOver()) return;
-            isLooking_ = false;
-            const bool isDue = std::exchange(isOutdated_, false);
-            if (wanted_ == url && wantedTrack_ == track) apply(std::move(*found));
-            if (isDue) lookAgain();
+            isReading_ = false;
+            if (wanted_ != url || wantedTrack_ != track) return checkAgain();
+            apply(std::move(*found));
         });
     });
 }
 
-ArtworkLoader::Look ArtworkLoader::look(const RegularFiles& files, const std::string& url,
-                                        const std::optional<FileStamp>& known) {
-    const auto without = [](std::string reason) {
-        return Look{.picture = Picture{std::unexpected{std::move(reason)}}};
-    };
+ArtworkLoader::Reading ArtworkLoader::read(const RegularFiles& files, const std::string& url,
+                                           const std::optional<FileStamp>& known) {
     if (isDataURL(url)) {
         auto data = dataOf(url);
         if (!data) return without(std::string{data.error()});
@@ -63,22 +66,39 @@ ArtworkLoader::Look ArtworkLoader::look(const RegularFiles& files, const std::st
     return {.stamp = file->stamp, .picture = SharedBytes{std::move(file->contents)}};
 }
 
-void ArtworkLoader::fetch() {
-    if (fetcher_.isFetching()) return;
-    fetcher_.fetch(*wanted_, [this](Picture picture) { apply({.picture = std::move(picture)}); });
+ArtworkLoader::Reading ArtworkLoader::without(std::string reason) {
+    return {.picture = Picture{std::unexpected{std::move(reason)}}};
 }
 
-void ArtworkLoader::apply(Look look) {
+void ArtworkLoader::fetch(const std::string& url, int redirects) {
+    if (!services_.fetchPicture) return apply(without("this edition fetches no pictures"));
+    if (url.size() > kLongestFetchURL) return apply(without("the picture's URL is too long"));
+    if (!isWebURL(url)) return apply(without("the server redirects to another protocol"));
+    if (redirects > kMostRedirects) return apply(without("the server redirects too often"));
+    request_ = services_.fetchPicture(
+        url, [this, redirects](FetchAnswer answer) { fetched(std::move(answer), redirects); });
+}
+
+void ArtworkLoader::fetched(FetchAnswer answer, int redirects) {
+    request_.reset();
+    if (const auto* elsewhere = std::get_if<FetchRedirect>(&answer))
+        return fetch(elsewhere->url, redirects + 1);
+    if (const auto* failure = std::get_if<FetchFailure>(&answer))
+        return apply(without(failure->sentence));
+    apply({.picture = SharedBytes{std::get<Bytes>(std::move(answer))}});
+}
+
+void ArtworkLoader::apply(Reading reading) {
     const auto before = picture();
     isChecked_ = true;
-    if (look.picture) {
-        knownStamp_ = look.stamp;
+    if (reading.picture) {
+        knownStamp_ = reading.stamp;
         picture_.reset();
-        if (*look.picture) {
-            picture_ = **std::move(look.picture);
+        if (*reading.picture) {
+            picture_ = **std::move(reading.picture);
             logged_.clear();
         } else {
-            log(look.picture->error());
+            log(reading.picture->error());
         }
     }
     if (picture() != before) onLoaded_();

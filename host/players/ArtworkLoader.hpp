@@ -1,13 +1,14 @@
 // Background loader of the picture that a player points to; keeps it until another is wanted.
 #pragma once
 
+#include <expected>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "QuorvaneKit/records/SharedBytes.hpp"
-#include "host/players/ArtworkFetcher.hpp"
+#include "platform/FetchPicture.hpp"
 #include "platform/LifeToken.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
@@ -31,30 +32,31 @@ public:
     };
     // `onLoaded` is called after each check and each fetch that has changed `picture`.
     ArtworkLoader(Services services, std::function<void()> onLoaded)
-        : services_(std::move(services)),
-          onLoaded_(std::move(onLoaded)),
-          fetcher_(services_.fetchPicture) {}
+        : services_(std::move(services)), onLoaded_(std::move(onLoaded)) {}
 
     // Sets the URL of the wanted picture and its track. A file is checked again for each track,
     // because a player may use one file for all its tracks.
     void want(const std::string& trackKey, URL url);
     // Checks whether the wanted file has changed or now exists.
-    void lookAgain();
+    void checkAgain();
 
     // The wanted picture; nullopt until it has been found to be the one of this track.
     std::optional<SharedBytes> picture() const { return isChecked_ ? picture_ : std::nullopt; }
 
 private:
-    using Picture = ArtworkFetcher::Result;
+    using Picture = std::expected<SharedBytes, std::string>;  // or the reason for having none
     // The result of a check.
-    struct Look {
+    struct Reading {
         std::optional<FileStamp> stamp{};
         std::optional<Picture> picture{};  // nullopt: the file that was read before
     };
-    static Look look(const RegularFiles& files, const std::string& url,
-                     const std::optional<FileStamp>& known);
-    void fetch();
-    void apply(Look look);
+    static Reading read(const RegularFiles& files, const std::string& url,
+                        const std::optional<FileStamp>& known);
+    static Reading without(std::string reason);
+    // Sends a request to a web server, after this number of redirects.
+    void fetch(const std::string& url, int redirects);
+    void fetched(FetchAnswer answer, int redirects);
+    void apply(Reading reading);
     void log(const std::string& reason);
 
     Services services_;
@@ -63,13 +65,12 @@ private:
     std::string wantedTrack_;
     URL wanted_;
     bool isChecked_ = false;  // for the wanted URL and track
-    bool isLooking_ = false;
-    bool isOutdated_ = false;  // check again after the present check
+    bool isReading_ = false;
     // The wanted file as it was read last; nullopt before that.
     std::optional<FileStamp> knownStamp_;
     std::optional<SharedBytes> picture_;
     std::string logged_;  // the last reason for having no picture
-    ArtworkFetcher fetcher_;
+    Handle request_;      // to a web server, while it is pending
     LifeToken life_;
 };
 

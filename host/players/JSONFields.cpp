@@ -23,14 +23,6 @@ bool isBetween(const rapidjson::Value& value, double lowest, double highest) {
 
 }  // namespace
 
-JSONFields::JSONFields(const Value& object, std::string place, std::string& complaint)
-    : object_(object), place_(std::move(place)), complaint_(complaint) {
-    std::set<std::string_view> seen;
-    for (const auto& member : object_.GetObject())
-        if (!seen.insert(textOfValue(member.name)).second)
-            complain(textOfValue(member.name), "is there twice");
-}
-
 const rapidjson::Value* JSONFields::take(const char* key,
                                          const std::function<bool(const Value&)>& isRight,
                                          const std::string& requirement) {

@@ -22,7 +22,8 @@ public:
     // `place` is the object's own key path, "" for the root. Several readers share one complaint,
     // which keeps the first error; empty means none. The value and the complaint must outlive this
     // object.
-    JSONFields(const Value& object, std::string place, std::string& complaint);
+    JSONFields(const Value& object, std::string place, std::string& complaint)
+        : object_(object), place_(std::move(place)), complaint_(complaint) {}
 
     std::optional<std::string> text(const char* key);
     std::optional<std::string> requiredText(const char* key);

@@ -2,15 +2,16 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "host/players/PausedPlayers.hpp"
 #include "host/settings/Settings.hpp"
 #include "platform/DistributedNotices.hpp"
 #include "platform/LockSources.hpp"
 #include "platform/Log.hpp"
+#include "platform/MediaPlayers.hpp"
 #include "platform/Observable.hpp"
 
 namespace quorvane {
@@ -34,16 +35,22 @@ private:
         LockSources sources;
         std::vector<Handle> observations{};
     };
+    struct Paused {
+        std::string track;
+        bool hasPaused = false;  // an older report, which says that it plays, does not count
+    };
 
     void watchIfNeeded();
     void pause(const char* reason);
+    // Forgets paused players that have gone, stopped, changed their track, or played again since.
+    void forgetChanged();
     void resume();
 
     Services services_;
     Observable<Settings>& settings_;
     std::optional<std::string> onlyNamed_;
     Logger log_;
-    PausedPlayers paused_;
+    std::map<std::string, Paused> paused_;  // by bus name
     std::optional<Watch> watch_;
     Handle settingsObservation_;
 };

@@ -45,7 +45,7 @@ std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer&
         return isAllowed ? std::optional<MprisCommand>{MprisCall{method}} : std::nullopt;
     };
     switch (action) {
-        case QuorvaneAction::activatePlayer: return MprisRaise{};
+        case QuorvaneAction::activatePlayer: return MprisCall{"Raise"};
         case QuorvaneAction::playPause: {
             const bool isPlaying = playerStateOf(player).playerState == XPCPlayerState::playing;
             return callIf(isPlaying ? "CanPause" : "CanPlay", "PlayPause");

@@ -21,15 +21,12 @@ struct MprisSet {
     PropertyValue value;
     bool operator==(const MprisSet&) const = default;
 };
-struct MprisRaise {
-    bool operator==(const MprisRaise&) const = default;
-};
 struct SetSoundVolume {
     std::optional<std::uint32_t> stream;  // nullopt: the system's volume
     double volume;
     bool operator==(const SetSoundVolume&) const = default;
 };
-using MprisCommand = std::variant<MprisCall, MprisSet, MprisRaise, SetSoundVolume>;
+using MprisCommand = std::variant<MprisCall, MprisSet, SetSoundVolume>;
 
 // Both return nullopt when the command cannot be carried out. Unmuting restores `volumeBeforeMute`.
 std::optional<MprisCommand> commandFor(QuorvaneAction action, const MediaPlayer& player,

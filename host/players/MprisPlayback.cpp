@@ -6,10 +6,11 @@ namespace quorvane {
 
 namespace {
 
-// Some players do not know their position and always report 0. For them the extrapolated position
+// Some players always report position 0. For them the extrapolated position
 // is kept, so that the card does not jump back to the start.
-bool knowsNoPosition(const MprisPlayback& before, const MediaPlayer& player) {
-    return before.heardAt && before.heard == 0 && player.position == 0 && before.anchor.isPlaying;
+bool alwaysReportsZero(const MprisPlayback& before, const MediaPlayer& player) {
+    return before.reportedAt && before.reported == 0 && player.position == 0 &&
+           before.anchor.isPlaying;
 }
 
 }  // namespace
@@ -20,13 +21,13 @@ MprisPlayback MprisPlayback::following(const std::optional<MprisPlayback>& befor
     MprisPlayback next{.player = player.busName,
                        .trackKey = trackKeyOf(player),
                        .anchor = {.at = now},
-                       .heardAt = player.positionAt,
-                       .heard = player.position};
+                       .reportedAt = player.positionAt,
+                       .reported = player.position};
     const bool isSameTrack =
         before && before->player == next.player && before->trackKey == next.trackKey;
     const bool isFresh = player.positionAt && !(before && before->player == next.player &&
-                                                before->heardAt == player.positionAt);
-    if (isFresh && !(isSameTrack && knowsNoPosition(*before, player))) {
+                                                before->reportedAt == player.positionAt);
+    if (isFresh && !(isSameTrack && alwaysReportsZero(*before, player))) {
         next.anchor.seconds = static_cast<double>(player.position) / 1e6;
         next.anchor.at = *player.positionAt;
     } else if (isSameTrack) {

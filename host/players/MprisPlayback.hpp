@@ -15,8 +15,8 @@ struct MprisPlayback {
     std::string player;
     std::string trackKey;
     PlaybackAnchor anchor;
-    std::optional<Instant> heardAt{};  // when the player last reported its position
-    std::int64_t heard = 0;            // the reported position, in microseconds
+    std::optional<Instant> reportedAt{};  // when the player last reported its position
+    std::int64_t reported = 0;            // the reported position, in microseconds
 
     // The playback after a report from the player; `before` is nullopt at first.
     static MprisPlayback following(const std::optional<MprisPlayback>& before,

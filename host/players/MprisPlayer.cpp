@@ -6,13 +6,14 @@
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "host/players/MprisTranslation.hpp"
 #include "host/players/PlayerRules.hpp"
+#include "host/players/PlayerURL.hpp"
 
 namespace quorvane {
 
 namespace {
 
 // The minimum interval between requests to a player, however many clients ask for the state.
-constexpr Duration kFreshness = std::chrono::seconds{1};
+constexpr Duration kRefreshInterval = std::chrono::seconds{1};
 constexpr Duration kIdleTolerance = std::chrono::seconds{5};
 
 std::string stateText(const MediaPlayer& player) {
@@ -93,11 +94,8 @@ void MprisPlayer::follow() {
 
 // A few seconds do not matter, so the wake-up may be shared with another one.
 void MprisPlayer::awaitIdleness() {
-    const auto idleAt = choice_.idleAt(settings_.get().idleTime);
-    if (idleAt == idleAt_) return;
-    idleAt_ = idleAt;
     idleTimer_.reset();
-    if (idleAt)
+    if (const auto idleAt = choice_.idleAt(settings_.get().idleTime))
         idleTimer_ = services_.clock.afterAbout(*idleAt - services_.clock.now(), kIdleTolerance,
                                                 [this] { follow(); });
 }
@@ -107,7 +105,7 @@ PlayerList MprisPlayer::players() const {
     for (const MediaPlayer& player : services_.players.list())
         if (choice_.known.contains(player.busName))
             list.rows.push_back({std::string{nameOnBus(player)}, stateText(player),
-                                 std::string{choice_.standingOf(player.busName)}});
+                                 std::string{choice_.explanationOf(player.busName)}});
     return list;
 }
 
@@ -150,17 +148,17 @@ void MprisPlayer::followCurrent() {
 }
 
 // If the server was not available, retries with each new track and each pause.
-void MprisPlayer::followSound(const MediaPlayer& player, bool looksAgain) {
+void MprisPlayer::followSound(const MediaPlayer& player, bool retries) {
     if (!needsSoundServer(player)) {
         soundObservation_.reset();
         sound_ = {};
-    } else if (!soundObservation_ || (looksAgain && sound_ == SoundLevels{})) {
+    } else if (!soundObservation_ || (retries && sound_ == SoundLevels{})) {
         soundObservation_ = services_.soundServer.observe(
-            [this](SoundLevels levels) { heardSound(std::move(levels)); });
+            [this](SoundLevels levels) { soundChanged(std::move(levels)); });
     }
 }
 
-void MprisPlayer::heardSound(SoundLevels levels) {
+void MprisPlayer::soundChanged(SoundLevels levels) {
     if (levels == sound_) return;
     sound_ = std::move(levels);
     followCurrent();
@@ -185,26 +183,23 @@ bool MprisPlayer::setVolume(std::int64_t percent) {
 }
 
 bool MprisPlayer::carryOut(const std::string& busName, const std::optional<MprisCommand>& command) {
-    const auto& players = services_.players;
     if (!command) return false;
     if (const auto* call = std::get_if<MprisCall>(&*command))
-        players.call(busName, call->method);
+        services_.players.call(busName, call->method);
     else if (const auto* set = std::get_if<MprisSet>(&*command))
-        players.set(busName, set->property, set->value);
+        services_.players.set(busName, set->property, set->value);
     else if (const auto* sound = std::get_if<SetSoundVolume>(&*command))
         services_.soundServer.setVolume(sound->stream, sound->volume);
-    else
-        players.raise(busName);
     return true;
 }
 
 void MprisPlayer::refresh() {
     const MediaPlayer* player = current();
     const Instant now = services_.clock.now();
-    if (!player || (freshenedAt_ && now - *freshenedAt_ < kFreshness)) return;
-    freshenedAt_ = now;
+    if (!player || (refreshedAt_ && now - *refreshedAt_ < kRefreshInterval)) return;
+    refreshedAt_ = now;
     services_.players.refresh(player->busName);
-    artwork_.lookAgain();
+    artwork_.checkAgain();
 }
 
 }  // namespace quorvane

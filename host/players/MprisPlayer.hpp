@@ -51,8 +51,8 @@ private:
     void followCurrent();
     void logCurrent() const;
     void choose(PlayerChoice choice);
-    void followSound(const MediaPlayer& player, bool looksAgain);
-    void heardSound(SoundLevels levels);
+    void followSound(const MediaPlayer& player, bool retries);
+    void soundChanged(SoundLevels levels);
     bool carryOut(const std::string& busName, const std::optional<MprisCommand>& command);
 
     Services services_;
@@ -60,12 +60,11 @@ private:
     std::optional<std::string> onlyNamed_;
     Logger log_;
     PlayerChoice choice_;
-    std::optional<Instant> idleAt_;
-    Timer idleTimer_;  // runs at `idleAt_`
+    Timer idleTimer_;
     std::optional<MprisPlayback> playback_;
     SoundLevels sound_;  // empty while the server is not needed or not available
     double volumeBeforeMute_ = 0.5;
-    std::optional<Instant> freshenedAt_;
+    std::optional<Instant> refreshedAt_;
     ArtworkLoader artwork_;
     Handle soundObservation_;
     // Last, because their callbacks use all members above.

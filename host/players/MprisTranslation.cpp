@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "host/players/FileURL.hpp"
 #include "host/players/PlayerSnapshot.hpp"
+#include "host/players/PlayerURL.hpp"
 #include "platform/Character.hpp"
 #include "platform/LowerCase.hpp"
 

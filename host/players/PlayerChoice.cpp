@@ -89,7 +89,7 @@ std::optional<Instant> PlayerChoice::idleAt(Duration idleTime) const {
     return followed.quietSince + idleTime;
 }
 
-std::string_view PlayerChoice::standingOf(const std::string& name) const {
+std::string_view PlayerChoice::explanationOf(const std::string& name) const {
     const Known& player = known.at(name);
     if (!canBeFollowed(player)) return player.player.obstacle;
     if (current == name)

@@ -51,7 +51,7 @@ struct PlayerChoice {
     // When the followed player will have been idle for too long, unless it changes; nullopt: never.
     std::optional<Instant> idleAt(Duration idleTime) const;
     // For the user: that a known player is followed, or why it is not.
-    std::string_view standingOf(const std::string& name) const;
+    std::string_view explanationOf(const std::string& name) const;
     bool operator==(const PlayerChoice&) const = default;
 };
 

@@ -14,7 +14,8 @@ constexpr char kRows[] = "players";
 PropertyDictionary PlayerList::userInfo() const {
     PropertyArray texts;
     for (const PlayerRow& row : rows)
-        for (const std::string& text : {row.name, row.state, row.standing}) texts.push_back({text});
+        for (const std::string& text : {row.name, row.state, row.explanation})
+            texts.push_back({text});
     return {{kRows, {std::move(texts)}}};
 }
 
@@ -32,7 +33,7 @@ PlayerList PlayerList::of(const PropertyDictionary& userInfo) {
 std::string PlayerList::text() const {
     if (rows.empty()) return "No players to follow.\n";
     std::vector<std::vector<std::string>> table{{"PLAYER", "STATE", ""}};
-    for (const PlayerRow& row : rows) table.push_back({row.name, row.state, row.standing});
+    for (const PlayerRow& row : rows) table.push_back({row.name, row.state, row.explanation});
     return textTable(std::move(table));
 }
 

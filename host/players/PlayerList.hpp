@@ -9,9 +9,9 @@
 namespace quorvane {
 
 struct PlayerRow {
-    std::string name;      // on the bus, without the common prefix
-    std::string state;     // "playing", "paused", "stopped" or "silent"
-    std::string standing;  // that it is followed, or why not
+    std::string name;         // on the bus, without the common prefix
+    std::string state;        // "playing", "paused", "stopped" or "silent"
+    std::string explanation;  // that it is followed, or why not
     bool operator==(const PlayerRow&) const = default;
 };
 

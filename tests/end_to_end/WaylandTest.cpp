@@ -108,15 +108,16 @@ protected:
         return Screenshot::take(probe.connection(), {830, 600, 220, 40}).pixels;
     }
     // The processes with the card's surfaces.
-    int surfaceProcesses() const {
-        const auto run = LoggedProcess::run(
-            {"pgrep", "-c", "-P", std::to_string(addOn_pid()), "-f", "quorvane-card-surface"}, {});
+    int surfaceProcesses() {
+        const auto run =
+            LoggedProcess::run({"pgrep", "-c", "-P", std::to_string(addOn.process().pid()), "-f",
+                                "quorvane-card-surface"},
+                               {});
         return std::atoi(run.text.c_str());
     }
-    pid_t addOn_pid() const { return const_cast<LoggedProcess&>(addOn).process().pid(); }
-    bool hasLoaded(const std::string& library) const {
+    bool hasLoaded(const std::string& library) {
         std::stringstream maps;
-        maps << std::ifstream{"/proc/" + std::to_string(addOn_pid()) + "/maps"}.rdbuf();
+        maps << std::ifstream{"/proc/" + std::to_string(addOn.process().pid()) + "/maps"}.rdbuf();
         return maps.str().find("/" + library) != std::string::npos;
     }
     // Whether the card leaves the screen within two seconds.

@@ -7,7 +7,7 @@
 #include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "QuorvaneKit/records/PlayerStateDecoder.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
-#include "host/players/FileURL.hpp"
+#include "host/players/PlayerURL.hpp"
 #include "host/players/Script.hpp"
 #include "platform/linux/drawing/PictureDecoder.hpp"
 #include "platform/linux/files/PropertyListLinux.hpp"

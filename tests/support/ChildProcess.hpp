@@ -94,4 +94,17 @@ inline bool eventually(const std::function<bool()>& condition) {
     return true;
 }
 
+// The next line from another process, without its end; "" when that has closed, or after half a
+// minute, as only in a failing test.
+inline std::string readLine(int descriptor) {
+    std::string line;
+    char character = 0;
+    pollfd entry{descriptor, POLLIN, 0};
+    while (poll(&entry, 1, 30'000) > 0 && read(descriptor, &character, 1) == 1) {
+        if (character == '\n') return line;
+        line.push_back(character);
+    }
+    return line;
+}
+
 }  // namespace quorvane

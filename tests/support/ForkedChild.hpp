@@ -10,7 +10,7 @@
 #include <functional>
 #include <string>
 
-#include "tests/support/ReadLine.hpp"
+#include "tests/support/ChildProcess.hpp"
 
 namespace quorvane {
 

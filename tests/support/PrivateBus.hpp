@@ -9,7 +9,6 @@
 #include <string>
 
 #include "tests/support/ChildProcess.hpp"
-#include "tests/support/ReadLine.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace quorvane {

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "tests/support/ChildProcess.hpp"
-#include "tests/support/ReadLine.hpp"
 
 namespace quorvane {
 

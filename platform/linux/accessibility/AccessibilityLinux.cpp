@@ -50,7 +50,9 @@ void AccessibilityLinux::watch() {
                                              "',member='PropertiesChanged',arg0='" + kStatus + "'",
                                          [again](sd_bus_message*) { again(); }));
     matches_.push_back(sessionBus_.observeOwner(kService, again));
-    matches_.push_back(sessionBus_.observeReconnection(again));
+    matches_.push_back(sessionBus_.observeState([this](bool isConnected) {
+        if (isConnected) askWhetherInUse();
+    }));
     askWhetherInUse();
 }
 

@@ -23,18 +23,11 @@ int openSessionBus(sd_bus** bus) {
 
 }  // namespace
 
-struct BusConnection::Match {
-    BusConnection* owner;
-    std::string rule;
-    std::function<void(sd_bus_message*)> handler;
-    sd_bus_slot* slot = nullptr;
-};
-
 BusConnection::BusConnection(EventLoop& loop, Logger log, const char* name, Open opener)
     : loop_(loop), log_(std::move(log)), name_(name), openBus_(opener) {}
 
 BusConnection::~BusConnection() {
-    for (auto& [number, match] : matches_) sd_bus_slot_unref(match->slot);
+    for (Match& match : matches_) sd_bus_slot_unref(match.slot);
     sd_bus_slot_unref(answerSlot_);
     sd_bus_slot_unref(disconnectedSlot_);
     sd_bus_flush_close_unref(bus_);
@@ -59,7 +52,7 @@ int BusConnection::open() {
     if (result < 0) return result;
     result = sd_bus_attach_event(bus_, loop_.event(), SD_EVENT_PRIORITY_NORMAL);
     if (result < 0) return result;
-    for (auto& [number, match] : matches_) install(*match);
+    for (Match& match : matches_) install(match);
     return 0;
 }
 
@@ -99,7 +92,7 @@ void BusConnection::install(Match& match) {
     };
     const auto onInstalled = [](sd_bus_message* message, void* self, sd_bus_error*) {
         if (const sd_bus_error* error = sd_bus_message_get_error(message))
-            static_cast<Match*>(self)->owner->log_.error(
+            static_cast<Match*>(self)->owner.log_.error(
                 "bus: match refused: %{public}s", error->message ? error->message : error->name);
         return 0;
     };
@@ -114,7 +107,7 @@ void BusConnection::established() {
     retry_.reset();
     if (!std::exchange(isMissed_, false)) return;
     log_.standard("bus: the %{public}s bus is back", name_);
-    reconnections_.call();
+    states_.call(true);
 }
 
 void BusConnection::lost() {
@@ -126,11 +119,11 @@ void BusConnection::lost() {
         log_.error("bus: the %{public}s bus does not answer", name_);
     isMissed_ = true;
     retryLater();
-    if (wasEstablished) losses_.call();
+    if (wasEstablished) states_.call(false);
 }
 
 void BusConnection::drop() {
-    for (auto& [number, match] : matches_) match->slot = sd_bus_slot_unref(match->slot);
+    for (Match& match : matches_) match.slot = sd_bus_slot_unref(match.slot);
     answerSlot_ = sd_bus_slot_unref(answerSlot_);
     disconnectedSlot_ = sd_bus_slot_unref(disconnectedSlot_);
     bus_ = sd_bus_close_unref(bus_);
@@ -149,15 +142,12 @@ void BusConnection::retryLater() {
 
 Handle BusConnection::match(const std::string& rule, std::function<void(sd_bus_message*)> handler) {
     const bool isConnected = connection() != nullptr;
-    const auto number = matchesMade_++;
-    auto& match = matches_[number];
-    match = std::make_unique<Match>(Match{this, rule, std::move(handler)});
+    const auto match = matches_.insert(matches_.end(), Match{*this, rule, std::move(handler)});
     if (isConnected) install(*match);
-    return Handle{[this, number, life = life_.watch()] {
+    return Handle{[this, match, life = life_.watch()] {
         if (life.isOver()) return;
-        const auto entry = matches_.find(number);
-        sd_bus_slot_unref(entry->second->slot);
-        matches_.erase(entry);
+        sd_bus_slot_unref(match->slot);
+        matches_.erase(match);
     }};
 }
 

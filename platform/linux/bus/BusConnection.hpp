@@ -3,10 +3,8 @@
 
 #include <systemd/sd-bus.h>
 
-#include <cstdint>
 #include <functional>
-#include <map>
-#include <memory>
+#include <list>
 #include <string>
 
 #include "platform/Handle.hpp"
@@ -35,13 +33,11 @@ public:
     Handle match(const std::string& rule, std::function<void(sd_bus_message*)> handler);
     // Calls the handler when a service with this name appears, ends or is replaced.
     Handle observeOwner(const std::string& service, std::function<void()> handler);
-    // Calls the handler when an established connection is lost: state reported by services may be
-    // stale.
-    Handle observeLoss(std::function<void()> handler) { return losses_.add(std::move(handler)); }
-    // Calls the handler after each reconnection that follows a failure or a loss: earlier requests
-    // received no reply.
-    Handle observeReconnection(std::function<void()> handler) {
-        return reconnections_.add(std::move(handler));
+    // Calls the handler with false when an established connection is lost: state reported by
+    // services may be stale. Calls it with true after each reconnection that follows a failure or a
+    // loss: earlier requests received no reply.
+    Handle observeState(std::function<void(bool isConnected)> handler) {
+        return states_.add(std::move(handler));
     }
 
 protected:
@@ -52,7 +48,12 @@ protected:
 
 private:
     static constexpr Duration kFirstRetryDelay = std::chrono::seconds{1};
-    struct Match;
+    struct Match {
+        BusConnection& owner;
+        std::string rule;
+        std::function<void(sd_bus_message*)> handler;
+        sd_bus_slot* slot = nullptr;
+    };
 
     int open();
     int watchConnection();
@@ -69,10 +70,8 @@ private:
     sd_bus* bus_ = nullptr;
     sd_bus_slot* answerSlot_ = nullptr;
     sd_bus_slot* disconnectedSlot_ = nullptr;
-    std::map<std::uint64_t, std::unique_ptr<Match>> matches_;
-    std::uint64_t matchesMade_ = 0;
-    Listeners<> losses_;
-    Listeners<> reconnections_;
+    std::list<Match> matches_;
+    Listeners<bool> states_;
     bool isEstablished_ = false;  // the bus has answered on this connection
     bool isMissed_ = false;       // no bus, and that was logged; until the bus answers again
     Duration retryDelay_ = kFirstRetryDelay;

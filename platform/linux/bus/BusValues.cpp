@@ -9,7 +9,6 @@
 namespace quorvane {
 namespace {
 
-constexpr char kDateContents[] = "x";
 constexpr char kVariant[] = "v";
 constexpr char kEntry[] = "sv";
 // The limit for one message: a player's artwork of 8 MiB in a URL, and the other values.
@@ -65,15 +64,6 @@ int readNumber(sd_bus_message* message, char type, std::optional<PropertyValue>&
     }
 }
 
-int readBytes(sd_bus_message* message, std::size_t& left, std::optional<PropertyValue>& value) {
-    const void* data = nullptr;
-    std::size_t size = 0;
-    const int result = sd_bus_message_read_array(message, SD_BUS_TYPE_BYTE, &data, &size);
-    if (result >= 0 && take(left, size))
-        value = PropertyValue{copyOf({static_cast<const std::byte*>(data), size})};
-    return result;
-}
-
 // Reads one value of any type; sets none for a value without a counterpart.
 int readValue(sd_bus_message* message, std::size_t& left, std::optional<PropertyValue>& value);
 int readDictionary(sd_bus_message* message, std::size_t& left, PropertyDictionary& dictionary);
@@ -99,13 +89,6 @@ int readVariant(sd_bus_message* message, std::size_t& left, const char* contents
     return result < 0 ? result : sd_bus_message_exit_container(message);
 }
 
-int readDate(sd_bus_message* message, std::optional<PropertyValue>& value) {
-    std::int64_t nanoseconds = 0;
-    const int result = sd_bus_message_read(message, "(x)", &nanoseconds);
-    if (result > 0) value = PropertyValue{WallTime{Duration{nanoseconds}}};
-    return result;
-}
-
 int readValue(sd_bus_message* message, std::size_t& left, std::optional<PropertyValue>& value) {
     if (!take(left, kValueMemory)) return -EMSGSIZE;
     char type = 0;
@@ -120,11 +103,11 @@ int readValue(sd_bus_message* message, std::size_t& left, std::optional<Property
     }
     const std::string_view inner = contents ? contents : "";
     if (type == SD_BUS_TYPE_VARIANT) return readVariant(message, left, contents, value);
-    if (type == SD_BUS_TYPE_STRUCT && inner == kDateContents) return readDate(message, value);
     if (type != SD_BUS_TYPE_ARRAY) return readNumber(message, type, value);
-    if (inner == "y") return readBytes(message, left, value);
-    if (!inner.starts_with('{')) return readArray(message, left, contents, value);
-    if (!isText(inner[1])) return sd_bus_message_skip(message, nullptr);
+    const bool isDictionary = inner.starts_with('{');
+    if (inner == "y" || (isDictionary && !isText(inner[1])))
+        return sd_bus_message_skip(message, nullptr);
+    if (!isDictionary) return readArray(message, left, contents, value);
     PropertyDictionary dictionary;
     const int read = readDictionary(message, left, dictionary);
     if (read >= 0) value = PropertyValue{std::move(dictionary)};
@@ -170,12 +153,8 @@ struct AppendValue {
         return sd_bus_message_append_basic(message, SD_BUS_TYPE_DOUBLE, &number);
     }
     int operator()(const std::string& text) const { return appendText(message, text); }
-    int operator()(WallTime date) const {
-        return sd_bus_message_append(message, "(x)", std::int64_t{date.time_since_epoch().count()});
-    }
-    int operator()(const Bytes& bytes) const {
-        return sd_bus_message_append_array(message, SD_BUS_TYPE_BYTE, bytes.data(), bytes.size());
-    }
+    int operator()(WallTime) const { return -EINVAL; }
+    int operator()(const Bytes&) const { return -EINVAL; }
     int operator()(const PropertyArray& array) const {
         int result = sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, kVariant);
         for (const PropertyValue& element : array) {
@@ -189,7 +168,8 @@ struct AppendValue {
     }
 };
 
-constexpr const char* kVariantContents[] = {"b", "x", "d", "s", "(x)", "ay", "av", "a{sv}"};
+// By the type's index; "" for those that no message carries.
+constexpr const char* kVariantContents[] = {"b", "x", "d", "s", "", "", "av", "a{sv}"};
 static_assert(std::size(kVariantContents) == std::variant_size_v<PropertyValue::Storage>);
 
 }  // namespace

@@ -56,8 +56,12 @@ LogindLinux::LogindLinux(BusConnection& bus, Events events)
                 "',member='PropertiesChanged',arg0='" + kSession + "'",
             &LogindLinux::onPropertiesChanged);
     observations_.push_back(bus_.observeOwner(kService, [this] { askForHint(); }));
-    observations_.push_back(bus_.observeLoss([this] { setLocked(false); }));
-    observations_.push_back(bus_.observeReconnection([this] { askForHint(); }));
+    observations_.push_back(bus_.observeState([this](bool isConnected) {
+        if (isConnected)
+            askForHint();
+        else
+            setLocked(false);
+    }));
     askForHint();
 }
 

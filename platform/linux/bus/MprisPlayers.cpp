@@ -70,14 +70,11 @@ void MprisPlayers::start() {
     listen(fromPlayers + kBusProperties + "',member='PropertiesChanged',arg0='" + kPlayer + "'",
            &MprisPlayers::onPropertiesChanged);
     listen(fromPlayers + kPlayer + "',member='Seeked'", &MprisPlayers::onSeeked);
-    observations_.push_back(bus_.observeLoss([this] {
-        isLost_ = true;
+    observations_.push_back(bus_.observeState([this](bool isConnected) {
+        isLost_ = !isConnected;
         changed();
-    }));
-    observations_.push_back(bus_.observeReconnection([this] {
-        isLost_ = false;
+        if (!isConnected) return;
         entries_.clear();
-        changed();
         findPlayers();
     }));
     findPlayers();
@@ -231,22 +228,19 @@ void MprisPlayers::takePosition(Entry& entry, std::int64_t microseconds) {
 }
 
 void MprisPlayers::call(const std::string& name, const std::string& method) {
-    tell(newBusRequest(bus_.connection(), {name, kPlayerPath, kPlayer, method}));
-}
-
-void MprisPlayers::raise(const std::string& name) {
-    tell(newBusRequest(bus_.connection(), {name, kPlayerPath, kRoot, "Raise"}));
+    const char* const interface = method == "Raise" ? kRoot : kPlayer;
+    send(newBusRequest(bus_.connection(), {name, kPlayerPath, interface, method}));
 }
 
 void MprisPlayers::set(const std::string& name, const std::string& property,
                        const PropertyValue& value) {
     const BusRequest message = newBusRequest(
         bus_.connection(), {name, kPlayerPath, kBusProperties, "Set", {kPlayer, property}});
-    if (message && appendBusVariant(message.get(), value) >= 0) tell(message);
+    if (message && appendBusVariant(message.get(), value) >= 0) send(message);
 }
 
 // Expects no reply, because the result appears in the player's properties.
-void MprisPlayers::tell(const BusRequest& call) {
+void MprisPlayers::send(const BusRequest& call) {
     if (!call) return;
     sd_bus_message_set_expect_reply(call.get(), 0);
     sd_bus_send(nullptr, call.get(), nullptr);

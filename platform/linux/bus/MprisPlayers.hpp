@@ -31,7 +31,6 @@ public:
     Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
     void refresh(const std::string& name);
     void call(const std::string& name, const std::string& method);
-    void raise(const std::string& name);
     void set(const std::string& name, const std::string& property, const PropertyValue& value);
 
 private:
@@ -65,7 +64,7 @@ private:
     void forSender(sd_bus_message* message, Action action);
     void takePosition(Entry& entry, std::int64_t microseconds);
     void askIdentity(Entry& entry);
-    void tell(const BusRequest& call);
+    void send(const BusRequest& call);
     void changed();
     void publish();
 

@@ -15,7 +15,9 @@ int ScreenSaverService::start() {
 }
 
 void ScreenSaverService::keepServing() {
-    reconnection_ = bus_.observeReconnection([this] { serve(); });
+    reconnection_ = bus_.observeState([this](bool isConnected) {
+        if (isConnected) serve();
+    });
     serve();
 }
 

@@ -44,16 +44,14 @@ private:
         Handle question;
     };
 
-    void observe(std::size_t index);
-    void ask(std::size_t index);
-    void askAll();
-    void set(std::size_t index, std::optional<bool> isActive);
+    void observe(Service& service);
+    void ask(Service& service);
+    void set(Service& service, std::optional<bool> isActive);
 
     SessionBus& bus_;
     std::function<void()> changed_;
-    std::vector<Service> services_;
-    Handle loss_;
-    Handle reconnection_;
+    std::vector<Service> services_;  // complete after the construction
+    Handle busObservation_;
 };
 
 }  // namespace quorvane

@@ -4,11 +4,17 @@
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
+#include <optional>
 
+#include "platform/LifeToken.hpp"
 #include "platform/linux/fetch/FetchMessages.hpp"
+#include "platform/linux/files/FileDescriptor.hpp"
 #include "platform/linux/files/PosixError.hpp"
+#include "platform/linux/processes/OwnedProcess.hpp"
 #include "platform/linux/processes/SpawnSettings.hpp"
 
 namespace quorvane {
@@ -29,15 +35,44 @@ FetchAnswer answerIn(ByteView received) {
     return FetchFailure{std::move(text)};
 }
 
-}  // namespace
+class FetchProcess {
+public:
+    // `done` may destroy this object.
+    FetchProcess(EventLoop& loop, const std::filesystem::path& program, const std::string& url,
+                 std::function<void(FetchAnswer)> done)
+        : done_(std::move(done)) {
+        if (const auto started = start(program, url); !started) {
+            loop.mainThread().post(
+                [this, life = life_.watch(), sentence = started.error().description] {
+                    if (!life.isOver()) finish(FetchFailure{sentence});
+                });
+            return;
+        }
+        received_.reserve(kMostReceived + kPiece);  // memory that is not written is not used
+        watch_ = loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t) { receive(); });
+    }
 
-Result<std::unique_ptr<FetchProcess>> FetchProcess::start(EventLoop& loop,
-                                                          const std::filesystem::path& program,
-                                                          const std::string& url,
-                                                          std::function<void(FetchAnswer)> done) {
+private:
+    Result<void> start(const std::filesystem::path& program, const std::string& url);
+    void receive();
+    void finish(FetchAnswer answer) {
+        watch_.reset();
+        const auto done = std::move(done_);
+        done(std::move(answer));
+    }
+
+    std::optional<OwnedProcess> process_;
+    FileDescriptor socket_;
+    std::function<void(FetchAnswer)> done_;
+    Bytes received_;
+    Handle watch_;
+    LifeToken life_;
+};
+
+Result<void> FetchProcess::start(const std::filesystem::path& program, const std::string& url) {
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return posixError("socket");
-    FileDescriptor socket{ends[0]};
+    socket_ = FileDescriptor{ends[0]};
     const FileDescriptor itsSocket{ends[1]};
     SpawnSettings settings;
     posix_spawn_file_actions_adddup2(&settings.files, itsSocket.get(), kFetchSocket);
@@ -52,20 +87,11 @@ Result<std::unique_ptr<FetchProcess>> FetchProcess::start(EventLoop& loop,
     const int failure = posix_spawn(&pid, program.c_str(), &settings.files, &settings.attributes,
                                     arguments, environment);
     if (failure != 0) return posixError(program, failure);
+    process_.emplace(pid);
     // Through the socket, because every user can read a process's arguments. A new socket has room.
-    const ssize_t sent = send(socket.get(), url.data(), url.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-    if (sent == static_cast<ssize_t>(url.size())) shutdown(socket.get(), SHUT_WR);
-    return std::unique_ptr<FetchProcess>{
-        new FetchProcess{loop, pid, std::move(socket), std::move(done)}};
-}
-
-FetchProcess::FetchProcess(EventLoop& loop, pid_t pid, FileDescriptor socket,
-                           std::function<void(FetchAnswer)> done)
-    : process_(pid),
-      socket_(std::move(socket)),
-      done_(std::move(done)),
-      watch_(loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t) { receive(); })) {
-    received_.reserve(kMostReceived + kPiece);  // memory that is not written is not used
+    const ssize_t sent = send(socket_.get(), url.data(), url.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    if (sent == static_cast<ssize_t>(url.size())) shutdown(socket_.get(), SHUT_WR);
+    return {};
 }
 
 void FetchProcess::receive() {
@@ -75,22 +101,15 @@ void FetchProcess::receive() {
     received_.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
     if (count > 0 && received_.size() <= kMostReceived) return;
-    watch_.reset();
-    const auto done = std::move(done_);
-    done(answerIn(received_));
+    finish(answerIn(received_));
 }
+
+}  // namespace
 
 FetchPicture makeFetchPicture(EventLoop& loop, std::filesystem::path program) {
     return [&loop, program = std::move(program)](const std::string& url,
                                                  const std::function<void(FetchAnswer)>& done) {
-        auto process = FetchProcess::start(loop, program, url, done);
-        if (process) return Handle{[owned = std::shared_ptr{*std::move(process)}] {}};
-        const auto waiting = std::make_shared<std::function<void(FetchAnswer)>>(done);
-        loop.mainThread().post(
-            [weak = std::weak_ptr{waiting}, sentence = process.error().description] {
-                if (const auto held = weak.lock()) (*held)(FetchFailure{sentence});
-            });
-        return Handle{[waiting] {}};
+        return Handle{[owned = std::make_shared<FetchProcess>(loop, program, url, done)] {}};
     };
 }
 

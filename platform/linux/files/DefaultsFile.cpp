@@ -1,8 +1,8 @@
 #include "platform/linux/files/DefaultsFile.hpp"
 
-#include <fcntl.h>
-#include <stdio.h>
 #include <unistd.h>
+
+#include <cstdio>
 
 #include "platform/linux/files/FileLock.hpp"
 #include "platform/linux/files/FilesLinux.hpp"
@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::uint64_t kLargestDefaults = 16 << 20;
 constexpr Duration kLockPatience = std::chrono::seconds{2};
-constexpr int kMostKeptAside = 100;
 
 std::filesystem::path lockOf(const std::filesystem::path& file) {
     return file.parent_path() / ("." + file.filename().string() + ".lock");
@@ -114,14 +113,14 @@ Result<void> DefaultsFile::writeChanges() {
 
 // Fails when the file exists but cannot be read, because a write would then destroy it.
 Result<void> DefaultsFile::refresh() {
-    const auto standing = files_.stamp(file_);
-    if (!standing && standing.error().code != ENOENT && standing.error().code != ENOTDIR)
-        return std::unexpected{standing.error()};
-    if (standing ? stamp_ == *standing : !stamp_) return {};
+    const auto present = files_.stamp(file_);
+    if (!present && present.error().code != ENOENT && present.error().code != ENOTDIR)
+        return std::unexpected{present.error()};
+    if (present ? stamp_ == *present : !stamp_) return {};
     stored_.clear();
     stamp_.reset();
     isMalformed_ = false;
-    if (!standing) return {};
+    if (!present) return {};
     auto file = files_.read(file_, kLargestDefaults);
     if (!file) return std::unexpected{std::move(file).error()};
     stamp_ = file->stamp;
@@ -136,16 +135,10 @@ Result<void> DefaultsFile::refresh() {
 }
 
 Result<void> DefaultsFile::keepAside() const {
-    for (int number = 1; number <= kMostKeptAside; ++number) {
-        std::string kept = file_.string() + ".malformed";
-        if (number > 1) kept += "." + std::to_string(number);
-        if (renameat2(AT_FDCWD, file_.c_str(), AT_FDCWD, kept.c_str(), RENAME_NOREPLACE) == 0) {
-            log_.standard("defaults: kept the unreadable file as %{public}s", kept);
-            return {};
-        }
-        if (errno != EEXIST) return posixError("rename to " + kept);
-    }
-    return posixError("keep " + file_.string(), EEXIST);
+    const std::string kept = file_.string() + ".malformed";
+    if (rename(file_.c_str(), kept.c_str()) != 0) return posixError("rename to " + kept);
+    log_.standard("defaults: kept the unreadable file as %{public}s", kept);
+    return {};
 }
 
 }  // namespace quorvane

@@ -18,8 +18,7 @@ namespace quorvane {
 //
 // Changes that cannot be written are kept and retried with the next write and with `synchronize`;
 // until then only this process sees them. A file that is not a property list counts as empty. It is
-// never overwritten: the first write renames it to "<name>.malformed", with a number when that name
-// is taken.
+// never overwritten: the first write renames it to "<name>.malformed", in place of an older one.
 class DefaultsFile {
 public:
     DefaultsFile(std::filesystem::path file, Logger log);

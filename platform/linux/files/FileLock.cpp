@@ -29,9 +29,9 @@ int waitForLock(const FileDescriptor& descriptor, Deadline deadline) {
 
 bool isStillAt(const FileDescriptor& descriptor, const std::filesystem::path& file) {
     struct stat held {};
-    struct stat standing {};
-    return fstat(descriptor.get(), &held) == 0 && stat(file.c_str(), &standing) == 0 &&
-           held.st_dev == standing.st_dev && held.st_ino == standing.st_ino;
+    struct stat present {};
+    return fstat(descriptor.get(), &held) == 0 && stat(file.c_str(), &present) == 0 &&
+           held.st_dev == present.st_dev && held.st_ino == present.st_ino;
 }
 
 }  // namespace

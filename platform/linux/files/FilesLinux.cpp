@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <cctype>
-#include <cstdio>
 
 #include "platform/RegularFiles.hpp"
 #include "platform/linux/files/FileDescriptor.hpp"
@@ -128,14 +127,11 @@ FillRandom makeFillRandom() {
 std::string makeRandomUUID() {
     sd_id128_t identifier{};
     sd_id128_randomize(&identifier);  // also sets the version and variant bits
-    std::string text;
-    for (int index = 0; index < 16; ++index) {
-        char digits[3];
-        std::snprintf(digits, sizeof digits, "%02X", identifier.bytes[index]);
-        if (index == 4 || index == 6 || index == 8 || index == 10) text += '-';
-        text += digits;
-    }
-    return text;
+    char text[SD_ID128_UUID_STRING_MAX];
+    sd_id128_to_uuid_string(identifier, text);
+    std::string upper{text};
+    for (char& c : upper) c = static_cast<char>(std::toupper(c));
+    return upper;
 }
 
 }  // namespace quorvane

@@ -1,7 +1,8 @@
 #include "platform/linux/files/OldStylePropertyList.hpp"
 
+#include <algorithm>
 #include <cctype>
-#include <optional>
+#include <charconv>
 #include <string_view>
 
 #include "platform/linux/files/PosixError.hpp"
@@ -14,12 +15,6 @@ bool isWordCharacter(char character) {
     const auto byte = static_cast<unsigned char>(character);
     return std::isalnum(byte) || byte >= 0x80 ||
            std::string_view{"_$+/:.-"}.find(character) != std::string_view::npos;
-}
-
-int hexDigit(char character) {
-    if (character >= '0' && character <= '9') return character - '0';
-    const int lower = std::tolower(static_cast<unsigned char>(character));
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
 void appendUTF8(std::string& text, unsigned unit) {
@@ -95,17 +90,22 @@ private:
     }
     bool readData(Bytes& data) {
         while (!take('>')) {
-            const int high = takeHexDigit();
-            const int low = high < 0 ? -1 : takeHexDigit();
-            if (low < 0) return false;
+            unsigned high = 0;
+            unsigned low = 0;
+            if (!readDigits(high, 1, 16)) return false;
+            peek();  // skips blanks
+            if (!readDigits(low, 1, 16)) return false;
             data.push_back(static_cast<std::byte>(high * 16 + low));
         }
         return true;
     }
-    int takeHexDigit() {
-        const int digit = hexDigit(peek());
-        if (digit >= 0) rest_.remove_prefix(1);
-        return digit;
+    // Reads a number of at most this many digits.
+    bool readDigits(unsigned& number, std::size_t most, int base) {
+        const char* const begin = rest_.data();
+        const char* const end = begin + std::min(most, rest_.size());
+        const auto [rest, error] = std::from_chars(begin, end, number, base);
+        rest_.remove_prefix(static_cast<std::size_t>(rest - begin));
+        return error == std::errc{};
     }
     bool readText(std::string& text) {
         const char first = peek();
@@ -133,26 +133,22 @@ private:
     bool readEscape(std::string& text) {
         if (rest_.empty()) return false;
         const char character = rest_.front();
-        if (character == 'U') return readNumber(text, 1, 4, 16);
-        if (character >= '0' && character <= '7') return readNumber(text, 0, 3, 8);
+        if (character == 'U') {
+            rest_.remove_prefix(1);
+            return readUnit(text, 4, 16);
+        }
+        if (character >= '0' && character <= '7') return readUnit(text, 3, 8);
         constexpr std::string_view names = "abfnrtv";
         const std::size_t place = names.find(character);
         text += place == names.npos ? character : "\a\b\f\n\r\t\v"[place];
         rest_.remove_prefix(1);
         return true;
     }
-    bool readNumber(std::string& text, std::size_t skipped, std::size_t length, int base) {
-        rest_.remove_prefix(skipped);
-        unsigned number = 0;
-        std::size_t read = 0;
-        for (; read < length && read < rest_.size(); ++read) {
-            const int digit = hexDigit(rest_[read]);
-            if (digit < 0 || digit >= base) break;
-            number = number * static_cast<unsigned>(base) + static_cast<unsigned>(digit);
-        }
-        rest_.remove_prefix(read);
-        if (read == 0 || number == 0) return false;
-        appendUTF8(text, number);
+    // Reads the number of a UTF-16 unit.
+    bool readUnit(std::string& text, std::size_t most, int base) {
+        unsigned unit = 0;
+        if (!readDigits(unit, most, base) || unit == 0) return false;
+        appendUTF8(text, unit);
         return true;
     }
 

@@ -1,6 +1,5 @@
 #include "platform/linux/files/PropertyListLinux.hpp"
 
-#include <locale.h>
 #include <plist/plist.h>
 
 #include <cstdlib>
@@ -22,24 +21,6 @@ namespace {
 using Node = std::unique_ptr<void, ReleaseWith<plist_free>>;
 using Iterator = std::unique_ptr<void, ReleaseWith<std::free>>;
 using Text = std::unique_ptr<char, ReleaseWith<std::free>>;
-
-// Sets the "C" locale for this thread, because the library reads and writes real numbers with the
-// decimal sign of the current locale.
-class PlainNumbers {
-public:
-    PlainNumbers() : before_(uselocale(plain())) {}
-    PlainNumbers(const PlainNumbers&) = delete;
-    PlainNumbers& operator=(const PlainNumbers&) = delete;
-    ~PlainNumbers() { uselocale(before_); }
-
-private:
-    static locale_t plain() {
-        static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
-        return locale;
-    }
-
-    const locale_t before_;
-};
 
 // The library's dates count from 2001.
 constexpr WallTime kReferenceDate{std::chrono::seconds{978'307'200}};
@@ -183,7 +164,6 @@ Result<PropertyValue> parsePropertyList(ByteView contents) {
     if (contents.size() > std::numeric_limits<std::int32_t>::max())
         return malformed("property list too large");
     if (isOldStyleList(contents)) return parseOldStyleList(contents);
-    const PlainNumbers plainNumbers;
     const auto size = static_cast<std::uint32_t>(contents.size());
     const char* text = textOf(contents).data();
     plist_t parsed = nullptr;
@@ -204,7 +184,6 @@ Result<PropertyValue> parsePropertyList(ByteView contents) {
 }
 
 Result<Bytes> xmlPropertyList(const PropertyValue& value) {
-    const PlainNumbers plainNumbers;
     const auto node = nodeOf(value);
     if (!node) return std::unexpected{node.error()};
     char* text = nullptr;

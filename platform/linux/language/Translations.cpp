@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/linux/language/UserLanguage.hpp"
-
 namespace quorvane {
 
 constexpr Translations::Row Translations::kRows[] = {
@@ -11,8 +9,10 @@ constexpr Translations::Row Translations::kRows[] = {
 };
 
 Translations::Translations(const std::vector<std::string>& locales) {
-    for (const std::string& locale : locales)
-        for (const std::string& name : catalogueNames(locale)) {
+    for (const std::string_view locale : locales)
+        // "zh_CN", then "zh", for "zh_CN.UTF-8".
+        for (const char* const end : {".@", "_.@"}) {
+            const auto name = locale.substr(0, locale.find_first_of(end));
             rows_ = std::ranges::equal_range(kRows, name, {}, &Row::language);
             if (!rows_.empty()) return;
         }

@@ -55,14 +55,4 @@ std::string languageTag(std::string_view locale) {
     return tag;
 }
 
-std::vector<std::string> catalogueNames(std::string_view locale) {
-    const std::string modifier{locale.substr(std::min(locale.find('@'), locale.size()))};
-    const std::string place{withoutSuffixes(locale)};
-    const std::string language{place.substr(0, place.find('_'))};
-    std::vector<std::string> names;
-    for (const std::string& name : {place + modifier, language + modifier, place, language})
-        if (std::ranges::find(names, name) == names.end()) names.push_back(name);
-    return names;
-}
-
 }  // namespace quorvane

@@ -19,8 +19,4 @@ std::vector<std::string> preferredLocales();
 // "zh_CN.UTF-8".
 std::string languageTag(std::string_view locale);
 
-// The catalogue names for a locale, most specific first: "sr_RS@latin", "sr@latin", "sr_RS" and
-// "sr" for "sr_RS.UTF-8@latin".
-std::vector<std::string> catalogueNames(std::string_view locale);
-
 }  // namespace quorvane

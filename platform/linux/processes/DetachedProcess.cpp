@@ -12,7 +12,7 @@
 namespace quorvane {
 namespace {
 
-void useUsualSignals() {
+void useDefaultSignals() {
     // A background job of a script inherits an ignored SIGINT, which is the request to quit.
     for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
     sigset_t none;
@@ -22,7 +22,7 @@ void useUsualSignals() {
 
 // Replaces the standard streams with /dev/null and closes all other descriptors except `kept`,
 // which closes on exec.
-bool useNothingOfTheCallers(int kept) {
+bool dropInheritedState(int kept) {
     const int null = open("/dev/null", O_RDWR);
     if (null < 0) return false;
     for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
@@ -34,8 +34,8 @@ bool useNothingOfTheCallers(int kept) {
 
 // Runs in the grandchild. Reports the errno of a failure through the descriptor.
 [[noreturn]] void begin(const std::filesystem::path& executable, char** arguments, int report) {
-    useUsualSignals();
-    if (useNothingOfTheCallers(report)) execv(executable.c_str(), arguments);
+    useDefaultSignals();
+    if (dropInheritedState(report)) execv(executable.c_str(), arguments);
     const int failure = errno;
     _exit(write(report, &failure, sizeof failure) == sizeof failure ? 126 : 127);
 }

@@ -39,26 +39,6 @@ LevelRow rowOf(LogLevel level) {
     std::unreachable();
 }
 
-void appendEscape(std::string& text, std::uint32_t code) {
-    char escape[5];
-    std::snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned char>(code));
-    text += code == '\n' ? "\\n" : code == '\t' ? "\\t" : escape;
-}
-
-std::string withoutControls(std::string_view text) {
-    std::string safe;
-    safe.reserve(text.size());
-    for (std::size_t place = 0; place < text.size();) {
-        const Character character = characterAt(text, place);
-        if (character.isValid && isControl(character.code))
-            appendEscape(safe, character.code);
-        else
-            safe += text.substr(place, character.length);
-        place += character.length;
-    }
-    return safe;
-}
-
 // Writes a line in one piece, so that lines of several threads and processes do not mix.
 void writeTo(int descriptor, const std::string& line) {
     std::string_view rest = line;
@@ -122,7 +102,7 @@ std::string standardErrorLine(const LogLine& line, WallTime time, bool showsPriv
                   static_cast<int>((milliseconds - seconds).count()));
     std::string result{text};
     result.append(line.category).append(" ").append(rowOf(line.level).name).append(": ");
-    return result.append(withoutControls(logLineText(line, showsPrivate))).append("\n");
+    return result.append(printable(logLineText(line, showsPrivate))).append("\n");
 }
 
 }  // namespace quorvane

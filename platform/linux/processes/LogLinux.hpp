@@ -25,7 +25,7 @@ struct LogOptions {
 LogSink makeLogSink(LogOptions options);
 
 // "2026-01-31T12:34:56.789Z category level: text\n", always one line. Control characters in the
-// text are escaped, so that no value can imitate a line or control the terminal.
+// text become "?", so that no value can imitate a line or control the terminal.
 std::string standardErrorLine(const LogLine& line, WallTime time, bool showsPrivate);
 
 }  // namespace quorvane

@@ -94,9 +94,9 @@ struct LoginItem {
     std::optional<std::filesystem::path> permission;
 
     std::int64_t status() const {
-        const auto standing = makeLiveRegularFiles().read(file, kLargestEntry);
-        if (!standing) return LoginItemClient::kNotRegistered;
-        const std::string_view text = textOf(standing->contents);
+        const auto present = makeLiveRegularFiles().read(file, kLargestEntry);
+        if (!present) return LoginItemClient::kNotRegistered;
+        const std::string_view text = textOf(present->contents);
         if (isSwitchedOff(text)) return LoginItemClient::kRequiresApproval;
         return valueOf(text, "Exec") == commandOf(executable) ? LoginItemClient::kEnabled
                                                               : LoginItemClient::kNotRegistered;
@@ -109,14 +109,6 @@ struct LoginItem {
         return {};
     }
 };
-
-std::optional<LoginItem> loginItemOf(const std::filesystem::path& folder,
-                                     const ProcessInfo& process) {
-    const auto name = entryName(process);
-    const auto executable = executableOfBundle(process.bundle, process.bundleProperties);
-    if (!name || !executable) return std::nullopt;
-    return LoginItem{folder / *name, *executable, permissionFile(process)};
-}
 
 LoginItemClient noLoginItem() {
     const auto fails = []() -> Result<void> {
@@ -132,12 +124,13 @@ LoginItemClient noLoginItem() {
 
 LoginItemClient makeLoginItem(std::optional<std::filesystem::path> autostartFolder,
                               const ProcessInfo& process) {
-    if (!autostartFolder) return noLoginItem();
-    const auto item = loginItemOf(*autostartFolder, process);
-    if (!item) return noLoginItem();
-    return {.status = [item = *item] { return item.status(); },
-            .registerItem = [item = *item] { return item.registerItem(); },
-            .unregisterItem = [item = *item] { return item.unregisterItem(); }};
+    const auto name = entryName(process);
+    const auto executable = executableOfBundle(process.bundle, process.bundleProperties);
+    if (!autostartFolder || !name || !executable) return noLoginItem();
+    const LoginItem item{*autostartFolder / *name, *executable, permissionFile(process)};
+    return {.status = [item] { return item.status(); },
+            .registerItem = [item] { return item.registerItem(); },
+            .unregisterItem = [item] { return item.unregisterItem(); }};
 }
 
 Result<void> permitAboveLock(const std::filesystem::path& program, const ProcessInfo& process) {
@@ -146,8 +139,8 @@ Result<void> permitAboveLock(const std::filesystem::path& program, const Process
         return std::unexpected{
             PlatformError{.description = "only an application in a bundle of a user with a home "
                                          "is permitted above the lock screen"}};
-    const auto standing = makeLiveRegularFiles().read(*file, kLargestEntry);
-    if (standing && textOf(standing->contents) == permissionText(program)) return {};
+    const auto present = makeLiveRegularFiles().read(*file, kLargestEntry);
+    if (present && textOf(present->contents) == permissionText(program)) return {};
     return writeEntry(*file, permissionText(program));
 }
 

@@ -31,11 +31,7 @@ struct ProcessExecutable {
 };
 
 struct ProcessRecord {
-    pid_t pid = 0;
     ProcessExecutable executable;
-    // Start time of its first thread other than the main one, in ticks since boot,
-    // sysconf(_SC_CLK_TCK) per second; nullopt while it has none.
-    std::optional<std::uint64_t> threadTicks;
     std::string display;        // DISPLAY, without its screen
     std::string runtimeFolder;  // XDG_RUNTIME_DIR
 };
@@ -83,6 +79,8 @@ std::optional<std::uint64_t> startTicksIn(std::string_view status) {
     return ticks;
 }
 
+// Start time of its first thread other than the main one, in ticks since boot; nullopt while it has
+// none.
 std::optional<std::uint64_t> threadTicksOf(pid_t pid) {
     std::optional<std::uint64_t> first;
     const std::string folder = "/proc/" + std::to_string(pid) + "/task/";
@@ -129,18 +127,14 @@ std::optional<ProcessRecord> processRecord(pid_t pid) {
     auto executable = executableOf(pid);
     if (!executable) return std::nullopt;
     const std::string environment = contentsOf(folder / "environ");
-    return ProcessRecord{.pid = pid,
-                         .executable = *std::move(executable),
-                         .threadTicks = threadTicksOf(pid),
+    return ProcessRecord{.executable = *std::move(executable),
                          .display = withoutScreen(variableIn(environment, "DISPLAY")),
                          .runtimeFolder = variableIn(environment, "XDG_RUNTIME_DIR")};
 }
 
 // Uses the current environment variables, which may differ from those at the start.
 ProcessRecord ownProcessRecord() {
-    return {.pid = getpid(),
-            .executable = executableOf(getpid()).value_or(ProcessExecutable{}),
-            .threadTicks = threadTicksOf(getpid()),
+    return {.executable = executableOf(getpid()).value_or(ProcessExecutable{}),
             .display = withoutScreen(std::string{environmentVariable("DISPLAY")}),
             .runtimeFolder = std::string{environmentVariable("XDG_RUNTIME_DIR")}};
 }
@@ -160,27 +154,15 @@ std::vector<pid_t> processesInBundles() {
     return pids;
 }
 
-WallTime timeOf(clockid_t clock) {
-    timespec time{};
-    clock_gettime(clock, &time);
-    return WallTime{std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec}};
-}
-
-// Read once, because the user may set the clock between comparisons of copies.
-WallTime startOfSystem() {
-    static const WallTime start =
-        timeOf(CLOCK_REALTIME) - timeOf(CLOCK_BOOTTIME).time_since_epoch();
-    return start;
-}
-
-RunningCopy runningCopyOf(const ProcessRecord& process) {
-    static const auto ticksPerSecond = static_cast<std::uint64_t>(sysconf(_SC_CLK_TCK));
-    if (!process.threadTicks)
-        return {process.pid, startOfSystem() + timeOf(CLOCK_BOOTTIME).time_since_epoch()};
-    const std::uint64_t ticks = *process.threadTicks;
-    return {process.pid,
-            startOfSystem() + std::chrono::seconds{ticks / ticksPerSecond} +
-                std::chrono::nanoseconds{ticks % ticksPerSecond * 1'000'000'000 / ticksPerSecond}};
+// The launch date counts from the system's start, because the user may set the clock between
+// comparisons of copies.
+RunningCopy runningCopyOf(pid_t pid) {
+    static const Duration tick{1'000'000'000 / sysconf(_SC_CLK_TCK)};
+    timespec now{};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    Duration launch = std::chrono::seconds{now.tv_sec} + std::chrono::nanoseconds{now.tv_nsec};
+    if (const auto ticks = threadTicksOf(pid)) launch = tick * *ticks;
+    return {pid, WallTime{launch}};
 }
 
 bool isSameLogin(const ProcessRecord& one, const ProcessRecord& other) {
@@ -213,7 +195,7 @@ struct Applications {
         for (const pid_t pid : processesInBundles()) {
             const auto process = processRecord(pid);
             if (process && hasIdentifier(*process, identifier) && isSameLogin(*process, self))
-                copies.push_back(runningCopyOf(*process));
+                copies.push_back(runningCopyOf(pid));
         }
         return copies;
     }
@@ -235,7 +217,7 @@ RunningApplications makeRunningApplications() {
     return {
         .running = [applications](
                        const std::string& identifier) { return applications.running(identifier); },
-        .current = [] { return runningCopyOf(ownProcessRecord()); },
+        .current = [] { return runningCopyOf(getpid()); },
         .terminate = terminate};
 }
 

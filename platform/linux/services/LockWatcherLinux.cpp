@@ -92,7 +92,7 @@ LockSources LockWatcherLinux::sources() {
             .notifyRegisterCheck =
                 [this](const char* name, int& token) {
                     if (name != kLockUIState) return kNotifyInvalidName;
-                    token = ++tokensMade_;
+                    token = 1;
                     return kNotifyOK;
                 },
             .notifyGetState =

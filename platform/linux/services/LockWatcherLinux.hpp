@@ -38,7 +38,6 @@ private:
     ScreenSaverSignals screenSavers_;
     LogindLinux logind_;
     LockSignals signals_;
-    int tokensMade_ = 0;
     Handle lockerObservation_;
 };
 

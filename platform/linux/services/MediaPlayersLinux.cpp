@@ -44,7 +44,7 @@ public:
 
     const std::vector<MediaPlayer>& list() const { return list_; }
     Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
-    void tell(std::function<void(MprisPlayers&)> action) {
+    void post(std::function<void(MprisPlayers&)> action) {
         loop_.mainThread().post([this, action = std::move(action)] { action(players_); });
     }
 
@@ -88,22 +88,18 @@ MediaPlayers makeLiveMediaPlayers(const LiveServices& services) {
             .observe = [players](auto handler) { return players->observe(std::move(handler)); },
             .refresh =
                 [players](const std::string& name) {
-                    players->tell([name](MprisPlayers& its) { its.refresh(name); });
+                    players->post([name](MprisPlayers& its) { its.refresh(name); });
                 },
             .call =
                 [players](const std::string& name, const std::string& method) {
-                    players->tell([name, method](MprisPlayers& its) { its.call(name, method); });
+                    players->post([name, method](MprisPlayers& its) { its.call(name, method); });
                 },
             .set =
                 [players](const std::string& name, const std::string& property,
                           const PropertyValue& value) {
-                    players->tell([name, property, value](MprisPlayers& its) {
+                    players->post([name, property, value](MprisPlayers& its) {
                         its.set(name, property, value);
                     });
-                },
-            .raise =
-                [players](const std::string& name) {
-                    players->tell([name](MprisPlayers& its) { its.raise(name); });
                 }};
 }
 

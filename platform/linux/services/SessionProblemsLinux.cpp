@@ -31,24 +31,14 @@ std::optional<std::string> screenProblem(const SessionVariables& session) {
     return std::nullopt;
 }
 
-std::string portsProblem(std::string_view runtimeVariable, const std::string& runtimeFolder,
-                         const std::string& reason) {
-    std::string found = "XDG_RUNTIME_DIR is " + runtimeFolder + ", which";
-    if (runtimeVariable.empty())
-        found = "XDG_RUNTIME_DIR is not set, and " + runtimeFolder;
-    else if (!runtimeVariable.starts_with('/'))
-        found = "XDG_RUNTIME_DIR is not an absolute path, and " + runtimeFolder;
-    return "there is no folder for the sockets of host and add-on: " + found + " cannot be used (" +
-           reason +
-           "); log in at the login screen, or set the variable to a folder of yours with mode 0700";
-}
-
 std::optional<std::string> findPortsProblem() {
     const auto folder = portFolderOfUser();
     const auto runtime = folder.parent_path();
     if (access(runtime.c_str(), W_OK | X_OK) != 0)
-        return portsProblem(environmentVariable("XDG_RUNTIME_DIR"), runtime.string(),
-                            std::system_category().message(errno));
+        return "there is no folder for the sockets of host and add-on: " + runtime.string() +
+               " cannot be used (" + std::system_category().message(errno) +
+               "); log in at the login screen, or set XDG_RUNTIME_DIR to a folder of yours with "
+               "mode 0700";
     if (access(folder.c_str(), F_OK) == 0 && !PortFolder::open(folder, PortFolder::Purpose::serve))
         return "the folder for the sockets of host and add-on must belong to you alone: " +
                folder.string() + "; remove it";

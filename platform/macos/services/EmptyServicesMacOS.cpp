@@ -16,8 +16,7 @@ MediaPlayers makeLiveMediaPlayers(const LiveServices&) {
             .observe = [](const std::function<void()>&) { return Handle{[] {}}; },
             .refresh = [](const std::string&) {},
             .call = [](const std::string&, const std::string&) {},
-            .set = [](const std::string&, const std::string&, const PropertyValue&) {},
-            .raise = [](const std::string&) {}};
+            .set = [](const std::string&, const std::string&, const PropertyValue&) {}};
 }
 
 SoundServer makeLiveSoundServer(const LiveServices&) {

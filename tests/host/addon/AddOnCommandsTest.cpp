@@ -43,7 +43,7 @@ protected:
                                              .terminate = [this](auto) { quitIf(obeysSystem); }},
                             .notices = notices.distributed(),
                             .clock = clock.clock(),
-                            .canHearNotices = !problems.bus},
+                            .receivesNotices = !problems.bus},
                 .connectPort = ports.connectPort(),
                 .darwinNotices = darwin.darwin(),
                 .sharedSuite = shared.table(),

@@ -31,7 +31,7 @@ TEST(HostStatus, IsAFewLinesOfText) {
                                  .bundle = "/a/X.app",
                                  .state = state,
                                  .version = "1.2\n",
-                                 .trouble = "/a is not a folder"};
+                                 .problem = "/a is not a folder"};
     };
     const LockScreenAddOnSighting seen{"1.2.0", "26.1.0", true, kNow - 5s, {}};
     const LockScreenAddOnSighting tooOld{"1.2.0", "26.1.0", false, kNow - 5s, {}};

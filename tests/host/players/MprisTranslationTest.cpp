@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-#include "host/players/FileURL.hpp"
 #include "host/players/MprisCommand.hpp"
+#include "host/players/PlayerURL.hpp"
 
 namespace quorvane {
 namespace {
@@ -156,7 +156,7 @@ TEST(MprisCommand, ActionsBecomeCallsAndProperties) {
         {"CanControl", toggleRepeat, {}},
         {"CanControl", toggleShuffle, {}},
         {"CanControl", nextTrack, {}},
-        {"CanControl", activatePlayer, MprisRaise{}},
+        {"CanControl", activatePlayer, MprisCall{"Raise"}},
         {"", toggleLove, {}},
     };
     const PlayerVolume half{PlayerVolume::Owner::player, 0.5};
@@ -177,7 +177,7 @@ TEST(MprisCommand, ActionsBecomeCallsAndProperties) {
     EXPECT_EQ(volumeCommand(5, {}), std::nullopt);
 }
 
-TEST(FileURL, OnlyFilesOfThisMachine) {
+TEST(PlayerURL, OnlyFilesOfThisMachine) {
     const std::pair<const char*, const char*> rows[] = {
         {"file:///a%2Fb%20%C3%A9?x#y", "/a/b \u00e9"},
         {"file://localhost/a", "/a"},

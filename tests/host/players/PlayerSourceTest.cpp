@@ -67,22 +67,22 @@ TEST(PlayerChoice, FollowsEachStory) {
 
 TEST(PlayerChoice, SaysWhyAPlayerIsFollowedOrNot) {
     PlayerChoice choice;
-    const auto standingsAt = [&](Instant now, const std::vector<const char*>& words) {
+    const auto explanationsAt = [&](Instant now, const std::vector<const char*>& words) {
         std::vector<PlayerCandidate> candidates;
         for (const char* word : words) candidates.push_back(candidate(word));
         choice = choice.applying(candidates, now, 10min);
         std::string all;
         for (const auto& [name, known] : choice.known)
-            all += std::string{choice.standingOf(name)} + "\n";
+            all += std::string{choice.explanationOf(name)} + "\n";
         return all;
     };
-    EXPECT_EQ(standingsAt(Instant{}, {"a-", "b-x", "c-?", "d."}),
+    EXPECT_EQ(explanationsAt(Instant{}, {"a-", "b-x", "c-?", "d."}),
               "followed: no other one plays\nignored\nhas not played yet\nanother one is paused\n");
-    EXPECT_EQ(standingsAt(Instant{10min}, {"a-", "b+", "c+", "p-"}),
+    EXPECT_EQ(explanationsAt(Instant{10min}, {"a-", "b+", "c+", "p-"}),
               "idle for too long (see the setting idle-minutes)\nfollowed: it plays\n"
               "another one is followed already\nanother one plays\n");
     choice = choice.switching(Instant{10min});
-    EXPECT_EQ(standingsAt(Instant{11min}, {"b+", "c+", "p+"}),
+    EXPECT_EQ(explanationsAt(Instant{11min}, {"b+", "c+", "p+"}),
               "another one was chosen by hand\nfollowed: chosen by hand\n"
               "another one was chosen by hand\n");
 }

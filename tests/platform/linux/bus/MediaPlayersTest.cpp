@@ -130,7 +130,7 @@ TEST_F(MediaPlayersTest, AreReadFollowedAndTold) {
 
     players->call(kFake, "Next");
     players->set(kFake, "Volume", {0.25});
-    players->raise(kFake);
+    players->call(kFake, "Raise");
     ASSERT_TRUE(until([&] { return fake.heard.size() == 3; }));
     EXPECT_EQ(fake.heard, (std::vector<std::string>{"Next", "Volume", "Raise"}));
     EXPECT_EQ(fake.volume, 0.25);
@@ -238,7 +238,7 @@ TEST_F(MediaPlayersTest, AreFollowedOnAThreadOfTheirOwn) {
     ASSERT_TRUE(until([&] { return !live.list().empty(); }));
     live.call(kFake, "Next");
     live.set(kFake, "Volume", {0.25});
-    live.raise(kFake);
+    live.call(kFake, "Raise");
     EXPECT_TRUE(until([&] { return fake.heard.size() == 3; }));
 }
 

@@ -76,8 +76,6 @@ TEST_F(NoticesTest, CarryEveryTypeAndLogWhatTheBusCannot) {
         {"version", {std::string{"1.2.3 – „ü“"}}},
         {"number", {std::int64_t{-5'000'000'000}}},
         {"real", {0.1}},
-        {"date", {WallTime{Duration{1'767'225'600'123'456'789}}}},
-        {"data", {Bytes{std::byte{0}, std::byte{255}}}},
         {"list", {PropertyArray{{std::int64_t{1}}, {std::string{""}}, {PropertyArray{}}}}},
         {"nested", {PropertyDictionary{{"flag", {false}}}}},
         {"empty", {PropertyDictionary{}}}};
@@ -86,7 +84,8 @@ TEST_F(NoticesTest, CarryEveryTypeAndLogWhatTheBusCannot) {
     distributed.post(kName, {{"text", {std::string{"\xff\xfe"}}}});
     distributed.post(kName, {{"text", {std::string("a\0b", 3)}}});
     distributed.post(kName, {{std::string("k\0", 2), {true}}});
-    EXPECT_EQ(recording.take().size(), 3u);
+    distributed.post(kName, {{"data", {Bytes{}}}});
+    EXPECT_EQ(recording.take().size(), 4u);
     EXPECT_FALSE(distributed.observe("a'b", note("")));
     distributed.post(kName, everyType);
     settle();
@@ -103,7 +102,7 @@ TEST_F(NoticesTest, ForeignSignalsAreReadOrDropped) {
                   0);
     };
     emit("sa{sv}", kName, 7, "byte", "y", 200, "small", "n", -2, "unsigned", "u", 4'000'000'000u,
-         "huge", "t", UINT64_MAX, "path", "o", "/a", "texts", "as", 2, "a", "b", "pair", "(ii)", 1,
+         "huge", "t", UINT64_MAX, "path", "o", "/a", "texts", "as", 2, "a", "b", "bytes", "ay", 1,
          2);
     emit("s", kName);
     emit("sa{ss}", kName, 1, "a", "b");

@@ -1,7 +1,6 @@
 #include "platform/linux/files/PropertyListLinux.hpp"
 
 #include <gtest/gtest.h>
-#include <locale.h>
 
 #include <cmath>
 
@@ -91,18 +90,6 @@ TEST(PropertyListTest, DatesKeepTheirSecondAndTheLibrarysRange) {
     const std::string text("a\0b", 3);
     EXPECT_EQ(xmlPropertyList({text}).error().code, EINVAL);
     EXPECT_FALSE(xmlPropertyList({PropertyArray{{PropertyDictionary{{text, {true}}}}}}));
-}
-
-TEST(PropertyListTest, NumbersDoNotDependOnTheLanguage) {
-    const locale_t german = newlocale(LC_NUMERIC_MASK, "de_DE.UTF-8", nullptr);
-    if (!german) GTEST_SKIP() << "this machine has no locale with a decimal comma";
-    const locale_t before = uselocale(german);
-    const auto written = xmlPropertyList({1.5});
-    const auto read = parse(kInfo);
-    uselocale(before);
-    freelocale(german);
-    EXPECT_NE(textOf(*written).find("<real>1.5"), std::string_view::npos);
-    EXPECT_EQ(*find<double>(*read->as<PropertyDictionary>(), "real"), 1.5);
 }
 
 TEST(PropertyListTest, ListsThatUnfoldWithoutEndAreRefused) {
