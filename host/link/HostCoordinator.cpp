@@ -109,24 +109,27 @@ void HostCoordinator::findSecret() {
         secret = MessagePortSecret::make(services_.fillRandom, services_.files, services_.log);
 }
 
-// The host that holds the main port is the one that serves, so a query port waits for it. If two
-// hosts start together, one of them gets all ports.
+// The host that holds the main port is the one that serves. A query port waits for the first
+// attempt to open the main port, and counts as taken while another host holds that. If two hosts
+// start together, one of them gets all ports.
 OpenPort HostCoordinator::openMainPortFirst() {
-    const auto holdsMainPort = std::make_shared<bool>(false);  // changed by `wait`
-    return [this, wait = wait_, link = link_, holdsMainPort](const std::string& name,
-                                                             PortHandler handler) {
-        const bool isMain = name == kMessagePortBaseName;
-        std::unique_ptr<LocalPort> port;
-        if (isMain || wait->waitFor(kLongestWait, [&] { return *holdsMainPort; }))
-            port = services_.openPort(name, std::move(handler));
-        if (!port) return port;
-        if (isMain) {
-            findSecret();
-            wait->update([&] { *holdsMainPort = true; });
-        }
-        Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
-        return port;
-    };
+    enum class MainPort { untried, taken, held };
+    const auto mainPort = std::make_shared<MainPort>(MainPort::untried);  // changed by `wait`
+    return
+        [this, wait = wait_, link = link_, mainPort](const std::string& name, PortHandler handler) {
+            const bool isMain = name == kMessagePortBaseName;
+            const auto isTried = [&] { return *mainPort != MainPort::untried; };
+            const auto isHeld = [&] { return *mainPort == MainPort::held; };
+            std::unique_ptr<LocalPort> port;
+            if (isMain || (wait->waitFor(kLongestWait, isTried) && wait->waitFor({}, isHeld)))
+                port = services_.openPort(name, std::move(handler));
+            if (isMain) {
+                if (port) findSecret();
+                wait->update([&] { *mainPort = port ? MainPort::held : MainPort::taken; });
+            }
+            if (port) Link::post(link, [](HostCoordinator& host) { host.portOpened(); });
+            return port;
+        };
 }
 
 void HostCoordinator::portOpened() {

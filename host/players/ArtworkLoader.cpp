@@ -7,6 +7,7 @@ namespace quorvane {
 namespace {
 
 constexpr int kMostRedirects = 3;
+constexpr std::size_t kMostFetchedBytes = 4u << 20;  // enough for the covers of an evening
 
 }  // namespace
 
@@ -29,6 +30,8 @@ void ArtworkLoader::want(const std::string& trackKey, URL url) {
 void ArtworkLoader::checkAgain() {
     if (!wanted_ || (isChecked_ && !localFile(*wanted_))) return;
     if (isWebURL(*wanted_)) {
+        const auto earlier = fetched_.find(*wanted_);
+        if (earlier != fetched_.end()) return apply({.picture = earlier->second});
         if (!request_) fetch(*wanted_, 0);
         return;
     }
@@ -76,16 +79,27 @@ void ArtworkLoader::fetch(const std::string& url, int redirects) {
     if (!isWebURL(url)) return apply(without("the server redirects to another protocol"));
     if (redirects > kMostRedirects) return apply(without("the server redirects too often"));
     request_ = services_.fetchPicture(
-        url, [this, redirects](FetchAnswer answer) { fetched(std::move(answer), redirects); });
+        url, [this, redirects](FetchAnswer answer) { answered(std::move(answer), redirects); });
 }
 
-void ArtworkLoader::fetched(FetchAnswer answer, int redirects) {
+void ArtworkLoader::answered(FetchAnswer answer, int redirects) {
     request_.reset();
     if (const auto* elsewhere = std::get_if<FetchRedirect>(&answer))
         return fetch(elsewhere->url, redirects + 1);
     if (const auto* failure = std::get_if<FetchFailure>(&answer))
         return apply(without(failure->sentence));
-    apply({.picture = SharedBytes{std::get<Bytes>(std::move(answer))}});
+    SharedBytes picture{std::get<Bytes>(std::move(answer))};
+    keep(picture);
+    apply({.picture = std::move(picture)});
+}
+
+void ArtworkLoader::keep(const SharedBytes& picture) {
+    fetchedBytes_ += picture.size();
+    if (fetchedBytes_ > kMostFetchedBytes) {
+        fetched_.clear();
+        fetchedBytes_ = picture.size();
+    }
+    fetched_.emplace(*wanted_, picture);
 }
 
 void ArtworkLoader::apply(Reading reading) {

@@ -3,6 +3,7 @@
 
 #include <expected>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,7 +56,9 @@ private:
     static Reading without(std::string reason);
     // Sends a request to a web server, after this number of redirects.
     void fetch(const std::string& url, int redirects);
-    void fetched(FetchAnswer answer, int redirects);
+    void answered(FetchAnswer answer, int redirects);
+    // For tracks that come back.
+    void keep(const SharedBytes& picture);
     void apply(Reading reading);
     void log(const std::string& reason);
 
@@ -69,8 +72,10 @@ private:
     // The wanted file as it was read last; nullopt before that.
     std::optional<FileStamp> knownStamp_;
     std::optional<SharedBytes> picture_;
-    std::string logged_;  // the last reason for having no picture
-    Handle request_;      // to a web server, while it is pending
+    std::string logged_;                          // the last reason for having no picture
+    Handle request_;                              // to a web server, while it is pending
+    std::map<std::string, SharedBytes> fetched_;  // from the web, by URL
+    std::size_t fetchedBytes_ = 0;
     LifeToken life_;
 };
 

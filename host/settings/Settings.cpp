@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <numeric>
 #include <optional>
 #include <span>
 #include <utility>
@@ -22,6 +23,30 @@ constexpr std::string_view kPrivacy[] = {"full", "player", "controls"};  // as i
 constexpr std::string_view kNoPlayers = "none";
 constexpr char kHint[] = " (see: quorvane-host players)";
 constexpr Minutes kLongestIdleTime = std::chrono::hours{24};
+
+// The number of letters to change, add or remove.
+std::size_t editDistance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t changed = diagonal + (from[i] != to[j]);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+// "; did you mean '…'?", unless nothing is near.
+std::string suggestion(std::string_view word, std::span<const std::string_view> choices) {
+    const auto far = [&](std::string_view choice) { return editDistance(word, choice); };
+    const std::string_view nearest = *std::ranges::min_element(choices, {}, far);
+    return far(nearest) > (nearest.size() + 1) / 2
+               ? ""
+               : "; did you mean '" + std::string{nearest} + "'?";
+}
 
 // Whether the text has only characters of a bus name in lower case.
 bool isPlayerName(std::string_view name) {
@@ -87,18 +112,20 @@ std::string mistake(SettingKind kind, const std::string& text) {
     const auto choices = choicesOf(kind);
     for (const std::string_view& each : choices)
         all += (all.empty() ? "" : &each == &choices.back() ? " or " : ", ") + std::string{each};
-    return all + notThis;
+    return all + notThis + suggestion(lowerCase(text), choices);
 }
 
 std::expected<const SettingRow*, std::string> rowNamed(std::string_view name) {
+    std::vector<std::string_view> names;
     for (const SettingRow& row : kSettings) {
         if (row.name == name) return &row;
+        names.push_back(row.name);
         if (!row.name.ends_with(kPlayerPlace) || !name.starts_with(kPrivacyPrefix)) continue;
         const auto player = name.substr(kPrivacyPrefix.size());
         if (isPlayerName(player)) return &row;
         return std::unexpected{"'" + std::string{player} + "' is not a player's name" + kHint};
     }
-    return std::unexpected{"unknown setting '" + std::string{name} + "' (see: quorvane-host set)"};
+    return std::unexpected{"unknown setting '" + std::string{name} + "'" + suggestion(name, names)};
 }
 
 }  // namespace

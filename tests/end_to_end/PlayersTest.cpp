@@ -130,5 +130,41 @@ TEST_F(RealPlayer, ObeysTheUsersSettings) {
     EXPECT_EQ(ask("status"), "Paused\n") << "this was no unlock";
 }
 
+// A player that needs a terminal, has no artwork, and does not report its volume.
+TEST(SecondRealPlayer, StandsOnTheCardAndObeysIt) {
+    LockSession session;
+    session.folder().write("config/cmus/rc", "set output_plugin=ao\nset dsp.ao.driver=null\n");
+    const auto music = [&](const char* title) {
+        const std::string file = (session.folder() / title).string() + ".flac";
+        LoggedProcess::run({"ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i",
+                            "sine=duration=999", "-metadata", std::string{"title="} + title, file},
+                           session.environment());
+        return file;
+    };
+    const auto remote = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), {"cmus-remote"});
+        return LoggedProcess::run(words, session.environment()).text;
+    };
+    const std::vector<std::string> files{music("Still"), music("Low")};
+    const LoggedProcess player = session.start({"script", "-qfc", "TERM=xterm cmus", "/dev/null"});
+    ASSERT_TRUE(eventually([&] { return remote({"-Q"}).starts_with("status"); }));
+    LoggedProcess host = session.startHost({"--player", "mpris"});
+    LoggedProcess addOn = session.startAddOn();
+    remote({"-q", files[0], files[1]});
+    remote({"--next"});
+    remote({"--play"});
+    ASSERT_TRUE(addOn.says("state: now 'Still'")) << addOn.log() << host.log();
+    LoggedProcess locker = session.startLocker();
+    const CardOnScreen card = session.nextCard(addOn);
+    const X11Client probe = session.probe();
+    ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.next)));
+    EXPECT_TRUE(addOn.says("state: now 'Low'")) << addOn.log() << remote({"-Q"});
+    ASSERT_TRUE(LockSession::click(probe, addOn, card.middleOf(kGeometry.playPause)));
+    EXPECT_TRUE(eventually([&] { return remote({"-Q"}).starts_with("status paused"); }));
+    EXPECT_EQ(addOn.count("artwork"), 0);
+    remote({"-C", "quit"});
+    EXPECT_TRUE(addOn.says("exit: window")) << addOn.log();
+}
+
 }  // namespace
 }  // namespace quorvane

@@ -135,7 +135,9 @@ Result<void> DefaultsFile::refresh() {
 }
 
 Result<void> DefaultsFile::keepAside() const {
-    const std::string kept = file_.string() + ".malformed";
+    std::string kept = file_.string() + ".malformed";
+    for (int number = 2; access(kept.c_str(), F_OK) == 0; ++number)
+        kept = file_.string() + ".malformed." + std::to_string(number);
     if (rename(file_.c_str(), kept.c_str()) != 0) return posixError("rename to " + kept);
     log_.standard("defaults: kept the unreadable file as %{public}s", kept);
     return {};

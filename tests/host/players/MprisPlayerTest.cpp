@@ -354,6 +354,10 @@ TEST_F(MprisPlayerTest, FetchesArtworkWhenTheUserWantsIt) {
               "fetch https://c/3 fetch https://d/3 ");
     answer(picture("three"));
     EXPECT_EQ(artwork(), "three");
+    play("song 1 again", "https://a/1");
+    EXPECT_EQ(artwork(), "one") << "without a request";
+    takeSaid();
+
     const std::string longest = "https://a/" + std::string(kLargestArtwork, 'x');
     for (const FetchAnswer& refused :
          {FetchAnswer{FetchFailure{"no"}}, FetchAnswer{FetchRedirect{"file:///one.png"}},
@@ -364,14 +368,19 @@ TEST_F(MprisPlayerTest, FetchesArtworkWhenTheUserWantsIt) {
         refresh();
         EXPECT_EQ(takeSaid(), "refresh fetch https://a/4 refresh ") << "not again and again";
         EXPECT_EQ(artwork(), "");
-        play("song without artwork");
+        play("song 1", "https://a/1");
         takeSaid();
     }
     play("song 5", "https://a/5");
     for (int i = 0; i < 4; ++i) answer(FetchRedirect{"https://a/5"});
     EXPECT_FALSE(fetched) << "too many redirects";
 
+    // The kept bytes are limited.
     play("song 6", "https://a/6");
+    answer(picture(std::string(kLargestArtwork, '6')));
+    EXPECT_EQ(artwork().size(), kLargestArtwork);
+    play("song 1", "https://a/1");
+    EXPECT_EQ(artwork(), "");
     settings.set({});
     EXPECT_FALSE(fetched) << "the user has withdrawn the consent";
     EXPECT_EQ(artwork(), "");

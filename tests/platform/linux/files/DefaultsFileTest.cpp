@@ -111,10 +111,11 @@ TEST_F(DefaultsFileTest, AnUnreadableFileIsKeptAside) {
     EXPECT_EQ(folder.read("config/domain.plist.malformed"), "<plist><dict><key>torn");
     EXPECT_EQ(other.get("key"), PropertyValue{true});
 
-    // A valid list instead of a dictionary.
+    // A valid list instead of a dictionary, while the first name for malformed files is taken.
     folder.write("config/domain.plist", "<plist><array/></plist>");
     other.set("key", PropertyValue{false});
-    EXPECT_EQ(folder.read("config/domain.plist.malformed"), "<plist><array/></plist>");
+    EXPECT_EQ(folder.read("config/domain.plist.malformed"), "<plist><dict><key>torn");
+    EXPECT_EQ(folder.read("config/domain.plist.malformed.2"), "<plist><array/></plist>");
     EXPECT_EQ(defaults.get("key"), PropertyValue{false});
 }
 
