@@ -21,18 +21,16 @@ constexpr sd_bus_vtable kCacheMembers[] = {
     SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("GetItems", "", "a((so)(so)(so)iiassusau)", cachedItems, 0), SD_BUS_VTABLE_END};
 
-// Finds objects with the interface; instantiated once per interface.
-template <const AtspiInterface* interface>
-int find(sd_bus*, const char* path, const char*, void* data, void** found, sd_bus_error*) {
-    const auto node = atspiObjects(data).tree.find(path);
+int findObject(sd_bus*, const char* path, const char* name, void* data, void** found,
+               sd_bus_error*) {
+    AtspiObjects& objects = atspiObjects(data);
+    const auto node = objects.tree.find(path);
+    if (!node) return 0;
+    objects.target = *node;
     *found = data;
-    return node && interface->isOf(*node);
-}
-
-template <const AtspiInterface* interface>
-int addInterface(sd_bus* bus, AtspiObjects& objects) {
-    return sd_bus_add_fallback_vtable(bus, nullptr, AtspiTree::kPrefix, interface->name,
-                                      interface->members, find<interface>, &objects);
+    return std::ranges::any_of(kAtspiInterfaces, [&](const AtspiInterface* interface) {
+        return std::string_view{name} == interface->name && interface->isOf(*node);
+    });
 }
 
 }  // namespace
@@ -47,16 +45,13 @@ std::unique_ptr<AtspiConnection> AtspiConnection::open(EventLoop& loop, const st
 AtspiConnection::~AtspiConnection() { sd_bus_close_unref(bus_); }
 
 int AtspiConnection::addObjects() {
-    for (const int result :
-         {addInterface<&kAtspiAccessible>(bus_, objects_),
-          addInterface<&kAtspiApplication>(bus_, objects_),
-          addInterface<&kAtspiAction>(bus_, objects_),
-          addInterface<&kAtspiComponent>(bus_, objects_),
-          addInterface<&kAtspiValue>(bus_, objects_),
-          sd_bus_add_object_vtable(bus_, nullptr, "/org/a11y/atspi/cache", "org.a11y.atspi.Cache",
-                                   kCacheMembers, nullptr)})
-        if (result < 0) return result;
-    return 0;
+    int result = sd_bus_add_object_vtable(bus_, nullptr, "/org/a11y/atspi/cache",
+                                          "org.a11y.atspi.Cache", kCacheMembers, nullptr);
+    for (const AtspiInterface* interface : kAtspiInterfaces)
+        if (result >= 0)
+            result = sd_bus_add_fallback_vtable(bus_, nullptr, AtspiTree::kPrefix, interface->name,
+                                                interface->members, findObject, &objects_);
+    return result;
 }
 
 int AtspiConnection::start(EventLoop& loop, const std::string& address) {
