@@ -13,14 +13,14 @@ constexpr std::string_view kShowsNothing = "shows nothing above its lock screen"
 struct Compositor {
     std::string_view desktop;  // one of the names in XDG_CURRENT_DESKTOP, in any case
     std::string_view name;
-    std::string_view problem{};       // empty where the card appears
-    std::optional<WaylandWay> way{};  // without a problem
+    std::string_view problem{};               // empty where the card appears
+    std::optional<WaylandSupport> support{};  // without a problem
 };
 
 constexpr Compositor kCompositors[] = {
-    {"KDE", "KDE Plasma", "", WaylandWay{.isByOverlayOfKde = true}},
-    {"Hyprland", "Hyprland", "", WaylandWay{.hasLockNotices = true}},
-    {"Wayfire", "Wayfire", "", WaylandWay{.layerNamespace = "de-widget"}},
+    {"KDE", "KDE Plasma", "", WaylandSupport{.needsKdeOverlay = true}},
+    {"Hyprland", "Hyprland", "", WaylandSupport{.hasLockNotices = true}},
+    {"Wayfire", "Wayfire", "", WaylandSupport{.layerNamespace = "de-widget"}},
     {"COSMIC", "COSMIC",
      "can show chosen surfaces above its lock screen, but the card does not use that yet"},
     {"GNOME", "GNOME", "shows nothing above its lock screen, which has its own media controls"},
@@ -69,11 +69,13 @@ bool isWaylandSession(const SessionVariables& session) {
     return session.display.empty() || session.sessionType != "x11";
 }
 
-std::optional<WaylandWay> waylandWay(std::string_view desktop) { return compositorOf(desktop).way; }
+std::optional<WaylandSupport> waylandSupport(std::string_view desktop) {
+    return compositorOf(desktop).support;
+}
 
 std::optional<std::string> waylandProblem(std::string_view desktop) {
     const Compositor& compositor = compositorOf(desktop);
-    if (compositor.way) return std::nullopt;
+    if (compositor.support) return std::nullopt;
     return "no card can appear: " + std::string{compositor.name} + " " +
            std::string{compositor.problem} +
            "; use an X11 session, KDE Plasma, Hyprland or Wayfire";

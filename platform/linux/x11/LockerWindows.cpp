@@ -39,11 +39,6 @@ LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const 
     });
 }
 
-void LockerWindows::noteOwnWindow(xcb_window_t window, bool exists) {
-    topLevels_.noteOwn(window, exists);
-    isStale_ = true;
-}
-
 void LockerWindows::evaluate() {
     if (!isStale_) return;
     const Changes changes = update();

@@ -32,7 +32,6 @@ public:
     Handle observeZones(std::function<void()> handler) {
         return zoneListeners_.add(std::move(handler));
     }
-    void noteOwnWindow(xcb_window_t window, bool exists);
 
 private:
     void evaluate();

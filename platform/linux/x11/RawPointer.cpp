@@ -113,15 +113,14 @@ void RawPointer::press(unsigned button, bool isDown) {
     else
         buttonsDown_.erase(button);
     select();
-    listeners_.call(
-        {isDown ? RawPointerEvent::Kind::down : RawPointerEvent::Kind::up, button, place});
+    listeners_.call({isDown ? PointerEvent::Kind::down : PointerEvent::Kind::up, button, place});
 }
 
 void RawPointer::reportMove() {
     Point place;
     if (!std::exchange(hasMoved_, false) || !position(place)) return;
     // The last moves may arrive after the button is up.
-    if (!buttonsDown_.empty()) listeners_.call({RawPointerEvent::Kind::moved, 0, place});
+    if (!buttonsDown_.empty()) listeners_.call({PointerEvent::Kind::dragged, 0, place});
     moveListeners_.call(place);
 }
 

@@ -85,7 +85,7 @@ std::vector<WindowStack::Entry> TopLevelWindows::windows() const {
 }
 
 bool TopLevelWindows::isForeign(xcb_window_t window) const {
-    return !x11_.isOwn(window) && x11_.clientOf(window) != 0 && !noted_.contains(window);
+    return !x11_.isOwn(window) && x11_.clientOf(window) != 0;
 }
 
 void TopLevelWindows::handle(xcb_window_t window, const xcb_generic_event_t& event) {
@@ -119,7 +119,6 @@ bool TopLevelWindows::handleStack(WindowStack& stack, const xcb_generic_event_t&
                 select(child, kWindowMask);
             break;
         case XCB_REPARENT_NOTIFY: {
-            // The event carries the position of a returning window but not its size.
             if (!stack.apply(event) || !stack.find(child)) return true;
             if (const auto found = WindowQuery{x11_.connection(), child}.answer())
                 stack.put(found->entry);
@@ -256,13 +255,6 @@ void TopLevelWindows::followScreenSaver(bool follows) {
 bool TopLevelWindows::screenSaverIsLocked() {
     const auto status = rootNumbers(kScreenSaverStatus, XCB_ATOM_INTEGER);
     return !status.empty() && status.front() == x11_.atom("LOCK");
-}
-
-void TopLevelWindows::noteOwn(xcb_window_t window, bool exists) {
-    if (exists)
-        noted_.insert(window);
-    else
-        noted_.erase(window);
 }
 
 // Requesting the overlay creates one if there is none, which hides everything for a moment. So it

@@ -59,9 +59,6 @@ public:
     void followScreenSaver(bool follows);
     bool screenSaverIsLocked();
 
-    // Marks windows that this process created over another connection.
-    void noteOwn(xcb_window_t window, bool exists);
-
 private:
     void handle(xcb_window_t window, const xcb_generic_event_t& event);
     bool handleStack(WindowStack& stack, const xcb_generic_event_t& event);
@@ -86,7 +83,6 @@ private:
     std::map<xcb_window_t, Details> details_;
     std::set<xcb_window_t> watchedClosely_;
     std::set<xcb_window_t> destroyed_;
-    std::set<xcb_window_t> noted_;
     bool followsScreenSaver_ = false;
     Handle events_;
 };

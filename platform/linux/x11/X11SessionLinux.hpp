@@ -6,6 +6,7 @@
 #include "platform/linux/x11/LockerWindows.hpp"
 #include "platform/linux/x11/MonitorsLinux.hpp"
 #include "platform/linux/x11/RawPointer.hpp"
+#include "platform/linux/x11/ToolkitSettings.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Session.hpp"
 
@@ -21,7 +22,6 @@ public:
 
     xcb_connection_t* connection() override { return x11_->connection(); }
     const xcb_screen_t& screen() override { return x11_->screen(); }
-    xcb_atom_t atom(const char* name) override { return x11_->atom(name); }
     Handle observeWindow(xcb_window_t window, EventHandler handler) override {
         return x11_->observeWindow(window, std::move(handler));
     }
@@ -41,13 +41,13 @@ public:
     Rect pixelFrame(const Screen& screen) override {
         return monitors_.layout().pixels(screen.frame);
     }
-    void noteOwnWindow(xcb_window_t window, bool exists) override {
-        lockers_.noteOwnWindow(window, exists);
-    }
     void flush() override { xcb_flush(connection()); }
 
     // The result refers to the session.
     Screens screens();
+    std::optional<std::int32_t> toolkitSetting(std::string_view name) {
+        return quorvane::toolkitSetting(*x11_, name);
+    }
 
 private:
     X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock& clock);

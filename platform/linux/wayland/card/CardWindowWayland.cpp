@@ -215,12 +215,7 @@ void CardWindowWayland::pressed(const SurfacePress& press) {
     const double margin = stage_->style().shadowMargin;
     const Point place{press.location.x / contentScale_ - margin,
                       press.location.y / contentScale_ - margin};
-    switch (press.kind) {
-        case SurfacePress::Kind::down: return report(press_.down(press.button, place, true));
-        case SurfacePress::Kind::moved: return report(press_.moved(place));
-        case SurfacePress::Kind::up: return report(press_.up(press.button, place));
-        case SurfacePress::Kind::cancelled: return report(press_.cancel());
-    }
+    report(press_.handle(press.kind, press.button, place));
 }
 
 void CardWindowWayland::report(const std::optional<PointerEvent>& event) {

@@ -73,16 +73,11 @@ bool CardPointer::isOnCard(Point rootPoint) const {
 }
 
 void CardPointer::handle(const RawPointerEvent& event) {
-    const Point location = locationOf(event.position);
-    switch (event.kind) {
-        case RawPointerEvent::Kind::down: {
-            const bool mayBegin = !press_.isPressed() && event.button == 1;
-            return report(
-                press_.down(event.button, location, mayBegin && isOnCard(event.position)));
-        }
-        case RawPointerEvent::Kind::moved: return report(press_.moved(location));
-        case RawPointerEvent::Kind::up: return report(press_.up(event.button, location));
-    }
+    // Whether the card is on top there is a question to the server, asked only if it matters.
+    const bool mayBegin = event.kind == PointerEvent::Kind::down &&
+                          event.button == PressTracker::kPrimary && !press_.isPressed();
+    report(press_.handle(event.kind, event.button, locationOf(event.position),
+                         mayBegin && isOnCard(event.position)));
 }
 
 void CardPointer::moved(Point rootPoint) {

@@ -93,7 +93,6 @@ bool CardXWindow::create(const Rect& frame, const Screen& screen) {
                         XCB_ATOM_STRING, 8, kWindowName.size(), kWindowName.data());
     window_ = window;
     isStanding_ = true;
-    x11_.noteOwnWindow(window_, true);
     observation_ = x11_.observeWindow(window_, [this](const auto& event) { handle(event); });
     cutOut(screen.keepClear, screen);
     return true;
@@ -120,7 +119,6 @@ void CardXWindow::handle(const xcb_generic_event_t& event) {
         case XCB_DESTROY_NOTIFY: {
             if (!std::exchange(isStanding_, false)) return;
             isMapped_ = false;
-            x11_.noteOwnWindow(window_, false);
             // Last, because the listener may destroy this object.
             const auto destroyed = events_.destroyed;
             if (destroyed) destroyed();
@@ -207,7 +205,6 @@ void CardXWindow::destroy() {
     if (!std::exchange(isStanding_, false)) return;
     xcb_destroy_window(x11_.connection(), window_);
     x11_.flush();
-    x11_.noteOwnWindow(window_, false);
 }
 
 // Some lockers show their picture in a child that fills their window, and the password prompt in

@@ -48,10 +48,11 @@ protected:
         ASSERT_TRUE(opened) << opened.error().description;
         session = *std::move(opened);
         watcher = std::make_unique<LockWatcherLinux>(
-            services, LockerSight{[this] { return !session->lockerWindows().empty(); },
-                                  [this](std::function<void()> changed) {
-                                      return session->observeLockerWindows(std::move(changed));
-                                  }});
+            services,
+            LockScreenDetector{[this] { return !session->lockerWindows().empty(); },
+                               [this](std::function<void()> changed) {
+                                   return session->observeLockerWindows(std::move(changed));
+                               }});
         sources = watcher->sources();
         for (const char* name :
              {kScreenIsLocked, kScreenIsUnlocked, kScreenLockUIIsShown, kScreenLockUIIsHidden})

@@ -15,7 +15,7 @@ protected:
     }
     Handle record() {
         return session->observePointer([this](const RawPointerEvent& event) {
-            constexpr const char* kNames[] = {"down", "moved", "up"};
+            constexpr const char* kNames[] = {"down", "dragged", "up"};
             seen.push_back(kNames[int(event.kind)] +
                            (event.button ? " " + std::to_string(event.button) : "") + " at " +
                            describe(event.position));
