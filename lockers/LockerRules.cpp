@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <ranges>
 
 namespace quorvane {
 namespace {
@@ -94,18 +95,15 @@ bool isOfApplication(const WindowFacts& window, const LockFacts& facts) {
 bool isUpUnknown(const WindowFacts& window, const LockFacts& facts) {
     if (facts.keyboard != KeyboardHold::isHeld) return false;
     if (window.isOfDesktop || isOneOf(kKnownOverlays, window.className)) return false;
-    if (isOneOf(facts.standing, window.window)) return true;
+    if (isOneOf(facts.lastFound, window.window)) return true;
     return facts.pointerIsHeld && !isOfApplication(window, facts) &&
            coversEveryMonitor(window.client, facts) && !isBelowDesktop(window, facts.windows);
 }
 
 std::vector<std::string> splitAtCommas(std::string_view list) {
     std::vector<std::string> names;
-    while (!list.empty()) {
-        const auto end = std::min(list.find(','), list.size());
-        if (end > 0) names.emplace_back(list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
+    for (const auto name : std::views::split(list, ','))
+        if (!name.empty()) names.emplace_back(name.begin(), name.end());
     return names;
 }
 
@@ -118,8 +116,8 @@ LockerNames LockerNames::parse(std::string_view lockers, std::string_view overla
 std::vector<FoundLocker> findLockers(const LockFacts& facts) {
     std::vector<FoundLocker> found;
     for (const WindowFacts& window : facts.windows) {
-        const bool stood = isOneOf(facts.standing, window.window) && window.isMapped;
-        if (!window.isDrawable || !(stood || isCandidate(window, facts.monitors))) continue;
+        const bool wasFound = isOneOf(facts.lastFound, window.window) && window.isMapped;
+        if (!window.isDrawable || !(wasFound || isCandidate(window, facts.monitors))) continue;
         if (isOneOf(facts.names.overlays, window.className)) continue;
         const KnownLocker* known = lockerOf(window.client, facts);
         if (known ? isUpAs(*known, window, facts) : isUpUnknown(window, facts))

@@ -43,8 +43,8 @@ struct LockFacts {
     KeyboardHold keyboard = KeyboardHold::unknown;
     bool pointerIsHeld = false;
     LockerNames names{};
-    bool screenSaverIsLocked = false;     // published by xscreensaver: locked, not only blank
-    std::vector<std::uint32_t> standing;  // the lockers' windows found last time
+    bool screenSaverIsLocked = false;      // published by xscreensaver: locked, not only blank
+    std::vector<std::uint32_t> lastFound;  // the lockers' windows
 };
 
 struct FoundLocker {

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <charconv>
 #include <limits>
+#include <ranges>
 
 namespace quorvane {
 namespace {
@@ -40,13 +41,9 @@ bool isSame(std::string_view one, std::string_view other) {
 
 // The variable holds names with colons between them.
 const Compositor& compositorOf(std::string_view desktop) {
-    while (!desktop.empty()) {
-        const auto end = std::min(desktop.find(':'), desktop.size());
-        const std::string_view name = desktop.substr(0, end);
+    for (const auto name : std::views::split(desktop, ':'))
         for (const Compositor& compositor : kCompositors)
-            if (isSame(name, compositor.desktop)) return compositor;
-        desktop.remove_prefix(std::min(end + 1, desktop.size()));
-    }
+            if (isSame({name.begin(), name.end()}, compositor.desktop)) return compositor;
     return kUnknown;
 }
 

@@ -8,7 +8,6 @@
 
 #include "drawing/CardWindows.hpp"
 #include "platform/LifeToken.hpp"
-#include "platform/Listeners.hpp"
 #include "platform/linux/card/CardModule.hpp"
 #include "platform/linux/card/CardStageLinux.hpp"
 #include "platform/linux/drawing/PictureCache.hpp"
@@ -22,7 +21,6 @@ struct CardResources {
     Logger log;
     AccessibleCards* accessibility = nullptr;
     std::shared_ptr<PictureCache> pictures{};  // shared with the canvases
-    Listeners<> picturesArrived{};
 
     static std::shared_ptr<CardResources> make(const CardModuleServices& services);
 };
@@ -63,7 +61,7 @@ protected:
     // Takes the card off the screen.
     virtual void hide() = 0;
     // Whether the window can still appear.
-    virtual bool isStanding() const { return true; }
+    virtual bool canAppear() const { return true; }
     // The stage's top left, in root pixels or those of its screen.
     virtual Point origin() const = 0;
 
@@ -109,6 +107,8 @@ private:
     void setNumber(SceneControl::ID control, double number) override;
     void picturesArrived();
     void post(std::function<void()> action);
+    // Calls the content later, unless it has been removed by then.
+    void postToContent(std::function<void(const StageEvents&)> action);
 
     bool isAccessible_ = false;  // on the accessibility bus
     bool isCovered_ = false;

@@ -51,20 +51,18 @@ LockerWindows::Changes LockerWindows::update() {
     isStale_ = false;
     const auto destroyed = topLevels_.takeDestroyed();
     const LockFacts facts = gather();
-    const auto found = find(facts);
-    std::vector<LockerWindow> windows;
-    for (const FoundLocker& locker : found) windows.push_back({locker.window, locker.frame});
+    auto found = find(facts);
     LockScene scene = sceneOf(facts, found);
     if (!found.empty()) promptSize_ = scene.lastPrompt = promptsSeen(scene);
     // Zones first, because the listeners of a new locker ask for them.
     const bool zonesChanged = std::exchange(zones_, keepClearZones(scene)) != zones_;
     // A lock whose windows are all gone is over, even if the next lock's windows already exist,
     // because the cards in the old windows are gone too.
-    const bool isOver = std::ranges::none_of(windows_, [&](const LockerWindow& old) {
+    const bool isOver = std::ranges::none_of(windows_, [&](const FoundLocker& old) {
         return isFound(found, old.window) && !destroyed.contains(old.window);
     });
     if (isOver && !std::exchange(windows_, {}).empty()) listeners_.call();
-    const bool windowsChanged = std::exchange(windows_, std::move(windows)) != windows_;
+    const bool windowsChanged = std::exchange(windows_, std::move(found)) != windows_;
     const bool screensChanged = changesScreens(destroyed) && !isOver;
     if (windowsChanged) listeners_.call();
     return {zonesChanged, screensChanged};
@@ -75,10 +73,10 @@ LockerWindows::Changes LockerWindows::update() {
 bool LockerWindows::changesScreens(const std::set<xcb_window_t>& destroyed) {
     std::vector<xcb_window_t> now;
     for (const Rect& monitor : monitors_.layout().monitors) {
-        const auto on = std::ranges::find_if(windows_, [&](const LockerWindow& locker) {
+        const auto on = std::ranges::find_if(windows_, [&](const FoundLocker& locker) {
             return locker.frame.contains({monitor.midX(), monitor.midY()});
         });
-        now.push_back(on == windows_.end() ? LockerWindow{}.window : on->window);
+        now.push_back(on == windows_.end() ? xcb_window_t{XCB_WINDOW_NONE} : on->window);
     }
     const std::vector<xcb_window_t> before = std::exchange(onMonitors_, std::move(now));
     return before != onMonitors_ || std::ranges::any_of(before, [&](xcb_window_t window) {
@@ -91,7 +89,7 @@ LockFacts LockerWindows::gather() {
     facts.monitors = monitors_.layout().monitors;
     facts.keyboard = topLevels_.keyboard();
     facts.names = names_;
-    for (const LockerWindow& locker : windows_) facts.standing.push_back(locker.window);
+    for (const FoundLocker& locker : windows_) facts.lastFound.push_back(locker.window);
     for (const auto& entry : topLevels_.windows())
         facts.windows.push_back({.window = entry.window,
                                  .client = topLevels_.clientOf(entry.window),
@@ -126,8 +124,8 @@ void LockerWindows::describeClients(LockFacts& facts) {
     for (WindowFacts& window : facts.windows) {
         WindowFacts mapped = window;
         mapped.isMapped = true;
-        const bool stood = std::ranges::find(facts.standing, window.window) != facts.standing.end();
-        if (!stood && !isCandidate(mapped, facts.monitors)) continue;
+        const bool wasFound = isFound(windows_, window.window);
+        if (!wasFound && !isCandidate(mapped, facts.monitors)) continue;
         topLevels_.watchClosely(window.window);
         if (window.isMapped) clients.insert(window.client);
     }

@@ -13,7 +13,6 @@
 #include "platform/linux/x11/MonitorsLinux.hpp"
 #include "platform/linux/x11/TopLevelWindows.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
-#include "platform/linux/x11/X11Session.hpp"
 
 namespace quorvane {
 
@@ -23,7 +22,7 @@ class LockerWindows {
 public:
     LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const Clock& clock);
 
-    const std::vector<LockerWindow>& windows() const { return windows_; }
+    const std::vector<FoundLocker>& windows() const { return windows_; }
     Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
     // Root pixels.
     const std::vector<Rect>& zones() const { return zones_; }
@@ -52,7 +51,7 @@ private:
     LockerNames names_;
     TopLevelWindows topLevels_;
     bool isStale_ = true;
-    std::vector<LockerWindow> windows_;
+    std::vector<FoundLocker> windows_;
     std::vector<xcb_window_t> onMonitors_;  // the locker's window on each monitor
     std::vector<Rect> zones_;
     Size promptSize_;    // holds every prompt seen so far

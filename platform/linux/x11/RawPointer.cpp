@@ -27,7 +27,7 @@ RawPointer::RawPointer(X11Connection& x11)
 
 bool RawPointer::isSupported() {
     if (major_ >= 0) return major_ > 0;
-    const auto* extension = x11_.extension(xcb_input_id);
+    const auto* extension = presentExtension(x11_.connection(), xcb_input_id);
     const auto version =
         extension
             ? xcbReply(xcb_input_xi_query_version_reply, x11_.connection(),

@@ -269,7 +269,7 @@ void TopLevelWindows::findOverlay() {
             return details && details->instance == "obscurer" &&
                    details->className == "xsecurelock";
         });
-    if (!isInUse || !x11_.extension(xcb_composite_id)) return;
+    if (!isInUse || !presentExtension(x11_.connection(), xcb_composite_id)) return;
     xcbReply(xcb_composite_query_version_reply, x11_.connection(),
              xcb_composite_query_version(x11_.connection(), 0, 3));
     const auto overlay = xcbReply(xcb_composite_get_overlay_window_reply, x11_.connection(),

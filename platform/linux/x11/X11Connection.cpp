@@ -99,19 +99,12 @@ xcb_atom_t X11Connection::atom(const char* name) {
     return atoms_.emplace(name, reply->atom).first->second;
 }
 
-const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& extension) {
-    const auto* data = xcb_get_extension_data(connection_, &extension);
-    return data && data->present ? data : nullptr;
-}
-
 std::uint32_t X11Connection::clientOf(xcb_window_t window) const {
-    const xcb_setup_t* setup = xcb_get_setup(connection_);
-    return setup ? window & ~setup->resource_id_mask : window;
+    return window & ~xcb_get_setup(connection_)->resource_id_mask;
 }
 
 bool X11Connection::isOwn(xcb_window_t window) const {
-    const xcb_setup_t* setup = xcb_get_setup(connection_);
-    return setup && clientOf(window) == setup->resource_id_base;
+    return clientOf(window) == xcb_get_setup(connection_)->resource_id_base;
 }
 
 Handle X11Connection::observeWindow(xcb_window_t window, EventHandler handler) {

@@ -11,17 +11,10 @@
 
 #include "drawing/CardWindows.hpp"
 #include "drawing/Geometry.hpp"
-#include "drawing/Screens.hpp"
+#include "lockers/LockerRules.hpp"
 #include "platform/Handle.hpp"
 
 namespace quorvane {
-
-// A locker's full-screen window that exists now. Root coordinates in pixels, y growing downward.
-struct LockerWindow {
-    xcb_window_t window = XCB_WINDOW_NONE;
-    Rect frame;
-    bool operator==(const LockerWindow&) const = default;
-};
 
 // A raw pointer event, delivered even while a locker has grabbed the pointer. Root coordinates in
 // pixels.
@@ -49,11 +42,11 @@ public:
     // Every movement of the pointer, also with no button down. Each one wakes the process, so hold
     // the handle only while a card takes presses.
     virtual Handle observePointerMoves(std::function<void(Point)> handler) = 0;
-    // The current locker windows, topmost first, and their changes.
-    virtual std::vector<LockerWindow> lockerWindows() = 0;
+    // The current full-screen windows of lockers, topmost first, and their changes.
+    virtual std::vector<FoundLocker> lockerWindows() = 0;
     virtual Handle observeLockerWindows(std::function<void()> handler) = 0;
-    // The monitor area, in root pixels, of a screen from the Screens table.
-    virtual Rect pixelFrame(const Screen& screen) = 0;
+    // A rectangle of global points in whole root pixels.
+    virtual Rect pixels(const Rect& points) = 0;
     // Sends buffered requests.
     virtual void flush() = 0;
 };

@@ -34,13 +34,11 @@ public:
     Handle observePointerMoves(std::function<void(Point)> handler) override {
         return pointer_.observeMoves(std::move(handler));
     }
-    std::vector<LockerWindow> lockerWindows() override { return lockers_.windows(); }
+    std::vector<FoundLocker> lockerWindows() override { return lockers_.windows(); }
     Handle observeLockerWindows(std::function<void()> handler) override {
         return lockers_.observe(std::move(handler));
     }
-    Rect pixelFrame(const Screen& screen) override {
-        return monitors_.layout().pixels(screen.frame);
-    }
+    Rect pixels(const Rect& points) override { return monitors_.layout().pixels(points); }
     void flush() override { xcb_flush(connection()); }
 
     // The result refers to the session.

@@ -28,6 +28,13 @@ XcbReply<Reply> xcbReply(Reply* (*wait)(xcb_connection_t*, Cookie, xcb_generic_e
     return reply;
 }
 
+// Null when the server lacks the extension.
+inline const xcb_query_extension_reply_t* presentExtension(xcb_connection_t* connection,
+                                                           xcb_extension_t& extension) {
+    const auto* found = xcb_get_extension_data(connection, &extension);
+    return found && found->present ? found : nullptr;
+}
+
 // Bottom-most first; empty when the window is gone.
 inline std::vector<xcb_window_t> childrenOf(xcb_connection_t* connection, xcb_window_t window) {
     const auto tree =

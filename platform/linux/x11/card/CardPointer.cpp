@@ -54,7 +54,7 @@ void CardPointer::cardMoved() {
 }
 
 CardPointer::~CardPointer() {
-    if (cursorChanges_ && child_.isStanding())
+    if (cursorChanges_ && child_.exists())
         xcb_xfixes_select_cursor_input(x11_.connection(), child_.window(), 0);
     report(press_.cancel());
     if (showsArrow_) listener_.arrow(std::nullopt);

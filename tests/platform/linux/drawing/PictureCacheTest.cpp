@@ -86,8 +86,9 @@ struct Background {
     ManualMainThread mainThread;
     ManualSerialQueues queues;
     int arrivals = 0;
-    std::unique_ptr<PictureCache> cache = std::make_unique<PictureCache>(
-        queues.make()(""), mainThread.mainThread(), [this] { ++arrivals; });
+    std::unique_ptr<PictureCache> cache =
+        std::make_unique<PictureCache>(queues.make()(""), mainThread.mainThread());
+    Handle observation = cache->observe([this] { ++arrivals; });
 
     void decode() {
         queues.runAll();

@@ -16,7 +16,8 @@ TEST_F(LockerWindows, TellOfAKnownLockerAsItComesAndGoes) {
     const xcb_window_t window = standLocker();
     EXPECT_EQ(takeSettled(), kLockedAndShown);
     EXPECT_TRUE(isLocked());
-    EXPECT_EQ(session->lockerWindows(), (std::vector<LockerWindow>{{window, kBothMonitors}}));
+    EXPECT_EQ(session->lockerWindows(),
+              (std::vector<FoundLocker>{{window, kBothMonitors, {190, 190}}}));
 
     client->unmap(window);
     EXPECT_EQ(takeSettled(), kHiddenAndUnlocked);

@@ -116,7 +116,7 @@ TEST_F(ScreensLinux, FollowTheMonitors) {
     std::vector<Rect> frames;
     for (const Screen& screen : screens.list()) frames.push_back(screen.frame);
     EXPECT_EQ(frames, (std::vector<Rect>{{0, 0, 800, 700}, {-800, -200, 800, 900}}));
-    EXPECT_EQ(session->pixelFrame(screens.list()[1]), (Rect{0, 0, 800, 900}));
+    EXPECT_EQ(session->pixels(screens.list()[1].frame), (Rect{0, 0, 800, 900}));
 }
 
 TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
@@ -130,7 +130,7 @@ TEST_F(ScreensLinux, TakeTheirScaleFromTheDesktopAtEachLock) {
     EXPECT_TRUE(isQuiet()) << "a lock without changes causes no work";
     const Screen screen = session->screens().list().front();
     EXPECT_EQ(screen, (Screen{{0, 0, 800, 450}, 2, {{305, 130, 190, 190}}}));
-    EXPECT_EQ(session->pixelFrame(screen), kBothMonitors);
+    EXPECT_EQ(session->pixels(screen.frame), kBothMonitors);
 }
 
 TEST_F(ScreensLinux, TakeTheDotsPerInchOfTheRootAsItIsNow) {
