@@ -79,7 +79,7 @@ bool coversEveryMonitor(std::uint32_t client, const LockFacts& facts) {
     return std::ranges::all_of(facts.monitors, [&](const Rect& monitor) {
         return std::ranges::any_of(facts.windows, [&](const WindowFacts& window) {
             return window.client == client && window.isMapped && window.isOverrideRedirect &&
-                   covers(window.frame, monitor);
+                   window.frame.covers(monitor);
         });
     });
 }
@@ -116,8 +116,10 @@ LockerNames LockerNames::parse(std::string_view lockers, std::string_view overla
 std::vector<FoundLocker> findLockers(const LockFacts& facts) {
     std::vector<FoundLocker> found;
     for (const WindowFacts& window : facts.windows) {
-        const bool wasFound = isOneOf(facts.lastFound, window.window) && window.isMapped;
-        if (!window.isDrawable || !(wasFound || isCandidate(window, facts.monitors))) continue;
+        const bool isCandidate =
+            isOneOf(facts.lastFound, window.window) ||
+            (window.isOverrideRedirect && coversMonitor(window.frame, facts.monitors));
+        if (!isCandidate || !window.isMapped || !window.isDrawable) continue;
         if (isOneOf(facts.names.overlays, window.className)) continue;
         const KnownLocker* known = lockerOf(window.client, facts);
         if (known ? isUpAs(*known, window, facts) : isUpUnknown(window, facts))
@@ -126,15 +128,9 @@ std::vector<FoundLocker> findLockers(const LockFacts& facts) {
     return found;
 }
 
-bool isCandidate(const WindowFacts& window, const std::vector<Rect>& monitors) {
-    return window.isMapped && window.isOverrideRedirect &&
-           std::ranges::any_of(monitors,
-                               [&](const Rect& monitor) { return covers(window.frame, monitor); });
-}
-
-bool covers(const Rect& frame, const Rect& area) {
-    return frame.minX() <= area.minX() && frame.minY() <= area.minY() &&
-           frame.maxX() >= area.maxX() && frame.maxY() >= area.maxY();
+bool coversMonitor(const Rect& frame, const std::vector<Rect>& monitors) {
+    return std::ranges::any_of(monitors,
+                               [&](const Rect& monitor) { return frame.covers(monitor); });
 }
 
 }  // namespace quorvane

@@ -75,7 +75,7 @@ void AccessibilityLinux::askForBus() {
 void AccessibilityLinux::connect(const std::string& address) {
     connection_ = AtspiConnection::open(loop_, address, [this] {
         // Deferred, because a connection must not be dropped inside its own callback.
-        goodbye_ = loop_.clock().after({}, [this] { disconnect(); });
+        disconnection_ = loop_.clock().after({}, [this] { disconnect(); });
     });
     if (!connection_) return log_.error("accessibility: the accessibility bus cannot be reached");
     log_.info("accessibility: connected");
@@ -84,7 +84,7 @@ void AccessibilityLinux::connect(const std::string& address) {
 
 void AccessibilityLinux::disconnect() {
     question_.reset();
-    goodbye_.reset();
+    disconnection_.reset();
     if (std::exchange(connection_, nullptr)) log_.info("accessibility: disconnected");
 }
 

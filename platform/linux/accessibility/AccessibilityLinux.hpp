@@ -37,7 +37,7 @@ private:
     std::vector<Handle> matches_;
     Handle question_;
     std::unique_ptr<AtspiConnection> connection_;
-    Timer goodbye_;
+    Timer disconnection_;
 };
 
 // Reads the properties of the session's accessibility status.

@@ -24,7 +24,7 @@ private:
         std::string_view name;
         double pixelSize;
         Rect frame;  // in the mask's pixels
-        bool isRightToLeft;
+        bool isMirrored;
         bool operator==(const Key&) const = default;
     };
     struct Entry {

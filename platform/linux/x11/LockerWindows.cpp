@@ -62,8 +62,11 @@ LockerWindows::Changes LockerWindows::update() {
         return isFound(found, old.window) && !destroyed.contains(old.window);
     });
     if (isOver && !std::exchange(windows_, {}).empty()) listeners_.call();
+    const bool wasUnlocked = windows_.empty();
     const bool windowsChanged = std::exchange(windows_, std::move(found)) != windows_;
     const bool screensChanged = changesScreens(destroyed) && !isOver;
+    // The user's dots per inch change without an event, and matter only during a lock.
+    if (wasUnlocked && windowsChanged) monitors_.refresh();
     if (windowsChanged) listeners_.call();
     return {zonesChanged, screensChanged};
 }
@@ -122,10 +125,10 @@ std::vector<FoundLocker> LockerWindows::find(LockFacts facts) {
 void LockerWindows::describeClients(LockFacts& facts) {
     std::set<std::uint32_t> clients;
     for (WindowFacts& window : facts.windows) {
-        WindowFacts mapped = window;
-        mapped.isMapped = true;
-        const bool wasFound = isFound(windows_, window.window);
-        if (!wasFound && !isCandidate(mapped, facts.monitors)) continue;
+        const bool isCandidate =
+            isFound(windows_, window.window) ||
+            (window.isOverrideRedirect && coversMonitor(window.frame, facts.monitors));
+        if (!isCandidate) continue;
         topLevels_.watchClosely(window.window);
         if (window.isMapped) clients.insert(window.client);
     }

@@ -19,24 +19,13 @@ std::uint8_t typeOf(const xcb_generic_event_t& event) {
     return static_cast<std::uint8_t>(event.response_type & ~kSentFlag);
 }
 
-// The window that the event is reported on. Input events carry it after root and time. All others
-// carry it right after the sequence number, including extension events about one window or
-// drawable.
+// The window that the event is reported on. Input events carry it elsewhere, but are never
+// selected. All others carry it right after the sequence number, including extension events about
+// one window or drawable.
 xcb_window_t windowOf(const xcb_generic_event_t& event) {
-    switch (typeOf(event)) {
-        case XCB_KEY_PRESS:
-        case XCB_KEY_RELEASE:
-        case XCB_BUTTON_PRESS:
-        case XCB_BUTTON_RELEASE:
-        case XCB_MOTION_NOTIFY:
-        case XCB_ENTER_NOTIFY:
-        case XCB_LEAVE_NOTIFY:
-            return reinterpret_cast<const xcb_button_press_event_t&>(event).event;
-        case XCB_KEYMAP_NOTIFY:
-        case XCB_MAPPING_NOTIFY:
-        case XCB_GE_GENERIC: return XCB_WINDOW_NONE;
-        default: return reinterpret_cast<const xcb_map_notify_event_t&>(event).event;
-    }
+    if (typeOf(event) == XCB_MAPPING_NOTIFY || typeOf(event) == XCB_GE_GENERIC)
+        return XCB_WINDOW_NONE;
+    return reinterpret_cast<const xcb_map_notify_event_t&>(event).event;
 }
 
 const char* reasonOf(int error) {

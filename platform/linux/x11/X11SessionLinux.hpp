@@ -54,8 +54,6 @@ private:
     MonitorsLinux monitors_;
     LockerWindows lockers_;
     RawPointer pointer_;
-    bool isLocked_ = false;
-    Handle lockObservation_;
 };
 
 }  // namespace quorvane

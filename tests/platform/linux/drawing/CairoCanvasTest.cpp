@@ -70,7 +70,7 @@ TEST(Symbols, StandInTheMiddleOfTheirFramesAndOnlySpeakersFaceTheTextsDirection)
             EXPECT_EQ(left, right) << name;
     }
     EXPECT_TRUE(symbol("moon.fill", 20).ink().isEmpty());
-    EXPECT_TRUE(contains(kFrame, symbol("forward.fill", 90).ink()));  // larger than its frame
+    EXPECT_TRUE(kFrame.covers(symbol("forward.fill", 90).ink()));  // larger than its frame
 }
 
 TEST(Symbols, AreOneFamily) {

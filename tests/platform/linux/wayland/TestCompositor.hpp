@@ -19,7 +19,6 @@ namespace quorvane {
 class TestCompositor {
 public:
     struct Output {
-        std::string name{};
         int width = 0;  // pixels
         int height = 0;
         int transform = 0;
