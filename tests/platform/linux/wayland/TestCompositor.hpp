@@ -25,6 +25,7 @@ public:
         int wholeScale = 1;
         PixelRect logical{};
         wl_global* global = nullptr;
+        TestCompositor* self = nullptr;
     };
     struct Surface {
         wl_resource* resource = nullptr;
@@ -72,7 +73,17 @@ public:
     pid_t clientProcess() const;  // of the only client
 
 private:
-    friend struct CompositorRequests;
+    struct Offer {
+        TestCompositor* self;
+        const wl_interface* interface;
+    };
+
+    wl_resource* make(wl_client* client, const wl_interface& interface, int version,
+                      std::uint32_t id, void* data = nullptr,
+                      wl_resource_destroy_func_t gone = nullptr);
+    void handle(wl_resource* of, const std::string& request, const wl_argument* arguments);
+    void commit(Surface& surface);
+    void offer(const wl_interface& interface, int version);
     void flush();
 
     wl_display* display_;
@@ -80,6 +91,7 @@ private:
     Handle beforeSleep_;
     wl_protocol_logger* logger_ = nullptr;
     std::list<Output> outputs_;
+    std::list<Offer> offers_;
     wl_resource* pointer_ = nullptr;
     wl_resource* touch_ = nullptr;
     wl_resource* lockNotification_ = nullptr;
