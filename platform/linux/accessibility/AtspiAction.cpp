@@ -1,15 +1,22 @@
 // Actions that assistive technology can perform on a control. A press is a click.
 #include <span>
 
-#include "drawing/AccessibleScene.hpp"
 #include "platform/linux/accessibility/AtspiObject.hpp"
 
 namespace quorvane {
 namespace {
 
+// In the order in which they are offered.
 std::span<const AccessibilityAction> actionsOf(const AtspiNode& node) {
+    static constexpr AccessibilityAction kOfButtons[] = {AccessibilityAction::press};
+    static constexpr AccessibilityAction kOfSliders[] = {AccessibilityAction::increment,
+                                                         AccessibilityAction::decrement};
     if (!node.control) return {};
-    return accessibilityActions(node.control->role);
+    switch (node.control->role) {
+        case SceneControl::Role::button: return kOfButtons;
+        case SceneControl::Role::slider: return kOfSliders;
+        default: return {};
+    }
 }
 
 // These names belong to the interface and are not translated.

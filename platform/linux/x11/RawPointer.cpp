@@ -106,22 +106,22 @@ bool RawPointer::isTouchScreen(std::uint16_t device) {
 }
 
 void RawPointer::press(unsigned button, bool isDown) {
-    Point place;
-    if (button == 0 || !position(place)) return;
+    const auto place = button == 0 ? std::nullopt : position();
+    if (!place) return;
     if (isDown)
         buttonsDown_.insert(button);
     else
         buttonsDown_.erase(button);
     select();
-    listeners_.call({isDown ? PointerEvent::Kind::down : PointerEvent::Kind::up, button, place});
+    listeners_.call({isDown ? PointerEvent::Kind::down : PointerEvent::Kind::up, button, *place});
 }
 
 void RawPointer::reportMove() {
-    Point place;
-    if (!std::exchange(hasMoved_, false) || !position(place)) return;
+    const auto place = std::exchange(hasMoved_, false) ? position() : std::nullopt;
+    if (!place) return;
     // The last moves may arrive after the button is up.
-    if (!buttonsDown_.empty()) listeners_.call({PointerEvent::Kind::dragged, 0, place});
-    moveListeners_.call(place);
+    if (!buttonsDown_.empty()) listeners_.call({PointerEvent::Kind::dragged, 0, *place});
+    moveListeners_.call(*place);
 }
 
 // Raw events carry the physical button number, before the user's button mapping.
@@ -135,12 +135,10 @@ unsigned RawPointer::logicalButton(unsigned physicalButton) {
 }
 
 // Raw events carry relative movements, not positions.
-bool RawPointer::position(Point& point) {
-    const auto reply = xcbReply(xcb_query_pointer_reply, x11_.connection(),
-                                xcb_query_pointer(x11_.connection(), x11_.root()));
-    if (!reply) return false;
-    point = {static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
-    return true;
+std::optional<Point> RawPointer::position() {
+    const auto reply = pointerOn(x11_.connection(), x11_.root());
+    if (!reply) return std::nullopt;
+    return Point{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
 }
 
 }  // namespace quorvane

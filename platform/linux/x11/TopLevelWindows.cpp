@@ -162,7 +162,13 @@ void TopLevelWindows::select(xcb_window_t window, std::uint32_t mask) {
 
 std::vector<std::uint32_t> TopLevelWindows::rootNumbers(const char* property,
                                                         xcb_atom_t type) const {
-    return numbersOf(x11_.connection(), x11_.root(), x11_.atom(property), type);
+    constexpr std::uint32_t kMostNumbers = 4096;
+    const auto reply = xcbReply(xcb_get_property_reply, x11_.connection(),
+                                xcb_get_property(x11_.connection(), false, x11_.root(),
+                                                 x11_.atom(property), type, 0, kMostNumbers));
+    if (!reply || reply->format != 32) return {};
+    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
 }
 
 void TopLevelWindows::readChildren(WindowStack& stack) {

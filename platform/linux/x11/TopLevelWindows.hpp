@@ -68,6 +68,8 @@ private:
     void forget(xcb_window_t window);
     void select(xcb_window_t window, std::uint32_t mask);
     void readChildren(WindowStack& stack);
+    // The numbers of a property of the root, such as windows or atoms; empty when it is missing or
+    // of another type.
     std::vector<std::uint32_t> rootNumbers(const char* property, xcb_atom_t type) const;
     void findOverlay();
     void followOverlay(xcb_window_t overlay);

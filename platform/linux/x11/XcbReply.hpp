@@ -51,16 +51,10 @@ inline xcb_window_t ownerOf(xcb_connection_t* connection, xcb_atom_t selection) 
     return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-// The numbers of a property, such as windows or atoms; empty when it is missing or of another type.
-inline std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_window_t window,
-                                            xcb_atom_t property, xcb_atom_t type) {
-    constexpr std::uint32_t kMostNumbers = 4096;
-    const auto reply =
-        xcbReply(xcb_get_property_reply, connection,
-                 xcb_get_property(connection, false, window, property, type, 0, kMostNumbers));
-    if (!reply || reply->format != 32) return {};
-    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return {first, first + reply->value_len};
+// Null when the server has gone away.
+inline XcbReply<xcb_query_pointer_reply_t> pointerOn(xcb_connection_t* connection,
+                                                     xcb_window_t root) {
+    return xcbReply(xcb_query_pointer_reply, connection, xcb_query_pointer(connection, root));
 }
 
 // Requests a text property. Send all requests before waiting for the first reply: one round trip

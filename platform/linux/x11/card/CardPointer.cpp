@@ -47,9 +47,7 @@ void CardPointer::lookAgain() {
 }
 
 void CardPointer::cardMoved() {
-    xcb_connection_t* connection = x11_.connection();
-    const auto place = xcbReply(xcb_query_pointer_reply, connection,
-                                xcb_query_pointer(connection, x11_.screen().root));
+    const auto place = pointerOn(x11_.connection(), x11_.screen().root);
     if (place) moved({static_cast<double>(place->root_x), static_cast<double>(place->root_y)});
 }
 

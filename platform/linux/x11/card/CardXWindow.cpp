@@ -203,26 +203,22 @@ void CardXWindow::destroy() {
 // reaches.
 void CardXWindow::stackAboveCover() {
     xcb_connection_t* connection = x11_.connection();
-    const auto tree =
-        xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, locker_.window));
-    if (!tree) return;
     const PixelRect visible = place_.intersection(
         {0, 0, static_cast<int>(locker_.frame.width), static_cast<int>(locker_.frame.height)});
     xcb_window_t cover = XCB_WINDOW_NONE;
     xcb_window_t lowest = XCB_WINDOW_NONE;
-    const xcb_window_t* siblings = xcb_query_tree_children(tree.get());
-    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-        if (siblings[i] == window_) continue;
-        const auto geometryRequest = xcb_get_geometry(connection, siblings[i]);
-        const auto attributesRequest = xcb_get_window_attributes(connection, siblings[i]);
+    for (const xcb_window_t sibling : childrenOf(connection, locker_.window)) {
+        if (sibling == window_) continue;
+        const auto geometryRequest = xcb_get_geometry(connection, sibling);
+        const auto attributesRequest = xcb_get_window_attributes(connection, sibling);
         const auto geometry = xcbReply(xcb_get_geometry_reply, connection, geometryRequest);
         const auto attributes =
             xcbReply(xcb_get_window_attributes_reply, connection, attributesRequest);
         if (!geometry || !attributes) continue;
-        if (lowest == XCB_WINDOW_NONE) lowest = siblings[i];
+        if (lowest == XCB_WINDOW_NONE) lowest = sibling;
         const PixelRect box{geometry->x, geometry->y, geometry->width, geometry->height};
         if (attributes->map_state == XCB_MAP_STATE_VIEWABLE && box.contains(visible))
-            cover = siblings[i];
+            cover = sibling;
     }
     if (lowest == XCB_WINDOW_NONE) return;
     const bool isCovered = cover != XCB_WINDOW_NONE;
