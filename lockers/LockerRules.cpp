@@ -11,7 +11,7 @@ namespace {
 constexpr Size kIndicator{190, 190};  // i3lock's circle: a radius of 90 and 5 around it
 
 struct KnownLocker {
-    std::string_view className;
+    std::string_view className;   // "" for those that the user names
     std::string_view instance{};  // "" for any
     Size prompt = kIndicator;
     bool alsoBlanks = false;  // the same windows cover the screen when it is blank and not locked
@@ -29,8 +29,8 @@ constexpr std::array kKnownLockers = std::to_array<KnownLocker>({
     {"Cinnamon-screensaver"},
     {"Xfce4-screensaver"},
     {"Ukui-screensaver-dialog"},
+    {""},
 });
-constexpr KnownLocker kNamedLocker{""};
 
 // Pickers of areas, windows and programs. They cover the screen and grab the keyboard for a moment.
 constexpr std::string_view kKnownOverlays[] = {"slop", "Rofi", "flameshot", "Xfce4-screenshooter"};
@@ -40,20 +40,16 @@ bool isOneOf(const auto& list, const auto& value) {
 }
 
 bool hasClassOf(const WindowFacts& window, const KnownLocker& locker, const LockFacts& facts) {
-    if (&locker == &kNamedLocker) return isOneOf(facts.names.lockers, window.className);
+    if (locker.className.empty()) return isOneOf(facts.names.lockers, window.className);
     return window.className == locker.className;
 }
 
 // The known locker that a client belongs to, identified by any of its windows, mapped or not.
 const KnownLocker* lockerOf(std::uint32_t client, const LockFacts& facts) {
-    const auto isOf = [&](const KnownLocker& locker) {
-        return std::ranges::any_of(facts.windows, [&](const WindowFacts& window) {
-            return window.client == client && hasClassOf(window, locker, facts);
-        });
-    };
     for (const KnownLocker& locker : kKnownLockers)
-        if (isOf(locker)) return &locker;
-    return isOf(kNamedLocker) ? &kNamedLocker : nullptr;
+        for (const WindowFacts& window : facts.windows)
+            if (window.client == client && hasClassOf(window, locker, facts)) return &locker;
+    return nullptr;
 }
 
 bool isUpAs(const KnownLocker& locker, const WindowFacts& window, const LockFacts& facts) {

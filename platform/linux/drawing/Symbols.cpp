@@ -183,10 +183,4 @@ cairo_surface_t* Symbols::maskOf(const Key& key) {
     return recent_.front().mask.get();
 }
 
-std::vector<std::string_view> Symbols::names() {
-    std::vector<std::string_view> names;
-    std::ranges::transform(kSymbols, std::back_inserter(names), &Symbol::name);
-    return names;
-}
-
 }  // namespace quorvane

@@ -3,7 +3,6 @@
 
 #include <list>
 #include <string_view>
-#include <vector>
 
 #include "drawing/Scene.hpp"
 #include "platform/linux/drawing/CairoHandles.hpp"
@@ -16,8 +15,6 @@ public:
     // Draws nothing for an unknown name. Symbols that point to or from their neighbour are mirrored
     // in right-to-left scenes. The context is scaled and moved, but not rotated.
     void draw(cairo_t* cairo, const SymbolNode& node, bool isRightToLeft);
-
-    static std::vector<std::string_view> names();
 
 private:
     struct Key {

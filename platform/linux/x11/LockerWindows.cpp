@@ -10,8 +10,8 @@ namespace quorvane {
 namespace {
 
 constexpr char kScreenSaverClass[] = "XScreenSaver";
-constexpr Duration kPointerLookInterval = std::chrono::milliseconds{250};
-constexpr int kPointerLooks = 8;
+constexpr Duration kPointerCheckInterval = std::chrono::milliseconds{250};
+constexpr int kPointerChecks = 8;
 
 bool isFound(const std::vector<FoundLocker>& found, std::uint32_t window) {
     return std::ranges::find(found, window, &FoundLocker::window) != found.end();
@@ -26,7 +26,7 @@ LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const 
                                 environmentVariable("QUORVANE_OVERLAYS"))),
       topLevels_(x11, [this] {
           isStale_ = true;
-          looksLeft_ = kPointerLooks;
+          pointerChecksLeft_ = kPointerChecks;
       }) {
     evaluate();
     quiet_ = x11.observeQuiet([this] { evaluate(); });
@@ -107,13 +107,13 @@ LockFacts LockerWindows::gather() {
 // Checks the pointer grab only if it decides the result. Repeats the check for a while, because
 // some lockers grab the keyboard first.
 std::vector<FoundLocker> LockerWindows::find(LockFacts facts) {
-    nextLook_.reset();
+    nextPointerCheck_.reset();
     const auto without = findLockers(facts);
     facts.pointerIsHeld = true;
     auto with = findLockers(facts);
     if (with == without || topLevels_.pointerIsHeld()) return with;
-    if (looksLeft_-- > 0)
-        nextLook_ = clock_.after(kPointerLookInterval, [this] {
+    if (pointerChecksLeft_-- > 0)
+        nextPointerCheck_ = clock_.after(kPointerCheckInterval, [this] {
             isStale_ = true;
             evaluate();
         });

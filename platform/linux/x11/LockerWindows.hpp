@@ -54,9 +54,9 @@ private:
     std::vector<FoundLocker> windows_;
     std::vector<xcb_window_t> onMonitors_;  // the locker's window on each monitor
     std::vector<Rect> zones_;
-    Size promptSize_;    // holds every prompt seen so far
-    int looksLeft_ = 0;  // remaining checks for a pointer grab
-    Timer nextLook_;
+    Size promptSize_;            // holds every prompt seen so far
+    int pointerChecksLeft_ = 0;  // remaining checks for a pointer grab
+    Timer nextPointerCheck_;
     Listeners<> listeners_;
     Listeners<> zoneListeners_;
     Handle quiet_;

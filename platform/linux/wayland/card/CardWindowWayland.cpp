@@ -70,20 +70,20 @@ void CardWindowWayland::update() {
 // without showing them. A new surface is above the lock screen. While the screen is off, a new
 // surface does not help, so the interval grows.
 bool CardWindowWayland::needsNewSurface(Instant now) {
-    if (!shown_ || now - shown_->lastFrame < patience_) return false;
+    if (!shown_ || now - shown_->lastFrame < frameTimeout_) return false;
     if (!shown_->awaitsFrame && shown_->pictures->next()) return false;
     resources_->log.info("windows: window %ld is covered and made again", number_);
-    patience_ = std::min(patience_ * 2, kMostPatience);
+    frameTimeout_ = std::min(frameTimeout_ * 2, kLongestFrameTimeout);
     return true;
 }
 
 // Shows a card without changes again, because the compositor releases the previous picture only if
 // it is visible. While the screen is off, the pending frame shows that. The timer shares a wake-up.
-void CardWindowWayland::lookSoon() {
-    nextLook_ = resources_->clock.afterAbout(kLookInterval, kLookInterval / 3, [this] {
-        lookSoon();
+void CardWindowWayland::probeSoon() {
+    nextProbe_ = resources_->clock.afterAbout(kProbeInterval, kProbeInterval / 3, [this] {
+        probeSoon();
         const Instant now = resources_->clock.now();
-        if (shown_->awaitsFrame || now - shown_->lastFrame < kPatience) return;
+        if (shown_->awaitsFrame || now - shown_->lastFrame < kFrameTimeout) return;
         if (const auto picture = shown_->pictures->next())
             present(*picture, {{0, 0, 1, 1}}, now);
         else
@@ -110,7 +110,7 @@ bool CardWindowWayland::show() {
                    std::move(surface));
     shown_->painter.setClear(width, height);
     syncInput();
-    lookSoon();
+    probeSoon();
     tellAccessibility(true);
     return true;
 }
@@ -121,7 +121,7 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
                 [this] {
                     shown_->awaitsFrame = false;
                     if (resources_->clock.now() - shown_->lastFrame > kLongestFrame)
-                        patience_ = kPatience;  // the screen was off
+                        frameTimeout_ = kFrameTimeout;  // the screen was off
                     if (!isCovered()) return update();
                     setCovered(false);
                     updateSoon();  // once the observer has drawn
@@ -129,7 +129,7 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
             .released =
                 [this](std::uint32_t picture) {
                     shown_->pictures->released(picture);
-                    patience_ = kPatience;
+                    frameTimeout_ = kFrameTimeout;
                     if (!shown_->awaitsFrame) update();
                 },
             .press = [this](const SurfacePress& press) { pressed(press); },
@@ -139,7 +139,7 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
 void CardWindowWayland::hide() {
     tellAccessibility(false);
     if (!shown_) return;
-    nextLook_.reset();
+    nextProbe_.reset();
     shown_.reset();
     setCovered(false);
     report(press_.cancel());

@@ -37,10 +37,10 @@ void CardPointer::observeCursor() {
                                    XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR);
     cursorChanges_ = x11_.observeEvents(
         static_cast<std::uint8_t>(extension->first_event + XCB_XFIXES_CURSOR_NOTIFY),
-        [this](const xcb_generic_event_t&) { lookAgain(); });
+        [this](const xcb_generic_event_t&) { cursorChanged(); });
 }
 
-void CardPointer::lookAgain() {
+void CardPointer::cursorChanged() {
     if (!isOver_) return;
     isOver_ = false;
     cardMoved();

@@ -71,7 +71,7 @@ protected:
     // A mapped window of the test's client, of a known locker's class or of none.
     xcb_window_t standLocker(const Rect& frame = kBothMonitors, const char* name = "i3lock",
                              xcb_window_t number = XCB_WINDOW_NONE) {
-        const xcb_window_t window = client->makeWindow(frame, {}, XCB_WINDOW_NONE, number);
+        const xcb_window_t window = client->makeWindow(frame, true, XCB_WINDOW_NONE, number);
         if (*name) client->setClass(window, name, name);
         client->map(window);
         return window;
