@@ -12,8 +12,6 @@ constexpr char kService[] = "org.a11y.Bus";
 constexpr char kPath[] = "/org/a11y/bus";
 constexpr char kStatus[] = "org.a11y.Status";
 
-}  // namespace
-
 bool isAssistiveTechnologyInUse(const PropertyDictionary& status) {
     const auto isOn = [&](const char* name) {
         const bool* const value = find<bool>(status, name);
@@ -21,6 +19,8 @@ bool isAssistiveTechnologyInUse(const PropertyDictionary& status) {
     };
     return isOn("IsEnabled") || isOn("ScreenReaderEnabled");
 }
+
+}  // namespace
 
 AccessibilityLinux::AccessibilityLinux(EventLoop& loop, SessionBus& sessionBus, Logger log)
     : loop_(loop), sessionBus_(sessionBus), log_(std::move(log)) {}

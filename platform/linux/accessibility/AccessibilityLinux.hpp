@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "platform/Log.hpp"
-#include "platform/PropertyValue.hpp"
 #include "platform/linux/accessibility/AccessibleCard.hpp"
 #include "platform/linux/accessibility/AtspiConnection.hpp"
 #include "platform/linux/bus/BusConnection.hpp"
@@ -39,8 +38,5 @@ private:
     std::unique_ptr<AtspiConnection> connection_;
     Timer disconnection_;
 };
-
-// Reads the properties of the session's accessibility status.
-bool isAssistiveTechnologyInUse(const PropertyDictionary& status);
 
 }  // namespace quorvane

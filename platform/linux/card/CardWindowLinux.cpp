@@ -93,7 +93,7 @@ void CardWindowLinux::animateAlpha(double alpha, Duration duration,
     const double from = alphaAt(resources_->clock.now());
     endFade();
     alpha_ = alpha;
-    fade_ = Fade{from, alpha, std::nullopt, duration, std::move(completion)};
+    fade_ = Fade{from, std::nullopt, duration, std::move(completion)};
     if (!canAppear()) endFade();
     updateSoon();
 }
@@ -132,7 +132,7 @@ double CardWindowLinux::alphaAt(Instant now) const {
     if (!fade_->begin) return fade_->from;
     const double whole = secondsOf(fade_->duration);
     const double share = whole > 0 ? secondsOf(now - *fade_->begin) / whole : 1;
-    return fade_->from + (fade_->to - fade_->from) * easeInOut(share);
+    return fade_->from + (alpha_ - fade_->from) * easeInOut(share);
 }
 
 bool CardWindowLinux::isToBeSeen() const {

@@ -46,8 +46,7 @@ protected:
     static constexpr unsigned long kOcclusionVisible = 2;
 
     struct Fade {
-        double from;
-        double to;
+        double from;                   // to `alpha_`
         std::optional<Instant> begin;  // time of the first frame that shows it
         Duration duration;
         std::function<void()> completion;
@@ -72,7 +71,6 @@ protected:
     virtual void updateSoon();
     void beginAnimations(Instant now);
     void finishFade(Instant now);
-    // `alpha_` already is the fade's target value.
     virtual void endFade();
     double alphaAt(Instant now) const;
     bool isMoving(Instant now) const { return fade_ || stage_->isMoving(now); }

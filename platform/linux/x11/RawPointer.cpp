@@ -23,7 +23,11 @@ constexpr unsigned kPrimary = 1;
 }  // namespace
 
 RawPointer::RawPointer(X11Connection& x11)
-    : x11_(x11), listeners_([this] { select(); }), moveListeners_([this] { select(); }) {}
+    : x11_(x11),
+      listeners_([this] { select(); }),
+      moveListeners_([this] { select(); }),
+      events_(x11.observeEvents(XCB_GE_GENERIC, [this](const auto& event) { handle(event); })),
+      quiet_(x11.observeQuiet([this] { reportMove(); })) {}
 
 bool RawPointer::isSupported() {
     if (major_ >= 0) return major_ > 0;
@@ -55,13 +59,6 @@ void RawPointer::select() {
         std::uint32_t mask;
     } const masks{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, wanted};
     xcb_input_xi_select_events(x11_.connection(), x11_.root(), 1, &masks.head);
-    if (wanted == 0) {
-        events_.reset();
-        quiet_.reset();
-    } else if (!events_) {
-        events_ = x11_.observeEvents(XCB_GE_GENERIC, [this](const auto& event) { handle(event); });
-        quiet_ = x11_.observeQuiet([this] { reportMove(); });
-    }
 }
 
 void RawPointer::handle(const xcb_generic_event_t& event) {

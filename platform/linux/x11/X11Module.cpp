@@ -15,11 +15,7 @@ extern "C" __attribute__((visibility("default"))) Result<Display> quorvaneOpenDi
     const std::shared_ptr<X11SessionLinux> x11 = *std::move(opened);
     return Display{
         .screens = x11->screens(),
-        .detector = {.isDetected = [&x = *x11] { return !x.lockerWindows().empty(); },
-                     .observe =
-                         [&x = *x11](std::function<void()> changed) {
-                             return x.observeLockerWindows(std::move(changed));
-                         }},
+        .detector = x11->detector(),
         .toolkitAnimates = [&x = *x11] { return x.toolkitSetting("Gtk/EnableAnimations"); },
         .mayBeRemote = true,
         .cardModule = "quorvane-x11-card.so",

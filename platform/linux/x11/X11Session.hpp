@@ -42,9 +42,8 @@ public:
     // Every movement of the pointer, also with no button down. Each one wakes the process, so hold
     // the handle only while a card takes presses.
     virtual Handle observePointerMoves(std::function<void(Point)> handler) = 0;
-    // The current full-screen windows of lockers, topmost first, and their changes.
+    // The current full-screen windows of lockers, topmost first.
     virtual std::vector<FoundLocker> lockerWindows() = 0;
-    virtual Handle observeLockerWindows(std::function<void()> handler) = 0;
     // A rectangle of global points in whole root pixels.
     virtual Rect pixels(const Rect& points) = 0;
     // Sends buffered requests.

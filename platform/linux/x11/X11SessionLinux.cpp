@@ -18,6 +18,13 @@ X11SessionLinux::X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock
       lockers_(*x11_, monitors_, clock),
       pointer_(*x11_) {}
 
+LockScreenDetector X11SessionLinux::detector() {
+    return {
+        .isDetected = [this] { return !lockers_.windows().empty(); },
+        .observe =
+            [this](std::function<void()> changed) { return lockers_.observe(std::move(changed)); }};
+}
+
 Screens X11SessionLinux::screens() {
     return {
         .list = [this] { return monitors_.layout().screens(lockers_.zones()); },

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "lockers/LockScreenDetector.hpp"
 #include "platform/linux/x11/LockerWindows.hpp"
 #include "platform/linux/x11/MonitorsLinux.hpp"
 #include "platform/linux/x11/RawPointer.hpp"
@@ -35,14 +36,12 @@ public:
         return pointer_.observeMoves(std::move(handler));
     }
     std::vector<FoundLocker> lockerWindows() override { return lockers_.windows(); }
-    Handle observeLockerWindows(std::function<void()> handler) override {
-        return lockers_.observe(std::move(handler));
-    }
     Rect pixels(const Rect& points) override { return monitors_.layout().pixels(points); }
     void flush() override { xcb_flush(connection()); }
 
-    // The result refers to the session.
+    // The results refer to the session.
     Screens screens();
+    LockScreenDetector detector();
     std::optional<std::int32_t> toolkitSetting(std::string_view name) {
         return quorvane::toolkitSetting(*x11_, name);
     }

@@ -47,12 +47,7 @@ protected:
         auto opened = X11SessionLinux::open(loop(), server.display(), [] {});
         ASSERT_TRUE(opened) << opened.error().description;
         session = *std::move(opened);
-        watcher = std::make_unique<LockWatcherLinux>(
-            services,
-            LockScreenDetector{[this] { return !session->lockerWindows().empty(); },
-                               [this](std::function<void()> changed) {
-                                   return session->observeLockerWindows(std::move(changed));
-                               }});
+        watcher = std::make_unique<LockWatcherLinux>(services, session->detector());
         sources = watcher->sources();
         for (const char* name :
              {kScreenIsLocked, kScreenIsUnlocked, kScreenLockUIIsShown, kScreenLockUIIsHidden})
