@@ -113,6 +113,11 @@ struct Light {
     }
 };
 
+// One value for each square of `step` pixels.
+Plane planeOver(const PixelRect& picture, int step, float value) {
+    return {(picture.width + step - 1) / step, (picture.height + step - 1) / step, value};
+}
+
 Light meanLight(const Pixels& picture, const PixelRect& part) {
     const auto& values = linearValues();
     Light sum{};
@@ -130,14 +135,10 @@ Light meanLight(const Pixels& picture, const PixelRect& part) {
 // The mean of each square of `step` pixels, in linear light, because encoded values must not be
 // averaged.
 GlassPicture reduced(const Pixels& picture, int step) {
-    const int width = (picture.width + step - 1) / step;
-    const int height = (picture.height + step - 1) / step;
-    GlassPicture result{.step = step,
-                        .red = Plane{width, height},
-                        .green = Plane{width, height},
-                        .blue = Plane{width, height}};
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
+    const Plane empty = planeOver(picture.bounds(), step, 0);
+    GlassPicture result{.step = step, .red = empty, .green = empty, .blue = empty};
+    for (int y = 0; y < empty.height; ++y)
+        for (int x = 0; x < empty.width; ++x) {
             const PixelRect square{x * step, y * step, step, step};
             const Light mean = meanLight(picture, square.intersection(picture.bounds()));
             result.red.at(x, y) = mean.red;
@@ -227,12 +228,10 @@ GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double tex
 
 GlassPicture makeTintedGlass(const PixelRect& picture, const PixelRect& card, double scale) {
     const int step = stepAt(scale);
-    const int width = (picture.width + step - 1) / step;
-    const int height = (picture.height + step - 1) / step;
     const auto plane = [&](float tint) {
-        Plane values{width, height, tint};
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x)
+        Plane values = planeOver(picture, step, tint);
+        for (int y = 0; y < values.height; ++y)
+            for (int x = 0; x < values.width; ++x)
                 values.at(x, y) += sheen(y, card, step) * (kTintLight / kSheen);
         return values;
     };

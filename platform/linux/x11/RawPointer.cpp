@@ -102,8 +102,9 @@ bool RawPointer::isTouchScreen(std::uint16_t device) {
     return false;
 }
 
+// Raw events carry relative movements, so the position is queried.
 void RawPointer::press(unsigned button, bool isDown) {
-    const auto place = button == 0 ? std::nullopt : position();
+    const auto place = button == 0 ? std::nullopt : pointerOn(x11_.connection(), x11_.root());
     if (!place) return;
     if (isDown)
         buttonsDown_.insert(button);
@@ -114,7 +115,8 @@ void RawPointer::press(unsigned button, bool isDown) {
 }
 
 void RawPointer::reportMove() {
-    const auto place = std::exchange(hasMoved_, false) ? position() : std::nullopt;
+    const auto place =
+        std::exchange(hasMoved_, false) ? pointerOn(x11_.connection(), x11_.root()) : std::nullopt;
     if (!place) return;
     // The last moves may arrive after the button is up.
     if (!buttonsDown_.empty()) listeners_.call({PointerEvent::Kind::dragged, 0, *place});
@@ -129,13 +131,6 @@ unsigned RawPointer::logicalButton(unsigned physicalButton) {
     const int length = xcb_get_pointer_mapping_map_length(mapping.get());
     if (physicalButton > static_cast<unsigned>(length)) return physicalButton;
     return xcb_get_pointer_mapping_map(mapping.get())[physicalButton - 1];
-}
-
-// Raw events carry relative movements, not positions.
-std::optional<Point> RawPointer::position() {
-    const auto reply = pointerOn(x11_.connection(), x11_.root());
-    if (!reply) return std::nullopt;
-    return Point{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
 }
 
 }  // namespace quorvane

@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "drawing/Geometry.hpp"
 #include "platform/ReleaseWith.hpp"
 
 namespace quorvane {
@@ -51,10 +53,12 @@ inline xcb_window_t ownerOf(xcb_connection_t* connection, xcb_atom_t selection) 
     return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-// Null when the server has gone away.
-inline XcbReply<xcb_query_pointer_reply_t> pointerOn(xcb_connection_t* connection,
-                                                     xcb_window_t root) {
-    return xcbReply(xcb_query_pointer_reply, connection, xcb_query_pointer(connection, root));
+// The pointer's position in root pixels; nullopt when the server has gone away.
+inline std::optional<Point> pointerOn(xcb_connection_t* connection, xcb_window_t root) {
+    const auto reply =
+        xcbReply(xcb_query_pointer_reply, connection, xcb_query_pointer(connection, root));
+    if (!reply) return std::nullopt;
+    return Point{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
 }
 
 // Requests a text property. Send all requests before waiting for the first reply: one round trip

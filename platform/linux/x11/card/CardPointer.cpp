@@ -47,8 +47,7 @@ void CardPointer::cursorChanged() {
 }
 
 void CardPointer::cardMoved() {
-    const auto place = pointerOn(x11_.connection(), x11_.screen().root);
-    if (place) moved({static_cast<double>(place->root_x), static_cast<double>(place->root_y)});
+    if (const auto place = pointerOn(x11_.connection(), x11_.screen().root)) moved(*place);
 }
 
 CardPointer::~CardPointer() {
