@@ -158,11 +158,11 @@ void CardWindowLinux::picturesArrived() {
 }
 
 void CardWindowLinux::deliver(const PointerEvent& event) {
-    postToContent([this, event](const StageEvents& events) {
-        const CardStyle& style = stage_->style();
-        // In window coordinates y grows upward.
-        const Point inWindow{event.location.x + style.shadowMargin,
-                             style.card.height + style.shadowMargin - event.location.y};
+    const CardStyle& style = stage_->style();
+    // In window coordinates y grows upward.
+    const Point inWindow{event.location.x + style.shadowMargin,
+                         style.card.height + style.shadowMargin - event.location.y};
+    postToContent([this, event, inWindow](const StageEvents& events) {
         const auto observer = mouseDownObserver_;
         if (event.kind == PointerEvent::Kind::down && observer) observer(inWindow);
         if (events.pointer) events.pointer(event);
@@ -199,9 +199,9 @@ void CardWindowLinux::setNumber(SceneControl::ID control, double number) {
 }
 
 void CardWindowLinux::postToContent(std::function<void(const StageEvents&)> action) {
-    post([this, action = std::move(action)] {
+    post([action = std::move(action), content = std::weak_ptr{stage_}] {
         // A copy, because the content may replace its events inside the call.
-        if (stage_) action(StageEvents{stage_->events()});
+        if (const auto stage = content.lock()) action(StageEvents{stage->events()});
     });
 }
 

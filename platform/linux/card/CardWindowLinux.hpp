@@ -105,7 +105,7 @@ private:
     void setNumber(SceneControl::ID control, double number) override;
     void picturesArrived();
     void post(std::function<void()> action);
-    // Calls the content later, unless it has been removed by then.
+    // Calls the present content later, also if it has been replaced by then.
     void postToContent(std::function<void(const StageEvents&)> action);
 
     bool isAccessible_ = false;  // on the accessibility bus

@@ -52,8 +52,9 @@ void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& im
         });
     };
     if (queue_ && queue_->async(action)) return;
-    entry->surface = decode(*image, entry->size);
-    setState(image, entry->surface != nullptr);
+    const ImageRef held = image;  // an observer of the state may release it
+    entry->surface = decode(*held, entry->size);
+    setState(held, entry->surface != nullptr);
 }
 
 }  // namespace quorvane
