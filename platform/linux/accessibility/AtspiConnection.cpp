@@ -99,19 +99,18 @@ void AtspiConnection::childChanged(const AtspiNode& parent, const char* what, in
 
 void AtspiConnection::add(AccessibleCard& card) {
     const AtspiNode node = objects_.tree.add(card);
-    lastSent_.push_back({&card, card.accessibleScene().controls});
+    lastSent_[&card] = card.accessibleScene().controls;
     childChanged({}, "add", objects_.tree.indexInParent(node), AtspiTree::path(node));
 }
 
 void AtspiConnection::changed(const AccessibleCard& card) {
     using Kind = AccessibilityChange::Kind;
-    const auto sent = std::ranges::find(lastSent_, &card, &LastSent::card);
-    if (sent == lastSent_.end()) return;
     const AtspiNode node = objects_.tree.node(card);
-    const auto before = std::exchange(sent->controls, card.accessibleScene().controls);
-    for (const AccessibilityChange& change : accessibilityChanges(before, sent->controls)) {
+    const auto& now = card.accessibleScene().controls;
+    const auto before = std::exchange(lastSent_[&card], now);
+    for (const AccessibilityChange& change : accessibilityChanges(before, now)) {
         const bool hasGone = change.kind == Kind::disappeared;
-        const auto& controls = hasGone ? before : sent->controls;
+        const auto& controls = hasGone ? before : now;
         const auto control = std::ranges::find(controls, change.control, &SceneControl::id);
         const auto index = static_cast<int>(control - controls.begin());
         const std::string path = AtspiTree::path(node, change.control);
@@ -127,9 +126,7 @@ void AtspiConnection::changed(const AccessibleCard& card) {
 }
 
 void AtspiConnection::remove(const AccessibleCard& card) {
-    const auto sent = std::ranges::find(lastSent_, &card, &LastSent::card);
-    if (sent == lastSent_.end()) return;
-    lastSent_.erase(sent);
+    lastSent_.erase(&card);
     const AtspiNode node = objects_.tree.node(card);
     const int index = objects_.tree.indexInParent(node);
     objects_.tree.remove(card);

@@ -126,17 +126,23 @@ void TestCompositor::commit(Surface& surface) {
     surface.reading = surface.buffer;
 }
 
-void TestCompositor::offer(const wl_interface& interface, int version) {
-    wl_global_create(display_, &interface, version, &offers_.emplace_back(Offer{this, &interface}),
-                     [](wl_client* client, void* data, std::uint32_t asked, std::uint32_t id) {
-                         const auto& [self, kind] = *static_cast<Offer*>(data);
-                         wl_resource* const it =
-                             self->make(client, *kind, static_cast<int>(asked), id);
-                         if (kind == &wl_seat_interface)
-                             wl_seat_send_capabilities(it, WL_SEAT_CAPABILITY_POINTER |
-                                                               WL_SEAT_CAPABILITY_KEYBOARD |
-                                                               WL_SEAT_CAPABILITY_TOUCH);
-                     });
+wl_global* TestCompositor::offer(const wl_interface& interface, int version, Output* output) {
+    const auto bind = [](wl_client* client, void* data, std::uint32_t asked, std::uint32_t id) {
+        const Offer& made = *static_cast<Offer*>(data);
+        wl_resource* const it =
+            made.self->make(client, *made.interface, static_cast<int>(asked), id, made.output);
+        if (made.interface == &wl_seat_interface)
+            wl_seat_send_capabilities(it, WL_SEAT_CAPABILITY_POINTER | WL_SEAT_CAPABILITY_KEYBOARD |
+                                              WL_SEAT_CAPABILITY_TOUCH);
+        const Output* const shown = made.output;
+        if (!shown) return;
+        wl_output_send_geometry(it, 0, 0, 300, 200, 0, "", "", shown->transform);
+        wl_output_send_mode(it, WL_OUTPUT_MODE_CURRENT, shown->width, shown->height, 60000);
+        wl_output_send_scale(it, shown->wholeScale);
+        wl_output_send_done(it);
+    };
+    return wl_global_create(display_, &interface, version,
+                            &offers_.emplace_back(Offer{this, &interface, output}), bind);
 }
 
 TestCompositor::TestCompositor(EventLoop& loop, bool hasKdeOverlay)
@@ -180,18 +186,7 @@ void TestCompositor::end() {
 
 TestCompositor::Output& TestCompositor::addOutput(Output output) {
     Output& added = outputs_.emplace_back(std::move(output));
-    added.self = this;
-    added.global = wl_global_create(
-        display_, &wl_output_interface, 3, &added,
-        [](wl_client* client, void* data, std::uint32_t version, std::uint32_t id) {
-            const auto& shown = *static_cast<Output*>(data);
-            wl_resource* const it =
-                shown.self->make(client, wl_output_interface, static_cast<int>(version), id, data);
-            wl_output_send_geometry(it, 0, 0, 300, 200, 0, "", "", shown.transform);
-            wl_output_send_mode(it, WL_OUTPUT_MODE_CURRENT, shown.width, shown.height, 60000);
-            wl_output_send_scale(it, shown.wholeScale);
-            wl_output_send_done(it);
-        });
+    added.global = offer(wl_output_interface, 3, &added);
     return added;
 }
 

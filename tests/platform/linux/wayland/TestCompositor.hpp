@@ -25,7 +25,6 @@ public:
         int wholeScale = 1;
         PixelRect logical{};
         wl_global* global = nullptr;
-        TestCompositor* self = nullptr;
     };
     struct Surface {
         wl_resource* resource = nullptr;
@@ -76,6 +75,7 @@ private:
     struct Offer {
         TestCompositor* self;
         const wl_interface* interface;
+        Output* output;
     };
 
     wl_resource* make(wl_client* client, const wl_interface& interface, int version,
@@ -83,7 +83,7 @@ private:
                       wl_resource_destroy_func_t gone = nullptr);
     void handle(wl_resource* of, const std::string& request, const wl_argument* arguments);
     void commit(Surface& surface);
-    void offer(const wl_interface& interface, int version);
+    wl_global* offer(const wl_interface& interface, int version, Output* output = nullptr);
     void flush();
 
     wl_display* display_;
