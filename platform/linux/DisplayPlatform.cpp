@@ -95,7 +95,7 @@ Result<Display> openDisplay(const SessionVariables& session, const LiveServices&
     const std::filesystem::path program = folderOfExecutable() / kSurfaceProgram;
     if (waylandSupport(session.desktop)->needsKdeOverlay)
         if (const auto permitted = permitAboveLock(program, services.process); !permitted)
-            wayland.error("wayland: no permission to stand above the lock screen: %{public}s",
+            wayland.error("wayland: no permission to appear above the lock screen: %{public}s",
                           errorText(permitted.error()));
     return openModule(kWaylandModule, services, wayland);
 }

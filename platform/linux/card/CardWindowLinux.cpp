@@ -135,7 +135,7 @@ double CardWindowLinux::alphaAt(Instant now) const {
     return fade_->from + (alpha_ - fade_->from) * easeInOut(share);
 }
 
-bool CardWindowLinux::isToBeSeen() const {
+bool CardWindowLinux::shouldBeVisible() const {
     return isOrderedIn_ && stage_ && !stage_->isHidden() && (alpha_ > 0 || fade_);
 }
 
@@ -169,7 +169,7 @@ void CardWindowLinux::deliver(const PointerEvent& event) {
     });
 }
 
-void CardWindowLinux::tellAccessibility(bool isSeen) {
+void CardWindowLinux::setAccessible(bool isSeen) {
     if (!resources_->accessibility || std::exchange(isAccessible_, isSeen) == isSeen) return;
     if (isSeen)
         resources_->accessibility->appeared(*this);

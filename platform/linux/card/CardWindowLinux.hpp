@@ -74,12 +74,12 @@ protected:
     virtual void endFade();
     double alphaAt(Instant now) const;
     bool isMoving(Instant now) const { return fade_ || stage_->isMoving(now); }
-    bool isToBeSeen() const;
+    bool shouldBeVisible() const;
     double scale() const { return screen_.scale * contentScale_; }  // pixels per point of the stage
     // Posted, so that the content is never called from inside a call to its window.
     void deliver(const PointerEvent& event);
     // A hidden card is not exposed to assistive technology.
-    void tellAccessibility(bool isSeen);
+    void setAccessible(bool isSeen);
     // Reports a change to the observer.
     void setCovered(bool isCovered);
     bool isCovered() const { return isCovered_; }

@@ -53,7 +53,7 @@ void CardWindowWayland::updateSoon() {
 void CardWindowWayland::update() {
     const Instant now = resources_->clock.now();
     finishFade(now);
-    const bool isSeen = isToBeSeen();
+    const bool isSeen = shouldBeVisible();
     if (!isSeen || needsNewSurface(now)) hide();
     if (isSeen && !shown_ && !show()) return endFade();
     if (isSeen) drawIfPaced(now);
@@ -111,7 +111,7 @@ bool CardWindowWayland::show() {
     shown_->painter.setClear(width, height);
     syncInput();
     probeSoon();
-    tellAccessibility(true);
+    setAccessible(true);
     return true;
 }
 
@@ -137,7 +137,7 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
 }
 
 void CardWindowWayland::hide() {
-    tellAccessibility(false);
+    setAccessible(false);
     if (!shown_) return;
     nextProbe_.reset();
     shown_.reset();

@@ -160,12 +160,10 @@ std::optional<Pixels> Backdrop::readThroughConnection(xcb_drawable_t drawable,
 }
 
 bool Backdrop::hasComposite() {
-    if (hasComposite_) return *hasComposite_;
     xcb_connection_t* connection = x11_.connection();
-    hasComposite_ = presentExtension(connection, xcb_composite_id) &&
-                    xcbReply(xcb_composite_query_version_reply, connection,
-                             xcb_composite_query_version(connection, 0, 4));
-    return *hasComposite_;
+    return presentExtension(connection, xcb_composite_id) &&
+           xcbReply(xcb_composite_query_version_reply, connection,
+                    xcb_composite_query_version(connection, 0, 4));
 }
 
 }  // namespace quorvane

@@ -80,7 +80,7 @@ void CardWindowX11::update() {
     const Instant now = resources_->clock.now();
     nextFrame_.reset();
     finishFade(now);
-    if (!isToBeSeen()) {
+    if (!shouldBeVisible()) {
         hide();
         // An invisible fade also runs for its full duration.
         beginAnimations(now);
@@ -113,13 +113,13 @@ bool CardWindowX11::show(Instant now) {
     }
     child_->map();
     if (pointer_) pointer_->cardMoved();
-    tellAccessibility(true);
+    setAccessible(true);
     return true;
 }
 
 void CardWindowX11::hide() {
     pointer_.reset();
-    tellAccessibility(false);
+    setAccessible(false);
     conceal();
 }
 
