@@ -52,9 +52,9 @@ void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& im
         });
     };
     if (queue_ && queue_->async(action)) return;
-    const ImageRef held = image;  // an observer of the state may release it
-    entry->surface = decode(*held, entry->size);
-    setState(held, entry->surface != nullptr);
+    entry->surface = decode(*image, entry->size);
+    // Locked, because an observer of the state may release the image.
+    setState(entry->image.lock(), entry->surface != nullptr);
 }
 
 }  // namespace quorvane
