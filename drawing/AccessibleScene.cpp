@@ -12,17 +12,6 @@ const SceneControl* find(const std::vector<SceneControl>& controls, SceneControl
 
 }  // namespace
 
-std::span<const AccessibilityAction> accessibilityActions(SceneControl::Role role) {
-    static constexpr AccessibilityAction kOfButtons[] = {AccessibilityAction::press};
-    static constexpr AccessibilityAction kOfSliders[] = {AccessibilityAction::increment,
-                                                         AccessibilityAction::decrement};
-    switch (role) {
-        case SceneControl::Role::button: return kOfButtons;
-        case SceneControl::Role::slider: return kOfSliders;
-        default: return {};
-    }
-}
-
 std::vector<AccessibilityChange> accessibilityChanges(const std::vector<SceneControl>& from,
                                                       const std::vector<SceneControl>& to) {
     using Kind = AccessibilityChange::Kind;

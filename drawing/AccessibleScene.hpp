@@ -1,11 +1,8 @@
-// Accessibility of a scene: the actions of its controls, and the changes to report between two
-// scenes.
+// Accessibility of a scene: the changes to report between two scenes, and the control at a point.
 #pragma once
 
-#include <span>
 #include <vector>
 
-#include "drawing/CardWindows.hpp"
 #include "drawing/Scene.hpp"
 
 namespace quorvane {
@@ -19,8 +16,6 @@ struct AccessibilityChange {
 
 // Pure.
 
-// The actions of a control of this role, in the order in which they are offered.
-std::span<const AccessibilityAction> accessibilityActions(SceneControl::Role role);
 // Disappeared controls first, then appeared ones, then changed ones. Playback progress and the
 // remaining time do not count as changes; clients query them.
 std::vector<AccessibilityChange> accessibilityChanges(const std::vector<SceneControl>& from,

@@ -37,6 +37,9 @@ struct Rect {
     constexpr bool contains(Point point) const {
         return point.x >= x && point.x < maxX() && point.y >= y && point.y < maxY();
     }
+    constexpr bool covers(const Rect& other) const {
+        return x <= other.x && y <= other.y && maxX() >= other.maxX() && maxY() >= other.maxY();
+    }
     constexpr bool intersects(const Rect& other) const {
         return !isEmpty() && !other.isEmpty() && x < other.maxX() && other.x < maxX() &&
                y < other.maxY() && other.y < maxY();

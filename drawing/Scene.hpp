@@ -98,6 +98,10 @@ struct SymbolNode {
     std::string_view name{};  // a string literal such as "play.fill"
     double pointSize = 0;
     Color color{};
+
+    // Whether right-to-left scenes mirror it: it points to or from its neighbour. A player's arrows
+    // point along time, which has the same direction everywhere.
+    bool facesTextDirection() const { return name.starts_with("speaker."); }
     bool operator==(const SymbolNode&) const = default;
 };
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <utility>
 
 namespace quorvane {
 namespace {
@@ -70,28 +69,21 @@ Rect unionOf(const Rect& one, const Rect& two) {
             std::max(one.maxY(), two.maxY()) - top};
 }
 
-// Disjoint areas: overlapping ones are merged.
-class Areas {
-public:
-    void add(Rect area) {
-        if (area.isEmpty()) return;
-        // Start again, because the grown area may overlap one that was passed already.
-        for (auto other = areas_.begin(); other != areas_.end();) {
-            if (!other->intersects(area)) {
-                ++other;
-                continue;
-            }
-            area = unionOf(area, *other);
-            areas_.erase(other);
-            other = areas_.begin();
+// Keeps the areas disjoint: merges those that overlap.
+void add(std::vector<Rect>& areas, Rect area) {
+    if (area.isEmpty()) return;
+    // Start again, because the grown area may overlap one that was passed already.
+    for (auto other = areas.begin(); other != areas.end();) {
+        if (!other->intersects(area)) {
+            ++other;
+            continue;
         }
-        areas_.push_back(area);
+        area = unionOf(area, *other);
+        areas.erase(other);
+        other = areas.begin();
     }
-    std::vector<Rect> take() { return std::move(areas_); }
-
-private:
-    std::vector<Rect> areas_;
-};
+    areas.push_back(area);
+}
 
 }  // namespace
 
@@ -117,12 +109,12 @@ std::vector<Rect> changedAreas(const Scene& from, const Scene& to, const InkOf& 
         }
     }
     const bool isPairwise = beforeEnd == afterEnd;
-    Areas areas;
+    std::vector<Rect> areas;
     for (std::size_t i = begin; i < beforeEnd; ++i)
-        if (!isPairwise || !isSame(before[i], after[i])) areas.add(areaOf(before[i], inkOf));
+        if (!isPairwise || !isSame(before[i], after[i])) add(areas, areaOf(before[i], inkOf));
     for (std::size_t i = begin; i < afterEnd; ++i)
-        if (!isPairwise || !isSame(before[i], after[i])) areas.add(areaOf(after[i], inkOf));
-    return areas.take();
+        if (!isPairwise || !isSame(before[i], after[i])) add(areas, areaOf(after[i], inkOf));
+    return areas;
 }
 
 }  // namespace quorvane

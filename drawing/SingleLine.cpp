@@ -14,11 +14,11 @@ constexpr bool breaksLine(std::uint32_t code) {
 
 }  // namespace
 
-std::string singleLine(std::string_view text, std::size_t longest) {
+std::string singleLine(std::string_view text) {
     std::string line;
     std::size_t place = 0;
     for (std::size_t count = 0; place < text.size(); ++count) {
-        if (count == longest) return line.append(kEllipsis);
+        if (count == kLongestLine) return line.append(kEllipsis);
         const Character character = characterAt(text, place);
         if (!character.isValid)
             line += kReplacement;

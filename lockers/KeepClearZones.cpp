@@ -27,25 +27,21 @@ Rect promptArea(const Rect& monitor, Size prompt, const LockScene& scene) {
                                  half(prompt.height, scene.lastPrompt.height)});
 }
 
-bool coversAny(const Rect& frame, const std::vector<Rect>& monitors) {
-    return std::ranges::any_of(monitors,
-                               [&](const Rect& monitor) { return covers(frame, monitor); });
-}
-
 // The windows on the screens that are smaller than a monitor.
 std::vector<Rect> windowsOver(const LockScene& scene) {
     std::vector<Rect> windows;
     const auto add = [&](const std::vector<Rect>& frames) {
-        std::ranges::copy_if(frames, std::back_inserter(windows),
-                             [&](const Rect& frame) { return !coversAny(frame, scene.monitors); });
+        std::ranges::copy_if(frames, std::back_inserter(windows), [&](const Rect& frame) {
+            return !coversMonitor(frame, scene.monitors);
+        });
     };
     for (const LockScene::Locker& locker : scene.lockers) add(locker.children);
-    if (!scene.lockers.empty()) add(scene.dialogs);
+    add(scene.dialogs);
     return windows;
 }
 
 void add(std::vector<Rect>& zones, const Rect& zone) {
-    const auto holds = [&](const Rect& other) { return covers(other, zone); };
+    const auto holds = [&](const Rect& other) { return other.covers(zone); };
     if (!zone.isEmpty() && std::ranges::none_of(zones, holds)) zones.push_back(zone);
 }
 

@@ -11,7 +11,7 @@ struct LockSignals {
     bool hasLockerWindow = false;      // a lock screen is detected
     bool screenSaverIsActive = false;  // a desktop's screen-saver service is active
     bool sessionSaysLocked = false;    // the login manager's hint
-    bool isBlind = false;              // the detecting process is gone
+    bool isDetectorGone = false;       // the detecting process is gone
 
     // Any of the three, because a locker may announce nothing, and a lock may be announced without
     // a window visible to this process.
@@ -33,7 +33,7 @@ constexpr std::vector<const char*> noticesBetween(const LockSignals& before,
     if (!before.isLocked() && after.isLocked()) notices.push_back(kScreenIsLocked);
     if (!before.isLockUIShown() && after.isLockUIShown()) notices.push_back(kScreenLockUIIsShown);
     if (before.isLockUIShown() && !after.isLockUIShown()) notices.push_back(kScreenLockUIIsHidden);
-    const bool mayStillBeLocked = before.hasLockerWindow && after.isBlind;
+    const bool mayStillBeLocked = before.hasLockerWindow && after.isDetectorGone;
     if (before.isLocked() && !after.isLocked() && !mayStillBeLocked)
         notices.push_back(kScreenIsUnlocked);
     return notices;

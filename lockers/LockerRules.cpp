@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <ranges>
 
 namespace quorvane {
 namespace {
@@ -10,7 +11,7 @@ namespace {
 constexpr Size kIndicator{190, 190};  // i3lock's circle: a radius of 90 and 5 around it
 
 struct KnownLocker {
-    std::string_view className;
+    std::string_view className;   // "" for those that the user names
     std::string_view instance{};  // "" for any
     Size prompt = kIndicator;
     bool alsoBlanks = false;  // the same windows cover the screen when it is blank and not locked
@@ -28,8 +29,8 @@ constexpr std::array kKnownLockers = std::to_array<KnownLocker>({
     {"Cinnamon-screensaver"},
     {"Xfce4-screensaver"},
     {"Ukui-screensaver-dialog"},
+    {""},
 });
-constexpr KnownLocker kNamedLocker{""};
 
 // Pickers of areas, windows and programs. They cover the screen and grab the keyboard for a moment.
 constexpr std::string_view kKnownOverlays[] = {"slop", "Rofi", "flameshot", "Xfce4-screenshooter"};
@@ -39,20 +40,16 @@ bool isOneOf(const auto& list, const auto& value) {
 }
 
 bool hasClassOf(const WindowFacts& window, const KnownLocker& locker, const LockFacts& facts) {
-    if (&locker == &kNamedLocker) return isOneOf(facts.names.lockers, window.className);
+    if (locker.className.empty()) return isOneOf(facts.names.lockers, window.className);
     return window.className == locker.className;
 }
 
 // The known locker that a client belongs to, identified by any of its windows, mapped or not.
 const KnownLocker* lockerOf(std::uint32_t client, const LockFacts& facts) {
-    const auto isOf = [&](const KnownLocker& locker) {
-        return std::ranges::any_of(facts.windows, [&](const WindowFacts& window) {
-            return window.client == client && hasClassOf(window, locker, facts);
-        });
-    };
     for (const KnownLocker& locker : kKnownLockers)
-        if (isOf(locker)) return &locker;
-    return isOf(kNamedLocker) ? &kNamedLocker : nullptr;
+        for (const WindowFacts& window : facts.windows)
+            if (window.client == client && hasClassOf(window, locker, facts)) return &locker;
+    return nullptr;
 }
 
 bool isUpAs(const KnownLocker& locker, const WindowFacts& window, const LockFacts& facts) {
@@ -78,7 +75,7 @@ bool coversEveryMonitor(std::uint32_t client, const LockFacts& facts) {
     return std::ranges::all_of(facts.monitors, [&](const Rect& monitor) {
         return std::ranges::any_of(facts.windows, [&](const WindowFacts& window) {
             return window.client == client && window.isMapped && window.isOverrideRedirect &&
-                   covers(window.frame, monitor);
+                   window.frame.covers(monitor);
         });
     });
 }
@@ -94,18 +91,15 @@ bool isOfApplication(const WindowFacts& window, const LockFacts& facts) {
 bool isUpUnknown(const WindowFacts& window, const LockFacts& facts) {
     if (facts.keyboard != KeyboardHold::isHeld) return false;
     if (window.isOfDesktop || isOneOf(kKnownOverlays, window.className)) return false;
-    if (isOneOf(facts.standing, window.window)) return true;
+    if (isOneOf(facts.lastFound, window.window)) return true;
     return facts.pointerIsHeld && !isOfApplication(window, facts) &&
            coversEveryMonitor(window.client, facts) && !isBelowDesktop(window, facts.windows);
 }
 
 std::vector<std::string> splitAtCommas(std::string_view list) {
     std::vector<std::string> names;
-    while (!list.empty()) {
-        const auto end = std::min(list.find(','), list.size());
-        if (end > 0) names.emplace_back(list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
+    for (const auto name : std::views::split(list, ','))
+        if (!name.empty()) names.emplace_back(name.begin(), name.end());
     return names;
 }
 
@@ -118,8 +112,10 @@ LockerNames LockerNames::parse(std::string_view lockers, std::string_view overla
 std::vector<FoundLocker> findLockers(const LockFacts& facts) {
     std::vector<FoundLocker> found;
     for (const WindowFacts& window : facts.windows) {
-        const bool stood = isOneOf(facts.standing, window.window) && window.isMapped;
-        if (!window.isDrawable || !(stood || isCandidate(window, facts.monitors))) continue;
+        const bool isCandidate =
+            isOneOf(facts.lastFound, window.window) ||
+            (window.isOverrideRedirect && coversMonitor(window.frame, facts.monitors));
+        if (!isCandidate || !window.isMapped || !window.isDrawable) continue;
         if (isOneOf(facts.names.overlays, window.className)) continue;
         const KnownLocker* known = lockerOf(window.client, facts);
         if (known ? isUpAs(*known, window, facts) : isUpUnknown(window, facts))
@@ -128,15 +124,9 @@ std::vector<FoundLocker> findLockers(const LockFacts& facts) {
     return found;
 }
 
-bool isCandidate(const WindowFacts& window, const std::vector<Rect>& monitors) {
-    return window.isMapped && window.isOverrideRedirect &&
-           std::ranges::any_of(monitors,
-                               [&](const Rect& monitor) { return covers(window.frame, monitor); });
-}
-
-bool covers(const Rect& frame, const Rect& area) {
-    return frame.minX() <= area.minX() && frame.minY() <= area.minY() &&
-           frame.maxX() >= area.maxX() && frame.maxY() >= area.maxY();
+bool coversMonitor(const Rect& frame, const std::vector<Rect>& monitors) {
+    return std::ranges::any_of(monitors,
+                               [&](const Rect& monitor) { return frame.covers(monitor); });
 }
 
 }  // namespace quorvane

@@ -43,8 +43,8 @@ struct LockFacts {
     KeyboardHold keyboard = KeyboardHold::unknown;
     bool pointerIsHeld = false;
     LockerNames names{};
-    bool screenSaverIsLocked = false;     // published by xscreensaver: locked, not only blank
-    std::vector<std::uint32_t> standing;  // the lockers' windows found last time
+    bool screenSaverIsLocked = false;      // published by xscreensaver: locked, not only blank
+    std::vector<std::uint32_t> lastFound;  // the lockers' windows
 };
 
 struct FoundLocker {
@@ -66,10 +66,8 @@ struct FoundLocker {
 // locker does.
 std::vector<FoundLocker> findLockers(const LockFacts& facts);
 
-// Whether the window covers a monitor as a lock screen would. Class names and other details are
-// needed only for such windows and other windows of their clients.
-bool isCandidate(const WindowFacts& window, const std::vector<Rect>& monitors);
-
-bool covers(const Rect& frame, const Rect& area);
+// Whether the frame covers a whole monitor. Class names and other details are needed only for the
+// override-redirect windows that do, and for other windows of their clients.
+bool coversMonitor(const Rect& frame, const std::vector<Rect>& monitors);
 
 }  // namespace quorvane

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <ranges>
 
 #include "platform/Trimmed.hpp"
 
@@ -57,10 +58,8 @@ std::vector<Screen> ScreenLayout::screens(const std::vector<Rect>& keepClear) co
 }
 
 std::optional<double> numberResource(std::string_view resources, std::string_view name) {
-    while (!resources.empty()) {
-        const auto end = std::min(resources.find('\n'), resources.size());
-        const auto line = resources.substr(0, end);
-        resources.remove_prefix(std::min(end + 1, resources.size()));
+    for (const auto each : std::views::split(resources, '\n')) {
+        const std::string_view line{each.begin(), each.end()};
         const auto colon = line.find(':');
         if (colon != std::string_view::npos && trimmed(line.substr(0, colon)) == name)
             return number(line.substr(colon + 1));

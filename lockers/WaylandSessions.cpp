@@ -4,6 +4,7 @@
 #include <cctype>
 #include <charconv>
 #include <limits>
+#include <ranges>
 
 namespace quorvane {
 namespace {
@@ -13,14 +14,14 @@ constexpr std::string_view kShowsNothing = "shows nothing above its lock screen"
 struct Compositor {
     std::string_view desktop;  // one of the names in XDG_CURRENT_DESKTOP, in any case
     std::string_view name;
-    std::string_view problem{};       // empty where the card appears
-    std::optional<WaylandWay> way{};  // without a problem
+    std::string_view problem{};               // empty where the card appears
+    std::optional<WaylandSupport> support{};  // without a problem
 };
 
 constexpr Compositor kCompositors[] = {
-    {"KDE", "KDE Plasma", "", WaylandWay{.isByOverlayOfKde = true}},
-    {"Hyprland", "Hyprland", "", WaylandWay{.hasLockNotices = true}},
-    {"Wayfire", "Wayfire", "", WaylandWay{.layerNamespace = "de-widget"}},
+    {"KDE", "KDE Plasma", "", WaylandSupport{.needsKdeOverlay = true}},
+    {"Hyprland", "Hyprland", "", WaylandSupport{.hasLockNotices = true}},
+    {"Wayfire", "Wayfire", "", WaylandSupport{.layerNamespace = "de-widget"}},
     {"COSMIC", "COSMIC",
      "can show chosen surfaces above its lock screen, but the card does not use that yet"},
     {"GNOME", "GNOME", "shows nothing above its lock screen, which has its own media controls"},
@@ -40,13 +41,9 @@ bool isSame(std::string_view one, std::string_view other) {
 
 // The variable holds names with colons between them.
 const Compositor& compositorOf(std::string_view desktop) {
-    while (!desktop.empty()) {
-        const auto end = std::min(desktop.find(':'), desktop.size());
-        const std::string_view name = desktop.substr(0, end);
+    for (const auto name : std::views::split(desktop, ':'))
         for (const Compositor& compositor : kCompositors)
-            if (isSame(name, compositor.desktop)) return compositor;
-        desktop.remove_prefix(std::min(end + 1, desktop.size()));
-    }
+            if (isSame({name.begin(), name.end()}, compositor.desktop)) return compositor;
     return kUnknown;
 }
 
@@ -69,11 +66,13 @@ bool isWaylandSession(const SessionVariables& session) {
     return session.display.empty() || session.sessionType != "x11";
 }
 
-std::optional<WaylandWay> waylandWay(std::string_view desktop) { return compositorOf(desktop).way; }
+std::optional<WaylandSupport> waylandSupport(std::string_view desktop) {
+    return compositorOf(desktop).support;
+}
 
 std::optional<std::string> waylandProblem(std::string_view desktop) {
     const Compositor& compositor = compositorOf(desktop);
-    if (compositor.way) return std::nullopt;
+    if (compositor.support) return std::nullopt;
     return "no card can appear: " + std::string{compositor.name} + " " +
            std::string{compositor.problem} +
            "; use an X11 session, KDE Plasma, Hyprland or Wayfire";

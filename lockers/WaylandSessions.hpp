@@ -20,14 +20,14 @@ struct SessionVariables {
 bool isWaylandSession(const SessionVariables& session);
 
 // The mechanism by which a compositor admits the card above its lock screen.
-struct WaylandWay {
+struct WaylandSupport {
     const char* layerNamespace = "quorvane-card";
-    bool isByOverlayOfKde = false;  // only if the compositor offers the protocol to the add-on
-    bool hasLockNotices = false;    // hyprland_lock_notify_v1
+    bool needsKdeOverlay = false;  // only if the compositor offers the protocol to the add-on
+    bool hasLockNotices = false;   // hyprland_lock_notify_v1
 };
 
 // Nullopt for a desktop in whose Wayland session no card can appear.
-std::optional<WaylandWay> waylandWay(std::string_view desktop);
+std::optional<WaylandSupport> waylandSupport(std::string_view desktop);
 // Why no card can appear there, and what to do; nullopt when one can.
 std::optional<std::string> waylandProblem(std::string_view desktop);
 // What the user must do for the card. `hyprlandVersion` is Hyprland's reply about its version.

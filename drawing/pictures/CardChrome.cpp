@@ -83,8 +83,7 @@ struct Painter {
     std::vector<std::uint32_t> glassRow{};
     std::vector<float> shadowLine{};
 
-    // The columns of a row that contain only glass, without edge or corners. They end before the
-    // row does.
+    // The columns of a row that contain only glass, without edge or corners.
     std::pair<int, int> insideOf(int y) const {
         const int corner = static_cast<int>(std::ceil(style.cornerRadius * scale * 1.5));
         const int rim = static_cast<int>(std::ceil(edge)) + 2;
@@ -93,16 +92,6 @@ struct Painter {
         if (!isInside) return {0, 0};
         const int inset = isPastCorners ? rim : corner;
         return {card.x + inset, card.maxX() - inset};
-    }
-
-    void copyGlass(int begin, int end, std::uint32_t* pixels) const {
-        const std::uint32_t* const row = &glassRow[static_cast<std::size_t>(begin - card.x)];
-        if (glass.opacity < 1)
-            std::transform(row, row + (end - begin), &pixels[begin], [this](std::uint32_t colour) {
-                return blended(colour, glass.opacity, 1, 0);
-            });
-        else
-            std::copy_n(row, end - begin, &pixels[begin]);
     }
 
     void drawRow(int y, std::uint32_t* pixels, int width) {
@@ -114,19 +103,17 @@ struct Painter {
         if (meetsCard) glass.readRow(y, card.x, card.maxX(), glassRow.data());
         const auto [insideBegin, insideEnd] = insideOf(y);
         for (int x = 0; x < width; ++x) {
-            if (x == insideBegin && x < insideEnd) {
-                copyGlass(x, insideEnd, pixels);
-                x = insideEnd;
-            }
             const double left = (x + 0.5) / scale;
             if (!meetsCard || x < card.x || x >= card.maxX()) {
                 pixels[x] = blended(0, 1, 0, shadow.at(shadowLine, left));
                 continue;
             }
+            const bool isInside = x >= insideBegin && x < insideEnd;
             const double outside =
-                shape.distance({left - style.shadowMargin, top - style.shadowMargin},
-                               (edge + 1) / scale) *
-                scale;
+                isInside ? -edge - 1
+                         : shape.distance({left - style.shadowMargin, top - style.shadowMargin},
+                                          (edge + 1) / scale) *
+                               scale;
             std::uint32_t colour = glassRow[static_cast<std::size_t>(x - card.x)];
             if (outside > -edge - 1)
                 colour = blended(lightened(colour, edgeLight * (1 - coverage(outside + edge))),

@@ -60,70 +60,6 @@ float luminance(float red, float green, float blue) {
     return kRedShare * red + kGreenShare * green + kBlueShare * blue;
 }
 
-// Light as integers, which sum faster, because every pixel of the backdrop is summed.
-constexpr float kLightUnit = 1 << 20;
-
-struct LightSum {
-    std::uint64_t red = 0;
-    std::uint64_t green = 0;
-    std::uint64_t blue = 0;
-};
-
-using LightUnits = std::array<std::uint32_t, 256>;
-
-const LightUnits& lightUnits() {
-    static const auto table = [] {
-        LightUnits values{};
-        for (std::size_t i = 0; i < values.size(); ++i)
-            values[i] = static_cast<std::uint32_t>(std::lround(linearValues()[i] * kLightUnit));
-        return values;
-    }();
-    return table;
-}
-
-// Adds the light of each `step` pixels of a row to the corresponding sum.
-void addUp(const std::uint32_t* row, int width, int step, std::vector<LightSum>& sums) {
-    const LightUnits& units = lightUnits();
-    int x = 0;
-    for (LightSum& sum : sums) {
-        LightSum more = sum;
-        for (const int end = std::min(x + step, width); x < end; ++x) {
-            const std::uint32_t pixel = row[x];
-            more.red += units[pixel >> 16 & 0xff];
-            more.green += units[pixel >> 8 & 0xff];
-            more.blue += units[pixel & 0xff];
-        }
-        sum = more;
-    }
-}
-
-// The mean of each square of `step` pixels, in linear light, because encoded values must not be
-// averaged.
-GlassPicture reduced(const Pixels& picture, int step) {
-    const int width = (picture.width + step - 1) / step;
-    const int height = (picture.height + step - 1) / step;
-    GlassPicture result{.step = step,
-                        .red = Plane{width, height},
-                        .green = Plane{width, height},
-                        .blue = Plane{width, height}};
-    for (int y = 0; y < height; ++y) {
-        std::vector<LightSum> sums(static_cast<std::size_t>(width));
-        const int bottom = std::min((y + 1) * step, picture.height);
-        for (int line = y * step; line < bottom; ++line)
-            addUp(picture.row(line), picture.width, step, sums);
-        for (int x = 0; x < width; ++x) {
-            const int columns = std::min(step, picture.width - x * step);
-            const float share =
-                1 / (kLightUnit * static_cast<float>(columns * (bottom - y * step)));
-            const LightSum& sum = sums[static_cast<std::size_t>(x)];
-            result.red.at(x, y) = static_cast<float>(sum.red) * share;
-            result.green.at(x, y) = static_cast<float>(sum.green) * share;
-            result.blue.at(x, y) = static_cast<float>(sum.blue) * share;
-        }
-    }
-    return result;
-}
-
 int stepAt(double scale) {
     return std::max(1, static_cast<int>(std::lround(kPointsAValue * scale)));
 }
@@ -176,6 +112,41 @@ struct Light {
         return {channel(red), channel(green), channel(blue)};
     }
 };
+
+// One value for each square of `step` pixels.
+Plane planeOver(const PixelRect& picture, int step, float value) {
+    return {(picture.width + step - 1) / step, (picture.height + step - 1) / step, value};
+}
+
+Light meanLight(const Pixels& picture, const PixelRect& part) {
+    const auto& values = linearValues();
+    Light sum{};
+    for (int y = part.y; y < part.maxY(); ++y) {
+        const std::uint32_t* const row = picture.row(y);
+        for (int x = part.x; x < part.maxX(); ++x) {
+            sum.red += values[row[x] >> 16 & 0xff];
+            sum.green += values[row[x] >> 8 & 0xff];
+            sum.blue += values[row[x] & 0xff];
+        }
+    }
+    return sum.scaled(1 / static_cast<float>(part.width * part.height), 0);
+}
+
+// The mean of each square of `step` pixels, in linear light, because encoded values must not be
+// averaged.
+GlassPicture reduced(const Pixels& picture, int step) {
+    const Plane empty = planeOver(picture.bounds(), step, 0);
+    GlassPicture result{.step = step, .red = empty, .green = empty, .blue = empty};
+    for (int y = 0; y < empty.height; ++y)
+        for (int x = 0; x < empty.width; ++x) {
+            const PixelRect square{x * step, y * step, step, step};
+            const Light mean = meanLight(picture, square.intersection(picture.bounds()));
+            result.red.at(x, y) = mean.red;
+            result.green.at(x, y) = mean.green;
+            result.blue.at(x, y) = mean.blue;
+        }
+    return result;
+}
 
 // The share of the light that stays. Bright light is compressed below the text's limit and dark
 // light keeps its share, so that a sun behind the card does not darken the sky around it. Less
@@ -257,12 +228,10 @@ GlassPicture makeGlass(const Pixels& backdrop, const PixelRect& card, double tex
 
 GlassPicture makeTintedGlass(const PixelRect& picture, const PixelRect& card, double scale) {
     const int step = stepAt(scale);
-    const int width = (picture.width + step - 1) / step;
-    const int height = (picture.height + step - 1) / step;
     const auto plane = [&](float tint) {
-        Plane values{width, height, tint};
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x)
+        Plane values = planeOver(picture, step, tint);
+        for (int y = 0; y < values.height; ++y)
+            for (int x = 0; x < values.width; ++x)
                 values.at(x, y) += sheen(y, card, step) * (kTintLight / kSheen);
         return values;
     };

@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "drawing/Screens.hpp"
-#include "lockers/LockerSight.hpp"
+#include "lockers/LockScreenDetector.hpp"
 #include "platform/Log.hpp"
 #include "platform/PlatformError.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
@@ -19,7 +19,7 @@ namespace quorvane {
 // The services of a display. The functions refer to the session.
 struct Display {
     Screens screens;
-    LockerSight sight{};
+    LockScreenDetector detector{};
     std::function<std::optional<std::int32_t>()> toolkitAnimates = [] { return std::nullopt; };
     std::function<void(bool isLocked)> lockChanged = [](bool) {};
     bool mayBeRemote = false;  // reached through the network

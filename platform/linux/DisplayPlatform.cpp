@@ -37,8 +37,8 @@ std::filesystem::path folderOfExecutable() {
 struct DisplayPlatform {
     DisplayPlatform(const LiveServices& services, Display ofSession)
         : display(std::move(ofSession)),
-          watcher(HeadlessPlatform::of(services), display.sight),
-          sightService(HeadlessPlatform::of(services).sessionBus, kAddOnSightService),
+          watcher(HeadlessPlatform::of(services), display.detector),
+          detectorService(HeadlessPlatform::of(services).sessionBus, kAddOnDetectorService),
           motion(HeadlessPlatform::of(services).sessionBus, display.toolkitAnimates),
           accessibility(HeadlessPlatform::of(services).loop,
                         HeadlessPlatform::of(services).sessionBus,
@@ -54,25 +54,25 @@ struct DisplayPlatform {
               if (isLocked) motion.refresh();
               display.lockChanged(isLocked);
           })) {
-        if (display.sight.isSeen) tellOthersOfSight();
+        if (display.detector.isDetected) serveDetection();
     }
 
     // Announces detected lock screens to the host, which has no display.
-    void tellOthersOfSight() {
-        const auto tell = [this] { sightService.set(*display.sight.isSeen()); };
-        tell();
-        sightObservation = display.sight.observe(tell);
-        sightService.keepServing();
+    void serveDetection() {
+        const auto update = [this] { detectorService.set(*display.detector.isDetected()); };
+        update();
+        detection = display.detector.observe(update);
+        detectorService.keepServing();
     }
 
     Display display;
     LockWatcherLinux watcher;
-    ScreenSaverService sightService;
+    ScreenSaverService detectorService;
     MotionSetting motion;
     AccessibilityLinux accessibility;
     CardModuleLoader cards;
     Handle lockObservation;
-    Handle sightObservation;
+    Handle detection;
 };
 
 Result<Display> openModule(const char* module, const LiveServices& services, const Logger& log) {
@@ -93,9 +93,9 @@ Result<Display> openDisplay(const SessionVariables& session, const LiveServices&
     if (problem || !isWaylandSession(session))
         return openModule(kX11Module, services, {services.log, kPlatformSubsystem, "x11"});
     const std::filesystem::path program = folderOfExecutable() / kSurfaceProgram;
-    if (waylandWay(session.desktop)->isByOverlayOfKde)
+    if (waylandSupport(session.desktop)->needsKdeOverlay)
         if (const auto permitted = permitAboveLock(program, services.process); !permitted)
-            wayland.error("wayland: no permission to stand above the lock screen: %{public}s",
+            wayland.error("wayland: no permission to appear above the lock screen: %{public}s",
                           errorText(permitted.error()));
     return openModule(kWaylandModule, services, wayland);
 }

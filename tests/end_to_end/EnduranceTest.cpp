@@ -89,7 +89,7 @@ private:
     }
     bool isUnlocked() const {
         const X11Client probe = session.probe();
-        const auto shot = Screenshot::take(probe.connection(), {0, 0, 1, 1});
+        const auto shot = screenshot(probe.connection(), {0, 0, 1, 1});
         return shot.width > 0 && shot.at(0, 0) != 0xff336699;
     }
 };

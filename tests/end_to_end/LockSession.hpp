@@ -104,7 +104,7 @@ public:
     // Waits until the area shows more than the lock screen's single colour.
     static bool isDrawnOn(const X11Client& probe, const Rect& area) {
         return eventually([&] {
-            const auto pixels = Screenshot::take(probe.connection(), area).pixels;
+            const auto pixels = screenshot(probe.connection(), area).values;
             return std::set(pixels.begin(), pixels.end()).size() > 100;
         });
     }

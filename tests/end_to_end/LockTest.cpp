@@ -42,10 +42,10 @@ TEST(EndToEndUnseen, ABlankedScreenGetsNoFrameAndOneWhenItIsLit) {
 
     xcb_force_screen_saver(probe.connection(), XCB_SCREEN_SAVER_ACTIVE);
     probe.sync();
-    const auto look = [&] { return Screenshot::take(probe.connection(), area); };
+    const auto look = [&] { return screenshot(probe.connection(), area); };
     // The first change of track draws what was pending when the screen went dark.
     ASSERT_TRUE(addOn.says("state: track changed"));
-    const Screenshot dark = look();
+    const Pixels dark = look();
     for (int track = 0; track < 2; ++track) ASSERT_TRUE(addOn.says("state: track changed"));
     EXPECT_EQ(look(), dark);
     xcb_force_screen_saver(probe.connection(), XCB_SCREEN_SAVER_RESET);

@@ -31,7 +31,7 @@ protected:
         });
     }
     std::vector<std::uint32_t> pixels(const Rect& area) {
-        return Screenshot::take(probe.connection(), area).pixels;
+        return screenshot(probe.connection(), area).values;
     }
 };
 

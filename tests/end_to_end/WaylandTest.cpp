@@ -90,7 +90,7 @@ protected:
     // The glass is darker than all of the lock screen there, and lighter than the empty desktop.
     bool isCardSeen() const {
         const Rect glass{card.frame.x + 52 + 80, card.frame.y + 52 + 109, 240, 8};
-        const auto pixels = Screenshot::take(probe.connection(), glass).pixels;
+        const auto pixels = screenshot(probe.connection(), glass).values;
         return std::ranges::all_of(
             pixels, [](std::uint32_t pixel) { return (pixel & 0xff) > 8 && (pixel & 0xff) < 60; });
     }
@@ -105,7 +105,7 @@ protected:
         return false;
     }
     std::vector<std::uint32_t> prompt() const {
-        return Screenshot::take(probe.connection(), {830, 600, 220, 40}).pixels;
+        return screenshot(probe.connection(), {830, 600, 220, 40}).values;
     }
     // The processes with the card's surfaces.
     int surfaceProcesses() {

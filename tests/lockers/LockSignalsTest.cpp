@@ -24,7 +24,7 @@ TEST(LockSignals, NeverRepeatOrContradict) {
             EXPECT_NE(std::exchange(isOfLock ? isLocked : isShown, next), next) << notice;
             EXPECT_TRUE(isLocked || !isShown) << "the lock's UI is shown on an unlocked screen";
         }
-        const bool isKept = before.hasLockerWindow && after.isBlind;
+        const bool isKept = before.hasLockerWindow && after.isDetectorGone;
         EXPECT_EQ(isLocked, after.isLocked() || isKept);
         EXPECT_EQ(isShown, after.isLockUIShown());
         EXPECT_EQ(isShown, after.hasLockerWindow);

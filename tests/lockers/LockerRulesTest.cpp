@@ -27,7 +27,7 @@ LockFacts facts(std::vector<WindowFacts> windows, KeyboardHold keyboard = Keyboa
             .keyboard = keyboard,
             .pointerIsHeld = keyboard == KeyboardHold::isHeld,
             .screenSaverIsLocked = false,
-            .standing = {}};
+            .lastFound = {}};
 }
 
 std::vector<std::uint32_t> found(const LockFacts& facts) {
@@ -141,13 +141,13 @@ TEST(LockerRules, FollowTheUser) {
 TEST(LockerRules, KeepWhatTheyFoundWhileItIsMapped) {
     LockFacts grown = facts({window(0x101, {0, 0, 640, 480}, "i3lock", "i3lock")});
     EXPECT_EQ(found(grown), Numbers{});
-    grown.standing = {0x101};
+    grown.lastFound = {0x101};
     EXPECT_EQ(found(grown), Numbers{0x101});
     grown.windows.front().isMapped = false;
     EXPECT_EQ(found(grown), Numbers{});
 
     LockFacts unknown = facts({window(0x101, {0, 0, 640, 480})}, KeyboardHold::isHeld);
-    unknown.standing = {0x101};
+    unknown.lastFound = {0x101};
     unknown.pointerIsHeld = false;
     EXPECT_EQ(found(unknown), Numbers{0x101});
     unknown.keyboard = KeyboardHold::isFree;

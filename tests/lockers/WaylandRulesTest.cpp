@@ -65,9 +65,7 @@ TEST(GreeterZones, HoldWhatPlasmaShows) {
           {kMiddle, 28, Rect{459, 475, 447, 40}},           // the prompt in a large font
           {kLarge, 18, Rect{815, 643, 289, 56}}}) {         // the media controls
         bool isHeld = false;
-        for (const Rect& zone : greeterZones(output, unit))
-            isHeld |= zone.contains({seen.minX(), seen.minY()}) &&
-                      zone.contains({seen.maxX() - 1, seen.maxY() - 1});
+        for (const Rect& zone : greeterZones(output, unit)) isHeld |= zone.covers(seen);
         EXPECT_TRUE(isHeld) << describe(seen);
     }
 }

@@ -35,16 +35,13 @@ public:
         xcbReply(xcb_get_input_focus_reply, connection_, xcb_get_input_focus(connection_));
     }
 
-    struct Look {
-        bool isOverrideRedirect = true;
-    };
     // Not mapped. `parent` is the root when left out.
-    xcb_window_t makeWindow(const Rect& frame, Look look = {true},
+    xcb_window_t makeWindow(const Rect& frame, bool isOverrideRedirect = true,
                             xcb_window_t parent = XCB_WINDOW_NONE,
                             xcb_window_t number = XCB_WINDOW_NONE) const {
         const xcb_window_t window =
             number == XCB_WINDOW_NONE ? xcb_generate_id(connection_) : number;
-        const std::uint32_t values[] = {look.isOverrideRedirect ? 1u : 0u};
+        const std::uint32_t values[] = {isOverrideRedirect ? 1u : 0u};
         xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window,
                           parent == XCB_WINDOW_NONE ? root() : parent, std::int16_t(frame.x),
                           std::int16_t(frame.y), std::uint16_t(frame.width),

@@ -12,8 +12,6 @@ constexpr char kService[] = "org.a11y.Bus";
 constexpr char kPath[] = "/org/a11y/bus";
 constexpr char kStatus[] = "org.a11y.Status";
 
-}  // namespace
-
 bool isAssistiveTechnologyInUse(const PropertyDictionary& status) {
     const auto isOn = [&](const char* name) {
         const bool* const value = find<bool>(status, name);
@@ -21,6 +19,8 @@ bool isAssistiveTechnologyInUse(const PropertyDictionary& status) {
     };
     return isOn("IsEnabled") || isOn("ScreenReaderEnabled");
 }
+
+}  // namespace
 
 AccessibilityLinux::AccessibilityLinux(EventLoop& loop, SessionBus& sessionBus, Logger log)
     : loop_(loop), sessionBus_(sessionBus), log_(std::move(log)) {}
@@ -77,7 +77,7 @@ void AccessibilityLinux::askForBus() {
 void AccessibilityLinux::connect(const std::string& address) {
     connection_ = AtspiConnection::open(loop_, address, [this] {
         // Deferred, because a connection must not be dropped inside its own callback.
-        goodbye_ = loop_.clock().after({}, [this] { disconnect(); });
+        disconnection_ = loop_.clock().after({}, [this] { disconnect(); });
     });
     if (!connection_) return log_.error("accessibility: the accessibility bus cannot be reached");
     log_.info("accessibility: connected");
@@ -86,7 +86,7 @@ void AccessibilityLinux::connect(const std::string& address) {
 
 void AccessibilityLinux::disconnect() {
     question_.reset();
-    goodbye_.reset();
+    disconnection_.reset();
     if (std::exchange(connection_, nullptr)) log_.info("accessibility: disconnected");
 }
 

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "platform/Log.hpp"
-#include "platform/PropertyValue.hpp"
 #include "platform/linux/accessibility/AccessibleCard.hpp"
 #include "platform/linux/accessibility/AtspiConnection.hpp"
 #include "platform/linux/bus/BusConnection.hpp"
@@ -37,10 +36,7 @@ private:
     std::vector<Handle> matches_;
     Handle question_;
     std::unique_ptr<AtspiConnection> connection_;
-    Timer goodbye_;
+    Timer disconnection_;
 };
-
-// Reads the properties of the session's accessibility status.
-bool isAssistiveTechnologyInUse(const PropertyDictionary& status);
 
 }  // namespace quorvane

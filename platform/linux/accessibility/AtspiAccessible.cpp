@@ -1,9 +1,10 @@
 // The interface that every object implements, and the interface of the application.
+#include <cstddef>
+
 #include "platform/linux/accessibility/AtspiObject.hpp"
 #include "platform/linux/language/UserLanguage.hpp"
 
 namespace quorvane {
-
 namespace {
 
 // Number and name of a role in the interface.
@@ -39,147 +40,96 @@ std::uint32_t statesOf(const AtspiNode& node) {
     return states;
 }
 
-std::string locale() {
+int name(const AtspiRequest& request) { return request.answer("s", nameOf(request.node).c_str()); }
+
+int parent(const AtspiRequest& request) {
+    const auto above = AtspiTree::parent(request.node);
+    return request.answerObject(above ? &*above : nullptr);
+}
+
+int childCount(const AtspiRequest& request) {
+    const auto children = request.objects.tree.children(request.node);
+    return request.answer("i", static_cast<std::int32_t>(children.size()));
+}
+
+int locale(const AtspiRequest& request) {
     const auto locales = preferredLocales();
-    return locales.empty() ? "en" : locales.front();
+    return request.answer("s", locales.empty() ? "en" : locales.front().c_str());
 }
 
-int answer(sd_bus_message* call, const char* types, auto... values) {
-    return sd_bus_reply_method_return(call, types, values...);
-}
-
-int childAt(sd_bus_message* call, void* data, sd_bus_error*) {
+int childAt(const AtspiRequest& request) {
     std::int32_t index = 0;
-    if (const int result = sd_bus_message_read(call, "i", &index); result < 0) return result;
-    const auto children = atspiObjects(data).tree.children(atspiNode(data, call));
+    if (const int result = sd_bus_message_read(request.call, "i", &index); result < 0)
+        return result;
+    const auto children = request.objects.tree.children(request.node);
     const bool isThere = index >= 0 && static_cast<std::size_t>(index) < children.size();
-    return atspiObjects(data).answer(
-        call, isThere ? &children[static_cast<std::size_t>(index)] : nullptr);
+    return request.answerObject(isThere ? &children[static_cast<std::size_t>(index)] : nullptr);
 }
 
-int allChildren(sd_bus_message* call, void* data, sd_bus_error*) {
-    const AtspiObjects& objects = atspiObjects(data);
-    return answerAtspiArray(call, "(so)", objects.tree.children(atspiNode(data, call)),
-                            [&](sd_bus_message* reply, const AtspiNode& child) {
-                                return objects.append(reply, &child);
-                            });
+int allChildren(const AtspiRequest& request) {
+    return request.answerArray(
+        "(so)", request.objects.tree.children(request.node),
+        [&](const AtspiNode& child) { return request.answerObject(&child); });
 }
 
-int application(sd_bus_message* call, void* data, sd_bus_error*) {
+int application(const AtspiRequest& request) {
     const AtspiNode root;
-    return atspiObjects(data).answer(call, &root);
+    return request.answerObject(&root);
 }
 
-int indexInParent(sd_bus_message* call, void* data, sd_bus_error*) {
-    return answer(call, "i", atspiObjects(data).tree.indexInParent(atspiNode(data, call)));
+int indexInParent(const AtspiRequest& request) {
+    return request.answer("i", request.objects.tree.indexInParent(request.node));
 }
 
-int relations(sd_bus_message* call, void*, sd_bus_error*) { return answer(call, "a(ua(so))", 0); }
+int relations(const AtspiRequest& request) { return request.answer("a(ua(so))", 0); }
 
-int attributes(sd_bus_message* call, void*, sd_bus_error*) {
-    return answer(call, "a{ss}", 1, "toolkit", "Quorvane");
+int attributes(const AtspiRequest& request) {
+    return request.answer("a{ss}", 1, "toolkit", request.objects.toolkit);
 }
 
-int role(sd_bus_message* call, void* data, sd_bus_error*) {
-    return answer(call, "u", roleOf(atspiNode(data, call)).number);
+int role(const AtspiRequest& request) { return request.answer("u", roleOf(request.node).number); }
+
+int roleName(const AtspiRequest& request) { return request.answer("s", roleOf(request.node).name); }
+
+int states(const AtspiRequest& request) {
+    return request.answer("au", 2, statesOf(request.node), 0u);
 }
 
-int roleName(sd_bus_message* call, void* data, sd_bus_error*) {
-    return answer(call, "s", roleOf(atspiNode(data, call)).name);
-}
-
-int states(sd_bus_message* call, void* data, sd_bus_error*) {
-    return answer(call, "au", 2, statesOf(atspiNode(data, call)), 0u);
-}
-
-int interfaces(sd_bus_message* call, void* data, sd_bus_error*) {
-    const AtspiNode node = atspiNode(data, call);
-    return answerAtspiArray(call, "s", kAtspiInterfaces,
-                            [&](sd_bus_message* reply, const AtspiInterface* interface) {
-                                if (!interface->isOf(node)) return 0;
-                                return sd_bus_message_append(reply, "s", interface->name);
-                            });
-}
-
-int name(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply, void* data,
-         sd_bus_error*) {
-    return sd_bus_message_append(reply, "s", nameOf(atspiNode(data, path)).c_str());
-}
-
-int nothing(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*,
-            sd_bus_error*) {
-    return sd_bus_message_append(reply, "s", "");
-}
-
-int parent(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply, void* data,
-           sd_bus_error*) {
-    const auto above = AtspiTree::parent(atspiNode(data, path));
-    return atspiObjects(data).append(reply, above ? &*above : nullptr);
-}
-
-int childCount(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply,
-               void* data, sd_bus_error*) {
-    const auto children = atspiObjects(data).tree.children(atspiNode(data, path));
-    return sd_bus_message_append(reply, "i", static_cast<std::int32_t>(children.size()));
-}
-
-int localeProperty(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*,
-                   sd_bus_error*) {
-    return sd_bus_message_append(reply, "s", locale().c_str());
+int interfaces(const AtspiRequest& request) {
+    return request.answerArray("s", kAtspiInterfaces, [&](const AtspiInterface* interface) {
+        return interface->isOf(request.node) ? request.answer("s", interface->name) : 0;
+    });
 }
 
 constexpr sd_bus_vtable kAccessibleMembers[] = {
     SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_PROPERTY("Name", "s", name, 0, 0),
-    SD_BUS_PROPERTY("Description", "s", nothing, 0, 0),
-    SD_BUS_PROPERTY("Parent", "(so)", parent, 0, 0),
-    SD_BUS_PROPERTY("ChildCount", "i", childCount, 0, 0),
-    SD_BUS_PROPERTY("Locale", "s", localeProperty, 0, 0),
-    SD_BUS_PROPERTY("AccessibleId", "s", nothing, 0, 0),
-    SD_BUS_METHOD("GetChildAtIndex", "i", "(so)", childAt, 0),
-    SD_BUS_METHOD("GetChildren", "", "a(so)", allChildren, 0),
-    SD_BUS_METHOD("GetIndexInParent", "", "i", indexInParent, 0),
-    SD_BUS_METHOD("GetRelationSet", "", "a(ua(so))", relations, 0),
-    SD_BUS_METHOD("GetRole", "", "u", role, 0),
-    SD_BUS_METHOD("GetRoleName", "", "s", roleName, 0),
-    SD_BUS_METHOD("GetLocalizedRoleName", "", "s", roleName, 0),
-    SD_BUS_METHOD("GetState", "", "au", states, 0),
-    SD_BUS_METHOD("GetAttributes", "", "a{ss}", attributes, 0),
-    SD_BUS_METHOD("GetApplication", "", "(so)", application, 0),
-    SD_BUS_METHOD("GetInterfaces", "", "as", interfaces, 0),
+    SD_BUS_PROPERTY("Name", "s", atspiProperty<name>, 0, 0),
+    SD_BUS_PROPERTY("Description", "s", nullptr, offsetof(AtspiObjects, empty), 0),
+    SD_BUS_PROPERTY("Parent", "(so)", atspiProperty<parent>, 0, 0),
+    SD_BUS_PROPERTY("ChildCount", "i", atspiProperty<childCount>, 0, 0),
+    SD_BUS_PROPERTY("Locale", "s", atspiProperty<locale>, 0, 0),
+    SD_BUS_PROPERTY("AccessibleId", "s", nullptr, offsetof(AtspiObjects, empty), 0),
+    SD_BUS_METHOD("GetChildAtIndex", "i", "(so)", atspiMethod<childAt>, 0),
+    SD_BUS_METHOD("GetChildren", "", "a(so)", atspiMethod<allChildren>, 0),
+    SD_BUS_METHOD("GetIndexInParent", "", "i", atspiMethod<indexInParent>, 0),
+    SD_BUS_METHOD("GetRelationSet", "", "a(ua(so))", atspiMethod<relations>, 0),
+    SD_BUS_METHOD("GetRole", "", "u", atspiMethod<role>, 0),
+    SD_BUS_METHOD("GetRoleName", "", "s", atspiMethod<roleName>, 0),
+    SD_BUS_METHOD("GetLocalizedRoleName", "", "s", atspiMethod<roleName>, 0),
+    SD_BUS_METHOD("GetState", "", "au", atspiMethod<states>, 0),
+    SD_BUS_METHOD("GetAttributes", "", "a{ss}", atspiMethod<attributes>, 0),
+    SD_BUS_METHOD("GetApplication", "", "(so)", atspiMethod<application>, 0),
+    SD_BUS_METHOD("GetInterfaces", "", "as", atspiMethod<interfaces>, 0),
     SD_BUS_VTABLE_END};
-
-int toolkit(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*,
-            sd_bus_error*) {
-    return sd_bus_message_append(reply, "s", "Quorvane");
-}
-
-int version(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*,
-            sd_bus_error*) {
-    return sd_bus_message_append(reply, "s", "2.1");  // version of the interfaces
-}
-
-int applicationNumber(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply,
-                      void* data, sd_bus_error*) {
-    return sd_bus_message_append(reply, "i", atspiObjects(data).applicationNumber);
-}
-
-int setApplicationNumber(sd_bus*, const char*, const char*, const char*, sd_bus_message* value,
-                         void* data, sd_bus_error*) {
-    return sd_bus_message_read(value, "i", &atspiObjects(data).applicationNumber);
-}
-
-int applicationLocale(sd_bus_message* call, void*, sd_bus_error*) {
-    return answer(call, "s", locale().c_str());
-}
 
 constexpr sd_bus_vtable kApplicationMembers[] = {
     SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_PROPERTY("ToolkitName", "s", toolkit, 0, 0),
-    SD_BUS_PROPERTY("Version", "s", version, 0, 0),
-    SD_BUS_PROPERTY("AtspiVersion", "s", version, 0, 0),
-    SD_BUS_WRITABLE_PROPERTY("Id", "i", applicationNumber, setApplicationNumber, 0, 0),
-    SD_BUS_METHOD("GetLocale", "u", "s", applicationLocale, 0),
+    SD_BUS_PROPERTY("ToolkitName", "s", nullptr, offsetof(AtspiObjects, toolkit), 0),
+    SD_BUS_PROPERTY("Version", "s", nullptr, offsetof(AtspiObjects, version), 0),
+    SD_BUS_PROPERTY("AtspiVersion", "s", nullptr, offsetof(AtspiObjects, version), 0),
+    SD_BUS_WRITABLE_PROPERTY("Id", "i", nullptr, nullptr, offsetof(AtspiObjects, applicationNumber),
+                             0),
+    SD_BUS_METHOD("GetLocale", "u", "s", atspiMethod<locale>, 0),
     SD_BUS_VTABLE_END};
 
 }  // namespace

@@ -1,15 +1,22 @@
 // Actions that assistive technology can perform on a control. A press is a click.
 #include <span>
 
-#include "drawing/AccessibleScene.hpp"
 #include "platform/linux/accessibility/AtspiObject.hpp"
 
 namespace quorvane {
 namespace {
 
+// In the order in which they are offered.
 std::span<const AccessibilityAction> actionsOf(const AtspiNode& node) {
+    static constexpr AccessibilityAction kOfButtons[] = {AccessibilityAction::press};
+    static constexpr AccessibilityAction kOfSliders[] = {AccessibilityAction::increment,
+                                                         AccessibilityAction::decrement};
     if (!node.control) return {};
-    return accessibilityActions(node.control->role);
+    switch (node.control->role) {
+        case SceneControl::Role::button: return kOfButtons;
+        case SceneControl::Role::slider: return kOfSliders;
+        default: return {};
+    }
 }
 
 // These names belong to the interface and are not translated.
@@ -22,54 +29,48 @@ const char* nameOf(AccessibilityAction action) {
     return "";
 }
 
-std::optional<AccessibilityAction> readAction(sd_bus_message* call, const AtspiNode& node) {
+std::optional<AccessibilityAction> readAction(const AtspiRequest& request) {
     std::int32_t index = -1;
-    const auto actions = actionsOf(node);
-    if (sd_bus_message_read(call, "i", &index) < 0 || index < 0 ||
+    const auto actions = actionsOf(request.node);
+    if (sd_bus_message_read(request.call, "i", &index) < 0 || index < 0 ||
         static_cast<std::size_t>(index) >= actions.size())
         return std::nullopt;
     return actions[static_cast<std::size_t>(index)];
 }
 
-int perform(sd_bus_message* call, void* data, sd_bus_error*) {
-    const AtspiNode node = atspiNode(data, call);
-    const auto action = readAction(call, node);
-    if (action) node.card->perform(node.control->id, *action);
-    return sd_bus_reply_method_return(call, "b", action.has_value());
+int perform(const AtspiRequest& request) {
+    const auto action = readAction(request);
+    if (action) request.node.card->perform(request.node.control->id, *action);
+    return request.answer("b", action.has_value());
 }
 
-int name(sd_bus_message* call, void* data, sd_bus_error*) {
-    const auto action = readAction(call, atspiNode(data, call));
-    return sd_bus_reply_method_return(call, "s", action ? nameOf(*action) : "");
+int actionName(const AtspiRequest& request) {
+    const auto action = readAction(request);
+    return request.answer("s", action ? nameOf(*action) : "");
 }
 
-int nothing(sd_bus_message* call, void*, sd_bus_error*) {
-    return sd_bus_reply_method_return(call, "s", "");
+int noText(const AtspiRequest& request) { return request.answer("s", ""); }
+
+int allActions(const AtspiRequest& request) {
+    return request.answerArray("(sss)", actionsOf(request.node), [&](AccessibilityAction action) {
+        return request.answer("(sss)", nameOf(action), "", "");
+    });
 }
 
-int all(sd_bus_message* call, void* data, sd_bus_error*) {
-    return answerAtspiArray(call, "(sss)", actionsOf(atspiNode(data, call)),
-                            [](sd_bus_message* reply, AccessibilityAction action) {
-                                return sd_bus_message_append(reply, "(sss)", nameOf(action), "",
-                                                             "");
-                            });
+int actionCount(const AtspiRequest& request) {
+    return request.answer("i", static_cast<std::int32_t>(actionsOf(request.node).size()));
 }
 
-int count(sd_bus*, const char* path, const char*, const char*, sd_bus_message* reply, void* data,
-          sd_bus_error*) {
-    const auto actions = actionsOf(atspiNode(data, path));
-    return sd_bus_message_append(reply, "i", static_cast<std::int32_t>(actions.size()));
-}
-
-constexpr sd_bus_vtable kActionMembers[] = {SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-                                            SD_BUS_PROPERTY("NActions", "i", count, 0, 0),
-                                            SD_BUS_METHOD("GetName", "i", "s", name, 0),
-                                            SD_BUS_METHOD("GetLocalizedName", "i", "s", name, 0),
-                                            SD_BUS_METHOD("GetDescription", "i", "s", nothing, 0),
-                                            SD_BUS_METHOD("GetKeyBinding", "i", "s", nothing, 0),
-                                            SD_BUS_METHOD("GetActions", "", "a(sss)", all, 0),
-                                            SD_BUS_METHOD("DoAction", "i", "b", perform, 0),
-                                            SD_BUS_VTABLE_END};
+constexpr sd_bus_vtable kActionMembers[] = {
+    SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_PROPERTY("NActions", "i", atspiProperty<actionCount>, 0, 0),
+    SD_BUS_METHOD("GetName", "i", "s", atspiMethod<actionName>, 0),
+    SD_BUS_METHOD("GetLocalizedName", "i", "s", atspiMethod<actionName>, 0),
+    SD_BUS_METHOD("GetDescription", "i", "s", atspiMethod<noText>, 0),
+    SD_BUS_METHOD("GetKeyBinding", "i", "s", atspiMethod<noText>, 0),
+    SD_BUS_METHOD("GetActions", "", "a(sss)", atspiMethod<allActions>, 0),
+    SD_BUS_METHOD("DoAction", "i", "b", atspiMethod<perform>, 0),
+    SD_BUS_VTABLE_END};
 
 }  // namespace
 

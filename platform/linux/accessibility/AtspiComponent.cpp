@@ -38,20 +38,20 @@ Coordinates readCoordinates(sd_bus_message* call) {
     return Coordinates{number};
 }
 
-int extentsOf(sd_bus_message* call, void* data, sd_bus_error*) {
-    const Rect area = extents(atspiNode(data, call), readCoordinates(call));
-    return sd_bus_reply_method_return(call, "(iiii)", whole(area.x), whole(area.y),
-                                      whole(area.width), whole(area.height));
+int extentsOf(const AtspiRequest& request) {
+    const Rect area = extents(request.node, readCoordinates(request.call));
+    return request.answer("(iiii)", whole(area.x), whole(area.y), whole(area.width),
+                          whole(area.height));
 }
 
-int position(sd_bus_message* call, void* data, sd_bus_error*) {
-    const Rect area = extents(atspiNode(data, call), readCoordinates(call));
-    return sd_bus_reply_method_return(call, "ii", whole(area.x), whole(area.y));
+int position(const AtspiRequest& request) {
+    const Rect area = extents(request.node, readCoordinates(request.call));
+    return request.answer("ii", whole(area.x), whole(area.y));
 }
 
-int size(sd_bus_message* call, void* data, sd_bus_error*) {
-    const Rect area = extents(atspiNode(data, call), Coordinates::window);
-    return sd_bus_reply_method_return(call, "ii", whole(area.width), whole(area.height));
+int size(const AtspiRequest& request) {
+    const Rect area = extents(request.node, Coordinates::window);
+    return request.answer("ii", whole(area.width), whole(area.height));
 }
 
 struct Asked {
@@ -67,10 +67,9 @@ Asked readPoint(sd_bus_message* call) {
     return {{double(x), double(y)}, Coordinates{coordinates}};
 }
 
-int contains(sd_bus_message* call, void* data, sd_bus_error*) {
-    const Asked asked = readPoint(call);
-    const bool isInside = extents(atspiNode(data, call), asked.coordinates).contains(asked.point);
-    return sd_bus_reply_method_return(call, "b", isInside);
+int contains(const AtspiRequest& request) {
+    const Asked asked = readPoint(request.call);
+    return request.answer("b", extents(request.node, asked.coordinates).contains(asked.point));
 }
 
 // The card's control at the point, else the object itself if it contains the point.
@@ -86,40 +85,33 @@ std::optional<AtspiNode> nodeAt(const AtspiNode& node, const Asked& asked) {
     return found;
 }
 
-int atPoint(sd_bus_message* call, void* data, sd_bus_error*) {
-    const auto found = nodeAt(atspiNode(data, call), readPoint(call));
-    return atspiObjects(data).answer(call, found ? &*found : nullptr);
+int atPoint(const AtspiRequest& request) {
+    const auto found = nodeAt(request.node, readPoint(request.call));
+    return request.answerObject(found ? &*found : nullptr);
 }
 
-int layer(sd_bus_message* call, void* data, sd_bus_error*) {
-    const bool isWindow = !atspiNode(data, call).control;
-    return sd_bus_reply_method_return(call, "u", isWindow ? kWindowLayer : kWidgetLayer);
+int layer(const AtspiRequest& request) {
+    return request.answer("u", request.node.control ? kWidgetLayer : kWindowLayer);
 }
 
-int order(sd_bus_message* call, void*, sd_bus_error*) {
-    return sd_bus_reply_method_return(call, "n", 0);
-}
+int order(const AtspiRequest& request) { return request.answer("n", 0); }
 
-int opacity(sd_bus_message* call, void*, sd_bus_error*) {
-    return sd_bus_reply_method_return(call, "d", 1.0);
-}
+int opacity(const AtspiRequest& request) { return request.answer("d", 1.0); }
 
 // Refuses the keyboard focus, because the locker owns the keyboard.
-int refuse(sd_bus_message* call, void*, sd_bus_error*) {
-    return sd_bus_reply_method_return(call, "b", 0);
-}
+int refuse(const AtspiRequest& request) { return request.answer("b", 0); }
 
 constexpr sd_bus_vtable kComponentMembers[] = {
     SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Contains", "iiu", "b", contains, 0),
-    SD_BUS_METHOD("GetAccessibleAtPoint", "iiu", "(so)", atPoint, 0),
-    SD_BUS_METHOD("GetExtents", "u", "(iiii)", extentsOf, 0),
-    SD_BUS_METHOD("GetPosition", "u", "ii", position, 0),
-    SD_BUS_METHOD("GetSize", "", "ii", size, 0),
-    SD_BUS_METHOD("GetLayer", "", "u", layer, 0),
-    SD_BUS_METHOD("GetMDIZOrder", "", "n", order, 0),
-    SD_BUS_METHOD("GetAlpha", "", "d", opacity, 0),
-    SD_BUS_METHOD("GrabFocus", "", "b", refuse, 0),
+    SD_BUS_METHOD("Contains", "iiu", "b", atspiMethod<contains>, 0),
+    SD_BUS_METHOD("GetAccessibleAtPoint", "iiu", "(so)", atspiMethod<atPoint>, 0),
+    SD_BUS_METHOD("GetExtents", "u", "(iiii)", atspiMethod<extentsOf>, 0),
+    SD_BUS_METHOD("GetPosition", "u", "ii", atspiMethod<position>, 0),
+    SD_BUS_METHOD("GetSize", "", "ii", atspiMethod<size>, 0),
+    SD_BUS_METHOD("GetLayer", "", "u", atspiMethod<layer>, 0),
+    SD_BUS_METHOD("GetMDIZOrder", "", "n", atspiMethod<order>, 0),
+    SD_BUS_METHOD("GetAlpha", "", "d", atspiMethod<opacity>, 0),
+    SD_BUS_METHOD("GrabFocus", "", "b", atspiMethod<refuse>, 0),
     SD_BUS_VTABLE_END};
 
 }  // namespace

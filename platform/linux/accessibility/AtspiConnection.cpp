@@ -21,18 +21,16 @@ constexpr sd_bus_vtable kCacheMembers[] = {
     SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("GetItems", "", "a((so)(so)(so)iiassusau)", cachedItems, 0), SD_BUS_VTABLE_END};
 
-// Finds objects with the interface; instantiated once per interface.
-template <const AtspiInterface* interface>
-int find(sd_bus*, const char* path, const char*, void* data, void** found, sd_bus_error*) {
-    const auto node = atspiObjects(data).tree.find(path);
+int findObject(sd_bus*, const char* path, const char* name, void* data, void** found,
+               sd_bus_error*) {
+    AtspiObjects& objects = atspiObjects(data);
+    const auto node = objects.tree.find(path);
+    if (!node) return 0;
+    objects.target = *node;
     *found = data;
-    return node && interface->isOf(*node);
-}
-
-template <const AtspiInterface* interface>
-int addInterface(sd_bus* bus, AtspiObjects& objects) {
-    return sd_bus_add_fallback_vtable(bus, nullptr, AtspiTree::kPrefix, interface->name,
-                                      interface->members, find<interface>, &objects);
+    return std::ranges::any_of(kAtspiInterfaces, [&](const AtspiInterface* interface) {
+        return std::string_view{name} == interface->name && interface->isOf(*node);
+    });
 }
 
 }  // namespace
@@ -47,16 +45,13 @@ std::unique_ptr<AtspiConnection> AtspiConnection::open(EventLoop& loop, const st
 AtspiConnection::~AtspiConnection() { sd_bus_close_unref(bus_); }
 
 int AtspiConnection::addObjects() {
-    for (const int result :
-         {addInterface<&kAtspiAccessible>(bus_, objects_),
-          addInterface<&kAtspiApplication>(bus_, objects_),
-          addInterface<&kAtspiAction>(bus_, objects_),
-          addInterface<&kAtspiComponent>(bus_, objects_),
-          addInterface<&kAtspiValue>(bus_, objects_),
-          sd_bus_add_object_vtable(bus_, nullptr, "/org/a11y/atspi/cache", "org.a11y.atspi.Cache",
-                                   kCacheMembers, nullptr)})
-        if (result < 0) return result;
-    return 0;
+    int result = sd_bus_add_object_vtable(bus_, nullptr, "/org/a11y/atspi/cache",
+                                          "org.a11y.atspi.Cache", kCacheMembers, nullptr);
+    for (const AtspiInterface* interface : kAtspiInterfaces)
+        if (result >= 0)
+            result = sd_bus_add_fallback_vtable(bus_, nullptr, AtspiTree::kPrefix, interface->name,
+                                                interface->members, findObject, &objects_);
+    return result;
 }
 
 int AtspiConnection::start(EventLoop& loop, const std::string& address) {
@@ -104,19 +99,18 @@ void AtspiConnection::childChanged(const AtspiNode& parent, const char* what, in
 
 void AtspiConnection::add(AccessibleCard& card) {
     const AtspiNode node = objects_.tree.add(card);
-    lastSent_.push_back({&card, card.accessibleScene().controls});
+    lastSent_[&card] = card.accessibleScene().controls;
     childChanged({}, "add", objects_.tree.indexInParent(node), AtspiTree::path(node));
 }
 
 void AtspiConnection::changed(const AccessibleCard& card) {
     using Kind = AccessibilityChange::Kind;
-    const auto sent = std::ranges::find(lastSent_, &card, &LastSent::card);
-    if (sent == lastSent_.end()) return;
     const AtspiNode node = objects_.tree.node(card);
-    const auto before = std::exchange(sent->controls, card.accessibleScene().controls);
-    for (const AccessibilityChange& change : accessibilityChanges(before, sent->controls)) {
+    const auto& now = card.accessibleScene().controls;
+    const auto before = std::exchange(lastSent_[&card], now);
+    for (const AccessibilityChange& change : accessibilityChanges(before, now)) {
         const bool hasGone = change.kind == Kind::disappeared;
-        const auto& controls = hasGone ? before : sent->controls;
+        const auto& controls = hasGone ? before : now;
         const auto control = std::ranges::find(controls, change.control, &SceneControl::id);
         const auto index = static_cast<int>(control - controls.begin());
         const std::string path = AtspiTree::path(node, change.control);
@@ -132,9 +126,7 @@ void AtspiConnection::changed(const AccessibleCard& card) {
 }
 
 void AtspiConnection::remove(const AccessibleCard& card) {
-    const auto sent = std::ranges::find(lastSent_, &card, &LastSent::card);
-    if (sent == lastSent_.end()) return;
-    lastSent_.erase(sent);
+    lastSent_.erase(&card);
     const AtspiNode node = objects_.tree.node(card);
     const int index = objects_.tree.indexInParent(node);
     objects_.tree.remove(card);

@@ -4,6 +4,7 @@
 #include <systemd/sd-bus.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,16 +26,11 @@ public:
     AtspiConnection& operator=(const AtspiConnection&) = delete;
 
     void add(AccessibleCard& card);
+    // Of a card that was added.
     void changed(const AccessibleCard& card);
     void remove(const AccessibleCard& card);
 
 private:
-    // State of a card as last reported.
-    struct LastSent {
-        const AccessibleCard* card;
-        std::vector<SceneControl> controls;
-    };
-
     explicit AtspiConnection(std::function<void()> lost) : lost_(std::move(lost)) {}
     int start(EventLoop& loop, const std::string& address);
     int addObjects();
@@ -44,7 +40,7 @@ private:
 
     sd_bus* bus_ = nullptr;
     AtspiObjects objects_;
-    std::vector<LastSent> lastSent_;
+    std::map<const AccessibleCard*, std::vector<SceneControl>> lastSent_;
     std::function<void()> lost_;
 };
 

@@ -15,12 +15,12 @@ namespace quorvane {
 // The service of `quorvane-host lock`, for lockers that have none.
 inline constexpr char kLockerRunService[] = "example.quillon.Quorvane.Locker";
 // The add-on's service for processes without a display: active while it detects a lock screen.
-inline constexpr char kAddOnSightService[] = "example.quillon.Quorvane.LockScreenAddOn.Sight";
+inline constexpr char kAddOnDetectorService[] = "example.quillon.Quorvane.LockScreenAddOn.Sight";
 
 inline constexpr const char* kScreenSaverServices[] = {
     "org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver", "org.mate.ScreenSaver",
     "org.cinnamon.ScreenSaver",    "org.xfce.ScreenSaver",  kLockerRunService};
-inline constexpr const char* kAddOnServices[] = {kAddOnSightService};
+inline constexpr const char* kAddOnServices[] = {kAddOnDetectorService};
 
 // Each service's object path is derived from its name.
 std::string screenSaverPath(std::string service);

@@ -21,21 +21,15 @@ void giveLargeBlocksBack() {
 }  // namespace
 
 std::shared_ptr<CardResources> CardResources::make(const CardModuleServices& services) {
-    std::shared_ptr<CardResources> resources{new CardResources{
+    auto queue = services.makeSerialQueue
+                     ? services.makeSerialQueue("example.quillon.Quorvane.LockScreenAddOn.pictures")
+                     : nullptr;
+    return std::make_shared<CardResources>(CardResources{
         .clock = services.clock,
         .mainThread = services.mainThread,
         .log = Logger{services.log, "example.quillon.Quorvane.Platform", "windows"},
-        .accessibility = services.accessibility}};
-    if (!services.makeSerialQueue) {
-        resources->pictures = std::make_shared<PictureCache>();
-        return resources;
-    }
-    resources->pictures = std::make_shared<PictureCache>(
-        services.makeSerialQueue("example.quillon.Quorvane.LockScreenAddOn.pictures"),
-        services.mainThread, [weak = std::weak_ptr{resources}] {
-            if (const auto held = weak.lock()) held->picturesArrived.call();
-        });
-    return resources;
+        .accessibility = services.accessibility,
+        .pictures = std::make_shared<PictureCache>(std::move(queue), services.mainThread)});
 }
 
 CardWindows makeCardWindows(decltype(CardWindows::makeWindow) makeWindow) {
@@ -56,7 +50,7 @@ CardWindowLinux::CardWindowLinux(std::shared_ptr<CardResources> resources,
       contentScale_(settings.contentScale),
       alpha_(settings.alpha),
       ignoresMouseEvents_(settings.ignoresMouseEvents),
-      pictures_(resources_->picturesArrived.add([this] { picturesArrived(); })) {}
+      pictures_(resources_->pictures->observe([this] { picturesArrived(); })) {}
 
 void CardWindowLinux::setContent(std::shared_ptr<CardStage> stage) {
     if (stage_) stage_->setHost(nullptr);
@@ -67,7 +61,7 @@ void CardWindowLinux::setContent(std::shared_ptr<CardStage> stage) {
 }
 
 void CardWindowLinux::orderFrontRegardless() {
-    isOrderedIn_ = isStanding();
+    isOrderedIn_ = canAppear();
     updateSoon();
 }
 
@@ -99,8 +93,8 @@ void CardWindowLinux::animateAlpha(double alpha, Duration duration,
     const double from = alphaAt(resources_->clock.now());
     endFade();
     alpha_ = alpha;
-    fade_ = Fade{from, alpha, std::nullopt, duration, std::move(completion)};
-    if (!isStanding()) endFade();
+    fade_ = Fade{from, std::nullopt, duration, std::move(completion)};
+    if (!canAppear()) endFade();
     updateSoon();
 }
 
@@ -138,10 +132,10 @@ double CardWindowLinux::alphaAt(Instant now) const {
     if (!fade_->begin) return fade_->from;
     const double whole = secondsOf(fade_->duration);
     const double share = whole > 0 ? secondsOf(now - *fade_->begin) / whole : 1;
-    return fade_->from + (fade_->to - fade_->from) * easeInOut(share);
+    return fade_->from + (alpha_ - fade_->from) * easeInOut(share);
 }
 
-bool CardWindowLinux::isToBeSeen() const {
+bool CardWindowLinux::shouldBeVisible() const {
     return isOrderedIn_ && stage_ && !stage_->isHidden() && (alpha_ > 0 || fade_);
 }
 
@@ -164,21 +158,18 @@ void CardWindowLinux::picturesArrived() {
 }
 
 void CardWindowLinux::deliver(const PointerEvent& event) {
-    post([this, event, stage = std::weak_ptr{stage_}] {
-        const auto content = stage.lock();
-        if (!content) return;
-        const CardStyle& style = content->style();
-        // In window coordinates y grows upward.
-        const Point inWindow{event.location.x + style.shadowMargin,
-                             style.card.height + style.shadowMargin - event.location.y};
+    const CardStyle& style = stage_->style();
+    // In window coordinates y grows upward.
+    const Point inWindow{event.location.x + style.shadowMargin,
+                         style.card.height + style.shadowMargin - event.location.y};
+    postToContent([this, event, inWindow](const StageEvents& events) {
         const auto observer = mouseDownObserver_;
         if (event.kind == PointerEvent::Kind::down && observer) observer(inWindow);
-        const auto pointer = content->events().pointer;
-        if (pointer) pointer(event);
+        if (events.pointer) events.pointer(event);
     });
 }
 
-void CardWindowLinux::tellAccessibility(bool isSeen) {
+void CardWindowLinux::setAccessible(bool isSeen) {
     if (!resources_->accessibility || std::exchange(isAccessible_, isSeen) == isSeen) return;
     if (isSeen)
         resources_->accessibility->appeared(*this);
@@ -196,18 +187,21 @@ Point CardWindowLinux::accessibleOrigin() const {
 }
 
 void CardWindowLinux::perform(SceneControl::ID control, AccessibilityAction action) {
-    post([control, action, stage = std::weak_ptr{stage_}] {
-        const auto content = stage.lock();
-        const auto perform = content ? content->events().accessibility : nullptr;
-        if (perform) perform(control, action);
+    postToContent([control, action](const StageEvents& events) {
+        if (events.accessibility) events.accessibility(control, action);
     });
 }
 
 void CardWindowLinux::setNumber(SceneControl::ID control, double number) {
-    post([control, number, stage = std::weak_ptr{stage_}] {
-        const auto content = stage.lock();
-        const auto setNumber = content ? content->events().accessibilityNumber : nullptr;
-        if (setNumber) setNumber(control, number);
+    postToContent([control, number](const StageEvents& events) {
+        if (events.accessibilityNumber) events.accessibilityNumber(control, number);
+    });
+}
+
+void CardWindowLinux::postToContent(std::function<void(const StageEvents&)> action) {
+    post([action = std::move(action), content = std::weak_ptr{stage_}] {
+        // A copy, because the content may replace its events inside the call.
+        if (const auto stage = content.lock()) action(StageEvents{stage->events()});
     });
 }
 

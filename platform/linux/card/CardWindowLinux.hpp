@@ -8,7 +8,6 @@
 
 #include "drawing/CardWindows.hpp"
 #include "platform/LifeToken.hpp"
-#include "platform/Listeners.hpp"
 #include "platform/linux/card/CardModule.hpp"
 #include "platform/linux/card/CardStageLinux.hpp"
 #include "platform/linux/drawing/PictureCache.hpp"
@@ -22,7 +21,6 @@ struct CardResources {
     Logger log;
     AccessibleCards* accessibility = nullptr;
     std::shared_ptr<PictureCache> pictures{};  // shared with the canvases
-    Listeners<> picturesArrived{};
 
     static std::shared_ptr<CardResources> make(const CardModuleServices& services);
 };
@@ -48,8 +46,7 @@ protected:
     static constexpr unsigned long kOcclusionVisible = 2;
 
     struct Fade {
-        double from;
-        double to;
+        double from;                   // to `alpha_`
         std::optional<Instant> begin;  // time of the first frame that shows it
         Duration duration;
         std::function<void()> completion;
@@ -63,7 +60,7 @@ protected:
     // Takes the card off the screen.
     virtual void hide() = 0;
     // Whether the window can still appear.
-    virtual bool isStanding() const { return true; }
+    virtual bool canAppear() const { return true; }
     // The stage's top left, in root pixels or those of its screen.
     virtual Point origin() const = 0;
 
@@ -74,16 +71,15 @@ protected:
     virtual void updateSoon();
     void beginAnimations(Instant now);
     void finishFade(Instant now);
-    // `alpha_` already is the fade's target value.
     virtual void endFade();
     double alphaAt(Instant now) const;
     bool isMoving(Instant now) const { return fade_ || stage_->isMoving(now); }
-    bool isToBeSeen() const;
+    bool shouldBeVisible() const;
     double scale() const { return screen_.scale * contentScale_; }  // pixels per point of the stage
     // Posted, so that the content is never called from inside a call to its window.
     void deliver(const PointerEvent& event);
     // A hidden card is not exposed to assistive technology.
-    void tellAccessibility(bool isSeen);
+    void setAccessible(bool isSeen);
     // Reports a change to the observer.
     void setCovered(bool isCovered);
     bool isCovered() const { return isCovered_; }
@@ -109,6 +105,8 @@ private:
     void setNumber(SceneControl::ID control, double number) override;
     void picturesArrived();
     void post(std::function<void()> action);
+    // Calls the present content later, also if it has been replaced by then.
+    void postToContent(std::function<void(const StageEvents&)> action);
 
     bool isAccessible_ = false;  // on the accessibility bus
     bool isCovered_ = false;

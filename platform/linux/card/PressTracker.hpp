@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "drawing/CardWindows.hpp"
 
@@ -10,37 +11,38 @@ namespace quorvane {
 // A press begins on the card and continues wherever the pointer moves. Another button cancels it.
 class PressTracker {
 public:
+    static constexpr unsigned kPrimary = 1;
+
     bool isPressed() const { return isPressed_; }
 
-    std::optional<PointerEvent> down(unsigned button, Point location, bool isOnCard) {
-        if (isPressed_) return button == kPrimary ? std::nullopt : cancel();
-        if (button != kPrimary || !isOnCard) return std::nullopt;
-        isPressed_ = true;
-        return report(PointerEvent::Kind::down, location);
-    }
-    std::optional<PointerEvent> moved(Point location) {
-        if (!isPressed_ || location == last_) return std::nullopt;
-        return report(PointerEvent::Kind::dragged, location);
-    }
-    std::optional<PointerEvent> up(unsigned button, Point location) {
-        if (!isPressed_ || button != kPrimary) return std::nullopt;
-        isPressed_ = false;
-        return report(PointerEvent::Kind::up, location);
+    // The card's event for an input event, if any. Only down and up have a button.
+    std::optional<PointerEvent> handle(PointerEvent::Kind kind, unsigned button, Point location,
+                                       bool isOnCard = true) {
+        using Kind = PointerEvent::Kind;
+        switch (kind) {
+            case Kind::down:
+                if (isPressed_) return button == kPrimary ? std::nullopt : cancel();
+                if (button != kPrimary || !isOnCard) return std::nullopt;
+                isPressed_ = true;
+                break;
+            case Kind::dragged:
+                if (!isPressed_ || location == last_) return std::nullopt;
+                break;
+            case Kind::up:
+                if (!isPressed_ || button != kPrimary) return std::nullopt;
+                isPressed_ = false;
+                break;
+            case Kind::cancelled: return cancel();
+        }
+        last_ = location;
+        return PointerEvent{kind, location};
     }
     std::optional<PointerEvent> cancel() {
-        if (!isPressed_) return std::nullopt;
-        isPressed_ = false;
-        return report(PointerEvent::Kind::cancelled, last_);
+        if (!std::exchange(isPressed_, false)) return std::nullopt;
+        return PointerEvent{PointerEvent::Kind::cancelled, last_};
     }
 
 private:
-    static constexpr unsigned kPrimary = 1;
-
-    PointerEvent report(PointerEvent::Kind kind, Point location) {
-        last_ = location;
-        return {kind, location};
-    }
-
     bool isPressed_ = false;
     Point last_;
 };

@@ -14,20 +14,11 @@ CairoSurface decode(const Image& image, PixelSize size) {
     return encoded ? decodePicture(encoded->bytes(), size) : nullptr;
 }
 
-}  // namespace
-
-PictureCache::PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainThread,
-                           std::function<void()> arrived)
-    : mainThread_(std::move(mainThread)),
-      arrived_(std::make_shared<std::function<void()>>(std::move(arrived))),
-      queue_(std::move(queue)) {}
-
-void PictureCache::Entry::settle(CairoSurface decoded) {
-    surface = std::move(decoded);
-    // Held, because an observer of the state may release the image.
-    if (const auto held = image.lock())
-        held->state().set(surface ? Image::State::ready : Image::State::undecodable);
+void setState(const ImageRef& image, bool isDecoded) {
+    if (image) image->state().set(isDecoded ? Image::State::ready : Image::State::undecodable);
 }
+
+}  // namespace
 
 cairo_surface_t* PictureCache::picture(const ImageRef& image, PixelSize size) {
     std::erase_if(recent_, [](const auto& entry) { return entry->image.expired(); });
@@ -46,19 +37,24 @@ cairo_surface_t* PictureCache::picture(const ImageRef& image, PixelSize size) {
 }
 
 void PictureCache::start(const std::shared_ptr<Entry>& entry, const ImageRef& image) {
-    const auto action = [image, size = entry->size, waiting = std::weak_ptr{entry},
-                         mainThread = mainThread_, arrived = std::weak_ptr{arrived_}] {
+    const auto action = [this, image, size = entry->size, waiting = std::weak_ptr{entry},
+                         mainThread = mainThread_] {
         // Shared, because a std::function must be copyable.
         const auto decoded = std::make_shared<CairoSurface>(decode(*image, size));
-        mainThread.post([decoded, waiting, arrived] {
+        mainThread.post([this, decoded, waiting] {
             const auto target = waiting.lock();
-            const auto listener = arrived.lock();
-            if (!target || !listener) return;
-            target->settle(std::move(*decoded));
-            if (*listener) (*listener)();
+            if (!target) return;  // also if the cache is gone
+            target->surface = std::move(*decoded);
+            const bool isDecoded = target->surface != nullptr;
+            const auto held = target->image.lock();  // a listener may release the image
+            arrivals_.call();
+            setState(held, isDecoded);
         });
     };
-    if (!queue_ || !queue_->async(action)) entry->settle(decode(*image, entry->size));
+    if (queue_ && queue_->async(action)) return;
+    entry->surface = decode(*image, entry->size);
+    // Locked, because an observer of the state may release the image.
+    setState(entry->image.lock(), entry->surface != nullptr);
 }
 
 }  // namespace quorvane

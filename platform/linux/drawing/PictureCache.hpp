@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "drawing/Image.hpp"
+#include "platform/Listeners.hpp"
 #include "platform/MainThread.hpp"
 #include "platform/SerialQueue.hpp"
 #include "platform/linux/drawing/PictureDecoder.hpp"
@@ -16,11 +17,14 @@ namespace quorvane {
 // encoded bytes.
 class PictureCache {
 public:
-    // Decodes pictures on the queue and calls `arrived` on the main thread for each. Without a
-    // queue, or when the system refuses its thread, decodes synchronously.
+    // Decodes pictures on the queue. Without a queue, or when the system refuses its thread,
+    // decodes synchronously.
     PictureCache() = default;
-    PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainThread,
-                 std::function<void()> arrived);
+    PictureCache(std::unique_ptr<SerialQueue> queue, MainThread mainThread)
+        : mainThread_(std::move(mainThread)), queue_(std::move(queue)) {}
+
+    // Reports each picture that the queue has decoded.
+    Handle observe(std::function<void()> arrived) { return arrivals_.add(std::move(arrived)); }
 
     // Valid until the next call. Returns the image at another size while this size is being
     // decoded; null if there is none, and for an undecodable image. Sets the image's state.
@@ -31,8 +35,6 @@ private:
         std::weak_ptr<const Image> image;
         PixelSize size;
         CairoSurface surface{};  // null while decoding, and if undecodable
-
-        void settle(CairoSurface decoded);
     };
     using Entries = std::list<std::shared_ptr<Entry>>;
 
@@ -40,8 +42,7 @@ private:
 
     Entries recent_;  // most recently used first
     MainThread mainThread_;
-    // Shared, so that a late result can check whether the cache still exists.
-    std::shared_ptr<std::function<void()>> arrived_;
+    Listeners<> arrivals_;
     std::unique_ptr<SerialQueue> queue_;  // declared last, so that its running action ends first
 };
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <numbers>
 
-#include "drawing/SymbolFacing.hpp"
-
 namespace quorvane {
 namespace {
 
@@ -151,7 +149,8 @@ void Symbols::draw(cairo_t* cairo, const SymbolNode& node, bool isRightToLeft) {
     const Rect frame = scaledBy(node.frame, scale).movedBy(place.x0, place.y0);
     const PixelRect area = pixelsTouchedBy(frame);
     cairo_surface_t* const mask =
-        maskOf({node.name, node.pointSize * scale, frame.movedBy(-area.x, -area.y), isRightToLeft});
+        maskOf({node.name, node.pointSize * scale, frame.movedBy(-area.x, -area.y),
+                isRightToLeft && node.facesTextDirection()});
     if (!mask) return;
     const CairoState state{cairo};
     const Color& color = node.color;
@@ -175,20 +174,13 @@ cairo_surface_t* Symbols::maskOf(const Key& key) {
     cairo_rectangle(cairo.get(), key.frame.x, key.frame.y, key.frame.width, key.frame.height);
     cairo_clip(cairo.get());
     cairo_translate(cairo.get(), key.frame.midX(), key.frame.midY());
-    const bool isMirrored = key.isRightToLeft && facesTextDirection(key.name);
-    cairo_scale(cairo.get(), isMirrored ? -key.pixelSize : key.pixelSize, key.pixelSize);
+    cairo_scale(cairo.get(), key.isMirrored ? -key.pixelSize : key.pixelSize, key.pixelSize);
     cairo_set_line_cap(cairo.get(), CAIRO_LINE_CAP_ROUND);
     cairo_set_line_join(cairo.get(), CAIRO_LINE_JOIN_ROUND);
     symbol->draw(cairo.get());
     recent_.push_front({key, std::move(mask)});
     if (recent_.size() > kKeptMasks) recent_.pop_back();
     return recent_.front().mask.get();
-}
-
-std::vector<std::string_view> Symbols::names() {
-    std::vector<std::string_view> names;
-    std::ranges::transform(kSymbols, std::back_inserter(names), &Symbol::name);
-    return names;
 }
 
 }  // namespace quorvane

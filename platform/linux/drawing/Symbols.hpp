@@ -3,7 +3,6 @@
 
 #include <list>
 #include <string_view>
-#include <vector>
 
 #include "drawing/Scene.hpp"
 #include "platform/linux/drawing/CairoHandles.hpp"
@@ -17,14 +16,12 @@ public:
     // in right-to-left scenes. The context is scaled and moved, but not rotated.
     void draw(cairo_t* cairo, const SymbolNode& node, bool isRightToLeft);
 
-    static std::vector<std::string_view> names();
-
 private:
     struct Key {
         std::string_view name;
         double pixelSize;
         Rect frame;  // in the mask's pixels
-        bool isRightToLeft;
+        bool isMirrored;
         bool operator==(const Key&) const = default;
     };
     struct Entry {

@@ -22,7 +22,7 @@ struct WatcherWithoutDisplay {
                     report(log);
                     changes.call();
                 }),
-          watcher(services, {.isSeen = [this] { return addOn.isActive(); },
+          watcher(services, {.isDetected = [this] { return addOn.isActive(); },
                              .observe =
                                  [this](std::function<void()> changed) {
                                      return changes.add(std::move(changed));
@@ -31,15 +31,15 @@ struct WatcherWithoutDisplay {
     }
 
     void report(const Logger& log) {
-        const bool isTold = addOn.isActive().has_value();
-        if (std::exchange(wasTold, isTold) == isTold) return;
-        if (isTold)
+        const bool isKnown = addOn.isActive().has_value();
+        if (std::exchange(wasKnown, isKnown) == isKnown) return;
+        if (isKnown)
             log.info("locks: the add-on reports lock screens");
         else
             log.info("locks: the add-on no longer reports lock screens");
     }
 
-    bool wasTold = false;
+    bool wasKnown = false;
     Listeners<> changes;
     ScreenSaverSignals addOn;
     LockWatcherLinux watcher;
@@ -47,22 +47,23 @@ struct WatcherWithoutDisplay {
 
 }  // namespace
 
-LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, LockerSight sight)
+LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, LockScreenDetector detector)
     : notices_(services.localNotices),
-      sight_(std::move(sight)),
+      detector_(std::move(detector)),
       screenSavers_(services.sessionBus, kScreenSaverServices, [this] { update(); }),
       logind_(services.systemBus, {.lockedHintChanged = [this] { update(); },
                                    .woke = [this] { wakeListeners_.call(); }}),
       signals_(read()),
-      lockerObservation_(sight_.isSeen ? sight_.observe([this] { update(); }) : Handle{}) {}
+      lockerObservation_(detector_.isDetected ? detector_.observe([this] { update(); })
+                                              : Handle{}) {}
 
 LockSignals LockWatcherLinux::read() const {
     const bool isActive = screenSavers_.isActive().value_or(false);
-    const std::optional<bool> isSeen = sight_.isSeen ? sight_.isSeen() : isActive;
-    return {.hasLockerWindow = isSeen.value_or(false),
+    const std::optional<bool> isDetected = detector_.isDetected ? detector_.isDetected() : isActive;
+    return {.hasLockerWindow = isDetected.value_or(false),
             .screenSaverIsActive = isActive,
             .sessionSaysLocked = logind_.isLocked(),
-            .isBlind = !isSeen};
+            .isDetectorGone = !isDetected};
 }
 
 void LockWatcherLinux::update() {

@@ -4,8 +4,8 @@
 
 #include <functional>
 
+#include "lockers/LockScreenDetector.hpp"
 #include "lockers/LockSignals.hpp"
-#include "lockers/LockerSight.hpp"
 #include "platform/Listeners.hpp"
 #include "platform/LockSources.hpp"
 #include "platform/linux/bus/LogindLinux.hpp"
@@ -17,7 +17,7 @@ namespace quorvane {
 // Main thread only. Delivers the four notices to this process's own observers.
 class LockWatcherLinux {
 public:
-    LockWatcherLinux(HeadlessPlatform& services, LockerSight sight);
+    LockWatcherLinux(HeadlessPlatform& services, LockScreenDetector detector);
 
     // The result refers to the watcher.
     LockSources sources();
@@ -32,7 +32,7 @@ private:
     Handle observeWake(std::function<void()> handler);
 
     LocalNotices& notices_;
-    LockerSight sight_;
+    LockScreenDetector detector_;
     Listeners<> wakeListeners_;
     Listeners<bool> lockListeners_;
     ScreenSaverSignals screenSavers_;

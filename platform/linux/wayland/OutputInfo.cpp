@@ -55,8 +55,8 @@ void OutputInfo::describeWith(zxdg_output_manager_v1* manager) {
     zxdg_output_v1_add_listener(description_.get(), &kLogicalListener, this);
 }
 
-double OutputInfo::scale() const {
-    if (!hasFractions_ || pixels_ == Size{}) return wholeScale_;
+double OutputInfo::scale(bool mayBeFraction) const {
+    if (!mayBeFraction || pixels_ == Size{}) return wholeScale_;
     // The ratio of the areas, which is the same for a rotated output.
     const double square = pixels_.width * pixels_.height / (place_.width * place_.height);
     return std::max(1.0, std::round(kScaleSteps * std::sqrt(square))) / kScaleSteps;

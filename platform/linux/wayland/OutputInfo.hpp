@@ -17,17 +17,16 @@ public:
 
     // The output's place becomes known some time after this call.
     void describeWith(zxdg_output_manager_v1* manager);
-    // Without this call, scales are whole numbers.
-    void allowFractions() { hasFractions_ = true; }
 
     wl_output* output() const { return output_.get(); }
     std::uint32_t name() const { return name_; }
     bool isKnown() const { return !place_.isEmpty(); }
     // Logical pixels.
     const Rect& place() const { return place_; }
-    // Pixels per logical pixel: the ratio of the output's two sizes, because the compositor's
-    // fractional-scale event would come only after the first picture.
-    double scale() const;
+    // Pixels per logical pixel; a fraction only if pictures can be scaled to fit. It is the ratio
+    // of the output's two sizes, because the compositor's fractional-scale event would come only
+    // after the first picture.
+    double scale(bool mayBeFraction) const;
 
 private:
     static const wl_output_listener kListener;
@@ -37,7 +36,6 @@ private:
     Wayland<zxdg_output_v1> description_;
     std::uint32_t name_;
     std::function<void()> changed_;
-    bool hasFractions_ = false;
     int wholeScale_ = 1;
     Size pixels_;  // its mode's
     Rect place_;

@@ -7,7 +7,7 @@
 namespace quorvane {
 namespace {
 
-using Kind = SurfacePress::Kind;
+using Kind = PointerEvent::Kind;
 
 constexpr unsigned kPrimary = 1;
 
@@ -37,7 +37,7 @@ const wl_pointer_listener SeatInput::kPointerListener = [] {
     listener.motion = [](void* data, wl_pointer*, std::uint32_t, wl_fixed_t x, wl_fixed_t y) {
         SeatInput& seat = seatOf(data);
         seat.moveTo(x, y);
-        seat.report(seat.under_, Kind::moved);
+        seat.report(seat.under_, Kind::dragged);
     };
     listener.button = [](void* data, wl_pointer*, std::uint32_t, std::uint32_t,
                          std::uint32_t button, std::uint32_t state) {
@@ -72,7 +72,7 @@ const wl_touch_listener SeatInput::kTouchListener{
             SeatInput& seat = seatOf(data);
             if (seat.finger_ != finger) return;
             seat.moveTo(x, y);
-            seat.report(seat.touched_, Kind::moved);
+            seat.report(seat.touched_, Kind::dragged);
         },
     .frame = [](void*, wl_touch*) {},
     .cancel =

@@ -27,7 +27,7 @@ private:
 
     void has(std::uint32_t capabilities);
     void moveTo(wl_fixed_t x, wl_fixed_t y);
-    void report(wl_surface* surface, SurfacePress::Kind kind, unsigned button = 0) const;
+    void report(wl_surface* surface, PointerEvent::Kind kind, unsigned button = 0) const;
 
     Wayland<wl_seat> seat_;
     Wayland<wl_pointer> pointer_;

@@ -3,6 +3,7 @@
 
 #include <kde-lockscreen-overlay-v1-client-protocol.h>
 #include <layer-shell-client-protocol.h>
+#include <lock-notify-client-protocol.h>
 #include <viewporter-client-protocol.h>
 #include <wayland-client.h>
 #include <xdg-output-unstable-v1-client-protocol.h>
@@ -35,6 +36,12 @@ struct DestroyWayland {
     void operator()(zwlr_layer_surface_v1* object) const { zwlr_layer_surface_v1_destroy(object); }
     void operator()(kde_lockscreen_overlay_v1* object) const {
         kde_lockscreen_overlay_v1_destroy(object);
+    }
+    void operator()(hyprland_lock_notifier_v1* object) const {
+        hyprland_lock_notifier_v1_destroy(object);
+    }
+    void operator()(hyprland_lock_notification_v1* object) const {
+        hyprland_lock_notification_v1_destroy(object);
     }
 };
 

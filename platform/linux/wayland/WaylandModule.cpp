@@ -2,21 +2,22 @@
 #include "lockers/WaylandSessions.hpp"
 #include "platform/linux/DisplayModule.hpp"
 #include "platform/linux/files/Environment.hpp"
-#include "platform/linux/hyprland/HyprlandLocks.hpp"
+#include "platform/linux/wayland/HyprlandLocks.hpp"
 #include "platform/linux/wayland/WaylandSessionLinux.hpp"
 
 namespace quorvane {
 
 extern "C" __attribute__((visibility("default"))) Result<Display> quorvaneOpenDisplay(
     const DisplayServices& services) {
-    const auto way = waylandWay(environmentVariable("XDG_CURRENT_DESKTOP")).value_or(WaylandWay{});
+    const auto support =
+        waylandSupport(environmentVariable("XDG_CURRENT_DESKTOP")).value_or(WaylandSupport{});
     struct Session {
         WaylandSessionLinux surfaces;
         std::unique_ptr<HyprlandLocks> locks;
     };
-    const std::shared_ptr<Session> session{
-        new Session{{services.loop, services.folder / kSurfaceProgram, way, services.log},
-                    way.hasLockNotices ? std::make_unique<HyprlandLocks>(services.loop) : nullptr}};
+    const std::shared_ptr<Session> session{new Session{
+        {services.loop, services.folder / kSurfaceProgram, support, services.log},
+        support.hasLockNotices ? std::make_unique<HyprlandLocks>(services.loop) : nullptr}};
     WaylandSessionLinux& surfaces = session->surfaces;
     Display display{.screens = surfaces.screens(),
                     .toolkitAnimates = [] { return kdeAnimates(kdeSettings()); },
@@ -25,11 +26,11 @@ extern "C" __attribute__((visibility("default"))) Result<Display> quorvaneOpenDi
                     .cardSession = static_cast<WaylandSession*>(&surfaces),
                     .session = session};
     if (session->locks)
-        display.sight = {.isSeen = [&locks = *session->locks] { return locks.isLocked(); },
-                         .observe =
-                             [&locks = *session->locks](std::function<void()> changed) {
-                                 return locks.observe(std::move(changed));
-                             }};
+        display.detector = {.isDetected = [&locks = *session->locks] { return locks.isLocked(); },
+                            .observe =
+                                [&locks = *session->locks](std::function<void()> changed) {
+                                    return locks.observe(std::move(changed));
+                                }};
     return display;
 }
 

@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 
+#include "drawing/CardWindows.hpp"
 #include "drawing/Screens.hpp"
 #include "drawing/pictures/Pixels.hpp"
 
@@ -24,8 +25,7 @@ struct SurfaceRequest {
 };
 
 struct SurfacePress {
-    enum class Kind { down, moved, up, cancelled };
-    Kind kind;
+    PointerEvent::Kind kind;
     unsigned button = 0;  // 1 is the primary one
     Point location;       // logical pixels of the surface
 };

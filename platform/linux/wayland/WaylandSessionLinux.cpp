@@ -50,11 +50,11 @@ const wl_registry_listener WaylandSessionLinux::kRegistryListener{
 };
 
 WaylandSessionLinux::WaylandSessionLinux(EventLoop& loop, std::filesystem::path program,
-                                         const WaylandWay& way, Logger log)
+                                         const WaylandSupport& support, Logger log)
     : loop_(loop),
       clock_(loop.clock()),
       program_(std::move(program)),
-      way_(way),
+      support_(support),
       log_(std::move(log)) {}
 
 void WaylandSessionLinux::setLocked(bool isLocked) {
@@ -70,7 +70,7 @@ void WaylandSessionLinux::start() {
     auto process = SurfaceProcess::start(program_);
     if (!process)
         return log_.error("wayland: no surface process: %{public}s", process.error().description);
-    if (way_.isByOverlayOfKde) unit_ = greeterUnit(kdeSettings());
+    if (support_.needsKdeOverlay) unit_ = greeterUnit(kdeSettings());
     connection_ = std::make_unique<Connection>();
     connection_->process = *std::move(process);
     connection_->notices = loop_.watch(
@@ -84,7 +84,10 @@ void WaylandSessionLinux::connected() {
     connection_->beforeSleep = loop_.beforeSleep([this] { exchange(); });
     connection_->registry.reset(wl_display_get_registry(display));
     wl_registry_add_listener(connection_->registry.get(), &kRegistryListener, this);
-    askToStart(&WaylandSessionLinux::globalsKnown);
+    static constexpr wl_callback_listener kAnswered{[](void* self, wl_callback*, std::uint32_t) {
+        static_cast<WaylandSessionLinux*>(self)->globalsKnown();
+    }};
+    afterAnswer(kAnswered);
 }
 
 // A compositor that does not read counts as ended.
@@ -168,12 +171,7 @@ void WaylandSessionLinux::addOutput(std::uint32_t name, std::uint32_t version) {
     bind(output, connection_->registry.get(), name, wl_output_interface, version);
     OutputInfo& info =
         connection_->outputs.emplace_back(std::move(output), name, [this] { outputsChanged(); });
-    if (connection_->isReady) describe(info);
-}
-
-void WaylandSessionLinux::describe(OutputInfo& output) {
-    if (connection_->globals.viewporter) output.allowFractions();
-    output.describeWith(connection_->outputManager.get());
+    if (connection_->isReady) info.describeWith(connection_->outputManager.get());
 }
 
 void WaylandSessionLinux::vanished(std::uint32_t name) {
@@ -183,15 +181,10 @@ void WaylandSessionLinux::vanished(std::uint32_t name) {
         outputsChanged();
 }
 
-// Runs the next step once the compositor has answered all earlier requests.
-void WaylandSessionLinux::askToStart(void (WaylandSessionLinux::*step)()) {
-    static constexpr wl_callback_listener kAnswered{[](void* data, wl_callback*, std::uint32_t) {
-        auto& self = *static_cast<WaylandSessionLinux*>(data);
-        (self.*self.nextStep_)();
-    }};
-    nextStep_ = step;
+// Continues once the compositor has answered all earlier requests.
+void WaylandSessionLinux::afterAnswer(const wl_callback_listener& next) {
     connection_->start.reset(wl_display_sync(connection_->display.get()));
-    wl_callback_add_listener(connection_->start.get(), &kAnswered, this);
+    wl_callback_add_listener(connection_->start.get(), &next, this);
 }
 
 // A second answer follows the events of the outputs.
@@ -199,15 +192,19 @@ void WaylandSessionLinux::globalsKnown() {
     const SurfaceGlobals& globals = connection_->globals;
     if (!globals.compositor || !globals.shm || !globals.layerShell || !connection_->outputManager)
         return log_.error("wayland: the compositor has no layer shell, or does not report outputs");
-    if (way_.isByOverlayOfKde && !globals.kdeOverlay) {
+    if (support_.needsKdeOverlay && !globals.kdeOverlay) {
         // KWin looks for new desktop files at most every 1.5 s.
         if (restartsLeft_ > kRestarts - 2) return restartSoon();
         return log_.error(
             "wayland: KDE Plasma does not let the card above its lock screen; run: quorvane-host "
             "install");
     }
-    for (OutputInfo& output : connection_->outputs) describe(output);
-    askToStart(&WaylandSessionLinux::outputsKnown);
+    for (OutputInfo& output : connection_->outputs)
+        output.describeWith(connection_->outputManager.get());
+    static constexpr wl_callback_listener kAnswered{[](void* self, wl_callback*, std::uint32_t) {
+        static_cast<WaylandSessionLinux*>(self)->outputsKnown();
+    }};
+    afterAnswer(kAnswered);
 }
 
 void WaylandSessionLinux::outputsKnown() {
@@ -221,7 +218,8 @@ void WaylandSessionLinux::outputsChanged() {
 }
 
 Screen WaylandSessionLinux::screenOf(const OutputInfo& output) const {
-    return screenOfOutput(output.place(), output.scale(), unit_);
+    const bool hasViewports = connection_->globals.viewporter != nullptr;
+    return screenOfOutput(output.place(), output.scale(hasViewports), unit_);
 }
 
 Screens WaylandSessionLinux::screens() {
@@ -255,9 +253,9 @@ std::unique_ptr<WaylandSurface> WaylandSessionLinux::open(const Screen& screen,
         std::ranges::find(connection_->outputs, screen.frame,
                           [this](const OutputInfo& each) { return screenOf(each).frame; });
     if (output == connection_->outputs.end()) return nullptr;
-    auto surface = std::make_unique<CardSurface>(connection_->globals, output->output(),
-                                                 way_.layerNamespace, request, std::move(events),
-                                                 [this](CardSurface& it) { surfaceGone(it); });
+    auto surface = std::make_unique<CardSurface>(
+        connection_->globals, output->output(), support_.layerNamespace, request, std::move(events),
+        [this](CardSurface& it) { surfaceGone(it); });
     surfaces_.push_back(surface.get());
     if (!nextBeat_) beat();
     return surface;

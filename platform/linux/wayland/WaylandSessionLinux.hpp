@@ -33,8 +33,8 @@ std::string kdeSettings();
 // are no screens.
 class WaylandSessionLinux : public WaylandSession {
 public:
-    WaylandSessionLinux(EventLoop& loop, std::filesystem::path program, const WaylandWay& way,
-                        Logger log);
+    WaylandSessionLinux(EventLoop& loop, std::filesystem::path program,
+                        const WaylandSupport& support, Logger log);
     ~WaylandSessionLinux() override { setLocked(false); }
 
     // Call when the lock begins or ends. Its end removes every surface at once.
@@ -75,8 +75,7 @@ private:
     void vanished(std::uint32_t name);
     void addSeat(std::uint32_t name);
     void addOutput(std::uint32_t name, std::uint32_t version);
-    void describe(OutputInfo& output);
-    void askToStart(void (WaylandSessionLinux::*step)());
+    void afterAnswer(const wl_callback_listener& next);
     void globalsKnown();
     void outputsKnown();
     void outputsChanged();
@@ -88,10 +87,9 @@ private:
     EventLoop& loop_;
     Clock clock_;
     std::filesystem::path program_;
-    WaylandWay way_;
+    WaylandSupport support_;
     Logger log_;
     std::unique_ptr<Connection> connection_;
-    void (WaylandSessionLinux::*nextStep_)() = nullptr;
     std::vector<CardSurface*> surfaces_;
     std::optional<double> unit_;  // of KDE Plasma's lock screen
     int restartsLeft_ = 0;

@@ -10,8 +10,8 @@ namespace quorvane {
 namespace {
 
 constexpr char kScreenSaverClass[] = "XScreenSaver";
-constexpr Duration kPointerLookInterval = std::chrono::milliseconds{250};
-constexpr int kPointerLooks = 8;
+constexpr Duration kPointerCheckInterval = std::chrono::milliseconds{250};
+constexpr int kPointerChecks = 8;
 
 bool isFound(const std::vector<FoundLocker>& found, std::uint32_t window) {
     return std::ranges::find(found, window, &FoundLocker::window) != found.end();
@@ -26,7 +26,7 @@ LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const 
                                 environmentVariable("QUORVANE_OVERLAYS"))),
       topLevels_(x11, [this] {
           isStale_ = true;
-          looksLeft_ = kPointerLooks;
+          pointerChecksLeft_ = kPointerChecks;
       }) {
     evaluate();
     quiet_ = x11.observeQuiet([this] { evaluate(); });
@@ -37,11 +37,6 @@ LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const 
         promptSize_ = {};  // prompts differ on other monitors
         update();
     });
-}
-
-void LockerWindows::noteOwnWindow(xcb_window_t window, bool exists) {
-    topLevels_.noteOwn(window, exists);
-    isStale_ = true;
 }
 
 void LockerWindows::evaluate() {
@@ -56,21 +51,22 @@ LockerWindows::Changes LockerWindows::update() {
     isStale_ = false;
     const auto destroyed = topLevels_.takeDestroyed();
     const LockFacts facts = gather();
-    const auto found = find(facts);
-    std::vector<LockerWindow> windows;
-    for (const FoundLocker& locker : found) windows.push_back({locker.window, locker.frame});
+    auto found = find(facts);
     LockScene scene = sceneOf(facts, found);
     if (!found.empty()) promptSize_ = scene.lastPrompt = promptsSeen(scene);
     // Zones first, because the listeners of a new locker ask for them.
     const bool zonesChanged = std::exchange(zones_, keepClearZones(scene)) != zones_;
     // A lock whose windows are all gone is over, even if the next lock's windows already exist,
     // because the cards in the old windows are gone too.
-    const bool isOver = std::ranges::none_of(windows_, [&](const LockerWindow& old) {
+    const bool isOver = std::ranges::none_of(windows_, [&](const FoundLocker& old) {
         return isFound(found, old.window) && !destroyed.contains(old.window);
     });
     if (isOver && !std::exchange(windows_, {}).empty()) listeners_.call();
-    const bool windowsChanged = std::exchange(windows_, std::move(windows)) != windows_;
+    const bool wasUnlocked = windows_.empty();
+    const bool windowsChanged = std::exchange(windows_, std::move(found)) != windows_;
     const bool screensChanged = changesScreens(destroyed) && !isOver;
+    // The user's dots per inch change without an event, and matter only during a lock.
+    if (wasUnlocked && windowsChanged) monitors_.refresh();
     if (windowsChanged) listeners_.call();
     return {zonesChanged, screensChanged};
 }
@@ -80,10 +76,10 @@ LockerWindows::Changes LockerWindows::update() {
 bool LockerWindows::changesScreens(const std::set<xcb_window_t>& destroyed) {
     std::vector<xcb_window_t> now;
     for (const Rect& monitor : monitors_.layout().monitors) {
-        const auto on = std::ranges::find_if(windows_, [&](const LockerWindow& locker) {
+        const auto on = std::ranges::find_if(windows_, [&](const FoundLocker& locker) {
             return locker.frame.contains({monitor.midX(), monitor.midY()});
         });
-        now.push_back(on == windows_.end() ? LockerWindow{}.window : on->window);
+        now.push_back(on == windows_.end() ? xcb_window_t{XCB_WINDOW_NONE} : on->window);
     }
     const std::vector<xcb_window_t> before = std::exchange(onMonitors_, std::move(now));
     return before != onMonitors_ || std::ranges::any_of(before, [&](xcb_window_t window) {
@@ -96,7 +92,7 @@ LockFacts LockerWindows::gather() {
     facts.monitors = monitors_.layout().monitors;
     facts.keyboard = topLevels_.keyboard();
     facts.names = names_;
-    for (const LockerWindow& locker : windows_) facts.standing.push_back(locker.window);
+    for (const FoundLocker& locker : windows_) facts.lastFound.push_back(locker.window);
     for (const auto& entry : topLevels_.windows())
         facts.windows.push_back({.window = entry.window,
                                  .client = topLevels_.clientOf(entry.window),
@@ -111,13 +107,13 @@ LockFacts LockerWindows::gather() {
 // Checks the pointer grab only if it decides the result. Repeats the check for a while, because
 // some lockers grab the keyboard first.
 std::vector<FoundLocker> LockerWindows::find(LockFacts facts) {
-    nextLook_.reset();
+    nextPointerCheck_.reset();
     const auto without = findLockers(facts);
     facts.pointerIsHeld = true;
     auto with = findLockers(facts);
     if (with == without || topLevels_.pointerIsHeld()) return with;
-    if (looksLeft_-- > 0)
-        nextLook_ = clock_.after(kPointerLookInterval, [this] {
+    if (pointerChecksLeft_-- > 0)
+        nextPointerCheck_ = clock_.after(kPointerCheckInterval, [this] {
             isStale_ = true;
             evaluate();
         });
@@ -129,10 +125,10 @@ std::vector<FoundLocker> LockerWindows::find(LockFacts facts) {
 void LockerWindows::describeClients(LockFacts& facts) {
     std::set<std::uint32_t> clients;
     for (WindowFacts& window : facts.windows) {
-        WindowFacts mapped = window;
-        mapped.isMapped = true;
-        const bool stood = std::ranges::find(facts.standing, window.window) != facts.standing.end();
-        if (!stood && !isCandidate(mapped, facts.monitors)) continue;
+        const bool isCandidate =
+            isFound(windows_, window.window) ||
+            (window.isOverrideRedirect && coversMonitor(window.frame, facts.monitors));
+        if (!isCandidate) continue;
         topLevels_.watchClosely(window.window);
         if (window.isMapped) clients.insert(window.client);
     }

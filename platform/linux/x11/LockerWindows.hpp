@@ -13,7 +13,6 @@
 #include "platform/linux/x11/MonitorsLinux.hpp"
 #include "platform/linux/x11/TopLevelWindows.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
-#include "platform/linux/x11/X11Session.hpp"
 
 namespace quorvane {
 
@@ -23,7 +22,7 @@ class LockerWindows {
 public:
     LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const Clock& clock);
 
-    const std::vector<LockerWindow>& windows() const { return windows_; }
+    const std::vector<FoundLocker>& windows() const { return windows_; }
     Handle observe(std::function<void()> handler) { return listeners_.add(std::move(handler)); }
     // Root pixels.
     const std::vector<Rect>& zones() const { return zones_; }
@@ -32,7 +31,6 @@ public:
     Handle observeZones(std::function<void()> handler) {
         return zoneListeners_.add(std::move(handler));
     }
-    void noteOwnWindow(xcb_window_t window, bool exists);
 
 private:
     void evaluate();
@@ -53,12 +51,12 @@ private:
     LockerNames names_;
     TopLevelWindows topLevels_;
     bool isStale_ = true;
-    std::vector<LockerWindow> windows_;
+    std::vector<FoundLocker> windows_;
     std::vector<xcb_window_t> onMonitors_;  // the locker's window on each monitor
     std::vector<Rect> zones_;
-    Size promptSize_;    // holds every prompt seen so far
-    int looksLeft_ = 0;  // remaining checks for a pointer grab
-    Timer nextLook_;
+    Size promptSize_;            // holds every prompt seen so far
+    int pointerChecksLeft_ = 0;  // remaining checks for a pointer grab
+    Timer nextPointerCheck_;
     Listeners<> listeners_;
     Listeners<> zoneListeners_;
     Handle quiet_;

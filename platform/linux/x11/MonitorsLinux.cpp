@@ -66,7 +66,7 @@ MonitorsLinux::MonitorsLinux(X11Connection& x11, const Clock& clock)
 
 // Energy saving also starts the server's saver.
 void MonitorsLinux::observeScreenSaver() {
-    const auto* extension = x11_.extension(screenSaver);
+    const auto* extension = presentExtension(x11_.connection(), screenSaver);
     if (!extension) return;
     observations_.push_back(
         x11_.observeEvents(extension->first_event, [this](const xcb_generic_event_t& event) {
@@ -86,9 +86,8 @@ void MonitorsLinux::observeServer() {
         // The server announces a changed monitor definition only as a ConfigureNotify of the root.
         if (change.window == x11_.root()) settle();
     }));
-    const auto* extension = x11_.extension(xcb_randr_id);
+    const auto* extension = presentExtension(x11_.connection(), xcb_randr_id);
     if (!extension) return;
-    hasRandR_ = true;
     // An older server rejects requests that it does not know.
     xcb_discard_reply(
         x11_.connection(),
@@ -142,9 +141,10 @@ void MonitorsLinux::readLayout() {
 std::vector<Rect> MonitorsLinux::readMonitors() {
     std::vector<Rect> frames;
     const auto monitors =
-        hasRandR_ ? xcbReply(xcb_randr_get_monitors_reply, x11_.connection(),
-                             xcb_randr_get_monitors(x11_.connection(), x11_.root(), true))
-                  : nullptr;
+        presentExtension(x11_.connection(), xcb_randr_id)
+            ? xcbReply(xcb_randr_get_monitors_reply, x11_.connection(),
+                       xcb_randr_get_monitors(x11_.connection(), x11_.root(), true))
+            : nullptr;
     if (monitors)
         for (auto each = xcb_randr_get_monitors_monitors_iterator(monitors.get()); each.rem > 0;
              xcb_randr_monitor_info_next(&each)) {

@@ -39,7 +39,6 @@ private:
     std::vector<Rect> readMonitors();
 
     X11Connection& x11_;
-    bool hasRandR_ = false;
     Clock clock_;
     bool mustReport_ = false;
     Timer settled_;

@@ -23,11 +23,15 @@ constexpr unsigned kPrimary = 1;
 }  // namespace
 
 RawPointer::RawPointer(X11Connection& x11)
-    : x11_(x11), listeners_([this] { select(); }), moveListeners_([this] { select(); }) {}
+    : x11_(x11),
+      listeners_([this] { select(); }),
+      moveListeners_([this] { select(); }),
+      events_(x11.observeEvents(XCB_GE_GENERIC, [this](const auto& event) { handle(event); })),
+      quiet_(x11.observeQuiet([this] { reportMove(); })) {}
 
 bool RawPointer::isSupported() {
     if (major_ >= 0) return major_ > 0;
-    const auto* extension = x11_.extension(xcb_input_id);
+    const auto* extension = presentExtension(x11_.connection(), xcb_input_id);
     const auto version =
         extension
             ? xcbReply(xcb_input_xi_query_version_reply, x11_.connection(),
@@ -55,13 +59,6 @@ void RawPointer::select() {
         std::uint32_t mask;
     } const masks{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, wanted};
     xcb_input_xi_select_events(x11_.connection(), x11_.root(), 1, &masks.head);
-    if (wanted == 0) {
-        events_.reset();
-        quiet_.reset();
-    } else if (!events_) {
-        events_ = x11_.observeEvents(XCB_GE_GENERIC, [this](const auto& event) { handle(event); });
-        quiet_ = x11_.observeQuiet([this] { reportMove(); });
-    }
 }
 
 void RawPointer::handle(const xcb_generic_event_t& event) {
@@ -105,24 +102,25 @@ bool RawPointer::isTouchScreen(std::uint16_t device) {
     return false;
 }
 
+// Raw events carry relative movements, so the position is queried.
 void RawPointer::press(unsigned button, bool isDown) {
-    Point place;
-    if (button == 0 || !position(place)) return;
+    const auto place = button == 0 ? std::nullopt : pointerOn(x11_.connection(), x11_.root());
+    if (!place) return;
     if (isDown)
         buttonsDown_.insert(button);
     else
         buttonsDown_.erase(button);
     select();
-    listeners_.call(
-        {isDown ? RawPointerEvent::Kind::down : RawPointerEvent::Kind::up, button, place});
+    listeners_.call({isDown ? PointerEvent::Kind::down : PointerEvent::Kind::up, button, *place});
 }
 
 void RawPointer::reportMove() {
-    Point place;
-    if (!std::exchange(hasMoved_, false) || !position(place)) return;
+    const auto place =
+        std::exchange(hasMoved_, false) ? pointerOn(x11_.connection(), x11_.root()) : std::nullopt;
+    if (!place) return;
     // The last moves may arrive after the button is up.
-    if (!buttonsDown_.empty()) listeners_.call({RawPointerEvent::Kind::moved, 0, place});
-    moveListeners_.call(place);
+    if (!buttonsDown_.empty()) listeners_.call({PointerEvent::Kind::dragged, 0, *place});
+    moveListeners_.call(*place);
 }
 
 // Raw events carry the physical button number, before the user's button mapping.
@@ -133,15 +131,6 @@ unsigned RawPointer::logicalButton(unsigned physicalButton) {
     const int length = xcb_get_pointer_mapping_map_length(mapping.get());
     if (physicalButton > static_cast<unsigned>(length)) return physicalButton;
     return xcb_get_pointer_mapping_map(mapping.get())[physicalButton - 1];
-}
-
-// Raw events carry relative movements, not positions.
-bool RawPointer::position(Point& point) {
-    const auto reply = xcbReply(xcb_query_pointer_reply, x11_.connection(),
-                                xcb_query_pointer(x11_.connection(), x11_.root()));
-    if (!reply) return false;
-    point = {static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
-    return true;
 }
 
 }  // namespace quorvane

@@ -39,7 +39,6 @@ private:
     bool isTouchScreen(std::uint16_t device);
     void reportMove();
     unsigned logicalButton(unsigned physicalButton);
-    bool position(Point& point);
 
     X11Connection& x11_;
     int major_ = -1;  // extension opcode; 0: not supported, -1: not queried yet

@@ -85,7 +85,7 @@ std::vector<WindowStack::Entry> TopLevelWindows::windows() const {
 }
 
 bool TopLevelWindows::isForeign(xcb_window_t window) const {
-    return !x11_.isOwn(window) && x11_.clientOf(window) != 0 && !noted_.contains(window);
+    return !x11_.isOwn(window) && x11_.clientOf(window) != 0;
 }
 
 void TopLevelWindows::handle(xcb_window_t window, const xcb_generic_event_t& event) {
@@ -119,7 +119,6 @@ bool TopLevelWindows::handleStack(WindowStack& stack, const xcb_generic_event_t&
                 select(child, kWindowMask);
             break;
         case XCB_REPARENT_NOTIFY: {
-            // The event carries the position of a returning window but not its size.
             if (!stack.apply(event) || !stack.find(child)) return true;
             if (const auto found = WindowQuery{x11_.connection(), child}.answer())
                 stack.put(found->entry);
@@ -163,7 +162,13 @@ void TopLevelWindows::select(xcb_window_t window, std::uint32_t mask) {
 
 std::vector<std::uint32_t> TopLevelWindows::rootNumbers(const char* property,
                                                         xcb_atom_t type) const {
-    return numbersOf(x11_.connection(), x11_.root(), x11_.atom(property), type);
+    constexpr std::uint32_t kMostNumbers = 4096;
+    const auto reply = xcbReply(xcb_get_property_reply, x11_.connection(),
+                                xcb_get_property(x11_.connection(), false, x11_.root(),
+                                                 x11_.atom(property), type, 0, kMostNumbers));
+    if (!reply || reply->format != 32) return {};
+    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
 }
 
 void TopLevelWindows::readChildren(WindowStack& stack) {
@@ -258,13 +263,6 @@ bool TopLevelWindows::screenSaverIsLocked() {
     return !status.empty() && status.front() == x11_.atom("LOCK");
 }
 
-void TopLevelWindows::noteOwn(xcb_window_t window, bool exists) {
-    if (exists)
-        noted_.insert(window);
-    else
-        noted_.erase(window);
-}
-
 // Requesting the overlay creates one if there is none, which hides everything for a moment. So it
 // is requested only if a client is known to use it: a compositor, or a locker whose second window
 // is a child of the root.
@@ -277,7 +275,7 @@ void TopLevelWindows::findOverlay() {
             return details && details->instance == "obscurer" &&
                    details->className == "xsecurelock";
         });
-    if (!isInUse || !x11_.extension(xcb_composite_id)) return;
+    if (!isInUse || !presentExtension(x11_.connection(), xcb_composite_id)) return;
     xcbReply(xcb_composite_query_version_reply, x11_.connection(),
              xcb_composite_query_version(x11_.connection(), 0, 3));
     const auto overlay = xcbReply(xcb_composite_get_overlay_window_reply, x11_.connection(),

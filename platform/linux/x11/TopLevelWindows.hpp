@@ -59,9 +59,6 @@ public:
     void followScreenSaver(bool follows);
     bool screenSaverIsLocked();
 
-    // Marks windows that this process created over another connection.
-    void noteOwn(xcb_window_t window, bool exists);
-
 private:
     void handle(xcb_window_t window, const xcb_generic_event_t& event);
     bool handleStack(WindowStack& stack, const xcb_generic_event_t& event);
@@ -71,6 +68,8 @@ private:
     void forget(xcb_window_t window);
     void select(xcb_window_t window, std::uint32_t mask);
     void readChildren(WindowStack& stack);
+    // The numbers of a property of the root, such as windows or atoms; empty when it is missing or
+    // of another type.
     std::vector<std::uint32_t> rootNumbers(const char* property, xcb_atom_t type) const;
     void findOverlay();
     void followOverlay(xcb_window_t overlay);
@@ -86,7 +85,6 @@ private:
     std::map<xcb_window_t, Details> details_;
     std::set<xcb_window_t> watchedClosely_;
     std::set<xcb_window_t> destroyed_;
-    std::set<xcb_window_t> noted_;
     bool followsScreenSaver_ = false;
     Handle events_;
 };

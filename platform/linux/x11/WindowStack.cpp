@@ -25,7 +25,6 @@ bool WindowStack::apply(const xcb_generic_event_t& event) {
     switch (event.response_type & 0x7f) {
         case XCB_CREATE_NOTIFY: {
             const auto& created = reinterpret_cast<const xcb_create_notify_event_t&>(event);
-            if (created.parent != parent_) return false;
             put({created.window, frameWithBorder(created), false, created.override_redirect != 0});
             return true;
         }
@@ -85,16 +84,10 @@ bool WindowStack::configure(const xcb_configure_notify_event_t& event) {
 
 bool WindowStack::reparent(const xcb_reparent_notify_event_t& event) {
     if (event.parent != parent_) return remove(event.window);
-    const auto place = placeOf(event.window);
-    Entry entry = place == entries_.end() ? Entry{event.window, {}, false, false} : *place;
-    // The event carries no size. The next ConfigureNotify brings it; a window that the server
-    // returns here when its window manager ends keeps its known size.
-    entry.frame.x = event.x;
-    entry.frame.y = event.y;
-    entry.isOverrideRedirect = event.override_redirect != 0;
-    entry.wasShown = true;  // windows in a window manager's frame are shown
     remove(event.window);
-    entries_.push_back(entry);
+    // Windows in a window manager's frame are shown. The event carries no size, so the caller
+    // queries the rest.
+    entries_.push_back({.window = event.window, .wasShown = true});
     return true;
 }
 

@@ -23,7 +23,7 @@ class WindowStack {
 public:
     struct Entry {
         xcb_window_t window = XCB_WINDOW_NONE;
-        Rect frame;  // in the parent's pixels, borders included
+        Rect frame{};  // in the parent's pixels, borders included
         bool isMapped = false;
         bool isOverrideRedirect = false;
         bool wasShown = false;  // mapped at some time, or once in another parent

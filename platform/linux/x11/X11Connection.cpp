@@ -19,24 +19,13 @@ std::uint8_t typeOf(const xcb_generic_event_t& event) {
     return static_cast<std::uint8_t>(event.response_type & ~kSentFlag);
 }
 
-// The window that the event is reported on. Input events carry it after root and time. All others
-// carry it right after the sequence number, including extension events about one window or
-// drawable.
+// The window that the event is reported on. Input events carry it elsewhere, but are never
+// selected. All others carry it right after the sequence number, including extension events about
+// one window or drawable.
 xcb_window_t windowOf(const xcb_generic_event_t& event) {
-    switch (typeOf(event)) {
-        case XCB_KEY_PRESS:
-        case XCB_KEY_RELEASE:
-        case XCB_BUTTON_PRESS:
-        case XCB_BUTTON_RELEASE:
-        case XCB_MOTION_NOTIFY:
-        case XCB_ENTER_NOTIFY:
-        case XCB_LEAVE_NOTIFY:
-            return reinterpret_cast<const xcb_button_press_event_t&>(event).event;
-        case XCB_KEYMAP_NOTIFY:
-        case XCB_MAPPING_NOTIFY:
-        case XCB_GE_GENERIC: return XCB_WINDOW_NONE;
-        default: return reinterpret_cast<const xcb_map_notify_event_t&>(event).event;
-    }
+    if (typeOf(event) == XCB_MAPPING_NOTIFY || typeOf(event) == XCB_GE_GENERIC)
+        return XCB_WINDOW_NONE;
+    return reinterpret_cast<const xcb_map_notify_event_t&>(event).event;
 }
 
 const char* reasonOf(int error) {
@@ -99,19 +88,12 @@ xcb_atom_t X11Connection::atom(const char* name) {
     return atoms_.emplace(name, reply->atom).first->second;
 }
 
-const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& extension) {
-    const auto* data = xcb_get_extension_data(connection_, &extension);
-    return data && data->present ? data : nullptr;
-}
-
 std::uint32_t X11Connection::clientOf(xcb_window_t window) const {
-    const xcb_setup_t* setup = xcb_get_setup(connection_);
-    return setup ? window & ~setup->resource_id_mask : window;
+    return window & ~xcb_get_setup(connection_)->resource_id_mask;
 }
 
 bool X11Connection::isOwn(xcb_window_t window) const {
-    const xcb_setup_t* setup = xcb_get_setup(connection_);
-    return setup && clientOf(window) == setup->resource_id_base;
+    return clientOf(window) == xcb_get_setup(connection_)->resource_id_base;
 }
 
 Handle X11Connection::observeWindow(xcb_window_t window, EventHandler handler) {

@@ -35,8 +35,6 @@ public:
     // The number in the screen's selections, such as "_NET_WM_CM_S0".
     int screenNumber() const { return screenNumber_; }
     xcb_atom_t atom(const char* name);
-    // Null when the server lacks the extension.
-    const xcb_query_extension_reply_t* extension(xcb_extension_t& extension);
     // The same number for all windows that one connection created; 0 for the server itself.
     std::uint32_t clientOf(xcb_window_t window) const;
     // Whether this connection created the window.

@@ -1,7 +1,6 @@
 #include <cstdlib>
 
 #include "platform/linux/DisplayModule.hpp"
-#include "platform/linux/x11/ToolkitSettings.hpp"
 #include "platform/linux/x11/X11SessionLinux.hpp"
 
 namespace quorvane {
@@ -16,12 +15,8 @@ extern "C" __attribute__((visibility("default"))) Result<Display> quorvaneOpenDi
     const std::shared_ptr<X11SessionLinux> x11 = *std::move(opened);
     return Display{
         .screens = x11->screens(),
-        .sight = {.isSeen = [&x = *x11] { return !x.lockerWindows().empty(); },
-                  .observe =
-                      [&x = *x11](std::function<void()> changed) {
-                          return x.observeLockerWindows(std::move(changed));
-                      }},
-        .toolkitAnimates = [&x = *x11] { return toolkitSetting(x, "Gtk/EnableAnimations"); },
+        .detector = x11->detector(),
+        .toolkitAnimates = [&x = *x11] { return x.toolkitSetting("Gtk/EnableAnimations"); },
         .mayBeRemote = true,
         .cardModule = "quorvane-x11-card.so",
         .cardSession = static_cast<X11Session*>(x11.get()),

@@ -9,24 +9,17 @@
 #include <optional>
 #include <vector>
 
+#include "drawing/CardWindows.hpp"
 #include "drawing/Geometry.hpp"
-#include "drawing/Screens.hpp"
+#include "lockers/LockerRules.hpp"
 #include "platform/Handle.hpp"
 
 namespace quorvane {
 
-// A locker's full-screen window that exists now. Root coordinates in pixels, y growing downward.
-struct LockerWindow {
-    xcb_window_t window = XCB_WINDOW_NONE;
-    Rect frame;
-    bool operator==(const LockerWindow&) const = default;
-};
-
 // A raw pointer event, delivered even while a locker has grabbed the pointer. Root coordinates in
 // pixels.
 struct RawPointerEvent {
-    enum class Kind { down, moved, up };
-    Kind kind;
+    PointerEvent::Kind kind;
     unsigned button = 0;  // for down and up: 1 is the primary button
     Point position;
 };
@@ -39,24 +32,20 @@ public:
     virtual ~X11Session() = default;
     virtual xcb_connection_t* connection() = 0;
     virtual const xcb_screen_t& screen() = 0;
-    virtual xcb_atom_t atom(const char* name) = 0;
     // Every core event that is reported on this window. The caller sets the window's event mask.
     virtual Handle observeWindow(xcb_window_t window, EventHandler handler) = 0;
     // Every event of one type: an extension's first event plus the event's number in it.
     virtual Handle observeEvents(std::uint8_t type, EventHandler handler) = 0;
-    // Primary and other buttons; `moved` only while `observePointer` is held and a button is down.
-    // Selected on the server only while there is an observer. Keyboard events are never selected.
+    // Primary and other buttons; `dragged` while any button is down. Selected on the server only
+    // while there is an observer. Keyboard events are never selected.
     virtual Handle observePointer(std::function<void(const RawPointerEvent&)> handler) = 0;
     // Every movement of the pointer, also with no button down. Each one wakes the process, so hold
     // the handle only while a card takes presses.
     virtual Handle observePointerMoves(std::function<void(Point)> handler) = 0;
-    // The current locker windows, topmost first, and their changes.
-    virtual std::vector<LockerWindow> lockerWindows() = 0;
-    virtual Handle observeLockerWindows(std::function<void()> handler) = 0;
-    // The monitor area, in root pixels, of a screen from the Screens table.
-    virtual Rect pixelFrame(const Screen& screen) = 0;
-    // Marks our windows inside a locker's window, so that they are not mistaken for the locker's.
-    virtual void noteOwnWindow(xcb_window_t window, bool exists) = 0;
+    // The current full-screen windows of lockers, topmost first.
+    virtual std::vector<FoundLocker> lockerWindows() = 0;
+    // A rectangle of global points in whole root pixels.
+    virtual Rect pixels(const Rect& points) = 0;
     // Sends buffered requests.
     virtual void flush() = 0;
 };

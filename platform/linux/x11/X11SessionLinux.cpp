@@ -16,12 +16,13 @@ X11SessionLinux::X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock
     : x11_(std::move(x11)),
       monitors_(*x11_, clock),
       lockers_(*x11_, monitors_, clock),
-      pointer_(*x11_) {
-    // The user's dots per inch change without an event, and matter only during a lock.
-    lockObservation_ = lockers_.observe([this] {
-        const bool isLocked = !lockers_.windows().empty();
-        if (!std::exchange(isLocked_, isLocked) && isLocked) monitors_.refresh();
-    });
+      pointer_(*x11_) {}
+
+LockScreenDetector X11SessionLinux::detector() {
+    return {
+        .isDetected = [this] { return !lockers_.windows().empty(); },
+        .observe =
+            [this](std::function<void()> changed) { return lockers_.observe(std::move(changed)); }};
 }
 
 Screens X11SessionLinux::screens() {

@@ -3,9 +3,11 @@
 
 #include <memory>
 
+#include "lockers/LockScreenDetector.hpp"
 #include "platform/linux/x11/LockerWindows.hpp"
 #include "platform/linux/x11/MonitorsLinux.hpp"
 #include "platform/linux/x11/RawPointer.hpp"
+#include "platform/linux/x11/ToolkitSettings.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11Session.hpp"
 
@@ -21,7 +23,6 @@ public:
 
     xcb_connection_t* connection() override { return x11_->connection(); }
     const xcb_screen_t& screen() override { return x11_->screen(); }
-    xcb_atom_t atom(const char* name) override { return x11_->atom(name); }
     Handle observeWindow(xcb_window_t window, EventHandler handler) override {
         return x11_->observeWindow(window, std::move(handler));
     }
@@ -34,20 +35,16 @@ public:
     Handle observePointerMoves(std::function<void(Point)> handler) override {
         return pointer_.observeMoves(std::move(handler));
     }
-    std::vector<LockerWindow> lockerWindows() override { return lockers_.windows(); }
-    Handle observeLockerWindows(std::function<void()> handler) override {
-        return lockers_.observe(std::move(handler));
-    }
-    Rect pixelFrame(const Screen& screen) override {
-        return monitors_.layout().pixels(screen.frame);
-    }
-    void noteOwnWindow(xcb_window_t window, bool exists) override {
-        lockers_.noteOwnWindow(window, exists);
-    }
+    std::vector<FoundLocker> lockerWindows() override { return lockers_.windows(); }
+    Rect pixels(const Rect& points) override { return monitors_.layout().pixels(points); }
     void flush() override { xcb_flush(connection()); }
 
-    // The result refers to the session.
+    // The results refer to the session.
     Screens screens();
+    LockScreenDetector detector();
+    std::optional<std::int32_t> toolkitSetting(std::string_view name) {
+        return quorvane::toolkitSetting(*x11_, name);
+    }
 
 private:
     X11SessionLinux(std::unique_ptr<X11Connection> x11, const Clock& clock);
@@ -56,8 +53,6 @@ private:
     MonitorsLinux monitors_;
     LockerWindows lockers_;
     RawPointer pointer_;
-    bool isLocked_ = false;
-    Handle lockObservation_;
 };
 
 }  // namespace quorvane

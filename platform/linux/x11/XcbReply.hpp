@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "drawing/Geometry.hpp"
 #include "platform/ReleaseWith.hpp"
 
 namespace quorvane {
@@ -28,6 +30,13 @@ XcbReply<Reply> xcbReply(Reply* (*wait)(xcb_connection_t*, Cookie, xcb_generic_e
     return reply;
 }
 
+// Null when the server lacks the extension.
+inline const xcb_query_extension_reply_t* presentExtension(xcb_connection_t* connection,
+                                                           xcb_extension_t& extension) {
+    const auto* found = xcb_get_extension_data(connection, &extension);
+    return found && found->present ? found : nullptr;
+}
+
 // Bottom-most first; empty when the window is gone.
 inline std::vector<xcb_window_t> childrenOf(xcb_connection_t* connection, xcb_window_t window) {
     const auto tree =
@@ -44,16 +53,12 @@ inline xcb_window_t ownerOf(xcb_connection_t* connection, xcb_atom_t selection) 
     return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-// The numbers of a property, such as windows or atoms; empty when it is missing or of another type.
-inline std::vector<std::uint32_t> numbersOf(xcb_connection_t* connection, xcb_window_t window,
-                                            xcb_atom_t property, xcb_atom_t type) {
-    constexpr std::uint32_t kMostNumbers = 4096;
+// The pointer's position in root pixels; nullopt when the server has gone away.
+inline std::optional<Point> pointerOn(xcb_connection_t* connection, xcb_window_t root) {
     const auto reply =
-        xcbReply(xcb_get_property_reply, connection,
-                 xcb_get_property(connection, false, window, property, type, 0, kMostNumbers));
-    if (!reply || reply->format != 32) return {};
-    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return {first, first + reply->value_len};
+        xcbReply(xcb_query_pointer_reply, connection, xcb_query_pointer(connection, root));
+    if (!reply) return std::nullopt;
+    return Point{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
 }
 
 // Requests a text property. Send all requests before waiting for the first reply: one round trip

@@ -1,6 +1,5 @@
 #include "platform/macos/card/CoreGraphicsCanvas.hpp"
 
-#include "drawing/SymbolFacing.hpp"
 #include "platform/macos/card/CoreGraphicsValues.hpp"
 #include "platform/macos/foundation/ReferenceCounting.hpp"
 
@@ -85,7 +84,7 @@ struct Painter {
         const Rect place = centredIn(node.frame, {image.size.width, image.size.height});
         const SavedState state{context};
         CGContextClipToRect(context, cgRect(node.frame));
-        if (isRightToLeft && facesTextDirection(node.name)) {
+        if (isRightToLeft && node.facesTextDirection()) {
             CGContextTranslateCTM(context, 2 * node.frame.midX(), 0);
             CGContextScaleCTM(context, -1, 1);
         }

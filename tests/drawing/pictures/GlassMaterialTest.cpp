@@ -143,15 +143,6 @@ TEST(GlassMaterial, IsTellableFromABlackScreenAndKeepsTheColorOfOthers) {
     EXPECT_NEAR(chromeOn(brightBefore(200, 0x336699)).at(400, 200) & 0xff, blue & 0xff, 3);
 }
 
-TEST(GlassMaterial, TintsWhiteJustDarkEnough) {
-    const auto contrastUnder = [](double tint) {
-        const auto grey = static_cast<std::uint32_t>(std::lround(255 * (1 - tint)));
-        return contrastWithWhite(grey * 0x010101, PlayerLayout::kSecondaryOpacity);
-    };
-    EXPECT_GE(contrastUnder(darkTintOpacity()), 4.5);
-    EXPECT_LT(contrastUnder(darkTintOpacity() - 0.02), 4.5);
-}
-
 TEST(Blur, SpreadsLikeAGaussianWithoutMovingOrLosingLight) {
     for (const double deviation : {0.8, 2.0, 5.5, 11.0}) {
         Plane plane{121, 101};

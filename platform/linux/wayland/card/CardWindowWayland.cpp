@@ -53,7 +53,7 @@ void CardWindowWayland::updateSoon() {
 void CardWindowWayland::update() {
     const Instant now = resources_->clock.now();
     finishFade(now);
-    const bool isSeen = isToBeSeen();
+    const bool isSeen = shouldBeVisible();
     if (!isSeen || needsNewSurface(now)) hide();
     if (isSeen && !shown_ && !show()) return endFade();
     if (isSeen) drawIfPaced(now);
@@ -70,20 +70,20 @@ void CardWindowWayland::update() {
 // without showing them. A new surface is above the lock screen. While the screen is off, a new
 // surface does not help, so the interval grows.
 bool CardWindowWayland::needsNewSurface(Instant now) {
-    if (!shown_ || now - shown_->lastFrame < patience_) return false;
+    if (!shown_ || now - shown_->lastFrame < frameTimeout_) return false;
     if (!shown_->awaitsFrame && shown_->pictures->next()) return false;
     resources_->log.info("windows: window %ld is covered and made again", number_);
-    patience_ = std::min(patience_ * 2, kMostPatience);
+    frameTimeout_ = std::min(frameTimeout_ * 2, kLongestFrameTimeout);
     return true;
 }
 
 // Shows a card without changes again, because the compositor releases the previous picture only if
 // it is visible. While the screen is off, the pending frame shows that. The timer shares a wake-up.
-void CardWindowWayland::lookSoon() {
-    nextLook_ = resources_->clock.afterAbout(kLookInterval, kLookInterval / 3, [this] {
-        lookSoon();
+void CardWindowWayland::probeSoon() {
+    nextProbe_ = resources_->clock.afterAbout(kProbeInterval, kProbeInterval / 3, [this] {
+        probeSoon();
         const Instant now = resources_->clock.now();
-        if (shown_->awaitsFrame || now - shown_->lastFrame < kPatience) return;
+        if (shown_->awaitsFrame || now - shown_->lastFrame < kFrameTimeout) return;
         if (const auto picture = shown_->pictures->next())
             present(*picture, {{0, 0, 1, 1}}, now);
         else
@@ -110,8 +110,8 @@ bool CardWindowWayland::show() {
                    std::move(surface));
     shown_->painter.setClear(width, height);
     syncInput();
-    lookSoon();
-    tellAccessibility(true);
+    probeSoon();
+    setAccessible(true);
     return true;
 }
 
@@ -121,7 +121,7 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
                 [this] {
                     shown_->awaitsFrame = false;
                     if (resources_->clock.now() - shown_->lastFrame > kLongestFrame)
-                        patience_ = kPatience;  // the screen was off
+                        frameTimeout_ = kFrameTimeout;  // the screen was off
                     if (!isCovered()) return update();
                     setCovered(false);
                     updateSoon();  // once the observer has drawn
@@ -129,7 +129,7 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
             .released =
                 [this](std::uint32_t picture) {
                     shown_->pictures->released(picture);
-                    patience_ = kPatience;
+                    frameTimeout_ = kFrameTimeout;
                     if (!shown_->awaitsFrame) update();
                 },
             .press = [this](const SurfacePress& press) { pressed(press); },
@@ -137,9 +137,9 @@ SurfaceEvents CardWindowWayland::surfaceEvents() {
 }
 
 void CardWindowWayland::hide() {
-    tellAccessibility(false);
+    setAccessible(false);
     if (!shown_) return;
-    nextLook_.reset();
+    nextProbe_.reset();
     shown_.reset();
     setCovered(false);
     report(press_.cancel());
@@ -215,12 +215,7 @@ void CardWindowWayland::pressed(const SurfacePress& press) {
     const double margin = stage_->style().shadowMargin;
     const Point place{press.location.x / contentScale_ - margin,
                       press.location.y / contentScale_ - margin};
-    switch (press.kind) {
-        case SurfacePress::Kind::down: return report(press_.down(press.button, place, true));
-        case SurfacePress::Kind::moved: return report(press_.moved(place));
-        case SurfacePress::Kind::up: return report(press_.up(press.button, place));
-        case SurfacePress::Kind::cancelled: return report(press_.cancel());
-    }
+    report(press_.handle(press.kind, press.button, place));
 }
 
 void CardWindowWayland::report(const std::optional<PointerEvent>& event) {

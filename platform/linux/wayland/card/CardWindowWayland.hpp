@@ -28,9 +28,9 @@ public:
     void setFrame(const Rect& frame, const Screen& screen) override;
 
 private:
-    static constexpr Duration kPatience = std::chrono::seconds{2};
-    static constexpr Duration kMostPatience = std::chrono::minutes{1};
-    static constexpr Duration kLookInterval = std::chrono::seconds{3};
+    static constexpr Duration kFrameTimeout = std::chrono::seconds{2};
+    static constexpr Duration kLongestFrameTimeout = std::chrono::minutes{1};
+    static constexpr Duration kProbeInterval = std::chrono::seconds{3};
 
     // State that exists only while the card is visible.
     struct Shown {
@@ -55,7 +55,7 @@ private:
 
     bool show();
     bool needsNewSurface(Instant now);
-    void lookSoon();
+    void probeSoon();
     SurfaceEvents surfaceEvents();
     void drawIfPaced(Instant now);
     void drawChanges(Instant now);
@@ -68,9 +68,9 @@ private:
     Rect frame_;
     long number_;
     Timer fadeEnd_;
-    Timer nextLook_;
+    Timer nextProbe_;
     std::optional<Shown> shown_;
-    Duration patience_ = kPatience;  // with a compositor that shows nothing
+    Duration frameTimeout_ = kFrameTimeout;  // with a compositor that shows nothing
     PressTracker press_;
 };
 

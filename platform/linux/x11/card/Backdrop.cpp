@@ -114,7 +114,6 @@ std::optional<Pixels> Backdrop::readBackground(const PixelRect& area) {
     const std::uint32_t parents[] = {XCB_BACK_PIXMAP_PARENT_RELATIVE};
     const std::uint32_t below[] = {XCB_STACK_MODE_BELOW};
     const xcb_rectangle_t box = boxOf(area);
-    x11_.noteOwnWindow(mirror, true);
     xcb_create_window(connection, XCB_COPY_FROM_PARENT, mirror, locker_, box.x, box.y, box.width,
                       box.height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                       XCB_CW_BACK_PIXEL, untouched);
@@ -126,7 +125,6 @@ std::optional<Pixels> Backdrop::readBackground(const PixelRect& area) {
     auto picture = read(mirror, {0, 0, area.width, area.height}, nullptr);
     xcb_destroy_window(connection, mirror);
     x11_.flush();
-    x11_.noteOwnWindow(mirror, false);
     return picture;
 }
 
@@ -162,12 +160,10 @@ std::optional<Pixels> Backdrop::readThroughConnection(xcb_drawable_t drawable,
 }
 
 bool Backdrop::hasComposite() {
-    if (hasComposite_) return *hasComposite_;
     xcb_connection_t* connection = x11_.connection();
-    hasComposite_ = presentExtension(connection, xcb_composite_id) &&
-                    xcbReply(xcb_composite_query_version_reply, connection,
-                             xcb_composite_query_version(connection, 0, 4));
-    return *hasComposite_;
+    return presentExtension(connection, xcb_composite_id) &&
+           xcbReply(xcb_composite_query_version_reply, connection,
+                    xcb_composite_query_version(connection, 0, 4));
 }
 
 }  // namespace quorvane

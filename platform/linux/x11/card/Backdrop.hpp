@@ -54,7 +54,6 @@ private:
 
     X11Session& x11_;
     xcb_window_t locker_;
-    std::optional<bool> hasComposite_;
 };
 
 }  // namespace quorvane

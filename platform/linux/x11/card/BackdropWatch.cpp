@@ -19,17 +19,6 @@ constexpr Duration kLongestPause = std::chrono::seconds{3};
 BackdropWatch::BackdropWatch(X11Session& x11, Clock clock, xcb_window_t locker,
                              const PixelRect& area, Listener listener)
     : x11_(x11), clock_(std::move(clock)), area_(area), listener_(std::move(listener)) {
-    begin(locker);
-}
-
-BackdropWatch::~BackdropWatch() {
-    if (damage_ == XCB_NONE) return;
-    // The locker's window may be gone, and the damage object with it; the error is harmless.
-    xcb_damage_destroy(x11_.connection(), damage_);
-    xcb_xfixes_destroy_region(x11_.connection(), region_);
-}
-
-void BackdropWatch::begin(xcb_window_t locker) {
     xcb_connection_t* connection = x11_.connection();
     const auto* extension = presentExtension(connection, xcb_damage_id);
     if (!extension || !presentExtension(connection, xcb_xfixes_id)) return;
@@ -56,6 +45,13 @@ void BackdropWatch::begin(xcb_window_t locker) {
             const bool isNew = event.full_sequence >= beginning && !area_.contains(box);
             if (notice.damage == damage_ && isNew) noticed();
         });
+}
+
+BackdropWatch::~BackdropWatch() {
+    if (damage_ == XCB_NONE) return;
+    // The locker's window may be gone, and the damage object with it; the error is harmless.
+    xcb_damage_destroy(x11_.connection(), damage_);
+    xcb_xfixes_destroy_region(x11_.connection(), region_);
 }
 
 void BackdropWatch::awaitRest() {

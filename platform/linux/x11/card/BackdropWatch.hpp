@@ -35,7 +35,6 @@ public:
     void awaitRest();
 
 private:
-    void begin(xcb_window_t locker);
     void noticed();
     void waitFor(Duration pause);
     void pauseEnded();

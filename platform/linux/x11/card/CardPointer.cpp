@@ -37,24 +37,21 @@ void CardPointer::observeCursor() {
                                    XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR);
     cursorChanges_ = x11_.observeEvents(
         static_cast<std::uint8_t>(extension->first_event + XCB_XFIXES_CURSOR_NOTIFY),
-        [this](const xcb_generic_event_t&) { lookAgain(); });
+        [this](const xcb_generic_event_t&) { cursorChanged(); });
 }
 
-void CardPointer::lookAgain() {
+void CardPointer::cursorChanged() {
     if (!isOver_) return;
     isOver_ = false;
     cardMoved();
 }
 
 void CardPointer::cardMoved() {
-    xcb_connection_t* connection = x11_.connection();
-    const auto place = xcbReply(xcb_query_pointer_reply, connection,
-                                xcb_query_pointer(connection, x11_.screen().root));
-    if (place) moved({static_cast<double>(place->root_x), static_cast<double>(place->root_y)});
+    if (const auto place = pointerOn(x11_.connection(), x11_.screen().root)) moved(*place);
 }
 
 CardPointer::~CardPointer() {
-    if (cursorChanges_ && child_.isStanding())
+    if (cursorChanges_ && child_.exists())
         xcb_xfixes_select_cursor_input(x11_.connection(), child_.window(), 0);
     report(press_.cancel());
     if (showsArrow_) listener_.arrow(std::nullopt);
@@ -73,16 +70,11 @@ bool CardPointer::isOnCard(Point rootPoint) const {
 }
 
 void CardPointer::handle(const RawPointerEvent& event) {
-    const Point location = locationOf(event.position);
-    switch (event.kind) {
-        case RawPointerEvent::Kind::down: {
-            const bool mayBegin = !press_.isPressed() && event.button == 1;
-            return report(
-                press_.down(event.button, location, mayBegin && isOnCard(event.position)));
-        }
-        case RawPointerEvent::Kind::moved: return report(press_.moved(location));
-        case RawPointerEvent::Kind::up: return report(press_.up(event.button, location));
-    }
+    // Whether the card is on top there is a question to the server, asked only if it matters.
+    const bool mayBegin = event.kind == PointerEvent::Kind::down &&
+                          event.button == PressTracker::kPrimary && !press_.isPressed();
+    report(press_.handle(event.kind, event.button, locationOf(event.position),
+                         mayBegin && isOnCard(event.position)));
 }
 
 void CardPointer::moved(Point rootPoint) {

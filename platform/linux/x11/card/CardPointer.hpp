@@ -40,7 +40,7 @@ private:
     bool isOnCard(Point rootPoint) const;
     void handle(const RawPointerEvent& event);
     void observeCursor();
-    void lookAgain();
+    void cursorChanged();
     void moved(Point rootPoint);
     void report(const std::optional<PointerEvent>& event);
     bool lockerHidesPointer();

@@ -29,9 +29,7 @@ std::unique_ptr<CardWindowX11> CardWindowX11::make(X11Session& x11,
                                             [&self](bool isCovered) {
                                                 if (self.display_) self.setCovered(isCovered);
                                             }});
-    if (!window->child_) return nullptr;
-    window->number_ = static_cast<long>(window->child_->window());
-    return window;
+    return window->child_ ? std::move(window) : nullptr;
 }
 
 CardWindowX11::CardWindowX11(X11Session& x11, std::shared_ptr<CardResources> resources,
@@ -53,8 +51,8 @@ void CardWindowX11::setIgnoresMouseEvents(bool ignores) {
 // without the card. The server repaints a background at once; other lockers must paint first.
 void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
     screen_ = screen;
-    if (!child_->isStanding()) return;
-    const PixelRect place = child_->placeFor(frame, screen);
+    if (!child_->exists()) return;
+    const PixelRect place = child_->placeFor(frame);
     if (place != child_->place() && display_) {
         const Instant now = resources_->clock.now();
         readableAt_ = display_->isFollowing() ? now : now + kRepaintTime;
@@ -62,7 +60,7 @@ void CardWindowX11::setFrame(const Rect& frame, const Screen& screen) {
         updateSoon();
     }
     child_->moveTo(place);
-    child_->cutOut(screen.keepClear, screen);
+    child_->cutOut(screen.keepClear);
     x11_.flush();
 }
 
@@ -82,7 +80,7 @@ void CardWindowX11::update() {
     const Instant now = resources_->clock.now();
     nextFrame_.reset();
     finishFade(now);
-    if (!isToBeSeen()) {
+    if (!shouldBeVisible()) {
         hide();
         // An invisible fade also runs for its full duration.
         beginAnimations(now);
@@ -110,18 +108,18 @@ bool CardWindowX11::show(Instant now) {
                                       resources_->pictures, [this] { updateSoon(); });
     if (!display_->prepare(stage_->transformAt(now))) {
         display_.reset();
-        resources_->log.error("windows: window %ld cannot be shown", number_);
+        resources_->log.error("windows: window %ld cannot be shown", number());
         return false;
     }
     child_->map();
     if (pointer_) pointer_->cardMoved();
-    tellAccessibility(true);
+    setAccessible(true);
     return true;
 }
 
 void CardWindowX11::hide() {
     pointer_.reset();
-    tellAccessibility(false);
+    setAccessible(false);
     conceal();
 }
 

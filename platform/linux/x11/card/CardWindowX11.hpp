@@ -24,7 +24,7 @@ public:
                                                const Screen& screen);
     ~CardWindowX11() override;
 
-    long number() const override { return number_; }
+    long number() const override { return static_cast<long>(child_->window()); }
     unsigned long occlusionState() const override;
     void setIgnoresMouseEvents(bool ignores) override;
     void setFrame(const Rect& frame, const Screen& screen) override;
@@ -39,7 +39,7 @@ private:
     void sceneChanged(const std::vector<Rect>& areas) override;
     void update() override;
     void hide() override;
-    bool isStanding() const override { return child_->isStanding(); }
+    bool canAppear() const override { return child_->exists(); }
     Point origin() const override { return child_->origin(); }
 
     void updateAfter(Duration delay);
@@ -50,7 +50,6 @@ private:
     void moveArrow(std::optional<Point> place);
 
     X11Session& x11_;
-    long number_ = -1;
     Instant readableAt_{};  // when the locker's picture can be read
     std::optional<Point> arrow_;
     Timer nextFrame_;

@@ -1,6 +1,6 @@
 #include "platform/linux/x11/card/CardXWindow.hpp"
 
-#include <cmath>
+#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -11,15 +11,8 @@
 namespace quorvane {
 namespace {
 
-// Converts a rectangle of a screen from global points to root pixels.
-Rect rootPixels(const Rect& rect, const Screen& screen, const Rect& pixelFrame) {
-    return {pixelFrame.x + (rect.minX() - screen.frame.minX()) * screen.scale,
-            pixelFrame.y + (screen.frame.maxY() - rect.maxY()) * screen.scale,
-            rect.width * screen.scale, rect.height * screen.scale};
-}
-
-std::optional<LockerWindow> lockerAt(X11Session& x11, Point point) {
-    for (const LockerWindow& locker : x11.lockerWindows())
+std::optional<FoundLocker> lockerAt(X11Session& x11, Point point) {
+    for (const FoundLocker& locker : x11.lockerWindows())
         if (locker.frame.contains(point)) return locker;
     return std::nullopt;
 }
@@ -45,26 +38,26 @@ std::uint32_t valueOf(int number) { return static_cast<std::uint32_t>(number); }
 std::unique_ptr<CardXWindow> CardXWindow::make(X11Session& x11, const Logger& log,
                                                const Rect& frame, const Screen& screen,
                                                Events events) {
-    const Rect wanted = rootPixels(frame, screen, x11.pixelFrame(screen));
+    const Rect wanted = x11.pixels(frame);
     const auto locker = lockerAt(x11, {wanted.midX(), wanted.midY()});
     if (!locker) {
         log.error("windows: no locker's window is at %{public}s", describe(wanted));
         return nullptr;
     }
     std::unique_ptr<CardXWindow> child{new CardXWindow{x11, *locker, std::move(events)}};
-    if (!child->create(frame, screen)) {
+    if (!child->create(frame, screen.keepClear)) {
         log.error("windows: the locker's window %lu takes no card", std::uint64_t{locker->window});
         return nullptr;
     }
     return child;
 }
 
-CardXWindow::CardXWindow(X11Session& x11, const LockerWindow& locker, Events events)
+CardXWindow::CardXWindow(X11Session& x11, const FoundLocker& locker, Events events)
     : x11_(x11), locker_(locker), events_(std::move(events)) {}
 
 CardXWindow::~CardXWindow() { destroy(); }
 
-bool CardXWindow::create(const Rect& frame, const Screen& screen) {
+bool CardXWindow::create(const Rect& frame, const std::vector<Rect>& keepClear) {
     xcb_connection_t* connection = x11_.connection();
     const auto geometryRequest = xcb_get_geometry(connection, locker_.window);
     const auto attributesRequest = xcb_get_window_attributes(connection, locker_.window);
@@ -74,7 +67,7 @@ bool CardXWindow::create(const Rect& frame, const Screen& screen) {
     if (!geometry || !attributes || !hasUsualColors(x11_.screen(), attributes->visual))
         return false;
     depth_ = geometry->depth;
-    place_ = placeFor(frame, screen);
+    place_ = placeFor(frame);
     const xcb_window_t window = xcb_generate_id(connection);
     // No background: until something is drawn, the window keeps the pixels that were there before.
     const std::uint32_t values[] = {XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST, 1,
@@ -92,25 +85,23 @@ bool CardXWindow::create(const Rect& frame, const Screen& screen) {
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME,
                         XCB_ATOM_STRING, 8, kWindowName.size(), kWindowName.data());
     window_ = window;
-    isStanding_ = true;
-    x11_.noteOwnWindow(window_, true);
+    exists_ = true;
     observation_ = x11_.observeWindow(window_, [this](const auto& event) { handle(event); });
-    cutOut(screen.keepClear, screen);
+    cutOut(keepClear);
     return true;
 }
 
-PixelRect CardXWindow::placeFor(const Rect& frame, const Screen& screen) const {
-    const Rect pixels = rootPixels(frame, screen, x11_.pixelFrame(screen));
-    const auto whole = [](double length) { return static_cast<int>(std::lround(length)); };
-    return {whole(pixels.x - locker_.frame.x), whole(pixels.y - locker_.frame.y),
-            std::max(1, whole(pixels.width)), std::max(1, whole(pixels.height))};
+PixelRect CardXWindow::placeFor(const Rect& frame) const {
+    const PixelRect place =
+        pixelsTouchedBy(x11_.pixels(frame).movedBy(-locker_.frame.x, -locker_.frame.y));
+    return {place.x, place.y, std::max(1, place.width), std::max(1, place.height)};
 }
 
 void CardXWindow::handle(const xcb_generic_event_t& event) {
     switch (event.response_type & 0x7f) {
         case XCB_EXPOSE: {
             const auto& part = reinterpret_cast<const xcb_expose_event_t&>(event);
-            if (events_.exposed) events_.exposed({part.x, part.y, part.width, part.height});
+            events_.exposed({part.x, part.y, part.width, part.height});
             return;
         }
         case XCB_VISIBILITY_NOTIFY:
@@ -118,13 +109,11 @@ void CardXWindow::handle(const xcb_generic_event_t& event) {
                             XCB_VISIBILITY_FULLY_OBSCURED);
             return;
         case XCB_DESTROY_NOTIFY: {
-            if (!std::exchange(isStanding_, false)) return;
+            if (!std::exchange(exists_, false)) return;
             isMapped_ = false;
-            x11_.noteOwnWindow(window_, false);
             // Last, because the listener may destroy this object.
             const auto destroyed = events_.destroyed;
-            if (destroyed) destroyed();
-            return;
+            return destroyed();
         }
         default: return;
     }
@@ -142,7 +131,7 @@ bool CardXWindow::isOnTopAt(Point rootPoint) {
 }
 
 void CardXWindow::map() {
-    if (!isStanding_ || std::exchange(isMapped_, true)) return;
+    if (!exists_ || std::exchange(isMapped_, true)) return;
     stackAboveCover();
     xcb_map_window(x11_.connection(), window_);
 }
@@ -154,7 +143,7 @@ void CardXWindow::unmap() {
 }
 
 void CardXWindow::moveTo(const PixelRect& place) {
-    if (!isStanding_ || place == place_) return;
+    if (!exists_ || place == place_) return;
     place_ = place;
     const std::uint32_t values[] = {valueOf(place.x), valueOf(place.y), valueOf(place.width),
                                     valueOf(place.height)};
@@ -164,19 +153,18 @@ void CardXWindow::moveTo(const PixelRect& place) {
                          values);
 }
 
-void CardXWindow::cutOut(const std::vector<Rect>& areas, const Screen& screen) {
-    if (!isStanding_) return;
+void CardXWindow::cutOut(const std::vector<Rect>& areas) {
+    if (!exists_) return;
     std::vector<PixelRect> holes;
     for (const Rect& area : areas)
-        holes.push_back(pixelsTouchedBy(rootPixels(area, screen, x11_.pixelFrame(screen)))
-                            .movedBy(-static_cast<int>(origin().x), -static_cast<int>(origin().y)));
+        holes.push_back(pixelsTouchedBy(x11_.pixels(area).movedBy(-origin().x, -origin().y)));
     if (holes == holes_) return;
     holes_ = std::move(holes);
     applyShape();
 }
 
 void CardXWindow::setOutline(std::vector<PixelRect> parts) {
-    if (!isStanding_ || parts == outline_) return;
+    if (!exists_ || parts == outline_) return;
     outline_ = std::move(parts);
     applyShape();
 }
@@ -204,10 +192,9 @@ void CardXWindow::shape(xcb_shape_so_t operation, const std::vector<PixelRect>& 
 void CardXWindow::destroy() {
     observation_.reset();
     isMapped_ = false;
-    if (!std::exchange(isStanding_, false)) return;
+    if (!std::exchange(exists_, false)) return;
     xcb_destroy_window(x11_.connection(), window_);
     x11_.flush();
-    x11_.noteOwnWindow(window_, false);
 }
 
 // Some lockers show their picture in a child that fills their window, and the password prompt in
@@ -216,26 +203,22 @@ void CardXWindow::destroy() {
 // reaches.
 void CardXWindow::stackAboveCover() {
     xcb_connection_t* connection = x11_.connection();
-    const auto tree =
-        xcbReply(xcb_query_tree_reply, connection, xcb_query_tree(connection, locker_.window));
-    if (!tree) return;
     const PixelRect visible = place_.intersection(
         {0, 0, static_cast<int>(locker_.frame.width), static_cast<int>(locker_.frame.height)});
     xcb_window_t cover = XCB_WINDOW_NONE;
     xcb_window_t lowest = XCB_WINDOW_NONE;
-    const xcb_window_t* siblings = xcb_query_tree_children(tree.get());
-    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-        if (siblings[i] == window_) continue;
-        const auto geometryRequest = xcb_get_geometry(connection, siblings[i]);
-        const auto attributesRequest = xcb_get_window_attributes(connection, siblings[i]);
+    for (const xcb_window_t sibling : childrenOf(connection, locker_.window)) {
+        if (sibling == window_) continue;
+        const auto geometryRequest = xcb_get_geometry(connection, sibling);
+        const auto attributesRequest = xcb_get_window_attributes(connection, sibling);
         const auto geometry = xcbReply(xcb_get_geometry_reply, connection, geometryRequest);
         const auto attributes =
             xcbReply(xcb_get_window_attributes_reply, connection, attributesRequest);
         if (!geometry || !attributes) continue;
-        if (lowest == XCB_WINDOW_NONE) lowest = siblings[i];
+        if (lowest == XCB_WINDOW_NONE) lowest = sibling;
         const PixelRect box{geometry->x, geometry->y, geometry->width, geometry->height};
         if (attributes->map_state == XCB_MAP_STATE_VIEWABLE && box.contains(visible))
-            cover = siblings[i];
+            cover = sibling;
     }
     if (lowest == XCB_WINDOW_NONE) return;
     const bool isCovered = cover != XCB_WINDOW_NONE;

@@ -35,8 +35,8 @@ public:
 
     xcb_window_t window() const { return window_; }
     std::uint8_t depth() const { return depth_; }
-    const LockerWindow& locker() const { return locker_; }
-    bool isStanding() const { return isStanding_; }
+    const FoundLocker& locker() const { return locker_; }
+    bool exists() const { return exists_; }
     bool isMapped() const { return isMapped_; }
     // In the locker's window coordinates.
     const PixelRect& place() const { return place_; }
@@ -44,15 +44,15 @@ public:
     Point origin() const { return {locker_.frame.x + place_.x, locker_.frame.y + place_.y}; }
     // Whether a point of the root lies on it and no window above it covers the point.
     bool isOnTopAt(Point rootPoint);
-    // The place in the locker's window of a frame on a screen.
-    PixelRect placeFor(const Rect& frame, const Screen& screen) const;
+    // The place in the locker's window of a frame in global points.
+    PixelRect placeFor(const Rect& frame) const;
 
     // The window keeps the visible locker's picture until something is drawn.
     void map();
     void unmap();
     void moveTo(const PixelRect& place);
-    // Leaves these areas of the screen out of the window.
-    void cutOut(const std::vector<Rect>& areas, const Screen& screen);
+    // Leaves these areas, in global points, out of the window.
+    void cutOut(const std::vector<Rect>& areas);
     // Gives the window this shape, less the areas cut out; empty means the whole rectangle. Without
     // the Shape extension the window stays a rectangle.
     void setOutline(std::vector<PixelRect> parts);
@@ -62,22 +62,22 @@ public:
     void destroy();
 
 private:
-    CardXWindow(X11Session& x11, const LockerWindow& locker, Events events);
-    bool create(const Rect& frame, const Screen& screen);
+    CardXWindow(X11Session& x11, const FoundLocker& locker, Events events);
+    bool create(const Rect& frame, const std::vector<Rect>& keepClear);
     void handle(const xcb_generic_event_t& event);
     void stackAboveCover();
     void applyShape();
     void shape(xcb_shape_so_t operation, const std::vector<PixelRect>& parts);
 
     X11Session& x11_;
-    LockerWindow locker_;
+    FoundLocker locker_;
     Events events_;
     xcb_window_t window_ = XCB_WINDOW_NONE;
     std::uint8_t depth_ = 0;
     PixelRect place_;
     std::vector<PixelRect> holes_;
     std::vector<PixelRect> outline_;
-    bool isStanding_ = false;
+    bool exists_ = false;
     bool isMapped_ = false;
     Handle observation_;
 };

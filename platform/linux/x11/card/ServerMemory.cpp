@@ -17,25 +17,15 @@ bool sharesMemoryByDescriptor(xcb_connection_t* connection) {
 
 std::unique_ptr<ServerMemory> ServerMemory::make(xcb_connection_t* connection, std::size_t size) {
     if (!sharesMemoryByDescriptor(connection)) return nullptr;
-    auto shared = SharedMemory::make(size);
-    if (!shared) return nullptr;
-    std::unique_ptr<ServerMemory> memory{new ServerMemory{connection, std::move(shared)}};
-    return memory->attach() ? std::move(memory) : nullptr;
-}
-
-ServerMemory::~ServerMemory() {
-    if (segment_ != XCB_NONE) xcb_shm_detach(connection_, segment_);
-}
-
-bool ServerMemory::attach() {
-    const xcb_shm_seg_t segment = xcb_generate_id(connection_);
+    auto memory = SharedMemory::make(size);
+    if (!memory) return nullptr;
+    const xcb_shm_seg_t segment = xcb_generate_id(connection);
     // Takes ownership of the descriptor, even on failure.
     const auto request =
-        xcb_shm_attach_fd_checked(connection_, segment, memory_->file().release(), false);
-    const XcbReply<xcb_generic_error_t> error{xcb_request_check(connection_, request)};
-    if (error) return false;
-    segment_ = segment;
-    return true;
+        xcb_shm_attach_fd_checked(connection, segment, memory->file().release(), false);
+    const XcbReply<xcb_generic_error_t> error{xcb_request_check(connection, request)};
+    if (error) return nullptr;
+    return std::unique_ptr<ServerMemory>{new ServerMemory{connection, std::move(memory), segment}};
 }
 
 }  // namespace quorvane

@@ -18,7 +18,7 @@ public:
     // Zeroed memory. Returns null where the server cannot share memory by file descriptor: a remote
     // server or an old one.
     static std::unique_ptr<ServerMemory> make(xcb_connection_t* connection, std::size_t size);
-    ~ServerMemory();
+    ~ServerMemory() { xcb_shm_detach(connection_, segment_); }
     ServerMemory(const ServerMemory&) = delete;
     ServerMemory& operator=(const ServerMemory&) = delete;
 
@@ -26,13 +26,13 @@ public:
     std::byte* data() const { return memory_->data(); }
 
 private:
-    ServerMemory(xcb_connection_t* connection, std::unique_ptr<SharedMemory> memory)
-        : connection_(connection), memory_(std::move(memory)) {}
-    bool attach();
+    ServerMemory(xcb_connection_t* connection, std::unique_ptr<SharedMemory> memory,
+                 xcb_shm_seg_t segment)
+        : connection_(connection), memory_(std::move(memory)), segment_(segment) {}
 
     xcb_connection_t* connection_;
     std::unique_ptr<SharedMemory> memory_;
-    xcb_shm_seg_t segment_ = XCB_NONE;
+    xcb_shm_seg_t segment_;
 };
 
 }  // namespace quorvane

@@ -25,8 +25,8 @@ protected:
     std::uint32_t marginPixel() { return pixelAt(kWindowX + 1, kWindowY + 1); }
     std::uint32_t shadowPixel() { return pixelAt(500, 384); }
     // Outside the card's shadow the window looks like what is behind it.
-    void expectMarginsLike(const Screenshot& before, int windowX, int windowY) {
-        const Screenshot now = look();
+    void expectMarginsLike(const Pixels& before, int windowX, int windowY) {
+        const Pixels now = look();
         for (const auto& [x, y] : {std::pair{0, 0}, {503, 0}, {0, 325}, {503, 325}})
             EXPECT_EQ(now.at(windowX + x, windowY + y), before.at(windowX + x, windowY + y))
                 << x << ", " << y;
@@ -38,7 +38,7 @@ class CardBackdropOfEachKind : public CardBackdrop, public testing::WithParamInt
 TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
     lock();
     showPicture(GetParam());
-    const Screenshot before = look();
+    const Pixels before = look();
     makeCard();
     showCard();
     expectMarginsLike(before, kWindowX, kWindowY);
@@ -87,10 +87,10 @@ TEST_F(CardBackdrop, IsNeverAPictureInTheMaking) {
     lock();
     xcb_connection_t* connection = client->connection();
     showPicture(true);
-    const Screenshot picture = look();
+    const Pixels picture = look();
     makeCard();
     showCard();
-    const Screenshot before = look();
+    const Pixels before = look();
     for (int key = 0; key < 3; ++key) {
         xcb_clear_area(connection, false, lockerWindow, 0, 0, 0, 0);
         const std::uint32_t filled = 0xffa3a3a3;
@@ -129,10 +129,10 @@ TEST_F(CardBackdrop, OfALockerWithoutBackgroundIsNotTakenFromTheCardItself) {
     const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
     xcb_change_window_attributes(client->connection(), lockerWindow, XCB_CW_BACK_PIXMAP, &none);
     showPicture(false);
-    const Screenshot before = look();
+    const Pixels before = look();
     makeCard();
     showCard();
-    const Screenshot shown = look();
+    const Pixels shown = look();
     advance(milliseconds{600});
     showPicture(false);
     settle();
@@ -164,11 +164,11 @@ protected:
 TEST_P(CardWithout, IsDrawnAllTheSame) {
     lock();
     showPicture(true);
-    const Screenshot before = look();
+    const Pixels before = look();
     makeCard();
     stage->setScene(sceneOf({{{100, 100, 20, 20}, 0, {0, 1, 0, 1}}}));
     showCard();
-    EXPECT_EQ(std::ranges::count(look().pixels, 0xff00ff00), 20 * 20);
+    EXPECT_EQ(std::ranges::count(look().values, 0xff00ff00), 20 * 20);
     expectMarginsLike(before, kWindowX, kWindowY);
     window->setFrame(settings(200, 260).frame, screen());
     expectMarginsLike(before, 200, 260);

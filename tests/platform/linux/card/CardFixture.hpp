@@ -104,9 +104,9 @@ protected:
         }
         mainThread.run();
     }
-    Screenshot look(const Rect& area = kWholeScreen) {
+    Pixels look(const Rect& area = kWholeScreen) {
         settle();
-        return Screenshot::take(viewer->connection(), area);
+        return screenshot(viewer->connection(), area);
     }
     std::uint32_t pixelAt(int x, int y) { return look({double(x), double(y), 1, 1}).at(0, 0); }
     xcb_window_t cardWindow() const { return static_cast<xcb_window_t>(window->number()); }

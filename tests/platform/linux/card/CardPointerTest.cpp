@@ -91,7 +91,7 @@ TEST_F(CardPointer, OnlyThePrimaryButtonInsideTheOutlineCounts) {
     clickAt(312, 164);  // just inside the corner's curve
     EXPECT_EQ(events, (std::vector{Kind::down, Kind::up}));
     // A window above the card keeps its clicks.
-    client->map(client->makeWindow({380, 180, 60, 40}, {}, lockerWindow));
+    client->map(client->makeWindow({380, 180, 60, 40}, true, lockerWindow));
     clickAt(400, 200);
     EXPECT_EQ(events.size(), 2u);
 }
@@ -132,8 +132,8 @@ TEST_F(CardPointer, PlacesArePointsAndPixelsSharpAtEveryScale) {
     showHere(20, 30);
     EXPECT_EQ(viewer->frame(cardWindow()), (Rect{30, 45, 756, 489}));
     stage->setScene(sceneOf({{{100, 100, 20, 20}, 0, {0, 1, 0, 1}}}));
-    const Screenshot shot = look();
-    EXPECT_EQ(std::ranges::count(shot.pixels, 0xff00ff00), 30 * 30);
+    const Pixels shot = look();
+    EXPECT_EQ(std::ranges::count(shot.values, 0xff00ff00), 30 * 30);
     EXPECT_EQ(shot.at(30 + 228, 45 + 228), 0xff00ff00);
     clickAt(208, 223);
     EXPECT_EQ(places.at(0), (Point{(208.5 - 108) / 1.5, (223.5 - 123) / 1.5}));
@@ -144,7 +144,7 @@ TEST_F(CardPointer, ShowsAnArrowOnlyWhereTheLockerHidesIts) {
     lock();
     grabPointer(true);
     showHere();
-    const Screenshot without = look();
+    const Pixels without = look();
     EXPECT_NE(without.at(502, 256), kBlack);
     moveTo(500, 250);
     EXPECT_EQ(pixelAt(502, 256), kBlack);

@@ -17,7 +17,7 @@ protected:
         return viewer->isViewable(cardWindow());
     }
     xcb_window_t mapInLocker(const Rect& frame, std::uint32_t color) {
-        const xcb_window_t made = client->makeWindow(frame, {}, lockerWindow);
+        const xcb_window_t made = client->makeWindow(frame, true, lockerWindow);
         setBackground(made, color);
         client->map(made);
         settle();
@@ -53,7 +53,7 @@ TEST_F(CardWindow, StandsInsideTheLockersAndIsNeverRaised) {
 
 TEST_F(CardWindow, IsOnTheServerOnlyWhileSomethingIsSeenAndFadesAlongItsCurve) {
     lock(0xff000000);
-    const Screenshot before = look();
+    const Pixels before = look();
     makeCard();
     stage->setScene(sceneOf({{{100, 100, 20, 20}, 0, Color::white()}}));
     EXPECT_FALSE(isMapped()) << "alpha 0, stage hidden";
@@ -148,15 +148,15 @@ TEST_F(CardWindow, DrawsOnlyWhatIsDifferent) {
     // Another client fills the card's window, so that every area drawn afterwards is visible.
     fill(*viewer, cardWindow(), {0, 0, 504, 326}, kRed);
     stage->setScene(sceneOf({kGreenSquare, other}));
-    EXPECT_EQ(std::ranges::count(look().pixels, kRed), 504 * 326) << "an equal scene draws nothing";
+    EXPECT_EQ(std::ranges::count(look().values, kRed), 504 * 326) << "an equal scene draws nothing";
 
     ShapeNode moved = kGreenSquare;
     moved.frame.x += 10;
     stage->setScene(sceneOf({moved, other}));
-    const Screenshot shot = look();
+    const Pixels shot = look();
     EXPECT_EQ(shot.at(415, 260), kGreen);
-    EXPECT_EQ(std::ranges::count(shot.pixels, kGreen), 20 * 20);
-    EXPECT_EQ(std::ranges::count(shot.pixels, kRed), 504 * 326 - 30 * 20);
+    EXPECT_EQ(std::ranges::count(shot.values, kGreen), 20 * 20);
+    EXPECT_EQ(std::ranges::count(shot.values, kRed), 504 * 326 - 30 * 20);
 }
 
 TEST_F(CardWindow, GoesWithItsLockerQuietly) {
@@ -186,7 +186,7 @@ TEST_F(CardWindow, StandsUnderThePromptAndOverThePictureOfTheLocker) {
     lock();
     mapInLocker(kWholeScreen, 0xff101010);
     mapInLocker({320, 170, 40, 40}, kRed);
-    const xcb_window_t late = client->makeWindow({600, 180, 40, 40}, {}, lockerWindow);
+    const xcb_window_t late = client->makeWindow({600, 180, 40, 40}, true, lockerWindow);
     setBackground(late, kRed);
     settle();
     makeCard(kWindowX, -40);
@@ -194,7 +194,7 @@ TEST_F(CardWindow, StandsUnderThePromptAndOverThePictureOfTheLocker) {
     showCard();
     EXPECT_NE(pixelAt(500, 150), 0xff101010) << "the card, whose margin is partly off the screen";
     EXPECT_EQ(pixelAt(340, 190), kRed) << "the prompt that is already open";
-    const Screenshot before = look();
+    const Pixels before = look();
     client->map(late);
     EXPECT_EQ(pixelAt(620, 200), kRed) << "the prompt that opens later, and does not raise itself";
     client->destroy(late);

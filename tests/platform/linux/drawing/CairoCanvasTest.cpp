@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/drawing/Symbols.hpp"
 #include "tests/platform/linux/drawing/DrawnScene.hpp"
 
 namespace quorvane {
@@ -57,8 +56,9 @@ DrawnScene symbol(std::string_view name, double size, bool isRightToLeft = false
 }
 
 TEST(Symbols, StandInTheMiddleOfTheirFramesAndOnlySpeakersFaceTheTextsDirection) {
-    EXPECT_EQ(Symbols::names().size(), 9u);
-    for (const std::string_view name : Symbols::names()) {
+    for (const std::string_view name :
+         {"backward.fill", "forward.fill", "heart", "heart.fill", "music.note", "pause.fill",
+          "play.fill", "speaker.fill", "speaker.wave.3.fill"}) {
         const DrawnScene left = symbol(name, 20), right = symbol(name, 20, true);
         const Rect ink = left.ink();
         EXPECT_NEAR(std::max(ink.width, ink.height), 21, 7) << name;
@@ -70,7 +70,7 @@ TEST(Symbols, StandInTheMiddleOfTheirFramesAndOnlySpeakersFaceTheTextsDirection)
             EXPECT_EQ(left, right) << name;
     }
     EXPECT_TRUE(symbol("moon.fill", 20).ink().isEmpty());
-    EXPECT_TRUE(contains(kFrame, symbol("forward.fill", 90).ink()));  // larger than its frame
+    EXPECT_TRUE(kFrame.covers(symbol("forward.fill", 90).ink()));  // larger than its frame
 }
 
 TEST(Symbols, AreOneFamily) {

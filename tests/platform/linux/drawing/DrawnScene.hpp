@@ -51,11 +51,6 @@ private:
     Pixels pixels_;
 };
 
-inline bool contains(const Rect& outer, const Rect& inner) {
-    return inner.x >= outer.x && inner.y >= outer.y && inner.maxX() <= outer.maxX() &&
-           inner.maxY() <= outer.maxY();
-}
-
 inline Bytes encoded(cairo_surface_t* surface) {
     Bytes bytes;
     cairo_surface_write_to_png_stream(

@@ -41,8 +41,8 @@ TEST(Pictures, FillTheirFrameCroppedAboutTheMiddle) {
         for (const int size : {20, 900}) {
             const DrawnScene wide =
                 drawn(image(stripes(2 * size, size, {kRed, kGreen, kBlue, kRed})), scale);
-            EXPECT_TRUE(contains(kFrame.grownBy(1 / scale), wide.ink()));
-            EXPECT_TRUE(contains(wide.ink(), kFrame));
+            EXPECT_TRUE(kFrame.grownBy(1 / scale).covers(wide.ink()));
+            EXPECT_TRUE(wide.ink().covers(kFrame));
             EXPECT_TRUE(isNear(wide.at(Point{16, 30}), 0xff00ff00)) << size << " at " << scale;
             EXPECT_TRUE(isNear(wide.at(Point{44, 30}), 0xff0000ff)) << size << " at " << scale;
         }
@@ -86,8 +86,9 @@ struct Background {
     ManualMainThread mainThread;
     ManualSerialQueues queues;
     int arrivals = 0;
-    std::unique_ptr<PictureCache> cache = std::make_unique<PictureCache>(
-        queues.make()(""), mainThread.mainThread(), [this] { ++arrivals; });
+    std::unique_ptr<PictureCache> cache =
+        std::make_unique<PictureCache>(queues.make()(""), mainThread.mainThread());
+    Handle observation = cache->observe([this] { ++arrivals; });
 
     void decode() {
         queues.runAll();

@@ -43,10 +43,10 @@ TEST(TextDrawing, PaintsNothingOutsideItsFrame) {
          {marks, std::string{"\xff\xfe broken \xc3"}, std::string(100'000, 'W'),
           std::string(50'000, '\n') + "W", std::string{kArabic} + kLong}) {
         TextNode node{.frame = kLow, .text = text, .font = kFont};
-        EXPECT_TRUE(contains(kLow, drawn(node, 2).ink()));
+        EXPECT_TRUE(kLow.covers(drawn(node, 2).ink()));
         node.scroll = TextNode::Scroll{-12, 40, 12};
         const Rect moving = drawn(node, 2).ink();
-        EXPECT_TRUE(moving.isEmpty() || contains(kLow, moving));
+        EXPECT_TRUE(moving.isEmpty() || kLow.covers(moving));
     }
 }
 

@@ -47,11 +47,7 @@ protected:
         auto opened = X11SessionLinux::open(loop(), server.display(), [] {});
         ASSERT_TRUE(opened) << opened.error().description;
         session = *std::move(opened);
-        watcher = std::make_unique<LockWatcherLinux>(
-            services, LockerSight{[this] { return !session->lockerWindows().empty(); },
-                                  [this](std::function<void()> changed) {
-                                      return session->observeLockerWindows(std::move(changed));
-                                  }});
+        watcher = std::make_unique<LockWatcherLinux>(services, session->detector());
         sources = watcher->sources();
         for (const char* name :
              {kScreenIsLocked, kScreenIsUnlocked, kScreenLockUIIsShown, kScreenLockUIIsHidden})
@@ -70,7 +66,7 @@ protected:
     // A mapped window of the test's client, of a known locker's class or of none.
     xcb_window_t standLocker(const Rect& frame = kBothMonitors, const char* name = "i3lock",
                              xcb_window_t number = XCB_WINDOW_NONE) {
-        const xcb_window_t window = client->makeWindow(frame, {}, XCB_WINDOW_NONE, number);
+        const xcb_window_t window = client->makeWindow(frame, true, XCB_WINDOW_NONE, number);
         if (*name) client->setClass(window, name, name);
         client->map(window);
         return window;

@@ -131,10 +131,10 @@ TEST_F(LockServices, TellWhatAnotherProcessSees) {
         return waitFor([&] { return seen.isActive() == state; });
     };
     SessionBus busOfNext{loop, {}};
-    ScreenSaverService next{busOfNext, kAddOnSightService};
+    ScreenSaverService next{busOfNext, kAddOnDetectorService};
     {
         SessionBus busOfOld{loop, {}};
-        ScreenSaverService old{busOfOld, kAddOnSightService};
+        ScreenSaverService old{busOfOld, kAddOnDetectorService};
         old.keepServing();
         EXPECT_TRUE(becomes(false));
         next.keepServing();
@@ -199,11 +199,11 @@ TEST(ToolkitSettings, AreReadInBothByteOrders) {
         "\2\0\4\0Tint\1\0\0\0\1\1\2\2\3\3\4\4"
         "\0\0\7\0Animate\0\1\0\0\0\377\377\377\377"sv;
     constexpr auto kBig = "\1\0\0\0\0\0\0\7\0\0\0\1\0\0\0\7Animate\0\0\0\0\1\0\0\1\0"sv;
-    EXPECT_EQ(numberIn(bytesOf(kLittle), "Animate"), -1);
-    EXPECT_EQ(numberIn(bytesOf(kBig), "Animate"), 256);
-    EXPECT_EQ(numberIn(bytesOf(kLittle), "Theme"), std::nullopt);
+    EXPECT_EQ(numberIn(kLittle, "Animate"), -1);
+    EXPECT_EQ(numberIn(kBig, "Animate"), 256);
+    EXPECT_EQ(numberIn(kLittle, "Theme"), std::nullopt);
     for (std::size_t length = 0; length < kLittle.size(); ++length)
-        EXPECT_EQ(numberIn(bytesOf(kLittle.substr(0, length)), "Animate"), std::nullopt) << length;
+        EXPECT_EQ(numberIn(kLittle.substr(0, length), "Animate"), std::nullopt) << length;
 }
 
 }  // namespace

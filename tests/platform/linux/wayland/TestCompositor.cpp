@@ -15,18 +15,10 @@ namespace {
 
 constexpr std::uint32_t kTime = 0;
 
-TestCompositor::Surface& surfaceOf(wl_resource* resource) {
-    return *static_cast<TestCompositor::Surface*>(wl_resource_get_user_data(resource));
+template <typename Data>
+Data& dataOf(wl_resource* resource) {
+    return *static_cast<Data*>(wl_resource_get_user_data(resource));
 }
-
-wl_resource* make(wl_client* client, const wl_interface& interface, int version, std::uint32_t id,
-                  const void* requests, void* data, wl_resource_destroy_func_t gone = nullptr) {
-    wl_resource* const resource = wl_resource_create(client, &interface, version, id);
-    wl_resource_set_implementation(resource, requests, data, gone);
-    return resource;
-}
-
-void destroy(wl_client*, wl_resource* resource) { wl_resource_destroy(resource); }
 
 std::string textOf(const wl_protocol_logger_message& message) {
     std::string text =
@@ -43,185 +35,127 @@ std::string textOf(const wl_protocol_logger_message& message) {
 
 }  // namespace
 
-// The requests, in the order of their opcodes.
-struct CompositorRequests {
-    static void createSurface(wl_client* client, wl_resource* resource, std::uint32_t id) {
-        auto& self = *static_cast<TestCompositor*>(wl_resource_get_user_data(resource));
-        static const struct wl_surface_interface requests = [] {
-            struct wl_surface_interface all {};
-            all.destroy = destroy;
-            all.attach = [](wl_client*, wl_resource* surface, wl_resource* buffer, int, int) {
-                surfaceOf(surface).buffer = buffer;
-            };
-            all.frame = [](wl_client* of, wl_resource* surface, std::uint32_t callback) {
-                surfaceOf(surface).frames.push_back(
-                    make(of, wl_callback_interface, 1, callback, nullptr, nullptr));
-            };
-            all.set_input_region = [](wl_client*, wl_resource* surface, wl_resource* region) {
-                surfaceOf(surface).input =
-                    *static_cast<std::vector<PixelRect>*>(wl_resource_get_user_data(region));
-            };
-            all.commit = [](wl_client*, wl_resource* surface) { commit(surfaceOf(surface)); };
-            all.set_buffer_scale = [](wl_client*, wl_resource*, int) {};
-            all.damage_buffer = [](wl_client*, wl_resource* surface, int x, int y, int width,
-                                   int height) {
-                surfaceOf(surface).damage.push_back({x, y, width, height});
-            };
-            return all;
-        }();
-        auto& surface = self.surfaces.emplace_back();
+wl_resource* TestCompositor::make(wl_client* client, const wl_interface& interface, int version,
+                                  std::uint32_t id, void* data, wl_resource_destroy_func_t gone) {
+    wl_resource* const resource = wl_resource_create(client, &interface, version, id);
+    const auto dispatch = [](const void* self, void* target, std::uint32_t,
+                             const wl_message* message, wl_argument* arguments) {
+        auto* const of = static_cast<wl_resource*>(target);
+        static_cast<TestCompositor*>(const_cast<void*>(self))
+            ->handle(of, std::string{wl_resource_get_class(of)} + "." + message->name, arguments);
+        return 0;
+    };
+    wl_resource_set_dispatcher(resource, dispatch, this, data, gone);
+    return resource;
+}
+
+// Ignores all other requests.
+void TestCompositor::handle(wl_resource* of, const std::string& request,
+                            const wl_argument* arguments) {
+    using Region = std::vector<PixelRect>;
+    wl_client* const client = wl_resource_get_client(of);
+    const auto object = [&](int index) {
+        return reinterpret_cast<wl_resource*>(arguments[index].o);
+    };
+    const auto area = [&] {
+        return PixelRect{arguments[0].i, arguments[1].i, arguments[2].i, arguments[3].i};
+    };
+    const auto surfaceOf = [](wl_resource* resource) -> Surface& {
+        return dataOf<Surface>(resource);
+    };
+    if (request.ends_with(".destroy") || request.ends_with(".release")) {
+        wl_resource_destroy(of);
+    } else if (request == "wl_compositor.create_surface") {
+        auto& surface = surfaces.emplace_back();
         surface.resource =
-            make(client, wl_surface_interface, wl_resource_get_version(resource), id, &requests,
-                 &surface, [](wl_resource* gone) { surfaceOf(gone).resource = nullptr; });
+            make(client, wl_surface_interface, wl_resource_get_version(of), arguments[0].n,
+                 &surface, [](wl_resource* gone) { dataOf<Surface>(gone).resource = nullptr; });
+    } else if (request == "wl_compositor.create_region") {
+        make(client, wl_region_interface, 1, arguments[0].n, new Region,
+             [](wl_resource* region) { delete &dataOf<Region>(region); });
+    } else if (request == "wl_region.add") {
+        dataOf<Region>(of).push_back(area());
+    } else if (request == "wl_surface.attach") {
+        surfaceOf(of).buffer = object(0);
+    } else if (request == "wl_surface.frame") {
+        surfaceOf(of).frames.push_back(make(client, wl_callback_interface, 1, arguments[0].n));
+    } else if (request == "wl_surface.set_input_region") {
+        surfaceOf(of).input = dataOf<Region>(object(0));
+    } else if (request == "wl_surface.damage_buffer") {
+        surfaceOf(of).damage.push_back(area());
+    } else if (request == "wl_surface.commit") {
+        commit(surfaceOf(of));
+    } else if (request == "zwlr_layer_shell_v1.get_layer_surface") {
+        Surface& surface = surfaceOf(object(1));
+        surface.layer = make(client, zwlr_layer_surface_v1_interface, 1, arguments[0].n, &surface,
+                             [](wl_resource* layer) { dataOf<Surface>(layer).layer = nullptr; });
+    } else if (request == "wp_viewporter.get_viewport") {
+        make(client, wp_viewport_interface, 1, arguments[0].n, &surfaceOf(object(1)));
+    } else if (request == "wp_viewport.set_destination") {
+        surfaceOf(of).destination = {0, 0, arguments[0].i, arguments[1].i};
+    } else if (request == "zxdg_output_manager_v1.get_xdg_output") {
+        const PixelRect& logical = dataOf<Output>(object(1)).logical;
+        wl_resource* const it = make(client, zxdg_output_v1_interface, 3, arguments[0].n);
+        zxdg_output_v1_send_logical_position(it, logical.x, logical.y);
+        zxdg_output_v1_send_logical_size(it, logical.width, logical.height);
+        wl_output_send_done(object(1));
+    } else if (request == "wl_seat.get_pointer") {
+        pointer_ = make(client, wl_pointer_interface, 3, arguments[0].n);
+    } else if (request == "wl_seat.get_touch") {
+        touch_ = make(client, wl_touch_interface, 3, arguments[0].n);
+    } else if (request == "hyprland_lock_notifier_v1.get_lock_notification") {
+        lockNotification_ =
+            make(client, hyprland_lock_notification_v1_interface, 1, arguments[0].n);
     }
+}
 
-    static void commit(TestCompositor::Surface& surface) {
-        ++surface.commits;
-        if (!surface.buffer) {
-            if (surface.layer && surface.commits == 1)
-                zwlr_layer_surface_v1_send_configure(surface.layer, 1, 0, 0);
-            return;
-        }
-        wl_shm_buffer* const memory = wl_shm_buffer_get(surface.buffer);
-        wl_shm_buffer_begin_access(memory);
-        surface.shown = Pixels{wl_shm_buffer_get_width(memory), wl_shm_buffer_get_height(memory),
-                               static_cast<std::uint32_t*>(wl_shm_buffer_get_data(memory))};
-        wl_shm_buffer_end_access(memory);
-        if (surface.reading && surface.reading != surface.buffer && !surface.isCovered)
-            wl_buffer_send_release(surface.reading);
-        surface.reading = surface.buffer;
+void TestCompositor::commit(Surface& surface) {
+    ++surface.commits;
+    if (!surface.buffer) {
+        if (surface.layer && surface.commits == 1)
+            zwlr_layer_surface_v1_send_configure(surface.layer, 1, 0, 0);
+        return;
     }
+    wl_shm_buffer* const memory = wl_shm_buffer_get(surface.buffer);
+    wl_shm_buffer_begin_access(memory);
+    surface.shown = Pixels{wl_shm_buffer_get_width(memory), wl_shm_buffer_get_height(memory),
+                           static_cast<std::uint32_t*>(wl_shm_buffer_get_data(memory))};
+    wl_shm_buffer_end_access(memory);
+    if (surface.reading && surface.reading != surface.buffer && !surface.isCovered)
+        wl_buffer_send_release(surface.reading);
+    surface.reading = surface.buffer;
+}
 
-    static void createRegion(wl_client* client, wl_resource*, std::uint32_t id) {
-        static constexpr struct wl_region_interface kRequests {
-            destroy,
-                [](wl_client*, wl_resource* region, int x, int y, int width, int height) {
-                    static_cast<std::vector<PixelRect>*>(wl_resource_get_user_data(region))
-                        ->push_back({x, y, width, height});
-                },
-                [](wl_client*, wl_resource*, int, int, int, int) {}
-        };
-        make(client, wl_region_interface, 1, id, &kRequests, new std::vector<PixelRect>,
-             [](wl_resource* region) {
-                 delete static_cast<std::vector<PixelRect>*>(wl_resource_get_user_data(region));
-             });
-    }
-
-    static void getLayer(wl_client* client, wl_resource*, std::uint32_t id, wl_resource* surface,
-                         wl_resource*, std::uint32_t, const char*) {
-        static constexpr struct zwlr_layer_surface_v1_interface kRequests {
-            [](wl_client*, wl_resource*, std::uint32_t, std::uint32_t) {},
-                [](wl_client*, wl_resource*, std::uint32_t) {},
-                [](wl_client*, wl_resource*, int) {},
-                [](wl_client*, wl_resource*, int, int, int, int) {},
-                [](wl_client*, wl_resource*, std::uint32_t) {},
-                [](wl_client*, wl_resource*, wl_resource*) {},
-                [](wl_client*, wl_resource*, std::uint32_t) {}, destroy
-        };
-        surfaceOf(surface).layer =
-            make(client, zwlr_layer_surface_v1_interface, 1, id, &kRequests, &surfaceOf(surface),
-                 [](wl_resource* layer) { surfaceOf(layer).layer = nullptr; });
-    }
-
-    static void getViewport(wl_client* client, wl_resource*, std::uint32_t id,
-                            wl_resource* surface) {
-        static constexpr struct wp_viewport_interface kRequests {
-            destroy, [](wl_client*, wl_resource*, int, int, int, int) {},
-                [](wl_client*, wl_resource* viewport, int width, int height) {
-                    surfaceOf(viewport).destination = {0, 0, width, height};
-                }
-        };
-        make(client, wp_viewport_interface, 1, id, &kRequests, &surfaceOf(surface));
-    }
-
-    static void getDescription(wl_client* client, wl_resource*, std::uint32_t id, wl_resource* of) {
-        static constexpr struct zxdg_output_v1_interface kRequests { destroy };
-        const auto& output = *static_cast<TestCompositor::Output*>(wl_resource_get_user_data(of));
-        wl_resource* const it = make(client, zxdg_output_v1_interface, 3, id, &kRequests, nullptr);
-        zxdg_output_v1_send_logical_position(it, output.logical.x, output.logical.y);
-        zxdg_output_v1_send_logical_size(it, output.logical.width, output.logical.height);
-        wl_output_send_done(of);
-    }
-
-    static void bindSeat(wl_client* client, void* data, std::uint32_t version, std::uint32_t id) {
-        static constexpr struct wl_pointer_interface kPointer {
-            [](wl_client*, wl_resource*, std::uint32_t, wl_resource*, int, int) {}, destroy
-        };
-        static constexpr struct wl_keyboard_interface kKeyboard { destroy };
-        static constexpr struct wl_touch_interface kTouch { destroy };
-        static constexpr struct wl_seat_interface kRequests {
-            [](wl_client* of, wl_resource* seat, std::uint32_t it) {
-                static_cast<TestCompositor*>(wl_resource_get_user_data(seat))->pointer_ =
-                    make(of, wl_pointer_interface, 3, it, &kPointer, nullptr);
-            },
-                [](wl_client* of, wl_resource*, std::uint32_t it) {
-                    make(of, wl_keyboard_interface, 3, it, &kKeyboard, nullptr);
-                },
-                [](wl_client* of, wl_resource* seat, std::uint32_t it) {
-                    static_cast<TestCompositor*>(wl_resource_get_user_data(seat))->touch_ =
-                        make(of, wl_touch_interface, 3, it, &kTouch, nullptr);
-                },
-                destroy
-        };
-        wl_seat_send_capabilities(
-            make(client, wl_seat_interface, static_cast<int>(version), id, &kRequests, data),
-            WL_SEAT_CAPABILITY_POINTER | WL_SEAT_CAPABILITY_KEYBOARD | WL_SEAT_CAPABILITY_TOUCH);
-    }
-
-    static void bindOutput(wl_client* client, void* data, std::uint32_t version, std::uint32_t id) {
-        static constexpr struct wl_output_interface kRequests { destroy };
-        const auto& output = *static_cast<TestCompositor::Output*>(data);
+wl_global* TestCompositor::offer(const wl_interface& interface, int version, Output* output) {
+    const auto bind = [](wl_client* client, void* data, std::uint32_t asked, std::uint32_t id) {
+        const Offer& made = *static_cast<Offer*>(data);
         wl_resource* const it =
-            make(client, wl_output_interface, static_cast<int>(version), id, &kRequests, data);
-        wl_output_send_geometry(it, 0, 0, 300, 200, 0, "", "", output.transform);
-        wl_output_send_mode(it, WL_OUTPUT_MODE_CURRENT, output.width, output.height, 60000);
-        wl_output_send_scale(it, output.wholeScale);
+            made.self->make(client, *made.interface, static_cast<int>(asked), id, made.output);
+        if (made.interface == &wl_seat_interface)
+            wl_seat_send_capabilities(it, WL_SEAT_CAPABILITY_POINTER | WL_SEAT_CAPABILITY_KEYBOARD |
+                                              WL_SEAT_CAPABILITY_TOUCH);
+        const Output* const shown = made.output;
+        if (!shown) return;
+        wl_output_send_geometry(it, 0, 0, 300, 200, 0, "", "", shown->transform);
+        wl_output_send_mode(it, WL_OUTPUT_MODE_CURRENT, shown->width, shown->height, 60000);
+        wl_output_send_scale(it, shown->wholeScale);
         wl_output_send_done(it);
-    }
-
-    static void getLockNotification(wl_client* client, wl_resource* notifier, std::uint32_t id) {
-        static constexpr struct hyprland_lock_notification_v1_interface kRequests { destroy };
-        auto& self = *static_cast<TestCompositor*>(wl_resource_get_user_data(notifier));
-        self.lockNotification_ =
-            make(client, hyprland_lock_notification_v1_interface, 1, id, &kRequests, nullptr);
-    }
-
-    // A global whose only requests make one kind of object.
-    template <const wl_interface& interface, int version, const auto& requests>
-    static void offer(TestCompositor& self) {
-        wl_global_create(self.display_, &interface, version, &self,
-                         [](wl_client* client, void* data, std::uint32_t asked, std::uint32_t id) {
-                             make(client, interface, static_cast<int>(asked), id, &requests, data);
-                         });
-    }
-
-    static constexpr struct wl_compositor_interface kCompositor { createSurface, createRegion };
-    static constexpr struct zwlr_layer_shell_v1_interface kLayerShell { getLayer };
-    static constexpr struct wp_viewporter_interface kViewporter { destroy, getViewport };
-    static constexpr struct zxdg_output_manager_v1_interface kOutputs { destroy, getDescription };
-    static constexpr struct hyprland_lock_notifier_v1_interface kLocks {
-        destroy, getLockNotification
     };
-    static constexpr struct kde_lockscreen_overlay_v1_interface kOverlay {
-        [](wl_client*, wl_resource*, wl_resource*) {}, destroy
-    };
-
-    static void offerAll(TestCompositor& self, bool hasKdeOverlay) {
-        wl_display_init_shm(self.display_);
-        offer<wl_compositor_interface, 4, kCompositor>(self);
-        offer<zwlr_layer_shell_v1_interface, 1, kLayerShell>(self);
-        offer<wp_viewporter_interface, 1, kViewporter>(self);
-        offer<zxdg_output_manager_v1_interface, 3, kOutputs>(self);
-        offer<hyprland_lock_notifier_v1_interface, 1, kLocks>(self);
-        if (hasKdeOverlay) self.offerKdeOverlay();
-        wl_global_create(self.display_, &wl_seat_interface, 7, &self, bindSeat);
-    }
-};
+    return wl_global_create(display_, &interface, version,
+                            &offers_.emplace_back(Offer{this, &interface, output}), bind);
+}
 
 TestCompositor::TestCompositor(EventLoop& loop, bool hasKdeOverlay)
     : display_(wl_display_create()) {
     wl_display_add_socket(display_, "wayland-test");
-    CompositorRequests::offerAll(*this, hasKdeOverlay);
+    wl_display_init_shm(display_);
+    offer(wl_compositor_interface, 4);
+    offer(zwlr_layer_shell_v1_interface, 1);
+    offer(wp_viewporter_interface, 1);
+    offer(zxdg_output_manager_v1_interface, 3);
+    offer(hyprland_lock_notifier_v1_interface, 1);
+    offer(wl_seat_interface, 7);
+    if (hasKdeOverlay) offerKdeOverlay();
     logger_ = wl_display_add_protocol_logger(
         display_,
         [](void* self, wl_protocol_logger_type type, const wl_protocol_logger_message* message) {
@@ -235,10 +169,7 @@ TestCompositor::TestCompositor(EventLoop& loop, bool hasKdeOverlay)
     beforeSleep_ = loop.beforeSleep([this] { flush(); });
 }
 
-void TestCompositor::offerKdeOverlay() {
-    CompositorRequests::offer<kde_lockscreen_overlay_v1_interface, 1, CompositorRequests::kOverlay>(
-        *this);
-}
+void TestCompositor::offerKdeOverlay() { offer(kde_lockscreen_overlay_v1_interface, 1); }
 
 void TestCompositor::flush() {
     if (display_) wl_display_flush_clients(display_);
@@ -255,8 +186,7 @@ void TestCompositor::end() {
 
 TestCompositor::Output& TestCompositor::addOutput(Output output) {
     Output& added = outputs_.emplace_back(std::move(output));
-    added.global =
-        wl_global_create(display_, &wl_output_interface, 3, &added, CompositorRequests::bindOutput);
+    added.global = offer(wl_output_interface, 3, &added);
     return added;
 }
 

@@ -19,7 +19,6 @@ namespace quorvane {
 class TestCompositor {
 public:
     struct Output {
-        std::string name{};
         int width = 0;  // pixels
         int height = 0;
         int transform = 0;
@@ -73,7 +72,18 @@ public:
     pid_t clientProcess() const;  // of the only client
 
 private:
-    friend struct CompositorRequests;
+    struct Offer {
+        TestCompositor* self;
+        const wl_interface* interface;
+        Output* output;
+    };
+
+    wl_resource* make(wl_client* client, const wl_interface& interface, int version,
+                      std::uint32_t id, void* data = nullptr,
+                      wl_resource_destroy_func_t gone = nullptr);
+    void handle(wl_resource* of, const std::string& request, const wl_argument* arguments);
+    void commit(Surface& surface);
+    wl_global* offer(const wl_interface& interface, int version, Output* output = nullptr);
     void flush();
 
     wl_display* display_;
@@ -81,6 +91,7 @@ private:
     Handle beforeSleep_;
     wl_protocol_logger* logger_ = nullptr;
     std::list<Output> outputs_;
+    std::list<Offer> offers_;
     wl_resource* pointer_ = nullptr;
     wl_resource* touch_ = nullptr;
     wl_resource* lockNotification_ = nullptr;

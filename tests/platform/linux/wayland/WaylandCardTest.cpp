@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "platform/linux/hyprland/HyprlandLocks.hpp"
+#include "platform/linux/wayland/HyprlandLocks.hpp"
 #include "platform/linux/wayland/WaylandSessionLinux.hpp"
 #include "platform/linux/wayland/card/CardWindowWayland.hpp"
 #include "tests/platform/linux/wayland/TestCompositor.hpp"
@@ -68,7 +68,7 @@ protected:
     RecordingLog log;
     std::optional<TestCompositor> compositor{std::in_place, loop};
     WaylandSessionLinux session{
-        loop, SURFACE_PROGRAM, {.isByOverlayOfKde = true}, Logger{log.sink(), "", "wayland"}};
+        loop, SURFACE_PROGRAM, {.needsKdeOverlay = true}, Logger{log.sink(), "", "wayland"}};
     std::shared_ptr<CardResources> resources =
         CardResources::make({loop.clock(), loop.mainThread(), log.sink()});
     std::shared_ptr<CardStageLinux> stage = std::make_shared<CardStageLinux>(kStyle);

@@ -6,11 +6,7 @@
 #include "platform/Handle.hpp"
 #include "platform/Listeners.hpp"
 #include "platform/linux/loop/EventLoop.hpp"
-
-struct wl_display;
-struct wl_registry;
-struct hyprland_lock_notifier_v1;
-struct hyprland_lock_notification_v1;
+#include "platform/linux/wayland/WaylandHandles.hpp"
 
 namespace quorvane {
 
@@ -19,7 +15,6 @@ namespace quorvane {
 class HyprlandLocks {
 public:
     explicit HyprlandLocks(EventLoop& loop);
-    ~HyprlandLocks();
     HyprlandLocks(const HyprlandLocks&) = delete;
     HyprlandLocks& operator=(const HyprlandLocks&) = delete;
 
@@ -31,10 +26,11 @@ private:
     void set(bool isLocked);
     void read();
 
-    wl_display* display_;  // null without a compositor
-    wl_registry* registry_ = nullptr;
-    hyprland_lock_notifier_v1* notifier_ = nullptr;
-    hyprland_lock_notification_v1* notification_ = nullptr;
+    // Each belongs to the ones above.
+    Wayland<wl_display> display_;  // null without a compositor
+    Wayland<wl_registry> registry_;
+    Wayland<hyprland_lock_notifier_v1> notifier_;
+    Wayland<hyprland_lock_notification_v1> notification_;
     bool isLocked_ = false;
     Listeners<> listeners_;
     Handle watch_;

@@ -1,8 +1,6 @@
-#include "platform/linux/hyprland/HyprlandLocks.hpp"
+#include "platform/linux/wayland/HyprlandLocks.hpp"
 
-#include <lock-notify-client-protocol.h>
 #include <sys/epoll.h>
-#include <wayland-client.h>
 
 #include <string_view>
 #include <utility>
@@ -19,18 +17,11 @@ HyprlandLocks::HyprlandLocks(EventLoop& loop) : display_(wl_display_connect(null
         .global_remove = [](void*, wl_registry*, std::uint32_t) {},
     };
     if (!display_) return;
-    registry_ = wl_display_get_registry(display_);
-    wl_registry_add_listener(registry_, &kListener, this);
-    wl_display_flush(display_);
-    watch_ = loop.watch(wl_display_get_fd(display_), EPOLLIN, [this](std::uint32_t) { read(); });
-}
-
-HyprlandLocks::~HyprlandLocks() {
-    watch_.reset();
-    if (notification_) hyprland_lock_notification_v1_destroy(notification_);
-    if (notifier_) hyprland_lock_notifier_v1_destroy(notifier_);
-    if (registry_) wl_registry_destroy(registry_);
-    if (display_) wl_display_disconnect(display_);
+    registry_.reset(wl_display_get_registry(display_.get()));
+    wl_registry_add_listener(registry_.get(), &kListener, this);
+    wl_display_flush(display_.get());
+    watch_ =
+        loop.watch(wl_display_get_fd(display_.get()), EPOLLIN, [this](std::uint32_t) { read(); });
 }
 
 void HyprlandLocks::bind(std::uint32_t name) {
@@ -44,10 +35,10 @@ void HyprlandLocks::bind(std::uint32_t name) {
                 static_cast<HyprlandLocks*>(self)->set(false);
             },
     };
-    notifier_ = static_cast<hyprland_lock_notifier_v1*>(
-        wl_registry_bind(registry_, name, &hyprland_lock_notifier_v1_interface, 1));
-    notification_ = hyprland_lock_notifier_v1_get_lock_notification(notifier_);
-    hyprland_lock_notification_v1_add_listener(notification_, &kListener, this);
+    notifier_.reset(static_cast<hyprland_lock_notifier_v1*>(
+        wl_registry_bind(registry_.get(), name, &hyprland_lock_notifier_v1_interface, 1)));
+    notification_.reset(hyprland_lock_notifier_v1_get_lock_notification(notifier_.get()));
+    hyprland_lock_notification_v1_add_listener(notification_.get(), &kListener, this);
 }
 
 void HyprlandLocks::set(bool isLocked) {
@@ -55,7 +46,7 @@ void HyprlandLocks::set(bool isLocked) {
 }
 
 void HyprlandLocks::read() {
-    if (wl_display_dispatch(display_) >= 0 && wl_display_flush(display_) >= 0) return;
+    if (wl_display_dispatch(display_.get()) >= 0 && wl_display_flush(display_.get()) >= 0) return;
     watch_.reset();
     set(false);
 }
