@@ -199,6 +199,11 @@ TEST_F(CardWindowControllerTest, AScreenChangeRebuildsWithoutASecondEntrance) {
     EXPECT_EQ(windows.stages.back()->springs, 0);
     EXPECT_EQ(activities, 1);
     EXPECT_EQ(log.take().front(), "screens changed: 1 screen(s), 2 window(s), windows wanted true");
+    controller->present(kSilent);
+    screens.list.front().scale = 2;
+    screens.changed();
+    mainThread.run();
+    EXPECT_FALSE(isCardSeen(0)) << "without music";
 }
 
 TEST_F(CardWindowControllerTest, MovesAwayFromAPromptAndBack) {
@@ -230,6 +235,9 @@ TEST_F(CardWindowControllerTest, BuildsASmallerCardWhereRoomIsShort) {
     EXPECT_EQ(contentScale, 1.7);
     setKeepClear({{0, 0, 800, 600}});
     EXPECT_EQ(hasRoom, false);
+    setKeepClear({});
+    mainThread.run();
+    EXPECT_EQ(windows.stages.back()->springs, 1) << "enters when there is room";
 }
 
 TEST_F(CardWindowControllerTest, WithALoaderTheWindowServerLiftsTheWindows) {

@@ -136,16 +136,6 @@ TEST_F(MessagePortClientTest, CommandsAreOneByteAndAwaitNothing) {
     }
 }
 
-TEST_F(MessagePortClientTest, DropsItsPortBeforeItAsksForTheNext) {
-    connect();
-    mainPort = {};
-    client->connect();
-    EXPECT_FALSE(client->isConnected().get());
-    client->toggleLove();
-    EXPECT_EQ(log.take(),
-              (Lines{"Message port not available", "Cannot send message: not connected"}));
-}
-
 // Each of these happens inside a waiting state request.
 TEST_F(MessagePortClientTest, ARequestInsideARequestFollowsLater) {
     connect();

@@ -1,4 +1,4 @@
-#include "AddOnKit/card/PressHighlightStyle.hpp"
+#include "AddOnKit/card/Transition.hpp"
 
 #include <gtest/gtest.h>
 
@@ -28,24 +28,6 @@ TEST(Transition, ReversesFromItsCurrentValue) {
     EXPECT_TRUE(t.isMoving(Instant{2260ms})) << "until the spring has settled";
     for (Instant now{2s}; now < Instant{3s}; now += 5ms) EXPECT_LE(t.at(now), 1);
     EXPECT_FALSE(t.isMoving(Instant{3s}));
-}
-
-TEST(PressHighlightStyle, ShowsAPressByALightCircleAndASmallerSymbol) {
-    const Rect frame{100, 50, 44, 44};
-    SymbolNode symbol{{}, "play.fill", 26, Color::white()};
-    Scene scene;
-    PressHighlightStyle::draw(scene, frame, 0, symbol);
-    PressHighlightStyle::draw(scene, frame, 1, symbol);
-    symbol.frame = frame;
-    const GroupBegin smaller{.transform = {.scale = 0.9, .centre = {122, 72}}, .opacity = 0.75};
-    EXPECT_EQ(scene.nodes, (std::vector<SceneNode>{symbol, ShapeNode{frame, 22, Color::white(0.16)},
-                                                   smaller, symbol, GroupEnd{}}));
-    for (const auto& [isPressed, duration] : {std::pair{true, 80ms}, {false, 220ms}}) {
-        Transition amount{isPressed ? 0.0 : 1.0};
-        PressHighlightStyle::turn(amount, isPressed, Instant{});
-        EXPECT_TRUE(amount.isMoving(Instant{duration - 1ms}));
-        EXPECT_FALSE(amount.isMoving(Instant{duration}));
-    }
 }
 
 }  // namespace
