@@ -148,22 +148,6 @@ TEST(PlayerView, ShowsTimesAsText) {
     EXPECT_EQ(TimeFormatting::remaining(200, 10.5), "\u22123:09");
 }
 
-TEST(PlayerView, MirrorsAllButTheTransport) {
-    Fixture f;
-    const Scene left = f.scene();
-    f.environment.isRightToLeft = true;
-    const Scene right = f.scene();
-    EXPECT_TRUE(right.isRightToLeft);
-    ASSERT_EQ(left.controls.size(), right.controls.size());
-    for (const SceneControl& one : left.controls) {
-        const Rect other = control(right, one.id)->frame;
-        const bool stays = one.id == ID::previous || one.id == ID::playPause || one.id == ID::next;
-        EXPECT_EQ(other.x, stays ? one.frame.x : kCard.width - one.frame.maxX()) << one.label;
-        EXPECT_EQ(other.y, one.frame.y);
-    }
-    EXPECT_GT(all<TextNode>(right).at(2).frame.x, all<TextNode>(right).at(3).frame.x);
-}
-
 TEST(PlayerView, FadesFromTheOldArtworkToTheNew) {
     Fixture f;
     const ImageRef old = std::make_shared<Image>();

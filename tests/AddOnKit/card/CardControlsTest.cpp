@@ -1,7 +1,7 @@
-#include "AddOnKit/card/Transition.hpp"
-
 #include <gtest/gtest.h>
 
+#include "AddOnKit/card/Transition.hpp"
+#include "AddOnKit/card/VolumeSlider.hpp"
 #include "drawing/Spring.hpp"
 
 namespace quorvane {
@@ -28,6 +28,20 @@ TEST(Transition, ReversesFromItsCurrentValue) {
     EXPECT_TRUE(t.isMoving(Instant{2260ms})) << "until the spring has settled";
     for (Instant now{2s}; now < Instant{3s}; now += 5ms) EXPECT_LE(t.at(now), 1);
     EXPECT_FALSE(t.isMoving(Instant{3s}));
+}
+
+TEST(VolumeSlider, TurnsATouchIntoAVolume) {
+    const struct {
+        double x, width;
+        bool isRightToLeft;
+        std::int64_t volume;
+    } rows[] = {{150, 300, false, 50}, {2.9, 300, false, 0},   {299.9, 300, false, 99},
+                {-40, 300, false, 0},  {999, 300, false, 100}, {0, 300, true, 100},
+                {999, 300, true, 0},   {75, 300, true, 75},    {0.5, 1, false, 50},
+                {0.25, 0, false, 25},  {7, 0, false, 100}};
+    for (const auto& row : rows)
+        EXPECT_EQ(VolumeSlider::value(row.x, row.width, row.isRightToLeft), row.volume)
+            << row.x << " of " << row.width;
 }
 
 }  // namespace
