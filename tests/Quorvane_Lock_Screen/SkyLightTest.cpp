@@ -36,7 +36,10 @@ struct SkyLightTest : testing::Test {
         {"SLSSpaceAddWindowsAndRemoveFromSpaces",
          reinterpret_cast<void*>(succeed<std::int32_t, std::uint64_t, const void*, std::int32_t>)}};
     const DynamicLoader loader{
-        .open = [this](const char*) -> void* { return ++opens, hasLibrary ? this : nullptr; },
+        .open = [this](const char*) -> void* {
+            ++opens;
+            return hasLibrary ? this : nullptr;
+        },
         .symbol = [this](void*, const char* name) { return symbols[name]; },
         .lastError = [] { return std::optional<std::string>{"no such file"}; },
         .arrayOfNumber = [](std::uint64_t) { return std::shared_ptr<const void>{}; }};

@@ -145,10 +145,9 @@ struct FakePlatform {
         do queues.runAll();
         while (mainThread.run() > 0);
     }
-    void pass(Duration duration) {
-        constexpr Duration kStep = std::chrono::milliseconds{10};
-        for (; duration > Duration{}; duration -= kStep) {
-            clock.advance(std::min(duration, kStep));
+    void pass(Duration duration, Duration step = std::chrono::milliseconds{10}) {
+        for (; duration > Duration{}; duration -= step) {
+            clock.advance(std::min(duration, step));
             settle();
         }
     }

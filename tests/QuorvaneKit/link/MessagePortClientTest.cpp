@@ -19,6 +19,7 @@ TEST_F(MessagePortClientTest, StartConnectsAsksForTheStateAndListens) {
     EXPECT_EQ(log.lines().back().redacted,
               "State received - track: <private> -> <private>, position: 12.250000s");
     EXPECT_EQ(client->playerState(), sampleState());
+
     client->start();  // again: a new port, no second observer, and no change of "connected"
     EXPECT_EQ(notices.deliver(kStateChanged), 1);
     EXPECT_EQ(ports.sent.size(), 3U);
@@ -128,6 +129,16 @@ TEST_F(MessagePortClientTest, CommandsAreOneByteAndAwaitNothing) {
         EXPECT_EQ(sent.receiveTimeout, 0s);
         EXPECT_FALSE(sent.awaitsReply);
     }
+}
+
+TEST_F(MessagePortClientTest, DropsItsPortBeforeItAsksForTheNext) {
+    connect();
+    mainPort = {};
+    client->connect();
+    EXPECT_FALSE(client->isConnected().get());
+    client->toggleLove();
+    EXPECT_EQ(log.take(),
+              (Lines{"Message port not available", "Cannot send message: not connected"}));
 }
 
 // Each of these happens inside a waiting state request.
