@@ -15,13 +15,6 @@ using namespace std::chrono_literals;
 // Shorter than a request's timeout.
 constexpr Duration kStep = 500ms;
 
-void pass(FakePlatform& platform, Duration duration) {
-    for (; duration > Duration{}; duration -= kStep) {
-        platform.clock.advance(std::min(duration, kStep));
-        platform.settle();
-    }
-}
-
 TEST(Day, OfLocksLeavesNothingAndLosesNoTime) {
     const char* const wished = std::getenv("QUORVANE_DAY_LOCKS");
     const int locks = wished ? std::atoi(wished) : 1000;
@@ -33,16 +26,16 @@ TEST(Day, OfLocksLeavesNothingAndLosesNoTime) {
     const std::size_t timers = platform.clock.pendingTimers();
     const std::size_t observers = platform.notices.observerCount();
 
-    pass(platform, 1ms);  // no lock coincides with a hello
+    platform.pass(1ms, kStep);  // no lock coincides with a hello
     for (int lock = 0; lock < locks; ++lock) {
         platform.lock();
-        pass(platform, 800ms);
+        platform.pass(800ms, kStep);
         ASSERT_EQ(platform.windows.open().size(), 1u) << "lock " << lock;
         platform.unlock();
         ASSERT_TRUE(platform.windows.open().empty()) << "lock " << lock;
         ASSERT_EQ(platform.activities, 0);
         ASSERT_EQ(platform.clock.pendingTimers(), timers) << "lock " << lock;
-        pass(platform, kDay / locks - 800ms);
+        platform.pass(kDay / locks - 800ms, kStep);
         // The records of the fakes.
         platform.windows.windows.clear();
         platform.windows.stages.clear();

@@ -36,9 +36,6 @@ void readRecord(ByteView input) {
           "what was encoded decodes to the same");
 }
 
-void readConfiguration(ByteView input) { readRecord<LockScreenAddOnConfiguration>(input); }
-void readHello(ByteView input) { readRecord<LockScreenAddOnHello>(input); }
-
 // The decoder that remembers the last artwork agrees with one that remembers none.
 void readPlayerState(ByteView input) {
     readRecord<QuorvanePlayerState>(input);
@@ -163,8 +160,8 @@ constexpr std::string_view kURLs[] = {"file:///music/a%20b.png", "file://localho
 constexpr std::string_view kTexts[] = {"Title \x1b[2J\r\n \xF0\x9F\x8E\xB5"};
 
 constexpr FuzzTarget kTargets[] = {
-    {"configuration", readConfiguration, kConfigurations},
-    {"hello", readHello, kHellos},
+    {"configuration", readRecord<LockScreenAddOnConfiguration>, kConfigurations},
+    {"hello", readRecord<LockScreenAddOnHello>, kHellos},
     {"log-line", renderLogLine, kTexts},
     {"picture", readPicture, kPictures},
     {"player-state", readPlayerState, kStates},

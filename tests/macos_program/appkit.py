@@ -14,8 +14,8 @@ IDENTITY = (1.0, *(0.0,) * 4) * 3 + (1.0,)
 DOWN, UP, DRAGGED, CANCELLED = 1, 2, 6, 40  # types of events
 MOUSE = {DOWN: "mouseDown:", UP: "mouseUp:", DRAGGED: "mouseDragged:", CANCELLED: "mouseCancelled:"}
 # The window server's functions: how many arguments, what they return.
-WINDOW_SERVER = {"SLSMainConnectionID": (0, 77), "SLSSpaceCreate": (3, 0x500000009), "SLSSpaceSetAbsoluteLevel": (3, 0),
-                 "SLSShowSpaces": (2, 0), "SLSSpaceAddWindowsAndRemoveFromSpaces": (4, 0)}  # fmt: skip
+WINDOW_SERVER = {"SLSMainConnectionID": (0, 77), "SLSSpaceCreate": (3, 0x500000009), "SLSSpaceSetAbsoluteLevel": (3, 1001),
+                 "SLSShowSpaces": (2, 1002), "SLSSpaceAddWindowsAndRemoveFromSpaces": (4, 1003)}  # fmt: skip
 
 
 def doubles(*values):

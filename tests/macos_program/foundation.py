@@ -212,7 +212,6 @@ EFFECTS = {
     "NSMutableData dataWithCapacity:": lambda s, cls, capacity: s.new("NSMutableData", bytearray(), capacity=capacity),
     "NSMutableData appendBytes:length:": lambda s, data, more, length: data.value.extend(s.read(more, length)),
     "NSMutableData mutableBytes": lambda s, data: s.buffer(data, data.value),
-    "NSURL fileURLWithPath:": lambda s, cls, path: s.make_url(path.value),
     "NSURL fileURLWithFileSystemRepresentation:isDirectory:relativeToURL:": (
         lambda s, cls, path, is_directory, base: s.make_url(path + "/" * is_directory)
     ),

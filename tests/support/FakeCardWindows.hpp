@@ -13,16 +13,12 @@ class FakeStage : public CardStage {
 public:
     bool isHidden = true;
     int springs = 0;
-    Transform lastStart;
     std::vector<Scene> scenes;
     StageEvents events;
 
     void setHidden(bool hidden) override { isHidden = hidden; }
     void removeAnimations() override {}
-    void springFrom(const Transform& start, const Spring&) override {
-        ++springs;
-        lastStart = start;
-    }
+    void springFrom(const Transform&, const Spring&) override { ++springs; }
     void setScene(const Scene& scene) override { scenes.push_back(scene); }
     void setEvents(StageEvents newEvents) override { events = std::move(newEvents); }
 };
@@ -121,15 +117,6 @@ struct FakeCardWindows {
             return window->isOnScreen && !window->isClosed;
         });
         return standing;
-    }
-    // Whether the card of an open window is visible once its fades have ended.
-    bool isCardSeen(std::size_t place) const {
-        const auto standing = open();
-        if (place >= standing.size()) return false;
-        FakeWindowState& window = *standing[place];
-        if (const auto end = std::exchange(window.fadeCompletion, nullptr)) end();
-        const auto stage = std::dynamic_pointer_cast<FakeStage>(window.content.lock());
-        return stage && !stage->isHidden && window.alpha == 1 && !window.ignoresMouseEvents;
     }
 };
 

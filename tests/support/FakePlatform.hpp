@@ -128,7 +128,6 @@ struct FakePlatform {
     bool isLocked = false;
     std::function<void()> wake;
     int activities = 0;
-    std::uint64_t activityOptions = 0;
     int terminations = 0;
     ScriptedMainApp mainApp{ports, clock.wallClock()};
     LivePlatform live;
@@ -146,10 +145,9 @@ struct FakePlatform {
         do queues.runAll();
         while (mainThread.run() > 0);
     }
-    void pass(Duration duration) {
-        constexpr Duration kStep = std::chrono::milliseconds{10};
-        for (; duration > Duration{}; duration -= kStep) {
-            clock.advance(std::min(duration, kStep));
+    void pass(Duration duration, Duration step = std::chrono::milliseconds{10}) {
+        for (; duration > Duration{}; duration -= step) {
+            clock.advance(std::min(duration, step));
             settle();
         }
     }
@@ -174,7 +172,14 @@ struct FakePlatform {
         if (window >= open.size()) return nullptr;
         return std::dynamic_pointer_cast<FakeStage>(open[window]->content.lock());
     }
-    bool isCardSeen(std::size_t window = 0) const { return windows.isCardSeen(window); }
+    // Whether the card of an open window is visible once its fades have ended.
+    bool isCardSeen(std::size_t window = 0) const {
+        const auto shown = stage(window);
+        if (shown == nullptr) return false;
+        FakeWindowState& state = *windows.open()[window];
+        if (const auto end = std::exchange(state.fadeCompletion, nullptr)) end();
+        return !shown->isHidden && state.alpha == 1 && !state.ignoresMouseEvents;
+    }
     std::optional<Rect> frame(SceneControl::ID id) const {
         const auto shown = stage();
         if (!shown || shown->scenes.empty()) return std::nullopt;
@@ -291,8 +296,7 @@ private:
         spoil(live.cardWindows.makeWindow);
         live.decodeImage = [](ByteView) { return std::make_shared<Image>(); };
         spoil(live.decodeImage);
-        live.beginActivity = [this](std::uint64_t options, const std::string&) {
-            activityOptions = options;
+        live.beginActivity = [this](std::uint64_t, const std::string&) {
             ++activities;
             return Handle{[this] { --activities; }};
         };

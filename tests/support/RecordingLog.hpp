@@ -17,7 +17,6 @@ class RecordingLog {
 public:
     struct Line {
         LogLevel level;
-        std::string category;
         std::string text;
         std::string redacted;  // as a log that hides private values would show it
     };
@@ -25,8 +24,7 @@ public:
     LogSink sink() {
         return [this](const LogLine& line) {
             const std::lock_guard guard{mutex_};
-            lines_.push_back({line.level, std::string{line.category}, logLineText(line, true),
-                              logLineText(line, false)});
+            lines_.push_back({line.level, logLineText(line, true), logLineText(line, false)});
         };
     }
 

@@ -7,11 +7,10 @@
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace quorvane {
 
-// Move-only. Mode 0700. Its path is short enough for the name of a socket in it.
+// Mode 0700. Its path is short enough for the name of a socket in it.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
@@ -19,14 +18,11 @@ public:
         if (mkdtemp(pattern.data()) == nullptr) std::abort();
         path_ = pattern;
     }
-    TemporaryFolder(TemporaryFolder&& other) noexcept : path_(std::exchange(other.path_, {})) {}
-    TemporaryFolder& operator=(TemporaryFolder&& other) noexcept {
-        path_.swap(other.path_);
-        return *this;
-    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder() {
         std::error_code ignored;
-        if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+        std::filesystem::remove_all(path_, ignored);
     }
 
     const std::filesystem::path& path() const { return path_; }

@@ -19,11 +19,6 @@ TEST_F(MessagePortClientTest, StartConnectsAsksForTheStateAndListens) {
     EXPECT_EQ(log.lines().back().redacted,
               "State received - track: <private> -> <private>, position: 12.250000s");
     EXPECT_EQ(client->playerState(), sampleState());
-    EXPECT_EQ(ports.sent.at(0).messageID, 1);
-    EXPECT_EQ(ports.sent[0].body, secret);
-    EXPECT_EQ(ports.sent[0].sendTimeout, 1s);
-    EXPECT_EQ(ports.sent[0].receiveTimeout, 1s);
-    EXPECT_TRUE(ports.sent[0].awaitsReply);
 
     client->start();  // again: a new port, no second observer, and no change of "connected"
     EXPECT_EQ(notices.deliver(kStateChanged), 1);

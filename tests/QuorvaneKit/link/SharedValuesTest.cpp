@@ -1,13 +1,9 @@
 // The values that the main application and the add-on exchange and store for each other.
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "QuorvaneKit/link/LockScreenHelloClient.hpp"
 #include "QuorvaneKit/link/MessagePortSecret.hpp"
-#include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
 #include "QuorvaneKit/link/SharedDefaults.hpp"
-#include "QuorvaneKit/link/SharedDefaultsKey.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnStatus.hpp"
 #include "QuorvaneKit/records/LockScreenHelloOutcome.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
@@ -116,21 +112,6 @@ TEST(LockScreenAddOnStatus, VersionsCompareNumberByNumber) {
         EXPECT_FALSE(isOlderVersion(newer, older)) << older;
     }
     EXPECT_FALSE(isOlderVersion("1", "1.0.0") || isOlderVersion("1.0.0", "1"));
-}
-
-TEST(SharedNames, EachNoticeAndEachKeyHasItsOwn) {
-    using Notice = QuorvaneDarwinNotification;
-    using Key = SharedDefaultsKey;
-    std::set<std::string_view> notices{Notice::playerStateChanged, Notice::mainAppWillTerminate,
-                                       Notice::lockScreenConfigurationChanged};
-    notices.insert(std::begin(Notice::kOthers), std::end(Notice::kOthers));
-    notices.insert(std::begin(Notice::kWidgetPrefixes), std::end(Notice::kWidgetPrefixes));
-    EXPECT_EQ(notices.size(), 25u);
-    std::set<std::string_view> keys{Key::lockScreenEnabled, Key::lockScreenRemovalRequested,
-                                    Key::lockScreenRemovalTargetInstallID,
-                                    Key::lockScreenAddOnLastSeen};
-    keys.insert(std::begin(Key::kOthers), std::end(Key::kOthers));
-    EXPECT_EQ(keys.size(), 31u);
 }
 
 const LockScreenAddOnSighting kSighting{"1.2.3", "26.1.0", true, ManualClock::kStart, "A"};

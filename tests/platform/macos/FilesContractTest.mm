@@ -4,10 +4,8 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 
 #include "platform/BundleFiles.hpp"
-#include "platform/RegularFiles.hpp"
 #include "platform/macos/files/FilesMacOS.hpp"
 #include "platform/macos/services/ServicesMacOS.hpp"
 #include "tests/support/TemporaryFolder.hpp"
@@ -43,16 +41,6 @@ TEST(FileManagerMacOS, RemovesALinkAndNotWhatItLeadsTo) {
     ASSERT_FALSE(gone);
     EXPECT_EQ(gone.error().domain, PlatformError::Domain::cocoa);
     EXPECT_EQ(gone.error().code, FileManagerClient::kNoSuchFile);
-}
-
-TEST(RegularFilesMacOS, RefusesPipesAndWhatIsTooLarge) {
-    const TemporaryFolder folder;
-    const RegularFiles files = makeLiveRegularFiles();
-    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
-    EXPECT_FALSE(files.read(folder / "pipe", 100));
-    folder.write("file", "12345678");
-    EXPECT_EQ(textOf(files.read(folder / "file", 8)->contents), "12345678");
-    EXPECT_EQ(files.read(folder / "file", 7).error().code, EFBIG);
 }
 
 TEST(BundleFilesMacOS, SwapTheNewForTheOldAndLeaveNothing) {

@@ -1,18 +1,30 @@
 // The adapters' contract for time, notices and message ports, checked on the real system.
+#import <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <functional>
 #include <thread>
 
 #include "platform/macos/ports/MessagePortsMacOS.hpp"
 #include "platform/macos/services/ServicesMacOS.hpp"
-#include "tests/platform/macos/MainLoop.hpp"
 
 namespace quorvane {
 namespace {
 
 using namespace std::chrono_literals;
+
+// Runs the main loop until the condition holds, for ten seconds at most.
+bool turnMainLoopUntil(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + 10s;
+    while (!condition() && std::chrono::steady_clock::now() < end) {
+        const Timer look =
+            makeClockMacOS().after(20ms, [] { CFRunLoopStop(CFRunLoopGetCurrent()); });
+        CFRunLoopRun();
+    }
+    return condition();
+}
 
 std::string uniqueName(const std::string& what) {
     return "example.quillon.Quorvane.Tests." + std::to_string(getpid()) + "." + what;

@@ -283,6 +283,8 @@ TEST(LocalPortName, TakesThePlaceOfWhateverStandsThereButFollowsNoLink) {
     ASSERT_NE(port, nullptr);
     EXPECT_EQ(modeOf(folder / kName), 01600);
     EXPECT_EQ(modeOf(folder / lock), 01600);
+    port->stop();
+    port->run();  // stopped before it ran
 }
 
 }  // namespace

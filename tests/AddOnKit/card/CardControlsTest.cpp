@@ -1,7 +1,7 @@
-#include "AddOnKit/card/PressHighlightStyle.hpp"
-
 #include <gtest/gtest.h>
 
+#include "AddOnKit/card/Transition.hpp"
+#include "AddOnKit/card/VolumeSlider.hpp"
 #include "drawing/Spring.hpp"
 
 namespace quorvane {
@@ -30,22 +30,18 @@ TEST(Transition, ReversesFromItsCurrentValue) {
     EXPECT_FALSE(t.isMoving(Instant{3s}));
 }
 
-TEST(PressHighlightStyle, ShowsAPressByALightCircleAndASmallerSymbol) {
-    const Rect frame{100, 50, 44, 44};
-    SymbolNode symbol{{}, "play.fill", 26, Color::white()};
-    Scene scene;
-    PressHighlightStyle::draw(scene, frame, 0, symbol);
-    PressHighlightStyle::draw(scene, frame, 1, symbol);
-    symbol.frame = frame;
-    const GroupBegin smaller{.transform = {.scale = 0.9, .centre = {122, 72}}, .opacity = 0.75};
-    EXPECT_EQ(scene.nodes, (std::vector<SceneNode>{symbol, ShapeNode{frame, 22, Color::white(0.16)},
-                                                   smaller, symbol, GroupEnd{}}));
-    for (const auto& [isPressed, duration] : {std::pair{true, 80ms}, {false, 220ms}}) {
-        Transition amount{isPressed ? 0.0 : 1.0};
-        PressHighlightStyle::turn(amount, isPressed, Instant{});
-        EXPECT_TRUE(amount.isMoving(Instant{duration - 1ms}));
-        EXPECT_FALSE(amount.isMoving(Instant{duration}));
-    }
+TEST(VolumeSlider, TurnsATouchIntoAVolume) {
+    const struct {
+        double x, width;
+        bool isRightToLeft;
+        std::int64_t volume;
+    } rows[] = {{150, 300, false, 50}, {2.9, 300, false, 0},   {299.9, 300, false, 99},
+                {-40, 300, false, 0},  {999, 300, false, 100}, {0, 300, true, 100},
+                {999, 300, true, 0},   {75, 300, true, 75},    {0.5, 1, false, 50},
+                {0.25, 0, false, 25},  {7, 0, false, 100}};
+    for (const auto& row : rows)
+        EXPECT_EQ(VolumeSlider::value(row.x, row.width, row.isRightToLeft), row.volume)
+            << row.x << " of " << row.width;
 }
 
 }  // namespace
