@@ -152,15 +152,12 @@ void AddOnCoordinator::observe() {
 
 void AddOnCoordinator::listenToNotices() {
     const DarwinNotices& notices = platform_.services.darwinNotices;
-    const auto add = [&](const char* name, void (AddOnCoordinator::*member)()) {
-        auto observer = std::make_unique<DarwinNotificationObserver>(notices, name, weakly(member));
-        observer->start();
-        darwinObservers_.push_back(std::move(observer));
-    };
-    add(QuorvaneDarwinNotification::lockScreenConfigurationChanged,
-        &AddOnCoordinator::configurationNotice);
-    add(QuorvaneDarwinNotification::mainAppWillTerminate,
-        &AddOnCoordinator::mainAppWillTerminateNotice);
+    noticeObservers_.push_back(
+        notices.observe(QuorvaneDarwinNotification::lockScreenConfigurationChanged,
+                        weakly(&AddOnCoordinator::configurationNotice)));
+    noticeObservers_.push_back(
+        notices.observe(QuorvaneDarwinNotification::mainAppWillTerminate,
+                        weakly(&AddOnCoordinator::mainAppWillTerminateNotice)));
 }
 
 // A removal is not treated as a change of the permission. The removal request follows at once and

@@ -14,7 +14,6 @@
 #include "AddOnKit/player/StateRefresher.hpp"
 #include "AddOnKit/player/VolumeSender.hpp"
 #include "AddOnKit/presentation/PresentationDriver.hpp"
-#include "QuorvaneKit/link/DarwinNotificationObserver.hpp"
 #include "QuorvaneKit/link/MessagePortClient.hpp"
 #include "Quorvane_Lock_Screen/CardWindowController.hpp"
 #include "Quorvane_Lock_Screen/LockMonitor.hpp"
@@ -89,7 +88,7 @@ private:
     std::optional<CardWindowController> controller_;
     std::optional<StateRefresher> refresher_;
     std::optional<VolumeSender> volume_;
-    std::vector<std::unique_ptr<DarwinNotificationObserver>> darwinObservers_;
+    std::vector<Handle> noticeObservers_;
     std::vector<Handle> observations_;
     bool isRemoving_ = false;  // set once, never cleared
     std::uint64_t volumeCount_ = 0;

@@ -30,17 +30,11 @@ MessagePortClient::MessagePortClient(std::string_view portBaseName,
       secret_(std::move(secret)),
       services_(std::move(services)),
       localResponder_(std::move(localResponder)),
-      log_(services_.log, kKitLogSubsystem, "MessagePortClient"),
-      stateChangedObserver_(services_.darwinNotices, QuorvaneDarwinNotification::playerStateChanged,
-                            [this] { stateChangedNotice(); }) {
+      log_(services_.log, kKitLogSubsystem, "MessagePortClient") {
     for (std::size_t index = 0; index < kQueryPortCount; ++index)
         querySlots_.emplace_back(
             index, queryPortName(portBaseName_, index), services_.makeSerialQueue,
-            QueryPort::Services{services_.connectPort, secret_, services_.clock.now, log_});
-}
-
-MessagePortClient::~MessagePortClient() {
-    for (QuerySlot& slot : querySlots_) slot.cancel();
+            QuerySlot::Services{services_.connectPort, secret_, services_.clock.now, log_});
 }
 
 void MessagePortClient::start() {
@@ -54,14 +48,16 @@ void MessagePortClient::start() {
     connect();
     // If it was stopped during the wait, it stays stopped.
     if (life.isOver() || isStopped_) return;
-    stateChangedObserver_.start();
+    if (!stateChangedObserver_)
+        stateChangedObserver_ = services_.darwinNotices.observe(
+            QuorvaneDarwinNotification::playerStateChanged, [this] { stateChangedNotice(); });
 }
 
 // A notice does not restart a stopped client.
 void MessagePortClient::stop() {
     log_.info("Stopping message port client");
     isStopped_ = true;
-    stateChangedObserver_.stop();
+    stateChangedObserver_.reset();
     disconnect();
 }
 
