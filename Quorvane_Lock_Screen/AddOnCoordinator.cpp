@@ -102,7 +102,9 @@ void AddOnCoordinator::makeLink() {
 
 void AddOnCoordinator::makeController() {
     controller_.emplace(
-        [this](const Screen& screen) { return makeContent(screen); },
+        [this](const Screen& screen, std::shared_ptr<CardStage> stage) {
+            return makeContent(screen, std::move(stage));
+        },
         CardWindowController::Services{.log = platform_.services.log,
                                        .windows = platform_.cardWindows,
                                        .screens = platform_.screens,
@@ -272,17 +274,18 @@ PlayerActions AddOnCoordinator::playerActions() {
             .endVolume = weakly(&AddOnCoordinator::endVolume)};
 }
 
-std::unique_ptr<CardContent> AddOnCoordinator::makeContent(const Screen& screen) {
+std::unique_ptr<CardContent> AddOnCoordinator::makeContent(const Screen& screen,
+                                                           std::shared_ptr<CardStage> stage) {
     return std::make_unique<PlayerCard>(
-        model_, playerActions(),
+        model_, playerActions(), std::move(stage),
         PlayerCardEnvironment{.clock = platform_.services.clock,
                               .wallClock = platform_.services.wallClock,
-                              .localized = platform_.localized,
-                              .measureText = platform_.cardWindows.measureText,
                               .reducesMotion = platform_.cardWindows.reducesMotion,
                               .isRightToLeft = platform_.isRightToLeft,
-                              .scale = screen.scale,
-                              .widestMovedText = platform_.cardWindows.widestMovedText});
+                              .view = {.localized = platform_.localized,
+                                       .measureText = platform_.cardWindows.measureText,
+                                       .widestMovedText = platform_.cardWindows.widestMovedText,
+                                       .scale = screen.scale}});
 }
 
 void AddOnCoordinator::removalRequested() {

@@ -74,7 +74,8 @@ private:
 
     void connectIfNeeded();
     PlayerActions playerActions();
-    std::unique_ptr<CardContent> makeContent(const Screen& screen);
+    std::unique_ptr<CardContent> makeContent(const Screen& screen,
+                                             std::shared_ptr<CardStage> stage);
 
     const LivePlatform& platform_;
     Logger log_;

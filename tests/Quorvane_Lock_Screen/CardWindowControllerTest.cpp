@@ -16,7 +16,6 @@ constexpr PresentationState kPlaying{true, true, true, true, true};
 struct FakeContent : CardContent {
     FakeContent(int& shown, int& frozen) : shownContents(shown), frozenContents(frozen) {}
     ~FakeContent() override { setShown(false); }
-    void attach(std::shared_ptr<CardStage>) override {}
     void setShown(bool shown) override {
         shownContents += shown - std::exchange(isShown, shown);
         frozenContents -= std::exchange(isFrozen, false);
@@ -35,7 +34,7 @@ struct CardWindowControllerTest : testing::Test, FakePlatform {
         makeController(std::nullopt);
     }
     void makeController(const std::optional<DynamicLoader>& loader) {
-        const auto makeContent = [this](const Screen& screen) {
+        const auto makeContent = [this](const Screen& screen, const std::shared_ptr<CardStage>&) {
             contentScale = screen.scale;
             return std::make_unique<FakeContent>(shownContents, frozenContents);
         };
@@ -73,11 +72,8 @@ TEST_F(CardWindowControllerTest, BuildsOneWindowAScreenAndShowsTheCardsAfterTheP
     EXPECT_EQ(windows.stages[0]->lastStart.centre, (Point{252, 163}));
     EXPECT_EQ(windows.stages[0]->lastStart.offset, (Point{0, 12}));
     EXPECT_TRUE(isCardSeen(0) && isCardSeen(1));
-    const Rect frame{708, 482, 504, 326};
-    EXPECT_EQ(windows.windows[0]->settings,
-              (WindowSettings{
-                  .frame = frame, .styleMask = 128, .level = 1000, .collectionBehavior = 337}));
-    EXPECT_EQ(windows.windows[1]->settings.frame, (Rect{2308, 443, 504, 326}));
+    EXPECT_EQ(windows.windows[0]->frame, (Rect{708, 482, 504, 326}));
+    EXPECT_EQ(windows.windows[1]->frame, (Rect{2308, 443, 504, 326}));
 
     controller->present(kUnlocked);
     EXPECT_TRUE(windows.open().empty());
@@ -224,7 +220,7 @@ TEST_F(CardWindowControllerTest, BuildsASmallerCardWhereRoomIsShort) {
     EXPECT_EQ(contentScale, 2);
     setKeepClear({{305, 205, 190, 190}});
     ASSERT_EQ(windows.open().size(), 1u);
-    EXPECT_EQ(windows.open()[0]->settings.contentScale, 0.85);
+    EXPECT_EQ(windows.open()[0]->scale, 0.85);
     EXPECT_EQ(windows.open()[0]->frame.width, 0.85 * 504);
     EXPECT_EQ(windows.open()[0]->screen.scale, 2);
     EXPECT_EQ(contentScale, 1.7);
