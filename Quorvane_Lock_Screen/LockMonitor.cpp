@@ -75,9 +75,8 @@ void LockMonitor::logSharedLockUIState() const {
     sources_.notifyCancel(token);
 }
 
-// Handlers call this last. The listener is a copy because it may destroy the monitor.
 void LockMonitor::emit(const PresentationEvent& event) const {
-    if (const auto listener = onEvent) listener(event);
+    if (onEvent) onEvent(event);
 }
 
 }  // namespace quorvane

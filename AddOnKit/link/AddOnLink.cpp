@@ -36,8 +36,7 @@ void AddOnLink::sayHello() {
         return;
     }
     isInFlight_ = true;
-    const auto send = sendHello_;
-    send(hello(), [this, life = life_.watch()](LockScreenHelloResult result) {
+    sendHello_(hello(), [this, life = life_.watch()](LockScreenHelloResult result) {
         if (!life.isOver() && !isStopped_.get()) helloEnded(result);
     });
 }
@@ -61,12 +60,11 @@ void AddOnLink::helloEnded(const LockScreenHelloResult& result) {
     using Outcome = LockScreenHelloResult::Outcome;
     isInFlight_ = false;
     const bool followUp = std::exchange(followUpRequested_, false);
-    const auto life = life_.watch();
     // A hello that was not sent does not count, because the next one would get the old removal.
     if (result.outcome != Outcome::notSent) supersedesUntil_.reset();
     if (result.outcome == Outcome::answered) apply(result.configuration);
     // If an observer of the answer has already sent a hello, that one is the follow-up.
-    if (life.isOver() || isStopped_.get() || isInFlight_) return;
+    if (isStopped_.get() || isInFlight_) return;
     if (followUp) {
         sayHello();
     } else if (std::exchange(loopAwaitsAnswer_, false)) {
@@ -81,13 +79,11 @@ void AddOnLink::apply(const LockScreenAddOnConfiguration& answer) {
     if (answer == configuration_.get()) return;
     log_.info("Configuration: enabled %{bool}d, removal %{bool}d, minimum %{public}s",
               answer.isEnabled, answer.removalRequested, answer.minimumAddOnVersion);
-    const auto life = life_.watch();
     configuration_.set(answer);
-    if (life.isOver() || !answer.removalRequested) return;
+    if (!answer.removalRequested) return;
     log_.standard("Quorvane asked for removal; no more hellos");
     stop();
-    if (life.isOver()) return;
-    if (const auto action = onRemovalRequested_) action();
+    onRemovalRequested_();
 }
 
 LockScreenAddOnHello AddOnLink::hello() const {

@@ -15,8 +15,7 @@
 
 namespace quorvane {
 
-// Main thread only. Owned by the coordinator. Listeners and actions may re-enter or destroy the
-// link.
+// Main thread only. Owned by the coordinator. Listeners and actions may re-enter the link.
 class AddOnLink {
 public:
     // Sends one hello. The completion runs once, on the main thread, inside the call or later.

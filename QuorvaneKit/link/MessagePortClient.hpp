@@ -36,10 +36,9 @@ struct MessagePortLocalResponder {
     Operation lastFmImage;
 };
 
-// Main thread only, except that queries are sent on their slots' queues.
-// Destroying the client cancels them. Every call out (a send
-// that waits, a listener, a callback) may run the main loop or other code, which may re-enter,
-// reconnect or destroy the client.
+// Main thread only, except that queries are sent on their slots' queues. Every call out (a send
+// that waits, a listener, a callback) may run the main loop or other code, which may re-enter or
+// reconnect the client but does not destroy it. Destroying the client cancels its queries.
 class MessagePortClient {
 public:
     struct Services {

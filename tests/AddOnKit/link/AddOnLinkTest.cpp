@@ -138,20 +138,5 @@ TEST(AddOnLink, SupersedesARemovalInTheFirstHelloThatIsSentAndNotForLong) {
     EXPECT_EQ(superseding({kNotSent, kNoAnswer, kNotSent}), (std::vector{true, true, false}));
 }
 
-TEST(AddOnLink, ObserversAndTheRemovalMayDestroyIt) {
-    for (const int what : {0, 1, 2}) {
-        Fixture f;
-        const auto destroy = [&] { f.link.reset(); };
-        Handle handle;
-        if (what == 0) handle = f.link->configuration().subscribe(destroy);
-        if (what == 1) handle = f.link->isStopped().subscribe(destroy);
-        if (what == 2) f.atRemoval = destroy;
-        f.link->start();
-        f.answer(kRemoval);
-        EXPECT_EQ(f.link, nullptr);
-        EXPECT_EQ(f.removals, 0);
-    }
-}
-
 }  // namespace
 }  // namespace quorvane

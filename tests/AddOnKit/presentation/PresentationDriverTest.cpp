@@ -68,20 +68,6 @@ TEST(PresentationDriver, AListenersEventsFollowTheChangeItWasNotifiedOf) {
                                                          {.allowsPlayer = true}}));
 }
 
-TEST(PresentationDriver, MayBeDestroyedByItsListeners) {
-    for (const bool byOnLocked : {true, false}) {
-        Fixture f;
-        const auto destroy = [&f] {
-            f.driver.reset();
-            ++f.locks;  // the listener has not been destroyed
-        };
-        f.driver->onLocked = byOnLocked ? std::function<void()>{destroy} : nullptr;
-        f.driver->onChange = [destroy](const PresentationState&) { destroy(); };
-        f.driver->handle(event::Locked{});
-        EXPECT_EQ(f.driver, nullptr);
-    }
-}
-
 // Windows are wanted exactly when the card is allowed and the screen has been locked with its UI
 // shown for the whole delay.
 TEST(PresentationDriver, WantsWindowsAfterAnUnbrokenDelayInLongRandomSequences) {
