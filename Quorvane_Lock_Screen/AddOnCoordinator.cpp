@@ -76,24 +76,11 @@ void AddOnCoordinator::startClient() {
 }
 
 void AddOnCoordinator::makeLink() {
-    const auto sendHello = [weak = weak_from_this()](LockScreenAddOnHello hello,
-                                                     AddOnLink::HelloCompletion done) {
-        const auto self = weak.lock();
-        if (self == nullptr) return;
-        sendLockScreenHello(
-            hello,
-            [weak](MessageType type, Bytes payload, Duration timeout,
-                   std::function<void(QueryOutcome)> completion) {
-                if (const auto alive = weak.lock())
-                    alive->client_.sendQuery(type, std::move(payload), timeout,
-                                             std::move(completion));
-            },
-            self->log_, std::move(done));
-    };
     const LiveServices& services = platform_.services;
     link_.emplace(
         AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID, log_),
-        sendHello, services.clock, weakly(&AddOnCoordinator::removalRequested), services.log);
+        weakly(&AddOnCoordinator::sendHello), services.clock,
+        weakly(&AddOnCoordinator::removalRequested), services.log);
     const AddOnIdentity& identity = link_->identity();
     log_.info("link: add-on %{public}s, macOS %{public}s, supported %{bool}d, install %{public}s",
               shortVersion(services.process), identity.macOSVersion, identity.supportsThisMacOS,
@@ -186,6 +173,14 @@ void AddOnCoordinator::present(const PresentationState& state) {
     const bool isWanted = driver_.state().windowsWanted();
     client_.setPolling(isWanted);
     refresher_->setActive(isWanted);
+}
+
+void AddOnCoordinator::sendHello(const LockScreenAddOnHello& hello,
+                                 const AddOnLink::HelloCompletion& completion) {
+    const auto sendQuery = [this](auto&&... query) {
+        client_.sendQuery(std::forward<decltype(query)>(query)...);
+    };
+    sendLockScreenHello(hello, sendQuery, log_, completion);
 }
 
 // Posted as a separate task, so that the lock event is fully handled first.

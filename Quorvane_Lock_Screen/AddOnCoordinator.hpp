@@ -62,6 +62,7 @@ private:
     void sendVolume(std::int64_t level);
     void present(const PresentationState& state);
     void noteRoom(bool hasRoom);
+    void sendHello(const LockScreenAddOnHello& hello, const AddOnLink::HelloCompletion& completion);
     void sayHelloSoon();
     void configurationNotice();
     void mainAppWillTerminateNotice();

@@ -1,7 +1,7 @@
 #include "Quorvane_Lock_Screen/CardWindowController.hpp"
 
 #include <algorithm>
-#include <tuple>
+#include <utility>
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
@@ -189,24 +189,22 @@ void CardWindowController::unseenChanged(Unseen reason, bool holds) {
 // or changes its size, all windows are rebuilt.
 void CardWindowController::keepClearChanged() {
     if (!state_.windowsWanted()) return;
-    std::vector<std::tuple<Entry*, Screen, Rect>> moves;
-    std::size_t placed = 0;
-    for (const Screen& screen : services_.screens.list()) {
-        const auto place = CardPlacement::place(screen.frame, screen.keepClear);
-        if (!place) continue;
-        ++placed;
-        const auto entry = std::ranges::find_if(entries_, [&](const Entry& each) {
-            return each.screen.frame == screen.frame && each.scale == place->scale;
+    std::vector<std::pair<Screen, CardPlace>> placed;
+    for (const Screen& screen : services_.screens.list())
+        if (const auto place = CardPlacement::place(screen.frame, screen.keepClear))
+            placed.emplace_back(screen, *place);
+    const bool canMove =
+        std::ranges::equal(entries_, placed, [](const Entry& entry, const auto& now) {
+            return entry.screen.frame == now.first.frame && entry.scale == now.second.scale;
         });
-        if (entry != entries_.end()) moves.emplace_back(&*entry, screen, place->frame);
-    }
-    if (moves.size() != placed || moves.size() != entries_.size()) {
+    if (!canMove) {
         apply(CardWindowSync::rebuildSteps(state_, existing()), "keep clear");
         return;
     }
-    for (const auto& [entry, screen, frame] : moves) {
-        entry->screen = screen;
-        entry->card->window().setFrame(frame, screen);
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+        const auto& [screen, place] = placed[i];
+        entries_[i].screen = screen;
+        entries_[i].card->window().setFrame(place.frame, screen);
     }
 }
 

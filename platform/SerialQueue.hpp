@@ -8,7 +8,7 @@
 namespace quorvane {
 
 // Any thread may add actions. Destroying the queue drops pending actions and waits for the running
-// one, unless that one destroys the queue.
+// one, so no action may destroy its queue.
 class SerialQueue {
 public:
     virtual ~SerialQueue() = default;
