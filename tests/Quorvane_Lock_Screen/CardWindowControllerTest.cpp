@@ -195,6 +195,10 @@ TEST_F(CardWindowControllerTest, AScreenChangeRebuildsWithoutASecondEntrance) {
     EXPECT_EQ(windows.stages.back()->springs, 0);
     EXPECT_EQ(activities, 1);
     EXPECT_EQ(log.take().front(), "screens changed: 1 screen(s), 2 window(s), windows wanted true");
+    screens.list[0].scale = 3;
+    screens.changed();
+    mainThread.run();
+    EXPECT_EQ(windows.stages.back()->springs, 0);
 }
 
 TEST_F(CardWindowControllerTest, MovesAwayFromAPromptAndBack) {
