@@ -13,8 +13,7 @@ LockMonitor::LockMonitor(DistributedNotices notices, LockSources sources, LogSin
       log_(std::move(log), kAddOnBundleIdentifier, "presenter") {}
 
 void LockMonitor::start() {
-    if (isStarted_) return;
-    isStarted_ = true;
+    if (!noticeObservers_.empty()) return;
     observe(kScreenIsLocked, [this] {
         log_.info("lock: com.apple.screenIsLocked");
         emit(event::Locked{});
@@ -37,8 +36,6 @@ void LockMonitor::start() {
 }
 
 void LockMonitor::stop() {
-    if (!isStarted_) return;
-    isStarted_ = false;
     noticeObservers_.clear();
     wakeObserver_.reset();
 }

@@ -38,7 +38,6 @@ private:
     Logger log_;
     std::vector<Handle> noticeObservers_;
     Handle wakeObserver_;
-    bool isStarted_ = false;
     ThreadCheck mainThread_;
 };
 
