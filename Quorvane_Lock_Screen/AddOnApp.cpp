@@ -68,47 +68,6 @@ void AddOnApp::run() {
     handoverTask_ = platform_.services.clock.after(Duration{}, [this] { handOver(); });
 }
 
-// The continuation after the handover. This copy starts in every case except where two copies would
-// draw cards.
-struct AddOnApp::AfterHandover {
-    const AddOnApp& app;
-
-    void operator()(const InstanceHandover::Alone&) const { start(); }
-    void operator()(const InstanceHandover::OldestCopy& oldest) const {
-        app.log_.standard(
-            "launch: a newer copy (pid %{public}s) is running; starting anyway, it hands over to "
-            "this one",
-            joined(oldest.newer));
-        start();
-    }
-    void operator()(const InstanceHandover::OthersExited& exited) const {
-        app.log_.standard("launch: waited %{public}s for the previous copy to quit",
-                          durationText(exited.after));
-        start();
-    }
-    void operator()(const InstanceHandover::Terminated& terminated) const {
-        app.log_.standard("launch: the previous copy (pid %{public}s) quit when asked",
-                          joined(terminated.asked));
-        start();
-    }
-    void operator()(const InstanceHandover::TimedOut& left) const { giveWay(left.stillRunning); }
-    void operator()(const InstanceHandover::StillRunningAfterTermination& left) const {
-        giveWay(left.stillRunning);
-    }
-
-    void start() const {
-        app.platform_.confine();
-        app.coordinator_->start();
-    }
-    void giveWay(const InstanceHandover::PIDs& pids) const {
-        app.log_.fault(
-            "launch: an older copy (pid %{public}s) won't quit; quitting this one so only one "
-            "draws cards",
-            joined(pids));
-        app.platform_.services.application.terminate();
-    }
-};
-
 void AddOnApp::handOver() {
     const RunningApplications& applications = platform_.services.installation.runningApplications;
     handover_.emplace(
@@ -121,9 +80,38 @@ void AddOnApp::handOver() {
             .terminate = [this](const InstanceHandover::PIDs& pids) { askToQuit(pids); },
             .clock = platform_.services.clock},
         InstanceHandover::Timing{});
-    handover_->resolve([this](const InstanceHandover::Outcome& outcome) {
-        std::visit(AfterHandover{*this}, outcome);
-    });
+    handover_->resolve([this](const InstanceHandover::Outcome& outcome) { handedOver(outcome); });
+}
+
+// This copy starts in every case except where two copies would draw cards.
+void AddOnApp::handedOver(const InstanceHandover::Outcome& outcome) {
+    using Kind = InstanceHandover::Outcome::Kind;
+    switch (outcome.kind) {
+        case Kind::alone: break;
+        case Kind::oldestCopy:
+            log_.standard(
+                "launch: a newer copy (pid %{public}s) is running; starting anyway, it hands over "
+                "to this one",
+                joined(outcome.copies));
+            break;
+        case Kind::othersExited:
+            log_.standard("launch: waited %{public}s for the previous copy to quit",
+                          durationText(outcome.waited));
+            break;
+        case Kind::terminated:
+            log_.standard("launch: the previous copy (pid %{public}s) quit when asked",
+                          joined(outcome.copies));
+            break;
+        case Kind::timedOut:
+        case Kind::stillRunningAfterTermination:
+            log_.fault(
+                "launch: an older copy (pid %{public}s) won't quit; quitting this one so only one "
+                "draws cards",
+                joined(outcome.copies));
+            return platform_.services.application.terminate();
+    }
+    platform_.confine();
+    coordinator_->start();
 }
 
 void AddOnApp::askToQuit(const InstanceHandover::PIDs& pids) const {

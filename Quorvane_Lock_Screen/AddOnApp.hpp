@@ -21,10 +21,9 @@ public:
     void applicationWillTerminate();
 
 private:
-    struct AfterHandover;
-
     void run();
     void handOver();
+    void handedOver(const InstanceHandover::Outcome& outcome);
     void askToQuit(const InstanceHandover::PIDs& pids) const;
 
     const LivePlatform& platform_;

@@ -76,24 +76,11 @@ void AddOnCoordinator::startClient() {
 }
 
 void AddOnCoordinator::makeLink() {
-    const auto sendHello = [weak = weak_from_this()](LockScreenAddOnHello hello,
-                                                     AddOnLink::HelloCompletion done) {
-        const auto self = weak.lock();
-        if (self == nullptr) return;
-        sendLockScreenHello(
-            hello,
-            [weak](MessageType type, Bytes payload, Duration timeout,
-                   std::function<void(QueryOutcome)> completion) {
-                if (const auto alive = weak.lock())
-                    alive->client_.sendQuery(type, std::move(payload), timeout,
-                                             std::move(completion));
-            },
-            self->log_, std::move(done));
-    };
     const LiveServices& services = platform_.services;
     link_.emplace(
         AddOnIdentity::make(services.process, services.standardDefaults, services.makeUUID, log_),
-        sendHello, services.clock, weakly(&AddOnCoordinator::removalRequested), services.log);
+        weakly(&AddOnCoordinator::sendHello), services.clock,
+        weakly(&AddOnCoordinator::removalRequested), services.log);
     const AddOnIdentity& identity = link_->identity();
     log_.info("link: add-on %{public}s, macOS %{public}s, supported %{bool}d, install %{public}s",
               shortVersion(services.process), identity.macOSVersion, identity.supportsThisMacOS,
@@ -102,7 +89,9 @@ void AddOnCoordinator::makeLink() {
 
 void AddOnCoordinator::makeController() {
     controller_.emplace(
-        [this](const Screen& screen) { return makeContent(screen); },
+        [this](const Screen& screen, std::shared_ptr<CardStage> stage) {
+            return makeContent(screen, std::move(stage));
+        },
         CardWindowController::Services{.log = platform_.services.log,
                                        .windows = platform_.cardWindows,
                                        .screens = platform_.screens,
@@ -152,15 +141,12 @@ void AddOnCoordinator::observe() {
 
 void AddOnCoordinator::listenToNotices() {
     const DarwinNotices& notices = platform_.services.darwinNotices;
-    const auto add = [&](const char* name, void (AddOnCoordinator::*member)()) {
-        auto observer = std::make_unique<DarwinNotificationObserver>(notices, name, weakly(member));
-        observer->start();
-        darwinObservers_.push_back(std::move(observer));
-    };
-    add(QuorvaneDarwinNotification::lockScreenConfigurationChanged,
-        &AddOnCoordinator::configurationNotice);
-    add(QuorvaneDarwinNotification::mainAppWillTerminate,
-        &AddOnCoordinator::mainAppWillTerminateNotice);
+    noticeObservers_.push_back(
+        notices.observe(QuorvaneDarwinNotification::lockScreenConfigurationChanged,
+                        weakly(&AddOnCoordinator::configurationNotice)));
+    noticeObservers_.push_back(
+        notices.observe(QuorvaneDarwinNotification::mainAppWillTerminate,
+                        weakly(&AddOnCoordinator::mainAppWillTerminateNotice)));
 }
 
 // A removal is not treated as a change of the permission. The removal request follows at once and
@@ -187,6 +173,14 @@ void AddOnCoordinator::present(const PresentationState& state) {
     const bool isWanted = driver_.state().windowsWanted();
     client_.setPolling(isWanted);
     refresher_->setActive(isWanted);
+}
+
+void AddOnCoordinator::sendHello(const LockScreenAddOnHello& hello,
+                                 const AddOnLink::HelloCompletion& completion) {
+    const auto sendQuery = [this](auto&&... query) {
+        client_.sendQuery(std::forward<decltype(query)>(query)...);
+    };
+    sendLockScreenHello(hello, sendQuery, log_, completion);
 }
 
 // Posted as a separate task, so that the lock event is fully handled first.
@@ -275,17 +269,18 @@ PlayerActions AddOnCoordinator::playerActions() {
             .endVolume = weakly(&AddOnCoordinator::endVolume)};
 }
 
-std::unique_ptr<CardContent> AddOnCoordinator::makeContent(const Screen& screen) {
+std::unique_ptr<CardContent> AddOnCoordinator::makeContent(const Screen& screen,
+                                                           std::shared_ptr<CardStage> stage) {
     return std::make_unique<PlayerCard>(
-        model_, playerActions(),
+        model_, playerActions(), std::move(stage),
         PlayerCardEnvironment{.clock = platform_.services.clock,
                               .wallClock = platform_.services.wallClock,
-                              .localized = platform_.localized,
-                              .measureText = platform_.cardWindows.measureText,
                               .reducesMotion = platform_.cardWindows.reducesMotion,
                               .isRightToLeft = platform_.isRightToLeft,
-                              .scale = screen.scale,
-                              .widestMovedText = platform_.cardWindows.widestMovedText});
+                              .view = {.localized = platform_.localized,
+                                       .measureText = platform_.cardWindows.measureText,
+                                       .widestMovedText = platform_.cardWindows.widestMovedText,
+                                       .scale = screen.scale}});
 }
 
 void AddOnCoordinator::removalRequested() {

@@ -14,7 +14,6 @@
 #include "AddOnKit/player/StateRefresher.hpp"
 #include "AddOnKit/player/VolumeSender.hpp"
 #include "AddOnKit/presentation/PresentationDriver.hpp"
-#include "QuorvaneKit/link/DarwinNotificationObserver.hpp"
 #include "QuorvaneKit/link/MessagePortClient.hpp"
 #include "Quorvane_Lock_Screen/CardWindowController.hpp"
 #include "Quorvane_Lock_Screen/LockMonitor.hpp"
@@ -63,6 +62,7 @@ private:
     void sendVolume(std::int64_t level);
     void present(const PresentationState& state);
     void noteRoom(bool hasRoom);
+    void sendHello(const LockScreenAddOnHello& hello, const AddOnLink::HelloCompletion& completion);
     void sayHelloSoon();
     void configurationNotice();
     void mainAppWillTerminateNotice();
@@ -75,7 +75,8 @@ private:
 
     void connectIfNeeded();
     PlayerActions playerActions();
-    std::unique_ptr<CardContent> makeContent(const Screen& screen);
+    std::unique_ptr<CardContent> makeContent(const Screen& screen,
+                                             std::shared_ptr<CardStage> stage);
 
     const LivePlatform& platform_;
     Logger log_;
@@ -89,7 +90,7 @@ private:
     std::optional<CardWindowController> controller_;
     std::optional<StateRefresher> refresher_;
     std::optional<VolumeSender> volume_;
-    std::vector<std::unique_ptr<DarwinNotificationObserver>> darwinObservers_;
+    std::vector<Handle> noticeObservers_;
     std::vector<Handle> observations_;
     bool isRemoving_ = false;  // set once, never cleared
     std::uint64_t volumeCount_ = 0;

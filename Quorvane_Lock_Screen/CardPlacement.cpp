@@ -72,10 +72,10 @@ Rect cardOn(const Rect& screen, double scale) {
 
 Rect windowFrame(const Rect& screen) { return cardOn(screen, 1).grownBy(kCardShadowMargin); }
 
-std::optional<Place> place(const Rect& screen, std::span<const Rect> keepClear) {
+std::optional<CardPlace> place(const Rect& screen, std::span<const Rect> keepClear) {
     for (const double scale : kScales)
         if (const auto card = clearPlace(cardOn(screen, scale), screen, keepClear))
-            return Place{card->grownBy(scale * kCardShadowMargin), scale};
+            return CardPlace{card->grownBy(scale * kCardShadowMargin), scale};
     return std::nullopt;
 }
 

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "AddOnKit/card/PlayerLayout.hpp"
-#include "drawing/Geometry.hpp"
+#include "drawing/CardWindows.hpp"
 
 namespace quorvane {
 
@@ -19,16 +19,10 @@ namespace CardPlacement {
 // top. The frame is the card grown by the shadow margin. Global points, y growing upward.
 Rect windowFrame(const Rect& screen);
 
-struct Place {
-    Rect frame;        // of the window, scaled
-    double scale = 1;  // of the whole card
-    bool operator==(const Place&) const = default;
-};
-
 // The default place, moved out of the areas that the lock screen needs, with as wide a margin as
 // the screen allows. The card moves up if there is room, else down, else right or left. A card that
 // fits nowhere is scaled down, to 0.8 at least. Returns nullopt when that does not fit either.
-std::optional<Place> place(const Rect& screen, std::span<const Rect> keepClear);
+std::optional<CardPlace> place(const Rect& screen, std::span<const Rect> keepClear);
 
 }  // namespace CardPlacement
 }  // namespace quorvane

@@ -1,11 +1,10 @@
 #include "Quorvane_Lock_Screen/CardWindowController.hpp"
 
 #include <algorithm>
-#include <tuple>
+#include <utility>
 
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "Quorvane_Lock_Screen/CardPlacement.hpp"
-#include "Quorvane_Lock_Screen/CardWindow.hpp"
 
 namespace quorvane {
 namespace {
@@ -47,9 +46,8 @@ void CardWindowController::rehearseSoon() {
         if (life.isOver() || !state_.cardExpected()) return;
         const std::vector<Screen> screens = services_.screens.list();
         if (screens.empty()) return;
-        const auto content = makeContent_(screens.front());
-        content->attach(services_.windows.makeStage(GlassCardView::style()));
-        content->setShown(true);
+        makeContent_(screens.front(), services_.windows.makeStage(GlassCardView::style()))
+            ->setShown(true);
     });
 }
 
@@ -99,24 +97,23 @@ bool CardWindowController::buildWindow(const Screen& screen, long index,
     }
     Screen drawn = screen;
     drawn.scale *= place->scale;
-    auto card = std::make_unique<GlassCardView>(services_.windows.makeStage(GlassCardView::style()),
-                                                makeContent_(drawn),
-                                                services_.windows.reducesMotion, services_.log);
-    auto window =
-        services_.windows.makeWindow(CardWindow::settings(place->frame, place->scale), screen);
-    if (window == nullptr) return true;  // the platform has logged the reason
-    window->setMouseDownObserver([log = log_, number = window->number()](Point location) {
+    const auto stage = services_.windows.makeStage(GlassCardView::style());
+    auto content = makeContent_(drawn, stage);
+    auto made = services_.windows.makeWindow(*place, screen);
+    if (made == nullptr) return true;  // the platform has logged the reason
+    CardSystemWindow& window = *made;
+    window.setMouseDownObserver([log = log_, number = window.number()](Point location) {
         log.debug("window %ld mouse down at %{public}s", number, describe(location));
     });
-    window->setContent(card->stage());
-    for (const Unseen reason : unseen_) card->setUnseen(reason, true);
-    card->setWindow(window.get());
-    window->setIgnoresMouseEvents(appearance == CardAppearance::hidden);
-    window->orderFrontRegardless();
-    log_.info("window %ld on screen %ld %{public}s at %{public}s", window->number(), index,
+    window.setContent(stage);
+    auto card = std::make_unique<GlassCardView>(stage, std::move(content), std::move(made), unseen_,
+                                                services_.windows.reducesMotion, services_.log);
+    window.setIgnoresMouseEvents(appearance == CardAppearance::hidden);
+    window.orderFrontRegardless();
+    log_.info("window %ld on screen %ld %{public}s at %{public}s", window.number(), index,
               describe(screen.frame), describe(place->frame));
-    if (skyLight_) skyLight_->put(*window);
-    entries_.push_back({screen, place->scale, std::move(window), std::move(card)});
+    if (skyLight_) skyLight_->put(window);
+    entries_.push_back({screen, place->scale, std::move(card)});
     return true;
 }
 
@@ -139,7 +136,7 @@ void CardWindowController::setCardVisible(bool visible) {
               static_cast<long>(entries_.size()));
     for (const Entry& entry : entries_) {
         // A hidden card passes clicks through to the lock screen.
-        entry.window->setIgnoresMouseEvents(!visible);
+        entry.card->window().setIgnoresMouseEvents(!visible);
         if (visible && !entry.card->isShown()) entry.card->runEntrance();
         if (!visible && entry.card->isShown()) entry.card->runExit();
     }
@@ -150,10 +147,10 @@ void CardWindowController::closeAll(std::string_view reason) {
     // Closing may re-enter; entries_ is already empty then.
     const std::vector<Entry> closing = std::exchange(entries_, {});
     for (const Entry& entry : closing) {
-        entry.window->orderOut();
-        entry.window->setContent(nullptr);
-        entry.card->setWindow(nullptr);
-        entry.window->close();
+        CardSystemWindow& window = entry.card->window();
+        window.orderOut();
+        window.setContent(nullptr);
+        window.close();
     }
 }
 
@@ -192,24 +189,22 @@ void CardWindowController::unseenChanged(Unseen reason, bool holds) {
 // or changes its size, all windows are rebuilt.
 void CardWindowController::keepClearChanged() {
     if (!state_.windowsWanted()) return;
-    std::vector<std::tuple<Entry*, Screen, Rect>> moves;
-    std::size_t placed = 0;
-    for (const Screen& screen : services_.screens.list()) {
-        const auto place = CardPlacement::place(screen.frame, screen.keepClear);
-        if (!place) continue;
-        ++placed;
-        const auto entry = std::ranges::find_if(entries_, [&](const Entry& each) {
-            return each.screen.frame == screen.frame && each.scale == place->scale;
+    std::vector<std::pair<Screen, CardPlace>> placed;
+    for (const Screen& screen : services_.screens.list())
+        if (const auto place = CardPlacement::place(screen.frame, screen.keepClear))
+            placed.emplace_back(screen, *place);
+    const bool canMove =
+        std::ranges::equal(entries_, placed, [](const Entry& entry, const auto& now) {
+            return entry.screen.frame == now.first.frame && entry.scale == now.second.scale;
         });
-        if (entry != entries_.end()) moves.emplace_back(&*entry, screen, place->frame);
-    }
-    if (moves.size() != placed || moves.size() != entries_.size()) {
+    if (!canMove) {
         apply(CardWindowSync::rebuildSteps(state_, existing()), "keep clear");
         return;
     }
-    for (const auto& [entry, screen, frame] : moves) {
-        entry->screen = screen;
-        entry->window->setFrame(frame, screen);
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+        const auto& [screen, place] = placed[i];
+        entries_[i].screen = screen;
+        entries_[i].card->window().setFrame(place.frame, screen);
     }
 }
 

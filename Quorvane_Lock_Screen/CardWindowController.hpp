@@ -34,7 +34,8 @@ public:
         // Called at each build: whether any screen had room for a card.
         std::function<void(bool hasRoom)> noteRoom = [](bool) {};
     };
-    using MakeContent = std::function<std::unique_ptr<CardContent>(const Screen&)>;
+    using MakeContent =
+        std::function<std::unique_ptr<CardContent>(const Screen&, std::shared_ptr<CardStage>)>;
 
     // With a loader, the window server's private interface moves the windows above the lock screen.
     // Without one, the platform makes them above it.
@@ -48,7 +49,6 @@ private:
     struct Entry {
         Screen screen;
         double scale;  // of the card
-        std::unique_ptr<CardSystemWindow> window;
         std::unique_ptr<GlassCardView> card;
     };
 

@@ -38,17 +38,14 @@ CardStyle GlassCardView::style() {
 }
 
 GlassCardView::GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<CardContent> content,
+                             std::unique_ptr<CardSystemWindow> window, std::set<Unseen> unseen,
                              std::function<bool()> reducesMotion, const LogSink& log)
     : stage_(std::move(stage)),
+      window_(std::move(window)),
       content_(std::move(content)),
       reducesMotion_(std::move(reducesMotion)),
-      log_(log, kAddOnBundleIdentifier, "presenter") {
-    content_->attach(stage_);
-}
-
-void GlassCardView::setWindow(CardSystemWindow* window) {
-    window_ = window;
-    if (window_ == nullptr) return;
+      log_(log, kAddOnBundleIdentifier, "presenter"),
+      unseen_(std::move(unseen)) {
     window_->setCoverObserver([this, life = life_.watch()](bool isCovered) {
         if (!life.isOver()) setUnseen(Unseen::covered, isCovered);
     });
@@ -60,7 +57,7 @@ void GlassCardView::setUnseen(Unseen reason, bool holds) {
         unseen_.insert(reason);
     else
         unseen_.erase(reason);
-    if (isSeen() == wasSeen || window_ == nullptr) return;
+    if (isSeen() == wasSeen) return;
     if (isShown_) window_->setIgnoresMouseEvents(!isSeen());
     if (isSeen()) {
         if (isShown_) showImmediately();
@@ -75,7 +72,7 @@ void GlassCardView::setUnseen(Unseen reason, bool holds) {
 bool GlassCardView::beginShowing() {
     isShown_ = true;
     if (!isSeen()) {
-        if (window_ != nullptr) window_->setIgnoresMouseEvents(true);
+        window_->setIgnoresMouseEvents(true);
         return false;
     }
     content_->setShown(true);
@@ -86,10 +83,9 @@ bool GlassCardView::beginShowing() {
 void GlassCardView::runEntrance() {
     const bool reduceMotion = reducesMotion_();
     if (!beginShowing()) return;
-    log_.info("entrance: window %ld, reduce motion %{bool}d", windowNumber(), reduceMotion);
+    log_.info("entrance: window %ld, reduce motion %{bool}d", window_->number(), reduceMotion);
     stage_->removeAnimations();
     if (!reduceMotion) stage_->springFrom(entranceStart(), kEntrance);
-    if (window_ == nullptr) return;
     window_->setAlpha(0);
     window_->animateAlpha(1, reduceMotion ? kFadeInReducedMotion : kFadeIn, nullptr);
 }
@@ -97,16 +93,16 @@ void GlassCardView::runEntrance() {
 void GlassCardView::showImmediately() {
     if (!beginShowing()) return;
     stage_->removeAnimations();
-    if (window_ != nullptr) window_->setAlpha(1);
+    window_->setAlpha(1);
 }
 
 void GlassCardView::runExit() {
     isShown_ = false;
     // The player may have quit, so the fade shows the card as it was, not emptied.
     content_->freeze();
-    log_.info("exit: window %ld", windowNumber());
-    if (window_ == nullptr || !isSeen()) {
-        if (window_ != nullptr) window_->setAlpha(0);
+    log_.info("exit: window %ld", window_->number());
+    if (!isSeen()) {
+        window_->setAlpha(0);
         hideIfStillNotShown();
         return;
     }

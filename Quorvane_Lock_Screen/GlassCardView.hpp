@@ -1,5 +1,5 @@
-// The content of a card window: a stage with the glass card, its shadow and the player's content.
-// Tracks whether its card should be visible and runs its entrance and exit.
+// A card in its window: a stage with the glass card, its shadow and the player's content. Tracks
+// whether its card should be visible and runs its entrance and exit.
 #pragma once
 
 #include <functional>
@@ -21,14 +21,13 @@ public:
     // The look of every card and its shadow.
     static CardStyle style();
 
+    // `unseen` holds the reasons why no card can be seen now.
     GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<CardContent> content,
+                  std::unique_ptr<CardSystemWindow> window, std::set<Unseen> unseen,
                   std::function<bool()> reducesMotion, const LogSink& log);
 
     bool isShown() const { return isShown_; }
-    const std::shared_ptr<CardStage>& stage() const { return stage_; }
-    // The window that shows the card; null once it is closed. The window outlives this view, or is
-    // reset first.
-    void setWindow(CardSystemWindow* window);
+    CardSystemWindow& window() const { return *window_; }
     void setUnseen(Unseen reason, bool holds);
 
     // Springs and fades in; only fades in when Reduce Motion is on.
@@ -39,13 +38,12 @@ public:
     void runExit();
 
 private:
-    long windowNumber() const { return window_ == nullptr ? -1 : window_->number(); }
     bool isSeen() const { return unseen_.empty(); }
     bool beginShowing();
     void hideIfStillNotShown();
 
-    CardSystemWindow* window_ = nullptr;
     std::shared_ptr<CardStage> stage_;
+    std::unique_ptr<CardSystemWindow> window_;
     std::unique_ptr<CardContent> content_;
     std::function<bool()> reducesMotion_;
     Logger log_;

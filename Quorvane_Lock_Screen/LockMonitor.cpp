@@ -13,8 +13,7 @@ LockMonitor::LockMonitor(DistributedNotices notices, LockSources sources, LogSin
       log_(std::move(log), kAddOnBundleIdentifier, "presenter") {}
 
 void LockMonitor::start() {
-    if (isStarted_) return;
-    isStarted_ = true;
+    if (!noticeObservers_.empty()) return;
     observe(kScreenIsLocked, [this] {
         log_.info("lock: com.apple.screenIsLocked");
         emit(event::Locked{});
@@ -37,8 +36,6 @@ void LockMonitor::start() {
 }
 
 void LockMonitor::stop() {
-    if (!isStarted_) return;
-    isStarted_ = false;
     noticeObservers_.clear();
     wakeObserver_.reset();
 }
@@ -75,9 +72,8 @@ void LockMonitor::logSharedLockUIState() const {
     sources_.notifyCancel(token);
 }
 
-// Handlers call this last. The listener is a copy because it may destroy the monitor.
 void LockMonitor::emit(const PresentationEvent& event) const {
-    if (const auto listener = onEvent) listener(event);
+    if (onEvent) onEvent(event);
 }
 
 }  // namespace quorvane

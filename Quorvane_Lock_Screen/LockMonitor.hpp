@@ -13,7 +13,7 @@
 
 namespace quorvane {
 
-// Main thread only. Owned by the coordinator. The listener may stop or destroy the monitor.
+// Main thread only. Owned by the coordinator. The listener may stop the monitor.
 class LockMonitor {
 public:
     LockMonitor(DistributedNotices notices, LockSources sources, LogSink log);
@@ -38,7 +38,6 @@ private:
     Logger log_;
     std::vector<Handle> noticeObservers_;
     Handle wakeObserver_;
-    bool isStarted_ = false;
     ThreadCheck mainThread_;
 };
 

@@ -58,28 +58,17 @@ public:
     virtual void setEvents(StageEvents events) = 0;
 };
 
-struct WindowSettings {
-    Rect frame;  // global points, y growing upward
-    // Below 1 where the lock screen leaves less room than the card's own size. The frame is that of
-    // the scaled stage; coordinates inside the stage stay unscaled. Used only where screens have
-    // keep-clear areas.
-    double contentScale = 1;
-    std::uint64_t styleMask = 0;
-    bool becomesKeyOnlyIfNeeded = true;
-    bool isOpaque = false;
-    bool hasShadow = false;
-    bool hasDarkAppearance = true;
-    std::int64_t level = 0;
-    std::uint64_t collectionBehavior = 0;
-    bool isReleasedWhenClosed = false;
-    bool hidesOnDeactivate = false;
-    bool acceptsMouseMovedEvents = true;
-    double alpha = 0;
-    bool ignoresMouseEvents = true;
-    bool operator==(const WindowSettings&) const = default;
+struct CardPlace {
+    Rect frame;  // of the window: global points, y growing upward
+    // Of the whole card: below 1 where the lock screen leaves less room than its own size. The
+    // frame is that of the scaled stage; coordinates inside the stage stay unscaled. Only screens
+    // with keep-clear areas have scaled cards.
+    double scale = 1;
+    bool operator==(const CardPlace&) const = default;
 };
 
-// One system window. It never becomes key or main and never takes the keyboard.
+// One system window, above all others. It never becomes key or main and never takes the keyboard.
+// At first it is transparent and ignores mouse events.
 class CardSystemWindow {
 public:
     virtual ~CardSystemWindow() = default;
@@ -113,8 +102,7 @@ struct CardWindows {
     // Returns null when the system cannot create a window now; the platform logs the reason. The
     // window never covers the screen's keep-clear areas: where its shadow margin overlaps one, that
     // part is cut out of its shape, or blends with what the lock screen draws there.
-    std::function<std::unique_ptr<CardSystemWindow>(const WindowSettings&, const Screen&)>
-        makeWindow;
+    std::function<std::unique_ptr<CardSystemWindow>(const CardPlace&, const Screen&)> makeWindow;
     std::function<std::shared_ptr<CardStage>(const CardStyle&)> makeStage;
     std::function<bool()> reducesMotion;
     MeasureText measureText;

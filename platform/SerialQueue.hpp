@@ -7,8 +7,8 @@
 
 namespace quorvane {
 
-// Any thread may add actions. Destroying the queue lets the running action finish and drops pending
-// ones.
+// Any thread may add actions. Destroying the queue drops pending actions and waits for the running
+// one, so no action may destroy its queue.
 class SerialQueue {
 public:
     virtual ~SerialQueue() = default;

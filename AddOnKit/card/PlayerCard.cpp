@@ -16,16 +16,12 @@ constexpr int kUnseenShare = 200;
 
 }  // namespace
 
-PlayerCard::PlayerCard(PlayerModel& model, PlayerActions actions, PlayerCardEnvironment environment)
-    : model_(model), actions_(std::move(actions)), environment_(std::move(environment)) {}
-
-PlayerCard::~PlayerCard() {
-    setShown(false);
-    if (stage_) stage_->setEvents({});
-}
-
-void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
-    stage_ = std::move(stage);
+PlayerCard::PlayerCard(PlayerModel& model, PlayerActions actions, std::shared_ptr<CardStage> stage,
+                       PlayerCardEnvironment environment)
+    : model_(model),
+      actions_(std::move(actions)),
+      stage_(std::move(stage)),
+      environment_(std::move(environment)) {
     stage_->setEvents(
         {.pointer =
              [this](const PointerEvent& event) {
@@ -43,6 +39,11 @@ void PlayerCard::attach(std::shared_ptr<CardStage> stage) {
              [this](SceneControl::ID id, double number) {
                  if (isShown_ && id == SceneControl::ID::volume) slider().setNumber(number);
              }});
+}
+
+PlayerCard::~PlayerCard() {
+    setShown(false);
+    stage_->setEvents({});
 }
 
 void PlayerCard::setShown(bool shown) {
@@ -87,14 +88,10 @@ void PlayerCard::draw() {
     followArtwork(now);
     VolumeSlider::thicken(interaction_.thickening, model_.isDraggingVolume.get(), now);
 
-    const PlayerEnvironment environment{.localized = environment_.localized,
-                                        .measureText = environment_.measureText,
-                                        .isRightToLeft = environment_.isRightToLeft(),
-                                        .reduceMotion = environment_.reducesMotion(),
-                                        .widestMovedText = environment_.widestMovedText,
-                                        .scale = environment_.scale};
+    environment_.view.isRightToLeft = environment_.isRightToLeft();
+    environment_.view.reduceMotion = environment_.reducesMotion();
     PlayerScene made =
-        PlayerView{model_, environment}.scene(interaction_, {now, environment_.wallClock()});
+        PlayerView{model_, environment_.view}.scene(interaction_, {now, environment_.wallClock()});
     const bool isNew = !(made.scene == shown_.scene);
     shown_ = std::move(made);
     drawNext();

@@ -22,25 +22,23 @@ namespace quorvane {
 struct PlayerCardEnvironment {
     Clock clock;
     WallClock wallClock;
-    Localized localized;
-    MeasureText measureText;
     std::function<bool()> reducesMotion;
     std::function<bool()> isRightToLeft;
-    double scale = 1;            // pixels per point of the card's screen
-    double widestMovedText = 0;  // by the stage, in pixels
+    PlayerEnvironment view;  // without these two settings, which each drawing reads again
 };
 
-// Main thread only. The model outlives the card. While shown, the card draws when the model
-// changes, on input, and when its scene's next change is due. While frozen it draws nothing. While
-// not shown it also keeps no timer and no subscription. A button's action may destroy the card.
+// Main thread only. The model outlives the card. Draws on the stage and handles its events. While
+// shown, the card draws when the model changes, on input, and when its scene's next change is due.
+// While frozen it draws nothing. While not shown it also keeps no timer and no subscription. A
+// button's action may destroy the card.
 class PlayerCard final : public CardContent {
 public:
-    PlayerCard(PlayerModel& model, PlayerActions actions, PlayerCardEnvironment environment);
+    PlayerCard(PlayerModel& model, PlayerActions actions, std::shared_ptr<CardStage> stage,
+               PlayerCardEnvironment environment);
     ~PlayerCard() override;
     PlayerCard(const PlayerCard&) = delete;
     PlayerCard& operator=(const PlayerCard&) = delete;
 
-    void attach(std::shared_ptr<CardStage> stage) override;
     void setShown(bool shown) override;
     void freeze() override;
 
@@ -65,8 +63,8 @@ private:
 
     PlayerModel& model_;
     const PlayerActions actions_;
-    const PlayerCardEnvironment environment_;
-    std::shared_ptr<CardStage> stage_;
+    const std::shared_ptr<CardStage> stage_;
+    PlayerCardEnvironment environment_;
     bool isShown_ = false;
     bool isFrozen_ = false;
     PlayerScene shown_;

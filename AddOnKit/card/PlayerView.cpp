@@ -19,9 +19,6 @@ namespace {
 using namespace PlayerLayout;
 
 constexpr Duration kFrame = std::chrono::microseconds{16'667};  // while an animation runs
-// Upper bounds for a card at rest.
-constexpr std::size_t kMostNodes = 21;
-constexpr std::size_t kMostControls = 10;
 constexpr double kNoteSize = 30;
 constexpr double kPlaceholderFill = 0.1;
 constexpr double kArtworkEdge = 0.1;  // separates dark artwork from the glass
@@ -44,8 +41,6 @@ public:
           geometry_(PlayerGeometry::make(model_.showsHeart.get(), environment_.isRightToLeft)) {}
 
     PlayerScene compose() {
-        scene_.nodes.reserve(kMostNodes);
-        scene_.controls.reserve(kMostControls);
         scene_.isRightToLeft = environment_.isRightToLeft;
         scene_.label = localized(PlayerStrings::kNowPlaying);
         artwork();

@@ -44,8 +44,8 @@ AddOnIdentity AddOnIdentity::make(const ProcessInfo& process, const UserDefaults
             .addOnVersion = versionOf(process.bundleProperties),
             .macOSVersion = dotted(process.systemVersion),
             .supportsThisMacOS = isSupported(process.systemVersion),
-            .supersedeOnce = SupersedeOnce{
-                AddOnSignals::contains(process.arguments, AddOnSignals::kInstalledArgument)}};
+            .isNewInstallation =
+                AddOnSignals::contains(process.arguments, AddOnSignals::kInstalledArgument)};
 }
 
 }  // namespace quorvane

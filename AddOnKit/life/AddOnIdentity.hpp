@@ -4,7 +4,6 @@
 #include <functional>
 #include <string>
 
-#include "AddOnKit/life/SupersedeOnce.hpp"
 #include "platform/Log.hpp"
 #include "platform/ProcessInfo.hpp"
 #include "platform/UserDefaults.hpp"
@@ -16,7 +15,7 @@ struct AddOnIdentity {
     std::string addOnVersion;
     std::string macOSVersion;  // major.minor.patch
     bool supportsThisMacOS = false;
-    SupersedeOnce supersedeOnce;
+    bool isNewInstallation = false;  // a removal requested before this launch does not apply
     bool operator==(const AddOnIdentity&) const = default;
 
     // Creates and stores an install identifier when the defaults hold none.

@@ -37,14 +37,14 @@ InstanceHandover::PIDs InstanceHandover::olderCopies() const {
 void InstanceHandover::begin() {
     auto others = operations_.running();
     std::erase_if(others, [this](const RunningCopy& copy) { return copy.pid == me_.pid; });
-    if (others.empty()) return finish(Alone{});
+    if (others.empty()) return finish({Kind::alone});
     if (std::ranges::none_of(others, [this](const RunningCopy& copy) { return isOlder(copy); })) {
-        OldestCopy outcome;
-        for (const RunningCopy& copy : others) outcome.newer.push_back(copy.pid);
+        Outcome outcome{Kind::oldestCopy};
+        for (const RunningCopy& copy : others) outcome.copies.push_back(copy.pid);
         return finish(outcome);
     }
     const PIDs older = olderCopies();
-    if (older.empty()) return finish(Alone{});
+    if (older.empty()) return finish({Kind::alone});
     if (timing_.wait > Duration{}) return poll(timing_.wait);
     ask(older);
 }
@@ -56,23 +56,24 @@ void InstanceHandover::poll(Duration limit) {
         const PIDs left = olderCopies();
         const bool hasAsked = !asked_.empty();
         if (left.empty())
-            return finish(hasAsked ? Outcome{Terminated{asked_}} : OthersExited{elapsed_});
+            return finish(hasAsked ? Outcome{Kind::terminated, asked_}
+                                   : Outcome{.kind = Kind::othersExited, .waited = elapsed_});
         if (elapsed_ < limit) return poll(limit);
-        if (hasAsked) return finish(StillRunningAfterTermination{left});
+        if (hasAsked) return finish({Kind::stillRunningAfterTermination, left});
         ask(left);
     });
 }
 
 // `older` comes from the last look and is never empty. Another look might find that they have quit.
 void InstanceHandover::ask(const PIDs& older) {
-    if (!asks_) return finish(TimedOut{older});
+    if (!asks_) return finish({Kind::timedOut, older});
     asked_ = older;
     operations_.terminate(asked_);
     const PIDs left = olderCopies();
-    if (left.empty()) return finish(Terminated{asked_});
+    if (left.empty()) return finish({Kind::terminated, asked_});
     elapsed_ = Duration{};
     if (timing_.grace > Duration{}) return poll(timing_.grace);
-    finish(StillRunningAfterTermination{left});
+    finish({Kind::stillRunningAfterTermination, left});
 }
 
 // The completion may destroy the handover.

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <variant>
 #include <vector>
 
 #include "platform/Clock.hpp"
@@ -17,31 +16,20 @@ class InstanceHandover {
 public:
     using RunningCopy = quorvane::RunningCopy;
     using PIDs = std::vector<std::int32_t>;
-    struct OldestCopy {
-        PIDs newer;
-        bool operator==(const OldestCopy&) const = default;
+    struct Outcome {
+        enum class Kind {
+            oldestCopy,    // the copies are newer
+            othersExited,  // the older ones quit by themselves
+            timedOut,      // the copies still ran when the wait ended; they were not asked
+            terminated,    // the copies quit when asked
+            stillRunningAfterTermination,
+            alone,
+        };
+        Kind kind;
+        PIDs copies{};
+        Duration waited{};  // until the others exited
+        bool operator==(const Outcome&) const = default;
     };
-    struct OthersExited {
-        Duration after;
-        bool operator==(const OthersExited&) const = default;
-    };
-    struct TimedOut {
-        PIDs stillRunning;
-        bool operator==(const TimedOut&) const = default;
-    };
-    struct Terminated {
-        PIDs asked;
-        bool operator==(const Terminated&) const = default;
-    };
-    struct StillRunningAfterTermination {
-        PIDs stillRunning;
-        bool operator==(const StillRunningAfterTermination&) const = default;
-    };
-    struct Alone {
-        bool operator==(const Alone&) const = default;
-    };
-    using Outcome = std::variant<OldestCopy, OthersExited, TimedOut, Terminated,
-                                 StillRunningAfterTermination, Alone>;
 
     static constexpr Duration kWait = std::chrono::seconds{10};
     static constexpr Duration kPoll = std::chrono::milliseconds{250};
@@ -62,10 +50,12 @@ public:
 
     // Calls `completion` exactly once, inside the call or later.
     void resolve(std::function<void(Outcome)> completion);
-    // Like resolve, but asks no copy to quit: copies that remain give TimedOut.
+    // Like resolve, but asks no copy to quit: copies that remain give `timedOut`.
     void waitOnly(std::function<void(Outcome)> completion);
 
 private:
+    using Kind = Outcome::Kind;
+
     bool isOlder(const RunningCopy& copy) const;
     PIDs olderCopies() const;
     void begin();

@@ -5,6 +5,13 @@
 #include "QuorvaneKit/link/Identifiers.hpp"
 
 namespace quorvane {
+namespace {
+
+// How long a new installation states that it supersedes a removal, if its hellos fail. A removal
+// requested later applies, even if no hello reached the main application before.
+constexpr Duration kSupersedeLifetime = std::chrono::minutes{5};
+
+}  // namespace
 
 AddOnLink::AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
                      std::function<void()> onRemovalRequested, LogSink log)
@@ -12,8 +19,9 @@ AddOnLink::AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
       sendHello_(std::move(sendHello)),
       clock_(std::move(clock)),
       onRemovalRequested_(std::move(onRemovalRequested)),
-      supersedesUntil_(clock_.now() + kSupersedeLifetime),
-      log_(std::move(log), kAddOnBundleIdentifier, "app") {}
+      log_(std::move(log), kAddOnBundleIdentifier, "app") {
+    if (identity_.isNewInstallation) supersedesUntil_ = clock_.now() + kSupersedeLifetime;
+}
 
 void AddOnLink::start() {
     if (loop_ || loopAwaitsAnswer_) return;
@@ -23,21 +31,18 @@ void AddOnLink::start() {
 void AddOnLink::sayHello() {
     // Check the removal flag too: its observers run before the stop that follows it.
     if (isStopped_.get() || configuration_.get().removalRequested) return;
-    if (inFlight_) {
+    if (isInFlight_) {
         followUpRequested_ = true;
         return;
     }
-    const std::uint64_t number = ++helloCount_;
-    inFlight_ = number;
-    const auto send = sendHello_;
-    send(hello(), [this, number, life = life_.watch()](LockScreenHelloResult result) {
-        if (!life.isOver() && inFlight_ == number) helloEnded(result);
+    isInFlight_ = true;
+    sendHello_(hello(), [this, life = life_.watch()](LockScreenHelloResult result) {
+        if (!life.isOver() && !isStopped_.get()) helloEnded(result);
     });
 }
 
 void AddOnLink::stop() {
     loop_.reset();
-    inFlight_.reset();
     isStopped_.set(true);
 }
 
@@ -53,13 +58,13 @@ void AddOnLink::sayHelloOfLoop() {
 
 void AddOnLink::helloEnded(const LockScreenHelloResult& result) {
     using Outcome = LockScreenHelloResult::Outcome;
-    inFlight_.reset();
+    isInFlight_ = false;
     const bool followUp = std::exchange(followUpRequested_, false);
-    const auto life = life_.watch();
-    if (result.outcome != Outcome::notSent) identity_.supersedeOnce.consume();
+    // A hello that was not sent does not count, because the next one would get the old removal.
+    if (result.outcome != Outcome::notSent) supersedesUntil_.reset();
     if (result.outcome == Outcome::answered) apply(result.configuration);
     // If an observer of the answer has already sent a hello, that one is the follow-up.
-    if (life.isOver() || isStopped_.get() || inFlight_) return;
+    if (isStopped_.get() || isInFlight_) return;
     if (followUp) {
         sayHello();
     } else if (std::exchange(loopAwaitsAnswer_, false)) {
@@ -74,13 +79,11 @@ void AddOnLink::apply(const LockScreenAddOnConfiguration& answer) {
     if (answer == configuration_.get()) return;
     log_.info("Configuration: enabled %{bool}d, removal %{bool}d, minimum %{public}s",
               answer.isEnabled, answer.removalRequested, answer.minimumAddOnVersion);
-    const auto life = life_.watch();
     configuration_.set(answer);
-    if (life.isOver() || !answer.removalRequested) return;
+    if (!answer.removalRequested) return;
     log_.standard("Quorvane asked for removal; no more hellos");
     stop();
-    if (life.isOver()) return;
-    if (const auto action = onRemovalRequested_) action();
+    onRemovalRequested_();
 }
 
 LockScreenAddOnHello AddOnLink::hello() const {
@@ -89,8 +92,7 @@ LockScreenAddOnHello AddOnLink::hello() const {
             .macOSVersion = identity_.macOSVersion,
             .supportsThisMacOS = identity_.supportsThisMacOS,
             .installID = identity_.installID,
-            .supersedesRemoval =
-                identity_.supersedeOnce.isPending() && clock_.now() < supersedesUntil_};
+            .supersedesRemoval = supersedesUntil_ && clock_.now() < *supersedesUntil_};
 }
 
 }  // namespace quorvane

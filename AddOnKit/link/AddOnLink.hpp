@@ -15,8 +15,7 @@
 
 namespace quorvane {
 
-// Main thread only. Owned by the coordinator. Listeners and actions may re-enter or destroy the
-// link.
+// Main thread only. Owned by the coordinator. Listeners and actions may re-enter the link.
 class AddOnLink {
 public:
     // Sends one hello. The completion runs once, on the main thread, inside the call or later.
@@ -55,11 +54,12 @@ private:
     SendHello sendHello_;
     Clock clock_;
     std::function<void()> onRemovalRequested_;
-    const Instant supersedesUntil_;
+    // Until then hellos state that an earlier request for removal does not apply. Nullopt once the
+    // main application has received that, and for a copy that is not newly installed.
+    std::optional<Instant> supersedesUntil_;
     Timer loop_;                     // the pause until the loop's next hello
     bool loopAwaitsAnswer_ = false;  // the pause begins with the next answer
-    std::uint64_t helloCount_ = 0;
-    std::optional<std::uint64_t> inFlight_;  // the number of the hello in flight
+    bool isInFlight_ = false;
     bool followUpRequested_ = false;
     Logger log_;
     LifeToken life_;

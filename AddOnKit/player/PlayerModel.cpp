@@ -116,8 +116,8 @@ void PlayerModel::setArtwork(ImageRef image) {
 void PlayerModel::artworkSettled() {
     const bool isDecoded = artwork.get()->state().get() == Image::State::ready;
     setArtwork(isDecoded ? artwork.get() : nullptr);
-    const auto callback = onLateChange;
-    if (!isDecoded && callback) callback({.summary = artworkNote(), .newTrack = std::nullopt});
+    if (!isDecoded && onLateChange)
+        onLateChange({.summary = artworkNote(), .newTrack = std::nullopt});
 }
 
 void PlayerModel::applyHeart(const QuorvanePlayerState& state, Notes& notes) {

@@ -52,11 +52,9 @@ void StateRefresher::refreshWhatIsDue() {
         pollDue_ += kPollPeriod;
     }
     if (now >= followUpDue_) followUp_.reset();
-    const auto life = life_.watch();
-    const auto action = refresh_;  // a copy, since it may destroy the refresher
-    action();
+    refresh_();
     // The refresh may have ended the polling, or ended and restarted it.
-    if (!isPoll || life.isOver() || !isPolling_ || poll_) return;
+    if (!isPoll || !isPolling_ || poll_) return;
     const Instant end = clock_.now();
     // Leave a pause, so that a slow main application is not asked back to back.
     if (pollDue_ <= end) pollDue_ = end + kPollPeriod - kPollTolerance;

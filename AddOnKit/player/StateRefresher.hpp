@@ -5,12 +5,10 @@
 #include <functional>
 
 #include "platform/Clock.hpp"
-#include "platform/LifeToken.hpp"
 
 namespace quorvane {
 
-// Main thread only. Owned by the coordinator. `refresh` may block, re-enter or destroy the
-// refresher.
+// Main thread only. Owned by the coordinator. `refresh` may block or re-enter the refresher.
 class StateRefresher {
 public:
     StateRefresher(Clock clock, std::function<void()> refresh);
@@ -33,7 +31,6 @@ private:
     Timer followUp_;
     Instant followUpDue_{};
     bool isStopped_ = false;
-    LifeToken life_;
 };
 
 }  // namespace quorvane

@@ -18,9 +18,7 @@ void VolumeSender::flush() {
     timer_.reset();
     pending_.reset();
     const auto last = std::exchange(latest_, std::nullopt);
-    if (!last) return;
-    const Send action = send_;
-    action(*last);
+    if (last) send_(*last);
 }
 
 void VolumeSender::cancel() {
@@ -42,12 +40,10 @@ void VolumeSender::fire() {
     sendPaced(*pending_);
 }
 
-// Must be the caller's last call. The action is a copy because it may destroy the sender.
 void VolumeSender::sendPaced(std::int64_t value) {
     lastSend_ = clock_.now();
     pending_.reset();
-    const Send action = send_;
-    action(value);
+    send_(value);
 }
 
 }  // namespace quorvane

@@ -9,7 +9,7 @@
 
 namespace quorvane {
 
-// Main thread only. Owned by the coordinator. `send` may re-enter or destroy the sender.
+// Main thread only. Owned by the coordinator. `send` may re-enter the sender.
 class VolumeSender {
 public:
     using Send = std::function<void(std::int64_t volume)>;

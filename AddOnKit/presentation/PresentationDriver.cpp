@@ -29,13 +29,11 @@ void PresentationDriver::handle(const PresentationEvent& event) {
     // the change being handled, and the older state would be reported last.
     waiting_.push_back(event);
     if (isHandling_) return;
-    const auto life = life_.watch();
     while (!waiting_.empty()) {
         isHandling_ = true;
         const PresentationEvent next = waiting_.front();
         waiting_.pop_front();
         handleOne(next);
-        if (life.isOver()) return;
     }
     isHandling_ = false;
 }
@@ -43,21 +41,15 @@ void PresentationDriver::handle(const PresentationEvent& event) {
 void PresentationDriver::handleOne(const PresentationEvent& event) {
     const PresentationState old = state_;
     state_ = old.applying(event);
-    if (hasFoundLock(event, old)) {
-        const auto life = life_.watch();
-        if (const auto listener = onLocked) listener();
-        if (life.isOver()) return;
-    }
+    if (hasFoundLock(event, old) && onLocked) onLocked();
     updateDelay();
     if (state_ == old) return;
     logState();
-    // Copies of the listener and its argument: the listener may replace itself or destroy the
-    // driver.
-    const PresentationState changed = state_;
     // Clear isHandling_ before notifying: the listener may block, and an unlock that arrives during
     // that time must close the windows at once.
     isHandling_ = false;
-    if (const auto listener = onChange) listener(changed);
+    const PresentationState changed = state_;  // a copy, because the listener may send events
+    if (onChange) onChange(changed);
 }
 
 // A lock notice always counts; a wake counts only when it reveals a missed notice.

@@ -8,7 +8,6 @@
 
 #include "AddOnKit/presentation/PresentationState.hpp"
 #include "platform/Clock.hpp"
-#include "platform/LifeToken.hpp"
 #include "platform/Log.hpp"
 
 namespace quorvane {
@@ -17,9 +16,9 @@ namespace quorvane {
 std::string describe(const PresentationState& state);
 
 // Main thread only. Owned by the coordinator, which sets the listeners before it sends events. A
-// listener may destroy the driver or send further events. Events sent by onLocked are handled after
-// the current one. Events sent by onChange are handled at once. So after a call that may have sent
-// events, onChange must read `state`, not the state it was passed.
+// listener may send further events. Events sent by onLocked are handled after the current one.
+// Events sent by onChange are handled at once. So after a call that may have sent events, onChange
+// must read `state`, not the state it was passed.
 class PresentationDriver {
 public:
     PresentationDriver(Clock clock, LogSink log);
@@ -45,7 +44,6 @@ private:
     Logger log_;
     std::deque<PresentationEvent> waiting_;
     bool isHandling_ = false;
-    LifeToken life_;
 };
 
 }  // namespace quorvane

@@ -40,78 +40,6 @@ constexpr std::array<char, 2 * 4096> makePairTable() {
 constexpr GroupTables kGroupTables = makeGroupTables();
 constexpr std::array<char, 2 * 4096> kPairTable = makePairTable();
 
-class Decoder {
-public:
-    Decoder(std::string_view text, Base64Form form)
-        : next_(text.data()), end_(text.data() + text.size()), form_(form) {
-        bytes_.resize(text.size() / 4 * 3);
-    }
-
-    std::optional<Bytes> run() {
-        auto* out = reinterpret_cast<unsigned char*>(bytes_.data());
-        auto* const begin = out;
-        while (true) {
-            out = decodePlainGroups(out);
-            if (next_ == end_) break;
-            const int count = decodeOneGroup(out);
-            if (count == 0) return std::nullopt;
-            out += count;
-        }
-        bytes_.resize(static_cast<std::size_t>(out - begin));
-        return std::move(bytes_);
-    }
-
-private:
-    // The hot path: decodes while all four characters of a group are letters.
-    unsigned char* decodePlainGroups(unsigned char* out) {
-        const auto* in = reinterpret_cast<const unsigned char*>(next_);
-        const auto* const end = reinterpret_cast<const unsigned char*>(end_);
-        while (end - in >= 4) {
-            const std::uint32_t group = kGroupTables[0][in[0]] | kGroupTables[1][in[1]] |
-                                        kGroupTables[2][in[2]] | kGroupTables[3][in[3]];
-            if ((group & kNoLetter) != 0) break;
-            out[0] = static_cast<unsigned char>(group >> 16);
-            out[1] = static_cast<unsigned char>(group >> 8);
-            out[2] = static_cast<unsigned char>(group);
-            in += 4;
-            out += 3;
-        }
-        next_ = reinterpret_cast<const char*>(in);
-        return out;
-    }
-
-    // Decodes a group with an escape in it, or the padded last one. Returns its byte count, 0 if
-    // invalid.
-    int decodeOneGroup(unsigned char* out) {
-        std::uint32_t group = 0;
-        std::size_t letters = 0;
-        for (; letters < 4; ++letters) {
-            if (form_ == Base64Form::escapedSolidus && end_ - next_ >= 2 && next_[0] == '\\' &&
-                next_[1] == '/')
-                ++next_;
-            if (next_ == end_ || *next_ == '=') break;
-            const auto character = static_cast<unsigned char>(*next_);
-            group |= kGroupTables[letters][character];
-            ++next_;
-        }
-        if ((group & kNoLetter) != 0) return 0;
-        if (letters < 4) {
-            const std::string_view padding{next_, end_};
-            if (letters < 2 || padding != std::string_view{"=="}.substr(letters - 2)) return 0;
-            next_ = end_;
-        }
-        const int count = static_cast<int>(letters) - 1;
-        for (int index = 0; index < count; ++index)
-            out[index] = static_cast<unsigned char>(group >> (16 - 8 * index));
-        return count;
-    }
-
-    const char* next_;
-    const char* end_;
-    Base64Form form_;
-    Bytes bytes_;
-};
-
 }  // namespace
 
 std::size_t base64Length(std::size_t byteCount) { return (byteCount + 2) / 3 * 4; }
@@ -136,8 +64,32 @@ void appendBase64(Bytes& text, ByteView bytes) {
     out[3] = '=';
 }
 
-std::optional<Bytes> decodeBase64(std::string_view text, Base64Form form) {
-    return Decoder{text, form}.run();
+std::optional<Bytes> decodeBase64(std::string_view text) {
+    if (text.size() % 4 != 0) return std::nullopt;
+    Bytes bytes(text.size() / 4 * 3);
+    const auto* in = reinterpret_cast<const unsigned char*>(text.data());
+    const auto* const end = in + text.size();
+    auto* out = reinterpret_cast<unsigned char*>(bytes.data());
+    for (; in != end; in += 4, out += 3) {
+        const std::uint32_t group = kGroupTables[0][in[0]] | kGroupTables[1][in[1]] |
+                                    kGroupTables[2][in[2]] | kGroupTables[3][in[3]];
+        if ((group & kNoLetter) != 0) break;
+        out[0] = static_cast<unsigned char>(group >> 16);
+        out[1] = static_cast<unsigned char>(group >> 8);
+        out[2] = static_cast<unsigned char>(group);
+    }
+    if (in == end) return bytes;
+
+    // Only the last group may be padded.
+    if (end - in != 4 || in[3] != '=') return std::nullopt;
+    const bool hasTwoBytes = in[2] != '=';
+    const std::uint32_t group = kGroupTables[0][in[0]] | kGroupTables[1][in[1]] |
+                                (hasTwoBytes ? kGroupTables[2][in[2]] : 0);
+    if ((group & kNoLetter) != 0) return std::nullopt;
+    out[0] = static_cast<unsigned char>(group >> 16);
+    if (hasTwoBytes) out[1] = static_cast<unsigned char>(group >> 8);
+    bytes.resize(bytes.size() - (hasTwoBytes ? 1 : 2));
+    return bytes;
 }
 
 }  // namespace quorvane

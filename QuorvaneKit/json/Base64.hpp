@@ -8,15 +8,11 @@
 
 namespace quorvane {
 
-// Whether the text is still raw, as between the quotes of a JSON string, where an encoder may have
-// written "\/" for each "/".
-enum class Base64Form { plain, escapedSolidus };
-
 std::size_t base64Length(std::size_t byteCount);
 void appendBase64(Bytes& text, ByteView bytes);
 
 // Returns nullopt unless the whole text is groups of four characters, the last padded if needed.
 // Ignores the bits left over by padding. Allocates three quarters of the text's size.
-std::optional<Bytes> decodeBase64(std::string_view text, Base64Form form = Base64Form::plain);
+std::optional<Bytes> decodeBase64(std::string_view text);
 
 }  // namespace quorvane

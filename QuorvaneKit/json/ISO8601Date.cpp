@@ -1,6 +1,8 @@
 #include "QuorvaneKit/json/ISO8601Date.hpp"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdio>
 
 namespace quorvane {
 namespace {
@@ -11,48 +13,32 @@ using std::chrono::seconds;
 constexpr std::chrono::sys_seconds kEarliest = std::chrono::ceil<seconds>(WallTime::min());
 constexpr std::chrono::sys_seconds kLatest = std::chrono::floor<seconds>(WallTime::max());
 
-void appendDigits(std::string& text, unsigned value, int count) {
-    text.append(static_cast<std::size_t>(count), '0');
-    for (auto place = text.rbegin(); value != 0; ++place, value /= 10)
-        *place = static_cast<char>('0' + value % 10);
+// Whether the text has a digit for each '0' of the form, and the form's own characters elsewhere.
+bool hasForm(std::string_view text, std::string_view form) {
+    return std::ranges::equal(text, form, [](char letter, char wanted) {
+        return wanted == '0' ? letter >= '0' && letter <= '9' : letter == wanted;
+    });
 }
 
-// Cursor over the text; the first mismatch clears `fits`.
-struct Reader {
-    std::string_view rest;
-    bool fits = true;
+// The number written in these digits of the text.
+unsigned numberAt(std::string_view text, std::size_t begin, std::size_t count) {
+    unsigned number = 0;
+    std::from_chars(text.data() + begin, text.data() + begin + count, number);
+    return number;
+}
 
-    unsigned digits(std::size_t count, unsigned greatest) {
-        unsigned value = 0;
-        for (std::size_t index = 0; index < count; ++index) {
-            const char digit = take();
-            fits = fits && digit >= '0' && digit <= '9';
-            value = value * 10 + static_cast<unsigned>(digit - '0');
-        }
-        fits = fits && value <= greatest;
-        return value;
-    }
-    void literal(char expected) { fits = fits && take() == expected; }
-    char take() {
-        if (rest.empty()) {
-            fits = false;
-            return '\0';
-        }
-        const char first = rest.front();
-        rest.remove_prefix(1);
-        return first;
-    }
-};
+// Returns nullopt for a time that no clock shows.
+std::optional<seconds> timeOfDay(unsigned hour, unsigned minute, unsigned second) {
+    if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
+    return std::chrono::hours{hour} + std::chrono::minutes{minute} + seconds{second};
+}
 
-seconds readOffset(Reader& reader) {
-    const char sign = reader.take();
-    if (sign == 'Z') return seconds{0};
-    reader.fits = reader.fits && (sign == '+' || sign == '-');
-    const unsigned hours = reader.digits(2, 23);
-    reader.literal(':');
-    const unsigned minutes = reader.digits(2, 59);
-    const seconds offset = std::chrono::hours{hours} + std::chrono::minutes{minutes};
-    return sign == '-' ? -offset : offset;
+// The distance from UTC: "Z", or a sign with hours and minutes.
+std::optional<seconds> offsetFrom(std::string_view text) {
+    if (text == "Z") return seconds{0};
+    if (!hasForm(text, "+00:00") && !hasForm(text, "-00:00")) return std::nullopt;
+    const auto distance = timeOfDay(numberAt(text, 1, 2), numberAt(text, 4, 2), 0);
+    return distance && text.front() == '-' ? -*distance : distance;
 }
 
 }  // namespace
@@ -62,42 +48,26 @@ std::string iso8601Text(WallTime time) {
     const auto day = std::chrono::floor<std::chrono::days>(wholeSeconds);
     const std::chrono::year_month_day date{day};
     const std::chrono::hh_mm_ss clock{wholeSeconds - day};
-    std::string text;
-    appendDigits(text, static_cast<unsigned>(static_cast<int>(date.year())), 4);
-    text += '-';
-    appendDigits(text, static_cast<unsigned>(date.month()), 2);
-    text += '-';
-    appendDigits(text, static_cast<unsigned>(date.day()), 2);
-    text += 'T';
-    appendDigits(text, static_cast<unsigned>(clock.hours().count()), 2);
-    text += ':';
-    appendDigits(text, static_cast<unsigned>(clock.minutes().count()), 2);
-    text += ':';
-    appendDigits(text, static_cast<unsigned>(clock.seconds().count()), 2);
-    text += 'Z';
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ",
+                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                  static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
+                  static_cast<int>(clock.minutes().count()),
+                  static_cast<int>(clock.seconds().count()));
     return text;
 }
 
 std::optional<WallTime> wallTimeFromISO8601(std::string_view text) {
-    Reader reader{text};
-    const unsigned year = reader.digits(4, 9999);
-    reader.literal('-');
-    const unsigned month = reader.digits(2, 12);
-    reader.literal('-');
-    const unsigned day = reader.digits(2, 31);
-    reader.literal('T');
-    seconds clock = std::chrono::hours{reader.digits(2, 23)};
-    reader.literal(':');
-    clock += std::chrono::minutes{reader.digits(2, 59)};
-    reader.literal(':');
-    clock += seconds{reader.digits(2, 59)};
-    const seconds offset = readOffset(reader);
-    if (!reader.fits || !reader.rest.empty()) return std::nullopt;
-
-    const std::chrono::year_month_day date{std::chrono::year{static_cast<int>(year)},
-                                           std::chrono::month{month}, std::chrono::day{day}};
-    if (!date.ok()) return std::nullopt;
-    const std::chrono::sys_seconds time = std::chrono::sys_days{date} + clock - offset;
+    constexpr std::string_view kForm = "0000-00-00T00:00:00";
+    if (!hasForm(text.substr(0, kForm.size()), kForm)) return std::nullopt;
+    const std::chrono::year_month_day date{
+        std::chrono::year{static_cast<int>(numberAt(text, 0, 4))},
+        std::chrono::month{numberAt(text, 5, 2)}, std::chrono::day{numberAt(text, 8, 2)}};
+    const auto clock =
+        timeOfDay(numberAt(text, 11, 2), numberAt(text, 14, 2), numberAt(text, 17, 2));
+    const auto offset = offsetFrom(text.substr(kForm.size()));
+    if (!date.ok() || !clock || !offset) return std::nullopt;
+    const std::chrono::sys_seconds time = std::chrono::sys_days{date} + *clock - *offset;
     return WallTime{std::clamp(time, kEarliest, kLatest)};
 }
 

@@ -19,8 +19,8 @@ std::string_view titleOf(const std::optional<QuorvanePlayerState>& state) {
 
 }  // namespace
 
-// After each call out the code checks that this object is still alive, and by `connection_` that
-// the port it used is still the current one.
+// After each call out the code checks by `connection_` that the port it used is still the current
+// one.
 
 MessagePortClient::MessagePortClient(std::string_view portBaseName,
                                      std::function<std::optional<Bytes>()> secret,
@@ -30,17 +30,11 @@ MessagePortClient::MessagePortClient(std::string_view portBaseName,
       secret_(std::move(secret)),
       services_(std::move(services)),
       localResponder_(std::move(localResponder)),
-      log_(services_.log, kKitLogSubsystem, "MessagePortClient"),
-      stateChangedObserver_(services_.darwinNotices, QuorvaneDarwinNotification::playerStateChanged,
-                            [this] { stateChangedNotice(); }) {
+      log_(services_.log, kKitLogSubsystem, "MessagePortClient") {
     for (std::size_t index = 0; index < kQueryPortCount; ++index)
         querySlots_.emplace_back(
             index, queryPortName(portBaseName_, index), services_.makeSerialQueue,
-            QueryPort::Services{services_.connectPort, secret_, services_.clock.now, log_});
-}
-
-MessagePortClient::~MessagePortClient() {
-    for (QuerySlot& slot : querySlots_) slot.cancel();
+            QuerySlot::Services{services_.connectPort, secret_, services_.clock.now, log_});
 }
 
 void MessagePortClient::start() {
@@ -50,18 +44,19 @@ void MessagePortClient::start() {
     }
     log_.info("Starting message port client");
     isStopped_ = false;
-    const auto life = life_.watch();
     connect();
     // If it was stopped during the wait, it stays stopped.
-    if (life.isOver() || isStopped_) return;
-    stateChangedObserver_.start();
+    if (isStopped_) return;
+    if (!stateChangedObserver_)
+        stateChangedObserver_ = services_.darwinNotices.observe(
+            QuorvaneDarwinNotification::playerStateChanged, [this] { stateChangedNotice(); });
 }
 
 // A notice does not restart a stopped client.
 void MessagePortClient::stop() {
     log_.info("Stopping message port client");
     isStopped_ = true;
-    stateChangedObserver_.stop();
+    stateChangedObserver_.reset();
     disconnect();
 }
 
@@ -77,10 +72,8 @@ void MessagePortClient::connect() {
         isConnected_.set(false);
         return;
     }
-    const auto life = life_.watch();
     remotePort_ = std::move(port);
     isConnected_.set(true);
-    if (life.isOver()) return;
     log_.info("Connected to message port");
     if (connection_ == mine) requestStateUpdate();
 }
@@ -131,10 +124,8 @@ void MessagePortClient::requestStateUpdate() {
         requestsAgain_ = true;
         return;
     }
-    const auto life = life_.watch();
     isRequesting_ = true;
     requestOnce();
-    if (life.isOver()) return;
     isRequesting_ = false;
     if (std::exchange(requestsAgain_, false))
         later([this] {
@@ -150,7 +141,6 @@ void MessagePortClient::setPolling(bool isNow) {
 void MessagePortClient::requestOnce() {
     auto ownSecret = readSecret();
     if (!ownSecret) return;
-    const auto life = life_.watch();
     const std::uint64_t mine = connection_;
     PortReply reply = remotePort_->send({.messageID = std::to_underlying(MessageType::requestState),
                                          .secret = *ownSecret,
@@ -159,7 +149,7 @@ void MessagePortClient::requestOnce() {
                                          .awaitsReply = true,
                                          .replyMemory = std::exchange(replyMemory_, {})});
     wipe(*ownSecret);
-    if (!life.isOver() && connection_ == mine) receive(std::move(reply));
+    if (connection_ == mine) receive(std::move(reply));
 }
 
 void MessagePortClient::receive(PortReply reply) {
@@ -175,10 +165,9 @@ void MessagePortClient::receive(PortReply reply) {
     const auto previous = std::exchange(playerState_, *std::move(decoded));
     log_.info("State received - track: %s -> %s, position: %fs", titleOf(previous),
               titleOf(playerState_), playerState_->playerPosition);
-    // Copies, because the callback may replace itself or the state, or destroy the client.
-    const auto callback = onStateChanged;
+    // A copy, because the callback may bring a newer state.
     const QuorvanePlayerState state = *playerState_;
-    if (callback) callback(state);
+    if (onStateChanged) onStateChanged(state);
 }
 
 void MessagePortClient::sendCommand(MessageType type, std::int64_t value) {
@@ -189,14 +178,13 @@ void MessagePortClient::sendCommand(MessageType type, std::int64_t value) {
     const auto payload = static_cast<std::byte>(std::clamp<std::int64_t>(value, 0, 255));
     auto ownSecret = readSecret();
     if (!ownSecret) return;
-    const auto life = life_.watch();
     const std::uint64_t mine = connection_;
     const PortReply reply = remotePort_->send({.messageID = std::to_underlying(type),
                                                .secret = *ownSecret,
                                                .body = {&payload, 1},
                                                .sendTimeout = kSendTimeout});
     wipe(*ownSecret);
-    if (reply.status == kPortSuccess || life.isOver() || connection_ != mine) return;
+    if (reply.status == kPortSuccess || connection_ != mine) return;
     log_.error("Failed to send message, status: %d", reply.status);
     disconnect();
 }

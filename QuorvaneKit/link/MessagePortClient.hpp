@@ -5,19 +5,20 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "QuorvaneKit/link/DarwinNotificationObserver.hpp"
 #include "QuorvaneKit/link/QuerySlot.hpp"
 #include "QuorvaneKit/records/MessageType.hpp"
 #include "QuorvaneKit/records/PlayerStateDecoder.hpp"
 #include "QuorvaneKit/records/QuorvaneAction.hpp"
 #include "platform/Clock.hpp"
+#include "platform/DarwinNotices.hpp"
+#include "platform/Handle.hpp"
 #include "platform/LifeToken.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
@@ -36,8 +37,8 @@ struct MessagePortLocalResponder {
 };
 
 // Main thread only, except that queries are sent on their slots' queues. Every call out (a send
-// that waits, a listener, a callback) may run the main loop or other code, which may re-enter,
-// reconnect or destroy the client.
+// that waits, a listener, a callback) may run the main loop or other code, which may re-enter or
+// reconnect the client but does not destroy it. Destroying the client cancels its queries.
 class MessagePortClient {
 public:
     struct Services {
@@ -54,8 +55,6 @@ public:
     MessagePortClient(std::string_view portBaseName, std::function<std::optional<Bytes>()> secret,
                       Services services,
                       std::optional<MessagePortLocalResponder> localResponder = std::nullopt);
-    // Does not wait for queries in flight.
-    ~MessagePortClient();
 
     // Connects and listens for "playerStateChanged". Calling it again while disconnected retries
     // the connection.
@@ -135,11 +134,11 @@ private:
     bool isPolling_ = false;
     Bytes replyMemory_;  // while polling; reallocating it costs more than reading a reply
 
-    std::vector<QuerySlot> querySlots_;
+    std::deque<QuerySlot> querySlots_;
     std::array<int, kQueryPortCount> querySlotLoad_{};
     std::optional<std::size_t> lastQuerySlot_;
 
-    DarwinNotificationObserver stateChangedObserver_;
+    Handle stateChangedObserver_;
     LifeToken life_;
 };
 

@@ -47,9 +47,8 @@ void MessagePortServer::start() {
     if (!portThreads_.empty()) return;
     wait_ = services_.makeWait();
     for (std::size_t index = 0; index < kQueryPortCount; ++index)
-        addPort(QueryEndpoint{index}, queryPortName(portBaseName_, index),
-                queryPortThreadName(index));
-    addPort(MainEndpoint{}, portBaseName_, std::string{kMainPortThreadName});
+        addPort(PortKind::query, queryPortName(portBaseName_, index), queryPortThreadName(index));
+    addPort(PortKind::main, portBaseName_, std::string{kMainPortThreadName});
     for (const auto& entry : portThreads_) startThread(*entry);
     for (const auto& entry : portThreads_) {
         const bool isReady = wait_->waitFor(kReadyTimeout, [&] { return entry->isReady; });
@@ -73,11 +72,10 @@ void MessagePortServer::stop() {
     portThreads_.clear();
 }
 
-void MessagePortServer::addPort(PortEndpoint endpoint, std::string portName,
-                                std::string threadName) {
+void MessagePortServer::addPort(PortKind kind, std::string portName, std::string threadName) {
     portThreads_.push_back(std::unique_ptr<PortThread>{
         new PortThread{std::move(portName), std::move(threadName),
-                       RequestRouter{endpoint, handlers, expectedSecret, log_, wait_}}});
+                       RequestRouter{kind, handlers, expectedSecret, log_, wait_}}});
 }
 
 // If the system refuses a thread, its port never becomes ready.

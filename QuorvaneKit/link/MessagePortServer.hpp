@@ -58,7 +58,7 @@ public:
 private:
     struct PortThread;
 
-    void addPort(PortEndpoint endpoint, std::string portName, std::string threadName);
+    void addPort(PortKind kind, std::string portName, std::string threadName);
     void startThread(PortThread& entry);
     void runPort(PortThread& entry);
     std::unique_ptr<LocalPort> openWhenFree(PortThread& entry);

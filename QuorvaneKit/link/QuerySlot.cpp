@@ -22,21 +22,37 @@ std::size_t chooseQuerySlot(const std::array<int, kQueryPortCount>& load,
     return chosen;
 }
 
-QueryPort::QueryPort(std::size_t index, std::string name, Services services)
+QuerySlot::QuerySlot(std::size_t index, std::string name, const MakeSerialQueue& makeSerialQueue,
+                     Services services)
     : index_(static_cast<std::int64_t>(index)),
       name_(std::move(name)),
-      services_(std::move(services)) {}
+      services_(std::move(services)),
+      queue_(makeSerialQueue(queryClientQueueLabel(index))) {}
 
-std::optional<Bytes> QueryPort::readSecret(MessageType type) const {
-    auto secret = MessagePortSecret::checked(services_.secret());
-    if (!secret)
-        services_.log.error("Query %d not sent: IPC connection secret unavailable",
-                            std::to_underlying(type));
-    return secret;
+QuerySlot::~QuerySlot() {
+    const std::lock_guard guard{mutex_};
+    isCancelled_ = true;
+    if (remotePort_) remotePort_->cancel();
 }
 
-QueryOutcome QueryPort::send(MessageType type, ByteView payload, Duration timeout,
-                             Instant enqueued) {
+void QuerySlot::send(MessageType type, Bytes payload, Duration timeout, Instant enqueued,
+                     std::function<void(QueryOutcome)> done) {
+    const bool isQueued =
+        queue_->async([this, type, payload = std::move(payload), timeout, enqueued, done] {
+            done(sendNow(type, payload, timeout, enqueued));
+        });
+    if (isQueued)
+        mayHoldRemotePort_ = true;
+    else
+        done(notAvailable(type));
+}
+
+void QuerySlot::forgetRemotePort() {
+    if (mayHoldRemotePort_) mayHoldRemotePort_ = !queue_->async([this] { dropRemotePort(); });
+}
+
+QueryOutcome QuerySlot::sendNow(MessageType type, ByteView payload, Duration timeout,
+                                Instant enqueued) {
     const std::int32_t identifier = std::to_underlying(type);
     if (services_.now() - enqueued > kLongestWaitInQueue) {
         services_.log.error("Query %d not sent: it waited too long for query port %ld", identifier,
@@ -45,7 +61,7 @@ QueryOutcome QueryPort::send(MessageType type, ByteView payload, Duration timeou
     }
     auto secret = readSecret(type);
     if (!secret) return {};
-    const auto port = connectedPort();
+    RemotePort* const port = connectedPort();
     if (port == nullptr) {
         wipe(*secret);
         return notAvailable(type);
@@ -61,64 +77,41 @@ QueryOutcome QueryPort::send(MessageType type, ByteView payload, Duration timeou
         services_.log.error("Query %d on query port %ld failed, status: %d", identifier, index_,
                             reply.status);
     // A port that was only slow is still valid, and skips the late reply.
-    if (reply.status != kPortSuccess && reply.status != kPortReceiveTimeout) forgetRemotePort();
+    if (reply.status != kPortSuccess && reply.status != kPortReceiveTimeout) dropRemotePort();
     return {
         .kind = QueryOutcome::Kind::sent, .status = reply.status, .reply = std::move(reply.body)};
 }
 
-QueryOutcome QueryPort::notAvailable(MessageType type) const {
+std::optional<Bytes> QuerySlot::readSecret(MessageType type) const {
+    auto secret = MessagePortSecret::checked(services_.secret());
+    if (!secret)
+        services_.log.error("Query %d not sent: IPC connection secret unavailable",
+                            std::to_underlying(type));
+    return secret;
+}
+
+QueryOutcome QuerySlot::notAvailable(MessageType type) const {
     services_.log.error("Cannot send query %d: query port %ld not available",
                         std::to_underlying(type), index_);
     return {};
 }
 
-std::shared_ptr<RemotePort> QueryPort::connectedPort() {
-    std::shared_ptr<RemotePort> made = remotePort_ ? nullptr : services_.connectPort(name_);
+// Returns null when the port cannot be connected, and after a cancel.
+RemotePort* QuerySlot::connectedPort() {
+    auto made = remotePort_ ? nullptr : services_.connectPort(name_);
     const std::lock_guard guard{mutex_};
     if (made) remotePort_ = std::move(made);
-    return isCancelled_ ? nullptr : remotePort_;
+    return isCancelled_ ? nullptr : remotePort_.get();
 }
 
-void QueryPort::forgetRemotePort() {
+void QuerySlot::dropRemotePort() {
     const std::lock_guard guard{mutex_};
     remotePort_.reset();
 }
 
-void QueryPort::cancel() {
-    const std::lock_guard guard{mutex_};
-    isCancelled_ = true;
-    if (remotePort_) remotePort_->cancel();
-}
-
-bool QueryPort::isCancelled() const {
+bool QuerySlot::isCancelled() const {
     const std::lock_guard guard{mutex_};
     return isCancelled_;
-}
-
-QuerySlot::QuerySlot(std::size_t index, std::string name, const MakeSerialQueue& makeSerialQueue,
-                     QueryPort::Services services)
-    : port_(std::make_shared<QueryPort>(index, std::move(name), std::move(services))),
-      queue_(makeSerialQueue(queryClientQueueLabel(index))) {}
-
-void QuerySlot::send(MessageType type, Bytes payload, Duration timeout, Instant enqueued,
-                     std::function<void(QueryOutcome)> done) {
-    // The task holds the port while it uses it, because the client may be destroyed at the same
-    // time.
-    const bool isQueued = queue_->async(
-        [weak = std::weak_ptr{port_}, type, payload = std::move(payload), timeout, enqueued, done] {
-            if (const auto port = weak.lock()) done(port->send(type, payload, timeout, enqueued));
-        });
-    if (isQueued)
-        mayHoldRemotePort_ = true;
-    else
-        done(port_->notAvailable(type));
-}
-
-void QuerySlot::forgetRemotePort() {
-    if (!mayHoldRemotePort_) return;
-    mayHoldRemotePort_ = !queue_->async([weak = std::weak_ptr{port_}] {
-        if (const auto port = weak.lock()) port->forgetRemotePort();
-    });
 }
 
 }  // namespace quorvane

@@ -30,9 +30,9 @@ struct QueryOutcome {
 std::size_t chooseQuerySlot(const std::array<int, kQueryPortCount>& load,
                             std::optional<std::size_t> lastUsed);
 
-// The sending end of one query port, connected on first use. Used on its slot's queue, except
-// `cancel` and `notAvailable`, which any thread may call.
-class QueryPort {
+// Created, used and destroyed on the main thread. Sends queries on its queue, one at a time, in
+// order.
+class QuerySlot {
 public:
     struct Services {
         ConnectPort connectPort;
@@ -41,49 +41,37 @@ public:
         Logger log;
     };
 
-    QueryPort(std::size_t index, std::string name, Services services);
+    QuerySlot(std::size_t index, std::string name, const MakeSerialQueue& makeSerialQueue,
+              Services services);
+    // Cancels the query in flight and drops the waiting ones.
+    ~QuerySlot();
 
-    // Blocks until the query is answered or has failed. A dead port is dropped, so that the next
-    // query looks it up again.
-    QueryOutcome send(MessageType type, ByteView payload, Duration timeout, Instant enqueued);
+    // `done` runs on the slot's queue, or inside the call when the system refuses the queue's
+    // thread. It does not run for a dropped query.
+    void send(MessageType type, Bytes payload, Duration timeout, Instant enqueued,
+              std::function<void(QueryOutcome)> done);
+    // Takes effect after the query in flight, if there is one.
     void forgetRemotePort();
-    // Cancels the query in flight and rejects all later ones.
-    void cancel();
-    // Logs that the query was not sent.
-    QueryOutcome notAvailable(MessageType type) const;
 
 private:
+    // On the queue. Blocks until the query is answered or has failed. A dead port is dropped, so
+    // that the next query looks it up again.
+    QueryOutcome sendNow(MessageType type, ByteView payload, Duration timeout, Instant enqueued);
     std::optional<Bytes> readSecret(MessageType type) const;
-    std::shared_ptr<RemotePort> connectedPort();
+    RemotePort* connectedPort();
+    void dropRemotePort();
     bool isCancelled() const;
+    // Logs that the query was not sent.
+    QueryOutcome notAvailable(MessageType type) const;
 
     const std::int64_t index_;
     const std::string name_;
     const Services services_;
     mutable std::mutex mutex_;
-    std::shared_ptr<RemotePort> remotePort_;  // under mutex_, changed on the queue only
+    std::unique_ptr<RemotePort> remotePort_;  // under mutex_, changed on the queue only
     bool isCancelled_ = false;                // under mutex_
-};
-
-// Used on the main thread. Sends queries one at a time, in order.
-class QuerySlot {
-public:
-    QuerySlot(std::size_t index, std::string name, const MakeSerialQueue& makeSerialQueue,
-              QueryPort::Services services);
-
-    // `done` runs on the slot's queue, or inside the call when the system refuses the queue's
-    // thread. It does not run after the slot is destroyed.
-    void send(MessageType type, Bytes payload, Duration timeout, Instant enqueued,
-              std::function<void(QueryOutcome)> done);
-    // Takes effect after the query in flight, if there is one.
-    void forgetRemotePort();
-    // Permanent: the query in flight ends at once.
-    void cancel() { port_->cancel(); }
-
-private:
-    std::shared_ptr<QueryPort> port_;  // shared only so that queued work can hold it weakly
-    std::unique_ptr<SerialQueue> queue_;
-    bool mayHoldRemotePort_ = false;  // if false, forgetting need not wake the queue's thread
+    bool mayHoldRemotePort_ = false;      // if false, forgetting need not wake the queue's thread
+    std::unique_ptr<SerialQueue> queue_;  // destroyed first: its end waits for the query in flight
 };
 
 }  // namespace quorvane

@@ -4,10 +4,10 @@
 
 namespace quorvane {
 
-RequestRouter::RequestRouter(PortEndpoint endpoint, const MessagePortHandlers& handlers,
+RequestRouter::RequestRouter(PortKind kind, const MessagePortHandlers& handlers,
                              const std::optional<Bytes>& expectedSecret, Logger log,
                              std::shared_ptr<CancellableWait> wait)
-    : endpoint_(endpoint),
+    : kind_(kind),
       handlers_(handlers),
       expectedSecret_(expectedSecret),
       log_(std::move(log)),
@@ -26,7 +26,7 @@ PortAnswer RequestRouter::answer(std::int32_t messageID, ByteView body) {
         log_.error("Unknown message type: %d", messageID);
         return {};
     }
-    if (isQuery(*type) != std::holds_alternative<QueryEndpoint>(endpoint_)) {
+    if (isQuery(*type) != (kind_ == PortKind::query)) {
         log_.error("IPC: dropped message type %d sent to the wrong port", messageID);
         return {};
     }

@@ -4,7 +4,6 @@
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <variant>
 
 #include "QuorvaneKit/link/CancellableWait.hpp"
 #include "QuorvaneKit/link/MessagePortHandlers.hpp"
@@ -15,20 +14,12 @@
 
 namespace quorvane {
 
-// The port that a message arrived on.
-struct QueryEndpoint {
-    std::size_t index = 0;
-    bool operator==(const QueryEndpoint&) const = default;
-};
-struct MainEndpoint {
-    bool operator==(const MainEndpoint&) const = default;
-};
-using PortEndpoint = std::variant<QueryEndpoint, MainEndpoint>;
+enum class PortKind { main, query };
 
 // One for each port. Used on that port's thread. Handlers and secret outlive it and do not change.
 class RequestRouter {
 public:
-    RequestRouter(PortEndpoint endpoint, const MessagePortHandlers& handlers,
+    RequestRouter(PortKind kind, const MessagePortHandlers& handlers,
                   const std::optional<Bytes>& expectedSecret, Logger log,
                   std::shared_ptr<CancellableWait> wait);
 
@@ -48,7 +39,7 @@ private:
     std::optional<Bytes> ask(const Query& query, ByteView payload);
     Bytes history(ByteView payload);
 
-    const PortEndpoint endpoint_;
+    const PortKind kind_;
     const MessagePortHandlers& handlers_;
     const std::optional<Bytes>& expectedSecret_;
     const Logger log_;

@@ -3,8 +3,6 @@
 #include <charconv>
 #include <cstdint>
 
-#include "QuorvaneKit/records/LockScreenConfigurationBuilder.hpp"
-
 namespace quorvane {
 namespace {
 

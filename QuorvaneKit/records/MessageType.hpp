@@ -20,8 +20,15 @@ enum class MessageType : std::int32_t {
     lockScreenHello = 14,
 };
 
+constexpr bool isQuery(MessageType type) { return type >= MessageType::lastFmQuery; }
+
 // Returns nullopt for a number that is not a message type.
-std::optional<MessageType> messageType(std::int32_t identifier);
-bool isQuery(MessageType type);
+constexpr std::optional<MessageType> messageType(std::int32_t identifier) {
+    const auto type = static_cast<MessageType>(identifier);
+    const bool isOfMainPort =
+        type >= MessageType::requestState && type <= MessageType::requestWidgetData;
+    const bool isOfQueryPort = isQuery(type) && type <= MessageType::lockScreenHello;
+    return isOfMainPort || isOfQueryPort ? std::optional{type} : std::nullopt;
+}
 
 }  // namespace quorvane

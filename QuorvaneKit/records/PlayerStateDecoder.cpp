@@ -27,6 +27,20 @@ std::size_t findArtworkText(std::string_view reply) {
     return reply.substr(quote).starts_with('"') ? quote + 1 : std::string_view::npos;
 }
 
+// Decodes base64 as it is written between the quotes of a JSON string. Some encoders escape each
+// "/" in it. Any other escape is left to the parser.
+std::optional<Bytes> decodeQuotedBase64(std::string_view text) {
+    if (auto bytes = decodeBase64(text)) return bytes;
+    std::string plain;
+    plain.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t escape = std::min(text.find("\\/"), text.size());
+        plain += text.substr(0, escape);
+        text.remove_prefix(std::min(escape + 1, text.size()));
+    }
+    return decodeBase64(plain);
+}
+
 Bytes without(std::string_view reply, std::size_t begin, std::size_t length) {
     const ByteView bytes = bytesOf(reply);
     Bytes rest;
@@ -69,8 +83,7 @@ CodingResult<QuorvanePlayerState> PlayerStateDecoder::decode(Bytes& reply) {
     return state;
 }
 
-// Returns nullopt when the reply has no artwork, or when the artwork has escapes other than "\/",
-// which are left to the parser.
+// Returns nullopt when the reply has no artwork that can be decoded without the parser.
 std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
     std::string_view reply) const {
     const std::size_t begin = findArtworkText(reply);
@@ -81,7 +94,7 @@ std::optional<PlayerStateDecoder::Lifted> PlayerStateDecoder::liftArtwork(
     // Decodable text has no escape except "\/", so the first quote ends the string.
     const std::size_t length = text.find('"');
     if (length == std::string_view::npos) return std::nullopt;
-    auto bytes = decodeBase64(text.substr(0, length), Base64Form::escapedSolidus);
+    auto bytes = decodeQuotedBase64(text.substr(0, length));
     if (!bytes) return std::nullopt;
     return Lifted{begin, length, SharedBytes{*std::move(bytes)}, false};
 }

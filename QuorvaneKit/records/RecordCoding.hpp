@@ -130,17 +130,22 @@ CodingResult<Record> readRecord(ByteView text, const ReadBytes& readBytes = read
     return RecordReader<Record>{values, readBytes}.read();
 }
 
-// Returns the key of the first field that JSON cannot represent, if any.
+// The writer appends to `text`. Returns the key of the first field that JSON cannot represent, if
+// any.
 template <typename Record>
-std::optional<std::string_view> writeFields(JSONWriter& writer, const Record& record,
+std::optional<std::string_view> writeFields(JSONWriter& writer, Bytes& text, const Record& record,
                                             const WriteBytes& writeBytes) {
     std::optional<std::string_view> failed;
     const auto writeInner = [&]<typename Value>(std::string_view key, const Value& value) {
-        writer.key(key);
+        writer.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
         if constexpr (kIsRecord<Value>) {
-            failed = writeFields(writer, value, writeBytes);
+            failed = writeFields(writer, text, value, writeBytes);
         } else if constexpr (std::same_as<Value, SharedBytes>) {
-            writer.plainString([&](Bytes& text) { writeBytes(text, value); });
+            // An empty raw value makes the writer add the colon before this value.
+            writer.RawValue("", 0, rapidjson::kStringType);
+            text.push_back(std::byte{'"'});
+            writeBytes(text, value);
+            text.push_back(std::byte{'"'});
         } else if (!writeValue(writer, value)) {
             failed = key;
         }
@@ -153,18 +158,19 @@ std::optional<std::string_view> writeFields(JSONWriter& writer, const Record& re
         else
             return writeInner(field.key, member);
     };
-    writer.beginObject();
+    writer.StartObject();
     if (std::apply([&](const auto&... fields) { return (write(fields) && ...); },
                    RecordFields<Record>::kAll))
-        writer.endObject();
+        writer.EndObject();
     return failed;
 }
 
 template <typename Record>
 CodingResult<Bytes> writeRecord(const Record& record, const WriteBytes& writeBytes = writeBase64) {
     Bytes text;
-    JSONWriter writer{text};
-    if (const auto failed = writeFields(writer, record, writeBytes))
+    BytesStream stream{text};
+    JSONWriter writer{stream};
+    if (const auto failed = writeFields(writer, text, record, writeBytes))
         return std::unexpected{CodingError{CodingError::Kind::invalidValue, *failed}};
     return text;
 }

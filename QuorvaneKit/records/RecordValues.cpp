@@ -8,6 +8,7 @@
 
 #include "QuorvaneKit/json/Base64.hpp"
 #include "QuorvaneKit/json/ISO8601Date.hpp"
+#include "platform/Character.hpp"
 
 namespace quorvane {
 namespace {
@@ -119,25 +120,26 @@ ValueError readValue(const JSONValue& value, XPCRepeatMode& result) {
     return readEnumeration(value, xpcRepeatMode, result);
 }
 
-bool writeValue(JSONWriter& writer, bool value) {
-    writer.boolean(value);
-    return true;
+bool writeValue(JSONWriter& writer, bool value) { return writer.Bool(value); }
+bool writeValue(JSONWriter& writer, std::int64_t value) { return writer.Int64(value); }
+bool writeValue(JSONWriter& writer, double value) { return writer.Double(value); }
+
+bool writeValue(JSONWriter& writer, const std::string& value) {
+    return isValidUTF8(value) &&
+           writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
 }
 
-bool writeValue(JSONWriter& writer, std::int64_t value) {
-    writer.integer(value);
-    return true;
+bool writeValue(JSONWriter& writer, WallTime value) {
+    return writeValue(writer, iso8601Text(value));
 }
-
-bool writeValue(JSONWriter& writer, double value) { return writer.number(value); }
-bool writeValue(JSONWriter& writer, const std::string& value) { return writer.string(value); }
-bool writeValue(JSONWriter& writer, WallTime value) { return writer.string(iso8601Text(value)); }
 
 bool writeValue(JSONWriter& writer, XPCPlayerState value) {
     return writeValue(writer, std::to_underlying(value));
 }
 
-bool writeValue(JSONWriter& writer, XPCPlayerType value) { return writer.string(rawValue(value)); }
+bool writeValue(JSONWriter& writer, XPCPlayerType value) {
+    return writeValue(writer, rawValue(value));
+}
 
 bool writeValue(JSONWriter& writer, XPCRepeatMode value) {
     return writeValue(writer, std::to_underlying(value));

@@ -101,9 +101,7 @@ std::optional<std::string> AddOnCommands::start(const AddOnInstallation& place,
     const auto started =
         DetachedLaunch{.open = services_.openApplication}.launch(place.bundle, arguments);
     if (started) return std::nullopt;
-    if (const auto* failure = std::get_if<DetachedLaunch::Failure>(&started.error()))
-        return failure->description();
-    return std::get<PlatformError>(started.error()).description;
+    return started.error().description;
 }
 
 void AddOnCommands::startAndReport(const AddOnInstallation& place,

@@ -35,10 +35,10 @@ const CardWindows* CardModuleLoader::loaded() {
 
 CardWindows CardModuleLoader::windows() {
     CardWindows windows;
-    windows.makeWindow = [this](const WindowSettings& settings,
+    windows.makeWindow = [this](const CardPlace& place,
                                 const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
         const CardWindows* const module = loaded();
-        return module ? module->makeWindow(settings, screen) : nullptr;
+        return module ? module->makeWindow(place, screen) : nullptr;
     };
     windows.makeStage = [this](const CardStyle& style) -> std::shared_ptr<CardStage> {
         const CardWindows* const module = loaded();

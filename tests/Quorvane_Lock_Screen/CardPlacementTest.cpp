@@ -11,13 +11,13 @@ constexpr Rect kFullHD{0, 0, 1920, 1080};
 
 Rect ringIn(const Rect& screen) { return Rect{screen.midX(), screen.midY(), 0, 0}.grownBy(95); }
 
-Rect cardIn(const CardPlacement::Place& place) {
+Rect cardIn(const CardPlace& place) {
     return place.frame.grownBy(-kCardShadowMargin * place.scale);
 }
 
 TEST(CardPlacement, HasItsDefaultPlace) {
     EXPECT_EQ(CardPlacement::place(kFullHD, {}),
-              (CardPlacement::Place{CardPlacement::windowFrame(kFullHD), 1}));
+              (CardPlace{CardPlacement::windowFrame(kFullHD), 1}));
     // A second screen to the right and half below the first; odd sizes round to whole points.
     EXPECT_EQ(CardPlacement::windowFrame({1920, -540, 1367, 769}), (Rect{2352, -276, 504, 326}));
 }
@@ -36,7 +36,7 @@ TEST(CardPlacement, MovesUpOutOfTheMiddleAndBelowWhenThereIsNoRoomAbove) {
 
     // An area beside the card does not move it.
     EXPECT_EQ(CardPlacement::place(kFullHD, std::array{Rect{0, 0, 600, 1080}}),
-              (CardPlacement::Place{CardPlacement::windowFrame(kFullHD), 1}));
+              (CardPlace{CardPlacement::windowFrame(kFullHD), 1}));
 }
 
 TEST(CardPlacement, NeverCoversAnAreaAndNeverLeavesTheScreen) {

@@ -16,7 +16,6 @@ constexpr PresentationState kPlaying{true, true, true, true, true};
 struct FakeContent : CardContent {
     FakeContent(int& shown, int& frozen) : shownContents(shown), frozenContents(frozen) {}
     ~FakeContent() override { setShown(false); }
-    void attach(std::shared_ptr<CardStage>) override {}
     void setShown(bool shown) override {
         shownContents += shown - std::exchange(isShown, shown);
         frozenContents -= std::exchange(isFrozen, false);
@@ -35,7 +34,7 @@ struct CardWindowControllerTest : testing::Test, FakePlatform {
         makeController(std::nullopt);
     }
     void makeController(const std::optional<DynamicLoader>& loader) {
-        const auto makeContent = [this](const Screen& screen) {
+        const auto makeContent = [this](const Screen& screen, const std::shared_ptr<CardStage>&) {
             contentScale = screen.scale;
             return std::make_unique<FakeContent>(shownContents, frozenContents);
         };
@@ -183,6 +182,10 @@ TEST_F(CardWindowControllerTest, AScreenChangeRebuildsWithoutASecondEntrance) {
     EXPECT_EQ(windows.stages.back()->springs, 0);
     EXPECT_EQ(activities, 1);
     EXPECT_EQ(log.take().front(), "screens changed: 1 screen(s), 2 window(s), windows wanted true");
+    screens.list[0].scale = 3;
+    screens.changed();
+    mainThread.run();
+    EXPECT_EQ(windows.stages.back()->springs, 0);
 }
 
 TEST_F(CardWindowControllerTest, MovesAwayFromAPromptAndBack) {
@@ -208,7 +211,7 @@ TEST_F(CardWindowControllerTest, BuildsASmallerCardWhereRoomIsShort) {
     EXPECT_EQ(contentScale, 2);
     setKeepClear({{305, 205, 190, 190}});
     ASSERT_EQ(windows.open().size(), 1u);
-    EXPECT_EQ(windows.open()[0]->settings.contentScale, 0.85);
+    EXPECT_EQ(windows.open()[0]->scale, 0.85);
     EXPECT_EQ(windows.open()[0]->frame.width, 0.85 * 504);
     EXPECT_EQ(windows.open()[0]->screen.scale, 2);
     EXPECT_EQ(contentScale, 1.7);

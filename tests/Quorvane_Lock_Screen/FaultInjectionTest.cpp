@@ -97,7 +97,7 @@ TEST(FaultInjection, NoFaultLeavesAWindowOrSpoilsTheNextLock) {
         }
 }
 
-// A waiting send may run the main loop: an unlock or the end may arrive inside any send.
+// A waiting send may run the main loop: an unlock or the end may arrive inside it.
 class InsideASend : public testing::TestWithParam<bool> {};
 
 TEST_P(InsideASend, AnUnlockOrTheEndLeavesNothingBehind) {
@@ -114,26 +114,16 @@ TEST_P(InsideASend, AnUnlockOrTheEndLeavesNothingBehind) {
                 return;
             }
             hasCome = true;
-            if (ends) return coordinator.reset();
-            platform.unlock();
+            ends ? coordinator->willTerminate() : platform.unlock();
             expectNothingIsLeft(platform);  // at once, however long the send may wait
         };
         platform.ports.duringSend = come;
         lockOnce(platform);
         platform.ports.duringSend = nullptr;
         if (!hasCome) break;
-        EXPECT_EQ(platform.activities, 0);
-        platform.log.take();
-        if (ends) {
-            platform.lock();
-            platform.pass(5s);
-            EXPECT_TRUE(platform.log.take().empty());
-            EXPECT_EQ(platform.clock.pendingTimers(), 0u);
-            EXPECT_EQ(platform.notices.observerCount(), 0u);
-        } else {
-            expectNothingIsLeft(platform);
-            expectTheNextLockWorks(platform);
-        }
+        if (ends) continue;  // the process would not have gone on
+        expectNothingIsLeft(platform);
+        expectTheNextLockWorks(platform);
     }
 }
 

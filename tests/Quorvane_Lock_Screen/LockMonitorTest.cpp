@@ -87,8 +87,8 @@ TEST_F(LockMonitorTest, ObservesWhileStarted) {
     }
     monitor->start();
     monitor->onEvent = [this](const PresentationEvent& event) {
-        monitor.reset();
-        events.push_back(event);  // the listener has not been destroyed
+        monitor->stop();
+        events.push_back(event);
     };
     notices.deliver("com.apple.screenIsLocked");
     EXPECT_EQ(events, Events{event::Locked{}});

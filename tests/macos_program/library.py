@@ -234,8 +234,6 @@ EFFECTS = {
     "notify_get_state": lambda s, token, place: s.write_words(place, 1),
     "notify_cancel": lambda s, token: s.note(f"notify_cancel({token})"),
     "dispatch_queue_create": Library.make_queue,
-    "dispatch_queue_set_specific": lambda s, queue, key, value: s.thing(queue).fields.update({key: value}),
-    "dispatch_get_specific": lambda s, key: s.current.fields.get(key, 0) if s.current else 0,
     "dispatch_get_global_queue": lambda s, kind, flags: s.note(f"queue {kind:#x}, {flags}") or s.global_queue,
     "dispatch_async": lambda s, queue, block: s.thing(queue).value.append(s.retain(s.copied(s.thing(block)))),
     "dispatch_sync": Library.run_now,

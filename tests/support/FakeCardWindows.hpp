@@ -26,7 +26,7 @@ public:
 // The state of one window; it stays readable after the window is gone.
 struct FakeWindowState {
     long number = 0;
-    WindowSettings settings;
+    double scale = 1;
     Rect frame;
     Screen screen;
     bool isOnScreen = false;
@@ -88,14 +88,13 @@ struct FakeCardWindows {
     bool reducesMotion = false;
 
     CardWindows table() {
-        return {.makeWindow = [this](const WindowSettings& settings,
+        return {.makeWindow = [this](const CardPlace& place,
                                      const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
                     auto state = std::make_shared<FakeWindowState>();
                     state->number = 101 + static_cast<long>(windows.size());
-                    state->settings = settings;
-                    state->frame = settings.frame;
+                    state->scale = place.scale;
+                    state->frame = place.frame;
                     state->screen = screen;
-                    state->alpha = settings.alpha;
                     windows.push_back(state);
                     return std::make_unique<FakeWindow>(state);
                 },

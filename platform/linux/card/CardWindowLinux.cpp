@@ -43,13 +43,11 @@ CardWindows makeCardWindows(decltype(CardWindows::makeWindow) makeWindow) {
     return windows;
 }
 
-CardWindowLinux::CardWindowLinux(std::shared_ptr<CardResources> resources,
-                                 const WindowSettings& settings, const Screen& screen)
+CardWindowLinux::CardWindowLinux(std::shared_ptr<CardResources> resources, const CardPlace& place,
+                                 const Screen& screen)
     : resources_(std::move(resources)),
       screen_(screen),
-      contentScale_(settings.contentScale),
-      alpha_(settings.alpha),
-      ignoresMouseEvents_(settings.ignoresMouseEvents),
+      contentScale_(place.scale),
       pictures_(resources_->pictures->observe([this] { picturesArrived(); })) {}
 
 void CardWindowLinux::setContent(std::shared_ptr<CardStage> stage) {

@@ -52,7 +52,7 @@ protected:
         std::function<void()> completion;
     };
 
-    CardWindowLinux(std::shared_ptr<CardResources> resources, const WindowSettings& settings,
+    CardWindowLinux(std::shared_ptr<CardResources> resources, const CardPlace& place,
                     const Screen& screen);
 
     // Shows, redraws or hides the card.
@@ -89,8 +89,8 @@ protected:
     std::shared_ptr<CardResources> resources_;
     Screen screen_;
     double contentScale_;
-    double alpha_;
-    bool ignoresMouseEvents_;
+    double alpha_ = 0;
+    bool ignoresMouseEvents_ = true;
     bool isOrderedIn_ = false;
     bool isUpdatePosted_ = false;
     std::shared_ptr<CardStageLinux> stage_;

@@ -5,7 +5,6 @@
 
 namespace quorvane {
 
-// Destroying such a queue waits for the running action, unless that action destroys the queue.
 MakeSerialQueue makeSerialQueuesLinux();
 
 // Sets the name that debuggers and the process list show. The kernel keeps 15 characters, so a long

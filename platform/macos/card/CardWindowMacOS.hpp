@@ -11,7 +11,7 @@ namespace quorvane {
 // Main thread only.
 class CardWindowMacOS final : public CardSystemWindow {
 public:
-    CardWindowMacOS(const WindowSettings& settings, Clock clock);
+    CardWindowMacOS(const Rect& frame, Clock clock);
     ~CardWindowMacOS() override;
 
     long number() const override;

@@ -7,6 +7,10 @@
 namespace quorvane {
 namespace {
 
+constexpr NSWindowStyleMask kNonactivatingPanel = 128;
+constexpr NSWindowLevel kScreenSaverLevel = 1000;
+// Can join all spaces 1, stationary 16, ignores cycle 64, full-screen auxiliary 256.
+constexpr NSWindowCollectionBehavior kCollectionBehavior = 337;
 // Shorter than the time a hand takes from the card's edge to a button.
 constexpr Duration kPointerInterval = std::chrono::milliseconds{50};
 
@@ -21,30 +25,27 @@ void runAnimation(double seconds, void (^changes)(void), void (^completion)(void
 
 }  // namespace
 
-CardWindowMacOS::CardWindowMacOS(const WindowSettings& settings, Clock clock)
-    : clock_(std::move(clock)) {
-    panel_ = [[CardPanel alloc] initWithContentRect:cgRect(settings.frame)
-                                          styleMask:settings.styleMask
+CardWindowMacOS::CardWindowMacOS(const Rect& frame, Clock clock) : clock_(std::move(clock)) {
+    panel_ = [[CardPanel alloc] initWithContentRect:cgRect(frame)
+                                          styleMask:kNonactivatingPanel
                                             backing:NSBackingStoreBuffered
                                               defer:NO];
     panel_.onPrimaryButton = [this](NSEventType type, NSPoint location) {
         primaryButton(type, {location.x, location.y});
     };
-    panel_.becomesKeyOnlyIfNeeded = settings.becomesKeyOnlyIfNeeded;
-    panel_.opaque = settings.isOpaque;
+    panel_.becomesKeyOnlyIfNeeded = YES;
+    panel_.opaque = NO;
     panel_.backgroundColor = NSColor.clearColor;
-    panel_.hasShadow = settings.hasShadow;
-    panel_.appearance =
-        settings.hasDarkAppearance ? [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua] : nil;
-    panel_.level = settings.level;
-    panel_.collectionBehavior = settings.collectionBehavior;
-    panel_.releasedWhenClosed = settings.isReleasedWhenClosed;
-    panel_.hidesOnDeactivate = settings.hidesOnDeactivate;
+    panel_.hasShadow = NO;  // the card draws its own
+    panel_.appearance = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];
+    panel_.level = kScreenSaverLevel;
+    panel_.collectionBehavior = kCollectionBehavior;
+    panel_.releasedWhenClosed = NO;
+    panel_.hidesOnDeactivate = NO;
     panel_.canHide = NO;
     panel_.animationBehavior = NSWindowAnimationBehaviorNone;
-    panel_.acceptsMouseMovedEvents = settings.acceptsMouseMovedEvents;
-    panel_.alphaValue = settings.alpha;
-    mouse_.setIgnored(settings.ignoresMouseEvents);
+    panel_.acceptsMouseMovedEvents = YES;
+    panel_.alphaValue = 0;
     applyMouse();
 }
 

@@ -11,8 +11,8 @@ namespace quorvane {
 CardWindows makeCardWindowsMacOS(const Clock& clock) {
     return {
         .makeWindow =
-            [clock](const WindowSettings& settings, const Screen&) {
-                return std::make_unique<CardWindowMacOS>(settings, clock);
+            [clock](const CardPlace& place, const Screen&) {
+                return std::make_unique<CardWindowMacOS>(place.frame, clock);
             },
         .makeStage = [](const CardStyle& style) { return std::make_shared<CardStageMacOS>(style); },
         .reducesMotion =

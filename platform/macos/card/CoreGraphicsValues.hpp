@@ -20,10 +20,6 @@ private:
 
 constexpr CGRect cgRect(const Rect& rect) { return {{rect.x, rect.y}, {rect.width, rect.height}}; }
 
-constexpr Rect rectFrom(const CGRect& rect) {
-    return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
-}
-
 inline CFHandle<CGColorRef> makeColor(const Color& color) {
     return CFHandle<CGColorRef>{CGColorCreateSRGB(color.red, color.green, color.blue, color.alpha)};
 }

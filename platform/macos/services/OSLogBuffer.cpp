@@ -14,26 +14,6 @@ constexpr std::uint8_t kText = 0x20;
 constexpr std::uint8_t kPrivate = 0x01;
 constexpr std::uint8_t kPublic = 0x02;
 
-std::int64_t signedFrom(const LogArgument& argument) {
-    const auto* const number = std::get_if<std::int64_t>(&argument);
-    return number ? *number : 0;
-}
-
-std::uint64_t unsignedFrom(const LogArgument& argument) {
-    const auto* const number = std::get_if<std::uint64_t>(&argument);
-    return number ? *number : 0;
-}
-
-double realFrom(const LogArgument& argument) {
-    const auto* const number = std::get_if<double>(&argument);
-    return number ? *number : 0;
-}
-
-std::string_view textFrom(const LogArgument& argument) {
-    const auto* const text = std::get_if<std::string_view>(&argument);
-    return text ? *text : std::string_view{};
-}
-
 }  // namespace
 
 OSLogBuffer::OSLogBuffer(const LogLine& line) : bytes_{0, 0} {
@@ -45,15 +25,20 @@ OSLogBuffer::OSLogBuffer(const LogLine& line) : bytes_{0, 0} {
         if (!nextPlaceholder(line.format, from, placeholder)) break;
         from = placeholder.end;
         ++bytes_[1];
+        // LogFormat has checked that each argument fits its placeholder.
         using Kind = LogPlaceholder::Kind;
         switch (placeholder.kind) {
-            case Kind::text: addText(placeholder, textFrom(argument)); break;
+            case Kind::text: addText(placeholder, std::get<std::string_view>(argument)); break;
             case Kind::boolean:
-            case Kind::int32: addNumber(static_cast<std::int32_t>(signedFrom(argument))); break;
-            case Kind::int64: addNumber(signedFrom(argument)); break;
-            case Kind::uint32: addNumber(static_cast<std::uint32_t>(unsignedFrom(argument))); break;
-            case Kind::uint64: addNumber(unsignedFrom(argument)); break;
-            case Kind::real: addNumber(realFrom(argument)); break;
+            case Kind::int32:
+                addNumber(static_cast<std::int32_t>(std::get<std::int64_t>(argument)));
+                break;
+            case Kind::int64: addNumber(std::get<std::int64_t>(argument)); break;
+            case Kind::uint32:
+                addNumber(static_cast<std::uint32_t>(std::get<std::uint64_t>(argument)));
+                break;
+            case Kind::uint64: addNumber(std::get<std::uint64_t>(argument)); break;
+            case Kind::real: addNumber(std::get<double>(argument)); break;
         }
     }
 }

@@ -10,21 +10,16 @@
 namespace quorvane {
 namespace {
 
-constexpr char kOwnQueue = 0;  // its address is the key that identifies an action's queue
-
 class SerialQueueMacOS final : public SerialQueue {
 public:
     explicit SerialQueueMacOS(const std::string& label)
-        : queue_(dispatch_queue_create(label.c_str(), DISPATCH_QUEUE_SERIAL)) {
-        dispatch_queue_set_specific(queue_, &kOwnQueue, this, nullptr);
-    }
+        : queue_(dispatch_queue_create(label.c_str(), DISPATCH_QUEUE_SERIAL)) {}
 
     ~SerialQueueMacOS() override {
         *isClosed_ = true;
         // The system cannot drop added blocks, so pending ones run and find the queue closed.
-        if (dispatch_get_specific(&kOwnQueue) != this)
-            dispatch_sync(queue_, ^{
-                          });
+        dispatch_sync(queue_, ^{
+                      });
     }
 
     bool async(std::function<void()> action) override {

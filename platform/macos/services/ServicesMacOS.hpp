@@ -15,7 +15,6 @@ Application makeToolMacOS();
 // Timers run on the main queue. Time that the machine slept counts: `now` must count it too.
 Clock makeClockMacOS(std::function<Instant()> now = std::chrono::steady_clock::now);
 MainThread makeMainThreadMacOS();
-// Destroying such a queue waits for the running action, unless that action destroys the queue.
 MakeSerialQueue makeSerialQueuesMacOS();
 
 // The log receives format strings unchanged, so that it can store them by address and redact

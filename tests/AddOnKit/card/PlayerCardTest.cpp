@@ -40,13 +40,13 @@ struct PlayerCardTest : testing::Test, PlayingModel {
                           .toggleLove = note("toggleLove"),
                           .setVolume = setVolume,
                           .endVolume = note("endVolume")},
+            stage,
             PlayerCardEnvironment{.clock = clock.clock(),
                                   .wallClock = clock.wallClock(),
-                                  .localized = [](const std::string& key) { return key; },
-                                  .measureText = measure,
                                   .reducesMotion = [this] { return reducesMotion; },
-                                  .isRightToLeft = [] { return false; }});
-        card->attach(stage);
+                                  .isRightToLeft = [] { return false; },
+                                  .view = {.localized = [](const std::string& key) { return key; },
+                                           .measureText = measure}});
         card->setShown(true);
     }
 

@@ -10,6 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 using Copy = InstanceHandover::RunningCopy;
 using Outcome = InstanceHandover::Outcome;
+using Kind = Outcome::Kind;
 
 constexpr Copy kMe{50, ManualClock::kStart};
 
@@ -45,10 +46,9 @@ struct InstanceHandoverTest : testing::Test {
 };
 
 TEST_F(InstanceHandoverTest, TheNewestCopyWaitsAndOlderOnesDoNot) {
-    EXPECT_EQ(resolve(), Outcome{InstanceHandover::Alone{}});
+    EXPECT_EQ(resolve(), Outcome{Kind::alone});
     copies = {{70, ManualClock::kStart + 1s}, kMe, {60, ManualClock::kStart}};
-    EXPECT_EQ(resolve(),
-              (Outcome{InstanceHandover::OldestCopy{{70, 60}}}));  // 60: same date, higher pid
+    EXPECT_EQ(resolve(), (Outcome{Kind::oldestCopy, {70, 60}}));  // 60: same date, higher pid
     result.reset();
     for (const Copy older : {Copy{40, ManualClock::kStart}, Copy{70, ManualClock::kStart - 1ns},
                              Copy{70, std::nullopt}}) {
@@ -66,7 +66,7 @@ TEST_F(InstanceHandoverTest, EachLookComesBeforeTheCheckOfTheTime) {
     EXPECT_EQ(result, std::nullopt);
     copies = {kMe};
     clock.advance(1ms);
-    EXPECT_EQ(result, (Outcome{InstanceHandover::OthersExited{10s}}));
+    EXPECT_EQ(result, (Outcome{.kind = Kind::othersExited, .waited = 10s}));
     EXPECT_EQ(looks, 2 + 40);
     EXPECT_TRUE(asked.empty());
     EXPECT_EQ(clock.pendingTimers(), 0u);
@@ -81,20 +81,20 @@ TEST_F(InstanceHandoverTest, AsksAfterTheWaitAndGivesAGraceTime) {
     clock.advance(1'900ms);
     copies = {{42, std::nullopt}, kMe};
     clock.advance(100ms);
-    EXPECT_EQ(result, (Outcome{InstanceHandover::StillRunningAfterTermination{{42}}}));
+    EXPECT_EQ(result, (Outcome{Kind::stillRunningAfterTermination, {42}}));
 
     copies = {{41, std::nullopt}, kMe};
     resolve();
     clock.advance(10s + 300ms);
     copies = {kMe};
     clock.advance(200ms);
-    EXPECT_EQ(result, (Outcome{InstanceHandover::Terminated{{41}}}));
+    EXPECT_EQ(result, (Outcome{Kind::terminated, {41}}));
 
     copies = {{41, std::nullopt}, kMe};
     obeysAtOnce = true;
     resolve();
     clock.advance(10s);
-    EXPECT_EQ(result, (Outcome{InstanceHandover::Terminated{{41}}}));
+    EXPECT_EQ(result, (Outcome{Kind::terminated, {41}}));
 
     // A copy that quits right after the last check is still reported.
     copies = {{41, std::nullopt}, kMe};
@@ -109,7 +109,7 @@ TEST_F(InstanceHandoverTest, ANewCopyThatAppearsMeanwhileIsNoReasonToWait) {
     resolve();
     copies = {{90, ManualClock::kStart + 1s}, kMe};
     clock.advance(250ms);
-    EXPECT_EQ(result, (Outcome{InstanceHandover::OthersExited{250ms}}));
+    EXPECT_EQ(result, (Outcome{.kind = Kind::othersExited, .waited = 250ms}));
 }
 
 TEST_F(InstanceHandoverTest, TheWaitOnlyFormTellsWhoIsLeft) {
@@ -121,7 +121,7 @@ TEST_F(InstanceHandoverTest, TheWaitOnlyFormTellsWhoIsLeft) {
                              {.wait = 1s, .poll = 500ms}};
     waiting.waitOnly([this](Outcome outcome) { result = outcome; });
     clock.advance(1s);
-    EXPECT_EQ(result, (Outcome{InstanceHandover::TimedOut{{40}}}));
+    EXPECT_EQ(result, (Outcome{Kind::timedOut, {40}}));
 }
 
 }  // namespace

@@ -68,18 +68,6 @@ TEST(PresentationDriver, AListenersEventsFollowTheChangeItWasNotifiedOf) {
                                                          {.allowsPlayer = true}}));
 }
 
-TEST(PresentationDriver, MayBeDestroyedByItsListeners) {
-    for (const bool byOnLocked : {true, false}) {
-        Fixture f;
-        const auto destroy = [&f] {
-            f.driver.reset();
-            ++f.locks;  // the listener has not been destroyed
-        };
-        f.driver->onLocked = byOnLocked ? std::function<void()>{destroy} : nullptr;
-        f.driver->onChange = [destroy](const PresentationState&) { destroy(); };
-        f.driver->handle(event::Locked{});
-        EXPECT_EQ(f.driver, nullptr);
-    }
 }
 
 }  // namespace

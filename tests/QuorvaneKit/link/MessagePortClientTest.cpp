@@ -202,41 +202,5 @@ TEST_F(MessagePortClientTest, AFailureOfAnOldPortDoesNotDropTheNewOne) {
     }
 }
 
-TEST_F(MessagePortClientTest, SurvivesItsOwnEndInsideEverythingThatCallsOut) {
-    const auto end = [&] { client.reset(); };
-    Handle observation;
-    const std::function<void()> ends[] = {
-        [&] { ports.duringSend = end, client->requestStateUpdate(); },
-        [&] { ports.duringSend = end, client->playPause(); },
-        [&] { ports.duringSend = end, client->start(); },
-        [&] {
-            client->onStateChanged = [&](const QuorvanePlayerState&) { client.reset(); };
-            client->requestStateUpdate();
-        },
-        [&] {
-            client->disconnect();
-            observation = client->isConnected().subscribe(end);
-            client->start();
-        },
-        [&] {
-            observation = client->isConnected().subscribe(end);
-            ports.failures[kMainPort] = kPortBecameInvalid;
-            notices.deliver(kStateChanged);
-        },
-        [&] {
-            client->sendQuery(MessageType::historyQuery, {}, 1s, [&](auto) { client.reset(); });
-            queues.runAll();
-            mainThread.run();
-        }};
-    for (const auto& endInside : ends) {
-        client = makeClient();
-        connect();
-        endInside();
-        EXPECT_EQ(client, nullptr) << &endInside - ends;
-        EXPECT_EQ(notices.observerCount(), 0U);
-        ports.failures.clear();
-    }
-}
-
 }  // namespace
 }  // namespace quorvane

@@ -49,9 +49,9 @@ protected:
             answer(copyOf(bytesOf(word)));
         };
     }
-    std::string ask(PortEndpoint endpoint, std::int32_t messageID, std::string_view payload = "p",
+    std::string ask(PortKind kind, std::int32_t messageID, std::string_view payload = "p",
                     std::byte secretByte = std::byte{9}) {
-        RequestRouter router{endpoint, handlers, secret,
+        RequestRouter router{kind, handlers, secret,
                              Logger{log.sink(), "QuorvaneKit", "MessagePortServer"}, wait};
         const Bytes body = framed(bytesOf(payload), Bytes(32, secretByte));
         return std::string{textOf(joined(router.answer(messageID, body).parts()))};
@@ -59,7 +59,7 @@ protected:
     // Returns when the router waits for the handler.
     std::future<std::string> askLater(std::int32_t messageID) {
         auto reply = std::async(std::launch::async,
-                                [this, messageID] { return ask(QueryEndpoint{1}, messageID); });
+                                [this, messageID] { return ask(PortKind::query, messageID); });
         wait->untilWaiting(1);
         return reply;
     }
@@ -85,8 +85,8 @@ TEST_F(RequestRouterTest, EachTypeReachesItsHandlerOnItsPortOnly) {
           Row{5, "", "widgets", "widgets"}, Row{10, "a", "query a", "query"},
           Row{11, "b", "call b", "call"}, Row{12, "c", "image c", "image"},
           Row{13, "d", "history d", "history"}, Row{14, "", "hello ", "hello"}}) {
-        PortEndpoint right = MainEndpoint{};
-        PortEndpoint wrong = QueryEndpoint{static_cast<std::size_t>(messageID) % 4};
+        PortKind right = PortKind::main;
+        PortKind wrong = PortKind::query;
         if (messageID >= 10) std::swap(right, wrong);
         EXPECT_EQ(ask(right, messageID, payload), reply);
         EXPECT_EQ(std::exchange(called, {}), std::vector{handler});
@@ -99,12 +99,12 @@ TEST_F(RequestRouterTest, EachTypeReachesItsHandlerOnItsPortOnly) {
 }
 
 TEST_F(RequestRouterTest, TheSecretComesBeforeAnythingElse) {
-    EXPECT_EQ(ask(MainEndpoint{}, 6, "p", std::byte{8}), "");
+    EXPECT_EQ(ask(PortKind::main, 6, "p", std::byte{8}), "");
     secret.reset();
-    EXPECT_EQ(ask(MainEndpoint{}, 1), "");
+    EXPECT_EQ(ask(PortKind::main, 1), "");
     secret = Bytes(32, std::byte{9});
     for (const std::int32_t messageID : {-1, 0, 6, 9, 15, 257})
-        EXPECT_EQ(ask(QueryEndpoint{}, messageID), "");
+        EXPECT_EQ(ask(PortKind::query, messageID), "");
     const std::string dropped =
         "IPC: dropped message with missing/mismatched connection secret (type ";
     const std::string unknown = "Unknown message type: ";
@@ -115,21 +115,21 @@ TEST_F(RequestRouterTest, TheSecretComesBeforeAnythingElse) {
 
 TEST_F(RequestRouterTest, WithoutAHandlerOrAProperPayloadTheReplyIsEmpty) {
     for (const std::int32_t messageID : {2, 3, 4})
-        EXPECT_EQ(ask(MainEndpoint{}, messageID, ""), "");
-    EXPECT_EQ(ask(MainEndpoint{}, 2, "\x03"), "");  // no action has this number
+        EXPECT_EQ(ask(PortKind::main, messageID, ""), "");
+    EXPECT_EQ(ask(PortKind::main, 2, "\x03"), "");  // no action has this number
     EXPECT_TRUE(called.empty());
     state.reset();
-    EXPECT_EQ(ask(MainEndpoint{}, 1), "");
+    EXPECT_EQ(ask(PortKind::main, 1), "");
     handlers = {};
     for (const std::int32_t messageID : {1, 2, 3, 4, 5})
-        EXPECT_EQ(ask(MainEndpoint{}, messageID), "");
+        EXPECT_EQ(ask(PortKind::main, messageID), "");
     for (std::int32_t messageID = 10; messageID <= 14; ++messageID)
-        EXPECT_EQ(ask(QueryEndpoint{}, messageID), "");
+        EXPECT_EQ(ask(PortKind::query, messageID), "");
     EXPECT_TRUE(log.take().empty());
     handlers.onHistoryQueryReceived = [](Bytes, const Answer& answer) { answer(std::nullopt); };
     handlers.onLastFmCallReceived = handlers.onHistoryQueryReceived;
-    EXPECT_EQ(ask(QueryEndpoint{}, 13), "");
-    EXPECT_EQ(ask(QueryEndpoint{}, 11), "");
+    EXPECT_EQ(ask(PortKind::query, 13), "");
+    EXPECT_EQ(ask(PortKind::query, 11), "");
     EXPECT_EQ(log.take(), Lines{"History query dropped: undecodable request"});
 }
 
@@ -166,7 +166,7 @@ TEST_F(RequestRouterTest, CancellingEndsTheWaitWithoutALine) {
     auto reply = askLater(14);
     wait->cancel();
     EXPECT_EQ(reply.get(), "");
-    EXPECT_EQ(ask(QueryEndpoint{}, 14), "");  // the handler is not called again either
+    EXPECT_EQ(ask(PortKind::query, 14), "");  // the handler is not called again either
     EXPECT_EQ(called.size(), 1U);
     EXPECT_TRUE(log.take().empty());
 }

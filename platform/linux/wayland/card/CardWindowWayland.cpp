@@ -19,11 +19,10 @@ constexpr Duration kSoon = std::chrono::milliseconds{40};
 
 CardWindowWayland::CardWindowWayland(WaylandSession& session,
                                      std::shared_ptr<CardResources> resources,
-                                     const WindowSettings& settings, const Screen& screen,
-                                     long number)
-    : CardWindowLinux(std::move(resources), settings, screen),
+                                     const CardPlace& place, const Screen& screen, long number)
+    : CardWindowLinux(std::move(resources), place, screen),
       session_(session),
-      frame_(settings.frame),
+      frame_(place.frame),
       number_(number) {}
 
 CardWindowWayland::~CardWindowWayland() { close(); }

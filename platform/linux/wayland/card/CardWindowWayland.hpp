@@ -19,7 +19,7 @@ namespace quorvane {
 class CardWindowWayland final : public CardWindowLinux {
 public:
     CardWindowWayland(WaylandSession& session, std::shared_ptr<CardResources> resources,
-                      const WindowSettings& settings, const Screen& screen, long number);
+                      const CardPlace& place, const Screen& screen, long number);
     ~CardWindowWayland() override;
 
     long number() const override { return number_; }

@@ -6,9 +6,9 @@ namespace quorvane {
 extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeCardWindows(
     const CardModuleServices& services, void* session) {
     return makeCardWindows([&wayland = *static_cast<WaylandSession*>(session),
-                            resources = CardResources::make(services), made = 0L](
-                               const WindowSettings& settings, const Screen& screen) mutable {
-        return std::make_unique<CardWindowWayland>(wayland, resources, settings, screen, ++made);
+                            resources = CardResources::make(services),
+                            made = 0L](const CardPlace& place, const Screen& screen) mutable {
+        return std::make_unique<CardWindowWayland>(wayland, resources, place, screen, ++made);
     });
 }
 

@@ -14,12 +14,11 @@ constexpr Duration kRepaintTime = std::chrono::milliseconds{150};
 
 std::unique_ptr<CardWindowX11> CardWindowX11::make(X11Session& x11,
                                                    std::shared_ptr<CardResources> resources,
-                                                   const WindowSettings& settings,
-                                                   const Screen& screen) {
+                                                   const CardPlace& place, const Screen& screen) {
     std::unique_ptr<CardWindowX11> window{
-        new CardWindowX11{x11, std::move(resources), settings, screen}};
+        new CardWindowX11{x11, std::move(resources), place, screen}};
     CardWindowX11& self = *window;
-    window->child_ = CardXWindow::make(x11, self.resources_->log, settings.frame, screen,
+    window->child_ = CardXWindow::make(x11, self.resources_->log, place.frame, screen,
                                        {.destroyed = [&self] { self.vanish(); },
                                         .exposed =
                                             [&self](const PixelRect& part) {
@@ -33,8 +32,8 @@ std::unique_ptr<CardWindowX11> CardWindowX11::make(X11Session& x11,
 }
 
 CardWindowX11::CardWindowX11(X11Session& x11, std::shared_ptr<CardResources> resources,
-                             const WindowSettings& settings, const Screen& screen)
-    : CardWindowLinux(std::move(resources), settings, screen), x11_(x11) {}
+                             const CardPlace& place, const Screen& screen)
+    : CardWindowLinux(std::move(resources), place, screen), x11_(x11) {}
 
 CardWindowX11::~CardWindowX11() { close(); }
 

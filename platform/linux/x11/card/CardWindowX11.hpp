@@ -20,8 +20,7 @@ public:
     // Returns null when no locker's window can hold it; the reason is logged.
     static std::unique_ptr<CardWindowX11> make(X11Session& x11,
                                                std::shared_ptr<CardResources> resources,
-                                               const WindowSettings& settings,
-                                               const Screen& screen);
+                                               const CardPlace& place, const Screen& screen);
     ~CardWindowX11() override;
 
     long number() const override { return static_cast<long>(child_->window()); }
@@ -31,8 +30,8 @@ public:
     void close() override;
 
 private:
-    CardWindowX11(X11Session& x11, std::shared_ptr<CardResources> resources,
-                  const WindowSettings& settings, const Screen& screen);
+    CardWindowX11(X11Session& x11, std::shared_ptr<CardResources> resources, const CardPlace& place,
+                  const Screen& screen);
     Rect inkOf(const TextNode& text) override {
         return display_ ? display_->inkOf(text) : text.frame;
     }

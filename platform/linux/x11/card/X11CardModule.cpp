@@ -7,9 +7,8 @@ extern "C" __attribute__((visibility("default"))) CardWindows quorvaneMakeCardWi
     const CardModuleServices& services, void* session) {
     return makeCardWindows(
         [&x11 = *static_cast<X11Session*>(session), resources = CardResources::make(services)](
-            const WindowSettings& settings,
-            const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
-            return CardWindowX11::make(x11, resources, settings, screen);
+            const CardPlace& place, const Screen& screen) -> std::unique_ptr<CardSystemWindow> {
+            return CardWindowX11::make(x11, resources, place, screen);
         });
 }
 

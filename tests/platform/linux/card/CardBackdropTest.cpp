@@ -43,7 +43,7 @@ TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
     showCard();
     expectMarginsLike(before, kWindowX, kWindowY);
     // To a place that overlaps the old one, and back.
-    window->setFrame(settings(200, 260).frame, screen());
+    window->setFrame(place(200, 260).frame, screen());
     const bool isHidden = look().at(400, 400) == before.at(400, 400);
     EXPECT_EQ(isHidden, !GetParam()) << "until it has been painted behind the card";
     advance(milliseconds{150});
@@ -52,7 +52,7 @@ TEST_P(CardBackdropOfEachKind, IsTheLockersPictureAlsoAfterMoving) {
     // Lockers repaint like this when the server exposes an area again.
     showPicture(GetParam());
     settle();
-    window->setFrame(settings(kWindowX, kWindowY).frame, screen());
+    window->setFrame(place(kWindowX, kWindowY).frame, screen());
     settle();
     advance(milliseconds{150});
     expectMarginsLike(before, kWindowX, kWindowY);
@@ -151,7 +151,7 @@ TEST_F(CardBackdrop, OutsideOfTheScreenDoesNoHarm) {
     showCard();
     EXPECT_EQ(pixelAt(705, 240), kLockerColor);
     EXPECT_NE(pixelAt(900, 100), kLockerColor);
-    window->setFrame(settings(2000, 2000).frame, screen());
+    window->setFrame(place(2000, 2000).frame, screen());
     EXPECT_EQ(pixelAt(900, 100), kLockerColor);
 }
 
@@ -170,7 +170,7 @@ TEST_P(CardWithout, IsDrawnAllTheSame) {
     showCard();
     EXPECT_EQ(std::ranges::count(look().values, 0xff00ff00), 20 * 20);
     expectMarginsLike(before, kWindowX, kWindowY);
-    window->setFrame(settings(200, 260).frame, screen());
+    window->setFrame(place(200, 260).frame, screen());
     expectMarginsLike(before, 200, 260);
     window->close();
     EXPECT_EQ(look(), before);

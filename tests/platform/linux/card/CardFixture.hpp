@@ -62,16 +62,13 @@ protected:
         first.keepClear.clear();
         return first;
     }
-    WindowSettings settings(int x = kWindowX, int y = kWindowY) {
-        WindowSettings result;
-        const Rect screenFrame = screen().frame;
-        result.frame = {double(x), screenFrame.maxY() - y - 326, 504, 326};
-        result.ignoresMouseEvents = false;
-        return result;
+    CardPlace place(int x = kWindowX, int y = kWindowY) {
+        return {{double(x), screen().frame.maxY() - y - 326, 504, 326}};
     }
     void makeCard(int x = kWindowX, int y = kWindowY) {
-        window = windows.makeWindow(settings(x, y), screen());
+        window = windows.makeWindow(place(x, y), screen());
         ASSERT_TRUE(window) << "no window was made";
+        window->setIgnoresMouseEvents(false);
         stage = windows.makeStage(kCardStyle);
         window->setContent(stage);
         window->orderFrontRegardless();

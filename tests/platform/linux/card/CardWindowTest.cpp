@@ -28,7 +28,7 @@ protected:
 TEST_F(CardWindow, StandsInsideTheLockersAndIsNeverRaised) {
     open();
     log.take();
-    EXPECT_EQ(windows.makeWindow(settings(), screen()), nullptr) << "without a locker";
+    EXPECT_EQ(windows.makeWindow(place(), screen()), nullptr) << "without a locker";
     EXPECT_EQ(log.take().size(), 1u);
     lock();
     makeCard();
@@ -176,7 +176,7 @@ TEST_F(CardWindow, GoesWithItsLockerQuietly) {
     window->orderFrontRegardless();
     window->animateAlpha(1, milliseconds{200}, [&] { ++completed; });
     stage->setScene(sceneOf({kGreenSquare}));
-    window->setFrame(settings(100, 50).frame, screen());
+    window->setFrame(place(100, 50).frame, screen());
     advance(milliseconds{300});
     EXPECT_EQ(completed, 2);
     EXPECT_FALSE(window->isVisible());
@@ -225,11 +225,11 @@ TEST_F(CardWindow, LeavesOutWhatIsToBeKeptClear) {
     EXPECT_NE(pixelAt(500, 384), kLockerColor) << "the shadow";
     Screen needed = screen();
     needed.keepClear = {{400, 700 - 500, 200, 120}};  // from 380 pixels below the top
-    window->setFrame(settings().frame, needed);
+    window->setFrame(place().frame, needed);
     EXPECT_EQ(pixelAt(500, 384), kLockerColor);
     EXPECT_NE(pixelAt(390, 384), kLockerColor);
     needed.keepClear = {};
-    window->setFrame(settings().frame, needed);
+    window->setFrame(place().frame, needed);
     EXPECT_NE(pixelAt(500, 384), kLockerColor);
 }
 

@@ -42,16 +42,15 @@ protected:
         const Screen screen = session.screens().list().front();
         window = std::make_unique<CardWindowWayland>(
             session, resources,
-            WindowSettings{
-                .frame = {screen.frame.minX() + 10, screen.frame.maxY() - 326 - 20, 504, 326},
-                .alpha = 1,
-                .ignoresMouseEvents = false},
-            screen, 1);
+            CardPlace{{screen.frame.minX() + 10, screen.frame.maxY() - 326 - 20, 504, 326}}, screen,
+            1);
+        window->setIgnoresMouseEvents(false);
         stage->setEvents(
             {.pointer = [this](const PointerEvent& event) { presses.push_back(event); },
              .accessibility = nullptr});
         stage->setHidden(false);
         window->setContent(stage);
+        window->setAlpha(1);
         window->orderFrontRegardless();
         ASSERT_TRUE(runUntil(loop, [&] {
             return !compositor->surfaces.empty() && !compositor->surface().shown.isEmpty();
