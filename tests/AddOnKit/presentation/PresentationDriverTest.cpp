@@ -68,7 +68,5 @@ TEST(PresentationDriver, AListenersEventsFollowTheChangeItWasNotifiedOf) {
                                                          {.allowsPlayer = true}}));
 }
 
-}
-
 }  // namespace
 }  // namespace quorvane
