@@ -104,8 +104,8 @@ void AddOnCoordinator::makeController() {
 // For the installer's status, because the installer cannot see the lock screen.
 void AddOnCoordinator::noteRoom(bool hasRoom) {
     const UserDefaults& defaults = platform_.services.standardDefaults;
-    const bool isNoted = defaults.get(AddOnSignals::kNoRoomKey).has_value();
-    if (isNoted != hasRoom) return;
+    const bool lackIsNoted = defaults.get(AddOnSignals::kNoRoomKey).has_value();
+    if (lackIsNoted == !hasRoom) return;
     defaults.set(AddOnSignals::kNoRoomKey,
                  hasRoom ? std::nullopt : std::optional{PropertyValue{true}});
     static_cast<void>(defaults.synchronize());

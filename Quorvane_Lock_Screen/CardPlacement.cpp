@@ -7,6 +7,7 @@
 namespace quorvane::CardPlacement {
 namespace {
 
+constexpr double kTopShare = 0.3;  // of the screen's height, above the card
 // Distances between the card and an area to keep clear, widest first. At the first, the shadow ends
 // before the area begins.
 constexpr double kMargins[] = {kCardShadowMargin, 24, 12, 8};
@@ -27,8 +28,8 @@ bool isInside(const Rect& card, const Rect& screen) {
 
 enum class Axis { upright, level };
 
-// The places beside the areas along one axis, nearest first: those above or to the right of the
-// card, then those below or to the left.
+// The places beside the areas along one axis: first those above (or to the right of) the card, then
+// those below (or to the left), each nearest first.
 std::vector<Rect> placesBeside(const Rect& card, Axis axis, double margin,
                                std::span<const Rect> keepClear) {
     std::vector<double> offsets;
@@ -63,7 +64,7 @@ std::optional<Rect> clearPlace(const Rect& card, const Rect& screen,
 // The card at the default place.
 Rect cardOn(const Rect& screen, double scale) {
     const Size size{scale * kCardSize.width, scale * kCardSize.height};
-    const double top = screen.maxY() - 0.3 * screen.height;
+    const double top = screen.maxY() - kTopShare * screen.height;
     return {std::round(screen.midX() - 0.5 * size.width), std::round(top - size.height), size.width,
             size.height};
 }

@@ -19,9 +19,9 @@ namespace CardPlacement {
 // top. The frame is the card grown by the shadow margin. Global points, y growing upward.
 Rect windowFrame(const Rect& screen);
 
-// The default place, moved out of the areas that the lock screen needs, with as wide a margin as
-// the screen allows. The card moves up if there is room, else down, else right or left. A card that
-// fits nowhere is scaled down, to 0.8 at least. Returns nullopt when that does not fit either.
+// The default place, moved out of the areas that the lock screen needs: up or down with the widest
+// margin that fits, else right or left likewise. A card that fits nowhere is scaled down, to 0.8 at
+// least. Returns nullopt when that does not fit either.
 std::optional<CardPlace> place(const Rect& screen, std::span<const Rect> keepClear);
 
 }  // namespace CardPlacement

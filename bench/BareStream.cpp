@@ -1,3 +1,4 @@
+// A bare Unix stream: the lower bound for a request and its reply.
 #include <sys/socket.h>
 
 #include "bench/LinkRival.hpp"

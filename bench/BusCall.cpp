@@ -1,3 +1,4 @@
+// sd-bus, through dbus-daemon and peer to peer, as rivals of the link.
 #include <sys/socket.h>
 #include <systemd/sd-bus.h>
 

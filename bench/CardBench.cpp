@@ -20,10 +20,10 @@ namespace quorvane {
 namespace {
 
 constexpr int kRounds = 31;
-constexpr int kFramesARound = 20;  // in a row, as a marquee draws them
-constexpr int kRedrawsARound = 5;
+constexpr int kFramesPerRound = 20;  // in a row, as a marquee draws them
+constexpr int kRedrawsPerRound = 5;
 constexpr double kScale = 2;
-// The values in fills of 0.6, 1.6 and 2 ms on the machine for which those goals were set.
+// Limits as multiples of one fill's time: 0.6, 1.6 and 2 ms on the machine for which they were set.
 constexpr double kRedrawFills = 3;
 constexpr double kFirstDrawFills = 8.5;
 constexpr double kGlassFills = 13.5;
@@ -135,9 +135,9 @@ void drawing(Bench& bench) {
     const StageLook look{.scene = scene, .transform = Transform::identity()};
     bench.painter.draw(bench.target.get(), look);
     for (int round = 0; round < kRounds; ++round) {
-        for (int frame = 0; frame < kFramesARound; ++frame)
-            marquee.add(marqueeFrame(bench, round * kFramesARound + frame));
-        for (int i = 0; i < kRedrawsARound; ++i) {
+        for (int frame = 0; frame < kFramesPerRound; ++frame)
+            marquee.add(marqueeFrame(bench, round * kFramesPerRound + frame));
+        for (int i = 0; i < kRedrawsPerRound; ++i) {
             kept.add(microsecondsOf([&] { bench.painter.draw(bench.target.get(), look); }));
             fills.add(fill(bench));
             glass.add(glassOnce(bench));

@@ -1,3 +1,4 @@
+// The link itself, measured as its rivals are.
 #include "QuorvaneKit/link/MessagePortWire.hpp"
 #include "bench/LinkRival.hpp"
 #include "bench/ServerProcess.hpp"

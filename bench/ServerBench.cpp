@@ -19,7 +19,7 @@ namespace {
 constexpr int kClients = 64;
 constexpr int kRequests = 100'000;
 constexpr int kKinds = 8;
-constexpr int kRequestsAClient = kRequests / kClients / kKinds * kKinds;
+constexpr int kRequestsPerClient = kRequests / kClients / kKinds * kKinds;
 constexpr std::size_t kArtworkSize = 20 * 1024;
 
 // Shared by both processes.
@@ -121,13 +121,13 @@ Outcome storm(const std::filesystem::path& folder, pid_t server) {
     Outcome outcome;
     std::atomic<int> wrong = 0;
     const auto begin = std::chrono::steady_clock::now();
-    constexpr int kEarly = kRequestsAClient / 5;
+    constexpr int kEarly = kRequestsPerClient / 5;
     std::barrier fifth{kClients + 1};
     std::vector<std::thread> clients;
     for (int number = 0; number < kClients; ++number)
         clients.emplace_back([&, number] {
             Client client{folder, number};
-            for (int i = 0; i < kRequestsAClient; ++i) {
+            for (int i = 0; i < kRequestsPerClient; ++i) {
                 client.request(i + number);
                 if (i == kEarly) fifth.arrive_and_wait();
             }
@@ -151,7 +151,7 @@ int runBench() {
     pin(0);
     const Outcome outcome = storm(folder.path(), server.pid());
 
-    constexpr int kSent = kClients * kRequestsAClient;
+    constexpr int kSent = kClients * kRequestsPerClient;
     constexpr int kOfAKind = kSent / kKinds;
     const int misplaced = std::abs(counts.states - 2 * kOfAKind) +
                           std::abs(counts.volumes - kOfAKind) + std::abs(counts.hellos - kOfAKind);

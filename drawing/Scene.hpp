@@ -66,7 +66,7 @@ struct ImageNode {
 // One line. Text wider than its frame is cut off with an ellipsis at its trailing end, unless
 // `scroll` is set.
 struct TextNode {
-    // One cycle: rests, then moves the text until its copy is in its place.
+    // One cycle: rests, then moves the text until its copy is where the text began.
     struct Motion {
         double rest = 0;   // seconds
         double speed = 0;  // points per second
@@ -74,7 +74,7 @@ struct TextNode {
     };
     // The text starts at its aligned edge, moved `offset` points beyond it. A copy
     // follows after `gap` points. Both ends of the frame fade over `fade` points. With a motion
-    // the stage moves both from there, over and over, for as long as its scenes have this node.
+    // the stage moves both from there, repeatedly, for as long as its scenes have this node.
     struct Scroll {
         double offset = 0;
         double gap = 0;

@@ -8,7 +8,7 @@
 namespace quorvane {
 
 struct LockSignals {
-    bool hasLockerWindow = false;      // a lock screen is detected
+    bool hasLockScreen = false;        // a lock screen is detected
     bool screenSaverIsActive = false;  // a desktop's screen-saver service is active
     bool sessionSaysLocked = false;    // the login manager's hint
     bool isDetectorGone = false;       // the detecting process is gone
@@ -16,10 +16,10 @@ struct LockSignals {
     // Any of the three, because a locker may announce nothing, and a lock may be announced without
     // a window visible to this process.
     constexpr bool isLocked() const {
-        return hasLockerWindow || screenSaverIsActive || sessionSaysLocked;
+        return hasLockScreen || screenSaverIsActive || sessionSaysLocked;
     }
     // Only then can a card appear.
-    constexpr bool isLockUIShown() const { return hasLockerWindow; }
+    constexpr bool isLockUIShown() const { return hasLockScreen; }
 
     constexpr bool operator==(const LockSignals&) const = default;
 };
@@ -33,7 +33,7 @@ constexpr std::vector<const char*> noticesBetween(const LockSignals& before,
     if (!before.isLocked() && after.isLocked()) notices.push_back(kScreenIsLocked);
     if (!before.isLockUIShown() && after.isLockUIShown()) notices.push_back(kScreenLockUIIsShown);
     if (before.isLockUIShown() && !after.isLockUIShown()) notices.push_back(kScreenLockUIIsHidden);
-    const bool mayStillBeLocked = before.hasLockerWindow && after.isDetectorGone;
+    const bool mayStillBeLocked = before.hasLockScreen && after.isDetectorGone;
     if (before.isLocked() && !after.isLocked() && !mayStillBeLocked)
         notices.push_back(kScreenIsUnlocked);
     return notices;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kScaleStep = 0.25;
 constexpr double kLeastDemand = 0.5;
-constexpr double kMostScale = 8;
+constexpr double kMaxScale = 8;
 
 // Parses the whole text as a number, independent of the locale.
 std::optional<double> number(std::string_view text) {
@@ -69,10 +69,10 @@ std::optional<double> numberResource(std::string_view resources, std::string_vie
 
 double scaleFor(std::string_view demand, std::optional<double> dotsPerInch) {
     const auto scale = number(demand);
-    if (scale && *scale >= kLeastDemand && *scale <= kMostScale) return *scale;
+    if (scale && *scale >= kLeastDemand && *scale <= kMaxScale) return *scale;
     if (!dotsPerInch) return 1;
     const double steps = std::round(*dotsPerInch / kUsualDotsPerInch / kScaleStep);
-    return std::clamp(steps * kScaleStep, 1.0, kMostScale);
+    return std::clamp(steps * kScaleStep, 1.0, kMaxScale);
 }
 
 std::vector<Rect> withoutRepeats(std::vector<Rect> monitors) {

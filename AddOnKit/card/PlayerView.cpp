@@ -25,7 +25,7 @@ constexpr double kArtworkEdge = 0.1;  // separates dark artwork from the glass
 constexpr double kUnlovedOpacity = 0.7;
 // The largest step, in points, that the bar may take at once. A slower bar moves with the times,
 // once a second, and needs no extra frames.
-constexpr double kMostStep = 3;
+constexpr double kMaxStep = 3;
 constexpr double kProgressOpacity = 0.55;
 constexpr double kSpeakerSymbolSize = 17;
 
@@ -169,7 +169,7 @@ private:
         const std::optional<double> duration = model_.duration.get();
         // Rounded to whole pixels, so that the scene stays equal between two of them.
         const double pixels = geometry_.progress.width * environment_.scale;
-        const bool isSlow = duration && pixels <= *duration * kMostStep * environment_.scale;
+        const bool isSlow = duration && pixels <= *duration * kMaxStep * environment_.scale;
         const double shown = isSlow && position < *duration ? std::floor(position) : position;
         const double filled =
             duration ? std::floor(shown / *duration * pixels) / environment_.scale : 0;

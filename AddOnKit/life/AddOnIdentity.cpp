@@ -44,8 +44,8 @@ AddOnIdentity AddOnIdentity::make(const ProcessInfo& process, const UserDefaults
             .addOnVersion = versionOf(process.bundleProperties),
             .macOSVersion = dotted(process.systemVersion),
             .supportsThisMacOS = isSupported(process.systemVersion),
-            .isNewInstallation =
-                AddOnSignals::contains(process.arguments, AddOnSignals::kInstalledArgument)};
+            .supersedeOnce = SupersedeOnce{
+                AddOnSignals::contains(process.arguments, AddOnSignals::kInstalledArgument)}};
 }
 
 }  // namespace quorvane

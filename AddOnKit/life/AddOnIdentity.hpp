@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "AddOnKit/life/SupersedeOnce.hpp"
 #include "platform/Log.hpp"
 #include "platform/ProcessInfo.hpp"
 #include "platform/UserDefaults.hpp"
@@ -15,7 +16,7 @@ struct AddOnIdentity {
     std::string addOnVersion;
     std::string macOSVersion;  // major.minor.patch
     bool supportsThisMacOS = false;
-    bool isNewInstallation = false;  // a removal requested before this launch does not apply
+    SupersedeOnce supersedeOnce;
     bool operator==(const AddOnIdentity&) const = default;
 
     // Creates and stores an install identifier when the defaults hold none.

@@ -5,13 +5,6 @@
 #include "QuorvaneKit/link/Identifiers.hpp"
 
 namespace quorvane {
-namespace {
-
-// How long a new installation states that it supersedes a removal, if its hellos fail. A removal
-// requested later applies, even if no hello reached the main application before.
-constexpr Duration kSupersedeLifetime = std::chrono::minutes{5};
-
-}  // namespace
 
 AddOnLink::AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
                      std::function<void()> onRemovalRequested, LogSink log)
@@ -19,9 +12,8 @@ AddOnLink::AddOnLink(AddOnIdentity identity, SendHello sendHello, Clock clock,
       sendHello_(std::move(sendHello)),
       clock_(std::move(clock)),
       onRemovalRequested_(std::move(onRemovalRequested)),
-      log_(std::move(log), kAddOnBundleIdentifier, "app") {
-    if (identity_.isNewInstallation) supersedesUntil_ = clock_.now() + kSupersedeLifetime;
-}
+      supersedesUntil_(clock_.now() + kSupersedeLifetime),
+      log_(std::move(log), kAddOnBundleIdentifier, "app") {}
 
 void AddOnLink::start() {
     if (loop_ || loopAwaitsAnswer_) return;
@@ -60,8 +52,7 @@ void AddOnLink::helloEnded(const LockScreenHelloResult& result) {
     using Outcome = LockScreenHelloResult::Outcome;
     isInFlight_ = false;
     const bool followUp = std::exchange(followUpRequested_, false);
-    // A hello that was not sent does not count, because the next one would get the old removal.
-    if (result.outcome != Outcome::notSent) supersedesUntil_.reset();
+    if (result.outcome != Outcome::notSent) identity_.supersedeOnce.consume();
     if (result.outcome == Outcome::answered) apply(result.configuration);
     // If an observer of the answer has already sent a hello, that one is the follow-up.
     if (isStopped_.get() || isInFlight_) return;
@@ -92,7 +83,8 @@ LockScreenAddOnHello AddOnLink::hello() const {
             .macOSVersion = identity_.macOSVersion,
             .supportsThisMacOS = identity_.supportsThisMacOS,
             .installID = identity_.installID,
-            .supersedesRemoval = supersedesUntil_ && clock_.now() < *supersedesUntil_};
+            .supersedesRemoval =
+                identity_.supersedeOnce.isPending() && clock_.now() < supersedesUntil_};
 }
 
 }  // namespace quorvane

@@ -54,9 +54,7 @@ private:
     SendHello sendHello_;
     Clock clock_;
     std::function<void()> onRemovalRequested_;
-    // Until then hellos state that an earlier request for removal does not apply. Nullopt once the
-    // main application has received that, and for a copy that is not newly installed.
-    std::optional<Instant> supersedesUntil_;
+    const Instant supersedesUntil_;
     Timer loop_;                     // the pause until the loop's next hello
     bool loopAwaitsAnswer_ = false;  // the pause begins with the next answer
     bool isInFlight_ = false;

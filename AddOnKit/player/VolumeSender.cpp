@@ -31,8 +31,8 @@ void VolumeSender::arm() {
     timer_ = clock_.after(*lastSend_ + kInterval - clock_.now(), [this] { fire(); });
 }
 
-// The timer may have been armed for an earlier value than the pending one. That value is not yet
-// due, so the timer is armed again for the rest of its interval.
+// Another value may have been sent since the timer was armed. The pending one is then not due yet,
+// so the timer is armed again for the rest of its interval.
 void VolumeSender::fire() {
     timer_.reset();
     if (!pending_) return;

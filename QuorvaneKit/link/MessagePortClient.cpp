@@ -30,7 +30,9 @@ MessagePortClient::MessagePortClient(std::string_view portBaseName,
       secret_(std::move(secret)),
       services_(std::move(services)),
       localResponder_(std::move(localResponder)),
-      log_(services_.log, kKitLogSubsystem, "MessagePortClient") {
+      log_(services_.log, kKitLogSubsystem, "MessagePortClient"),
+      stateChangedObserver_(services_.darwinNotices, QuorvaneDarwinNotification::playerStateChanged,
+                            [this] { stateChangedNotice(); }) {
     for (std::size_t index = 0; index < kQueryPortCount; ++index)
         querySlots_.emplace_back(
             index, queryPortName(portBaseName_, index), services_.makeSerialQueue,
@@ -47,16 +49,14 @@ void MessagePortClient::start() {
     connect();
     // If it was stopped during the wait, it stays stopped.
     if (isStopped_) return;
-    if (!stateChangedObserver_)
-        stateChangedObserver_ = services_.darwinNotices.observe(
-            QuorvaneDarwinNotification::playerStateChanged, [this] { stateChangedNotice(); });
+    stateChangedObserver_.start();
 }
 
 // A notice does not restart a stopped client.
 void MessagePortClient::stop() {
     log_.info("Stopping message port client");
     isStopped_ = true;
-    stateChangedObserver_.reset();
+    stateChangedObserver_.stop();
     disconnect();
 }
 

@@ -12,13 +12,13 @@
 #include <string>
 #include <utility>
 
+#include "QuorvaneKit/link/DarwinNotificationObserver.hpp"
 #include "QuorvaneKit/link/QuerySlot.hpp"
 #include "QuorvaneKit/records/MessageType.hpp"
 #include "QuorvaneKit/records/PlayerStateDecoder.hpp"
 #include "QuorvaneKit/records/QuorvaneAction.hpp"
 #include "platform/Clock.hpp"
 #include "platform/DarwinNotices.hpp"
-#include "platform/Handle.hpp"
 #include "platform/LifeToken.hpp"
 #include "platform/Log.hpp"
 #include "platform/MainThread.hpp"
@@ -138,7 +138,7 @@ private:
     std::array<int, kQueryPortCount> querySlotLoad_{};
     std::optional<std::size_t> lastQuerySlot_;
 
-    Handle stateChangedObserver_;
+    DarwinNotificationObserver stateChangedObserver_;
     LifeToken life_;
 };
 

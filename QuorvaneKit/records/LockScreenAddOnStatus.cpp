@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstdint>
 
+#include "QuorvaneKit/records/LockScreenConfigurationBuilder.hpp"
+
 namespace quorvane {
 namespace {
 

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace quorvane {
 
@@ -31,13 +30,5 @@ struct LockScreenAddOnConfiguration {
     std::string minimumAddOnVersion = "0";
     bool operator==(const LockScreenAddOnConfiguration&) const = default;
 };
-
-// The oldest add-on that the main application accepts.
-inline constexpr std::string_view kMinimumAddOnVersion = "1.0.0";
-
-// The main application's answer. A removal turns the card off, whatever the user's setting.
-inline LockScreenAddOnConfiguration lockScreenConfiguration(bool isEnabled, bool removalRequested) {
-    return {isEnabled && !removalRequested, removalRequested, std::string{kMinimumAddOnVersion}};
-}
 
 }  // namespace quorvane

@@ -10,10 +10,9 @@ namespace {
 
 // Returns the position after the quote that opens the artwork's text; npos if there is none.
 //
-// In valid JSON, if the key is followed by a colon and a quote, that quote opens a value. The key's
-// first quote either opens the key or, escaped, is part of a key that the second quote closes. If
-// the first quote ended a string, the letter after it would not be valid JSON, with or without the
-// value.
+// In valid JSON, a match that a colon and a quote follow can only be a key. Its first quote cannot
+// end a string, because the letter after it would then not be valid JSON. An escaped first quote,
+// as in "x\"artworkData", is still part of a key.
 std::size_t findArtworkText(std::string_view reply) {
     constexpr std::string_view kKey = "\"artworkData\"";
     const auto skipSpace = [&](std::size_t place) {

@@ -4,10 +4,11 @@
 #include <string_view>
 #include <tuple>
 
+#include "QuorvaneKit/records/CodablePoint.hpp"
+#include "QuorvaneKit/records/CodableSizeWithVersion.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnSighting.hpp"
 #include "QuorvaneKit/records/LockScreenRecords.hpp"
 #include "QuorvaneKit/records/QuorvanePlayerState.hpp"
-#include "QuorvaneKit/records/WidgetRecords.hpp"
 
 namespace quorvane {
 

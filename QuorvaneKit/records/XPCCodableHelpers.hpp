@@ -3,10 +3,11 @@
 #pragma once
 
 #include "QuorvaneKit/json/CodingError.hpp"
+#include "QuorvaneKit/records/CodablePoint.hpp"
+#include "QuorvaneKit/records/CodableSizeWithVersion.hpp"
 #include "QuorvaneKit/records/LockScreenAddOnSighting.hpp"
 #include "QuorvaneKit/records/LockScreenRecords.hpp"
 #include "QuorvaneKit/records/QuorvanePlayerState.hpp"
-#include "QuorvaneKit/records/WidgetRecords.hpp"
 #include "platform/Bytes.hpp"
 
 namespace quorvane {

@@ -7,7 +7,7 @@
 namespace quorvane {
 namespace {
 
-constexpr double kPointsAValue = 4;
+constexpr double kPointsPerValue = 4;
 constexpr double kBlurDeviation = 22;  // points
 // The increase of saturation, and the extra increase in bright places, because dimming dulls
 // colours.
@@ -61,7 +61,7 @@ float luminance(float red, float green, float blue) {
 }
 
 int stepAt(double scale) {
-    return std::max(1, static_cast<int>(std::lround(kPointsAValue * scale)));
+    return std::max(1, static_cast<int>(std::lround(kPointsPerValue * scale)));
 }
 
 float sheen(int y, const PixelRect& card, int step) {

@@ -15,12 +15,12 @@ struct PictureSize {
 // Decoding needs memory for every pixel of the original, however few encoded bytes it has, so
 // without a limit the sender would choose how much memory is used.
 inline constexpr std::uint32_t kLongestPictureSide = 16'384;
-inline constexpr std::uint64_t kMostPicturePixels = 40'000'000;
+inline constexpr std::uint64_t kMaxPicturePixels = 40'000'000;
 
 constexpr bool isDecodable(const PictureSize& size) {
     return size.width > 0 && size.height > 0 && size.width <= kLongestPictureSide &&
            size.height <= kLongestPictureSide &&
-           std::uint64_t{size.width} * size.height <= kMostPicturePixels;
+           std::uint64_t{size.width} * size.height <= kMaxPicturePixels;
 }
 
 // More than any screen shows of the card's artwork.

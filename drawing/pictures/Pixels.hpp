@@ -36,7 +36,7 @@ struct PixelRect {
 };
 
 // Bytes per pixel of our pictures: one std::uint32_t each.
-inline constexpr int kBytesAPixel = 4;
+inline constexpr int kBytesPerPixel = 4;
 
 constexpr PixelRect grownBy(const PixelRect& rect, int margin) {
     return {rect.x - margin, rect.y - margin, rect.width + 2 * margin, rect.height + 2 * margin};

@@ -5,6 +5,7 @@
 #include "QuorvaneKit/link/Identifiers.hpp"
 #include "QuorvaneKit/link/MessagePortSecret.hpp"
 #include "QuorvaneKit/link/QuorvaneDarwinNotification.hpp"
+#include "QuorvaneKit/records/LockScreenConfigurationBuilder.hpp"
 #include "QuorvaneKit/records/LockScreenHelloOutcome.hpp"
 #include "QuorvaneKit/records/XPCCodableHelpers.hpp"
 
@@ -202,7 +203,7 @@ void HostCoordinator::announce() {
 
 Bytes HostCoordinator::answerHello(ByteView request) {
     const auto hello = XPCCodableHelpers::decode<LockScreenAddOnHello>(request);
-    LockScreenAddOnConfiguration configuration = lockScreenConfiguration(false, false);
+    LockScreenAddOnConfiguration configuration = LockScreenConfigurationBuilder{}.build();
     if (hello)
         configuration = configurationFor(*hello);
     else
@@ -213,12 +214,13 @@ Bytes HostCoordinator::answerHello(ByteView request) {
 LockScreenAddOnConfiguration HostCoordinator::configurationFor(const LockScreenAddOnHello& hello) {
     report("the add-on's hello",
            defaults_.setLockScreenAddOnLastSeen(sightingOf(hello, services_.wallClock())));
-    bool removalRequested = false;
+    LockScreenConfigurationBuilder builder{.isEnabled = defaults_.lockScreenEnabled(),
+                                           .removalRequested = false};
     switch (decideLockScreenHello(defaults_.lockScreenPendingRemoval(), hello)) {
         case LockScreenHelloOutcome::answer: break;
         case LockScreenHelloOutcome::deliverRemoval:
             log_.standard("hello: asking the add-on to remove itself");
-            removalRequested = true;
+            builder.removalRequested = true;
             if (onRemovalDelivered) onRemovalDelivered();
             break;
         case LockScreenHelloOutcome::supersedeRemoval:
@@ -226,7 +228,7 @@ LockScreenAddOnConfiguration HostCoordinator::configurationFor(const LockScreenA
             report("the end of the removal", defaults_.setLockScreenPendingRemoval(std::nullopt));
             break;
     }
-    return lockScreenConfiguration(defaults_.lockScreenEnabled(), removalRequested);
+    return builder.build();
 }
 
 void HostCoordinator::report(const char* what, const Result<void>& written) const {

@@ -6,8 +6,8 @@ namespace quorvane {
 
 namespace {
 
-constexpr int kMostRedirects = 3;
-constexpr std::size_t kMostFetchedBytes = 4u << 20;  // enough for the covers of an evening
+constexpr int kMaxRedirects = 3;
+constexpr std::size_t kMaxFetchedBytes = 4u << 20;  // enough for the covers of an evening
 
 }  // namespace
 
@@ -77,7 +77,7 @@ void ArtworkLoader::fetch(const std::string& url, int redirects) {
     if (!services_.fetchPicture) return apply(without("this edition fetches no pictures"));
     if (url.size() > kLongestFetchURL) return apply(without("the picture's URL is too long"));
     if (!isWebURL(url)) return apply(without("the server redirects to another protocol"));
-    if (redirects > kMostRedirects) return apply(without("the server redirects too often"));
+    if (redirects > kMaxRedirects) return apply(without("the server redirects too often"));
     request_ = services_.fetchPicture(
         url, [this, redirects](FetchAnswer answer) { answered(std::move(answer), redirects); });
 }
@@ -95,7 +95,7 @@ void ArtworkLoader::answered(FetchAnswer answer, int redirects) {
 
 void ArtworkLoader::keep(const SharedBytes& picture) {
     fetchedBytes_ += picture.size();
-    if (fetchedBytes_ > kMostFetchedBytes) {
+    if (fetchedBytes_ > kMaxFetchedBytes) {
         fetched_.clear();
         fetchedBytes_ = picture.size();
     }

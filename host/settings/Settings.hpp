@@ -15,7 +15,7 @@ namespace quorvane {
 enum class Privacy {
     full,
     player,    // the player's name instead of title and artist, no album, no artwork
-    controls,  // the controls and the times only
+    controls,  // the controls, the times and the volume only
 };
 
 struct Settings {

@@ -25,7 +25,7 @@ const CardWindows* CardModuleLoader::loaded() {
     if (windows_) return &*windows_;
     const auto function = functionOfModule(file_, kMakeCardWindows);
     if (!function) {
-        log_.error("card: the drawing module cannot be loaded: %{public}s",
+        log_.error("card: the card module cannot be loaded: %{public}s",
                    function.error().description);
         return nullptr;
     }

@@ -1,4 +1,4 @@
-// Loader of the drawing module, which provides the card windows and loads with the first card.
+// Loader of the card module, which provides the card windows and loads with the first card.
 #pragma once
 
 #include <filesystem>

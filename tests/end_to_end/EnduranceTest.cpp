@@ -127,7 +127,7 @@ TEST_F(Soak, EachLockReleasesWhatItTook) {
         ASSERT_TRUE(addOn.says("windows: closing 1 (state)")) << addOn.log();
         ASSERT_TRUE(addOn.says("windows false")) << addOn.log();
     };
-    // The first locks load the drawing module and fill its caches.
+    // The first locks load the card module and fill its caches.
     for (int i = 0; i < 3 && !HasFailure(); ++i) lockOnce(i);
     const Holdings before = Holdings::of(addOn.process().pid());
     Holdings after;

@@ -17,17 +17,17 @@ TEST(LockSignals, NeverRepeatOrContradict) {
     for (int change = 0; change < 256; ++change) {
         const LockSignals before = stateOf(change / 16), after = stateOf(change % 16);
         bool isLocked = before.isLocked();
-        bool isShown = before.hasLockerWindow;
+        bool isShown = before.hasLockScreen;
         for (const std::string_view notice : noticesBetween(before, after)) {
             const bool isOfLock = notice == kScreenIsLocked || notice == kScreenIsUnlocked;
             const bool next = notice == kScreenIsLocked || notice == kScreenLockUIIsShown;
             EXPECT_NE(std::exchange(isOfLock ? isLocked : isShown, next), next) << notice;
             EXPECT_TRUE(isLocked || !isShown) << "the lock's UI is shown on an unlocked screen";
         }
-        const bool isKept = before.hasLockerWindow && after.isDetectorGone;
+        const bool isKept = before.hasLockScreen && after.isDetectorGone;
         EXPECT_EQ(isLocked, after.isLocked() || isKept);
         EXPECT_EQ(isShown, after.isLockUIShown());
-        EXPECT_EQ(isShown, after.hasLockerWindow);
+        EXPECT_EQ(isShown, after.hasLockScreen);
     }
 }
 

@@ -1,4 +1,4 @@
-// Interface between the card windows, which are in the drawing module, and the program's connection
+// Interface between the card windows, which are in the card module, and the program's connection
 // to the accessibility bus.
 #pragma once
 

@@ -12,7 +12,7 @@ namespace {
 constexpr char kVariant[] = "v";
 constexpr char kEntry[] = "sv";
 // The limit for one message: a player's artwork of 8 MiB in a URL, and the other values.
-constexpr std::size_t kMostMemory = 12 * 1024 * 1024;
+constexpr std::size_t kMaxMemory = 12 * 1024 * 1024;
 constexpr std::size_t kValueMemory = 1024;  // more than any value needs, without its text or bytes
 
 // Takes from the memory that is left. Returns false if that is not enough.
@@ -175,7 +175,7 @@ static_assert(std::size(kVariantContents) == std::variant_size_v<PropertyValue::
 }  // namespace
 
 int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary) {
-    std::size_t left = kMostMemory;
+    std::size_t left = kMaxMemory;
     return readDictionary(message, left, dictionary);
 }
 

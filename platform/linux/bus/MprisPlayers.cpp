@@ -19,8 +19,8 @@ constexpr std::string_view kNamePrefix = "org.mpris.MediaPlayer2.";
 constexpr std::size_t kLongestRepeated = 64 * 1024;
 // Limits on the values kept of misbehaving players. The interface has 16 properties, and everything
 // but the metadata is a number or a word.
-constexpr std::size_t kMostPlayers = 100;
-constexpr std::size_t kMostProperties = 64;
+constexpr std::size_t kMaxPlayers = 100;
+constexpr std::size_t kMaxProperties = 64;
 constexpr std::size_t kLongestWord = 256;
 // A player that takes longer counts as silent.
 constexpr Duration kPatience = std::chrono::seconds{5};
@@ -47,7 +47,7 @@ bool isWordOrNumber(const PropertyValue& value) {
 
 void merge(PropertyDictionary changes, PropertyDictionary& properties) {
     for (auto& [key, value] : changes) {
-        const bool isKnown = properties.contains(key) || properties.size() < kMostProperties;
+        const bool isKnown = properties.contains(key) || properties.size() < kMaxProperties;
         if (isKnown && (key == kMetadata || isWordOrNumber(value)))
             properties.insert_or_assign(key, std::move(value));
     }
@@ -103,7 +103,7 @@ void MprisPlayers::findOwner(const std::string& name) {
 }
 
 void MprisPlayers::add(const std::string& name, const std::string& owner) {
-    if (entries_.size() >= kMostPlayers) return;
+    if (entries_.size() >= kMaxPlayers) return;
     Entry& entry = entries_[name];
     entry.owner = owner;
     entry.player.busName = name;

@@ -1,4 +1,4 @@
-// The interface of the drawing modules, one library for X11 and one for Wayland, with all code that
+// The interface of the card modules, one library for X11 and one for Wayland, with all code that
 // needs the drawing libraries. The add-on loads its display's module with the first card and runs
 // without those libraries until then.
 #pragma once

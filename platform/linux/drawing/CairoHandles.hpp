@@ -21,7 +21,7 @@ using GObjectOwner = std::unique_ptr<T, ReleaseWith<g_object_unref>>;
 inline CairoSurface surfaceOver(const Pixels& pixels) {
     return CairoSurface{cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(const_cast<std::uint32_t*>(pixels.values.data())),
-        CAIRO_FORMAT_ARGB32, pixels.width, pixels.height, pixels.width * kBytesAPixel)};
+        CAIRO_FORMAT_ARGB32, pixels.width, pixels.height, pixels.width * kBytesPerPixel)};
 }
 
 // Saves the context's state and restores it at the end of the scope.

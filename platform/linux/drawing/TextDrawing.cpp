@@ -12,8 +12,8 @@
 namespace quorvane {
 namespace {
 
-constexpr int kPlacesAPixel = 4;  // positions per pixel for a letter
-constexpr int kWidest = 32'000;   // pixels; Cairo's surfaces end shortly after
+constexpr int kPlacesPerPixel = 4;  // positions per pixel for a letter
+constexpr int kWidest = 32'000;     // pixels; Cairo's surfaces end shortly after
 constexpr int kPieceWidth = 2048;
 constexpr double kHighest = 2;  // in heights of a line, above and below the baseline
 
@@ -21,7 +21,7 @@ bool isColored(cairo_surface_t* letters) {
     return cairo_image_surface_get_format(letters) == CAIRO_FORMAT_ARGB32;
 }
 
-int bytesAPixelOf(cairo_surface_t* letters) { return isColored(letters) ? kBytesAPixel : 1; }
+int bytesPerPixelOf(cairo_surface_t* letters) { return isColored(letters) ? kBytesPerPixel : 1; }
 
 PangoLayoutLine* laidOut(const TextLine& line) {
     return pango_layout_get_line_readonly(line.layout.get(), 0);
@@ -53,14 +53,15 @@ PixelRect inkOf(const TextLine& line, double scale) {
     return all.intersection({all.x, -reach, kWidest, 2 * reach});
 }
 
-// The mean of each kPlacesAPixel pixels.
-void narrow(const unsigned char* wide, unsigned char* pixels, int width, int bytesAPixel) {
-    for (int x = 0; x < width; ++x, wide += kPlacesAPixel * bytesAPixel, pixels += bytesAPixel)
-        for (int byte = 0; byte < bytesAPixel; ++byte) {
-            int sum = kPlacesAPixel / 2;
-            for (int place = 0; place < kPlacesAPixel; ++place)
-                sum += wide[place * bytesAPixel + byte];
-            pixels[byte] = static_cast<unsigned char>(sum / kPlacesAPixel);
+// The mean of each kPlacesPerPixel pixels.
+void narrow(const unsigned char* wide, unsigned char* pixels, int width, int bytesPerPixel) {
+    for (int x = 0; x < width;
+         ++x, wide += kPlacesPerPixel * bytesPerPixel, pixels += bytesPerPixel)
+        for (int byte = 0; byte < bytesPerPixel; ++byte) {
+            int sum = kPlacesPerPixel / 2;
+            for (int place = 0; place < kPlacesPerPixel; ++place)
+                sum += wide[place * bytesPerPixel + byte];
+            pixels[byte] = static_cast<unsigned char>(sum / kPlacesPerPixel);
         }
 }
 
@@ -70,16 +71,16 @@ void narrow(const unsigned char* wide, unsigned char* pixels, int width, int byt
 CairoSurface drawn(const TextLine& line, double scale, const Color& color, const PixelRect& ink) {
     const cairo_format_t format = hasColors(line) ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_A8;
     CairoSurface letters{cairo_image_surface_create(format, ink.width, ink.height)};
-    const int bytesAPixel = bytesAPixelOf(letters.get());
+    const int bytesPerPixel = bytesPerPixelOf(letters.get());
     unsigned char* const pixels = cairo_image_surface_get_data(letters.get());
     if (!pixels) return nullptr;
     for (int left = 0; left < ink.width; left += kPieceWidth) {
         const int width = std::min(kPieceWidth, ink.width - left);
         const CairoSurface wide{
-            cairo_image_surface_create(format, width * kPlacesAPixel, ink.height)};
+            cairo_image_surface_create(format, width * kPlacesPerPixel, ink.height)};
         const CairoContext cairo{cairo_create(wide.get())};
-        cairo_translate(cairo.get(), -(ink.x + left) * kPlacesAPixel, -ink.y);
-        cairo_scale(cairo.get(), scale * kPlacesAPixel, scale);
+        cairo_translate(cairo.get(), -(ink.x + left) * kPlacesPerPixel, -ink.y);
+        cairo_scale(cairo.get(), scale * kPlacesPerPixel, scale);
         cairo_set_source_rgb(cairo.get(), color.red, color.green, color.blue);
         pango_cairo_show_layout_line(cairo.get(), laidOut(line));
         cairo_surface_flush(wide.get());
@@ -88,8 +89,8 @@ CairoSurface drawn(const TextLine& line, double scale, const Color& color, const
         for (int y = 0; y < ink.height; ++y)
             narrow(data + std::ptrdiff_t{y} * cairo_image_surface_get_stride(wide.get()),
                    pixels + std::ptrdiff_t{y} * cairo_image_surface_get_stride(letters.get()) +
-                       left * bytesAPixel,
-                   width, bytesAPixel);
+                       left * bytesPerPixel,
+                   width, bytesPerPixel);
     }
     cairo_surface_mark_dirty(letters.get());
     return letters;
@@ -123,14 +124,14 @@ CairoSurface copiesIn(const PixelRect& area, const LinePixels& letters, int top,
         return cairo_image_surface_get_data(surface.get()) +
                std::ptrdiff_t{y} * cairo_image_surface_get_stride(surface.get());
     };
-    const int bytesAPixel = bytesAPixelOf(field.get());
+    const int bytesPerPixel = bytesPerPixelOf(field.get());
     for (const int column : columns) {
         const PixelRect shown =
             area.intersection({column, top, letters.ink.width, letters.ink.height});
         for (int y = shown.y; y < shown.maxY(); ++y)
-            std::copy_n(rowOf(letters.surface, y - top) + (shown.x - column) * bytesAPixel,
-                        shown.width * bytesAPixel,
-                        rowOf(field, y - area.y) + (shown.x - area.x) * bytesAPixel);
+            std::copy_n(rowOf(letters.surface, y - top) + (shown.x - column) * bytesPerPixel,
+                        shown.width * bytesPerPixel,
+                        rowOf(field, y - area.y) + (shown.x - area.x) * bytesPerPixel);
     }
     cairo_surface_mark_dirty(field.get());
     return field;
@@ -139,7 +140,7 @@ CairoSurface copiesIn(const PixelRect& area, const LinePixels& letters, int top,
 // Fades both ends of a scrolling line.
 void fade(cairo_surface_t* field, const TextNode& node, double scale) {
     cairo_surface_flush(field);
-    const int bytesAPixel = bytesAPixelOf(field);
+    const int bytesPerPixel = bytesPerPixelOf(field);
     const std::ptrdiff_t stride = cairo_image_surface_get_stride(field);
     const int width = cairo_image_surface_get_width(field);
     const int height = cairo_image_surface_get_height(field);
@@ -148,9 +149,9 @@ void fade(cairo_surface_t* field, const TextNode& node, double scale) {
         if (strength >= 1) break;
         const auto share = static_cast<unsigned>(std::lround(strength * 256));
         for (const int column : {x, width - 1 - x}) {
-            unsigned char* byte = cairo_image_surface_get_data(field) + column * bytesAPixel;
+            unsigned char* byte = cairo_image_surface_get_data(field) + column * bytesPerPixel;
             for (int y = 0; y < height; ++y, byte += stride)
-                for (int i = 0; i < bytesAPixel; ++i)
+                for (int i = 0; i < bytesPerPixel; ++i)
                     byte[i] = static_cast<unsigned char>(byte[i] * share >> 8);
         }
     }

@@ -21,7 +21,7 @@ namespace quorvane {
 namespace {
 
 constexpr std::size_t kPiece = 64 * 1024;
-constexpr std::size_t kMostReceived = sizeof(FetchHeader) + kLargestArtwork;
+constexpr std::size_t kMaxReceived = sizeof(FetchHeader) + kLargestArtwork;
 
 FetchAnswer answerIn(ByteView received) {
     FetchHeader header{};
@@ -48,7 +48,7 @@ public:
                 });
             return;
         }
-        received_.reserve(kMostReceived + kPiece);  // memory that is not written is not used
+        received_.reserve(kMaxReceived + kPiece);  // memory that is not written is not used
         watch_ = loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t) { receive(); });
     }
 
@@ -100,7 +100,7 @@ void FetchProcess::receive() {
     const ssize_t count = recv(socket_.get(), received_.data() + before, kPiece, MSG_DONTWAIT);
     received_.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
-    if (count > 0 && received_.size() <= kMostReceived) return;
+    if (count > 0 && received_.size() <= kMaxReceived) return;
     finish(answerIn(received_));
 }
 

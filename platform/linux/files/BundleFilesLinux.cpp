@@ -1,3 +1,4 @@
+// The files of an add-on's bundle, copied and replaced as a whole.
 #include "platform/BundleFiles.hpp"
 
 #include <fcntl.h>

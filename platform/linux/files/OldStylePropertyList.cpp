@@ -66,7 +66,7 @@ private:
     }
 
     bool readValue(PropertyValue& value, int depth) {
-        if (depth > kDeepestList || ++values_ > kMostListValues) return false;
+        if (depth > kDeepestList || ++values_ > kMaxListValues) return false;
         if (take('{')) return readDictionary(value.value.emplace<PropertyDictionary>(), depth);
         if (take('(')) return readArray(value.value.emplace<PropertyArray>(), depth);
         if (take('<')) return readData(value.value.emplace<Bytes>());

@@ -50,8 +50,7 @@ private:
     }
 
     bool visit(std::uint64_t object, int depth) {
-        if (++visited_ > kMostListValues || depth > kDeepestList || object >= objects_)
-            return false;
+        if (++visited_ > kMaxListValues || depth > kDeepestList || object >= objects_) return false;
         const auto place = number(table_ + object * offsetSize_, offsetSize_);
         const auto marker = place ? number(*place, 1) : std::nullopt;
         if (!marker) return false;
@@ -76,7 +75,7 @@ private:
 
     bool visitAll(std::uint64_t place, std::uint64_t marker, std::uint64_t each, int depth) {
         const auto values = count(place, marker);
-        if (!values || *values > kMostListValues) return false;
+        if (!values || *values > kMaxListValues) return false;
         for (std::uint64_t index = 0; index < *values * each; ++index) {
             const auto next = number(place + index * referenceSize_, referenceSize_);
             if (!next || !visit(*next, depth + 1)) return false;
@@ -104,7 +103,7 @@ bool xmlListIsSafe(ByteView contents) {
         const bool isValue = !tag.starts_with('/') && !tag.starts_with('!');
         // Depth is not checked, because closing tags in comments would falsify it. This many
         // containers are harmless even when fully nested.
-        if (isValue && ++values > kMostListValues) return false;
+        if (isValue && ++values > kMaxListValues) return false;
     }
     return true;
 }

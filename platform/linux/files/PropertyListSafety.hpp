@@ -9,7 +9,7 @@
 namespace quorvane {
 
 // Limit on the values in a list; each counts once per reference to it.
-inline constexpr std::size_t kMostListValues = 20'000;
+inline constexpr std::size_t kMaxListValues = 20'000;
 inline constexpr int kDeepestList = 100;
 
 bool isBinaryList(ByteView contents);

@@ -18,9 +18,9 @@ namespace quorvane {
 class PostQueue;
 class TimerQueue;
 
-// One thread only, the main thread of all that uses it, except `mainThread().post`. Does not wake
-// up while no event is due. Handles, timers and tables made here may outlive it and then do
-// nothing.
+// Used on one thread only, which is the main thread of everything on this loop; only
+// `mainThread().post` may be called from any. Does not wake up while no event is due. Handles,
+// timers and tables made here may outlive it and then do nothing.
 class EventLoop {
 public:
     EventLoop();

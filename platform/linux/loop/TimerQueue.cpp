@@ -61,7 +61,7 @@ void TimerQueue::arm() {
 }
 
 // Coalesces all timers that are due before the earliest deadline (due time plus tolerance), and
-// wakes when the last of them is due. No timer waits for another that is never added.
+// wakes when the last of them is due. Only queued timers count.
 Instant TimerQueue::nextWake() const {
     Instant limit = Instant::max();
     for (const auto& [place, waiting] : timers_) limit = std::min(limit, waiting.latest);

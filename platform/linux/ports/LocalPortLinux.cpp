@@ -16,7 +16,7 @@ namespace quorvane {
 namespace {
 
 constexpr int kBacklog = 128;
-constexpr int kMostAcceptedAtOnce = 64;
+constexpr int kMaxAcceptedAtOnce = 64;
 constexpr Duration kAcceptPause = std::chrono::milliseconds{250};
 
 }  // namespace
@@ -104,7 +104,7 @@ int LocalPortLinux::wait(std::span<epoll_event> events, std::optional<Instant> d
 }
 
 void LocalPortLinux::acceptWaiting() {
-    for (int i = 0; i < kMostAcceptedAtOnce; ++i) {
+    for (int i = 0; i < kMaxAcceptedAtOnce; ++i) {
         FileDescriptor socket{
             accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK)};
         if (!socket) {

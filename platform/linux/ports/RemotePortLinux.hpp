@@ -14,8 +14,8 @@
 
 namespace quorvane {
 
-// A socket timeout, rounded up before the split: the system rejects a microsecond part of a
-// million, and the wait would then have no limit.
+// A socket timeout, rounded up before the split: the system rejects a `tv_usec` of a million, which
+// would leave the wait without a limit.
 constexpr timeval timevalUpTo(Duration limit) {
     const auto rounded = std::chrono::ceil<std::chrono::microseconds>(limit);
     const auto seconds = std::chrono::floor<std::chrono::seconds>(rounded);

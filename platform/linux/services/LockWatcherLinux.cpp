@@ -60,7 +60,7 @@ LockWatcherLinux::LockWatcherLinux(HeadlessPlatform& services, LockScreenDetecto
 LockSignals LockWatcherLinux::read() const {
     const bool isActive = screenSavers_.isActive().value_or(false);
     const std::optional<bool> isDetected = detector_.isDetected ? detector_.isDetected() : isActive;
-    return {.hasLockerWindow = isDetected.value_or(false),
+    return {.hasLockScreen = isDetected.value_or(false),
             .screenSaverIsActive = isActive,
             .sessionSaysLocked = logind_.isLocked(),
             .isDetectorGone = !isDetected};

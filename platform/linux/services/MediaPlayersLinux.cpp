@@ -1,3 +1,4 @@
+// The players of the session bus, followed on a thread of their own.
 #include "platform/MediaPlayers.hpp"
 
 #include <malloc.h>

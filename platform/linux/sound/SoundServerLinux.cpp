@@ -1,3 +1,4 @@
+// The sound server's volumes, for players that have none.
 #include <memory>
 #include <utility>
 

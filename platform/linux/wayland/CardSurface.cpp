@@ -55,7 +55,7 @@ void CardSurface::makePictures(wl_shm* shm, const SurfaceRequest& request) {
         const auto found = std::ranges::find(card.pictures_, buffer, &Wayland<wl_buffer>::get);
         call(card.events_.released, static_cast<std::uint32_t>(found - card.pictures_.begin()));
     }};
-    const int stride = request.width * kBytesAPixel;
+    const int stride = request.width * kBytesPerPixel;
     const int size = stride * request.height;
     const Wayland<wl_shm_pool> pool{
         wl_shm_create_pool(shm, request.memory, size * static_cast<int>(kPictures))};

@@ -1,3 +1,4 @@
+// Entry point of quorvane-wayland.so, which DisplayPlatform loads.
 #include "lockers/KdeSettings.hpp"
 #include "lockers/WaylandSessions.hpp"
 #include "platform/linux/DisplayModule.hpp"

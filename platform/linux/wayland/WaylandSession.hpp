@@ -1,4 +1,4 @@
-// The surfaces above a Wayland lock screen. Interfaces, because the drawing module is loaded later
+// The surfaces above a Wayland lock screen. Interfaces, because the card module is loaded later
 // and uses the session through them.
 #pragma once
 

@@ -31,8 +31,8 @@ LockerWindows::LockerWindows(X11Connection& x11, MonitorsLinux& monitors, const 
     evaluate();
     quiet_ = x11.observeQuiet([this] { evaluate(); });
     // Registered first, so that the zones are current when the other listeners ask for them.
-    // `update` does not report changed zones: those listeners rebuild the cards, which must not
-    // move before that.
+    // `update` does not report changed zones: those listeners rebuild the cards, so the old cards
+    // must not be moved first.
     monitorChanges_ = monitors_.observe([this] {
         promptSize_ = {};  // prompts differ on other monitors
         update();

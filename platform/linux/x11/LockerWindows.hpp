@@ -54,7 +54,7 @@ private:
     std::vector<FoundLocker> windows_;
     std::vector<xcb_window_t> onMonitors_;  // the locker's window on each monitor
     std::vector<Rect> zones_;
-    Size promptSize_;            // holds every prompt seen so far
+    Size promptSize_;            // holds the prompts seen on these monitors
     int pointerChecksLeft_ = 0;  // remaining checks for a pointer grab
     Timer nextPointerCheck_;
     Listeners<> listeners_;

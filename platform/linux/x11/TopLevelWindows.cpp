@@ -162,10 +162,10 @@ void TopLevelWindows::select(xcb_window_t window, std::uint32_t mask) {
 
 std::vector<std::uint32_t> TopLevelWindows::rootNumbers(const char* property,
                                                         xcb_atom_t type) const {
-    constexpr std::uint32_t kMostNumbers = 4096;
+    constexpr std::uint32_t kMaxNumbers = 4096;
     const auto reply = xcbReply(xcb_get_property_reply, x11_.connection(),
                                 xcb_get_property(x11_.connection(), false, x11_.root(),
-                                                 x11_.atom(property), type, 0, kMostNumbers));
+                                                 x11_.atom(property), type, 0, kMaxNumbers));
     if (!reply || reply->format != 32) return {};
     const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
     return {first, first + reply->value_len};

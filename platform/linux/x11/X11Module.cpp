@@ -1,3 +1,4 @@
+// Entry point of quorvane-x11.so, which DisplayPlatform loads.
 #include <cstdlib>
 
 #include "platform/linux/DisplayModule.hpp"

@@ -1,5 +1,5 @@
 // The connection to the X server that the lock watcher, the screens and the card windows share. An
-// interface, because the drawing module is loaded later and cannot link the program's functions.
+// interface, because the card module is loaded later and cannot link the program's functions.
 #pragma once
 
 #include <xcb/xcb.h>

@@ -65,8 +65,8 @@ inline std::optional<Point> pointerOn(xcb_connection_t* connection, xcb_window_t
 // instead of many.
 inline xcb_get_property_cookie_t askForText(xcb_connection_t* connection, xcb_window_t window,
                                             xcb_atom_t property, xcb_atom_t type) {
-    constexpr std::uint32_t kMostWords = 1u << 18;
-    return xcb_get_property(connection, false, window, property, type, 0, kMostWords);
+    constexpr std::uint32_t kMaxWords = 1u << 18;
+    return xcb_get_property(connection, false, window, property, type, 0, kMaxWords);
 }
 
 // The text; "" when the property is missing or of another type.

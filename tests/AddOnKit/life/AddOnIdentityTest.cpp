@@ -40,11 +40,11 @@ TEST_F(AddOnIdentityTest, KeepsItsInstallIdentifierAcrossStarts) {
 TEST_F(AddOnIdentityTest, ReadsVersionsAndTheCommandLine) {
     EXPECT_EQ(make().addOnVersion, "1.4.2");
     EXPECT_EQ(make().macOSVersion, "26.1.0");
-    EXPECT_FALSE(make().isNewInstallation);
+    EXPECT_FALSE(make().supersedeOnce.loaded());
     info.bundleProperties["CFBundleShortVersionString"] = {2.0};
     info.arguments = {"add-on", "--installed"};
     EXPECT_EQ(make().addOnVersion, "0");
-    EXPECT_TRUE(make().isNewInstallation);
+    EXPECT_TRUE(make().supersedeOnce.isPending());
     for (const auto& [major, supported] :
          {std::pair{25, false}, {26, true}, {27, true}, {28, false}}) {
         info.systemVersion.major = major;

@@ -23,7 +23,7 @@ AddOnIdentity identity(bool isSupported = true, bool isInstalled = false) {
             .addOnVersion = "1.2.3",
             .macOSVersion = "26.1.0",
             .supportsThisMacOS = isSupported,
-            .isNewInstallation = isInstalled};
+            .supersedeOnce = SupersedeOnce{isInstalled}};
 }
 
 // A link whose hellos are kept until the test ends them.

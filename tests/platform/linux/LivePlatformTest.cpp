@@ -76,7 +76,7 @@ TEST_F(LivePlatformTest, FillsEveryTable) {
     // The module is not in this program's folder.
     EXPECT_FALSE(platform.cardWindows.makeWindow({}, platform.screens.list().front()));
     EXPECT_FALSE(platform.cardWindows.makeStage({}));
-    EXPECT_TRUE(log.lines().back().text.starts_with("card: the drawing module cannot be loaded"));
+    EXPECT_TRUE(log.lines().back().text.starts_with("card: the card module cannot be loaded"));
 }
 
 bool hasLoaded(const std::string& library) {

@@ -15,7 +15,7 @@ bool isIn(std::span<const PixelRect> parts, const PixelRect& part) {
 std::unique_ptr<SharedPictures> SharedPictures::make(int width, int height) {
     if (width <= 0 || height <= 0) return nullptr;
     auto memory = SharedMemory::make(static_cast<std::size_t>(width) *
-                                     static_cast<std::size_t>(height) * kBytesAPixel * kPictures);
+                                     static_cast<std::size_t>(height) * kBytesPerPixel * kPictures);
     if (!memory) return nullptr;
     return std::unique_ptr<SharedPictures>{new SharedPictures{std::move(memory), width, height}};
 }
@@ -28,7 +28,7 @@ SharedPictures::SharedPictures(std::unique_ptr<SharedMemory> memory, int width, 
     for (std::uint32_t* start = pixels_; Picture & picture : pictures_) {
         picture.surface.reset(cairo_image_surface_create_for_data(
             reinterpret_cast<unsigned char*>(start), CAIRO_FORMAT_ARGB32, width, height,
-            width * kBytesAPixel));
+            width * kBytesPerPixel));
         start += pixelCount();
     }
 }

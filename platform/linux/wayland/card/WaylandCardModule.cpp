@@ -1,3 +1,4 @@
+// Entry point of quorvane-wayland-card.so, which CardModuleLoader loads.
 #include "platform/linux/card/CardModule.hpp"
 #include "platform/linux/wayland/card/CardWindowWayland.hpp"
 

@@ -11,7 +11,7 @@
 namespace quorvane {
 namespace {
 
-constexpr std::size_t kMostThroughConnection = 65536;  // bytes
+constexpr std::size_t kMaxThroughConnection = 65536;  // bytes
 constexpr std::uint32_t kEveryPlane = ~0U;
 // Remains where the locker's window has no background. A colour that no locker is likely to show.
 constexpr std::uint32_t kUntouched = 0xfd02fb;
@@ -132,9 +132,9 @@ std::optional<Pixels> Backdrop::readBackground(const PixelRect& area) {
 // connection is faster.
 std::optional<Pixels> Backdrop::read(xcb_drawable_t drawable, const PixelRect& area,
                                      const ServerMemory* lent) {
-    const std::size_t length =
-        static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) * kBytesAPixel;
-    const bool isLarge = length > kMostThroughConnection;
+    const std::size_t length = static_cast<std::size_t>(area.width) *
+                               static_cast<std::size_t>(area.height) * kBytesPerPixel;
+    const bool isLarge = length > kMaxThroughConnection;
     const auto own = lent || !isLarge ? nullptr : ServerMemory::make(x11_.connection(), length);
     const ServerMemory* const memory = lent ? lent : own.get();
     if (!memory) return readThroughConnection(drawable, area);
@@ -154,7 +154,8 @@ std::optional<Pixels> Backdrop::readThroughConnection(xcb_drawable_t drawable,
     const auto reply = xcbReply(xcb_get_image_reply, connection,
                                 xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable,
                                               box.x, box.y, box.width, box.height, kEveryPlane));
-    if (!reply || xcb_get_image_data_length(reply.get()) / kBytesAPixel < area.width * area.height)
+    if (!reply ||
+        xcb_get_image_data_length(reply.get()) / kBytesPerPixel < area.width * area.height)
         return std::nullopt;
     return opaque(area, xcb_get_image_data(reply.get()));
 }

@@ -32,7 +32,7 @@ public:
     // Work that a frame need not wait for. Call after each frame: each call does one part of the
     // work and leaves time for the next frame.
     void afterFrame();
-    // Whether the backdrop follows the locker's picture without reading behind the window.
+    // Whether the backdrop is the locker's background, which can be read while the card is shown.
     bool isFollowing() const { return isFollowing_; }
     void draw(const StageLook& look);
     // Draws only these areas of the scene, in card coordinates, if the stage rests.

@@ -47,7 +47,7 @@ public:
     // The place in the locker's window of a frame in global points.
     PixelRect placeFor(const Rect& frame) const;
 
-    // The window keeps the visible locker's picture until something is drawn.
+    // The window shows the locker's earlier pixels until something is drawn.
     void map();
     void unmap();
     void moveTo(const PixelRect& place);

@@ -20,7 +20,7 @@ std::unique_ptr<WindowBuffer> WindowBuffer::make(xcb_connection_t* connection, x
     if (!buffer->allocate()) return nullptr;
     buffer->surface_.reset(cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(buffer->memory_), CAIRO_FORMAT_ARGB32, width, height,
-        width * kBytesAPixel));
+        width * kBytesPerPixel));
     if (cairo_surface_status(buffer->surface_.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
     return buffer;
 }
@@ -43,7 +43,7 @@ WindowBuffer::~WindowBuffer() {
 }
 
 bool WindowBuffer::allocate() {
-    const std::size_t size = static_cast<std::size_t>(width_ * height_) * kBytesAPixel;
+    const std::size_t size = static_cast<std::size_t>(width_ * height_) * kBytesPerPixel;
     shared_ = ServerMemory::make(connection_, size);
     if (!shared_) own_.reset(new (std::nothrow) std::byte[size]());
     memory_ = shared_ ? shared_->data() : own_.get();
@@ -85,15 +85,16 @@ void WindowBuffer::show(std::span<const PixelRect> parts) {
 // Sent in strips, because a request has a maximum length.
 void WindowBuffer::send(const PixelRect& part) {
     const std::size_t longest = std::size_t{xcb_get_maximum_request_length(connection_)} * 4;
-    const auto rowLength = static_cast<std::size_t>(part.width) * kBytesAPixel;
+    const auto rowLength = static_cast<std::size_t>(part.width) * kBytesPerPixel;
     const int rows = std::max(1, static_cast<int>((longest - 64) / rowLength));
     std::vector<std::uint8_t> strip;
     for (int y = part.y; y < part.maxY(); y += rows) {
         const xcb_rectangle_t box = boxOf({part.x, y, part.width, std::min(rows, part.maxY() - y)});
         strip.clear();
         for (int line = y; line < y + box.height; ++line) {
-            const auto* row = reinterpret_cast<const std::uint8_t*>(memory_) +
-                              (static_cast<std::ptrdiff_t>(line) * width_ + part.x) * kBytesAPixel;
+            const auto* row =
+                reinterpret_cast<const std::uint8_t*>(memory_) +
+                (static_cast<std::ptrdiff_t>(line) * width_ + part.x) * kBytesPerPixel;
             strip.insert(strip.end(), row, row + rowLength);
         }
         xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window_, context_, box.width,

@@ -1,3 +1,4 @@
+// Entry point of quorvane-x11-card.so, which CardModuleLoader loads.
 #include "platform/linux/card/CardModule.hpp"
 #include "platform/linux/x11/card/CardWindowX11.hpp"
 
