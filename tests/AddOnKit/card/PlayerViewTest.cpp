@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "AddOnKit/card/PlayerGeometry.hpp"
 #include "AddOnKit/card/PlayerLayout.hpp"
 #include "AddOnKit/card/TimeFormatting.hpp"
 #include "tests/AddOnKit/player/PlayingModel.hpp"
@@ -108,6 +109,20 @@ TEST(PlayerView, HasItsLayout) {
     EXPECT_EQ(PlayerGeometry::make(false, false).title, (Rect{98, 17, 282, 28}));
 }
 
+TEST(PlayerView, HasItsLayout) {
+    const PlayerGeometry g = PlayerGeometry::make(true, false);
+    const std::pair<Rect, Rect> rows[] = {
+        {g.artwork, {20, 20, 64, 64}},    {g.title, {98, 17, 250, 28}},
+        {g.titleOnly, {98, 28, 250, 28}}, {g.artist, {98, 39, 250, 28}},
+        {g.heart, {348, 20, 44, 44}},     {g.progress, {98, 80, 282, 4}},
+        {g.elapsed, {98, 86, 80, 20}},    {g.remaining, {300, 86, 80, 20}},
+        {g.previous, {106, 124, 44, 44}}, {g.playPause, {176, 122, 48, 48}},
+        {g.next, {250, 124, 44, 44}},     {g.quietSpeaker, {20, 183, 22, 22}},
+        {g.volume, {50, 182, 300, 24}},   {g.loudSpeaker, {358, 183, 22, 22}}};
+    for (const auto& [rect, expected] : rows) EXPECT_EQ(describe(rect), describe(expected));
+    EXPECT_EQ(PlayerGeometry::make(false, false).title, (Rect{98, 17, 282, 28}));
+}
+
 TEST(PlayerView, ShowsTimesAsText) {
     const std::pair<double, const char*> rows[] = {
         {59.9, "0:59"},      {60, "1:00"},          {3599.999, "59:59"}, {3600, "1:00:00"},
@@ -116,6 +131,22 @@ TEST(PlayerView, ShowsTimesAsText) {
     for (const auto& [seconds, text] : rows) EXPECT_EQ(TimeFormatting::text(seconds), text);
     EXPECT_FALSE(TimeFormatting::text(1e300).empty());
     EXPECT_EQ(TimeFormatting::remaining(200, 10.5), "\u22123:09");
+}
+
+TEST(PlayerView, MirrorsAllButTheTransport) {
+    Fixture f;
+    const Scene left = f.scene();
+    f.environment.isRightToLeft = true;
+    const Scene right = f.scene();
+    EXPECT_TRUE(right.isRightToLeft);
+    ASSERT_EQ(left.controls.size(), right.controls.size());
+    for (const SceneControl& one : left.controls) {
+        const Rect other = control(right, one.id)->frame;
+        const bool stays = one.id == ID::previous || one.id == ID::playPause || one.id == ID::next;
+        EXPECT_EQ(other.x, stays ? one.frame.x : kCard.width - one.frame.maxX()) << one.label;
+        EXPECT_EQ(other.y, one.frame.y);
+    }
+    EXPECT_GT(all<TextNode>(right).at(2).frame.x, all<TextNode>(right).at(3).frame.x);
 }
 
 TEST(PlayerView, FadesFromTheOldArtworkToTheNew) {
