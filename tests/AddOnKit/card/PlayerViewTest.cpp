@@ -109,20 +109,6 @@ TEST(PlayerView, HasItsLayout) {
     EXPECT_EQ(PlayerGeometry::make(false, false).title, (Rect{98, 17, 282, 28}));
 }
 
-TEST(PlayerView, HasItsLayout) {
-    const PlayerGeometry g = PlayerGeometry::make(true, false);
-    const std::pair<Rect, Rect> rows[] = {
-        {g.artwork, {20, 20, 64, 64}},    {g.title, {98, 17, 250, 28}},
-        {g.titleOnly, {98, 28, 250, 28}}, {g.artist, {98, 39, 250, 28}},
-        {g.heart, {348, 20, 44, 44}},     {g.progress, {98, 80, 282, 4}},
-        {g.elapsed, {98, 86, 80, 20}},    {g.remaining, {300, 86, 80, 20}},
-        {g.previous, {106, 124, 44, 44}}, {g.playPause, {176, 122, 48, 48}},
-        {g.next, {250, 124, 44, 44}},     {g.quietSpeaker, {20, 183, 22, 22}},
-        {g.volume, {50, 182, 300, 24}},   {g.loudSpeaker, {358, 183, 22, 22}}};
-    for (const auto& [rect, expected] : rows) EXPECT_EQ(describe(rect), describe(expected));
-    EXPECT_EQ(PlayerGeometry::make(false, false).title, (Rect{98, 17, 282, 28}));
-}
-
 TEST(PlayerView, ShowsTimesAsText) {
     const std::pair<double, const char*> rows[] = {
         {59.9, "0:59"},      {60, "1:00"},          {3599.999, "59:59"}, {3600, "1:00:00"},
