@@ -99,21 +99,20 @@ bool CardWindowController::buildWindow(const Screen& screen, long index,
     drawn.scale *= place->scale;
     const auto stage = services_.windows.makeStage(GlassCardView::style());
     auto content = makeContent_(drawn, stage);
-    auto made = services_.windows.makeWindow(*place, screen);
-    if (made == nullptr) return true;  // the platform has logged the reason
-    CardSystemWindow& window = *made;
-    window.setMouseDownObserver([log = log_, number = window.number()](Point location) {
+    auto window = services_.windows.makeWindow(*place, screen);
+    if (window == nullptr) return true;  // the platform has logged the reason
+    window->setMouseDownObserver([log = log_, number = window->number()](Point location) {
         log.debug("window %ld mouse down at %{public}s", number, describe(location));
     });
-    window.setContent(stage);
-    auto card = std::make_unique<GlassCardView>(stage, std::move(content), std::move(made), unseen_,
+    window->setContent(stage);
+    auto card = std::make_unique<GlassCardView>(stage, std::move(content), *window, unseen_,
                                                 services_.windows.reducesMotion, services_.log);
-    window.setIgnoresMouseEvents(appearance == CardAppearance::hidden);
-    window.orderFrontRegardless();
-    log_.info("window %ld on screen %ld %{public}s at %{public}s", window.number(), index,
+    window->setIgnoresMouseEvents(appearance == CardAppearance::hidden);
+    window->orderFrontRegardless();
+    log_.info("window %ld on screen %ld %{public}s at %{public}s", window->number(), index,
               describe(screen.frame), describe(place->frame));
-    if (skyLight_) skyLight_->put(window);
-    entries_.push_back({screen, place->scale, std::move(card)});
+    if (skyLight_) skyLight_->put(*window);
+    entries_.push_back({screen, place->scale, std::move(window), std::move(card)});
     return true;
 }
 
@@ -136,7 +135,7 @@ void CardWindowController::setCardVisible(bool visible) {
               static_cast<long>(entries_.size()));
     for (const Entry& entry : entries_) {
         // A hidden card passes clicks through to the lock screen.
-        entry.card->window().setIgnoresMouseEvents(!visible);
+        entry.window->setIgnoresMouseEvents(!visible);
         if (visible && !entry.card->isShown()) entry.card->runEntrance();
         if (!visible && entry.card->isShown()) entry.card->runExit();
     }
@@ -147,10 +146,9 @@ void CardWindowController::closeAll(std::string_view reason) {
     // Closing may re-enter; entries_ is already empty then.
     const std::vector<Entry> closing = std::exchange(entries_, {});
     for (const Entry& entry : closing) {
-        CardSystemWindow& window = entry.card->window();
-        window.orderOut();
-        window.setContent(nullptr);
-        window.close();
+        entry.window->orderOut();
+        entry.window->setContent(nullptr);
+        entry.window->close();
     }
 }
 
@@ -204,7 +202,7 @@ void CardWindowController::keepClearChanged() {
     for (std::size_t i = 0; i < placed.size(); ++i) {
         const auto& [screen, place] = placed[i];
         entries_[i].screen = screen;
-        entries_[i].card->window().setFrame(place.frame, screen);
+        entries_[i].window->setFrame(place.frame, screen);
     }
 }
 

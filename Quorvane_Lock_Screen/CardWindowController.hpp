@@ -49,6 +49,7 @@ private:
     struct Entry {
         Screen screen;
         double scale;  // of the card
+        std::unique_ptr<CardSystemWindow> window;
         std::unique_ptr<GlassCardView> card;
     };
 

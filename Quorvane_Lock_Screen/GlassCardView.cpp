@@ -38,15 +38,15 @@ CardStyle GlassCardView::style() {
 }
 
 GlassCardView::GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<CardContent> content,
-                             std::unique_ptr<CardSystemWindow> window, std::set<Unseen> unseen,
+                             CardSystemWindow& window, std::set<Unseen> unseen,
                              std::function<bool()> reducesMotion, const LogSink& log)
     : stage_(std::move(stage)),
-      window_(std::move(window)),
+      window_(window),
       content_(std::move(content)),
       reducesMotion_(std::move(reducesMotion)),
       log_(log, kAddOnBundleIdentifier, "presenter"),
       unseen_(std::move(unseen)) {
-    window_->setCoverObserver([this, life = life_.watch()](bool isCovered) {
+    window_.setCoverObserver([this, life = life_.watch()](bool isCovered) {
         if (!life.isOver()) setUnseen(Unseen::covered, isCovered);
     });
 }
@@ -58,21 +58,21 @@ void GlassCardView::setUnseen(Unseen reason, bool holds) {
     else
         unseen_.erase(reason);
     if (isSeen() == wasSeen) return;
-    if (isShown_) window_->setIgnoresMouseEvents(!isSeen());
+    if (isShown_) window_.setIgnoresMouseEvents(!isSeen());
     if (isSeen()) {
         if (isShown_) showImmediately();
         return;
     }
     content_->freeze();
     stage_->removeAnimations();
-    window_->setAlpha(isShown_ ? 1 : 0);
+    window_.setAlpha(isShown_ ? 1 : 0);
 }
 
 // Returns false while the card cannot be seen; it then appears when that ends.
 bool GlassCardView::beginShowing() {
     isShown_ = true;
     if (!isSeen()) {
-        window_->setIgnoresMouseEvents(true);
+        window_.setIgnoresMouseEvents(true);
         return false;
     }
     content_->setShown(true);
@@ -83,30 +83,30 @@ bool GlassCardView::beginShowing() {
 void GlassCardView::runEntrance() {
     const bool reduceMotion = reducesMotion_();
     if (!beginShowing()) return;
-    log_.info("entrance: window %ld, reduce motion %{bool}d", window_->number(), reduceMotion);
+    log_.info("entrance: window %ld, reduce motion %{bool}d", window_.number(), reduceMotion);
     stage_->removeAnimations();
     if (!reduceMotion) stage_->springFrom(entranceStart(), kEntrance);
-    window_->setAlpha(0);
-    window_->animateAlpha(1, reduceMotion ? kFadeInReducedMotion : kFadeIn, nullptr);
+    window_.setAlpha(0);
+    window_.animateAlpha(1, reduceMotion ? kFadeInReducedMotion : kFadeIn, nullptr);
 }
 
 void GlassCardView::showImmediately() {
     if (!beginShowing()) return;
     stage_->removeAnimations();
-    window_->setAlpha(1);
+    window_.setAlpha(1);
 }
 
 void GlassCardView::runExit() {
     isShown_ = false;
     // The player may have quit, so the fade shows the card as it was, not emptied.
     content_->freeze();
-    log_.info("exit: window %ld", window_->number());
+    log_.info("exit: window %ld", window_.number());
     if (!isSeen()) {
-        window_->setAlpha(0);
+        window_.setAlpha(0);
         hideIfStillNotShown();
         return;
     }
-    window_->animateAlpha(0, kFadeOut, [this, life = life_.watch()] {
+    window_.animateAlpha(0, kFadeOut, [this, life = life_.watch()] {
         if (!life.isOver()) hideIfStillNotShown();
     });
 }

@@ -1,5 +1,5 @@
-// A card in its window: a stage with the glass card, its shadow and the player's content. Tracks
-// whether its card should be visible and runs its entrance and exit.
+// The content of a card window: a stage with the glass card, its shadow and the player's content.
+// Tracks whether its card should be visible and runs its entrance and exit.
 #pragma once
 
 #include <functional>
@@ -21,13 +21,12 @@ public:
     // The look of every card and its shadow.
     static CardStyle style();
 
-    // `unseen` holds the reasons why no card can be seen now.
+    // `unseen` holds the reasons why no card can be seen now. The window outlives the view.
     GlassCardView(std::shared_ptr<CardStage> stage, std::unique_ptr<CardContent> content,
-                  std::unique_ptr<CardSystemWindow> window, std::set<Unseen> unseen,
+                  CardSystemWindow& window, std::set<Unseen> unseen,
                   std::function<bool()> reducesMotion, const LogSink& log);
 
     bool isShown() const { return isShown_; }
-    CardSystemWindow& window() const { return *window_; }
     void setUnseen(Unseen reason, bool holds);
 
     // Springs and fades in; only fades in when Reduce Motion is on.
@@ -43,7 +42,7 @@ private:
     void hideIfStillNotShown();
 
     std::shared_ptr<CardStage> stage_;
-    std::unique_ptr<CardSystemWindow> window_;
+    CardSystemWindow& window_;
     std::unique_ptr<CardContent> content_;
     std::function<bool()> reducesMotion_;
     Logger log_;

@@ -3,8 +3,8 @@
 
 #include "drawing/MarginHitTest.hpp"
 #include "platform/Clock.hpp"
-#include "platform/macos/card/CardPanel.hpp"
 #include "platform/macos/card/CardStageMacOS.hpp"
+#include "platform/macos/card/CardWindow.hpp"
 
 namespace quorvane {
 
@@ -35,7 +35,7 @@ private:
     void followPointer();
     void applyMouse();
 
-    CardPanel* panel_;
+    CardWindow* panel_;
     std::shared_ptr<CardStageMacOS> stage_;
     std::function<void(Point)> mouseDownObserver_;
     MarginHitTest mouse_;

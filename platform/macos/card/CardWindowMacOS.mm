@@ -26,10 +26,10 @@ void runAnimation(double seconds, void (^changes)(void), void (^completion)(void
 }  // namespace
 
 CardWindowMacOS::CardWindowMacOS(const Rect& frame, Clock clock) : clock_(std::move(clock)) {
-    panel_ = [[CardPanel alloc] initWithContentRect:cgRect(frame)
-                                          styleMask:kNonactivatingPanel
-                                            backing:NSBackingStoreBuffered
-                                              defer:NO];
+    panel_ = [[CardWindow alloc] initWithContentRect:cgRect(frame)
+                                           styleMask:kNonactivatingPanel
+                                             backing:NSBackingStoreBuffered
+                                               defer:NO];
     panel_.onPrimaryButton = [this](NSEventType type, NSPoint location) {
         primaryButton(type, {location.x, location.y});
     };
@@ -90,7 +90,7 @@ void CardWindowMacOS::close() {
 
 void CardWindowMacOS::setAlpha(double alpha) {
     // A zero-length animation, because only another animation ends a running fade.
-    CardPanel* const panel = panel_;
+    CardWindow* const panel = panel_;
     runAnimation(
         0,
         ^{
@@ -102,7 +102,7 @@ void CardWindowMacOS::setAlpha(double alpha) {
 
 void CardWindowMacOS::animateAlpha(double alpha, Duration duration,
                                    std::function<void()> completion) {
-    CardPanel* const panel = panel_;
+    CardWindow* const panel = panel_;
     runAnimation(
         secondsOf(duration),
         ^{

@@ -1,8 +1,8 @@
-#include "platform/macos/card/CardPanel.hpp"
+#include "platform/macos/card/CardWindow.hpp"
 
 #include "platform/macos/foundation/ReferenceCounting.hpp"
 
-@implementation CardPanel
+@implementation CardWindow
 
 - (BOOL)canBecomeKeyWindow {
     return NO;
@@ -14,7 +14,7 @@
 
 - (void)sendEvent:(NSEvent*)event {
     // The handlers may close and release this window. The system still uses it and its views.
-    __attribute__((objc_precise_lifetime)) CardPanel* const window = self;
+    __attribute__((objc_precise_lifetime)) CardWindow* const window = self;
     __attribute__((objc_precise_lifetime)) NSView* const content = window.contentView;
     const NSEventType type = event.type;
     if (type == NSEventTypeLeftMouseDown || type == NSEventTypeLeftMouseUp ||

@@ -6,7 +6,7 @@
 #include <functional>
 
 // Never key and never main, so that the keyboard stays with the lock screen.
-@interface CardPanel : NSPanel
+@interface CardWindow : NSPanel
 // Called before each event of the primary button is handled, with its location in the window.
 @property(nonatomic) std::function<void(NSEventType type, NSPoint location)> onPrimaryButton;
 @end
