@@ -3,7 +3,7 @@
 #include "lockers/WaylandSessions.hpp"
 #include "platform/linux/DisplayModule.hpp"
 #include "platform/linux/files/Environment.hpp"
-#include "platform/linux/wayland/HyprlandLocks.hpp"
+#include "platform/linux/hyprland/HyprlandLocks.hpp"
 #include "platform/linux/wayland/WaylandSessionLinux.hpp"
 
 namespace quorvane {

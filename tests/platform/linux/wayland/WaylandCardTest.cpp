@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "platform/linux/wayland/HyprlandLocks.hpp"
+#include "platform/linux/hyprland/HyprlandLocks.hpp"
 #include "platform/linux/wayland/WaylandSessionLinux.hpp"
 #include "platform/linux/wayland/card/CardWindowWayland.hpp"
 #include "tests/platform/linux/wayland/TestCompositor.hpp"

@@ -1,4 +1,4 @@
-#include "platform/linux/wayland/HyprlandLocks.hpp"
+#include "platform/linux/hyprland/HyprlandLocks.hpp"
 
 #include <sys/epoll.h>
 
