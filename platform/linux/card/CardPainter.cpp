@@ -41,15 +41,21 @@ void paint(cairo_t* cairo, const Pixels& pixels, double share = 1) {
     cairo_paint_with_alpha(cairo, share);
 }
 
-// Copies a part of a picture to the same place of the target. Faster than with Cairo.
-void copyPart(const Pixels& picture, const PixelRect& part, cairo_surface_t* target) {
+std::uint32_t* pixelAt(cairo_surface_t* surface, int x, int y) {
+    unsigned char* const row = cairo_image_surface_get_data(surface) +
+                               std::ptrdiff_t{y} * cairo_image_surface_get_stride(surface);
+    return reinterpret_cast<std::uint32_t*>(row) + x;
+}
+
+// Copies the source's rows that begin at `from` to a place of this size in the target. Faster than
+// with Cairo.
+void copyRows(const Pixels& source, const PixelRect& from, cairo_surface_t* target,
+              const PixelRect& place) {
     cairo_surface_flush(target);
-    unsigned char* const data = cairo_image_surface_get_data(target);
-    const std::ptrdiff_t stride = cairo_image_surface_get_stride(target);
-    for (int y = part.y; y < part.maxY(); ++y)
-        std::copy_n(picture.row(y) + part.x, part.width,
-                    reinterpret_cast<std::uint32_t*>(data + y * stride) + part.x);
-    cairo_surface_mark_dirty_rectangle(target, part.x, part.y, part.width, part.height);
+    for (int y = 0; y < place.height; ++y)
+        std::copy_n(source.row(from.y + y) + from.x, place.width,
+                    pixelAt(target, place.x, place.y + y));
+    cairo_surface_mark_dirty_rectangle(target, place.x, place.y, place.width, place.height);
 }
 
 }  // namespace
@@ -88,6 +94,7 @@ std::vector<PixelRect> CardPainter::pixelsOf(std::span<const Rect> cardAreas) co
 }
 
 void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
+    part_ = {};
     const CairoContext context{cairo_create(target)};
     // The first frame of an entrance shows no card yet, so it does not wait for the glass.
     if (look.alpha <= 0) return paint(context.get(), backdrop_);
@@ -105,13 +112,27 @@ void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
 void CardPainter::drawParts(cairo_surface_t* target, const StageLook& look,
                             std::span<const PixelRect> parts) {
     for (const PixelRect& part : parts) {
-        copyPart(ground(), part, target);
-        const CairoContext context{cairo_create(target)};
-        cairo_rectangle(context.get(), part.x, part.y, part.width, part.height);
-        cairo_clip(context.get());
-        drawScene(context.get(), look.scene);
-        if (look.pointer) drawPointer(context.get(), *look.pointer, scale_, look.alpha);
+        const PixelRect place{0, 0, part.width, part.height};
+        if (part_.bounds() != place) part_ = Pixels{part.width, part.height};
+        drawPart(surfaceOver(part_).get(), look, part, place);
+        copyRows(part_, place, target, part);
     }
+}
+
+void CardPainter::drawPartsInPlace(cairo_surface_t* target, const StageLook& look,
+                                   std::span<const PixelRect> parts) {
+    for (const PixelRect& part : parts) drawPart(target, look, part, part);
+}
+
+void CardPainter::drawPart(cairo_surface_t* target, const StageLook& look, const PixelRect& part,
+                           const PixelRect& place) {
+    copyRows(ground(), part, target, place);
+    const CairoContext context{cairo_create(target)};
+    cairo_rectangle(context.get(), place.x, place.y, place.width, place.height);
+    cairo_clip(context.get());
+    cairo_translate(context.get(), place.x - part.x, place.y - part.y);
+    drawScene(context.get(), look.scene);
+    if (look.pointer) drawPointer(context.get(), *look.pointer, scale_, look.alpha);
 }
 
 void CardPainter::drawMoving(cairo_t* cairo, const StageLook& look) {

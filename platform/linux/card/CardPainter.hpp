@@ -45,15 +45,22 @@ public:
 
     // Draws the whole stage.
     void draw(cairo_surface_t* target, const StageLook& look);
-    // Draws only these parts of a resting stage, in its pixels.
+    // Draws only these parts of a resting stage, in its pixels. Each pixel changes from the old
+    // value to the new one in a single write, because the target may be read at the same time.
     void drawParts(cairo_surface_t* target, const StageLook& look,
                    std::span<const PixelRect> parts);
+    // The same, for a target that is not read at the same time.
+    void drawPartsInPlace(cairo_surface_t* target, const StageLook& look,
+                          std::span<const PixelRect> parts);
     // The part of a text's frame that its letters may cover.
     Rect inkOf(const TextNode& text) { return canvas_.inkOf(text); }
     // The whole pixels of the stage under these areas of the card, without empty parts.
     std::vector<PixelRect> pixelsOf(std::span<const Rect> cardAreas) const;
 
 private:
+    // `place` is where the target has the part.
+    void drawPart(cairo_surface_t* target, const StageLook& look, const PixelRect& part,
+                  const PixelRect& place);
     void drawMoving(cairo_t* cairo, const StageLook& look);
     const Pixels& ground();
     const Pixels& moving(const Scene& scene);
@@ -68,6 +75,7 @@ private:
     Pixels chrome_;
     Pixels ground_;  // the chrome over the backdrop
     Pixels moving_;  // the chrome and the scene
+    Pixels part_;    // of the last size drawn, since allocating takes longer than a small drawing
     CairoCanvas canvas_;
 };
 

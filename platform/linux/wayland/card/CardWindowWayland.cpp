@@ -170,7 +170,7 @@ void CardWindowWayland::drawChanges(Instant now) {
     if (shown.isStale)
         shown.painter.draw(target, look);
     else
-        shown.painter.drawParts(target, look, parts);
+        shown.painter.drawPartsInPlace(target, look, parts);
     // The frame after the last one of a movement shows the card at rest.
     shown.isStale = isMoving(now);
     shown.areas.clear();

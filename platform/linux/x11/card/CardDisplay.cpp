@@ -107,7 +107,6 @@ void CardDisplay::draw(const StageLook& look) {
 void CardDisplay::drawParts(const StageLook& look, const std::vector<Rect>& cardAreas) {
     if (!look.isResting()) return draw(look);
     const std::vector<PixelRect> parts = painter_.pixelsOf(cardAreas);
-    buffer_->waitIfServerLags();
     painter_.drawParts(buffer_->surface(), look, parts);
     buffer_->show(parts);
     x11_.flush();

@@ -1,8 +1,5 @@
 #include "platform/linux/x11/card/WindowBuffer.hpp"
 
-#include <linux/sockios.h>
-#include <sys/ioctl.h>
-
 #include <algorithm>
 #include <new>
 #include <utility>
@@ -55,12 +52,6 @@ void WindowBuffer::waitUntilRead() {
     // event, lets the main loop sleep between two frames.
     if (std::exchange(isBeingRead_, false))
         xcbReply(xcb_get_input_focus_reply, connection_, xcb_get_input_focus(connection_));
-}
-
-void WindowBuffer::waitIfServerLags() {
-    int unreceived = 0;  // bytes
-    if (ioctl(xcb_get_file_descriptor(connection_), SIOCOUTQ, &unreceived) != 0 || unreceived > 0)
-        waitUntilRead();
 }
 
 void WindowBuffer::show(std::span<const PixelRect> parts) {

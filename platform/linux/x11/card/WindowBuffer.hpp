@@ -28,9 +28,6 @@ public:
     cairo_surface_t* surface() const { return surface_.get(); }
     // Waits until the server has read them.
     void waitUntilRead();
-    // The same, but only if the server has not received the last request yet. Enough for small
-    // parts: a server that has received it reads them at once.
-    void waitIfServerLags();
     // Copies these parts to the window.
     void show(std::span<const PixelRect> parts);
     // Null when the pixels are sent through the connection.

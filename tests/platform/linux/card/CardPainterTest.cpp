@@ -34,7 +34,7 @@ TEST(CardPainter, PartsLookAsInTheWholeCard) {
                        .font = {17, FontStyle::Weight::semibold},
                        .color = Color::white()};
         Scene last;
-        Card card{scale}, whole{scale};
+        Card card{scale}, inPlace{scale}, whole{scale};
         for (const auto& [offset, mark] :
              {std::pair{-12.0, 0.0}, {-10.5, 0}, {338.5, 0}, {339, 0.5}, {429, 0}}) {
             first.scroll = TextNode::Scroll{offset, 40, 12};
@@ -48,11 +48,15 @@ TEST(CardPainter, PartsLookAsInTheWholeCard) {
             const auto inkOf = [&](const TextNode& text) { return card.painter.inkOf(text); };
             const auto parts = card.painter.pixelsOf(changedAreas(last, scene, inkOf));
             whole.painter.draw(whole.surface.get(), {.scene = scene});
-            if (last.nodes.empty())
+            if (last.nodes.empty()) {
                 card.painter.draw(card.surface.get(), {.scene = scene});
-            else
+                inPlace.painter.draw(inPlace.surface.get(), {.scene = scene});
+            } else {
                 card.painter.drawParts(card.surface.get(), {.scene = scene}, parts);
+                inPlace.painter.drawPartsInPlace(inPlace.surface.get(), {.scene = scene}, parts);
+            }
             EXPECT_TRUE(card.pixels == whole.pixels) << offset << isRightToLeft << scale;
+            EXPECT_TRUE(inPlace.pixels == whole.pixels) << offset << isRightToLeft << scale;
             last = scene;
         }
     }
