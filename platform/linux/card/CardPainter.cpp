@@ -47,15 +47,22 @@ std::uint32_t* pixelAt(cairo_surface_t* surface, int x, int y) {
     return reinterpret_cast<std::uint32_t*>(row) + x;
 }
 
-// Copies the source's rows that begin at `from` to a place of this size in the target. Faster than
-// with Cairo.
-void copyRows(const Pixels& source, const PixelRect& from, cairo_surface_t* target,
-              const PixelRect& place) {
+// Copies a part's rows to their place where they differ, from the first such row to the last.
+// Returns their area.
+PixelRect update(cairo_surface_t* target, const Pixels& pixels, const PixelRect& part) {
     cairo_surface_flush(target);
-    for (int y = 0; y < place.height; ++y)
-        std::copy_n(source.row(from.y + y) + from.x, place.width,
-                    pixelAt(target, place.x, place.y + y));
-    cairo_surface_mark_dirty_rectangle(target, place.x, place.y, place.width, place.height);
+    const auto shown = [&](int y) { return pixelAt(target, part.x, part.y + y); };
+    const auto isChanged = [&](int y) {
+        return !std::equal(pixels.row(y), pixels.row(y) + part.width, shown(y));
+    };
+    int top = 0;
+    int bottom = part.height;
+    while (top < bottom && !isChanged(top)) ++top;
+    while (bottom > top && !isChanged(bottom - 1)) --bottom;
+    for (int y = top; y < bottom; ++y) std::copy_n(pixels.row(y), part.width, shown(y));
+    const PixelRect rows{part.x, part.y + top, part.width, bottom - top};
+    cairo_surface_mark_dirty_rectangle(target, rows.x, rows.y, rows.width, rows.height);
+    return rows;
 }
 
 }  // namespace
@@ -109,14 +116,17 @@ void CardPainter::draw(cairo_surface_t* target, const StageLook& look) {
     if (look.pointer) drawPointer(context.get(), *look.pointer, scale_, look.alpha);
 }
 
-void CardPainter::drawParts(cairo_surface_t* target, const StageLook& look,
-                            std::span<const PixelRect> parts) {
+std::vector<PixelRect> CardPainter::drawParts(cairo_surface_t* target, const StageLook& look,
+                                              std::span<const PixelRect> parts) {
+    std::vector<PixelRect> changed;
     for (const PixelRect& part : parts) {
-        const PixelRect place{0, 0, part.width, part.height};
-        if (part_.bounds() != place) part_ = Pixels{part.width, part.height};
-        drawPart(surfaceOver(part_).get(), look, part, place);
-        copyRows(part_, place, target, part);
+        if (part_.width != part.width || part_.height != part.height)
+            part_ = Pixels{part.width, part.height};
+        drawPart(surfaceOver(part_).get(), look, part, {});
+        const PixelRect rows = update(target, part_, part);
+        if (!rows.isEmpty()) changed.push_back(rows);
     }
+    return changed;
 }
 
 void CardPainter::drawPartsInPlace(cairo_surface_t* target, const StageLook& look,
@@ -126,9 +136,15 @@ void CardPainter::drawPartsInPlace(cairo_surface_t* target, const StageLook& loo
 
 void CardPainter::drawPart(cairo_surface_t* target, const StageLook& look, const PixelRect& part,
                            const PixelRect& place) {
-    copyRows(ground(), part, target, place);
+    const Pixels& below = ground();
+    cairo_surface_flush(target);
+    // Faster than with Cairo.
+    for (int y = 0; y < part.height; ++y)
+        std::copy_n(below.row(part.y + y) + part.x, part.width,
+                    pixelAt(target, place.x, place.y + y));
+    cairo_surface_mark_dirty_rectangle(target, place.x, place.y, part.width, part.height);
     const CairoContext context{cairo_create(target)};
-    cairo_rectangle(context.get(), place.x, place.y, place.width, place.height);
+    cairo_rectangle(context.get(), place.x, place.y, part.width, part.height);
     cairo_clip(context.get());
     cairo_translate(context.get(), place.x - part.x, place.y - part.y);
     drawScene(context.get(), look.scene);

@@ -47,8 +47,9 @@ public:
     void draw(cairo_surface_t* target, const StageLook& look);
     // Draws only these parts of a resting stage, in its pixels. Each pixel changes from the old
     // value to the new one in a single write, because the target may be read at the same time.
-    void drawParts(cairo_surface_t* target, const StageLook& look,
-                   std::span<const PixelRect> parts);
+    // Returns the rows of the parts that have changed.
+    std::vector<PixelRect> drawParts(cairo_surface_t* target, const StageLook& look,
+                                     std::span<const PixelRect> parts);
     // The same, for a target that is not read at the same time.
     void drawPartsInPlace(cairo_surface_t* target, const StageLook& look,
                           std::span<const PixelRect> parts);
@@ -58,7 +59,7 @@ public:
     std::vector<PixelRect> pixelsOf(std::span<const Rect> cardAreas) const;
 
 private:
-    // `place` is where the target has the part.
+    // `place` is the part's position in the target.
     void drawPart(cairo_surface_t* target, const StageLook& look, const PixelRect& part,
                   const PixelRect& place);
     void drawMoving(cairo_t* cairo, const StageLook& look);

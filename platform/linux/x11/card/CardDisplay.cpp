@@ -106,9 +106,7 @@ void CardDisplay::draw(const StageLook& look) {
 
 void CardDisplay::drawParts(const StageLook& look, const std::vector<Rect>& cardAreas) {
     if (!look.isResting()) return draw(look);
-    const std::vector<PixelRect> parts = painter_.pixelsOf(cardAreas);
-    painter_.drawParts(buffer_->surface(), look, parts);
-    buffer_->show(parts);
+    buffer_->show(painter_.drawParts(buffer_->surface(), look, painter_.pixelsOf(cardAreas)));
     x11_.flush();
 }
 
