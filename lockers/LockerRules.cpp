@@ -10,26 +10,28 @@ namespace {
 
 constexpr Size kIndicator{190, 190};  // i3lock's circle: a radius of 90 and 5 around it
 
+constexpr std::string_view kNamedByTheUser;
+
 struct KnownLocker {
-    std::string_view className;   // "" for those that the user names
+    std::string_view className;
     std::string_view instance{};  // "" for any
     Size prompt = kIndicator;
     bool alsoBlanks = false;  // the same windows cover the screen when it is blank and not locked
 };
 
 constexpr std::array kKnownLockers = std::to_array<KnownLocker>({
-    {"i3lock"},
-    {"xsecurelock", "background"},
-    {"XScreenSaver", "", {800, 300}, true},
-    {"XLock"},
-    {"kscreenlocker_greet"},
-    {"Light-locker"},
-    {"Gnome-screensaver"},
-    {"Mate-screensaver"},
-    {"Cinnamon-screensaver"},
-    {"Xfce4-screensaver"},
-    {"Ukui-screensaver-dialog"},
-    {""},
+    {.className = "i3lock"},
+    {.className = "xsecurelock", .instance = "background"},
+    {.className = "XScreenSaver", .prompt = {800, 300}, .alsoBlanks = true},
+    {.className = "XLock"},
+    {.className = "kscreenlocker_greet"},
+    {.className = "Light-locker"},
+    {.className = "Gnome-screensaver"},
+    {.className = "Mate-screensaver"},
+    {.className = "Cinnamon-screensaver"},
+    {.className = "Xfce4-screensaver"},
+    {.className = "Ukui-screensaver-dialog"},
+    {.className = kNamedByTheUser},
 });
 
 // Pickers of areas, windows and programs. They cover the screen and grab the keyboard for a moment.
@@ -40,7 +42,7 @@ bool isOneOf(const auto& list, const auto& value) {
 }
 
 bool hasClassOf(const WindowFacts& window, const KnownLocker& locker, const LockFacts& facts) {
-    if (locker.className.empty()) return isOneOf(facts.names.lockers, window.className);
+    if (locker.className == kNamedByTheUser) return isOneOf(facts.names.lockers, window.className);
     return window.className == locker.className;
 }
 
