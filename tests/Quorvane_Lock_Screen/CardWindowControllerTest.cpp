@@ -191,9 +191,11 @@ TEST_F(CardWindowControllerTest, AScreenChangeRebuildsWithoutASecondEntrance) {
 TEST_F(CardWindowControllerTest, MovesAwayFromAPromptAndBack) {
     controller->present(kPlaying);
     const Rect stated = windows.windows[0]->frame;
+    screens.list[1].keepClear = {{2000, 900, 100, 100}};
     setKeepClear({{860, 440, 200, 200}});
     EXPECT_EQ(windows.windows[0]->frame.minY(), 640);
     EXPECT_EQ(windows.windows[0]->screen.keepClear.size(), 1u);
+    EXPECT_EQ(windows.windows[1]->screen.keepClear.size(), 1u);
     setKeepClear({});
     EXPECT_EQ(windows.windows[0]->frame, stated);
     EXPECT_EQ(windows.windows.size(), 2u);  // moved, never rebuilt
