@@ -127,7 +127,16 @@ TEST_F(AddOnAppTest, EndsSafelyAtEveryPointOfItsLaunch) {
     EXPECT_EQ(clock.pendingTimers(), 0u);
 }
 
-TEST_F(AddOnAppTest, RemovesItselfWithoutASupportFolder) {
+TEST_F(AddOnAppTest, RemovesItselfWithoutEverStarting) {
+    launch({"--uninstall"});
+    EXPECT_EQ(launchLines(),
+              (Lines{"2 launch: asked to uninstall; removing the add-on", "2 removal: starting",
+                     "1 removal: login item unregistered", "1 removal: deleted the support folder",
+                     "1 removal: the bundle was already gone", "2 removal: finished; quitting"}));
+    EXPECT_TRUE(installation.bundles.empty());
+    EXPECT_EQ(terminations, 1);
+
+    // Without a home folder there is no support folder to delete.
     const std::filesystem::path nowhere = "/nowhere/Quorvane Lock Screen.app";
     live.services.installation.applicationSupport.reset();
     live.services.process.bundle = nowhere;

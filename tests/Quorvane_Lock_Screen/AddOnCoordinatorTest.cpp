@@ -43,15 +43,45 @@ struct AddOnCoordinatorTest : testing::Test, FakePlatform {
     std::shared_ptr<AddOnCoordinator> coordinator = AddOnCoordinator::make(live);
 };
 
-// The transcripts of tests/macos_program/ hold every line of a lock.
+TEST_F(AddOnCoordinatorTest, StartsInItsStatedOrder) {
+    start();
+    EXPECT_EQ(log.take(),
+              (Lines{"launch: 1.2.3, pid 4711", "Starting message port client",
+                     "Connected to message port",
+                     "State received - track: none -> Reed, position: 0.000000s",
+                     "state: track changed, playing, card visible, artwork 13 B, heart shown",
+                     "state: now 'Reed' — 'Marsh'",
+                     "link: add-on 1.2.3, macOS 26.1.0, supported true, install 0F0E0D0C",
+                     "installer: connected true; posting the status",
+                     "state: locked false, lockui false, delay false, allowed false, music true → "
+                     "windows false, card false",
+                     "lock monitor started; locked now false", "lockui: shared state 0",
+                     "Configuration: enabled true, removal false, minimum 1.0.0",
+                     "state: locked false, lockui false, delay false, allowed true, music true → "
+                     "windows false, card false"}));
+}
+
 TEST_F(AddOnCoordinatorTest, FollowsOneLockFromItsNoticeToTheUnlock) {
     start();
+    log.take();
     lock();
     EXPECT_TRUE(windows.open().empty());
     pass(800ms);
     EXPECT_TRUE(isCardSeen());
     EXPECT_EQ(activities, 1);
-    log.take();
+    EXPECT_EQ(log.take(),
+              (Lines{"lock: com.apple.screenIsLocked",
+                     "state: locked true, lockui false, delay false, allowed true, music true → "
+                     "windows false, card false",
+                     "lockui: shown",
+                     "state: locked true, lockui true, delay false, allowed true, music true → "
+                     "windows false, card false",
+                     "state: locked true, lockui true, delay true, allowed true, music true → "
+                     "windows true, card true",
+                     "windows: building 1 (state), card true",
+                     "window 101 on screen 1 {{0, 0}, {1920, 1080}} at {{708, 482}, {504, 326}}",
+                     "State received - track: Reed -> Reed, position: 0.000000s",
+                     "entrance: window 101, reduce motion false"}));
     tap(ID::next);
     mainApp.play("Rush", "Sedge");
     EXPECT_EQ(mainApp.commands, Lines{"nextTrack"});
@@ -62,6 +92,13 @@ TEST_F(AddOnCoordinatorTest, FollowsOneLockFromItsNoticeToTheUnlock) {
               (Lines{"State received - track: Reed -> Rush, position: 0.000000s",
                      "state: track changed, artwork 13 B", "state: now 'Rush' — 'Sedge'"}));
     unlock();
+    EXPECT_EQ(log.take(),
+              (Lines{"lockui: hidden",
+                     "state: locked true, lockui false, delay false, allowed true, music true → "
+                     "windows false, card false",
+                     "windows: closing 1 (state)", "unlock: com.apple.screenIsUnlocked",
+                     "state: locked false, lockui false, delay false, allowed true, music true → "
+                     "windows false, card false"}));
     EXPECT_TRUE(windows.open().empty());
     EXPECT_EQ(activities, 0);
     const int requests = mainApp.stateRequests;
@@ -77,6 +114,11 @@ TEST_F(AddOnCoordinatorTest, AScreenThatIsLockedAtTheStartNeedsNoLockNotice) {
     pass(800ms);
     EXPECT_TRUE(isCardSeen());
     EXPECT_EQ(mainApp.hellos.size(), 2u);  // the link's own and that of the lock
+    EXPECT_EQ(mainApp.hellos[0], (LockScreenAddOnHello{.protocolVersion = 1,
+                                                       .addOnVersion = "1.2.3",
+                                                       .macOSVersion = "26.1.0",
+                                                       .supportsThisMacOS = true,
+                                                       .installID = "0F0E0D0C"}));
 }
 
 TEST_F(AddOnCoordinatorTest, ARemovalClosesTheWindowsAtOnceAndForGood) {

@@ -68,6 +68,10 @@ TEST_F(CardWindowControllerTest, BuildsOneWindowAScreenAndShowsTheCardsAfterTheP
     mainThread.run();
     EXPECT_EQ(windows.stages[0]->springs, 1);
     EXPECT_TRUE(isCardSeen(0) && isCardSeen(1));
+    EXPECT_EQ(activityOptions, 0x00EFFFFFu);
+    EXPECT_EQ(windows.stages[0]->lastStart.scale, 0.94);
+    EXPECT_EQ(windows.stages[0]->lastStart.centre, (Point{252, 163}));
+    EXPECT_EQ(windows.stages[0]->lastStart.offset, (Point{0, 12}));
     EXPECT_EQ(windows.windows[0]->frame, (Rect{708, 482, 504, 326}));
     EXPECT_EQ(windows.windows[1]->frame, (Rect{2308, 443, 504, 326}));
 
@@ -166,6 +170,15 @@ TEST_F(CardWindowControllerTest, ACardThatNobodySeesRestsAndAppearsAtOnceWhenItI
         EXPECT_EQ(shownContents, 2);
     }
     EXPECT_TRUE(windows.windows.back()->fades.empty());
+}
+
+TEST_F(CardWindowControllerTest, ReducedMotionFadesWithoutASpring) {
+    windows.reducesMotion = true;
+    controller->present(kPlaying);
+    mainThread.run();
+    EXPECT_EQ(windows.stages[0]->springs, 0);
+    EXPECT_EQ(windows.windows[0]->fades, (std::vector<double>{1}));
+    EXPECT_TRUE(log.contains("entrance: window 101, reduce motion true"));
 }
 
 TEST_F(CardWindowControllerTest, AScreenChangeRebuildsWithoutASecondEntrance) {

@@ -13,12 +13,16 @@ class FakeStage : public CardStage {
 public:
     bool isHidden = true;
     int springs = 0;
+    Transform lastStart;
     std::vector<Scene> scenes;
     StageEvents events;
 
     void setHidden(bool hidden) override { isHidden = hidden; }
     void removeAnimations() override {}
-    void springFrom(const Transform&, const Spring&) override { ++springs; }
+    void springFrom(const Transform& start, const Spring&) override {
+        lastStart = start;
+        ++springs;
+    }
     void setScene(const Scene& scene) override { scenes.push_back(scene); }
     void setEvents(StageEvents newEvents) override { events = std::move(newEvents); }
 };

@@ -128,6 +128,7 @@ struct FakePlatform {
     bool isLocked = false;
     std::function<void()> wake;
     int activities = 0;
+    std::uint64_t activityOptions = 0;
     int terminations = 0;
     ScriptedMainApp mainApp{ports, clock.wallClock()};
     LivePlatform live;
@@ -296,7 +297,8 @@ private:
         spoil(live.cardWindows.makeWindow);
         live.decodeImage = [](ByteView) { return std::make_shared<Image>(); };
         spoil(live.decodeImage);
-        live.beginActivity = [this](std::uint64_t, const std::string&) {
+        live.beginActivity = [this](std::uint64_t options, const std::string&) {
+            activityOptions = options;
             ++activities;
             return Handle{[this] { --activities; }};
         };
