@@ -13,7 +13,7 @@ namespace {
 // Larger windows are not remembered, because they would leave the card no room.
 constexpr double kLargestPrompt = 0.75;  // of the monitor
 
-Rect aboutMiddle(const Rect& monitor, Size half) {
+Rect centredArea(const Rect& monitor, Size half) {
     return {std::floor(monitor.midX()) - half.width, std::floor(monitor.midY()) - half.height,
             2 * half.width, 2 * half.height};
 }
@@ -23,20 +23,20 @@ Rect promptArea(const Rect& monitor, Size prompt, const LockScene& scene) {
     const auto half = [&](double length, double last) {
         return std::max(std::ceil(length / 2 * dots / kUsualDotsPerInch), std::ceil(last / 2));
     };
-    return aboutMiddle(monitor, {half(prompt.width, scene.lastPrompt.width),
+    return centredArea(monitor, {half(prompt.width, scene.lastPrompt.width),
                                  half(prompt.height, scene.lastPrompt.height)});
 }
 
 // The windows on the screens that are smaller than a monitor.
 std::vector<Rect> windowsOver(const LockScene& scene) {
     std::vector<Rect> windows;
-    const auto add = [&](const std::vector<Rect>& frames) {
+    const auto addSmaller = [&](const std::vector<Rect>& frames) {
         std::ranges::copy_if(frames, std::back_inserter(windows), [&](const Rect& frame) {
             return !coversMonitor(frame, scene.monitors);
         });
     };
-    for (const LockScene::Locker& locker : scene.lockers) add(locker.children);
-    add(scene.dialogs);
+    for (const LockScene::Locker& locker : scene.lockers) addSmaller(locker.children);
+    addSmaller(scene.dialogs);
     return windows;
 }
 
