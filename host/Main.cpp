@@ -170,8 +170,8 @@ using End = std::function<void(int status)>;
 // Runs the main loop until the command calls `end` with its exit status.
 int runUntilEnd(const LiveServices& services, const std::function<void(const End& end)>& command) {
     int status = kHostFailed;
-    const auto end = [&](int itsStatus) {
-        status = itsStatus;
+    const auto end = [&](int result) {
+        status = result;
         services.application.terminate();
     };
     const int ended = services.application.run([&] { command(end); }, [] {});

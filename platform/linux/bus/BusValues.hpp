@@ -14,8 +14,7 @@ namespace quorvane {
 // position. Integers of all sizes become integers; object paths and signatures become strings;
 // variants are unwrapped. Values without a counterpart are skipped, and omitted from arrays and
 // dictionaries: descriptors, structures, bytes, dictionaries whose keys are not text, and texts
-// beyond 12 MiB in all. Fails with -EMSGSIZE for more than about twelve thousand
-// values.
+// beyond 12 MiB in all. Fails with -EMSGSIZE for more than about twelve thousand values.
 int readBusDictionary(sd_bus_message* message, PropertyDictionary& dictionary);
 
 // Appends a variant: "b", "x", "d", "s", "av" or "a{sv}". Fails for dates and data, and for text

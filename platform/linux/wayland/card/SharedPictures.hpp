@@ -22,8 +22,8 @@ public:
 
     int memory() const { return memory_->file().get(); }
     PixelRect bounds() const { return {0, 0, width_, height_}; }
-    // Returns a picture that the compositor does not read, or nullopt while there is none. It looks
-    // like the last one shown, except in the parts that the caller redraws.
+    // Returns a picture that the compositor is not reading; nullopt if it is reading all of them.
+    // The picture holds the pixels shown last, except in the parts that the caller redraws.
     std::optional<std::uint32_t> next(std::span<const PixelRect> redrawn = {});
     cairo_surface_t* surface(std::uint32_t picture) const {
         return pictures_[picture].surface.get();
